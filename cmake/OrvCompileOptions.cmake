@@ -1,0 +1,18 @@
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+# orv_compile_options: what every target of this project is compiled with.
+add_library(orv_compile_options INTERFACE)
+target_compile_options(orv_compile_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wcast-qual -Wformat=2 -Werror)
+
+if(ORV_SANITIZE)
+  target_compile_options(orv_compile_options INTERFACE
+    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(orv_compile_options INTERFACE -fsanitize=${ORV_SANITIZE})
+endif()
+
+if(ORV_COVERAGE)
+  target_compile_options(orv_compile_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(orv_compile_options INTERFACE --coverage)
+endif()

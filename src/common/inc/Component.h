@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_COMMON_COMPONENT_H
+#define ORV_COMMON_COMPONENT_H
+
+#include "OrvInterfaceBinders.h"
+#include "OrvMgmtSpiComponent_1.h"
+#include "OrvMgmtSpiInterfacePortal.h"
+#include "OrvReturn.h"
+
+#include <vector>
+
+namespace Orv {
+
+/// Base of the one service object of a loadable component: builds the record that the host is given
+/// and carries the host's calls to the virtual operations of \p T, which derives from this class.
+///
+/// \p T names what it offers and requires in its constructor, by filling mInterfaces and
+/// mDependencies. The shared object's orvLCMinit and orvLCMterminate call lcmInit and lcmTerminate.
+///
+/// Threads: building the object is safe against races; beyond that the host calls lcmInit,
+/// lcmTerminate, start and stop one at a time.
+template <class T>
+class Component {
+public:
+    /// The one object, built on first use and destroyed when the shared object is closed or the
+    /// process exits.
+    static T& instance() {
+        static T theInstance;
+        return theInstance;
+    }
+
+    Component(const Component&) = delete;
+    Component& operator=(const Component&) = delete;
+
+    /// Called once the component has been registered. \p argument is the text given to orvLCMinit.
+    virtual OrvReturnT initialize(const char* argument) = 0;
+    virtual void terminate() = 0;
+    virtual OrvReturnT start(OrvStateChangeReason reason) = 0;
+    virtual OrvReturnT stop(OrvStateChangeReason reason) = 0;
+    virtual ~Component() = default;
+
+    /// The body of orvLCMinit: registers with the portal of version "3", or else "1", and runs
+    /// initialize. May run more than once. Not shielded: an exception passes to the caller.
+    /// OrvFailure if the host has no portal "1"; the code of registerComponent if that is not zero.
+    static OrvReturnT lcmInit(OrvMgmtSpiInterfacePortalAccessor* accessor, const char* argument) {
+        Component& component = instance();
+        component.mPortalAccessor = accessor;
+        component.mPortal1 = static_cast<OrvMgmtSpiInterfacePortal_1*>(accessor->getPortal("1"));
+        component.mPortal3 = static_cast<OrvMgmtSpiInterfacePortal_3*>(accessor->getPortal("3"));
+        if (component.mPortal1 == nullptr) {
+            return OrvFailure;
+        }
+        component.fillRecord();
+        const OrvReturnT registered =
+            component.mPortal3 != nullptr
+                ? component.mPortal3->registerComponent(&component.mRecord)
+                : component.mPortal1->registerComponent(&component.mRecord);
+        if (registered != OrvOk) {
+            return registered;
+        }
+        return component.initialize(argument);
+    }
+
+    /// The body of orvLCMterminate. A registration that went through the portal of version "1" is
+    /// left in place: that portal is never asked to take one back.
+    static void lcmTerminate() {
+        Component& component = instance();
+        component.terminate();
+        if (component.mPortal3 != nullptr) {
+            component.mPortal3->unregisterComponent(&component.mRecord);
+            component.mPortal3 = nullptr;
+        }
+    }
+
+protected:
+    /// \p componentName is a constant text.
+    explicit Component(const char* componentName) {
+        mRecord.componentName = componentName;
+        mRecord.interfaceName = "OrvMgmtSpiComponent";
+        mRecord.interfaceVersion = "1";
+        mRecord.start = &OrvLcmStartFn;
+        mRecord.stop = &OrvLcmStopFn;
+    }
+
+    OrvMgmtSpiInterfacePortalAccessor* mPortalAccessor = nullptr;
+    OrvMgmtSpiInterfacePortal_1* mPortal1 = nullptr;
+    OrvMgmtSpiInterfacePortal_3* mPortal3 = nullptr; ///< null where the host has none
+    OrvMgmtSpiComponent_1 mRecord = {};
+    std::vector<VekMgmtSpiInterface_1*> mInterfaces;      ///< offered, without terminator
+    std::vector<VekMgmtSpiInterface_1*> mInterfaceArray;  ///< what the record points at
+    std::vector<VekMgmtSpiInterface_1*> mDependencies;    ///< required, without terminator
+    std::vector<VekMgmtSpiInterface_1*> mDependencyArray; ///< what the record points at
+    std::vector<VekMgmtSpiInterface_1*> mEmptyArray;      ///< terminators only
+
+private:
+    static OrvReturnT OrvLcmStartFn(OrvStateChangeReason reason) {
+        return shielded([&] { return static_cast<Component&>(instance()).start(reason); });
+    }
+    static OrvReturnT OrvLcmStopFn(OrvStateChangeReason reason) {
+        return shielded([&] { return static_cast<Component&>(instance()).stop(reason); });
+    }
+
+    // The source vectors keep no terminator, so that a second run does not double anything.
+    void fillRecord() {
+        mInterfaceArray = mInterfaces;
+        mDependencyArray = mDependencies;
+        mInterfaceArray.push_back(nullptr);
+        mDependencyArray.push_back(nullptr);
+        mEmptyArray.push_back(nullptr);
+        mRecord.componentFlag = false;
+        mRecord.interfaceArray = mInterfaceArray.data();
+        mRecord.dependencyArray = mDependencyArray.data();
+        mRecord.emptyInterfaceArray = mEmptyArray.data();
+    }
+};
+
+}
+
+#endif

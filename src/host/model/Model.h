@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_MODEL_H
+#define ORV_HOST_MODEL_MODEL_H
+
+#include "Value.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+/// Positions in the vectors of a Model; stable for its life.
+using ClassIndex = std::uint32_t;
+using AttributeIndex = std::uint32_t;
+
+/// An upper bound that no count reaches. Large and positive, since bounds are compared as signed
+/// numbers by some readers.
+constexpr std::int64_t kUnbounded = INT64_MAX;
+
+/// Where a definition or an object was read: for messages. `line` 0 means that it is not known.
+struct SourcePosition {
+    std::string file;
+    int line = 0;
+};
+
+/// How many values, or how many far objects, are allowed.
+struct Bounds {
+    std::int64_t lower = 0;
+    std::int64_t upper = kUnbounded;
+};
+
+struct AttributeDef;
+
+/// The type of one value.
+struct TypeDef {
+    ValueKind kind = ValueKind::String;
+    /// Enumeration: the permitted names.
+    std::vector<std::string> enumerators;
+    /// Struct: its members.
+    std::vector<AttributeDef> members;
+    /// MoRef: the permitted target classes; empty stands for any class.
+    std::vector<ClassIndex> targets;
+    /// A further check of one value in its text form, such as a range, a length or a pattern: gives
+    /// the reason why the text is refused, or an empty string. May be empty. Callable from any
+    /// number of threads at once.
+    std::function<std::string(const std::string& text)> check;
+    /// The type as its author wrote it, for people: "uint16", "string (1..64)".
+    std::string description;
+};
+
+/// An attribute of a class, a member of a struct, or a parameter of an action.
+struct AttributeDef {
+    std::string name;
+    TypeDef type;
+    Bounds multiplicity{0, 1};
+    bool isNaming = false;   ///< the attribute whose value names the object among its siblings
+    bool isWritable = true;  ///< false: set by the system only
+    std::optional<AttributeValue> defaultValue;
+    std::string description;
+    SourcePosition source;
+};
+
+struct ActionDef {
+    std::string name;
+    std::vector<AttributeDef> parameters;
+    std::optional<AttributeDef> result;
+    std::string description;
+};
+
+/// A managed object class.
+struct ClassDef {
+    std::string name;
+    std::string namingAttribute;
+    bool isTopLevel = false;            ///< may stand without a parent
+    std::vector<AttributeDef> attributes; ///< in the order of their definition
+    std::vector<ActionDef> actions;
+    std::vector<ClassIndex> children; ///< permitted child classes, in the order of their definition
+    std::vector<ClassIndex> parents;
+    Bounds instances; ///< how many may stand under one parent
+    std::string description;
+    SourcePosition source;
+
+    /// The attribute of that name, or null.
+    const AttributeDef* findAttribute(std::string_view attributeName) const;
+    const ActionDef* findAction(std::string_view actionName) const;
+};
+
+/// One end of an association. Its name is the name of the attribute that points at `moc`; that
+/// attribute lives in the class at the opposite end.
+struct AssociationEnd {
+    ClassIndex moc = 0;
+    std::string name;
+    std::string role;      ///< the word for what is counted at this end
+    Bounds cardinality;
+    bool keepAtDelete = false; ///< leave the attribute named after the far end alone at delete
+};
+
+/// Both directions of one association; `ends[0]` is the end that was defined first. The attribute
+/// named ends[1].name lives in class ends[0].moc, and the other way about.
+struct BiDirAssociation {
+    AssociationEnd ends[2];
+    SourcePosition source;
+};
+
+/// One direction: class `owner` has the attribute `end.name`, whose values may be of class
+/// `end.moc`. One association for each permitted class.
+struct UniDirAssociation {
+    ClassIndex owner = 0;
+    AssociationEnd end;
+    SourcePosition source;
+};
+
+/// What the management framework knows of its classes: plain data, built once (see ModelBuilder)
+/// and then read by any number of threads.
+struct Model {
+    std::vector<ClassDef> classes;
+    std::vector<BiDirAssociation> biDirAssociations;
+    std::vector<UniDirAssociation> uniDirAssociations;
+
+    /// The class of that name, or nothing. Constant time.
+    std::optional<ClassIndex> findClass(std::string_view name) const;
+
+    /// Filled by ModelBuilder.
+    std::unordered_map<std::string, ClassIndex> classByName;
+};
+
+}
+
+#endif

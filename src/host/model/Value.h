@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_VALUE_H
+#define ORV_HOST_MODEL_VALUE_H
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace OrvHost {
+
+/// What the values of an attribute are.
+enum class ValueKind : std::uint8_t { Bool, Int, Uint, Double, Enumeration, String, MoRef, Struct };
+
+struct AttributeValue;
+
+/// A struct value: its members in order.
+struct StructValue {
+    std::vector<std::pair<std::string, AttributeValue>> members;
+};
+
+/// One value, free of any table record. Enumerations, texts and references (internal DNs) are
+/// std::string.
+using Value = std::variant<bool, std::int64_t, std::uint64_t, double, std::string, StructValue>;
+
+/// The value of one attribute: all its values are of one kind.
+struct AttributeValue {
+    ValueKind kind = ValueKind::String;
+    std::vector<Value> values;
+};
+
+bool operator==(const StructValue& left, const StructValue& right);
+bool operator==(const AttributeValue& left, const AttributeValue& right);
+
+/// An attribute with its name.
+using NamedValue = std::pair<std::string, AttributeValue>;
+
+}
+
+#endif

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_ORV_COMMON_DNUTIL_H
+#define ORV_ORV_COMMON_DNUTIL_H
+
+#include <string>
+
+namespace Orv {
+
+/// Questions about the text of DNs, the same for both forms. Stateless: any thread, any time.
+class DnUtil {
+public:
+    /// True if `value` may stand as a naming value in a DN: not empty, valid UTF-8, no control
+    /// character, none of `,` `=` `+` `"` `\` `<` `>` `;`, no space at either end. May be null,
+    /// which is not valid.
+    static bool validateMoNamingAttr(const char* value);
+
+    /// The MOC path of `dn`: the class names of its steps joined by ",". A step `Class.attr=value`
+    /// counts as `Class`. "Parent=1,Unit=7" gives "Parent,Unit"; an empty DN an empty path.
+    static std::string getMocPath(const std::string& dn);
+
+    /// Takes the last step off `dn` and puts its class into `leaf`: from "Parent=1,Unit.label=7" it
+    /// leaves "Parent=1" and the leaf "Unit". False, with both untouched, if `dn` is empty.
+    static bool popLeafClass(std::string& dn, std::string& leaf);
+};
+
+}
+
+#endif

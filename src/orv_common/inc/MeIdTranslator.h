@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_ORV_COMMON_MEIDTRANSLATOR_H
+#define ORV_ORV_COMMON_MEIDTRANSLATOR_H
+
+#include <mutex>
+#include <string>
+
+namespace Orv {
+
+/// Translates DNs between the form that clients speak (external) and the form of the router
+/// (internal). The two differ in the value of a `ManagedElement` at the root: clients know it by
+/// its identity, the preferred one or else the fallback; inside it is always `1`.
+///
+/// Threads: every operation may be called from any thread at any time.
+class MeIdTranslator {
+public:
+    /// The one object. Owned by the library; never null.
+    static MeIdTranslator* instance();
+
+    MeIdTranslator(const MeIdTranslator&) = delete;
+    MeIdTranslator& operator=(const MeIdTranslator&) = delete;
+
+    /// Called with the life of a component. The identities are configured by the host and live
+    /// longer than that, so there is nothing to do in either.
+    void start();
+    void stop();
+
+    /// The internal form of the external `dn`; empty if it cannot be translated: its first step is
+    /// of the class ManagedElement and has a value other than the identity. An empty DN gives an
+    /// empty DN; a DN with another first class comes back unchanged.
+    std::string toInternalDn(const std::string& dn);
+
+    /// The external form of the internal `dn`; empty if it cannot be translated: its first step is
+    /// of the class ManagedElement and has a value other than `1`. An empty DN gives an empty DN; a
+    /// DN with another first class comes back unchanged.
+    std::string toExternalDn(const std::string& dn);
+
+    /// The preferred identity, or the fallback if that is empty. Read under the translator's lock;
+    /// the text is owned by the translator and valid until the next configure.
+    const char* identity();
+
+    /// Host only: sets both identities. Either may be empty.
+    void configure(const std::string& preferred, const std::string& fallback);
+
+private:
+    MeIdTranslator() = default;
+    ~MeIdTranslator() = default;
+
+    const std::string& chosenIdentity() const;
+
+    std::mutex mMutex;
+    std::string mPreferredIdentity;
+    std::string mFallbackIdentity;
+};
+
+}
+
+#endif

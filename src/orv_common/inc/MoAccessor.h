@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_ORV_COMMON_MOACCESSOR_H
+#define ORV_ORV_COMMON_MOACCESSOR_H
+
+#include "OrvReturn.h"
+#include "Transaction.h"
+
+#include <list>
+#include <string>
+
+namespace Orv {
+
+/// How an accessor locks what it reads. The values are the host's; 1 is the only one in use.
+enum OrvLockPolicyT : int { OrvLockPolicyRead = 1 };
+
+/// Reads the MO tree through the router of version "3", which it finds through the Portal. One
+/// thread at a time; the router's rules for the bound transaction hold.
+class MoAccessor : public Transaction {
+public:
+    /// `limit` is the number of seconds a host may spend waiting for a lock.
+    MoAccessor(OrvLockPolicyT policy, int limit);
+
+    /// Appends to `children` the full internal DNs of the children of `parentDn` (internal; empty:
+    /// the top level) of the class `className`, in the router's order. Returns the code of the
+    /// router's first step that fails, after which `children` holds what was found until then, or
+    /// OrvFailure if there is no router.
+    OrvReturnT getChildren(const std::string& parentDn, const std::string& className,
+                           std::list<std::string>& children);
+};
+
+}
+
+#endif

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_ORV_COMMON_ORVEXCEPTION_H
+#define ORV_ORV_COMMON_ORVEXCEPTION_H
+
+#include "OrvReturn.h"
+
+#include <exception>
+#include <string>
+
+namespace Orv {
+
+/// A failure with a return code and a text built from a printf format.
+class OrvException : public std::exception {
+public:
+    OrvException(OrvReturnT code, const char* format, ...) __attribute__((format(printf, 3, 4)));
+    /// The code is OrvFailure.
+    explicit OrvException(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    const char* what() const noexcept override;
+    OrvReturnT returnCode() const noexcept;
+
+private:
+    OrvReturnT mCode;
+    std::string mText;
+};
+
+}
+
+#endif

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_ORV_COMMON_ORVRETURNTEXT_H
+#define ORV_ORV_COMMON_ORVRETURNTEXT_H
+
+#include "OrvReturn.h"
+
+namespace Orv {
+
+/// Texts for return codes.
+class OrvReturn {
+public:
+    /// The code's name, for example "OrvNotExist"; for a code without a name, a text that says so.
+    /// A constant, never null. Any thread.
+    static const char* strerror(OrvReturnT code);
+};
+
+}
+
+#endif

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_SPI_ORVMGMTSPIINTERFACE_1_H
+#define ORV_SPI_ORVMGMTSPIINTERFACE_1_H
+
+#include <cstddef>
+
+/// Identity of an interface, and the head of every table: a pointer to a table is also a pointer to
+/// its identity. The texts are constants with static lifetime. In a list of required interfaces a
+/// field may be null, which asks for no particular component or version.
+struct OrvMgmtSpiInterface_1 {
+    const char* componentName;
+    const char* interfaceName;
+    const char* interfaceVersion;
+};
+
+typedef OrvMgmtSpiInterface_1 VekMgmtSpiInterface_1;
+
+static_assert(sizeof(OrvMgmtSpiInterface_1) == 3 * sizeof(void*), "identity is three words");
+static_assert(offsetof(OrvMgmtSpiInterface_1, interfaceName) == sizeof(void*), "second word");
+static_assert(offsetof(OrvMgmtSpiInterface_1, interfaceVersion) == 2 * sizeof(void*), "third word");
+
+#endif

@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_SPI_ORVMOATTRIBUTEVALUE_H
+#define ORV_SPI_ORVMOATTRIBUTEVALUE_H
+
+#include <cstddef>
+#include <cstdint>
+
+/// \file
+/// Attribute values of versions 3 and 3_1, and those of version 1.
+///
+/// All records are plain. Whoever builds a value owns every text, array and list in it, and the
+/// reader writes to none of them. Who frees a value is told with the result records below, and
+/// with the operations for all others.
+
+/// What the slots of a container hold. The numbers below are the ones that the reference host uses;
+/// a reader must pass on values of codes it does not know, slot by slot, as 8 opaque bytes.
+enum OrvMoAttributeType_3 : std::int32_t {
+    OrvMoAttributeTypeBool_3 = 1,
+    OrvMoAttributeTypeInt64_3 = 2,
+    OrvMoAttributeTypeUint64_3 = 3,
+    OrvMoAttributeTypeDouble_3 = 4,
+    OrvMoAttributeTypeEnumeration_3 = 5, ///< the enumerator's name, in `string`
+    OrvMoAttributeTypeString_3 = 9,
+    OrvMoAttributeTypeMoRef_3 = 11, ///< a DN, in `moRef`
+    OrvMoAttributeTypeStruct_3 = 14 ///< the first member, in `structValue`
+};
+
+struct OrvMoStructMember_3;
+
+/// One value: 8 bytes, whatever it holds.
+union OrvMoAttributeValue_3 {
+    const char* string; ///< String, Enumeration
+    const char* moRef;  ///< MoRef; never null
+    OrvMoStructMember_3* structValue; ///< Struct; null is an empty struct
+    bool boolean;
+    std::int64_t int64;
+    std::uint64_t uint64;
+    double real;
+};
+
+/// One attribute's value, which can be multi-valued.
+struct OrvMoAttributeValueContainer_3 {
+    std::int32_t type;             ///< an OrvMoAttributeType_3, or a code of the host's
+    std::uint32_t count;           ///< number of slots; 0 is legal
+    OrvMoAttributeValue_3* values; ///< the slots; may be null when `count` is 0
+};
+
+/// One member of a struct value; a struct is a singly linked list of these.
+struct OrvMoStructMember_3 {
+    const char* name;
+    OrvMoAttributeValueContainer_3* value;
+    OrvMoStructMember_3* next; ///< null at the end
+};
+
+/// An attribute or parameter with its name. They travel as an array of pointers to these, ended by
+/// a null pointer.
+struct OrvMoNamedAttributeValueContainer_3 {
+    const char* name;
+    OrvMoAttributeValueContainer_3 value;
+};
+
+/// What a single read or an action returns. After a successful call the receiver owns it and calls
+/// release(container) exactly once, if neither of the two is null. After a failed call the fields
+/// mean nothing to the receiver.
+struct OrvMoAttributeValueResult_3 {
+    void (*release)(OrvMoAttributeValueContainer_3* container); ///< may be null
+    OrvMoAttributeValueContainer_3* container;                  ///< may be null
+};
+
+/// What a read of many attributes returns: one container for each requested attribute, in the order
+/// of the request, ended by a null pointer. After a successful call the receiver owns it and calls
+/// release(containers) exactly once, if release is not null; that frees the array and all it holds.
+struct OrvMoAttributeValuesResult_3 {
+    void (*release)(OrvMoAttributeValueContainer_3** containers); ///< may be null
+    OrvMoAttributeValueContainer_3** containers;                  ///< may be null
+};
+
+// One type under both names: a pointer to one is handed on as the other without conversion.
+typedef OrvMoAttributeValueContainer_3 VekMoAttributeValueContainer_3;
+typedef OrvMoNamedAttributeValueContainer_3 VekMoNamedAttributeValueContainer_3;
+typedef OrvMoAttributeValueResult_3 VekMoAttributeValueResult_3;
+typedef OrvMoAttributeValuesResult_3 VekMoAttributeValuesResult_3;
+
+struct OrvMoStructMember;
+
+/// One value of version 1: the slot of version 3.
+union OrvMoAttributeValue {
+    const char* string;
+    const char* moRef;
+    OrvMoStructMember* structValue;
+    bool boolean;
+    std::int64_t int64;
+    std::uint64_t uint64;
+    double real;
+};
+
+/// One attribute's value in version 1: the fields and the type codes of version 3. There are no
+/// result records: what a read hands out lives until its transaction is finished.
+struct OrvMoAttributeValueContainer {
+    std::int32_t type;
+    std::uint32_t count;
+    OrvMoAttributeValue* values;
+};
+
+/// One member of a struct value of version 1.
+struct OrvMoStructMember {
+    const char* name;
+    OrvMoAttributeValueContainer* value;
+    OrvMoStructMember* next;
+};
+
+static_assert(sizeof(OrvMoAttributeValue_3) == 8, "slots have a stride of 8");
+static_assert(offsetof(OrvMoAttributeValueContainer_3, type) == 0, "first field");
+static_assert(offsetof(OrvMoAttributeValueContainer_3, count) == 4, "second field");
+static_assert(offsetof(OrvMoAttributeValueContainer_3, values) == 8, "third field");
+static_assert(sizeof(OrvMoAttributeValueContainer_3) == 16, "container");
+static_assert(offsetof(OrvMoStructMember_3, value) == 8, "second field");
+static_assert(offsetof(OrvMoStructMember_3, next) == 16, "third field");
+static_assert(offsetof(OrvMoNamedAttributeValueContainer_3, value) == 8, "value is held inline");
+static_assert(sizeof(OrvMoNamedAttributeValueContainer_3) == 24, "named container");
+static_assert(offsetof(OrvMoAttributeValueResult_3, container) == 8, "second field");
+static_assert(offsetof(OrvMoAttributeValuesResult_3, containers) == 8, "second field");
+static_assert(sizeof(OrvMoAttributeValue) == 8, "slots have a stride of 8");
+static_assert(offsetof(OrvMoAttributeValueContainer, count) == 4, "second field");
+static_assert(offsetof(OrvMoAttributeValueContainer, values) == 8, "third field");
+static_assert(sizeof(OrvMoAttributeValueContainer) == 16, "container");
+static_assert(offsetof(OrvMoStructMember, value) == 8, "second field");
+static_assert(offsetof(OrvMoStructMember, next) == 16, "third field");
+
+#endif
