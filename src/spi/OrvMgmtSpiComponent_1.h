@@ -9,7 +9,8 @@
 
 #include <cstddef>
 
-/// Why the host starts or stops a component. The values are the host's; a component may ignore them.
+/// Why the host starts or stops a component. The values are the host's; a component may ignore
+/// them.
 enum OrvStateChangeReason : int {
     OrvStateChangeReasonHostStart = 0,    ///< the host itself comes up
     OrvStateChangeReasonHostShutdown = 1, ///< the host itself goes down

@@ -50,12 +50,16 @@ struct OrvMgmtSpiInterfacePortal_3 {
 
 static_assert(offsetof(OrvMgmtSpiInterfacePortalAccessor, getPortal) == 0, "first word");
 static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, getInterface) == 3 * sizeof(void*), "slot 1");
-static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, registerComponent) == 5 * sizeof(void*), "slot 3");
-static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, unregisterComponent) == 6 * sizeof(void*), "slot 4");
+static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, registerComponent) == 5 * sizeof(void*),
+              "slot 3");
+static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, unregisterComponent) == 6 * sizeof(void*),
+              "slot 4");
 static_assert(sizeof(OrvMgmtSpiInterfacePortal_1) == 7 * sizeof(void*), "four slots");
 static_assert(offsetof(OrvMgmtSpiInterfacePortal_3, getInterface) == 3 * sizeof(void*), "slot 1");
-static_assert(offsetof(OrvMgmtSpiInterfacePortal_3, registerComponent) == 5 * sizeof(void*), "slot 3");
-static_assert(offsetof(OrvMgmtSpiInterfacePortal_3, unregisterComponent) == 6 * sizeof(void*), "slot 4");
+static_assert(offsetof(OrvMgmtSpiInterfacePortal_3, registerComponent) == 5 * sizeof(void*),
+              "slot 3");
+static_assert(offsetof(OrvMgmtSpiInterfacePortal_3, unregisterComponent) == 6 * sizeof(void*),
+              "slot 4");
 static_assert(sizeof(OrvMgmtSpiInterfacePortal_3) == 7 * sizeof(void*), "four slots");
 
 #endif

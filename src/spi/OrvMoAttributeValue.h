@@ -31,8 +31,8 @@ struct OrvMoStructMember_3;
 
 /// One value: 8 bytes, whatever it holds.
 union OrvMoAttributeValue_3 {
-    const char* string; ///< String, Enumeration
-    const char* moRef;  ///< MoRef; never null
+    const char* string;               ///< String, Enumeration
+    const char* moRef;                ///< MoRef; never null
     OrvMoStructMember_3* structValue; ///< Struct; null is an empty struct
     bool boolean;
     std::int64_t int64;

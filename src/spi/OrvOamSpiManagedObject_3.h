@@ -62,7 +62,8 @@ static_assert(offsetof(OrvOamSpiManagedObject_3, nextMo) == 7 * sizeof(void*), "
 static_assert(offsetof(OrvOamSpiManagedObject_3, createMo) == 8 * sizeof(void*), "slot 6");
 static_assert(offsetof(OrvOamSpiManagedObject_3, deleteMo) == 9 * sizeof(void*), "slot 7");
 static_assert(offsetof(OrvOamSpiManagedObject_3, action) == 10 * sizeof(void*), "slot 8");
-static_assert(offsetof(OrvOamSpiManagedObject_3, finalizeMoIterator) == 11 * sizeof(void*), "slot 9");
+static_assert(offsetof(OrvOamSpiManagedObject_3, finalizeMoIterator) == 11 * sizeof(void*),
+              "slot 9");
 static_assert(offsetof(OrvOamSpiManagedObject_3, existsMo) == 12 * sizeof(void*), "slot 10");
 static_assert(offsetof(OrvOamSpiManagedObject_3, countMoChildren) == 13 * sizeof(void*), "slot 11");
 static_assert(sizeof(OrvOamSpiManagedObject_3) == 14 * sizeof(void*), "eleven slots");

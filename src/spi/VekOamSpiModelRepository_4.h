@@ -4,8 +4,8 @@
 #ifndef ORV_SPI_VEKOAMSPIMODELREPOSITORY_4_H
 #define ORV_SPI_VEKOAMSPIMODELREPOSITORY_4_H
 
-#include "OrvMgmtSpiInterface_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
+#include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
 
 #include <cstddef>
@@ -43,9 +43,10 @@ typedef unsigned long long VekOamSpiMrContainmentHandle_4T;
 constexpr int VekOamSpiMrGeneralName_4 = 0; ///< general text: name of the MOC, attribute or end
 constexpr int VekOamSpiMrEndName_4 = 0;     ///< text of an end: its name
 constexpr int VekOamSpiMrEndRole_4 = 1;     ///< text of an end: the word for what is counted there
-constexpr int VekOamSpiMrEndKeepAtDelete_4 = 0; ///< flag of an end: left alone when an MO is deleted
-constexpr int VekOamSpiMrLowerBound_4 = 0;      ///< number of an end or type: lower bound
-constexpr int VekOamSpiMrUpperBound_4 = 1;      ///< number of an end or type: upper bound
+constexpr int VekOamSpiMrEndKeepAtDelete_4 =
+    0;                                     ///< flag of an end: left alone when an MO is deleted
+constexpr int VekOamSpiMrLowerBound_4 = 0; ///< number of an end or type: lower bound
+constexpr int VekOamSpiMrUpperBound_4 = 1; ///< number of an end or type: upper bound
 
 /// Type code of an attribute that holds references: the code of a reference value record.
 constexpr int VekOamSpiMrTypeMoRef_4 = 11;
@@ -54,8 +55,8 @@ constexpr int VekOamSpiMrTypeMoRef_4 = 11;
 struct VekOamSpiMrDnLookup_4 {
     OrvReservedSlot reserved0;
     OrvReservedSlot reserved1;
-    /// Entry 2. The MOC of the object that an internal \p dn names, found by the DN's class path, so
-    /// that the object need not exist. \p flag is 1.
+    /// Entry 2. The MOC of the object that an internal \p dn names, found by the DN's class path,
+    /// so that the object need not exist. \p flag is 1.
     OrvReturnT (*getMocFromDn)(const char* dn, int flag, VekOamSpiMrMocHandle_4T* moc);
 };
 
@@ -185,7 +186,8 @@ struct VekOamSpiMrAttribute_4 {
 
 /// Sub-table 13.
 struct VekOamSpiMrReferenceType_4 {
-    /// Entry 0. The MOC that a reference type points at; a MOC named "ManagedObject" stands for any.
+    /// Entry 0. The MOC that a reference type points at; a MOC named "ManagedObject" stands for
+    /// any.
     OrvReturnT (*getReferencedMoc)(VekOamSpiMrTypeHandle_4T type, VekOamSpiMrMocHandle_4T* moc);
 };
 
@@ -221,21 +223,28 @@ static_assert(offsetof(VekOamSpiMrGeneralProperties_4, getGeneralStringProperty)
 static_assert(offsetof(VekOamSpiMrMocQueries_4, getMocGeneralProperties) == 0, "entry 0");
 static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstAttribute) == orvSpiWord(5), "entry 5");
 static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstContainment) == orvSpiWord(7), "entry 7");
-static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstBiDirAssociation) == orvSpiWord(9), "entry 9");
-static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstUniDirAssociation) == orvSpiWord(10), "entry 10");
+static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstBiDirAssociation) == orvSpiWord(9),
+              "entry 9");
+static_assert(offsetof(VekOamSpiMrMocQueries_4, getFirstUniDirAssociation) == orvSpiWord(10),
+              "entry 10");
 static_assert(offsetof(VekOamSpiMrContainment_4, getContainedMoc) == orvSpiWord(2), "entry 2");
 static_assert(offsetof(VekOamSpiMrContainment_4, getNextContainment) == orvSpiWord(5), "entry 5");
 static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndMoc) == 0, "entry 0");
 static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndAttribute) == orvSpiWord(1), "entry 1");
-static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndGeneralProperties) == orvSpiWord(2), "entry 2");
-static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndStringProperty) == orvSpiWord(3), "entry 3");
-static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndBoolProperty) == orvSpiWord(4), "entry 4");
+static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndGeneralProperties) == orvSpiWord(2),
+              "entry 2");
+static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndStringProperty) == orvSpiWord(3),
+              "entry 3");
+static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndBoolProperty) == orvSpiWord(4),
+              "entry 4");
 static_assert(offsetof(VekOamSpiMrAssociationEnd_4, getEndIntProperty) == orvSpiWord(5), "entry 5");
 static_assert(offsetof(VekOamSpiMrBiDirAssociation_4, getFirstEnd) == orvSpiWord(2), "entry 2");
 static_assert(offsetof(VekOamSpiMrBiDirAssociation_4, getSecondEnd) == orvSpiWord(3), "entry 3");
-static_assert(offsetof(VekOamSpiMrBiDirAssociation_4, getNextBiDirAssociation) == orvSpiWord(4), "entry 4");
+static_assert(offsetof(VekOamSpiMrBiDirAssociation_4, getNextBiDirAssociation) == orvSpiWord(4),
+              "entry 4");
 static_assert(offsetof(VekOamSpiMrUniDirAssociation_4, getUniDirEnd) == orvSpiWord(2), "entry 2");
-static_assert(offsetof(VekOamSpiMrUniDirAssociation_4, getNextUniDirAssociation) == orvSpiWord(3), "entry 3");
+static_assert(offsetof(VekOamSpiMrUniDirAssociation_4, getNextUniDirAssociation) == orvSpiWord(3),
+              "entry 3");
 static_assert(offsetof(VekOamSpiMrAttributeType_4, getTypeCode) == orvSpiWord(1), "entry 1");
 static_assert(offsetof(VekOamSpiMrAttributeType_4, getTypeIntProperty) == orvSpiWord(5), "entry 5");
 static_assert(offsetof(VekOamSpiMrAttribute_4, getAttributeGeneralProperties) == 0, "entry 0");
@@ -244,14 +253,22 @@ static_assert(offsetof(VekOamSpiMrAttribute_4, getAttributeType) == orvSpiWord(2
 static_assert(offsetof(VekOamSpiMrAttribute_4, getNextAttribute) == orvSpiWord(3), "entry 3");
 static_assert(offsetof(VekOamSpiMrReferenceType_4, getReferencedMoc) == 0, "entry 0");
 static_assert(offsetof(VekOamSpiModelRepository_4, dnLookup) == orvSpiWord(6 + 0), "sub-table 0");
-static_assert(offsetof(VekOamSpiModelRepository_4, generalProperties) == orvSpiWord(6 + 1), "sub-table 1");
+static_assert(offsetof(VekOamSpiModelRepository_4, generalProperties) == orvSpiWord(6 + 1),
+              "sub-table 1");
 static_assert(offsetof(VekOamSpiModelRepository_4, mocQueries) == orvSpiWord(6 + 3), "sub-table 3");
-static_assert(offsetof(VekOamSpiModelRepository_4, containment) == orvSpiWord(6 + 4), "sub-table 4");
-static_assert(offsetof(VekOamSpiModelRepository_4, associationEnd) == orvSpiWord(6 + 5), "sub-table 5");
-static_assert(offsetof(VekOamSpiModelRepository_4, biDirAssociation) == orvSpiWord(6 + 6), "sub-table 6");
-static_assert(offsetof(VekOamSpiModelRepository_4, uniDirAssociation) == orvSpiWord(6 + 7), "sub-table 7");
-static_assert(offsetof(VekOamSpiModelRepository_4, attributeType) == orvSpiWord(6 + 8), "sub-table 8");
-static_assert(offsetof(VekOamSpiModelRepository_4, attribute) == orvSpiWord(6 + 11), "sub-table 11");
-static_assert(offsetof(VekOamSpiModelRepository_4, referenceType) == orvSpiWord(6 + 13), "sub-table 13");
+static_assert(offsetof(VekOamSpiModelRepository_4, containment) == orvSpiWord(6 + 4),
+              "sub-table 4");
+static_assert(offsetof(VekOamSpiModelRepository_4, associationEnd) == orvSpiWord(6 + 5),
+              "sub-table 5");
+static_assert(offsetof(VekOamSpiModelRepository_4, biDirAssociation) == orvSpiWord(6 + 6),
+              "sub-table 6");
+static_assert(offsetof(VekOamSpiModelRepository_4, uniDirAssociation) == orvSpiWord(6 + 7),
+              "sub-table 7");
+static_assert(offsetof(VekOamSpiModelRepository_4, attributeType) == orvSpiWord(6 + 8),
+              "sub-table 8");
+static_assert(offsetof(VekOamSpiModelRepository_4, attribute) == orvSpiWord(6 + 11),
+              "sub-table 11");
+static_assert(offsetof(VekOamSpiModelRepository_4, referenceType) == orvSpiWord(6 + 13),
+              "sub-table 13");
 
 #endif

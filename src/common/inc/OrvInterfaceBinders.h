@@ -105,7 +105,8 @@ private:
     }
     static OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
                                     void** iterator) {
-        return shielded([&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
+        return shielded(
+            [&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
     }
     static OrvReturnT nextMo(void* iterator, char** result) {
         return shielded([&] { return _instance->nextMo(iterator, result); });
@@ -134,9 +135,10 @@ class ManagedObject3Binder {
 public:
     /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
     ManagedObject3Binder(const OrvMgmtSpiInterface_1& identity, T& served)
-        : mInterface{identity, &setMoAttribute, &getMoAttribute, &getMoAttributes,
-                     &newMoIterator, &nextMo, &createMo, &deleteMo, &action,
-                     &finalizeMoIterator, &existsMo, &countMoChildren} {
+        : mInterface{
+              identity,  &setMoAttribute, &getMoAttribute, &getMoAttributes, &newMoIterator,
+              &nextMo,   &createMo,       &deleteMo,       &action,          &finalizeMoIterator,
+              &existsMo, &countMoChildren} {
         assert(!_instance);
         _instance = &served;
     }
@@ -158,11 +160,13 @@ private:
     static OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn,
                                       const char** attrNames,
                                       OrvMoAttributeValuesResult_3* result) {
-        return shielded([&] { return _instance->getMoAttributes(txHandle, dn, attrNames, result); });
+        return shielded(
+            [&] { return _instance->getMoAttributes(txHandle, dn, attrNames, result); });
     }
     static OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
                                     unsigned long long* iterator) {
-        return shielded([&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
+        return shielded(
+            [&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
     }
     static OrvReturnT nextMo(unsigned long long iterator, char** result) {
         return shielded([&] { return _instance->nextMo(iterator, result); });

@@ -61,8 +61,8 @@ struct AttributeDef {
     std::string name;
     TypeDef type;
     Bounds multiplicity{0, 1};
-    bool isNaming = false;   ///< the attribute whose value names the object among its siblings
-    bool isWritable = true;  ///< false: set by the system only
+    bool isNaming = false;  ///< the attribute whose value names the object among its siblings
+    bool isWritable = true; ///< false: set by the system only
     std::optional<AttributeValue> defaultValue;
     std::string description;
     SourcePosition source;
@@ -79,7 +79,7 @@ struct ActionDef {
 struct ClassDef {
     std::string name;
     std::string namingAttribute;
-    bool isTopLevel = false;            ///< may stand without a parent
+    bool isTopLevel = false;              ///< may stand without a parent
     std::vector<AttributeDef> attributes; ///< in the order of their definition
     std::vector<ActionDef> actions;
     std::vector<ClassIndex> children; ///< permitted child classes, in the order of their definition
@@ -98,7 +98,7 @@ struct ClassDef {
 struct AssociationEnd {
     ClassIndex moc = 0;
     std::string name;
-    std::string role;      ///< the word for what is counted at this end
+    std::string role; ///< the word for what is counted at this end
     Bounds cardinality;
     bool keepAtDelete = false; ///< leave the attribute named after the far end alone at delete
 };

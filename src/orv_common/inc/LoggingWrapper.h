@@ -68,8 +68,8 @@ public:
     /// Host only. The level at first is 4, which lets logs of level 3 and 4 through.
     void setLevel(unsigned int level);
 
-    /// Host only: where records go. Called on the thread that writes the record, one call at a time.
-    /// A sink must not log. Null: records are dropped, which is the state at first. When this
+    /// Host only: where records go. Called on the thread that writes the record, one call at a
+    /// time. A sink must not log. Null: records are dropped, which is the state at first. When this
     /// returns, the previous sink is no longer running.
     void setSink(Sink sink);
 

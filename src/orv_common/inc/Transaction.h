@@ -11,7 +11,8 @@ class Transaction {
 public:
     virtual ~Transaction();
 
-    /// Binds this object to the transaction `txHandle`; everything done before goes to transaction 0.
+    /// Binds this object to the transaction `txHandle`; everything done before goes to transaction
+    /// 0.
     void useTransaction(const unsigned long& txHandle);
 
 protected:
