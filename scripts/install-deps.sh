@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+#
+# Installs from Debian's packages what is missing on this machine.
+#   scripts/install-deps.sh build    what it takes to build and run
+#   scripts/install-deps.sh          that, and what the tests and checks need
+
+set -euo pipefail
+
+build_packages=(
+  g++ cmake ninja-build pkg-config
+  libpoco-dev         # the component's mutexes, the host's library loader
+  libyang2-dev        # reads YANG models and instance data
+  libcli11-dev        # orvhost: options
+  nlohmann-json3-dev  # orvhost: JSON output
+  libedit-dev         # orvhost: line editing, history, completion
+)
+test_packages=(
+  libgtest-dev libgmock-dev
+  librapidcheck-dev   # property tests
+  clang clang-format clang-tidy
+  binutils python3
+)
+
+case "${1:-all}" in
+  build) packages=("${build_packages[@]}") ;;
+  all) packages=("${build_packages[@]}" "${test_packages[@]}") ;;
+  *)
+    echo "usage: $0 [build]" >&2
+    exit 2
+    ;;
+esac
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "$0: these packages are missing and installing them takes root: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+echo "Installing: ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! { "${as_root[@]}" apt-get update &&
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+  tail -n 30 "$log" >&2
+  echo "$0: apt-get could not install: ${missing[*]}" >&2
+  exit 1
+fi
