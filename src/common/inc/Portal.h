@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
 
+#include <atomic>
 #include <type_traits>
 
 struct OrvOamSpiManagedObject_3;
@@ -22,8 +23,9 @@ namespace Orv {
 /// The cache goes by the type of the table, not by identity: while it is valid the first answer
 /// for a type stands for all identities of that type.
 ///
-/// Threads: attach and detach belong to the host, at a time when no component is started. Lookups
-/// are made from a component's start and from the initialisation of interceptors, one at a time.
+/// Threads: getInterface and lookup may be called from any thread. Two lookups of one type that run
+/// at once may both reach the host; either answer is good. attach and detach belong to the host, at
+/// a time when no component is started.
 class Portal {
 public:
     /// The host's lookup. On OrvOk the table is in `*result`, owned by whoever offers it.
@@ -39,12 +41,23 @@ public:
     /// "Interface %s not found". \p Table is one of the four types with a cached pointer.
     template <class Table>
     Table* getInterface(const VekMgmtSpiInterface_1& id) {
-        Table*& cached = cachedPointer<Table>();
-        if (cached != nullptr && mCacheValid) {
-            return cached;
+        std::atomic<Table*>& cached = cachedPointer<Table>();
+        Table* const known = cached;
+        if (known != nullptr && mCacheValid) {
+            return known;
         }
-        if (mLookup != nullptr && lookUp(id, cached) == OrvOk) {
-            return cached;
+        const LookupFn hostLookup = mLookup;
+        if (hostLookup != nullptr) {
+            // What the host writes goes into the cache, whatever its code says.
+            void* found = known;
+            const OrvReturnT code = hostLookup(id, &found);
+            Table* const table = static_cast<Table*>(found);
+            if (table != known) {
+                cached = table;
+            }
+            if (code == OrvOk) {
+                return table;
+            }
         }
         logNotFound(id.interfaceName);
         return nullptr;
@@ -54,7 +67,7 @@ public:
     LookupFn lookup() const;
 
     /// Host only: sets the lookup, empties the cache and declares it valid.
-    void attach(LookupFn lookup);
+    void attach(LookupFn hostLookup);
 
     /// Host only: drops the lookup and all cached pointers.
     void detach();
@@ -64,7 +77,7 @@ private:
     ~Portal() = default;
 
     template <class Table>
-    Table*& cachedPointer() {
+    std::atomic<Table*>& cachedPointer() {
         if constexpr (std::is_same_v<Table, OrvOamSpiManagedObject_3>) {
             return mRouter3;
         } else if constexpr (std::is_same_v<Table, VekOamSpiManagedObject_3_1>) {
@@ -78,24 +91,15 @@ private:
         }
     }
 
-    // What the host's lookup writes goes into the cache, whatever its code says.
-    template <class Table>
-    OrvReturnT lookUp(const VekMgmtSpiInterface_1& id, Table*& cached) {
-        void* found = cached;
-        const OrvReturnT code = mLookup(id, &found);
-        cached = static_cast<Table*>(found);
-        return code;
-    }
-
     // Out of line, so that this header needs nothing of the logging.
     static void logNotFound(const char* interfaceName);
 
-    OrvOamSpiManagedObject_3* mRouter3 = nullptr;
-    VekOamSpiManagedObject_3_1* mRouter3_1 = nullptr;
-    VekOamSpiModelRepository_4* mModelRepository = nullptr;
-    VekMgmtSpiThreadContext_2* mThreadContext = nullptr;
-    LookupFn mLookup = nullptr;
-    bool mCacheValid = false;
+    std::atomic<OrvOamSpiManagedObject_3*> mRouter3{nullptr};
+    std::atomic<VekOamSpiManagedObject_3_1*> mRouter3_1{nullptr};
+    std::atomic<VekOamSpiModelRepository_4*> mModelRepository{nullptr};
+    std::atomic<VekMgmtSpiThreadContext_2*> mThreadContext{nullptr};
+    std::atomic<LookupFn> mLookup{nullptr};
+    std::atomic<bool> mCacheValid{false};
 };
 
 }

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "MoAccessor.h"
+
+#include "OrvOamSpiManagedObject_3.h"
+#include "Portal.h"
+
+namespace Orv {
+
+namespace {
+
+const VekMgmtSpiInterface_1 routerIdentity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject",
+                                              "3"};
+
+// An open iterator of the router, told when it is no longer used.
+class RouterIterator {
+public:
+    RouterIterator(OrvOamSpiManagedObject_3& router, unsigned long long handle)
+        : mRouter(router), mHandle(handle) {}
+    RouterIterator(const RouterIterator&) = delete;
+    RouterIterator& operator=(const RouterIterator&) = delete;
+    ~RouterIterator() { mRouter.finalizeMoIterator(mHandle); }
+
+    OrvReturnT next(char** name) { return mRouter.nextMo(mHandle, name); }
+
+private:
+    OrvOamSpiManagedObject_3& mRouter;
+    unsigned long long mHandle;
+};
+
+// The router tells the naming value only.
+OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
+                          std::list<std::string>& children) {
+    for (;;) {
+        char* name = nullptr;
+        const OrvReturnT code = iterator.next(&name);
+        if (code != OrvOk || name == nullptr) {
+            return code;
+        }
+        children.push_back(prefix + name);
+    }
+}
+
+}
+
+// The table of the router has no slot that takes a lock policy or a limit.
+MoAccessor::MoAccessor(OrvLockPolicyT /*policy*/, int /*limit*/) {}
+
+OrvReturnT MoAccessor::getChildren(const std::string& parentDn, const std::string& className,
+                                   std::list<std::string>& children) {
+    auto* router = Portal::instance()->getInterface<OrvOamSpiManagedObject_3>(routerIdentity);
+    if (router == nullptr) {
+        return OrvFailure;
+    }
+    unsigned long long handle = 0;
+    const OrvReturnT code =
+        router->newMoIterator(transactionHandle(), parentDn.c_str(), className.c_str(), &handle);
+    if (code != OrvOk) {
+        return code;
+    }
+    RouterIterator iterator(*router, handle);
+    const std::string parent = parentDn.empty() ? parentDn : parentDn + ",";
+    return appendChildren(iterator, parent + className + "=", children);
+}
+
+}
