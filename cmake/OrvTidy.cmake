@@ -57,5 +57,5 @@ function(orv_add_tidy_target)
 endfunction()
 
 if(ORV_CLANG_TIDY AND ORV_BUILD_HOST)
-  orv_add_tidy_target(src examples)
+  orv_add_tidy_target(src/spi src/common src/orv_common src/ext_cm src/host examples)
 endif()
