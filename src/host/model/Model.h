@@ -6,9 +6,9 @@
 
 #include "Value.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -68,6 +68,7 @@ struct AttributeDef {
     SourcePosition source;
 };
 
+/// An operation that clients may run on objects of a class.
 struct ActionDef {
     std::string name;
     std::vector<AttributeDef> parameters;
@@ -88,9 +89,14 @@ struct ClassDef {
     std::string description;
     SourcePosition source;
 
-    /// The attribute of that name, or null.
+    /// The attribute of that name, or null. Linear in the number of attributes.
     const AttributeDef* findAttribute(std::string_view attributeName) const;
+    /// The action of that name, or null.
     const ActionDef* findAction(std::string_view actionName) const;
+    /// The position of the attribute of that name, or nothing.
+    std::optional<AttributeIndex> findAttributeIndex(std::string_view attributeName) const;
+    /// True if an object of this class may stand under one of class `parent`.
+    bool mayStandUnder(ClassIndex parent) const;
 };
 
 /// One end of an association. Its name is the name of the attribute that points at `moc`; that
@@ -100,7 +106,9 @@ struct AssociationEnd {
     std::string name;
     std::string role; ///< the word for what is counted at this end
     Bounds cardinality;
-    bool keepAtDelete = false; ///< leave the attribute named after the far end alone at delete
+    /// When an object of `moc` is deleted, leave its DN in the attributes that this end is named
+    /// after instead of taking it out.
+    bool keepAtDelete = false;
 };
 
 /// Both directions of one association; `ends[0]` is the end that was defined first. The attribute
@@ -118,6 +126,14 @@ struct UniDirAssociation {
     SourcePosition source;
 };
 
+/// Hash of names for look-ups by std::string_view.
+struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const {
+        return std::hash<std::string_view>()(name);
+    }
+};
+
 /// What the management framework knows of its classes: plain data, built once (see ModelBuilder)
 /// and then read by any number of threads.
 struct Model {
@@ -128,8 +144,8 @@ struct Model {
     /// The class of that name, or nothing. Constant time.
     std::optional<ClassIndex> findClass(std::string_view name) const;
 
-    /// Filled by ModelBuilder.
-    std::unordered_map<std::string, ClassIndex> classByName;
+    /// Where each class is in `classes`. Filled by ModelBuilder.
+    std::unordered_map<std::string, ClassIndex, NameHash, std::equal_to<>> classByName;
 };
 
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -34,6 +35,16 @@ struct AttributeValue {
 
 bool operator==(const StructValue& left, const StructValue& right);
 bool operator==(const AttributeValue& left, const AttributeValue& right);
+
+/// True if `value` is of the alternative that values of `kind` use.
+bool isOfKind(const Value& value, ValueKind kind);
+
+/// The kind in words for messages: "text", "reference", "whole number"...
+std::string_view kindName(ValueKind kind);
+
+/// One value as a person writes it: "true", "-5", "0.25", the text itself; a struct as
+/// "{name=value, list=[1, 2]}". It is the form that TypeDef::check judges.
+std::string toText(const Value& value);
 
 /// An attribute with its name.
 using NamedValue = std::pair<std::string, AttributeValue>;

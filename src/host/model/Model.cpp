@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Model.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+template <class Definition>
+const Definition* findNamed(const std::vector<Definition>& all, std::string_view name) {
+    const auto found = std::find_if(all.begin(), all.end(), [name](const Definition& definition) {
+        return definition.name == name;
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+}
+
+const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) const {
+    return findNamed(attributes, attributeName);
+}
+
+const ActionDef* ClassDef::findAction(std::string_view actionName) const {
+    return findNamed(actions, actionName);
+}
+
+std::optional<AttributeIndex> ClassDef::findAttributeIndex(std::string_view attributeName) const {
+    const AttributeDef* found = findAttribute(attributeName);
+    if (!found) {
+        return std::nullopt;
+    }
+    return static_cast<AttributeIndex>(found - attributes.data());
+}
+
+bool ClassDef::mayStandUnder(ClassIndex parent) const {
+    return std::find(parents.begin(), parents.end(), parent) != parents.end();
+}
+
+std::optional<ClassIndex> Model::findClass(std::string_view name) const {
+    const auto found = classByName.find(name);
+    if (found == classByName.end()) {
+        return std::nullopt;
+    }
+    return found->second;
+}
+
+}
