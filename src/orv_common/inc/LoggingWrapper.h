@@ -69,8 +69,9 @@ public:
     void setLevel(unsigned int level);
 
     /// Host only: where records go. Called on the thread that writes the record, one call at a
-    /// time. A sink must not log. Null: records are dropped, which is the state at first. When this
-    /// returns, the previous sink is no longer running.
+    /// time. A sink must not log. A record for which it throws a std::exception is dropped. Null:
+    /// all records are dropped, which is the state at first. When this returns, the previous sink
+    /// is no longer running.
     void setSink(Sink sink);
 
 private:

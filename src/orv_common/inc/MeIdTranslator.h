@@ -11,7 +11,9 @@ namespace Orv {
 
 /// Translates DNs between the form that clients speak (external) and the form of the router
 /// (internal). The two differ in the value of a `ManagedElement` at the root: clients know it by
-/// its identity, the preferred one or else the fallback; inside it is always `1`.
+/// its identity, the preferred one or else the fallback; inside it is always `1`. A first step of
+/// the form `ManagedElement.attr=value` counts as a ManagedElement too and keeps its form. While
+/// both identities are empty no DN with a ManagedElement at the root can be translated.
 ///
 /// Threads: every operation may be called from any thread at any time.
 class MeIdTranslator {

@@ -19,7 +19,8 @@ enum OrvLockPolicyT : int { OrvLockPolicyRead = 1 };
 /// thread at a time; the router's rules for the bound transaction hold.
 class MoAccessor : public Transaction {
 public:
-    /// `limit` is the number of seconds a host may spend waiting for a lock.
+    /// `limit` is the number of seconds a host may spend waiting for a lock. The router that this
+    /// accessor reads through locks by rules of its own, so neither argument has an effect here.
     MoAccessor(OrvLockPolicyT policy, int limit);
 
     /// Appends to `children` the full internal DNs of the children of `parentDn` (internal; empty:

@@ -3,28 +3,29 @@
 
 #include "FormatText.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 namespace Orv {
 
+namespace {
+
+struct Free {
+    void operator()(char* block) const { std::free(block); }
+};
+
+}
+
 std::string formatText(const char* format, std::va_list arguments) {
-    std::va_list again;
-    va_copy(again, arguments);
-    std::array<char, 256> shortText{};
-    const int length = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
-    std::string text;
-    if (length < 0) {
-        text = format;
-    } else if (static_cast<std::size_t>(length) < shortText.size()) {
-        text.assign(shortText.data(), static_cast<std::size_t>(length));
-    } else {
-        text.resize(static_cast<std::size_t>(length));
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+    char* block = nullptr;
+    const int length = ::vasprintf(&block, format, arguments);
+    if (length < 0) { // the block means nothing then
+        return format;
     }
-    va_end(again);
-    return text;
+    const std::unique_ptr<char, Free> owner(block);
+    return {block, static_cast<std::size_t>(length)};
 }
 
 }
