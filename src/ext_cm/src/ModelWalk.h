@@ -6,71 +6,114 @@
 
 #include "OrvReturn.h"
 
+#include <utility>
+
 /// \file
 /// Walks over the lists of the model repository. A list is read by a first step and then by next
-/// steps, each from the handle that the step before gave. Steps are callables that fill in a handle
-/// and answer with the repository's code:
+/// steps, each from the handle that the step before found. Steps are callables that fill in a
+/// handle and answer with the repository's code:
 ///
 ///     OrvReturnT first(Handle* found)
 ///     OrvReturnT next(Handle current, Handle* found)
 ///
-/// Every walk ends when its visitor, `WalkOn visit(Handle)`, says so. Otherwise the two kinds
-/// differ in what ends them, and the name of the walk says which it is.
+/// Both kinds of walk are used in the same way, and differ in what ends them:
+///
+///     auto walk = walkUntilNonZero<Handle>(first, next);
+///     for (; walk.more(); walk.advance()) { ... walk.current() ... }
 
 namespace OrvExtCmRouterService {
 
-/// A visitor's answer.
-enum class WalkOn { Yes, No };
+/// Ends at the first step that answers anything but OrvOk.
+template <class Handle, class Next>
+class WalkUntilNonZero {
+public:
+    /// Stands at \p current, which a step with the answer \p code has found.
+    WalkUntilNonZero(Handle current, OrvReturnT code, Next next)
+        : mCurrent(current), mCode(code), mNext(std::move(next)) {}
 
-/// Walks until a step answers anything but OrvOk, from \p current on, which is visited first.
-/// Returns the code that ended the walk; OrvOk means that the visitor ended it. OrvNotExist is the
-/// regular end of a list; whether another code is a failure is for the caller to say.
-template <class Handle, class Next, class Visitor>
-OrvReturnT walkUntilNonZeroFrom(Handle current, Next&& next, Visitor&& visit) {
-    while (visit(current) == WalkOn::Yes) {
+    bool more() const { return mCode == OrvOk; }
+
+    /// The handle that the last good step found.
+    Handle current() const { return mCurrent; }
+
+    void advance() {
         Handle found = 0;
-        const OrvReturnT code = next(current, &found);
-        if (code != OrvOk) {
-            return code;
+        mCode = mNext(mCurrent, &found);
+        if (more()) {
+            mCurrent = found;
         }
-        current = found;
     }
-    return OrvOk;
-}
 
-/// The same walk from the head of the list.
-template <class Handle, class First, class Next, class Visitor>
-OrvReturnT walkUntilNonZero(First&& first, Next&& next, Visitor&& visit) {
+    /// What the last step answered. OrvNotExist is the regular end of a list; whether another code
+    /// is a failure is for the user of the walk to say.
+    OrvReturnT code() const { return mCode; }
+
+private:
+    Handle mCurrent;
+    OrvReturnT mCode;
+    Next mNext;
+};
+
+/// A walk from the head of a list.
+template <class Handle, class First, class Next>
+WalkUntilNonZero<Handle, Next> walkUntilNonZero(First&& first, Next next) {
     Handle head = 0;
     const OrvReturnT code = first(&head);
-    if (code != OrvOk) {
-        return code;
-    }
-    return walkUntilNonZeroFrom(head, next, visit);
+    return {head, code, std::move(next)};
 }
 
-/// Walks until a step answers OrvNotExist, and past every other code. \p current is where the walk
-/// stands: each step leaves in it what the step found, also a failed step and the last one, so that
-/// the caller sees where the walk ended.
+/// A walk from \p current on, which is visited first.
+template <class Handle, class Next>
+WalkUntilNonZero<Handle, Next> walkUntilNonZeroFrom(Handle current, Next next) {
+    return {current, OrvOk, std::move(next)};
+}
+
+/// Ends at the first step that answers OrvNotExist, and goes on past every other code. Each step
+/// leaves in current() what it found, also a step that failed and the one that ended the walk; a
+/// step that fails without finding anything finds what the next step before it found, and zero if
+/// there was none.
 ///
-/// A step that fails finds what the step before found. A repository that fails for ever would so
-/// be asked for ever; two failing steps in a row that leave \p current where it was end the walk.
-template <class Handle, class First, class Next, class Visitor>
-void walkUntilNotExist(Handle& current, First&& first, Next&& next, Visitor&& visit) {
-    constexpr int tolerated = 2;
-    Handle before = current;
-    OrvReturnT code = first(&current);
-    Handle found = 0;
-    int standing = 0;
-    while (code != OrvNotExist) {
-        standing = (code != OrvOk && current == before) ? standing + 1 : 0;
-        if (standing == tolerated || visit(current) == WalkOn::No) {
-            return;
-        }
-        before = current;
-        code = next(current, &found);
-        current = found;
+/// A repository that fails for ever would so be asked for ever. Two failing steps in a row that
+/// leave the handle where it was end the walk.
+template <class Handle, class Next>
+class WalkUntilNotExist {
+public:
+    /// Stands at \p current, which a first step with the answer \p code has left there.
+    WalkUntilNotExist(Handle current, OrvReturnT code, Next next)
+        : mCurrent(current), mNext(std::move(next)) {
+        judge(code, current == 0);
     }
+
+    bool more() const { return mMore; }
+
+    Handle current() const { return mCurrent; }
+
+    void advance() {
+        const OrvReturnT code = mNext(mCurrent, &mFound);
+        const bool stands = mFound == mCurrent;
+        mCurrent = mFound;
+        judge(code, stands);
+    }
+
+private:
+    void judge(OrvReturnT code, bool stands) {
+        mStandingSteps = (code != OrvOk && stands) ? mStandingSteps + 1 : 0;
+        mMore = code != OrvNotExist && mStandingSteps < 2;
+    }
+
+    Handle mCurrent;
+    Handle mFound = 0; ///< never set back
+    Next mNext;
+    int mStandingSteps = 0;
+    bool mMore = false;
+};
+
+/// A walk from the head of a list.
+template <class Handle, class First, class Next>
+WalkUntilNotExist<Handle, Next> walkUntilNotExist(First&& first, Next next) {
+    Handle head = 0;
+    const OrvReturnT code = first(&head);
+    return {head, code, std::move(next)};
 }
 
 }

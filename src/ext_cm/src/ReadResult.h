@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_READRESULT_H
+#define ORV_EXT_CM_READRESULT_H
+
+#include "OrvMoAttributeValue.h"
+
+namespace OrvExtCmRouterService {
+
+/// The result of one attribute read, handed back to its producer when this object goes, once, if
+/// there is both a container and a function to release it.
+///
+/// Threads: none of its own.
+class ReadResult {
+public:
+    ReadResult() = default;
+
+    /// Starts with \p value, which is not owned: it stands until a read puts another in its place.
+    explicit ReadResult(VekMoAttributeValueContainer_3& value) : mResult{nullptr, &value} {}
+
+    ReadResult(const ReadResult&) = delete;
+    ReadResult& operator=(const ReadResult&) = delete;
+    ~ReadResult() { release(mResult); }
+
+    /// Hands \p result back, if there is something to hand back.
+    static void release(const VekMoAttributeValueResult_3& result) {
+        if (result.release != nullptr && result.container != nullptr) {
+            result.release(result.container);
+        }
+    }
+
+    /// The record, for a read to fill in.
+    VekMoAttributeValueResult_3* record() { return &mResult; }
+
+    /// The value. A producer that answers a read with no container at all means no values.
+    const VekMoAttributeValueContainer_3& value() const {
+        static const VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+        return mResult.container != nullptr ? *mResult.container : noValues;
+    }
+
+private:
+    VekMoAttributeValueResult_3 mResult{nullptr, nullptr};
+};
+
+}
+
+#endif
