@@ -3,33 +3,394 @@
 
 #include "UniDirStorage.h"
 
+#include "ModelAnswer.h"
+#include "ModelWalk.h"
+#include "OrvException.h"
+#include "Tracing.h"
+
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <utility>
+
 namespace OrvExtCmRouterService {
 
-UniDirStorage::~UniDirStorage() {
-    clear();
+namespace {
+
+using Association = VekOamSpiMrUniDirAssociationHandle_4T;
+
+constexpr int dnLookupFlag = 1;
+constexpr int clientMessage = 1;
+
+/// The child under \p key, made if it is not there; the map owns it.
+template <class Node>
+Node* findOrCreateIn(std::map<std::string, Node*>& children, std::string const& key) {
+    auto const found = children.find(key);
+    if (found != children.end()) {
+        return found->second;
+    }
+    auto created = std::make_unique<Node>(key);
+    children.emplace(key, created.get());
+    return created.release();
+}
+
+template <class Node>
+Node* findIn(std::map<std::string, Node*> const& children, std::string const& key) {
+    auto const found = children.find(key);
+    return found == children.end() ? nullptr : found->second;
+}
+
+template <class Key, class Node>
+void deleteAll(std::map<Key, Node*>& children) {
+    for (auto const& entry : children) {
+        delete entry.second;
+    }
+    children.clear();
+}
+
+/// Adds a class step to the DN of its parent.
+void appendType(std::string& dn, std::string const& type) {
+    if (!dn.empty()) {
+        dn += ',';
+    }
+    dn += type;
+}
+
+void appendValue(std::string& dn, std::string const& value) {
+    dn += '=';
+    dn += value;
+}
+
+/// Takes the first step off \p rest.
+std::string takeFirstPart(std::string_view& rest) {
+    std::size_t const comma = rest.find(',');
+    std::string part(rest.substr(0, comma));
+    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
+    return part;
+}
+
+std::pair<std::string, std::string> parsePart(std::string const& part, std::string const& dn) {
+    std::size_t const equals = part.find('=');
+    if (equals == std::string::npos) {
+        throw Orv::OrvException("Dn::Dn: got malformed dnPart [%s] dn [%s]", part.c_str(),
+                                dn.c_str());
+    }
+    std::string const named = part.substr(0, equals);
+    std::pair<std::string, std::string> step(named.substr(0, named.find('.')),
+                                             part.substr(equals + 1));
+    if (step.first.empty() || step.second.empty()) {
+        // Shows the step alone, which is what helps to find it in a long DN.
+        throw Orv::OrvException("Dn::Dn: got empty type in dn [%s]", part.c_str());
+    }
+    return step;
+}
+
+// A model that knows a class for an empty DN leaves no step to take the type from.
+std::string leafType(UniDirStorage::Dn const& dn) {
+    return dn.empty() ? std::string() : dn.back().first;
+}
+
+std::string notValidType(std::string const& what, std::string const& attribute,
+                         std::string const& dn) {
+    return what + " is not a valid type for attribute " + attribute + " in " + dn;
+}
+
+std::string outsideCardinality(std::string const& attribute, std::string const& dn,
+                               unsigned long long count, UniDirStorage::AssocEnd const& end) {
+    std::ostringstream message;
+    message << "Attribute " << attribute << " in " << dn << " contains " << count << " " << end.name
+            << " which is not within cardinality range (" << end.min << ".." << end.max << ").";
+    return message.str();
+}
+
+// The model's bounds are signed; they are held and compared as unsigned numbers, so that -1 stands
+// for a bound that no count exceeds.
+unsigned long long endBound(VekOamSpiModelRepository_4 const& repository,
+                            VekOamSpiMrAssociationEndHandle_4T end, int identifier) {
+    long long bound = 0;
+    throwUnlessOk(repository.associationEnd->getEndIntProperty(end, identifier, &bound),
+                  "Could not get int property");
+    return static_cast<unsigned long long>(bound);
+}
+
+UniDirStorage::NamedMoc endMoc(VekOamSpiModelRepository_4 const& repository,
+                               VekOamSpiMrAssociationEndHandle_4T end) {
+    UniDirStorage::NamedMoc found;
+    throwUnlessOk(repository.associationEnd->getEndMoc(end, &found.moc), "Could not get moc");
+    VekOamSpiMrGeneralPropertiesHandle_4T properties = 0;
+    throwUnlessOk(repository.mocQueries->getMocGeneralProperties(found.moc, &properties),
+                  "Could not get general properties handle");
+    const char* name = nullptr;
+    throwUnlessOk(repository.generalProperties->getGeneralStringProperty(
+                      properties, VekOamSpiMrGeneralName_4, &name),
+                  "Could not get name from general properties handle");
+    found.name = name == nullptr ? "" : name;
+    return found;
+}
+
+void insertEndOfName(VekOamSpiModelRepository_4 const& repository, Association association,
+                     std::string const& name, std::set<UniDirStorage::AssocEnd>& ends) {
+    VekOamSpiMrAssociationEndHandle_4T end = 0;
+    throwUnlessOk(repository.uniDirAssociation->getUniDirEnd(association, &end),
+                  "Could not look up association end");
+    const char* endName = nullptr;
+    throwUnlessOk(
+        repository.associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &endName),
+        "Could not look up string property");
+    if (!isNamed(endName, name)) {
+        return;
+    }
+    UniDirStorage::NamedMoc const moc = endMoc(repository, end);
+    unsigned long long const lower = endBound(repository, end, VekOamSpiMrLowerBound_4);
+    unsigned long long const upper = endBound(repository, end, VekOamSpiMrUpperBound_4);
+    ends.emplace(moc, lower, upper);
+}
+
+}
+
+UniDirStorage::Dn::Dn(std::string const& dn) {
+    std::string_view rest = dn;
+    while (!rest.empty()) {
+        push_back(parsePart(takeFirstPart(rest), dn));
+    }
+}
+
+UniDirStorage::UniDir::UniDir(std::string const& attrName,
+                              VekOamSpiMrUniDirAssociationHandle_4T firstAssociation,
+                              std::list<std::string> references)
+    : name(attrName), assocHandle(firstAssociation), refs(std::move(references)) {}
+
+bool UniDirStorage::UniDir::getRefCardinalites(
+    VekOamSpiModelRepository_4 const& repository, VekMgmtSpiThreadContext_2& threadContext,
+    std::string const& dn, std::map<NamedMoc, unsigned long long>& counts) const {
+    bool result = true;
+    for (std::string const& ref : refs) {
+        NamedMoc target;
+        OrvReturnT const code =
+            repository.dnLookup->getMocFromDn(ref.c_str(), dnLookupFlag, &target.moc);
+        if (code == OrvNotExist) {
+            addMessage(threadContext, notValidType(ref, name, dn));
+            result = false;
+            continue;
+        }
+        throwUnlessOk(code, "Could not get moc from dn");
+        target.name = leafType(Dn(ref));
+        ++counts[target];
+    }
+    return result;
+}
+
+void UniDirStorage::UniDir::getAssocEnds(VekOamSpiModelRepository_4 const& repository,
+                                         std::set<AssocEnd>& ends) const {
+    auto walk = walkUntilNonZeroFrom(assocHandle, [&](Association current, Association* next) {
+        return repository.uniDirAssociation->getNextUniDirAssociation(current, next);
+    });
+    for (; walk.more(); walk.advance()) {
+        insertEndOfName(repository, walk.current(), name, ends);
+    }
+    if (walk.code() != OrvNotExist) {
+        throwUnlessOk(walk.code(), "Could not get next uni dir association");
+    }
+}
+
+bool UniDirStorage::UniDir::validate(VekOamSpiModelRepository_4 const& repository,
+                                     VekMgmtSpiThreadContext_2& threadContext,
+                                     std::string const& dn) const {
+    std::map<NamedMoc, unsigned long long> counts;
+    std::set<AssocEnd> ends;
+    bool result = getRefCardinalites(repository, threadContext, dn, counts);
+    getAssocEnds(repository, ends);
+    for (auto const& [target, count] : counts) {
+        auto const end = ends.find(AssocEnd(target));
+        if (end == ends.end()) {
+            addMessage(threadContext, notValidType(target.name, name, dn));
+            result = false;
+        } else if (count < end->min || count > end->max) {
+            addMessage(threadContext, outsideCardinality(name, dn, count, *end));
+            result = false;
+        }
+    }
+    for (AssocEnd const& end : ends) {
+        if (end.min != 0 && counts.find(end) == counts.end()) {
+            addMessage(threadContext, outsideCardinality(name, dn, 0, end));
+            result = false;
+        }
+    }
+    ORV_TRACE("dn %s result: %d", dn.c_str(), static_cast<int>(result));
+    return result;
+}
+
+void UniDirStorage::UniDir::addMessage(VekMgmtSpiThreadContext_2& threadContext,
+                                       std::string const& message) const {
+    ORV_TRACE("Adding message to thread context: [%s]", message.c_str());
+    if (threadContext.addMessage(clientMessage, message.c_str()) != OrvOk) {
+        ORV_LOG(4, "Failed to add message to thread context. Message: [%s]", message.c_str());
+    }
 }
 
 UniDirStorage::ValueNode::ValueNode(std::string const& namingValue) : value(namingValue) {}
 
 UniDirStorage::ValueNode::~ValueNode() {
-    for (auto const& entry : types) {
-        delete entry.second;
+    deleteAll(types);
+}
+
+UniDirStorage::TypeNode* UniDirStorage::ValueNode::find(std::string const& type) {
+    return findIn(types, type);
+}
+
+UniDirStorage::TypeNode* UniDirStorage::ValueNode::findOrCreate(std::string const& type) {
+    return findOrCreateIn(types, type);
+}
+
+void UniDirStorage::ValueNode::getDns(std::string dn, std::list<std::string>& dnList) {
+    appendValue(dn, value);
+    if (!uniDirs.empty()) {
+        dnList.push_back(dn);
     }
+    for (auto const& entry : types) {
+        entry.second->getDns(dn, dnList);
+    }
+}
+
+bool UniDirStorage::ValueNode::validate(VekOamSpiModelRepository_4 const& repository,
+                                        VekMgmtSpiThreadContext_2& threadContext, std::string dn) {
+    appendValue(dn, value);
+    bool result = true;
+    for (UniDir const& uniDir : uniDirs) {
+        result = uniDir.validate(repository, threadContext, dn) && result;
+    }
+    for (auto const& entry : types) {
+        result = entry.second->validate(repository, threadContext, dn) && result;
+    }
+    return result;
 }
 
 UniDirStorage::TypeNode::TypeNode(std::string const& className) : type(className) {}
 
 UniDirStorage::TypeNode::~TypeNode() {
+    deleteAll(values);
+}
+
+UniDirStorage::ValueNode* UniDirStorage::TypeNode::find(std::string const& value) {
+    return findIn(values, value);
+}
+
+UniDirStorage::ValueNode* UniDirStorage::TypeNode::findOrCreate(std::string const& value) {
+    return findOrCreateIn(values, value);
+}
+
+void UniDirStorage::TypeNode::getDns(std::string dn, std::list<std::string>& dnList) {
+    appendType(dn, type);
     for (auto const& entry : values) {
-        delete entry.second;
+        entry.second->getDns(dn, dnList);
     }
 }
 
-void UniDirStorage::clear() {
-    for (auto const& entry : transactions) {
-        delete entry.second;
+bool UniDirStorage::TypeNode::validate(VekOamSpiModelRepository_4 const& repository,
+                                       VekMgmtSpiThreadContext_2& threadContext, std::string dn) {
+    appendType(dn, type);
+    bool result = true;
+    for (auto const& entry : values) {
+        result = entry.second->validate(repository, threadContext, dn) && result;
     }
-    transactions.clear();
+    return result;
+}
+
+UniDirStorage::~UniDirStorage() {
+    clear();
+}
+
+// The root comes into being before the DN is parsed; where that fails, the empty root stays until
+// the transaction is finished and does no harm.
+void UniDirStorage::setUniDirRef(unsigned long txHandle, std::string const& dn,
+                                 VekOamSpiMrMocHandle_4T moc, std::string const& attrName,
+                                 VekOamSpiMrUniDirAssociationHandle_4T assocHandle,
+                                 VekMoAttributeValueContainer_3 const* values) {
+    ValueNode* node = findOrCreateRoot(txHandle);
+    Dn const steps(dn);
+    for (auto const& [type, value] : steps) {
+        node = node->findOrCreate(type)->findOrCreate(value);
+    }
+    node->moc = moc;
+    std::list<std::string> refs;
+    getValues(values, &refs);
+    UniDir record(attrName, assocHandle, std::move(refs));
+    node->uniDirs.erase(record);
+    node->uniDirs.insert(std::move(record));
+}
+
+void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
+    Dn const steps(dn);
+    auto const root = transactions.find(txHandle);
+    if (root == transactions.end() || steps.empty()) {
+        return;
+    }
+    ValueNode* node = root->second;
+    TypeNode* parent = nullptr;
+    for (auto const& [type, value] : steps) {
+        parent = node->find(type);
+        node = parent == nullptr ? nullptr : parent->find(value);
+        if (node == nullptr) {
+            return;
+        }
+    }
+    parent->values.erase(steps.back().second);
+    delete node;
+}
+
+void UniDirStorage::finish(unsigned long txHandle) {
+    auto const root = transactions.find(txHandle);
+    if (root == transactions.end()) {
+        ORV_TRACE("Could not find transaction %lu\n", txHandle);
+        return;
+    }
+    delete root->second;
+    transactions.erase(root);
+}
+
+void UniDirStorage::clear() {
+    deleteAll(transactions);
+}
+
+void UniDirStorage::getDns(unsigned long txHandle, std::list<std::string>& dnList) {
+    auto const root = transactions.find(txHandle);
+    if (root == transactions.end()) {
+        return;
+    }
+    for (auto const& entry : root->second->types) {
+        entry.second->getDns(std::string(), dnList);
+    }
+}
+
+bool UniDirStorage::validate(VekOamSpiModelRepository_4 const& repository,
+                             VekMgmtSpiThreadContext_2& threadContext,
+                             unsigned long txHandle) const {
+    auto const root = transactions.find(txHandle);
+    if (root == transactions.end()) {
+        return true;
+    }
+    bool result = true;
+    for (auto const& entry : root->second->types) {
+        result = entry.second->validate(repository, threadContext, std::string()) && result;
+    }
+    return result;
+}
+
+void UniDirStorage::getValues(VekMoAttributeValueContainer_3 const* values,
+                              std::list<std::string>* refs) {
+    for (std::uint32_t index = 0; index < values->count; ++index) {
+        refs->emplace_back(values->values[index].moRef);
+    }
+}
+
+UniDirStorage::ValueNode* UniDirStorage::findOrCreateRoot(unsigned long txHandle) {
+    auto const found = transactions.find(txHandle);
+    if (found != transactions.end()) {
+        return found->second;
+    }
+    auto root = std::make_unique<ValueNode>(std::string());
+    transactions.emplace(txHandle, root.get());
+    return root.release();
 }
 
 }

@@ -155,6 +155,8 @@ public:
     void getValues(VekMoAttributeValueContainer_3 const* values, std::list<std::string>* refs);
 
 private:
+    ValueNode* findOrCreateRoot(unsigned long txHandle);
+
     std::map<unsigned long, ValueNode*> transactions;
 };
 

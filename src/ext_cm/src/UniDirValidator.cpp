@@ -3,9 +3,36 @@
 
 #include "UniDirValidator.h"
 
+#include "ModelAnswer.h"
+#include "ModelWalk.h"
+#include "OrvException.h"
 #include "Portal.h"
+#include "Tracing.h"
 
 namespace OrvExtCmRouterService {
+
+namespace {
+
+using Association = VekOamSpiMrUniDirAssociationHandle_4T;
+
+constexpr int dnLookupFlag = 1;
+
+const char* endName(VekOamSpiModelRepository_4 const& repository, Association association) {
+    VekOamSpiMrAssociationEndHandle_4T end = 0;
+    throwUnlessOk(repository.uniDirAssociation->getUniDirEnd(association, &end),
+                  "Failed to look up association end handle.");
+    const char* name = nullptr;
+    throwUnlessOk(repository.associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &name),
+                  "Failed to look up association end name.");
+    return name;
+}
+
+// What the caller's flag holds, also when nobody has written to it.
+int byteOf(bool const* flag) {
+    return *reinterpret_cast<unsigned char const*>(flag);
+}
+
+}
 
 void UniDirValidator::start() {
     Orv::Portal* portal = Orv::Portal::instance();
@@ -22,16 +49,94 @@ void UniDirValidator::stop() {
     storage.clear();
 }
 
-void UniDirValidator::setMoRef(unsigned long /*txHandle*/, std::string const& /*dn*/,
-                               std::string const& /*attrName*/,
-                               VekMoAttributeValueContainer_3 const* /*values*/) {}
+// The model is asked without the lock; only the storage is touched under it.
+void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
+                               std::string const& attrName,
+                               VekMoAttributeValueContainer_3 const* values) {
+    if (repository == nullptr) {
+        ORV_TRACE("Service is stopped");
+        return;
+    }
+    VekOamSpiMrMocHandle_4T moc = 0;
+    OrvReturnT const code = repository->dnLookup->getMocFromDn(dn.c_str(), dnLookupFlag, &moc);
+    if (code != OrvOk || moc == 0) {
+        ORV_LOG(4, "Failed to look up MOC. dn: %s, rc: %d", dn.c_str(), code);
+        return;
+    }
+    try {
+        Association association = 0;
+        if (!isUniDir(moc, attrName, &association)) {
+            return;
+        }
+        const Poco::Mutex::ScopedLock lock(mutex);
+        storage.setUniDirRef(txHandle, dn, moc, attrName, association, values);
+    } catch (Orv::OrvException const& exception) {
+        ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
+    }
+}
 
-void UniDirValidator::deleteMo(unsigned long /*txHandle*/, std::string const& /*dn*/) {}
+bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& attrName,
+                               VekOamSpiMrUniDirAssociationHandle_4T* assocHandle) {
+    auto walk = walkUntilNonZero<Association>(
+        [&](Association* first) {
+            return repository->mocQueries->getFirstUniDirAssociation(moc, first);
+        },
+        [&](Association current, Association* next) {
+            return repository->uniDirAssociation->getNextUniDirAssociation(current, next);
+        });
+    if (walk.code() == OrvNotExist) {
+        return false;
+    }
+    throwUnlessOk(walk.code(), "Failed to look up association handle");
+    *assocHandle = walk.current();
+    for (; walk.more(); walk.advance()) {
+        if (isNamed(endName(*repository, walk.current()), attrName)) {
+            return true;
+        }
+    }
+    if (walk.code() != OrvNotExist) {
+        throwUnlessOk(walk.code(), "Failed to look up next association");
+    }
+    return false;
+}
 
-void UniDirValidator::finish(unsigned long /*txHandle*/) {}
+// A stopped service is worth a log here and only a trace elsewhere: a delete that is not recorded
+// leaves references behind that will be judged.
+void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
+    if (repository == nullptr) {
+        ORV_LOG(6, "Service is stopped");
+        return;
+    }
+    try {
+        const Poco::Mutex::ScopedLock lock(mutex);
+        storage.deleteMo(txHandle, dn);
+    } catch (Orv::OrvException const& exception) {
+        ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
+    }
+}
 
-OrvReturnT UniDirValidator::validate(unsigned long /*txHandle*/, bool* /*result*/) {
-    return OrvNotActive;
+void UniDirValidator::finish(unsigned long txHandle) {
+    const Poco::Mutex::ScopedLock lock(mutex);
+    storage.finish(txHandle);
+}
+
+OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
+    if (repository == nullptr || threadContext == nullptr) {
+        ORV_TRACE("Service is stopped");
+        return OrvNotActive;
+    }
+    OrvReturnT code = OrvOk;
+    try {
+        const Poco::Mutex::ScopedLock lock(mutex);
+        *result = storage.validate(*repository, *threadContext, txHandle);
+        code = *result ? OrvOk : OrvValidationFailed;
+    } catch (Orv::OrvException const& exception) {
+        code = exception.returnCode();
+        ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), code);
+    }
+    ORV_TRACE("Validate tx: %d result: %d return code: %d", static_cast<int>(txHandle),
+              byteOf(result), code);
+    return code;
 }
 
 }
