@@ -17,6 +17,21 @@ const Definition* findNamed(const std::vector<Definition>& all, std::string_view
     return found == all.end() ? nullptr : &*found;
 }
 
+/// Takes the first step off `dn` and gives its class name, which is empty if the step is malformed.
+std::string_view popClassName(std::string_view& dn) {
+    const std::size_t comma = dn.find(',');
+    const std::string_view step = dn.substr(0, comma);
+    dn.remove_prefix(comma == std::string_view::npos ? dn.size() : comma + 1);
+    const std::size_t equals = step.find('=');
+    const bool hasValue = equals != std::string_view::npos && equals + 1 < step.size();
+    const bool isLast = comma == std::string_view::npos;
+    if (!hasValue || (!isLast && dn.empty())) {
+        return {};
+    }
+    const std::string_view name = step.substr(0, equals);
+    return name.substr(0, name.find('.'));
+}
+
 }
 
 const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) const {
@@ -45,6 +60,22 @@ std::optional<ClassIndex> Model::findClass(std::string_view name) const {
         return std::nullopt;
     }
     return found->second;
+}
+
+std::optional<ClassIndex> Model::findClassOfDn(std::string_view dn) const {
+    std::optional<ClassIndex> reached;
+    do {
+        const auto next = findClass(popClassName(dn));
+        if (!next) {
+            return std::nullopt;
+        }
+        const ClassDef& moc = classes[*next];
+        if (reached ? !moc.mayStandUnder(*reached) : !moc.isTopLevel) {
+            return std::nullopt;
+        }
+        reached = next;
+    } while (!dn.empty());
+    return reached;
 }
 
 }

@@ -25,6 +25,10 @@ using AttributeIndex = std::uint32_t;
 /// numbers by some readers.
 constexpr std::int64_t kUnbounded = INT64_MAX;
 
+/// The name of the class that stands for any class, as the target of a reference. No class of a
+/// model has it.
+constexpr std::string_view kAnyClassName = "ManagedObject";
+
 /// Where a definition or an object was read: for messages. `line` 0 means that it is not known.
 struct SourcePosition {
     std::string file;
@@ -143,6 +147,13 @@ struct Model {
 
     /// The class of that name, or nothing. Constant time.
     std::optional<ClassIndex> findClass(std::string_view name) const;
+
+    /// The class of the object that an internal DN names, by the classes of its steps alone: the
+    /// first must be a top-level class, every other one a permitted child of the one before it.
+    /// Nothing if the DN is malformed or names no legal path. A step is "Class=value" or
+    /// "Class.attribute=value", the attribute being passed over. Linear in the length of the DN,
+    /// no allocation.
+    std::optional<ClassIndex> findClassOfDn(std::string_view dn) const;
 
     /// Where each class is in `classes`. Filled by ModelBuilder.
     std::unordered_map<std::string, ClassIndex, NameHash, std::equal_to<>> classByName;

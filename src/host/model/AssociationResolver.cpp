@@ -1,0 +1,286 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "AssociationResolver.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace OrvHost {
+
+namespace {
+
+std::string nameOf(const ReferenceSpec& spec) {
+    return spec.owner + "." + spec.attribute;
+}
+
+std::string subjectOf(const ReferenceSpec& spec) {
+    return "Association end " + nameOf(spec);
+}
+
+/// A symmetric association: a class with itself, through one attribute.
+bool isItsOwnOpposite(const ReferenceSpec& spec) {
+    return spec.owner == spec.target && spec.attribute == spec.opposite;
+}
+
+bool isSameBounds(const std::optional<Bounds>& left, const std::optional<Bounds>& right) {
+    return left.has_value() == right.has_value() &&
+           (!left || (left->lower == right->lower && left->upper == right->upper));
+}
+
+bool agree(const ReferenceSpec& left, const ReferenceSpec& right) {
+    return isSameBounds(left.cardinality, right.cardinality) && left.roleText == right.roleText &&
+           left.keep == right.keep && left.opposite == right.opposite;
+}
+
+/// Bounds that add up: an open bound stays open.
+std::int64_t boundSum(std::int64_t left, std::int64_t right) {
+    return left > kUnbounded - right ? kUnbounded : left + right;
+}
+
+}
+
+AssociationResolver::AssociationResolver(const std::vector<ReferenceSpec>& specs, Model& model,
+                                         ProblemList& problems)
+    : mModel(model), mProblems(problems) {
+    for (const ReferenceSpec& spec : specs) {
+        enter(spec);
+    }
+}
+
+void AssociationResolver::enter(const ReferenceSpec& spec) {
+    const Key key(spec.owner, spec.attribute, spec.target);
+    const auto [known, isNew] = mIndexByKey.emplace(key, mReferences.size());
+    if (isNew) {
+        mReferences.emplace_back().spec = &spec;
+    } else {
+        checkSecondMention(*mReferences[known->second].spec, spec);
+    }
+}
+
+void AssociationResolver::checkSecondMention(const ReferenceSpec& first,
+                                             const ReferenceSpec& second) {
+    if (!isItsOwnOpposite(first) || !isItsOwnOpposite(second)) {
+        mProblems.add(second.source, {subjectOf(second), ": the association with class ",
+                                      second.target, " is declared more than once."});
+    } else if (!agree(first, second)) {
+        mProblems.add(second.source,
+                      {subjectOf(second), ": both ends are this one attribute, so they must have "
+                                          "the same cardinality, role and flags."});
+    }
+}
+
+void AssociationResolver::resolve() {
+    for (Reference& reference : mReferences) {
+        resolveNames(reference);
+    }
+    for (const Group& group : groupByAttribute()) {
+        checkOneDirection(group);
+        settleCardinalities(group);
+        checkMultiplicity(group);
+        permitTargets(group);
+    }
+    for (std::size_t index = 0; index < mReferences.size(); ++index) {
+        associate(index);
+    }
+}
+
+void AssociationResolver::resolveNames(Reference& reference) {
+    const ReferenceSpec& spec = *reference.spec;
+    const bool hasAttribute = resolveAttribute(reference);
+    const bool hasTarget = resolveTarget(reference);
+    reference.isResolved = hasAttribute && hasTarget;
+    if (spec.cardinality) {
+        mProblems.checkBounds(spec.source, subjectOf(spec) + ", cardinality", *spec.cardinality);
+    }
+    if (!reference.isResolved) {
+        return;
+    }
+    const std::vector<ClassIndex>& permitted = attributeOf(reference).type.targets;
+    if (!permitted.empty() &&
+        std::find(permitted.begin(), permitted.end(), reference.target) == permitted.end()) {
+        mProblems.add(spec.source, {subjectOf(spec), ": the class ", spec.target,
+                                    " is none of the target classes of the attribute."});
+    }
+}
+
+bool AssociationResolver::resolveAttribute(Reference& reference) {
+    const ReferenceSpec& spec = *reference.spec;
+    const auto owner = mModel.findClass(spec.owner);
+    if (!owner) {
+        mProblems.add(spec.source, {subjectOf(spec), ": the class ", spec.owner,
+                                    " does not exist in the model."});
+        return false;
+    }
+    const ClassDef& moc = mModel.classes[*owner];
+    const auto attribute = moc.findAttributeIndex(spec.attribute);
+    if (!attribute) {
+        mProblems.add(spec.source, {subjectOf(spec), ": class ", spec.owner, " has no attribute ",
+                                    spec.attribute, "."});
+        return false;
+    }
+    const ValueKind kind = moc.attributes[*attribute].type.kind;
+    if (kind != ValueKind::MoRef) {
+        mProblems.add(spec.source, {subjectOf(spec), ": the attribute is a ", kindName(kind),
+                                    ", expected a reference."});
+        return false;
+    }
+    reference.owner = *owner;
+    reference.attribute = *attribute;
+    return true;
+}
+
+bool AssociationResolver::resolveTarget(Reference& reference) {
+    const ReferenceSpec& spec = *reference.spec;
+    const auto target = mModel.findClass(spec.target);
+    if (!target) {
+        mProblems.add(spec.source, {subjectOf(spec), ": the target class \"", spec.target,
+                                    "\" does not exist in the model."});
+        return false;
+    }
+    reference.target = *target;
+    return true;
+}
+
+std::vector<AssociationResolver::Group> AssociationResolver::groupByAttribute() {
+    std::map<std::pair<ClassIndex, AttributeIndex>, std::size_t> positions;
+    std::vector<Group> groups;
+    for (Reference& reference : mReferences) {
+        if (reference.isResolved) {
+            const auto key = std::make_pair(reference.owner, reference.attribute);
+            const auto [position, isNew] = positions.emplace(key, groups.size());
+            if (isNew) {
+                groups.emplace_back();
+            }
+            groups[position->second].push_back(&reference);
+        }
+    }
+    return groups;
+}
+
+// The component keeps a write of such an attribute in step for its bidirectional classes and then
+// refuses the same values for its unidirectional ones.
+void AssociationResolver::checkOneDirection(const Group& group) {
+    const ReferenceSpec& first = *group.front()->spec;
+    for (const Reference* reference : group) {
+        const ReferenceSpec& spec = *reference->spec;
+        if (spec.opposite.empty() != first.opposite.empty()) {
+            mProblems.add(spec.source, {subjectOf(spec),
+                                        ": the attribute has an opposite for one of the classes ",
+                                        first.target, " and ", spec.target,
+                                        " and none for the other; expected the same for all."});
+        }
+    }
+}
+
+void AssociationResolver::settleCardinalities(const Group& group) {
+    Bounds bounds = attributeOf(*group.front()).multiplicity;
+    if (group.size() > 1) {
+        bounds.lower = 0;
+    }
+    for (Reference* reference : group) {
+        reference->cardinality = reference->spec->cardinality.value_or(bounds);
+    }
+}
+
+void AssociationResolver::checkMultiplicity(const Group& group) {
+    Bounds sum{0, 0};
+    for (const Reference* reference : group) {
+        sum.lower = boundSum(sum.lower, reference->cardinality.lower);
+        sum.upper = boundSum(sum.upper, reference->cardinality.upper);
+    }
+    const Bounds& bounds = attributeOf(*group.front()).multiplicity;
+    if (sum.lower > bounds.upper || sum.upper < bounds.lower) {
+        const ReferenceSpec& spec = *group.front()->spec;
+        mProblems.add(spec.source, {subjectOf(spec), ": the attribute holds ", toText(bounds),
+                                    " values, its associations together ask for ", toText(sum),
+                                    ": no number of values can satisfy both."});
+    }
+}
+
+void AssociationResolver::permitTargets(const Group& group) {
+    std::vector<ClassIndex>& targets = attributeOf(*group.front()).type.targets;
+    if (targets.empty()) {
+        for (const Reference* reference : group) {
+            targets.push_back(reference->target);
+        }
+    }
+}
+
+void AssociationResolver::associate(std::size_t index) {
+    const Reference& reference = mReferences[index];
+    if (!reference.isResolved) {
+        return;
+    }
+    const ReferenceSpec& spec = *reference.spec;
+    if (spec.opposite.empty()) {
+        mModel.uniDirAssociations.push_back({reference.owner, makeEnd(reference), spec.source});
+    } else if (hasAgreeingOpposite(reference)) {
+        const auto opposite = mIndexByKey.find(Key(spec.target, spec.opposite, spec.owner));
+        if (opposite->second >= index) {
+            associateBoth(index, opposite->second);
+        }
+    }
+}
+
+bool AssociationResolver::hasAgreeingOpposite(const Reference& reference) {
+    const ReferenceSpec& spec = *reference.spec;
+    const auto found = mIndexByKey.find(Key(spec.target, spec.opposite, spec.owner));
+    if (found == mIndexByKey.end()) {
+        explainMissingOpposite(reference);
+        return false;
+    }
+    const ReferenceSpec& opposite = *mReferences[found->second].spec;
+    if (opposite.opposite != spec.attribute) {
+        const std::string told = opposite.opposite.empty()
+                                     ? "no opposite at all"
+                                     : spec.owner + "." + opposite.opposite + " as its opposite";
+        mProblems.add(spec.source, {subjectOf(spec), ": names ", nameOf(opposite),
+                                    " as its opposite, but that one names ", told, "."});
+        return false;
+    }
+    return mReferences[found->second].isResolved;
+}
+
+void AssociationResolver::explainMissingOpposite(const Reference& reference) {
+    const ReferenceSpec& spec = *reference.spec;
+    const std::string opposite = spec.target + "." + spec.opposite;
+    const AttributeDef* attribute = mModel.classes[reference.target].findAttribute(spec.opposite);
+    std::string reason = "class " + spec.target + " has no attribute " + spec.opposite;
+    if (attribute && attribute->type.kind != ValueKind::MoRef) {
+        reason = "that attribute is a " + std::string(kindName(attribute->type.kind)) +
+                 ", expected a reference";
+    } else if (attribute) {
+        reason =
+            "that attribute is not declared as an end of an association with class " + spec.owner;
+    }
+    mProblems.add(spec.source,
+                  {subjectOf(spec), ": names ", opposite, " as its opposite, but ", reason, "."});
+}
+
+void AssociationResolver::associateBoth(std::size_t index, std::size_t opposite) {
+    const Reference& first = mReferences[index];
+    const Reference& second = mReferences[opposite];
+    // Readers tell the two ends apart by their classes, or else by their names, but never by a
+    // name within different classes: one of the directions would not be kept in step.
+    if (first.owner != second.owner && first.spec->attribute == second.spec->attribute) {
+        mProblems.add(second.spec->source, {subjectOf(*second.spec),
+                                            ": both ends of an association between different "
+                                            "classes are named ",
+                                            first.spec->attribute, ", expected two names."});
+        return;
+    }
+    mModel.biDirAssociations.push_back({{makeEnd(second), makeEnd(first)}, first.spec->source});
+}
+
+AssociationEnd AssociationResolver::makeEnd(const Reference& reference) const {
+    const ReferenceSpec& spec = *reference.spec;
+    const std::string& role = spec.roleText.empty() ? spec.target : spec.roleText;
+    return {reference.target, spec.attribute, role, reference.cardinality, spec.keep};
+}
+
+AttributeDef& AssociationResolver::attributeOf(const Reference& reference) {
+    return mModel.classes[reference.owner].attributes[reference.attribute];
+}
+
+}

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_MODELRESOLVER_H
+#define ORV_HOST_MODEL_MODELRESOLVER_H
+
+#include "Model.h"
+#include "ModelBuilder.h"
+#include "ProblemList.h"
+
+namespace OrvHost {
+
+/// Makes a Model of what was said of it, and gathers all that is wrong on the way: a problem in one
+/// place does not hide those in others. Lives for one resolve().
+class ModelResolver {
+public:
+    explicit ModelResolver(const ModelSpec& spec) : mSpec(spec) {}
+
+    /// \throws ModelError
+    Model resolve();
+
+private:
+    void enterClasses();
+    void resolveClasses();
+    void resolveClass(const ClassSpec& spec, ClassDef& moc);
+    void resolveActions(const ClassSpec& spec, ClassDef& moc);
+    void checkNamingAttribute(const ClassSpec& spec, ClassDef& moc);
+    void resolveContainments();
+    void resolveContainment(const ContainmentSpec& spec);
+    void checkReachability();
+
+    const ModelSpec& mSpec;
+    Model mModel;
+    ProblemList mProblems;
+};
+
+}
+
+#endif

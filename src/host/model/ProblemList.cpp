@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ProblemList.h"
+
+#include <utility>
+
+namespace OrvHost {
+
+std::string joined(std::initializer_list<std::string_view> pieces) {
+    std::string text;
+    for (const std::string_view piece : pieces) {
+        text += piece;
+    }
+    return text;
+}
+
+std::string toText(const Bounds& bounds) {
+    const std::string upper = bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper);
+    return std::to_string(bounds.lower) + ".." + upper;
+}
+
+void ProblemList::add(const SourcePosition& source,
+                      std::initializer_list<std::string_view> pieces) {
+    mProblems.push_back({source, joined(pieces)});
+}
+
+void ProblemList::checkBounds(const SourcePosition& source, std::string_view subject,
+                              const Bounds& bounds) {
+    if (bounds.lower < 0) {
+        add(source, {subject, ": the lower bound of ", toText(bounds),
+                     " is negative, expected 0 or more."});
+    }
+    if (bounds.upper < bounds.lower) {
+        add(source, {subject, ": the upper bound of ", toText(bounds),
+                     " is below the lower bound, expected lower <= upper."});
+    }
+}
+
+void ProblemList::throwIfAny() {
+    if (!mProblems.empty()) {
+        throw ModelError(std::move(mProblems));
+    }
+}
+
+}

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_PROBLEMLIST_H
+#define ORV_HOST_MODEL_PROBLEMLIST_H
+
+#include "Model.h"
+#include "ModelError.h"
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvHost {
+
+/// The pieces in one text.
+std::string joined(std::initializer_list<std::string_view> pieces);
+
+/// "0..1", with "*" for an open upper bound.
+std::string toText(const Bounds& bounds);
+
+/// Gathers what is wrong with a model while its parts are looked at.
+class ProblemList {
+public:
+    void add(const SourcePosition& source, std::initializer_list<std::string_view> pieces);
+
+    /// Bounds are bounds: 0 <= lower <= upper.
+    void checkBounds(const SourcePosition& source, std::string_view subject, const Bounds& bounds);
+
+    /// \throws ModelError with all problems, if there is one.
+    void throwIfAny();
+
+private:
+    std::vector<ModelProblem> mProblems;
+};
+
+}
+
+#endif

@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ValueCheck.h"
+
+#include "ProblemList.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+std::string whyWrongEnumerator(const TypeDef& type, const std::string& name) {
+    const auto& known = type.enumerators;
+    if (std::find(known.begin(), known.end(), name) != known.end()) {
+        return {};
+    }
+    std::string expected;
+    for (const std::string& enumerator : known) {
+        expected += (expected.empty() ? "" : ", ") + enumerator;
+    }
+    return joined({"\"", name, "\" is none of the permitted names: ", expected});
+}
+
+const AttributeDef* findMember(const TypeDef& type, const std::string& name) {
+    const auto found =
+        std::find_if(type.members.begin(), type.members.end(),
+                     [&](const AttributeDef& member) { return member.name == name; });
+    return found == type.members.end() ? nullptr : &*found;
+}
+
+std::size_t countOf(const StructValue& value, const std::string& name) {
+    return static_cast<std::size_t>(
+        std::count_if(value.members.begin(), value.members.end(),
+                      [&](const NamedValue& member) { return member.first == name; }));
+}
+
+std::string whyWrongMember(const TypeDef& type, const StructValue& whole,
+                           const NamedValue& member) {
+    const AttributeDef* def = findMember(type, member.first);
+    if (!def) {
+        return joined({"the struct has no member \"", member.first, "\""});
+    }
+    if (countOf(whole, member.first) > 1) {
+        return joined({"the member \"", member.first, "\" is there more than once"});
+    }
+    const std::string reason = whyRefused(*def, member.second);
+    return reason.empty() ? reason : joined({"member \"", member.first, "\": ", reason});
+}
+
+std::string whyMissing(const AttributeDef& member, const StructValue& value) {
+    const bool isNeeded = member.multiplicity.lower > 0 && !member.defaultValue;
+    if (!isNeeded || countOf(value, member.name) > 0) {
+        return {};
+    }
+    return joined({"the member \"", member.name, "\" is missing"});
+}
+
+std::string whyWrongStruct(const TypeDef& type, const StructValue& value) {
+    for (const NamedValue& member : value.members) {
+        std::string reason = whyWrongMember(type, value, member);
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    for (const AttributeDef& member : type.members) {
+        std::string reason = whyMissing(member, value);
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    return {};
+}
+
+std::string whyWrongCount(const Bounds& bounds, std::size_t size) {
+    const auto count = static_cast<std::int64_t>(size);
+    if (bounds.lower <= count && count <= bounds.upper) {
+        return {};
+    }
+    return joined(
+        {std::to_string(count), count == 1 ? " value" : " values", ", expected ", toText(bounds)});
+}
+
+}
+
+std::string whyRefused(const TypeDef& type, const Value& value) {
+    if (!isOfKind(value, type.kind)) {
+        return joined({"\"", toText(value), "\" is not a ", kindName(type.kind)});
+    }
+    if (type.kind == ValueKind::Struct) {
+        return whyWrongStruct(type, std::get<StructValue>(value));
+    }
+    if (type.kind == ValueKind::Enumeration) {
+        std::string reason = whyWrongEnumerator(type, std::get<std::string>(value));
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    return type.check ? type.check(toText(value)) : std::string();
+}
+
+std::string whyRefused(const AttributeDef& def, const AttributeValue& value) {
+    if (value.kind != def.type.kind) {
+        return joined(
+            {"the value is a ", kindName(value.kind), ", expected a ", kindName(def.type.kind)});
+    }
+    std::string reason = whyWrongCount(def.multiplicity, value.values.size());
+    for (auto next = value.values.begin(); reason.empty() && next != value.values.end(); ++next) {
+        reason = whyRefused(def.type, *next);
+    }
+    return reason;
+}
+
+}
