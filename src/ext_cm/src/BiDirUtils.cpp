@@ -3,9 +3,95 @@
 
 #include "BiDirUtils.h"
 
+#include "AutoMemory.h"
+#include "MoAccessor.h"
+#include "ModelReader.h"
+#include "ModelWalk.h"
 #include "Portal.h"
+#include "ReadResult.h"
+#include "Tracing.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+#include <string_view>
 
 namespace OrvExtCmRouterService {
+
+namespace {
+
+constexpr int childLookupLimit = 60;
+
+/// The router as back-pointers need it. Without a router every call fails.
+class Router {
+public:
+    explicit Router(const OrvOamSpiManagedObject_3* table) : mTable(table) {}
+
+    OrvReturnT exists(unsigned long txHandle, const char* dn, bool& found) const {
+        found = false;
+        return mTable != nullptr ? mTable->existsMo(txHandle, dn, &found) : OrvFailure;
+    }
+
+    bool certainlyExists(unsigned long txHandle, const char* dn) const {
+        bool found = false;
+        return exists(txHandle, dn, found) == OrvOk && found;
+    }
+
+    OrvReturnT read(unsigned long txHandle, const char* dn, const char* attribute,
+                    ReadResult& result) const {
+        return mTable != nullptr ? mTable->getMoAttribute(txHandle, dn, attribute, result.record())
+                                 : OrvFailure;
+    }
+
+    OrvReturnT write(unsigned long txHandle, const char* dn, const char* attribute,
+                     const VekMoAttributeValueContainer_3& value) const {
+        return mTable != nullptr ? mTable->setMoAttribute(txHandle, dn, attribute, &value)
+                                 : OrvFailure;
+    }
+
+private:
+    const OrvOamSpiManagedObject_3* mTable;
+};
+
+void traceReadFailure(OrvReturnT code, const char* attribute, const char* dn) {
+    ORV_TRACE("Error code %d received when reading attribute %s in %s.", code, attribute, dn);
+}
+
+std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
+    std::vector<std::string_view> texts;
+    texts.reserve(references.count);
+    for (std::uint32_t i = 0; i < references.count; ++i) {
+        texts.emplace_back(references.values[i].moRef);
+    }
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+/// The references of \p one that \p other does not hold, in the order of \p one.
+std::vector<const char*> missingReferences(const VekMoAttributeValueContainer_3& one,
+                                           const VekMoAttributeValueContainer_3& other) {
+    const std::vector<std::string_view> known = sortedTexts(other);
+    std::vector<const char*> missing;
+    for (std::uint32_t i = 0; i < one.count; ++i) {
+        const char* const reference = one.values[i].moRef;
+        if (!std::binary_search(known.begin(), known.end(), std::string_view(reference))) {
+            missing.push_back(reference);
+        }
+    }
+    return missing;
+}
+
+std::vector<std::string> copyReferences(const VekMoAttributeValueContainer_3& references,
+                                        std::size_t room) {
+    std::vector<std::string> copies;
+    copies.reserve(room);
+    for (std::uint32_t i = 0; i < references.count; ++i) {
+        copies.emplace_back(references.values[i].moRef);
+    }
+    return copies;
+}
+
+}
 
 void BiDirUtils::start() {
     Orv::Portal* portal = Orv::Portal::instance();
@@ -18,6 +104,419 @@ void BiDirUtils::start() {
 void BiDirUtils::stop() {
     moRouter = nullptr;
     modelRepository = nullptr;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Questions to the model
+
+OrvReturnT BiDirUtils::lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const {
+    const OrvReturnT code = ModelReader(modelRepository).mocOfDn(dn, moc);
+    if (code != OrvOk) {
+        ORV_LOG(3, "Failed to look up MOC from DN. dn=%s, ret=%d", dn, code);
+    }
+    return code;
+}
+
+OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
+                                       std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs) {
+    using Handle = VekOamSpiMrBiDirAssociationHandle_4T;
+    const VekOamSpiModelRepository_4& model = *modelRepository;
+    auto walk = walkUntilNonZero<Handle>(
+        [&](Handle* found) { return model.mocQueries->getFirstBiDirAssociation(moc, found); },
+        [&](Handle current, Handle* found) {
+            return model.biDirAssociation->getNextBiDirAssociation(current, moc, found);
+        });
+    if (!walk.more()) {
+        ORV_TRACE("MOC is not part of any BiDirs.");
+    }
+    for (; walk.more(); walk.advance()) {
+        ORV_TRACE("Found BiDir with handle %llu", walk.current());
+        bidirs.push_back(walk.current());
+    }
+    return OrvOk;
+}
+
+OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
+                                          VekOamSpiMrBiDirAssociationHandle_4T association,
+                                          VekOamSpiMrAssociationEndHandle_4T& end) {
+    const ModelReader model(modelRepository);
+    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association);
+    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association);
+    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first);
+    model.endMoc(second); // not needed, but part of the sequence that hosts know
+    end = firstMoc == moc ? first : second;
+    return OrvOk;
+}
+
+// An attribute is named after the end that it points at, so the near end is the one with the other
+// name. Where both ends of an association between two classes carry one name, that does not tell
+// them apart and the second end is the answer, even if the first one lies at the class. Models give
+// such ends different names; a better guess here would part from what they are written for.
+OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const char* attributeName,
+                                          VekOamSpiMrBiDirAssociationHandle_4T association,
+                                          VekOamSpiMrAssociationEndHandle_4T& end) {
+    const ModelReader model(modelRepository);
+    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association);
+    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association);
+    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first);
+    model.endMoc(second); // as above
+    const char* const firstName = model.endName(first);
+    ORV_TRACE("First association end attribute name is %s", textOrEmpty(firstName));
+    end = firstMoc == moc && !sameText(firstName, attributeName) ? first : second;
+    return OrvOk;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Edits of one back-pointer
+
+void BiDirUtils::getMoRefDiff(const VekMoAttributeValueContainer_3* newValue,
+                              const VekMoAttributeValueContainer_3* oldValue,
+                              std::vector<std::string>& toAdd, std::vector<std::string>& toRemove) {
+    for (const char* dn : missingReferences(*newValue, *oldValue)) {
+        toAdd.emplace_back(dn);
+        ORV_TRACE("DN to be added to backpointer: %s", dn);
+    }
+    for (const char* dn : missingReferences(*oldValue, *newValue)) {
+        toRemove.emplace_back(dn);
+        ORV_TRACE("DN to be removed from backpointer: %s", dn);
+    }
+}
+
+void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* targetDn,
+                                         const char* dnToRemove,
+                                         VekOamSpiMrAssociationEndHandle_4T end,
+                                         const char* sourceAttribute) {
+    const Router router(moRouter);
+    if (!router.certainlyExists(txHandle, targetDn)) {
+        removePendingBackPointerFromQueue(txHandle, dnToRemove, sourceAttribute);
+        return;
+    }
+    const char* const backPointer = textOrEmpty(ModelReader(modelRepository).endName(end));
+    ReadResult present;
+    const OrvReturnT code = router.read(txHandle, targetDn, backPointer, present);
+    if (code != OrvOk) {
+        traceReadFailure(code, backPointer, targetDn);
+        return;
+    }
+    std::vector<std::string> values = copyReferences(present.value(), present.value().count);
+    const auto first = std::find(values.begin(), values.end(), dnToRemove);
+    if (first != values.end()) {
+        values.erase(first);
+    }
+    setMoAttr(txHandle, std::move(values), targetDn, backPointer);
+}
+
+void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn,
+                                    const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
+                                    const char* sourceAttribute) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    const Router router(moRouter);
+    const char* const backPointer = textOrEmpty(ModelReader(modelRepository).endName(end));
+    if (!router.certainlyExists(txHandle, targetDn)) {
+        pendingBackPointers.emplace(
+            targetDn, BackPointerData{txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
+        return;
+    }
+    ReadResult present;
+    const OrvReturnT code = router.read(txHandle, targetDn, backPointer, present);
+    if (code != OrvOk) {
+        traceReadFailure(code, backPointer, targetDn);
+        return;
+    }
+    std::vector<std::string> values =
+        copyReferences(present.value(), std::size_t{present.value().count} + 1);
+    values.emplace_back(dnToAdd);
+    setMoAttr(txHandle, std::move(values), targetDn, backPointer);
+}
+
+OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string> values,
+                                 const char* dn, const char* attributeName) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    Orv::AutoMemory memory;
+    const auto count = static_cast<std::uint32_t>(values.size());
+    auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
+    if (slots == nullptr && count != 0) {
+        throw std::bad_alloc();
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        slots[i].moRef = values[i].c_str();
+    }
+    const VekMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, count, slots};
+    const OrvReturnT code = Router(moRouter).write(txHandle, dn, attributeName, value);
+    if (code == OrvOk) {
+        addUpdatedBp(txHandle, dn, attributeName);
+    } else {
+        ORV_TRACE("Error code %d received when setting attribute %s in %s.", code, attributeName,
+                  dn);
+    }
+    return code;
+}
+
+// ---------------------------------------------------------------------------------------------
+// A written reference attribute
+
+OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const char* dn,
+                                                   const char* attributeName,
+                                                   const VekMoAttributeValueContainer_3* newValue,
+                                                   bool isNewMo) {
+    ORV_TRACE_ENTRY(" >> dn = %s, attributeName = %s", dn, attributeName);
+    if (modelRepository == nullptr) {
+        ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
+        return OrvFailure;
+    }
+    VekOamSpiMrMocHandle_4T moc = 0;
+    OrvReturnT code = lookUpMoc(dn, moc);
+    if (code != OrvOk) {
+        return code;
+    }
+    std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
+    getBidirsForMoc(moc, bidirs);
+    if (bidirs.empty()) {
+        return OrvOk;
+    }
+    {
+        VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+        ReadResult oldValue(noValues);
+        if (!isNewMo) {
+            code = Router(moRouter).read(txHandle, dn, attributeName, oldValue);
+        }
+        if (code != OrvOk) {
+            ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", attributeName, dn,
+                      code);
+            return code;
+        }
+        std::vector<std::string> toAdd;
+        std::vector<std::string> toRemove;
+        getMoRefDiff(newValue, &oldValue.value(), toAdd, toRemove);
+        for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
+            code = editFarSides({txHandle, dn, attributeName}, moc, bidir, toAdd, toRemove, code);
+        }
+    }
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    addUpdatedBp(txHandle, dn, attributeName);
+    return code;
+}
+
+/// Follows one association, if the written attribute is the one that realises it. Gives back the
+/// code of the last class lookup, or \p code if there was none.
+OrvReturnT BiDirUtils::editFarSides(const Source& source, VekOamSpiMrMocHandle_4T moc,
+                                    VekOamSpiMrBiDirAssociationHandle_4T bidir,
+                                    const std::vector<std::string>& toAdd,
+                                    const std::vector<std::string>& toRemove, OrvReturnT code) {
+    const ModelReader model(modelRepository);
+    VekOamSpiMrAssociationEndHandle_4T near = 0;
+    findAssociationEnd(moc, source.attribute, bidir, near);
+    const VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
+    const char* const farName = model.endName(far);
+    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far);
+    if (!sameText(source.attribute, farName)) {
+        return code;
+    }
+    code = editTargets(&BiDirUtils::removeMoFromBackPointer, toRemove, source, near, farMoc, code);
+    return editTargets(&BiDirUtils::addMoToBackPointer, toAdd, source, near, farMoc, code);
+}
+
+OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& targets,
+                                   const Source& source, VekOamSpiMrAssociationEndHandle_4T near,
+                                   VekOamSpiMrMocHandle_4T farMoc, OrvReturnT code) {
+    for (const std::string& target : targets) {
+        VekOamSpiMrMocHandle_4T moc = 0;
+        code = lookUpMoc(target.c_str(), moc);
+        // A reference of the wrong class is left to the validation, which names it.
+        if (code == OrvOk && moc == farMoc) {
+            (this->*edit)(source.txHandle, target.c_str(), source.dn, near, source.attribute);
+        }
+    }
+    return code;
+}
+
+// ---------------------------------------------------------------------------------------------
+// A deleted MO
+
+OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
+    if (modelRepository == nullptr) {
+        ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
+        return OrvFailure;
+    }
+    Orv::MoAccessor accessor(Orv::OrvLockPolicyRead, childLookupLimit);
+    accessor.useTransaction(txHandle);
+    VekOamSpiMrMocHandle_4T moc = 0;
+    const OrvReturnT code = lookUpMoc(dn, moc);
+    if (code != OrvOk) {
+        return code;
+    }
+    for (const std::string& className : containedClasses(moc)) {
+        std::list<std::string> children;
+        accessor.getChildren(dn, className, children);
+        for (const std::string& child : children) {
+            updateBackPointersForDelete(txHandle, child.c_str());
+        }
+    }
+    updateBackpointers(txHandle, dn);
+    return code;
+}
+
+/// The names of the classes that \p moc contains, as far as the model tells them.
+std::list<std::string> BiDirUtils::containedClasses(VekOamSpiMrMocHandle_4T moc) const {
+    using Handle = VekOamSpiMrContainmentHandle_4T;
+    const VekOamSpiModelRepository_4& model = *modelRepository;
+    std::list<std::string> names;
+    auto walk = walkUntilNonZero<Handle>(
+        [&](Handle* found) { return model.mocQueries->getFirstContainment(moc, found); },
+        [&](Handle current, Handle* found) {
+            return model.containment->getNextContainment(current, found);
+        });
+    if (!walk.more()) {
+        return names; // any code of the first step means that nothing is contained
+    }
+    for (; walk.more(); walk.advance()) {
+        VekOamSpiMrMocHandle_4T contained = 0;
+        model.containment->getContainedMoc(walk.current(), &contained);
+        names.emplace_back(textOrEmpty(ModelReader(modelRepository).mocName(contained)));
+    }
+    if (walk.code() != OrvNotExist) {
+        ORV_LOG(3, "Model repository returned error code %d", walk.code());
+    }
+    return names;
+}
+
+OrvReturnT BiDirUtils::updateBackpointers(unsigned long txHandle, const char* dn) {
+    VekOamSpiMrMocHandle_4T moc = 0;
+    const OrvReturnT code = lookUpMoc(dn, moc);
+    if (code != OrvOk) {
+        return code;
+    }
+    std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
+    getBidirsForMoc(moc, bidirs);
+    for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
+        leaveAssociation(txHandle, dn, moc, bidir);
+    }
+    return code;
+}
+
+/// An MO of a class that is associated with itself stands on both sides, with an attribute for
+/// each: a second pass, with the ends the other way round, cleans up after the other attribute.
+void BiDirUtils::leaveAssociation(unsigned long txHandle, const char* dn,
+                                  VekOamSpiMrMocHandle_4T moc,
+                                  VekOamSpiMrBiDirAssociationHandle_4T bidir) {
+    const ModelReader model(modelRepository);
+    VekOamSpiMrAssociationEndHandle_4T near = 0;
+    findAssociationEnd(moc, bidir, near);
+    const VekOamSpiMrMocHandle_4T nearMoc = model.endMoc(near);
+    VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
+    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far);
+    const int passes = nearMoc == farMoc ? 2 : 1;
+    for (int pass = 0; pass < passes; ++pass) {
+        leaveFarSides(txHandle, dn, near, far, farMoc);
+        std::swap(near, far);
+    }
+}
+
+void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
+                               VekOamSpiMrAssociationEndHandle_4T near,
+                               VekOamSpiMrAssociationEndHandle_4T far,
+                               VekOamSpiMrMocHandle_4T farMoc) {
+    const ModelReader model(modelRepository);
+    const char* const attribute = textOrEmpty(model.endName(far));
+    if (model.endKeepsAtDelete(near)) {
+        return;
+    }
+    ReadResult references;
+    const OrvReturnT code = Router(moRouter).read(txHandle, dn, attribute, references);
+    if (code != OrvOk) {
+        traceReadFailure(code, attribute, dn);
+        return;
+    }
+    model.endName(near); // as above: the edit asks for the name itself
+    for (std::uint32_t i = 0; i < references.value().count; ++i) {
+        const char* const target = references.value().values[i].moRef;
+        VekOamSpiMrMocHandle_4T moc = 0;
+        if (model.mocOfDn(target, moc) == OrvOk && moc == farMoc) {
+            removeMoFromBackPointer(txHandle, target, dn, near, attribute);
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The two stores
+
+OrvReturnT BiDirUtils::updatePendingBackPointer(unsigned long txHandle, const std::string& key,
+                                                const char* attribute) {
+    ORV_TRACE_ENTRY(" >> key = %s", key.c_str());
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    if (pendingBackPointers.empty()) {
+        return OrvOk;
+    }
+    bool exists = false;
+    const OrvReturnT code = Router(moRouter).exists(txHandle, key.c_str(), exists);
+    if (code != OrvOk || !exists) {
+        ORV_TRACE("%s doesn't exist or couldn't be read", key.c_str());
+        return code;
+    }
+    for (const PendingRecord record : waitingRecords(txHandle, key)) {
+        const BackPointerData& addition = record->second;
+        addMoToBackPointer(txHandle, key.c_str(), addition.sourceDn.c_str(), addition.end,
+                           attribute);
+        pendingBackPointers.erase(record);
+    }
+    return code;
+}
+
+// Settled before the first of them is applied: an edit whose target cannot be seen after all is
+// queued again under the same key, and must not be met by the walk that queued it.
+std::vector<BiDirUtils::PendingRecord> BiDirUtils::waitingRecords(unsigned long txHandle,
+                                                                  const std::string& key) {
+    std::vector<PendingRecord> records;
+    const auto range = pendingBackPointers.equal_range(key);
+    for (PendingRecord record = range.first; record != range.second; ++record) {
+        if (record->second.active && record->second.txHandle == txHandle) {
+            records.push_back(record);
+        }
+    }
+    return records;
+}
+
+// A prefix of the text, not of the DN's steps, finds a whole subtree without taking DNs apart. That
+// a source with a longer number in the same place is found as well (A=10 with A=1) is accepted: it
+// loses what it had queued, and the validation tells.
+bool BiDirUtils::startsWith(const std::string& text, const std::string& prefix) {
+    return text.starts_with(prefix);
+}
+
+void BiDirUtils::removePendingBackPointerUpdates(unsigned long txHandle, const std::string& dn) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    std::erase_if(pendingBackPointers, [&](const auto& record) {
+        return record.second.txHandle == txHandle && startsWith(record.second.sourceDn, dn);
+    });
+}
+
+// The target is not compared, so one withdrawal drops all that the attribute has queued.
+void BiDirUtils::removePendingBackPointerFromQueue(unsigned long txHandle, const std::string& dn,
+                                                   const std::string& attribute) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    std::erase_if(pendingBackPointers, [&](const auto& record) {
+        return record.second.txHandle == txHandle && startsWith(record.second.sourceDn, dn) &&
+               record.second.sourceAttribute == attribute;
+    });
+}
+
+void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    std::erase_if(pendingBackPointers,
+                  [&](const auto& record) { return record.second.txHandle == txHandle; });
+}
+
+// Nothing ever takes an entry out, the end of the transaction included: no operation of this class
+// says that the last validation has been, and a pair forgotten too early would go unchecked. A
+// handle that the host uses again has its earlier pairs checked again.
+void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute) {
+    modifiedBackPointers[txHandle].emplace(dn, attribute);
+}
+
+BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {
+    const Poco::Mutex::ScopedLock lock(mMutex);
+    const auto entry = modifiedBackPointers.find(txHandle);
+    return entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();
 }
 
 }

@@ -145,7 +145,7 @@ protected:
     virtual OrvReturnT updateBackpointers(unsigned long txHandle, const char* dn);
 
     /// True if \p text begins with \p prefix, byte for byte.
-    bool startsWith(const std::string& text, const std::string& prefix) const;
+    static bool startsWith(const std::string& text, const std::string& prefix);
 
     /// Records a written attribute for validation. Takes no lock: the caller holds mMutex.
     void addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute);
@@ -160,6 +160,34 @@ protected:
     std::map<unsigned long, ModifiedAttributes> modifiedBackPointers;
 
     Poco::Mutex mMutex; ///< recursive: edits nest
+
+private:
+    /// Where a client's write took place.
+    struct Source {
+        unsigned long txHandle;
+        const char* dn;
+        const char* attribute;
+    };
+
+    using Edit = void (BiDirUtils::*)(unsigned long, const char*, const char*,
+                                      VekOamSpiMrAssociationEndHandle_4T, const char*);
+    using PendingRecord = std::multimap<std::string, BackPointerData>::iterator;
+
+    OrvReturnT lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const;
+    OrvReturnT editFarSides(const Source& source, VekOamSpiMrMocHandle_4T moc,
+                            VekOamSpiMrBiDirAssociationHandle_4T bidir,
+                            const std::vector<std::string>& toAdd,
+                            const std::vector<std::string>& toRemove, OrvReturnT code);
+    OrvReturnT editTargets(Edit edit, const std::vector<std::string>& targets, const Source& source,
+                           VekOamSpiMrAssociationEndHandle_4T near, VekOamSpiMrMocHandle_4T farMoc,
+                           OrvReturnT code);
+    std::list<std::string> containedClasses(VekOamSpiMrMocHandle_4T moc) const;
+    void leaveAssociation(unsigned long txHandle, const char* dn, VekOamSpiMrMocHandle_4T moc,
+                          VekOamSpiMrBiDirAssociationHandle_4T bidir);
+    void leaveFarSides(unsigned long txHandle, const char* dn,
+                       VekOamSpiMrAssociationEndHandle_4T near,
+                       VekOamSpiMrAssociationEndHandle_4T far, VekOamSpiMrMocHandle_4T farMoc);
+    std::vector<PendingRecord> waitingRecords(unsigned long txHandle, const std::string& key);
 };
 
 }

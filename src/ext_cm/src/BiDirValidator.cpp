@@ -3,9 +3,35 @@
 
 #include "BiDirValidator.h"
 
+#include "MessageText.h"
+#include "ModelReader.h"
+#include "ModelWalk.h"
 #include "Portal.h"
+#include "ReadResult.h"
+#include "Tracing.h"
+
+#include <algorithm>
+#include <cstdint>
 
 namespace OrvExtCmRouterService {
+
+namespace {
+
+constexpr int messageKind = 1;
+constexpr const char* anyClass = "ManagedObject";
+
+/// Releases a result on every way out.
+struct HeldResult {
+    explicit HeldResult(const BiDirValidator& owner) : validator(owner) {}
+    HeldResult(const HeldResult&) = delete;
+    HeldResult& operator=(const HeldResult&) = delete;
+    ~HeldResult() { validator.release(record); }
+
+    const BiDirValidator& validator;
+    VekMoAttributeValueResult_3 record{nullptr, nullptr};
+};
+
+}
 
 BiDirValidator::BiDirValidator(BiDirUtils& utils) : biDirUtils(utils) {}
 
@@ -23,6 +49,272 @@ void BiDirValidator::stop() {
     moRouter = nullptr;
     modelRepository = nullptr;
     threadContext = nullptr;
+}
+
+void BiDirValidator::release(VekMoAttributeValueResult_3 result) const {
+    ReadResult::release(result);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The transaction
+
+OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
+    *valid = true;
+    const BiDirUtils::ModifiedAttributes workList = biDirUtils.getModifiedBackPointers(txHandle);
+    if (workList.empty()) {
+        return OrvOk;
+    }
+    if (!canJudge(txHandle)) {
+        *valid = false;
+        return OrvNotActive;
+    }
+    OrvReturnT code = OrvOk;
+    for (const BiDirUtils::ModifiedAttribute& written : workList) {
+        ORV_TRACE("Validating: %s, %s", written.first.c_str(), written.second.c_str());
+        const Outcome outcome =
+            judge(txHandle, written.first.c_str(), written.second.c_str(), code);
+        if (outcome != Outcome::Next) {
+            *valid = outcome != Outcome::Refused;
+            return code;
+        }
+    }
+    return code;
+}
+
+// Without a verdict the transaction must not pass for a valid one.
+bool BiDirValidator::canJudge(unsigned long txHandle) const {
+    if (moRouter != nullptr && modelRepository != nullptr) {
+        return true;
+    }
+    ORV_LOG(3, "Transaction %lu cannot be validated without router and model repository", txHandle);
+    return false;
+}
+
+BiDirValidator::Outcome BiDirValidator::judge(unsigned long txHandle, const char* dn,
+                                              const char* attribute, OrvReturnT& code) {
+    bool exists = false;
+    code = moRouter->existsMo(txHandle, dn, &exists);
+    if (code != OrvOk || !exists) {
+        return Outcome::Next; // an MO that is gone needs no check
+    }
+    HeldResult held(*this);
+    code = moRouter->getMoAttribute(txHandle, dn, attribute, &held.record);
+    if (code != OrvOk) {
+        ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", dn, attribute, code);
+        return Outcome::Refused;
+    }
+    return judgeValue(dn, attribute, held.record, code);
+}
+
+BiDirValidator::Outcome BiDirValidator::judgeValue(const char* dn, const char* attribute,
+                                                   VekMoAttributeValueResult_3& result,
+                                                   OrvReturnT& code) {
+    VekOamSpiMrMocHandle_4T moc = 0;
+    if (ModelReader(modelRepository).mocOfDn(dn, moc) != OrvOk) {
+        addUnknownTypeMessage(dn);
+        code = OrvValidationFailed;
+        return Outcome::Refused;
+    }
+    const VekMoAttributeValueContainer_3& value = ReadResult::valueOf(result);
+    code = attrMultiplicityCheck(dn, moc, attribute, value.count);
+    if (code != OrvOk) {
+        return Outcome::Refused;
+    }
+    std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
+    biDirUtils.getBidirsForMoc(moc, bidirs);
+    if (bidirs.empty()) {
+        return Outcome::Done; // only classes with associations are recorded, so the model is at
+                              // odds
+    }
+    std::list<VekOamSpiMrMocHandle_4T> permitted;
+    code = judgeAssociations(dn, moc, attribute, value, bidirs, permitted);
+    if (code == OrvOk) {
+        code = attributeTypeCheck(dn, attribute, &result, permitted);
+    }
+    return code == OrvOk ? Outcome::Next : Outcome::Refused;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The checks of one attribute
+
+OrvReturnT BiDirValidator::attrMultiplicityCheck(const char* dn, VekOamSpiMrMocHandle_4T moc,
+                                                 const char* attribute, long long count) {
+    const ModelReader model(modelRepository);
+    VekOamSpiMrAttributeHandle_4T handle = 0;
+    getAttributeFromMoc(moc, attribute, handle);
+    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle);
+    if (!model.isReference(type)) {
+        MessageText message;
+        message << "Attribute " << attribute << " in " << dn << " is not a MO ref.";
+        addThreadContextMessage(message.text());
+        return OrvValidationFailed;
+    }
+    const long long lower = model.typeBound(type, VekOamSpiMrLowerBound_4);
+    const long long upper = model.typeBound(type, VekOamSpiMrUpperBound_4);
+    if (lower <= count && count <= upper) {
+        return OrvOk;
+    }
+    MessageText message;
+    message << "Multiplicity of attribute " << attribute << " in " << dn << " is not in range ("
+            << lower << ".." << upper << ").";
+    addThreadContextMessage(message.text());
+    return OrvValidationFailed;
+}
+
+OrvReturnT
+BiDirValidator::judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc,
+                                  const char* attribute,
+                                  const VekMoAttributeValueContainer_3& value,
+                                  const std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs,
+                                  std::list<VekOamSpiMrMocHandle_4T>& permitted) {
+    const ModelReader model(modelRepository);
+    for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
+        VekOamSpiMrAssociationEndHandle_4T near = 0;
+        biDirUtils.findAssociationEnd(moc, bidir, near);
+        const VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
+        if (!sameText(model.endText(far, VekOamSpiMrEndName_4), attribute)) {
+            continue;
+        }
+        const VekOamSpiMrMocHandle_4T target = model.attributeMoc(model.endAttribute(near));
+        permitted.push_back(target);
+        int count = 0;
+        OrvReturnT code = countValues(value, target, count);
+        if (code == OrvOk) {
+            code = biDirCardinalityCheck(dn, far, count);
+        }
+        if (code != OrvOk) {
+            return code;
+        }
+    }
+    return OrvOk;
+}
+
+OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& value,
+                                       VekOamSpiMrMocHandle_4T target, int& count) {
+    const ModelReader model(modelRepository);
+    for (std::uint32_t i = 0; i < value.count; ++i) {
+        VekOamSpiMrMocHandle_4T moc = 0;
+        if (model.mocOfDn(value.values[i].moRef, moc) != OrvOk) {
+            addUnknownTypeMessage(value.values[i].moRef);
+            return OrvValidationFailed;
+        }
+        count += moc == target ? 1 : 0;
+    }
+    return OrvOk;
+}
+
+OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
+                                                 VekOamSpiMrAssociationEndHandle_4T end,
+                                                 long long count) {
+    const ModelReader model(modelRepository);
+    const long long lower = model.endBound(end, VekOamSpiMrLowerBound_4);
+    const long long upper = model.endBound(end, VekOamSpiMrUpperBound_4);
+    const char* const counted = model.endText(end, VekOamSpiMrEndRole_4);
+    const char* const name = model.endText(end, VekOamSpiMrEndName_4);
+    if (lower <= count && count <= upper) {
+        return OrvOk;
+    }
+    MessageText message;
+    message << "Attribute " << name << " in " << dn << " contains " << count << " " << counted
+            << " which is not within cardinality range (" << lower << ".." << upper << ").";
+    addThreadContextMessage(message.text());
+    return OrvValidationFailed;
+}
+
+OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attribute,
+                                              VekMoAttributeValueResult_3* result,
+                                              std::list<VekOamSpiMrMocHandle_4T>& permitted) {
+    const ModelReader model(modelRepository);
+    VekOamSpiMrMocHandle_4T moc = 0;
+    model.mocOfDn(dn, moc);
+    VekOamSpiMrAttributeHandle_4T handle = 0;
+    getAttributeFromMoc(moc, attribute, handle);
+    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle);
+    if (!model.isReference(type)) {
+        return OrvOk;
+    }
+    const VekOamSpiMrMocHandle_4T declared = model.referencedMoc(type);
+    const bool any = sameText(model.mocName(declared), anyClass);
+    const char* mocName = nullptr;
+    const OrvReturnT code =
+        checkValueTypes(ReadResult::valueOf(*result), {declared, any, permitted}, mocName);
+    if (code != OrvOk) {
+        MessageText message;
+        message << mocName << " is not a valid type for attribute " << attribute << " in " << dn
+                << ".";
+        addThreadContextMessage(message.text());
+    }
+    return code;
+}
+
+// There are as many passes as values, but a pass whose value has no class does not move on: the
+// value is tried again in every pass that is left, with its message each time, and the values
+// behind it are not looked at. Clients know these messages in this number and order, so they stay.
+OrvReturnT BiDirValidator::checkValueTypes(const VekMoAttributeValueContainer_3& value,
+                                           const PermittedTypes& types, const char*& mocName) {
+    const ModelReader model(modelRepository);
+    OrvReturnT code = OrvOk;
+    std::uint32_t position = 0;
+    for (std::uint32_t pass = 0; pass < value.count; ++pass) {
+        const char* const reference = value.values[position].moRef;
+        VekOamSpiMrMocHandle_4T moc = 0;
+        code = model.mocOfDn(reference, moc);
+        if (code != OrvOk) {
+            addUnknownTypeMessage(reference);
+            continue;
+        }
+        mocName = model.mocName(moc);
+        if (!types.permits(moc)) {
+            return OrvValidationFailed;
+        }
+        ++position;
+    }
+    return code;
+}
+
+bool BiDirValidator::PermittedTypes::permits(VekOamSpiMrMocHandle_4T moc) const {
+    if (!any) {
+        return moc == declared;
+    }
+    return associated.empty() ||
+           std::find(associated.begin(), associated.end(), moc) != associated.end();
+}
+
+void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char* name,
+                                         VekOamSpiMrAttributeHandle_4T& attribute) {
+    using Handle = VekOamSpiMrAttributeHandle_4T;
+    const VekOamSpiModelRepository_4& model = *modelRepository;
+    auto walk = walkUntilNotExist<Handle>(
+        [&](Handle* found) { return model.mocQueries->getFirstAttribute(moc, found); },
+        [&](Handle current, Handle* found) {
+            return model.attribute->getNextAttribute(current, found);
+        });
+    const ModelReader reader(modelRepository);
+    while (walk.more() && !sameText(reader.attributeName(walk.current()), name)) {
+        walk.advance();
+    }
+    attribute = walk.current();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Messages
+
+void BiDirValidator::addUnknownTypeMessage(const char* dn) {
+    MessageText message;
+    message << dn << " does not correspond to a valid MO type.";
+    addThreadContextMessage(message.text());
+}
+
+void BiDirValidator::addThreadContextMessage(const std::string& message) {
+    if (threadContext == nullptr) {
+        ORV_LOG(3, "ExtCm ThreadContext is null");
+        return;
+    }
+    const OrvReturnT code = threadContext->addMessage(messageKind, message.c_str());
+    ORV_TRACE("%s", message.c_str());
+    if (code != OrvOk) {
+        ORV_LOG(4, "Failed to add message to thread context. Message: [%s]", message.c_str());
+    }
 }
 
 }

@@ -19,8 +19,9 @@ namespace OrvExtCmRouterService {
 /// association: the number of values, the number for each association, and the class of each
 /// value. The first violation ends the judgement and reaches the client as a message.
 ///
-/// All DNs are internal, in the messages too. Nothing is kept between calls: a second validation
-/// of a transaction finds the same again.
+/// All DNs are internal, in the messages too. Bounds are signed numbers and none is special: a
+/// model that wants an open upper bound delivers a large one, and -1 fails every count. Nothing is
+/// kept between calls: a second validation of a transaction finds the same again.
 ///
 /// Threads: start and stop when no operation runs; validations from any number of threads. Router,
 /// repository and thread context are called with no lock held.
@@ -40,8 +41,12 @@ public:
     virtual ~BiDirValidator() = default;
 
     /// Judges the transaction. \p valid is always written; it is false after a violation and when
-    /// no verdict could be reached. Returns OrvOk, OrvValidationFailed or the code of what failed.
+    /// no verdict could be reached. Returns OrvOk, OrvValidationFailed, the code of what failed, or
+    /// OrvNotActive if there is something to judge but no router or no repository.
     OrvReturnT validateBiDirs(unsigned long txHandle, bool* valid);
+
+    /// Hands a result back to its producer, if there is something to hand back.
+    void release(VekMoAttributeValueResult_3 result) const;
 
 protected:
     /// Checks the values of \p attribute of \p dn against the attribute's declared class, or, if
@@ -59,7 +64,7 @@ protected:
                                              const char* attribute, long long count);
 
     /// Finds the attribute \p name of \p moc. If there is none, \p attribute is left as the walk
-    /// over the attributes left it.
+    /// over the attributes left it, and the checks go on with that.
     virtual void getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char* name,
                                      VekOamSpiMrAttributeHandle_4T& attribute);
 
@@ -67,13 +72,41 @@ protected:
     /// logged.
     virtual void addThreadContextMessage(const std::string& message);
 
-    /// Hands a result back to its producer, if there is something to hand back.
-    void release(VekMoAttributeValueResult_3 result) const;
-
     OrvOamSpiManagedObject_3* moRouter = nullptr;
     VekOamSpiModelRepository_4* modelRepository = nullptr;
     VekMgmtSpiThreadContext_2* threadContext = nullptr;
     BiDirUtils& biDirUtils;
+
+private:
+    /// What came out for one written attribute.
+    enum class Outcome {
+        Next,    ///< the next one can be judged
+        Refused, ///< the transaction is invalid
+        Done     ///< judging ends without a violation
+    };
+
+    /// The classes that a value may be of.
+    struct PermittedTypes {
+        VekOamSpiMrMocHandle_4T declared; ///< what the attribute's type names
+        bool any;                         ///< the type names any class: the associations decide
+        const std::list<VekOamSpiMrMocHandle_4T>& associated;
+
+        bool permits(VekOamSpiMrMocHandle_4T moc) const;
+    };
+
+    bool canJudge(unsigned long txHandle) const;
+    Outcome judge(unsigned long txHandle, const char* dn, const char* attribute, OrvReturnT& code);
+    Outcome judgeValue(const char* dn, const char* attribute, VekMoAttributeValueResult_3& result,
+                       OrvReturnT& code);
+    OrvReturnT judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc, const char* attribute,
+                                 const VekMoAttributeValueContainer_3& value,
+                                 const std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs,
+                                 std::list<VekOamSpiMrMocHandle_4T>& permitted);
+    OrvReturnT countValues(const VekMoAttributeValueContainer_3& value,
+                           VekOamSpiMrMocHandle_4T target, int& count);
+    OrvReturnT checkValueTypes(const VekMoAttributeValueContainer_3& value,
+                               const PermittedTypes& types, const char*& mocName);
+    void addUnknownTypeMessage(const char* dn);
 };
 
 }

@@ -6,7 +6,19 @@
 
 #include "VekOamSpiModelRepository_4.h"
 
+#include <cstring>
+
 namespace OrvExtCmRouterService {
+
+/// True if both texts are there and equal: what has no name matches nothing.
+inline bool sameText(const char* one, const char* other) {
+    return one != nullptr && other != nullptr && std::strcmp(one, other) == 0;
+}
+
+/// \p text where a text must stand, also if the model has none.
+inline const char* textOrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
 
 /// Asks the model repository in the words of bidirectional associations.
 ///

@@ -56,7 +56,7 @@ private:
 
 /// A walk from the head of a list.
 template <class Handle, class First, class Next>
-WalkUntilNonZero<Handle, Next> walkUntilNonZero(First&& first, Next next) {
+WalkUntilNonZero<Handle, Next> walkUntilNonZero(const First& first, Next next) {
     Handle head = 0;
     const OrvReturnT code = first(&head);
     return {head, code, std::move(next)};
@@ -110,7 +110,7 @@ private:
 
 /// A walk from the head of a list.
 template <class Handle, class First, class Next>
-WalkUntilNotExist<Handle, Next> walkUntilNotExist(First&& first, Next next) {
+WalkUntilNotExist<Handle, Next> walkUntilNotExist(const First& first, Next next) {
     Handle head = 0;
     const OrvReturnT code = first(&head);
     return {head, code, std::move(next)};

@@ -34,9 +34,13 @@ public:
     VekMoAttributeValueResult_3* record() { return &mResult; }
 
     /// The value. A producer that answers a read with no container at all means no values.
-    const VekMoAttributeValueContainer_3& value() const {
+    const VekMoAttributeValueContainer_3& value() const { return valueOf(mResult); }
+
+    /// The same for a plain record.
+    static const VekMoAttributeValueContainer_3&
+    valueOf(const VekMoAttributeValueResult_3& result) {
         static const VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
-        return mResult.container != nullptr ? *mResult.container : noValues;
+        return result.container != nullptr ? *result.container : noValues;
     }
 
 private:
