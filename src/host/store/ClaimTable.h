@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_CLAIMTABLE_H
+#define ORV_HOST_STORE_CLAIMTABLE_H
+
+#include "StoreTypes.h"
+#include "model/Model.h"
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// What one transaction has claimed. Belongs to its transaction; only ClaimTable changes it.
+struct ClaimSet {
+    TransactionId owner = kNoTransaction;
+    std::vector<NodeId> nodes;
+    std::vector<std::string> names;
+    std::vector<std::pair<NodeId, ClassIndex>> memberships;
+};
+
+/// Who may write what while transactions are open. A claim is refused at once if another
+/// transaction holds one that does not go with it; nobody ever waits. A claim is kept until all of
+/// the transaction's claims are released.
+///
+/// Threads: any; one ClaimSet on one thread at a time.
+class ClaimTable {
+public:
+    enum class Kind {
+        Write,      ///< to change attributes; goes with CreateUnder of others
+        Delete,     ///< to delete; goes with nothing of others
+        CreateUnder ///< to create children; goes with Write and CreateUnder of others
+    };
+    /// Who stands in the way, and with what.
+    struct Rival {
+        TransactionId transaction = kNoTransaction;
+        Kind kind = Kind::Write;
+    };
+
+    /// Claims a committed object. Nothing if the claim is granted, or had been before.
+    std::optional<Rival> claimNode(ClaimSet& claims, NodeId node, Kind kind);
+    /// Claims the DN of an object that is to be created.
+    std::optional<Rival> claimName(ClaimSet& claims, const std::string& dn);
+    /// Claims to change how many objects of one class stand under one parent.
+    std::optional<Rival> claimMembership(ClaimSet& claims, NodeId parent, ClassIndex moc);
+
+    /// Gives back all of \p claims and empties it.
+    void release(ClaimSet& claims) noexcept;
+
+private:
+    struct NodeClaim {
+        TransactionId writer = kNoTransaction; ///< has claimed to write or to delete
+        bool deleting = false;
+        std::vector<TransactionId> creators;
+
+        std::optional<Rival> rivalOf(TransactionId transaction, Kind kind) const;
+        bool isHeldBy(TransactionId transaction) const;
+        bool isFree() const { return writer == kNoTransaction && creators.empty(); }
+    };
+    static void grant(NodeClaim& claim, TransactionId transaction, Kind kind);
+    void releaseNode(NodeId node, TransactionId transaction) noexcept;
+
+    std::mutex mMutex; ///< guards all below
+    std::unordered_map<NodeId, NodeClaim> mNodes;
+    std::unordered_map<std::string, TransactionId> mNames;
+    std::unordered_map<std::uint64_t, TransactionId> mMemberships;
+};
+
+}
+
+#endif

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_CMROUTER_H
+#define ORV_HOST_STORE_CMROUTER_H
+
+#include "ActionHandler.h"
+#include "MoStore.h"
+#include "OrvInterfaceBinders.h"
+#include "RouterCore.h"
+#include "RouterTable1.h"
+#include "RouterTable3.h"
+#include "RouterTable3_1.h"
+#include "ThreadContext.h"
+
+namespace OrvHost {
+
+/// The CM router: the managed-object tables "1", "3" and "3_1" over an MoStore, all with internal
+/// DNs, and the store's part in transactions.
+///
+/// The router knows a transaction from its join to its finish: enrol it in each transaction
+/// (TransactionService::enrolInEach). An operation with any other handle is answered with
+/// OrvNotActive. Reads see the committed state as it was at join, and the transaction's own writes.
+/// Every write is checked against the model; what was wrong goes to the thread context as a message
+/// of the kind Explanation. At validate the router judges what only the whole transaction shows:
+/// mandatory attributes of created objects, the number of objects under one parent, and conflicts
+/// with other transactions; the messages are of the kind Verdict.
+///
+/// How many references an attribute holds is not judged here: back-pointers pass through counts
+/// that the model does not allow, and the component judges them at validate.
+///
+/// Threads: any number at once, each transaction on one thread at a time. One object at a time
+/// lives in a process (see the binders).
+class CmRouter {
+public:
+    /// All arguments must outlive the router; \p store was built over the same \p model.
+    CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext);
+    CmRouter(const CmRouter&) = delete;
+    CmRouter& operator=(const CmRouter&) = delete;
+
+    /// Sets what carries actions out; without one every action succeeds with an empty result. Not
+    /// while operations run.
+    void setActionHandler(ActionHandler handler);
+
+    /// "OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1".
+    OrvOamSpiManagedObject_1* getInterface1() { return mTable1.getInterface(); }
+    /// "OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3".
+    OrvOamSpiManagedObject_3* getInterface3() { return mTable3.getInterface(); }
+    /// "VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3": the same functions.
+    OrvOamSpiManagedObject_3* getVekInterface3() { return mTable3.getVekInterface(); }
+    /// "VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1".
+    VekOamSpiManagedObject_3_1* getInterface3_1() { return mTable3_1.getInterface(); }
+    /// The router as a participant of transactions, to be enrolled in each of them:
+    /// "OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2".
+    OrvOamSpiTransactionalResource_2* getResource() { return mResource.getInterface(); }
+
+private:
+    RouterCore mCore;
+    RouterTable1 mTable1;
+    RouterTable3 mTable3;
+    RouterTable3_1 mTable3_1;
+    Orv::TransactionalResource2Binder<RouterCore> mResource;
+};
+
+}
+
+#endif

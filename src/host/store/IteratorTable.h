@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_ITERATORTABLE_H
+#define ORV_HOST_STORE_ITERATORTABLE_H
+
+#include "StoreTransaction.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+struct RouterTransaction;
+
+/// Names an iterator of any version. A number, never an address: whatever a caller makes up is
+/// looked up and not found. Counted from 1, not used twice.
+using IteratorHandle = std::uint64_t;
+
+/// A client's walk over children.
+struct RouterIterator {
+    std::shared_ptr<RouterTransaction> transaction;
+    ChildCursor cursor;
+    std::string name; ///< what next gave last; the client reads it there
+};
+
+/// The living iterators of all transactions. Threads: any.
+class IteratorTable {
+public:
+    IteratorHandle add(std::shared_ptr<RouterIterator> iterator);
+    /// The iterator of that handle, or null.
+    std::shared_ptr<RouterIterator> find(IteratorHandle handle) const;
+    /// False if there is none.
+    bool erase(IteratorHandle handle);
+    void erase(const std::vector<IteratorHandle>& handles);
+
+private:
+    mutable std::mutex mMutex; ///< guards all below
+    IteratorHandle mLast = 0;
+    std::unordered_map<IteratorHandle, std::shared_ptr<RouterIterator>> mIterators;
+};
+
+}
+
+#endif

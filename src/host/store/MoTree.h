@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_MOTREE_H
+#define ORV_HOST_STORE_MOTREE_H
+
+#include "DnIndex.h"
+#include "MoRecord.h"
+#include "StoreTypes.h"
+#include "model/Model.h"
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// The children of one class under one parent: a list through the nodes, in order of their coming.
+struct ChildGroup {
+    ClassIndex moc = 0;
+    NodeId first = kNoNode;
+    NodeId last = kNoNode;
+    std::uint32_t liveCount = 0; ///< as of the latest commit
+    CommitNumber changedAt = 0;  ///< when a child last came or went
+};
+
+/// The fixed part of a committed object: 56 bytes on a machine with 8-byte pointers.
+struct MoNode {
+    CommitNumber createdAt = 0;
+    CommitNumber changedAt = 0; ///< when the record was last replaced
+    CommitNumber deletedAt = kNever;
+    MoRecord record;                                 ///< the latest
+    std::unique_ptr<std::vector<ChildGroup>> groups; ///< null while there are no children
+    NodeId parent = kNoNode;
+    NodeId next = kNoNode; ///< sibling of the same class
+    NodeId previous = kNoNode;
+    ClassIndex moc = 0;
+};
+
+/// An object that a commit creates. Its parent is a committed object, or one that stands before it
+/// in the same change.
+struct NewMo {
+    NodeId parent = kNoNode;     ///< or else:
+    std::size_t parentIndex = 0; ///< in TreeChange::created
+    ClassIndex moc = 0;
+    std::uint32_t dnHash = 0;
+    MoRecord record;
+    NodeId node = kNoNode; ///< filled in by MoTree::apply
+};
+
+/// All that one commit does.
+struct TreeChange {
+    std::vector<NewMo> created;
+    std::vector<std::pair<NodeId, MoRecord>> modified;
+    std::vector<NodeId> deleted; ///< children before their parents
+};
+
+/// The committed objects in all versions that somebody may still read: the latest one in the node,
+/// older records in a history aside, dead objects in their places until they are reclaimed.
+///
+/// No lock of its own: many may read, or one write (see VersionedTree). Texts that it hands out are
+/// valid until the next write.
+class MoTree {
+public:
+    explicit MoTree(const Model& model);
+
+    static std::uint32_t hashOf(std::string_view dn);
+
+    /// The object of that DN which the snapshot \p at shows, or kNoNode. Constant time.
+    NodeId find(std::string_view dn, CommitNumber at) const;
+    const MoNode& node(NodeId id) const { return mNodes[id]; }
+    bool isVisible(NodeId id, CommitNumber at) const;
+    /// The record of a visible object as the snapshot shows it.
+    const MoRecord& recordAt(NodeId id, CommitNumber at) const;
+    /// The first visible child, or kNoNode.
+    NodeId firstChild(NodeId parent, ClassIndex moc, CommitNumber at) const;
+    /// The next visible sibling of the same class, or kNoNode.
+    NodeId nextSibling(NodeId id, CommitNumber at) const;
+    std::uint64_t countChildren(NodeId parent, ClassIndex moc, CommitNumber at) const;
+    /// The list of children of one class, or null if there has been none.
+    const ChildGroup* findGroup(NodeId parent, ClassIndex moc) const;
+    std::string dnOf(NodeId id) const;
+
+    /// Adds an object under \p parent. All or nothing if memory runs out.
+    void add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
+             CommitNumber number);
+    /// Carries out a commit. All or nothing if memory runs out.
+    void apply(TreeChange& change, CommitNumber number);
+
+    /// The oldest commit that has left something behind to be reclaimed, or kNever.
+    CommitNumber oldestGarbage() const;
+    /// Frees what no snapshot from \p oldest on can read, at most about \p limit pieces of it.
+    void reclaim(CommitNumber oldest, std::size_t limit);
+
+    std::uint64_t liveCount() const { return mLiveCount; }
+    StoreMemory memory() const;
+
+private:
+    /// A record that was replaced, and when.
+    struct OldRecord {
+        CommitNumber replacedAt;
+        MoRecord record;
+    };
+    /// What one commit made superfluous.
+    struct Garbage {
+        CommitNumber number;
+        std::vector<NodeId> replaced;
+        std::vector<NodeId> deleted; ///< the last stands for a parent, the first for a child
+        std::size_t done = 0;        ///< how many of `deleted` are reclaimed
+    };
+
+    bool hasDn(NodeId id, std::string_view dn) const;
+    NodeId skipInvisible(NodeId id, CommitNumber at) const;
+    ChildGroup* group(NodeId parent, ClassIndex moc);
+    void ensureGroup(NodeId parent, ClassIndex moc);
+    NodeId allocate();
+    void release(NodeId id) noexcept;
+
+    void stage(TreeChange& change);
+    void stageCreated(TreeChange& change);
+    void unstage(TreeChange& change) noexcept;
+    void link(NodeId id, std::uint32_t dnHash, CommitNumber number) noexcept;
+    void replace(NodeId id, MoRecord& record, CommitNumber number) noexcept;
+    void bury(NodeId id, CommitNumber number) noexcept;
+
+    void dropOldRecord(NodeId id, CommitNumber number) noexcept;
+    void unlink(NodeId id) noexcept;
+
+    const Model& mModel;
+    std::deque<MoNode> mNodes; ///< a node never moves
+    std::vector<NodeId> mFree;
+    DnIndex mIndex;
+    std::unordered_map<NodeId, std::vector<OldRecord>> mHistory; ///< oldest first
+    std::deque<Garbage> mGarbage;                                ///< oldest first
+    std::uint64_t mLiveCount = 0;
+};
+
+}
+
+#endif

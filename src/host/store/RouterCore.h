@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_ROUTERCORE_H
+#define ORV_HOST_STORE_ROUTERCORE_H
+
+#include "ActionHandler.h"
+#include "AutoMemory.h"
+#include "HostError.h"
+#include "IteratorTable.h"
+#include "MoStore.h"
+#include "ThreadContext.h"
+
+#include <memory>
+#include <shared_mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// What the router keeps for one transaction, from its join to its finish.
+struct RouterTransaction {
+    std::unique_ptr<StoreTransaction> store;
+    Orv::AutoMemory memory;                ///< the values of version 1
+    std::vector<IteratorHandle> iterators; ///< all that were opened
+};
+
+/// The router without its tables: the open transactions, the operations that are more than one call
+/// of the store, the way from a refusal to a code with a message, and the participant.
+///
+/// Threads: any; one transaction on one thread at a time. No lock is held while the store, an
+/// action or the thread context is called.
+class RouterCore {
+public:
+    /// All arguments must outlive the object.
+    RouterCore(const Model& model, MoStore& store, ThreadContext& threadContext);
+
+    /// Runs an operation of a table: gives its code, or for a HostError the error's code, with its
+    /// text as a message in the thread context.
+    template <class Operation>
+    OrvReturnT answer(Operation&& operation) {
+        try {
+            operation();
+            return OrvOk;
+        } catch (const HostError& error) {
+            mThreadContext.addMessage(ThreadContext::Explanation, error.what());
+            return error.code();
+        }
+    }
+
+    /// What is kept for a transaction. OrvNotActive if it is not known.
+    std::shared_ptr<RouterTransaction> transaction(unsigned long txHandle) const;
+
+    IteratorHandle newIterator(unsigned long txHandle, const std::string& parentDn,
+                               const std::string& className);
+    /// The next name, or null at the end. Valid until the next call with the same iterator.
+    char* next(IteratorHandle handle);
+    void finalize(IteratorHandle handle);
+
+    /// Parameters by name.
+    AttributeValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                          std::vector<NamedValue> parameters);
+    /// Parameters by position, as version 1 gives them.
+    AttributeValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                          const std::vector<AttributeValue>& parameters);
+    void setActionHandler(ActionHandler handler) { mActionHandler = std::move(handler); }
+
+    // The participant; see OrvOamSpiTransactionalResource_2.
+    OrvReturnT join(unsigned long txHandle);
+    OrvReturnT prepare(unsigned long txHandle);
+    OrvReturnT commit(unsigned long txHandle);
+    OrvReturnT abort(unsigned long txHandle);
+    OrvReturnT finish(unsigned long txHandle);
+    OrvReturnT validate(unsigned long txHandle, bool* result);
+
+private:
+    const ActionDef& requireAction(const ClassDef& moc, const std::string& dn,
+                                   const std::string& name) const;
+
+    const Model& mModel;
+    MoStore& mStore;
+    ThreadContext& mThreadContext;
+    ActionHandler mActionHandler;
+    IteratorTable mIterators;
+
+    mutable std::shared_mutex mMutex; ///< guards mTransactions
+    std::unordered_map<unsigned long, std::shared_ptr<RouterTransaction>> mTransactions;
+};
+
+}
+
+#endif

@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_TRANSACTIONSERVICE_H
+#define ORV_HOST_STORE_TRANSACTIONSERVICE_H
+
+#include "OrvOamSpiTransaction_1.h"
+#include "OrvOamSpiTransactionalResource_2.h"
+#include "ThreadContext.h"
+#include "TransactionMaster.h"
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+/// What became of a request to validate, commit or abort.
+struct TransactionOutcome {
+    bool accepted = false;   ///< valid, committed, or aborted: as was asked
+    OrvReturnT code = OrvOk; ///< what a table answers; OrvOk exactly if accepted
+    std::string reason;      ///< for people; who refused, in which phase, with which code
+    std::vector<ThreadContext::Message> messages; ///< taken from the thread context, in order
+};
+
+/// Drives transactions: begin, join, validate, prepare, commit, abort and finish over all
+/// participants, in the order in which they joined.
+///
+/// Phases of a transaction. *Open*: from begin; participants join, clients work. *Validating*: all
+/// participants are asked, also after one has refused, so that the client gets all messages; others
+/// may still join and are asked in turn. A transaction that only was to be validated is open again.
+/// *Ending*: prepare and commit, or abort, and then finish; nobody joins. Then the handle is
+/// unknown. Handles count from 1 and are not used twice.
+///
+/// A code that is not zero at validate or prepare, or a false verdict, ends a commit in abort and
+/// finish of all participants. So does a refusal of the first participant at commit. Once one has
+/// committed there is no way back: what later ones answer is told in `reason` only.
+///
+/// Threads: any; a transaction is driven by one at a time, and a second one that tries is refused.
+/// No lock is held while a participant is called. One object at a time lives in a process, since
+/// the tables' functions know no object.
+class TransactionService {
+public:
+    explicit TransactionService(ThreadContext& threadContext);
+    /// Aborts what is still open.
+    ~TransactionService();
+    TransactionService(const TransactionService&) = delete;
+    TransactionService& operator=(const TransactionService&) = delete;
+
+    /// Makes \p resource the participant of every transaction from now on, before all that join
+    /// later. The router is enrolled in this way. Call it before the first begin; the table must
+    /// live as long as this object.
+    void enrolInEach(OrvOamSpiTransactionalResource_2* resource);
+
+    /// Begins a transaction. Throws HostError if a participant in each cannot join.
+    unsigned long begin();
+    /// Asks all participants and leaves the transaction open.
+    TransactionOutcome validate(unsigned long txHandle);
+    /// Validates, prepares, commits and finishes; after a refusal aborts and finishes.
+    TransactionOutcome commit(unsigned long txHandle);
+    TransactionOutcome abort(unsigned long txHandle);
+    /// Aborts every transaction that is open. For a host that stops its components; no other thread
+    /// may drive a transaction meanwhile.
+    void abortAll();
+
+    /// Number of transactions that have begun and not ended.
+    std::size_t openCount() const;
+
+    /// Enrols \p resource, unless it is enrolled already, and calls its join slot, and nothing else
+    /// of it. OrvNotActive for an unknown handle, OrvHostWrongState once the transaction ends, the
+    /// resource's code if it refuses to join.
+    OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource);
+
+    /// "OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1".
+    OrvOamSpiTransaction_1* getTransactionInterface() { return &mTransactionInterface; }
+    /// "OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1".
+    OrvHostTransactionMaster_1* getMasterInterface() { return &mMasterInterface; }
+
+    ThreadContext& threadContext() { return mThreadContext; }
+
+private:
+    struct Transaction;
+    using TransactionPtr = std::shared_ptr<Transaction>;
+
+    TransactionPtr take(unsigned long txHandle, bool ending, TransactionOutcome& refusal);
+    OrvOamSpiTransactionalResource_2* participant(const Transaction& transaction,
+                                                  std::size_t index) const;
+    void closeToJoiners(Transaction& transaction);
+    void validateAll(Transaction& transaction, TransactionOutcome& outcome);
+    void prepareAll(const Transaction& transaction, TransactionOutcome& outcome);
+    void commitAll(const Transaction& transaction, TransactionOutcome& outcome);
+    void abortParticipants(const Transaction& transaction);
+    void finish(const Transaction& transaction);
+
+    ThreadContext& mThreadContext;
+    OrvOamSpiTransaction_1 mTransactionInterface;
+    OrvHostTransactionMaster_1 mMasterInterface;
+    std::vector<OrvOamSpiTransactionalResource_2*> mInEach;
+
+    mutable std::mutex mMutex; ///< guards all below, and the transactions themselves
+    unsigned long mNextHandle = 1;
+    std::unordered_map<unsigned long, TransactionPtr> mTransactions;
+};
+
+}
+
+#endif

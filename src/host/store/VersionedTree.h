@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_VERSIONEDTREE_H
+#define ORV_HOST_STORE_VERSIONEDTREE_H
+
+#include "MoTree.h"
+#include "StoreTypes.h"
+#include "TreeLock.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <set>
+#include <shared_mutex>
+
+namespace OrvHost {
+
+/// The committed tree for many threads: snapshots to read from, and commits that become visible as
+/// a whole.
+///
+/// Readers hold the lock shared for one short look; a commit holds it alone while it links what was
+/// made ready before. What no open snapshot can read is reclaimed when a snapshot is closed.
+class VersionedTree {
+public:
+    explicit VersionedTree(const Model& model);
+
+    /// Opens a snapshot of all that is committed by now. Each is closed once.
+    CommitNumber openSnapshot();
+    void closeSnapshot(CommitNumber snapshot) noexcept;
+
+    /// Runs \p look on the tree while no commit changes it, and gives what it gives. It must not
+    /// come back to this object.
+    template <class Look>
+    auto read(Look&& look) const {
+        const std::shared_lock<TreeLock> guard(mLock);
+        return look(static_cast<const MoTree&>(mTree));
+    }
+
+    /// Carries out \p change for \p transaction, all or nothing.
+    void commit(TreeChange& change, TransactionId transaction);
+    /// The transaction that made a commit; kNoTransaction if no open snapshot is older.
+    TransactionId committer(CommitNumber number) const;
+
+    /// Runs \p change on the tree, for data at start. OrvHostWrongState if a snapshot is open.
+    template <class Change>
+    void load(Change&& change) {
+        refuseOpenSnapshots();
+        const std::unique_lock<TreeLock> guard(mLock);
+        change(mTree);
+    }
+
+private:
+    void refuseOpenSnapshots() const;
+    CommitNumber oldestNeeded() const;
+    void reclaim(CommitNumber oldest);
+
+    mutable TreeLock mLock;
+    MoTree mTree; ///< guarded by mLock
+    std::atomic<CommitNumber> mOldestGarbage{kNever};
+
+    mutable std::mutex mMutex; ///< guards all below; may be taken with mLock held
+    CommitNumber mLast = 0;
+    std::multiset<CommitNumber> mOpen;
+    std::map<CommitNumber, TransactionId> mCommitters;
+};
+
+}
+
+#endif
