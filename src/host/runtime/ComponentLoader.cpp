@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ComponentLoader.h"
+
+#include "ComponentRegistry.h"
+#include "OrvReturnText.h"
+
+#include <Poco/Exception.h>
+#include <Poco/SharedLibrary.h>
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <system_error>
+
+namespace OrvHost {
+
+using Reason = ComponentLoadError::Reason;
+
+/// One open shared object. Takes itself back in the destructor from wherever it came to.
+class ComponentLoader::Library {
+public:
+    Library(ComponentRegistry& registry, const std::string& path)
+        : mRegistry(registry), mPath(path) {
+        open();
+    }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library() { close(); }
+
+    void findEntryPoints() {
+        mInit = reinterpret_cast<InitFn>(symbol("orvLCMinit"));
+        mTerminate = reinterpret_cast<TerminateFn>(symbol("orvLCMterminate"));
+    }
+
+    void init(OrvMgmtSpiInterfacePortalAccessor* accessor, const std::string& argument) {
+        const ComponentRegistry::OwnerScope scope(mRegistry, this);
+        mInitCalled = true;
+        const OrvReturnT code = callInit(accessor, argument);
+        if (code != OrvOk) {
+            throw ComponentLoadError(Reason::InitRefused, mPath,
+                                     std::string("orvLCMinit answered ") +
+                                         Orv::OrvReturn::strerror(code) + " (" +
+                                         std::to_string(code) + ")",
+                                     code);
+        }
+    }
+
+    /// The way back; a second call does nothing. What went wrong, or an empty text.
+    std::string close() {
+        std::string problem = terminate();
+        mRegistry.drop(this);
+        try {
+            mLibrary.unload();
+        } catch (const Poco::Exception& failure) {
+            problem += failure.displayText();
+        }
+        return problem.empty() ? problem : mPath + ": " + problem;
+    }
+
+    const std::string& path() const { return mPath; }
+
+private:
+    using InitFn = OrvReturnT (*)(OrvMgmtSpiInterfacePortalAccessor*, const char*);
+    using TerminateFn = void (*)();
+
+    void open() {
+        try {
+            // Local: both entry points have the same names in every component.
+            mLibrary.load(std::filesystem::absolute(mPath).string(),
+                          Poco::SharedLibrary::SHLIB_LOCAL);
+        } catch (const Poco::Exception& failure) {
+            throw ComponentLoadError(Reason::NotALibrary, mPath,
+                                     "cannot be opened as a shared object: " + failure.message());
+        }
+    }
+
+    void* symbol(const char* name) {
+        if (!mLibrary.hasSymbol(name)) {
+            throw ComponentLoadError(Reason::MissingEntryPoint, mPath,
+                                     std::string("has no entry point ") + name);
+        }
+        return mLibrary.getSymbol(name);
+    }
+
+    OrvReturnT callInit(OrvMgmtSpiInterfacePortalAccessor* accessor, const std::string& argument) {
+        try {
+            return mInit(accessor, argument.c_str());
+        } catch (const std::exception& failure) {
+            throw ComponentLoadError(Reason::InitThrew, mPath,
+                                     std::string("orvLCMinit threw an exception: ") +
+                                         failure.what());
+        } catch (...) {
+            throw ComponentLoadError(Reason::InitThrew, mPath,
+                                     "orvLCMinit threw something that is no std::exception");
+        }
+    }
+
+    std::string terminate() {
+        if (!mInitCalled) {
+            return {};
+        }
+        mInitCalled = false;
+        const ComponentRegistry::OwnerScope scope(mRegistry, this);
+        try {
+            mTerminate();
+        } catch (const std::exception& failure) {
+            return std::string("orvLCMterminate threw an exception: ") + failure.what();
+        } catch (...) {
+            return "orvLCMterminate threw something that is no std::exception";
+        }
+        return {};
+    }
+
+    ComponentRegistry& mRegistry;
+    std::string mPath;
+    Poco::SharedLibrary mLibrary;
+    InitFn mInit = nullptr;
+    TerminateFn mTerminate = nullptr;
+    bool mInitCalled = false;
+};
+
+ComponentLoader::ComponentLoader(ComponentRegistry& registry,
+                                 OrvMgmtSpiInterfacePortalAccessor* accessor)
+    : mRegistry(registry), mAccessor(accessor) {}
+
+ComponentLoader::~ComponentLoader() {
+    unloadAll();
+}
+
+void ComponentLoader::load(const std::string& path, const std::string& argument) {
+    if (isLoaded(path)) {
+        throw ComponentLoadError(Reason::AlreadyLoaded, path, "is loaded already");
+    }
+    auto library = std::make_unique<Library>(mRegistry, path);
+    library->findEntryPoints();
+    library->init(mAccessor, argument);
+    mLibraries.push_back(std::move(library));
+}
+
+// The system would hand out the shared object that is open, with its one service object, once more.
+bool ComponentLoader::isLoaded(const std::string& path) const {
+    return std::any_of(mLibraries.begin(), mLibraries.end(), [&](const auto& library) {
+        std::error_code unreadable;
+        return std::filesystem::equivalent(library->path(), path, unreadable);
+    });
+}
+
+std::vector<std::string> ComponentLoader::unloadAll() {
+    std::vector<std::string> problems;
+    for (const ComponentReport& report : mRegistry.stopAll(OrvStateChangeReasonHostShutdown)) {
+        if (!report.problem.empty()) {
+            problems.push_back(report.name + ": " + report.problem);
+        }
+    }
+    while (!mLibraries.empty()) {
+        const std::string problem = mLibraries.back()->close();
+        mLibraries.pop_back();
+        if (!problem.empty()) {
+            problems.push_back(problem);
+        }
+    }
+    return problems;
+}
+
+std::vector<std::string> ComponentLoader::loaded() const {
+    std::vector<std::string> paths;
+    for (const auto& library : mLibraries) {
+        paths.push_back(library->path());
+    }
+    return paths;
+}
+
+}

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_RUNTIME_LOGSINK_H
+#define ORV_HOST_RUNTIME_LOGSINK_H
+
+#include "LoggingWrapper.h"
+
+#include <cstddef>
+#include <deque>
+#include <fstream>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+enum class LogFormat { Text, Json };
+
+/// Takes what components log and trace and writes one line for each message, as text or as a JSON
+/// document, to a stream or a file; keeps the latest lines in memory as well.
+///
+/// Components send each message in two forms. This sink keeps the newer one, which alone tells the
+/// subsystem and the level of traces and the source line of logs, and drops the older.
+///
+/// Threads: any, once it is built.
+class LogSink {
+public:
+    /// How many lines recent() can look back on.
+    static constexpr std::size_t kKept = 1000;
+
+    /// Becomes the sink of the process. \p stream is borrowed.
+    LogSink(std::ostream& stream, LogFormat format);
+
+    /// The same with a file, which is appended to. Throws std::runtime_error, with the path and the
+    /// reason, if it cannot be opened.
+    LogSink(const std::string& path, LogFormat format);
+
+    /// From here on records are dropped.
+    ~LogSink();
+    LogSink(const LogSink&) = delete;
+    LogSink& operator=(const LogSink&) = delete;
+
+    /// One record, as Orv::LoggingWrapper gives it.
+    void write(const Orv::LogRecord& record);
+
+    /// Up to \p count of the latest lines, the oldest first, without line ends.
+    std::vector<std::string> recent(std::size_t count) const;
+
+    LogFormat format() const { return mFormat; }
+
+private:
+    void install();
+
+    std::ofstream mFile;
+    std::ostream& mStream;
+    const LogFormat mFormat;
+    mutable std::mutex mMutex; ///< guards the stream and mRecent
+    std::deque<std::string> mRecent;
+};
+
+/// The name of a level: "error", "warning", "info", "trace", or its number.
+std::string logLevelName(int level);
+
+}
+
+#endif

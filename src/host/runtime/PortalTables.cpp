@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PortalTables.h"
+
+#include "ComponentRegistry.h"
+#include "OrvInterfaceBinders.h"
+#include "Portal.h"
+
+#include <cstring>
+#include <stdexcept>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr const char* kComponentName = "OrvMgmtSpiPortalService";
+constexpr const char* kInterfaceName = "OrvMgmtSpiInterfacePortal";
+
+}
+
+PortalTables* PortalTables::_instance = nullptr;
+
+PortalTables::PortalTables(ComponentRegistry& registry, PortalVersions versions)
+    : mRegistry(registry),
+      mVersions(versions),
+      mAccessor{&getPortal},
+      mPortal1{{kComponentName, kInterfaceName, "1"},
+               &getInterface,
+               nullptr,
+               &registerComponent,
+               &unregisterComponent},
+      mPortal3{{kComponentName, kInterfaceName, "3"},
+               &getInterface,
+               nullptr,
+               &registerComponent,
+               &unregisterComponent} {
+    if (_instance != nullptr) {
+        throw std::logic_error("there is a host in this process already");
+    }
+    _instance = this;
+    Orv::Portal::instance()->attach(&getInterface);
+}
+
+PortalTables::~PortalTables() {
+    Orv::Portal::instance()->detach();
+    _instance = nullptr;
+}
+
+void* PortalTables::getPortal(const char* version) {
+    if (_instance == nullptr || version == nullptr) {
+        return nullptr;
+    }
+    if (std::strcmp(version, "1") == 0 && _instance->mVersions.version1) {
+        return &_instance->mPortal1;
+    }
+    if (std::strcmp(version, "3") == 0 && _instance->mVersions.version3) {
+        return &_instance->mPortal3;
+    }
+    return nullptr;
+}
+
+OrvReturnT PortalTables::getInterface(VekMgmtSpiInterface_1 id, void** result) {
+    return Orv::shielded([&] { return _instance->mRegistry.find(id, result); });
+}
+
+OrvReturnT PortalTables::registerComponent(OrvMgmtSpiComponent_1* component) {
+    return Orv::shielded([&] { return _instance->mRegistry.registerComponent(component); });
+}
+
+OrvReturnT PortalTables::unregisterComponent(OrvMgmtSpiComponent_1* component) {
+    return Orv::shielded([&] { return _instance->mRegistry.unregisterComponent(component); });
+}
+
+}

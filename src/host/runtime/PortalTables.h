@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_RUNTIME_PORTALTABLES_H
+#define ORV_HOST_RUNTIME_PORTALTABLES_H
+
+#include "OrvMgmtSpiInterfacePortal.h"
+
+namespace OrvHost {
+
+class ComponentRegistry;
+
+/// Which portals a host has. Hosts of all kinds are met; the choice is there to try a component
+/// with each.
+struct PortalVersions {
+    bool version1 = true;
+    bool version3 = true;
+};
+
+/// The portal tables of versions "1" and "3" and the accessor that leads to them, all three on one
+/// ComponentRegistry. While it lives, Orv::Portal looks up through it as well.
+///
+/// A table function is handed no object, so one object of this class can live at a time.
+///
+/// Threads: as the registry. Build and destroy it while no component is loaded.
+class PortalTables {
+public:
+    /// \p registry must outlive this object. Throws std::logic_error if there is one already.
+    explicit PortalTables(ComponentRegistry& registry, PortalVersions versions = {});
+    ~PortalTables();
+    PortalTables(const PortalTables&) = delete;
+    PortalTables& operator=(const PortalTables&) = delete;
+
+    /// What orvLCMinit is given. Owned by this object.
+    OrvMgmtSpiInterfacePortalAccessor* accessor() { return &mAccessor; }
+
+private:
+    static void* getPortal(const char* version);
+    static OrvReturnT getInterface(VekMgmtSpiInterface_1 id, void** result);
+    static OrvReturnT registerComponent(OrvMgmtSpiComponent_1* component);
+    static OrvReturnT unregisterComponent(OrvMgmtSpiComponent_1* component);
+
+    ComponentRegistry& mRegistry;
+    PortalVersions mVersions;
+    OrvMgmtSpiInterfacePortalAccessor mAccessor;
+    OrvMgmtSpiInterfacePortal_1 mPortal1;
+    OrvMgmtSpiInterfacePortal_3 mPortal3;
+    static PortalTables* _instance;
+};
+
+}
+
+#endif

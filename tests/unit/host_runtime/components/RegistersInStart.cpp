@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Odd on purpose: announces a second component from inside the start of the first, and takes the
+// registration of neither back.
+
+#include "TestComponent.h"
+
+namespace TestComponents {
+
+static TestComponent& second() {
+    static TestComponent theSecond("TestSecond", {}, {}, &tellStart, &tellStop);
+    return theSecond;
+}
+
+static OrvReturnT registerSecond(OrvStateChangeReason) {
+    return component().portal()->registerComponent(second().record());
+}
+
+TestComponent& component() {
+    static TestComponent theComponent("TestRegistersInStart", {}, {}, &registerSecond, &tellStop);
+    return theComponent;
+}
+
+}
+
+TEST_EXPORT OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor, const char*) {
+    return TestComponents::soundInit(accessor);
+}
+
+TEST_EXPORT void orvLCMterminate() {}
