@@ -8,7 +8,8 @@
 namespace OrvHost {
 
 std::string toText(const SourcePosition& source) {
-    return source.file + (source.line > 0 ? ":" + std::to_string(source.line) : "");
+    const bool isLineKnown = !source.file.empty() && source.line > 0;
+    return source.file + (isLineKnown ? ":" + std::to_string(source.line) : "");
 }
 
 std::string toText(const ModelProblem& problem) {

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ModelRepository.h"
+
+#include "RepositoryAnswer.h"
+#include "RepositoryTables.h"
+
+#include <stdexcept>
+
+namespace OrvHost {
+
+namespace {
+
+VekOamSpiModelRepository_4 makeTable() {
+    VekOamSpiModelRepository_4 table{};
+    table.identity = {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"};
+    table.dnLookup = &kDnLookup;
+    table.generalProperties = &kGeneralProperties;
+    table.mocQueries = &kMocQueries;
+    table.containment = &kContainment;
+    table.associationEnd = &kAssociationEnd;
+    table.biDirAssociation = &kBiDirAssociation;
+    table.uniDirAssociation = &kUniDirAssociation;
+    table.attributeType = &kAttributeType;
+    table.attribute = &kAttribute;
+    table.referenceType = &kReferenceType;
+    return table;
+}
+
+}
+
+ModelRepository::ModelRepository(const Model& model) : mIndex(model), mInterface(makeTable()) {
+    if (currentRepositoryIndex) {
+        throw std::logic_error("There is a model repository in this process already.");
+    }
+    currentRepositoryIndex = &mIndex;
+}
+
+ModelRepository::~ModelRepository() {
+    currentRepositoryIndex = nullptr;
+}
+
+}

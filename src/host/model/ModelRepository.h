@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_MODELREPOSITORY_H
+#define ORV_HOST_MODEL_MODELREPOSITORY_H
+
+#include "Model.h"
+#include "RepositoryIndex.h"
+#include "VekOamSpiModelRepository_4.h"
+
+namespace OrvHost {
+
+/// The table "VekOamSpiModelRepository" version "4" over a Model.
+///
+/// Codes of its functions:
+///   - OrvOk;
+///   - OrvNotExist: the handle is zero, nothing is there, or the list is at its end;
+///   - OrvInvalidArgument: a handle of another kind or of nothing, an unknown property, a null
+///     pointer;
+///   - OrvNotActive: there is no repository any more.
+/// The out parameter is written on OrvOk only.
+///
+/// A reference attribute with exactly one permitted class has that class as its referenced MOC,
+/// every other one the class "ManagedObject", which stands for any: it has a name and nothing else,
+/// and no DN leads to it. Bounds of a type are those of the number of values. An open upper bound
+/// is kUnbounded, a large positive number.
+///
+/// A table function is handed no object, so there can be one repository in a process at a time.
+/// Nothing changes after construction: the functions take no lock, and any number of threads may
+/// be in them between construction and destruction.
+class ModelRepository {
+public:
+    /// `model` is from a ModelBuilder; it must outlive the repository and stay where it is.
+    /// \throws std::logic_error if there is a repository already
+    explicit ModelRepository(const Model& model);
+    ModelRepository(const ModelRepository&) = delete;
+    ModelRepository& operator=(const ModelRepository&) = delete;
+    ~ModelRepository();
+
+    /// Lives as long as the repository.
+    VekOamSpiModelRepository_4* getInterface() { return &mInterface; }
+
+private:
+    RepositoryIndex mIndex;
+    VekOamSpiModelRepository_4 mInterface;
+};
+
+}
+
+#endif

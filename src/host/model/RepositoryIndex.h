@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_REPOSITORYINDEX_H
+#define ORV_HOST_MODEL_REPOSITORYINDEX_H
+
+#include "Model.h"
+#include "RepositoryHandle.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace OrvHost {
+
+/// Answers in constant time (the step after a bidirectional association: logarithmic) what the
+/// repository is asked about a Model. Immutable: any number of threads.
+class RepositoryIndex {
+public:
+    /// `model` must outlive the index and stay where it is.
+    explicit RepositoryIndex(const Model& model);
+
+    const Model& model() const { return mModel; }
+
+    /// True if the handle names something of the model.
+    bool exists(RepositoryHandle handle) const;
+
+    std::optional<std::uint32_t> firstBiDir(ClassIndex moc) const;
+    /// The association of `moc` with the next higher position.
+    std::optional<std::uint32_t> nextBiDir(std::uint32_t current, ClassIndex moc) const;
+    bool takesPart(ClassIndex moc, std::uint32_t biDir) const;
+    std::optional<std::uint32_t> firstUniDir(ClassIndex moc) const;
+    std::optional<std::uint32_t> nextUniDir(std::uint32_t current) const;
+
+    /// The end that a BiDirEnd or UniDirEnd names.
+    const AssociationEnd& end(RepositoryHandle handle) const;
+    /// The attribute that is named after that end, in the class at the other end.
+    RepositoryHandle attributeOfEnd(RepositoryHandle handle) const;
+    /// The attribute that an Attribute or Type names.
+    const AttributeDef& attribute(RepositoryHandle handle) const;
+
+private:
+    bool isAttribute(RepositoryHandle handle) const;
+    bool isContainment(RepositoryHandle handle) const;
+
+    const Model& mModel;
+    std::vector<std::vector<std::uint32_t>> mBiDirs; ///< by class, in ascending order
+    std::vector<std::vector<std::uint32_t>> mUniDirs;
+    std::vector<std::optional<std::uint32_t>> mNextUniDir;             ///< by association
+    std::vector<std::vector<RepositoryHandle>> mAttributesOfBiDirEnds; ///< by association and end
+    std::vector<RepositoryHandle> mAttributesOfUniDirEnds;             ///< by association
+};
+
+}
+
+#endif
