@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ConvertedResultData.h"
+
+#include <cstdlib>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+ConvertedResultData* viewOf(OrvMoAttributeValueContainer_3* container) {
+    return static_cast<ConvertedResultData*>(container);
+}
+
+}
+
+ConvertedResultData::ConvertedResultData(ReleaseFn release,
+                                         OrvMoAttributeValueContainer_3* container)
+    : OrvMoAttributeValueContainer_3(container != nullptr ? *container
+                                                          : OrvMoAttributeValueContainer_3{}),
+      _origRelease(release),
+      _origContainer(container) {}
+
+void ConvertedResultData::setOriginalMany(MultiReleaseFn release,
+                                          OrvMoAttributeValueContainer_3** containers) {
+    _origMultiRelease = release;
+    _origContainers = containers;
+}
+
+const OrvMoAttributeValue_3& ConvertedResultData::originalValue(std::uint32_t index) const {
+    return _origContainer->values[index];
+}
+
+OrvMoAttributeValue_3* ConvertedResultData::ownValues() {
+    if (values == _origContainer->values) {
+        values = malloc<OrvMoAttributeValue_3>(count);
+    }
+    return values;
+}
+
+ConvertedResultData& ConvertedResultData::addNested(OrvMoAttributeValueContainer_3* container) {
+    auto* const nested = new ConvertedResultData(nullptr, container);
+    own(nested);
+    return *nested;
+}
+
+void ConvertedResultData::releaseFunc(OrvMoAttributeValueContainer_3* container) {
+    const ConvertedResultData* const view = viewOf(container);
+    if (view->_origRelease != nullptr && view->_origContainer != nullptr) {
+        view->_origRelease(view->_origContainer);
+    }
+    delete view;
+}
+
+void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** containers) {
+    const ConvertedResultData* const first = viewOf(containers[0]);
+    if (first->_origMultiRelease != nullptr && first->_origContainers != nullptr) {
+        first->_origMultiRelease(first->_origContainers);
+    }
+    for (std::size_t index = 0; containers[index] != nullptr; ++index) {
+        delete viewOf(containers[index]);
+    }
+    std::free(static_cast<void*>(containers));
+}
+
+}
