@@ -1,0 +1,237 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "MoImpl.h"
+
+#include "ComponentName.h"
+#include "KnownAttributes.h"
+#include "OpeningSteps.h"
+#include "ValueConversion.h"
+
+#include <vector>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+// A value that needs no copy goes on as it is; nobody on its way writes to it.
+OrvMoAttributeValueContainer* unchanged(const OrvMoAttributeValueContainer* value) {
+    return const_cast<OrvMoAttributeValueContainer*>(value);
+}
+
+OrvMoAttributeValueContainer* newContainer(Orv::AutoMemory& memory, std::int32_t type,
+                                           std::uint32_t count, OrvMoAttributeValue* values) {
+    auto* const container = memory.malloc<OrvMoAttributeValueContainer>(1);
+    container->type = type;
+    container->count = count;
+    container->values = values;
+    return container;
+}
+
+}
+
+MoImpl::MoImpl(IdMappings& ids, TransactionData& transactions)
+    : IterImpl(ids),
+      binder({componentName, "OrvOamSpiManagedObject", "1"}, *this),
+      idMappings(ids),
+      txData(transactions) {}
+
+OrvReturnT MoImpl::init(OrvMgmtSpiInterfacePortal_1* hostPortal) {
+    portal = hostPortal;
+    return OrvOk;
+}
+
+OrvReturnT MoImpl::start(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    if (started) {
+        return ORV_TRACE_RESULT(OrvOk);
+    }
+    if (lookUpTable(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, router) !=
+        OrvOk) {
+        ORV_LOG(3, "Could not lookup cmrouterservice");
+        return ORV_TRACE_RESULT(OrvFailure);
+    }
+    started = true;
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT MoImpl::stop(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    started = false;
+    router = nullptr;
+    lock.unlock();
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvOamSpiManagedObject_1* MoImpl::getMoInterface() {
+    return binder.getInterface();
+}
+
+Orv::AutoMemory* MoImpl::getTxData(unsigned long txHandle) {
+    return txData.getTxData(txHandle);
+}
+
+OrvOamSpiManagedObject_1* MoImpl::getCmRouter() {
+    return router;
+}
+
+OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                                  const OrvMoAttributeValueContainer* value) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    if (isNetworkManagedElementId(attrName)) {
+        const char* const text = firstText(value);
+        // Unlike in version 3, the id must have a value, if only an empty text.
+        if (text == nullptr) {
+            ORV_TRACE("networkManagedElementId had no value");
+            return ORV_TRACE_RESULT(OrvInvalidArgument);
+        }
+        if (isRefusedAsId(text)) {
+            ORV_TRACE("Validation of networkManagedElementId failed: %s", text);
+            return ORV_TRACE_RESULT(OrvInvalidArgument);
+        }
+    }
+    const OrvMoAttributeValueContainer* const converted =
+        transformContainer(value, IdMappings::ToInternal, txHandle);
+    return ORV_TRACE_RESULT(
+        router->setMoAttribute(txHandle, internalDn.c_str(), attrName, converted));
+}
+
+OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                                  OrvMoAttributeValueContainer** result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    const OrvReturnT code = router->getMoAttribute(txHandle, internalDn.c_str(), attrName, result);
+    if (code != OrvOk) {
+        return ORV_TRACE_RESULT(code);
+    }
+    *result = isRootId(attrName, dn) && isOneText(*result)
+                  ? rootIdContainer(*result, txHandle)
+                  : transformContainer(*result, IdMappings::ToExternal, txHandle);
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* className,
+                            const char* attrName, const char* attrValue) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
+                    dn, className, attrName, attrValue);
+    std::string internalDn;
+    const OrvReturnT opened = openCreation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    return ORV_TRACE_RESULT(
+        router->createMo(txHandle, internalDn.c_str(), className, attrName, attrValue));
+}
+
+OrvReturnT MoImpl::deleteMo(unsigned long txHandle, const char* dn) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    return ORV_TRACE_RESULT(router->deleteMo(txHandle, internalDn.c_str()));
+}
+
+OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* name,
+                          OrvMoAttributeValueContainer** parameters,
+                          OrvMoAttributeValueContainer** result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, dn, name);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    std::vector<OrvMoAttributeValueContainer*> converted;
+    for (std::size_t index = 0; parameters[index] != nullptr; ++index) {
+        converted.push_back(
+            transformContainer(parameters[index], IdMappings::ToInternal, txHandle));
+    }
+    converted.push_back(nullptr);
+    OrvMoAttributeValueContainer* answer = nullptr;
+    const OrvReturnT code =
+        router->action(txHandle, internalDn.c_str(), name, converted.data(), &answer);
+    *result = answer;
+    if (code == OrvOk) {
+        *result = transformContainer(answer, IdMappings::ToExternal, txHandle);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+OrvMoAttributeValueContainer* MoImpl::transformContainer(const OrvMoAttributeValueContainer* value,
+                                                         IdMappings::DnConversion direction,
+                                                         unsigned long txHandle) {
+    if (value->type == OrvMoAttributeTypeMoRef_3) {
+        return transformMoRefContainer(value, direction, txHandle);
+    }
+    if (value->type == OrvMoAttributeTypeStruct_3) {
+        return transformStructContainer(value, direction, txHandle);
+    }
+    return unchanged(value);
+}
+
+// A copy is made also of an empty value and of a reference that cannot be translated: what the
+// client gets is then all of one life.
+OrvMoAttributeValueContainer*
+MoImpl::transformMoRefContainer(const OrvMoAttributeValueContainer* value,
+                                IdMappings::DnConversion direction, unsigned long txHandle) {
+    Orv::AutoMemory& memory = *getTxData(txHandle);
+    auto* const slots = memory.malloc<OrvMoAttributeValue>(value->count);
+    for (std::uint32_t index = 0; index < value->count; ++index) {
+        const char* const original = value->values[index].moRef;
+        const std::string translated = idMappings.convertDn(original, direction);
+        slots[index].moRef = memory.strdup(translated.empty() ? original : translated.c_str());
+    }
+    return newContainer(memory, value->type, value->count, slots);
+}
+
+OrvMoAttributeValueContainer*
+MoImpl::transformStructContainer(const OrvMoAttributeValueContainer* value,
+                                 IdMappings::DnConversion direction, unsigned long txHandle) {
+    if (value->count == 0 || !showsReference(value->values[0].structValue)) {
+        return unchanged(value);
+    }
+    Orv::AutoMemory& memory = *getTxData(txHandle);
+    auto* const slots = memory.malloc<OrvMoAttributeValue>(value->count);
+    for (std::uint32_t index = 0; index < value->count; ++index) {
+        slots[index].structValue =
+            rebuildStruct(value->values[index].structValue, memory, direction, txHandle);
+    }
+    return newContainer(memory, value->type, value->count, slots);
+}
+
+OrvMoStructMember* MoImpl::rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
+                                         IdMappings::DnConversion direction,
+                                         unsigned long txHandle) {
+    OrvMoStructMember* head = nullptr;
+    OrvMoStructMember** link = &head;
+    for (const OrvMoStructMember* member = first; member != nullptr; member = member->next) {
+        auto* const rebuilt = memory.malloc<OrvMoStructMember>(1);
+        *link = rebuilt;
+        link = &rebuilt->next;
+        rebuilt->name = memory.strdup(member->name);
+        rebuilt->value = transformContainer(member->value, direction, txHandle);
+    }
+    return head;
+}
+
+OrvMoAttributeValueContainer* MoImpl::rootIdContainer(const OrvMoAttributeValueContainer* value,
+                                                      unsigned long txHandle) {
+    const std::string id = externalRootId(idMappings, value->values[0].string);
+    Orv::AutoMemory& memory = *getTxData(txHandle);
+    auto* const slots = memory.malloc<OrvMoAttributeValue>(1);
+    slots[0].string = memory.strdup(id.c_str());
+    return newContainer(memory, OrvMoAttributeTypeString_3, 1, slots);
+}
+
+}

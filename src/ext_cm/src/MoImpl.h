@@ -1,0 +1,256 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_MOIMPL_H
+#define ORV_EXT_CM_MOIMPL_H
+
+#include "AutoMemory.h"
+#include "IdMappings.h"
+#include "OpeningSteps.h"
+#include "OrvInterfaceBinders.h"
+#include "OrvMgmtSpiComponent_1.h"
+#include "OrvMgmtSpiInterfacePortal.h"
+#include "OrvMoAttributeValue.h"
+#include "OrvOamSpiManagedObject_1.h"
+#include "OrvReturn.h"
+#include "Tracing.h"
+#include "TransactionData.h"
+
+#include <Poco/Mutex.h>
+#include <Poco/ScopedLock.h>
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <type_traits>
+
+namespace OrvExtCmRouterService {
+
+/// Iteration over the children of an MO, for an interface table and its type of handles; base of
+/// the classes that serve such a table. A client's handle is the address of a record of this class,
+/// not the router's handle: it can be checked before it is used, and it ends with the transaction.
+///
+/// Threads: as the serving class. MoIterator::_mutex guards the set of living records and is held
+/// for the work on the set only.
+template <class Table, class Handle>
+class IterImpl {
+public:
+    /// The record behind a handle. Owned by the memory of its transaction.
+    class MoIterator {
+    public:
+        explicit MoIterator(unsigned long long handle) : routerHandle(handle) {}
+        MoIterator(const MoIterator&) = delete;
+        MoIterator& operator=(const MoIterator&) = delete;
+        ~MoIterator();
+
+        /// Makes the record one that find gives. \p opensRoot: the client asked for the top level.
+        void enter(bool opensRoot);
+
+        /// The living record that \p handle names, or null. Does not look at what a wrong handle
+        /// points at.
+        static MoIterator* find(Handle handle);
+
+        unsigned long long routerHandle;
+        bool atRoot = false;
+
+    private:
+        static std::set<void*> _allIters; ///< of all transactions
+        static Poco::FastMutex _mutex;
+    };
+
+    explicit IterImpl(IdMappings& idMappings) : mappings(idMappings) {}
+    IterImpl(const IterImpl&) = delete;
+    IterImpl& operator=(const IterImpl&) = delete;
+    virtual ~IterImpl() = default;
+
+protected:
+    /// The memory of the transaction; the first touch joins it.
+    virtual Orv::AutoMemory* getTxData(unsigned long txHandle) = 0;
+    virtual Table* getCmRouter() = 0;
+
+public:
+    /// Opens an iterator at the router. \p dn is external; empty is the top level, for which the
+    /// translator is not asked. OrvNotExist if the DN cannot be translated. Not to be called while
+    /// the service is stopped.
+    OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
+                             Handle* iterator);
+
+    /// The next child's naming value, or null at the end. At the top level every name that the
+    /// router gives is replaced by the identity by which clients know the root at present; that
+    /// text is the translator's. OrvNotActive for a handle that is not living. Not to be called
+    /// while the service is stopped.
+    OrvReturnT nextMo(Handle iterator, char** result) {
+        ORV_TRACE_ENTRY(" >> ");
+        MoIterator* const record = MoIterator::find(iterator);
+        if (record == nullptr) {
+            return OrvNotActive;
+        }
+        char* name = nullptr;
+        const OrvReturnT code = getCmRouter()->nextMo(toHandle(record->routerHandle), &name);
+        *result = name;
+        if (code == OrvOk && name != nullptr && record->atRoot) {
+            *result = const_cast<char*>(mappings.rootIdentity());
+        }
+        return ORV_TRACE_RESULT(code);
+    }
+
+private:
+    // Handles that are pointers are widened with their sign.
+    static unsigned long long toWord(Handle handle) {
+        if constexpr (std::is_pointer_v<Handle>) {
+            return static_cast<unsigned long long>(reinterpret_cast<std::intptr_t>(handle));
+        } else {
+            return handle;
+        }
+    }
+
+    static Handle toHandle(unsigned long long word) {
+        if constexpr (std::is_pointer_v<Handle>) {
+            return reinterpret_cast<Handle>(static_cast<std::intptr_t>(word));
+        } else {
+            return word;
+        }
+    }
+
+    static Handle handleOf(MoIterator* record) {
+        if constexpr (std::is_pointer_v<Handle>) {
+            return record;
+        } else {
+            return reinterpret_cast<std::uintptr_t>(record);
+        }
+    }
+
+    IdMappings& mappings;
+};
+
+// Built when the shared object is loaded, and so before the service and destroyed after it: the
+// service's own end still takes records out.
+template <class Table, class Handle>
+std::set<void*> IterImpl<Table, Handle>::MoIterator::_allIters;
+template <class Table, class Handle>
+Poco::FastMutex IterImpl<Table, Handle>::MoIterator::_mutex;
+
+template <class Table, class Handle>
+IterImpl<Table, Handle>::MoIterator::~MoIterator() {
+    Poco::ScopedLock<Poco::FastMutex> lock(_mutex);
+    _allIters.erase(this);
+}
+
+template <class Table, class Handle>
+void IterImpl<Table, Handle>::MoIterator::enter(bool opensRoot) {
+    Poco::ScopedLockWithUnlock<Poco::FastMutex> lock(_mutex);
+    _allIters.insert(this);
+    atRoot = opensRoot;
+    lock.unlock();
+}
+
+template <class Table, class Handle>
+typename IterImpl<Table, Handle>::MoIterator*
+IterImpl<Table, Handle>::MoIterator::find(Handle handle) {
+    void* const address = reinterpret_cast<void*>(toWord(handle));
+    Poco::ScopedLockWithUnlock<Poco::FastMutex> lock(_mutex);
+    const bool living = _allIters.count(address) != 0;
+    lock.unlock();
+    return living ? static_cast<MoIterator*>(address) : nullptr;
+}
+
+template <class Table, class Handle>
+OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const char* dn,
+                                                  const char* className, Handle* iterator) {
+    ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", dn, className);
+    std::string internalDn;
+    // Unlike in all other operations nobody looks whether the service is started.
+    if (openWalk(true, mappings, dn, internalDn) != OrvOk) {
+        ORV_TRACE_EXIT(" << Error: %s", "OrvNotExist");
+        return OrvNotExist;
+    }
+    const OrvReturnT code =
+        getCmRouter()->newMoIterator(txHandle, internalDn.c_str(), className, iterator);
+    if (code != OrvOk) {
+        return ORV_TRACE_RESULT(code);
+    }
+    Orv::AutoMemory* const memory = getTxData(txHandle);
+    auto record = std::make_unique<MoIterator>(toWord(*iterator));
+    record->enter(*dn == '\0');
+    const Handle handle = handleOf(record.get());
+    memory->own(record.release());
+    *iterator = handle;
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+/// The managed-object interface of version 1: translates DNs, also those in values, and forwards to
+/// the host's router of the same version. That is all: no interceptor is asked, and no write takes
+/// part in the rules for associations.
+///
+/// A client of this version gives nothing back, so whatever is made for one belongs to the memory
+/// of the transaction and lives until that is finished. The router's own containers are not
+/// released: there is no way to.
+///
+/// Threads: operations from any number of host threads, a transaction on one at a time; not during
+/// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
+/// stop.
+class MoImpl : public IterImpl<OrvOamSpiManagedObject_1, void*> {
+public:
+    /// Stores the references and uses neither: what they name may not be built yet.
+    MoImpl(IdMappings& ids, TransactionData& transactions);
+
+    /// \p hostPortal is not owned. Always OrvOk.
+    OrvReturnT init(OrvMgmtSpiInterfacePortal_1* hostPortal);
+
+    /// Looks the router up, unless started. OrvFailure, with a log, if there is none.
+    OrvReturnT start(OrvStateChangeReason reason);
+    OrvReturnT stop(OrvStateChangeReason reason);
+
+    /// The table offered to the host, owned by this object.
+    OrvOamSpiManagedObject_1* getMoInterface();
+
+    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvNotExist for a DN
+    // that cannot be translated; the router's codes as they are.
+
+    OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              const OrvMoAttributeValueContainer* value);
+    OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              OrvMoAttributeValueContainer** result);
+    OrvReturnT createMo(unsigned long txHandle, const char* dn, const char* className,
+                        const char* attrName, const char* attrValue);
+    OrvReturnT deleteMo(unsigned long txHandle, const char* dn);
+    OrvReturnT action(unsigned long txHandle, const char* dn, const char* name,
+                      OrvMoAttributeValueContainer** parameters,
+                      OrvMoAttributeValueContainer** result);
+
+    // Conversion of values: a new container in the transaction's memory where a copy is needed,
+    // otherwise \p value itself. \p value is not null.
+
+    OrvMoAttributeValueContainer* transformContainer(const OrvMoAttributeValueContainer* value,
+                                                     IdMappings::DnConversion direction,
+                                                     unsigned long txHandle);
+    OrvMoAttributeValueContainer* transformMoRefContainer(const OrvMoAttributeValueContainer* value,
+                                                          IdMappings::DnConversion direction,
+                                                          unsigned long txHandle);
+    OrvMoAttributeValueContainer*
+    transformStructContainer(const OrvMoAttributeValueContainer* value,
+                             IdMappings::DnConversion direction, unsigned long txHandle);
+
+protected:
+    Orv::AutoMemory* getTxData(unsigned long txHandle) override;
+    OrvOamSpiManagedObject_1* getCmRouter() override;
+
+private:
+    OrvMoAttributeValueContainer* rootIdContainer(const OrvMoAttributeValueContainer* value,
+                                                  unsigned long txHandle);
+    OrvMoStructMember* rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
+                                     IdMappings::DnConversion direction, unsigned long txHandle);
+
+    Poco::Mutex mMutex;
+    OrvOamSpiManagedObject_1* router = nullptr;
+    OrvMgmtSpiInterfacePortal_1* portal = nullptr;
+    bool started = false;
+    Orv::ManagedObject1Binder<MoImpl> binder;
+    IdMappings& idMappings;
+    TransactionData& txData;
+};
+
+}
+
+#endif

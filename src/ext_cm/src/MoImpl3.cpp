@@ -1,0 +1,313 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "MoImpl3.h"
+
+#include "AssociationRecord.h"
+#include "ComponentName.h"
+#include "DnUtil.h"
+#include "KnownAttributes.h"
+#include "OpeningSteps.h"
+#include "ValueConversion.h"
+
+#include <Poco/ScopedLock.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+// The default name of a class's naming attribute is the class name, its first letter small, and
+// "Id". Anything else, also in another case, is a name of its own.
+bool isDefaultNamingAttribute(const char* className, const char* attrName) {
+    std::string defaultName(className);
+    defaultName[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(defaultName[0])));
+    defaultName += "Id";
+    return defaultName == attrName;
+}
+
+// The last step of every wrapping, and one that cannot fail: after an exception a result is still
+// the producer's.
+ConvertedResultData* handOut(std::unique_ptr<ConvertedResultData> view,
+                             OrvMoAttributeValueResult_3& result) {
+    result.container = view.get();
+    result.release = &ConvertedResultData::releaseFunc;
+    return view.release();
+}
+
+}
+
+MoImpl3::MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
+                 UniDirValidator& validator)
+    : IterImpl(ids),
+      binder({componentName, "OrvOamSpiManagedObject", "3"}, *this),
+      idMappings(ids),
+      txData(transactions),
+      biDirUtils(utils),
+      uniDirValidator(validator) {}
+
+OrvReturnT MoImpl3::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
+                         ExtCmInterceptorRepository* interceptorRepository) {
+    portal = hostPortal;
+    interceptors = interceptorRepository;
+    return OrvOk;
+}
+
+OrvReturnT MoImpl3::start(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    if (started) {
+        return ORV_TRACE_RESULT(OrvOk);
+    }
+    if (lookUpTable(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, router) !=
+        OrvOk) {
+        ORV_LOG(3, "Could not lookup cmrouterservice");
+        return ORV_TRACE_RESULT(OrvFailure);
+    }
+    started = true;
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT MoImpl3::stop(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    started = false;
+    router = nullptr;
+    lock.unlock();
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvOamSpiManagedObject_3* MoImpl3::getMoInterface() {
+    return binder.getInterface();
+}
+
+Orv::AutoMemory* MoImpl3::getTxData(unsigned long txHandle) {
+    return txData.getTxData(txHandle);
+}
+
+OrvOamSpiManagedObject_3* MoImpl3::getCmRouter() {
+    return router;
+}
+
+MoInterceptorBase* MoImpl3::interceptorFor(const std::string& internalDn) {
+    return interceptors->getInterceptor(Orv::DnUtil::getMocPath(internalDn));
+}
+
+OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    return ORV_TRACE_RESULT(router->existsMo(txHandle, internalDn.c_str(), exists));
+}
+
+OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, const char* className,
+                                    unsigned long long* count) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openWalk(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    return ORV_TRACE_RESULT(
+        router->countMoChildren(txHandle, internalDn.c_str(), className, count));
+}
+
+OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                                   OrvMoAttributeValueResult_3* result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    // The one operation whose clients are told OrvFailure of a stopped service.
+    if (!started || result == nullptr) {
+        return ORV_TRACE_RESULT(OrvFailure);
+    }
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    const OrvReturnT code =
+        interceptor != nullptr
+            ? interceptor->getMoAttribute(txHandle, internalDn.c_str(), attrName, result)
+            : router->getMoAttribute(txHandle, internalDn.c_str(), attrName, result);
+    if (code == OrvOk) {
+        createConvertedData(dn, attrName, *result);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
+                                    OrvMoAttributeValuesResult_3* result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    const OrvReturnT code =
+        interceptor != nullptr
+            ? interceptor->getMoAttributes(txHandle, internalDn.c_str(), attrNames, result)
+            : router->getMoAttributes(txHandle, internalDn.c_str(), attrNames, result);
+    if (code == OrvOk && result->containers != nullptr && result->containers[0] != nullptr) {
+        wrapMany(dn, attrNames, *result);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+OrvReturnT MoImpl3::finalizeMoIterator(unsigned long long iterator) {
+    ORV_TRACE_ENTRY(" >> ");
+    const MoIterator* const record = MoIterator::find(iterator);
+    if (record != nullptr && started) {
+        router->finalizeMoIterator(record->routerHandle);
+    }
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char* className,
+                             const char* attrName, const char* attrValue,
+                             OrvMoNamedAttributeValueContainer_3** attributes) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
+                    dn, className, attrName, attrValue);
+    std::string parentDn;
+    const OrvReturnT opened = openCreation(started, idMappings, dn, parentDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    getTxData(txHandle);
+    const std::string plainDn = parentDn + "," + className + "=" + attrValue;
+    Orv::AutoMemory memory;
+    OrvMoNamedAttributeValueContainer_3* const none = nullptr;
+    OrvMoNamedAttributeValueContainer_3** const converted =
+        ValueConversion(idMappings)
+            .toInternal(attributes != nullptr ? attributes : &none, memory,
+                        &ValueConversion::newOwnedRecord);
+    const OrvReturnT code =
+        router->createMo(txHandle, parentDn.c_str(), className, attrName, attrValue, converted);
+    if (code == OrvOk) {
+        const std::string createdDn =
+            isDefaultNamingAttribute(className, attrName)
+                ? plainDn
+                : parentDn + "," + className + "." + attrName + "=" + attrValue;
+        recordCreation({txHandle, createdDn, plainDn, true}, attrName, converted);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+// Back-pointers know an MO with a naming attribute of its own as Class.attr=value, the record of
+// references as Class=value. Neither form is mended where the parent is empty: both then begin with
+// a comma.
+void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
+                             OrvMoNamedAttributeValueContainer_3** attributes) {
+    for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
+        recordReferences(biDirUtils, uniDirValidator, created, attributes[index]->name,
+                         attributes[index]->value);
+    }
+    biDirUtils.updatePendingBackPointer(created.txHandle, created.backPointerDn, namingAttr);
+}
+
+OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                                   const OrvMoAttributeValueContainer_3* value) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    getTxData(txHandle);
+    if (isNetworkManagedElementId(attrName) && isRefusedAsId(firstText(value))) {
+        ORV_TRACE("Validation of networkManagedElementId failed: %s", firstText(value));
+        return ORV_TRACE_RESULT(OrvValidationFailed);
+    }
+    // The view does not write to what it stands for.
+    ConvertedResultData view(nullptr, const_cast<OrvMoAttributeValueContainer_3*>(value));
+    ValueConversion(idMappings).transformContainer(view, IdMappings::ToInternal);
+    recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
+                     attrName, view);
+    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    return ORV_TRACE_RESULT(
+        interceptor != nullptr
+            ? interceptor->setMoAttribute(txHandle, internalDn.c_str(), attrName, &view)
+            : router->setMoAttribute(txHandle, internalDn.c_str(), attrName, &view));
+}
+
+OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    getTxData(txHandle);
+    biDirUtils.updateBackPointersForDelete(txHandle, internalDn.c_str());
+    biDirUtils.removePendingBackPointerUpdates(txHandle, internalDn);
+    uniDirValidator.deleteMo(txHandle, internalDn);
+    return ORV_TRACE_RESULT(router->deleteMo(txHandle, internalDn.c_str()));
+}
+
+OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* name,
+                           OrvMoNamedAttributeValueContainer_3** parameters,
+                           OrvMoAttributeValueResult_3* result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, dn, name);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    getTxData(txHandle);
+    Orv::AutoMemory memory;
+    OrvMoNamedAttributeValueContainer_3** const converted =
+        ValueConversion(idMappings)
+            .toInternal(parameters, memory, &ValueConversion::newBlockRecord);
+    const OrvReturnT code = router->action(txHandle, internalDn.c_str(), name, converted, result);
+    if (code == OrvOk && result->container != nullptr && result->container->count != 0) {
+        wrap(*result);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+void MoImpl3::wrap(OrvMoAttributeValueResult_3& result) {
+    auto view = std::make_unique<ConvertedResultData>(result.release, result.container);
+    ValueConversion(idMappings).transformContainer(*view, IdMappings::ToExternal);
+    handOut(std::move(view), result);
+}
+
+ConvertedResultData* MoImpl3::createConvertedData(const char* dn, const char* attrName,
+                                                  OrvMoAttributeValueResult_3& result) {
+    auto view = std::make_unique<ConvertedResultData>(result.release, result.container);
+    if (isRootId(attrName, dn) && isOneText(result.container)) {
+        const std::string id = externalRootId(idMappings, view->originalValue(0).string);
+        view->ownValues()[0].string = view->strdup(id.c_str());
+    } else {
+        ValueConversion(idMappings).transformContainer(*view, IdMappings::ToExternal);
+    }
+    return handOut(std::move(view), result);
+}
+
+// The first view answers for the producer's array: the others have nothing to release.
+void MoImpl3::wrapMany(const char* dn, const char** attrNames,
+                       OrvMoAttributeValuesResult_3& result) {
+    std::vector<std::unique_ptr<ConvertedResultData>> views;
+    for (std::size_t index = 0; result.containers[index] != nullptr; ++index) {
+        OrvMoAttributeValueResult_3 single = {nullptr, result.containers[index]};
+        std::unique_ptr<ConvertedResultData> view(
+            createConvertedData(dn, attrNames[index], single));
+        views.push_back(std::move(view));
+    }
+    auto** const containers = static_cast<OrvMoAttributeValueContainer_3**>(
+        std::calloc(views.size() + 1, sizeof(OrvMoAttributeValueContainer_3*)));
+    views.front()->setOriginalMany(result.release, result.containers);
+    for (std::size_t index = 0; index < views.size(); ++index) {
+        containers[index] = views[index].release();
+    }
+    result.release = &ConvertedResultData::multiReleaseFunc;
+    result.containers = containers;
+}
+
+}

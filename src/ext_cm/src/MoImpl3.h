@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_MOIMPL3_H
+#define ORV_EXT_CM_MOIMPL3_H
+
+#include "AssociationRecord.h"
+#include "BiDirUtils.h"
+#include "ConvertedResultData.h"
+#include "ExtCmInterceptorRepository.h"
+#include "IdMappings.h"
+#include "MoImpl.h"
+#include "MoInterceptorBase.h"
+#include "OrvInterfaceBinders.h"
+#include "OrvMgmtSpiComponent_1.h"
+#include "OrvMgmtSpiInterfacePortal.h"
+#include "OrvMoAttributeValue.h"
+#include "OrvOamSpiManagedObject_3.h"
+#include "TransactionData.h"
+#include "UniDirValidator.h"
+
+#include <Poco/Mutex.h>
+
+#include <string>
+
+namespace OrvExtCmRouterService {
+
+/// The managed-object interface of version 3: translates DNs, also those in values, asks an
+/// interceptor or else the host's router, and keeps associations in step with what is written.
+///
+/// Only the operations on attributes ever ask an interceptor. Nothing is undone here: after an
+/// operation that failed halfway it is for the transaction to be aborted.
+///
+/// Threads: operations from any number of host threads, a transaction on one at a time; not during
+/// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
+/// stop. No lock is held while an interceptor or the router runs.
+class MoImpl3 : public IterImpl<OrvOamSpiManagedObject_3, unsigned long long> {
+public:
+    /// Stores the references and uses none: what they name may not be built yet.
+    MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
+            UniDirValidator& validator);
+
+    /// Neither is owned. Always OrvOk.
+    OrvReturnT init(OrvMgmtSpiInterfacePortal_1* hostPortal,
+                    ExtCmInterceptorRepository* interceptorRepository);
+
+    /// Looks the router up, unless started. OrvFailure, with a log, if there is none.
+    OrvReturnT start(OrvStateChangeReason reason);
+    OrvReturnT stop(OrvStateChangeReason reason);
+
+    /// The table offered to the host, owned by this object.
+    OrvOamSpiManagedObject_3* getMoInterface();
+
+    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvNotExist for a DN
+    // that cannot be translated; the codes of router and interceptor as they are.
+
+    /// OrvValidationFailed for an id that must not stand in a DN; the transaction is joined then,
+    /// and nothing else done. \p value may be null. References are recorded before the change is
+    /// passed on: the recording compares with the value that is still there.
+    OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              const OrvMoAttributeValueContainer_3* value);
+
+    /// OrvFailure, not OrvNotActive, when stopped, and for a null \p result. What a success leaves
+    /// in \p result is never null.
+    OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              OrvMoAttributeValueResult_3* result);
+    OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
+                               OrvMoAttributeValuesResult_3* result);
+
+    /// References of the new MO are recorded after the router has taken it. \p dn may be empty,
+    /// \p attributes null.
+    OrvReturnT createMo(unsigned long txHandle, const char* dn, const char* className,
+                        const char* attrName, const char* attrValue,
+                        OrvMoNamedAttributeValueContainer_3** attributes);
+
+    /// The MO leaves the records of associations before the router is asked.
+    OrvReturnT deleteMo(unsigned long txHandle, const char* dn);
+
+    /// \p parameters is not null. A result without values stays the router's.
+    OrvReturnT action(unsigned long txHandle, const char* dn, const char* name,
+                      OrvMoNamedAttributeValueContainer_3** parameters,
+                      OrvMoAttributeValueResult_3* result);
+
+    /// Always OrvOk, also for an unknown handle. The record lives on until the transaction ends.
+    OrvReturnT finalizeMoIterator(unsigned long long iterator);
+    OrvReturnT existsMo(unsigned long txHandle, const char* dn, bool* exists);
+
+    /// \p dn may be empty; the translator is not asked then.
+    OrvReturnT countMoChildren(unsigned long txHandle, const char* dn, const char* className,
+                               unsigned long long* count);
+
+protected:
+    Orv::AutoMemory* getTxData(unsigned long txHandle) override;
+    OrvOamSpiManagedObject_3* getCmRouter() override;
+
+private:
+    MoInterceptorBase* interceptorFor(const std::string& internalDn);
+    ConvertedResultData* createConvertedData(const char* dn, const char* attrName,
+                                             OrvMoAttributeValueResult_3& result);
+    void wrap(OrvMoAttributeValueResult_3& result);
+    void wrapMany(const char* dn, const char** attrNames, OrvMoAttributeValuesResult_3& result);
+    void recordCreation(const WrittenMo& created, const char* namingAttr,
+                        OrvMoNamedAttributeValueContainer_3** attributes);
+
+    Poco::Mutex mMutex;
+    OrvOamSpiManagedObject_3* router = nullptr;
+    ExtCmInterceptorRepository* interceptors = nullptr;
+    OrvMgmtSpiInterfacePortal_1* portal = nullptr;
+    bool started = false;
+    Orv::ManagedObject3Binder<MoImpl3> binder;
+    IdMappings& idMappings;
+    TransactionData& txData;
+    BiDirUtils& biDirUtils;
+    UniDirValidator& uniDirValidator;
+};
+
+}
+
+#endif

@@ -1,0 +1,138 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "MoImpl3_1.h"
+
+#include "AssociationRecord.h"
+#include "ComponentName.h"
+#include "DnUtil.h"
+#include "KnownAttributes.h"
+#include "MoInterceptorBase.h"
+#include "OpeningSteps.h"
+#include "Tracing.h"
+#include "ValueConversion.h"
+
+#include <Poco/ScopedLock.h>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+// The text of the first id that must not stand in a DN, or null. Unlike in version 3, an attribute
+// without values is not looked at.
+const char* findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes) {
+    for (; *attributes != nullptr; ++attributes) {
+        const VekMoNamedAttributeValueContainer_3& attribute = **attributes;
+        if (isNetworkManagedElementId(attribute.name) && attribute.value.count != 0 &&
+            isRefusedAsId(firstText(&attribute.value))) {
+            return firstText(&attribute.value);
+        }
+    }
+    return nullptr;
+}
+
+// Class by class from the end; equal to what Orv::DnUtil::getMocPath gives.
+std::string mocPathOf(std::string dn) {
+    std::string path;
+    std::string leaf;
+    while (Orv::DnUtil::popLeafClass(dn, leaf)) {
+        path.insert(0, dn.empty() ? leaf : "," + leaf);
+    }
+    return path;
+}
+
+}
+
+MoImpl3_1::MoImpl3_1(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
+                     UniDirValidator& validator)
+    : binder({componentName, "VekOamSpiManagedObject", "3_1"}, *this),
+      idMappings(ids),
+      txData(transactions),
+      biDirUtils(utils),
+      uniDirValidator(validator) {}
+
+OrvReturnT MoImpl3_1::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
+                           ExtCmInterceptorRepository* interceptorRepository) {
+    portal = hostPortal;
+    interceptors = interceptorRepository;
+    return OrvOk;
+}
+
+OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    if (started) {
+        return ORV_TRACE_RESULT(OrvOk);
+    }
+    if (lookUpTable(portal, {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"},
+                    router) != OrvOk) {
+        ORV_LOG(3, "Could not lookup cmrouterservice");
+        return ORV_TRACE_RESULT(OrvFailure);
+    }
+    started = true;
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT MoImpl3_1::stop(OrvStateChangeReason) {
+    ORV_TRACE_ENTRY(" >> ");
+    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    started = false;
+    router = nullptr;
+    lock.unlock();
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+VekOamSpiManagedObject_3_1* MoImpl3_1::getMoInterface() {
+    return binder.getInterface();
+}
+
+Orv::AutoMemory* MoImpl3_1::getTxData(unsigned long txHandle) {
+    return txData.getTxData(txHandle);
+}
+
+VekOamSpiManagedObject_3_1* MoImpl3_1::getCmRouter() {
+    return router;
+}
+
+OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
+                                      VekMoNamedAttributeValueContainer_3** attributes) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    std::string internalDn;
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    getTxData(txHandle);
+    const char* const refusedId = findRefusedId(attributes);
+    if (refusedId != nullptr) {
+        ORV_TRACE("Validation of networkManagedElementId failed: %s", refusedId);
+        return ORV_TRACE_RESULT(OrvInvalidArgument);
+    }
+    Orv::AutoMemory memory;
+    VekMoNamedAttributeValueContainer_3** const converted =
+        convertAndRecord(txHandle, internalDn, attributes, memory);
+    MoInterceptorBase* const interceptor = interceptors->getInterceptor(mocPathOf(internalDn));
+    return ORV_TRACE_RESULT(
+        interceptor != nullptr
+            ? interceptor->setMoAttributes(txHandle, internalDn.c_str(), converted)
+            : router->setMoAttributes(txHandle, internalDn.c_str(), converted));
+}
+
+// One attribute is done with before the next is begun, so that after a failure those before it are
+// recorded.
+VekMoNamedAttributeValueContainer_3**
+MoImpl3_1::convertAndRecord(unsigned long txHandle, const std::string& internalDn,
+                            VekMoNamedAttributeValueContainer_3** attributes,
+                            Orv::AutoMemory& memory) {
+    const ValueConversion conversion(idMappings);
+    VekMoNamedAttributeValueContainer_3** const converted =
+        ValueConversion::newArrayFor(attributes, memory);
+    for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
+        converted[index] =
+            conversion.toInternal(*attributes[index], memory, &ValueConversion::newOwnedRecord);
+        recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
+                         converted[index]->name, converted[index]->value);
+    }
+    return converted;
+}
+
+}
