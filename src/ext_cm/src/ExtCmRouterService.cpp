@@ -1,0 +1,142 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ExtCmRouterService.h"
+
+#include "ComponentName.h"
+#include "OpeningSteps.h"
+#include "Tracing.h"
+
+#include <Poco/ScopedLock.h>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+// For the host to order its components by: nothing is looked up from this list. A null asks for no
+// particular component or version.
+constexpr VekMgmtSpiInterface_1 requiredInterfaces[] = {
+    {"OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1"},
+    {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"},
+    {"OrvOamSpiEventService", "OrvOamSpiEventRouter", "1"},
+    {nullptr, "OrvMwSpiLog", "1"},
+    {nullptr, "VekMwSpiTrace", nullptr},
+};
+
+}
+
+ExtCmRouterService::ExtCmRouterService()
+    : Component(componentName),
+      mIdMappings(Orv::MeIdTranslator::instance()),
+      mMoImpl(mIdMappings, mTxData),
+      mMoImpl3(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
+      mMoImpl3_1(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
+      mResourceBinder({componentName, "OrvOamSpiTransactionalResource", "2"}, *this),
+      mTxData(mResourceBinder.getInterface()),
+      mBiDirValidator(mBiDirUtils) {
+    for (const VekMgmtSpiInterface_1& required : requiredInterfaces) {
+        mDependencies.push_back(const_cast<VekMgmtSpiInterface_1*>(&required));
+    }
+    mInterfaces.push_back(&mMoImpl.getMoInterface()->identity);
+    mInterfaces.push_back(&mMoImpl3.getMoInterface()->identity);
+    mInterfaces.push_back(&mMoImpl3_1.getMoInterface()->identity);
+    mInterfaces.push_back(&mResourceBinder.getInterface()->identity);
+    mInterfaces.push_back(mInterceptors.getInterface());
+}
+
+// All three are given the portal of version "1", whichever the component was registered with.
+OrvReturnT ExtCmRouterService::initialize(const char*) {
+    ORV_TRACE_ENTRY(" >> ");
+    OrvReturnT code = mMoImpl.init(mPortal1);
+    if (code == OrvOk) {
+        code = mMoImpl3.init(mPortal1, &mInterceptors);
+    }
+    if (code == OrvOk) {
+        code = mMoImpl3_1.init(mPortal1, &mInterceptors);
+    }
+    return ORV_TRACE_RESULT(code);
+}
+
+void ExtCmRouterService::terminate() {}
+
+OrvReturnT ExtCmRouterService::start(OrvStateChangeReason reason) {
+    mBiDirUtils.start();
+    mBiDirValidator.start();
+    mUniDirValidator.start();
+    OrvReturnT code = mMoImpl.start(reason);
+    if (code == OrvOk) {
+        code = mMoImpl3.start(reason);
+    }
+    if (code == OrvOk) {
+        code = mMoImpl3_1.start(reason);
+    }
+    if (code != OrvOk) {
+        return code;
+    }
+    Orv::MeIdTranslator::instance()->start();
+    mTxData.transaction = nullptr;
+    // A host without the table is noticed by the first transaction that is touched, not here.
+    lookUpTable(mPortal1, {"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"},
+                mTxData.transaction);
+    return OrvOk;
+}
+
+// Not the reverse of start: the back-pointers go last because their validator works on them.
+OrvReturnT ExtCmRouterService::stop(OrvStateChangeReason reason) {
+    mMoImpl.stop(reason);
+    mMoImpl3.stop(reason);
+    mMoImpl3_1.stop(reason);
+    mTxData.sweep();
+    Orv::MeIdTranslator::instance()->stop();
+    mBiDirValidator.stop();
+    mUniDirValidator.stop();
+    mBiDirUtils.stop();
+    return OrvOk;
+}
+
+OrvReturnT ExtCmRouterService::join(unsigned long txHandle) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT ExtCmRouterService::prepare(unsigned long txHandle) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT ExtCmRouterService::commit(unsigned long txHandle) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT ExtCmRouterService::abort(unsigned long txHandle) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT ExtCmRouterService::finish(unsigned long txHandle) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    mBiDirUtils.removePendingBackpointersForTransaction(txHandle);
+    mUniDirValidator.finish(txHandle);
+    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mTxData.mMutex);
+    const auto found = mTxData.memoryByTx.find(txHandle);
+    if (found != mTxData.memoryByTx.end()) {
+        delete found->second;
+        mTxData.memoryByTx.erase(found);
+    }
+    lock.unlock();
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+OrvReturnT ExtCmRouterService::validate(unsigned long txHandle, bool* result) {
+    ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    // A validator that reaches no verdict writes none, and that must not read as content.
+    bool bi = false;
+    bool uni = false;
+    mBiDirValidator.validateBiDirs(txHandle, &bi);
+    mUniDirValidator.validate(txHandle, &uni);
+    *result = bi && uni;
+    return ORV_TRACE_RESULT(OrvOk);
+}
+
+}
