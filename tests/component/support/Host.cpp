@@ -1,0 +1,191 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Host.h"
+
+#include "MeIdTranslator.h"
+#include "Portal.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace Scripted {
+
+namespace {
+
+using InitFunction = OrvReturnT (*)(OrvMgmtSpiInterfacePortalAccessor*, const char*);
+using TerminateFunction = void (*)();
+
+template <class Function>
+Function functionIn(const SharedObject& object, const char* name) {
+    return reinterpret_cast<Function>(object.symbol(name));
+}
+
+}
+
+/// Writes an interceptor's calls into the journal.
+class Host::Observer : public InterceptorObserver {
+public:
+    Observer(Script& script, std::string name) : mScript(script), mName(std::move(name)) {}
+
+    OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              OrvMoAttributeValueResult_3* result, const Base& base) override {
+        return play("getMoAttribute", {arg(txHandle), arg(dn), arg(attrName)}, result, base);
+    }
+    OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
+                               OrvMoAttributeValuesResult_3* result, const Base& base) override {
+        return play("getMoAttributes", {arg(txHandle), arg(dn), arg(attrNames)}, result, base);
+    }
+    OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              const OrvMoAttributeValueContainer_3* value,
+                              const Base& base) override {
+        return play("setMoAttribute", {arg(txHandle), arg(dn), arg(attrName), arg(value)}, nullptr,
+                    base);
+    }
+    OrvReturnT setMoAttributes(unsigned long txHandle, const char* dn,
+                               OrvMoNamedAttributeValueContainer_3** attributes,
+                               const Base& base) override {
+        return play("setMoAttributes", {arg(txHandle), arg(dn), arg(attributes)}, nullptr, base);
+    }
+
+private:
+    OrvReturnT play(const char* function, std::vector<Argument> arguments, void* out,
+                    const Base& base) {
+        arguments.insert(arguments.begin(), arg(mName.c_str()));
+        return mScript.play(Call{std::string("Interceptor.") + function, std::move(arguments), out},
+                            base);
+    }
+
+    Script& mScript;
+    std::string mName;
+};
+
+Host::Host() {
+    Orv::Portal::instance()->attach(&orvPortalLookup);
+    identity("paris", "");
+}
+
+Host::~Host() {
+    unload();
+    Orv::Portal::instance()->detach();
+    identity("", "");
+    for (const std::string& complaint : mStage.results.complaints()) {
+        ADD_FAILURE() << complaint;
+    }
+}
+
+Host& Host::without(Part part) {
+    mStage.missing.insert(part);
+    return *this;
+}
+
+Host& Host::with(Part part) {
+    mStage.missing.erase(part);
+    return *this;
+}
+
+Host& Host::identity(const std::string& preferred, const std::string& fallback) {
+    Orv::MeIdTranslator::instance()->configure(preferred, fallback);
+    return *this;
+}
+
+Host& Host::logLevel(unsigned int level) {
+    Orv::LoggingWrapper::instance()->setLevel(level);
+    return *this;
+}
+
+Interceptor& Host::interceptor(const std::string& mocPath) {
+    Interceptor& made = bareInterceptor(mocPath);
+    made.initialize();
+    EXPECT_EQ(made.registerClass(mocPath), OrvOk) << mocPath;
+    forget();
+    return made;
+}
+
+Interceptor& Host::bareInterceptor(const std::string& name) {
+    if (!mProbe) {
+        mProbe = std::make_unique<SharedObject>("ORV_COMPONENT_PROBE", ORV_COMPONENT_PROBE_DEFAULT);
+    }
+    const auto make = functionIn<MakeInterceptor>(*mProbe, "makeInterceptor");
+    mObservers.push_back(std::make_unique<Observer>(mStage.script, name));
+    mInterceptors.emplace_back(make(mObservers.back().get()));
+    return *mInterceptors.back();
+}
+
+void Host::load() {
+    mComponent =
+        std::make_unique<SharedObject>("ORV_COMPONENT_LIBRARY", ORV_COMPONENT_LIBRARY_DEFAULT);
+}
+
+OrvReturnT Host::init(const char* argument) {
+    mInitialised = true;
+    return functionIn<InitFunction>(*mComponent, "orvLCMinit")(portalAccessor(), argument);
+}
+
+OrvReturnT Host::startComponent(OrvStateChangeReason reason) {
+    mStarted = true;
+    return record().start(reason);
+}
+
+OrvReturnT Host::stopComponent() {
+    mStarted = false;
+    return record().stop(OrvStateChangeReasonRequested);
+}
+
+void Host::terminate() {
+    mInitialised = false;
+    functionIn<TerminateFunction>(*mComponent, "orvLCMterminate")();
+}
+
+void Host::unload() {
+    if (mStarted) {
+        stopComponent();
+    }
+    if (mInitialised) {
+        terminate();
+    }
+    mInterceptors.clear();
+    mObservers.clear();
+    mProbe.reset();
+    mStage.registered = nullptr;
+    mStage.lastRecord = nullptr;
+    mComponent.reset();
+}
+
+void Host::start() {
+    load();
+    EXPECT_EQ(init(), OrvOk);
+    EXPECT_EQ(startComponent(), OrvOk);
+    forget();
+}
+
+const OrvMgmtSpiComponent_1& Host::record() const {
+    if (mStage.lastRecord == nullptr) {
+        throw std::logic_error("the component has not tried to register");
+    }
+    return *mStage.lastRecord;
+}
+
+Client3 Host::client() const {
+    return Client3(offered<OrvOamSpiManagedObject_3>(1));
+}
+
+Client3_1 Host::client3_1() const {
+    return Client3_1(offered<VekOamSpiManagedObject_3_1>(2));
+}
+
+Client1 Host::client1() const {
+    return Client1(offered<OrvOamSpiManagedObject_1>(0));
+}
+
+const OrvOamSpiTransactionalResource_2& Host::resource() const {
+    return offered<OrvOamSpiTransactionalResource_2>(3);
+}
+
+void Host::forget() {
+    mStage.script.forgetCalls();
+    mLogs.forget();
+}
+
+}
