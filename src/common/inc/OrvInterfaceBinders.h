@@ -12,7 +12,8 @@
 #include "OrvReturn.h"
 #include "VekOamSpiManagedObject_3_1.h"
 
-#include <cassert>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 /// \file
@@ -37,6 +38,17 @@ OrvReturnT shielded(Call&& call) {
     }
 }
 
+/// Makes \p served the serving object. A second one would take over a table that is in use, which
+/// ends the process, in builds without assertions as well.
+template <class T>
+void bindOnce(T*& instance, T& served) {
+    if (instance != nullptr) {
+        std::fputs("Orv: second binder of a kind: assertion `!_instance' failed\n", stderr);
+        std::abort();
+    }
+    instance = &served;
+}
+
 /// Binds OrvOamSpiTransactionalResource_2 to a \p T.
 template <class T>
 class TransactionalResource2Binder {
@@ -44,8 +56,7 @@ public:
     /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
     TransactionalResource2Binder(const OrvMgmtSpiInterface_1& identity, T& served)
         : mInterface{identity, &join, &prepare, &commit, &abort, &finish, &validate} {
-        assert(!_instance);
-        _instance = &served;
+        bindOnce(_instance, served);
     }
     TransactionalResource2Binder(const TransactionalResource2Binder&) = delete;
     TransactionalResource2Binder& operator=(const TransactionalResource2Binder&) = delete;
@@ -85,8 +96,7 @@ public:
     ManagedObject1Binder(const OrvMgmtSpiInterface_1& identity, T& served)
         : mInterface{identity, &setMoAttribute, &getMoAttribute, &newMoIterator,
                      &nextMo,  &createMo,       &deleteMo,       &action} {
-        assert(!_instance);
-        _instance = &served;
+        bindOnce(_instance, served);
     }
     ManagedObject1Binder(const ManagedObject1Binder&) = delete;
     ManagedObject1Binder& operator=(const ManagedObject1Binder&) = delete;
@@ -139,8 +149,7 @@ public:
               identity,  &setMoAttribute, &getMoAttribute, &getMoAttributes, &newMoIterator,
               &nextMo,   &createMo,       &deleteMo,       &action,          &finalizeMoIterator,
               &existsMo, &countMoChildren} {
-        assert(!_instance);
-        _instance = &served;
+        bindOnce(_instance, served);
     }
     ManagedObject3Binder(const ManagedObject3Binder&) = delete;
     ManagedObject3Binder& operator=(const ManagedObject3Binder&) = delete;
@@ -208,8 +217,7 @@ public:
     /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
     ManagedObject3_1Binder(const VekMgmtSpiInterface_1& identity, T& served)
         : mInterface{identity, &setMoAttributes} {
-        assert(!_instance);
-        _instance = &served;
+        bindOnce(_instance, served);
     }
     ManagedObject3_1Binder(const ManagedObject3_1Binder&) = delete;
     ManagedObject3_1Binder& operator=(const ManagedObject3_1Binder&) = delete;
