@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_INSTANCELINKS_H
+#define ORV_HOST_MODEL_INSTANCELINKS_H
+
+#include "InstanceReport.h"
+#include "InstanceTable.h"
+#include "Model.h"
+
+#include <array>
+#include <compare>
+#include <cstddef>
+#include <vector>
+
+namespace OrvHost {
+
+/// All references of the bidirectional associations, to be compared side by side: what the objects
+/// at the first end hold against what those at the second end hold. Sorting makes that cheap
+/// however many references one object holds.
+class InstanceLinks {
+public:
+    InstanceLinks(const Model& model, const InstanceTable& table);
+
+    /// `holder` names `target` in the attribute that is named after end number `named` of the
+    /// association.
+    void add(std::size_t association, std::size_t named, InstanceTable::Index holder,
+             InstanceTable::Index target);
+
+    /// Reports repeated and missing references.
+    void compare(InstanceReport& report);
+
+private:
+    /// An object at the first end and one at the second.
+    struct Link {
+        InstanceTable::Index first;
+        InstanceTable::Index second;
+        friend auto operator<=>(const Link&, const Link&) = default;
+    };
+    using Links = std::vector<Link>;
+    /// By the number of the end that the attribute is named after.
+    using Sides = std::array<Links, 2>;
+
+    void sortSide(std::size_t association, std::size_t named, InstanceReport& report);
+    void reportMissing(std::size_t association, std::size_t named, InstanceReport& report);
+    InstanceProblem describe(std::size_t association, std::size_t named, const Link& link) const;
+    bool isSymmetric(std::size_t association) const;
+
+    const Model& mModel;
+    const InstanceTable& mTable;
+    std::vector<Sides> mSides; ///< by association
+};
+
+}
+
+#endif

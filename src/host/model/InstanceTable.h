@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_INSTANCETABLE_H
+#define ORV_HOST_MODEL_INSTANCETABLE_H
+
+#include "Model.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+/// Numbers objects and finds them by DN.
+class InstanceTable {
+public:
+    using Index = std::uint32_t;
+
+    struct Entry {
+        Index index = 0;
+        ClassIndex moc = 0;
+    };
+
+    /// False if the DN is there already.
+    bool add(std::string_view dn, ClassIndex moc) {
+        const auto index = static_cast<Index>(mDns.size());
+        const auto [entry, isNew] = mEntries.emplace(std::string(dn), Entry{index, moc});
+        if (isNew) {
+            mDns.push_back(&entry->first);
+        }
+        return isNew;
+    }
+
+    /// Null if there is no such object.
+    const Entry* find(std::string_view dn) const {
+        const auto found = mEntries.find(dn);
+        return found == mEntries.end() ? nullptr : &found->second;
+    }
+
+    const std::string& dn(Index index) const { return *mDns[index]; }
+
+private:
+    std::unordered_map<std::string, Entry, NameHash, std::equal_to<>> mEntries;
+    std::vector<const std::string*> mDns; ///< the keys of mEntries, which stay where they are
+};
+
+}
+
+#endif

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_REPOSITORYREADER_H
+#define ORV_HOST_MODEL_REPOSITORYREADER_H
+
+#include "VekOamSpiModelRepository_4.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// A model repository's table, wrapped: lists come whole, texts as strings, and what is not there
+/// as nothing. A missing entry, a list that stands still, or a code that says neither success nor
+/// "not there" throws Orv::OrvException with the entry's name and the code. Stateless but for the
+/// table; any thread.
+class RepositoryReader {
+public:
+    using Moc = VekOamSpiMrMocHandle_4T;
+    using Attribute = VekOamSpiMrAttributeHandle_4T;
+    using BiDir = VekOamSpiMrBiDirAssociationHandle_4T;
+    using UniDir = VekOamSpiMrUniDirAssociationHandle_4T;
+    using End = VekOamSpiMrAssociationEndHandle_4T;
+    using Type = VekOamSpiMrTypeHandle_4T;
+
+    /// `table` must outlive the reader.
+    explicit RepositoryReader(const VekOamSpiModelRepository_4& table) : mTable(table) {}
+
+    /// The class of the object that an internal DN names.
+    std::optional<Moc> findClass(const std::string& dn) const;
+    std::string nameOfClass(Moc moc) const;
+    std::vector<Moc> childrenOf(Moc moc) const;
+    std::vector<Attribute> attributesOf(Moc moc) const;
+    std::vector<BiDir> biDirsOf(Moc moc) const;
+    std::vector<UniDir> uniDirsOf(Moc moc) const;
+
+    std::string nameOfAttribute(Attribute attribute) const;
+    Moc classOfAttribute(Attribute attribute) const;
+    Type typeOf(Attribute attribute) const;
+    int typeCodeOf(Type type) const;
+    /// `identifier`: VekOamSpiMrLowerBound_4 or VekOamSpiMrUpperBound_4.
+    long long boundOfType(Type type, int identifier) const;
+    Moc referencedClass(Type type) const;
+
+    End firstEnd(BiDir association) const;
+    End secondEnd(BiDir association) const;
+    End endOf(UniDir association) const;
+    Moc classOfEnd(End end) const;
+    Attribute attributeOfEnd(End end) const;
+    /// `identifier`: VekOamSpiMrEndName_4 or VekOamSpiMrEndRole_4.
+    std::string textOfEnd(End end, int identifier) const;
+    bool isKeptAtDelete(End end) const;
+    long long boundOfEnd(End end, int identifier) const;
+
+private:
+    using Properties = VekOamSpiMrGeneralPropertiesHandle_4T;
+
+    std::string nameOf(Properties properties) const;
+
+    const VekOamSpiModelRepository_4& mTable;
+};
+
+}
+
+#endif
