@@ -1,0 +1,61 @@
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+# What is installed: the component and the helper library, the headers that an interceptor or a host
+# includes, in one directory, and what CMake and pkg-config need to find them. With the reference
+# host also orvhost and the models of the examples.
+include(CMakePackageConfigHelpers)
+
+set(include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orv_ext_cm")
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
+set(data_dir "${CMAKE_INSTALL_DATADIR}/orv_ext_cm")
+
+# The component finds the helper library beside itself, wherever the two are moved to.
+set_target_properties(orv_common ext_cm PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(orv_spi PROPERTIES EXPORT_NAME spi)
+set_target_properties(orv_templates PROPERTIES EXPORT_NAME templates)
+set_target_properties(orv_common PROPERTIES EXPORT_NAME common)
+install(TARGETS orv_spi orv_templates orv_common ext_cm
+  EXPORT OrvExtCmTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+
+foreach(directory IN ITEMS src/spi src/common/inc src/orv_common/inc)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${include_dir}"
+    FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(FILES
+  "${PROJECT_SOURCE_DIR}/src/ext_cm/src/ExtCmInterceptorRepository.h"
+  "${PROJECT_SOURCE_DIR}/src/ext_cm/src/MoInterceptorBase.h"
+  DESTINATION "${include_dir}")
+
+install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}")
+configure_package_config_file(
+  "${CMAKE_CURRENT_LIST_DIR}/OrvExtCmConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/OrvExtCmConfig.cmake"
+  INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvExtCmConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/OrvExtCmConfig.cmake"
+  "${PROJECT_BINARY_DIR}/OrvExtCmConfigVersion.cmake"
+  DESTINATION "${package_dir}")
+
+# The .pc file finds its prefix from where it lies.
+file(RELATIVE_PATH pc_to_prefix
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/orv_ext_cm.pc.in"
+  "${PROJECT_BINARY_DIR}/orv_ext_cm.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/orv_ext_cm.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+if(TARGET orvhost)
+  file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(orvhost PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  install(TARGETS orvhost RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  foreach(directory IN ITEMS examples/models src/host/yang/modules)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${data_dir}/models"
+      FILES_MATCHING PATTERN "*.yang")
+  endforeach()
+endif()
