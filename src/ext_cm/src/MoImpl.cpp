@@ -8,6 +8,7 @@
 #include "OpeningSteps.h"
 #include "ValueConversion.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace OrvExtCmRouterService {

@@ -16,14 +16,14 @@
 #include "Tracing.h"
 #include "TransactionData.h"
 
+#include <Poco/Exception.h>
 #include <Poco/Mutex.h>
 #include <Poco/ScopedLock.h>
 
-#include <cstdint>
+#include <bit>
 #include <memory>
 #include <set>
 #include <string>
-#include <type_traits>
 
 namespace OrvExtCmRouterService {
 
@@ -96,30 +96,11 @@ public:
     }
 
 private:
-    // Handles that are pointers are widened with their sign.
+    // Pointers and handles are of one width here, so that each is kept whole as the other.
     static unsigned long long toWord(Handle handle) {
-        if constexpr (std::is_pointer_v<Handle>) {
-            return static_cast<unsigned long long>(reinterpret_cast<std::intptr_t>(handle));
-        } else {
-            return handle;
-        }
+        return std::bit_cast<unsigned long long>(handle);
     }
-
-    static Handle toHandle(unsigned long long word) {
-        if constexpr (std::is_pointer_v<Handle>) {
-            return reinterpret_cast<Handle>(static_cast<std::intptr_t>(word));
-        } else {
-            return word;
-        }
-    }
-
-    static Handle handleOf(MoIterator* record) {
-        if constexpr (std::is_pointer_v<Handle>) {
-            return record;
-        } else {
-            return reinterpret_cast<std::uintptr_t>(record);
-        }
-    }
+    static Handle toHandle(unsigned long long word) { return std::bit_cast<Handle>(word); }
 
     IdMappings& mappings;
 };
@@ -133,8 +114,15 @@ Poco::FastMutex IterImpl<Table, Handle>::MoIterator::_mutex;
 
 template <class Table, class Handle>
 IterImpl<Table, Handle>::MoIterator::~MoIterator() {
-    Poco::ScopedLock<Poco::FastMutex> lock(_mutex);
-    _allIters.erase(this);
+    // Nothing may leave a destructor. If the lock fails the record goes from the set all the same:
+    // the mutex keeps everybody else out then, and an address left behind would make a dead handle
+    // look living.
+    try {
+        Poco::ScopedLock<Poco::FastMutex> lock(_mutex);
+        _allIters.erase(this);
+    } catch (const Poco::SystemException&) {
+        _allIters.erase(this);
+    }
 }
 
 template <class Table, class Handle>
@@ -148,7 +136,7 @@ void IterImpl<Table, Handle>::MoIterator::enter(bool opensRoot) {
 template <class Table, class Handle>
 typename IterImpl<Table, Handle>::MoIterator*
 IterImpl<Table, Handle>::MoIterator::find(Handle handle) {
-    void* const address = reinterpret_cast<void*>(toWord(handle));
+    void* const address = std::bit_cast<void*>(handle);
     Poco::ScopedLockWithUnlock<Poco::FastMutex> lock(_mutex);
     const bool living = _allIters.count(address) != 0;
     lock.unlock();
@@ -173,7 +161,7 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
     Orv::AutoMemory* const memory = getTxData(txHandle);
     auto record = std::make_unique<MoIterator>(toWord(*iterator));
     record->enter(*dn == '\0');
-    const Handle handle = handleOf(record.get());
+    const auto handle = std::bit_cast<Handle>(record.get());
     memory->own(record.release());
     *iterator = handle;
     return ORV_TRACE_RESULT(OrvOk);

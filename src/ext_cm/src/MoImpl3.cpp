@@ -300,8 +300,8 @@ void MoImpl3::wrapMany(const char* dn, const char** attrNames,
             createConvertedData(dn, attrNames[index], single));
         views.push_back(std::move(view));
     }
-    auto** const containers = static_cast<OrvMoAttributeValueContainer_3**>(
-        std::calloc(views.size() + 1, sizeof(OrvMoAttributeValueContainer_3*)));
+    auto** const containers =
+        static_cast<OrvMoAttributeValueContainer_3**>(std::calloc(views.size() + 1, sizeof(void*)));
     views.front()->setOriginalMany(result.release, result.containers);
     for (std::size_t index = 0; index < views.size(); ++index) {
         containers[index] = views[index].release();
