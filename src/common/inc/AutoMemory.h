@@ -54,6 +54,7 @@ public:
     /// A zeroed array of \p count elements, owned by this object. Null if memory is exhausted.
     template <class T>
     T* malloc(unsigned int count) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the elements may be pointers.
         return static_cast<T*>(enter(std::calloc(count, sizeof(T))));
     }
 
