@@ -29,7 +29,7 @@ struct ChildGroup {
     CommitNumber changedAt = 0;  ///< when a child last came or went
 };
 
-/// The fixed part of a committed object: 56 bytes on a machine with 8-byte pointers.
+/// The fixed part of a committed object: 64 bytes on a machine with 8-byte pointers.
 struct MoNode {
     CommitNumber createdAt = 0;
     CommitNumber changedAt = 0; ///< when the record was last replaced
@@ -37,9 +37,10 @@ struct MoNode {
     MoRecord record;                                 ///< the latest
     std::unique_ptr<std::vector<ChildGroup>> groups; ///< null while there are no children
     NodeId parent = kNoNode;
-    NodeId next = kNoNode; ///< sibling of the same class
-    NodeId previous = kNoNode;
+    NodeId next = kNoNode;     ///< sibling of the same class
+    NodeId previous = kNoNode; ///< likewise
     ClassIndex moc = 0;
+    std::uint32_t dnHash = 0;
 };
 
 /// An object that a commit creates. Its parent is a committed object, or one that stands before it
@@ -95,7 +96,7 @@ public:
     /// The oldest commit that has left something behind to be reclaimed, or kNever.
     CommitNumber oldestGarbage() const;
     /// Frees what no snapshot from \p oldest on can read, at most about \p limit pieces of it.
-    void reclaim(CommitNumber oldest, std::size_t limit);
+    void reclaim(CommitNumber oldest, std::size_t limit) noexcept;
 
     std::uint64_t liveCount() const { return mLiveCount; }
     StoreMemory memory() const;
@@ -108,9 +109,9 @@ private:
     };
     /// What one commit made superfluous.
     struct Garbage {
-        CommitNumber number;
+        CommitNumber number = 0;
         std::vector<NodeId> replaced;
-        std::vector<NodeId> deleted; ///< the last stands for a parent, the first for a child
+        std::vector<NodeId> deleted; ///< children before their parents
         std::size_t done = 0;        ///< how many of `deleted` are reclaimed
     };
 
@@ -124,7 +125,7 @@ private:
     void stage(TreeChange& change);
     void stageCreated(TreeChange& change);
     void unstage(TreeChange& change) noexcept;
-    void link(NodeId id, std::uint32_t dnHash, CommitNumber number) noexcept;
+    void link(NodeId id, CommitNumber number) noexcept;
     void replace(NodeId id, MoRecord& record, CommitNumber number) noexcept;
     void bury(NodeId id, CommitNumber number) noexcept;
 
@@ -132,8 +133,9 @@ private:
     void unlink(NodeId id) noexcept;
 
     const Model& mModel;
-    std::deque<MoNode> mNodes; ///< a node never moves
-    std::vector<NodeId> mFree;
+    std::deque<MoNode> mNodes;   ///< a node never moves
+    NodeId mFirstFree = kNoNode; ///< free nodes are linked through `next`
+    std::uint64_t mFreeCount = 0;
     DnIndex mIndex;
     std::unordered_map<NodeId, std::vector<OldRecord>> mHistory; ///< oldest first
     std::deque<Garbage> mGarbage;                                ///< oldest first

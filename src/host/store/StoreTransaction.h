@@ -4,11 +4,11 @@
 #ifndef ORV_HOST_STORE_STORETRANSACTION_H
 #define ORV_HOST_STORE_STORETRANSACTION_H
 
-#include "ClaimTable.h"
 #include "HostError.h"
 #include "StoreTypes.h"
 #include "TransactionOverlay.h"
 #include "VersionedTree.h"
+#include "WriteGuard.h"
 #include "model/Model.h"
 
 #include <cstdint>
@@ -25,15 +25,16 @@ class ChildCursor {
     NodeId mPosition = kNoNode; ///< the committed child given last
     ClassIndex mMoc = 0;
     bool mCommittedDone = false;
-    std::string mGroup; ///< names the list of children created by the transaction
+    std::string mPrefix; ///< names the list of children created by the transaction
     std::size_t mCreatedIndex = 0;
 };
 
 /// One transaction over an MoStore. All DNs are internal.
 ///
-/// Every operation throws HostError for what it refuses and then has changed nothing that can be
-/// read; after OrvHostWriteConflict the transaction can only be rolled back. Destroying an open
-/// transaction rolls it back.
+/// Every operation throws HostError for what it refuses, with a text for people, and then has
+/// changed nothing that can be read. After OrvHostWriteConflict the transaction can only be rolled
+/// back. Destroying an open transaction rolls it back. Once it has ended, operations are refused
+/// with OrvNotActive.
 ///
 /// Threads: one at a time; transactions of one store run side by side.
 class StoreTransaction {
@@ -44,14 +45,14 @@ public:
     StoreTransaction(const StoreTransaction&) = delete;
     StoreTransaction& operator=(const StoreTransaction&) = delete;
 
-    TransactionId id() const { return mClaimed.owner; }
+    TransactionId id() const { return mGuard.owner(); }
     bool isOpen() const { return mOpen; }
     /// The first conflict that the transaction has met, for people; empty if none.
-    const std::string& conflict() const { return mConflict; }
+    const std::string& conflict() const { return mGuard.conflict(); }
 
     /// False also for a text that is no DN.
     bool exists(const std::string& dn) const;
-    /// The class of an object. OrvNotExist if there is no such object.
+    /// The class of an object.
     const ClassDef& classOf(const std::string& dn) const;
     /// The value of an attribute: what was set, or else the default, or else no values.
     AttributeValue get(const std::string& dn, const std::string& attribute) const;
@@ -60,7 +61,7 @@ public:
     /// What was set, in the order of the class's definition, without naming attribute and defaults.
     std::vector<NamedValue> stored(const std::string& dn) const;
     /// The number of children of one class; \p parentDn empty: at the top level. Constant time,
-    /// unless others have committed changes to these children, or this transaction holds some.
+    /// unless these children have changed since the transaction began or it has deleted objects.
     std::uint64_t count(const std::string& parentDn, const std::string& className) const;
     /// Opens a walk over the children of one class; \p parentDn empty: at the top level.
     ChildCursor children(const std::string& parentDn, const std::string& className) const;
@@ -81,7 +82,7 @@ public:
     /// What speaks against a commit, for people; empty: nothing.
     std::vector<std::string> check() const;
     /// Makes all writes visible to transactions that begin from now on, all at once, and ends this
-    /// one. Call check first: it is not repeated here, except that a conflict throws.
+    /// one. Call check first: it is not repeated here, except that a conflict is thrown again.
     void commit();
     /// Forgets all writes and ends this transaction.
     void rollback() noexcept;
@@ -90,46 +91,45 @@ private:
     /// An object in this transaction's view: a committed one or one of its own.
     struct Mo {
         NodeId node = kNoNode;
-        CreatedMo* created = nullptr;
+        const CreatedMo* created = nullptr;
         explicit operator bool() const { return node != kNoNode || created != nullptr; }
     };
 
     void requireOpen() const;
     Mo find(std::string_view dn) const;
     Mo require(const std::string& dn) const;
-    Mo requireParent(const std::string& parentDn) const;
-    ClassIndex classIndexOf(const Mo& mo) const;
-    std::string nameOf(const Mo& mo) const;
-    std::string attributesOf(const Mo& mo) const;
-    AttributeValue decode(const ClassDef& moc, const Mo& mo, const std::string& bytes,
-                          const std::string& dn, const std::string& attribute) const;
+    Mo requireParent(const std::string& dn) const;
     ClassIndex requireChildClass(const std::string& parentDn, const Mo& parent,
                                  const std::string& className) const;
+    ClassIndex classIndexOf(const Mo& mo) const;
+    const ClassDef* classOf(const Mo& mo) const;
+    std::string dnOf(const Mo& mo) const;
+    std::string nameOf(const Mo& mo) const;
+    std::string attributesOf(const Mo& mo) const;
+    AttributeValue valueOf(const Mo& mo, const std::string& attributes,
+                           const std::string& name) const;
+    std::uint64_t countOf(const std::string& parentDn, const Mo& parent, ClassIndex moc) const;
     bool nextCommitted(ChildCursor& cursor, std::string& name) const;
     bool nextCreated(ChildCursor& cursor, std::string& name) const;
-    std::vector<Mo> childrenOf(const std::string& dn, const Mo& mo) const;
-    std::uint64_t countIn(const std::string& parentDn, const Mo& parent, ClassIndex moc) const;
 
-    void claimNode(NodeId node, ClaimTable::Kind kind, const std::string& dn);
-    void claimName(const std::string& dn);
-    void claimMembership(const Mo& parent, ClassIndex moc, const std::string& parentDn);
-    [[noreturn]] void failForConflict(const std::string& text);
-    [[noreturn]] void failForRival(const std::string& what, TransactionId rival);
-    [[noreturn]] void failForCommit(const std::string& what, CommitNumber number);
+    void claimPlace(const std::string& parentDn, const Mo& parent, ClassIndex moc,
+                    const std::string& dn);
+    void claimMembership(const std::string& parentDn, const Mo& parent, ClassIndex moc);
+    bool isDeletedHere(const std::string& dn) const;
+    void appendChildren(const Mo& mo, std::vector<Mo>& all) const;
+    void appendCommittedChildren(const Mo& mo, ClassIndex moc, std::vector<Mo>& all) const;
 
     void checkCreated(const CreatedMo& mo, std::vector<std::string>& faults) const;
     void checkMembers(const std::string& parentDn, ClassIndex moc,
                       std::vector<std::string>& faults) const;
-    TreeChange makeChange();
+    TreeChange makeChange() const;
     void end() noexcept;
 
     const Model& mModel;
     VersionedTree& mTree;
-    ClaimTable& mClaims;
-    ClaimSet mClaimed;
     CommitNumber mSnapshot;
+    WriteGuard mGuard;
     TransactionOverlay mOverlay;
-    std::string mConflict;
     bool mOpen = true;
 };
 

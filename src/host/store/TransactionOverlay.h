@@ -24,10 +24,10 @@ namespace OrvHost {
 struct CreatedMo {
     std::string dn;
     ClassIndex moc = 0;
-    std::string name;                   ///< its naming value
-    std::string attributes;             ///< as AttributeBytes writes them
-    NodeId parentNode = kNoNode;        ///< its committed parent, or else:
-    CreatedMo* parentCreated = nullptr; ///< the parent that the same transaction created
+    std::string name;                         ///< its naming value
+    std::string attributes;                   ///< as AttributeBytes writes them
+    NodeId parentNode = kNoNode;              ///< its committed parent, or else:
+    const CreatedMo* parentCreated = nullptr; ///< the parent that the same transaction created
     std::size_t positionInAll = 0;
     std::size_t positionInGroup = 0;
 };
@@ -45,13 +45,13 @@ public:
     bool isEmpty() const { return mAll.empty() && mModified.empty() && mDeleted.empty(); }
 
     CreatedMo* findCreated(std::string_view dn);
+    const CreatedMo* findCreated(std::string_view dn) const;
     /// The group of that prefix (see childPrefix), or null.
     const Group* findGroup(const std::string& prefix) const;
-    /// Enters \p mo, whose DN is not taken, in the group of \p prefix. The object keeps its place
-    /// in memory.
-    void addCreated(CreatedMo mo, const std::string& prefix);
+    /// Enters \p mo, whose DN is not taken. The object keeps its place in memory.
+    void addCreated(CreatedMo mo);
     /// Takes a created object out; \p mo is dead then.
-    void dropCreated(CreatedMo* mo, const std::string& prefix);
+    void dropCreated(CreatedMo* mo);
     /// All created objects, parents before their children; null where one was deleted again.
     const std::vector<CreatedMo*>& created() const { return mAll; }
 

@@ -85,15 +85,16 @@ private:
     struct Transaction;
     using TransactionPtr = std::shared_ptr<Transaction>;
 
-    TransactionPtr take(unsigned long txHandle, bool ending, TransactionOutcome& refusal);
+    TransactionPtr take(unsigned long txHandle, TransactionOutcome& outcome);
+    void reopen(Transaction& transaction);
+    void closeToJoiners(Transaction& transaction);
     OrvOamSpiTransactionalResource_2* participant(const Transaction& transaction,
                                                   std::size_t index) const;
-    void closeToJoiners(Transaction& transaction);
-    void validateAll(Transaction& transaction, TransactionOutcome& outcome);
-    void prepareAll(const Transaction& transaction, TransactionOutcome& outcome);
-    void commitAll(const Transaction& transaction, TransactionOutcome& outcome);
-    void abortParticipants(const Transaction& transaction);
-    void finish(const Transaction& transaction);
+    void validateAll(const Transaction& transaction, TransactionOutcome& outcome) const;
+    void prepareAll(const Transaction& transaction, TransactionOutcome& outcome) const;
+    void commitAll(const Transaction& transaction, TransactionOutcome& outcome) const;
+    void abortParticipants(const Transaction& transaction, TransactionOutcome& outcome) const;
+    void finish(const Transaction& transaction, TransactionOutcome& outcome);
 
     ThreadContext& mThreadContext;
     OrvOamSpiTransaction_1 mTransactionInterface;

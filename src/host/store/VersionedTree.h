@@ -54,7 +54,7 @@ public:
 private:
     void refuseOpenSnapshots() const;
     CommitNumber oldestNeeded() const;
-    void reclaim(CommitNumber oldest);
+    void reclaim(CommitNumber oldest) noexcept;
 
     mutable TreeLock mLock;
     MoTree mTree; ///< guarded by mLock

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CmRouter.h"
+
+#include <utility>
+
+namespace OrvHost {
+
+CmRouter::CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext)
+    : mCore(model, store, threadContext),
+      mTable1(mCore),
+      mTable3(mCore),
+      mTable3_1(mCore),
+      mResource({"OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2"}, mCore) {}
+
+void CmRouter::setActionHandler(ActionHandler handler) {
+    mCore.setActionHandler(std::move(handler));
+}
+
+}

@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RouterTable1.h"
+
+#include "ContainerConversion.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+namespace {
+
+using Conversion = ContainerConversion<Records1>;
+
+OrvMoAttributeValueContainer* makeContainer(const AttributeValue& value, Orv::AutoMemory& memory) {
+    auto* const container = memory.malloc<OrvMoAttributeValueContainer>(1);
+    requireGiven(container, "memory for a value");
+    Conversion::fill(*container, value, memory);
+    return container;
+}
+
+}
+
+RouterTable1::RouterTable1(RouterCore& core)
+    : mCore(core), mBinder({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, *this) {}
+
+OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
+                                        const char* attrName,
+                                        const OrvMoAttributeValueContainer* value) {
+    return mCore.answer([&] {
+        requireGiven(value, "the value");
+        mCore.transaction(txHandle)->store->set(
+            requireText(dn, "the DN"),
+            {{requireText(attrName, "the attribute name"), Conversion::toValue(*value)}});
+    });
+}
+
+OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
+                                        const char* attrName,
+                                        OrvMoAttributeValueContainer** result) {
+    return mCore.answer([&] {
+        const auto current = mCore.transaction(txHandle);
+        const AttributeValue value = current->store->get(
+            requireText(dn, "the DN"), requireText(attrName, "the attribute name"));
+        *result = makeContainer(value, current->memory);
+    });
+}
+
+OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
+                                       const char* className, void** iterator) {
+    return mCore.answer([&] {
+        const IteratorHandle handle = mCore.newIterator(txHandle, requireText(dn, "the DN"),
+                                                        requireText(className, "the class name"));
+        *iterator = reinterpret_cast<void*>(static_cast<std::uintptr_t>(handle));
+    });
+}
+
+OrvReturnT RouterTable1::nextMo(void* iterator, char** result) {
+    return mCore.answer([&] { *result = mCore.next(reinterpret_cast<std::uintptr_t>(iterator)); });
+}
+
+OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const char* className,
+                                  const char* attrName, const char* attrValue) {
+    return mCore.answer([&] {
+        mCore.transaction(txHandle)->store->create(requireText(dn, "the DN"),
+                                                   requireText(className, "the class name"),
+                                                   requireText(attrName, "the naming attribute"),
+                                                   requireText(attrValue, "the naming value"), {});
+    });
+}
+
+OrvReturnT RouterTable1::deleteMo(unsigned long txHandle, const char* dn) {
+    return mCore.answer(
+        [&] { mCore.transaction(txHandle)->store->remove(requireText(dn, "the DN")); });
+}
+
+OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const char* name,
+                                OrvMoAttributeValueContainer** parameters,
+                                OrvMoAttributeValueContainer** result) {
+    return mCore.answer([&] {
+        std::vector<AttributeValue> values;
+        for (auto** next = parameters; next != nullptr && *next != nullptr; ++next) {
+            values.push_back(Conversion::toValue(**next));
+        }
+        const AttributeValue value = mCore.action(txHandle, requireText(dn, "the DN"),
+                                                  requireText(name, "the action name"), values);
+        *result = makeContainer(value, mCore.transaction(txHandle)->memory);
+    });
+}
+
+}

@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RouterTable3.h"
+
+#include "ContainerConversion.h"
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+RouterTable3::RouterTable3(RouterCore& core)
+    : mCore(core),
+      mBinder({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, *this),
+      mVekInterface(*mBinder.getInterface()) {
+    mVekInterface.identity = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3"};
+}
+
+OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
+                                        const char* attrName,
+                                        const OrvMoAttributeValueContainer_3* value) {
+    return mCore.answer([&] {
+        requireGiven(value, "the value");
+        mCore.transaction(txHandle)->store->set(requireText(dn, "the DN"),
+                                                {{requireText(attrName, "the attribute name"),
+                                                  ContainerConversion<Records3>::toValue(*value)}});
+    });
+}
+
+OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
+                                        const char* attrName, OrvMoAttributeValueResult_3* result) {
+    return mCore.answer([&] {
+        *result = makeResult(mCore.transaction(txHandle)->store->get(
+            requireText(dn, "the DN"), requireText(attrName, "the attribute name")));
+    });
+}
+
+OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
+                                         const char** attrNames,
+                                         OrvMoAttributeValuesResult_3* result) {
+    return mCore.answer([&] {
+        requireGiven(attrNames, "the array of attribute names");
+        std::vector<std::string> names;
+        for (const char** next = attrNames; *next != nullptr; ++next) {
+            names.emplace_back(*next);
+        }
+        *result =
+            makeResult(mCore.transaction(txHandle)->store->get(requireText(dn, "the DN"), names));
+    });
+}
+
+OrvReturnT RouterTable3::newMoIterator(unsigned long txHandle, const char* dn,
+                                       const char* className, unsigned long long* iterator) {
+    return mCore.answer([&] {
+        *iterator = mCore.newIterator(txHandle, requireText(dn, "the DN"),
+                                      requireText(className, "the class name"));
+    });
+}
+
+OrvReturnT RouterTable3::nextMo(unsigned long long iterator, char** result) {
+    return mCore.answer([&] { *result = mCore.next(iterator); });
+}
+
+OrvReturnT RouterTable3::createMo(unsigned long txHandle, const char* dn, const char* className,
+                                  const char* attrName, const char* attrValue,
+                                  OrvMoNamedAttributeValueContainer_3** attributes) {
+    return mCore.answer([&] {
+        mCore.transaction(txHandle)->store->create(
+            requireText(dn, "the DN"), requireText(className, "the class name"),
+            requireText(attrName, "the naming attribute"),
+            requireText(attrValue, "the naming value"), toNamedValues(attributes));
+    });
+}
+
+OrvReturnT RouterTable3::deleteMo(unsigned long txHandle, const char* dn) {
+    return mCore.answer(
+        [&] { mCore.transaction(txHandle)->store->remove(requireText(dn, "the DN")); });
+}
+
+OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const char* name,
+                                OrvMoNamedAttributeValueContainer_3** parameters,
+                                OrvMoAttributeValueResult_3* result) {
+    return mCore.answer([&] {
+        *result = makeResult(mCore.action(txHandle, requireText(dn, "the DN"),
+                                          requireText(name, "the action name"),
+                                          toNamedValues(parameters)));
+    });
+}
+
+OrvReturnT RouterTable3::finalizeMoIterator(unsigned long long iterator) {
+    return mCore.answer([&] { mCore.finalize(iterator); });
+}
+
+OrvReturnT RouterTable3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
+    return mCore.answer(
+        [&] { *exists = mCore.transaction(txHandle)->store->exists(requireText(dn, "the DN")); });
+}
+
+OrvReturnT RouterTable3::countMoChildren(unsigned long txHandle, const char* dn,
+                                         const char* className, unsigned long long* count) {
+    return mCore.answer([&] {
+        *count = mCore.transaction(txHandle)->store->count(
+            requireText(dn, "the DN"), requireText(className, "the class name"));
+    });
+}
+
+}

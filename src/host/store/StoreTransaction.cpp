@@ -1,0 +1,468 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "StoreTransaction.h"
+
+#include "AttributeBytes.h"
+#include "DnText.h"
+#include "WriteCheck.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace OrvHost {
+
+namespace {
+
+bool isBounded(const ClassDef& moc) {
+    return moc.instances.lower > 0 || moc.instances.upper != kUnbounded;
+}
+
+std::string placeOf(const std::string& parentDn) {
+    return parentDn.empty() ? " at the top level" : " under " + parentDn;
+}
+
+std::string textOf(const Bounds& bounds) {
+    return std::to_string(bounds.lower) + ".." +
+           (bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper));
+}
+
+}
+
+StoreTransaction::StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims,
+                                   TransactionId id)
+    : mModel(model),
+      mTree(tree),
+      mSnapshot(tree.openSnapshot()),
+      mGuard(tree, claims, id, mSnapshot) {}
+
+StoreTransaction::~StoreTransaction() {
+    rollback();
+}
+
+void StoreTransaction::end() noexcept {
+    mOpen = false;
+    mGuard.release();
+    mTree.closeSnapshot(mSnapshot);
+    mOverlay.clear();
+}
+
+void StoreTransaction::rollback() noexcept {
+    if (mOpen) {
+        end();
+    }
+}
+
+void StoreTransaction::requireOpen() const {
+    if (!mOpen) {
+        throw HostError(OrvNotActive, "transaction " + std::to_string(id()) + " has ended already");
+    }
+}
+
+StoreTransaction::Mo StoreTransaction::find(std::string_view dn) const {
+    if (const CreatedMo* created = mOverlay.findCreated(dn)) {
+        return {kNoNode, created};
+    }
+    const NodeId node = mTree.read([&](const MoTree& tree) { return tree.find(dn, mSnapshot); });
+    return {node == kNoNode || mOverlay.isDeleted(node) ? kNoNode : node, nullptr};
+}
+
+StoreTransaction::Mo StoreTransaction::require(const std::string& dn) const {
+    requireOpen();
+    const Mo mo = find(dn);
+    if (!mo) {
+        throw HostError(OrvNotExist, "there is no object '" + dn + "'");
+    }
+    return mo;
+}
+
+StoreTransaction::Mo StoreTransaction::requireParent(const std::string& dn) const {
+    if (dn.empty()) {
+        requireOpen();
+        return {kRootNode, nullptr};
+    }
+    return require(dn);
+}
+
+ClassIndex StoreTransaction::requireChildClass(const std::string& parentDn, const Mo& parent,
+                                               const std::string& className) const {
+    const ClassIndex moc = WriteCheck::requireClass(mModel, className);
+    withDn(parentDn.empty() ? "top level" : parentDn,
+           [&] { WriteCheck::containment(mModel, classOf(parent), moc); });
+    return moc;
+}
+
+ClassIndex StoreTransaction::classIndexOf(const Mo& mo) const {
+    return mo.created != nullptr
+               ? mo.created->moc
+               : mTree.read([&](const MoTree& tree) { return tree.node(mo.node).moc; });
+}
+
+// Null for the top level.
+const ClassDef* StoreTransaction::classOf(const Mo& mo) const {
+    return mo.node == kRootNode ? nullptr : &mModel.classes[classIndexOf(mo)];
+}
+
+std::string StoreTransaction::dnOf(const Mo& mo) const {
+    return mo.created != nullptr
+               ? mo.created->dn
+               : mTree.read([&](const MoTree& tree) { return tree.dnOf(mo.node); });
+}
+
+std::string StoreTransaction::nameOf(const Mo& mo) const {
+    if (mo.created != nullptr) {
+        return mo.created->name;
+    }
+    return mTree.read(
+        [&](const MoTree& tree) { return std::string(tree.node(mo.node).record.name()); });
+}
+
+std::string StoreTransaction::attributesOf(const Mo& mo) const {
+    if (mo.created != nullptr) {
+        return mo.created->attributes;
+    }
+    if (const std::string* modified = mOverlay.findModified(mo.node)) {
+        return *modified;
+    }
+    return mTree.read([&](const MoTree& tree) {
+        return std::string(tree.recordAt(mo.node, mSnapshot).attributes());
+    });
+}
+
+bool StoreTransaction::exists(const std::string& dn) const {
+    requireOpen();
+    return static_cast<bool>(find(dn));
+}
+
+const ClassDef& StoreTransaction::classOf(const std::string& dn) const {
+    return *classOf(require(dn));
+}
+
+AttributeValue StoreTransaction::valueOf(const Mo& mo, const std::string& attributes,
+                                         const std::string& name) const {
+    const ClassDef& moc = *classOf(mo);
+    const AttributeIndex index = WriteCheck::requireAttribute(moc, name);
+    const AttributeDef& def = moc.attributes[index];
+    if (def.isNaming) {
+        return WriteCheck::nameValue(def, nameOf(mo));
+    }
+    if (auto value = AttributeBytes::read(moc, attributes, index)) {
+        return std::move(*value);
+    }
+    return def.defaultValue ? *def.defaultValue : AttributeValue{def.type.kind, {}};
+}
+
+AttributeValue StoreTransaction::get(const std::string& dn, const std::string& attribute) const {
+    const Mo mo = require(dn);
+    return withDn(dn, [&] { return valueOf(mo, attributesOf(mo), attribute); });
+}
+
+std::vector<AttributeValue>
+StoreTransaction::get(const std::string& dn, const std::vector<std::string>& attributes) const {
+    const Mo mo = require(dn);
+    const std::string bytes = attributesOf(mo);
+    std::vector<AttributeValue> values;
+    values.reserve(attributes.size());
+    for (const std::string& attribute : attributes) {
+        values.push_back(withDn(dn, [&] { return valueOf(mo, bytes, attribute); }));
+    }
+    return values;
+}
+
+std::vector<NamedValue> StoreTransaction::stored(const std::string& dn) const {
+    const Mo mo = require(dn);
+    const ClassDef& moc = *classOf(mo);
+    const std::string bytes = attributesOf(mo);
+    std::vector<NamedValue> values;
+    for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
+        if (auto value = AttributeBytes::read(moc, bytes, index)) {
+            values.emplace_back(moc.attributes[index].name, std::move(*value));
+        }
+    }
+    return values;
+}
+
+std::uint64_t StoreTransaction::count(const std::string& parentDn,
+                                      const std::string& className) const {
+    const Mo parent = requireParent(parentDn);
+    return countOf(parentDn, parent, requireChildClass(parentDn, parent, className));
+}
+
+std::uint64_t StoreTransaction::countOf(const std::string& parentDn, const Mo& parent,
+                                        ClassIndex moc) const {
+    const auto* created = mOverlay.findGroup(childPrefix(parentDn, mModel.classes[moc].name));
+    std::uint64_t count = created == nullptr ? 0 : created->count;
+    if (parent.node == kNoNode) {
+        return count;
+    }
+    mTree.read([&](const MoTree& tree) {
+        if (mOverlay.deleted().empty()) {
+            count += tree.countChildren(parent.node, moc, mSnapshot);
+            return;
+        }
+        for (NodeId id = tree.firstChild(parent.node, moc, mSnapshot); id != kNoNode;
+             id = tree.nextSibling(id, mSnapshot)) {
+            count += mOverlay.isDeleted(id) ? 0 : 1;
+        }
+    });
+    return count;
+}
+
+ChildCursor StoreTransaction::children(const std::string& parentDn,
+                                       const std::string& className) const {
+    const Mo parent = requireParent(parentDn);
+    ChildCursor cursor;
+    cursor.mMoc = requireChildClass(parentDn, parent, className);
+    cursor.mParent = parent.node;
+    cursor.mCommittedDone = parent.node == kNoNode;
+    cursor.mPrefix = childPrefix(parentDn, className);
+    return cursor;
+}
+
+bool StoreTransaction::next(ChildCursor& cursor, std::string& name) const {
+    requireOpen();
+    return nextCommitted(cursor, name) || nextCreated(cursor, name);
+}
+
+// The snapshot keeps the child where the cursor stands, and its links, from being reclaimed.
+bool StoreTransaction::nextCommitted(ChildCursor& cursor, std::string& name) const {
+    if (cursor.mCommittedDone) {
+        return false;
+    }
+    return mTree.read([&](const MoTree& tree) {
+        NodeId id = cursor.mPosition == kNoNode
+                        ? tree.firstChild(cursor.mParent, cursor.mMoc, mSnapshot)
+                        : tree.nextSibling(cursor.mPosition, mSnapshot);
+        while (id != kNoNode && mOverlay.isDeleted(id)) {
+            id = tree.nextSibling(id, mSnapshot);
+        }
+        cursor.mCommittedDone = id == kNoNode;
+        cursor.mPosition = id;
+        if (id != kNoNode) {
+            name = tree.node(id).record.name();
+        }
+        return id != kNoNode;
+    });
+}
+
+bool StoreTransaction::nextCreated(ChildCursor& cursor, std::string& name) const {
+    const auto* created = mOverlay.findGroup(cursor.mPrefix);
+    while (created != nullptr && cursor.mCreatedIndex < created->members.size()) {
+        if (const CreatedMo* mo = created->members[cursor.mCreatedIndex++]) {
+            name = mo->name;
+            return true;
+        }
+    }
+    return false;
+}
+
+void StoreTransaction::set(const std::string& dn, const std::vector<NamedValue>& values) {
+    const Mo mo = require(dn);
+    std::string bytes = attributesOf(mo);
+    withDn(dn, [&] { WriteCheck::apply(*classOf(mo), values, WriteCheck::Writer::Client, bytes); });
+    if (mo.created != nullptr) {
+        mOverlay.findCreated(dn)->attributes = std::move(bytes);
+        return;
+    }
+    mGuard.claimWrite(mo.node);
+    mOverlay.setModified(mo.node, std::move(bytes));
+}
+
+void StoreTransaction::create(const std::string& parentDn, const std::string& className,
+                              const std::string& namingAttribute, const std::string& name,
+                              const std::vector<NamedValue>& values) {
+    const Mo parent = requireParent(parentDn);
+    const ClassIndex index = requireChildClass(parentDn, parent, className);
+    const ClassDef& moc = mModel.classes[index];
+    if (namingAttribute != moc.namingAttribute) {
+        throw HostError(OrvInvalidArgument,
+                        "objects of class '" + className + "' are named by the attribute '" +
+                            moc.namingAttribute + "', not '" + namingAttribute + "'");
+    }
+    WriteCheck::name(moc, name);
+    const std::string dn = childDn(parentDn, className, name);
+    if (find(dn)) {
+        throw HostError(OrvAlreadyExist, "there is an object '" + dn + "' already");
+    }
+    std::string bytes = withDn(
+        dn, [&] { return WriteCheck::initial(moc, name, values, WriteCheck::Writer::Client); });
+    claimPlace(parentDn, parent, index, dn);
+
+    CreatedMo created;
+    created.dn = dn;
+    created.moc = index;
+    created.name = name;
+    created.attributes = std::move(bytes);
+    created.parentNode = parent.node;
+    created.parentCreated = parent.created;
+    mOverlay.addCreated(std::move(created));
+}
+
+// Under a parent that this transaction created, nobody else can come.
+void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent, ClassIndex moc,
+                                  const std::string& dn) {
+    claimMembership(parentDn, parent, moc);
+    if (parent.created != nullptr) {
+        return;
+    }
+    if (parent.node != kRootNode) {
+        mGuard.claimCreateUnder(parent.node);
+    }
+    mGuard.claimName(dn, isDeletedHere(dn));
+}
+
+// A bound on the number of children holds for what all transactions do together, so that two may
+// not change the number side by side.
+void StoreTransaction::claimMembership(const std::string& parentDn, const Mo& parent,
+                                       ClassIndex moc) {
+    if (!isBounded(mModel.classes[moc])) {
+        return;
+    }
+    if (parent.created == nullptr) {
+        mGuard.claimMembership(parent.node, moc,
+                               "'" + mModel.classes[moc].name + "' objects" + placeOf(parentDn));
+    }
+    mOverlay.noteMembers(parentDn, moc);
+}
+
+bool StoreTransaction::isDeletedHere(const std::string& dn) const {
+    const NodeId node = mTree.read([&](const MoTree& tree) { return tree.find(dn, mSnapshot); });
+    return node != kNoNode && mOverlay.isDeleted(node);
+}
+
+void StoreTransaction::remove(const std::string& dn) {
+    const Mo mo = require(dn);
+    const std::string parentDn(splitDn(dn)->parent);
+    claimMembership(parentDn, requireParent(parentDn), classIndexOf(mo));
+
+    std::vector<Mo> all{mo};
+    for (std::size_t at = 0; at < all.size(); ++at) {
+        const Mo next = all[at];
+        if (next.created == nullptr) {
+            mGuard.claimDelete(next.node);
+        }
+        appendChildren(next, all);
+    }
+    for (auto next = all.rbegin(); next != all.rend(); ++next) {
+        if (next->created == nullptr) {
+            mOverlay.markDeleted(next->node);
+        } else {
+            mOverlay.dropCreated(mOverlay.findCreated(next->created->dn));
+        }
+    }
+}
+
+void StoreTransaction::appendChildren(const Mo& mo, std::vector<Mo>& all) const {
+    const std::string dn = mOverlay.created().empty() ? std::string() : dnOf(mo);
+    for (const ClassIndex moc : classOf(mo)->children) {
+        if (mo.created == nullptr) {
+            appendCommittedChildren(mo, moc, all);
+        }
+        const auto* created = mOverlay.findGroup(childPrefix(dn, mModel.classes[moc].name));
+        if (created == nullptr) {
+            continue;
+        }
+        for (const CreatedMo* child : created->members) {
+            if (child != nullptr) {
+                all.push_back({kNoNode, child});
+            }
+        }
+    }
+}
+
+// All that are there in the snapshot or by now. A child that came with a later commit cannot be
+// seen here, but would lose its parent; one that has gone is seen here. The attempt to claim either
+// reports the conflict.
+void StoreTransaction::appendCommittedChildren(const Mo& mo, ClassIndex moc,
+                                               std::vector<Mo>& all) const {
+    mTree.read([&](const MoTree& tree) {
+        const ChildGroup* group = tree.findGroup(mo.node, moc);
+        for (NodeId id = group == nullptr ? kNoNode : group->first; id != kNoNode;
+             id = tree.node(id).next) {
+            const bool counts = tree.isVisible(id, mSnapshot) || tree.isVisible(id, kLatest);
+            if (counts && !mOverlay.isDeleted(id)) {
+                all.push_back({id, nullptr});
+            }
+        }
+    });
+}
+
+void StoreTransaction::checkCreated(const CreatedMo& mo, std::vector<std::string>& faults) const {
+    const ClassDef& moc = mModel.classes[mo.moc];
+    for (const std::string& name : WriteCheck::missing(moc, mo.attributes, true)) {
+        faults.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" + moc.name +
+                         "' has no value");
+    }
+    for (const ClassIndex child : moc.children) {
+        if (mModel.classes[child].instances.lower > 0) {
+            checkMembers(mo.dn, child, faults);
+        }
+    }
+}
+
+void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
+                                    std::vector<std::string>& faults) const {
+    const Mo parent = parentDn.empty() ? Mo{kRootNode, nullptr} : find(parentDn);
+    if (!parent) {
+        return; // deleted, and its children with it
+    }
+    const ClassDef& child = mModel.classes[moc];
+    const auto count = static_cast<std::int64_t>(countOf(parentDn, parent, moc));
+    if (count < child.instances.lower || count > child.instances.upper) {
+        faults.push_back("there are " + std::to_string(count) + " objects of class '" + child.name +
+                         "'" + placeOf(parentDn) + ", expected " + textOf(child.instances));
+    }
+}
+
+std::vector<std::string> StoreTransaction::check() const {
+    requireOpen();
+    std::vector<std::string> faults;
+    if (!conflict().empty()) {
+        faults.push_back("the transaction met a conflict: " + conflict());
+    }
+    for (const CreatedMo* mo : mOverlay.created()) {
+        if (mo != nullptr) {
+            checkCreated(*mo, faults);
+        }
+    }
+    for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
+        checkMembers(parentDn, moc, faults);
+    }
+    return faults;
+}
+
+void StoreTransaction::commit() {
+    requireOpen();
+    mGuard.requireNoConflict();
+    if (!mOverlay.isEmpty()) {
+        TreeChange change = makeChange();
+        mTree.commit(change, id());
+    }
+    end();
+}
+
+TreeChange StoreTransaction::makeChange() const {
+    TreeChange change;
+    std::vector<std::size_t> places(mOverlay.created().size());
+    for (const CreatedMo* mo : mOverlay.created()) {
+        if (mo == nullptr) {
+            continue;
+        }
+        places[mo->positionInAll] = change.created.size();
+        NewMo& created = change.created.emplace_back();
+        created.parent = mo->parentNode;
+        created.parentIndex =
+            mo->parentCreated == nullptr ? 0 : places[mo->parentCreated->positionInAll];
+        created.moc = mo->moc;
+        created.dnHash = MoTree::hashOf(mo->dn);
+        created.record = MoRecord(mo->name, mo->attributes);
+    }
+    for (const auto& modified : mOverlay.modified()) {
+        change.modified.emplace_back(modified.first,
+                                     MoRecord(nameOf({modified.first, nullptr}), modified.second));
+    }
+    change.deleted = mOverlay.deleted();
+    return change;
+}
+
+}

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "VersionedTree.h"
+
+#include "HostError.h"
+
+#include <string>
+
+namespace OrvHost {
+
+namespace {
+
+// How much is reclaimed before readers and commits get their turn.
+constexpr std::size_t kReclaimPortion = 4096;
+
+}
+
+VersionedTree::VersionedTree(const Model& model) : mTree(model) {}
+
+CommitNumber VersionedTree::openSnapshot() {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    mOpen.insert(mLast);
+    return mLast;
+}
+
+CommitNumber VersionedTree::oldestNeeded() const {
+    return mOpen.empty() ? mLast : *mOpen.begin();
+}
+
+void VersionedTree::closeSnapshot(CommitNumber snapshot) noexcept {
+    CommitNumber oldest = 0;
+    {
+        const std::lock_guard<std::mutex> guard(mMutex);
+        mOpen.erase(mOpen.find(snapshot));
+        oldest = oldestNeeded();
+        mCommitters.erase(mCommitters.begin(), mCommitters.upper_bound(oldest));
+    }
+    reclaim(oldest);
+}
+
+// A snapshot that is opened meanwhile shows no less than `oldest`.
+void VersionedTree::reclaim(CommitNumber oldest) noexcept {
+    while (mOldestGarbage.load() <= oldest) {
+        const std::unique_lock<TreeLock> guard(mLock);
+        mTree.reclaim(oldest, kReclaimPortion);
+        mOldestGarbage = mTree.oldestGarbage();
+    }
+}
+
+void VersionedTree::commit(TreeChange& change, TransactionId transaction) {
+    const std::unique_lock<TreeLock> guard(mLock);
+    CommitNumber number = 0;
+    {
+        const std::lock_guard<std::mutex> inner(mMutex);
+        number = mLast + 1;
+        mCommitters[number] = transaction;
+    }
+    mTree.apply(change, number);
+    mOldestGarbage = mTree.oldestGarbage();
+    const std::lock_guard<std::mutex> inner(mMutex);
+    mLast = number;
+}
+
+TransactionId VersionedTree::committer(CommitNumber number) const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    const auto found = mCommitters.find(number);
+    return found == mCommitters.end() ? kNoTransaction : found->second;
+}
+
+void VersionedTree::refuseOpenSnapshots() const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    if (!mOpen.empty()) {
+        throw HostError(OrvHostWrongState, "data is loaded before the first transaction begins, "
+                                           "and there are " +
+                                               std::to_string(mOpen.size()) + " open");
+    }
+}
+
+}

@@ -1,0 +1,266 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "WriteCheck.h"
+
+#include "AttributeBytes.h"
+#include "DnText.h"
+#include "DnUtil.h"
+#include "model/ValueCheck.h"
+
+#include <charconv>
+#include <optional>
+#include <set>
+#include <system_error>
+#include <type_traits>
+
+namespace OrvHost {
+
+namespace {
+
+std::string quoted(std::string_view text) {
+    return "'" + std::string(text) + "'";
+}
+
+std::string nameOf(const ClassDef& moc, const AttributeDef& attribute) {
+    return "attribute " + quoted(attribute.name) + " of class " + quoted(moc.name);
+}
+
+template <class Named>
+std::string listOf(const std::vector<Named>& all) {
+    std::string text;
+    for (const Named& one : all) {
+        text += (text.empty() ? "" : ", ") + one.name;
+    }
+    return text.empty() ? "nothing" : text;
+}
+
+std::string listOf(const Model& model, const std::vector<ClassIndex>& classes) {
+    std::string text;
+    for (const ClassIndex moc : classes) {
+        text += (text.empty() ? "" : ", ") + model.classes[moc].name;
+    }
+    return text.empty() ? "nothing" : text;
+}
+
+template <class Number>
+std::optional<Value> parseNumber(std::string_view text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return Value(number);
+}
+
+std::optional<Value> parseName(ValueKind kind, std::string_view text) {
+    switch (kind) {
+    case ValueKind::Bool:
+        return text == "true" || text == "false" ? std::optional<Value>(text == "true")
+                                                 : std::nullopt;
+    case ValueKind::Int:
+        return parseNumber<std::int64_t>(text);
+    case ValueKind::Uint:
+        return parseNumber<std::uint64_t>(text);
+    case ValueKind::Double:
+        return parseNumber<double>(text);
+    case ValueKind::Struct:
+        return std::nullopt;
+    case ValueKind::Enumeration:
+    case ValueKind::String:
+    case ValueKind::MoRef:
+        break;
+    }
+    return Value(std::string(text));
+}
+
+std::string whyBadName(const ClassDef& moc, const std::string& name) {
+    if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
+        return "expected a text without control characters and , = + \" \\ < > ; and without a "
+               "space at either end";
+    }
+    const AttributeDef* naming = moc.findAttribute(moc.namingAttribute);
+    if (naming == nullptr) {
+        return {};
+    }
+    const auto value = parseName(naming->type.kind, name);
+    // One object must not have two names, such as 7 and 07.
+    if (!value || toText(*value) != name) {
+        return "expected a " + std::string(kindName(naming->type.kind)) + " in its usual form";
+    }
+    return whyRefused(naming->type, *value);
+}
+
+std::string whyBadReference(const AttributeValue& value);
+
+std::string whyBadReference(const Value& value, ValueKind kind) {
+    if (kind == ValueKind::MoRef) {
+        const std::string& dn = std::get<std::string>(value);
+        return isDn(dn) ? std::string()
+                        : quoted(dn) + " is no DN, expected steps Class=value with commas between";
+    }
+    if (kind == ValueKind::Struct) {
+        for (const NamedValue& member : std::get<StructValue>(value).members) {
+            std::string reason = whyBadReference(member.second);
+            if (!reason.empty()) {
+                return "member \"" + member.first + "\": " + reason;
+            }
+        }
+    }
+    return {};
+}
+
+std::string whyBadReference(const AttributeValue& value) {
+    for (const Value& one : value.values) {
+        std::string reason = whyBadReference(one, value.kind);
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    return {};
+}
+
+// As whyRefused, but for the number of values: see WriteCheck::value.
+std::string whyRefusedReferences(const AttributeDef& def, const AttributeValue& value) {
+    if (value.kind != def.type.kind) {
+        return whyRefused(def, value);
+    }
+    for (const Value& one : value.values) {
+        std::string reason = whyRefused(def.type, one);
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    return {};
+}
+
+std::string whyRefusedValue(const AttributeDef& def, const AttributeValue& value) {
+    std::string reason = def.type.kind == ValueKind::MoRef ? whyRefusedReferences(def, value)
+                                                           : whyRefused(def, value);
+    return reason.empty() ? whyBadReference(value) : reason;
+}
+
+void refuseDoubles(const std::vector<NamedValue>& values) {
+    std::set<std::string_view> seen;
+    for (const NamedValue& value : values) {
+        if (!seen.insert(value.first).second) {
+            throw HostError(OrvInvalidArgument,
+                            "attribute " + quoted(value.first) + " is given more than once");
+        }
+    }
+}
+
+bool isMissing(const AttributeDef& def, bool withReferences) {
+    const bool counts = withReferences || def.type.kind != ValueKind::MoRef;
+    return counts && !def.isNaming && def.multiplicity.lower > 0 && !def.defaultValue;
+}
+
+}
+
+AttributeIndex WriteCheck::requireAttribute(const ClassDef& moc, const std::string& name) {
+    const auto index = moc.findAttributeIndex(name);
+    if (!index) {
+        throw HostError(OrvNotExist, "class " + quoted(moc.name) + " has no attribute " +
+                                         quoted(name) +
+                                         ", expected one of: " + listOf(moc.attributes));
+    }
+    return *index;
+}
+
+ClassIndex WriteCheck::requireClass(const Model& model, const std::string& name) {
+    const auto moc = model.findClass(name);
+    if (!moc) {
+        throw HostError(OrvNotExist, "there is no class " + quoted(name));
+    }
+    return *moc;
+}
+
+void WriteCheck::containment(const Model& model, const ClassDef* parent, ClassIndex moc) {
+    const ClassDef& child = model.classes[moc];
+    if (parent == nullptr && !child.isTopLevel) {
+        throw HostError(OrvHostNotContained, "objects of class " + quoted(child.name) +
+                                                 " do not stand at the top level, expected a "
+                                                 "parent of class: " +
+                                                 listOf(model, child.parents));
+    }
+    if (parent != nullptr &&
+        !child.mayStandUnder(static_cast<ClassIndex>(parent - model.classes.data()))) {
+        throw HostError(OrvHostNotContained,
+                        "objects of class " + quoted(child.name) + " do not stand under class " +
+                            quoted(parent->name) +
+                            ", expected there: " + listOf(model, parent->children));
+    }
+}
+
+void WriteCheck::name(const ClassDef& moc, const std::string& name) {
+    const std::string reason = whyBadName(moc, name);
+    if (!reason.empty()) {
+        throw HostError(OrvInvalidArgument, quoted(name) + " cannot name an object of class " +
+                                                quoted(moc.name) + ": " + reason);
+    }
+}
+
+void WriteCheck::value(const ClassDef& moc, AttributeIndex index, const AttributeValue& value,
+                       Writer writer) {
+    const AttributeDef& def = moc.attributes[index];
+    if (def.isNaming) {
+        throw HostError(OrvHostNotWritable,
+                        nameOf(moc, def) + " names the object and cannot be set");
+    }
+    if (!def.isWritable && writer == Writer::Client) {
+        throw HostError(OrvHostNotWritable, nameOf(moc, def) + " is set by the system only");
+    }
+    const std::string reason = whyRefusedValue(def, value);
+    if (!reason.empty()) {
+        const std::string& type = def.type.description;
+        throw HostError(OrvInvalidArgument,
+                        nameOf(moc, def) + (type.empty() ? "" : " (" + type + ")") + ": " + reason);
+    }
+}
+
+void WriteCheck::apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
+                       std::string& bytes) {
+    refuseDoubles(values);
+    for (const NamedValue& named : values) {
+        const AttributeIndex index = requireAttribute(moc, named.first);
+        value(moc, index, named.second, writer);
+        AttributeBytes::write(moc, bytes, index, named.second);
+    }
+}
+
+std::string WriteCheck::initial(const ClassDef& moc, const std::string& name,
+                                const std::vector<NamedValue>& values, Writer writer) {
+    std::vector<NamedValue> others;
+    others.reserve(values.size());
+    for (const NamedValue& named : values) {
+        const AttributeDef* def = moc.findAttribute(named.first);
+        if (def == nullptr || !def->isNaming) {
+            others.push_back(named);
+        } else if (named.second != nameValue(*def, name)) {
+            throw HostError(OrvInvalidArgument,
+                            nameOf(moc, *def) + " differs from the name " + quoted(name));
+        }
+    }
+    std::string bytes;
+    apply(moc, others, writer, bytes);
+    return bytes;
+}
+
+std::vector<std::string> WriteCheck::missing(const ClassDef& moc, std::string_view bytes,
+                                             bool withReferences) {
+    std::vector<std::string> names;
+    for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
+        const AttributeDef& def = moc.attributes[index];
+        if (isMissing(def, withReferences) && !AttributeBytes::has(bytes, index)) {
+            names.push_back(def.name);
+        }
+    }
+    return names;
+}
+
+AttributeValue WriteCheck::nameValue(const AttributeDef& naming, std::string_view name) {
+    const auto value = parseName(naming.type.kind, name);
+    return {naming.type.kind, {value ? *value : Value(std::string(name))}};
+}
+
+}

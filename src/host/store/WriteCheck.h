@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_STORE_WRITECHECK_H
+#define ORV_HOST_STORE_WRITECHECK_H
+
+#include "HostError.h"
+#include "model/Model.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvHost {
+
+/// The rules of the model that a single write is held against. Every function throws HostError for
+/// what does not fit, with a text that names the class, the attribute and what was expected. The
+/// DN is added by the caller (see withDn). No state.
+class WriteCheck {
+public:
+    /// Whether attributes that only the system sets may be given.
+    enum class Writer { Client, System };
+
+    /// The position of an attribute. OrvNotExist.
+    static AttributeIndex requireAttribute(const ClassDef& moc, const std::string& name);
+    static ClassIndex requireClass(const Model& model, const std::string& name);
+
+    /// Whether objects of class \p moc may stand under one of class \p parent, or at the top level
+    /// if that is null. OrvHostNotContained.
+    static void containment(const Model& model, const ClassDef* parent, ClassIndex moc);
+
+    /// Whether \p name may name an object of \p moc: a valid naming value, of the naming
+    /// attribute's type and in that type's usual form. OrvInvalidArgument.
+    static void name(const ClassDef& moc, const std::string& name);
+
+    /// Whether an attribute may be set to these values. The number of references is not looked at.
+    /// OrvInvalidArgument, OrvHostNotWritable.
+    static void value(const ClassDef& moc, AttributeIndex index, const AttributeValue& value,
+                      Writer writer);
+
+    /// Writes all of \p values into \p bytes (see AttributeBytes); they must fit, and each
+    /// attribute be there once.
+    static void apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
+                      std::string& bytes);
+
+    /// The attributes of an object that is to be named \p name: as apply, but the naming attribute
+    /// may be among them if it says the same.
+    static std::string initial(const ClassDef& moc, const std::string& name,
+                               const std::vector<NamedValue>& values, Writer writer);
+
+    /// The names of the attributes that must have a value and have none.
+    static std::vector<std::string> missing(const ClassDef& moc, std::string_view bytes,
+                                            bool withReferences);
+
+    /// The value that a naming attribute shows.
+    static AttributeValue nameValue(const AttributeDef& naming, std::string_view name);
+};
+
+/// Runs \p check and puts \p dn in front of the text of what it refuses.
+template <class Check>
+auto withDn(const std::string& dn, Check&& check) {
+    try {
+        return check();
+    } catch (const HostError& error) {
+        throw HostError(error.code(), dn + ": " + error.what());
+    }
+}
+
+}
+
+#endif

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "WriteGuard.h"
+
+#include "HostError.h"
+
+#include <string>
+
+namespace OrvHost {
+
+namespace {
+
+/// When the latest version of an object came to be.
+struct Stamps {
+    CommitNumber createdAt = 0;
+    CommitNumber changedAt = 0;
+    CommitNumber deletedAt = kNever;
+};
+
+const char* actionOf(ClaimTable::Kind kind) {
+    switch (kind) {
+    case ClaimTable::Kind::Delete:
+        return " is being deleted";
+    case ClaimTable::Kind::CreateUnder:
+        return " is being given children";
+    case ClaimTable::Kind::Write:
+        break;
+    }
+    return " is being changed";
+}
+
+std::string nameOf(TransactionId transaction) {
+    return transaction == kNoTransaction ? "another transaction"
+                                         : "transaction " + std::to_string(transaction);
+}
+
+}
+
+WriteGuard::WriteGuard(VersionedTree& tree, ClaimTable& claims, TransactionId owner,
+                       CommitNumber snapshot)
+    : mTree(tree), mClaims(claims), mSnapshot(snapshot) {
+    mClaimed.owner = owner;
+}
+
+WriteGuard::~WriteGuard() {
+    release();
+}
+
+void WriteGuard::release() noexcept {
+    mClaims.release(mClaimed);
+}
+
+void WriteGuard::fail(const std::string& what, TransactionId other) {
+    const std::string text = what + " by " + nameOf(other);
+    if (mConflict.empty()) {
+        mConflict = text;
+    }
+    throw HostError(OrvHostWriteConflict, text);
+}
+
+void WriteGuard::failForCommit(const std::string& what, CommitNumber number) {
+    fail(what + " since this transaction began,", mTree.committer(number));
+}
+
+void WriteGuard::requireNoConflict() const {
+    if (!mConflict.empty()) {
+        throw HostError(OrvHostWriteConflict, mConflict);
+    }
+}
+
+std::string WriteGuard::dnOf(NodeId node) const {
+    return mTree.read([&](const MoTree& tree) { return tree.dnOf(node); });
+}
+
+void WriteGuard::claimWrite(NodeId node) {
+    claimNode(node, ClaimTable::Kind::Write);
+}
+
+void WriteGuard::claimDelete(NodeId node) {
+    claimNode(node, ClaimTable::Kind::Delete);
+}
+
+void WriteGuard::claimCreateUnder(NodeId node) {
+    claimNode(node, ClaimTable::Kind::CreateUnder);
+}
+
+void WriteGuard::claimNode(NodeId node, ClaimTable::Kind kind) {
+    if (const auto rival = mClaims.claimNode(mClaimed, node, kind)) {
+        fail(dnOf(node) + actionOf(rival->kind), rival->transaction);
+    }
+    requireUnchanged(node, kind);
+}
+
+void WriteGuard::requireUnchanged(NodeId node, ClaimTable::Kind kind) {
+    Stamps stamps;
+    mTree.read([&](const MoTree& tree) {
+        const MoNode& one = tree.node(node);
+        stamps = {one.createdAt, one.changedAt, one.deletedAt};
+    });
+    if (stamps.deletedAt != kNever) {
+        failForCommit(dnOf(node) + " was deleted", stamps.deletedAt);
+    }
+    if (stamps.createdAt > mSnapshot) {
+        failForCommit(dnOf(node) + " was created", stamps.createdAt);
+    }
+    if (kind != ClaimTable::Kind::CreateUnder && stamps.changedAt > mSnapshot) {
+        failForCommit(dnOf(node) + " was changed", stamps.changedAt);
+    }
+}
+
+void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
+    if (const auto rival = mClaims.claimName(mClaimed, dn)) {
+        fail(dn + " is being created", rival->transaction);
+    }
+    if (deletedByOwner) {
+        return; // the latest object of that DN is the one that this transaction deletes
+    }
+    const CommitNumber createdAt = mTree.read([&](const MoTree& tree) {
+        const NodeId latest = tree.find(dn, kLatest);
+        return latest == kNoNode ? 0 : tree.node(latest).createdAt;
+    });
+    if (createdAt > mSnapshot) {
+        failForCommit(dn + " was created", createdAt);
+    }
+}
+
+void WriteGuard::claimMembership(NodeId parent, ClassIndex moc, const std::string& what) {
+    if (const auto rival = mClaims.claimMembership(mClaimed, parent, moc)) {
+        fail("the number of " + what + " is being changed", rival->transaction);
+    }
+    const CommitNumber changedAt = mTree.read([&](const MoTree& tree) {
+        const ChildGroup* group = tree.findGroup(parent, moc);
+        return group == nullptr ? 0 : group->changedAt;
+    });
+    if (changedAt > mSnapshot) {
+        failForCommit("the number of " + what + " was changed", changedAt);
+    }
+}
+
+}
