@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CellStateComponent.h"
+
+// [component]
+CellStateComponent::CellStateComponent()
+    : Component("CellStateService"),
+      mRepositoryIdentity{"OrvOamSpiExtCmRouterService", "ExtCmInterceptorRepositoryI", "1"} {
+    // Makes the host start this component after the one that has the repository, and stop it
+    // before.
+    mDependencies.push_back(&mRepositoryIdentity);
+}
+
+OrvReturnT CellStateComponent::initialize(const char* /*argument*/) {
+    return OrvOk;
+}
+
+void CellStateComponent::terminate() {}
+
+// The host may start what is started, and stop what is not.
+OrvReturnT CellStateComponent::start(OrvStateChangeReason /*reason*/) {
+    if (mEntered) {
+        return OrvOk;
+    }
+    const OrvReturnT code = mInterceptor.enter();
+    mEntered = code == OrvOk;
+    return code;
+}
+
+OrvReturnT CellStateComponent::stop(OrvStateChangeReason /*reason*/) {
+    if (mEntered) {
+        mInterceptor.leave();
+        mEntered = false;
+    }
+    return OrvOk;
+}
+// [/component]

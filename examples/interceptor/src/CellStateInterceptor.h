@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef CELL_STATE_CELLSTATEINTERCEPTOR_H
+#define CELL_STATE_CELLSTATEINTERCEPTOR_H
+
+#include <MoInterceptorBase.h>
+#include <OrvReturn.h>
+
+/// Serves the attribute `operationalState` of all cells of a distributed unit: it is worked out
+/// from `administrativeState` as the transaction sees it, and never stored. All other attributes,
+/// and all writes, go to the router as if this object were not there.
+///
+/// Threads: enter and leave belong to the start and stop of a component, while no operation runs.
+/// The operations may run on any number of threads at once: they change nothing of this object.
+class CellStateInterceptor : public OrvExtCmRouterService::MoInterceptorBase {
+public:
+    /// Finds the tables of the host and the repository, and enters this object there. OrvFailure if
+    /// something is not found; OrvAlreadyExist if another interceptor serves the cells.
+    OrvReturnT enter();
+
+    /// Takes this object out of the repository. Only after an enter that succeeded.
+    void leave();
+
+    OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
+                              OrvMoAttributeValueResult_3* result) override;
+    OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
+                               OrvMoAttributeValuesResult_3* result) override;
+};
+
+#endif

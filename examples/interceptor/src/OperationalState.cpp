@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "OperationalState.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr const char* locked = "LOCKED";
+
+const char* textOf(const OrvMoAttributeValueContainer_3* state) {
+    if (state == nullptr || state->type != OrvMoAttributeTypeEnumeration_3 || state->count == 0) {
+        return locked;
+    }
+    return state->values[0].string;
+}
+
+}
+
+bool isServed(const char* attrName) {
+    return std::strcmp(attrName, servedAttribute) == 0;
+}
+
+const char* operationalState(const OrvMoAttributeValueContainer_3* administrative) {
+    return std::strcmp(textOf(administrative), locked) == 0 ? "DISABLED" : "ENABLED";
+}

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef CELL_STATE_STATEVALUES_H
+#define CELL_STATE_STATEVALUES_H
+
+#include "OwnedResult.h"
+#include "StateValue.h"
+
+#include <memory>
+#include <vector>
+
+/// What a read of many attributes hands out when the served one is among them: the containers of
+/// the router, with a StateValue in the place of each container that was read for its sake.
+///
+/// The receiver gets an array and hands the same array to the release function, which has to find
+/// this object. So the object is itself a container, a copy of the first one, and stands first.
+///
+/// Threads: does not change.
+class StateValues : public OrvMoAttributeValueContainer_3 {
+public:
+    /// \p attrNames are the names that the client asked for. \p fromRouter holds one container for
+    /// each, at least one.
+    StateValues(const char** attrNames, OwnedResult<OrvMoAttributeValuesResult_3> fromRouter);
+    StateValues(const StateValues&) = delete;
+    StateValues& operator=(const StateValues&) = delete;
+
+    /// The array for the receiver, ended by a null pointer. Owned by this object.
+    OrvMoAttributeValueContainer_3** containers() { return mContainers.data(); }
+
+    /// For the field `release` of a result whose array is that of a StateValues: deletes it.
+    static void release(OrvMoAttributeValueContainer_3** containers);
+
+private:
+    OrvMoAttributeValueContainer_3* containerFor(const char* attrName,
+                                                 OrvMoAttributeValueContainer_3* fromRouter);
+
+    OwnedResult<OrvMoAttributeValuesResult_3> mFromRouter;
+    std::vector<std::unique_ptr<StateValue>> mStates;
+    std::vector<OrvMoAttributeValueContainer_3*> mContainers;
+};
+
+#endif
