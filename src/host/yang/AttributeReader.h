@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_ATTRIBUTEREADER_H
+#define ORV_HOST_YANG_ATTRIBUTEREADER_H
+
+#include "model/ModelSpec.h"
+#include "yang/AssociationReader.h"
+#include "yang/ModelNotes.h"
+#include "yang/SourceLocator.h"
+#include "yang/YangContext.h"
+#include "yang/YangSchema.h"
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace OrvHost {
+
+/// Turns leaves, leaf-lists, containers and lists of the compiled modules into attributes, members
+/// of structs, and parameters.
+class AttributeReader {
+public:
+    struct Attribute {
+        AttributeSpec spec;
+        ValueShape shape;
+    };
+
+    AttributeReader(std::shared_ptr<const YangContext> context, const SourceLocator& locator,
+                    AssociationReader& associations, ModelNotes& notes);
+
+    /// An attribute of that class; nothing if the node cannot be one, which is noted. What the node
+    /// says of associations goes to the association reader if `isFirst`: the same attribute can
+    /// be met at several places.
+    std::optional<Attribute> readAttribute(const lysc_node* node, const std::string& className,
+                                           bool isFirst);
+
+    /// A parameter or a result of an action; nothing likewise.
+    std::optional<AttributeSpec> readParameter(const lysc_node* node);
+
+    /// Counts what the node says and the model leaves out: conditions, choices.
+    void noteConditions(const lysc_node* node);
+
+private:
+    std::optional<Attribute> read(const lysc_node* node, const std::string& className,
+                                  bool isFirst);
+    Attribute readLeaf(const lysc_node* node, const std::string& className, bool isFirst);
+    Attribute readStruct(const lysc_node* node);
+    void tellReference(const lysc_node* node, const std::string& className, bool isFirst,
+                       Attribute& attribute);
+    void describe(const lysc_node* node, Attribute& attribute) const;
+
+    std::shared_ptr<const YangContext> mContext;
+    const SourceLocator& mLocator;
+    AssociationReader& mAssociations;
+    ModelNotes& mNotes;
+    std::set<const lysc_node*> mNotedChoices;
+};
+
+}
+
+#endif

@@ -1,0 +1,154 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ModuleFinder.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::optional<std::string> readFile(const fs::path& file) {
+    std::ifstream input(file, std::ios::binary);
+    if (!input || fs::is_directory(file)) {
+        return std::nullopt;
+    }
+    std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    return input.bad() ? std::nullopt : std::optional(std::move(text));
+}
+
+[[noreturn]] void refuse(const fs::path& file, int line, std::string text) {
+    throw ModelError({{{file.string(), line}, std::move(text)}});
+}
+
+ModuleText readModule(const fs::path& file) {
+    std::optional<std::string> text = readFile(file);
+    if (!text) {
+        refuse(file, 0, "cannot be read; the file of a YANG module was expected");
+    }
+    YangText statements(*text);
+    const YangText::Statement top = statements.top();
+    if (top.keyword == "submodule") {
+        refuse(file, top.line,
+               "\"" + top.argument +
+                   "\" is a submodule; load the module that it belongs to instead");
+    }
+    if (top.keyword != "module") {
+        refuse(file, top.line, "is not a YANG module; \"module NAME {\" was expected");
+    }
+    return {top.argument, file.string(), std::move(*text), std::move(statements)};
+}
+
+}
+
+ModuleFinder::ModuleFinder(std::vector<fs::path> searchPath) {
+    for (fs::path& path : searchPath) {
+        std::error_code error;
+        if (!fs::is_directory(path, error)) {
+            mProblems.push_back({{path.string(), 0}, "is not a directory to search for modules"});
+            continue;
+        }
+        mDirectories.push_back({std::move(path), {}, true, false});
+    }
+}
+
+void ModuleFinder::addText(const std::string& name, std::string label, std::string text) {
+    YangText statements(text);
+    mFound.insert_or_assign(
+        name, ModuleText{name, std::move(label), std::move(text), std::move(statements)});
+}
+
+std::string ModuleFinder::addFile(const fs::path& file) {
+    ModuleText module = readModule(file);
+    const fs::path directory = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    mDirectories.push_back({directory, {}, false, false});
+    std::string name = module.name;
+    mFound.insert_or_assign(name, std::move(module));
+    return name;
+}
+
+const ModuleText* ModuleFinder::find(const std::string& name, const std::string& revision) {
+    if (const auto known = mFound.find(name); known != mFound.end()) {
+        return &known->second;
+    }
+    const std::optional<fs::path> file = locate(name, revision);
+    std::optional<std::string> text = file ? readFile(*file) : std::nullopt;
+    if (!text) {
+        if (file) {
+            mProblems.push_back({{file->string(), 0}, "cannot be read"});
+        }
+        mMissed.push_back(name);
+        return nullptr;
+    }
+    addText(name, file->string(), std::move(*text));
+    return &mFound.at(name);
+}
+
+bool ModuleFinder::wasMissed(const std::string& name) const {
+    return std::find(mMissed.begin(), mMissed.end(), name) != mMissed.end();
+}
+
+std::string ModuleFinder::describeSearch(const std::string& name) const {
+    if (mDirectories.empty()) {
+        return "there is no search path";
+    }
+    std::string text = "looked for " + name + ".yang in ";
+    for (const Directory& directory : mDirectories) {
+        text += (&directory == &mDirectories.front() ? "" : ", ") + directory.path.string();
+    }
+    return text;
+}
+
+void ModuleFinder::scan(Directory& directory) {
+    directory.isScanned = true;
+    std::error_code error;
+    const auto options = fs::directory_options::skip_permission_denied;
+    fs::recursive_directory_iterator entry(directory.path, options, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        if (!directory.withSubdirectories) {
+            entry.disable_recursion_pending();
+        }
+        if (entry->path().extension() != ".yang") {
+            continue;
+        }
+        const std::string stem = entry->path().stem().string();
+        const std::size_t at = stem.find('@');
+        const std::string revision = at == std::string::npos ? "" : stem.substr(at + 1);
+        // Directories are listed in no particular order; the choice between two equals must not
+        // depend on it.
+        fs::path& file = directory.files[stem.substr(0, at)][revision];
+        file = file.empty() ? entry->path() : std::min(file, entry->path());
+    }
+}
+
+std::optional<fs::path> ModuleFinder::locate(const std::string& name, const std::string& revision) {
+    for (Directory& directory : mDirectories) {
+        if (!directory.isScanned) {
+            scan(directory);
+        }
+        const auto files = directory.files.find(name);
+        if (files == directory.files.end()) {
+            continue;
+        }
+        // A file without a revision in its name can be of any revision.
+        const auto& byRevision = files->second;
+        if (const auto exact = byRevision.find(revision); exact != byRevision.end()) {
+            return exact->second;
+        }
+        if (const auto plain = byRevision.find(""); plain != byRevision.end()) {
+            return plain->second;
+        }
+        if (revision.empty()) {
+            return byRevision.rbegin()->second;
+        }
+    }
+    return std::nullopt;
+}
+
+}

@@ -1,0 +1,277 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SchemaWalker.h"
+
+#include "yang/StatementPlacement.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+constexpr std::string_view kTransparent = "attributes";
+
+const lysc_node* keyOf(const lysc_node* list) {
+    const lysc_node* child = lysc_node_child(list);
+    return child != nullptr && lysc_is_key(child) ? child : nullptr;
+}
+
+bool hasOneKey(const lysc_node* list) {
+    const lysc_node* key = keyOf(list);
+    return key != nullptr && (key->next == nullptr || !lysc_is_key(key->next));
+}
+
+/// A list of several keys has no one attribute that names its entries, so they are no objects.
+bool isClass(const lysc_node* node) {
+    return node->nodetype == LYS_LIST && hasOneKey(node) && !hasStatement(node, "struct");
+}
+
+bool isTransparentInClass(const lysc_node* node) {
+    return node->nodetype == LYS_CONTAINER && node->name == kTransparent &&
+           (node->flags & LYS_PRESENCE) == 0;
+}
+
+Bounds instancesOf(const lysc_node* list) {
+    const auto* node = reinterpret_cast<const lysc_node_list*>(list);
+    return {node->min, node->max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(node->max)};
+}
+
+bool isCallable(const lysc_node* node) {
+    return (node->nodetype & (LYS_RPC | LYS_ACTION)) != 0;
+}
+
+}
+
+SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+                           YangSchema& schema, ModelNotes& notes)
+    : mContext(std::move(context)),
+      mFinder(finder),
+      mLocator(finder),
+      mSchema(schema),
+      mNotes(notes),
+      mAssociations(mLocator),
+      mAttributes(mContext, mLocator, mAssociations, mNotes) {}
+
+void SchemaWalker::walk() {
+    const std::vector<const lys_module*> modules = mContext->implementedModules();
+    for (const auto& [name, text] : mFinder.found()) {
+        for (ModelProblem& problem : misplacedStatements(text)) {
+            mProblems.push_back(std::move(problem));
+        }
+    }
+    // What modules say of attributes must be known before the attributes are read.
+    for (const lys_module* module : modules) {
+        mAssociations.readModule(module);
+    }
+    for (const lys_module* module : modules) {
+        walkTop(nullptr, module, {});
+    }
+}
+
+void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
+                           const std::vector<const lysc_node*>& wrappers) {
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, parent, parent == nullptr ? module->compiled : nullptr, 0)) !=
+           nullptr) {
+        if (isClass(node)) {
+            walkObject(node, nullptr, wrappers);
+        } else if (node->nodetype == LYS_CONTAINER) {
+            mSchema.addTransparent(node);
+            mAttributes.noteConditions(node);
+            std::vector<const lysc_node*> inner = wrappers;
+            inner.push_back(node);
+            walkTop(node, module, inner);
+        } else {
+            mNotes.count("what stands outside of any class is not part of the model",
+                         mLocator.of(node), pathOf(node));
+        }
+    }
+}
+
+SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
+    mModulesOf[list->name].insert(list->module->name);
+    const auto known = mClassByName.find(list->name);
+    if (known != mClassByName.end()) {
+        Class& moc = *known->second;
+        const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
+        if (!isSame) {
+            mProblems.push_back(
+                {mLocator.of(list),
+                 "class \"" + std::string(list->name) + "\" of module \"" + list->module->name +
+                     "\" has the name of a class of module \"" + moc.first->module->name +
+                     "\"; the steps of a DN name a class by its name alone, so it must be the only "
+                     "one"});
+        }
+        const Bounds more = instancesOf(list);
+        Bounds& instances = moc.spec.def.instances;
+        instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
+        return moc;
+    }
+    const Bounds instances = instancesOf(list);
+    ClassSpec spec(list->name);
+    spec.instances(instances.lower, instances.upper)
+        .described(list->dsc != nullptr ? list->dsc : "")
+        .at(mLocator.of(list));
+    spec.def.namingAttribute = keyOf(list)->name;
+    mClasses.push_back(std::make_unique<Class>(Class{std::move(spec), list}));
+    mClassByName.emplace(list->name, mClasses.back().get());
+    return *mClasses.back();
+}
+
+void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
+                              const std::vector<const lysc_node*>& wrappers) {
+    mAttributes.noteConditions(list);
+    Class& moc = enterClass(list);
+    if (parent == nullptr) {
+        moc.spec.topLevel();
+    } else {
+        mContainments.push_back({parent->className, list->name, mLocator.of(list)});
+    }
+    ObjectShape shape;
+    shape.className = list->name;
+    shape.list = list;
+    shape.key = keyOf(list);
+    shape.wrappers = wrappers;
+    ObjectShape& added = mSchema.addObject(parent, std::move(shape));
+    walkContents(list, nullptr, moc, added);
+    walkActions(list, moc);
+}
+
+void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrapper, Class& moc,
+                                ObjectShape& shape) {
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, parent, nullptr, 0)) != nullptr) {
+        if (isCallable(node)) {
+            continue; // see walkActions
+        }
+        if (wrapper == nullptr && isClass(node)) {
+            walkObject(node, &shape, {});
+        } else if (wrapper == nullptr && isTransparentInClass(node)) {
+            mSchema.addTransparent(node);
+            mAttributes.noteConditions(node);
+            walkContents(node, node, moc, shape);
+        } else {
+            addAttribute(node, wrapper, moc, shape);
+        }
+    }
+}
+
+void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                                ObjectShape& shape) {
+    const bool isFirst =
+        std::none_of(moc.spec.attributes.begin(), moc.spec.attributes.end(),
+                     [node](const AttributeSpec& known) { return known.def.name == node->name; });
+    std::optional<AttributeReader::Attribute> attribute =
+        mAttributes.readAttribute(node, moc.spec.def.name, isFirst);
+    if (attribute) {
+        uniteAttribute(std::move(*attribute), wrapper, moc, shape);
+    }
+}
+
+void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper,
+                                  Class& moc, ObjectShape& shape) {
+    std::vector<AttributeSpec>& attributes = moc.spec.attributes;
+    const std::string& name = attribute.spec.def.name;
+    const auto known =
+        std::find_if(attributes.begin(), attributes.end(),
+                     [&name](const AttributeSpec& other) { return other.def.name == name; });
+    const bool isHere = name == shape.key->name && attribute.shape.node != shape.key;
+    const auto twice =
+        std::find_if(shape.attributes.begin(), shape.attributes.end(),
+                     [&name](const ValueShape& other) { return other.name == name; });
+    if (isHere || twice != shape.attributes.end()) {
+        mNotes.add(attribute.spec.def.source,
+                   "class \"" + moc.spec.def.name + "\" has an attribute \"" + name +
+                       "\" already; the second one, at " + pathOf(attribute.shape.node) +
+                       ", is not part of the model");
+        return;
+    }
+    if (known != attributes.end() && known->def.type.kind != attribute.spec.def.type.kind) {
+        mNotes.add(attribute.spec.def.source, "attribute \"" + name + "\" of class \"" +
+                                                  moc.spec.def.name + "\" has another type at " +
+                                                  pathOf(attribute.shape.node) +
+                                                  "; there it is not part of the model");
+        return;
+    }
+    if (attribute.shape.node != shape.key) {
+        attribute.shape.wrapper = wrapper;
+        shape.attributes.push_back(std::move(attribute.shape));
+    }
+    if (known == attributes.end()) {
+        attributes.push_back(std::move(attribute.spec));
+    }
+}
+
+void SchemaWalker::walkActions(const lysc_node* list, Class& moc) {
+    for (const lysc_node_action* action = lysc_node_actions(list); action != nullptr;
+         action = action->next) {
+        const auto isKnown = [action](const ActionSpec& known) {
+            return known.name == action->name;
+        };
+        if (std::none_of(moc.spec.actions.begin(), moc.spec.actions.end(), isKnown)) {
+            moc.spec.action(readAction(action));
+        }
+    }
+}
+
+ActionSpec SchemaWalker::readAction(const lysc_node_action* action) {
+    ActionSpec spec(action->name);
+    spec.described(action->dsc != nullptr ? action->dsc : "");
+    spec.parameters = readParameters(&action->input.node);
+    readResult(action, spec);
+    return spec;
+}
+
+/// An action gives one value: what is more is gathered in a struct.
+void SchemaWalker::readResult(const lysc_node_action* action, ActionSpec& spec) {
+    std::vector<AttributeSpec> results = readParameters(&action->output.node);
+    if (results.size() == 1) {
+        spec.result(std::move(results.front()));
+    } else if (!results.empty()) {
+        AttributeSpec whole = AttributeSpec::structure("output", std::move(results));
+        spec.result(whole.mandatory().at(mLocator.of(&action->node)));
+    }
+}
+
+std::vector<AttributeSpec> SchemaWalker::readParameters(const lysc_node* inout) {
+    std::vector<AttributeSpec> parameters;
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
+        std::optional<AttributeSpec> parameter = mAttributes.readParameter(node);
+        if (parameter) {
+            parameters.push_back(std::move(*parameter));
+        }
+    }
+    return parameters;
+}
+
+Model SchemaWalker::build() {
+    ModelBuilder builder;
+    for (const std::unique_ptr<Class>& moc : mClasses) {
+        builder.add(std::move(moc->spec));
+    }
+    for (ContainmentSpec& containment : mContainments) {
+        builder.contain(std::move(containment.parent), std::move(containment.child),
+                        std::move(containment.source));
+    }
+    mAssociations.addTo(builder, mModulesOf);
+    for (ModelProblem& problem : mAssociations.takeProblems()) {
+        mProblems.push_back(std::move(problem));
+    }
+    try {
+        Model model = builder.build();
+        if (mProblems.empty()) {
+            mSchema.complete(model);
+            return model;
+        }
+    } catch (const ModelError& error) {
+        mProblems.insert(mProblems.end(), error.problems().begin(), error.problems().end());
+    }
+    throw ModelError(std::move(mProblems));
+}
+
+}

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_SCHEMAWALKER_H
+#define ORV_HOST_YANG_SCHEMAWALKER_H
+
+#include "model/ModelBuilder.h"
+#include "yang/AssociationReader.h"
+#include "yang/AttributeReader.h"
+#include "yang/ModelNotes.h"
+#include "yang/SourceLocator.h"
+#include "yang/YangContext.h"
+#include "yang/YangSchema.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// Walks the compiled modules and gathers classes, attributes, actions and associations. One class
+/// can stand at many places: what the places say of it is united.
+class SchemaWalker {
+public:
+    SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+                 YangSchema& schema, ModelNotes& notes);
+
+    void walk();
+
+    /// The model of all that was met; completes the schema.
+    /// \throws ModelError with all that is wrong
+    Model build();
+
+private:
+    struct Class {
+        ClassSpec spec;
+        const lysc_node* first; ///< the place that was met first
+    };
+
+    void walkTop(const lysc_node* parent, const lys_module* module,
+                 const std::vector<const lysc_node*>& wrappers);
+    void walkObject(const lysc_node* list, ObjectShape* parent,
+                    const std::vector<const lysc_node*>& wrappers);
+    void walkContents(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                      ObjectShape& shape);
+    void walkActions(const lysc_node* list, Class& moc);
+    Class& enterClass(const lysc_node* list);
+    void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                      ObjectShape& shape);
+    void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
+                        ObjectShape& shape);
+    ActionSpec readAction(const lysc_node_action* action);
+    void readResult(const lysc_node_action* action, ActionSpec& spec);
+    std::vector<AttributeSpec> readParameters(const lysc_node* inout);
+
+    std::shared_ptr<const YangContext> mContext;
+    const ModuleFinder& mFinder;
+    SourceLocator mLocator;
+    YangSchema& mSchema;
+    ModelNotes& mNotes;
+    AssociationReader mAssociations;
+    AttributeReader mAttributes;
+    std::vector<std::unique_ptr<Class>> mClasses;
+    std::map<std::string, Class*> mClassByName;
+    std::map<std::string, std::set<std::string>> mModulesOf;
+    std::vector<ContainmentSpec> mContainments;
+    std::vector<ModelProblem> mProblems;
+};
+
+}
+
+#endif

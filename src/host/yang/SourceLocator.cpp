@@ -1,0 +1,98 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SourceLocator.h"
+
+#include <array>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+std::string keywordOf(std::uint16_t nodetype) {
+    constexpr std::array<std::pair<std::uint16_t, const char*>, 15> kKeywords = {
+        {{LYS_CONTAINER, "container"},
+         {LYS_CHOICE, "choice"},
+         {LYS_LEAF, "leaf"},
+         {LYS_LEAFLIST, "leaf-list"},
+         {LYS_LIST, "list"},
+         {LYS_ANYXML, "anyxml"},
+         {LYS_ANYDATA, "anydata"},
+         {LYS_CASE, "case"},
+         {LYS_RPC, "rpc"},
+         {LYS_ACTION, "action"},
+         {LYS_NOTIF, "notification"},
+         {LYS_USES, "uses"},
+         {LYS_GROUPING, "grouping"},
+         {LYS_AUGMENT, "augment"},
+         {LYS_INPUT, "input"}}};
+    for (const auto& [type, keyword] : kKeywords) {
+        if (type == nodetype) {
+            return keyword;
+        }
+    }
+    return "output";
+}
+
+/// The path under which YangText knows the definition.
+std::string definitionPath(const lysp_node* node) {
+    std::string path;
+    for (; node != nullptr; node = node->parent) {
+        std::string own = keywordOf(node->nodetype);
+        if ((node->nodetype & (LYS_INPUT | LYS_OUTPUT)) == 0) {
+            own += std::string(" ") + node->name;
+        }
+        path = path.empty() ? own : own + "/" + path;
+    }
+    return path;
+}
+
+}
+
+SourcePosition SourceLocator::find(const std::string& module, const std::string& path) const {
+    const auto own = mFinder.found().find(module);
+    if (own == mFinder.found().end()) {
+        return {};
+    }
+    if (const int line = own->second.statements.lineOf(path); line > 0) {
+        return {own->second.file, line};
+    }
+    // It came from a submodule or from a grouping of another module.
+    for (const auto& [name, text] : mFinder.found()) {
+        if (const int line = text.statements.lineOf(path); line > 0) {
+            return {text.file, line};
+        }
+    }
+    return {own->second.file, 0};
+}
+
+SourcePosition SourceLocator::of(const lysc_node* node) const {
+    return find(node->module->name, definitionPath(static_cast<const lysp_node*>(node->priv)));
+}
+
+SourcePosition SourceLocator::of(const lysc_node* node, const std::string& statement,
+                                 const std::string& argument) const {
+    const std::string path = definitionPath(static_cast<const lysp_node*>(node->priv));
+    const SourcePosition exact = find(node->module->name, path + "/" + statement + " " + argument);
+    return exact.line > 0 ? exact : of(node);
+}
+
+SourcePosition SourceLocator::of(const lys_module* module, const std::string& statement,
+                                 const std::string& argument) const {
+    return find(module->name, statement + " " + argument);
+}
+
+std::string pathOf(const lysc_node* node) {
+    std::string path;
+    for (; node != nullptr; node = node->parent) {
+        if ((node->nodetype & (LYS_CHOICE | LYS_CASE)) != 0) {
+            continue;
+        }
+        const bool isFirst = node->parent == nullptr;
+        const std::string module = isFirst ? std::string(node->module->name) + ":" : "";
+        path = "/" + module + node->name + path;
+    }
+    return path;
+}
+
+}

@@ -1,0 +1,199 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "YangText.h"
+
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+/// A word, a quoted text, or one of the characters that structure the text.
+struct Token {
+    enum Kind { End, Word, Quoted, Open, Close, Semicolon, Plus } kind = End;
+    std::string text;
+    int line = 0;
+};
+
+/// Cuts the text into tokens.
+class Lexer {
+public:
+    explicit Lexer(std::string_view text) : mText(text) {}
+
+    Token next() {
+        skipBlanks();
+        Token token;
+        token.line = mLine;
+        if (atEnd()) {
+            return token;
+        }
+        const char first = mText[mPosition];
+        if (first == '"' || first == '\'') {
+            return quoted(token, first);
+        }
+        if (const Token::Kind kind = structural(first); kind != Token::End) {
+            take();
+            token.kind = kind;
+            return token;
+        }
+        return word(token);
+    }
+
+private:
+    bool atEnd() const { return mPosition >= mText.size(); }
+    bool startsWith(std::string_view text) const {
+        return mText.substr(mPosition, text.size()) == text;
+    }
+
+    char take() {
+        const char taken = mText[mPosition++];
+        mLine += taken == '\n' ? 1 : 0;
+        return taken;
+    }
+
+    void skipTo(std::string_view end) {
+        while (!atEnd() && !startsWith(end)) {
+            take();
+        }
+        mPosition = std::min(mPosition + end.size(), mText.size());
+    }
+
+    static bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+    void skipBlanks() {
+        while (!atEnd()) {
+            if (startsWith("//")) {
+                while (!atEnd() && mText[mPosition] != '\n') {
+                    take();
+                }
+            } else if (startsWith("/*")) {
+                skipTo("*/");
+            } else if (isBlank(mText[mPosition])) {
+                take();
+            } else {
+                return;
+            }
+        }
+    }
+
+    static Token::Kind structural(char c) {
+        switch (c) {
+        case '{':
+            return Token::Open;
+        case '}':
+            return Token::Close;
+        case ';':
+            return Token::Semicolon;
+        case '+':
+            return Token::Plus;
+        default:
+            return Token::End;
+        }
+    }
+
+    Token quoted(Token token, char quote) {
+        token.kind = Token::Quoted;
+        take();
+        while (!atEnd() && mText[mPosition] != quote) {
+            const char taken = take();
+            const bool escapes = quote == '"' && taken == '\\' && !atEnd();
+            token.text += escapes ? take() : taken;
+        }
+        if (!atEnd()) {
+            take();
+        }
+        return token;
+    }
+
+    Token word(Token token) {
+        token.kind = Token::Word;
+        while (!atEnd() && !isBlank(mText[mPosition]) && mText[mPosition] != '{' &&
+               mText[mPosition] != '}' && mText[mPosition] != ';') {
+            token.text += take();
+        }
+        return token;
+    }
+
+    std::string_view mText;
+    std::size_t mPosition = 0;
+    int mLine = 1;
+};
+
+}
+
+std::string_view withoutPrefix(std::string_view keyword) {
+    const std::size_t colon = keyword.find(':');
+    return colon == std::string_view::npos ? keyword : keyword.substr(colon + 1);
+}
+
+YangText::YangText(std::string_view text) {
+    Lexer lexer(text);
+    std::vector<std::size_t> open;
+    bool inStatement = false; // false: the next word is a keyword
+    for (Token token = lexer.next(); token.kind != Token::End; token = lexer.next()) {
+        if (token.kind == Token::Close) {
+            inStatement = false;
+            if (!open.empty()) {
+                open.pop_back();
+            }
+        } else if (token.kind == Token::Semicolon) {
+            inStatement = false;
+        } else if (token.kind == Token::Open) {
+            inStatement = false;
+            open.push_back(mStatements.empty() ? kNone : mStatements.size() - 1);
+        } else if (!inStatement) {
+            inStatement = true;
+            mStatements.push_back({token.text, "", token.line, open.empty() ? kNone : open.back()});
+        } else if (token.kind != Token::Plus) {
+            mStatements.back().argument += token.text;
+        }
+    }
+    for (const Statement& statement : mStatements) {
+        mPaths.push_back(pathOf(statement));
+        mLineByPath.emplace(mPaths.back(), statement.line);
+    }
+}
+
+std::string YangText::pathOf(const Statement& statement) const {
+    std::string own(withoutPrefix(statement.keyword));
+    if (!statement.argument.empty()) {
+        own += " " + statement.argument;
+    }
+    // The module itself is left out: its contents are found by their own names.
+    const bool hasPath = statement.parent != kNone && mStatements[statement.parent].parent != kNone;
+    return hasPath ? mPaths[statement.parent] + "/" + own : own;
+}
+
+int YangText::lineOf(const std::string& path) const {
+    const auto found = mLineByPath.find(path);
+    return found == mLineByPath.end() ? 0 : found->second;
+}
+
+int YangText::lineOfFirst(std::string_view keyword, std::string_view argument) const {
+    for (const Statement& statement : mStatements) {
+        if (withoutPrefix(statement.keyword) == keyword && statement.argument == argument) {
+            return statement.line;
+        }
+    }
+    return 0;
+}
+
+const YangText::Statement& YangText::top() const {
+    static const Statement none;
+    return mStatements.empty() ? none : mStatements.front();
+}
+
+std::string YangText::prefixOf(std::string_view importedModule) const {
+    for (const Statement& statement : mStatements) {
+        if (statement.keyword != "prefix" || statement.parent == kNone) {
+            continue;
+        }
+        const Statement& parent = mStatements[statement.parent];
+        if (parent.keyword == "import" && parent.argument == importedModule) {
+            return statement.argument;
+        }
+    }
+    return "";
+}
+
+}

@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_YANGTEXT_H
+#define ORV_HOST_YANG_YANGTEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+/// The statements of a YANG module as text, to find the line of a definition: the YANG library does
+/// not keep it. Understands the grammar's surface only (words, quoted texts, blocks, comments) and
+/// takes whatever it is given: the YANG library tells what is malformed.
+///
+/// Immutable after construction.
+class YangText {
+public:
+    struct Statement {
+        std::string keyword; ///< as written, with its prefix
+        std::string argument;
+        int line = 0;
+        std::size_t parent = kNone; ///< position in statements()
+    };
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    explicit YangText(std::string_view text);
+
+    const std::vector<Statement>& statements() const { return mStatements; }
+
+    /// The line of the statement with that path below the module: "list Site/leaf name". An
+    /// extension's statement is told without its prefix. 0: there is none.
+    int lineOf(const std::string& path) const;
+
+    /// The line of the first statement with that keyword, without prefix, and argument; or 0.
+    int lineOfFirst(std::string_view keyword, std::string_view argument) const;
+
+    /// Keyword and argument of the outermost statement; empty texts if there is none.
+    const Statement& top() const;
+
+    /// The prefix under which the module imports that other module; empty if it does not.
+    std::string prefixOf(std::string_view importedModule) const;
+
+private:
+    void append(Statement statement);
+    std::string pathOf(const Statement& statement) const;
+
+    std::vector<Statement> mStatements;
+    std::vector<std::string> mPaths; ///< of the statement at the same position
+    std::unordered_map<std::string, int> mLineByPath;
+};
+
+/// `keyword` without its prefix.
+std::string_view withoutPrefix(std::string_view keyword);
+
+}
+
+#endif
