@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "TransactionData.h"
+
+#include "OrvReturn.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+using OrvExtCmRouterService::TransactionData;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+namespace {
+
+std::vector<std::pair<unsigned long, OrvOamSpiTransactionalResource_2*>> joins;
+OrvReturnT joinAnswer = OrvOk;
+bool joinThrows = false;
+std::vector<int> destroyed;
+
+OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource) {
+    joins.emplace_back(txHandle, resource);
+    if (joinThrows) {
+        throw std::runtime_error("join");
+    }
+    return joinAnswer;
+}
+
+// Tells when the memory that owns it goes.
+struct Witness {
+    explicit Witness(int number) : id(number) {}
+    Witness(const Witness&) = delete;
+    Witness& operator=(const Witness&) = delete;
+    ~Witness() { destroyed.push_back(id); }
+    int id;
+};
+
+class TransactionDataTest : public testing::Test {
+protected:
+    TransactionDataTest() {
+        joins.clear();
+        destroyed.clear();
+        joinAnswer = OrvOk;
+        joinThrows = false;
+        data.transaction = &table;
+    }
+
+    OrvOamSpiTransaction_1 table{{}, &join};
+    OrvOamSpiTransactionalResource_2 resource{};
+    TransactionData data{&resource};
+};
+
+}
+
+TEST_F(TransactionDataTest, New_HasNoTableAndNoTransactions) {
+    const TransactionData fresh(&resource);
+    EXPECT_EQ(fresh.transaction, nullptr);
+    EXPECT_EQ(fresh.resource, &resource);
+    EXPECT_THAT(fresh.memoryByTx, IsEmpty());
+}
+
+TEST_F(TransactionDataTest, GetTxData_SameHandleTwice_OneObjectAndOneJoin) {
+    Orv::AutoMemory* const memory = data.getTxData(7);
+    ASSERT_NE(memory, nullptr);
+    EXPECT_EQ(data.getTxData(7), memory);
+    EXPECT_THAT(joins, ElementsAre(Pair(7, &resource)));
+}
+
+TEST_F(TransactionDataTest, GetTxData_TwoHandles_TwoObjectsAndTwoJoinsOfOneResource) {
+    EXPECT_NE(data.getTxData(0), data.getTxData(~0UL));
+    EXPECT_THAT(joins, testing::UnorderedElementsAre(Pair(0, &resource), Pair(~0UL, &resource)));
+    EXPECT_EQ(data.memoryByTx.size(), 2U);
+}
+
+TEST_F(TransactionDataTest, GetTxData_HostRefuses_IsNotLookedAt) {
+    joinAnswer = -5;
+    Orv::AutoMemory* const memory = data.getTxData(1);
+    EXPECT_NE(memory, nullptr);
+    EXPECT_EQ(data.getTxData(1), memory);
+    EXPECT_EQ(joins.size(), 1U);
+}
+
+TEST_F(TransactionDataTest, GetTxData_JoinThrows_LeavesTheEntryAndDoesNotJoinAgain) {
+    joinThrows = true;
+    EXPECT_THROW(data.getTxData(1), std::runtime_error);
+    joinThrows = false;
+    EXPECT_NE(data.getTxData(1), nullptr);
+    EXPECT_EQ(joins.size(), 1U);
+}
+
+// The lock is free again after an exception: another thread may go on.
+TEST_F(TransactionDataTest, GetTxData_JoinThrows_LetsGoOfTheLock) {
+    joinThrows = true;
+    EXPECT_THROW(data.getTxData(1), std::runtime_error);
+    EXPECT_TRUE(data.mMutex.tryLock());
+    data.mMutex.unlock();
+}
+
+TEST_F(TransactionDataTest, GetTxData_AfterRemoval_JoinsAgain) {
+    data.getTxData(1);
+    delete data.memoryByTx.at(1);
+    data.memoryByTx.erase(1);
+    data.getTxData(1);
+    EXPECT_EQ(joins.size(), 2U);
+}
+
+TEST_F(TransactionDataTest, Sweep_DropsAllInTheOrderOfTheirHandlesAndTheTable) {
+    for (const int handle : {3, 1, 2}) {
+        data.getTxData(static_cast<unsigned long>(handle))->own(new Witness(handle));
+    }
+    data.sweep();
+    EXPECT_THAT(destroyed, ElementsAre(1, 2, 3));
+    EXPECT_THAT(data.memoryByTx, IsEmpty());
+    EXPECT_EQ(data.transaction, nullptr);
+}
+
+TEST_F(TransactionDataTest, Destruction_DropsAllInTheOrderOfTheirHandles) {
+    {
+        TransactionData shortLived(&resource);
+        shortLived.transaction = &table;
+        for (const int handle : {9, 4}) {
+            shortLived.getTxData(static_cast<unsigned long>(handle))->own(new Witness(handle));
+        }
+    }
+    EXPECT_THAT(destroyed, ElementsAre(4, 9));
+}
