@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_CHILDWALK_H
+#define ORV_HOST_CLI_CHILDWALK_H
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Session;
+struct ClassDef;
+
+/// Which classes to ask for when children of an object are counted or walked: the tables take one
+/// class at a time, and the model knows which there are.
+class ChildWalk {
+public:
+    /// \p dn is external; empty: the top level. With \p oneClass only that one, whether the model
+    /// knows it or not: it is the component that answers. Without it, throws OperationError if
+    /// there is no object \p dn.
+    ChildWalk(Session& session, std::string dn, const std::optional<std::string>& oneClass);
+
+    const std::vector<std::string>& classes() const { return mClasses; }
+
+    /// What is done with each child; false ends the walk.
+    using Visit = std::function<bool(const std::string& className, const std::string& name)>;
+
+    /// Walks the children, class after class.
+    void forEach(unsigned long txHandle, const Visit& visit) const;
+
+private:
+    void requireObject() const;
+
+    Session& mSession;
+    std::string mDn;
+    std::vector<std::string> mClasses;
+};
+
+}
+
+#endif

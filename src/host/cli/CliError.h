@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_CLIERROR_H
+#define ORV_HOST_CLI_CLIERROR_H
+
+#include "OrvReturn.h"
+#include "store/ThreadContext.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// What the process ends with.
+enum ExitStatus : int {
+    ExitOk = 0,           ///< every command was answered
+    ExitCommandError = 1, ///< a command was answered with an error
+    ExitUsage = 2,        ///< an option, a command or its words cannot be understood
+    ExitLoad = 3          ///< a model, data or a component could not be taken in
+};
+
+/// Words that cannot be understood.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A question about something that is not there, answered without the component.
+class AnswerError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Something that is loaded before the first command cannot be used.
+class LoadError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What an operation was asked about, as the client told it.
+struct OperationSubject {
+    std::string operation; ///< name of the table's slot
+    std::string dn;        ///< external
+    std::string className; ///< empty where the operation takes none
+    std::vector<std::string> attributes;
+};
+
+/// A code that is not OrvOk from one of the component's tables.
+class OperationError : public std::runtime_error {
+public:
+    OperationError(OrvReturnT code, OperationSubject subject,
+                   std::vector<ThreadContext::Message> messages)
+        : std::runtime_error(subject.operation),
+          mCode(code),
+          mSubject(std::move(subject)),
+          mMessages(std::move(messages)) {}
+
+    OrvReturnT code() const { return mCode; }
+    const OperationSubject& subject() const { return mSubject; }
+    /// What waited in the thread context when the code came.
+    const std::vector<ThreadContext::Message>& messages() const { return mMessages; }
+
+private:
+    OrvReturnT mCode;
+    OperationSubject mSubject;
+    std::vector<ThreadContext::Message> mMessages;
+};
+
+}
+
+#endif

@@ -1,0 +1,154 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Client.h"
+
+#include "runtime/Host.h"
+#include "runtime/InterfaceIdentity.h"
+
+namespace OrvHost {
+
+namespace {
+
+constexpr VekMgmtSpiInterface_1 kTable3{"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject",
+                                        "3"};
+
+/// Owns the result of a successful read of one attribute.
+class OwnedValue {
+public:
+    explicit OwnedValue(OrvMoAttributeValueResult_3 result) : mResult(result) {}
+    OwnedValue(const OwnedValue&) = delete;
+    OwnedValue& operator=(const OwnedValue&) = delete;
+    ~OwnedValue() {
+        if (mResult.release != nullptr && mResult.container != nullptr) {
+            mResult.release(mResult.container);
+        }
+    }
+
+private:
+    OrvMoAttributeValueResult_3 mResult;
+};
+
+/// Owns the result of a successful read of several attributes.
+class OwnedValues {
+public:
+    explicit OwnedValues(OrvMoAttributeValuesResult_3 result) : mResult(result) {}
+    OwnedValues(const OwnedValues&) = delete;
+    OwnedValues& operator=(const OwnedValues&) = delete;
+    ~OwnedValues() {
+        if (mResult.release != nullptr) {
+            mResult.release(mResult.containers);
+        }
+    }
+
+private:
+    OrvMoAttributeValuesResult_3 mResult;
+};
+
+/// Says that the client is done with an iterator.
+class OpenIterator {
+public:
+    OpenIterator(OrvOamSpiManagedObject_3* table, unsigned long long handle)
+        : mTable(table), mHandle(handle) {}
+    OpenIterator(const OpenIterator&) = delete;
+    OpenIterator& operator=(const OpenIterator&) = delete;
+    ~OpenIterator() { mTable->finalizeMoIterator(mHandle); }
+
+private:
+    OrvOamSpiManagedObject_3* mTable;
+    unsigned long long mHandle;
+};
+
+const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
+    return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
+}
+
+std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
+    std::vector<const char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
+        pointers.push_back(text.c_str());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+}
+
+Client::Client(Host& host) : mHost(host), mTable(host.find<OrvOamSpiManagedObject_3>(kTable3)) {
+    if (mTable == nullptr) {
+        throw LoadError("no started component offers " + identityText(kTable3));
+    }
+}
+
+bool Client::exists(unsigned long txHandle, const std::string& dn) {
+    bool exists = false;
+    check(mTable->existsMo(txHandle, dn.c_str(), &exists), {"existsMo", dn, {}, {}});
+    return exists;
+}
+
+unsigned long long Client::count(unsigned long txHandle, const std::string& dn,
+                                 const std::string& className) {
+    unsigned long long count = 0;
+    check(mTable->countMoChildren(txHandle, dn.c_str(), className.c_str(), &count),
+          {"countMoChildren", dn, className, {}});
+    return count;
+}
+
+JsonValue Client::get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
+                      const ClassDef* moc) {
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
+          {"getMoAttribute", dn, {}, {attribute}});
+    const OwnedValue owned(result);
+    return toJson(result.container, definitionOf(moc, attribute));
+}
+
+JsonValue Client::get(unsigned long txHandle, const std::string& dn,
+                      const std::vector<std::string>& attributes, const ClassDef* moc) {
+    std::vector<const char*> names = nullTerminated(attributes);
+    OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
+    check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
+          {"getMoAttributes", dn, {}, attributes});
+    const OwnedValues owned(result);
+    JsonValue values = JsonValue::object();
+    OrvMoAttributeValueContainer_3** container = result.containers;
+    for (const std::string& attribute : attributes) {
+        if (container == nullptr || *container == nullptr) {
+            break;
+        }
+        values[attribute] = toJson(*container++, definitionOf(moc, attribute));
+    }
+    return values;
+}
+
+void Client::forEachChild(unsigned long txHandle, const std::string& dn,
+                          const std::string& className, const Visit& visit) {
+    unsigned long long handle = 0;
+    check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
+          {"newMoIterator", dn, className, {}});
+    const OpenIterator iterator(mTable, handle);
+    for (;;) {
+        char* name = nullptr;
+        check(mTable->nextMo(handle, &name), {"nextMo", dn, className, {}});
+        if (name == nullptr || !visit(name)) {
+            return;
+        }
+    }
+}
+
+// Messages of calls that succeeded are nothing to a person: a component may have asked the router
+// on its own account and coped with the answer.
+void Client::check(OrvReturnT code, OperationSubject subject) {
+    std::vector<ThreadContext::Message> messages = mHost.threadContext().take();
+    if (code != OrvOk) {
+        throw OperationError(code, std::move(subject), std::move(messages));
+    }
+}
+
+std::string childOf(const std::string& parent, const std::string& className,
+                    const std::string& name) {
+    return (parent.empty() ? "" : parent + ",") + className + "=" + name;
+}
+
+}

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CommandTable.h"
+
+#include "CliError.h"
+#include "Suggestion.h"
+#include "commands/ComponentsCommand.h"
+#include "commands/CountCommand.h"
+#include "commands/ExistsCommand.h"
+#include "commands/GetCommand.h"
+#include "commands/HelpCommand.h"
+#include "commands/ListCommand.h"
+#include "commands/LogCommand.h"
+#include "commands/ModelCommand.h"
+#include "commands/QuitCommand.h"
+#include "commands/TreeCommand.h"
+
+namespace OrvHost {
+
+CommandTable::CommandTable() {
+    mCommands.push_back(std::make_unique<ExistsCommand>());
+    mCommands.push_back(std::make_unique<CountCommand>());
+    mCommands.push_back(std::make_unique<GetCommand>());
+    mCommands.push_back(std::make_unique<ListCommand>());
+    mCommands.push_back(std::make_unique<TreeCommand>());
+    mCommands.push_back(std::make_unique<ModelCommand>());
+    mCommands.push_back(std::make_unique<ComponentsCommand>());
+    mCommands.push_back(std::make_unique<LogCommand>());
+    mCommands.push_back(std::make_unique<HelpCommand>(*this));
+    mCommands.push_back(std::make_unique<QuitCommand>());
+}
+
+std::vector<std::string> CommandTable::names() const {
+    std::vector<std::string> names;
+    for (const auto& command : mCommands) {
+        names.push_back(command->info().name);
+    }
+    return names;
+}
+
+Command* CommandTable::find(const std::string& name) const {
+    for (const auto& command : mCommands) {
+        if (command->info().name == name) {
+            return command.get();
+        }
+    }
+    return nullptr;
+}
+
+Command& CommandTable::require(const std::string& name) const {
+    Command* command = find(name);
+    if (command == nullptr) {
+        throw UsageError("there is no command '" + name + "'." + didYouMean(name, names()) +
+                         " 'help' tells all");
+    }
+    return *command;
+}
+
+}

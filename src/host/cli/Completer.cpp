@@ -1,0 +1,140 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Completer.h"
+
+#include "CommandTable.h"
+#include "Diagnosis.h"
+#include "Session.h"
+#include "WordSplitter.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr std::size_t kMostObjects = 200;
+
+bool beginsWith(const std::string& text, const std::string& beginning) {
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+std::vector<std::string> behind(const std::string& prefix, const std::vector<std::string>& names,
+                                const std::string& suffix) {
+    std::vector<std::string> result;
+    for (const std::string& name : names) {
+        result.push_back(prefix + name + suffix);
+    }
+    return result;
+}
+
+std::vector<std::string> classNames(const Model& model) {
+    std::vector<std::string> names;
+    for (const ClassDef& moc : model.classes) {
+        names.push_back(moc.name);
+    }
+    return names;
+}
+
+}
+
+std::string commonPrefix(const std::vector<std::string>& words) {
+    if (words.empty()) {
+        return {};
+    }
+    std::string prefix = words.front();
+    for (const std::string& word : words) {
+        const auto differ =
+            std::mismatch(prefix.begin(), prefix.end(), word.begin(), word.end()).first;
+        prefix.erase(differ, prefix.end());
+    }
+    return prefix;
+}
+
+Completion Completer::complete(const std::string& line) {
+    SplitLine split = splitWords(line);
+    if (!split.endsInWord) {
+        split.words.emplace_back();
+        split.starts.push_back(line.size());
+    }
+    Completion completion{split.starts.back(), {}};
+    try {
+        completion.candidates = candidates(split.words);
+    } catch (const std::exception&) {
+        return {split.starts.back(), {}};
+    }
+    auto& all = completion.candidates;
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [&](const std::string& candidate) {
+                                 return !beginsWith(candidate, split.words.back());
+                             }),
+              all.end());
+    return completion;
+}
+
+std::vector<std::string> Completer::candidates(const std::vector<std::string>& words) {
+    if (words.size() == 1) {
+        return mCommands.names();
+    }
+    const Command* command = mCommands.find(words.front());
+    if (command == nullptr) {
+        return {};
+    }
+    const CommandInfo& info = command->info();
+    if (beginsWith(words.back(), "-")) {
+        return info.options;
+    }
+    if (info.words.empty()) {
+        return {};
+    }
+    const std::size_t position = std::min(words.size() - 2, info.words.size() - 1);
+    return candidatesOf(info.words[position], words[1], words.back());
+}
+
+std::vector<std::string> Completer::candidatesOf(WordKind kind, const std::string& dn,
+                                                 const std::string& word) {
+    const Diagnosis diagnosis(mSession);
+    const ClassDef* moc = diagnosis.classOf(dn);
+    switch (kind) {
+    case WordKind::Dn:
+        return dns(word);
+    case WordKind::ChildClass:
+        return diagnosis.childClasses(moc);
+    case WordKind::Attribute:
+        return moc != nullptr ? attributeNames(*moc) : std::vector<std::string>();
+    case WordKind::AnyClass:
+        return classNames(mSession.model());
+    case WordKind::Command:
+        return mCommands.names();
+    case WordKind::Other:
+        break;
+    }
+    return {};
+}
+
+// First the class of the last step with its "=", then the objects of that class.
+std::vector<std::string> Completer::dns(const std::string& word) {
+    const std::size_t comma = word.rfind(',');
+    const std::string parent = comma == std::string::npos ? "" : word.substr(0, comma);
+    const std::string prefix = comma == std::string::npos ? "" : parent + ",";
+    const std::size_t equals = word.find('=', prefix.size());
+    const Diagnosis diagnosis(mSession);
+    if (equals == std::string::npos) {
+        const ClassDef* moc = parent.empty() ? nullptr : diagnosis.classOf(parent);
+        return parent.empty() || moc != nullptr ? behind(prefix, diagnosis.childClasses(moc), "=")
+                                                : std::vector<std::string>();
+    }
+    const std::string className = word.substr(prefix.size(), equals - prefix.size());
+    std::vector<std::string> result;
+    mSession.read([&](unsigned long txHandle) {
+        mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {
+            result.push_back(childOf(parent, className, name));
+            return result.size() < kMostObjects;
+        });
+    });
+    return result;
+}
+
+}

@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_COMPLETER_H
+#define ORV_HOST_CLI_COMPLETER_H
+
+#include "Command.h"
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class CommandTable;
+class Session;
+
+/// What could stand in the place of the last word of a line.
+struct Completion {
+    std::size_t start = 0;               ///< where the last word begins
+    std::vector<std::string> candidates; ///< whole words, in order, unquoted
+};
+
+/// Completes commands, DNs, classes, attributes and options. Objects are looked up through the
+/// component, as by a command. One thread at a time.
+class Completer {
+public:
+    /// Both must outlive this object.
+    Completer(Session& session, const CommandTable& commands)
+        : mSession(session), mCommands(commands) {}
+
+    /// Completes the word at the end of \p line. Whatever fails, nothing is suggested.
+    Completion complete(const std::string& line);
+
+private:
+    std::vector<std::string> candidates(const std::vector<std::string>& words);
+    std::vector<std::string> candidatesOf(WordKind kind, const std::string& dn,
+                                          const std::string& word);
+    std::vector<std::string> dns(const std::string& word);
+
+    Session& mSession;
+    const CommandTable& mCommands;
+};
+
+/// What all of \p words begin with.
+std::string commonPrefix(const std::vector<std::string>& words);
+
+}
+
+#endif

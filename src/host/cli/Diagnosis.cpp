@@ -1,0 +1,188 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Diagnosis.h"
+
+#include "DnUtil.h"
+#include "MeIdTranslator.h"
+#include "Session.h"
+#include "Suggestion.h"
+#include "store/HostReturn.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr const char* kRootClass = "ManagedElement";
+constexpr std::size_t kSiblingsShown = 10;
+
+/// One step of a DN as it was written.
+struct Step {
+    std::string text;
+    std::string className;
+    std::string value;
+    bool isWellFormed = false;
+};
+
+Step parseStep(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    Step step;
+    step.text = text;
+    step.className = text.substr(0, equals);
+    step.value = equals == std::string::npos ? std::string() : text.substr(equals + 1);
+    step.isWellFormed = equals != std::string::npos && !step.className.empty() &&
+                        Orv::DnUtil::validateMoNamingAttr(step.value.c_str());
+    return step;
+}
+
+std::vector<Step> parseSteps(const std::string& dn) {
+    std::vector<Step> steps;
+    std::size_t begin = 0;
+    while (begin <= dn.size()) {
+        const std::size_t comma = std::min(dn.find(',', begin), dn.size());
+        steps.push_back(parseStep(dn.substr(begin, comma - begin)));
+        begin = comma + 1;
+    }
+    return steps;
+}
+
+}
+
+std::vector<std::string> attributeNames(const ClassDef& moc) {
+    std::vector<std::string> names;
+    for (const AttributeDef& attribute : moc.attributes) {
+        names.push_back(attribute.name);
+    }
+    return names;
+}
+
+std::string codeText(OrvReturnT code) {
+    return returnText(code) + " (" + std::to_string(code) + ")";
+}
+
+std::string Diagnosis::explain(const OperationError& error) {
+    const OperationSubject& subject = error.subject();
+    const ClassDef* moc = nullptr;
+    if (!subject.dn.empty()) {
+        const std::string problem = whyNoDn(subject.dn, &moc);
+        if (!problem.empty()) {
+            return problem;
+        }
+        const std::string missing = explainMissingObject(subject.dn);
+        if (!missing.empty()) {
+            return missing;
+        }
+    } else if (subject.className.empty()) {
+        return "an empty DN names no object";
+    }
+    if (!subject.className.empty()) {
+        return explainClass(moc, subject.className);
+    }
+    return moc != nullptr ? explainAttributes(*moc, subject.attributes) : std::string();
+}
+
+std::string Diagnosis::whyNoDn(const std::string& dn, const ClassDef** moc) const {
+    *moc = nullptr;
+    for (const Step& step : parseSteps(dn)) {
+        if (!step.isWellFormed) {
+            return "'" + step.text + "' in " + dn + " is no step of a DN; expected Class=value";
+        }
+        const std::string problem = explainClass(*moc, step.className);
+        if (!problem.empty()) {
+            return problem;
+        }
+        const bool isRoot = *moc == nullptr && step.className == kRootClass;
+        if (isRoot && step.value != Orv::MeIdTranslator::instance()->identity()) {
+            return std::string(kRootClass) + "=" + step.value +
+                   " is not known; clients know it as " + kRootClass + "=" +
+                   Orv::MeIdTranslator::instance()->identity();
+        }
+        *moc = &mSession.model().classes[*mSession.model().findClass(step.className)];
+    }
+    return {};
+}
+
+const ClassDef* Diagnosis::classOf(const std::string& dn) const {
+    const ClassDef* moc = nullptr;
+    return whyNoDn(dn, &moc).empty() ? moc : nullptr;
+}
+
+std::vector<std::string> Diagnosis::childClasses(const ClassDef* parent) const {
+    const Model& model = mSession.model();
+    std::vector<std::string> names;
+    if (parent == nullptr) {
+        for (const ClassDef& moc : model.classes) {
+            if (moc.isTopLevel) {
+                names.push_back(moc.name);
+            }
+        }
+        return names;
+    }
+    for (const ClassIndex child : parent->children) {
+        names.push_back(model.classes[child].name);
+    }
+    return names;
+}
+
+std::string Diagnosis::explainClass(const ClassDef* parent, const std::string& className) const {
+    const std::vector<std::string> expected = childClasses(parent);
+    if (std::find(expected.begin(), expected.end(), className) != expected.end()) {
+        return {};
+    }
+    const std::string where = parent != nullptr ? "under " + parent->name : "at the top level";
+    const bool isKnown = mSession.model().findClass(className).has_value();
+    return (isKnown ? "objects of class " + className + " do not stand " + where
+                    : "there is no class " + className) +
+           "; classes " + where + ": " + enumerate(expected) + "." +
+           didYouMean(className, expected);
+}
+
+std::string Diagnosis::explainAttributes(const ClassDef& moc,
+                                         const std::vector<std::string>& attributes) const {
+    const std::vector<std::string> expected = attributeNames(moc);
+    for (const std::string& attribute : attributes) {
+        if (moc.findAttribute(attribute) == nullptr) {
+            return "class " + moc.name + " has no attribute " + attribute +
+                   "; its attributes: " + enumerate(expected) + "." +
+                   didYouMean(attribute, expected);
+        }
+    }
+    return {};
+}
+
+// From the top down, so that the first object that is not there is the one that is told.
+std::string Diagnosis::explainMissingObject(const std::string& dn) {
+    std::string parent;
+    for (const Step& step : parseSteps(dn)) {
+        const std::string current = childOf(parent, step.className, step.value);
+        const bool exists = mSession.read(
+            [&](unsigned long txHandle) { return mSession.client().exists(txHandle, current); });
+        if (!exists) {
+            return "there is no object " + current + siblings(parent, step.className);
+        }
+        parent = current;
+    }
+    return {};
+}
+
+std::string Diagnosis::siblings(const std::string& parent, const std::string& className) {
+    std::vector<std::string> names;
+    mSession.read([&](unsigned long txHandle) {
+        mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {
+            names.push_back(name);
+            return names.size() <= kSiblingsShown;
+        });
+    });
+    const std::string where = parent.empty() ? "at the top level" : "under " + parent;
+    if (names.empty()) {
+        return "; there is none of class " + className + " " + where;
+    }
+    const bool isCut = names.size() > kSiblingsShown;
+    names.resize(std::min(names.size(), kSiblingsShown));
+    return "; of class " + className + " " + where + ": " + enumerate(names) +
+           (isCut ? ", and more" : "");
+}
+
+}

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_INTERPRETER_H
+#define ORV_HOST_CLI_INTERPRETER_H
+
+#include "CliError.h"
+#include "CommandTable.h"
+
+#include <exception>
+#include <istream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Session;
+
+/// Runs commands and prints their answers and errors. One thread at a time.
+///
+/// Errors go to the error stream as text; in JSON mode they go to the session's output, as the one
+/// document of the command that failed.
+class Interpreter {
+public:
+    /// All must outlive this object.
+    Interpreter(Session& session, const CommandTable& commands, std::ostream& errors)
+        : mSession(session), mCommands(commands), mErrors(errors) {}
+
+    /// Runs one line; an empty one, or one with only a comment, is ExitOk. \p place stands before
+    /// errors, for example "file:12"; it may be empty.
+    ExitStatus runLine(const std::string& line, const std::string& place = {});
+
+    /// The same for a line that is in words already.
+    ExitStatus runWords(const std::vector<std::string>& words, const std::string& place = {});
+
+    /// Runs a script line by line until its end, `quit`, or, unless \p keepGoing, the first error.
+    /// Gives the first status that was not ExitOk.
+    ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing);
+
+private:
+    ExitStatus report(const std::string& command, const std::string& place,
+                      const std::exception_ptr& error);
+    void print(const std::string& command, const std::string& place, const std::string& text);
+    void print(const std::string& command, const std::string& place, const OperationError& error);
+    std::string explain(const OperationError& error);
+
+    Session& mSession;
+    const CommandTable& mCommands;
+    std::ostream& mErrors;
+};
+
+}
+
+#endif

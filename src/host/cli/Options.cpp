@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Options.h"
+
+#include "CliError.h"
+#include "LogLevel.h"
+
+#include <CLI/CLI.hpp>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Commands come from -c, from scripts (-f), from the words behind the options, or, if there are none,
+from the prompt or standard input. 'orvhost help' tells them. Put -- before a command's own options:
+
+  orvhost -I models -m ran-element -d network.json -- tree / --depth 2
+
+Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
+
+void addLoading(CLI::App& app, Options& options) {
+    app.add_option("-m,--model", options.models, "YANG module, by name or file; repeat for more")
+        ->allow_extra_args(false);
+    app.add_option("-I,--path", options.searchPath, "Directory to search for modules; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("-d,--data", options.data,
+                   "Instance data, JSON or XML: a file, or a directory of them; repeatable")
+        ->allow_extra_args(false);
+    app.add_flag("--repair", options.repair,
+                 "Add the missing sides of bidirectional associations to the data");
+    app.add_option("--ext-cm", options.extCm,
+                   "The component libext_cm.so, if not the one of this installation");
+    app.add_option("-C,--component", options.components,
+                   "A further component to load, such as an interceptor; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("--me-id", options.meId,
+                   "Identity by which clients know the ManagedElement at the root");
+    app.add_option("--me-id-fallback", options.meIdFallback, "Identity to use if that one is empty")
+        ->capture_default_str();
+}
+
+void addLogging(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+        "--log-level",
+        [&options](const std::string& text) {
+            try {
+                options.logLevel = parseLogLevel(text);
+            } catch (const UsageError& failure) {
+                throw CLI::ValidationError("--log-level", failure.what());
+            }
+        },
+        "off, error, warning (if not told), info, trace, or a number");
+    app.add_option("--log-file", options.logFile,
+                   "File to append the log to, instead of standard error");
+    app.add_option_function<std::string>(
+           "--log-format",
+           [&options](const std::string& text) {
+               options.logFormat = text == "json" ? LogFormat::Json : LogFormat::Text;
+           },
+           "text (if not told) or json")
+        ->check(CLI::IsMember({"text", "json"}));
+}
+
+void addCommands(CLI::App& app, Options& options) {
+    app.add_option("-c,--command", options.commandLines, "A command to run; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("-f,--script", options.scripts,
+                   "A file of commands to run, - for standard input; repeatable")
+        ->allow_extra_args(false);
+    app.add_flag("--keep-going", options.keepGoing, "Go on behind a command that failed");
+    app.add_flag("--json", options.json, "Print one JSON document for each command");
+    app.add_option("--history", options.historyFile,
+                   "File for the history of the prompt; empty for none");
+    app.add_option("COMMAND", options.words, "One command, in words");
+}
+
+}
+
+ParsedArguments parseArguments(int count, const char* const* arguments) {
+    Options options;
+    CLI::App app(
+        "A small management framework: loads a model, data and components, and runs client "
+        "operations through them.",
+        "orvhost");
+    app.set_version_flag("--version", "orvhost " ORVHOST_VERSION);
+    app.footer(kFooter);
+    addLoading(app, options);
+    addLogging(app, options);
+    addCommands(app, options);
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::ParseError& end) {
+        const int status = app.exit(end);
+        return {std::nullopt, status == 0 ? ExitOk : ExitUsage};
+    }
+    return {options, ExitOk};
+}
+
+}

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_OPTIONS_H
+#define ORV_HOST_CLI_OPTIONS_H
+
+#include "runtime/LogSink.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// What orvhost was asked for.
+struct Options {
+    std::vector<std::string> models; ///< module names or files
+    std::vector<std::filesystem::path> searchPath;
+    std::vector<std::filesystem::path> data;
+    std::string extCm; ///< the component; empty: the one that belongs to this program
+    std::vector<std::string> components; ///< further ones
+    std::string meId;
+    std::string meIdFallback = "1";
+    bool repair = false;
+
+    unsigned int logLevel = 4;
+    std::string logFile; ///< empty: standard error
+    LogFormat logFormat = LogFormat::Text;
+
+    bool json = false;
+    bool keepGoing = false;
+    std::optional<std::string> historyFile;
+
+    std::vector<std::string> commandLines; ///< from -c
+    std::vector<std::string> scripts;      ///< from -f; "-" is standard input
+    std::vector<std::string> words;        ///< one command, in words
+};
+
+/// What became of the program's arguments: options, or a reason to end at once.
+struct ParsedArguments {
+    std::optional<Options> options;
+    int exitStatus = 0; ///< without options; help, version or error have been printed
+};
+
+/// Reads the program's arguments.
+ParsedArguments parseArguments(int count, const char* const* arguments);
+
+}
+
+#endif

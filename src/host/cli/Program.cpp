@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Program.h"
+
+#include "CliError.h"
+#include "CommandTable.h"
+#include "Completer.h"
+#include "Interpreter.h"
+#include "Options.h"
+#include "Prompt.h"
+#include "Session.h"
+#include "Workbench.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+std::filesystem::path historyFile(const Options& options) {
+    if (options.historyFile) {
+        return *options.historyFile;
+    }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nobody sets variables.
+    const char* home = std::getenv("HOME");
+    return home != nullptr ? std::filesystem::path(home) / ".orvhost_history"
+                           : std::filesystem::path();
+}
+
+/// Runs what the options ask for, and keeps the first status that is not ExitOk.
+class Run {
+public:
+    Run(const Options& options, Session& session, const CommandTable& commands)
+        : mOptions(options),
+          mSession(session),
+          mCommands(commands),
+          mInterpreter(session, commands, std::cerr) {}
+
+    int run() {
+        for (const std::string& line : mOptions.commandLines) {
+            step([&] { return mInterpreter.runLine(line); });
+        }
+        for (const std::string& script : mOptions.scripts) {
+            step([&] { return runScript(script); });
+        }
+        if (!mOptions.words.empty()) {
+            step([&] { return mInterpreter.runWords(mOptions.words); });
+        }
+        if (hasNoCommands()) {
+            step([&] { return isatty(STDIN_FILENO) == 1 ? runPrompt() : runScript("-"); });
+        }
+        return mStatus;
+    }
+
+private:
+    bool hasNoCommands() const {
+        return mOptions.commandLines.empty() && mOptions.scripts.empty() && mOptions.words.empty();
+    }
+
+    template <class Step>
+    void step(Step&& run) {
+        if (mSession.isEnded() || (mStatus != ExitOk && !mOptions.keepGoing)) {
+            return;
+        }
+        const ExitStatus status = run();
+        mStatus = mStatus == ExitOk ? status : mStatus;
+    }
+
+    ExitStatus runScript(const std::string& name) {
+        if (name == "-") {
+            return mInterpreter.runScript(std::cin, "stdin", mOptions.keepGoing);
+        }
+        std::ifstream script(name);
+        if (!script) {
+            std::cerr << "orvhost: " << name << ": cannot be read\n";
+            return ExitUsage;
+        }
+        return mInterpreter.runScript(script, name, mOptions.keepGoing);
+    }
+
+    // Whoever types sees each answer: mistakes on the way do not make the session a failure.
+    ExitStatus runPrompt() {
+        Completer completer(mSession, mCommands);
+        Prompt prompt(completer, historyFile(mOptions));
+        while (!mSession.isEnded()) {
+            const std::optional<std::string> line = prompt.readLine();
+            if (!line) {
+                break;
+            }
+            mInterpreter.runLine(*line);
+        }
+        return ExitOk;
+    }
+
+    const Options& mOptions;
+    Session& mSession;
+    const CommandTable& mCommands;
+    Interpreter mInterpreter;
+    ExitStatus mStatus = ExitOk;
+};
+
+int runWithOptions(const Options& options) {
+    try {
+        Workbench workbench(options, std::cerr);
+        const CommandTable commands;
+        Session session(workbench.host(), workbench.client(), workbench.log(), std::cout,
+                        options.json);
+        return Run(options, session, commands).run();
+    } catch (const std::exception& failure) {
+        std::cerr << "orvhost: " << failure.what() << '\n';
+        return ExitLoad;
+    }
+}
+
+}
+
+int runProgram(int count, const char* const* arguments) {
+    const ParsedArguments parsed = parseArguments(count, arguments);
+    return parsed.options ? runWithOptions(*parsed.options) : parsed.exitStatus;
+}
+
+}

@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Prompt.h"
+
+#include "Layout.h"
+#include "WordSplitter.h"
+
+#include <histedit.h>
+
+#include <csignal>
+#include <cstdio>
+#include <system_error>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr int kHistoryLines = 1000;
+
+void interruptReading(int) {}
+
+/// While it lives, Ctrl-C interrupts the reading of a line instead of ending the process.
+class InterruptGuard {
+public:
+    InterruptGuard() {
+        struct sigaction action {};
+        action.sa_handler = &interruptReading; // without SA_RESTART, so that the read returns
+        sigaction(SIGINT, &action, &mPrevious);
+    }
+    ~InterruptGuard() { sigaction(SIGINT, &mPrevious, nullptr); }
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+
+private:
+    struct sigaction mPrevious {};
+};
+
+std::string withoutLineEnd(const char* text, int length) {
+    std::string line(text, static_cast<std::size_t>(length));
+    line.erase(line.find_last_not_of("\r\n") + 1);
+    return line;
+}
+
+// What a candidate shows in a list: the part behind the last comma tells DNs apart.
+std::string shortForm(const std::string& candidate) {
+    const std::size_t comma = candidate.rfind(',');
+    return comma == std::string::npos ? candidate : candidate.substr(comma + 1);
+}
+
+}
+
+/// The line editor's own objects.
+class Prompt::Editor {
+public:
+    Editor(Completer& completer, std::filesystem::path historyFile)
+        : mCompleter(completer),
+          mHistoryFile(std::move(historyFile)),
+          mEditLine(el_init("orvhost", stdin, stdout, stderr)),
+          mHistory(history_init()) {
+        HistEvent event;
+        history(mHistory, &event, H_SETSIZE, kHistoryLines);
+        history(mHistory, &event, H_SETUNIQUE, 1);
+        el_set(mEditLine, EL_CLIENTDATA, this);
+        el_set(mEditLine, EL_PROMPT, &promptText);
+        el_set(mEditLine, EL_EDITOR, "emacs");
+        el_set(mEditLine, EL_HIST, &history, mHistory);
+        el_set(mEditLine, EL_ADDFN, "orv-complete", "complete the word", &completeWord);
+        el_set(mEditLine, EL_BIND, "^I", "orv-complete", nullptr);
+        loadHistory();
+    }
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+    ~Editor() {
+        saveHistory();
+        history_end(mHistory);
+        el_end(mEditLine);
+    }
+
+    std::optional<std::string> readLine() {
+        const InterruptGuard guard;
+        errno = 0;
+        int length = 0;
+        const char* text = el_gets(mEditLine, &length);
+        if (text == nullptr || length <= 0) {
+            return atNoLine(length);
+        }
+        std::string line = withoutLineEnd(text, length);
+        if (!line.empty()) {
+            HistEvent event;
+            history(mHistory, &event, H_ENTER, line.c_str());
+        }
+        return line;
+    }
+
+private:
+    static char* promptText(EditLine*) {
+        static char text[] = "orvhost> ";
+        return text;
+    }
+
+    std::optional<std::string> atNoLine(int length) {
+        std::fputs("\n", stdout);
+        if (length < 0 && errno == EINTR) {
+            el_reset(mEditLine);
+            return std::string();
+        }
+        return std::nullopt;
+    }
+
+    static unsigned char completeWord(EditLine* editLine, int) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->complete();
+    }
+
+    unsigned char complete() {
+        const LineInfo* info = el_line(mEditLine);
+        const std::string line(info->buffer, info->cursor);
+        const Completion completion = mCompleter.complete(line);
+        if (completion.candidates.empty()) {
+            return CC_REFRESH_BEEP;
+        }
+        const bool isOne = completion.candidates.size() == 1;
+        const std::string common = commonPrefix(completion.candidates);
+        const std::string typed = splitWords(line.substr(completion.start)).words.empty()
+                                      ? ""
+                                      : splitWords(line.substr(completion.start)).words.front();
+        if (isOne || common.size() > typed.size()) {
+            replaceWord(line.size() - completion.start, common, isOne && common.back() != '=');
+            return CC_REFRESH;
+        }
+        showAll(completion.candidates);
+        return CC_REDISPLAY;
+    }
+
+    void replaceWord(std::size_t typedLength, const std::string& word, bool isComplete) {
+        el_deletestr(mEditLine, static_cast<int>(typedLength));
+        el_insertstr(mEditLine, (quoteWord(word) + (isComplete ? " " : "")).c_str());
+    }
+
+    static void showAll(const std::vector<std::string>& candidates) {
+        std::fputs("\n", stdout);
+        for (const std::string& candidate : candidates) {
+            std::fprintf(stdout, "%s  ", scalarText(JsonValue(shortForm(candidate))).c_str());
+        }
+        std::fputs("\n", stdout);
+        std::fflush(stdout);
+    }
+
+    void loadHistory() {
+        if (!mHistoryFile.empty()) {
+            HistEvent event;
+            history(mHistory, &event, H_LOAD, mHistoryFile.c_str());
+        }
+    }
+
+    void saveHistory() {
+        if (mHistoryFile.empty()) {
+            return;
+        }
+        std::error_code ignored;
+        std::filesystem::create_directories(mHistoryFile.parent_path(), ignored);
+        HistEvent event;
+        history(mHistory, &event, H_SAVE, mHistoryFile.c_str());
+    }
+
+    Completer& mCompleter;
+    std::filesystem::path mHistoryFile;
+    EditLine* mEditLine;
+    History* mHistory;
+};
+
+Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
+    : mEditor(std::make_unique<Editor>(completer, std::move(historyFile))) {}
+
+Prompt::~Prompt() = default;
+
+std::optional<std::string> Prompt::readLine() {
+    return mEditor->readLine();
+}
+
+}

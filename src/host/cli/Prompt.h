@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_PROMPT_H
+#define ORV_HOST_CLI_PROMPT_H
+
+#include "Completer.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace OrvHost {
+
+/// A line editor on the terminal, with history kept in a file and completion by the tab key.
+///
+/// One object at a time, on the thread that starts and ends it; standard input is a terminal.
+class Prompt {
+public:
+    /// \p completer must outlive this object. \p historyFile may be empty: nothing is kept then. A
+    /// history that cannot be read or written is done without.
+    Prompt(Completer& completer, std::filesystem::path historyFile);
+    ~Prompt();
+    Prompt(const Prompt&) = delete;
+    Prompt& operator=(const Prompt&) = delete;
+
+    /// The next line that is entered, without its end; an empty one when it is given up by Ctrl-C.
+    /// Nothing at the end of input (Ctrl-D).
+    std::optional<std::string> readLine();
+
+private:
+    class Editor;
+    std::unique_ptr<Editor> mEditor;
+};
+
+}
+
+#endif

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Workbench.h"
+
+#include "CliError.h"
+#include "ComponentFinder.h"
+#include "LoggingWrapper.h"
+#include "ProgressBar.h"
+#include "runtime/DataSet.h"
+#include "yang/InstanceDataReader.h"
+
+#include <iostream>
+
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    return text;
+}
+
+void failIfAny(const std::vector<std::string>& problems) {
+    if (!problems.empty()) {
+        throw LoadError(joined(problems));
+    }
+}
+
+}
+
+Workbench::Workbench(const Options& options, std::ostream& errors) : mErrors(errors) {
+    openLog(options);
+    readModel(options);
+    HostOptions hostOptions;
+    hostOptions.preferredIdentity = options.meId;
+    hostOptions.fallbackIdentity = options.meIdFallback;
+    mHost = std::make_unique<Host>(mModel.model, hostOptions);
+    loadData(options);
+    loadComponents(options);
+    startComponents();
+    mClient = std::make_unique<Client>(*mHost);
+}
+
+Workbench::~Workbench() {
+    mClient.reset();
+    if (mHost) {
+        for (const std::string& problem : mHost->shutdown()) {
+            mErrors << "orvhost: " << problem << '\n';
+        }
+    }
+}
+
+void Workbench::openLog(const Options& options) {
+    Orv::LoggingWrapper::instance()->setLevel(options.logLevel);
+    try {
+        mLog = options.logFile.empty()
+                   ? std::make_unique<LogSink>(std::cerr, options.logFormat)
+                   : std::make_unique<LogSink>(options.logFile, options.logFormat);
+    } catch (const std::runtime_error& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void Workbench::readModel(const Options& options) {
+    YangModelReader reader;
+    for (const auto& directory : options.searchPath) {
+        reader.searchIn(directory);
+    }
+    for (const std::string& module : options.models) {
+        reader.load(module);
+    }
+    try {
+        mModel = reader.read();
+    } catch (const ModelError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void Workbench::loadData(const Options& options) {
+    DataSet data(mModel.model);
+    ProgressBar bar(std::cerr, isatty(STDERR_FILENO) == 1);
+    gather(options, data, bar);
+    bar.update("checking", data.size(), 0);
+    checkAndRepair(options, data);
+    failIfAny(data.moveInto(mHost->store(), [&](std::size_t done, std::size_t all) {
+        bar.update("storing", done, all);
+    }));
+}
+
+void Workbench::gather(const Options& options, DataSet& data, ProgressBar& bar) {
+    InstanceDataReader reader(mModel.schema);
+    reader.onProgress([&](const DataProgress& progress) {
+        bar.update("reading", progress.bytesDone, progress.bytesInAll);
+    });
+    bar.update("reading", 0, 0);
+    try {
+        reader.read(options.data, [&](DataObject&& object, const std::string& file) {
+            data.add({std::move(object.dn), std::move(object.attributes), {file, 0}});
+        });
+    } catch (const InstanceDataError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void Workbench::checkAndRepair(const Options& options, DataSet& data) {
+    if (options.repair) {
+        for (const std::string& line : data.repair()) {
+            mErrors << "repaired: " << line << '\n';
+        }
+    }
+    failIfAny(data.check());
+}
+
+void Workbench::loadComponents(const Options& options) {
+    try {
+        mHost->loadComponent(options.extCm.empty() ? findExtCm() : options.extCm);
+        for (const std::string& path : options.components) {
+            mHost->loadComponent(path);
+        }
+    } catch (const ComponentLoadError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void Workbench::startComponents() {
+    std::vector<std::string> problems;
+    for (const ComponentReport& report : mHost->start()) {
+        if (report.state != ComponentState::Started) {
+            problems.push_back("component " + report.name + " is not started: " + report.problem);
+        }
+    }
+    failIfAny(problems);
+}
+
+}

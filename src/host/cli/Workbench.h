@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_WORKBENCH_H
+#define ORV_HOST_CLI_WORKBENCH_H
+
+#include "Client.h"
+#include "Options.h"
+#include "runtime/Host.h"
+#include "runtime/LogSink.h"
+#include "yang/YangModelReader.h"
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class DataSet;
+class ProgressBar;
+
+/// Everything that stands before the first command can run: log, model, host, data, components and
+/// the client, in this order. Taken down in the reverse order. One thread.
+class Workbench {
+public:
+    /// Throws LoadError with all that is wrong with what was to be loaded. Notes for the user go to
+    /// \p errors, which is borrowed.
+    Workbench(const Options& options, std::ostream& errors);
+    /// Problems on the way down go to the error stream.
+    ~Workbench();
+    Workbench(const Workbench&) = delete;
+    Workbench& operator=(const Workbench&) = delete;
+
+    Host& host() { return *mHost; }
+    Client& client() { return *mClient; }
+    LogSink& log() { return *mLog; }
+
+private:
+    void openLog(const Options& options);
+    void readModel(const Options& options);
+    void loadData(const Options& options);
+    void gather(const Options& options, DataSet& data, ProgressBar& bar);
+    void checkAndRepair(const Options& options, DataSet& data);
+    void loadComponents(const Options& options);
+    void startComponents();
+
+    std::ostream& mErrors;
+    std::unique_ptr<LogSink> mLog;
+    YangModel mModel;
+    std::unique_ptr<Host> mHost;
+    std::unique_ptr<Client> mClient;
+};
+
+}
+
+#endif

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ModelCommand.h"
+
+#include "cli/ClassReport.h"
+#include "cli/CliError.h"
+#include "cli/Layout.h"
+#include "cli/Session.h"
+#include "cli/Suggestion.h"
+
+namespace OrvHost {
+
+namespace {
+
+void listClasses(Session& session) {
+    JsonValue documents = JsonValue::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const ClassDef& moc : session.model().classes) {
+        const std::vector<std::string> parents = parentNames(session.model(), moc);
+        documents.push_back({{"name", moc.name},
+                             {"namingAttribute", moc.namingAttribute},
+                             {"parents", parents},
+                             {"topLevel", moc.isTopLevel},
+                             {"description", moc.description}});
+        rows.push_back({moc.name, moc.namingAttribute,
+                        moc.isTopLevel ? "(top level)" : enumerate(parents, 3)});
+    }
+    if (session.wantsJson()) {
+        session.print({{"command", "model"}, {"classes", documents}});
+    } else {
+        session.out() << layOutTable({"CLASS", "NAMED BY", "STANDS UNDER"}, rows);
+    }
+}
+
+void listAssociations(Session& session) {
+    const RepositoryReader repository(session.host());
+    JsonValue documents = JsonValue::array();
+    std::vector<ReferenceFacts> all;
+    for (const ClassDef& moc : session.model().classes) {
+        for (const ReferenceFacts& facts : repository.references(repository.find(moc.name))) {
+            documents.push_back(toJson(facts));
+            all.push_back(facts);
+        }
+    }
+    if (session.wantsJson()) {
+        session.print({{"command", "model"}, {"associations", documents}});
+    } else {
+        session.out() << associationTable(all);
+    }
+}
+
+std::vector<std::string> classNames(const Model& model) {
+    std::vector<std::string> names;
+    for (const ClassDef& moc : model.classes) {
+        names.push_back(moc.name);
+    }
+    return names;
+}
+
+void showClass(Session& session, const std::string& name) {
+    const auto moc = session.model().findClass(name);
+    if (!moc) {
+        const std::vector<std::string> names = classNames(session.model());
+        throw AnswerError("there is no class " + name + "." + didYouMean(name, names) +
+                          " Classes: " + enumerate(names));
+    }
+    const ClassReport report(session, *moc);
+    if (session.wantsJson()) {
+        session.print({{"command", "model"}, {"class", report.json()}});
+    } else {
+        session.out() << report.text();
+    }
+}
+
+}
+
+const CommandInfo& ModelCommand::info() const {
+    static const CommandInfo theInfo{
+        "model",
+        "[CLASS | --associations]",
+        "tell the classes, one class, or all associations",
+        "Attributes and associations are told as the model repository has them.\n",
+        {WordKind::AnyClass},
+        {"--associations"}};
+    return theInfo;
+}
+
+void ModelCommand::run(Session& session, Words words) {
+    const bool wantsAssociations = words.takeFlag("--associations");
+    const auto name = words.takeOptional();
+    words.end();
+    if (wantsAssociations && name) {
+        throw UsageError("a class and --associations do not go together");
+    }
+    if (wantsAssociations) {
+        listAssociations(session);
+    } else if (name) {
+        showClass(session, *name);
+    } else {
+        listClasses(session);
+    }
+}
+
+}

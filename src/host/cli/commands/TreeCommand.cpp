@@ -1,0 +1,142 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "TreeCommand.h"
+
+#include "cli/ChildWalk.h"
+#include "cli/CliError.h"
+#include "cli/Diagnosis.h"
+#include "cli/Session.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+
+/// One child, kept until its turn comes: whether it is the last of its siblings shows in its line.
+struct Child {
+    std::string className;
+    std::string name;
+};
+
+/// Walks a subtree in one transaction.
+class TreePrinter {
+public:
+    TreePrinter(Session& session, unsigned long txHandle, std::uint64_t depth)
+        : mSession(session), mTxHandle(txHandle), mDepth(depth) {}
+
+    void printBelow(const std::string& dn, const std::string& indent, std::uint64_t level) {
+        const std::vector<Child> all = children(dn);
+        for (std::size_t position = 0; position < all.size(); ++position) {
+            const bool isLast = position + 1 == all.size();
+            const Child& child = all[position];
+            const std::string childDn = childOf(dn, child.className, child.name);
+            mSession.out() << indent << (isLast ? "└── " : "├── ") << child.className << '='
+                           << child.name << cutMark(childDn, level + 1) << '\n';
+            if (level + 1 < mDepth) {
+                printBelow(childDn, indent + (isLast ? "    " : "│   "), level + 1);
+            }
+        }
+    }
+
+    JsonValue childrenJson(const std::string& dn, std::uint64_t level) {
+        JsonValue result = JsonValue::array();
+        for (const Child& child : children(dn)) {
+            result.push_back(nodeJson(childOf(dn, child.className, child.name), level));
+        }
+        return result;
+    }
+
+    JsonValue nodeJson(const std::string& dn, std::uint64_t level) {
+        JsonValue node{{"dn", dn}};
+        if (level < mDepth) {
+            node["children"] = childrenJson(dn, level + 1);
+        } else {
+            node["below"] = countBelow(dn);
+        }
+        return node;
+    }
+
+    /// " (12 below)" where the tree is cut off above something.
+    std::string cutMark(const std::string& dn, std::uint64_t level) {
+        const unsigned long long below = level >= mDepth ? countBelow(dn) : 0;
+        return below > 0 ? " (" + std::to_string(below) + " below)" : std::string();
+    }
+
+private:
+    std::vector<std::string> childClasses(const std::string& dn) const {
+        const Diagnosis diagnosis(mSession);
+        return diagnosis.childClasses(dn.empty() ? nullptr : diagnosis.classOf(dn));
+    }
+
+    std::vector<Child> children(const std::string& dn) {
+        std::vector<Child> result;
+        for (const std::string& className : childClasses(dn)) {
+            mSession.client().forEachChild(mTxHandle, dn, className, [&](const std::string& name) {
+                result.push_back({className, name});
+                return true;
+            });
+        }
+        return result;
+    }
+
+    unsigned long long countBelow(const std::string& dn) {
+        unsigned long long below = 0;
+        for (const std::string& className : childClasses(dn)) {
+            below += mSession.client().count(mTxHandle, dn, className);
+        }
+        return below;
+    }
+
+    Session& mSession;
+    unsigned long mTxHandle;
+    std::uint64_t mDepth;
+};
+
+void requireObject(Session& session, const std::string& dn) {
+    const bool exists =
+        session.read([&](unsigned long txHandle) { return session.client().exists(txHandle, dn); });
+    if (!exists) {
+        throw OperationError(OrvNotExist, {"existsMo", dn, {}, {}}, {});
+    }
+}
+
+}
+
+const CommandInfo& TreeCommand::info() const {
+    static const CommandInfo theInfo{
+        "tree",
+        "[DN] [--depth N]",
+        "show an object with all that is below it",
+        "Without a DN, or with /, the whole tree is shown. --depth cuts it off below so many\n"
+        "levels; what is below the cut is counted.\n",
+        {WordKind::Dn},
+        {"--depth"}};
+    return theInfo;
+}
+
+void TreeCommand::run(Session& session, Words words) {
+    const std::uint64_t depth = words.takeNumber("--depth").value_or(kNoLimit);
+    const std::string dn = words.takeDnOrTop();
+    words.end();
+    if (!dn.empty()) {
+        requireObject(session, dn);
+    }
+    session.read([&](unsigned long txHandle) {
+        TreePrinter printer(session, txHandle, depth);
+        if (session.wantsJson()) {
+            session.print({{"command", "tree"}, {"tree", printer.nodeJson(dn, 0)}});
+            return;
+        }
+        session.out() << (dn.empty() ? "/" : dn) << printer.cutMark(dn, 0) << '\n';
+        if (depth > 0) {
+            printer.printBelow(dn, "", 0);
+        }
+    });
+}
+
+}

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DataSet.h"
+
+#include "model/InstanceChecker.h"
+#include "store/HostError.h"
+#include "store/MoStore.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_set>
+
+namespace OrvHost {
+
+namespace {
+
+std::string parentOf(const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    return comma == std::string::npos ? std::string() : dn.substr(0, comma);
+}
+
+std::string leafClassOf(const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    const std::size_t begin = comma == std::string::npos ? 0 : comma + 1;
+    return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
+}
+
+std::ptrdiff_t depthOf(const std::string& dn) {
+    return std::count(dn.begin(), dn.end(), ',');
+}
+
+AttributeValue& valueOf(StartObject& object, const std::string& attribute) {
+    for (auto& [name, value] : object.attributes) {
+        if (name == attribute) {
+            return value;
+        }
+    }
+    object.attributes.emplace_back(attribute, AttributeValue{ValueKind::MoRef, {}});
+    return object.attributes.back().second;
+}
+
+}
+
+void DataSet::add(StartObject object) {
+    const auto known = mByDn.find(object.dn);
+    if (known == mByDn.end()) {
+        mByDn.emplace(object.dn, mObjects.size());
+        mObjects.push_back(std::move(object));
+    } else if (isMention(mObjects[known->second])) {
+        mObjects[known->second] = std::move(object);
+    } else if (!isMention(object)) {
+        mObjects.push_back(std::move(object));
+    }
+}
+
+bool DataSet::isMention(const StartObject& object) const {
+    const auto moc = mModel.findClass(leafClassOf(object.dn));
+    return std::all_of(object.attributes.begin(), object.attributes.end(),
+                       [&](const NamedValue& attribute) {
+                           return moc && mModel.classes[*moc].namingAttribute == attribute.first;
+                       });
+}
+
+void DataSet::visit(const Visitor& visitor) const {
+    for (const StartObject& object : mObjects) {
+        visitor({object.dn, object.attributes});
+    }
+}
+
+std::vector<std::string> DataSet::check() const {
+    std::vector<std::string> texts;
+    for (const InstanceProblem& problem : InstanceChecker(mModel).check(*this).problems) {
+        texts.push_back(place(problem.dn) + problem.text);
+    }
+    return texts;
+}
+
+std::vector<std::string> DataSet::repair() {
+    const InstanceReport report = InstanceChecker(mModel).check(*this);
+    std::vector<std::string> texts;
+    for (const MissingReference& missing : report.repairs) {
+        StartObject& object = mObjects[mByDn.at(missing.dn)];
+        valueOf(object, missing.attribute).values.emplace_back(missing.value);
+        texts.push_back(place(missing.dn) + missing.dn + ": added " + missing.value + " to " +
+                        missing.attribute);
+    }
+    return texts;
+}
+
+std::vector<std::string> DataSet::moveInto(MoStore& store, const Progress& progress) {
+    std::vector<std::string> problems;
+    std::unordered_set<std::string> refused;
+    std::size_t done = 0;
+    for (const std::size_t position : parentsFirst()) {
+        StartObject& object = mObjects[position];
+        if (refused.count(parentOf(object.dn)) > 0) {
+            refused.insert(object.dn);
+        } else {
+            try {
+                store.load(object.dn, object.attributes);
+            } catch (const HostError& failure) {
+                problems.push_back(place(object.dn) + failure.what());
+                refused.insert(object.dn);
+            }
+        }
+        object.attributes = {};
+        if (progress) {
+            progress(++done, mObjects.size());
+        }
+    }
+    mObjects.clear();
+    mByDn.clear();
+    return problems;
+}
+
+std::string DataSet::place(const std::string& dn) const {
+    const auto found = mByDn.find(dn);
+    if (found == mByDn.end() || mObjects[found->second].source.file.empty()) {
+        return {};
+    }
+    const SourcePosition& source = mObjects[found->second].source;
+    const std::string line = source.line > 0 ? ":" + std::to_string(source.line) : std::string();
+    return source.file + line + ": ";
+}
+
+std::vector<std::size_t> DataSet::parentsFirst() const {
+    std::vector<std::size_t> order(mObjects.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::vector<std::ptrdiff_t> depths;
+    depths.reserve(mObjects.size());
+    for (const StartObject& object : mObjects) {
+        depths.push_back(depthOf(object.dn));
+    }
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return depths[left] < depths[right];
+    });
+    return order;
+}
+
+}

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_RUNTIME_HOSTINTERFACES_H
+#define ORV_HOST_RUNTIME_HOSTINTERFACES_H
+
+#include "OrvMgmtSpiInterface_1.h"
+
+#include <array>
+
+namespace OrvHost {
+
+/// Interfaces that components name among what they require and that nobody here calls: events, log
+/// and trace. Behind each identity there is no function, so the record is the identity alone. Log
+/// and trace go through Orv::LoggingWrapper; events do not exist in this host.
+class HostInterfaces {
+public:
+    const std::array<VekMgmtSpiInterface_1, 3>& all() const { return mIdentities; }
+
+private:
+    std::array<VekMgmtSpiInterface_1, 3> mIdentities{
+        {{"OrvOamSpiEventService", "OrvOamSpiEventRouter", "1"},
+         {"OrvMwSpiLogService", "OrvMwSpiLog", "1"},
+         {"VekMwSpiTraceService", "VekMwSpiTrace", "2"}}};
+};
+
+}
+
+#endif
