@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+"""Checks that no file includes a header of a layer that is closed to it.
+
+usage: check_layers.py ROOT        checks the tree at ROOT
+       check_layers.py --self-test checks that each kind of violation is seen
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+
+# Each layer with the layers that it may include besides itself. The deepest directory counts.
+LAYERS = {
+    "src/spi": [],
+    "src/common/inc": ["src/spi"],
+    "src/orv_common": ["src/spi", "src/common/inc"],
+    "src/ext_cm": ["src/spi", "src/common/inc", "src/orv_common"],
+    "src/host": ["src/spi", "src/common/inc", "src/orv_common"],
+    "src/host/yang": ["src/spi", "src/common/inc", "src/orv_common", "src/host"],
+    "src/host/cli": ["src/spi", "src/common/inc", "src/orv_common", "src/host", "src/host/yang"],
+    "examples/interceptor": ["src/spi", "src/common/inc", "src/orv_common"],
+}
+
+# What interceptor components see of the component.
+PUBLIC_HEADERS = ["MoInterceptorBase.h", "ExtCmInterceptorRepository.h"]
+PUBLIC_TO = "examples/interceptor"
+
+# Where the sources of any layer might look for a header.
+INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/src", "src/host"]
+
+# Headers of other projects that stay at one place.
+KEPT_APART = {"libyang/": "src/host/yang"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
+
+
+def layer_of(root, path):
+    relative = path.relative_to(root).as_posix()
+    inside = [layer for layer in LAYERS if relative.startswith(layer + "/")]
+    return max(inside, key=len, default=None)
+
+
+def candidates(root, source, name):
+    for place in [source.parent, *(root / directory for directory in INCLUDE_ROOTS)]:
+        path = (place / name).resolve()
+        if path.is_file() and path.is_relative_to(root):
+            yield path
+
+
+def is_open(root, source, header):
+    own, other = layer_of(root, source), layer_of(root, header)
+    if other is None or other == own or other in LAYERS[own]:
+        return True
+    return own == PUBLIC_TO and other == "src/ext_cm" and header.name in PUBLIC_HEADERS
+
+
+def violation(root, source, name):
+    for prefix, home in KEPT_APART.items():
+        if name.startswith(prefix) and layer_of(root, source) != home:
+            return f"{name} belongs to {home}"
+    found = list(candidates(root, source, name))
+    if not found or any(is_open(root, source, header) for header in found):
+        return None
+    return f"{name} is a header of {layer_of(root, found[0])}"
+
+
+def violations(root):
+    for layer in LAYERS:
+        for source in sorted((root / layer).rglob("*")):
+            if source.suffix not in (".h", ".cpp") or layer_of(root, source) != layer:
+                continue
+            for match in INCLUDE.finditer(source.read_text()):
+                problem = violation(root, source, match.group(1) or match.group(2))
+                if problem:
+                    yield f"{source.relative_to(root)}: {problem}"
+
+
+# Files of a small tree: name, text, and how many violations there are in it.
+SELF_TEST = [
+    ("src/spi/Table.h", "#include <cstddef>\n", 0),
+    ("src/spi/Upward.h", '#include "Binder.h"\n', 1),
+    ("src/common/inc/Binder.h", '#include "Table.h"\n', 0),
+    ("src/common/inc/Upward.h", '#include "../../orv_common/inc/Helper.h"\n', 1),
+    ("src/orv_common/inc/Helper.h", '#include "Binder.h"\n#include "Table.h"\n', 0),
+    ("src/orv_common/src/Helper.cpp", '#include "Helper.h"\n#include <Service.h>\n', 1),
+    ("src/ext_cm/src/Service.h", '#include "Helper.h"\n', 0),
+    ("src/ext_cm/src/MoInterceptorBase.h", '#include "Service.h"\n', 0),
+    ("src/ext_cm/src/Service.cpp", '#  include "store/Store.h"\n', 1),
+    ("src/host/store/Store.h", '#include "Helper.h"\n', 0),
+    ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
+     1),
+    ("src/host/model/Model.cpp", '#include "MoInterceptorBase.h"\n', 1),
+    ("src/host/model/Reader.cpp", "#include <libyang/libyang.h>\n", 1),
+    ("src/host/model/Reader2.cpp", '#include "yang/Reader.h"\n', 1),
+    ("src/host/yang/Reader.h", '#include <libyang/libyang.h>\n#include "store/Store.h"\n', 0),
+    ("src/host/yang/Upward.h", '#include "../cli/Command.h"\n', 1),
+    ("src/host/cli/Command.h", '#include "yang/Reader.h"\n#include "store/Store.h"\n', 0),
+    ("examples/interceptor/src/Sample.cpp",
+     '#include <MoInterceptorBase.h>\n#include "Binder.h"\n#include <Service.h>\n', 1),
+]
+
+
+def self_test():
+    with tempfile.TemporaryDirectory() as directory:
+        root = pathlib.Path(directory).resolve()
+        for name, text, _ in SELF_TEST:
+            path = root / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text)
+        seen = list(violations(root))
+    wrong = [
+        f"{name}: {count} expected, seen: {[line for line in seen if line.startswith(name + ':')]}"
+        for name, _, count in SELF_TEST
+        if count != sum(line.startswith(name + ":") for line in seen)
+    ]
+    print("\n".join(wrong))
+    return not wrong
+
+
+def main():
+    if sys.argv[1] == "--self-test":
+        sys.exit(0 if self_test() else 1)
+    seen = list(violations(pathlib.Path(sys.argv[1]).resolve()))
+    print("\n".join(seen))
+    sys.exit(1 if seen else 0)
+
+
+main()
