@@ -1,0 +1,213 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Locks that cannot be taken or given back. The linker puts the two functions below in the place of
+// the system's for everything that is part of this program, so these tests have one of their own.
+
+#include "ExtCmRouterService.h"
+
+#include <Poco/Exception.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <pthread.h>
+#include <string>
+
+using namespace OrvExtCmRouterService;
+
+namespace {
+
+int locksUntilFailure = 0; // 0: none fails
+int unlocksUntilFailure = 0;
+
+bool countsDownToZero(int& counter) {
+    return counter > 0 && --counter == 0;
+}
+
+}
+
+extern "C" {
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+    return countsDownToZero(locksUntilFailure) ? EINVAL : __real_pthread_mutex_lock(mutex);
+}
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+    return countsDownToZero(unlocksUntilFailure) ? EPERM : __real_pthread_mutex_unlock(mutex);
+}
+}
+
+namespace {
+
+// What comes out of `operation` when the given lock fails; "nothing" if no exception does.
+template <class Operation>
+std::string whenFails(int& counter, int number, Operation&& operation) {
+    std::string message = "nothing";
+    counter = number;
+    try {
+        operation();
+    } catch (const Poco::SystemException& failure) {
+        EXPECT_EQ(failure.code(), 0);
+        message = failure.message();
+    }
+    EXPECT_EQ(counter, 0) << "the lock was not reached";
+    counter = 0;
+    return message;
+}
+
+template <class Operation>
+std::string whenLockFails(Operation&& operation, int number = 1) {
+    return whenFails(locksUntilFailure, number, operation);
+}
+
+template <class Operation>
+std::string whenUnlockFails(Operation&& operation, int number = 1) {
+    return whenFails(unlocksUntilFailure, number, operation);
+}
+
+const std::string kCannotLock = "cannot lock mutex";
+const std::string kCannotUnlock = "cannot unlock mutex";
+
+int joins = 0;
+OrvReturnT join(unsigned long, OrvOamSpiTransactionalResource_2*) {
+    ++joins;
+    return OrvOk;
+}
+
+OrvReturnT newIterator3(unsigned long, const char*, const char*, unsigned long long* iterator) {
+    *iterator = 1;
+    return OrvOk;
+}
+
+OrvReturnT next3(unsigned long long, char** result) {
+    *result = nullptr;
+    return OrvOk;
+}
+
+OrvReturnT finalize3(unsigned long long) {
+    return OrvOk;
+}
+
+OrvOamSpiManagedObject_1 router1{};
+OrvOamSpiManagedObject_3 router3{};
+VekOamSpiManagedObject_3_1 router3_1{};
+
+OrvReturnT getInterface(VekMgmtSpiInterface_1 id, void** result) {
+    const std::string version = id.interfaceVersion;
+    *result = version == "1"   ? static_cast<void*>(&router1)
+              : version == "3" ? static_cast<void*>(&router3)
+                               : static_cast<void*>(&router3_1);
+    return OrvOk;
+}
+
+class LockFailure : public testing::Test {
+protected:
+    LockFailure() {
+        joins = 0;
+        transactions.transaction = &transactionTable;
+        router3.newMoIterator = &newIterator3;
+        router3.nextMo = &next3;
+        router3.finalizeMoIterator = &finalize3;
+    }
+
+    OrvOamSpiTransaction_1 transactionTable{{}, &join};
+    OrvOamSpiTransactionalResource_2 resource{};
+    OrvMgmtSpiInterfacePortal_1 portal{{}, &getInterface, nullptr, nullptr, nullptr};
+    ExtCmInterceptorRepository repository;
+    IdMappings mappings{Orv::MeIdTranslator::instance()};
+    TransactionData transactions{&resource};
+    BiDirUtils biDirUtils;
+    UniDirValidator uniDirValidator;
+};
+
+}
+
+TEST_F(LockFailure, GetTxData_Lock_EntersAndJoinsNothing) {
+    EXPECT_EQ(whenLockFails([&] { transactions.getTxData(1); }), kCannotLock);
+    EXPECT_EQ(joins, 0);
+    EXPECT_TRUE(transactions.memoryByTx.empty());
+}
+
+TEST_F(LockFailure, GetTxData_Unlock_TheEntryStaysAndTheLockIsFree) {
+    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(1); }), kCannotUnlock);
+    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(1); }), kCannotUnlock);
+    EXPECT_EQ(transactions.memoryByTx.size(), 1U);
+    EXPECT_EQ(joins, 1);
+}
+
+TEST_F(LockFailure, Repository_EveryOperationTellsOfBoth) {
+    MoInterceptorBase interceptor;
+    EXPECT_EQ(whenLockFails([&] { repository.registerClass(interceptor, "A"); }), kCannotLock);
+    EXPECT_EQ(repository.getInterceptor("A"), nullptr);
+    EXPECT_EQ(whenUnlockFails([&] { repository.registerClass(interceptor, "A"); }), kCannotUnlock);
+    EXPECT_EQ(whenLockFails([&] { repository.getInterceptor("A"); }), kCannotLock);
+    EXPECT_EQ(whenUnlockFails([&] { repository.getInterceptor("A"); }), kCannotUnlock);
+    EXPECT_EQ(whenLockFails([&] { repository.deregisterClass("A"); }), kCannotLock);
+    EXPECT_EQ(repository.getInterceptor("A"), &interceptor);
+    EXPECT_EQ(whenUnlockFails([&] { repository.deregisterClass("A"); }), kCannotUnlock);
+    EXPECT_EQ(repository.getInterceptor("A"), nullptr);
+}
+
+TEST_F(LockFailure, Stop_OfEveryVersion_TellsOfBoth) {
+    const auto both = [&](auto& service, auto initialize) {
+        initialize();
+        service.start(OrvStateChangeReasonRequested);
+        EXPECT_EQ(whenLockFails([&] { service.stop(OrvStateChangeReasonRequested); }), kCannotLock);
+        EXPECT_EQ(whenUnlockFails([&] { service.stop(OrvStateChangeReasonRequested); }),
+                  kCannotUnlock);
+        EXPECT_EQ(service.stop(OrvStateChangeReasonRequested), OrvOk);
+    };
+    MoImpl one(mappings, transactions);
+    both(one, [&] { one.init(&portal); });
+    MoImpl3 three(mappings, transactions, biDirUtils, uniDirValidator);
+    both(three, [&] { three.init(&portal, &repository); });
+    MoImpl3_1 threeOne(mappings, transactions, biDirUtils, uniDirValidator);
+    both(threeOne, [&] { threeOne.init(&portal, &repository); });
+}
+
+TEST_F(LockFailure, Iterators_TheBoundaryAnswersFailureAndTheNextCallIsServed) {
+    MoImpl3 service(mappings, transactions, biDirUtils, uniDirValidator);
+    service.init(&portal, &repository);
+    service.start(OrvStateChangeReasonRequested);
+    OrvOamSpiManagedObject_3& table = *service.getMoInterface();
+    unsigned long long iterator = 0;
+    char* name = nullptr;
+    const auto open = [&] { return table.newMoIterator(1, "A=1", "B", &iterator); };
+    ASSERT_EQ(open(), OrvOk);
+    OrvReturnT code = OrvOk;
+    EXPECT_EQ(whenLockFails([&] { code = table.nextMo(iterator, &name); }), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(whenUnlockFails([&] { code = table.nextMo(iterator, &name); }), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(whenLockFails([&] { code = table.finalizeMoIterator(iterator); }), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(table.nextMo(iterator, &name), OrvOk);
+    // The registry's lock comes first, then that of the iterators.
+    EXPECT_EQ(whenLockFails([&] { code = open(); }, 2), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(iterator, 1U) << "the client's output keeps what the router wrote";
+    EXPECT_EQ(whenUnlockFails([&] { code = open(); }, 2), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(open(), OrvOk);
+}
+
+TEST_F(LockFailure, EndOfAnIterator_LeavesNoLivingHandleBehind) {
+    using Iterator = MoImpl3::MoIterator;
+    auto* const record = new Iterator(1);
+    record->enter(false);
+    const auto handle = std::bit_cast<unsigned long long>(record);
+    ASSERT_EQ(Iterator::find(handle), record);
+    EXPECT_EQ(whenLockFails([&] { delete record; }), "nothing");
+    EXPECT_EQ(Iterator::find(handle), nullptr);
+}
+
+// The first two locks of finish are those of the back-pointers and of the references.
+TEST(LockFailureOfTheService, Finish_RegistryLock_LeavesTheMemoryForTheNextFinish) {
+    OrvExtCmRouterService::ExtCmRouterService& service =
+        OrvExtCmRouterService::ExtCmRouterService::instance();
+    EXPECT_EQ(whenLockFails([&] { service.finish(1); }, 3), kCannotLock);
+    EXPECT_EQ(whenUnlockFails([&] { service.finish(1); }, 3), kCannotUnlock);
+    EXPECT_EQ(service.finish(1), OrvOk);
+}
