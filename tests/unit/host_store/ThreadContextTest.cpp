@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "store/ThreadContext.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace OrvHost {
+namespace {
+
+TEST(ThreadContextTest, AddMessage_ThroughTheTable_IsTakenInOrder) {
+    ThreadContext context;
+    VekMgmtSpiThreadContext_2* table = context.getInterface();
+    EXPECT_STREQ(table->identity.componentName, "VekMgmtSpiThreadContextService");
+    EXPECT_STREQ(table->identity.interfaceName, "VekMgmtSpiThreadContext");
+    EXPECT_STREQ(table->identity.interfaceVersion, "2");
+    std::string text = "one";
+    EXPECT_EQ(table->addMessage(1, text.c_str()), OrvOk);
+    text = "gone"; // the table borrows what it is given
+    EXPECT_EQ(table->addMessage(1, "two"), OrvOk);
+    EXPECT_EQ(context.size(), 2U);
+    const auto messages = context.take();
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_EQ(messages[0].text, "one");
+    EXPECT_EQ(messages[0].kind, 1);
+    EXPECT_EQ(messages[1].text, "two");
+    EXPECT_EQ(context.size(), 0U);
+}
+
+TEST(ThreadContextTest, AddMessage_NullText_IsRefused) {
+    ThreadContext context;
+    EXPECT_EQ(context.getInterface()->addMessage(1, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(context.size(), 0U);
+}
+
+TEST(ThreadContextTest, Take_FromAMark_LeavesWhatIsOlder) {
+    ThreadContext context;
+    context.addMessage(ThreadContext::Verdict, "old");
+    const std::size_t mark = context.size();
+    context.addMessage(ThreadContext::Explanation, "new");
+    const auto messages = context.take(mark);
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].text, "new");
+    EXPECT_EQ(context.take(5).size(), 0U);
+    context.clear();
+    EXPECT_EQ(context.size(), 0U);
+}
+
+TEST(ThreadContextTest, AddMessage_OnAnotherThread_IsNotSeenHere) {
+    ThreadContext context;
+    std::size_t seenThere = 0;
+    std::thread([&] {
+        context.getInterface()->addMessage(1, "there");
+        seenThere = context.size();
+    }).join();
+    EXPECT_EQ(seenThere, 1U);
+    EXPECT_EQ(context.size(), 0U);
+}
+
+TEST(ThreadContextDeathTest, Construct_Second_EndsTheProcess) {
+    ThreadContext context;
+    EXPECT_DEATH({ const ThreadContext second; }, "!theContext");
+}
+
+}
+}
