@@ -29,7 +29,7 @@ std::string escapeCharacter(char c) {
         break;
     }
     if (static_cast<unsigned char>(c) >= 0x20) {
-        return {1, c};
+        return std::string(1, c);
     }
     std::array<char, 8> buffer{};
     std::snprintf(buffer.data(), buffer.size(), "\\u%04x", static_cast<unsigned int>(c));

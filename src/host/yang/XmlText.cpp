@@ -30,7 +30,7 @@ std::string escapeCharacter(char c) {
     if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
         throw UnwritableValue("a text with a control character cannot be written as XML");
     }
-    return {1, c};
+    return std::string(1, c);
 }
 
 std::string escape(const std::string& text) {
