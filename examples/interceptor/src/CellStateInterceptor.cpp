@@ -15,8 +15,6 @@
 #include <utility>
 #include <vector>
 
-using OrvExtCmRouterService::MoInterceptorBase;
-
 namespace {
 
 // [moc-path]
