@@ -43,6 +43,9 @@ struct OrvMgmtSpiComponent_1 {
     bool componentFlag; ///< reserved for the host
 };
 
+static_assert(offsetof(OrvMgmtSpiComponent_1, componentName) == 0, "word 0");
+static_assert(offsetof(OrvMgmtSpiComponent_1, interfaceName) == 1 * sizeof(void*), "word 1");
+static_assert(offsetof(OrvMgmtSpiComponent_1, interfaceVersion) == 2 * sizeof(void*), "word 2");
 static_assert(offsetof(OrvMgmtSpiComponent_1, interfaceArray) == 3 * sizeof(void*), "word 3");
 static_assert(offsetof(OrvMgmtSpiComponent_1, dependencyArray) == 4 * sizeof(void*), "word 4");
 static_assert(offsetof(OrvMgmtSpiComponent_1, start) == 5 * sizeof(void*), "word 5");

@@ -111,6 +111,10 @@ struct OrvMoStructMember {
     OrvMoStructMember* next;
 };
 
+static_assert(OrvMoAttributeTypeString_3 == 9, "code of the tables");
+static_assert(OrvMoAttributeTypeMoRef_3 == 11, "code of the tables");
+static_assert(OrvMoAttributeTypeStruct_3 == 14, "code of the tables");
+static_assert(sizeof(OrvMoAttributeType_3) == 4, "32 bits");
 static_assert(sizeof(OrvMoAttributeValue_3) == 8, "slots have a stride of 8");
 static_assert(offsetof(OrvMoAttributeValueContainer_3, type) == 0, "first field");
 static_assert(offsetof(OrvMoAttributeValueContainer_3, count) == 4, "second field");
@@ -118,15 +122,19 @@ static_assert(offsetof(OrvMoAttributeValueContainer_3, values) == 8, "third fiel
 static_assert(sizeof(OrvMoAttributeValueContainer_3) == 16, "container");
 static_assert(offsetof(OrvMoStructMember_3, value) == 8, "second field");
 static_assert(offsetof(OrvMoStructMember_3, next) == 16, "third field");
+static_assert(sizeof(OrvMoStructMember_3) == 24, "struct member");
 static_assert(offsetof(OrvMoNamedAttributeValueContainer_3, value) == 8, "value is held inline");
 static_assert(sizeof(OrvMoNamedAttributeValueContainer_3) == 24, "named container");
 static_assert(offsetof(OrvMoAttributeValueResult_3, container) == 8, "second field");
 static_assert(offsetof(OrvMoAttributeValuesResult_3, containers) == 8, "second field");
+static_assert(sizeof(OrvMoAttributeValueResult_3) == 16, "result");
+static_assert(sizeof(OrvMoAttributeValuesResult_3) == 16, "result");
 static_assert(sizeof(OrvMoAttributeValue) == 8, "slots have a stride of 8");
 static_assert(offsetof(OrvMoAttributeValueContainer, count) == 4, "second field");
 static_assert(offsetof(OrvMoAttributeValueContainer, values) == 8, "third field");
 static_assert(sizeof(OrvMoAttributeValueContainer) == 16, "container");
 static_assert(offsetof(OrvMoStructMember, value) == 8, "second field");
 static_assert(offsetof(OrvMoStructMember, next) == 16, "third field");
+static_assert(sizeof(OrvMoStructMember) == 24, "struct member");
 
 #endif

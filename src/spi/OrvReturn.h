@@ -36,4 +36,6 @@ constexpr OrvReturnT OrvAlreadyExist = -3;     ///< the name is taken
 constexpr OrvReturnT OrvInvalidArgument = -8;  ///< an argument is not acceptable
 constexpr OrvReturnT OrvValidationFailed = -9; ///< a rule of the model is violated
 
+static_assert(sizeof(OrvReturnT) == 4, "32 bits");
+
 #endif

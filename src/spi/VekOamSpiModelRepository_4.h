@@ -218,6 +218,13 @@ constexpr std::size_t orvSpiWord(std::size_t index) {
 }
 
 static_assert(sizeof(VekOamSpiMrMocHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrBiDirAssociationHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrUniDirAssociationHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrAssociationEndHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrAttributeHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrTypeHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrGeneralPropertiesHandle_4T) == 8, "handles are 64 bits wide");
+static_assert(sizeof(VekOamSpiMrContainmentHandle_4T) == 8, "handles are 64 bits wide");
 static_assert(offsetof(VekOamSpiMrDnLookup_4, getMocFromDn) == orvSpiWord(2), "entry 2");
 static_assert(offsetof(VekOamSpiMrGeneralProperties_4, getGeneralStringProperty) == 0, "entry 0");
 static_assert(offsetof(VekOamSpiMrMocQueries_4, getMocGeneralProperties) == 0, "entry 0");
