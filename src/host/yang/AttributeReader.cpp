@@ -107,10 +107,11 @@ AttributeReader::read(const lysc_node* node, const std::string& className, bool 
 
 AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
                                                      const std::string& className, bool isFirst) {
-    TypeDef type = readType(node, mContext);
+    const bool isNaming = lysc_is_key(node) && !className.empty();
+    TypeDef type = isNaming ? readKeyType(node, mContext) : readType(node, mContext);
     Attribute attribute{AttributeSpec(node->name, type.kind), {}};
     attribute.spec.def.type = std::move(type);
-    attribute.spec.def.isNaming = lysc_is_key(node) && !className.empty();
+    attribute.spec.def.isNaming = isNaming;
     if (isReferenceByType(node) || mAssociations.isReference(node, className)) {
         tellReference(node, className, isFirst, attribute);
     }

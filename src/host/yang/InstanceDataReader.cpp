@@ -3,6 +3,7 @@
 
 #include "InstanceDataReader.h"
 
+#include "yang/DataFailure.h"
 #include "yang/TreeReader.h"
 #include "yang/YangContext.h"
 
@@ -93,44 +94,6 @@ LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
     refuse(label, 1, "JSON that begins with \"{\" or XML that begins with \"<\" was expected");
 }
 
-struct Hint {
-    const char* sign; ///< what the library's message holds
-    const char* text;
-};
-
-constexpr Hint kHints[] = {
-    {"must be namespace-qualified",
-     "the outermost names are written with their module, as in \"module:Name\""},
-    {"non-num64-encoded", "numbers of 64 bits and decimal numbers are written in quotes"},
-    {"non-string-encoded", "a text, and a number of 64 bits, is written in quotes"},
-    {"non-number-encoded", "a number of up to 32 bits is written without quotes"},
-    {"non-boolean-encoded", "true and false are written without quotes"},
-    {"non-empty-encoded", "the value of an empty leaf is written as [null]"},
-    {"Missing XML namespace",
-     "the outermost elements name their module's namespace: xmlns=\"...\""},
-    {"No module named", "the name before the colon is a module's, and the module must be loaded"},
-    {"No module with namespace", "the namespace is a module's, and the module must be loaded"},
-    {"missing its key", "every entry of a list has its key; it is the last part of the DN"},
-    {"to be represented as JSON", "lists are written as [...], containers as {...}"}};
-
-std::string hintFor(const std::string& message) {
-    for (const Hint& hint : kHints) {
-        if (message.find(hint.sign) != std::string::npos) {
-            return std::string(" (") + hint.text + ")";
-        }
-    }
-    return "";
-}
-
-[[noreturn]] void refuse(const std::string& label, const std::vector<YangMessage>& messages) {
-    if (messages.empty()) {
-        refuse(label, 0, "the data cannot be read");
-    }
-    const YangMessage& message = messages.front();
-    const std::string place = message.path.empty() ? "" : " at " + message.path;
-    refuse(label, message.line, message.text + hintFor(message.text) + place);
-}
-
 }
 
 InstanceDataReader::InstanceDataReader(std::shared_ptr<const YangSchema> schema)
@@ -189,7 +152,7 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
                                            LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
     const Tree tree(parsed);
     if (code != LY_SUCCESS) {
-        refuse(label, context.takeMessages());
+        throw InstanceDataError({describeFailure(context, label)});
     }
     TreeReader(*mSchema, label).read(tree.get(), [this, sink, &label](DataObject&& object) {
         if (sink != nullptr) {

@@ -93,24 +93,25 @@ void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
 }
 
 SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
-    mModulesOf[list->name].insert(list->module->name);
     const auto known = mClassByName.find(list->name);
-    if (known != mClassByName.end()) {
-        Class& moc = *known->second;
-        const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
-        if (!isSame) {
-            mProblems.push_back(
-                {mLocator.of(list),
-                 "class \"" + std::string(list->name) + "\" of module \"" + list->module->name +
-                     "\" has the name of a class of module \"" + moc.first->module->name +
-                     "\"; the steps of a DN name a class by its name alone, so it must be the only "
-                     "one"});
-        }
-        const Bounds more = instancesOf(list);
-        Bounds& instances = moc.spec.def.instances;
-        instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
-        return moc;
+    if (known == mClassByName.end()) {
+        return addClass(list);
     }
+    Class& moc = *known->second;
+    // A grouping that modules share makes one class, although each module has it as its own.
+    const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
+    if (!isSame) {
+        refuseName(list, moc);
+        return *mRefused.back();
+    }
+    mModulesOf[list->name].insert(list->module->name);
+    const Bounds more = instancesOf(list);
+    Bounds& instances = moc.spec.def.instances;
+    instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
+    return moc;
+}
+
+SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
     const Bounds instances = instancesOf(list);
     ClassSpec spec(list->name);
     spec.instances(instances.lower, instances.upper)
@@ -119,7 +120,18 @@ SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
     spec.def.namingAttribute = keyOf(list)->name;
     mClasses.push_back(std::make_unique<Class>(Class{std::move(spec), list}));
     mClassByName.emplace(list->name, mClasses.back().get());
+    mModulesOf[list->name].insert(list->module->name);
     return *mClasses.back();
+}
+
+void SchemaWalker::refuseName(const lysc_node* list, const Class& known) {
+    mProblems.push_back(
+        {mLocator.of(list), "class \"" + std::string(list->name) + "\" of module \"" +
+                                list->module->name + "\" has the name of a class of module \"" +
+                                known.first->module->name +
+                                "\"; the steps of a DN name a class by its name alone, so it must "
+                                "be the only one"});
+    mRefused.push_back(std::make_unique<Class>(Class{ClassSpec(list->name), list}));
 }
 
 void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,

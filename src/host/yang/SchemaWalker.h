@@ -47,6 +47,8 @@ private:
                       ObjectShape& shape);
     void walkActions(const lysc_node* list, Class& moc);
     Class& enterClass(const lysc_node* list);
+    Class& addClass(const lysc_node* list);
+    void refuseName(const lysc_node* list, const Class& known);
     void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
@@ -63,6 +65,7 @@ private:
     AssociationReader mAssociations;
     AttributeReader mAttributes;
     std::vector<std::unique_ptr<Class>> mClasses;
+    std::vector<std::unique_ptr<Class>> mRefused; ///< what has the name of another class
     std::map<std::string, Class*> mClassByName;
     std::map<std::string, std::set<std::string>> mModulesOf;
     std::vector<ContainmentSpec> mContainments;

@@ -368,6 +368,31 @@ TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>
     return result;
 }
 
+TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangContext>& context) {
+    TypeDef type = readType(node, context);
+    const bool isText = followLeafrefs(typeOfLeaf(node))->basetype == LY_TYPE_STRING;
+    if (type.kind == ValueKind::Enumeration || isText) {
+        return type;
+    }
+    type.kind = ValueKind::String;
+    type.check = [node, context](const std::string& text) {
+        return context->refusalOfName(node, text);
+    };
+    return type;
+}
+
+std::string expectedBy(const lysc_node* node) {
+    const lysc_type* type = followLeafrefs(typeOfLeaf(node));
+    if (kindOf(type) != ValueKind::Enumeration) {
+        return describeType(type);
+    }
+    std::string text;
+    for (const std::string& name : enumeratorsOf(type)) {
+        text += (text.empty() ? "one of " : ", ") + name;
+    }
+    return text;
+}
+
 std::vector<std::string> typedefsOf(const lysc_node* node) {
     std::vector<std::string> names;
     const auto* scope = static_cast<const lysp_node*>(node->priv);

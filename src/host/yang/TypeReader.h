@@ -28,6 +28,13 @@ ValueKind kindOf(const lysc_type* type);
 /// tell. The check in it keeps `context` alive if it needs it.
 TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>& context);
 
+/// The type of a key: a text whatever the type of the leaf, for it is a part of the DN, but for
+/// enumerations.
+TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangContext>& context);
+
+/// What a value of the leaf or leaf-list must be, for messages: "uint8 (1..4)", "one of UP, DOWN".
+std::string expectedBy(const lysc_node* node);
+
 /// The typedefs that the type of the leaf goes through, as "module:name", the nearest first.
 std::vector<std::string> typedefsOf(const lysc_node* node);
 

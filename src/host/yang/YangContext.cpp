@@ -98,16 +98,21 @@ private:
         }
         for (ModelProblem& problem : mProblems) {
             if (problem.source.file.empty()) {
-                problem.source.file = found->second.file;
-                problem.source.line =
-                    problem.source.line > 0 ? problem.source.line : lineOfImport(found->second);
+                const int line = problem.source.line;
+                problem.source = {found->second.file,
+                                  line > 0 ? line : lineOfCause(found->second, problem.text)};
             }
         }
     }
 
-    int lineOfImport(const ModuleText& module) const {
-        const int line = module.statements.lineOfFirst("import", mMissing);
-        return line > 0 ? line : module.statements.lineOfFirst("include", mMissing);
+    /// The library does not always tell a line.
+    int lineOfCause(const ModuleText& module, const std::string& text) const {
+        for (const char* keyword : {"import", "include"}) {
+            if (const int line = module.statements.lineOfFirst(keyword, mMissing); line > 0) {
+                return line;
+            }
+        }
+        return module.statements.lineOfMentioned(text);
     }
 
     const ModuleFinder& mFinder;
@@ -248,6 +253,22 @@ std::string YangContext::refusal(const lysc_node* node, const std::string& text)
         return "";
     }
     return messages.empty() ? "not a value of this type" : messages.front().text;
+}
+
+std::string YangContext::refusalOfName(const lysc_node* node, const std::string& text) const {
+    std::string refused = refusal(node, text);
+    if (!refused.empty()) {
+        return refused;
+    }
+    const std::lock_guard<std::mutex> lock(mValidation);
+    const char* canonical = nullptr;
+    lyd_value_validate(mContext, node, text.c_str(), text.size(), nullptr, nullptr, &canonical);
+    if (canonical != nullptr && text != canonical) {
+        refused = "\"" + text + "\" names an object as \"" + canonical + "\" only";
+    }
+    lydict_remove(mContext, canonical);
+    takeMessages();
+    return refused;
 }
 
 const lysc_type* YangContext::typeOf(const lysc_node* node, const std::string& text) const {

@@ -50,6 +50,10 @@ public:
     /// Why `text` is no value of that leaf or leaf-list; empty if it is one. Any thread.
     std::string refusal(const lysc_node* node, const std::string& text) const;
 
+    /// The same, and `text` must be in the canonical form of its type: "7" and not "007". Any
+    /// thread.
+    std::string refusalOfName(const lysc_node* node, const std::string& text) const;
+
     /// The type that `text` has as a value of that leaf or leaf-list: for a union the member that
     /// it belongs to. Null if it is no value. Any thread.
     const lysc_type* typeOf(const lysc_node* node, const std::string& text) const;

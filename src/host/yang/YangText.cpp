@@ -121,6 +121,19 @@ private:
 
 }
 
+std::string withSingleSpaces(std::string_view text) {
+    std::string single;
+    for (const char c : text) {
+        const bool isBlank = c == ' ' || c == '\t' || c == '\r' || c == '\n';
+        if (!isBlank) {
+            single += c;
+        } else if (!single.empty() && single.back() != ' ') {
+            single += ' ';
+        }
+    }
+    return single;
+}
+
 std::string_view withoutPrefix(std::string_view keyword) {
     const std::size_t colon = keyword.find(':');
     return colon == std::string_view::npos ? keyword : keyword.substr(colon + 1);
@@ -157,7 +170,7 @@ YangText::YangText(std::string_view text) {
 std::string YangText::pathOf(const Statement& statement) const {
     std::string own(withoutPrefix(statement.keyword));
     if (!statement.argument.empty()) {
-        own += " " + statement.argument;
+        own += " " + withSingleSpaces(statement.argument);
     }
     // The module itself is left out: its contents are found by their own names.
     const bool hasPath = statement.parent != kNone && mStatements[statement.parent].parent != kNone;
@@ -165,13 +178,23 @@ std::string YangText::pathOf(const Statement& statement) const {
 }
 
 int YangText::lineOf(const std::string& path) const {
-    const auto found = mLineByPath.find(path);
+    const auto found = mLineByPath.find(withSingleSpaces(path));
     return found == mLineByPath.end() ? 0 : found->second;
 }
 
 int YangText::lineOfFirst(std::string_view keyword, std::string_view argument) const {
     for (const Statement& statement : mStatements) {
         if (withoutPrefix(statement.keyword) == keyword && statement.argument == argument) {
+            return statement.line;
+        }
+    }
+    return 0;
+}
+
+int YangText::lineOfMentioned(const std::string& text) const {
+    for (const Statement& statement : mStatements) {
+        const bool hasPrefix = statement.keyword.find(':') != std::string::npos;
+        if (hasPrefix && text.find("\"" + statement.keyword + "\"") != std::string::npos) {
             return statement.line;
         }
     }

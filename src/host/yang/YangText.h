@@ -38,6 +38,10 @@ public:
     /// The line of the first statement with that keyword, without prefix, and argument; or 0.
     int lineOfFirst(std::string_view keyword, std::string_view argument) const;
 
+    /// The line of the first statement whose keyword, prefix included, stands in quotes in `text`;
+    /// 0 if there is none.
+    int lineOfMentioned(const std::string& text) const;
+
     /// Keyword and argument of the outermost statement; empty texts if there is none.
     const Statement& top() const;
 
@@ -52,6 +56,9 @@ private:
     std::vector<std::string> mPaths; ///< of the statement at the same position
     std::unordered_map<std::string, int> mLineByPath;
 };
+
+/// `text` with each run of blanks as one space: how an argument over several lines is compared.
+std::string withSingleSpaces(std::string_view text);
 
 /// `keyword` without its prefix.
 std::string_view withoutPrefix(std::string_view keyword);

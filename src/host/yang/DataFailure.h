@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_DATAFAILURE_H
+#define ORV_HOST_YANG_DATAFAILURE_H
+
+#include "model/ModelError.h"
+#include "yang/YangContext.h"
+
+#include <string>
+
+namespace OrvHost {
+
+/// Why the YANG library has just refused instance data: its message, taken out of the context, with
+/// what was expected and what usually helps. `label` stands for the data's file.
+ModelProblem describeFailure(const YangContext& context, const std::string& label);
+
+}
+
+#endif
