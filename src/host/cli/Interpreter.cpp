@@ -13,14 +13,17 @@ namespace OrvHost {
 namespace {
 
 std::string subjectText(const OperationSubject& subject) {
-    std::string text = subject.operation;
-    for (const std::string& part : {subject.dn, subject.className}) {
-        text += part.empty() ? "" : " " + part;
-    }
+    std::string text = subject.operation + " " + (subject.dn.empty() ? "/" : subject.dn);
+    text += subject.className.empty() ? "" : " " + subject.className;
     for (const std::string& attribute : subject.attributes) {
         text += " " + attribute;
     }
     return text;
+}
+
+// The router's own explanations speak of internal names; they are for when nothing better is known.
+bool isWanted(const ThreadContext::Message& message, const std::string& explanation) {
+    return message.kind != ThreadContext::Explanation || explanation.empty();
 }
 
 }
@@ -101,7 +104,7 @@ void Interpreter::print(const std::string& command, const std::string& place,
         std::string text = subjectText(error.subject()) + ": " + codeText(error.code());
         text += explanation.empty() ? "" : "\n  " + explanation;
         for (const ThreadContext::Message& message : error.messages()) {
-            text += "\n  host: " + message.text;
+            text += isWanted(message, explanation) ? "\n  host: " + message.text : "";
         }
         print(command, place, text);
         return;

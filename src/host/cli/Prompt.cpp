@@ -6,11 +6,16 @@
 #include "Layout.h"
 #include "WordSplitter.h"
 
-#include <histedit.h>
-
+#include <cerrno>
+#include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <cwchar>
 #include <system_error>
+
+#include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
 
 namespace OrvHost {
 
@@ -20,21 +25,41 @@ constexpr int kHistoryLines = 1000;
 
 void interruptReading(int) {}
 
-/// While it lives, Ctrl-C interrupts the reading of a line instead of ending the process.
+/// While it lives, Ctrl-C is kept back until somebody waits for a key with waitingMask, and then
+/// interrupts the waiting instead of ending the process. So none is lost between two keys.
 class InterruptGuard {
 public:
     InterruptGuard() {
         struct sigaction action {};
-        action.sa_handler = &interruptReading; // without SA_RESTART, so that the read returns
-        sigaction(SIGINT, &action, &mPrevious);
+        action.sa_handler = &interruptReading;
+        sigaction(SIGINT, &action, &mPreviousAction);
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigaddset(&blocked, SIGINT);
+        pthread_sigmask(SIG_BLOCK, &blocked, &mWaitingMask);
     }
-    ~InterruptGuard() { sigaction(SIGINT, &mPrevious, nullptr); }
+    ~InterruptGuard() {
+        pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr);
+        sigaction(SIGINT, &mPreviousAction, nullptr);
+    }
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
+    const sigset_t& waitingMask() const { return mWaitingMask; }
+
 private:
-    struct sigaction mPrevious {};
+    struct sigaction mPreviousAction {};
+    sigset_t mWaitingMask{};
 };
+
+// One byte from the terminal: its number, 0 at the end, -1 for a failure or Ctrl-C (EINTR).
+ssize_t readByte(const sigset_t& mask, char& byte) {
+    pollfd waiting{STDIN_FILENO, POLLIN, 0};
+    if (ppoll(&waiting, 1, nullptr, &mask) < 0) {
+        return -1;
+    }
+    return read(STDIN_FILENO, &byte, 1);
+}
 
 std::string withoutLineEnd(const char* text, int length) {
     std::string line(text, static_cast<std::size_t>(length));
@@ -58,10 +83,13 @@ public:
           mHistoryFile(std::move(historyFile)),
           mEditLine(el_init("orvhost", stdin, stdout, stderr)),
           mHistory(history_init()) {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs while there is a prompt
+        std::setlocale(LC_CTYPE, ""); // for characters of several bytes
         HistEvent event;
         history(mHistory, &event, H_SETSIZE, kHistoryLines);
         history(mHistory, &event, H_SETUNIQUE, 1);
         el_set(mEditLine, EL_CLIENTDATA, this);
+        el_set(mEditLine, EL_GETCFN, &readCharacter);
         el_set(mEditLine, EL_PROMPT, &promptText);
         el_set(mEditLine, EL_EDITOR, "emacs");
         el_set(mEditLine, EL_HIST, &history, mHistory);
@@ -79,11 +107,14 @@ public:
 
     std::optional<std::string> readLine() {
         const InterruptGuard guard;
-        errno = 0;
+        mGuard = &guard;
+        mIsInterrupted = false;
+        // Ahead of the prompt, so that no key is taken by the terminal once the prompt shows.
+        el_set(mEditLine, EL_PREP_TERM, 1);
         int length = 0;
         const char* text = el_gets(mEditLine, &length);
         if (text == nullptr || length <= 0) {
-            return atNoLine(length);
+            return atNoLine();
         }
         std::string line = withoutLineEnd(text, length);
         if (!line.empty()) {
@@ -99,13 +130,39 @@ private:
         return text;
     }
 
-    std::optional<std::string> atNoLine(int length) {
+    std::optional<std::string> atNoLine() {
         std::fputs("\n", stdout);
-        if (length < 0 && errno == EINTR) {
+        el_set(mEditLine, EL_PREP_TERM, 0);
+        if (mIsInterrupted) {
             el_reset(mEditLine);
             return std::string();
         }
         return std::nullopt;
+    }
+
+    // One character, which can be several bytes. The result is that of readByte.
+    static int readCharacter(EditLine* editLine, wchar_t* character) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->nextCharacter(*character);
+    }
+
+    int nextCharacter(wchar_t& character) {
+        std::mbstate_t state{};
+        for (;;) {
+            char byte = 0;
+            const ssize_t count = readByte(mGuard->waitingMask(), byte);
+            if (count <= 0) {
+                mIsInterrupted = count < 0 && errno == EINTR;
+                return static_cast<int>(count);
+            }
+            const std::size_t length = std::mbrtowc(&character, &byte, 1, &state);
+            if (length == static_cast<std::size_t>(-1)) {
+                state = {};
+            } else if (length != static_cast<std::size_t>(-2)) {
+                return 1;
+            }
+        }
     }
 
     static unsigned char completeWord(EditLine* editLine, int) {
@@ -169,6 +226,8 @@ private:
     std::filesystem::path mHistoryFile;
     EditLine* mEditLine;
     History* mHistory;
+    const InterruptGuard* mGuard = nullptr; ///< while a line is read
+    bool mIsInterrupted = false;
 };
 
 Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)

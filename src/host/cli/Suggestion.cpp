@@ -16,20 +16,25 @@ char lower(char character) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
 }
 
-// Number of letters to insert, remove or exchange, case aside.
+// Number of letters to insert, remove or exchange, or of neighbours to swap; case aside.
 std::size_t distance(const std::string& left, const std::string& right) {
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t exchanged = diagonal + (lower(left[i]) == lower(right[j]) ? 0U : 1U);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({exchanged, row[j] + 1, diagonal + 1});
+    std::vector<std::vector<std::size_t>> steps(left.size() + 1,
+                                                std::vector<std::size_t>(right.size() + 1));
+    std::iota(steps[0].begin(), steps[0].end(), std::size_t{0});
+    for (std::size_t i = 1; i <= left.size(); ++i) {
+        steps[i][0] = i;
+        for (std::size_t j = 1; j <= right.size(); ++j) {
+            const bool isSame = lower(left[i - 1]) == lower(right[j - 1]);
+            steps[i][j] = std::min({steps[i - 1][j - 1] + (isSame ? 0U : 1U), steps[i - 1][j] + 1,
+                                    steps[i][j - 1] + 1});
+            const bool isSwapped = i > 1 && j > 1 && lower(left[i - 1]) == lower(right[j - 2]) &&
+                                   lower(left[i - 2]) == lower(right[j - 1]);
+            if (isSwapped) {
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
         }
     }
-    return row.back();
+    return steps.back().back();
 }
 
 }

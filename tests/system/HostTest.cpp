@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The reference host as a library, with the built component loaded into it.
+
+#include "runtime/Host.h"
+
+#include "model/ModelBuilder.h"
+#include "runtime/DataSet.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace {
+
+using namespace OrvHost;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Field;
+using testing::IsEmpty;
+
+constexpr VekMgmtSpiInterface_1 kClientTable{"OrvOamSpiExtCmRouterService",
+                                             "OrvOamSpiManagedObject", "3"};
+
+class HostTest : public testing::Test {
+protected:
+    static Model makeModel() {
+        return ModelBuilder()
+            .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
+            .add(ClassSpec("Mast").key("mastId").attribute(AttributeSpec::integer("height")))
+            .contain("ManagedElement", "Mast")
+            .build();
+    }
+
+    static void load(Host& host) {
+        DataSet data(host.model());
+        data.add({"ManagedElement=1", {}, {}});
+        data.add(
+            {"ManagedElement=1,Mast=a", {{"height", {ValueKind::Int, {std::int64_t{30}}}}}, {}});
+        ASSERT_THAT(data.check(), IsEmpty());
+        ASSERT_THAT(data.moveInto(host.store()), IsEmpty());
+    }
+
+    static HostOptions knownAs(const std::string& identity) {
+        HostOptions options;
+        options.preferredIdentity = identity;
+        return options;
+    }
+
+    Model mModel = makeModel();
+};
+
+TEST_F(HostTest, Start_WithTheComponent_OffersItsFiveInterfaces) {
+    Host host(mModel);
+    host.loadComponent(EXT_CM_PATH);
+    EXPECT_THAT(host.start(), Each(Field(&ComponentReport::state, ComponentState::Started)));
+    for (const VekMgmtSpiInterface_1& id :
+         {VekMgmtSpiInterface_1{kClientTable.componentName, "OrvOamSpiManagedObject", "1"},
+          kClientTable,
+          VekMgmtSpiInterface_1{kClientTable.componentName, "VekOamSpiManagedObject", "3_1"},
+          VekMgmtSpiInterface_1{kClientTable.componentName, "OrvOamSpiTransactionalResource", "2"},
+          VekMgmtSpiInterface_1{kClientTable.componentName, "ExtCmInterceptorRepositoryI", "1"}}) {
+        EXPECT_NE(host.find<void>(id), nullptr) << id.interfaceName << id.interfaceVersion;
+    }
+    EXPECT_THAT(host.shutdown(), IsEmpty());
+    EXPECT_EQ(host.find<void>(kClientTable), nullptr);
+}
+
+TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
+    Host host(mModel, knownAs("east"));
+    load(host);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
+    ASSERT_NE(client, nullptr);
+    const Host::ReadTransaction transaction(host);
+    bool exists = false;
+    EXPECT_EQ(client->existsMo(transaction.handle(), "ManagedElement=east,Mast=a", &exists), OrvOk);
+    EXPECT_TRUE(exists);
+    OrvMoAttributeValueResult_3 result{};
+    ASSERT_EQ(client->getMoAttribute(transaction.handle(), "ManagedElement=east,Mast=a", "height",
+                                     &result),
+              OrvOk);
+    EXPECT_EQ(result.container->values[0].int64, 30);
+    result.release(result.container);
+    EXPECT_EQ(client->existsMo(transaction.handle(), "ManagedElement=1", &exists), OrvNotExist);
+}
+
+TEST_F(HostTest, Iterator_AfterItsTransaction_IsUnknown) {
+    Host host(mModel, knownAs("east"));
+    load(host);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
+    unsigned long long iterator = 0;
+    char* name = nullptr;
+    {
+        const Host::ReadTransaction transaction(host);
+        ASSERT_EQ(client->newMoIterator(transaction.handle(), "", "ManagedElement", &iterator),
+                  OrvOk);
+        ASSERT_EQ(client->nextMo(iterator, &name), OrvOk);
+        EXPECT_STREQ(name, "east");
+    }
+    EXPECT_EQ(client->nextMo(iterator, &name), OrvNotActive);
+}
+
+TEST_F(HostTest, Shutdown_WithTransactionsOpen_EndsThemFirst) {
+    Host host(mModel);
+    load(host);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
+    const unsigned long txHandle = host.transactions().begin();
+    unsigned long long iterator = 0;
+    ASSERT_EQ(client->newMoIterator(txHandle, "ManagedElement=1", "Mast", &iterator), OrvOk);
+    EXPECT_EQ(host.transactions().openCount(), 1u);
+    EXPECT_THAT(host.shutdown(), IsEmpty());
+    EXPECT_EQ(host.transactions().openCount(), 0u);
+    EXPECT_THAT(host.shutdown(), IsEmpty());
+}
+
+TEST_F(HostTest, Portals_OnlyVersionOne_ComponentWorksAndItsRecordIsDropped) {
+    HostOptions options;
+    options.portals = {true, false};
+    Host host(mModel, options);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    EXPECT_NE(host.find<void>(kClientTable), nullptr);
+    EXPECT_THAT(host.shutdown(), IsEmpty());
+    EXPECT_THAT(host.components().components(), IsEmpty());
+}
+
+TEST_F(HostTest, Portals_OnlyVersionThree_ComponentRefuses) {
+    HostOptions options;
+    options.portals = {false, true};
+    Host host(mModel, options);
+    try {
+        host.loadComponent(EXT_CM_PATH);
+        FAIL() << "loaded";
+    } catch (const ComponentLoadError& failure) {
+        EXPECT_EQ(failure.reason(), ComponentLoadError::Reason::InitRefused);
+        EXPECT_EQ(failure.code(), OrvFailure);
+    }
+    EXPECT_THAT(host.loader().loaded(), IsEmpty());
+    EXPECT_THAT(host.components().components(), IsEmpty());
+}
+
+TEST_F(HostTest, Interceptor_LoadedFirst_IsStartedAfterTheComponentAndStoppedBefore) {
+    Host host(mModel);
+    host.loadComponent(INTERCEPTOR_PATH);
+    host.loadComponent(EXT_CM_PATH);
+    const auto reports = host.start();
+    ASSERT_EQ(reports.size(), 2u);
+    EXPECT_EQ(reports[0].name, "OrvOamSpiExtCmRouterService");
+    EXPECT_THAT(reports, Each(Field(&ComponentReport::state, ComponentState::Started)));
+    const auto stopped = host.components().stopAll(OrvStateChangeReasonRequested);
+    ASSERT_EQ(stopped.size(), 2u);
+    EXPECT_EQ(stopped[1].name, "OrvOamSpiExtCmRouterService");
+}
+
+TEST_F(HostTest, Interceptor_WithoutTheComponent_IsNotStarted) {
+    Host host(mModel);
+    host.loadComponent(INTERCEPTOR_PATH);
+    const auto reports = host.start();
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_EQ(reports[0].state, ComponentState::Blocked);
+    EXPECT_THAT(reports[0].problem, testing::HasSubstr("ExtCmInterceptorRepositoryI"));
+}
+
+TEST_F(HostTest, Host_OneAfterTheOther_BothWork) {
+    for (const char* identity : {"east", "west"}) {
+        Host host(mModel, knownAs(identity));
+        load(host);
+        host.loadComponent(EXT_CM_PATH);
+        host.start();
+        auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
+        ASSERT_NE(client, nullptr);
+        const Host::ReadTransaction transaction(host);
+        bool exists = false;
+        const std::string dn = std::string("ManagedElement=") + identity;
+        EXPECT_EQ(client->existsMo(transaction.handle(), dn.c_str(), &exists), OrvOk);
+        EXPECT_TRUE(exists);
+    }
+}
+
+}

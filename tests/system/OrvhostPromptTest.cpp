@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The prompt, as somebody at a terminal meets it.
+
+#include "Program.h"
+#include "Terminal.h"
+
+#include <gmock/gmock.h>
+
+namespace SystemTest {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kPrompt = "orvhost> ";
+constexpr const char* kControlC = "\x03";
+constexpr const char* kControlD = "\x04";
+constexpr const char* kUp = "\x1b[A";
+
+class OrvhostPromptTest : public testing::Test {
+protected:
+    std::vector<std::string> arguments() const {
+        return withSite({"--history", (mDirectory.path() / "history").string()});
+    }
+
+    TemporaryDirectory mDirectory;
+};
+
+TEST_F(OrvhostPromptTest, Line_Entered_IsAnsweredAndThePromptComesBack) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("count ManagedElement=east Mast\r");
+    EXPECT_TRUE(terminal.waitFor("\n2\r\n")) << terminal.seen();
+    EXPECT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Error_AtThePrompt_DoesNotEndTheSession) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("gte x\r");
+    EXPECT_TRUE(terminal.waitFor("Did you mean get?")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("exists ManagedElement=east\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_OneCandidate_CompletesTheWord) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("exi\t");
+    ASSERT_TRUE(terminal.waitFor("sts ")) << terminal.seen();
+    terminal.type("Man\t");
+    ASSERT_TRUE(terminal.waitFor("agedElement=")) << terminal.seen();
+    terminal.type("\t");
+    ASSERT_TRUE(terminal.waitFor("east ")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_SeveralCandidates_ShowsThem) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("get ManagedElement=east,\t");
+    ASSERT_TRUE(terminal.waitFor("Mast=")) << terminal.seen();
+    EXPECT_TRUE(terminal.waitFor("Antenna=")) << terminal.seen();
+    EXPECT_TRUE(terminal.waitFor("Battery=")) << terminal.seen();
+    terminal.type("Mast=a hei\t\r");
+    EXPECT_TRUE(terminal.waitFor("\n30\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, History_OfAnEarlierSession_ComesWithTheUpKey) {
+    {
+        Terminal first(arguments());
+        ASSERT_TRUE(first.waitFor(kPrompt));
+        first.type("count / ManagedElement\r");
+        ASSERT_TRUE(first.waitFor("\n1\r\n")) << first.seen();
+        ASSERT_TRUE(first.waitFor(kPrompt));
+        first.type(kControlD);
+        EXPECT_EQ(first.finish(), 0);
+    }
+    Terminal second(arguments());
+    ASSERT_TRUE(second.waitFor(kPrompt));
+    second.type(kUp);
+    ASSERT_TRUE(second.waitFor("count / ManagedElement")) << second.seen();
+    second.type("\r");
+    EXPECT_TRUE(second.waitFor("\n1\r\n")) << second.seen();
+    ASSERT_TRUE(second.waitFor(kPrompt));
+    second.type(kControlD);
+    EXPECT_EQ(second.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, ControlC_OnALine_GivesItUpAndGoesOn) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("get nonsense");
+    ASSERT_TRUE(terminal.waitFor("nonsense"));
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("exists ManagedElement=east\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+}
+}

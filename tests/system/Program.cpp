@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Program.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace SystemTest {
+
+namespace {
+
+void redirect(int descriptor, const std::string& path, int flags) {
+    const int file = open(path.c_str(), flags, 0600);
+    if (file < 0 || dup2(file, descriptor) < 0) {
+        _exit(126);
+    }
+    close(file);
+}
+
+int waitFor(pid_t child) {
+    int status = 0;
+    if (waitpid(child, &status, 0) != child) {
+        throw std::runtime_error("waitpid failed");
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}
+
+TemporaryDirectory::TemporaryDirectory() {
+    std::string name = (std::filesystem::temp_directory_path() / "orvhost_test.XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("mkdtemp failed");
+    }
+    mPath = name;
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+}
+
+std::string TemporaryDirectory::file(const std::string& name, const std::string& text) const {
+    const std::filesystem::path path = mPath / name;
+    std::ofstream(path) << text;
+    return path.string();
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words{ORVHOST_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    if (chdir(TEST_DATA_DIR) == 0) {
+        execv(ORVHOST_PROGRAM, pointers.data());
+    }
+    _exit(127);
+}
+
+ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::string& input) {
+    const TemporaryDirectory directory;
+    const std::string in = directory.file("in", input);
+    const std::string out = directory.file("out", "");
+    const std::string err = directory.file("err", "");
+    const pid_t child = fork();
+    if (child < 0) {
+        throw std::runtime_error("fork failed");
+    }
+    if (child == 0) {
+        redirect(STDIN_FILENO, in, O_RDONLY);
+        redirect(STDOUT_FILENO, out, O_WRONLY | O_TRUNC);
+        redirect(STDERR_FILENO, err, O_WRONLY | O_TRUNC);
+        becomeOrvhost(arguments);
+    }
+    const int status = waitFor(child);
+    return {status, readFile(out), readFile(err)};
+}
+
+std::vector<std::string> withSite(const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"-I",    "models", "-m",      "site",    "-m",
+                                       "power", "-d",     "network", "--me-id", "east"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+}
+
+ProgramResult runCommands(const std::vector<std::string>& commands,
+                          const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = withSite(options);
+    for (const std::string& command : commands) {
+        arguments.insert(arguments.end(), {"-c", command});
+    }
+    return runOrvhost(arguments);
+}
+
+}

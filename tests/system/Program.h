@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_SYSTEM_PROGRAM_H
+#define ORV_TESTS_SYSTEM_PROGRAM_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace SystemTest {
+
+/// What a program left behind.
+struct ProgramResult {
+    int status = -1; ///< exit status, or -1 if a signal ended it
+    std::string out;
+    std::string err;
+};
+
+/// A directory that goes with the object.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory();
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    std::filesystem::path path() const { return mPath; }
+    /// Writes a file and gives its path.
+    std::string file(const std::string& name, const std::string& text) const;
+
+private:
+    std::filesystem::path mPath;
+};
+
+/// Runs orvhost in the directory of test data until it ends.
+ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::string& input = {});
+
+/// The options that load the small model and its data, followed by \p more.
+std::vector<std::string> withSite(const std::vector<std::string>& more);
+
+/// Runs orvhost with the small model and one command line for each of \p commands.
+ProgramResult runCommands(const std::vector<std::string>& commands,
+                          const std::vector<std::string>& options = {});
+
+/// For the child behind fork: replaces the process by orvhost. Does not return.
+[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments);
+
+std::string readFile(const std::filesystem::path& path);
+
+}
+
+#endif
