@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <new>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
@@ -31,6 +32,10 @@ struct Operation {
     std::string call;
     std::function<OrvReturnT(const Host&)> run;
 };
+
+void PrintTo(const Operation& operation, std::ostream* out) {
+    *out << operation.name;
+}
 
 std::vector<Operation> readOperations() {
     return {{"exists", "Router3.existsMo",
@@ -54,10 +59,6 @@ std::vector<Operation> readOperations() {
             {"next1", "Router1.nextMo", [](const Host& host) {
                  return host.client1().next(host.client1().open(1, "A=1", "B").thing).code;
              }}};
-}
-
-std::string nameOf(const testing::TestParamInfo<Operation>& info) {
-    return info.param.name;
 }
 
 }
@@ -128,7 +129,7 @@ TEST_P(AnyOperation, Level8_TheOperationOpensAndClosesTheTraces) {
     EXPECT_THAT(host.logs().back(), StartsWith("trace2 ExtCm 14 " + function + ":  << "));
 }
 
-INSTANTIATE_TEST_SUITE_P(Reads, AnyOperation, testing::ValuesIn(readOperations()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Reads, AnyOperation, testing::ValuesIn(readOperations()));
 
 TEST(Gate, Level3_LetsALogOfLevel3OutAndNoneOfLevel4) {
     Host host;

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -162,6 +163,10 @@ struct Naming {
     std::string created;
     std::string plain;
 };
+
+void PrintTo(const Naming& naming, std::ostream* out) {
+    *out << naming.created;
+}
 
 class CreatedDn : public Create, public testing::WithParamInterface<Naming> {};
 

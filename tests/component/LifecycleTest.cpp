@@ -9,9 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
-#include <tuple>
 #include <vector>
 
 using namespace Scripted;
@@ -316,6 +316,10 @@ struct MissingRouter {
     std::vector<std::string> retried; ///< by the next one, with the router there
 };
 
+void PrintTo(const MissingRouter& missing, std::ostream* out) {
+    PrintTo(missing.part, out);
+}
+
 class StartWithoutRouter : public testing::TestWithParam<MissingRouter> {};
 
 TEST_P(StartWithoutRouter, FailsAndTheNextStartRetriesExactlyTheRest) {
@@ -379,6 +383,10 @@ struct MissingInterface {
     std::vector<std::string> lookups;
     std::size_t reports; ///< one for each object that looked
 };
+
+void PrintTo(const MissingInterface& missing, std::ostream* out) {
+    PrintTo(missing.part, out);
+}
 
 class StartWithout : public testing::TestWithParam<MissingInterface> {};
 

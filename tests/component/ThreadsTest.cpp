@@ -190,3 +190,43 @@ TEST_F(Threads, TracingAtFullLevel_BesideReadersAndIterators) {
     });
     EXPECT_FALSE(host.logRecords().empty());
 }
+
+TEST_F(Threads, WritersOfOwnTransactions_EachSeesItsOwnVerdict) {
+    host.model().biDir({"Unit", "cells", 0, 1}, {"Cell", "unit", 0, 1});
+    host.model().uniDir("Unit", "site", "Site", 0, 1);
+    onThreads([&](unsigned long thread) {
+        const std::string name = "w" + std::to_string(thread);
+        const std::string mine = "ManagedElement=paris,Unit=" + name;
+        const std::string cell = "ManagedElement=paris,Cell=" + name;
+        for (int i = 0; i < 50; ++i) {
+            bool result = false;
+            EXPECT_EQ(host.client().create(thread, "ManagedElement=paris", "Unit", "unitId", name,
+                                           {{"cells", refs({cell})}}),
+                      OrvOk);
+            EXPECT_EQ(host.client().create(thread, "ManagedElement=paris", "Cell", "cellId", name),
+                      OrvOk);
+            EXPECT_EQ(host.client3_1().set(thread, mine, {{"site", refs({"Site=1"})}}), OrvOk);
+            EXPECT_EQ(host.resource().validate(thread, &result), OrvOk);
+            EXPECT_TRUE(result);
+            EXPECT_EQ(host.world().references("ManagedElement=1,Cell=" + name, "unit"),
+                      std::vector<std::string>{"ManagedElement=1,Unit=" + name});
+            EXPECT_EQ(host.client().set(thread, mine, "site", refs({"Site=1", "Site=2"})), OrvOk);
+            EXPECT_EQ(host.resource().validate(thread, &result), OrvOk);
+            EXPECT_FALSE(result);
+            EXPECT_EQ(host.client().remove(thread, mine), OrvOk);
+            EXPECT_EQ(host.client().remove(thread, cell), OrvOk);
+            EXPECT_EQ(host.resource().finish(thread), OrvOk);
+        }
+    });
+}
+
+TEST_F(Threads, Version1BesideVersion3_EachKeepsItsMemory) {
+    onThreads([&](unsigned long thread) {
+        for (int i = 0; i < kRounds; ++i) {
+            const auto old = host.client1().get(thread, kUnit, "to");
+            EXPECT_EQ(readValue(old.thing), refs({kUnit, kUnit}));
+            EXPECT_EQ(host.client().get(thread, kUnit, "to").value(), refs({kUnit, kUnit}));
+            EXPECT_EQ(host.resource().finish(thread), OrvOk);
+        }
+    });
+}

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -151,13 +151,20 @@ TEST_F(Transactions, FinishOfOne_LeavesTheIteratorsOfTheOthers) {
     EXPECT_EQ(host.client().next(other.thing).thing, "1");
 }
 
-class AnyPhase
-    : public Transactions,
-      public testing::WithParamInterface<std::pair<
-          std::string, OrvReturnT (*OrvOamSpiTransactionalResource_2::*)(unsigned long)>> {
+/// A slot of the resource that takes nothing but the handle.
+struct Phase {
+    std::string name;
+    OrvReturnT (*OrvOamSpiTransactionalResource_2::*slot)(unsigned long);
+};
+
+void PrintTo(const Phase& phase, std::ostream* out) {
+    *out << phase.name;
+}
+
+class AnyPhase : public Transactions, public testing::WithParamInterface<Phase> {
 protected:
     OrvReturnT run(unsigned long txHandle) const {
-        return (host.resource().*GetParam().second)(txHandle);
+        return (host.resource().*GetParam().slot)(txHandle);
     }
 };
 
@@ -171,9 +178,9 @@ TEST_P(AnyPhase, UnknownHandle_IsOkAndCallsNobody) {
 TEST_P(AnyPhase, Level8_TracesTheHandle) {
     host.logLevel(8);
     EXPECT_EQ(run(99), OrvOk);
-    EXPECT_EQ(host.logs().at(0), "trace 9 " + GetParam().first + ":  >> txHandle: 99");
-    EXPECT_EQ(host.logs().at(1), "trace2 ExtCm 14 " + GetParam().first + ":  >> txHandle: 99");
-    EXPECT_THAT(host.logs().back(), StartsWith("trace2 ExtCm 14 " + GetParam().first + ":  << "));
+    EXPECT_EQ(host.logs().at(0), "trace 9 " + GetParam().name + ":  >> txHandle: 99");
+    EXPECT_EQ(host.logs().at(1), "trace2 ExtCm 14 " + GetParam().name + ":  >> txHandle: 99");
+    EXPECT_THAT(host.logs().back(), StartsWith("trace2 ExtCm 14 " + GetParam().name + ":  << "));
 }
 
 TEST_P(AnyPhase, Stopped_IsOk) {
@@ -183,12 +190,11 @@ TEST_P(AnyPhase, Stopped_IsOk) {
 
 INSTANTIATE_TEST_SUITE_P(
     Phases, AnyPhase,
-    testing::Values(std::pair("join", &OrvOamSpiTransactionalResource_2::join),
-                    std::pair("prepare", &OrvOamSpiTransactionalResource_2::prepare),
-                    std::pair("commit", &OrvOamSpiTransactionalResource_2::commit),
-                    std::pair("abort", &OrvOamSpiTransactionalResource_2::abort),
-                    std::pair("finish", &OrvOamSpiTransactionalResource_2::finish)),
-    [](const auto& phase) { return phase.param.first; });
+    testing::Values(Phase{"join", &OrvOamSpiTransactionalResource_2::join},
+                    Phase{"prepare", &OrvOamSpiTransactionalResource_2::prepare},
+                    Phase{"commit", &OrvOamSpiTransactionalResource_2::commit},
+                    Phase{"abort", &OrvOamSpiTransactionalResource_2::abort},
+                    Phase{"finish", &OrvOamSpiTransactionalResource_2::finish}));
 
 TEST_F(Transactions, PrepareCommitAbort_DropNothing) {
     const auto iterator = open(5);

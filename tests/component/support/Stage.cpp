@@ -3,9 +3,42 @@
 
 #include "Stage.h"
 
+#include <ostream>
 #include <stdexcept>
 
 namespace Scripted {
+
+void PrintTo(Part part, std::ostream* out) {
+    switch (part) {
+    case Part::Portal1:
+        *out << "Portal1";
+        return;
+    case Part::Portal3:
+        *out << "Portal3";
+        return;
+    case Part::Router1:
+        *out << "Router1";
+        return;
+    case Part::Router3:
+        *out << "Router3";
+        return;
+    case Part::Router3_1:
+        *out << "Router3_1";
+        return;
+    case Part::VekRouter3:
+        *out << "VekRouter3";
+        return;
+    case Part::ModelRepository:
+        *out << "ModelRepository";
+        return;
+    case Part::ThreadContext:
+        *out << "ThreadContext";
+        return;
+    case Part::TransactionTable:
+        *out << "TransactionTable";
+        return;
+    }
+}
 
 Stage* Stage::sCurrent = nullptr;
 

@@ -17,6 +17,7 @@
 #include "VekOamSpiModelRepository_4.h"
 #include "World.h"
 
+#include <iosfwd>
 #include <mutex>
 #include <set>
 #include <string>
@@ -36,6 +37,9 @@ enum class Part {
     ThreadContext,
     TransactionTable
 };
+
+/// The part's name, in what GoogleTest prints.
+void PrintTo(Part part, std::ostream* out);
 
 /// What the functions behind the host's tables work on. A table function is handed no object, so
 /// there is one stage at a time, which they find by current().
