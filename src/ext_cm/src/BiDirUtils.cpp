@@ -117,6 +117,13 @@ OrvReturnT BiDirUtils::lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) c
     return code;
 }
 
+/// The name of the attribute on the far side of \p end. What a transaction queued before a stop can
+/// be applied after a start that has found no repository: then the name is empty and the edit
+/// fails.
+const char* BiDirUtils::backPointerOf(VekOamSpiMrAssociationEndHandle_4T end) const {
+    return hasModel() ? textOrEmpty(ModelReader(modelRepository).endName(end)) : "";
+}
+
 OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
                                        std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs) {
     using Handle = VekOamSpiMrBiDirAssociationHandle_4T;
@@ -191,7 +198,7 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
         removePendingBackPointerFromQueue(txHandle, dnToRemove, sourceAttribute);
         return;
     }
-    const char* const backPointer = textOrEmpty(ModelReader(modelRepository).endName(end));
+    const char* const backPointer = backPointerOf(end);
     ReadResult present;
     const OrvReturnT code = router.read(txHandle, targetDn, backPointer, present);
     if (code != OrvOk) {
@@ -211,7 +218,7 @@ void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn
                                     const char* sourceAttribute) {
     const Poco::Mutex::ScopedLock lock(mMutex);
     const Router router(moRouter);
-    const char* const backPointer = textOrEmpty(ModelReader(modelRepository).endName(end));
+    const char* const backPointer = backPointerOf(end);
     if (!router.certainlyExists(txHandle, targetDn)) {
         pendingBackPointers.emplace(
             targetDn, BackPointerData{txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
@@ -260,7 +267,7 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
                                                    const VekMoAttributeValueContainer_3* newValue,
                                                    bool isNewMo) {
     ORV_TRACE_ENTRY(" >> dn = %s, attributeName = %s", dn, attributeName);
-    if (modelRepository == nullptr) {
+    if (!hasModel()) {
         ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
         return OrvFailure;
     }
@@ -334,7 +341,7 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
 // A deleted MO
 
 OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
-    if (modelRepository == nullptr) {
+    if (!hasModel()) {
         ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
         return OrvFailure;
     }

@@ -58,6 +58,9 @@ public:
     /// Lets go of router and repository. The stores stay: they end per transaction.
     virtual void stop();
 
+    /// False while there is no model repository, so that nothing can be asked of the model.
+    bool hasModel() const { return modelRepository != nullptr; }
+
     /// Makes the far sides follow a write of the reference attribute \p attributeName of \p dn.
     /// To be called before the router has the new value, or, with \p isNewMo, after it has created
     /// the MO. \p newValue holds references and is not null.
@@ -94,6 +97,7 @@ public:
     virtual void removePendingBackpointersForTransaction(unsigned long txHandle);
 
     /// Appends the bidirectional associations of \p moc in the model's order. Always OrvOk.
+    /// This and the following need a model.
     virtual OrvReturnT getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
                                        std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs);
 
@@ -174,6 +178,7 @@ private:
     using PendingRecord = std::multimap<std::string, BackPointerData>::iterator;
 
     OrvReturnT lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const;
+    const char* backPointerOf(VekOamSpiMrAssociationEndHandle_4T end) const;
     OrvReturnT editFarSides(const Source& source, VekOamSpiMrMocHandle_4T moc,
                             VekOamSpiMrBiDirAssociationHandle_4T bidir,
                             const std::vector<std::string>& toAdd,

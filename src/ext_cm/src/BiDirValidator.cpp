@@ -83,7 +83,7 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
 
 // Without a verdict the transaction must not pass for a valid one.
 bool BiDirValidator::canJudge(unsigned long txHandle) const {
-    if (moRouter != nullptr && modelRepository != nullptr) {
+    if (moRouter != nullptr && modelRepository != nullptr && biDirUtils.hasModel()) {
         return true;
     }
     ORV_LOG(3, "Transaction %lu cannot be validated without router and model repository", txHandle);

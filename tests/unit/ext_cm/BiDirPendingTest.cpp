@@ -175,6 +175,18 @@ TEST_F(BiDirPending, Flush_BackPointerWithoutName_IsLost) {
     EXPECT_EQ(utils.pending(), Lines());
 }
 
+TEST_F(BiDirPending, Flush_StartedAnewWithoutRepository_IsLostWithATrace) {
+    start();
+    queue(1, "Y=1", "X=1");
+    utils.modelRepository = nullptr;
+    stage.world.mo("Y=1");
+    forget();
+    EXPECT_EQ(flush(1, "Y=1"), OrvOk);
+    EXPECT_EQ(log.of("trace: Error"),
+              Lines{"trace: Error code -2 received when reading attribute  in Y=1."});
+    EXPECT_EQ(utils.pending(), Lines());
+}
+
 TEST_F(BiDirPending, Flush_EditThrows_KeepsTheRecordAndLetsGoOfTheLock) {
     start();
     queue(1, "Y=1", "X=1");

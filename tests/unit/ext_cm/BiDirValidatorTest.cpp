@@ -91,6 +91,14 @@ TEST_F(BiDirValidation, SomethingWrittenAndStopped_IsNotValid) {
                                    "model repository"});
 }
 
+TEST_F(BiDirValidation, SomethingWrittenAndNoModelForTheQuestions_IsNotValid) {
+    modelOfXAndY();
+    written({});
+    utils.stop();
+    EXPECT_EQ(validate(1), OrvNotActive);
+    EXPECT_FALSE(valid);
+}
+
 TEST_F(BiDirValidation, BothSidesInOrder_IsValidAndTracesEachPair) {
     modelOfXAndY();
     stage.world.mo("Y=1");
