@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_PROPERTY_ASSOCIATIONGAME_H
+#define ORV_TESTS_PROPERTY_ASSOCIATIONGAME_H
+
+#include "BiDirClient.h"
+#include "BiDirUtils.h"
+#include "Stage.h"
+
+#include <rapidcheck.h>
+
+#include <iosfwd>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace BiDirTests {
+
+/// One side of a generated association: the attribute of a class, its bounds as an attribute
+/// (multiplicity) and as an end (cardinality).
+struct GeneratedSide {
+    std::string moc;
+    std::string attribute;
+    bool anyClass = false; ///< the attribute is declared for any class
+    long long lower = 0;
+    long long upper = 1000;
+    long long lowerCount = 0;
+    long long upperCount = 1000;
+};
+
+struct GeneratedAssociation {
+    GeneratedSide first;
+    GeneratedSide second;
+};
+
+using GeneratedModel = std::vector<GeneratedAssociation>;
+
+/// What a client does next, as numbers that find their meaning in the state of the game: a number
+/// is taken modulo what there is to choose from.
+struct Move {
+    enum class Kind { Create, Set, Delete, Commit, Abort };
+    Kind kind = Kind::Create;
+    unsigned int object = 0;
+    unsigned int attribute = 0;
+    std::vector<unsigned int> references;
+};
+
+void showValue(const GeneratedModel& model, std::ostream& out);
+std::ostream& operator<<(std::ostream& out, const Move& move);
+
+/// Associations among three classes. Attributes of any class may be shared by associations of
+/// different target classes. With \p tight, the bounds are narrow.
+rc::Gen<GeneratedModel> modelGenerator(bool tight);
+rc::Gen<std::vector<Move>> movesGenerator();
+
+/// Plays moves on a scripted host, through the bookkeeping under test. All DNs come from a small
+/// set, so that objects come, go, and come again, and names begin like one another.
+class AssociationGame {
+public:
+    explicit AssociationGame(const GeneratedModel& model);
+    AssociationGame(const AssociationGame&) = delete;
+    AssociationGame& operator=(const AssociationGame&) = delete;
+    virtual ~AssociationGame();
+
+    /// False: the move means nothing in this state, and nothing was done.
+    bool play(const Move& move);
+
+    Dns references(const std::string& dn, const std::string& attribute) const;
+    bool exists(const std::string& dn) const { return stage.world.exists(dn); }
+    Dns existing() const;
+    /// The reference attributes of a class, each once.
+    Dns attributesOf(const std::string& moc) const;
+
+    static const Dns& pool();
+
+    const GeneratedModel model;
+    Scripted::Stage stage;
+    OrvExtCmRouterService::BiDirUtils utils;
+    Client client{stage, utils};
+    unsigned long tx = 1; ///< the open transaction
+
+protected:
+    // What a move is about to do or has done.
+    virtual Dns chosen(const std::string& dn, const std::string& attribute, const Dns& references);
+    virtual void writing(const std::string& dn, const std::string& attribute, const Dns& old,
+                         const Dns& fresh);
+    virtual void created(const std::string& dn);
+    virtual void deleting(const std::string& dn);
+    virtual void ended(bool committed);
+
+private:
+    using State = std::map<std::string, std::map<std::string, Dns>>;
+
+    bool create(const std::string& dn, const Move& move);
+    bool set(const std::string& dn, const Move& move);
+    bool remove(const std::string& dn);
+    bool end(bool commit);
+    Dns meant(const Move& move) const;
+    State state() const;
+    void restore(const State& wanted);
+
+    State mBegin; ///< when the open transaction began
+};
+
+}
+
+#endif
