@@ -23,9 +23,9 @@ bool beginsWith(const std::string& text, const std::string& beginning) {
 
 std::vector<std::string> behind(const std::string& prefix, const std::vector<std::string>& names,
                                 const std::string& suffix) {
-    std::vector<std::string> result;
-    for (const std::string& name : names) {
-        result.push_back(prefix + name + suffix);
+    std::vector<std::string> result = names;
+    for (std::string& name : result) {
+        name.insert(0, prefix).append(suffix);
     }
     return result;
 }

@@ -66,11 +66,11 @@ std::string Diagnosis::explain(const OperationError& error) {
     const OperationSubject& subject = error.subject();
     const ClassDef* moc = nullptr;
     if (!subject.dn.empty()) {
-        const std::string problem = whyNoDn(subject.dn, &moc);
+        std::string problem = whyNoDn(subject.dn, &moc);
         if (!problem.empty()) {
             return problem;
         }
-        const std::string missing = explainMissingObject(subject.dn);
+        std::string missing = explainMissingObject(subject.dn);
         if (!missing.empty()) {
             return missing;
         }
@@ -89,7 +89,7 @@ std::string Diagnosis::whyNoDn(const std::string& dn, const ClassDef** moc) cons
         if (!step.isWellFormed) {
             return "'" + step.text + "' in " + dn + " is no step of a DN; expected Class=value";
         }
-        const std::string problem = explainClass(*moc, step.className);
+        std::string problem = explainClass(*moc, step.className);
         if (!problem.empty()) {
             return problem;
         }

@@ -156,6 +156,7 @@ private:
                 mIsInterrupted = count < 0 && errno == EINTR;
                 return static_cast<int>(count);
             }
+            // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is this call's own
             const std::size_t length = std::mbrtowc(&character, &byte, 1, &state);
             if (length == static_cast<std::size_t>(-1)) {
                 state = {};

@@ -204,7 +204,7 @@ std::string exampleDn(const Model& model, ClassIndex moc) {
         }
         seen[current] = true;
         const ClassDef& definition = model.classes[current];
-        const std::string dn = definition.name + "=1" + (below.empty() ? "" : ",") + below;
+        std::string dn = definition.name + "=1" + (below.empty() ? "" : ",") + below;
         if (definition.isTopLevel) {
             return dn;
         }

@@ -232,6 +232,7 @@ std::vector<ComponentRegistry::EntryPtr> ComponentRegistry::entries() const {
 
 std::vector<StartStep> ComponentRegistry::plan(const std::vector<EntryPtr>& entries) const {
     std::vector<const OrvMgmtSpiComponent_1*> records;
+    records.reserve(entries.size());
     for (const EntryPtr& entry : entries) {
         records.push_back(entry->record);
     }

@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// A host with a model and data of its own, built from the parts of the reference host.
+//
+//   assembled_host PATH/TO/libext_cm.so
+
+#include "OrvOamSpiManagedObject_3.h"
+#include "model/ModelBuilder.h"
+#include "runtime/DataSet.h"
+#include "runtime/Host.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+using namespace OrvHost;
+
+// [model]
+Model makeModel() {
+    return ModelBuilder()
+        .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
+        .add(ClassSpec("Mast").key("mastId").attribute(AttributeSpec::reference("antennas").many()))
+        .add(ClassSpec("Antenna").key("antennaId").attribute(AttributeSpec::reference("mast")))
+        .contain("ManagedElement", "Mast")
+        .contain("ManagedElement", "Antenna")
+        .biDir(ReferenceSpec("Mast", "antennas"), ReferenceSpec("Antenna", "mast"))
+        .build();
+}
+// [/model]
+
+// [data]
+// Data at start goes into the store directly and is not written by a client, so both sides of an
+// association must be told, or completed by repair.
+bool loadData(Host& host) {
+    DataSet data(host.model());
+    data.add({"ManagedElement=1", {}, {}});
+    data.add({"ManagedElement=1,Mast=a", {}, {}});
+    data.add({"ManagedElement=1,Antenna=1",
+              {{"mast", {ValueKind::MoRef, {std::string("ManagedElement=1,Mast=a")}}}},
+              {}});
+    data.repair();
+    return data.check().empty() && data.moveInto(host.store()).empty();
+}
+// [/data]
+
+// [start]
+bool start(Host& host, const char* component) {
+    host.loadComponent(component);
+    bool isStarted = true;
+    for (const ComponentReport& report : host.start()) {
+        if (report.state != ComponentState::Started) {
+            std::fprintf(stderr, "%s: %s\n", report.name.c_str(), report.problem.c_str());
+            isStarted = false;
+        }
+    }
+    return isStarted;
+}
+// [/start]
+
+// [client]
+void printAntennas(Host& host) {
+    auto* client = host.find<OrvOamSpiManagedObject_3>(
+        {"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject", "3"});
+    const Host::ReadTransaction transaction(host);
+    OrvMoAttributeValueResult_3 result{};
+    const OrvReturnT code = client->getMoAttribute(
+        transaction.handle(), "ManagedElement=north,Mast=a", "antennas", &result);
+    if (code != OrvOk) {
+        std::fprintf(stderr, "code %d\n", code);
+        return;
+    }
+    for (std::uint32_t position = 0; position < result.container->count; ++position) {
+        std::puts(result.container->values[position].moRef);
+    }
+    result.release(result.container);
+}
+// [/client]
+
+// [run]
+int run(const char* component) {
+    const Model model = makeModel();
+    HostOptions options;
+    options.preferredIdentity = "north";
+    Host host(model, options);
+    if (!loadData(host) || !start(host, component)) {
+        return 1;
+    }
+    printAntennas(host);
+    return 0;
+}
+// [/run]
+
+}
+
+int main(int count, char** arguments) {
+    if (count != 2) {
+        std::fputs("usage: assembled_host LIBEXT_CM\n", stderr);
+        return 2;
+    }
+    try {
+        return run(arguments[1]);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+}
