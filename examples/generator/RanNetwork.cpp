@@ -161,12 +161,13 @@ void RanNetwork::element(const Sink& sink) const {
     maker.text("networkManagedElementId", "gnb-" + std::to_string(mSeed))
         .text("userLabel", "Generated network")
         .choice("elementType", "GNB")
-        .structs(
-            "location",
-            {members()
-                 .decimal("latitude", 50 + static_cast<double>(random("lat", 0, 8000000)) / 1e6)
-                 .decimal("longitude", 5 + static_cast<double>(random("lon", 0, 9000000)) / 1e6)
-                 .number("altitude", static_cast<std::int64_t>(random("alt", 0, 900)))})
+        .structs("location",
+                 {members()
+                      .decimal("latitude",
+                               static_cast<double>(50000000 + random("lat", 0, 8000000)) / 1e6)
+                      .decimal("longitude",
+                               static_cast<double>(5000000 + random("lon", 0, 9000000)) / 1e6)
+                      .number("altitude", static_cast<std::int64_t>(random("alt", 0, 900)))})
         .text("softwareVersion", "1.0." + std::to_string(random("software", 0, 100)))
         .count("uptime", random("uptime", 0, 10000000));
     put(sink, maker);
