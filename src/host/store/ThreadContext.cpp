@@ -6,6 +6,7 @@
 #include "OrvInterfaceBinders.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <iterator>
 #include <utility>
@@ -14,15 +15,32 @@ namespace OrvHost {
 
 namespace {
 
-thread_local std::vector<ThreadContext::Message> theMessages;
 ThreadContext* theContext = nullptr;
+std::atomic<unsigned long> theGeneration{0};
+
+/// The messages of one thread, and the context to which they belong, by number.
+struct ThreadMessages {
+    unsigned long generation = 0;
+    std::vector<ThreadContext::Message> list;
+};
+
+// A thread can outlive a context; what it has left behind there is not for the next one.
+std::vector<ThreadContext::Message>& messages() {
+    thread_local ThreadMessages own;
+    const unsigned long current = theGeneration.load();
+    if (own.generation != current) {
+        own.list.clear();
+        own.generation = current;
+    }
+    return own.list;
+}
 
 OrvReturnT addMessageFn(int kind, const char* text) {
     return Orv::shielded([&]() -> OrvReturnT {
         if (text == nullptr) {
             return OrvInvalidArgument;
         }
-        theMessages.push_back({kind, text});
+        messages().push_back({kind, text});
         return OrvOk;
     });
 }
@@ -34,6 +52,7 @@ ThreadContext::ThreadContext()
                  &addMessageFn} {
     assert(!theContext);
     theContext = this;
+    ++theGeneration;
 }
 
 ThreadContext::~ThreadContext() {
@@ -41,24 +60,23 @@ ThreadContext::~ThreadContext() {
 }
 
 void ThreadContext::addMessage(int kind, std::string text) {
-    theMessages.push_back({kind, std::move(text)});
+    messages().push_back({kind, std::move(text)});
 }
 
 std::size_t ThreadContext::size() const {
-    return theMessages.size();
+    return messages().size();
 }
 
 std::vector<ThreadContext::Message> ThreadContext::take(std::size_t mark) {
-    const auto first =
-        theMessages.begin() + static_cast<std::ptrdiff_t>(std::min(mark, theMessages.size()));
-    std::vector<Message> taken(std::make_move_iterator(first),
-                               std::make_move_iterator(theMessages.end()));
-    theMessages.erase(first, theMessages.end());
+    std::vector<Message>& all = messages();
+    const auto first = all.begin() + static_cast<std::ptrdiff_t>(std::min(mark, all.size()));
+    std::vector<Message> taken(std::make_move_iterator(first), std::make_move_iterator(all.end()));
+    all.erase(first, all.end());
     return taken;
 }
 
 void ThreadContext::clear() {
-    theMessages.clear();
+    messages().clear();
 }
 
 }

@@ -45,7 +45,7 @@ struct TransactionOutcome {
 class TransactionService {
 public:
     explicit TransactionService(ThreadContext& threadContext);
-    /// Aborts what is still open.
+    /// Aborts what is still open, so that the participants must still be there.
     ~TransactionService();
     TransactionService(const TransactionService&) = delete;
     TransactionService& operator=(const TransactionService&) = delete;

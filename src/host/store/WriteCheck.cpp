@@ -8,11 +8,7 @@
 #include "DnUtil.h"
 #include "model/ValueCheck.h"
 
-#include <charconv>
-#include <optional>
-#include <set>
-#include <system_error>
-#include <type_traits>
+#include <algorithm>
 
 namespace OrvHost {
 
@@ -43,37 +39,6 @@ std::string listOf(const Model& model, const std::vector<ClassIndex>& classes) {
     return text.empty() ? "nothing" : text;
 }
 
-template <class Number>
-std::optional<Value> parseNumber(std::string_view text) {
-    Number number{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return Value(number);
-}
-
-std::optional<Value> parseName(ValueKind kind, std::string_view text) {
-    switch (kind) {
-    case ValueKind::Bool:
-        return text == "true" || text == "false" ? std::optional<Value>(text == "true")
-                                                 : std::nullopt;
-    case ValueKind::Int:
-        return parseNumber<std::int64_t>(text);
-    case ValueKind::Uint:
-        return parseNumber<std::uint64_t>(text);
-    case ValueKind::Double:
-        return parseNumber<double>(text);
-    case ValueKind::Struct:
-        return std::nullopt;
-    case ValueKind::Enumeration:
-    case ValueKind::String:
-    case ValueKind::MoRef:
-        break;
-    }
-    return Value(std::string(text));
-}
-
 std::string whyBadName(const ClassDef& moc, const std::string& name) {
     if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
         return "expected a text without control characters and , = + \" \\ < > ; and without a "
@@ -83,12 +48,7 @@ std::string whyBadName(const ClassDef& moc, const std::string& name) {
     if (naming == nullptr) {
         return {};
     }
-    const auto value = parseName(naming->type.kind, name);
-    // One object must not have two names, such as 7 and 07.
-    if (!value || toText(*value) != name) {
-        return "expected a " + std::string(kindName(naming->type.kind)) + " in its usual form";
-    }
-    return whyRefused(naming->type, *value);
+    return whyRefused(naming->type, Value(name));
 }
 
 std::string whyBadReference(const AttributeValue& value);
@@ -141,12 +101,16 @@ std::string whyRefusedValue(const AttributeDef& def, const AttributeValue& value
 }
 
 void refuseDoubles(const std::vector<NamedValue>& values) {
-    std::set<std::string_view> seen;
+    std::vector<std::string_view> names;
+    names.reserve(values.size());
     for (const NamedValue& value : values) {
-        if (!seen.insert(value.first).second) {
-            throw HostError(OrvInvalidArgument,
-                            "attribute " + quoted(value.first) + " is given more than once");
-        }
+        names.emplace_back(value.first);
+    }
+    std::sort(names.begin(), names.end());
+    const auto twice = std::adjacent_find(names.begin(), names.end());
+    if (twice != names.end()) {
+        throw HostError(OrvInvalidArgument,
+                        "attribute " + quoted(*twice) + " is given more than once");
     }
 }
 
@@ -218,31 +182,36 @@ void WriteCheck::value(const ClassDef& moc, AttributeIndex index, const Attribut
     }
 }
 
+void WriteCheck::applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,
+                          std::string& bytes) {
+    const AttributeIndex index = requireAttribute(moc, named.first);
+    value(moc, index, named.second, writer);
+    AttributeBytes::write(moc, bytes, index, named.second);
+}
+
 void WriteCheck::apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
                        std::string& bytes) {
     refuseDoubles(values);
     for (const NamedValue& named : values) {
-        const AttributeIndex index = requireAttribute(moc, named.first);
-        value(moc, index, named.second, writer);
-        AttributeBytes::write(moc, bytes, index, named.second);
+        applyOne(moc, named, writer, bytes);
     }
 }
 
 std::string WriteCheck::initial(const ClassDef& moc, const std::string& name,
                                 const std::vector<NamedValue>& values, Writer writer) {
-    std::vector<NamedValue> others;
-    others.reserve(values.size());
+    refuseDoubles(values);
+    std::string bytes;
     for (const NamedValue& named : values) {
-        const AttributeDef* def = moc.findAttribute(named.first);
-        if (def == nullptr || !def->isNaming) {
-            others.push_back(named);
-        } else if (named.second != nameValue(*def, name)) {
+        if (named.first != moc.namingAttribute) {
+            applyOne(moc, named, writer, bytes);
+            continue;
+        }
+        const AttributeDef& naming = moc.attributes[requireAttribute(moc, named.first)];
+        if (named.second != nameValue(naming, name)) {
             throw HostError(OrvInvalidArgument,
-                            nameOf(moc, *def) + " differs from the name " + quoted(name));
+                            nameOf(moc, naming) + " differs from the name " + quoted(name));
         }
     }
-    std::string bytes;
-    apply(moc, others, writer, bytes);
     return bytes;
 }
 
@@ -259,8 +228,7 @@ std::vector<std::string> WriteCheck::missing(const ClassDef& moc, std::string_vi
 }
 
 AttributeValue WriteCheck::nameValue(const AttributeDef& naming, std::string_view name) {
-    const auto value = parseName(naming.type.kind, name);
-    return {naming.type.kind, {value ? *value : Value(std::string(name))}};
+    return {naming.type.kind, {Value(std::string(name))}};
 }
 
 }

@@ -29,8 +29,8 @@ public:
     /// if that is null. OrvHostNotContained.
     static void containment(const Model& model, const ClassDef* parent, ClassIndex moc);
 
-    /// Whether \p name may name an object of \p moc: a valid naming value, of the naming
-    /// attribute's type and in that type's usual form. OrvInvalidArgument.
+    /// Whether \p name may name an object of \p moc: a valid naming value that the naming
+    /// attribute's type accepts. OrvInvalidArgument.
     static void name(const ClassDef& moc, const std::string& name);
 
     /// Whether an attribute may be set to these values. The number of references is not looked at.
@@ -52,8 +52,12 @@ public:
     static std::vector<std::string> missing(const ClassDef& moc, std::string_view bytes,
                                             bool withReferences);
 
-    /// The value that a naming attribute shows.
+    /// The value that a naming attribute, which is a text or an enumeration, shows.
     static AttributeValue nameValue(const AttributeDef& naming, std::string_view name);
+
+private:
+    static void applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,
+                         std::string& bytes);
 };
 
 /// Runs \p check and puts \p dn in front of the text of what it refuses.

@@ -59,6 +59,11 @@ TEST(ThreadContextTest, AddMessage_OnAnotherThread_IsNotSeenHere) {
     EXPECT_EQ(context.size(), 0U);
 }
 
+TEST(ThreadContextTest, Construct_AfterAnother_StartsEmpty) {
+    ThreadContext().addMessage(ThreadContext::Verdict, "left behind");
+    EXPECT_EQ(ThreadContext().size(), 0U);
+}
+
 TEST(ThreadContextDeathTest, Construct_Second_EndsTheProcess) {
     ThreadContext context;
     EXPECT_DEATH({ const ThreadContext second; }, "!theContext");

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_HOST_STORE_ROUTERSCENE_H
+#define ORV_TESTS_HOST_STORE_ROUTERSCENE_H
+
+#include "SampleStore.h"
+#include "store/CmRouter.h"
+#include "store/TransactionService.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace OrvHost {
+
+/// The sample store behind a router with a transaction service, and the router's tables.
+class RouterScene : public testing::Test, protected SampleStore {
+protected:
+    RouterScene();
+
+    /// Commits the current transaction and begins the next.
+    TransactionOutcome commit();
+    /// The text of the message that came last, which is taken; empty if there is none.
+    std::string lastMessage();
+
+    ThreadContext context;
+    CmRouter router{model, store, context};
+    TransactionService service{context}; // behind its participant, which it calls when it goes
+    OrvOamSpiManagedObject_1& v1 = *router.getInterface1();
+    OrvOamSpiManagedObject_3& v3 = *router.getInterface3();
+    VekOamSpiManagedObject_3_1& v3_1 = *router.getInterface3_1();
+    unsigned long tx = 0;
+};
+
+}
+
+#endif
