@@ -20,9 +20,19 @@ orv_add_test(unit_ext_cm_bidir
     BiDirValidatorCallsTest.cpp
     BiDirValidatorTest.cpp
     ModelWalkTest.cpp
-  LIBRARIES bidir_test_support ext_cm_objects)
+  LIBRARIES bidir_test_support)
 
 orv_add_test(unit_ext_cm_bidir_threads
   SOURCES BiDirThreadsTest.cpp
-  LIBRARIES bidir_test_support ext_cm_objects
+  LIBRARIES bidir_test_support
+  LABELS threads)
+
+# The same for unidirectional associations.
+orv_add_test(unit_ext_cm_unidir
+  SOURCES UniDirStorageTest.cpp UniDirValidatorTest.cpp
+  LIBRARIES component_test_support ext_cm_objects)
+
+orv_add_test(unit_ext_cm_unidir_threads
+  SOURCES UniDirThreadsTest.cpp
+  LIBRARIES component_test_support ext_cm_objects
   LABELS threads)
