@@ -4,7 +4,9 @@
 #include "AttributeReader.h"
 
 #include "yang/StatementPlacement.h"
+#include "yang/TypeFacts.h"
 #include "yang/TypeReader.h"
+#include "yang/TypedefChain.h"
 #include "yang/ValueText.h"
 
 #include <algorithm>

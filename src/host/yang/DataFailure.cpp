@@ -3,7 +3,7 @@
 
 #include "DataFailure.h"
 
-#include "yang/TypeReader.h"
+#include "yang/TypeDescription.h"
 #include "yang/YangText.h"
 
 #include <string_view>

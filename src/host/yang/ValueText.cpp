@@ -3,7 +3,7 @@
 
 #include "ValueText.h"
 
-#include "yang/TypeReader.h"
+#include "yang/TypeFacts.h"
 
 #include <algorithm>
 #include <array>

@@ -3,13 +3,14 @@
 
 #include "YangContext.h"
 
+#include "yang/LoadReport.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <regex>
 #include <stdexcept>
-#include <string_view>
 
 namespace OrvHost {
 namespace {
@@ -59,68 +60,6 @@ std::string fileOf(const std::string& module, const ModuleFinder& finder) {
     const auto found = finder.found().find(module);
     return found == finder.found().end() ? "" : found->second.file;
 }
-
-/// Puts the library's messages on one failed load in order. It tells the cause first, with a line
-/// but without the file, then the modules around it from the inside out.
-class LoadReport {
-public:
-    explicit LoadReport(const ModuleFinder& finder) : mFinder(finder) {}
-
-    void take(const YangMessage& message) {
-        std::smatch match;
-        if (std::regex_search(message.text, match, mParsing)) {
-            claim(match[1]);
-        } else if (std::regex_search(message.text, match, mLoading)) {
-            const std::string module = match[1].matched ? match[1] : match[2];
-            if (mFinder.wasMissed(module)) {
-                mMissing = module;
-                mProblems.push_back(
-                    {{},
-                     "module \"" + module + "\" was not found; " + mFinder.describeSearch(module)});
-            } else if (mProblems.empty()) {
-                mProblems.push_back({{}, message.text});
-            }
-            claim(module);
-        } else {
-            const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
-            mProblems.push_back({{"", message.line}, message.text + place});
-        }
-    }
-
-    std::vector<ModelProblem> problems() && { return std::move(mProblems); }
-
-private:
-    /// What has no file yet is said of that module.
-    void claim(const std::string& module) {
-        const auto found = mFinder.found().find(module);
-        if (found == mFinder.found().end()) {
-            return;
-        }
-        for (ModelProblem& problem : mProblems) {
-            if (problem.source.file.empty()) {
-                const int line = problem.source.line;
-                problem.source = {found->second.file,
-                                  line > 0 ? line : lineOfCause(found->second, problem.text)};
-            }
-        }
-    }
-
-    /// The library does not always tell a line.
-    int lineOfCause(const ModuleText& module, const std::string& text) const {
-        for (const char* keyword : {"import", "include"}) {
-            if (const int line = module.statements.lineOfFirst(keyword, mMissing); line > 0) {
-                return line;
-            }
-        }
-        return module.statements.lineOfMentioned(text);
-    }
-
-    const ModuleFinder& mFinder;
-    const std::regex mParsing{R"(^Parsing (?:sub)?module "([^"]*)\" failed)"};
-    const std::regex mLoading{R"(^(?:Loading "([^"]*)\" module|Including "([^"]*)\" submodule))"};
-    std::string mMissing;
-    std::vector<ModelProblem> mProblems;
-};
 
 /// The line of the definition that a schema path such as "/module:list/leaf" ends with. What came
 /// into its place from a grouping is not found.

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "LoadReport.h"
+
+namespace OrvHost {
+
+void LoadReport::take(const YangMessage& message) {
+    std::smatch match;
+    if (std::regex_search(message.text, match, mParsing)) {
+        claim(match[1]);
+    } else if (std::regex_search(message.text, match, mLoading)) {
+        takeFailedModule(match[1].matched ? match[1] : match[2], message.text);
+    } else {
+        const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
+        mProblems.push_back({{"", message.line}, message.text + place});
+    }
+}
+
+void LoadReport::takeFailedModule(const std::string& module, const std::string& text) {
+    if (mFinder.wasMissed(module)) {
+        mMissing = module;
+        mProblems.push_back(
+            {{}, "module \"" + module + "\" was not found; " + mFinder.describeSearch(module)});
+    } else if (mProblems.empty()) {
+        mProblems.push_back({{}, text});
+    }
+    claim(module);
+}
+
+/// What has no file yet is said of that module.
+void LoadReport::claim(const std::string& module) {
+    const auto found = mFinder.found().find(module);
+    if (found == mFinder.found().end()) {
+        return;
+    }
+    for (ModelProblem& problem : mProblems) {
+        if (problem.source.file.empty()) {
+            const int line = problem.source.line;
+            problem.source = {found->second.file,
+                              line > 0 ? line : lineOfCause(found->second, problem.text)};
+        }
+    }
+}
+
+/// The library does not always tell a line.
+int LoadReport::lineOfCause(const ModuleText& module, const std::string& text) const {
+    for (const char* keyword : {"import", "include"}) {
+        if (const int line = module.statements.lineOfFirst(keyword, mMissing); line > 0) {
+            return line;
+        }
+    }
+    return module.statements.lineOfMentioned(text);
+}
+
+}

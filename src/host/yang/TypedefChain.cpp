@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "TypedefChain.h"
+
+#include <string_view>
+
+namespace OrvHost {
+namespace {
+
+const lysp_type* parsedTypeOf(const lysp_node* node) {
+    if (node == nullptr) {
+        return nullptr;
+    }
+    if (node->nodetype == LYS_LEAF) {
+        return &reinterpret_cast<const lysp_node_leaf*>(node)->type;
+    }
+    return node->nodetype == LYS_LEAFLIST ? &reinterpret_cast<const lysp_node_leaflist*>(node)->type
+                                          : nullptr;
+}
+
+const lysp_tpdf* findIn(const lysp_tpdf* typedefs, std::string_view name) {
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(typedefs); ++i) {
+        if (name == typedefs[i].name) {
+            return &typedefs[i];
+        }
+    }
+    return nullptr;
+}
+
+/// The typedef of that name in a module or in the submodules that it includes.
+const lysp_tpdf* findIn(const lysp_module* module, std::string_view name) {
+    const lysp_tpdf* found = findIn(module->typedefs, name);
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; found == nullptr && i < LY_ARRAY_COUNT(module->includes); ++i) {
+        found = findIn(module->includes[i].submodule->typedefs, name);
+    }
+    return found;
+}
+
+/// The module that `prefix` stands for where it was written.
+const lysp_module* resolvePrefix(const lysp_module* module, std::string_view prefix) {
+    if (prefix == module->mod->prefix) {
+        return module->mod->parsed;
+    }
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(module->imports); ++i) {
+        if (prefix == module->imports[i].prefix) {
+            return module->imports[i].module->parsed;
+        }
+    }
+    return nullptr;
+}
+
+/// A typedef and the module that it stands in.
+struct FoundTypedef {
+    const lysp_tpdf* definition = nullptr;
+    const lysp_module* module = nullptr;
+};
+
+FoundTypedef findTypedef(const lysp_type* type, const lysp_node* scope) {
+    const std::string_view name = type->name;
+    const std::size_t colon = name.find(':');
+    if (colon != std::string_view::npos) {
+        const lysp_module* module = resolvePrefix(type->pmod, name.substr(0, colon));
+        return module == nullptr ? FoundTypedef()
+                                 : FoundTypedef{findIn(module, name.substr(colon + 1)), module};
+    }
+    for (; scope != nullptr; scope = scope->parent) {
+        if (const lysp_tpdf* found = findIn(lysp_node_typedefs(scope), name); found != nullptr) {
+            return {found, type->pmod};
+        }
+    }
+    // A submodule sees the typedefs of its module and of that module's other submodules.
+    const lysp_tpdf* found = findIn(type->pmod, name);
+    return {found != nullptr ? found : findIn(type->pmod->mod->parsed, name), type->pmod};
+}
+
+}
+
+std::vector<std::string> typedefsOf(const lysc_node* node) {
+    std::vector<std::string> names;
+    const auto* scope = static_cast<const lysp_node*>(node->priv);
+    for (const lysp_type* type = parsedTypeOf(scope); type != nullptr && type->pmod != nullptr;) {
+        const FoundTypedef found = findTypedef(type, scope);
+        if (found.definition == nullptr) {
+            break; // a type of the language itself
+        }
+        names.push_back(std::string(found.module->mod->name) + ":" + found.definition->name);
+        if (std::string_view(type->name).find(':') != std::string_view::npos) {
+            scope = nullptr; // it stands in another module
+        }
+        type = &found.definition->type;
+    }
+    return names;
+}
+
+}

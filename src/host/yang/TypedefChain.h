@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_TYPEDEFCHAIN_H
+#define ORV_HOST_YANG_TYPEDEFCHAIN_H
+
+#include <libyang/libyang.h>
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// The typedefs that the type of a leaf or leaf-list goes through, as "module:name", the nearest
+/// first. A compiled type no longer knows them, so they are followed in the parsed modules.
+std::vector<std::string> typedefsOf(const lysc_node* node);
+
+}
+
+#endif
