@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+#
+# Builds the component, the reference host and the sample interceptor, and shows them at work on the
+# radio network of examples/. Installs what is missing first.
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+build=build/demo
+network=(-I examples/models -m ran-element -m ran-equipment -m ran-function
+  -d examples/data/harbour.json --me-id Harbour)
+cell=ManagedElement=Harbour,GNBDUFunction=1,NRCellDU=1
+
+title() {
+  printf '\n\033[1m%s\033[0m\n' "$*"
+}
+
+# Shows the commands as somebody would type them, then what they print.
+show() {
+  local arguments=() hidden=0 word
+  for word in "$@"; do
+    [ "$word" = -c ] && hidden=1 && continue
+    [ "$hidden" = 1 ] && printf 'orvhost> %s\n' "$word" && hidden=0
+  done
+  "$build/bin/orvhost" "${network[@]}" "$@"
+}
+
+quietly() {
+  "$@" >"$build/log.txt" 2>&1 || {
+    cat "$build/log.txt" >&2
+    exit 1
+  }
+}
+
+mkdir -p "$build"
+scripts/install-deps.sh build
+echo "Building (about three minutes the first time) ..."
+quietly cmake --preset release -B "$build" -DORV_BUILD_TESTS=OFF
+quietly cmake --build "$build" --target ext_cm orvhost cell_state_interceptor orv-ran-generate
+
+title "A radio network, read through the component"
+show -c "tree --depth 2" -c "get $cell"
+
+title "What the model repository says of a class and its associations"
+show -c "model NRSectorCarrier"
+
+title "The cell's state is in no data; the sample interceptor serves it"
+show -c "get $cell operationalState"
+echo "(with the interceptor)"
+show -C "$build/lib/libcell_state_interceptor.so" -c "get $cell operationalState" \
+  -c "get $cell userLabel"
+
+title "Answers for programs"
+show --json -c "get $cell nRSectorCarrierRef" -c "count ManagedElement=Harbour,GNBDUFunction=1"
+
+title "A wrong name is told with what was expected"
+show -c "get $cell nRSectorCarierRef" || true
+show -c "get ManagedElement=Airport userLabel" || true
+
+title "A larger network from the generator"
+rm -rf "$build/network"
+"$build/bin/orv-ran-generate" --count 20000 --slice 10000 "$build/network"
+"$build/bin/orvhost" -I examples/models -m ran-element -m ran-equipment -m ran-function \
+  -d "$build/network" -c "tree --depth 1"
+
+title "Your turn"
+echo "$build/bin/orvhost ${network[*]}"
