@@ -20,7 +20,7 @@ namespace OrvHost {
 /// may be absent.
 ///
 /// Cost: time grows with the number of objects and values, times the logarithm of the number of
-/// bidirectional references; memory is that of the DNs and some 12 bytes for each such reference.
+/// bidirectional references; memory is that of the DNs and 8 bytes for each such reference.
 class InstanceChecker {
 public:
     /// `model` is from a ModelBuilder and must outlive the checker.
