@@ -81,7 +81,7 @@ std::uint64_t RanPlan::sizeOfCu(std::uint32_t cellsOfOneCu) const {
 std::uint64_t RanPlan::size() const {
     std::uint64_t size = kRoots + extraExternalCells;
     size += std::uint64_t{2} * cells; // the cells and carriers of the distributed units
-    size += distributedUnits() * (hasBaseband ? 3U : 1U);
+    size += std::uint64_t{distributedUnits()} * (hasBaseband ? 3U : 1U);
     // A sector and its radio unit, the antenna unit with its antennas, the cable.
     size += std::uint64_t{sectors()} * (2U + (hasAntennas ? 3U : 0U) + (hasCables ? 1U : 0U));
     for (std::uint32_t cu = 0; cu < centralUnits(); ++cu) {

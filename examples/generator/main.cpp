@@ -10,10 +10,12 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -88,17 +90,17 @@ void run(const Options& options) {
 }
 
 int main(int argc, char** argv) {
-    CLI::App app("Writes data for the example radio access network: any number of objects, "
-                 "consistent, the same for the same seed.",
-                 "orv-ran-generate");
-    Options options;
-    describe(app, options);
-    CLI11_PARSE(app, argc, argv);
     try {
+        CLI::App app("Writes data for the example radio access network: any number of objects, "
+                     "consistent, the same for the same seed.",
+                     "orv-ran-generate");
+        Options options;
+        describe(app, options);
+        CLI11_PARSE(app, argc, argv);
         run(options);
         return 0;
     } catch (const std::exception& error) {
-        std::cerr << "orv-ran-generate: " << error.what() << "\n";
+        std::fprintf(stderr, "orv-ran-generate: %s\n", error.what());
         return 1;
     }
 }

@@ -42,7 +42,10 @@ std::string definitionPath(const lysp_node* node) {
         if ((node->nodetype & (LYS_INPUT | LYS_OUTPUT)) == 0) {
             own += std::string(" ") + node->name;
         }
-        path = path.empty() ? own : own + "/" + path;
+        if (!path.empty()) {
+            own.append("/").append(path);
+        }
+        path = std::move(own);
     }
     return path;
 }
@@ -89,8 +92,11 @@ std::string pathOf(const lysc_node* node) {
             continue;
         }
         const bool isFirst = node->parent == nullptr;
-        const std::string module = isFirst ? std::string(node->module->name) + ":" : "";
-        path = "/" + module + node->name + path;
+        std::string step = "/";
+        if (isFirst) {
+            step.append(node->module->name).append(":");
+        }
+        path = step.append(node->name).append(path);
     }
     return path;
 }
