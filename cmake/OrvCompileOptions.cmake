@@ -8,7 +8,8 @@ target_compile_options(orv_compile_options INTERFACE
 
 if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
-    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -Wno-maybe-uninitialized) # warns of the standard library's own code in instrumented builds
   target_link_options(orv_compile_options INTERFACE -fsanitize=${ORV_SANITIZE})
 endif()
 
