@@ -2,9 +2,9 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# Everything that must hold before a change lands: formatting, the linter, all tests in a debug
-# build and under AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under
-# ThreadSanitizer.
+# What must hold before a change lands: formatting, all tests in a debug build and under
+# AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under ThreadSanitizer.
+# The linter is run by hand: cmake --build --preset dev --target tidy
 #   scripts/test.sh          all of it
 #   scripts/test.sh quick    the debug build and its tests only
 
@@ -44,8 +44,6 @@ if [ "$mode" = all ]; then
 fi
 run_preset dev
 if [ "$mode" = all ]; then
-  step "lint"
-  cmake --build --preset dev --target tidy
   run_preset asan
   run_preset tsan
 fi
