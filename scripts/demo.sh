@@ -17,14 +17,12 @@ title() {
   printf '\n\033[1m%s\033[0m\n' "$*"
 }
 
-# Shows the commands as somebody would type them, then what they print.
+# Shows a command as somebody would type it at the prompt, then what it prints.
 show() {
-  local arguments=() hidden=0 word
-  for word in "$@"; do
-    [ "$word" = -c ] && hidden=1 && continue
-    [ "$hidden" = 1 ] && printf 'orvhost> %s\n' "$word" && hidden=0
-  done
-  "$build/bin/orvhost" "${network[@]}" "$@"
+  local command=$1
+  shift
+  printf 'orvhost> %s\n' "$command"
+  "$build/bin/orvhost" "${network[@]}" "$@" -c "$command"
 }
 
 quietly() {
@@ -41,23 +39,25 @@ quietly cmake --preset release -B "$build" -DORV_BUILD_TESTS=OFF
 quietly cmake --build "$build" --target ext_cm orvhost cell_state_interceptor orv-ran-generate
 
 title "A radio network, read through the component"
-show -c "tree --depth 2" -c "get $cell"
+show "tree --depth 2"
+show "get $cell"
 
 title "What the model repository says of a class and its associations"
-show -c "model NRSectorCarrier"
+show "model NRSectorCarrier"
 
 title "The cell's state is in no data; the sample interceptor serves it"
-show -c "get $cell operationalState"
+show "get $cell operationalState"
 echo "(with the interceptor)"
-show -C "$build/lib/libcell_state_interceptor.so" -c "get $cell operationalState" \
-  -c "get $cell userLabel"
+show "get $cell operationalState" -C "$build/lib/libcell_state_interceptor.so"
+show "get $cell userLabel" -C "$build/lib/libcell_state_interceptor.so"
 
 title "Answers for programs"
-show --json -c "get $cell nRSectorCarrierRef" -c "count ManagedElement=Harbour,GNBDUFunction=1"
+show "get $cell nRSectorCarrierRef" --json
+show "count ManagedElement=Harbour,GNBDUFunction=1" --json
 
 title "A wrong name is told with what was expected"
-show -c "get $cell nRSectorCarierRef" || true
-show -c "get ManagedElement=Airport userLabel" || true
+show "get $cell nRSectorCarierRef" || true
+show "get ManagedElement=Airport userLabel" || true
 
 title "A larger network from the generator"
 rm -rf "$build/network"
