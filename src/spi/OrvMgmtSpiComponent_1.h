@@ -18,7 +18,8 @@ enum OrvStateChangeReason : int {
 };
 
 /// What a component tells the host about itself. Allocated and owned by the component, which keeps
-/// it, and the arrays behind it, unchanged from registration until the shared object is closed.
+/// it, and the arrays behind it, from registration until the shared object is closed. A component
+/// that is initialised a second time may move its arrays: a host reads them through the record.
 struct OrvMgmtSpiComponent_1 {
     const char* componentName;    ///< unique in the host
     const char* interfaceName;    ///< "OrvMgmtSpiComponent"

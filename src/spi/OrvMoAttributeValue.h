@@ -62,8 +62,8 @@ struct OrvMoNamedAttributeValueContainer_3 {
 };
 
 /// What a single read or an action returns. After a successful call the receiver owns it and calls
-/// release(container) exactly once, if neither of the two is null. After a failed call the fields
-/// mean nothing to the receiver.
+/// release(container) exactly once, if neither of the two is null. A receiver may do the same after
+/// a failed call, so a producer that fails leaves both alone or leaves something to be released.
 struct OrvMoAttributeValueResult_3 {
     void (*release)(OrvMoAttributeValueContainer_3* container); ///< may be null
     OrvMoAttributeValueContainer_3* container;                  ///< may be null

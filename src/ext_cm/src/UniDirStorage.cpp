@@ -10,7 +10,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace OrvExtCmRouterService {
@@ -79,7 +79,7 @@ std::pair<std::string, std::string> parsePart(std::string const& part, std::stri
     std::pair<std::string, std::string> step(named.substr(0, named.find('.')),
                                              part.substr(equals + 1));
     if (step.first.empty() || step.second.empty()) {
-        // Shows the step alone, which is what helps to find it in a long DN.
+        // The text says dn and shows the step: clients know it in this form.
         throw Orv::OrvException("Dn::Dn: got empty type in dn [%s]", part.c_str());
     }
     return step;
@@ -97,10 +97,9 @@ std::string notValidType(std::string const& what, std::string const& attribute,
 
 std::string outsideCardinality(std::string const& attribute, std::string const& dn,
                                unsigned long long count, UniDirStorage::AssocEnd const& end) {
-    std::ostringstream message;
-    message << "Attribute " << attribute << " in " << dn << " contains " << count << " " << end.name
-            << " which is not within cardinality range (" << end.min << ".." << end.max << ").";
-    return message.str();
+    return "Attribute " + attribute + " in " + dn + " contains " + std::to_string(count) + " " +
+           end.name + " which is not within cardinality range (" + std::to_string(end.min) + ".." +
+           std::to_string(end.max) + ").";
 }
 
 // The model's bounds are signed; they are held and compared as unsigned numbers, so that -1 stands

@@ -100,8 +100,7 @@ bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& a
     return false;
 }
 
-// A stopped service is worth a log here and only a trace elsewhere: a delete that is not recorded
-// leaves references behind that will be judged.
+// A stopped service is told in the log here and only traced for a write. They differ on purpose.
 void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
     if (repository == nullptr) {
         ORV_LOG(6, "Service is stopped");

@@ -12,6 +12,7 @@
 
 #include <limits>
 #include <list>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -290,6 +291,24 @@ TEST_F(UniDirStorageTest, Validate_NegativeUpperBound_IsNeverExceeded) {
     EXPECT_THAT(stage.messages(),
                 ElementsAre("Attribute any in Top=1,Sub=1 contains 1 Bar which is not within "
                             "cardinality range (2..18446744073709551615)."));
+}
+
+/// Writes a dot between every two digits, as a host's locale may.
+class GroupingDigits : public std::numpunct<char> {
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\2"; }
+};
+
+TEST_F(UniDirStorageTest, Validate_LocaleThatGroupsDigits_DoesNotShowInMessages) {
+    stage.model.uniDir("Sub", "any", "Bar", 1000, 2000);
+    set("Top=1,Sub=1", "any", refs({"Top=1,Bar=1"}), "Sub");
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new GroupingDigits));
+    EXPECT_FALSE(validate());
+    std::locale::global(before);
+    EXPECT_THAT(stage.messages(),
+                ElementsAre("Attribute any in Top=1,Sub=1 contains 1 Bar which is not within "
+                            "cardinality range (1000..2000)."));
 }
 
 TEST_F(UniDirStorageTest, Validate_SeveralPermittedClasses_AreJudgedEachByItself) {
