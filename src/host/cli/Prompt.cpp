@@ -93,7 +93,8 @@ public:
         el_set(mEditLine, EL_PROMPT, &promptText);
         el_set(mEditLine, EL_EDITOR, "emacs");
         el_set(mEditLine, EL_HIST, &history, mHistory);
-        el_set(mEditLine, EL_ADDFN, "orv-complete", "complete the word", &completeWord);
+        // The wide form keeps these constants; the narrow one would leave copies of them behind.
+        el_wset(mEditLine, EL_ADDFN, L"orv-complete", L"complete the word", &completeWord);
         el_set(mEditLine, EL_BIND, "^I", "orv-complete", nullptr);
         loadHistory();
     }
