@@ -37,6 +37,9 @@ run_preset() {
   ctest --preset "$1" -j "$(nproc)"
 }
 
+# The same wherever it runs: nothing is asked for, and standard input is never closed.
+exec </dev/null
+
 mkdir -p build
 scripts/install-deps.sh
 
