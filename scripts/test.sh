@@ -3,10 +3,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # What must hold before a change lands: formatting, all tests in a debug build and under
-# AddressSanitizer and UndefinedBehaviorSanitizer. Run by hand:
-#   cmake --build --preset dev --target tidy                        the linter
-#   cmake --preset tsan && cmake --build --preset tsan && ctest --preset tsan
-#                                                                   the tests with threads
+# AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under ThreadSanitizer.
+# The linter is run by hand: cmake --build --preset dev --target tidy
 #   scripts/test.sh          all of it
 #   scripts/test.sh quick    the debug build and its tests only
 
@@ -50,5 +48,6 @@ fi
 run_preset dev
 if [ "$mode" = all ]; then
   run_preset asan
+  run_preset tsan
 fi
 step "all green"
