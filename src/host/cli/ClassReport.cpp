@@ -138,8 +138,8 @@ std::string associationTable(const std::vector<ReferenceFacts>& associations) {
 
 ClassReport::ClassReport(Session& session, ClassIndex moc)
     : mModel(session.model()), mClass(mModel.classes[moc]) {
-    const RepositoryReader repository(session.host());
-    const RepositoryReader::Moc handle = repository.find(mClass.name);
+    const RepositoryFacts repository(session.host());
+    const RepositoryFacts::Moc handle = repository.find(mClass.name);
     mAttributes = repository.attributes(handle);
     mChildren = repository.children(handle);
     mReferences = repository.references(handle);

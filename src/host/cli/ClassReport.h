@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_CLI_CLASSREPORT_H
 #define ORV_HOST_CLI_CLASSREPORT_H
 
-#include "RepositoryReader.h"
+#include "RepositoryFacts.h"
 #include "ValueJson.h"
 #include "model/Model.h"
 

@@ -34,7 +34,7 @@ void listClasses(Session& session) {
 }
 
 void listAssociations(Session& session) {
-    const RepositoryReader repository(session.host());
+    const RepositoryFacts repository(session.host());
     JsonValue documents = JsonValue::array();
     std::vector<ReferenceFacts> all;
     for (const ClassDef& moc : session.model().classes) {

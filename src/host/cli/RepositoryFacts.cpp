@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "RepositoryReader.h"
+#include "RepositoryFacts.h"
 
 #include "CliError.h"
 #include "runtime/Host.h"
@@ -33,14 +33,14 @@ bool stepped(OrvReturnT code, const char* operation) {
 
 }
 
-RepositoryReader::RepositoryReader(Host& host)
+RepositoryFacts::RepositoryFacts(Host& host)
     : mModel(host.model()), mTable(host.find<VekOamSpiModelRepository_4>(kRepository)) {
     if (mTable == nullptr) {
         throw LoadError("nobody offers " + identityText(kRepository));
     }
 }
 
-RepositoryReader::Moc RepositoryReader::find(const std::string& className) const {
+RepositoryFacts::Moc RepositoryFacts::find(const std::string& className) const {
     const auto index = mModel.findClass(className);
     const std::string dn = index ? exampleDn(mModel, *index) : std::string();
     Moc moc = 0;
@@ -50,7 +50,7 @@ RepositoryReader::Moc RepositoryReader::find(const std::string& className) const
     return moc;
 }
 
-std::vector<std::string> RepositoryReader::children(Moc moc) const {
+std::vector<std::string> RepositoryFacts::children(Moc moc) const {
     std::vector<std::string> names;
     VekOamSpiMrContainmentHandle_4T containment = 0;
     bool isThere =
@@ -65,7 +65,7 @@ std::vector<std::string> RepositoryReader::children(Moc moc) const {
     return names;
 }
 
-std::vector<AttributeFacts> RepositoryReader::attributes(Moc moc) const {
+std::vector<AttributeFacts> RepositoryFacts::attributes(Moc moc) const {
     std::vector<AttributeFacts> facts;
     VekOamSpiMrAttributeHandle_4T attribute = 0;
     bool isThere =
@@ -78,7 +78,7 @@ std::vector<AttributeFacts> RepositoryReader::attributes(Moc moc) const {
     return facts;
 }
 
-AttributeFacts RepositoryReader::attributeFacts(VekOamSpiMrAttributeHandle_4T attribute) const {
+AttributeFacts RepositoryFacts::attributeFacts(VekOamSpiMrAttributeHandle_4T attribute) const {
     AttributeFacts facts;
     VekOamSpiMrGeneralPropertiesHandle_4T properties = 0;
     check(mTable->attribute->getAttributeGeneralProperties(attribute, &properties),
@@ -102,7 +102,7 @@ AttributeFacts RepositoryReader::attributeFacts(VekOamSpiMrAttributeHandle_4T at
     return facts;
 }
 
-std::vector<ReferenceFacts> RepositoryReader::references(Moc moc) const {
+std::vector<ReferenceFacts> RepositoryFacts::references(Moc moc) const {
     std::vector<ReferenceFacts> references;
     addBiDirectional(moc, references);
     addUniDirectional(moc, references);
@@ -111,7 +111,7 @@ std::vector<ReferenceFacts> RepositoryReader::references(Moc moc) const {
 
 // The attribute that refers to an end's class lives in the class at the other end, so of a class
 // that stands at both ends there are two.
-void RepositoryReader::addBiDirectional(Moc moc, std::vector<ReferenceFacts>& references) const {
+void RepositoryFacts::addBiDirectional(Moc moc, std::vector<ReferenceFacts>& references) const {
     VekOamSpiMrBiDirAssociationHandle_4T association = 0;
     bool isThere = stepped(mTable->mocQueries->getFirstBiDirAssociation(moc, &association),
                            "getFirstBiDirAssociation");
@@ -131,7 +131,7 @@ void RepositoryReader::addBiDirectional(Moc moc, std::vector<ReferenceFacts>& re
     }
 }
 
-void RepositoryReader::addUniDirectional(Moc moc, std::vector<ReferenceFacts>& references) const {
+void RepositoryFacts::addUniDirectional(Moc moc, std::vector<ReferenceFacts>& references) const {
     VekOamSpiMrUniDirAssociationHandle_4T association = 0;
     bool isThere = stepped(mTable->mocQueries->getFirstUniDirAssociation(moc, &association),
                            "getFirstUniDirAssociation");
@@ -145,8 +145,8 @@ void RepositoryReader::addUniDirectional(Moc moc, std::vector<ReferenceFacts>& r
     }
 }
 
-ReferenceFacts RepositoryReader::referenceFacts(Moc owner,
-                                                VekOamSpiMrAssociationEndHandle_4T end) const {
+ReferenceFacts RepositoryFacts::referenceFacts(Moc owner,
+                                               VekOamSpiMrAssociationEndHandle_4T end) const {
     const VekOamSpiMrAssociationEnd_4& table = *mTable->associationEnd;
     ReferenceFacts facts;
     facts.owner = nameOf(owner);
@@ -165,26 +165,26 @@ ReferenceFacts RepositoryReader::referenceFacts(Moc owner,
     return facts;
 }
 
-RepositoryReader::Moc RepositoryReader::mocOf(VekOamSpiMrAssociationEndHandle_4T end) const {
+RepositoryFacts::Moc RepositoryFacts::mocOf(VekOamSpiMrAssociationEndHandle_4T end) const {
     Moc moc = 0;
     check(mTable->associationEnd->getEndMoc(end, &moc), "getEndMoc");
     return moc;
 }
 
-std::string RepositoryReader::nameOfEnd(VekOamSpiMrAssociationEndHandle_4T end) const {
+std::string RepositoryFacts::nameOfEnd(VekOamSpiMrAssociationEndHandle_4T end) const {
     const char* name = nullptr;
     check(mTable->associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &name),
           "getEndStringProperty");
     return name;
 }
 
-std::string RepositoryReader::nameOf(Moc moc) const {
+std::string RepositoryFacts::nameOf(Moc moc) const {
     VekOamSpiMrGeneralPropertiesHandle_4T properties = 0;
     check(mTable->mocQueries->getMocGeneralProperties(moc, &properties), "getMocGeneralProperties");
     return textOf(properties);
 }
 
-std::string RepositoryReader::textOf(VekOamSpiMrGeneralPropertiesHandle_4T properties) const {
+std::string RepositoryFacts::textOf(VekOamSpiMrGeneralPropertiesHandle_4T properties) const {
     const char* text = nullptr;
     check(mTable->generalProperties->getGeneralStringProperty(properties, VekOamSpiMrGeneralName_4,
                                                               &text),

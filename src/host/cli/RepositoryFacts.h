@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_CLI_REPOSITORYREADER_H
-#define ORV_HOST_CLI_REPOSITORYREADER_H
+#ifndef ORV_HOST_CLI_REPOSITORYFACTS_H
+#define ORV_HOST_CLI_REPOSITORYFACTS_H
 
 #include "VekOamSpiModelRepository_4.h"
 #include "model/Model.h"
@@ -38,12 +38,12 @@ struct ReferenceFacts {
 /// table VekOamSpiModelRepository_4. Everything is copied.
 ///
 /// A code other than OrvOk, and other than the end of a list, becomes an OperationError.
-class RepositoryReader {
+class RepositoryFacts {
 public:
     using Moc = VekOamSpiMrMocHandle_4T;
 
     /// Throws LoadError if the host offers no repository. \p host must outlive the reader.
-    explicit RepositoryReader(Host& host);
+    explicit RepositoryFacts(Host& host);
 
     /// The class of that name; zero if no DN leads to it: the repository finds classes by DN only.
     Moc find(const std::string& className) const;
