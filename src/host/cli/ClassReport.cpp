@@ -4,7 +4,6 @@
 #include "ClassReport.h"
 
 #include "Layout.h"
-#include "Session.h"
 #include "Suggestion.h"
 
 namespace OrvHost {
@@ -116,42 +115,40 @@ std::vector<std::string> parentNames(const Model& model, const ClassDef& moc) {
     return names;
 }
 
-JsonValue toJson(const ReferenceFacts& facts) {
-    return {{"class", facts.owner},
-            {"attribute", facts.attribute},
-            {"target", facts.target},
-            {"cardinality", boundsJson(facts.cardinality)},
-            {"role", facts.role},
-            {"keepAtDelete", facts.keepAtDelete},
-            {"opposite", facts.opposite.empty() ? JsonValue() : JsonValue(facts.opposite)}};
+JsonValue toJson(const ReferenceDescription& description) {
+    return {
+        {"class", description.owner},
+        {"attribute", description.attribute},
+        {"target", description.target},
+        {"cardinality", boundsJson(description.cardinality)},
+        {"role", description.role},
+        {"keepAtDelete", description.keepAtDelete},
+        {"opposite", description.opposite.empty() ? JsonValue() : JsonValue(description.opposite)}};
 }
 
-std::string associationTable(const std::vector<ReferenceFacts>& associations) {
+std::string associationTable(const std::vector<ReferenceDescription>& associations) {
     std::vector<std::vector<std::string>> rows;
-    for (const ReferenceFacts& facts : associations) {
-        rows.push_back({facts.owner, facts.attribute, facts.target, boundsText(facts.cardinality),
-                        facts.opposite.empty() ? "(one way)" : facts.opposite,
-                        facts.keepAtDelete ? "kept at delete" : ""});
+    for (const ReferenceDescription& description : associations) {
+        rows.push_back({description.owner, description.attribute, description.target,
+                        boundsText(description.cardinality),
+                        description.opposite.empty() ? "(one way)" : description.opposite,
+                        description.keepAtDelete ? "kept at delete" : ""});
     }
     return layOutTable({"CLASS", "ATTRIBUTE", "POINTS AT", "COUNT", "POINTED BACK BY", ""}, rows);
 }
 
-ClassReport::ClassReport(Session& session, ClassIndex moc)
-    : mModel(session.model()), mClass(mModel.classes[moc]) {
-    const RepositoryFacts repository(session.host());
-    const RepositoryFacts::Moc handle = repository.find(mClass.name);
-    mAttributes = repository.attributes(handle);
-    mChildren = repository.children(handle);
-    mReferences = repository.references(handle);
-}
+ClassReport::ClassReport(const Model& model, ClassDescription description)
+    : mModel(model),
+      mClass(model.classes[model.findClass(description.name).value()]),
+      mDescription(std::move(description)) {}
 
-JsonValue ClassReport::attributeJson(const AttributeFacts& facts) const {
-    const AttributeDef* def = mClass.findAttribute(facts.name);
-    JsonValue document{{"name", facts.name},
-                       {"typeCode", facts.typeCode},
-                       {"multiplicity", boundsJson(facts.multiplicity)}};
-    if (!facts.referencedClass.empty()) {
-        document["referencedClass"] = facts.referencedClass;
+JsonValue ClassReport::attributeJson(const AttributeDescription& description) const {
+    const AttributeDef* def = mClass.findAttribute(description.name);
+    JsonValue document{{"name", description.name},
+                       {"typeCode", description.typeCode},
+                       {"multiplicity", boundsJson(description.multiplicity)}};
+    if (!description.referencedClass.empty()) {
+        document["referencedClass"] = description.referencedClass;
     }
     if (def != nullptr) {
         document["type"] = typeText(def);
@@ -164,14 +161,14 @@ JsonValue ClassReport::attributeJson(const AttributeFacts& facts) const {
 }
 
 // The repository tells a single permitted class; where there are several the model tells which.
-std::string ClassReport::referenceText(const AttributeFacts& facts) const {
-    const AttributeDef* def = mClass.findAttribute(facts.name);
-    if (facts.referencedClass.empty()) {
+std::string ClassReport::referenceText(const AttributeDescription& description) const {
+    const AttributeDef* def = mClass.findAttribute(description.name);
+    if (description.referencedClass.empty()) {
         return typeText(def);
     }
     if (def == nullptr || def->type.targets.size() < 2) {
-        const bool isAny = facts.referencedClass == "ManagedObject";
-        return "reference to " + (isAny ? "any class" : facts.referencedClass);
+        const bool isAny = description.referencedClass == kAnyClassName;
+        return "reference to " + (isAny ? "any class" : description.referencedClass);
     }
     std::vector<std::string> targets;
     for (const ClassIndex target : def->type.targets) {
@@ -180,22 +177,22 @@ std::string ClassReport::referenceText(const AttributeFacts& facts) const {
     return "reference to " + enumerate(targets);
 }
 
-std::vector<std::string> ClassReport::attributeRow(const AttributeFacts& facts) const {
-    const AttributeDef* def = mClass.findAttribute(facts.name);
+std::vector<std::string> ClassReport::attributeRow(const AttributeDescription& description) const {
+    const AttributeDef* def = mClass.findAttribute(description.name);
     const bool hasDefault = def != nullptr && def->defaultValue;
-    return {"  " + facts.name, boundsText(facts.multiplicity),
+    return {"  " + description.name, boundsText(description.multiplicity),
             hasDefault ? scalarText(valueJson(*def->defaultValue)) : "", writableText(def),
-            referenceText(facts)};
+            referenceText(description)};
 }
 
 JsonValue ClassReport::json() const {
     JsonValue attributes = JsonValue::array();
-    for (const AttributeFacts& facts : mAttributes) {
-        attributes.push_back(attributeJson(facts));
+    for (const AttributeDescription& description : mDescription.attributes) {
+        attributes.push_back(attributeJson(description));
     }
     JsonValue references = JsonValue::array();
-    for (const ReferenceFacts& facts : mReferences) {
-        references.push_back(toJson(facts));
+    for (const ReferenceDescription& description : mDescription.references) {
+        references.push_back(toJson(description));
     }
     JsonValue actions = JsonValue::array();
     for (const ActionDef& action : mClass.actions) {
@@ -205,7 +202,7 @@ JsonValue ClassReport::json() const {
             {"namingAttribute", mClass.namingAttribute},
             {"topLevel", mClass.isTopLevel},
             {"parents", parentNames(mModel, mClass)},
-            {"children", mChildren},
+            {"children", mDescription.children},
             {"instances", boundsJson(mClass.instances)},
             {"attributes", attributes},
             {"associations", references},
@@ -221,14 +218,14 @@ std::string ClassReport::text() const {
     text += "stands under: " +
             (mClass.isTopLevel ? "(top level)" : enumerate(parentNames(mModel, mClass))) + ", " +
             boundsText(mClass.instances) + " of them\n";
-    text += "contains: " + enumerate(mChildren) + "\n\n";
+    text += "contains: " + enumerate(mDescription.children) + "\n\n";
     std::vector<std::vector<std::string>> rows;
-    for (const AttributeFacts& facts : mAttributes) {
-        rows.push_back(attributeRow(facts));
+    for (const AttributeDescription& description : mDescription.attributes) {
+        rows.push_back(attributeRow(description));
     }
     text += layOutTable({"  ATTRIBUTE", "VALUES", "DEFAULT", "", "TYPE"}, rows);
-    if (!mReferences.empty()) {
-        text += "\nassociations\n" + associationTable(mReferences);
+    if (!mDescription.references.empty()) {
+        text += "\nassociations\n" + associationTable(mDescription.references);
     }
     if (!mClass.actions.empty()) {
         text += "\nactions\n";

@@ -4,40 +4,37 @@
 #ifndef ORV_HOST_CLI_CLASSREPORT_H
 #define ORV_HOST_CLI_CLASSREPORT_H
 
-#include "RepositoryFacts.h"
 #include "ValueJson.h"
 #include "model/Model.h"
+#include "model/ModelDescription.h"
 
 #include <string>
 #include <vector>
 
 namespace OrvHost {
 
-class Session;
-
 /// All that is told of one class. Attributes, children and associations come from the model
 /// repository; what that does not tell (types in words, defaults, actions) comes from the model.
 class ClassReport {
 public:
-    ClassReport(Session& session, ClassIndex moc);
+    /// `model` must have the class and outlive the report.
+    ClassReport(const Model& model, ClassDescription description);
 
     JsonValue json() const;
     std::string text() const;
 
 private:
-    JsonValue attributeJson(const AttributeFacts& facts) const;
-    std::string referenceText(const AttributeFacts& facts) const;
-    std::vector<std::string> attributeRow(const AttributeFacts& facts) const;
+    JsonValue attributeJson(const AttributeDescription& facts) const;
+    std::string referenceText(const AttributeDescription& facts) const;
+    std::vector<std::string> attributeRow(const AttributeDescription& facts) const;
 
     const Model& mModel;
     const ClassDef& mClass;
-    std::vector<AttributeFacts> mAttributes;
-    std::vector<std::string> mChildren;
-    std::vector<ReferenceFacts> mReferences;
+    ClassDescription mDescription;
 };
 
-JsonValue toJson(const ReferenceFacts& facts);
-std::string associationTable(const std::vector<ReferenceFacts>& associations);
+JsonValue toJson(const ReferenceDescription& facts);
+std::string associationTable(const std::vector<ReferenceDescription>& associations);
 std::vector<std::string> parentNames(const Model& model, const ClassDef& moc);
 
 /// "0..1", "3", "1..*".

@@ -6,6 +6,7 @@
 #include "OrvException.h"
 #include "VekOamSpiModelRepository_4.h"
 
+#include <algorithm>
 #include <deque>
 #include <unordered_set>
 
@@ -29,16 +30,34 @@ AttributeDescription describeAttribute(const RepositoryReader& reader,
     return description;
 }
 
-EndDescription describeEnd(const RepositoryReader& reader, RepositoryReader::End end) {
-    EndDescription description;
+/// The attribute that `end` is named after, as a reference to the objects at that end.
+ReferenceDescription describeReference(const RepositoryReader& reader, RepositoryReader::End end) {
+    ReferenceDescription description;
     description.owner = reader.nameOfClass(reader.classOfAttribute(reader.attributeOfEnd(end)));
-    description.name = reader.textOfEnd(end, VekOamSpiMrEndName_4);
-    description.moc = reader.nameOfClass(reader.classOfEnd(end));
+    description.attribute = reader.textOfEnd(end, VekOamSpiMrEndName_4);
+    description.target = reader.nameOfClass(reader.classOfEnd(end));
     description.role = reader.textOfEnd(end, VekOamSpiMrEndRole_4);
     description.cardinality = {reader.boundOfEnd(end, VekOamSpiMrLowerBound_4),
                                reader.boundOfEnd(end, VekOamSpiMrUpperBound_4)};
     description.keepAtDelete = reader.isKeptAtDelete(end);
     return description;
+}
+
+/// Adds those of the two directions whose attribute lives in `moc`: both if the association joins
+/// the class to itself, but one attribute that is its own opposite is told once.
+void addBiDir(const RepositoryReader& reader, Moc moc, RepositoryReader::BiDir association,
+              std::vector<ReferenceDescription>& references) {
+    const RepositoryReader::End ends[] = {reader.firstEnd(association),
+                                          reader.secondEnd(association)};
+    const RepositoryReader::Attribute attributes[] = {reader.attributeOfEnd(ends[0]),
+                                                      reader.attributeOfEnd(ends[1])};
+    const std::size_t directions = attributes[0] == attributes[1] ? 1 : 2;
+    for (std::size_t named = 0; named < directions; ++named) {
+        if (reader.classOfAttribute(attributes[named]) == moc) {
+            references.push_back(describeReference(reader, ends[named]));
+            references.back().opposite = reader.textOfEnd(ends[1 - named], VekOamSpiMrEndName_4);
+        }
+    }
 }
 
 Moc findTopLevelClass(const RepositoryReader& reader, const std::string& name) {
@@ -62,12 +81,10 @@ ClassDescription describeClass(const RepositoryReader& reader, Moc moc) {
         description.children.push_back(reader.nameOfClass(child));
     }
     for (const auto association : reader.biDirsOf(moc)) {
-        description.biDirAssociations.push_back(
-            {describeEnd(reader, reader.firstEnd(association)),
-             describeEnd(reader, reader.secondEnd(association))});
+        addBiDir(reader, moc, association, description.references);
     }
     for (const auto association : reader.uniDirsOf(moc)) {
-        description.uniDirAssociations.push_back(describeEnd(reader, reader.endOf(association)));
+        description.references.push_back(describeReference(reader, reader.endOf(association)));
     }
     return description;
 }
@@ -92,6 +109,14 @@ std::vector<ClassDescription> describeClasses(const RepositoryReader& reader,
         }
     }
     return descriptions;
+}
+
+const ClassDescription* findDescription(const std::vector<ClassDescription>& classes,
+                                        const std::string& name) {
+    const auto found =
+        std::find_if(classes.begin(), classes.end(),
+                     [&](const ClassDescription& description) { return description.name == name; });
+    return found == classes.end() ? nullptr : &*found;
 }
 
 std::vector<std::string> topLevelClasses(const Model& model) {

@@ -23,27 +23,24 @@ struct AttributeDescription {
     std::string referencedClass; ///< of a reference; kAnyClassName for any class or several
 };
 
-/// An end of an association: the attribute `name` of `owner` refers to `moc`.
-struct EndDescription {
+/// One direction of an association, seen from the class that holds the attribute: the attribute
+/// `attribute` of `owner` may name objects of `target`.
+struct ReferenceDescription {
     std::string owner;
-    std::string name;
-    std::string moc;
-    std::string role;
+    std::string attribute;
+    std::string target;
     Bounds cardinality;
+    std::string role;
     bool keepAtDelete = false;
-};
-
-struct BiDirDescription {
-    EndDescription first;
-    EndDescription second;
+    std::string opposite; ///< the attribute of `target` that points back; empty: unidirectional
 };
 
 struct ClassDescription {
     std::string name;
     std::vector<AttributeDescription> attributes;
     std::vector<std::string> children;
-    std::vector<BiDirDescription> biDirAssociations;
-    std::vector<EndDescription> uniDirAssociations;
+    /// Both kinds of association; one entry for each attribute of the class and permitted target.
+    std::vector<ReferenceDescription> references;
 };
 
 /// One class, by its handle. \throws Orv::OrvException as RepositoryReader does
@@ -54,6 +51,10 @@ ClassDescription describeClass(const RepositoryReader& reader, RepositoryReader:
 /// these names at top level
 std::vector<ClassDescription> describeClasses(const RepositoryReader& reader,
                                               const std::vector<std::string>& topLevelClasses);
+
+/// The one of that name, or null.
+const ClassDescription* findDescription(const std::vector<ClassDescription>& classes,
+                                        const std::string& name);
 
 /// The names to begin with.
 std::vector<std::string> topLevelClasses(const Model& model);

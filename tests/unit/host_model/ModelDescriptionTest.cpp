@@ -45,6 +45,26 @@ const AttributeDescription& find(const ClassDescription& moc, const std::string&
     throw std::out_of_range(name);
 }
 
+const ReferenceDescription& find(const std::vector<ClassDescription>& classes,
+                                 const std::string& owner, const std::string& attribute) {
+    for (const ReferenceDescription& reference : findDescription(classes, owner)->references) {
+        if (reference.attribute == attribute) {
+            return reference;
+        }
+    }
+    throw std::out_of_range(attribute);
+}
+
+/// "attribute:target:opposite" for each.
+std::vector<std::string> referencesOf(const std::vector<ClassDescription>& classes,
+                                      const std::string& owner) {
+    std::vector<std::string> texts;
+    for (const ReferenceDescription& reference : findDescription(classes, owner)->references) {
+        texts.push_back(reference.attribute + ":" + reference.target + ":" + reference.opposite);
+    }
+    return texts;
+}
+
 /// What Orv::OrvException says when `call` is made.
 std::string failureOf(const std::function<void()>& call) {
     try {
@@ -95,23 +115,37 @@ TEST_F(ModelDescriptionTest, Attributes_AreToldWithTypeBoundsAndClass) {
     EXPECT_EQ(find(cell, "labels").multiplicity.upper, kUnbounded);
 }
 
-TEST_F(ModelDescriptionTest, Associations_AreToldFromTheAttributesPointOfView) {
-    const ClassDescription cell =
-        describeClass(mReader, mReader.findClass("Network=1,Node=1,Cell=1").value());
-    ASSERT_EQ(cell.biDirAssociations.size(), 3U);
-    const BiDirDescription& antennas = cell.biDirAssociations[0];
-    EXPECT_EQ(antennas.second.owner, "Cell");
-    EXPECT_EQ(antennas.second.name, "antennas");
-    EXPECT_EQ(antennas.second.moc, "Antenna");
-    EXPECT_EQ(antennas.second.role, "antennas");
-    EXPECT_EQ(antennas.second.cardinality.upper, 2);
-    EXPECT_TRUE(antennas.second.keepAtDelete);
-    EXPECT_EQ(antennas.first.owner, "Antenna");
-    EXPECT_EQ(antennas.first.name, "cell");
-    EXPECT_FALSE(antennas.first.keepAtDelete);
-    ASSERT_EQ(cell.uniDirAssociations.size(), 2U);
-    EXPECT_EQ(cell.uniDirAssociations[1].owner, "Cell");
-    EXPECT_EQ(cell.uniDirAssociations[1].moc, "Node");
+TEST_F(ModelDescriptionTest, BiDirectionalReference_IsToldWithItsOpposite) {
+    const auto classes = describeClasses(mReader, topLevelClasses(mModel));
+    const ReferenceDescription& antennas = find(classes, "Cell", "antennas");
+    EXPECT_EQ(antennas.owner, "Cell");
+    EXPECT_EQ(antennas.target, "Antenna");
+    EXPECT_EQ(antennas.role, "antennas");
+    EXPECT_EQ(antennas.cardinality.lower, 0);
+    EXPECT_EQ(antennas.cardinality.upper, 2);
+    EXPECT_TRUE(antennas.keepAtDelete);
+    EXPECT_EQ(antennas.opposite, "cell");
+    const ReferenceDescription& cell = find(classes, "Antenna", "cell");
+    EXPECT_EQ(cell.target, "Cell");
+    EXPECT_EQ(cell.cardinality.lower, 1);
+    EXPECT_FALSE(cell.keepAtDelete);
+    EXPECT_EQ(cell.opposite, "antennas");
+}
+
+TEST_F(ModelDescriptionTest, References_OfOneClass_AreToldAttributeByAttribute) {
+    const auto classes = describeClasses(mReader, topLevelClasses(mModel));
+    EXPECT_THAT(referencesOf(classes, "Cell"),
+                ElementsAre("antennas:Antenna:cell", "previous:Cell:next", "next:Cell:previous",
+                            "friends:Cell:friends", "source:Antenna:", "source:Node:"));
+    EXPECT_THAT(referencesOf(classes, "Antenna"), ElementsAre("cell:Cell:antennas", "power:Node:"));
+    EXPECT_THAT(referencesOf(classes, "Node"), ElementsAre());
+}
+
+TEST_F(ModelDescriptionTest, DescriptionOfAClass_IsFoundByItsName) {
+    const auto classes = describeClasses(mReader, topLevelClasses(mModel));
+    ASSERT_NE(findDescription(classes, "Node"), nullptr);
+    EXPECT_EQ(findDescription(classes, "Node")->name, "Node");
+    EXPECT_EQ(findDescription(classes, "ManagedObject"), nullptr);
 }
 
 TEST_F(ModelDescriptionTest, UnknownDn_HasNoClass) {

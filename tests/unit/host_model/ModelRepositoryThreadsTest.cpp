@@ -32,7 +32,7 @@ TEST(ModelRepositoryThreads, ManyReadersAtOnce_AllSeeTheWholeModel) {
             for (int round = 0; round < kRounds; ++round) {
                 const auto classes = describeClasses(reader, {"Network"});
                 const bool isWhole = classes.size() == 4 && classes[2].name == "Cell" &&
-                                     classes[2].biDirAssociations.size() == 3 &&
+                                     classes[2].references.size() == 6 &&
                                      classes[2].attributes.size() == 14;
                 complete += isWhole ? 1 : 0;
             }

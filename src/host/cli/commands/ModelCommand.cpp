@@ -6,6 +6,7 @@
 #include "cli/ClassReport.h"
 #include "cli/CliError.h"
 #include "cli/Layout.h"
+#include "cli/OfferedModel.h"
 #include "cli/Session.h"
 #include "cli/Suggestion.h"
 
@@ -34,13 +35,12 @@ void listClasses(Session& session) {
 }
 
 void listAssociations(Session& session) {
-    const RepositoryFacts repository(session.host());
     JsonValue documents = JsonValue::array();
-    std::vector<ReferenceFacts> all;
-    for (const ClassDef& moc : session.model().classes) {
-        for (const ReferenceFacts& facts : repository.references(repository.find(moc.name))) {
-            documents.push_back(toJson(facts));
-            all.push_back(facts);
+    std::vector<ReferenceDescription> all;
+    for (const ClassDescription& moc : describeOfferedClasses(session.host())) {
+        for (const ReferenceDescription& reference : moc.references) {
+            documents.push_back(toJson(reference));
+            all.push_back(reference);
         }
     }
     if (session.wantsJson()) {
@@ -59,13 +59,14 @@ std::vector<std::string> classNames(const Model& model) {
 }
 
 void showClass(Session& session, const std::string& name) {
-    const auto moc = session.model().findClass(name);
-    if (!moc) {
+    const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
+    const ClassDescription* moc = findDescription(classes, name);
+    if (moc == nullptr) {
         const std::vector<std::string> names = classNames(session.model());
         throw AnswerError("there is no class " + name + "." + didYouMean(name, names) +
                           " Classes: " + enumerate(names));
     }
-    const ClassReport report(session, *moc);
+    const ClassReport report(session.model(), *moc);
     if (session.wantsJson()) {
         session.print({{"command", "model"}, {"class", report.json()}});
     } else {

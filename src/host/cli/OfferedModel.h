@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_OFFEREDMODEL_H
+#define ORV_HOST_CLI_OFFEREDMODEL_H
+
+#include "model/ModelDescription.h"
+
+#include <vector>
+
+namespace OrvHost {
+
+class Host;
+
+/// All classes as components see them: through the table VekOamSpiModelRepository_4 that \p host
+/// offers at its portal. Throws LoadError if there is none, and Orv::OrvException for what the
+/// table refuses.
+std::vector<ClassDescription> describeOfferedClasses(Host& host);
+
+}
+
+#endif
