@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_SOAK_ACTOR_H
+#define ORV_TESTS_SOAK_ACTOR_H
+
+#include "Cast.h"
+#include "Clients.h"
+#include "Random.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace Soak {
+
+class Ledger;
+class Scene;
+class Tally;
+
+/// A client in one transaction. Draws what to do next, does it through one of the three versions
+/// and judges each answer: a code that the state does not explain is told to the tally.
+///
+/// A write that is refused because of another writer dooms the transaction: it can only be aborted.
+/// One thread.
+class Actor {
+public:
+    /// \p ledger is null for a cast that others write too. Everything must outlive this object.
+    Actor(Scene& scene, Tally& tally, unsigned long txHandle, Random& random, const Cast& cast,
+          Ledger* ledger);
+
+    /// One or several operations on one subject.
+    void step();
+    /// Reads a shared counter and writes the next number, each in one of the versions.
+    void increment(std::size_t counter);
+    /// Leaves a reference attribute with more values than the model allows.
+    void violate();
+
+    bool isDoomed() const { return mIsDoomed; }
+    std::uint64_t operations() const { return mOperations; }
+    /// Iterators that were not finalized.
+    const std::vector<unsigned long long>& leftOpen() const { return mLeftOpen; }
+
+private:
+    /// An object of the cast.
+    struct Subject {
+        std::size_t role = 0;
+        std::size_t number = 0;
+        std::string dn;
+    };
+
+    // What a step can be.
+    void toggle();
+    void setReferences();
+    void setSeveral();
+    void setText();
+    void readReferences();
+    void readSeveral();
+    void readInVersion1();
+    void iterate();
+    void iterateInVersion1();
+    void countAndFind();
+    void act();
+    void setStruct();
+    void createBeforeTarget();
+    void rebuildUnit();
+    void toggleInVersion1();
+    void askForNonsense();
+
+    Subject draw();
+    Subject subject(std::size_t role, std::size_t number) const;
+    bool exists(const std::string& dn);
+    bool ensure(const Subject& subject);
+    bool create(const Subject& subject, const Scripted::NamedValues& references);
+    bool remove(const Subject& subject);
+    bool set(const std::string& dn, const std::string& attribute, const Scripted::Value& value);
+    std::vector<std::string> references(const std::string& dn, const std::string& attribute);
+    std::vector<std::string> drawTargets(const Subject& subject, const Slot& slot);
+    std::string drawText();
+    void remember(const std::string& dn, const std::string& text);
+
+    /// Counts the operation and judges its code. True for OrvOk.
+    bool judge(const char* operation, const std::string& dn, OrvReturnT code,
+               std::initializer_list<OrvReturnT> alsoRight = {});
+    void check(bool isRight, const std::string& what);
+
+    Scene& mScene;
+    Tally& mTally;
+    unsigned long mTx;
+    Random& mRandom;
+    const Cast& mCast;
+    Ledger* mLedger;
+    std::uint64_t mOperations = 0;
+    bool mIsDoomed = false;
+    std::vector<unsigned long long> mLeftOpen;
+};
+
+}
+
+#endif

@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Cast.h"
+
+namespace Soak {
+
+using namespace Scripted;
+
+namespace {
+
+enum : std::size_t { CellDu, Carrier, CellCu, Baseband, Radio, Sector, Antenna };
+
+Value count(std::uint64_t number) {
+    return opaque(OrvMoAttributeTypeUint64_3, {number});
+}
+
+Value network() {
+    return structs({{member("mcc", strings({"240"})), member("mnc", strings({"01"}))}});
+}
+
+std::vector<Role> makeRoles() {
+    std::vector<Role> all(Antenna + 1);
+    all[CellDu] = {"NRCellDU",
+                   "nRCellDUId",
+                   "GNBDUFunction=*",
+                   8,
+                   {{"cellLocalId", count(1)}, {"nRPCI", count(2)}, {"pLMNIdList", network()}},
+                   {{"nRCellCURef", "nRCellDURef", CellCu, 1, 1},
+                    {"nRSectorCarrierRef", "nRCellDURef", Carrier, 3, 4}}};
+    all[Carrier] = {"NRSectorCarrier",
+                    "nRSectorCarrierId",
+                    "GNBDUFunction=*",
+                    8,
+                    {{"arfcnDL", count(620000)}},
+                    {{"nRCellDURef", "nRSectorCarrierRef", CellDu, 3, 8}}};
+    all[CellCu] = {"NRCellCU",
+                   "nRCellCUId",
+                   "GNBCUCPFunction=1",
+                   8,
+                   {{"cellLocalId", count(3)}},
+                   {{"nRCellDURef", "nRCellCURef", CellDu, 1, 1},
+                    {"neighbourCellRef", "neighbourOfRef", CellCu, 4, 64},
+                    {"neighbourOfRef", "neighbourCellRef", CellCu, 4, 64}}};
+    all[Baseband] = {"BasebandUnit",
+                     "basebandUnitId",
+                     "Equipment=1",
+                     6,
+                     {},
+                     {{"standbyRef", "standbyForRef", Baseband, 1, 1},
+                      {"standbyForRef", "standbyRef", Baseband, 1, 1}}};
+    all[Radio] = {"RadioUnit",
+                  "radioUnitId",
+                  "Equipment=1",
+                  6,
+                  {},
+                  {{"sectorRef", "radioUnitRef", Sector, 1, 6, true},
+                   {"antennaRef", "radioUnitRef", Antenna, 2, 2}}};
+    all[Sector] = {"Sector",
+                   "sectorId",
+                   "Equipment=1",
+                   4,
+                   {{"azimuth", count(120)}},
+                   {{"radioUnitRef", "sectorRef", Radio, 2, 1}}};
+    all[Antenna] = {"Antenna", "antennaId", "Equipment=1,AntennaUnit=*",
+                    6,         {},          {{"radioUnitRef", "antennaRef", Radio, 2, 4}}};
+    return all;
+}
+
+}
+
+const std::vector<Role>& roles() {
+    static const std::vector<Role> all = makeRoles();
+    return all;
+}
+
+std::string Cast::parentOf(std::size_t role) const {
+    std::string parent = kRoot + "," + roles()[role].parent;
+    if (parent.back() == '*') {
+        parent.pop_back();
+        parent += mName;
+    }
+    return parent;
+}
+
+std::string Cast::dnOf(std::size_t role, std::size_t number) const {
+    return parentOf(role) + "," + roles()[role].className + "=" + nameOf(number);
+}
+
+}

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_SOAK_LEDGER_H
+#define ORV_TESTS_SOAK_LEDGER_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace Soak {
+
+/// Shared numbers that all writers count up.
+constexpr std::size_t kCounters = 4;
+
+/// What one writer knows to be committed: the texts of its own objects, and how often it has
+/// counted. Written along with a transaction, and kept or dropped with it. One thread.
+class Ledger {
+public:
+    using Counts = std::array<std::uint64_t, kCounters>;
+
+    void write(const std::string& dn, const std::string& text) { mPending[dn] = text; }
+    /// \p dn is deleted, with all below it.
+    void erase(const std::string& dn);
+    void count(std::size_t counter) { ++mPendingCounts[counter]; }
+
+    void commit();
+    void rollback();
+
+    const std::map<std::string, std::string>& texts() const { return mTexts; }
+    const Counts& counts() const { return mCounts; }
+
+private:
+    std::map<std::string, std::string> mTexts;
+    std::map<std::string, std::string> mPending; ///< mTexts as the transaction sees it
+    Counts mCounts{};
+    Counts mPendingCounts{};
+};
+
+}
+
+#endif

@@ -1,0 +1,162 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Writer.h"
+
+#include "Actor.h"
+#include "Random.h"
+#include "RouterTap.h"
+#include "Scene.h"
+#include "Tally.h"
+
+#include <thread>
+
+namespace Soak {
+
+using namespace OrvHost;
+
+namespace {
+
+constexpr int kTries = 4;
+constexpr std::size_t kMostDeadIterators = 200;
+
+// The store names the other transaction in what it says of a conflict; nobody else speaks of one.
+bool tellsOfConflict(const TransactionOutcome& outcome) {
+    for (const ThreadContext::Message& message : outcome.messages) {
+        if (message.text.find(" transaction") != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string textOf(const TransactionOutcome& outcome) {
+    std::string text = outcome.reason;
+    for (const ThreadContext::Message& message : outcome.messages) {
+        text += " | " + message.text;
+    }
+    return text;
+}
+
+}
+
+Writer::Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number)
+    : mScene(scene), mTally(tally), mOptions(options), mNumber(number) {}
+
+void Writer::runTo(std::uint64_t operations, std::uint64_t transactions) {
+    while (mOperations < operations || mTransactions < transactions) {
+        work(mTransactions);
+        ++mTransactions;
+    }
+}
+
+void Writer::work(std::uint64_t number) {
+    for (int tries = 1;; ++tries) {
+        const End end = attempt(number);
+        if (end != End::Conflict) {
+            return;
+        }
+        ++mTally.conflicts;
+        if (tries == kTries) {
+            ++mTally.givenUp;
+            return;
+        }
+        ++mTally.retried;
+        std::this_thread::yield();
+    }
+}
+
+Writer::End Writer::attempt(std::uint64_t number) {
+    Random random(mOptions.seed, mNumber, number);
+    const bool isShared = random.oneIn(6);
+    const unsigned long tx = mScene.host().transactions().begin();
+    ++mTally.transactions;
+    Actor actor(mScene, mTally, tx, random,
+                isShared ? mScene.sharedCast() : mScene.ownCast(mNumber),
+                isShared ? nullptr : &mLedger);
+    const End end = play(actor, tx, random, isShared);
+    if (end == End::Committed) {
+        mLedger.commit();
+    } else {
+        mLedger.rollback();
+    }
+    mOperations += actor.operations();
+    mTally.operations += actor.operations();
+    for (const unsigned long long iterator : actor.leftOpen()) {
+        if (mDeadIterators.size() < kMostDeadIterators) {
+            mDeadIterators.push_back(iterator);
+        }
+    }
+    RouterTap::endTransaction();
+    return end;
+}
+
+Writer::End Writer::play(Actor& actor, unsigned long txHandle, Random& random, bool isShared) {
+    const std::uint64_t share = mOptions.operations / mOptions.transactions;
+    if (random.oneIn(4)) {
+        const std::size_t counter = random.below(kCounters);
+        actor.increment(counter);
+        mLedger.count(counter);
+    }
+    while (actor.operations() < share && !actor.isDoomed()) {
+        actor.step();
+        if (isShared && random.oneIn(8)) {
+            std::this_thread::yield(); // let another writer in between
+        }
+    }
+    const bool violates = random.oneIn(16);
+    if (violates && !actor.isDoomed()) {
+        actor.violate();
+    }
+    if (actor.isDoomed()) {
+        return abort(txHandle, End::Conflict);
+    }
+    if (violates) {
+        const TransactionOutcome outcome = mScene.host().transactions().validate(txHandle);
+        if (outcome.accepted) {
+            mTally.fail("transaction " + std::to_string(txHandle) + ": a violation is accepted");
+        }
+        ++mTally.refused;
+        return abort(txHandle, End::Refused);
+    }
+    if (random.oneIn(12)) {
+        ++mTally.aborted;
+        return abort(txHandle, End::Aborted);
+    }
+    if (random.oneIn(4)) {
+        const TransactionOutcome outcome = mScene.host().transactions().validate(txHandle);
+        if (!outcome.accepted) {
+            return abort(txHandle, endOf(outcome, "validate"));
+        }
+    }
+    return commit(txHandle);
+}
+
+Writer::End Writer::abort(unsigned long txHandle, End end) {
+    const TransactionOutcome outcome = mScene.host().transactions().abort(txHandle);
+    if (!outcome.accepted || !outcome.reason.empty()) {
+        mTally.fail("abort: " + textOf(outcome));
+    }
+    mScene.host().threadContext().clear();
+    return end;
+}
+
+Writer::End Writer::commit(unsigned long txHandle) {
+    const TransactionOutcome outcome = mScene.host().transactions().commit(txHandle);
+    mScene.host().threadContext().clear();
+    if (!outcome.accepted) {
+        return endOf(outcome, "commit");
+    }
+    ++mTally.committed;
+    return End::Committed;
+}
+
+// Nothing but another writer speaks against a transaction that was not made to be refused.
+Writer::End Writer::endOf(const TransactionOutcome& outcome, const char* phase) {
+    if (!tellsOfConflict(outcome)) {
+        mTally.fail(std::string(phase) + " refuses for no reason: " + textOf(outcome));
+    }
+    return End::Conflict;
+}
+
+}

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_TESTS_SOAK_WRITER_H
+#define ORV_TESTS_SOAK_WRITER_H
+
+#include "Ledger.h"
+#include "SoakOptions.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace OrvHost {
+struct TransactionOutcome;
+}
+
+namespace Soak {
+
+class Actor;
+class Scene;
+class Tally;
+
+/// One writer: transaction after transaction, most of them on objects of its own, every sixth on
+/// objects that all writers share, every fourth with a counter that all count up. A transaction
+/// that met another writer is tried again from the same draws, some times, and then given up. Both
+/// objects must outlive this one. One thread at a time.
+class Writer {
+public:
+    Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number);
+
+    /// Goes on until it has done so many operations and so many transactions in all.
+    void runTo(std::uint64_t operations, std::uint64_t transactions);
+
+    const Ledger& ledger() const { return mLedger; }
+    /// Iterators of ended transactions, the last ones.
+    const std::vector<unsigned long long>& deadIterators() const { return mDeadIterators; }
+
+private:
+    enum class End { Committed, Aborted, Refused, Conflict };
+
+    void work(std::uint64_t number);
+    End attempt(std::uint64_t number);
+    End play(Actor& actor, unsigned long txHandle, class Random& random, bool isShared);
+    End abort(unsigned long txHandle, End end);
+    End commit(unsigned long txHandle);
+    End endOf(const OrvHost::TransactionOutcome& outcome, const char* phase);
+
+    Scene& mScene;
+    Tally& mTally;
+    const SoakOptions& mOptions;
+    unsigned mNumber;
+    Ledger mLedger;
+    std::uint64_t mOperations = 0;
+    std::uint64_t mTransactions = 0;
+    std::vector<unsigned long long> mDeadIterators;
+};
+
+}
+
+#endif
