@@ -179,6 +179,37 @@ TEST(OrvhostBadInputTest, Data_ForbiddenClassAndMissingTarget_AreBothTold) {
                 AllOf(HasSubstr("expected Mast or Antenna"), HasSubstr("Mast=gone")));
 }
 
+TEST(OrvhostBadInputTest, Data_RootWithAnExternalName_IsRefusedBesideOtherProblems) {
+    EXPECT_THAT(loadError({"-d", "broken/external-root.json"}),
+                AllOf(HasSubstr("broken/external-root.json: ManagedElement=east: no client can"),
+                      HasSubstr("is ManagedElement=1"), HasSubstr("--me-id"),
+                      HasSubstr("broken/external-root.json: ManagedElement=east,Mast=a: attribute "
+                                "antennas names ManagedElement=east,Antenna=gone")));
+}
+
+TEST(OrvhostBadInputTest, Data_NoIdentityAtAll_IsRefused) {
+    const auto result = runOrvhost({"-I", "models", "-m", "site", "-m", "power", "-d", "network",
+                                    "--me-id", "", "--me-id-fallback", "", "-c", "ls"});
+    EXPECT_THAT(result.err, HasSubstr("network/1-masts.json: ManagedElement=1: no client can"));
+    EXPECT_EQ(result.status, kLoad);
+}
+
+TEST(OrvhostBadInputTest, Data_TooManyObjectsOfAClass_IsRefused) {
+    EXPECT_THAT(loadError({"-m", "power", "-d", "network", "-d", "broken/many-batteries.json"}),
+                HasSubstr("network/1-masts.json: ManagedElement=1: 5 of class Battery stand there, "
+                          "expected 0..4."));
+}
+
+TEST(OrvhostBadInputTest, Data_TopLevelOfAnotherClass_IsLoadedWithANote) {
+    const auto result =
+        runOrvhost({"-I", "models", "-m", "yard", "-d", "yard", "--me-id", "east", "-c",
+                    "get Yard=1 label", "-c", "get Yard=east label", "-c", "count / Yard"});
+    EXPECT_EQ(result.out, "Behind the house\nThe east one\n2\n");
+    EXPECT_EQ(result.err, "note: yard/yard.json: Yard=1: lists of the top level show this object "
+                          "as Yard=east; name it by its DN.\n");
+    EXPECT_EQ(result.status, 0);
+}
+
 TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsTold) {
     EXPECT_THAT(loadError({"--ext-cm", "no-such.so"}),
                 HasSubstr("no-such.so: cannot be opened as a shared object"));

@@ -114,7 +114,17 @@ void Workbench::checkAndRepair(const Options& options, DataSet& data) {
             mErrors << "repaired: " << line << '\n';
         }
     }
-    failIfAny(data.check());
+    std::vector<std::string> problems = data.unreachable();
+    for (std::string& problem : problems) {
+        problem += " See --me-id.";
+    }
+    for (std::string& problem : data.check()) {
+        problems.push_back(std::move(problem));
+    }
+    failIfAny(problems);
+    for (const std::string& note : data.misnamedInLists()) {
+        mErrors << "note: " << note << '\n';
+    }
 }
 
 void Workbench::loadComponents(const Options& options) {

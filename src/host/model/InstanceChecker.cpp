@@ -4,6 +4,7 @@
 #include "InstanceChecker.h"
 
 #include "InstanceLinks.h"
+#include "InstanceMembers.h"
 #include "InstancePlan.h"
 #include "InstanceTable.h"
 #include "ProblemList.h"
@@ -27,11 +28,16 @@ bool isWithin(const Bounds& bounds, std::size_t size) {
 class Run {
 public:
     Run(const Model& model, const InstanceSource& source)
-        : mModel(model), mSource(source), mPlan(model), mLinks(model, mTable) {}
+        : mModel(model),
+          mSource(source),
+          mPlan(model),
+          mMembers(model, mTable),
+          mLinks(model, mTable) {}
 
     InstanceReport execute() {
         mSource.visit([this](const Instance& instance) { enter(instance); });
         mSource.visit([this](const Instance& instance) { examine(instance); });
+        mMembers.judge(mReport);
         mLinks.compare(mReport);
         return std::move(mReport);
     }
@@ -74,9 +80,14 @@ private:
 
     void examineParent() {
         const std::size_t comma = mDn.rfind(',');
-        const bool isTop = comma == std::string_view::npos;
-        if (!isTop && !mTable.find(mDn.substr(0, comma))) {
-            const std::string_view parent = mDn.substr(0, comma);
+        if (comma == std::string_view::npos) {
+            mMembers.add(std::nullopt, mHolder.moc);
+            return;
+        }
+        const std::string_view parent = mDn.substr(0, comma);
+        if (const InstanceTable::Entry* entry = mTable.find(parent)) {
+            mMembers.add(entry->index, mHolder.moc);
+        } else {
             report(Kind::NoParent, mDn, {}, parent,
                    {mDn, ": its parent ", parent, " does not exist."});
         }
@@ -215,6 +226,7 @@ private:
     const InstanceSource& mSource;
     const InstancePlan mPlan;
     InstanceTable mTable;
+    InstanceMembers mMembers;
     InstanceLinks mLinks;
     InstanceReport mReport;
 

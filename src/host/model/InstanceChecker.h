@@ -11,23 +11,26 @@
 namespace OrvHost {
 
 /// Judges objects that did not come through a client's transaction the way they would have been
-/// left by one: that the number of values fits attributes and association ends, that references
-/// name permitted classes, that those of associations name objects which are there, and that both
-/// sides of every bidirectional association are present. Objects and their parents are checked as
-/// far as that needs it; single values are not (see whyRefused).
+/// left by one: that the number of objects of a class under one parent is permitted, that the
+/// number of values fits attributes and association ends, that references name permitted classes,
+/// that those of associations name objects which are there, and that both sides of every
+/// bidirectional association are present. Objects and their parents are checked as far as that
+/// needs it; single values are not (see whyRefused).
 ///
 /// A mandatory attribute with a default, one that only the system writes, and the naming attribute
 /// may be absent.
 ///
 /// Cost: time grows with the number of objects and values, times the logarithm of the number of
-/// bidirectional references; memory is that of the DNs and 8 bytes for each such reference.
+/// bidirectional references; memory is that of the DNs, 8 bytes for each such reference, and 8 for
+/// each object of a class whose number is bounded.
 class InstanceChecker {
 public:
     /// `model` is from a ModelBuilder and must outlive the checker.
     explicit InstanceChecker(const Model& model) : mModel(model) {}
 
-    /// All problems: first those of the single objects, in the order of the source, then what is
-    /// wrong between two, association by association. Any thread; nothing is kept.
+    /// All problems: first those of the single objects, in the order of the source, then wrong
+    /// numbers of objects, then what is wrong between two, association by association. Any thread;
+    /// nothing is kept.
     InstanceReport check(const InstanceSource& source) const;
 
 private:

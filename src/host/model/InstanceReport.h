@@ -14,6 +14,8 @@ enum class InstanceProblemKind : std::uint8_t {
     NoClass,            ///< the DN is no legal path of the model
     RepeatedObject,     ///< two objects of one DN
     NoParent,           ///< the object above is not there
+    WrongNumber,        ///< the number of objects of a class under `dn`, or at the top level if it
+                        ///< is empty, is not permitted
     NoAttribute,        ///< the class has no such attribute
     WrongCount,         ///< the number of values does not fit the attribute
     WrongCardinality,   ///< the number of references does not fit an association end

@@ -28,10 +28,10 @@ public:
 
     /// False if the DN is there already.
     bool add(std::string_view dn, ClassIndex moc) {
-        const auto index = static_cast<Index>(mDns.size());
+        const Index index = size();
         const auto [entry, isNew] = mEntries.emplace(std::string(dn), Entry{index, moc});
         if (isNew) {
-            mDns.push_back(&entry->first);
+            mObjects.push_back(&*entry);
         }
         return isNew;
     }
@@ -42,11 +42,15 @@ public:
         return found == mEntries.end() ? nullptr : &found->second;
     }
 
-    const std::string& dn(Index index) const { return *mDns[index]; }
+    Index size() const { return static_cast<Index>(mObjects.size()); }
+    const std::string& dn(Index index) const { return mObjects[index]->first; }
+    ClassIndex moc(Index index) const { return mObjects[index]->second.moc; }
 
 private:
-    std::unordered_map<std::string, Entry, NameHash, std::equal_to<>> mEntries;
-    std::vector<const std::string*> mDns; ///< the keys of mEntries, which stay where they are
+    using Entries = std::unordered_map<std::string, Entry, NameHash, std::equal_to<>>;
+
+    Entries mEntries;
+    std::vector<const Entries::value_type*> mObjects; ///< in mEntries, where they stay
 };
 
 }

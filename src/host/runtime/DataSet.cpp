@@ -3,6 +3,7 @@
 
 #include "DataSet.h"
 
+#include "MeIdTranslator.h"
 #include "model/InstanceChecker.h"
 #include "store/HostError.h"
 #include "store/MoStore.h"
@@ -24,6 +25,10 @@ std::string leafClassOf(const std::string& dn) {
     const std::size_t comma = dn.rfind(',');
     const std::size_t begin = comma == std::string::npos ? 0 : comma + 1;
     return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
+}
+
+std::string nameOf(const std::string& step) {
+    return step.substr(step.find('=') + 1);
 }
 
 std::ptrdiff_t depthOf(const std::string& dn) {
@@ -74,6 +79,42 @@ std::vector<std::string> DataSet::check() const {
         texts.push_back(place(problem.dn) + problem.text);
     }
     return texts;
+}
+
+std::vector<std::string> DataSet::unreachable() const {
+    std::vector<std::string> texts;
+    for (const std::string& dn : topLevelDns()) {
+        if (Orv::MeIdTranslator::instance()->toExternalDn(dn).empty()) {
+            texts.push_back(place(dn) + dn +
+                            ": no client can name this object: data speaks internal names, where "
+                            "the element at the root is ManagedElement=1, and it must have an "
+                            "identity by which clients know it.");
+        }
+    }
+    return texts;
+}
+
+std::vector<std::string> DataSet::misnamedInLists() const {
+    const std::string identity = Orv::MeIdTranslator::instance()->identity();
+    std::vector<std::string> texts;
+    for (const std::string& dn : topLevelDns()) {
+        const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
+        if (!external.empty() && nameOf(external) != identity) {
+            texts.push_back(place(dn) + dn + ": lists of the top level show this object as " +
+                            leafClassOf(dn) + "=" + identity + "; name it by its DN.");
+        }
+    }
+    return texts;
+}
+
+std::vector<std::string> DataSet::topLevelDns() const {
+    std::vector<std::string> dns;
+    for (const StartObject& object : mObjects) {
+        if (object.dn.find(',') == std::string::npos) {
+            dns.push_back(object.dn);
+        }
+    }
+    return dns;
 }
 
 std::vector<std::string> DataSet::repair() {

@@ -50,6 +50,17 @@ public:
     /// Empty: the data is as the component would have left it.
     std::vector<std::string> check() const;
 
+    /// The objects at the top level that no client can name: the translator of DNs knows one
+    /// ManagedElement at the root, which is 1 inside, and whatever stands below another is out of
+    /// reach as well. One text each, with file and line. Ask while a Host stands: it tells the
+    /// translator its identities.
+    std::vector<std::string> unreachable() const;
+
+    /// The objects at the top level that a listing shows under another name: there every object
+    /// bears the identity of the ManagedElement. Clients that know their DNs can work with them.
+    /// One text each, as above.
+    std::vector<std::string> misnamedInLists() const;
+
     /// Adds the missing sides of bidirectional associations and returns a text for each. What it
     /// cannot mend is told by check.
     std::vector<std::string> repair();
@@ -62,6 +73,7 @@ public:
 private:
     bool isMention(const StartObject& object) const;
     std::string place(const std::string& dn) const;
+    std::vector<std::string> topLevelDns() const;
     std::vector<std::size_t> parentsFirst() const;
 
     const Model& mModel;

@@ -333,4 +333,76 @@ TEST(InstanceChecker, ObjectWithVeryManyReferences_IsComparedInReasonableTime) {
     EXPECT_EQ(report.problems.size(), 1U);
 }
 
+namespace {
+
+/// 1..2 of class Rack under a Hall, 0..1 of class Hall at the top level, any number of Shelves.
+Model boundedModel() {
+    return ModelBuilder()
+        .add(ClassSpec("Hall").topLevel().key("id").instances(0, 1))
+        .add(ClassSpec("Yard").topLevel().key("id"))
+        .add(ClassSpec("Rack").key("id").instances(1, 2))
+        .add(ClassSpec("Shelf").key("id"))
+        .contain("Hall", "Rack")
+        .contain("Yard", "Shelf")
+        .contain("Rack", "Shelf")
+        .build();
+}
+
+std::vector<std::string> textsOfBounded(const std::vector<std::string>& dns) {
+    const Model model = boundedModel();
+    std::vector<Instance> instances;
+    for (const std::string& dn : dns) {
+        instances.push_back({dn, {}});
+    }
+    return textsOf(InstanceChecker(model).check(InstanceSpan(instances)));
+}
+
+}
+
+TEST(InstanceCheckerNumbers, WithinBounds_HaveNoProblems) {
+    EXPECT_THAT(
+        textsOfBounded({"Hall=1", "Hall=1,Rack=a", "Hall=1,Rack=b", "Yard=1", "Yard=2",
+                        "Hall=1,Rack=a,Shelf=1", "Hall=1,Rack=a,Shelf=2", "Hall=1,Rack=a,Shelf=3"}),
+        IsEmpty());
+}
+
+TEST(InstanceCheckerNumbers, NoObjectsAtAll_MissNothing) {
+    const Model model =
+        ModelBuilder().add(ClassSpec("Hall").topLevel().key("id").instances(1, 1)).build();
+    EXPECT_THAT(InstanceChecker(model).check(InstanceSpan({})).problems, IsEmpty());
+}
+
+TEST(InstanceCheckerNumbers, TooFewAndTooManyUnderAParent_AreToldOfTheParent) {
+    EXPECT_THAT(textsOfBounded({"Hall=1", "Yard=1"}),
+                ElementsAre("Hall=1: 0 of class Rack stand there, expected 1..2."));
+    EXPECT_THAT(textsOfBounded({"Hall=1,Rack=c", "Hall=1,Rack=a", "Hall=1", "Hall=1,Rack=b"}),
+                ElementsAre("Hall=1: 3 of class Rack stand there, expected 1..2."));
+}
+
+TEST(InstanceCheckerNumbers, TooManyAtTheTopLevel_AreToldOfIt) {
+    EXPECT_THAT(textsOfBounded({"Hall=1", "Hall=2", "Hall=1,Rack=a", "Hall=2,Rack=a"}),
+                ElementsAre("the top level: 2 of class Hall stand there, expected 0..1."));
+}
+
+TEST(InstanceCheckerNumbers, SeveralParents_AreCountedApart) {
+    const Model model = ModelBuilder()
+                            .add(ClassSpec("Hall").topLevel().key("id"))
+                            .add(ClassSpec("Rack").key("id").instances(0, 1))
+                            .contain("Hall", "Rack")
+                            .contain("Rack", "Rack")
+                            .build();
+    const std::vector<Instance> instances{{"Hall=2", {}},        {"Hall=1", {}},
+                                          {"Hall=1,Rack=a", {}}, {"Hall=2,Rack=a", {}},
+                                          {"Hall=2,Rack=b", {}}, {"Hall=2,Rack=b,Rack=a", {}}};
+    const InstanceReport report = InstanceChecker(model).check(InstanceSpan(instances));
+    EXPECT_THAT(kindsOf(report), ElementsAre(InstanceProblemKind::WrongNumber));
+    EXPECT_EQ(report.problems[0].dn, "Hall=2");
+    EXPECT_EQ(report.problems[0].text, "Hall=2: 2 of class Rack stand there, expected 0..1.");
+}
+
+TEST(InstanceCheckerNumbers, RepeatedObject_CountsOnce) {
+    EXPECT_THAT(textsOfBounded({"Hall=1", "Hall=1", "Hall=1,Rack=a"}),
+                ElementsAre("Hall=1: there is more than one object of this name."));
+}
+
 }

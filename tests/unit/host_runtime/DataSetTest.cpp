@@ -3,6 +3,7 @@
 
 #include "runtime/DataSet.h"
 
+#include "MeIdTranslator.h"
 #include "model/ModelBuilder.h"
 #include "store/MoStore.h"
 
@@ -110,6 +111,47 @@ TEST_F(DataSetTest, Repair_WouldExceedTheBound_IsToldByCheck) {
     add("Site=1,Antenna=1");
     EXPECT_THAT(mData.repair(), SizeIs(2));
     EXPECT_THAT(mData.check(), Contains(HasSubstr("Site=1,Antenna=1")));
+}
+
+class DataSetAtTheTopTest : public testing::Test {
+protected:
+    ~DataSetAtTheTopTest() override { Orv::MeIdTranslator::instance()->configure("", ""); }
+
+    void add(const std::string& dn, int line) { mData.add({dn, {}, {"data.json", line}}); }
+
+    Model mModel = ModelBuilder()
+                       .add(ClassSpec("ManagedElement").topLevel().key("id"))
+                       .add(ClassSpec("Site").topLevel().key("id"))
+                       .add(ClassSpec("Mast").key("id"))
+                       .contain("ManagedElement", "Mast")
+                       .build();
+    DataSet mData{mModel};
+};
+
+TEST_F(DataSetAtTheTopTest, Unreachable_ElementNotNamedOne_IsToldOnceForItsTree) {
+    Orv::MeIdTranslator::instance()->configure("east", "1");
+    add("ManagedElement=1", 2);
+    add("ManagedElement=east", 3);
+    add("ManagedElement=east,Mast=a", 4);
+    add("Site=east", 5);
+    EXPECT_THAT(mData.unreachable(),
+                ElementsAre(StartsWith("data.json:3: ManagedElement=east: no client can name")));
+}
+
+TEST_F(DataSetAtTheTopTest, Unreachable_NoIdentity_TellsTheElement) {
+    Orv::MeIdTranslator::instance()->configure("", "");
+    add("ManagedElement=1", 2);
+    EXPECT_THAT(mData.unreachable(), ElementsAre(StartsWith("data.json:2: ManagedElement=1: ")));
+}
+
+TEST_F(DataSetAtTheTopTest, MisnamedInLists_AreThoseNotNamedLikeTheElement) {
+    Orv::MeIdTranslator::instance()->configure("east", "1");
+    add("ManagedElement=1", 2);
+    add("ManagedElement=x", 3);
+    add("Site=east", 4);
+    add("Site=west", 5);
+    EXPECT_THAT(mData.misnamedInLists(),
+                ElementsAre(AllOf(StartsWith("data.json:5: Site=west: "), HasSubstr("Site=east"))));
 }
 
 TEST_F(DataSetTest, MoveInto_RefusedObjects_AreAllToldButNotWhatIsBelowThem) {

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_INSTANCEMEMBERS_H
+#define ORV_HOST_MODEL_INSTANCEMEMBERS_H
+
+#include "InstanceReport.h"
+#include "InstanceTable.h"
+#include "Model.h"
+
+#include <compare>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace OrvHost {
+
+/// How many objects of a class stand under one parent, for the classes whose number is bounded.
+/// Costs 8 bytes for each object of such a class.
+class InstanceMembers {
+public:
+    InstanceMembers(const Model& model, const InstanceTable& table);
+
+    /// An object of class `moc` stands under `parent`; nothing: at the top level.
+    void add(std::optional<InstanceTable::Index> parent, ClassIndex moc);
+
+    /// Reports every number that is out of bounds, parent by parent. Without any object in the
+    /// table nothing is missing: there is no data then.
+    void judge(InstanceReport& report);
+
+private:
+    struct Member {
+        InstanceTable::Index parent; ///< 0: the top level; otherwise one above the index
+        ClassIndex moc;
+        friend auto operator<=>(const Member&, const Member&) = default;
+    };
+    using Members = std::vector<Member>;
+
+    void judgeParent(InstanceTable::Index parent, const std::vector<ClassIndex>& classes,
+                     Members::const_iterator& next, InstanceReport& report) const;
+    void tell(InstanceTable::Index parent, ClassIndex moc, std::ptrdiff_t count,
+              InstanceReport& report) const;
+
+    const Model& mModel;
+    const InstanceTable& mTable;
+    std::vector<ClassIndex> mBoundedAtTop;
+    std::vector<std::vector<ClassIndex>> mBoundedUnder; ///< by class of the parent
+    Members mMembers;
+};
+
+}
+
+#endif
