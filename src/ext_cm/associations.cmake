@@ -5,5 +5,7 @@
 set(ORV_ASSOCIATION_SOURCES
   src/BiDirUtils.cpp
   src/BiDirValidator.cpp
+  src/PendingAdditions.cpp
+  src/ReferenceList.cpp
   src/UniDirStorage.cpp
   src/UniDirValidator.cpp)

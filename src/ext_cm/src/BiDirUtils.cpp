@@ -4,17 +4,21 @@
 #include "BiDirUtils.h"
 
 #include "AutoMemory.h"
+#include "BackPointerRouter.h"
 #include "MoAccessor.h"
 #include "ModelReader.h"
 #include "ModelWalk.h"
 #include "Portal.h"
 #include "ReadResult.h"
+#include "ReferenceList.h"
 #include "Tracing.h"
+
+#include <Poco/ScopedLock.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <new>
-#include <string_view>
+#include <utility>
 
 namespace OrvExtCmRouterService {
 
@@ -22,73 +26,12 @@ namespace {
 
 constexpr int childLookupLimit = 60;
 
-/// The router as back-pointers need it. Without a router every call fails.
-class Router {
-public:
-    explicit Router(const OrvOamSpiManagedObject_3* table) : mTable(table) {}
-
-    OrvReturnT exists(unsigned long txHandle, const char* dn, bool& found) const {
-        found = false;
-        return mTable != nullptr ? mTable->existsMo(txHandle, dn, &found) : OrvFailure;
-    }
-
-    bool certainlyExists(unsigned long txHandle, const char* dn) const {
-        bool found = false;
-        return exists(txHandle, dn, found) == OrvOk && found;
-    }
-
-    OrvReturnT read(unsigned long txHandle, const char* dn, const char* attribute,
-                    ReadResult& result) const {
-        return mTable != nullptr ? mTable->getMoAttribute(txHandle, dn, attribute, result.record())
-                                 : OrvFailure;
-    }
-
-    OrvReturnT write(unsigned long txHandle, const char* dn, const char* attribute,
-                     const VekMoAttributeValueContainer_3& value) const {
-        return mTable != nullptr ? mTable->setMoAttribute(txHandle, dn, attribute, &value)
-                                 : OrvFailure;
-    }
-
-private:
-    const OrvOamSpiManagedObject_3* mTable;
-};
+// Unlike that of Poco::Mutex, this guard can be let go of where a failure can still be told; its
+// destructor, for the other ways out, keeps it to itself.
+using Lock = Poco::ScopedLockWithUnlock<Poco::Mutex>;
 
 void traceReadFailure(OrvReturnT code, const char* attribute, const char* dn) {
     ORV_TRACE("Error code %d received when reading attribute %s in %s.", code, attribute, dn);
-}
-
-std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
-    std::vector<std::string_view> texts;
-    texts.reserve(references.count);
-    for (std::uint32_t i = 0; i < references.count; ++i) {
-        texts.emplace_back(references.values[i].moRef);
-    }
-    std::sort(texts.begin(), texts.end());
-    return texts;
-}
-
-/// The references of \p one that \p other does not hold, in the order of \p one.
-std::vector<const char*> missingReferences(const VekMoAttributeValueContainer_3& one,
-                                           const VekMoAttributeValueContainer_3& other) {
-    const std::vector<std::string_view> known = sortedTexts(other);
-    std::vector<const char*> missing;
-    for (std::uint32_t i = 0; i < one.count; ++i) {
-        const char* const reference = one.values[i].moRef;
-        if (!std::binary_search(known.begin(), known.end(), std::string_view(reference))) {
-            missing.push_back(reference);
-        }
-    }
-    return missing;
-}
-
-std::vector<std::string> copyReferences(const VekMoAttributeValueContainer_3& references,
-                                        std::size_t room) {
-    std::vector<std::string> copies;
-    copies.reserve(room);
-    for (std::uint32_t i = 0; i < references.count; ++i) {
-        copies.emplace_back(references.values[i].moRef);
-    }
-    return copies;
 }
 
 }
@@ -193,7 +136,7 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
                                          const char* dnToRemove,
                                          VekOamSpiMrAssociationEndHandle_4T end,
                                          const char* sourceAttribute) {
-    const Router router(moRouter);
+    const BackPointerRouter router(moRouter);
     if (!router.certainlyExists(txHandle, targetDn)) {
         removePendingBackPointerFromQueue(txHandle, dnToRemove, sourceAttribute);
         return;
@@ -216,16 +159,21 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
 void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn,
                                     const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
                                     const char* sourceAttribute) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
-    const Router router(moRouter);
+    Lock lock(mMutex);
     const char* const backPointer = backPointerOf(end);
-    if (!router.certainlyExists(txHandle, targetDn)) {
-        pendingBackPointers.emplace(
-            targetDn, BackPointerData{txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
-        return;
+    if (BackPointerRouter(moRouter).certainlyExists(txHandle, targetDn)) {
+        extendBackPointer(txHandle, targetDn, dnToAdd, backPointer);
+    } else {
+        mPending.add(targetDn, {txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
     }
+    lock.unlock();
+}
+
+void BiDirUtils::extendBackPointer(unsigned long txHandle, const char* targetDn,
+                                   const char* dnToAdd, const char* backPointer) {
     ReadResult present;
-    const OrvReturnT code = router.read(txHandle, targetDn, backPointer, present);
+    const OrvReturnT code =
+        BackPointerRouter(moRouter).read(txHandle, targetDn, backPointer, present);
     if (code != OrvOk) {
         traceReadFailure(code, backPointer, targetDn);
         return;
@@ -238,7 +186,7 @@ void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn
 
 OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string> values,
                                  const char* dn, const char* attributeName) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
+    Lock lock(mMutex);
     Orv::AutoMemory memory;
     const auto count = static_cast<std::uint32_t>(values.size());
     auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
@@ -249,13 +197,14 @@ OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string
         slots[i].moRef = values[i].c_str();
     }
     const VekMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, count, slots};
-    const OrvReturnT code = Router(moRouter).write(txHandle, dn, attributeName, value);
+    const OrvReturnT code = BackPointerRouter(moRouter).write(txHandle, dn, attributeName, value);
     if (code == OrvOk) {
         addUpdatedBp(txHandle, dn, attributeName);
     } else {
         ORV_TRACE("Error code %d received when setting attribute %s in %s.", code, attributeName,
                   dn);
     }
+    lock.unlock();
     return code;
 }
 
@@ -285,7 +234,7 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
         VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
         ReadResult oldValue(noValues);
         if (!isNewMo) {
-            code = Router(moRouter).read(txHandle, dn, attributeName, oldValue);
+            code = BackPointerRouter(moRouter).read(txHandle, dn, attributeName, oldValue);
         }
         if (code != OrvOk) {
             ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", attributeName, dn,
@@ -299,8 +248,9 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
             code = editFarSides({txHandle, dn, attributeName}, moc, bidir, toAdd, toRemove, code);
         }
     }
-    const Poco::Mutex::ScopedLock lock(mMutex);
+    Lock lock(mMutex);
     addUpdatedBp(txHandle, dn, attributeName);
+    lock.unlock();
     return code;
 }
 
@@ -429,7 +379,7 @@ void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
         return;
     }
     ReadResult references;
-    const OrvReturnT code = Router(moRouter).read(txHandle, dn, attribute, references);
+    const OrvReturnT code = BackPointerRouter(moRouter).read(txHandle, dn, attribute, references);
     if (code != OrvOk) {
         traceReadFailure(code, attribute, dn);
         return;
@@ -450,37 +400,31 @@ void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
 OrvReturnT BiDirUtils::updatePendingBackPointer(unsigned long txHandle, const std::string& key,
                                                 const char* attribute) {
     ORV_TRACE_ENTRY(" >> key = %s", key.c_str());
-    const Poco::Mutex::ScopedLock lock(mMutex);
-    if (pendingBackPointers.empty()) {
-        return OrvOk;
+    Lock lock(mMutex);
+    OrvReturnT code = OrvOk;
+    if (!pendingBackPointers.empty()) {
+        bool exists = false;
+        code = BackPointerRouter(moRouter).exists(txHandle, key.c_str(), exists);
+        if (code == OrvOk && exists) {
+            applyWaiting(txHandle, key, attribute);
+        } else {
+            ORV_TRACE("%s doesn't exist or couldn't be read", key.c_str());
+        }
     }
-    bool exists = false;
-    const OrvReturnT code = Router(moRouter).exists(txHandle, key.c_str(), exists);
-    if (code != OrvOk || !exists) {
-        ORV_TRACE("%s doesn't exist or couldn't be read", key.c_str());
-        return code;
-    }
-    for (const PendingRecord record : waitingRecords(txHandle, key)) {
-        const BackPointerData& addition = record->second;
-        addMoToBackPointer(txHandle, key.c_str(), addition.sourceDn.c_str(), addition.end,
-                           attribute);
-        pendingBackPointers.erase(record);
-    }
+    lock.unlock();
     return code;
 }
 
-// Settled before the first of them is applied: an edit whose target cannot be seen after all is
+// What is to be applied is settled beforehand: an edit whose target cannot be seen after all is
 // queued again under the same key, and must not be met by the walk that queued it.
-std::vector<BiDirUtils::PendingRecord> BiDirUtils::waitingRecords(unsigned long txHandle,
-                                                                  const std::string& key) {
-    std::vector<PendingRecord> records;
-    const auto range = pendingBackPointers.equal_range(key);
-    for (PendingRecord record = range.first; record != range.second; ++record) {
-        if (record->second.active && record->second.txHandle == txHandle) {
-            records.push_back(record);
-        }
+void BiDirUtils::applyWaiting(unsigned long txHandle, const std::string& key,
+                              const char* attribute) {
+    for (const PendingAdditions::Record record : mPending.activeRecords(txHandle, key)) {
+        const BackPointerData& addition = record->second;
+        addMoToBackPointer(txHandle, key.c_str(), addition.sourceDn.c_str(), addition.end,
+                           attribute);
+        mPending.drop(record);
     }
-    return records;
 }
 
 // A prefix of the text, not of the DN's steps, finds a whole subtree without taking DNs apart. That
@@ -491,39 +435,39 @@ bool BiDirUtils::startsWith(const std::string& text, const std::string& prefix) 
 }
 
 void BiDirUtils::removePendingBackPointerUpdates(unsigned long txHandle, const std::string& dn) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
-    std::erase_if(pendingBackPointers, [&](const auto& record) {
-        return record.second.txHandle == txHandle && startsWith(record.second.sourceDn, dn);
-    });
+    Lock lock(mMutex);
+    mPending.dropSources(txHandle, dn, &startsWith);
+    lock.unlock();
 }
 
 // The target is not compared, so one withdrawal drops all that the attribute has queued.
 void BiDirUtils::removePendingBackPointerFromQueue(unsigned long txHandle, const std::string& dn,
                                                    const std::string& attribute) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
-    std::erase_if(pendingBackPointers, [&](const auto& record) {
-        return record.second.txHandle == txHandle && startsWith(record.second.sourceDn, dn) &&
-               record.second.sourceAttribute == attribute;
-    });
+    Lock lock(mMutex);
+    mPending.dropSources(txHandle, dn, attribute, &startsWith);
+    lock.unlock();
 }
 
 void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
-    std::erase_if(pendingBackPointers,
-                  [&](const auto& record) { return record.second.txHandle == txHandle; });
+    Lock lock(mMutex);
+    mPending.dropTransaction(txHandle);
+    lock.unlock();
 }
 
-// Nothing ever takes an entry out, the end of the transaction included: no operation of this class
-// says that the last validation has been, and a pair forgotten too early would go unchecked. A
-// handle that the host uses again has its earlier pairs checked again.
+// Nothing takes an entry out, the end of the transaction included, so a validation that comes late
+// or a second time finds the same pairs. A handle that the host uses again has its earlier pairs
+// checked again: more is checked then than need be, never less.
 void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute) {
     modifiedBackPointers[txHandle].emplace(dn, attribute);
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {
-    const Poco::Mutex::ScopedLock lock(mMutex);
+    Lock lock(mMutex);
     const auto entry = modifiedBackPointers.find(txHandle);
-    return entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();
+    ModifiedAttributes copy =
+        entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();
+    lock.unlock();
+    return copy;
 }
 
 }

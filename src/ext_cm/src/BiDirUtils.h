@@ -6,6 +6,7 @@
 
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
+#include "PendingAdditions.h"
 #include "VekOamSpiModelRepository_4.h"
 
 #include <Poco/Mutex.h>
@@ -38,15 +39,7 @@ public:
     using ModifiedAttributes = std::set<ModifiedAttribute>;
 
     /// An addition that waits for its target to be created.
-    struct BackPointerData {
-        unsigned long txHandle = 0;       ///< the transaction that queued it
-        std::string backPointerAttribute; ///< kept for whoever looks at the store: the edit works
-                                          ///< the name out from `end` again
-        VekOamSpiMrAssociationEndHandle_4T end = 0; ///< the end at the source's class
-        std::string sourceDn;                       ///< the DN to add
-        bool active = true;                         ///< an inactive record is never applied
-        std::string sourceAttribute; ///< the attribute of the source that names the target
-    };
+    using BackPointerData = OrvExtCmRouterService::BackPointerData;
 
     BiDirUtils() = default;
     BiDirUtils(const BiDirUtils&) = delete;
@@ -157,7 +150,8 @@ protected:
     OrvOamSpiManagedObject_3* moRouter = nullptr;
     VekOamSpiModelRepository_4* modelRepository = nullptr;
 
-    /// By the DN of the target that is not there yet; under one key in order of insertion.
+    /// What waits, by the DN of the target that is not there yet; under one key in order of
+    /// insertion. Records come and go through mPending.
     std::multimap<std::string, BackPointerData> pendingBackPointers;
 
     /// By transaction; see getModifiedBackPointers.
@@ -175,7 +169,6 @@ private:
 
     using Edit = void (BiDirUtils::*)(unsigned long, const char*, const char*,
                                       VekOamSpiMrAssociationEndHandle_4T, const char*);
-    using PendingRecord = std::multimap<std::string, BackPointerData>::iterator;
 
     OrvReturnT lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const;
     const char* backPointerOf(VekOamSpiMrAssociationEndHandle_4T end) const;
@@ -192,7 +185,11 @@ private:
     void leaveFarSides(unsigned long txHandle, const char* dn,
                        VekOamSpiMrAssociationEndHandle_4T near,
                        VekOamSpiMrAssociationEndHandle_4T far, VekOamSpiMrMocHandle_4T farMoc);
-    std::vector<PendingRecord> waitingRecords(unsigned long txHandle, const std::string& key);
+    void extendBackPointer(unsigned long txHandle, const char* targetDn, const char* dnToAdd,
+                           const char* backPointer);
+    void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
+
+    PendingAdditions mPending{pendingBackPointers};
 };
 
 }

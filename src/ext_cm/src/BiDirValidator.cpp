@@ -81,7 +81,10 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
     return code;
 }
 
-// Without a verdict the transaction must not pass for a valid one.
+// Pairs are there, and nothing to judge them with: the host has offered no router or no model, or
+// validates after a stop. The transaction must not pass for a valid one then, so the answer is that
+// of a stopped service, as from the validator of unidirectional references. Since no message can be
+// built that a client would understand, the log says why.
 bool BiDirValidator::canJudge(unsigned long txHandle) const {
     if (moRouter != nullptr && modelRepository != nullptr && biDirUtils.hasModel()) {
         return true;
@@ -123,8 +126,8 @@ BiDirValidator::Outcome BiDirValidator::judgeValue(const char* dn, const char* a
     std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
     biDirUtils.getBidirsForMoc(moc, bidirs);
     if (bidirs.empty()) {
-        return Outcome::Done; // only classes with associations are recorded, so the model is at
-                              // odds
+        // Only classes with associations are recorded, so the model is at odds with itself.
+        return Outcome::Done;
     }
     std::list<VekOamSpiMrMocHandle_4T> permitted;
     code = judgeAssociations(dn, moc, attribute, value, bidirs, permitted);

@@ -16,12 +16,19 @@ class ReadResult {
 public:
     ReadResult() = default;
 
-    /// Starts with \p value, which is not owned: it stands until a read puts another in its place.
-    explicit ReadResult(VekMoAttributeValueContainer_3& value) : mResult{nullptr, &value} {}
+    /// Starts with \p value, which stands until a read puts another in its place. It is the
+    /// caller's and never handed to a producer, not even to one that leaves a function to release
+    /// it and no container of its own.
+    explicit ReadResult(VekMoAttributeValueContainer_3& value)
+        : mResult{nullptr, &value}, mBorrowed(&value) {}
 
     ReadResult(const ReadResult&) = delete;
     ReadResult& operator=(const ReadResult&) = delete;
-    ~ReadResult() { release(mResult); }
+    ~ReadResult() {
+        if (mResult.container != mBorrowed) {
+            release(mResult);
+        }
+    }
 
     /// Hands \p result back, if there is something to hand back.
     static void release(const VekMoAttributeValueResult_3& result) {
@@ -45,6 +52,7 @@ public:
 
 private:
     VekMoAttributeValueResult_3 mResult{nullptr, nullptr};
+    const VekMoAttributeValueContainer_3* mBorrowed = nullptr;
 };
 
 }

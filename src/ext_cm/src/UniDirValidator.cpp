@@ -9,11 +9,16 @@
 #include "Portal.h"
 #include "Tracing.h"
 
+#include <Poco/ScopedLock.h>
+
 namespace OrvExtCmRouterService {
 
 namespace {
 
 using Association = VekOamSpiMrUniDirAssociationHandle_4T;
+
+// Let go of before the end of its block, so that a failure to do so is told.
+using Lock = Poco::ScopedLockWithUnlock<Poco::Mutex>;
 
 constexpr int dnLookupFlag = 1;
 
@@ -45,8 +50,9 @@ void UniDirValidator::start() {
 void UniDirValidator::stop() {
     repository = nullptr;
     threadContext = nullptr;
-    const Poco::Mutex::ScopedLock lock(mutex);
+    Lock lock(mutex);
     storage.clear();
+    lock.unlock();
 }
 
 // The model is asked without the lock; only the storage is touched under it.
@@ -68,8 +74,9 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
         if (!isUniDir(moc, attrName, &association)) {
             return;
         }
-        const Poco::Mutex::ScopedLock lock(mutex);
+        Lock lock(mutex);
         storage.setUniDirRef(txHandle, dn, moc, attrName, association, values);
+        lock.unlock();
     } catch (Orv::OrvException const& exception) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
     }
@@ -107,16 +114,18 @@ void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
         return;
     }
     try {
-        const Poco::Mutex::ScopedLock lock(mutex);
+        Lock lock(mutex);
         storage.deleteMo(txHandle, dn);
+        lock.unlock();
     } catch (Orv::OrvException const& exception) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
     }
 }
 
 void UniDirValidator::finish(unsigned long txHandle) {
-    const Poco::Mutex::ScopedLock lock(mutex);
+    Lock lock(mutex);
     storage.finish(txHandle);
+    lock.unlock();
 }
 
 OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
@@ -126,9 +135,11 @@ OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
     }
     OrvReturnT code = OrvOk;
     try {
-        const Poco::Mutex::ScopedLock lock(mutex);
-        *result = storage.validate(*repository, *threadContext, txHandle);
-        code = *result ? OrvOk : OrvValidationFailed;
+        Lock lock(mutex);
+        const bool valid = storage.validate(*repository, *threadContext, txHandle);
+        lock.unlock();
+        *result = valid;
+        code = valid ? OrvOk : OrvValidationFailed;
     } catch (Orv::OrvException const& exception) {
         code = exception.returnCode();
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), code);

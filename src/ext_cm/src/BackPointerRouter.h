@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_BACKPOINTERROUTER_H
+#define ORV_EXT_CM_BACKPOINTERROUTER_H
+
+#include "OrvMoAttributeValue.h"
+#include "OrvOamSpiManagedObject_3.h"
+#include "OrvReturn.h"
+#include "ReadResult.h"
+
+namespace OrvExtCmRouterService {
+
+/// The host's router as the edits of back-pointers ask it. Without a router every question and
+/// every write fails.
+///
+/// Threads: any.
+class BackPointerRouter {
+public:
+    /// \p table is not owned and may be null.
+    explicit BackPointerRouter(const OrvOamSpiManagedObject_3* table) : mTable(table) {}
+
+    OrvReturnT exists(unsigned long txHandle, const char* dn, bool& found) const {
+        found = false;
+        return mTable != nullptr ? mTable->existsMo(txHandle, dn, &found) : OrvFailure;
+    }
+
+    /// False also if the router cannot tell.
+    bool certainlyExists(unsigned long txHandle, const char* dn) const {
+        bool found = false;
+        return exists(txHandle, dn, found) == OrvOk && found;
+    }
+
+    OrvReturnT read(unsigned long txHandle, const char* dn, const char* attribute,
+                    ReadResult& result) const {
+        return mTable != nullptr ? mTable->getMoAttribute(txHandle, dn, attribute, result.record())
+                                 : OrvFailure;
+    }
+
+    OrvReturnT write(unsigned long txHandle, const char* dn, const char* attribute,
+                     const VekMoAttributeValueContainer_3& value) const {
+        return mTable != nullptr ? mTable->setMoAttribute(txHandle, dn, attribute, &value)
+                                 : OrvFailure;
+    }
+
+private:
+    const OrvOamSpiManagedObject_3* mTable;
+};
+
+}
+
+#endif

@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PendingAdditions.h"
+
+#include <functional>
+#include <utility>
+
+namespace OrvExtCmRouterService {
+
+// Records of one source, one for each target, stand side by side in any order.
+bool PendingAdditions::SourceOrder::operator()(const Record& left, const Record& right) const {
+    const Source leftSource = sourceOf(left);
+    const Source rightSource = sourceOf(right);
+    return leftSource != rightSource ? leftSource < rightSource
+                                     : std::less<const void*>()(&*left, &*right);
+}
+
+PendingAdditions::Source PendingAdditions::sourceOf(const Record& record) {
+    const BackPointerData& addition = record->second;
+    return {addition.txHandle, addition.sourceAttribute, addition.sourceDn};
+}
+
+PendingAdditions::Attribute PendingAdditions::attributeOf(const Record& record) {
+    return {record->second.txHandle, record->second.sourceAttribute};
+}
+
+void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
+    const Record record = mStore.emplace(targetDn, std::move(addition));
+    try {
+        mSources.insert(record);
+    } catch (...) {
+        mStore.erase(record);
+        throw;
+    }
+}
+
+void PendingAdditions::drop(Record record) {
+    mSources.erase(record);
+    mStore.erase(record);
+}
+
+void PendingAdditions::drop(Sources::iterator first, Sources::iterator last) {
+    while (first != last) {
+        const Record record = *first;
+        first = mSources.erase(first);
+        mStore.erase(record);
+    }
+}
+
+std::vector<PendingAdditions::Record> PendingAdditions::activeRecords(unsigned long txHandle,
+                                                                      const std::string& targetDn) {
+    std::vector<Record> records;
+    const auto range = mStore.equal_range(targetDn);
+    for (Record record = range.first; record != range.second; ++record) {
+        if (record->second.active && record->second.txHandle == txHandle) {
+            records.push_back(record);
+        }
+    }
+    return records;
+}
+
+void PendingAdditions::dropTransaction(unsigned long txHandle) {
+    const auto range = mSources.equal_range(Transaction{txHandle});
+    drop(range.first, range.second);
+}
+
+// Attribute by attribute: the next one is found before the texts of this one may go.
+void PendingAdditions::dropSources(unsigned long txHandle, const std::string& dn, Match match) {
+    const auto range = mSources.equal_range(Transaction{txHandle});
+    for (auto next = range.first; next != range.second;) {
+        const std::string_view attribute = (*next)->second.sourceAttribute;
+        next = mSources.upper_bound(attributeOf(*next));
+        dropSources(txHandle, dn, attribute, match);
+    }
+}
+
+// DNs that begin with one text stand side by side, from where that text would stand on.
+void PendingAdditions::dropSources(unsigned long txHandle, const std::string& dn,
+                                   std::string_view attribute, Match match) {
+    const auto first = mSources.lower_bound(Source{txHandle, attribute, dn});
+    const auto end = mSources.upper_bound(Attribute{txHandle, attribute});
+    auto last = first;
+    while (last != end && match((*last)->second.sourceDn, dn)) {
+        ++last;
+    }
+    drop(first, last);
+}
+
+}
