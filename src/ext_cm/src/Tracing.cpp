@@ -5,9 +5,13 @@
 
 #include "OrvReturnText.h"
 
+#include <exception>
+
 namespace OrvExtCmRouterService {
 
-OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
+namespace {
+
+void writeResult(const TracePoint& point, OrvReturnT code) {
     Orv::LoggingWrapper* const wrapper = Orv::LoggingWrapper::instance();
     if (wrapper->get_level() > traceGate) {
         const char* const text = Orv::OrvReturn::strerror(code);
@@ -15,6 +19,17 @@ OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
                               text);
         wrapper->trace_v2_printf(Orv::Trace::ExtCm, traceLevel, point.file, point.function,
                                  point.line, " << ret: %s", text);
+    }
+}
+
+}
+
+OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
+    try {
+        writeResult(point, code);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // The operation is done and its outputs belong to the caller: an answer of failure now
+        // would make the caller leave what it has been given.
     }
     return code;
 }

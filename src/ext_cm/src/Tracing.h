@@ -57,7 +57,8 @@ struct TracePoint {
     int line;
 };
 
-/// Traces \p code as the result of the function at \p point, and gives it back.
+/// Traces \p code as the result of the function at \p point, and gives it back. A trace that cannot
+/// be written is left out: no std::exception leaves this function.
 OrvReturnT traceResult(const TracePoint& point, OrvReturnT code);
 
 }

@@ -159,12 +159,13 @@ OrvReturnT getInterface(VekMgmtSpiInterface_1 id, void** result) {
     return OrvOk;
 }
 
-class OutOfMemory : public testing::Test {
+/// At level 0 nothing is written; at level 8 every trace needs memory, too.
+class OutOfMemory : public testing::TestWithParam<unsigned int> {
 protected:
     OutOfMemory() {
         namedStruct.value = sample3.outer;
         namedRef.value = sample3.ref;
-        Orv::LoggingWrapper::instance()->setLevel(0);
+        Orv::LoggingWrapper::instance()->setLevel(GetParam());
         one.init(&portal);
         three.init(&portal, &repository);
         threeOne.init(&portal, &repository);
@@ -221,7 +222,7 @@ protected:
 }
 
 // After a failure the result is still the router's, which takes it back all the same.
-TEST_F(OutOfMemory, GetMoAttribute3) {
+TEST_P(OutOfMemory, GetMoAttribute3) {
     OrvMoAttributeValueResult_3 result{};
     failEachAllocation(
         [&] {
@@ -239,7 +240,7 @@ TEST_F(OutOfMemory, GetMoAttribute3) {
         });
 }
 
-TEST_F(OutOfMemory, GetMoAttributes3) {
+TEST_P(OutOfMemory, GetMoAttributes3) {
     OrvMoAttributeValuesResult_3 result{};
     const char* names[] = {"s", "r", "s", nullptr};
     failEachAllocation(
@@ -258,7 +259,7 @@ TEST_F(OutOfMemory, GetMoAttributes3) {
         });
 }
 
-TEST_F(OutOfMemory, Action3) {
+TEST_P(OutOfMemory, Action3) {
     OrvMoAttributeValueResult_3 result{};
     failEachAllocation(
         [&] {
@@ -272,16 +273,16 @@ TEST_F(OutOfMemory, Action3) {
         });
 }
 
-TEST_F(OutOfMemory, SetMoAttribute3) {
+TEST_P(OutOfMemory, SetMoAttribute3) {
     failEachAllocation([&] { return table3.setMoAttribute(kTx, kDn, "s", &sample3.outer); });
     failEachAllocation([&] { return table3.setMoAttribute(kTx, kDn, "r", &sample3.ref); });
 }
 
-TEST_F(OutOfMemory, CreateMo3) {
+TEST_P(OutOfMemory, CreateMo3) {
     failEachAllocation([&] { return table3.createMo(kTx, kDn, "Unit", "label", "7", named3); });
 }
 
-TEST_F(OutOfMemory, NewMoIterator3) {
+TEST_P(OutOfMemory, NewMoIterator3) {
     unsigned long long iterator = 0;
     failEachAllocation([&] { return table3.newMoIterator(kTx, kDn, "Unit", &iterator); },
                        [&](OrvReturnT code) {
@@ -289,7 +290,7 @@ TEST_F(OutOfMemory, NewMoIterator3) {
                        });
 }
 
-TEST_F(OutOfMemory, ReadsAndDelete3) {
+TEST_P(OutOfMemory, ReadsAndDelete3) {
     bool exists = false;
     unsigned long long count = 0;
     failEachAllocation([&] { return table3.existsMo(kTx, kDn, &exists); });
@@ -297,11 +298,11 @@ TEST_F(OutOfMemory, ReadsAndDelete3) {
     failEachAllocation([&] { return table3.deleteMo(kTx, kDn); });
 }
 
-TEST_F(OutOfMemory, SetMoAttributes3_1) {
+TEST_P(OutOfMemory, SetMoAttributes3_1) {
     failEachAllocation([&] { return table3_1.setMoAttributes(kTx, kDn, named3); });
 }
 
-TEST_F(OutOfMemory, Version1) {
+TEST_P(OutOfMemory, Version1) {
     OrvMoAttributeValueContainer* result = nullptr;
     OrvMoAttributeValueContainer* parameters[] = {&sample1.outer, &sample1.ref, nullptr};
     void* iterator = nullptr;
@@ -313,7 +314,7 @@ TEST_F(OutOfMemory, Version1) {
     failEachAllocation([&] { return table1.deleteMo(kTx, kDn); });
 }
 
-TEST_F(OutOfMemory, Registration) {
+TEST_P(OutOfMemory, Registration) {
     MoInterceptorBase interceptor;
     failEachAllocation(
         [&] { return Orv::shielded([&] { return repository.registerClass(interceptor, kDn); }); },
@@ -322,3 +323,5 @@ TEST_F(OutOfMemory, Registration) {
             repository.deregisterClass(kDn);
         });
 }
+
+INSTANTIATE_TEST_SUITE_P(Level, OutOfMemory, testing::Values(0U, 8U));
