@@ -44,24 +44,16 @@ OrvReturnT MoImpl::init(OrvMgmtSpiInterfacePortal_1* hostPortal) {
 
 OrvReturnT MoImpl::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (started) {
-        return ORV_TRACE_RESULT(OrvOk);
-    }
-    if (lookUpTable(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, router) !=
-        OrvOk) {
+    if (!takeRouter({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"})) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
-    started = true;
     return ORV_TRACE_RESULT(OrvOk);
 }
 
 OrvReturnT MoImpl::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
-    started = false;
-    router = nullptr;
-    lock.unlock();
+    letGoOfRouter();
     return ORV_TRACE_RESULT(OrvOk);
 }
 

@@ -13,6 +13,7 @@
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_1.h"
 #include "OrvReturn.h"
+#include "RouterClient.h"
 #include "Tracing.h"
 #include "TransactionData.h"
 
@@ -178,7 +179,8 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
 /// Threads: operations from any number of host threads, a transaction on one at a time; not during
 /// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
 /// stop.
-class MoImpl : public IterImpl<OrvOamSpiManagedObject_1, void*> {
+class MoImpl : public IterImpl<OrvOamSpiManagedObject_1, void*>,
+               private RouterClient<OrvOamSpiManagedObject_1> {
 public:
     /// Stores the references and uses neither: what they name may not be built yet.
     MoImpl(IdMappings& ids, TransactionData& transactions);
@@ -230,10 +232,6 @@ private:
     OrvMoStructMember* rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
                                      IdMappings::DnConversion direction, unsigned long txHandle);
 
-    Poco::Mutex mMutex;
-    OrvOamSpiManagedObject_1* router = nullptr;
-    OrvMgmtSpiInterfacePortal_1* portal = nullptr;
-    bool started = false;
     Orv::ManagedObject1Binder<MoImpl> binder;
     IdMappings& idMappings;
     TransactionData& txData;

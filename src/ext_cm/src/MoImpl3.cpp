@@ -10,8 +10,6 @@
 #include "OpeningSteps.h"
 #include "ValueConversion.h"
 
-#include <Poco/ScopedLock.h>
-
 #include <cctype>
 #include <cstdlib>
 #include <memory>
@@ -60,24 +58,16 @@ OrvReturnT MoImpl3::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (started) {
-        return ORV_TRACE_RESULT(OrvOk);
-    }
-    if (lookUpTable(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, router) !=
-        OrvOk) {
+    if (!takeRouter({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"})) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
-    started = true;
     return ORV_TRACE_RESULT(OrvOk);
 }
 
 OrvReturnT MoImpl3::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
-    started = false;
-    router = nullptr;
-    lock.unlock();
+    letGoOfRouter();
     return ORV_TRACE_RESULT(OrvOk);
 }
 

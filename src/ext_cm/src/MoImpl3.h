@@ -16,10 +16,9 @@
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
+#include "RouterClient.h"
 #include "TransactionData.h"
 #include "UniDirValidator.h"
-
-#include <Poco/Mutex.h>
 
 #include <string>
 
@@ -34,7 +33,8 @@ namespace OrvExtCmRouterService {
 /// Threads: operations from any number of host threads, a transaction on one at a time; not during
 /// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
 /// stop. No lock is held while an interceptor or the router runs.
-class MoImpl3 : public IterImpl<OrvOamSpiManagedObject_3, unsigned long long> {
+class MoImpl3 : public IterImpl<OrvOamSpiManagedObject_3, unsigned long long>,
+                private RouterClient<OrvOamSpiManagedObject_3> {
 public:
     /// Stores the references and uses none: what they name may not be built yet.
     MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
@@ -102,11 +102,7 @@ private:
     void recordCreation(const WrittenMo& created, const char* namingAttr,
                         OrvMoNamedAttributeValueContainer_3** attributes);
 
-    Poco::Mutex mMutex;
-    OrvOamSpiManagedObject_3* router = nullptr;
     ExtCmInterceptorRepository* interceptors = nullptr;
-    OrvMgmtSpiInterfacePortal_1* portal = nullptr;
-    bool started = false;
     Orv::ManagedObject3Binder<MoImpl3> binder;
     IdMappings& idMappings;
     TransactionData& txData;

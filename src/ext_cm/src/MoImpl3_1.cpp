@@ -12,8 +12,6 @@
 #include "Tracing.h"
 #include "ValueConversion.h"
 
-#include <Poco/ScopedLock.h>
-
 namespace OrvExtCmRouterService {
 
 namespace {
@@ -60,24 +58,16 @@ OrvReturnT MoImpl3_1::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (started) {
-        return ORV_TRACE_RESULT(OrvOk);
-    }
-    if (lookUpTable(portal, {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"},
-                    router) != OrvOk) {
+    if (!takeRouter({"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"})) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
-    started = true;
     return ORV_TRACE_RESULT(OrvOk);
 }
 
 OrvReturnT MoImpl3_1::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
-    started = false;
-    router = nullptr;
-    lock.unlock();
+    letGoOfRouter();
     return ORV_TRACE_RESULT(OrvOk);
 }
 

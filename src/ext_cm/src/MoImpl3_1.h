@@ -11,11 +11,10 @@
 #include "OrvMgmtSpiComponent_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
+#include "RouterClient.h"
 #include "TransactionData.h"
 #include "UniDirValidator.h"
 #include "VekOamSpiManagedObject_3_1.h"
-
-#include <Poco/Mutex.h>
 
 #include <string>
 
@@ -28,7 +27,7 @@ namespace OrvExtCmRouterService {
 /// Final, because the class has virtual operations and no virtual destructor.
 ///
 /// Threads: as in MoImpl3.
-class MoImpl3_1 final {
+class MoImpl3_1 final : private RouterClient<VekOamSpiManagedObject_3_1> {
 public:
     /// Stores the references and uses none: what they name may not be built yet.
     MoImpl3_1(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
@@ -62,11 +61,7 @@ private:
     convertAndRecord(unsigned long txHandle, const std::string& internalDn,
                      VekMoNamedAttributeValueContainer_3** attributes, Orv::AutoMemory& memory);
 
-    Poco::Mutex mMutex;
-    VekOamSpiManagedObject_3_1* router = nullptr;
     ExtCmInterceptorRepository* interceptors = nullptr;
-    OrvMgmtSpiInterfacePortal_1* portal = nullptr;
-    bool started = false;
     Orv::ManagedObject3_1Binder<MoImpl3_1> binder;
     IdMappings& idMappings;
     TransactionData& txData;
