@@ -531,6 +531,23 @@ TEST_F(BiDirModifyFailure, OldValueFailsWithAResult_IsReleased) {
     EXPECT_EQ(calls(), joined({look, readX, releaseX}));
 }
 
+// The old value starts as an empty one of this component's own. A producer that leaves a function
+// to release, but no container, is not handed that.
+TEST_F(BiDirModifyFailure, OldValueLeavesAReleaseAndNoContainer_NothingIsReleased) {
+    static int released = 0;
+    released = 0;
+    when("VekRouter3.getMoAttribute")
+        .on("'X=1'")
+        .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            out.release = [](OrvMoAttributeValueContainer_3*) { ++released; };
+            return OrvOk;
+        });
+    EXPECT_EQ(modify(1, "X=1", "ys", {"Y=2"}), OrvOk);
+    EXPECT_EQ(released, 0);
+    EXPECT_EQ(refs("Y=2", "xs"), Lines{"X=1"});
+    EXPECT_EQ(refs("Y=1", "xs"), Lines{"X=1"}) << "the old value counts as empty";
+}
+
 TEST_F(BiDirModifyFailure, EditThrows_ReleasesTheOldValueAndLetsGoOfTheLock) {
     when("VekRouter3.setMoAttribute").throws(std::runtime_error("no"));
     EXPECT_THROW(modify(1, "X=1", "ys", {"Y=2"}), std::runtime_error);

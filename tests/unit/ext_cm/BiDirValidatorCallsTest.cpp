@@ -253,15 +253,28 @@ TEST_F(BiDirValidatorFailure, ValueFailsWithAResult_IsReleased) {
     EXPECT_EQ(calls(), joined({exists("X=1"), read("X=1", "ys"), back}));
 }
 
-TEST_F(BiDirValidatorFailure, NextAttribute_EndsAtNotExistOnly) {
+// The search for an attribute goes on past a failing step, from the handle that it left. Where that
+// finds nothing, two steps that stand still end it, and there is no attribute.
+TEST_F(BiDirValidatorFailure, NextAttribute_FailsForEver_LeavesNoAttribute) {
     stage.model.moc("X").reference("more", "Y");
     stage.world.set("X=1", "more", Scripted::refs({}));
-    utils.addUpdatedBp(1, "X=0", "more"); // not there
+    utils.addUpdatedBp(1, "X=1", "more");
     when("Model.getNextAttribute").fails(-5);
-    stage.world.remove("X=1");
-    stage.world.mo("X=0");
     EXPECT_EQ(validate(1), OrvValidationFailed);
-    EXPECT_EQ(messages(), Lines{"Attribute more in X=0 is not a MO ref."});
+    EXPECT_FALSE(valid);
+    EXPECT_EQ(block(calls()),
+              block(joined({exists("X=1"),
+                            read("X=1", "more"),
+                            mocOf("X=1"),
+                            findYs,
+                            {"Model.getNextAttribute('X.ys')"},
+                            nameOfAttribute("0"),
+                            {"Model.getNextAttribute('0')"},
+                            nameOfAttribute("0"),
+                            {"Model.getNextAttribute('0')"},
+                            {"Model.getAttributeType('0')", "Model.getTypeCode('0')"},
+                            message("Attribute more in X=1 is not a MO ref."),
+                            release("X=1.more")})));
 }
 
 // What a missing text does to a message: what stands before it stays, nothing comes after it.

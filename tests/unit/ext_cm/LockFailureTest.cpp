@@ -5,14 +5,19 @@
 // the system's for everything that is part of this program, so these tests have one of their own.
 
 #include "ExtCmRouterService.h"
+#include "PlainHost.h"
+#include "Portal.h"
 
 #include <Poco/Exception.h>
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <functional>
+#include <list>
 #include <pthread.h>
 #include <string>
+#include <thread>
 
 using namespace OrvExtCmRouterService;
 
@@ -101,6 +106,26 @@ OrvReturnT getInterface(VekMgmtSpiInterface_1 id, void** result) {
                                : static_cast<void*>(&router3_1);
     return OrvOk;
 }
+
+// The class with its inner steps and its lock within reach.
+class OpenBiDirUtils : public BiDirUtils {
+public:
+    using BiDirUtils::addMoToBackPointer;
+    using BiDirUtils::mMutex;
+    using BiDirUtils::removeMoFromBackPointer;
+    using BiDirUtils::setMoAttr;
+
+    bool isFree() {
+        bool taken = false;
+        std::thread([&] {
+            taken = mMutex.tryLock();
+            if (taken) {
+                mMutex.unlock();
+            }
+        }).join();
+        return taken;
+    }
+};
 
 class LockFailure : public testing::Test {
 protected:
@@ -203,11 +228,84 @@ TEST_F(LockFailure, EndOfAnIterator_LeavesNoLivingHandleBehind) {
     EXPECT_EQ(Iterator::find(handle), nullptr);
 }
 
+// A failure to let go is told, and the lock is free all the same: the guard tries again.
+TEST_F(LockFailure, BackPointers_EveryOperationTellsOfBoth) {
+    Orv::Portal::instance()->attach(&PlainHost::lookup);
+    OpenBiDirUtils utils;
+    utils.start();
+    OrvMoAttributeValue_3 slot{};
+    slot.moRef = "A=2";
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 1, &slot};
+    const OrvMoAttributeValueContainer_3 noValue{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+    // Each with one lock, except where two nest: an edit's own, and in it that of the write.
+    const std::list<std::pair<std::function<void()>, int>> operations = {
+        {[&] { utils.updateBackPointersForModify(1, "A=1", "ys", &noValue, true); }, 1},
+        {[&] { utils.updateBackPointersForModify(1, "A=1", "ys", &value, true); }, 3},
+        {[&] { utils.getModifiedBackPointers(1); }, 1},
+        {[&] { utils.updatePendingBackPointer(1, "A=1", "id"); }, 1},
+        {[&] { utils.removePendingBackPointerUpdates(1, "A=1"); }, 1},
+        {[&] { utils.removePendingBackPointerFromQueue(1, "A=1", "ys"); }, 1},
+        {[&] { utils.removePendingBackpointersForTransaction(1); }, 1},
+        {[&] { utils.addMoToBackPointer(1, "A=1", "A=2", 1, "ys"); }, 2},
+        {[&] { utils.removeMoFromBackPointer(1, "A=1", "A=2", 1, "ys"); }, 1},
+        {[&] { utils.setMoAttr(1, {}, "A=1", "ys"); }, 1},
+    };
+    for (const auto& [operation, locks] : operations) {
+        for (int number = 1; number <= locks; ++number) {
+            EXPECT_EQ(whenLockFails(operation, number), kCannotLock);
+            EXPECT_TRUE(utils.isFree());
+            EXPECT_EQ(whenUnlockFails(operation, number), kCannotUnlock);
+            EXPECT_TRUE(utils.isFree());
+        }
+    }
+    Orv::Portal::instance()->detach();
+}
+
+TEST_F(LockFailure, WrittenAttribute_IsRecordedUnlessTheLockIsNotTaken) {
+    Orv::Portal::instance()->attach(&PlainHost::lookup);
+    biDirUtils.start();
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+    const auto write = [&] {
+        biDirUtils.updateBackPointersForModify(1, "A=1", "ys", &value, true);
+    };
+    EXPECT_EQ(whenLockFails(write), kCannotLock);
+    EXPECT_TRUE(biDirUtils.getModifiedBackPointers(1).empty());
+    EXPECT_EQ(whenUnlockFails(write), kCannotUnlock);
+    EXPECT_EQ(biDirUtils.getModifiedBackPointers(1).size(), 1U);
+    Orv::Portal::instance()->detach();
+}
+
+TEST_F(LockFailure, References_EveryOperationTellsOfBothAndNoVerdictIsWritten) {
+    Orv::Portal::instance()->attach(&PlainHost::lookup);
+    uniDirValidator.start();
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+    bool verdict = false;
+    const std::function<void()> operations[] = {
+        [&] { uniDirValidator.setMoRef(1, "A=1", "ys", &value); },
+        [&] { uniDirValidator.validate(1, &verdict); },
+        [&] { uniDirValidator.deleteMo(1, "A=1"); },
+        [&] { uniDirValidator.finish(1); },
+    };
+    for (const std::function<void()>& operation : operations) {
+        EXPECT_EQ(whenLockFails(operation), kCannotLock);
+        EXPECT_EQ(whenUnlockFails(operation), kCannotUnlock);
+        EXPECT_FALSE(verdict);
+    }
+    EXPECT_EQ(uniDirValidator.validate(1, &verdict), OrvOk);
+    EXPECT_TRUE(verdict);
+    EXPECT_EQ(whenLockFails([&] { uniDirValidator.stop(); }), kCannotLock);
+    EXPECT_EQ(whenUnlockFails([&] { uniDirValidator.stop(); }), kCannotUnlock);
+    EXPECT_EQ(uniDirValidator.validate(1, &verdict), OrvNotActive) << "stopped all the same";
+    Orv::Portal::instance()->detach();
+}
+
 // The first two locks of finish are those of the back-pointers and of the references.
-TEST(LockFailureOfTheService, Finish_RegistryLock_LeavesTheMemoryForTheNextFinish) {
+TEST(LockFailureOfTheService, Finish_EveryLockThatFailsIsTold) {
     OrvExtCmRouterService::ExtCmRouterService& service =
         OrvExtCmRouterService::ExtCmRouterService::instance();
-    EXPECT_EQ(whenLockFails([&] { service.finish(1); }, 3), kCannotLock);
-    EXPECT_EQ(whenUnlockFails([&] { service.finish(1); }, 3), kCannotUnlock);
+    for (int number = 1; number <= 3; ++number) {
+        EXPECT_EQ(whenLockFails([&] { service.finish(1); }, number), kCannotLock);
+        EXPECT_EQ(whenUnlockFails([&] { service.finish(1); }, number), kCannotUnlock);
+    }
     EXPECT_EQ(service.finish(1), OrvOk);
 }

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 
 # The classes that keep bidirectional associations consistent and judge them, on the scripted host.
-add_library(bidir_test_support STATIC BiDirClient.cpp BiDirScene.cpp)
+add_library(bidir_test_support STATIC BiDirClient.cpp BiDirScene.cpp PlainHost.cpp)
 target_include_directories(bidir_test_support PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
 target_link_libraries(bidir_test_support
   PUBLIC ext_cm_objects component_test_support
@@ -20,6 +20,7 @@ orv_add_test(unit_ext_cm_bidir
     BiDirValidatorCallsTest.cpp
     BiDirValidatorTest.cpp
     ModelWalkTest.cpp
+    PendingAdditionsTest.cpp
   LIBRARIES bidir_test_support)
 
 orv_add_test(unit_ext_cm_bidir_threads
