@@ -4,7 +4,8 @@
 #
 # Installs from Debian's packages what is missing on this machine.
 #   scripts/install-deps.sh build    what it takes to build and run
-#   scripts/install-deps.sh          that, and what the tests and checks need
+#   scripts/install-deps.sh bench    that, and what the benchmarks need
+#   scripts/install-deps.sh          what it takes to build, and what the tests and checks need
 
 set -euo pipefail
 
@@ -21,13 +22,20 @@ test_packages=(
   librapidcheck-dev   # property tests
   clang clang-format clang-tidy
   binutils python3
+  gcovr               # coverage
+)
+bench_packages=(
+  libbenchmark-dev
+  valgrind            # counts instructions
+  gnuplot-nox python3 # tables and plots
 )
 
 case "${1:-all}" in
   build) packages=("${build_packages[@]}") ;;
+  bench) packages=("${build_packages[@]}" "${bench_packages[@]}") ;;
   all) packages=("${build_packages[@]}" "${test_packages[@]}") ;;
   *)
-    echo "usage: $0 [build]" >&2
+    echo "usage: $0 [build | bench]" >&2
     exit 2
     ;;
 esac
