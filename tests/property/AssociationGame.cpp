@@ -14,7 +14,9 @@ namespace BiDirTests {
 
 namespace {
 
-const Dns classes = {"A", "B", "C"};
+using PropertyTests::classes;
+using PropertyTests::pick;
+using PropertyTests::pool;
 
 void show(const GeneratedSide& side, std::ostream& out) {
     out << side.moc << "." << side.attribute << (side.anyClass ? "(any)" : "") << "[" << side.lower
@@ -31,8 +33,8 @@ struct Draw {
 
 rc::Gen<Draw> drawGenerator() {
     return rc::gen::build<Draw>(
-        rc::gen::set(&Draw::first, rc::gen::inRange<std::size_t>(0, classes.size())),
-        rc::gen::set(&Draw::second, rc::gen::inRange<std::size_t>(0, classes.size())),
+        rc::gen::set(&Draw::first, rc::gen::inRange<std::size_t>(0, classes().size())),
+        rc::gen::set(&Draw::second, rc::gen::inRange<std::size_t>(0, classes().size())),
         rc::gen::set(&Draw::shared, rc::gen::arbitrary<bool>()),
         rc::gen::set(&Draw::bounds,
                      rc::gen::container<std::vector<long long>>(8, rc::gen::inRange(0LL, 4LL))));
@@ -57,8 +59,8 @@ GeneratedModel assemble(const std::vector<Draw>& draws, bool tight) {
     for (const Draw& draw : draws) {
         const std::string number = std::to_string(model.size());
         GeneratedAssociation association = {
-            sideOf(classes[draw.first], "a" + number, draw.bounds, 0, tight),
-            sideOf(classes[draw.second], "b" + number, draw.bounds, 4, tight)};
+            sideOf(classes()[draw.first], "a" + number, draw.bounds, 0, tight),
+            sideOf(classes()[draw.second], "b" + number, draw.bounds, 4, tight)};
         GeneratedSide& first = association.first;
         if (draw.shared && shared.insert({first.moc, association.second.moc}).second) {
             first.attribute = "many";
@@ -69,27 +71,6 @@ GeneratedModel assemble(const std::vector<Draw>& draws, bool tight) {
         model.push_back(association);
     }
     return model;
-}
-
-Dns poolOf() {
-    Dns dns;
-    for (const std::string& moc : classes) {
-        for (const char* name : {"=1", "=10", "=2"}) {
-            dns.push_back(moc + name);
-        }
-    }
-    for (const char* parent : {"A=1,", "B=10,"}) {
-        for (const std::string& moc : classes) {
-            dns.push_back(parent + moc + "=1");
-        }
-    }
-    dns.push_back("A=1,B=1,C=1");
-    return dns;
-}
-
-template <class List>
-const std::string& pick(const List& list, unsigned int number) {
-    return list[number % list.size()];
 }
 
 }
@@ -103,17 +84,6 @@ void showValue(const GeneratedModel& model, std::ostream& out) {
     }
 }
 
-std::ostream& operator<<(std::ostream& out, const Move& move) {
-    const std::string& dn = pick(AssociationGame::pool(), move.object);
-    static const char* const names[] = {"create", "set", "delete", "commit", "abort"};
-    out << names[static_cast<int>(move.kind)] << " " << dn << " attribute " << move.attribute
-        << " [";
-    for (const unsigned int reference : move.references) {
-        out << " " << reference;
-    }
-    return out << " ]";
-}
-
 rc::Gen<GeneratedModel> modelGenerator(bool tight) {
     return rc::gen::map(rc::gen::mapcat(rc::gen::inRange<std::size_t>(1, 6),
                                         [](std::size_t size) {
@@ -123,33 +93,12 @@ rc::Gen<GeneratedModel> modelGenerator(bool tight) {
                         [tight](const std::vector<Draw>& draws) { return assemble(draws, tight); });
 }
 
-rc::Gen<std::vector<Move>> movesGenerator() {
-    using Kind = Move::Kind;
-    const auto move = rc::gen::build<Move>(
-        rc::gen::set(&Move::kind, rc::gen::weightedElement<Kind>({{8, Kind::Create},
-                                                                  {12, Kind::Set},
-                                                                  {4, Kind::Delete},
-                                                                  {2, Kind::Commit},
-                                                                  {1, Kind::Abort}})),
-        rc::gen::set(&Move::object, rc::gen::inRange(0U, 64U)),
-        rc::gen::set(&Move::attribute, rc::gen::inRange(0U, 16U)),
-        rc::gen::set(&Move::references,
-                     rc::gen::resize(5, rc::gen::container<std::vector<unsigned int>>(
-                                            rc::gen::inRange(0U, 18U)))));
-    return rc::gen::scale(0.6, rc::gen::container<std::vector<Move>>(move));
-}
-
-const Dns& AssociationGame::pool() {
-    static const Dns dns = poolOf();
-    return dns;
-}
-
 AssociationGame::AssociationGame(const GeneratedModel& generated) : model(generated) {
     Orv::LoggingWrapper::instance()->setLevel(0);
     Orv::Portal::instance()->attach(&Scripted::orvPortalLookup);
     stage.script.keepCalls(false);
-    for (const std::string& moc : classes) {
-        for (const std::string& child : classes) {
+    for (const std::string& moc : classes()) {
+        for (const std::string& child : classes()) {
             stage.model.moc(moc).contains(child);
         }
     }
@@ -173,7 +122,7 @@ AssociationGame::~AssociationGame() {
 }
 
 bool AssociationGame::play(const Move& move) {
-    const std::string& dn = pick(pool(), move.object);
+    const std::string& dn = PropertyTests::objectOf(move);
     switch (move.kind) {
     case Move::Kind::Create:
         return create(dn, move);
@@ -198,7 +147,8 @@ bool AssociationGame::create(const std::string& dn, const Move& move) {
     const Dns names = attributesOf(Scripted::classOf(dn));
     if (!names.empty() && !move.references.empty()) {
         const std::string& attribute = pick(names, move.attribute);
-        attributes.emplace_back(attribute, chosen(dn, attribute, meant(move)));
+        attributes.emplace_back(attribute,
+                                chosen(dn, attribute, PropertyTests::referencesOf(move)));
     }
     client.create(tx, dn, attributes);
     for (const auto& [attribute, references] : attributes) {
@@ -214,7 +164,7 @@ bool AssociationGame::set(const std::string& dn, const Move& move) {
         return false;
     }
     const std::string& attribute = pick(names, move.attribute);
-    const Dns fresh = chosen(dn, attribute, meant(move));
+    const Dns fresh = chosen(dn, attribute, PropertyTests::referencesOf(move));
     writing(dn, attribute, references(dn, attribute), fresh);
     client.set(tx, dn, attribute, fresh);
     return true;
@@ -238,15 +188,6 @@ bool AssociationGame::end(bool commit) {
     mBegin = state();
     ++tx;
     return true;
-}
-
-// Two numbers more than the set has stand for a DN without a class.
-Dns AssociationGame::meant(const Move& move) const {
-    Dns dns;
-    for (const unsigned int number : move.references) {
-        dns.push_back(number < pool().size() ? pool()[number] : "Q=" + std::to_string(number));
-    }
-    return dns;
 }
 
 Dns AssociationGame::references(const std::string& dn, const std::string& attribute) const {

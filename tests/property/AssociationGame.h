@@ -6,6 +6,7 @@
 
 #include "BiDirClient.h"
 #include "BiDirUtils.h"
+#include "Moves.h"
 #include "Stage.h"
 
 #include <rapidcheck.h>
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace BiDirTests {
+
+using PropertyTests::Move;
 
 /// One side of a generated association: the attribute of a class, its bounds as an attribute
 /// (multiplicity) and as an end (cardinality).
@@ -36,26 +39,14 @@ struct GeneratedAssociation {
 
 using GeneratedModel = std::vector<GeneratedAssociation>;
 
-/// What a client does next, as numbers that find their meaning in the state of the game: a number
-/// is taken modulo what there is to choose from.
-struct Move {
-    enum class Kind { Create, Set, Delete, Commit, Abort };
-    Kind kind = Kind::Create;
-    unsigned int object = 0;
-    unsigned int attribute = 0;
-    std::vector<unsigned int> references;
-};
-
 void showValue(const GeneratedModel& model, std::ostream& out);
-std::ostream& operator<<(std::ostream& out, const Move& move);
 
 /// Associations among three classes. Attributes of any class may be shared by associations of
 /// different target classes. With \p tight, the bounds are narrow.
 rc::Gen<GeneratedModel> modelGenerator(bool tight);
-rc::Gen<std::vector<Move>> movesGenerator();
 
-/// Plays moves on a scripted host, through the bookkeeping under test. All DNs come from a small
-/// set, so that objects come, go, and come again, and names begin like one another.
+/// Plays moves on a scripted host, through the bookkeeping under test, in one transaction after the
+/// other.
 class AssociationGame {
 public:
     explicit AssociationGame(const GeneratedModel& model);
@@ -71,8 +62,6 @@ public:
     Dns existing() const;
     /// The reference attributes of a class, each once.
     Dns attributesOf(const std::string& moc) const;
-
-    static const Dns& pool();
 
     const GeneratedModel model;
     Scripted::Stage stage;
@@ -96,7 +85,6 @@ private:
     bool set(const std::string& dn, const Move& move);
     bool remove(const std::string& dn);
     bool end(bool commit);
-    Dns meant(const Move& move) const;
     State state() const;
     void restore(const State& wanted);
 

@@ -15,9 +15,9 @@
 namespace BiDirTests {
 namespace {
 
-bool contains(const Dns& dns, const std::string& dn) {
-    return std::find(dns.begin(), dns.end(), dn) != dns.end();
-}
+using PropertyTests::contains;
+using PropertyTests::movesGenerator;
+using PropertyTests::Verdict;
 
 /// One association looked at from one side.
 struct View {
@@ -221,25 +221,6 @@ RC_GTEST_PROP(BiDirProperties, FinishedTransaction_LeavesNothingWaiting, ()) {
     game.utils.updatePendingBackPointer(game.tx, "A=1", "id");
     RC_ASSERT(game.stage.script.texts() == std::vector<std::string>());
 }
-
-/// What a validation came to.
-struct Verdict {
-    bool valid = true;
-    OrvReturnT code = OrvOk;
-    std::vector<std::string> messages;
-
-    friend bool operator==(const Verdict& left, const Verdict& right) {
-        return left.valid == right.valid && left.code == right.code &&
-               left.messages == right.messages;
-    }
-    friend std::ostream& operator<<(std::ostream& out, const Verdict& verdict) {
-        out << (verdict.valid ? "valid, " : "not valid, ") << verdict.code;
-        for (const std::string& message : verdict.messages) {
-            out << "\n  " << message;
-        }
-        return out;
-    }
-};
 
 /// Judges by counting anew from the generated model, without the component.
 class Recount {
