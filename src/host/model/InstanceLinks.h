@@ -9,8 +9,8 @@
 #include "Model.h"
 
 #include <array>
-#include <compare>
 #include <cstddef>
+#include <tuple>
 #include <vector>
 
 namespace OrvHost {
@@ -35,7 +35,10 @@ private:
     struct Link {
         InstanceTable::Index first;
         InstanceTable::Index second;
-        friend auto operator<=>(const Link&, const Link&) = default;
+        friend bool operator==(const Link&, const Link&) = default;
+        friend bool operator<(const Link& left, const Link& right) {
+            return std::tie(left.first, left.second) < std::tie(right.first, right.second);
+        }
     };
     using Links = std::vector<Link>;
     /// By the number of the end that the attribute is named after.

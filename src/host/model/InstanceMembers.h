@@ -8,9 +8,9 @@
 #include "InstanceTable.h"
 #include "Model.h"
 
-#include <compare>
 #include <cstddef>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace OrvHost {
@@ -32,7 +32,10 @@ private:
     struct Member {
         InstanceTable::Index parent; ///< 0: the top level; otherwise one above the index
         ClassIndex moc;
-        friend auto operator<=>(const Member&, const Member&) = default;
+        friend bool operator==(const Member&, const Member&) = default;
+        friend bool operator<(const Member& left, const Member& right) {
+            return std::tie(left.parent, left.moc) < std::tie(right.parent, right.moc);
+        }
     };
     using Members = std::vector<Member>;
 

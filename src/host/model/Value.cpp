@@ -48,6 +48,14 @@ struct TextWriter {
 
 }
 
+StructValue::StructValue() = default;
+StructValue::StructValue(Members values) : members(std::move(values)) {}
+StructValue::StructValue(const StructValue& other) = default;
+StructValue::StructValue(StructValue&& other) noexcept = default;
+StructValue& StructValue::operator=(const StructValue& other) = default;
+StructValue& StructValue::operator=(StructValue&& other) noexcept = default;
+StructValue::~StructValue() = default;
+
 bool operator==(const StructValue& left, const StructValue& right) {
     return left.members == right.members;
 }

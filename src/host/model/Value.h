@@ -19,8 +19,21 @@ enum class ValueKind : std::uint8_t { Bool, Int, Uint, Double, Enumeration, Stri
 struct AttributeValue;
 
 /// A struct value: its members in order.
+///
+/// A member's value may be a struct again, so nothing here can be made before AttributeValue is
+/// whole: the operations stand in the source.
 struct StructValue {
-    std::vector<std::pair<std::string, AttributeValue>> members;
+    using Members = std::vector<std::pair<std::string, AttributeValue>>;
+
+    StructValue();
+    explicit StructValue(Members values);
+    StructValue(const StructValue& other);
+    StructValue(StructValue&& other) noexcept;
+    StructValue& operator=(const StructValue& other);
+    StructValue& operator=(StructValue&& other) noexcept;
+    ~StructValue();
+
+    Members members;
 };
 
 /// One value, free of any table record. Enumerations, texts and references (internal DNs) are

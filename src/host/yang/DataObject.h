@@ -15,10 +15,6 @@ namespace OrvHost {
 /// The two encodings of instance data: JSON of RFC 7951, and XML.
 enum class DataFormat : std::uint8_t { Json, Xml };
 
-// An AttributeValue can hold pairs of itself. clang rejects vectors of them unless the pair was
-// made complete on its own before.
-static_assert(sizeof(NamedValue) > sizeof(AttributeValue));
-
 /// A managed object as instance data holds it. All DNs in it are internal ones.
 struct DataObject {
     std::string dn;
