@@ -17,3 +17,11 @@ if(ORV_COVERAGE)
   target_compile_options(orv_compile_options INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(orv_compile_options INTERFACE --coverage)
 endif()
+
+# Everything tells the fuzzer which way it went; the targets of fuzz/ bring the fuzzer itself.
+if(ORV_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "ORV_FUZZ needs clang")
+  endif()
+  target_compile_options(orv_compile_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
