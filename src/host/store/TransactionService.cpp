@@ -287,7 +287,8 @@ TransactionOutcome TransactionService::validate(unsigned long txHandle) {
     return outcome;
 }
 
-TransactionOutcome TransactionService::commit(unsigned long txHandle) {
+TransactionOutcome TransactionService::commit(unsigned long txHandle,
+                                              const BeforeAbort& beforeAbort) {
     TransactionOutcome outcome;
     const TransactionPtr taken = take(txHandle, outcome);
     if (!taken) {
@@ -302,11 +303,17 @@ TransactionOutcome TransactionService::commit(unsigned long txHandle) {
     if (outcome.accepted) {
         commitAll(*taken, outcome);
     }
+    outcome.messages = mThreadContext.take(mark);
     if (!outcome.accepted) {
+        if (beforeAbort) {
+            beforeAbort(outcome);
+        }
         abortParticipants(*taken, outcome);
     }
     finish(*taken, outcome);
-    outcome.messages = mThreadContext.take(mark);
+    for (ThreadContext::Message& message : mThreadContext.take(mark)) {
+        outcome.messages.push_back(std::move(message));
+    }
     return outcome;
 }
 

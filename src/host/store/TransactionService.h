@@ -10,6 +10,7 @@
 #include "TransactionMaster.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -59,8 +60,12 @@ public:
     unsigned long begin();
     /// Asks all participants and leaves the transaction open.
     TransactionOutcome validate(unsigned long txHandle);
-    /// Validates, prepares, commits and finishes; after a refusal aborts and finishes.
-    TransactionOutcome commit(unsigned long txHandle);
+    /// Called with what is known of a refusal while the transaction can still be read.
+    using BeforeAbort = std::function<void(const TransactionOutcome& refused)>;
+
+    /// Validates, prepares, commits and finishes; after a refusal aborts and finishes. Between the
+    /// refusal and the abort \p beforeAbort is called, which may be empty and must not throw.
+    TransactionOutcome commit(unsigned long txHandle, const BeforeAbort& beforeAbort = {});
     TransactionOutcome abort(unsigned long txHandle);
     /// Aborts every transaction that is open. For a host that stops its components; no other thread
     /// may drive a transaction meanwhile.
