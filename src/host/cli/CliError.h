@@ -46,6 +46,7 @@ struct OperationSubject {
     std::string dn;        ///< external
     std::string className; ///< empty where the operation takes none
     std::vector<std::string> attributes;
+    std::string action{}; ///< empty where the operation calls none
 };
 
 /// A code that is not OrvOk from one of the component's tables.

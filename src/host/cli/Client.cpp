@@ -3,8 +3,9 @@
 
 #include "Client.h"
 
+#include "NamedRecords.h"
+#include "OfferedTable.h"
 #include "runtime/Host.h"
-#include "runtime/InterfaceIdentity.h"
 
 namespace OrvHost {
 
@@ -59,10 +60,6 @@ private:
     unsigned long long mHandle;
 };
 
-const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
-    return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
-}
-
 std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
     std::vector<const char*> pointers;
     pointers.reserve(texts.size() + 1);
@@ -75,11 +72,8 @@ std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
 
 }
 
-Client::Client(Host& host) : mHost(host), mTable(host.find<OrvOamSpiManagedObject_3>(kTable3)) {
-    if (mTable == nullptr) {
-        throw LoadError("no started component offers " + identityText(kTable3));
-    }
-}
+Client::Client(Host& host)
+    : mHost(host), mTable(requireOffered<OrvOamSpiManagedObject_3>(host, kTable3)) {}
 
 bool Client::exists(unsigned long txHandle, const std::string& dn) {
     bool exists = false;
@@ -137,6 +131,37 @@ void Client::forEachChild(unsigned long txHandle, const std::string& dn,
     }
 }
 
+void Client::create(unsigned long txHandle, const NewObject& object,
+                    const std::vector<NamedValue>& attributes) {
+    NamedRecords records(attributes);
+    check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
+                           object.namingAttribute.c_str(), object.name.c_str(), records.data()),
+          {"createMo", object.parentDn, object.className, namesOf(attributes)});
+}
+
+void Client::set(unsigned long txHandle, const std::string& dn,
+                 const std::vector<NamedValue>& attributes) {
+    NamedRecords records(attributes);
+    for (auto** record = records.data(); *record != nullptr; ++record) {
+        check(mTable->setMoAttribute(txHandle, dn.c_str(), (*record)->name, &(*record)->value),
+              {"setMoAttribute", dn, {}, {(*record)->name}});
+    }
+}
+
+void Client::remove(unsigned long txHandle, const std::string& dn) {
+    check(mTable->deleteMo(txHandle, dn.c_str()), {"deleteMo", dn, {}, {}});
+}
+
+JsonValue Client::action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                         const std::vector<NamedValue>& parameters, const ActionDef* def) {
+    NamedRecords records(parameters);
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    check(mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result),
+          {"action", dn, {}, {}, name});
+    const OwnedValue owned(result);
+    return toJson(result.container, resultOf(def));
+}
+
 // Messages of calls that succeeded are nothing to a person: a component may have asked the router
 // on its own account and coped with the answer.
 void Client::check(OrvReturnT code, OperationSubject subject) {
@@ -144,6 +169,14 @@ void Client::check(OrvReturnT code, OperationSubject subject) {
     if (code != OrvOk) {
         throw OperationError(code, std::move(subject), std::move(messages));
     }
+}
+
+const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
+    return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
+}
+
+const AttributeDef* resultOf(const ActionDef* action) {
+    return action != nullptr && action->result ? &*action->result : nullptr;
 }
 
 std::string childOf(const std::string& parent, const std::string& className,

@@ -7,6 +7,7 @@
 #include "CliError.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "ValueJson.h"
+#include "model/Model.h"
 
 #include <functional>
 #include <string>
@@ -16,10 +17,21 @@ namespace OrvHost {
 
 class Host;
 
-/// An MO client: calls the tables that the component offers, looked up through the portal as any
-/// client's would be. All DNs are external. A code that is not OrvOk becomes an OperationError with
-/// the messages that the call left in the thread context; what is received is released before the
-/// operation returns.
+/// Where a new object is to stand, and what it is to be called.
+struct NewObject {
+    std::string parentDn; ///< external; empty: the top level
+    std::string className;
+    std::string namingAttribute;
+    std::string name;
+};
+
+/// An MO client of interface version 3: calls the table that the component offers, looked up
+/// through the portal as any client's would be. All DNs are external, in values too. A code that is
+/// not OrvOk becomes an OperationError with the messages that the call left in the thread context;
+/// what is received is released before the operation returns.
+///
+/// Clients of the other versions derive from it, and override what their version does in its own
+/// way.
 ///
 /// Threads: one at a time for each transaction.
 class Client {
@@ -27,6 +39,9 @@ public:
     /// Throws LoadError if no started component offers the table. \p host must outlive the client,
     /// and its components stay started while the client is in use.
     explicit Client(Host& host);
+    virtual ~Client() = default;
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
 
     bool exists(unsigned long txHandle, const std::string& dn);
 
@@ -35,24 +50,42 @@ public:
                              const std::string& className);
 
     /// The value of one attribute. \p moc, which may be null, tells the attributes' multiplicity.
-    JsonValue get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
-                  const ClassDef* moc);
+    virtual JsonValue get(unsigned long txHandle, const std::string& dn,
+                          const std::string& attribute, const ClassDef* moc);
 
-    /// The values of several attributes, in one call, as an object.
-    JsonValue get(unsigned long txHandle, const std::string& dn,
-                  const std::vector<std::string>& attributes, const ClassDef* moc);
+    /// The values of several attributes as an object, in one call if the version has one.
+    virtual JsonValue get(unsigned long txHandle, const std::string& dn,
+                          const std::vector<std::string>& attributes, const ClassDef* moc);
 
     /// What is done with each child; false ends the walk.
     using Visit = std::function<bool(const std::string& name)>;
 
     /// Walks the children of one class; \p dn empty: the top level. The iterator is finalized also
     /// when the walk ends early or \p visit throws.
-    void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
-                      const Visit& visit);
+    virtual void forEachChild(unsigned long txHandle, const std::string& dn,
+                              const std::string& className, const Visit& visit);
 
-private:
+    /// Creates an object with its first attributes.
+    virtual void create(unsigned long txHandle, const NewObject& object,
+                        const std::vector<NamedValue>& attributes);
+
+    /// Sets attributes, one call for each, in their order: what stands before the one that is
+    /// refused is set.
+    virtual void set(unsigned long txHandle, const std::string& dn,
+                     const std::vector<NamedValue>& attributes);
+
+    virtual void remove(unsigned long txHandle, const std::string& dn);
+
+    /// Calls an action and gives its result, or null. \p def is null for one that the model does
+    /// not know.
+    virtual JsonValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                             const std::vector<NamedValue>& parameters, const ActionDef* def);
+
+protected:
+    /// Throws OperationError unless \p code is OrvOk.
     void check(OrvReturnT code, OperationSubject subject);
 
+private:
     Host& mHost;
     OrvOamSpiManagedObject_3* mTable;
 };
@@ -60,6 +93,12 @@ private:
 /// The external DN of a child. \p parent may be empty.
 std::string childOf(const std::string& parent, const std::string& className,
                     const std::string& name);
+
+/// The definition of an attribute, or null; so for a class that is null.
+const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
+
+/// The definition of an action's result, or null.
+const AttributeDef* resultOf(const ActionDef* action);
 
 }
 

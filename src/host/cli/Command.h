@@ -15,11 +15,16 @@ class Session;
 
 /// What a word of a command stands for: for completion.
 enum class WordKind {
-    Dn,         ///< external DN of an object
-    ChildClass, ///< class of children of the object named before
-    Attribute,  ///< attribute of the object named before
-    AnyClass,   ///< class of the model
-    Command,    ///< name of a command
+    Dn,          ///< external DN of an object
+    ChildClass,  ///< class of children of the object named before
+    Attribute,   ///< attribute of the object named before
+    AnyClass,    ///< class of the model
+    Command,     ///< name of a command
+    Assignment,  ///< ATTRIBUTE=VALUE for the object named before
+    Action,      ///< action of the object named before
+    Parameter,   ///< PARAMETER=VALUE for the action named before
+    Transaction, ///< name of an open transaction
+    Version,     ///< version of the MO interface
     Other
 };
 

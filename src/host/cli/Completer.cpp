@@ -38,6 +38,18 @@ std::vector<std::string> classNames(const Model& model) {
     return names;
 }
 
+// Behind the colon of an expectation stands a command like any other.
+std::vector<std::string> withoutExpectation(std::vector<std::string> words) {
+    while (words.front() == "expect") {
+        const auto colon = std::find(words.begin(), words.end() - 1, ":");
+        if (colon == words.end() - 1) {
+            return words;
+        }
+        words.erase(words.begin(), colon + 1);
+    }
+    return words;
+}
+
 }
 
 std::string commonPrefix(const std::vector<std::string>& words) {
@@ -74,7 +86,8 @@ Completion Completer::complete(const std::string& line) {
     return completion;
 }
 
-std::vector<std::string> Completer::candidates(const std::vector<std::string>& words) {
+std::vector<std::string> Completer::candidates(std::vector<std::string> words) {
+    words = withoutExpectation(words);
     if (words.size() == 1) {
         return mCommands.names();
     }
@@ -90,28 +103,70 @@ std::vector<std::string> Completer::candidates(const std::vector<std::string>& w
         return {};
     }
     const std::size_t position = std::min(words.size() - 2, info.words.size() - 1);
-    return candidatesOf(info.words[position], words[1], words.back());
+    return candidatesOf(info.words[position], words);
 }
 
-std::vector<std::string> Completer::candidatesOf(WordKind kind, const std::string& dn,
-                                                 const std::string& word) {
+std::vector<std::string> Completer::candidatesOf(WordKind kind,
+                                                 const std::vector<std::string>& words) {
     const Diagnosis diagnosis(mSession);
-    const ClassDef* moc = diagnosis.classOf(dn);
+    const ClassDef* moc = diagnosis.classOf(words[1]);
     switch (kind) {
     case WordKind::Dn:
-        return dns(word);
+        return dns(words.back());
     case WordKind::ChildClass:
         return diagnosis.childClasses(moc);
     case WordKind::Attribute:
         return moc != nullptr ? attributeNames(*moc) : std::vector<std::string>();
+    case WordKind::Assignment:
+        return moc != nullptr ? assignments(moc->attributes, words.back())
+                              : std::vector<std::string>();
+    case WordKind::Action:
+        return moc != nullptr ? actionNames(*moc) : std::vector<std::string>();
+    case WordKind::Parameter: {
+        const ActionDef* action = moc != nullptr ? moc->findAction(words[2]) : nullptr;
+        return action != nullptr ? assignments(action->parameters, words.back())
+                                 : std::vector<std::string>();
+    }
     case WordKind::AnyClass:
         return classNames(mSession.model());
     case WordKind::Command:
         return mCommands.names();
+    case WordKind::Transaction:
+        return mSession.transactions().names();
+    case WordKind::Version:
+        return Clients::versions();
     case WordKind::Other:
         break;
     }
     return {};
+}
+
+// First the name with its "=", then the values that are known.
+std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>& all,
+                                                const std::string& word) {
+    const std::size_t equals = word.find('=');
+    std::vector<std::string> result;
+    for (const AttributeDef& def : all) {
+        if (equals == std::string::npos && !def.isNaming && def.isWritable) {
+            result.push_back(def.name + "=");
+        } else if (def.name == word.substr(0, equals)) {
+            result = behind(def.name + "=", values(def, word.substr(equals + 1)), "");
+        }
+    }
+    return result;
+}
+
+std::vector<std::string> Completer::values(const AttributeDef& def, const std::string& typed) {
+    switch (def.type.kind) {
+    case ValueKind::Bool:
+        return {"true", "false"};
+    case ValueKind::Enumeration:
+        return def.type.enumerators;
+    case ValueKind::MoRef:
+        return dns(typed);
+    default:
+        return {};
+    }
 }
 
 // First the class of the last step with its "=", then the objects of that class.

@@ -5,6 +5,7 @@
 #define ORV_HOST_CLI_COMPLETER_H
 
 #include "Command.h"
+#include "model/Model.h"
 
 #include <string>
 #include <vector>
@@ -20,8 +21,8 @@ struct Completion {
     std::vector<std::string> candidates; ///< whole words, in order, unquoted
 };
 
-/// Completes commands, DNs, classes, attributes and options. Objects are looked up through the
-/// component, as by a command. One thread at a time.
+/// Completes commands, DNs, classes, attributes, their values, actions, transactions and options.
+/// Objects are looked up through the component, as by a command. One thread at a time.
 class Completer {
 public:
     /// Both must outlive this object.
@@ -32,9 +33,11 @@ public:
     Completion complete(const std::string& line);
 
 private:
-    std::vector<std::string> candidates(const std::vector<std::string>& words);
-    std::vector<std::string> candidatesOf(WordKind kind, const std::string& dn,
-                                          const std::string& word);
+    std::vector<std::string> candidates(std::vector<std::string> words);
+    std::vector<std::string> candidatesOf(WordKind kind, const std::vector<std::string>& words);
+    std::vector<std::string> assignments(const std::vector<AttributeDef>& all,
+                                         const std::string& word);
+    std::vector<std::string> values(const AttributeDef& def, const std::string& typed);
     std::vector<std::string> dns(const std::string& word);
 
     Session& mSession;

@@ -10,12 +10,14 @@
 #include "store/HostReturn.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace OrvHost {
 
 namespace {
 
 constexpr const char* kRootClass = "ManagedElement";
+constexpr const char* kIdAttribute = "networkManagedElementId";
 constexpr std::size_t kSiblingsShown = 10;
 
 /// One step of a DN as it was written.
@@ -58,6 +60,14 @@ std::vector<std::string> attributeNames(const ClassDef& moc) {
     return names;
 }
 
+std::vector<std::string> actionNames(const ClassDef& moc) {
+    std::vector<std::string> names;
+    for (const ActionDef& action : moc.actions) {
+        names.push_back(action.name);
+    }
+    return names;
+}
+
 std::string codeText(OrvReturnT code) {
     return returnText(code) + " (" + std::to_string(code) + ")";
 }
@@ -78,9 +88,59 @@ std::string Diagnosis::explain(const OperationError& error) {
         return "an empty DN names no object";
     }
     if (!subject.className.empty()) {
-        return explainClass(moc, subject.className);
+        std::string problem = explainClass(moc, subject.className);
+        if (!problem.empty()) {
+            return problem;
+        }
+        moc = &mSession.model().classes[*mSession.model().findClass(subject.className)];
     }
-    return moc != nullptr ? explainAttributes(*moc, subject.attributes) : std::string();
+    std::string problem = moc != nullptr ? explainAttributes(*moc, subject.attributes) : "";
+    if (problem.empty() && moc != nullptr && !subject.action.empty()) {
+        problem = explainAction(*moc, subject.action);
+    }
+    return problem.empty() ? explainCode(error) : problem;
+}
+
+std::string Diagnosis::explainAction(const ClassDef& moc, const std::string& action) const {
+    const std::vector<std::string> expected = actionNames(moc);
+    return moc.findAction(action) != nullptr
+               ? std::string()
+               : "class " + moc.name + " has no action " + action +
+                     "; its actions: " + enumerate(expected) + "." + didYouMean(action, expected);
+}
+
+// What the router said last is about the request itself. What it said before can be about what the
+// component asked on its own account.
+std::string Diagnosis::explainCode(const OperationError& error) const {
+    for (auto message = error.messages().rbegin(); message != error.messages().rend(); ++message) {
+        if (message->kind == ThreadContext::Explanation) {
+            return inClientsWords(message->text);
+        }
+    }
+    const auto& attributes = error.subject().attributes;
+    const bool isIdRefused =
+        (error.code() == OrvValidationFailed || error.code() == OrvInvalidArgument) &&
+        std::find(attributes.begin(), attributes.end(), kIdAttribute) != attributes.end();
+    return isIdRefused ? std::string(kIdAttribute) +
+                             " must be fit to name an object: no control characters, none of "
+                             ", = + \" \\ < > ; and no space at either end"
+                       : std::string();
+}
+
+std::string Diagnosis::inClientsWords(const std::string& text) const {
+    const std::string internal = std::string(kRootClass) + "=1";
+    const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(internal);
+    std::string result = mSession.transactions().withNames(text);
+    std::size_t at = result.find(internal);
+    while (!external.empty() && at != std::string::npos) {
+        const std::size_t end = at + internal.size();
+        const bool isWhole = end == result.size() || std::strchr(",.:' \"", result[end]) != nullptr;
+        if (isWhole) {
+            result.replace(at, internal.size(), external);
+        }
+        at = result.find(internal, at + (isWhole ? external.size() : internal.size()));
+    }
+    return result;
 }
 
 std::string Diagnosis::whyNoDn(const std::string& dn, const ClassDef** moc) const {

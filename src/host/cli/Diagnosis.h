@@ -32,6 +32,10 @@ public:
     /// The class that \p dn leads to, or null.
     const ClassDef* classOf(const std::string& dn) const;
 
+    /// \p text, which the host wrote, as clients speak: with external DNs, and transactions called
+    /// by their names.
+    std::string inClientsWords(const std::string& text) const;
+
     /// Names for "expected one of": child classes of \p parent, or those at the top level for null.
     std::vector<std::string> childClasses(const ClassDef* parent) const;
 
@@ -39,6 +43,8 @@ private:
     std::string explainClass(const ClassDef* parent, const std::string& className) const;
     std::string explainAttributes(const ClassDef& moc,
                                   const std::vector<std::string>& attributes) const;
+    std::string explainAction(const ClassDef& moc, const std::string& action) const;
+    std::string explainCode(const OperationError& error) const;
     std::string explainMissingObject(const std::string& dn);
     std::string siblings(const std::string& parent, const std::string& className);
 
@@ -47,6 +53,7 @@ private:
 
 /// The names of a class's attributes, in the order of their definition.
 std::vector<std::string> attributeNames(const ClassDef& moc);
+std::vector<std::string> actionNames(const ClassDef& moc);
 
 /// "OrvNotExist (-2)".
 std::string codeText(OrvReturnT code);

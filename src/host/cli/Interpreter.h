@@ -41,9 +41,6 @@ public:
 private:
     ExitStatus report(const std::string& command, const std::string& place,
                       const std::exception_ptr& error);
-    void print(const std::string& command, const std::string& place, const std::string& text);
-    void print(const std::string& command, const std::string& place, const OperationError& error);
-    std::string explain(const OperationError& error);
 
     Session& mSession;
     const CommandTable& mCommands;

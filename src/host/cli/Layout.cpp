@@ -109,6 +109,20 @@ std::string layOut(const JsonValue& object, std::size_t indent) {
     return text;
 }
 
+std::string layOutValue(const JsonValue& value) {
+    if (value.is_object()) {
+        return layOut(value);
+    }
+    if (!value.is_array()) {
+        return scalarText(value) + "\n";
+    }
+    std::string text;
+    for (const JsonValue& element : value) {
+        text += layOutValue(element);
+    }
+    return text;
+}
+
 std::string layOutTable(const std::vector<std::string>& headings,
                         const std::vector<std::vector<std::string>>& rows) {
     std::vector<std::size_t> columns(headings.size());

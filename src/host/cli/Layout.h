@@ -15,6 +15,9 @@ namespace OrvHost {
 /// indentation, several values below each other. What is not set shows as "-".
 std::string layOut(const JsonValue& object, std::size_t indent = 0);
 
+/// A value without its name: bare, or a line for each of several; nothing for an empty list.
+std::string layOutValue(const JsonValue& value);
+
 /// One scalar for people: texts as they are, with control characters as escapes.
 std::string scalarText(const JsonValue& scalar);
 

@@ -4,7 +4,9 @@
 #include "Options.h"
 
 #include "CliError.h"
+#include "Clients.h"
 #include "LogLevel.h"
+#include "check/CheckReport.h"
 
 #include <CLI/CLI.hpp>
 
@@ -17,6 +19,10 @@ Commands come from -c, from scripts (-f), from the words behind the options, or,
 from the prompt or standard input. 'orvhost help' tells them. Put -- before a command's own options:
 
   orvhost -I models -m ran-element -d network.json -- tree / --depth 2
+
+'check FILE...' in place of a command runs scenarios, each on fresh data, and reports on them:
+
+  orvhost -I models -m ran-element -d network.json check --report junit scenarios/*.orv
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
@@ -63,6 +69,33 @@ void addLogging(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"text", "json"}));
 }
 
+void addCheck(CLI::App& app, Options& options) {
+    app.add_option("--report", options.reportFormat,
+                   "Format in which 'check' reports: text, tap, junit or json")
+        ->check(CLI::IsMember(reportFormats()));
+    app.add_option("--report-file", options.reportFile,
+                   "File for that report; standard output then gets one for people");
+}
+
+// `check FILE...` stands where a command may stand, but runs scripts and goes with no command.
+void takeScenarios(Options& options) {
+    const bool isCheck = !options.words.empty() && options.words.front() == "check";
+    if (!isCheck) {
+        if (!options.reportFormat.empty() || !options.reportFile.empty()) {
+            throw CLI::ValidationError("--report and --report-file go with check only");
+        }
+        return;
+    }
+    if (!options.commandLines.empty() || !options.scripts.empty()) {
+        throw CLI::ValidationError("check goes with neither -c nor -f");
+    }
+    options.scenarios.assign(options.words.begin() + 1, options.words.end());
+    options.words.clear();
+    if (options.scenarios.empty()) {
+        throw CLI::ValidationError("check needs the FILE of a scenario, or of several");
+    }
+}
+
 void addCommands(CLI::App& app, Options& options) {
     app.add_option("-c,--command", options.commandLines, "A command to run; repeatable")
         ->allow_extra_args(false);
@@ -70,6 +103,10 @@ void addCommands(CLI::App& app, Options& options) {
                    "A file of commands to run, - for standard input; repeatable")
         ->allow_extra_args(false);
     app.add_flag("--keep-going", options.keepGoing, "Go on behind a command that failed");
+    app.add_option("--interface", options.interfaceVersion,
+                   "Version of the MO interface to use: 1, 3 or 3_1")
+        ->check(CLI::IsMember(Clients::versions()))
+        ->capture_default_str();
     app.add_flag("--json", options.json, "Print one JSON document for each command");
     app.add_option("--history", options.historyFile,
                    "File for the history of the prompt; empty for none");
@@ -89,8 +126,10 @@ ParsedArguments parseArguments(int count, const char* const* arguments) {
     addLoading(app, options);
     addLogging(app, options);
     addCommands(app, options);
+    addCheck(app, options);
     try {
         app.parse(count, arguments);
+        takeScenarios(options);
     } catch (const CLI::ParseError& end) {
         const int status = app.exit(end);
         return {std::nullopt, status == 0 ? ExitOk : ExitUsage};

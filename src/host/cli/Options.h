@@ -23,6 +23,7 @@ struct Options {
     std::string meId;
     std::string meIdFallback = "1";
     bool repair = false;
+    std::string interfaceVersion = "3_1";
 
     unsigned int logLevel = 4;
     std::string logFile; ///< empty: standard error
@@ -35,6 +36,10 @@ struct Options {
     std::vector<std::string> commandLines; ///< from -c
     std::vector<std::string> scripts;      ///< from -f; "-" is standard input
     std::vector<std::string> words;        ///< one command, in words
+
+    std::vector<std::string> scenarios; ///< from `check`, which is no command beside others
+    std::string reportFormat;           ///< of `check`; empty: not told
+    std::string reportFile;             ///< empty: standard output
 };
 
 /// What became of the program's arguments: options, or a reason to end at once.

@@ -11,6 +11,7 @@
 #include "Prompt.h"
 #include "Session.h"
 #include "Workbench.h"
+#include "check/Check.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -88,13 +89,18 @@ private:
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
         while (!mSession.isEnded()) {
-            const std::optional<std::string> line = prompt.readLine();
+            const std::optional<std::string> line = prompt.readLine(promptText());
             if (!line) {
                 break;
             }
             mInterpreter.runLine(*line);
         }
         return ExitOk;
+    }
+
+    std::string promptText() {
+        const Transactions::Entry* current = mSession.transactions().current();
+        return current != nullptr ? "orvhost[" + current->name + "]> " : "orvhost> ";
     }
 
     const Options& mOptions;
@@ -106,9 +112,12 @@ private:
 
 int runWithOptions(const Options& options) {
     try {
+        if (!options.scenarios.empty()) {
+            return checkScenarios(options, std::cout);
+        }
         Workbench workbench(options, std::cerr);
         const CommandTable commands;
-        Session session(workbench.host(), workbench.client(), workbench.log(), std::cout,
+        Session session(workbench.host(), workbench.clients(), workbench.log(), std::cout,
                         options.json);
         return Run(options, session, commands).run();
     } catch (const std::exception& failure) {

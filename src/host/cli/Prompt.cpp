@@ -106,7 +106,8 @@ public:
         el_end(mEditLine);
     }
 
-    std::optional<std::string> readLine() {
+    std::optional<std::string> readLine(const std::string& prompt) {
+        mPromptText = prompt;
         const InterruptGuard guard;
         mGuard = &guard;
         mIsInterrupted = false;
@@ -126,9 +127,10 @@ public:
     }
 
 private:
-    static char* promptText(EditLine*) {
-        static char text[] = "orvhost> ";
-        return text;
+    static char* promptText(EditLine* editLine) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->mPromptText.data();
     }
 
     std::optional<std::string> atNoLine() {
@@ -226,6 +228,7 @@ private:
 
     Completer& mCompleter;
     std::filesystem::path mHistoryFile;
+    std::string mPromptText;
     EditLine* mEditLine;
     History* mHistory;
     const InterruptGuard* mGuard = nullptr; ///< while a line is read
@@ -237,8 +240,8 @@ Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
 
 Prompt::~Prompt() = default;
 
-std::optional<std::string> Prompt::readLine() {
-    return mEditor->readLine();
+std::optional<std::string> Prompt::readLine(const std::string& prompt) {
+    return mEditor->readLine(prompt);
 }
 
 }

@@ -25,9 +25,9 @@ public:
     Prompt(const Prompt&) = delete;
     Prompt& operator=(const Prompt&) = delete;
 
-    /// The next line that is entered, without its end; an empty one when it is given up by Ctrl-C.
-    /// Nothing at the end of input (Ctrl-D).
-    std::optional<std::string> readLine();
+    /// Shows \p prompt and gives the next line that is entered, without its end; an empty one when
+    /// it is given up by Ctrl-C. Nothing at the end of input (Ctrl-D).
+    std::optional<std::string> readLine(const std::string& prompt);
 
 private:
     class Editor;

@@ -4,52 +4,79 @@
 #ifndef ORV_HOST_CLI_SESSION_H
 #define ORV_HOST_CLI_SESSION_H
 
-#include "Client.h"
+#include "Clients.h"
+#include "Transactions.h"
 #include "model/Model.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
 
+#include <functional>
 #include <ostream>
+#include <string>
 #include <utility>
 
 namespace OrvHost {
 
-/// What commands work with. Everything is borrowed and outlives the session.
+/// What commands work with: where they read, write and print. What it is given is borrowed and
+/// outlives the session.
 ///
 /// One thread at a time.
 class Session {
 public:
-    Session(Host& host, Client& client, LogSink& log, std::ostream& out, bool wantsJson)
-        : mHost(host), mClient(client), mLog(log), mOut(out), mWantsJson(wantsJson) {}
+    Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson)
+        : mHost(host), mClients(clients), mLog(log), mOut(&out), mWantsJson(wantsJson) {}
 
     Host& host() { return mHost; }
-    Client& client() { return mClient; }
+    /// Of the chosen version.
+    Client& client() { return mClients.chosen(); }
+    Clients& clients() { return mClients; }
+    Transactions& transactions() { return mTransactions; }
     LogSink& log() { return mLog; }
     const Model& model() const { return mHost.model(); }
 
     /// True: each command prints one JSON document, in one line, and nothing else.
     bool wantsJson() const { return mWantsJson; }
-    std::ostream& out() { return mOut; }
-    void print(const JsonValue& document) { mOut << toLine(document) << '\n'; }
+    std::ostream& out() { return *mOut; }
+    void print(const JsonValue& document) { out() << toLine(document) << '\n'; }
+    /// Commands print to \p out from now on. Gives where they printed before.
+    std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
 
-    /// Runs \p work with the handle of a transaction of its own, which ends with it and leaves
-    /// nothing behind.
+    /// Runs \p work with the handle of the current transaction or, if there is none, of one of its
+    /// own, which ends with it and leaves nothing behind.
     template <class Work>
     auto read(Work&& work) {
+        if (const Transactions::Entry* current = mTransactions.current()) {
+            return std::forward<Work>(work)(current->handle);
+        }
         const Host::ReadTransaction transaction(mHost);
         return std::forward<Work>(work)(transaction.handle());
     }
+
+    /// Runs \p work, which writes, with the handle of the current transaction. If there is none it
+    /// gets one of its own, which is committed, or aborted if \p work throws. True if it is
+    /// committed. Throws Refusal.
+    bool write(const std::function<void(unsigned long txHandle)>& work);
+
+    const Transactions::Entry& begin(const std::string& name);
+    /// Throws Refusal if the transaction is not valid. It stays open.
+    void validate(const Transactions::Entry& transaction);
+    /// Throws Refusal if it is refused, and thereby aborted. Gives what went wrong without
+    /// hindering the commit, for people; mostly nothing.
+    std::string commit(const Transactions::Entry& transaction);
+    /// Gives what went wrong on the way, for people; mostly nothing.
+    std::string abort(const Transactions::Entry& transaction);
 
     bool isEnded() const { return mIsEnded; }
     void end() { mIsEnded = true; }
 
 private:
     Host& mHost;
-    Client& mClient;
+    Clients& mClients;
     LogSink& mLog;
-    std::ostream& mOut;
+    std::ostream* mOut;
     bool mWantsJson;
     bool mIsEnded = false;
+    Transactions mTransactions;
 };
 
 }

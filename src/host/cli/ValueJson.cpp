@@ -9,7 +9,10 @@ namespace OrvHost {
 
 namespace {
 
-JsonValue structJson(const OrvMoStructMember_3* member, const AttributeDef* def) {
+// The records of version 1 have the fields and codes of version 3 in types of their own.
+
+template <class Member>
+JsonValue structJson(const Member* member, const AttributeDef* def) {
     JsonValue object = JsonValue::object();
     for (; member != nullptr; member = member->next) {
         const AttributeDef* memberDef = nullptr;
@@ -29,7 +32,8 @@ JsonValue textJson(const char* text) {
     return text != nullptr ? JsonValue(text) : JsonValue();
 }
 
-JsonValue slotJson(std::int32_t type, const OrvMoAttributeValue_3& slot, const AttributeDef* def) {
+template <class Slot>
+JsonValue slotJson(std::int32_t type, const Slot& slot, const AttributeDef* def) {
     switch (type) {
     case OrvMoAttributeTypeBool_3:
         return slot.boolean;
@@ -51,17 +55,14 @@ JsonValue slotJson(std::int32_t type, const OrvMoAttributeValue_3& slot, const A
     }
 }
 
-bool isMultiValued(const OrvMoAttributeValueContainer_3& container, const AttributeDef* def) {
-    return container.count > 1 || (def != nullptr && def->multiplicity.upper > 1);
-}
-
-}
-
-JsonValue toJson(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def) {
+template <class Container>
+JsonValue containerJson(const Container* container, const AttributeDef* def) {
     if (container == nullptr) {
         return nullptr;
     }
-    if (!isMultiValued(*container, def)) {
+    const bool isMultiValued =
+        container->count > 1 || (def != nullptr && def->multiplicity.upper > 1);
+    if (!isMultiValued) {
         return container->count == 0 ? JsonValue()
                                      : slotJson(container->type, container->values[0], def);
     }
@@ -70,6 +71,16 @@ JsonValue toJson(const OrvMoAttributeValueContainer_3* container, const Attribut
         values.push_back(slotJson(container->type, container->values[position], def));
     }
     return values;
+}
+
+}
+
+JsonValue toJson(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def) {
+    return containerJson(container, def);
+}
+
+JsonValue toJson(const OrvMoAttributeValueContainer* container, const AttributeDef* def) {
+    return containerJson(container, def);
 }
 
 std::string toLine(const JsonValue& document) {

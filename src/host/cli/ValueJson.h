@@ -23,6 +23,8 @@ using JsonValue = nlohmann::ordered_json;
 ///
 /// Copies what it needs: \p container, which may be null, can be released afterwards.
 JsonValue toJson(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def);
+/// The same for the records of version 1.
+JsonValue toJson(const OrvMoAttributeValueContainer* container, const AttributeDef* def);
 
 /// The document as text in one line. A text that is no UTF-8 comes with replacement characters.
 std::string toLine(const JsonValue& document);

@@ -44,11 +44,12 @@ Workbench::Workbench(const Options& options, std::ostream& errors) : mErrors(err
     loadData(options);
     loadComponents(options);
     startComponents();
-    mClient = std::make_unique<Client>(*mHost);
+    mClients = std::make_unique<Clients>(*mHost);
+    mClients->choose(options.interfaceVersion);
 }
 
 Workbench::~Workbench() {
-    mClient.reset();
+    mClients.reset();
     if (mHost) {
         for (const std::string& problem : mHost->shutdown()) {
             mErrors << "orvhost: " << problem << '\n';

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_CLI_WORKBENCH_H
 #define ORV_HOST_CLI_WORKBENCH_H
 
-#include "Client.h"
+#include "Clients.h"
 #include "Options.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
@@ -21,7 +21,7 @@ class DataSet;
 class ProgressBar;
 
 /// Everything that stands before the first command can run: log, model, host, data, components and
-/// the client, in this order. Taken down in the reverse order. One thread.
+/// the clients, in this order. Taken down in the reverse order. One thread.
 class Workbench {
 public:
     /// Throws LoadError with all that is wrong with what was to be loaded. Notes for the user go to
@@ -33,7 +33,7 @@ public:
     Workbench& operator=(const Workbench&) = delete;
 
     Host& host() { return *mHost; }
-    Client& client() { return *mClient; }
+    Clients& clients() { return *mClients; }
     LogSink& log() { return *mLog; }
 
 private:
@@ -49,7 +49,7 @@ private:
     std::unique_ptr<LogSink> mLog;
     YangModel mModel;
     std::unique_ptr<Host> mHost;
-    std::unique_ptr<Client> mClient;
+    std::unique_ptr<Clients> mClients;
 };
 
 }

@@ -24,19 +24,6 @@ JsonValue readValues(Session& session, const std::string& dn, const std::vector<
     });
 }
 
-// One attribute by its name is the form for scripts: the bare value, or a line for each.
-void printOne(Session& session, const JsonValue& value) {
-    if (value.is_object()) {
-        session.out() << layOut(value);
-    } else if (!value.is_array()) {
-        session.out() << scalarText(value) << '\n';
-    } else {
-        for (const JsonValue& element : value) {
-            session.out() << (element.is_object() ? layOut(element) : scalarText(element) + "\n");
-        }
-    }
-}
-
 }
 
 const CommandInfo& GetCommand::info() const {
@@ -66,8 +53,8 @@ void GetCommand::run(Session& session, Words words) {
     const JsonValue values = readValues(session, dn, names, moc);
     if (session.wantsJson()) {
         session.print({{"command", "get"}, {"dn", dn}, {"attributes", values}});
-    } else if (isOne) {
-        printOne(session, values[names[0]]);
+    } else if (isOne) { // the form for scripts
+        session.out() << layOutValue(values[names[0]]);
     } else {
         session.out() << layOut(values);
     }

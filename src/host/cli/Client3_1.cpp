@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Client3_1.h"
+
+#include "NamedRecords.h"
+#include "OfferedTable.h"
+
+namespace OrvHost {
+
+namespace {
+
+constexpr VekMgmtSpiInterface_1 kTable3_1{"OrvOamSpiExtCmRouterService", "VekOamSpiManagedObject",
+                                          "3_1"};
+
+}
+
+Client3_1::Client3_1(Host& host)
+    : Client(host), mTable(requireOffered<VekOamSpiManagedObject_3_1>(host, kTable3_1)) {}
+
+void Client3_1::set(unsigned long txHandle, const std::string& dn,
+                    const std::vector<NamedValue>& attributes) {
+    NamedRecords records(attributes);
+    check(mTable->setMoAttributes(txHandle, dn.c_str(), records.data()),
+          {"setMoAttributes", dn, {}, namesOf(attributes)});
+}
+
+}

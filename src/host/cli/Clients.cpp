@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Clients.h"
+
+#include "Suggestion.h"
+
+namespace OrvHost {
+
+std::vector<std::string> Clients::versions() {
+    return {"1", "3", "3_1"};
+}
+
+void Clients::choose(const std::string& version) {
+    for (Known& known : mKnown) {
+        if (known.first == version) {
+            mChosen = &known;
+            return;
+        }
+    }
+    throw UsageError("there is no interface version '" + version +
+                     "'; versions: " + enumerate(versions()));
+}
+
+}

@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Failure.h"
+
+#include "CommandTable.h"
+#include "Diagnosis.h"
+#include "Layout.h"
+#include "Refusal.h"
+#include "Session.h"
+#include "store/HostReturn.h"
+
+namespace OrvHost {
+
+namespace {
+
+constexpr OrvReturnT kCodes[] = {OrvOk,
+                                 OrvNotActive,
+                                 OrvFailure,
+                                 OrvNotExist,
+                                 OrvAlreadyExist,
+                                 OrvInvalidArgument,
+                                 OrvValidationFailed,
+                                 OrvHostWriteConflict,
+                                 OrvHostNotWritable,
+                                 OrvHostNotContained,
+                                 OrvHostWrongState};
+
+std::string subjectText(const OperationSubject& subject) {
+    std::string text = subject.operation + " " + (subject.dn.empty() ? "/" : subject.dn);
+    text += subject.className.empty() ? "" : " " + subject.className;
+    text += subject.action.empty() ? "" : " " + subject.action;
+    for (const std::string& attribute : subject.attributes) {
+        text += " " + attribute;
+    }
+    return text;
+}
+
+// The router's own explanations speak of internal names; they are for when nothing better is known.
+bool isWanted(const ThreadContext::Message& message, const std::string& explanation) {
+    return message.kind != ThreadContext::Explanation || explanation.empty();
+}
+
+std::vector<std::string> textsOf(const std::vector<ThreadContext::Message>& messages) {
+    std::vector<std::string> texts;
+    for (const ThreadContext::Message& message : messages) {
+        texts.push_back(message.text);
+    }
+    return texts;
+}
+
+Failure plain(ExitStatus status, const std::string& text) {
+    return {status, std::nullopt, text, {}, {{"text", text}}};
+}
+
+std::string transactionText(const Refusal& refusal) {
+    return refusal.transaction().empty() ? "the transaction of this command"
+                                         : "transaction " + refusal.transaction();
+}
+
+std::string toText(const Refusal& refusal) {
+    std::string text = std::string(refusal.what()) + " " + transactionText(refusal) + ": " +
+                       codeText(refusal.outcome().code);
+    for (const Violation& violation : refusal.violations()) {
+        text += "\n  host: " + violation.message + "\n" + layOut(violation.details, 4);
+        text.erase(text.find_last_not_of('\n') + 1);
+    }
+    const bool isCommit = refusal.what() == std::string("commit");
+    return text + "\n  " + refusal.outcome().reason +
+           (isCommit ? "; it is aborted, nothing of it is left" : "");
+}
+
+Failure read(const Refusal& refusal) {
+    Failure failure;
+    failure.code = refusal.outcome().code;
+    failure.text = toText(refusal);
+    failure.messages = textsOf(refusal.outcome().messages);
+    JsonValue violations = JsonValue::array();
+    for (const Violation& violation : refusal.violations()) {
+        JsonValue one{{"message", violation.message}};
+        one.update(violation.details);
+        violations.push_back(one);
+    }
+    failure.document = {{"operation", refusal.what()},
+                        {"transaction", refusal.transaction()},
+                        {"code", *failure.code},
+                        {"name", codeName(*failure.code)},
+                        {"text", refusal.outcome().reason},
+                        {"messages", failure.messages},
+                        {"violations", violations}};
+    return failure;
+}
+
+}
+
+std::string codeName(OrvReturnT code) {
+    const std::string text = returnText(code);
+    return text.substr(0, text.find(':'));
+}
+
+std::optional<OrvReturnT> codeOfName(const std::string& name) {
+    for (const OrvReturnT code : kCodes) {
+        if (codeName(code) == name) {
+            return code;
+        }
+    }
+    return std::nullopt;
+}
+
+Failure FailureReader::read(const std::string& command, const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const OperationError& failure) {
+        return read(failure);
+    } catch (const Refusal& failure) {
+        return OrvHost::read(failure);
+    } catch (const UsageError& failure) {
+        const Command* known = mCommands.find(command);
+        const std::string usage =
+            known != nullptr ? ". Usage: " + command + " " + known->info().synopsis : "";
+        return plain(ExitUsage, failure.what() + usage);
+    } catch (const std::exception& failure) {
+        return plain(ExitCommandError, failure.what());
+    }
+}
+
+Failure FailureReader::read(const OperationError& error) {
+    const std::string explanation = explain(error);
+    Failure failure;
+    failure.code = error.code();
+    failure.messages = textsOf(error.messages());
+    failure.text = subjectText(error.subject()) + ": " + codeText(error.code());
+    failure.text += explanation.empty() ? "" : "\n  " + explanation;
+    for (const ThreadContext::Message& message : error.messages()) {
+        failure.text += isWanted(message, explanation) ? "\n  host: " + message.text : "";
+    }
+    failure.document = {{"operation", error.subject().operation},
+                        {"dn", error.subject().dn},
+                        {"code", error.code()},
+                        {"name", codeName(error.code())},
+                        {"text", explanation},
+                        {"messages", failure.messages}};
+    return failure;
+}
+
+// The explanation asks the component again, and must not hide the error if that fails as well.
+std::string FailureReader::explain(const OperationError& error) {
+    try {
+        return Diagnosis(mSession).explain(error);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+}

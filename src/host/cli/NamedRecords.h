@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_NAMEDRECORDS_H
+#define ORV_HOST_CLI_NAMEDRECORDS_H
+
+#include "AutoMemory.h"
+#include "OrvMoAttributeValue.h"
+#include "model/Value.h"
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// Named values in the form in which a client of version 3 or 3_1 passes them: an array of pointers
+/// to records, ended by a null pointer.
+class NamedRecords {
+public:
+    /// \p values lends its names, and must outlive this object.
+    explicit NamedRecords(const std::vector<NamedValue>& values);
+    NamedRecords(const NamedRecords&) = delete;
+    NamedRecords& operator=(const NamedRecords&) = delete;
+
+    OrvMoNamedAttributeValueContainer_3** data() { return mPointers.data(); }
+
+private:
+    Orv::AutoMemory mMemory;
+    std::vector<OrvMoNamedAttributeValueContainer_3> mRecords;
+    std::vector<OrvMoNamedAttributeValueContainer_3*> mPointers;
+};
+
+/// The names alone.
+std::vector<std::string> namesOf(const std::vector<NamedValue>& values);
+
+}
+
+#endif

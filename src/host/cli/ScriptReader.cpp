@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ScriptReader.h"
+
+namespace OrvHost {
+
+namespace {
+
+// Takes the backslash off if there is one.
+bool goesOn(std::string& line) {
+    const std::size_t last = line.size() - 1;
+    const bool isAlone = !line.empty() && line[last] == '\\' &&
+                         (last == 0 || line[last - 1] == ' ' || line[last - 1] == '\t');
+    if (isAlone) {
+        line.pop_back();
+    }
+    return isAlone;
+}
+
+}
+
+bool ScriptReader::next() {
+    if (!takeLine(mLine)) {
+        return false;
+    }
+    mNumber = mLinesTaken;
+    std::string more;
+    while (goesOn(mLine) && takeLine(more)) {
+        mLine += more;
+    }
+    return true;
+}
+
+bool ScriptReader::takeLine(std::string& line) {
+    if (!std::getline(mScript, line)) {
+        return false;
+    }
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    ++mLinesTaken;
+    return true;
+}
+
+}

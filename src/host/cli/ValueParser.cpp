@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ValueParser.h"
+
+#include "CliError.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace OrvHost {
+
+namespace {
+
+bool isTextual(ValueKind kind) {
+    return kind == ValueKind::String || kind == ValueKind::Enumeration || kind == ValueKind::MoRef;
+}
+
+bool takesBrackets(const AttributeDef* def) {
+    return def == nullptr || def->type.kind == ValueKind::Struct || def->multiplicity.upper > 1;
+}
+
+JsonValue parseJson(const std::string& text) {
+    try {
+        return JsonValue::parse(text);
+    } catch (const JsonValue::parse_error& failure) {
+        throw UsageError("'" + text + "' is no JSON (near character " +
+                         std::to_string(failure.byte) +
+                         "); mind that JSON needs single quotes around it");
+    }
+}
+
+JsonValue parseScalar(const std::string& text) {
+    const JsonValue json = JsonValue::parse(text, nullptr, false);
+    return json.is_number() || json.is_boolean() ? json : JsonValue(text);
+}
+
+const AttributeDef* memberOf(const AttributeDef* def, const std::string& name) {
+    if (def == nullptr) {
+        return nullptr;
+    }
+    const auto& members = def->type.members;
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const AttributeDef& one) { return one.name == name; });
+    return found != members.end() ? &*found : nullptr;
+}
+
+StructValue toStruct(const JsonValue& json, const AttributeDef* def) {
+    StructValue value;
+    for (const auto& member : json.items()) {
+        value.members.emplace_back(member.key(),
+                                   toAttributeValue(member.value(), memberOf(def, member.key())));
+    }
+    return value;
+}
+
+std::optional<Value> toNumber(const JsonValue& json, ValueKind kind) {
+    if (kind == ValueKind::Double) {
+        return Value(json.get<double>());
+    }
+    if (kind == ValueKind::Uint && json.is_number_unsigned()) {
+        return Value(json.get<std::uint64_t>());
+    }
+    const bool fits = json.is_number_integer() &&
+                      (!json.is_number_unsigned() || json.get<std::uint64_t>() <= INT64_MAX);
+    if (kind == ValueKind::Int && fits) {
+        return Value(json.get<std::int64_t>());
+    }
+    return std::nullopt;
+}
+
+// Nothing if the value is not of that kind.
+std::optional<Value> toValue(const JsonValue& json, ValueKind kind, const AttributeDef* def) {
+    if (json.is_boolean() && kind == ValueKind::Bool) {
+        return Value(json.get<bool>());
+    }
+    if (json.is_string() && isTextual(kind)) {
+        return Value(json.get<std::string>());
+    }
+    if (json.is_object() && kind == ValueKind::Struct) {
+        return Value(toStruct(json, def));
+    }
+    return json.is_number() ? toNumber(json, kind) : std::nullopt;
+}
+
+ValueKind ownKind(const JsonValue& json) {
+    if (json.is_boolean()) {
+        return ValueKind::Bool;
+    }
+    if (json.is_number_float()) {
+        return ValueKind::Double;
+    }
+    if (json.is_number()) {
+        return toNumber(json, ValueKind::Int) ? ValueKind::Int : ValueKind::Uint;
+    }
+    return json.is_object() ? ValueKind::Struct : ValueKind::String;
+}
+
+std::optional<AttributeValue> toValues(const JsonValue& list, ValueKind kind,
+                                       const AttributeDef* def) {
+    AttributeValue result{kind, {}};
+    for (const JsonValue& json : list) {
+        std::optional<Value> value = toValue(json, kind, def);
+        if (!value) {
+            return std::nullopt;
+        }
+        result.values.push_back(std::move(*value));
+    }
+    return result;
+}
+
+}
+
+JsonValue parseValue(const std::string& text, const AttributeDef* def) {
+    if (text == "null") {
+        return nullptr;
+    }
+    const char first = text.empty() ? '\0' : text.front();
+    if (first == '"' || ((first == '{' || first == '[') && takesBrackets(def))) {
+        return parseJson(text);
+    }
+    return def != nullptr && isTextual(def->type.kind) ? JsonValue(text) : parseScalar(text);
+}
+
+AttributeValue toAttributeValue(const JsonValue& json, const AttributeDef* def) {
+    const JsonValue list = json.is_array()  ? json
+                           : json.is_null() ? JsonValue::array()
+                                            : JsonValue::array({json});
+    const ValueKind wanted = def != nullptr  ? def->type.kind
+                             : !list.empty() ? ownKind(list.front())
+                                             : ValueKind::String;
+    if (std::optional<AttributeValue> typed = toValues(list, wanted, def)) {
+        return std::move(*typed);
+    }
+    if (std::optional<AttributeValue> own = toValues(list, ownKind(list.front()), nullptr)) {
+        return std::move(*own);
+    }
+    throw UsageError("the values in " + toLine(json) + " are of several types");
+}
+
+}

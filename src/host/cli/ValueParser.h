@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_VALUEPARSER_H
+#define ORV_HOST_CLI_VALUEPARSER_H
+
+#include "ValueJson.h"
+#include "model/Model.h"
+
+#include <string>
+
+namespace OrvHost {
+
+/// The value of an attribute, as somebody types it, as JSON. The model tells how to read it:
+///
+/// - `null` is no value;
+/// - what begins with `"`, and for structs, for several values and for attributes that the model
+///   does not know what begins with `{` or `[`, is JSON;
+/// - texts, enumerations and references stand for themselves;
+/// - all else is a number, true or false, or if it is none of these, a text.
+///
+/// \p def is null for an attribute that the model does not know. Throws UsageError for JSON that
+/// cannot be read.
+JsonValue parseValue(const std::string& text, const AttributeDef* def);
+
+/// The value in the type that the model gives the attribute where it fits, or else in the type that
+/// it has of itself: it is the component that refuses what does not fit. Throws UsageError for what
+/// no record can hold, such as values of several types in one list.
+AttributeValue toAttributeValue(const JsonValue& json, const AttributeDef* def);
+
+}
+
+#endif

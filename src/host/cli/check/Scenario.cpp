@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Scenario.h"
+
+#include "cli/Interpreter.h"
+#include "cli/ScriptReader.h"
+#include "cli/Session.h"
+#include "cli/WordSplitter.h"
+#include "cli/Workbench.h"
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+namespace OrvHost {
+
+namespace {
+
+std::string withoutLineEnd(std::string text) {
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+void runLines(const Options& options, Session& session, std::istream& script,
+              const std::function<void(int line)>& atLine, ScenarioResult& result) {
+    const CommandTable commands;
+    std::ostringstream errors;
+    Interpreter interpreter(session, commands, errors);
+    ScriptReader reader(script);
+    while (!session.isEnded() && reader.next()) {
+        atLine(reader.number());
+        result.commands += splitWords(reader.line()).words.empty() ? 0 : 1;
+        errors.str({});
+        if (interpreter.runLine(reader.line()) == ExitOk) {
+            continue;
+        }
+        result.failures.push_back({reader.number(), withoutLineEnd(errors.str())});
+        if (!options.keepGoing) {
+            return;
+        }
+    }
+    if (result.commands == 0 && result.isPassed()) {
+        result.failures.push_back({0, "there is no command in it"});
+    }
+}
+
+}
+
+ScenarioResult runScenario(const Options& options, const std::string& file,
+                           const std::function<void(int line)>& atLine) {
+    ScenarioResult result;
+    result.name = file;
+    try {
+        std::ifstream script(file);
+        if (!script || !std::filesystem::is_regular_file(file)) {
+            throw LoadError("cannot be read");
+        }
+        Workbench workbench(options, std::cerr);
+        std::ostream nowhere(nullptr);
+        Session session(workbench.host(), workbench.clients(), workbench.log(), nowhere, false);
+        runLines(options, session, script, atLine, result);
+    } catch (const std::exception& failure) {
+        result.isBroken = true;
+        result.failures.push_back({0, failure.what()});
+    }
+    return result;
+}
+
+}

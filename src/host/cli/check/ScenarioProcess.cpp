@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ScenarioProcess.h"
+
+#include "Scenario.h"
+#include "cli/CliError.h"
+#include "cli/ValueJson.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <system_error>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+[[noreturn]] void failWith(const char* what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+/// A pipe from the scenario to the one who waits for it.
+class Pipe {
+public:
+    Pipe() {
+        if (pipe(mEnds) != 0) {
+            failWith("pipe");
+        }
+    }
+    ~Pipe() {
+        closeEnd(0);
+        closeEnd(1);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    void closeReader() { closeEnd(0); }
+    void closeWriter() { closeEnd(1); }
+
+    void write(const std::string& text) const {
+        std::size_t done = 0;
+        while (done < text.size()) {
+            const ssize_t count = ::write(mEnds[1], text.data() + done, text.size() - done);
+            if (count < 0 && errno != EINTR) {
+                failWith("write");
+            }
+            done += count > 0 ? static_cast<std::size_t>(count) : 0;
+        }
+    }
+
+    std::string readAll() const {
+        std::string text;
+        char buffer[4096];
+        for (;;) {
+            const ssize_t count = ::read(mEnds[0], buffer, sizeof buffer);
+            if (count == 0) {
+                return text;
+            }
+            if (count > 0) {
+                text.append(buffer, static_cast<std::size_t>(count));
+            } else if (errno != EINTR) {
+                failWith("read");
+            }
+        }
+    }
+
+private:
+    void closeEnd(int end) {
+        if (mEnds[end] >= 0) {
+            close(mEnds[end]);
+            mEnds[end] = -1;
+        }
+    }
+
+    int mEnds[2]{-1, -1};
+};
+
+JsonValue toJson(const ScenarioResult& result) {
+    JsonValue failures = JsonValue::array();
+    for (const ScenarioFailure& failure : result.failures) {
+        failures.push_back({{"line", failure.line}, {"text", failure.text}});
+    }
+    return {{"commands", result.commands}, {"broken", result.isBroken}, {"failures", failures}};
+}
+
+// What the process told: a document for each line that it came to, and one at its end.
+struct Told {
+    int lastLine = 0;
+    std::optional<JsonValue> result;
+};
+
+Told parseTold(const std::string& text) {
+    Told told;
+    std::size_t begin = 0;
+    for (std::size_t end = text.find('\n'); end != std::string::npos;
+         end = text.find('\n', begin)) {
+        const JsonValue document = JsonValue::parse(text.substr(begin, end - begin));
+        if (document.is_number()) {
+            told.lastLine = document.get<int>();
+        } else {
+            told.result = document;
+        }
+        begin = end + 1;
+    }
+    return told;
+}
+
+int waitFor(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR) {
+            failWith("waitpid");
+        }
+    }
+    return status;
+}
+
+// How a process ended that should not have; empty if it ended well.
+std::string breakdown(int status) {
+    if (WIFSIGNALED(status)) {
+        const char* name = sigabbrev_np(WTERMSIG(status));
+        return "the process was ended by SIG" +
+               (name != nullptr ? std::string(name) : std::to_string(WTERMSIG(status)));
+    }
+    const int code = WEXITSTATUS(status);
+    return code == 0 ? std::string() : "the process ended with status " + std::to_string(code);
+}
+
+[[noreturn]] void runInChild(const Options& options, const std::string& file, Pipe& pipe) {
+    pipe.closeReader();
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    const ScenarioResult result =
+        runScenario(options, file, [&](int line) { pipe.write(std::to_string(line) + "\n"); });
+    pipe.write(toLine(toJson(result)) + "\n");
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): no other thread runs
+}
+
+ScenarioResult resultOf(const std::string& file, const Told& told, int status) {
+    ScenarioResult result;
+    result.name = file;
+    if (told.result) {
+        result.commands = (*told.result)["commands"];
+        result.isBroken = (*told.result)["broken"];
+        for (const JsonValue& failure : (*told.result)["failures"]) {
+            result.failures.push_back({failure["line"], failure["text"]});
+        }
+    }
+    const std::string problem = breakdown(status);
+    if (!problem.empty()) {
+        result.isBroken = true;
+        result.failures.push_back({told.result ? 0 : told.lastLine, problem});
+    }
+    return result;
+}
+
+}
+
+ScenarioResult runScenarioProcess(const Options& options, const std::string& file) {
+    const auto start = std::chrono::steady_clock::now();
+    std::cout.flush();
+    Pipe pipe;
+    const pid_t child = fork();
+    if (child < 0) {
+        failWith("fork");
+    }
+    if (child == 0) {
+        runInChild(options, file, pipe);
+    }
+    pipe.closeWriter();
+    const Told told = parseTold(pipe.readAll());
+    ScenarioResult result = resultOf(file, told, waitFor(child));
+    result.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return result;
+}
+
+}

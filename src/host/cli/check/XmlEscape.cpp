@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "XmlEscape.h"
+
+#include "cli/ValueJson.h"
+
+namespace OrvHost {
+
+namespace {
+
+constexpr const char* kReplacement = "\xef\xbf\xbd";
+
+// The same text, with what is no UTF-8 replaced.
+std::string asUtf8(const std::string& text) {
+    return JsonValue::parse(toLine(JsonValue(text))).get<std::string>();
+}
+
+std::string escapedByte(char character) {
+    switch (character) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\n':
+        return "&#10;";
+    case '\r':
+        return "&#13;";
+    case '\t':
+        return "&#9;";
+    default:
+        break;
+    }
+    const bool isControl = static_cast<unsigned char>(character) < 0x20U;
+    return isControl ? std::string(kReplacement) : std::string(1, character);
+}
+
+// U+FFFE and U+FFFF are characters of UTF-8 but not of XML.
+bool isForbidden(const std::string& text, std::size_t at) {
+    return text.compare(at, 2, "\xef\xbf") == 0 && at + 2 < text.size() &&
+           (text[at + 2] == '\xbe' || text[at + 2] == '\xbf');
+}
+
+}
+
+std::string escapeXml(const std::string& text) {
+    const std::string valid = asUtf8(text);
+    std::string result;
+    for (std::size_t at = 0; at < valid.size(); ++at) {
+        if (isForbidden(valid, at)) {
+            result += kReplacement;
+            at += 2;
+        } else {
+            result += escapedByte(valid[at]);
+        }
+    }
+    return result;
+}
+
+}

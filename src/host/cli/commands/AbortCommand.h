@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_COMMANDS_ABORTCOMMAND_H
+#define ORV_HOST_CLI_COMMANDS_ABORTCOMMAND_H
+
+#include "cli/Command.h"
+
+namespace OrvHost {
+
+/// `abort`: ends a transaction and drops its writes.
+class AbortCommand : public Command {
+public:
+    const CommandInfo& info() const override;
+    void run(Session& session, Words words) override;
+};
+
+}
+
+#endif

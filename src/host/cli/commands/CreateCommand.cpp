@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CreateCommand.h"
+
+#include "cli/Assignments.h"
+#include "cli/CliError.h"
+#include "cli/Session.h"
+#include "cli/WriteReport.h"
+
+#include <cctype>
+
+namespace OrvHost {
+
+namespace {
+
+// What the class is named by, if the model does not tell.
+std::string usualNamingAttribute(std::string className) {
+    className.front() =
+        static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
+    return className + "Id";
+}
+
+// The last step of a DN, Class=value or Class.attribute=value, tells what to create.
+NewObject parseNewObject(const Model& model, const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    const std::string step = comma == std::string::npos ? dn : dn.substr(comma + 1);
+    const std::size_t equals = step.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+        throw UsageError("'" + step + "' in " + dn + " is no step of a DN; expected Class=value");
+    }
+    const std::string type = step.substr(0, equals);
+    const std::size_t dot = type.find('.', 1);
+    NewObject object;
+    object.parentDn = comma == std::string::npos ? "" : dn.substr(0, comma);
+    object.className = type.substr(0, dot);
+    object.name = step.substr(equals + 1);
+    const auto moc = model.findClass(object.className);
+    object.namingAttribute = dot != std::string::npos ? type.substr(dot + 1)
+                             : moc                    ? model.classes[*moc].namingAttribute
+                                                      : usualNamingAttribute(object.className);
+    return object;
+}
+
+}
+
+const CommandInfo& CreateCommand::info() const {
+    static const CommandInfo theInfo{"create",
+                                     "DN [ATTRIBUTE=VALUE...]",
+                                     "create an object, with attributes",
+                                     "The DN is that of the new object. Values are as with set.\n",
+                                     {WordKind::Dn, WordKind::Assignment},
+                                     {}};
+    return theInfo;
+}
+
+void CreateCommand::run(Session& session, Words words) {
+    const std::string dn = words.take("the DN");
+    const Model& model = session.model();
+    const NewObject object = parseNewObject(model, dn);
+    const auto moc = model.findClass(object.className);
+    const std::vector<NamedValue> attributes =
+        parseAssignments(words.takeRest(), [&](const std::string& name) {
+            return definitionOf(moc ? &model.classes[*moc] : nullptr, name);
+        });
+    const bool isCommitted = session.write(
+        [&](unsigned long txHandle) { session.client().create(txHandle, object, attributes); });
+    reportWrite(session, {{"command", "create"}, {"dn", dn}}, "created", isCommitted);
+}
+
+}

@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ExpectCommand.h"
+
+#include "cli/CommandTable.h"
+#include "cli/Session.h"
+#include "cli/WordSplitter.h"
+
+#include <sstream>
+
+namespace OrvHost {
+
+namespace {
+
+/// Keeps what commands print while it lives.
+class Capture {
+public:
+    explicit Capture(Session& session) : mSession(session), mOut(session.redirect(mText)) {}
+    ~Capture() { mSession.redirect(mOut); }
+    Capture(const Capture&) = delete;
+    Capture& operator=(const Capture&) = delete;
+
+    std::string text() const {
+        std::string text = mText.str();
+        text.erase(text.find_last_not_of('\n') + 1);
+        return text;
+    }
+
+private:
+    std::ostringstream mText;
+    Session& mSession;
+    std::ostream& mOut;
+};
+
+std::string asLine(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) {
+        line += (line.empty() ? "" : " ") + quoteWord(word);
+    }
+    return line;
+}
+
+// The answer is no surprise, so that also a failure goes to the output.
+void printMet(Session& session, const std::string& name, const Answer& answer) {
+    if (!session.wantsJson()) {
+        const std::string text =
+            answer.failure ? name + ": " + answer.failure->text : answer.output;
+        session.out() << text << (text.empty() ? "" : "\n");
+    } else if (answer.failure) {
+        session.print({{"command", "expect"},
+                       {"answer", {{"command", name}, {"error", answer.failure->document}}}});
+    } else {
+        session.print(
+            {{"command", "expect"}, {"answer", JsonValue::parse(answer.output, nullptr, false)}});
+    }
+}
+
+}
+
+const CommandInfo& ExpectCommand::info() const {
+    static const CommandInfo theInfo{
+        "expect",
+        "[OUTCOME] [CLAUSE...] : COMMAND...",
+        "run a command that must answer this and nothing else",
+        "OUTCOME is ok (if not told), error, usage, or a code by its name or number. Clauses:\n"
+        "  message [containing] TEXT       a message that the client gets\n"
+        "  messages N                      how many it gets\n"
+        "  output [containing] TEXT        what the command prints\n"
+        "  explanation containing TEXT     what is told of a failure besides\n",
+        {WordKind::Other},
+        {}};
+    return theInfo;
+}
+
+void ExpectCommand::run(Session& session, Words words) {
+    const Expectation expectation(words);
+    const std::vector<std::string> command = words.takeRest();
+    if (command.empty()) {
+        throw UsageError("the command is missing");
+    }
+    const Answer answer = answerOf(session, command);
+    const std::string difference = expectation.compare(answer);
+    if (!difference.empty()) {
+        throw AnswerError(asLine(command) + "\n" + difference.substr(0, difference.size() - 1));
+    }
+    printMet(session, command.front(), answer);
+}
+
+Answer ExpectCommand::answerOf(Session& session, const std::vector<std::string>& words) const {
+    const Capture capture(session);
+    Answer answer;
+    try {
+        mTable.require(words.front()).run(session, Words({words.begin() + 1, words.end()}));
+    } catch (...) {
+        answer.failure =
+            FailureReader(session, mTable).read(words.front(), std::current_exception());
+    }
+    answer.output = capture.text();
+    return answer;
+}
+
+}
