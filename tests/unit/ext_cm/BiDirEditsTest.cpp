@@ -127,6 +127,21 @@ TEST_F(BiDirEdits, Add_ReadGivesNoContainer_CountsAsEmpty) {
     EXPECT_EQ(refs("Y=1", "xs"), Lines{"X=1"});
 }
 
+TEST_F(BiDirEdits, Add_ReadLeavesAReleaseAndNoContainer_NothingIsReleased) {
+    static int released = 0;
+    released = 0;
+    targetHolding({"X=8"});
+    start();
+    when("VekRouter3.getMoAttribute")
+        .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            out = {[](OrvMoAttributeValueContainer_3*) { ++released; }, nullptr};
+            return OrvOk;
+        });
+    add("Y=1", "X=1");
+    EXPECT_EQ(refs("Y=1", "xs"), Lines{"X=1"});
+    EXPECT_EQ(released, 0);
+}
+
 TEST_F(BiDirEdits, Add_ReadFails_LosesTheEditWithATrace) {
     targetHolding({});
     start();

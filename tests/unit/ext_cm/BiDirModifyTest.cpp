@@ -111,6 +111,20 @@ TEST_F(BiDirModify, ReferenceOfAnotherClass_IsPassedOverSilently) {
     EXPECT_EQ(modified(1), Lines{"X=1.ys"});
 }
 
+TEST_F(BiDirModify, ClassWithTheHandleZero_IsAClassLikeAnyOther) {
+    modelOfXAndY();
+    stage.world.mo("X=1");
+    start();
+    when("Model.getMocFromDn").on("'Y=1'").answers<unsigned long long>([](unsigned long long& out) {
+        out = 0;
+        return OrvOk;
+    });
+    EXPECT_EQ(modify(1, "X=1", "ys", {"Y=1"}), OrvOk);
+    EXPECT_EQ(log.of("log"), Lines());
+    EXPECT_EQ(stage.script.texts("VekRouter3"), read("X=1", "ys")) << "not the far end's class";
+    EXPECT_EQ(modified(1), Lines{"X=1.ys"});
+}
+
 // The code is that of the last class lookup, so the failure of an earlier one does not show.
 TEST_F(BiDirModify, ReferencesWithoutClass_AreLoggedAndOnlyTheLastShows) {
     modelOfXAndY();

@@ -29,6 +29,16 @@ protected:
     VekOamSpiMrBiDirAssociationHandle_4T association = 0;
 };
 
+TEST_F(BiDirQueries, Constructed_HoldsNothing) {
+    EXPECT_EQ(utils.moRouter, nullptr);
+    EXPECT_EQ(utils.modelRepository, nullptr);
+    EXPECT_TRUE(utils.pendingBackPointers.empty());
+    EXPECT_TRUE(utils.modifiedBackPointers.empty());
+    EXPECT_EQ(validator.moRouter, nullptr);
+    EXPECT_EQ(validator.modelRepository, nullptr);
+    EXPECT_EQ(validator.threadContext, nullptr);
+}
+
 TEST_F(BiDirQueries, Start_LooksUpRouterThenRepository) {
     utils.start();
     EXPECT_EQ(calls(),

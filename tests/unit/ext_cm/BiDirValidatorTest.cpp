@@ -3,6 +3,8 @@
 
 #include "BiDirScene.h"
 
+#include <chrono>
+#include <future>
 #include <list>
 
 namespace BiDirTests {
@@ -290,6 +292,33 @@ TEST_F(BiDirValidation, MessageNotTaken_IsTracedThenLoggedAndChangesNothing) {
         Lines(log.all().end() - 2, log.all().end()),
         (Lines{"trace: " + message,
                "log 4: Failed to add message to thread context. Message: [" + message + "]"}));
+}
+
+TEST_F(BiDirValidation, Message_IsGivenToTheClientBeforeItIsTraced) {
+    start();
+    Lines tracedBefore = {"not called"};
+    when("ThreadContext.addMessage").runs([&] { tracedBefore = log.all(); });
+    validator.addThreadContextMessage("text");
+    EXPECT_EQ(tracedBefore, Lines());
+    EXPECT_EQ(log.all(), Lines{"trace: text"});
+}
+
+// Host and client are called with no lock held: another thread can use the back-pointers meanwhile.
+TEST_F(BiDirValidation, Host_IsCalledWithNoLockHeld) {
+    modelOfXAndY();
+    stage.model.moc("X").reference("ys", "Y", 1, 1);
+    written({});
+    std::future<Lines> other;
+    for (const char* call : {"VekRouter3.existsMo", "VekRouter3.getMoAttribute",
+                             "Model.getTypeCode", "ThreadContext.addMessage"}) {
+        when(call).runs([&] {
+            other = std::async(std::launch::async, [&] { return modified(1); });
+            EXPECT_EQ(other.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        });
+    }
+    EXPECT_EQ(validate(1), OrvValidationFailed);
+    ASSERT_TRUE(other.valid());
+    EXPECT_EQ(other.get(), Lines{"X=1.ys"});
 }
 
 TEST_F(BiDirValidation, EmptyMessage_IsAddedAndTracedToo) {

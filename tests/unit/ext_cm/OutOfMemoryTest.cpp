@@ -9,11 +9,15 @@
 #include "MoImpl.h"
 #include "MoImpl3.h"
 #include "MoImpl3_1.h"
+#include "PendingAdditions.h"
+#include "PlainHost.h"
+#include "Portal.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <new>
+#include <string>
 
 using namespace OrvExtCmRouterService;
 
@@ -322,6 +326,52 @@ TEST_P(OutOfMemory, Registration) {
             EXPECT_EQ(repository.getInterceptor(kDn) != nullptr, code == OrvOk);
             repository.deregisterClass(kDn);
         });
+}
+
+// What a transaction has recorded goes with it, all of it.
+TEST_P(OutOfMemory, Finish_GivesTheMemoryBack) {
+    Orv::Portal::instance()->attach(&PlainHost::lookup);
+    uniDirValidator.start();
+    const long before = living;
+    OrvMoAttributeValue_3 slots[2] = {};
+    slots[0].moRef = slots[1].moRef = kDn;
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 2, slots};
+    for (int i = 0; i < 1000; ++i) {
+        const std::string dn = std::string(kDn) + ",B=" + std::to_string(i);
+        uniDirValidator.setMoRef(kTx, dn, "ys", &value);
+    }
+    EXPECT_GT(living, before + 1000);
+    uniDirValidator.finish(kTx);
+    EXPECT_EQ(living, before);
+    Orv::Portal::instance()->detach();
+}
+
+// What waits goes, too; the work list of the validation is what stays.
+TEST_P(OutOfMemory, WaitingAdditions_GiveTheMemoryBack) {
+    const long before = living;
+    {
+        PendingAdditions::Store store;
+        PendingAdditions pending(store);
+        for (int i = 0; i < 1000; ++i) {
+            pending.add(kDn, {kTx, "xs", 1, kDn, true, "ys"});
+        }
+        EXPECT_GT(living, before + 1000);
+        pending.dropTransaction(kTx);
+        EXPECT_EQ(living, before);
+        // Either both orders have an addition or none, wherever the memory ends.
+        for (int room = 0; store.empty(); ++room) {
+            allocationsLeft = room;
+            try {
+                pending.add(kDn, {kTx, "xs", 1, kDn, true, "ys"});
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(store.empty());
+            }
+            allocationsLeft = -1;
+        }
+        pending.dropSources(kTx, kDn, [](const std::string&, const std::string&) { return true; });
+        EXPECT_TRUE(store.empty());
+    }
+    EXPECT_EQ(living, before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Level, OutOfMemory, testing::Values(0U, 8U));

@@ -13,6 +13,8 @@
 #include <limits>
 #include <list>
 #include <locale>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -445,7 +447,104 @@ TEST_F(UniDirStorageTest, Validate_OneAttribute_AsksTheModelInThisOrder) {
                                    "Model.getEndIntProperty", "Model.getNextUniDirAssociation"));
 }
 
-TEST_F(UniDirStorageTest, GetRefCardinalites_CountsByClassAndKeepsTheFirstSpelling) {
+TEST_F(UniDirStorageTest, GetRefCardinalites_NoReferences_GivesNoCounts) {
+    std::map<UniDirStorage::NamedMoc, unsigned long long> counts;
+    EXPECT_TRUE(UniDirStorage::UniDir("peer", 0, {})
+                    .getRefCardinalites(*Scripted::modelRepositoryTable(),
+                                        *Scripted::threadContextTable(), "Top=1,Foo=1", counts));
+    EXPECT_THAT(counts, IsEmpty());
+    EXPECT_THAT(stage.script.texts(), IsEmpty());
+}
+
+TEST_F(UniDirStorageTest, GetRefCardinalites_OneClassSpelledInTwoWays_IsNamedByTheFirst) {
+    const unsigned long long bar = mocOf("Bar");
+    stage.script.when("Model.getMocFromDn")
+        .answers<unsigned long long>([bar](unsigned long long& moc) {
+            moc = bar;
+            return OrvOk;
+        });
+    std::map<UniDirStorage::NamedMoc, unsigned long long> counts;
+    UniDirStorage::UniDir("peer", 0, {"Top=1,Bat.id=1", "Top=1,Bar=1"})
+        .getRefCardinalites(*Scripted::modelRepositoryTable(), *Scripted::threadContextTable(),
+                            "Top=1,Foo=1", counts);
+    ASSERT_EQ(1U, counts.size());
+    EXPECT_EQ("Bat", counts.begin()->first.name);
+    EXPECT_EQ(2U, counts.begin()->second);
+}
+
+TEST_F(UniDirStorageTest, Validate_ClassWithTheHandleZero_IsAClassLikeAnyOther) {
+    set("Top=1,Foo=2", "peer", refs({"Top=1,Bar=1", "Top=1,Odd=1"}));
+    stage.script.when("Model.getMocFromDn")
+        .on("Odd")
+        .answers<unsigned long long>([](unsigned long long& moc) {
+            moc = 0;
+            return OrvOk;
+        });
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(stage.messages(),
+                ElementsAre("Odd is not a valid type for attribute peer in Top=1,Foo=2"));
+}
+
+TEST_F(UniDirStorageTest, GetAssocEnds_ComparesNamesExactlyAndNamesTheClass) {
+    stage.model.uniDir("Sub", "Peer", "Foo")
+        .uniDir("Sub", "peers", "Foo")
+        .uniDir("Sub", "peer", "Baz", 2, -1);
+    std::set<UniDirStorage::AssocEnd> ends;
+    UniDirStorage::UniDir("peer", stage.model.firstUniDir(mocOf("Sub")).value(), {})
+        .getAssocEnds(*Scripted::modelRepositoryTable(), ends);
+    ASSERT_EQ(1U, ends.size());
+    EXPECT_EQ(mocOf("Baz"), ends.begin()->moc);
+    EXPECT_EQ("Baz", ends.begin()->name);
+    EXPECT_EQ(2U, ends.begin()->min);
+    EXPECT_EQ(std::numeric_limits<unsigned long long>::max(), ends.begin()->max);
+}
+
+TEST(UniDirStorageOrder, Classes_GoByTheHandleAsAnUnsignedNumber) {
+    const UniDirStorage::NamedMoc low{1, "z"};
+    const UniDirStorage::NamedMoc high{~0ULL, "a"};
+    EXPECT_TRUE(low < high);
+    EXPECT_FALSE(high < low);
+    EXPECT_FALSE(low < (UniDirStorage::NamedMoc{1, "a"}));
+    const UniDirStorage::AssocEnd end(high);
+    EXPECT_EQ(0U, end.min);
+    EXPECT_EQ(0U, end.max);
+    EXPECT_EQ("a", end.name);
+}
+
+TEST(UniDirStorageOrder, Records_GoByTheNameAlone) {
+    const UniDirStorage::UniDir one("a", 9, {"X=1"});
+    const UniDirStorage::UniDir other("b", 1, {});
+    EXPECT_TRUE(one < other);
+    EXPECT_FALSE(one < UniDirStorage::UniDir("a", 1, {}));
+}
+
+TEST(UniDirStorageNodes, FindOrCreate_MakesAnEmptyNodeOnce) {
+    UniDirStorage::ValueNode root("");
+    EXPECT_EQ(nullptr, root.find("A"));
+    UniDirStorage::TypeNode* const type = root.findOrCreate("A");
+    EXPECT_EQ("A", type->type);
+    EXPECT_EQ(type, root.findOrCreate("A"));
+    EXPECT_EQ(type, root.find("A"));
+    EXPECT_EQ(nullptr, type->find("1"));
+    UniDirStorage::ValueNode* const value = type->findOrCreate("1");
+    EXPECT_EQ("1", value->value);
+    EXPECT_EQ(0U, value->moc);
+    EXPECT_THAT(value->uniDirs, IsEmpty());
+    EXPECT_THAT(value->types, IsEmpty());
+    EXPECT_EQ(value, type->findOrCreate("1"));
+    EXPECT_EQ(value, type->find("1"));
+}
+
+TEST(UniDirStorageNodes, GetDns_ContinuesTheDnThatItIsGiven) {
+    UniDirStorage::ValueNode root("");
+    root.findOrCreate("A")->findOrCreate("1")->uniDirs.emplace("peer", 0, std::list<std::string>());
+    std::list<std::string> dns;
+    root.find("A")->getDns("Top=1", dns);
+    root.find("A")->getDns("", dns);
+    EXPECT_THAT(dns, ElementsAre("Top=1,A=1", "A=1"));
+}
+
+TEST_F(UniDirStorageTest, GetRefCardinalites_CountsByClass) {
     const UniDirStorage::UniDir record(
         "peer", 0, {"Top=1,Bar.id=1", "Top=1,Baz=1", "Top=1,Bar=2", "Top=1,Bar.id=1"});
     std::map<UniDirStorage::NamedMoc, unsigned long long> counts;
@@ -481,6 +580,20 @@ TEST_F(UniDirStorageTest, LongDnsAndManyNodes_AreListedAndDropped) {
     storage.finish(tx);
     storage.finish(8);
     EXPECT_THAT(dns(), IsEmpty());
+}
+
+TEST_F(UniDirStorageTest, DnOfAThousandSteps_IsJudgedAndNamedInFull) {
+    std::string dn = "Foo=0";
+    for (int step = 1; step < 1000; ++step) {
+        dn += ",Foo=" + std::to_string(step);
+    }
+    set(dn, "peer", refs({}));
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(stage.messages(),
+                ElementsAre("Attribute peer in " + dn +
+                            " contains 0 Bar which is not within cardinality range (1..2)."));
+    storage.deleteMo(tx, dn);
+    EXPECT_TRUE(validate());
 }
 
 }

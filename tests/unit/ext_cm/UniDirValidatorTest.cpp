@@ -12,6 +12,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -361,6 +364,63 @@ TEST_F(UniDirValidatorTest, Stop_ForgetsEverythingAndMayComeTwice) {
     EXPECT_EQ(OrvNotActive, validateWithoutVerdict());
     validator.start();
     EXPECT_TRUE(verdict());
+}
+
+TEST_F(UniDirValidatorTest, Validate_WithoutARepository_HasNoVerdict) {
+    stage.missing = {Part::ModelRepository};
+    start();
+    set("Top=1,Foo=1", "peer", refs({}));
+    EXPECT_THAT(log.lines(), Contains("trace 0 setMoRef: Service is stopped"));
+    EXPECT_EQ(OrvNotActive, validateWithoutVerdict());
+    EXPECT_THAT(stage.script.calls(), IsEmpty());
+}
+
+// The root of a transaction is there before its DN is parsed, and goes when it is finished.
+TEST_F(UniDirValidatorTest, SetMoRef_MalformedDn_LeavesATransactionToFinish) {
+    start();
+    const auto foo = stage.model.mocFromDn("Top=1,Foo=1").value();
+    stage.script.when("Model.getMocFromDn")
+        .answers<unsigned long long>([foo](unsigned long long& moc) {
+            moc = foo;
+            return OrvOk;
+        });
+    set("Top=1,Foo", "peer", refs({}));
+    log.forget();
+    validator.finish(tx);
+    EXPECT_THAT(log.lines(), IsEmpty());
+    validator.finish(tx);
+    EXPECT_THAT(log.lines(), Contains("trace 0 finish: Could not find transaction 7\n"));
+}
+
+// Only the failures of this subsystem end here; the lock is free after any other, too.
+TEST_F(UniDirValidatorTest, OtherExceptions_PassAndLeaveTheLockFree) {
+    start();
+    set("Top=1,Foo=1", "peer", refs({}));
+    stage.script.when("Model.getUniDirEnd").throws(std::runtime_error("no"));
+    EXPECT_THROW(set("Top=1,Foo=1", "peer", refs({})), std::runtime_error);
+    bool result = false;
+    EXPECT_THROW(validator.validate(tx, &result), std::runtime_error);
+    EXPECT_THAT(log.lines(), IsEmpty());
+    const auto other = std::async(std::launch::async, [&] { validator.finish(tx); });
+    EXPECT_EQ(std::future_status::ready, other.wait_for(std::chrono::seconds(20)));
+}
+
+// While one transaction is judged under the lock, the model is asked for another without it.
+TEST_F(UniDirValidatorTest, SetMoRef_AsksTheModelWithoutTheLock) {
+    start();
+    set("Top=1,Foo=1", "peer", refs({}));
+    std::promise<void> asked;
+    std::future<void> other;
+    stage.script.when("Model.getFirstUniDirAssociation").runs([&] { asked.set_value(); });
+    stage.script.when("ThreadContext.addMessage").runs([&] {
+        other = std::async(std::launch::async, [&] {
+            Scripted::Records records;
+            validator.setMoRef(8, "Top=1,Foo=1", "peer", records.container(refs({})));
+        });
+        EXPECT_EQ(std::future_status::ready, asked.get_future().wait_for(std::chrono::seconds(20)));
+    });
+    EXPECT_FALSE(verdict());
+    other.get();
 }
 
 }

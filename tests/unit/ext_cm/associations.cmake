@@ -21,6 +21,7 @@ orv_add_test(unit_ext_cm_bidir
     BiDirValidatorTest.cpp
     ModelWalkTest.cpp
     PendingAdditionsTest.cpp
+    SlotOrderTest.cpp
   LIBRARIES bidir_test_support)
 
 orv_add_test(unit_ext_cm_bidir_threads
