@@ -5,7 +5,6 @@
 
 #include "Ledger.h"
 #include "Scene.h"
-#include "Tally.h"
 #include "store/HostReturn.h"
 
 #include <algorithm>
@@ -39,9 +38,8 @@ bool isExternal(const std::string& dn) {
 
 }
 
-Actor::Actor(Scene& scene, Tally& tally, unsigned long txHandle, Random& random, const Cast& cast,
-             Ledger* ledger)
-    : mScene(scene), mTally(tally), mTx(txHandle), mRandom(random), mCast(cast), mLedger(ledger) {}
+Actor::Actor(Scene& scene, unsigned long txHandle, Random& random, const Cast& cast, Ledger* ledger)
+    : mScene(scene), mTx(txHandle), mRandom(random), mCast(cast), mLedger(ledger) {}
 
 bool Actor::judge(const char* operation, const std::string& dn, OrvReturnT code,
                   std::initializer_list<OrvReturnT> alsoRight) {
@@ -56,7 +54,7 @@ bool Actor::judge(const char* operation, const std::string& dn, OrvReturnT code,
 
 void Actor::check(bool isRight, const std::string& what) {
     if (!isRight) {
-        mTally.fail("transaction " + std::to_string(mTx) + ": " + what);
+        mDoubts.push_back("transaction " + std::to_string(mTx) + ": " + what);
     }
 }
 

@@ -17,7 +17,6 @@ namespace Soak {
 
 class Ledger;
 class Scene;
-class Tally;
 
 /// A client in one transaction. Draws what to do next, does it through one of the three versions
 /// and judges each answer: a code that the state does not explain is told to the tally.
@@ -27,8 +26,7 @@ class Tally;
 class Actor {
 public:
     /// \p ledger is null for a cast that others write too. Everything must outlive this object.
-    Actor(Scene& scene, Tally& tally, unsigned long txHandle, Random& random, const Cast& cast,
-          Ledger* ledger);
+    Actor(Scene& scene, unsigned long txHandle, Random& random, const Cast& cast, Ledger* ledger);
 
     /// One or several operations on one subject.
     void step();
@@ -38,6 +36,7 @@ public:
     void violate();
 
     bool isDoomed() const { return mIsDoomed; }
+    const std::vector<std::string>& doubts() const { return mDoubts; }
     std::uint64_t operations() const { return mOperations; }
     /// Iterators that were not finalized.
     const std::vector<unsigned long long>& leftOpen() const { return mLeftOpen; }
@@ -86,13 +85,13 @@ private:
     void check(bool isRight, const std::string& what);
 
     Scene& mScene;
-    Tally& mTally;
     unsigned long mTx;
     Random& mRandom;
     const Cast& mCast;
     Ledger* mLedger;
     std::uint64_t mOperations = 0;
     bool mIsDoomed = false;
+    std::vector<std::string> mDoubts;
     std::vector<unsigned long long> mLeftOpen;
 };
 

@@ -71,8 +71,7 @@ Writer::End Writer::attempt(std::uint64_t number) {
     const bool isShared = random.oneIn(6);
     const unsigned long tx = mScene.host().transactions().begin();
     ++mTally.transactions;
-    Actor actor(mScene, mTally, tx, random,
-                isShared ? mScene.sharedCast() : mScene.ownCast(mNumber),
+    Actor actor(mScene, tx, random, isShared ? mScene.sharedCast() : mScene.ownCast(mNumber),
                 isShared ? nullptr : &mLedger);
     const End end = play(actor, tx, random, isShared);
     if (end == End::Committed) {
@@ -108,7 +107,7 @@ Writer::End Writer::play(Actor& actor, unsigned long txHandle, Random& random, b
     if (violates && !actor.isDoomed()) {
         actor.violate();
     }
-    if (actor.isDoomed()) {
+    if (isInConflict(actor, txHandle)) {
         return abort(txHandle, End::Conflict);
     }
     if (violates) {
@@ -130,6 +129,19 @@ Writer::End Writer::play(Actor& actor, unsigned long txHandle, Random& random, b
         }
     }
     return commit(txHandle);
+}
+
+bool Writer::isInConflict(const Actor& actor, unsigned long txHandle) {
+    if (actor.isDoomed() || actor.doubts().empty()) {
+        return actor.isDoomed();
+    }
+    if (tellsOfConflict(mScene.host().transactions().validate(txHandle))) {
+        return true;
+    }
+    for (const std::string& doubt : actor.doubts()) {
+        mTally.fail(doubt);
+    }
+    return false;
 }
 
 Writer::End Writer::abort(unsigned long txHandle, End end) {

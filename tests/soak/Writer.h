@@ -17,6 +17,7 @@ struct TransactionOutcome;
 namespace Soak {
 
 class Actor;
+class Random;
 class Scene;
 class Tally;
 
@@ -40,7 +41,8 @@ private:
 
     void work(std::uint64_t number);
     End attempt(std::uint64_t number);
-    End play(Actor& actor, unsigned long txHandle, class Random& random, bool isShared);
+    End play(Actor& actor, unsigned long txHandle, Random& random, bool isShared);
+    bool isInConflict(const Actor& actor, unsigned long txHandle);
     End abort(unsigned long txHandle, End end);
     End commit(unsigned long txHandle);
     End endOf(const OrvHost::TransactionOutcome& outcome, const char* phase);

@@ -139,8 +139,6 @@ void run(const SoakOptions& options, Tally& tally) {
     const Level warm;
     runAll(writers, options.operations, options.transactions);
     const Level end;
-    tally.print(std::cout);
-    std::cout.flush();
     checkReleased(scene, writers, tally);
     checkLevel(warm, end, tally);
     checkUpdates(scene, writers, tally);
@@ -161,13 +159,12 @@ int main(int count, char** arguments) {
                     options.threads);
         std::fflush(stdout);
         run(options, tally);
+        std::fflush(stdout);
+        tally.print(std::cout);
+        std::cout.flush();
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
         std::printf("%s after %.1f s\n", tally.hasFailures() ? "FAILED" : "passed",
                     seconds.count());
-        if (tally.hasFailures()) {
-            std::fflush(stdout);
-            tally.print(std::cout);
-        }
         return tally.hasFailures() ? 1 : 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "orv_soak: %s\n", failure.what());
