@@ -8,9 +8,15 @@ target_compile_options(orv_compile_options INTERFACE
 
 if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
-    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    -Wno-maybe-uninitialized) # warns of the standard library's own code in instrumented builds
+    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(orv_compile_options INTERFACE -fsanitize=${ORV_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Its sanitizers stand in the program: a shared object cannot have all symbols on its own.
+    target_link_options(orv_compile_options INTERFACE -Wl,-z,undefs)
+  else()
+    # Warns of the standard library's own code in instrumented builds.
+    target_compile_options(orv_compile_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
 
 if(ORV_COVERAGE)
