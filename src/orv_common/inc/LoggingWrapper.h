@@ -43,6 +43,9 @@ struct LogRecord {
 /// on every record that it is given. Each message of a component comes twice, in an old and a new
 /// form, so a sink that wants each once keeps one of the forms.
 ///
+/// A record for which memory does not suffice is dropped: no operation fails because of what it has
+/// to say.
+///
 /// Threads: every operation, any thread.
 class LoggingWrapper {
 public:
@@ -78,7 +81,9 @@ private:
     LoggingWrapper() = default;
     ~LoggingWrapper() = default;
 
-    void write(const LogRecord& record);
+    /// \p fill makes the record.
+    template <class Fill>
+    void write(const Fill& fill);
 
     std::atomic<unsigned int> mLevel{4};
     std::mutex mMutex; ///< guards mSink

@@ -46,68 +46,71 @@ void LoggingWrapper::setLevel(unsigned int level) {
     mLevel.store(level, std::memory_order_relaxed);
 }
 
+template <class Fill>
+void LoggingWrapper::write(const Fill& fill) {
+    try {
+        LogRecord record;
+        fill(record);
+        const std::lock_guard<std::mutex> guard(mMutex);
+        if (mSink) {
+            mSink(record);
+        }
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // A record that cannot be made or written must not fail the operation that it tells about,
+        // which may have done its work already.
+    }
+}
+
 void LoggingWrapper::trace_printf(const char* file, const char* function, int line, int kind,
                                   const char* format, ...) {
-    LogRecord record;
-    record.form = LogRecord::Form::Trace;
-    record.file = file;
-    record.function = function;
-    record.line = line;
-    record.kind = kind;
     std::va_list arguments;
     va_start(arguments, format);
-    record.text = formatText(format, arguments);
+    write([&](LogRecord& record) {
+        record.form = LogRecord::Form::Trace;
+        record.file = file;
+        record.function = function;
+        record.line = line;
+        record.kind = kind;
+        record.text = formatText(format, arguments);
+    });
     va_end(arguments);
-    write(record);
 }
 
 void LoggingWrapper::trace_v2_printf(VekMwSpiTraceSubsystemHandle_2T subsystem,
                                      VekMwSpiTraceLevelT level, const char* file,
                                      const char* function, int line, const char* format, ...) {
-    LogRecord record;
-    record.form = LogRecord::Form::TraceV2;
-    record.subsystem = subsystem;
-    record.level = level;
-    record.file = file;
-    record.function = function;
-    record.line = line;
     std::va_list arguments;
     va_start(arguments, format);
-    record.text = formatText(format, arguments);
+    write([&](LogRecord& record) {
+        record.form = LogRecord::Form::TraceV2;
+        record.subsystem = subsystem;
+        record.level = level;
+        record.file = file;
+        record.function = function;
+        record.line = line;
+        record.text = formatText(format, arguments);
+    });
     va_end(arguments);
-    write(record);
 }
 
 void LoggingWrapper::log_printf(const char* function, int level, int flag, const char* format,
                                 ...) {
-    LogRecord record;
-    record.form = LogRecord::Form::Log;
-    record.function = function;
-    record.level = level;
-    record.flag = flag;
     std::va_list arguments;
     va_start(arguments, format);
-    record.text = formatText(format, arguments);
+    write([&](LogRecord& record) {
+        record.form = LogRecord::Form::Log;
+        record.function = function;
+        record.level = level;
+        record.flag = flag;
+        record.text = formatText(format, arguments);
+    });
     va_end(arguments);
-    write(record);
 }
 
 void LoggingWrapper::setSink(Sink sink) {
     // The previous sink goes when `sink` goes, after the lock is free: its destructor may log.
     const std::lock_guard<std::mutex> guard(mMutex);
     mSink.swap(sink);
-}
-
-void LoggingWrapper::write(const LogRecord& record) {
-    const std::lock_guard<std::mutex> guard(mMutex);
-    if (!mSink) {
-        return;
-    }
-    try {
-        mSink(record);
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
-        // A record that cannot be written must not fail the operation that it tells about.
-    }
 }
 
 }
