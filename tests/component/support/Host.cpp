@@ -3,6 +3,7 @@
 
 #include "Host.h"
 
+#include "HostCode.h"
 #include "MeIdTranslator.h"
 #include "Portal.h"
 
@@ -31,21 +32,25 @@ public:
 
     OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                               OrvMoAttributeValueResult_3* result, const Base& base) override {
+        const HostCode here;
         return play("getMoAttribute", {arg(txHandle), arg(dn), arg(attrName)}, result, base);
     }
     OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
                                OrvMoAttributeValuesResult_3* result, const Base& base) override {
+        const HostCode here;
         return play("getMoAttributes", {arg(txHandle), arg(dn), arg(attrNames)}, result, base);
     }
     OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                               const OrvMoAttributeValueContainer_3* value,
                               const Base& base) override {
+        const HostCode here;
         return play("setMoAttribute", {arg(txHandle), arg(dn), arg(attrName), arg(value)}, nullptr,
                     base);
     }
     OrvReturnT setMoAttributes(unsigned long txHandle, const char* dn,
                                OrvMoNamedAttributeValueContainer_3** attributes,
                                const Base& base) override {
+        const HostCode here;
         return play("setMoAttributes", {arg(txHandle), arg(dn), arg(attributes)}, nullptr, base);
     }
 

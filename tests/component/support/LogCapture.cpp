@@ -3,6 +3,8 @@
 
 #include "LogCapture.h"
 
+#include "HostCode.h"
+
 namespace Scripted {
 
 namespace {
@@ -34,6 +36,7 @@ std::string lineOf(const Orv::LogRecord& record) {
 
 LogCapture::LogCapture() {
     Orv::LoggingWrapper::instance()->setSink([this](const Orv::LogRecord& record) {
+        const HostCode here;
         const std::lock_guard<std::mutex> guard(mMutex);
         mRecords.push_back(record);
     });

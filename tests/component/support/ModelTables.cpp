@@ -3,6 +3,8 @@
 
 #include "Stage.h"
 
+#include "HostCode.h"
+
 namespace Scripted {
 
 namespace {
@@ -145,33 +147,38 @@ OrvReturnT getReferencedMoc(Handle type, Handle* moc) {
     return ask("getReferencedMoc", type, moc, &Model::referencedMoc);
 }
 
-const VekOamSpiMrDnLookup_4 dnLookup = {nullptr, nullptr, &getMocFromDn};
-const VekOamSpiMrGeneralProperties_4 generalProperties = {&getGeneralStringProperty};
-const VekOamSpiMrMocQueries_4 mocQueries = {&getMocGeneralProperties,
+const VekOamSpiMrDnLookup_4 dnLookup = {nullptr, nullptr, asHostCode<&getMocFromDn>};
+const VekOamSpiMrGeneralProperties_4 generalProperties = {asHostCode<&getGeneralStringProperty>};
+const VekOamSpiMrMocQueries_4 mocQueries = {asHostCode<&getMocGeneralProperties>,
                                             nullptr,
                                             nullptr,
                                             nullptr,
                                             nullptr,
-                                            &getFirstAttribute,
+                                            asHostCode<&getFirstAttribute>,
                                             nullptr,
-                                            &getFirstContainment,
+                                            asHostCode<&getFirstContainment>,
                                             nullptr,
-                                            &getFirstBiDirAssociation,
-                                            &getFirstUniDirAssociation};
-const VekOamSpiMrContainment_4 containment = {nullptr, nullptr, &getContainedMoc,
-                                              nullptr, nullptr, &getNextContainment};
-const VekOamSpiMrAssociationEnd_4 associationEnd = {
-    &getEndMoc,          &getEndAttribute,  &getEndGeneralProperties, &getEndStringProperty,
-    &getEndBoolProperty, &getEndIntProperty};
-const VekOamSpiMrBiDirAssociation_4 biDirAssociation = {nullptr, nullptr, &getFirstEnd,
-                                                        &getSecondEnd, &getNextBiDirAssociation};
-const VekOamSpiMrUniDirAssociation_4 uniDirAssociation = {nullptr, nullptr, &getUniDirEnd,
-                                                          &getNextUniDirAssociation};
-const VekOamSpiMrAttributeType_4 attributeType = {nullptr, &getTypeCode, nullptr,
-                                                  nullptr, nullptr,      &getTypeIntProperty};
-const VekOamSpiMrAttribute_4 attribute = {&getAttributeGeneralProperties, &getAttributeMoc,
-                                          &getAttributeType, &getNextAttribute};
-const VekOamSpiMrReferenceType_4 referenceType = {&getReferencedMoc};
+                                            asHostCode<&getFirstBiDirAssociation>,
+                                            asHostCode<&getFirstUniDirAssociation>};
+const VekOamSpiMrContainment_4 containment = {nullptr, nullptr, asHostCode<&getContainedMoc>,
+                                              nullptr, nullptr, asHostCode<&getNextContainment>};
+const VekOamSpiMrAssociationEnd_4 associationEnd = {asHostCode<&getEndMoc>,
+                                                    asHostCode<&getEndAttribute>,
+                                                    asHostCode<&getEndGeneralProperties>,
+                                                    asHostCode<&getEndStringProperty>,
+                                                    asHostCode<&getEndBoolProperty>,
+                                                    asHostCode<&getEndIntProperty>};
+const VekOamSpiMrBiDirAssociation_4 biDirAssociation = {nullptr, nullptr, asHostCode<&getFirstEnd>,
+                                                        asHostCode<&getSecondEnd>,
+                                                        asHostCode<&getNextBiDirAssociation>};
+const VekOamSpiMrUniDirAssociation_4 uniDirAssociation = {
+    nullptr, nullptr, asHostCode<&getUniDirEnd>, asHostCode<&getNextUniDirAssociation>};
+const VekOamSpiMrAttributeType_4 attributeType = {
+    nullptr, asHostCode<&getTypeCode>, nullptr, nullptr, nullptr, asHostCode<&getTypeIntProperty>};
+const VekOamSpiMrAttribute_4 attribute = {
+    asHostCode<&getAttributeGeneralProperties>, asHostCode<&getAttributeMoc>,
+    asHostCode<&getAttributeType>, asHostCode<&getNextAttribute>};
+const VekOamSpiMrReferenceType_4 referenceType = {asHostCode<&getReferencedMoc>};
 
 }
 

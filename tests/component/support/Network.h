@@ -37,30 +37,35 @@ inline std::string siteInside(const std::string& name) {
     return kRootInside + ",Site=" + name;
 }
 
-/// A small network with the component started on it: a root with units, cells and sites. A unit
-/// serves up to two cells (`cells`), a cell is served by at most one unit (`unit`), and the two
-/// follow each other. A unit stands at one site at most (`site`), which does not know it.
-/// There are the units 7 and 8, the cells 1, 2 and 3, and the site 1; nobody refers to anybody.
+/// Describes a small network: a root with units, cells and sites. A unit serves up to two cells
+/// (`cells`), a cell is served by at most one unit (`unit`), and the two follow each other. A unit
+/// stands at one site at most (`site`), which does not know it. There are the units 7 and 8, the
+/// cells 1, 2 and 3, and the site 1; nobody refers to anybody.
+inline void describeNetwork(Host& host) {
+    host.model()
+        .moc("ManagedElement")
+        .attribute("managedElementId")
+        .contains("Unit")
+        .contains("Cell")
+        .contains("Site");
+    host.model().moc("Unit").attribute("label");
+    host.model().biDir({"Unit", "cells", 0, 2, "cells"}, {"Cell", "unit", 0, 1, "units"});
+    host.model().uniDir("Unit", "site", "Site", 0, 1);
+    host.mo(kRootInside).with("managedElementId", strings({"1"}));
+    for (const std::string name : {"7", "8"}) {
+        host.mo(unitInside(name)).with("label", strings({"x"}));
+    }
+    for (const std::string name : {"1", "2", "3"}) {
+        host.mo(cellInside(name));
+    }
+    host.mo(siteInside("1"));
+}
+
+/// The network with the component started on it.
 class Network : public testing::Test {
 protected:
     Network() {
-        host.model()
-            .moc("ManagedElement")
-            .attribute("managedElementId")
-            .contains("Unit")
-            .contains("Cell")
-            .contains("Site");
-        host.model().moc("Unit").attribute("label");
-        host.model().biDir({"Unit", "cells", 0, 2, "cells"}, {"Cell", "unit", 0, 1, "units"});
-        host.model().uniDir("Unit", "site", "Site", 0, 1);
-        host.mo(kRootInside).with("managedElementId", strings({"1"}));
-        for (const std::string name : {"7", "8"}) {
-            host.mo(unitInside(name)).with("label", strings({"x"}));
-        }
-        for (const std::string name : {"1", "2", "3"}) {
-            host.mo(cellInside(name));
-        }
-        host.mo(siteInside("1"));
+        describeNetwork(host);
         host.start();
     }
 

@@ -3,6 +3,8 @@
 
 #include "Stage.h"
 
+#include "HostCode.h"
+
 #include <cstring>
 
 namespace Scripted {
@@ -128,16 +130,16 @@ OrvReturnT portal3Unregister(OrvMgmtSpiComponent_1* component) {
 void* portalOfVersion(const Stage& stage, const char* version) {
     static OrvMgmtSpiInterfacePortal_1 portal1 = {
         {"ScriptedHost", "OrvMgmtSpiInterfacePortal", "1"},
-        &portal1GetInterface,
+        asHostCode<&portal1GetInterface>,
         nullptr,
-        &portal1Register,
-        &portal1Unregister};
+        asHostCode<&portal1Register>,
+        asHostCode<&portal1Unregister>};
     static OrvMgmtSpiInterfacePortal_3 portal3 = {
         {"ScriptedHost", "OrvMgmtSpiInterfacePortal", "3"},
-        &portal3GetInterface,
+        asHostCode<&portal3GetInterface>,
         nullptr,
-        &portal3Register,
-        &portal3Unregister};
+        asHostCode<&portal3Register>,
+        asHostCode<&portal3Unregister>};
     if (std::strcmp(version, "1") == 0 && stage.has(Part::Portal1)) {
         return &portal1;
     }
@@ -173,23 +175,25 @@ OrvReturnT addMessage(int kind, const char* text) {
 }
 
 OrvMgmtSpiInterfacePortalAccessor* portalAccessor() {
-    static OrvMgmtSpiInterfacePortalAccessor accessor = {&getPortal};
+    static OrvMgmtSpiInterfacePortalAccessor accessor = {asHostCode<&getPortal>};
     return &accessor;
 }
 
 OrvReturnT orvPortalLookup(VekMgmtSpiInterface_1 id, void** result) {
+    const HostCode here;
     return lookUp("OrvPortal.lookup", id, result);
 }
 
 OrvOamSpiTransaction_1* transactionTable() {
     static OrvOamSpiTransaction_1 table = {
-        {"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"}, &join};
+        {"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"}, asHostCode<&join>};
     return &table;
 }
 
 VekMgmtSpiThreadContext_2* threadContextTable() {
     static VekMgmtSpiThreadContext_2 table = {
-        {"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"}, &addMessage};
+        {"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"},
+        asHostCode<&addMessage>};
     return &table;
 }
 

@@ -3,6 +3,7 @@
 
 #include "Results.h"
 
+#include "HostCode.h"
 #include "Script.h"
 
 #include <cstdlib>
@@ -23,7 +24,7 @@ Results::~Results() {
 void Results::give(const std::string& label, const Value& value, OrvMoAttributeValueResult_3& out) {
     auto records = std::make_unique<Records>();
     out.container = records->container(value);
-    out.release = &Results::release;
+    out.release = asHostCode<&Results::release>;
     lend(out.container, label, std::move(records));
 }
 
@@ -31,7 +32,7 @@ void Results::giveAll(const std::string& label, const std::vector<Value>& values
                       OrvMoAttributeValuesResult_3& out) {
     auto records = std::make_unique<Records>();
     out.containers = records->array(values);
-    out.release = &Results::releaseAll;
+    out.release = asHostCode<&Results::releaseAll>;
     lend(out.containers, label, std::move(records));
 }
 
@@ -41,6 +42,11 @@ void Results::forgive(const void* given) {
     if (found != mLoans.end()) {
         found->second.forgiven = true;
     }
+}
+
+bool Results::isOut(const void* given) const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    return mLoans.count(given) > 0;
 }
 
 std::size_t Results::outstanding() const {

@@ -39,6 +39,9 @@ public:
     /// The call that handed \p out out failed after all: the receiver may leave it.
     void forgive(const void* given);
 
+    /// True if \p given has been handed out and has not come back.
+    bool isOut(const void* given) const;
+
     /// How many results have been handed out and neither come back nor been forgiven.
     std::size_t outstanding() const;
     /// What has gone wrong so far, for people; the outstanding ones included.

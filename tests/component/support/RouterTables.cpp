@@ -3,6 +3,8 @@
 
 #include "Stage.h"
 
+#include "HostCode.h"
+
 #include <cstdint>
 #include <deque>
 
@@ -150,18 +152,12 @@ struct Router3Functions {
     }
 
     static OrvOamSpiManagedObject_3 table(const char* service, const char* interface) {
-        return {{service, interface, "3"},
-                &setMoAttribute,
-                &getMoAttribute,
-                &getMoAttributes,
-                &newMoIterator,
-                &nextMo,
-                &createMo,
-                &deleteMo,
-                &action,
-                &finalizeMoIterator,
-                &existsMo,
-                &countMoChildren};
+        return {{service, interface, "3"},   asHostCode<&setMoAttribute>,
+                asHostCode<&getMoAttribute>, asHostCode<&getMoAttributes>,
+                asHostCode<&newMoIterator>,  asHostCode<&nextMo>,
+                asHostCode<&createMo>,       asHostCode<&deleteMo>,
+                asHostCode<&action>,         asHostCode<&finalizeMoIterator>,
+                asHostCode<&existsMo>,       asHostCode<&countMoChildren>};
     }
 };
 
@@ -255,13 +251,13 @@ OrvReturnT action1(unsigned long txHandle, const char* dn, const char* name,
 OrvOamSpiManagedObject_1* router1Table() {
     static OrvOamSpiManagedObject_1 table = {
         {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"},
-        &setMoAttribute1,
-        &getMoAttribute1,
-        &newMoIterator1,
-        &nextMo1,
-        &createMo1,
-        &deleteMo1,
-        &action1};
+        asHostCode<&setMoAttribute1>,
+        asHostCode<&getMoAttribute1>,
+        asHostCode<&newMoIterator1>,
+        asHostCode<&nextMo1>,
+        asHostCode<&createMo1>,
+        asHostCode<&deleteMo1>,
+        asHostCode<&action1>};
     return &table;
 }
 
@@ -279,7 +275,8 @@ OrvOamSpiManagedObject_3* vekRouter3Table() {
 
 VekOamSpiManagedObject_3_1* router3_1Table() {
     static VekOamSpiManagedObject_3_1 table = {
-        {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"}, &setMoAttributes3_1};
+        {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"},
+        asHostCode<&setMoAttributes3_1>};
     return &table;
 }
 
