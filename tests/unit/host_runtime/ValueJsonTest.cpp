@@ -44,9 +44,21 @@ TEST(ValueJsonTest, Scalars_OfEachType_KeepTheirKind) {
 }
 
 TEST(ValueJsonTest, Nothing_NullContainerOrNoValues_IsNull) {
-    EXPECT_TRUE(toJson(nullptr, nullptr).is_null());
+    const OrvMoAttributeValueContainer_3* none = nullptr;
+    EXPECT_TRUE(toJson(none, nullptr).is_null());
     EXPECT_TRUE(convert(OrvMoAttributeTypeString_3, {}).is_null());
     EXPECT_TRUE(convert(OrvMoAttributeTypeString_3, {text(nullptr)}).is_null());
+}
+
+TEST(ValueJsonTest, Version1_StructWithAReference_IsAnObject) {
+    OrvMoAttributeValue slot{};
+    slot.moRef = "A=1";
+    OrvMoAttributeValueContainer inner{OrvMoAttributeTypeMoRef_3, 1, &slot};
+    OrvMoStructMember member{"ref", &inner, nullptr};
+    OrvMoAttributeValue head{};
+    head.structValue = &member;
+    const OrvMoAttributeValueContainer value{OrvMoAttributeTypeStruct_3, 1, &head};
+    EXPECT_EQ(toJson(&value, nullptr), JsonValue({{"ref", "A=1"}}));
 }
 
 TEST(ValueJsonTest, Multiplicity_ToldByTheModelOrElseByTheCount_DecidesForAnArray) {

@@ -183,6 +183,25 @@ TEST_F(TransactionServiceTest, Commit_FalseVerdict_AsksAllAndAborts) {
                                           "one.finish", "two.finish"));
 }
 
+TEST_F(TransactionServiceTest, Commit_Refused_IsShownBeforeTheAbortWithItsMessages) {
+    joinBoth();
+    script.oneIsContent = false;
+    script.onCall = [&](const std::string& call) { context.addMessage(1, call); };
+    std::vector<std::string> shown;
+    const TransactionOutcome outcome = service.commit(tx, [&](const TransactionOutcome& refused) {
+        EXPECT_FALSE(refused.accepted);
+        EXPECT_EQ(refused.messages.size(), 2U);
+        shown = script.calls;
+    });
+    EXPECT_THAT(shown, ElementsAre("one.validate", "two.validate"));
+    EXPECT_EQ(outcome.messages.size(), script.calls.size());
+}
+
+TEST_F(TransactionServiceTest, Commit_Accepted_IsNotShown) {
+    joinBoth();
+    EXPECT_TRUE(service.commit(tx, [](const TransactionOutcome&) { ADD_FAILURE(); }).accepted);
+}
+
 TEST_F(TransactionServiceTest, Commit_CodeAtValidate_Aborts) {
     joinBoth();
     script.answers["two.validate"] = -42;
