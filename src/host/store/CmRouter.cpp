@@ -3,16 +3,20 @@
 
 #include "CmRouter.h"
 
+#include <cassert>
 #include <utility>
 
 namespace OrvHost {
 
-CmRouter::CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext)
-    : mCore(model, store, threadContext),
+CmRouter::CmRouter([[maybe_unused]] const Model& model, MoStore& store,
+                   ThreadContext& threadContext)
+    : mCore(store, threadContext),
       mTable1(mCore),
       mTable3(mCore),
       mTable3_1(mCore),
-      mResource({"OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2"}, mCore) {}
+      mResource({"OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2"}, mCore) {
+    assert(&store.model() == &model);
+}
 
 void CmRouter::setActionHandler(ActionHandler handler) {
     mCore.setActionHandler(std::move(handler));

@@ -65,8 +65,8 @@ void completeParameters(const ActionDef& action, std::vector<NamedValue>& parame
 
 }
 
-RouterCore::RouterCore(const Model& model, MoStore& store, ThreadContext& threadContext)
-    : mModel(model), mStore(store), mThreadContext(threadContext) {}
+RouterCore::RouterCore(MoStore& store, ThreadContext& threadContext)
+    : mStore(store), mThreadContext(threadContext) {}
 
 std::shared_ptr<RouterTransaction> RouterCore::transaction(unsigned long txHandle) const {
     const std::shared_lock<std::shared_mutex> guard(mMutex);

@@ -35,7 +35,7 @@ struct RouterTransaction {
 class RouterCore {
 public:
     /// All arguments must outlive the object.
-    RouterCore(const Model& model, MoStore& store, ThreadContext& threadContext);
+    RouterCore(MoStore& store, ThreadContext& threadContext);
 
     /// Runs an operation of a table: gives its code, or for a HostError the error's code, with its
     /// text as a message in the thread context.
@@ -79,7 +79,6 @@ private:
     const ActionDef& requireAction(const ClassDef& moc, const std::string& dn,
                                    const std::string& name) const;
 
-    const Model& mModel;
     MoStore& mStore;
     ThreadContext& mThreadContext;
     ActionHandler mActionHandler;
