@@ -12,7 +12,9 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,6 +29,28 @@ bool isDefaultNamingAttribute(const char* className, const char* attrName) {
     defaultName[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(defaultName[0])));
     defaultName += "Id";
     return defaultName == attrName;
+}
+
+std::size_t lengthOf(OrvMoAttributeValueContainer_3* const* containers) {
+    std::size_t length = 0;
+    while (containers[length] != nullptr) {
+        ++length;
+    }
+    return length;
+}
+
+// In one piece of memory, whatever the number of pieces.
+std::string joined(std::initializer_list<std::string_view> pieces) {
+    std::size_t length = 0;
+    for (const std::string_view piece : pieces) {
+        length += piece.size();
+    }
+    std::string text;
+    text.reserve(length);
+    for (const std::string_view piece : pieces) {
+        text.append(piece);
+    }
+    return text;
 }
 
 // The last step of every wrapping, and one that cannot fail: after an exception a result is still
@@ -171,7 +195,7 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
-    const std::string plainDn = parentDn + "," + className + "=" + attrValue;
+    const std::string plainDn = joined({parentDn, ",", className, "=", attrValue});
     Orv::AutoMemory memory;
     OrvMoNamedAttributeValueContainer_3* const none = nullptr;
     OrvMoNamedAttributeValueContainer_3** const converted =
@@ -181,11 +205,11 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
     const OrvReturnT code =
         router->createMo(txHandle, parentDn.c_str(), className, attrName, attrValue, converted);
     if (code == OrvOk) {
-        const std::string createdDn =
-            isDefaultNamingAttribute(className, attrName)
-                ? plainDn
-                : parentDn + "," + className + "." + attrName + "=" + attrValue;
-        recordCreation({txHandle, createdDn, plainDn, true}, attrName, converted);
+        const bool isPlain = isDefaultNamingAttribute(className, attrName);
+        const std::string namedDn =
+            isPlain ? std::string()
+                    : joined({parentDn, ",", className, ".", attrName, "=", attrValue});
+        recordCreation({txHandle, isPlain ? plainDn : namedDn, plainDn, true}, attrName, converted);
     }
     return ORV_TRACE_RESULT(code);
 }
@@ -284,6 +308,7 @@ ConvertedResultData* MoImpl3::createConvertedData(const char* dn, const char* at
 void MoImpl3::wrapMany(const char* dn, const char** attrNames,
                        OrvMoAttributeValuesResult_3& result) {
     std::vector<std::unique_ptr<ConvertedResultData>> views;
+    views.reserve(lengthOf(result.containers));
     for (std::size_t index = 0; result.containers[index] != nullptr; ++index) {
         OrvMoAttributeValueResult_3 single = {nullptr, result.containers[index]};
         std::unique_ptr<ConvertedResultData> view(

@@ -34,7 +34,10 @@ std::string mocPathOf(std::string dn) {
     std::string path;
     std::string leaf;
     while (Orv::DnUtil::popLeafClass(dn, leaf)) {
-        path.insert(0, dn.empty() ? leaf : "," + leaf);
+        path.insert(0, leaf);
+        if (!dn.empty()) {
+            path.insert(0, 1, ',');
+        }
     }
     return path;
 }

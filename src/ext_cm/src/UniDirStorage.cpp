@@ -62,25 +62,25 @@ void appendValue(std::string& dn, std::string const& value) {
 }
 
 /// Takes the first step off \p rest.
-std::string takeFirstPart(std::string_view& rest) {
+std::string_view takeFirstPart(std::string_view& rest) {
     std::size_t const comma = rest.find(',');
-    std::string part(rest.substr(0, comma));
+    std::string_view const part = rest.substr(0, comma);
     rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
     return part;
 }
 
-std::pair<std::string, std::string> parsePart(std::string const& part, std::string const& dn) {
+std::pair<std::string, std::string> parsePart(std::string_view part, std::string const& dn) {
     std::size_t const equals = part.find('=');
-    if (equals == std::string::npos) {
-        throw Orv::OrvException("Dn::Dn: got malformed dnPart [%s] dn [%s]", part.c_str(),
-                                dn.c_str());
+    if (equals == std::string_view::npos) {
+        throw Orv::OrvException("Dn::Dn: got malformed dnPart [%s] dn [%s]",
+                                std::string(part).c_str(), dn.c_str());
     }
-    std::string const named = part.substr(0, equals);
+    std::string_view const named = part.substr(0, equals);
     std::pair<std::string, std::string> step(named.substr(0, named.find('.')),
                                              part.substr(equals + 1));
     if (step.first.empty() || step.second.empty()) {
         // The text says dn and shows the step: clients know it in this form.
-        throw Orv::OrvException("Dn::Dn: got empty type in dn [%s]", part.c_str());
+        throw Orv::OrvException("Dn::Dn: got empty type in dn [%s]", std::string(part).c_str());
     }
     return step;
 }
