@@ -20,7 +20,8 @@
 // to the router, round by round in turns, so that what slows the machine slows both. Counters:
 //
 //   ratio          time through the component by time straight to the router (medians of rounds)
-//   component_ns   time of one call or thing through the component; the column Time says the same
+//   component_ns   time of one call or thing through the component; the column Time is that of a
+//                  round of them
 //   router_ns      straight to the router
 //   allocations    by the component, and by its helpers for it, for one call or thing
 //   router_allocations   by the router, for the same straight to it
@@ -34,9 +35,13 @@
 #include <valgrind/callgrind.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -56,7 +61,7 @@ void measure(benchmark::State& state, BenchHost& bench, const Workload& workload
     for ([[maybe_unused]] auto round : state) {
         component.push_back(timeRound(bench, workload, bench.component()));
         router.push_back(timeRound(bench, workload, bench.router()));
-        state.SetIterationTime(component.back() / workload.items);
+        state.SetIterationTime(component.back());
     }
     state.counters["ratio"] = median(component) / median(router);
     state.counters["component_ns"] = median(component) * nano / workload.items;

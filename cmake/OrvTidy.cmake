@@ -1,8 +1,9 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Target `tidy`: clang-tidy over the sources below src/ and examples/. Each source has a stamp that
-# goes stale when the source, a header of the project or the configuration changes.
+# Target `tidy`: clang-tidy over the sources below src/, examples/ and, where they are built, bench/.
+# Each source has a stamp that goes stale when the source, a header of the project or the
+# configuration changes.
 find_program(ORV_CLANG_TIDY clang-tidy)
 
 function(orv_collect_sources directory result)
@@ -57,5 +58,9 @@ function(orv_add_tidy_target)
 endfunction()
 
 if(ORV_CLANG_TIDY AND ORV_BUILD_HOST)
-  orv_add_tidy_target(src/spi src/common src/orv_common src/ext_cm src/host examples)
+  set(directories src/spi src/common src/orv_common src/ext_cm src/host examples)
+  if(ORV_BUILD_BENCHMARKS)
+    list(APPEND directories bench)
+  endif()
+  orv_add_tidy_target(${directories})
 endif()
