@@ -41,17 +41,27 @@ void ProgressBar::update(const std::string& what, std::uint64_t done, std::uint6
     mAll = all;
 }
 
+void ProgressBar::print(const std::string& text) {
+    const std::lock_guard lock(mMutex);
+    erase();
+    mOut << text << std::endl;
+}
+
 void ProgressBar::run(std::chrono::milliseconds delay) {
     std::unique_lock lock(mMutex);
-    bool isDrawn = false;
     std::chrono::milliseconds pause = delay;
     while (!mEnding.wait_for(lock, pause, [this] { return mIsEnding; })) {
         mOut << kEraseLine << line() << std::flush;
-        isDrawn = true;
+        mIsDrawn = true;
         pause = kInterval;
     }
-    if (isDrawn) {
+    erase();
+}
+
+void ProgressBar::erase() {
+    if (mIsDrawn) {
         mOut << kEraseLine << std::flush;
+        mIsDrawn = false;
     }
 }
 

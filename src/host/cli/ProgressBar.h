@@ -18,7 +18,7 @@ namespace OrvHost {
 /// end. Nothing is drawn during the first moments, so that quick work leaves no flicker.
 ///
 /// A thread of its own draws, so that the line also moves while the work tells nothing. Threads:
-/// operations on one; \p out is not to be used by others while the bar lives.
+/// operations on one; \p out is not to be used by others while the bar lives: see print.
 class ProgressBar {
 public:
     /// With \p isShown false nothing is ever drawn. \p out is borrowed.
@@ -32,8 +32,12 @@ public:
     /// What is done now, and how much of it; \p all 0 means that nobody knows how much there is.
     void update(const std::string& what, std::uint64_t done, std::uint64_t all);
 
+    /// Puts a line of text in the bar's place; the bar goes on below.
+    void print(const std::string& text);
+
 private:
     void run(std::chrono::milliseconds delay);
+    void erase();
     std::string line();
 
     std::ostream& mOut;
@@ -41,6 +45,7 @@ private:
     std::mutex mMutex; ///< guards all below but the thread
     std::condition_variable mEnding;
     bool mIsEnding = false;
+    bool mIsDrawn = false;
     std::string mWhat;
     std::uint64_t mDone = 0;
     std::uint64_t mAll = 0;

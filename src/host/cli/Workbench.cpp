@@ -85,10 +85,10 @@ void Workbench::readModel(const Options& options) {
 
 void Workbench::loadData(const Options& options) {
     DataSet data(mModel.model);
-    ProgressBar bar(std::cerr, isatty(STDERR_FILENO) == 1);
+    ProgressBar bar(mErrors, isatty(STDERR_FILENO) == 1);
     gather(options, data, bar);
     bar.update("checking", data.size(), 0);
-    checkAndRepair(options, data);
+    checkAndRepair(options, data, bar);
     failIfAny(data.moveInto(mHost->store(), [&](std::size_t done, std::size_t all) {
         bar.update("storing", done, all);
     }));
@@ -109,10 +109,10 @@ void Workbench::gather(const Options& options, DataSet& data, ProgressBar& bar) 
     }
 }
 
-void Workbench::checkAndRepair(const Options& options, DataSet& data) {
+void Workbench::checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar) {
     if (options.repair) {
         for (const std::string& line : data.repair()) {
-            mErrors << "repaired: " << line << '\n';
+            bar.print("repaired: " + line);
         }
     }
     std::vector<std::string> problems = data.unreachable();
@@ -124,7 +124,7 @@ void Workbench::checkAndRepair(const Options& options, DataSet& data) {
     }
     failIfAny(problems);
     for (const std::string& note : data.misnamedInLists()) {
-        mErrors << "note: " << note << '\n';
+        bar.print("note: " + note);
     }
 }
 

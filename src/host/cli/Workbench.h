@@ -41,7 +41,7 @@ private:
     void readModel(const Options& options);
     void loadData(const Options& options);
     void gather(const Options& options, DataSet& data, ProgressBar& bar);
-    void checkAndRepair(const Options& options, DataSet& data);
+    void checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar);
     void loadComponents(const Options& options);
     void startComponents();
 

@@ -55,5 +55,26 @@ TEST(ProgressBarTest, Draw_AmountUnknown_ShowsTheWorkAndTheTime) {
     EXPECT_THAT(out.str(), HasSubstr("checking 0 s"));
 }
 
+TEST(ProgressBarTest, Print_WhileTheBarIsDrawn_TakesItsLineAndTheBarGoesOnBelow) {
+    std::ostringstream out;
+    {
+        ProgressBar bar(out, true, 1ms);
+        bar.update("checking", 0, 0);
+        std::this_thread::sleep_for(300ms);
+        bar.print("a note");
+        std::this_thread::sleep_for(300ms);
+    }
+    EXPECT_THAT(out.str(), HasSubstr("checking 0 s\r\x1b[Ka note\n\r\x1b[Kchecking 0 s"));
+}
+
+TEST(ProgressBarTest, Print_WithoutABar_IsTheTextOnly) {
+    std::ostringstream out;
+    {
+        ProgressBar bar(out, true, 10s);
+        bar.print("a note");
+    }
+    EXPECT_EQ(out.str(), "a note\n");
+}
+
 }
 }
