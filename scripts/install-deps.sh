@@ -16,6 +16,7 @@ build_packages=(
   libcli11-dev        # orvhost: options
   nlohmann-json3-dev  # orvhost: JSON output
   libedit-dev         # orvhost: line editing, history, completion
+  graphviz            # orvhost: pictures
 )
 test_packages=(
   libgtest-dev libgmock-dev

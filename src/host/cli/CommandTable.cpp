@@ -16,6 +16,7 @@
 #include "commands/ExistsCommand.h"
 #include "commands/ExpectCommand.h"
 #include "commands/GetCommand.h"
+#include "commands/GraphCommand.h"
 #include "commands/HelpCommand.h"
 #include "commands/InterfaceCommand.h"
 #include "commands/ListCommand.h"
@@ -48,6 +49,7 @@ CommandTable::CommandTable() {
     mCommands.push_back(std::make_unique<CommitCommand>());
     mCommands.push_back(std::make_unique<AbortCommand>());
     mCommands.push_back(std::make_unique<ExpectCommand>(*this));
+    mCommands.push_back(std::make_unique<GraphCommand>());
     mCommands.push_back(std::make_unique<ModelCommand>());
     mCommands.push_back(std::make_unique<ComponentsCommand>());
     mCommands.push_back(std::make_unique<LogCommand>());

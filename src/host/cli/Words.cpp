@@ -20,16 +20,25 @@ bool Words::takeFlag(const std::string& name) {
 }
 
 std::optional<std::uint64_t> Words::takeNumber(const std::string& name) {
+    const std::optional<std::string> text = takeBehind(name, "a number");
+    return text ? std::optional(parseNumber(*text, name)) : std::nullopt;
+}
+
+std::optional<std::string> Words::takeText(const std::string& name) {
+    return takeBehind(name, "a text");
+}
+
+std::optional<std::string> Words::takeBehind(const std::string& name, const std::string& what) {
     const auto found = std::find(mWords.begin(), mWords.end(), name);
     if (found == mWords.end()) {
         return std::nullopt;
     }
     if (found + 1 == mWords.end()) {
-        throw UsageError(name + " needs a number");
+        throw UsageError(name + " needs " + what);
     }
-    const std::uint64_t number = parseNumber(*(found + 1), name);
+    std::string text = *(found + 1);
     mWords.erase(found, found + 2);
-    return number;
+    return text;
 }
 
 std::string Words::take(const std::string& what) {

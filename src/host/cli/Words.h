@@ -24,6 +24,9 @@ public:
     /// 0 follows.
     std::optional<std::uint64_t> takeNumber(const std::string& name);
 
+    /// The text behind the option \p name, if that is there. Throws UsageError if none follows.
+    std::optional<std::string> takeText(const std::string& name);
+
     /// The next word; throws UsageError naming \p what if there is none.
     std::string take(const std::string& what);
     /// The next word, if there is one.
@@ -36,6 +39,8 @@ public:
     void end() const;
 
 private:
+    std::optional<std::string> takeBehind(const std::string& name, const std::string& what);
+
     std::vector<std::string> mWords;
 };
 

@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "GraphCommand.h"
+
+#include "cli/CliError.h"
+#include "cli/OfferedModel.h"
+#include "cli/Session.h"
+#include "cli/Suggestion.h"
+#include "cli/graph/ClassGraph.h"
+#include "cli/graph/Graphviz.h"
+#include "cli/graph/ObjectGraph.h"
+#include "cli/graph/PictureReader.h"
+
+#include <cstdint>
+#include <fstream>
+#include <limits>
+#include <optional>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kObjects = 300;
+
+struct GraphOptions {
+    bool wantsClasses = false;
+    bool wantsDot = false;
+    std::optional<std::string> file;
+    std::uint64_t depth = kNoLimit;
+    std::uint64_t limit = kObjects;
+    std::string from; ///< DN or class; empty: the top level
+};
+
+GraphOptions parse(Words& words) {
+    GraphOptions options;
+    options.wantsClasses = words.takeFlag("--classes");
+    options.wantsDot = words.takeFlag("--dot");
+    options.file = words.takeText("-o");
+    options.depth = words.takeNumber("--depth").value_or(kNoLimit);
+    options.limit = words.takeNumber("--limit").value_or(kObjects);
+    options.from = words.takeDnOrTop();
+    words.end();
+    return options;
+}
+
+/// What was drawn, and what is told of it.
+struct Drawing {
+    std::string dot;
+    std::string summary;
+    std::vector<InstanceProblem> violations;
+    JsonValue json;
+};
+
+Drawing drawObjects(Session& session, const GraphOptions& options) {
+    const TreePicture picture = session.read([&](unsigned long txHandle) {
+        return PictureReader(session, txHandle).read({options.from, options.depth, options.limit});
+    });
+    const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
+    Drawing drawing;
+    drawing.violations = violationsIn(session.model(), picture);
+    const ReferenceLines lines(classes, picture, drawing.violations);
+    drawing.dot = ObjectGraph(picture, lines, drawing.violations).dot();
+    drawing.summary = std::to_string(picture.objects.size()) + " objects, " +
+                      std::to_string(lines.all().size()) + " lines of references, " +
+                      std::to_string(drawing.violations.size()) + " violations";
+    drawing.json = {{"objects", picture.objects.size()}, {"references", lines.all().size()}};
+    drawing.json["violations"] = JsonValue::array();
+    for (const InstanceProblem& problem : drawing.violations) {
+        drawing.json["violations"].push_back({{"dn", problem.dn},
+                                              {"attribute", problem.attribute},
+                                              {"other", problem.otherDn},
+                                              {"text", problem.text}});
+    }
+    return drawing;
+}
+
+void requireClass(const std::vector<ClassDescription>& classes, const std::string& name) {
+    if (name.empty() || findDescription(classes, name) != nullptr) {
+        return;
+    }
+    std::vector<std::string> names;
+    for (const ClassDescription& moc : classes) {
+        names.push_back(moc.name);
+    }
+    throw AnswerError("there is no class " + name + "." + didYouMean(name, names) +
+                      " Classes: " + enumerate(names));
+}
+
+Drawing drawClasses(Session& session, const GraphOptions& options) {
+    const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
+    requireClass(classes, options.from);
+    const ClassGraph graph(session.model(), classes, options.from, options.depth);
+    if (graph.classes() > options.limit) {
+        throw AnswerError("there are " + std::to_string(graph.classes()) + " classes, more than " +
+                          std::to_string(options.limit) +
+                          ". Draw less with --depth or from a class, or raise --limit");
+    }
+    return {graph.dot(),
+            std::to_string(graph.classes()) + " classes, " + std::to_string(graph.associations()) +
+                " associations",
+            {},
+            {{"classes", graph.classes()}, {"associations", graph.associations()}}};
+}
+
+void write(const std::string& file, const std::string& text) {
+    std::ofstream out(file, std::ios::binary);
+    out << text;
+    out.close();
+    if (!out) {
+        throw AnswerError(file + ": cannot be written");
+    }
+}
+
+void print(Session& session, const GraphOptions& options, const Drawing& drawing,
+           const std::string& text) {
+    if (options.file) {
+        write(*options.file, text);
+    }
+    if (session.wantsJson()) {
+        JsonValue document{{"command", "graph"}};
+        document.update(drawing.json);
+        document[options.file ? "file" : (options.wantsDot ? "dot" : "svg")] =
+            options.file.value_or(text);
+        session.print(document);
+    } else if (!options.file) {
+        session.out() << text;
+    } else {
+        session.out() << *options.file << ": " << drawing.summary << '\n';
+        for (const InstanceProblem& problem : drawing.violations) {
+            session.out() << "  " << problem.text << '\n';
+        }
+    }
+}
+
+}
+
+const CommandInfo& GraphCommand::info() const {
+    static const CommandInfo theInfo{
+        "graph",
+        "[DN] [--depth N] [--limit N] [--dot] [-o FILE] | --classes [CLASS] [...]",
+        "draw objects with their references, or the classes",
+        "Draws, as SVG, an object with all that is below it (without a DN, or with /, the whole\n"
+        "tree) and the references between objects. What violates an association, as the current\n"
+        "transaction sees it, is red. --classes draws the classes with their associations.\n"
+        "--depth cuts the picture off below so many levels. More than --limit objects (300) are\n"
+        "refused. --dot gives the text that Graphviz draws. -o writes to a file.\n",
+        {WordKind::Dn},
+        {"--classes", "--depth", "--limit", "--dot", "-o"}};
+    return theInfo;
+}
+
+void GraphCommand::run(Session& session, Words words) {
+    const GraphOptions options = parse(words);
+    const Drawing drawing =
+        options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
+    print(session, options, drawing, options.wantsDot ? drawing.dot : renderSvg(drawing.dot));
+}
+
+}

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_GRAPH_PICTUREREADER_H
+#define ORV_HOST_CLI_GRAPH_PICTUREREADER_H
+
+#include "TreePicture.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Session;
+struct ClassDef;
+
+/// How much of the tree is wanted.
+struct TreeExtent {
+    std::string dn;        ///< external; empty: from the top level
+    std::uint64_t depth;   ///< levels below it
+    std::uint64_t objects; ///< at most, and as many again of those referred to
+};
+
+/// Reads a part of the MO tree as a client does, through the component's tables. One thread.
+class PictureReader {
+public:
+    /// \p session must outlive the reader, and the transaction must stay open meanwhile.
+    PictureReader(Session& session, unsigned long txHandle)
+        : mSession(session), mTxHandle(txHandle) {}
+
+    /// Throws OperationError if there is no object extent.dn or the component refuses something,
+    /// and AnswerError if there are more objects than wanted; this is found out level by level,
+    /// without reading the objects of the level that goes too far.
+    TreePicture read(const TreeExtent& extent);
+
+private:
+    using Position = std::size_t;
+
+    /// An object whose children come next; without a position it is the top level.
+    struct Parent {
+        std::string dn;
+        std::optional<Position> position;
+    };
+    using Level = std::vector<Parent>;
+
+    Level begin(const TreeExtent& extent);
+    std::uint64_t countBelow(const Level& level);
+    Level addBelow(const Level& level);
+    void readOutside(std::uint64_t limit);
+    void readOutside(const std::string& dn);
+    PicturedObject readObject(const std::string& dn) const;
+    void readReferences(const ClassDef& moc, PicturedObject& object) const;
+    unsigned long long countChildren(const std::string& dn) const;
+    std::vector<std::string> childClasses(const std::string& dn) const;
+
+    Session& mSession;
+    unsigned long mTxHandle;
+    TreePicture mPicture;
+};
+
+}
+
+#endif

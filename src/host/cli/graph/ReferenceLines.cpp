@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ReferenceLines.h"
+
+#include "model/AssociationAudit.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace OrvHost {
+
+namespace {
+
+std::string classIn(const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    const std::size_t begin = comma == std::string::npos ? 0 : comma + 1;
+    return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
+}
+
+/// The association by which \p owner names objects of \p target in that attribute, or null.
+const ReferenceDescription* findAssociation(const std::vector<ClassDescription>& classes,
+                                            const std::string& owner, const std::string& attribute,
+                                            const std::string& target) {
+    const ClassDescription* moc = findDescription(classes, owner);
+    if (moc == nullptr) {
+        return nullptr;
+    }
+    const auto found = std::find_if(
+        moc->references.begin(), moc->references.end(), [&](const ReferenceDescription& reference) {
+            return reference.attribute == attribute && reference.target == target;
+        });
+    return found == moc->references.end() ? nullptr : &*found;
+}
+
+}
+
+ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
+                               const TreePicture& picture,
+                               const std::vector<InstanceProblem>& violations) {
+    for (const InstanceProblem& problem : violations) {
+        mWrong.emplace(Link{problem.dn, problem.attribute, problem.otherDn}, problem.text);
+    }
+    const std::vector<Link> links = linksOf(picture.objects);
+    const std::vector<Link> outside = linksOf(picture.outside);
+    for (const Link& link : links) {
+        if (picture.unread.count(link.target) > 0) {
+            ++mUnread;
+        } else {
+            draw(classes, link);
+        }
+    }
+    // Of what stands outside only that shows which is wrong with an object inside.
+    for (const Link& link : outside) {
+        if (mWrong.count(link) > 0) {
+            draw(classes, link);
+        }
+    }
+}
+
+std::vector<ReferenceLines::Link>
+ReferenceLines::linksOf(const std::vector<PicturedObject>& objects) {
+    std::vector<Link> links;
+    for (const PicturedObject& object : objects) {
+        for (const PicturedLink& link : object.links) {
+            links.push_back({object.dn, link.attribute, link.target});
+        }
+    }
+    mLinks.insert(links.begin(), links.end());
+    return links;
+}
+
+void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Link& link) {
+    if (!mDone.insert(link).second) {
+        return;
+    }
+    ReferenceLine line{link.holder, link.target, link.attribute, LineKind::Plain,
+                       violationOf(link)};
+    const ReferenceDescription* association =
+        findAssociation(classes, classIn(link.holder), link.attribute, classIn(link.target));
+    if (association != nullptr) {
+        line.kind = LineKind::OneWay;
+        const Link back{link.target, association->opposite, link.holder};
+        if (!association->opposite.empty() && mLinks.count(back) > 0) {
+            mDone.insert(back);
+            line.kind = LineKind::BothWays;
+            line.label += back.attribute == link.attribute ? "" : " / " + back.attribute;
+            line.violation = line.violation.empty() ? violationOf(back) : line.violation;
+        }
+    }
+    mLines.push_back(std::move(line));
+}
+
+std::string ReferenceLines::violationOf(const Link& link) const {
+    const auto found = mWrong.find(link);
+    return found == mWrong.end() ? std::string() : found->second;
+}
+
+std::vector<InstanceProblem> violationsIn(const Model& model, const TreePicture& picture) {
+    std::unordered_set<std::string> drawn;
+    for (const PicturedObject& object : picture.objects) {
+        drawn.insert(object.dn);
+    }
+    std::vector<InstanceProblem> problems = auditAssociations(model, picture);
+    problems.erase(std::remove_if(problems.begin(), problems.end(),
+                                  [&](const InstanceProblem& problem) {
+                                      const bool isOfOthers = drawn.count(problem.dn) == 0 &&
+                                                              drawn.count(problem.otherDn) == 0;
+                                      return isOfOthers ||
+                                             picture.unread.count(problem.otherDn) > 0;
+                                  }),
+                   problems.end());
+    return problems;
+}
+
+}

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_GRAPH_REFERENCELINES_H
+#define ORV_HOST_CLI_GRAPH_REFERENCELINES_H
+
+#include "TreePicture.h"
+#include "model/InstanceReport.h"
+#include "model/Model.h"
+#include "model/ModelDescription.h"
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace OrvHost {
+
+enum class LineKind {
+    BothWays, ///< a bidirectional association, told by both sides
+    OneWay,   ///< a unidirectional association, or the one side of a bidirectional one
+    Plain     ///< a reference without an association
+};
+
+/// One or two references between two objects.
+struct ReferenceLine {
+    std::string from; ///< external DN
+    std::string to;   ///< external DN; empty: a target that clients cannot name
+    std::string label;
+    LineKind kind = LineKind::Plain;
+    std::string violation; ///< what is wrong; empty: nothing
+};
+
+/// The references of a picture as lines to be drawn. Immutable.
+class ReferenceLines {
+public:
+    ReferenceLines(const std::vector<ClassDescription>& classes, const TreePicture& picture,
+                   const std::vector<InstanceProblem>& violations);
+
+    const std::vector<ReferenceLine>& all() const { return mLines; }
+    /// Number of references to objects that were not read, and have no line.
+    std::size_t unread() const { return mUnread; }
+
+private:
+    struct Link {
+        std::string holder;
+        std::string attribute;
+        std::string target;
+        bool operator<(const Link& other) const {
+            return std::tie(holder, attribute, target) <
+                   std::tie(other.holder, other.attribute, other.target);
+        }
+    };
+
+    std::vector<Link> linksOf(const std::vector<PicturedObject>& objects);
+    void draw(const std::vector<ClassDescription>& classes, const Link& link);
+    std::string violationOf(const Link& link) const;
+
+    std::set<Link> mLinks; ///< all that are known
+    std::set<Link> mDone;
+    std::map<Link, std::string> mWrong;
+    std::vector<ReferenceLine> mLines;
+    std::size_t mUnread = 0;
+};
+
+/// What is wrong with the associations of the objects that \p picture draws, recounted from the
+/// values that were read; not what is wrong with those that they refer to.
+std::vector<InstanceProblem> violationsIn(const Model& model, const TreePicture& picture);
+
+}
+
+#endif

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_GRAPH_TREEPICTURE_H
+#define ORV_HOST_CLI_GRAPH_TREEPICTURE_H
+
+#include "model/InstanceSource.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace OrvHost {
+
+/// A value of a reference attribute.
+struct PicturedLink {
+    std::string attribute; ///< inside a struct: "position.nearest"
+    std::string target;    ///< external DN; empty: one that clients cannot name
+};
+
+/// One object as a client reads it.
+struct PicturedObject {
+    std::string dn; ///< external
+    std::string className;
+    std::optional<std::size_t> parent;  ///< position in TreePicture::objects
+    unsigned long long hiddenBelow = 0; ///< children that are cut off
+    std::vector<NamedValue> references; ///< the reference attributes of the class
+    std::vector<PicturedLink> links;    ///< the same and those in structs, value by value
+};
+
+/// A part of the MO tree, to be drawn: what was read of it, all in one transaction. To an audit it
+/// shows the objects and those that they refer to.
+struct TreePicture : InstanceSource {
+    std::string title;
+    std::vector<PicturedObject> objects; ///< parents first
+    /// What objects refer to and what is not among them, without the objects below.
+    std::vector<PicturedObject> outside;
+    /// Those that are referred to, but were not read: there were too many.
+    std::unordered_set<std::string> unread;
+
+    void visit(const Visitor& visitor) const override;
+};
+
+}
+
+#endif

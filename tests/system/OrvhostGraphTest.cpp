@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Pictures of objects and classes, as the current transaction sees them.
+
+#include "Program.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+
+namespace SystemTest {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string kRed = "#d00000";
+
+/// True if an XML parser accepts the text, and its root is <svg>.
+bool isSvg(const std::string& text) {
+    const TemporaryDirectory directory;
+    const std::string file = directory.file("picture.svg", text);
+    const std::string program = "import sys, xml.etree.ElementTree as tree; "
+                                "sys.exit(tree.parse(sys.argv[1]).getroot().tag != "
+                                "'{http://www.w3.org/2000/svg}svg')";
+    const std::string line = std::string(PYTHON_PROGRAM) + " -c \"" + program + "\" " + file;
+    return std::system(line.c_str()) == 0;
+}
+
+/// Lets PATH lead to one directory, for as long as it lives.
+class OnlyPath {
+public:
+    explicit OnlyPath(const std::filesystem::path& directory) : mBefore(getenv("PATH")) {
+        setenv("PATH", directory.c_str(), 1);
+    }
+    ~OnlyPath() { setenv("PATH", mBefore.c_str(), 1); }
+    OnlyPath(const OnlyPath&) = delete;
+    OnlyPath& operator=(const OnlyPath&) = delete;
+
+private:
+    std::string mBefore;
+};
+
+std::string errorOf(const std::string& command, int status) {
+    const auto result = runCommands({command});
+    EXPECT_EQ(result.status, status) << command;
+    EXPECT_EQ(result.out, "") << command;
+    return result.err;
+}
+
+TEST(OrvhostGraphTest, Dot_WholeTree_HasObjectsAndReferencesOnce) {
+    const auto result = runCommands({"graph --dot"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(
+        result.out,
+        AllOf(StartsWith("digraph orv {\n"), EndsWith("}\n"), HasSubstr("label=\"Lamp=half way\""),
+              HasSubstr("label=\"antennas / mast\""), HasSubstr("label=\"position.nearest\""),
+              Not(HasSubstr("label=\"mast / antennas\"")),
+              HasSubstr("8 objects, 5 lines of references, 0 violations"), Not(HasSubstr(kRed))));
+}
+
+TEST(OrvhostGraphTest, Svg_ObjectsAndClasses_AreWellFormed) {
+    const auto objects = runCommands({"graph"});
+    EXPECT_EQ(objects.err, "");
+    EXPECT_TRUE(isSvg(objects.out));
+    EXPECT_THAT(objects.out, AllOf(HasSubstr("Mast=a"), HasSubstr("antennas / mast")));
+    const auto classes = runCommands({"graph --classes"});
+    EXPECT_TRUE(isSvg(classes.out));
+    EXPECT_THAT(classes.out, AllOf(HasSubstr("Battery"), HasSubstr("antennas 0..*")));
+}
+
+TEST(OrvhostGraphTest, Svg_NamesThatMeanSomethingToGraphvizOrXml_AreShownAsTheyAre) {
+    const auto result = runCommands(
+        {"create ManagedElement=east,Mast=salt&pepper", "graph ManagedElement=east --depth 1"});
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, HasSubstr("Mast=salt&amp;pepper"));
+}
+
+TEST(OrvhostGraphTest, SubTreeAndDepth_AreCutAndCounted) {
+    const auto result =
+        runCommands({"graph --dot --depth 2", "graph --dot ManagedElement=east,Mast=a"});
+    EXPECT_THAT(result.out, AllOf(HasSubstr("Mast=a\\n(2 below)"), HasSubstr("/: 6 objects"),
+                                  HasSubstr("ManagedElement=east,Mast=a: 3 objects"),
+                                  HasSubstr("label=\"ManagedElement=east,Antenna=1\", "
+                                            "style=\"dashed\"")));
+}
+
+TEST(OrvhostGraphTest, Violations_OfTheOpenTransaction_AreRedAndGoWithIt) {
+    const TemporaryDirectory directory;
+    const std::string file = (directory.path() / "picture.svg").string();
+    const auto result = runCommands(
+        {"begin", "set ManagedElement=east,Mast=b antennas=ManagedElement=east,Antenna=1",
+         "set ManagedElement=east,Antenna=2 seen=ManagedElement=east,Mast=gone", "graph --dot",
+         "graph -o " + file, "abort", "graph --dot"});
+    EXPECT_EQ(result.err, "");
+    const std::string wrongCount = "ManagedElement=east,Antenna=1: attribute mast names 2 of class "
+                                   "Mast, expected 0..1.";
+    EXPECT_THAT(result.out,
+                AllOf(HasSubstr("8 objects, 7 lines of references, 2 violations"),
+                      HasSubstr("label=\"Antenna=1\\nattribute mast names 2 of class Mast, "
+                                "expected 0..1.\", tooltip=\"ManagedElement=east,Antenna=1\", "
+                                "color=\"" +
+                                kRed),
+                      HasSubstr("label=\"ManagedElement=east,Mast=gone\\nis not there\""),
+                      HasSubstr("8 objects, 5 lines of references, 0 violations")));
+    EXPECT_THAT(result.out, HasSubstr(file +
+                                      ": 8 objects, 7 lines of references, 2 violations\n"
+                                      "  " +
+                                      wrongCount));
+    EXPECT_TRUE(isSvg(readFile(file)));
+    EXPECT_THAT(readFile(file), HasSubstr(kRed));
+}
+
+TEST(OrvhostGraphTest, Json_IsOneDocumentWithNumbersAndText) {
+    const auto result = runCommands({"graph --dot", "graph --classes"}, {"--json"});
+    const std::size_t end = result.out.find('\n');
+    const auto objects = nlohmann::json::parse(result.out.substr(0, end));
+    EXPECT_EQ(objects["command"], "graph");
+    EXPECT_EQ(objects["objects"], 8);
+    EXPECT_EQ(objects["violations"], nlohmann::json::array());
+    EXPECT_THAT(objects["dot"].get<std::string>(), StartsWith("digraph"));
+    const auto classes = nlohmann::json::parse(result.out.substr(end + 1));
+    EXPECT_EQ(classes["classes"], 5);
+    EXPECT_TRUE(isSvg(classes["svg"].get<std::string>()));
+}
+
+TEST(OrvhostGraphTest, TooManyObjects_AreRefusedWithTheirNumbers) {
+    EXPECT_THAT(errorOf("graph --limit 4", 1),
+                HasSubstr("more than 4 objects; level by level: 1 + 5. Draw less with --depth"));
+    EXPECT_THAT(errorOf("graph --classes --limit 2", 1), HasSubstr("there are 5 classes"));
+}
+
+TEST(OrvhostGraphTest, WrongWords_AreTold) {
+    EXPECT_THAT(errorOf("graph ManagedElement=east,Mast=z", 1), HasSubstr("there is no object"));
+    EXPECT_THAT(errorOf("graph --classes Mst", 1), HasSubstr("Did you mean Mast?"));
+    EXPECT_THAT(errorOf("graph --depth deep", 2), HasSubstr("--depth needs a number"));
+    EXPECT_THAT(errorOf("graph -o", 2), HasSubstr("-o needs a text"));
+    EXPECT_THAT(errorOf("graph / more", 2), HasSubstr("one word too many"));
+    EXPECT_THAT(errorOf("graph -o no/such/directory/x.svg", 1),
+                HasSubstr("x.svg: cannot be written"));
+}
+
+TEST(OrvhostGraphTest, DotMissing_IsToldWithTheWayAround) {
+    const TemporaryDirectory empty;
+    const OnlyPath path(empty.path());
+    EXPECT_THAT(errorOf("graph", 1), AllOf(HasSubstr("dot is not in PATH"), HasSubstr("--dot")));
+    EXPECT_EQ(runCommands({"graph --dot"}).status, 0);
+}
+
+TEST(OrvhostGraphTest, DotFails_IsToldWithWhatItSaid) {
+    const TemporaryDirectory directory;
+    const auto become = [&](const std::string& script) {
+        std::filesystem::permissions(directory.file("dot", "#!/bin/sh\n" + script + "\n"),
+                                     std::filesystem::perms::owner_all);
+    };
+    const OnlyPath path(directory.path());
+    become("echo it broke >&2; exit 3");
+    EXPECT_THAT(errorOf("graph", 1), HasSubstr("dot failed with status 3: it broke\n"));
+    become("kill -9 $$");
+    EXPECT_THAT(errorOf("graph", 1), HasSubstr("dot was ended by signal 9"));
+    become("exit 0");
+    EXPECT_THAT(errorOf("graph", 1), HasSubstr("dot drew nothing"));
+}
+
+}
+}
