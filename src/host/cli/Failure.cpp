@@ -53,13 +53,9 @@ Failure plain(ExitStatus status, const std::string& text) {
     return {status, std::nullopt, text, {}, {{"text", text}}};
 }
 
-std::string transactionText(const Refusal& refusal) {
-    return refusal.transaction().empty() ? "the transaction of this command"
-                                         : "transaction " + refusal.transaction();
-}
-
 std::string toText(const Refusal& refusal) {
-    std::string text = std::string(refusal.what()) + " " + transactionText(refusal) + ": " +
+    const std::string& name = refusal.transaction();
+    std::string text = (name.empty() ? "not committed: " : "transaction " + name + ": ") +
                        codeText(refusal.outcome().code);
     for (const Violation& violation : refusal.violations()) {
         text += "\n  host: " + violation.message + "\n" + layOut(violation.details, 4);

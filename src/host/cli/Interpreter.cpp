@@ -5,13 +5,15 @@
 
 #include "Failure.h"
 #include "ScriptReader.h"
-#include "Session.h"
 #include "WordSplitter.h"
 
 namespace OrvHost {
 
 ExitStatus Interpreter::runLine(const std::string& line, const std::string& place) {
     const SplitLine split = splitWords(line);
+    if (mEchoes) {
+        show(line, !split.words.empty());
+    }
     if (split.isOpen) {
         return report(
             {}, place,
@@ -44,6 +46,10 @@ ExitStatus Interpreter::runScript(std::istream& script, const std::string& name,
         }
     }
     return first;
+}
+
+void Interpreter::show(const std::string& line, bool isCommand) {
+    mSession.out() << (isCommand ? mSession.transactions().prompt() : "") << line << std::endl;
 }
 
 ExitStatus Interpreter::report(const std::string& command, const std::string& place,

@@ -6,6 +6,7 @@
 
 #include "CliError.h"
 #include "CommandTable.h"
+#include "Session.h"
 
 #include <exception>
 #include <istream>
@@ -14,8 +15,6 @@
 #include <vector>
 
 namespace OrvHost {
-
-class Session;
 
 /// Runs commands and prints their answers and errors. One thread at a time.
 ///
@@ -26,6 +25,10 @@ public:
     /// All must outlive this object.
     Interpreter(Session& session, const CommandTable& commands, std::ostream& errors)
         : mSession(session), mCommands(commands), mErrors(errors) {}
+
+    /// Whether lines are printed before they run, as somebody would have typed them. Lines with
+    /// nothing but a comment are printed as they are. Not in JSON mode.
+    void echo(bool wanted) { mEchoes = wanted && !mSession.wantsJson(); }
 
     /// Runs one line; an empty one, or one with only a comment, is ExitOk. \p place stands before
     /// errors, for example "file:12"; it may be empty.
@@ -39,12 +42,14 @@ public:
     ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing);
 
 private:
+    void show(const std::string& line, bool isCommand);
     ExitStatus report(const std::string& command, const std::string& place,
                       const std::exception_ptr& error);
 
     Session& mSession;
     const CommandTable& mCommands;
     std::ostream& mErrors;
+    bool mEchoes = false;
 };
 
 }

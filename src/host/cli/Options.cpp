@@ -103,6 +103,8 @@ void addCommands(CLI::App& app, Options& options) {
                    "A file of commands to run, - for standard input; repeatable")
         ->allow_extra_args(false);
     app.add_flag("--keep-going", options.keepGoing, "Go on behind a command that failed");
+    app.add_flag("--echo", options.echo,
+                 "Show each line of scripts and -c in front of its answer, as at the prompt");
     app.add_option("--interface", options.interfaceVersion,
                    "Version of the MO interface to use: 1, 3 or 3_1")
         ->check(CLI::IsMember(Clients::versions()))

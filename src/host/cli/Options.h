@@ -31,6 +31,7 @@ struct Options {
 
     bool json = false;
     bool keepGoing = false;
+    bool echo = false;
     std::optional<std::string> historyFile;
 
     std::vector<std::string> commandLines; ///< from -c

@@ -40,7 +40,9 @@ public:
         : mOptions(options),
           mSession(session),
           mCommands(commands),
-          mInterpreter(session, commands, std::cerr) {}
+          mInterpreter(session, commands, std::cerr) {
+        mInterpreter.echo(options.echo);
+    }
 
     int run() {
         for (const std::string& line : mOptions.commandLines) {
@@ -88,19 +90,16 @@ private:
     ExitStatus runPrompt() {
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
+        mInterpreter.echo(false); // the line is on the screen
         while (!mSession.isEnded()) {
-            const std::optional<std::string> line = prompt.readLine(promptText());
+            const std::optional<std::string> line =
+                prompt.readLine(mSession.transactions().prompt());
             if (!line) {
                 break;
             }
             mInterpreter.runLine(*line);
         }
         return ExitOk;
-    }
-
-    std::string promptText() {
-        const Transactions::Entry* current = mSession.transactions().current();
-        return current != nullptr ? "orvhost[" + current->name + "]> " : "orvhost> ";
     }
 
     const Options& mOptions;

@@ -87,6 +87,10 @@ std::vector<std::string> Transactions::names() const {
     return names;
 }
 
+std::string Transactions::prompt() {
+    return mCurrent ? "orvhost[" + *mCurrent + "]> " : "orvhost> ";
+}
+
 std::string Transactions::withNames(const std::string& text) const {
     static const std::regex pattern(R"(\btransaction (\d{1,18})\b)");
     std::string result;

@@ -55,6 +55,9 @@ public:
     /// \p text with "transaction 12" replaced by what the user calls that transaction.
     std::string withNames(const std::string& text) const;
 
+    /// What stands in front of a line that somebody types: tells the current transaction.
+    std::string prompt();
+
 private:
     Entry* find(const std::string& name);
 

@@ -17,7 +17,7 @@ bool isTextual(ValueKind kind) {
 }
 
 bool takesBrackets(const AttributeDef* def) {
-    return def == nullptr || def->type.kind == ValueKind::Struct || def->multiplicity.upper > 1;
+    return def == nullptr || !isTextual(def->type.kind) || def->multiplicity.upper > 1;
 }
 
 JsonValue parseJson(const std::string& text) {

@@ -14,8 +14,8 @@ namespace OrvHost {
 /// The value of an attribute, as somebody types it, as JSON. The model tells how to read it:
 ///
 /// - `null` is no value;
-/// - what begins with `"`, and for structs, for several values and for attributes that the model
-///   does not know what begins with `{` or `[`, is JSON;
+/// - what begins with `"` is JSON, and so is what begins with `{` or `[`, unless it is for a single
+///   text, enumeration or reference;
 /// - texts, enumerations and references stand for themselves;
 /// - all else is a number, true or false, or if it is none of these, a text.
 ///

@@ -138,11 +138,12 @@ JsonValue ViolationReader::explainClass(const std::string& dn) const {
             {"allowed", reason.empty() ? "the DN of an object of the model" : reason}};
 }
 
-// What is wrong may keep the value from being read as well.
+// What is wrong may keep the value from being read as well. Reads of other versions might make the
+// component join a transaction that takes nobody in any more.
 JsonValue ViolationReader::valuesOf(const std::string& dn, const std::string& attribute) {
     try {
         const ClassDef* moc = Diagnosis(mSession).classOf(dn);
-        return mSession.client().get(mTxHandle, dn, attribute, moc);
+        return mSession.clients().version3().get(mTxHandle, dn, attribute, moc);
     } catch (const std::exception&) {
         return nullptr;
     }
