@@ -46,6 +46,18 @@ TEST(OrvhostJsonTest, EachCommand_Answered_IsOneDocument) {
                                             "components",
                                             "log",
                                             "log tail 5",
+                                            "begin a",
+                                            "use a",
+                                            "transactions",
+                                            "set ManagedElement=east label=x",
+                                            "create ManagedElement=east,Mast=n",
+                                            "delete ManagedElement=east,Mast=n",
+                                            "validate",
+                                            "commit",
+                                            "begin",
+                                            "abort",
+                                            "interface 3",
+                                            "expect : exists ManagedElement=east",
                                             "help",
                                             "quit"};
     const auto result = runCommands(commands, {"--json"});

@@ -66,6 +66,34 @@ TEST_F(OrvhostPromptTest, Tab_OneCandidate_CompletesTheWord) {
     EXPECT_EQ(terminal.finish(), 0);
 }
 
+TEST_F(OrvhostPromptTest, Transaction_Open_ShowsInThePrompt) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("begin move\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[move]> ")) << terminal.seen();
+    terminal.type("commit m\t");
+    ASSERT_TRUE(terminal.waitFor("ove ")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("\ncommitted\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_InAnAssignment_CompletesNameThenValue) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("expect : set ManagedElement=east,Mast=a kin\t");
+    ASSERT_TRUE(terminal.waitFor("d=")) << terminal.seen();
+    terminal.type("PO\t");
+    ASSERT_TRUE(terminal.waitFor("LE ")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("\nset and committed\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
 TEST_F(OrvhostPromptTest, Tab_SeveralCandidates_ShowsThem) {
     Terminal terminal(arguments());
     ASSERT_TRUE(terminal.waitFor(kPrompt));

@@ -98,6 +98,23 @@ std::vector<std::string> withSite(const std::vector<std::string>& more) {
     return arguments;
 }
 
+std::vector<std::string> withHarbour(const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"-I",      EXAMPLES_DIR "/models",
+                                       "-m",      "ran-element",
+                                       "-m",      "ran-equipment",
+                                       "-m",      "ran-function",
+                                       "-d",      EXAMPLES_DIR "/data/harbour.json",
+                                       "--me-id", "Harbour"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+}
+
+ProgramResult runOnHarbour(const std::string& script, const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = withHarbour(options);
+    arguments.emplace_back("--keep-going");
+    return runOrvhost(arguments, script);
+}
+
 ProgramResult runCommands(const std::vector<std::string>& commands,
                           const std::vector<std::string>& options) {
     std::vector<std::string> arguments = withSite(options);

@@ -43,6 +43,12 @@ std::vector<std::string> withSite(const std::vector<std::string>& more);
 ProgramResult runCommands(const std::vector<std::string>& commands,
                           const std::vector<std::string>& options = {});
 
+/// The options that load the example network, followed by \p more.
+std::vector<std::string> withHarbour(const std::vector<std::string>& more);
+
+/// Runs a script on the example network, to its end whatever fails.
+ProgramResult runOnHarbour(const std::string& script, const std::vector<std::string>& options = {});
+
 /// For the child behind fork: replaces the process by orvhost. Does not return.
 [[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments);
 

@@ -65,6 +65,7 @@ TEST(ValueParserTest, List_OfTheModelsKind_KeepsItsOrder) {
     const AttributeValue value = parsed("[3, 1]", ValueKind::Uint, 4);
     EXPECT_EQ(value.kind, ValueKind::Uint);
     EXPECT_THAT(value.values, ElementsAre(Value(std::uint64_t{3}), Value(std::uint64_t{1})));
+    EXPECT_EQ(parsed("[3, 1]", ValueKind::Uint), value);
     EXPECT_EQ(parsed("A=1", ValueKind::MoRef, 4), one(ValueKind::MoRef, std::string("A=1")));
 }
 
