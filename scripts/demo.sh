@@ -4,6 +4,8 @@
 #
 # Builds the component, the reference host and the sample interceptor, and shows them at work on the
 # radio network of examples/. Installs what is missing first.
+#   scripts/demo.sh          the story: a transaction that is committed, one that is not valid
+#   scripts/demo.sh --more   then reads, the interceptor, JSON, wrong names and a larger network too
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -32,38 +34,48 @@ quietly() {
   }
 }
 
+more() {
+  title "A radio network, read through the component"
+  show "tree --depth 2"
+  show "get $cell"
+
+  title "What the model repository says of a class and its associations"
+  show "model NRSectorCarrier"
+
+  title "The cell's state is in no data; the sample interceptor serves it"
+  show "get $cell operationalState"
+  echo "(with the interceptor)"
+  show "get $cell operationalState" -C "$build/lib/libcell_state_interceptor.so"
+  show "get $cell userLabel" -C "$build/lib/libcell_state_interceptor.so"
+
+  title "Answers for programs"
+  show "get $cell nRSectorCarrierRef" --json
+  show "count ManagedElement=Harbour,GNBDUFunction=1" --json
+
+  title "A wrong name is told with what was expected"
+  show "get $cell nRSectorCarierRef" || true
+  show "get ManagedElement=Airport userLabel" || true
+
+  title "A larger network from the generator"
+  rm -rf "$build/network"
+  "$build/bin/orv-ran-generate" --count 20000 --slice 10000 "$build/network"
+  "$build/bin/orvhost" -I examples/models -m ran-element -m ran-equipment -m ran-function \
+    -d "$build/network" -c "tree --depth 1"
+}
+
 mkdir -p "$build"
 scripts/install-deps.sh build
 echo "Building (about three minutes the first time) ..."
 quietly cmake --preset release -B "$build" -DORV_BUILD_TESTS=OFF
 quietly cmake --build "$build" --target ext_cm orvhost cell_state_interceptor orv-ran-generate
 
-title "A radio network, read through the component"
-show "tree --depth 2"
-show "get $cell"
+title "A radio network: one change that goes well, and one that does not"
+tail -n +4 examples/scenarios/demo.orv | "$build/bin/orvhost" "${network[@]}" --echo
 
-title "What the model repository says of a class and its associations"
-show "model NRSectorCarrier"
-
-title "The cell's state is in no data; the sample interceptor serves it"
-show "get $cell operationalState"
-echo "(with the interceptor)"
-show "get $cell operationalState" -C "$build/lib/libcell_state_interceptor.so"
-show "get $cell userLabel" -C "$build/lib/libcell_state_interceptor.so"
-
-title "Answers for programs"
-show "get $cell nRSectorCarrierRef" --json
-show "count ManagedElement=Harbour,GNBDUFunction=1" --json
-
-title "A wrong name is told with what was expected"
-show "get $cell nRSectorCarierRef" || true
-show "get ManagedElement=Airport userLabel" || true
-
-title "A larger network from the generator"
-rm -rf "$build/network"
-"$build/bin/orv-ran-generate" --count 20000 --slice 10000 "$build/network"
-"$build/bin/orvhost" -I examples/models -m ran-element -m ran-equipment -m ran-function \
-  -d "$build/network" -c "tree --depth 1"
+if [ "${1:-}" = --more ]; then
+  more
+fi
 
 title "Your turn"
 echo "$build/bin/orvhost ${network[*]}"
+echo "$build/bin/orvhost ${network[*]} check examples/scenarios/*.orv"
