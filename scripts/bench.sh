@@ -40,7 +40,7 @@ if [ "$mode" = all ]; then
   mkdir -p "$results"
 
   step "times and allocations"
-  "$build/bin/orv_bench" --benchmark_min_time=0.2 --benchmark_repetitions=5 \
+  "$build/bin/orv_bench" --benchmark_min_time=0.1 --benchmark_repetitions=5 \
     --benchmark_report_aggregates_only=true --benchmark_out_format=json \
     --benchmark_out="$results/times.json"
 

@@ -158,7 +158,7 @@ def quoted(text):
 
 
 def plot_operations(report, output):
-    rows = [name for name in report.times if not name.startswith(("growth/", "threads/"))]
+    rows = [name for name in report.times if re.match("[13]", name)]
     rows.reverse()
     data = "".join(f'"{quoted(name)}" {report.instruction_ratio(name)} '
                    f'{report.times[name]["ratio"]}\n' for name in rows)
@@ -166,8 +166,9 @@ def plot_operations(report, output):
 {data}EOD
 set title 'Through the component by straight to the router'
 set logscale x 2
-set xrange [0.03125:64]
+set xrange [0.5:32]
 set xtics 2
+set mxtics 1
 set yrange [-0.7:{len(rows) - 0.3}]
 set grid x lc rgb '#dddddd'
 set key bottom right
@@ -195,6 +196,8 @@ plot $kind{index} using 1:2 with linespoints pt 7 ps 0.6 lw 2 lc rgb '#1f5fa8' t
 set logscale x 8
 set logscale y 10
 set xtics 8
+set mxtics 1
+set mytics 1
 set grid lc rgb '#dddddd'
 set key top right
 set xlabel 'n'
