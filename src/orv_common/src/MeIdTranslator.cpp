@@ -33,8 +33,9 @@ std::string exchangeRootValue(std::string_view dn, std::string_view from, std::s
         step.substr(equals + 1) != from) {
         return {};
     }
-    std::string exchanged(step.substr(0, equals + 1));
-    exchanged.append(to);
+    std::string exchanged;
+    exchanged.reserve(dn.size() - from.size() + to.size());
+    exchanged.append(step.substr(0, equals + 1)).append(to);
     if (stepEnd != std::string_view::npos) {
         exchanged.append(dn.substr(stepEnd));
     }
