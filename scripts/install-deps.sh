@@ -22,6 +22,7 @@ test_packages=(
   libgtest-dev libgmock-dev
   librapidcheck-dev   # property tests
   clang clang-format clang-tidy
+  libclang-rt-dev     # sanitizers and fuzzers of clang
   binutils python3
   gcovr               # coverage
 )
