@@ -2,11 +2,11 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# What must hold before a change lands: formatting, all tests in a debug build and under
-# AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under ThreadSanitizer.
-# The linter is run by hand: cmake --build --preset dev --target tidy
+# What must hold before a change lands: formatting, all tests and a short run of each fuzzer under
+# AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under ThreadSanitizer, the
+# linter. clang compiles the first, g++ the second.
 #   scripts/test.sh          all of it
-#   scripts/test.sh quick    the debug build and its tests only
+#   scripts/test.sh quick    a debug build and its tests only
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -41,13 +41,14 @@ exec </dev/null
 mkdir -p build
 scripts/install-deps.sh
 
-if [ "$mode" = all ]; then
+if [ "$mode" = quick ]; then
+  run_preset dev
+else
   step "format"
   git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run --Werror
-fi
-run_preset dev
-if [ "$mode" = all ]; then
   run_preset asan
   run_preset tsan
+  step "lint"
+  cmake --build --preset asan --target tidy
 fi
 step "all green"
