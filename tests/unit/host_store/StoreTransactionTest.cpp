@@ -105,18 +105,17 @@ TEST_F(StoreTransactionTest, Set_OneOfManyDoesNotFit_SetsNone) {
 
 TEST_F(StoreTransactionTest, Set_StructThatDoesNotFit_IsRefused) {
     const AttributeValue latitude{ValueKind::Double, {1.0}};
-    const auto position = [](StructValue value) {
-        return AttributeValue{ValueKind::Struct, {std::move(value)}};
+    const auto position = [](StructValue::Members members) {
+        return AttributeValue{ValueKind::Struct, {StructValue{std::move(members)}}};
     };
     expectSetRefused("position", position({}), OrvInvalidArgument, "latitude");
-    expectSetRefused("position", position({{{"latitude", latitude}, {"colour", latitude}}}),
+    expectSetRefused("position", position({{"latitude", latitude}, {"colour", latitude}}),
                      OrvInvalidArgument, "colour");
-    expectSetRefused("position", position({{{"latitude", text("x")}}}), OrvInvalidArgument,
+    expectSetRefused("position", position({{"latitude", text("x")}}), OrvInvalidArgument,
                      "latitude");
-    expectSetRefused("position",
-                     position({{{"latitude", latitude}, {"contact", refs({"nobody"})}}}),
+    expectSetRefused("position", position({{"latitude", latitude}, {"contact", refs({"nobody"})}}),
                      OrvInvalidArgument, "'nobody' is no DN");
-    const AttributeValue good = position({{{"latitude", latitude}, {"contact", refs({kB})}}});
+    const AttributeValue good = position({{"latitude", latitude}, {"contact", refs({kB})}});
     tx->set(kA, {{"position", good}});
     EXPECT_EQ(tx->get(kA, "position"), good);
 }
