@@ -191,7 +191,7 @@ OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string
     const auto count = static_cast<std::uint32_t>(values.size());
     auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
     if (slots == nullptr && count != 0) {
-        throw std::bad_alloc();
+        throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
     }
     for (std::uint32_t i = 0; i < count; ++i) {
         slots[i].moRef = values[i].c_str();
