@@ -14,6 +14,7 @@
 #include <map>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -201,6 +202,9 @@ void expectNoWriteLostOrMadeTwice(const Operation& operation, const Outcome& ord
         EXPECT_EQ(backPointersIn(faulty),
                   creates ? std::vector<std::string>{} : backPointersIn(ordinary));
     }
+    const std::vector<std::string> written = backPointersIn(faulty);
+    EXPECT_EQ(std::set<std::string>(written.begin(), written.end()).size(), written.size())
+        << "nothing is written twice: " << testing::PrintToString(written);
     if (isAboutAFarSide(place.text)) {
         const std::string target = targetOf(place.text);
         EXPECT_EQ(withoutTarget(backPointersIn(faulty), target),

@@ -7,6 +7,7 @@
 #include "Host.h"
 #include "Records.h"
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,8 @@ constexpr unsigned long kFaultTx = 1;
 enum class Life { Loaded, Initialised, Started };
 
 /// The network (describeNetwork) with parts of units that use cells, with further MOs that no
-/// operation touches, and what one call is given and answers. Everything is made before the call, so that nothing but the component and
-/// the host allocates during it.
+/// operation touches, and what one call is given and answers. Everything is made before the call,
+/// so that nothing but the component and the host allocates during it.
 struct Scene {
     explicit Scene(Life stage);
 
