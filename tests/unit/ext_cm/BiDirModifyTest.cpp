@@ -553,6 +553,8 @@ TEST_F(BiDirModifyFailure, OldValueLeavesAReleaseAndNoContainer_NothingIsRelease
     when("VekRouter3.getMoAttribute")
         .on("'X=1'")
         .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            EXPECT_EQ(out.release, nullptr);
+            EXPECT_TRUE(out.container != nullptr && out.container->count == 0);
             out.release = [](OrvMoAttributeValueContainer_3*) { ++released; };
             return OrvOk;
         });

@@ -304,5 +304,109 @@ TEST_F(BiDirPending, TransactionHandleZero_IsOneLikeAnyOther) {
     EXPECT_EQ(utils.pending(), Lines());
 }
 
+// ---------------------------------------------------------------------------------------------
+// Every call of the host in a flush, in the ordinary run and failing in turn.
+
+const Lines name = nameOfEnd("xs@X");
+const Lines ordinary = joined({exists("Y=1"), name, exists("Y=1"), read("Y=1", "xs"),
+                               write("Y=1", "xs", {"X=1"}), release("Y=1.xs")});
+const Lines noSuchName = {"trace: Error code -2 received when reading attribute  in Y=1."};
+
+/// One call that fails with -5, and all that follows from it.
+struct Failure {
+    friend std::ostream& operator<<(std::ostream& out, const Failure& failure) {
+        return out << failure.name;
+    }
+
+    const char* name;
+    std::string call;
+    int number;
+    Lines calls;
+    OrvReturnT code;
+    Lines told;
+    Lines pending;
+};
+
+class BiDirFlushFailure : public BiDirPending, public ::testing::WithParamInterface<Failure> {
+protected:
+    BiDirFlushFailure() {
+        start();
+        queue(1, "Y=1", "X=1");
+        stage.world.mo("Y=1");
+        forget();
+    }
+
+    Lines told() const { return joined({log.of("log"), log.of("trace")}); }
+};
+
+TEST_F(BiDirFlushFailure, None_OrdinaryRun) {
+    EXPECT_EQ(flush(1, "Y=1"), OrvOk);
+    EXPECT_EQ(block(calls()), block(ordinary));
+    EXPECT_EQ(told(), Lines());
+    EXPECT_EQ(modified(1), Lines{"Y=1.xs"});
+    EXPECT_EQ(utils.pending(), Lines());
+}
+
+TEST_P(BiDirFlushFailure, OneCallFails_TheRestFollowsAsTold) {
+    const Failure& failure = GetParam();
+    when(failure.call).nth(failure.number).fails(-5);
+    EXPECT_EQ(flush(1, "Y=1"), failure.code);
+    EXPECT_EQ(block(calls()), block(failure.calls));
+    EXPECT_EQ(told(), failure.told);
+    EXPECT_EQ(modified(1), Lines());
+    EXPECT_EQ(utils.pending(), failure.pending);
+}
+
+const Failure failures[] = {
+    {"Existence",
+     "VekRouter3.existsMo",
+     1,
+     exists("Y=1"),
+     -5,
+     {"trace: Y=1 doesn't exist or couldn't be read"},
+     {"Y=1 <- X=1 (tx 1, xs, ys)"}},
+    {"PropertiesOfTheEnd",
+     "Model.getEndGeneralProperties",
+     1,
+     joined({exists("Y=1"),
+             {"Model.getEndGeneralProperties('xs@X')", "Model.getGeneralStringProperty('0', 0)"},
+             exists("Y=1"),
+             read("Y=1", "")}),
+     OrvOk,
+     noSuchName,
+     {}},
+    {"NameOfTheEnd",
+     "Model.getGeneralStringProperty",
+     1,
+     joined({exists("Y=1"), name, exists("Y=1"), read("Y=1", "")}),
+     OrvOk,
+     noSuchName,
+     {}},
+    {"ExistenceForTheAddition",
+     "VekRouter3.existsMo",
+     2,
+     joined({exists("Y=1"), name, exists("Y=1")}),
+     OrvOk,
+     {},
+     {"Y=1 <- X=1 (tx 1, xs, id)"}},
+    {"Read",
+     "VekRouter3.getMoAttribute",
+     1,
+     joined({exists("Y=1"), name, exists("Y=1"), read("Y=1", "xs")}),
+     OrvOk,
+     {"trace: Error code -5 received when reading attribute xs in Y=1."},
+     {}},
+    {"Write",
+     "VekRouter3.setMoAttribute",
+     1,
+     ordinary,
+     OrvOk,
+     {"trace: Error code -5 received when setting attribute xs in Y=1."},
+     {}},
+};
+
+INSTANTIATE_TEST_SUITE_P(EachCall, BiDirFlushFailure, ::testing::ValuesIn(failures),
+                         [](const auto& each) { return std::string(each.param.name); });
+
 }
 }

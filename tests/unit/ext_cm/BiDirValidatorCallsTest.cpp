@@ -36,6 +36,7 @@ Lines message(const std::string& text) {
     return {"ThreadContext.addMessage(1, '" + text + "')"};
 }
 
+const Lines noAttribute = {"Model.getAttributeType('0')", "Model.getTypeCode('0')"};
 const std::string noReference = "Attribute ys in X=1 is not a MO ref.";
 const std::string noClassX = "X=1 does not correspond to a valid MO type.";
 const std::string noClassY = "Y=1 does not correspond to a valid MO type.";
@@ -186,6 +187,38 @@ const Failure failures[] = {
           mocOf("X=1"),
           {"Model.getFirstAttribute('0')", "Model.getAttributeType('0')", "Model.getTypeCode('0')"},
           back})},
+    {"FirstAttributeInTheTypeCheck_IsNoReference", "Model.getFirstAttribute", 2,
+     joined({begin,
+             multiplicity,
+             bidirs,
+             associations,
+             mocOf("X=1"),
+             {"Model.getFirstAttribute('X')"},
+             nameOfAttribute("0"),
+             {"Model.getNextAttribute('0')"},
+             noAttribute,
+             back})},
+    {"PropertiesOfTheAttributeInTheTypeCheck_IsNoReference", "Model.getAttributeGeneralProperties",
+     2,
+     joined({begin,
+             multiplicity,
+             bidirs,
+             associations,
+             mocOf("X=1"),
+             {"Model.getFirstAttribute('X')", "Model.getAttributeGeneralProperties('X.ys')",
+              "Model.getGeneralStringProperty('0', 0)", "Model.getNextAttribute('X.ys')"},
+             noAttribute,
+             back})},
+    {"NameOfTheAttributeInTheTypeCheck_IsNoReference", "Model.getGeneralStringProperty", 2,
+     joined({begin,
+             multiplicity,
+             bidirs,
+             associations,
+             mocOf("X=1"),
+             findYs,
+             {"Model.getNextAttribute('X.ys')"},
+             noAttribute,
+             back})},
     {"TypeInTheTypeCheck_IsNoReference", "Model.getAttributeType", 2,
      joined({begin,
              multiplicity,

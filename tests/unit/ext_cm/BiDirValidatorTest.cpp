@@ -93,6 +93,16 @@ TEST_F(BiDirValidation, SomethingWrittenAndStopped_IsNotValid) {
                                    "model repository"});
 }
 
+TEST_F(BiDirValidation, SomethingWrittenAndNoRouterOffered_IsNotValidAndAsksNothing) {
+    modelOfXAndY();
+    stage.missing = {Scripted::Part::VekRouter3};
+    written({});
+    EXPECT_EQ(validate(1), OrvNotActive);
+    EXPECT_FALSE(valid);
+    EXPECT_EQ(calls(), Lines());
+    EXPECT_EQ(messages(), Messages());
+}
+
 TEST_F(BiDirValidation, SomethingWrittenAndNoModelForTheQuestions_IsNotValid) {
     modelOfXAndY();
     written({});
