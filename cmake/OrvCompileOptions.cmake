@@ -11,9 +11,12 @@ if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
     -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(orv_compile_options INTERFACE -fsanitize=${ORV_SANITIZE})
+  target_compile_definitions(orv_compile_options INTERFACE ORV_SANITIZED) # for the sizes of tests
   if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Its sanitizers stand in the program: a shared object cannot have all symbols on its own.
     target_link_options(orv_compile_options INTERFACE -Wl,-z,undefs)
+    # Puts type information of functions among the exported symbols.
+    target_compile_options(orv_compile_options INTERFACE -fno-sanitize=function)
   else()
     # Warns of the standard library's own code in instrumented builds.
     target_compile_options(orv_compile_options INTERFACE -Wno-maybe-uninitialized)

@@ -26,7 +26,7 @@ const std::string kOther = "ManagedElement=paris,Unit=8";
 const std::string kOtherInside = "ManagedElement=1,Unit=8";
 const std::string kForeign = "ManagedElement=2,Unit=9"; ///< has no external form
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ORV_SANITIZED
 constexpr std::size_t kDepth = 1000; // instrumented frames are large
 #else
 constexpr std::size_t kDepth = 10000;

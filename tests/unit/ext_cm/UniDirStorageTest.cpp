@@ -556,7 +556,7 @@ TEST_F(UniDirStorageTest, GetRefCardinalites_CountsByClass) {
 }
 
 TEST_F(UniDirStorageTest, LongDnsAndManyNodes_AreListedAndDropped) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ORV_SANITIZED
     constexpr int parents = 100;
 #else
     constexpr int parents = 1000;
