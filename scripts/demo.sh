@@ -65,7 +65,7 @@ more() {
 
 mkdir -p "$build"
 scripts/install-deps.sh build
-echo "Building (about three minutes the first time) ..."
+echo "Building (several minutes the first time) ..."
 quietly cmake --preset release -B "$build" -DORV_BUILD_TESTS=OFF
 quietly cmake --build "$build" --target ext_cm orvhost cell_state_interceptor orv-ran-generate
 

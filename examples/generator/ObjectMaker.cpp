@@ -67,6 +67,7 @@ ObjectMaker& ObjectMaker::reference(std::string name, std::string dn) {
 
 ObjectMaker& ObjectMaker::structs(std::string name, std::vector<ObjectMaker> values) {
     std::vector<Value> structs;
+    structs.reserve(values.size());
     for (ObjectMaker& value : values) {
         structs.emplace_back(OrvHost::StructValue{std::move(value.mObject.attributes)});
     }

@@ -321,7 +321,7 @@ void UniDirStorage::setUniDirRef(unsigned long txHandle, std::string const& dn,
 void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
     Dn const steps(dn);
     auto const root = transactions.find(txHandle);
-    if (root == transactions.end() || steps.empty()) {
+    if (root == transactions.end()) {
         return;
     }
     ValueNode* node = root->second;
@@ -332,6 +332,9 @@ void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
         if (node == nullptr) {
             return;
         }
+    }
+    if (parent == nullptr) {
+        return; // without steps there is no object; the tree goes at finish
     }
     parent->values.erase(steps.back().second);
     delete node;

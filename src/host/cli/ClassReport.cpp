@@ -128,6 +128,7 @@ JsonValue toJson(const ReferenceDescription& description) {
 
 std::string associationTable(const std::vector<ReferenceDescription>& associations) {
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(associations.size());
     for (const ReferenceDescription& description : associations) {
         rows.push_back({description.owner, description.attribute, description.target,
                         boundsText(description.cardinality),
