@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Target `tidy`: clang-tidy over the sources below src/, examples/ and, where they are built, bench/.
-# Each source has a stamp that goes stale when the source, a header of the project or the
-# configuration changes.
+# Targets `tidy_component` and `tidy`: clang-tidy over what a host loads, and over all sources below
+# src/, examples/ and, where they are built, bench/. Each source has a stamp that goes stale when the
+# source, a header of the project or the configuration changes.
 find_program(ORV_CLANG_TIDY clang-tidy)
 
 function(orv_collect_sources directory result)
@@ -30,7 +30,8 @@ function(orv_collect_sources directory result)
   set(${result} "${found}" PARENT_SCOPE)
 endfunction()
 
-function(orv_add_tidy_target)
+# orv_add_tidy_target(name directories...)
+function(orv_add_tidy_target target)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS
     "${PROJECT_SOURCE_DIR}/src/*.h" "${PROJECT_SOURCE_DIR}/examples/*.h")
   set(stamps "")
@@ -54,13 +55,15 @@ function(orv_add_tidy_target)
       list(APPEND stamps "${stamp}")
     endforeach()
   endforeach()
-  add_custom_target(tidy DEPENDS ${stamps})
+  add_custom_target(${target} DEPENDS ${stamps})
 endfunction()
 
 if(ORV_CLANG_TIDY AND ORV_BUILD_HOST)
-  set(directories src/spi src/common src/orv_common src/ext_cm src/host examples)
+  orv_add_tidy_target(tidy_component src/spi src/common src/orv_common src/ext_cm)
+  set(directories src/host examples)
   if(ORV_BUILD_BENCHMARKS)
     list(APPEND directories bench)
   endif()
-  orv_add_tidy_target(${directories})
+  orv_add_tidy_target(tidy_rest ${directories})
+  add_custom_target(tidy DEPENDS tidy_component tidy_rest)
 endif()

@@ -43,6 +43,7 @@ bool isWanted(const ThreadContext::Message& message, const std::string& explanat
 
 std::vector<std::string> textsOf(const std::vector<ThreadContext::Message>& messages) {
     std::vector<std::string> texts;
+    texts.reserve(messages.size());
     for (const ThreadContext::Message& message : messages) {
         texts.push_back(message.text);
     }

@@ -19,6 +19,7 @@ class Refusal;
 class Session;
 
 /// Everything that can be told of a command that failed.
+// NOLINTNEXTLINE(bugprone-exception-escape): what JSON does when it moves cannot throw
 struct Failure {
     ExitStatus status = ExitCommandError;
     std::optional<OrvReturnT> code;    ///< where a table or the host answered one

@@ -31,8 +31,9 @@ std::string failuresXml(const ScenarioResult& result) {
     std::string text;
     for (const ScenarioFailure& failure : result.failures) {
         const std::string place = result.placeOf(failure) + ": ";
-        text += "      <" + element + attribute("message", place + firstLine(failure.text)) + ">" +
-                escapeXml(place + failure.text) + "</" + element + ">\n";
+        text.append("      <").append(element);
+        text.append(attribute("message", place + firstLine(failure.text))).append(">");
+        text.append(escapeXml(place + failure.text)).append("</").append(element).append(">\n");
     }
     return text;
 }
