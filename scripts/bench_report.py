@@ -49,7 +49,8 @@ def read_instructions(results):
 
 
 def base_name(run_name):
-    return run_name.removesuffix("/manual_time")
+    """Without what the library adds: how a benchmark is timed, and how often it runs."""
+    return re.sub(r"(/iterations:\d+)?/manual_time$", "", run_name)
 
 
 def number(value):
