@@ -11,9 +11,8 @@
 #include "Portal.h"
 #include "ReadResult.h"
 #include "ReferenceList.h"
+#include "ServiceLock.h"
 #include "Tracing.h"
-
-#include <Poco/ScopedLock.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -25,10 +24,6 @@ namespace OrvExtCmRouterService {
 namespace {
 
 constexpr int childLookupLimit = 60;
-
-// Unlike that of Poco::Mutex, this guard can be let go of where a failure can still be told; its
-// destructor, for the other ways out, keeps it to itself.
-using Lock = Poco::ScopedLockWithUnlock<Poco::Mutex>;
 
 void traceReadFailure(OrvReturnT code, const char* attribute, const char* dn) {
     ORV_TRACE("Error code %d received when reading attribute %s in %s.", code, attribute, dn);
@@ -159,7 +154,7 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
 void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn,
                                     const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
                                     const char* sourceAttribute) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     const char* const backPointer = backPointerOf(end);
     if (BackPointerRouter(moRouter).certainlyExists(txHandle, targetDn)) {
         extendBackPointer(txHandle, targetDn, dnToAdd, backPointer);
@@ -186,7 +181,7 @@ void BiDirUtils::extendBackPointer(unsigned long txHandle, const char* targetDn,
 
 OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string> values,
                                  const char* dn, const char* attributeName) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     Orv::AutoMemory memory;
     const auto count = static_cast<std::uint32_t>(values.size());
     auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
@@ -248,7 +243,7 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
             code = editFarSides({txHandle, dn, attributeName}, moc, bidir, toAdd, toRemove, code);
         }
     }
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     addUpdatedBp(txHandle, dn, attributeName);
     lock.unlock();
     return code;
@@ -400,7 +395,7 @@ void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
 OrvReturnT BiDirUtils::updatePendingBackPointer(unsigned long txHandle, const std::string& key,
                                                 const char* attribute) {
     ORV_TRACE_ENTRY(" >> key = %s", key.c_str());
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     OrvReturnT code = OrvOk;
     if (!pendingBackPointers.empty()) {
         bool exists = false;
@@ -435,7 +430,7 @@ bool BiDirUtils::startsWith(const std::string& text, const std::string& prefix) 
 }
 
 void BiDirUtils::removePendingBackPointerUpdates(unsigned long txHandle, const std::string& dn) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     mPending.dropSources(txHandle, dn, &startsWith);
     lock.unlock();
 }
@@ -443,13 +438,13 @@ void BiDirUtils::removePendingBackPointerUpdates(unsigned long txHandle, const s
 // The target is not compared, so one withdrawal drops all that the attribute has queued.
 void BiDirUtils::removePendingBackPointerFromQueue(unsigned long txHandle, const std::string& dn,
                                                    const std::string& attribute) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     mPending.dropSources(txHandle, dn, attribute, &startsWith);
     lock.unlock();
 }
 
 void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     mPending.dropTransaction(txHandle);
     lock.unlock();
 }
@@ -462,7 +457,7 @@ void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {
-    Lock lock(mMutex);
+    ServiceLock lock(mMutex);
     const auto entry = modifiedBackPointers.find(txHandle);
     ModifiedAttributes copy =
         entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();

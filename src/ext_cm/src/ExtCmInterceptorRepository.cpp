@@ -5,9 +5,8 @@
 
 #include "ComponentName.h"
 #include "MoInterceptorBase.h"
+#include "ServiceLock.h"
 #include "Tracing.h"
-
-#include <Poco/ScopedLock.h>
 
 namespace OrvExtCmRouterService {
 
@@ -26,7 +25,7 @@ OrvReturnT ExtCmInterceptorRepository::registerClass(MoInterceptorBase& intercep
                                                      std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> interceptor: %p, mocPath: %s ", static_cast<const void*>(&interceptor),
                     mocPath.c_str());
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    ServiceLock lock(mMutex);
     const bool entered = mInterceptors.emplace(mocPath, &interceptor).second;
     if (!entered) {
         ORV_TRACE("Interceptor with mocPath %s is already registered", mocPath.c_str());
@@ -36,7 +35,7 @@ OrvReturnT ExtCmInterceptorRepository::registerClass(MoInterceptorBase& intercep
 }
 
 void ExtCmInterceptorRepository::deregisterClass(std::string const& mocPath) {
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    ServiceLock lock(mMutex);
     mInterceptors.erase(mocPath);
     lock.unlock();
 }
@@ -44,7 +43,7 @@ void ExtCmInterceptorRepository::deregisterClass(std::string const& mocPath) {
 MoInterceptorBase* ExtCmInterceptorRepository::getInterceptor(std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> mocPath: %s ", mocPath.c_str());
     MoInterceptorBase* interceptor = nullptr;
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    ServiceLock lock(mMutex);
     const auto found = mInterceptors.find(mocPath);
     if (found != mInterceptors.end()) {
         interceptor = found->second;

@@ -5,9 +5,8 @@
 
 #include "ComponentName.h"
 #include "OpeningSteps.h"
+#include "ServiceLock.h"
 #include "Tracing.h"
-
-#include <Poco/ScopedLock.h>
 
 namespace OrvExtCmRouterService {
 
@@ -118,7 +117,7 @@ OrvReturnT ExtCmRouterService::finish(unsigned long txHandle) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
     mBiDirUtils.removePendingBackpointersForTransaction(txHandle);
     mUniDirValidator.finish(txHandle);
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mTxData.mMutex);
+    ServiceLock lock(mTxData.mMutex);
     const auto found = mTxData.memoryByTx.find(txHandle);
     if (found != mTxData.memoryByTx.end()) {
         delete found->second;

@@ -8,9 +8,9 @@
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
+#include "ServiceLock.h"
 
 #include <Poco/Mutex.h>
-#include <Poco/ScopedLock.h>
 
 namespace OrvExtCmRouterService {
 
@@ -36,7 +36,7 @@ protected:
     }
 
     void letGoOfRouter() {
-        Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+        ServiceLock lock(mMutex);
         started = false;
         router = nullptr;
         lock.unlock();

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "TransactionData.h"
-
-#include <Poco/ScopedLock.h>
+#include "ServiceLock.h"
 
 #include <memory>
 
@@ -16,7 +15,7 @@ TransactionData::~TransactionData() {
 }
 
 Orv::AutoMemory* TransactionData::getTxData(unsigned long txHandle) {
-    Poco::ScopedLockWithUnlock<Poco::Mutex> lock(mMutex);
+    ServiceLock lock(mMutex);
     const auto found = memoryByTx.find(txHandle);
     if (found != memoryByTx.end()) {
         Orv::AutoMemory* const known = found->second;

@@ -7,18 +7,14 @@
 #include "ModelWalk.h"
 #include "OrvException.h"
 #include "Portal.h"
+#include "ServiceLock.h"
 #include "Tracing.h"
-
-#include <Poco/ScopedLock.h>
 
 namespace OrvExtCmRouterService {
 
 namespace {
 
 using Association = VekOamSpiMrUniDirAssociationHandle_4T;
-
-// Let go of before the end of its block, so that a failure to do so is told.
-using Lock = Poco::ScopedLockWithUnlock<Poco::Mutex>;
 
 constexpr int dnLookupFlag = 1;
 
@@ -50,7 +46,7 @@ void UniDirValidator::start() {
 void UniDirValidator::stop() {
     repository = nullptr;
     threadContext = nullptr;
-    Lock lock(mutex);
+    ServiceLock lock(mutex);
     storage.clear();
     lock.unlock();
 }
@@ -74,7 +70,7 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
         if (!isUniDir(moc, attrName, &association)) {
             return;
         }
-        Lock lock(mutex);
+        ServiceLock lock(mutex);
         storage.setUniDirRef(txHandle, dn, moc, attrName, association, values);
         lock.unlock();
     } catch (Orv::OrvException const& exception) {
@@ -114,7 +110,7 @@ void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
         return;
     }
     try {
-        Lock lock(mutex);
+        ServiceLock lock(mutex);
         storage.deleteMo(txHandle, dn);
         lock.unlock();
     } catch (Orv::OrvException const& exception) {
@@ -123,7 +119,7 @@ void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
 }
 
 void UniDirValidator::finish(unsigned long txHandle) {
-    Lock lock(mutex);
+    ServiceLock lock(mutex);
     storage.finish(txHandle);
     lock.unlock();
 }
@@ -135,7 +131,7 @@ OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
     }
     OrvReturnT code = OrvOk;
     try {
-        Lock lock(mutex);
+        ServiceLock lock(mutex);
         const bool valid = storage.validate(*repository, *threadContext, txHandle);
         lock.unlock();
         *result = valid;
