@@ -4,6 +4,7 @@
 #include "XmlText.h"
 
 #include "yang/ValueText.h"
+#include "yang/XmlEntity.h"
 
 namespace OrvHost {
 namespace {
@@ -11,21 +12,8 @@ namespace {
 constexpr const char* kStep = "  ";
 
 std::string escapeCharacter(char c) {
-    switch (c) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\n':
-        return "&#10;"; // a value stays on its line
-    case '\r':
-        return "&#13;";
-    default:
-        break;
+    if (const char* const entity = xmlEntity(c)) {
+        return entity;
     }
     if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
         throw UnwritableValue("a text with a control character cannot be written as XML");

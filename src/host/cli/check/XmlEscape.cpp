@@ -4,6 +4,7 @@
 #include "XmlEscape.h"
 
 #include "cli/ValueJson.h"
+#include "yang/XmlEntity.h"
 
 namespace OrvHost {
 
@@ -17,23 +18,11 @@ std::string asUtf8(const std::string& text) {
 }
 
 std::string escapedByte(char character) {
-    switch (character) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\n':
-        return "&#10;";
-    case '\r':
-        return "&#13;";
-    case '\t':
+    if (character == '\t') {
         return "&#9;";
-    default:
-        break;
+    }
+    if (const char* const entity = xmlEntity(character)) {
+        return entity;
     }
     const bool isControl = static_cast<unsigned char>(character) < 0x20U;
     return isControl ? std::string(kReplacement) : std::string(1, character);
