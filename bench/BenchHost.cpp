@@ -21,34 +21,34 @@ using namespace OrvHost;
 constexpr const char* identity = "Harbour-North";
 
 Model makeModel() {
-    const auto text = [](const char* name) { return AttributeSpec::text(name); };
+    const auto text = [](const char* name) { return AttributeDraft::text(name); };
     return ModelBuilder()
-        .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
-        .add(ClassSpec("Mast")
+        .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+        .add(ClassDraft("Mast")
                  .key("mastId")
-                 .attribute(AttributeSpec::integer("height"))
+                 .attribute(AttributeDraft::integer("height"))
                  .attribute(text("label"))
                  .attribute(text("owner"))
                  .attribute(text("networkManagedElementId"))
-                 .attribute(AttributeSpec::structure("position", {text("place"), text("note")}))
-                 .attribute(AttributeSpec::structure(
-                     "feed", {text("place"), AttributeSpec::reference("from")}))
-                 .attribute(AttributeSpec::reference("antennas", {"Antenna"}).many())
-                 .attribute(AttributeSpec::reference("neighbours", {"Mast"}).many())
-                 .action(ActionSpec("inspect")
+                 .attribute(AttributeDraft::structure("position", {text("place"), text("note")}))
+                 .attribute(AttributeDraft::structure(
+                     "feed", {text("place"), AttributeDraft::reference("from")}))
+                 .attribute(AttributeDraft::reference("antennas", {"Antenna"}).many())
+                 .attribute(AttributeDraft::reference("neighbours", {"Mast"}).many())
+                 .action(ActionDraft("inspect")
                              .parameter(text("reason"))
-                             .parameter(AttributeSpec::reference("inspector"))
-                             .result(AttributeSpec::reference("inspected"))))
-        .add(ClassSpec("Site").key("siteId"))
-        .add(ClassSpec("Antenna")
+                             .parameter(AttributeDraft::reference("inspector"))
+                             .result(AttributeDraft::reference("inspected"))))
+        .add(ClassDraft("Site").key("siteId"))
+        .add(ClassDraft("Antenna")
                  .key("antennaId")
                  .attribute(text("label"))
-                 .attribute(AttributeSpec::reference("mast", {"Mast"})))
+                 .attribute(AttributeDraft::reference("mast", {"Mast"})))
         .contain("ManagedElement", "Mast")
         .contain("ManagedElement", "Site")
         .contain("Site", "Antenna")
-        .biDir(ReferenceSpec("Mast", "antennas"), ReferenceSpec("Antenna", "mast"))
-        .uniDir(ReferenceSpec("Mast", "neighbours"), {"Mast"})
+        .biDir(ReferenceDraft("Mast", "antennas"), ReferenceDraft("Antenna", "mast"))
+        .uniDir(ReferenceDraft("Mast", "neighbours"), {"Mast"})
         .build();
 }
 

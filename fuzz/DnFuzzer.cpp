@@ -85,8 +85,8 @@ bool splitsToTheTop(const std::string& dn) {
 void checkHostView(const std::string& dn) {
     require(OrvHost::isDn(dn) == splitsToTheTop(dn), "two views of what a DN is");
     static const OrvHost::Model kModel = OrvHost::ModelBuilder()
-                                             .add(OrvHost::ClassSpec("A").topLevel().key("aId"))
-                                             .add(OrvHost::ClassSpec("B").key("bId"))
+                                             .add(OrvHost::ClassDraft("A").topLevel().key("aId"))
+                                             .add(OrvHost::ClassDraft("B").key("bId"))
                                              .contain("A", "B")
                                              .contain("B", "B")
                                              .build();

@@ -20,12 +20,13 @@ using namespace OrvHost;
 // [model]
 Model makeModel() {
     return ModelBuilder()
-        .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
-        .add(ClassSpec("Mast").key("mastId").attribute(AttributeSpec::reference("antennas").many()))
-        .add(ClassSpec("Antenna").key("antennaId").attribute(AttributeSpec::reference("mast")))
+        .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+        .add(ClassDraft("Mast").key("mastId").attribute(
+            AttributeDraft::reference("antennas").many()))
+        .add(ClassDraft("Antenna").key("antennaId").attribute(AttributeDraft::reference("mast")))
         .contain("ManagedElement", "Mast")
         .contain("ManagedElement", "Antenna")
-        .biDir(ReferenceSpec("Mast", "antennas"), ReferenceSpec("Antenna", "mast"))
+        .biDir(ReferenceDraft("Mast", "antennas"), ReferenceDraft("Antenna", "mast"))
         .build();
 }
 // [/model]

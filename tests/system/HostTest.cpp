@@ -27,8 +27,8 @@ class HostTest : public testing::Test {
 protected:
     static Model makeModel() {
         return ModelBuilder()
-            .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
-            .add(ClassSpec("Mast").key("mastId").attribute(AttributeSpec::integer("height")))
+            .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+            .add(ClassDraft("Mast").key("mastId").attribute(AttributeDraft::integer("height")))
             .contain("ManagedElement", "Mast")
             .build();
     }

@@ -49,8 +49,8 @@ int readAll(Host& host, OrvOamSpiManagedObject_3* client) {
 TEST(HostThreadsTest, Readers_SideBySide_SeeAllObjects) {
     const Model model =
         ModelBuilder()
-            .add(ClassSpec("ManagedElement").topLevel().key("managedElementId"))
-            .add(ClassSpec("Mast").key("mastId").attribute(AttributeSpec::integer("height")))
+            .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+            .add(ClassDraft("Mast").key("mastId").attribute(AttributeDraft::integer("height")))
             .contain("ManagedElement", "Mast")
             .build();
     HostOptions options;

@@ -10,17 +10,17 @@ namespace OrvHost {
 
 namespace {
 
-std::string nameOf(const ReferenceSpec& spec) {
-    return spec.owner + "." + spec.attribute;
+std::string nameOf(const ReferenceDraft& draft) {
+    return draft.owner + "." + draft.attribute;
 }
 
-std::string subjectOf(const ReferenceSpec& spec) {
-    return "Association end " + nameOf(spec);
+std::string subjectOf(const ReferenceDraft& draft) {
+    return "Association end " + nameOf(draft);
 }
 
 /// A symmetric association: a class with itself, through one attribute.
-bool isItsOwnOpposite(const ReferenceSpec& spec) {
-    return spec.owner == spec.target && spec.attribute == spec.opposite;
+bool isItsOwnOpposite(const ReferenceDraft& draft) {
+    return draft.owner == draft.target && draft.attribute == draft.opposite;
 }
 
 bool isSameBounds(const std::optional<Bounds>& left, const std::optional<Bounds>& right) {
@@ -28,7 +28,7 @@ bool isSameBounds(const std::optional<Bounds>& left, const std::optional<Bounds>
            (!left || (left->lower == right->lower && left->upper == right->upper));
 }
 
-bool agree(const ReferenceSpec& left, const ReferenceSpec& right) {
+bool agree(const ReferenceDraft& left, const ReferenceDraft& right) {
     return isSameBounds(left.cardinality, right.cardinality) && left.roleText == right.roleText &&
            left.keep == right.keep && left.opposite == right.opposite;
 }
@@ -40,26 +40,26 @@ std::int64_t boundSum(std::int64_t left, std::int64_t right) {
 
 }
 
-AssociationResolver::AssociationResolver(const std::vector<ReferenceSpec>& specs, Model& model,
+AssociationResolver::AssociationResolver(const std::vector<ReferenceDraft>& drafts, Model& model,
                                          ProblemList& problems)
     : mModel(model), mProblems(problems) {
-    for (const ReferenceSpec& spec : specs) {
-        enter(spec);
+    for (const ReferenceDraft& draft : drafts) {
+        enter(draft);
     }
 }
 
-void AssociationResolver::enter(const ReferenceSpec& spec) {
-    const Key key(spec.owner, spec.attribute, spec.target);
+void AssociationResolver::enter(const ReferenceDraft& draft) {
+    const Key key(draft.owner, draft.attribute, draft.target);
     const auto [known, isNew] = mIndexByKey.emplace(key, mReferences.size());
     if (isNew) {
-        mReferences.emplace_back().spec = &spec;
+        mReferences.emplace_back().draft = &draft;
     } else {
-        checkSecondMention(*mReferences[known->second].spec, spec);
+        checkSecondMention(*mReferences[known->second].draft, draft);
     }
 }
 
-void AssociationResolver::checkSecondMention(const ReferenceSpec& first,
-                                             const ReferenceSpec& second) {
+void AssociationResolver::checkSecondMention(const ReferenceDraft& first,
+                                             const ReferenceDraft& second) {
     if (!isItsOwnOpposite(first) || !isItsOwnOpposite(second)) {
         mProblems.add(second.source, {subjectOf(second), ": the association with class ",
                                       second.target, " is declared more than once."});
@@ -86,12 +86,12 @@ void AssociationResolver::resolve() {
 }
 
 void AssociationResolver::resolveNames(Reference& reference) {
-    const ReferenceSpec& spec = *reference.spec;
+    const ReferenceDraft& draft = *reference.draft;
     const bool hasAttribute = resolveAttribute(reference);
     const bool hasTarget = resolveTarget(reference);
     reference.isResolved = hasAttribute && hasTarget;
-    if (spec.cardinality) {
-        mProblems.checkBounds(spec.source, subjectOf(spec) + ", cardinality", *spec.cardinality);
+    if (draft.cardinality) {
+        mProblems.checkBounds(draft.source, subjectOf(draft) + ", cardinality", *draft.cardinality);
     }
     if (!reference.isResolved) {
         return;
@@ -99,30 +99,30 @@ void AssociationResolver::resolveNames(Reference& reference) {
     const std::vector<ClassIndex>& permitted = attributeOf(reference).type.targets;
     if (!permitted.empty() &&
         std::find(permitted.begin(), permitted.end(), reference.target) == permitted.end()) {
-        mProblems.add(spec.source, {subjectOf(spec), ": the class ", spec.target,
-                                    " is none of the target classes of the attribute."});
+        mProblems.add(draft.source, {subjectOf(draft), ": the class ", draft.target,
+                                     " is none of the target classes of the attribute."});
     }
 }
 
 bool AssociationResolver::resolveAttribute(Reference& reference) {
-    const ReferenceSpec& spec = *reference.spec;
-    const auto owner = mModel.findClass(spec.owner);
+    const ReferenceDraft& draft = *reference.draft;
+    const auto owner = mModel.findClass(draft.owner);
     if (!owner) {
-        mProblems.add(spec.source, {subjectOf(spec), ": the class ", spec.owner,
-                                    " does not exist in the model."});
+        mProblems.add(draft.source, {subjectOf(draft), ": the class ", draft.owner,
+                                     " does not exist in the model."});
         return false;
     }
     const ClassDef& moc = mModel.classes[*owner];
-    const auto attribute = moc.findAttributeIndex(spec.attribute);
+    const auto attribute = moc.findAttributeIndex(draft.attribute);
     if (!attribute) {
-        mProblems.add(spec.source, {subjectOf(spec), ": class ", spec.owner, " has no attribute ",
-                                    spec.attribute, "."});
+        mProblems.add(draft.source, {subjectOf(draft), ": class ", draft.owner,
+                                     " has no attribute ", draft.attribute, "."});
         return false;
     }
     const ValueKind kind = moc.attributes[*attribute].type.kind;
     if (kind != ValueKind::MoRef) {
-        mProblems.add(spec.source, {subjectOf(spec), ": the attribute is a ", kindName(kind),
-                                    ", expected a reference."});
+        mProblems.add(draft.source, {subjectOf(draft), ": the attribute is a ", kindName(kind),
+                                     ", expected a reference."});
         return false;
     }
     reference.owner = *owner;
@@ -131,11 +131,11 @@ bool AssociationResolver::resolveAttribute(Reference& reference) {
 }
 
 bool AssociationResolver::resolveTarget(Reference& reference) {
-    const ReferenceSpec& spec = *reference.spec;
-    const auto target = mModel.findClass(spec.target);
+    const ReferenceDraft& draft = *reference.draft;
+    const auto target = mModel.findClass(draft.target);
     if (!target) {
-        mProblems.add(spec.source, {subjectOf(spec), ": the target class \"", spec.target,
-                                    "\" does not exist in the model."});
+        mProblems.add(draft.source, {subjectOf(draft), ": the target class \"", draft.target,
+                                     "\" does not exist in the model."});
         return false;
     }
     reference.target = *target;
@@ -161,14 +161,14 @@ std::vector<AssociationResolver::Group> AssociationResolver::groupByAttribute() 
 // The component keeps a write of such an attribute in step for its bidirectional classes and then
 // refuses the same values for its unidirectional ones.
 void AssociationResolver::checkOneDirection(const Group& group) {
-    const ReferenceSpec& first = *group.front()->spec;
+    const ReferenceDraft& first = *group.front()->draft;
     for (const Reference* reference : group) {
-        const ReferenceSpec& spec = *reference->spec;
-        if (spec.opposite.empty() != first.opposite.empty()) {
-            mProblems.add(spec.source, {subjectOf(spec),
-                                        ": the attribute has an opposite for one of the classes ",
-                                        first.target, " and ", spec.target,
-                                        " and none for the other; expected the same for all."});
+        const ReferenceDraft& draft = *reference->draft;
+        if (draft.opposite.empty() != first.opposite.empty()) {
+            mProblems.add(draft.source, {subjectOf(draft),
+                                         ": the attribute has an opposite for one of the classes ",
+                                         first.target, " and ", draft.target,
+                                         " and none for the other; expected the same for all."});
         }
     }
 }
@@ -179,7 +179,7 @@ void AssociationResolver::settleCardinalities(const Group& group) {
         bounds.lower = 0;
     }
     for (Reference* reference : group) {
-        reference->cardinality = reference->spec->cardinality.value_or(bounds);
+        reference->cardinality = reference->draft->cardinality.value_or(bounds);
     }
 }
 
@@ -191,10 +191,10 @@ void AssociationResolver::checkMultiplicity(const Group& group) {
     }
     const Bounds& bounds = attributeOf(*group.front()).multiplicity;
     if (sum.lower > bounds.upper || sum.upper < bounds.lower) {
-        const ReferenceSpec& spec = *group.front()->spec;
-        mProblems.add(spec.source, {subjectOf(spec), ": the attribute holds ", toText(bounds),
-                                    " values, its associations together ask for ", toText(sum),
-                                    ": no number of values can satisfy both."});
+        const ReferenceDraft& draft = *group.front()->draft;
+        mProblems.add(draft.source, {subjectOf(draft), ": the attribute holds ", toText(bounds),
+                                     " values, its associations together ask for ", toText(sum),
+                                     ": no number of values can satisfy both."});
     }
 }
 
@@ -212,11 +212,11 @@ void AssociationResolver::associate(std::size_t index) {
     if (!reference.isResolved) {
         return;
     }
-    const ReferenceSpec& spec = *reference.spec;
-    if (spec.opposite.empty()) {
-        mModel.uniDirAssociations.push_back({reference.owner, makeEnd(reference), spec.source});
+    const ReferenceDraft& draft = *reference.draft;
+    if (draft.opposite.empty()) {
+        mModel.uniDirAssociations.push_back({reference.owner, makeEnd(reference), draft.source});
     } else if (hasAgreeingOpposite(reference)) {
-        const auto opposite = mIndexByKey.find(Key(spec.target, spec.opposite, spec.owner));
+        const auto opposite = mIndexByKey.find(Key(draft.target, draft.opposite, draft.owner));
         if (opposite->second >= index) {
             associateBoth(index, opposite->second);
         }
@@ -224,38 +224,38 @@ void AssociationResolver::associate(std::size_t index) {
 }
 
 bool AssociationResolver::hasAgreeingOpposite(const Reference& reference) {
-    const ReferenceSpec& spec = *reference.spec;
-    const auto found = mIndexByKey.find(Key(spec.target, spec.opposite, spec.owner));
+    const ReferenceDraft& draft = *reference.draft;
+    const auto found = mIndexByKey.find(Key(draft.target, draft.opposite, draft.owner));
     if (found == mIndexByKey.end()) {
         explainMissingOpposite(reference);
         return false;
     }
-    const ReferenceSpec& opposite = *mReferences[found->second].spec;
-    if (opposite.opposite != spec.attribute) {
+    const ReferenceDraft& opposite = *mReferences[found->second].draft;
+    if (opposite.opposite != draft.attribute) {
         const std::string told = opposite.opposite.empty()
                                      ? "no opposite at all"
-                                     : spec.owner + "." + opposite.opposite + " as its opposite";
-        mProblems.add(spec.source, {subjectOf(spec), ": names ", nameOf(opposite),
-                                    " as its opposite, but that one names ", told, "."});
+                                     : draft.owner + "." + opposite.opposite + " as its opposite";
+        mProblems.add(draft.source, {subjectOf(draft), ": names ", nameOf(opposite),
+                                     " as its opposite, but that one names ", told, "."});
         return false;
     }
     return mReferences[found->second].isResolved;
 }
 
 void AssociationResolver::explainMissingOpposite(const Reference& reference) {
-    const ReferenceSpec& spec = *reference.spec;
-    const std::string opposite = spec.target + "." + spec.opposite;
-    const AttributeDef* attribute = mModel.classes[reference.target].findAttribute(spec.opposite);
-    std::string reason = "class " + spec.target + " has no attribute " + spec.opposite;
+    const ReferenceDraft& draft = *reference.draft;
+    const std::string opposite = draft.target + "." + draft.opposite;
+    const AttributeDef* attribute = mModel.classes[reference.target].findAttribute(draft.opposite);
+    std::string reason = "class " + draft.target + " has no attribute " + draft.opposite;
     if (attribute && attribute->type.kind != ValueKind::MoRef) {
         reason = "that attribute is a " + std::string(kindName(attribute->type.kind)) +
                  ", expected a reference";
     } else if (attribute) {
         reason =
-            "that attribute is not declared as an end of an association with class " + spec.owner;
+            "that attribute is not declared as an end of an association with class " + draft.owner;
     }
-    mProblems.add(spec.source,
-                  {subjectOf(spec), ": names ", opposite, " as its opposite, but ", reason, "."});
+    mProblems.add(draft.source,
+                  {subjectOf(draft), ": names ", opposite, " as its opposite, but ", reason, "."});
 }
 
 void AssociationResolver::associateBoth(std::size_t index, std::size_t opposite) {
@@ -263,20 +263,20 @@ void AssociationResolver::associateBoth(std::size_t index, std::size_t opposite)
     const Reference& second = mReferences[opposite];
     // Readers tell the two ends apart by their classes, or else by their names, but never by a
     // name within different classes: one of the directions would not be kept in step.
-    if (first.owner != second.owner && first.spec->attribute == second.spec->attribute) {
-        mProblems.add(second.spec->source, {subjectOf(*second.spec),
-                                            ": both ends of an association between different "
-                                            "classes are named ",
-                                            first.spec->attribute, ", expected two names."});
+    if (first.owner != second.owner && first.draft->attribute == second.draft->attribute) {
+        mProblems.add(second.draft->source, {subjectOf(*second.draft),
+                                             ": both ends of an association between different "
+                                             "classes are named ",
+                                             first.draft->attribute, ", expected two names."});
         return;
     }
-    mModel.biDirAssociations.push_back({{makeEnd(second), makeEnd(first)}, first.spec->source});
+    mModel.biDirAssociations.push_back({{makeEnd(second), makeEnd(first)}, first.draft->source});
 }
 
 AssociationEnd AssociationResolver::makeEnd(const Reference& reference) const {
-    const ReferenceSpec& spec = *reference.spec;
-    const std::string& role = spec.roleText.empty() ? spec.target : spec.roleText;
-    return {reference.target, spec.attribute, role, reference.cardinality, spec.keep};
+    const ReferenceDraft& draft = *reference.draft;
+    const std::string& role = draft.roleText.empty() ? draft.target : draft.roleText;
+    return {reference.target, draft.attribute, role, reference.cardinality, draft.keep};
 }
 
 AttributeDef& AssociationResolver::attributeOf(const Reference& reference) {

@@ -5,7 +5,7 @@
 #define ORV_HOST_MODEL_ASSOCIATIONRESOLVER_H
 
 #include "Model.h"
-#include "ModelSpec.h"
+#include "ModelDraft.h"
 #include "ProblemList.h"
 
 #include <cstddef>
@@ -21,15 +21,15 @@ namespace OrvHost {
 /// must be resolved before.
 class AssociationResolver {
 public:
-    AssociationResolver(const std::vector<ReferenceSpec>& specs, Model& model,
+    AssociationResolver(const std::vector<ReferenceDraft>& drafts, Model& model,
                         ProblemList& problems);
 
     void resolve();
 
 private:
-    /// One end. Without `isResolved` only `spec` has a meaning, and its problems are told.
+    /// One end. Without `isResolved` only `draft` has a meaning, and its problems are told.
     struct Reference {
-        const ReferenceSpec* spec = nullptr;
+        const ReferenceDraft* draft = nullptr;
         bool isResolved = false;
         ClassIndex owner = 0;
         AttributeIndex attribute = 0;
@@ -40,8 +40,8 @@ private:
     using Group = std::vector<Reference*>;
     using Key = std::tuple<std::string, std::string, std::string>; ///< owner, attribute, target
 
-    void enter(const ReferenceSpec& spec);
-    void checkSecondMention(const ReferenceSpec& first, const ReferenceSpec& second);
+    void enter(const ReferenceDraft& draft);
+    void checkSecondMention(const ReferenceDraft& first, const ReferenceDraft& second);
 
     void resolveNames(Reference& reference);
     bool resolveAttribute(Reference& reference);

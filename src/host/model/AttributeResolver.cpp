@@ -20,9 +20,9 @@ bool isUsableName(std::string_view name) {
     return !name.empty() && std::none_of(name.begin(), name.end(), isForbidden);
 }
 
-AttributeDef AttributeResolver::resolve(const AttributeSpec& spec, const std::string& subject,
+AttributeDef AttributeResolver::resolve(const AttributeDraft& draft, const std::string& subject,
                                         const SourcePosition& fallback) {
-    AttributeDef def = spec.def;
+    AttributeDef def = draft.def;
     if (def.source.file.empty()) {
         def.source = fallback;
     }
@@ -33,38 +33,38 @@ AttributeDef AttributeResolver::resolve(const AttributeSpec& spec, const std::st
     }
     mProblems.checkBounds(def.source, subject, def.multiplicity);
     checkEnumerators(def, subject);
-    resolveTargets(spec, subject, def);
-    if (!spec.members.empty() && def.type.kind != ValueKind::Struct) {
+    resolveTargets(draft, subject, def);
+    if (!draft.members.empty() && def.type.kind != ValueKind::Struct) {
         mProblems.add(def.source, {subject, ": only a struct has members, this is a ",
                                    kindName(def.type.kind), "."});
     }
-    def.type.members = resolveAll(spec.members, subject + ".", def.source);
+    def.type.members = resolveAll(draft.members, subject + ".", def.source);
     checkDefault(def, subject);
     return def;
 }
 
-std::vector<AttributeDef> AttributeResolver::resolveAll(const std::vector<AttributeSpec>& specs,
+std::vector<AttributeDef> AttributeResolver::resolveAll(const std::vector<AttributeDraft>& drafts,
                                                         const std::string& prefix,
                                                         const SourcePosition& fallback) {
     std::vector<AttributeDef> all;
     std::unordered_set<std::string> names;
-    for (const AttributeSpec& spec : specs) {
-        const std::string subject = prefix + spec.def.name;
-        all.push_back(resolve(spec, subject, fallback));
-        if (!names.insert(spec.def.name).second) {
+    for (const AttributeDraft& draft : drafts) {
+        const std::string subject = prefix + draft.def.name;
+        all.push_back(resolve(draft, subject, fallback));
+        if (!names.insert(draft.def.name).second) {
             mProblems.add(all.back().source, {subject, " is defined more than once."});
         }
     }
     return all;
 }
 
-void AttributeResolver::resolveTargets(const AttributeSpec& spec, const std::string& subject,
+void AttributeResolver::resolveTargets(const AttributeDraft& draft, const std::string& subject,
                                        AttributeDef& def) {
-    if (!spec.targets.empty() && def.type.kind != ValueKind::MoRef) {
+    if (!draft.targets.empty() && def.type.kind != ValueKind::MoRef) {
         mProblems.add(def.source, {subject, ": only a reference has target classes, this is a ",
                                    kindName(def.type.kind), "."});
     }
-    for (const std::string& target : spec.targets) {
+    for (const std::string& target : draft.targets) {
         const auto index = mModel.findClass(target);
         if (index) {
             def.type.targets.push_back(*index);

@@ -5,7 +5,7 @@
 #define ORV_HOST_MODEL_ATTRIBUTERESOLVER_H
 
 #include "Model.h"
-#include "ModelSpec.h"
+#include "ModelDraft.h"
 #include "ProblemList.h"
 
 #include <string>
@@ -27,15 +27,15 @@ public:
 
     /// `subject` begins the messages: "Attribute Cell.label". `fallback` is told as the place when
     /// the attribute itself has none.
-    AttributeDef resolve(const AttributeSpec& spec, const std::string& subject,
+    AttributeDef resolve(const AttributeDraft& draft, const std::string& subject,
                          const SourcePosition& fallback);
 
     /// All of them, with a check that their names differ. `prefix` and the name make the subject.
-    std::vector<AttributeDef> resolveAll(const std::vector<AttributeSpec>& specs,
+    std::vector<AttributeDef> resolveAll(const std::vector<AttributeDraft>& drafts,
                                          const std::string& prefix, const SourcePosition& fallback);
 
 private:
-    void resolveTargets(const AttributeSpec& spec, const std::string& subject, AttributeDef& def);
+    void resolveTargets(const AttributeDraft& draft, const std::string& subject, AttributeDef& def);
     void checkEnumerators(const AttributeDef& def, const std::string& subject);
     void checkDefault(const AttributeDef& def, const std::string& subject);
 

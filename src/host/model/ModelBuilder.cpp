@@ -9,31 +9,31 @@
 
 namespace OrvHost {
 
-ModelBuilder& ModelBuilder::add(ClassSpec spec) {
-    mSpec.classes.push_back(std::move(spec));
+ModelBuilder& ModelBuilder::add(ClassDraft draft) {
+    mDraft.classes.push_back(std::move(draft));
     return *this;
 }
 
 ModelBuilder& ModelBuilder::contain(std::string parent, std::string child, SourcePosition source) {
-    mSpec.containments.push_back({std::move(parent), std::move(child), std::move(source)});
+    mDraft.containments.push_back({std::move(parent), std::move(child), std::move(source)});
     return *this;
 }
 
-ModelBuilder& ModelBuilder::add(ReferenceSpec spec) {
-    mSpec.references.push_back(std::move(spec));
+ModelBuilder& ModelBuilder::add(ReferenceDraft draft) {
+    mDraft.references.push_back(std::move(draft));
     return *this;
 }
 
-ModelBuilder& ModelBuilder::biDir(ReferenceSpec first, ReferenceSpec second) {
+ModelBuilder& ModelBuilder::biDir(ReferenceDraft first, ReferenceDraft second) {
     first.to(second.owner).pointedBackBy(second.attribute);
     second.to(first.owner).pointedBackBy(first.attribute);
     return add(std::move(first)).add(std::move(second));
 }
 
-ModelBuilder& ModelBuilder::uniDir(const ReferenceSpec& spec,
+ModelBuilder& ModelBuilder::uniDir(const ReferenceDraft& draft,
                                    const std::vector<std::string>& targets) {
     for (const std::string& target : targets) {
-        ReferenceSpec one = spec;
+        ReferenceDraft one = draft;
         one.opposite.clear();
         add(std::move(one.to(target)));
     }
@@ -41,7 +41,7 @@ ModelBuilder& ModelBuilder::uniDir(const ReferenceSpec& spec,
 }
 
 Model ModelBuilder::build() const {
-    return ModelResolver(mSpec).resolve();
+    return ModelResolver(mDraft).resolve();
 }
 
 }

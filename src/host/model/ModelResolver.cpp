@@ -29,14 +29,14 @@ Model ModelResolver::resolve() {
     resolveClasses();
     resolveContainments();
     checkReachability();
-    AssociationResolver(mSpec.references, mModel, mProblems).resolve();
+    AssociationResolver(mDraft.references, mModel, mProblems).resolve();
     mProblems.throwIfAny();
     return std::move(mModel);
 }
 
 void ModelResolver::enterClasses() {
-    for (const ClassSpec& spec : mSpec.classes) {
-        const ClassDef& moc = spec.def;
+    for (const ClassDraft& draft : mDraft.classes) {
+        const ClassDef& moc = draft.def;
         if (!isUsableName(moc.name) || moc.name.find('.') != std::string::npos) {
             mProblems.add(moc.source,
                           {subjectOf(moc),
@@ -60,47 +60,47 @@ void ModelResolver::enterClasses() {
 
 void ModelResolver::resolveClasses() {
     std::unordered_set<std::string> resolved;
-    for (const ClassSpec& spec : mSpec.classes) {
-        if (resolved.insert(spec.def.name).second) {
-            resolveClass(spec, mModel.classes[*mModel.findClass(spec.def.name)]);
+    for (const ClassDraft& draft : mDraft.classes) {
+        if (resolved.insert(draft.def.name).second) {
+            resolveClass(draft, mModel.classes[*mModel.findClass(draft.def.name)]);
         }
     }
 }
 
-void ModelResolver::resolveClass(const ClassSpec& spec, ClassDef& moc) {
+void ModelResolver::resolveClass(const ClassDraft& draft, ClassDef& moc) {
     AttributeResolver attributes(mModel, mProblems);
     moc.attributes =
-        attributes.resolveAll(spec.attributes, "Attribute " + moc.name + ".", moc.source);
+        attributes.resolveAll(draft.attributes, "Attribute " + moc.name + ".", moc.source);
     mProblems.checkBounds(moc.source, subjectOf(moc) + ", number of objects", moc.instances);
-    checkNamingAttribute(spec, moc);
-    resolveActions(spec, moc);
+    checkNamingAttribute(draft, moc);
+    resolveActions(draft, moc);
 }
 
-void ModelResolver::resolveActions(const ClassSpec& spec, ClassDef& moc) {
+void ModelResolver::resolveActions(const ClassDraft& draft, ClassDef& moc) {
     AttributeResolver attributes(mModel, mProblems);
-    for (const ActionSpec& actionSpec : spec.actions) {
-        const std::string subject = "Action " + moc.name + "." + actionSpec.name;
-        if (!isUsableName(actionSpec.name)) {
+    for (const ActionDraft& actionDraft : draft.actions) {
+        const std::string subject = "Action " + moc.name + "." + actionDraft.name;
+        if (!isUsableName(actionDraft.name)) {
             mProblems.add(moc.source, {subject, ": this cannot be the name of an action."});
         }
-        if (moc.findAction(actionSpec.name)) {
+        if (moc.findAction(actionDraft.name)) {
             mProblems.add(moc.source, {subject, " is defined more than once."});
         }
         ActionDef action;
-        action.name = actionSpec.name;
-        action.description = actionSpec.description;
+        action.name = actionDraft.name;
+        action.description = actionDraft.description;
         action.parameters =
-            attributes.resolveAll(actionSpec.parameters, subject + ", parameter ", moc.source);
-        if (actionSpec.resultSpec) {
+            attributes.resolveAll(actionDraft.parameters, subject + ", parameter ", moc.source);
+        if (actionDraft.resultDraft) {
             action.result =
-                attributes.resolve(*actionSpec.resultSpec, subject + ", result", moc.source);
+                attributes.resolve(*actionDraft.resultDraft, subject + ", result", moc.source);
         }
         moc.actions.push_back(std::move(action));
     }
 }
 
 // The naming value is the text behind "=" in a DN: the attribute must be able to hold any one text.
-void ModelResolver::checkNamingAttribute(const ClassSpec& spec, ClassDef& moc) {
+void ModelResolver::checkNamingAttribute(const ClassDraft& draft, ClassDef& moc) {
     const auto isNaming = [](const AttributeDef& attribute) { return attribute.isNaming; };
     const auto naming = std::find_if(moc.attributes.begin(), moc.attributes.end(), isNaming);
     if (naming == moc.attributes.end()) {
@@ -114,31 +114,31 @@ void ModelResolver::checkNamingAttribute(const ClassSpec& spec, ClassDef& moc) {
     const ValueKind kind = naming->type.kind;
     if (kind != ValueKind::String && kind != ValueKind::Enumeration) {
         mProblems.add(naming->source,
-                      {"Attribute ", spec.def.name, ".", naming->name,
+                      {"Attribute ", draft.def.name, ".", naming->name,
                        ": a naming attribute is a text or an enumeration, this is a ",
                        kindName(kind), "."});
     }
     if (naming->multiplicity.lower > 1 || naming->multiplicity.upper != 1) {
-        mProblems.add(naming->source, {"Attribute ", spec.def.name, ".", naming->name,
+        mProblems.add(naming->source, {"Attribute ", draft.def.name, ".", naming->name,
                                        ": a naming attribute has exactly one value, not ",
                                        toText(naming->multiplicity), "."});
     }
 }
 
 void ModelResolver::resolveContainments() {
-    for (const ContainmentSpec& spec : mSpec.containments) {
-        resolveContainment(spec);
+    for (const ContainmentDraft& draft : mDraft.containments) {
+        resolveContainment(draft);
     }
 }
 
-void ModelResolver::resolveContainment(const ContainmentSpec& spec) {
-    const auto parent = mModel.findClass(spec.parent);
-    const auto child = mModel.findClass(spec.child);
+void ModelResolver::resolveContainment(const ContainmentDraft& draft) {
+    const auto parent = mModel.findClass(draft.parent);
+    const auto child = mModel.findClass(draft.child);
     for (const auto& [index, name] :
-         {std::pair(parent, spec.parent), std::pair(child, spec.child)}) {
+         {std::pair(parent, draft.parent), std::pair(child, draft.child)}) {
         if (!index) {
-            mProblems.add(spec.source, {"Containment of ", spec.child, " in ", spec.parent,
-                                        ": the class ", name, " does not exist in the model."});
+            mProblems.add(draft.source, {"Containment of ", draft.child, " in ", draft.parent,
+                                         ": the class ", name, " does not exist in the model."});
         }
     }
     if (parent && child && !mModel.classes[*child].mayStandUnder(*parent)) {

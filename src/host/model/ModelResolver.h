@@ -14,7 +14,7 @@ namespace OrvHost {
 /// place does not hide those in others. Lives for one resolve().
 class ModelResolver {
 public:
-    explicit ModelResolver(const ModelSpec& spec) : mSpec(spec) {}
+    explicit ModelResolver(const ModelDraft& draft) : mDraft(draft) {}
 
     /// \throws ModelError
     Model resolve();
@@ -22,14 +22,14 @@ public:
 private:
     void enterClasses();
     void resolveClasses();
-    void resolveClass(const ClassSpec& spec, ClassDef& moc);
-    void resolveActions(const ClassSpec& spec, ClassDef& moc);
-    void checkNamingAttribute(const ClassSpec& spec, ClassDef& moc);
+    void resolveClass(const ClassDraft& draft, ClassDef& moc);
+    void resolveActions(const ClassDraft& draft, ClassDef& moc);
+    void checkNamingAttribute(const ClassDraft& draft, ClassDef& moc);
     void resolveContainments();
-    void resolveContainment(const ContainmentSpec& spec);
+    void resolveContainment(const ContainmentDraft& draft);
     void checkReachability();
 
-    const ModelSpec& mSpec;
+    const ModelDraft& mDraft;
     Model mModel;
     ProblemList mProblems;
 };

@@ -41,10 +41,10 @@ std::vector<Statement> associationsIn(const lysc_ext_instance* extensions) {
     return statements;
 }
 
-void apply(const ReferenceTerms& terms, ReferenceSpec& spec) {
-    spec.cardinality = terms.bounds;
-    spec.roleText = terms.role;
-    spec.keep = terms.keepAtDelete;
+void apply(const ReferenceTerms& terms, ReferenceDraft& draft) {
+    draft.cardinality = terms.bounds;
+    draft.roleText = terms.role;
+    draft.keep = terms.keepAtDelete;
 }
 
 }
@@ -88,11 +88,11 @@ void AssociationReader::readModuleStatement(const std::string& keyword, const st
 }
 
 void AssociationReader::add(const UniDirInModule& statement, const SourcePosition& source) {
-    ReferenceSpec spec(use(statement.owner.moc, source), statement.owner.attribute);
-    spec.to(use(statement.target, source)).at(source);
-    apply(statement.terms, spec);
-    mFromModules.insert({spec.owner, spec.attribute});
-    mReferences.push_back(std::move(spec));
+    ReferenceDraft draft(use(statement.owner.moc, source), statement.owner.attribute);
+    draft.to(use(statement.target, source)).at(source);
+    apply(statement.terms, draft);
+    mFromModules.insert({draft.owner, draft.attribute});
+    mReferences.push_back(std::move(draft));
 }
 
 void AssociationReader::add(const BiDirInModule& statement, const SourcePosition& source) {
@@ -102,38 +102,38 @@ void AssociationReader::add(const BiDirInModule& statement, const SourcePosition
     for (std::size_t i = 0; i < (isOneAttribute ? 1 : 2); ++i) {
         const auto& [near, terms] = statement.sides[i];
         const AttributeName& far = statement.sides[1 - i].first;
-        ReferenceSpec spec(use(near.moc, source), near.attribute);
-        spec.to(use(far.moc, source)).pointedBackBy(far.attribute).at(source);
-        apply(terms, spec);
-        mFromModules.insert({spec.owner, spec.attribute});
-        mReferences.push_back(std::move(spec));
+        ReferenceDraft draft(use(near.moc, source), near.attribute);
+        draft.to(use(far.moc, source)).pointedBackBy(far.attribute).at(source);
+        apply(terms, draft);
+        mFromModules.insert({draft.owner, draft.attribute});
+        mReferences.push_back(std::move(draft));
     }
 }
 
 void AssociationReader::readAttribute(const lysc_node* node, const std::string& className) {
     for (const Statement& statement : associationsIn(node->exts)) {
-        ReferenceSpec spec(className, node->name);
-        spec.at(mLocator.of(node, statement.name, statement.argument));
-        readInAttribute(statement.name, statement.argument, std::move(spec));
+        ReferenceDraft draft(className, node->name);
+        draft.at(mLocator.of(node, statement.name, statement.argument));
+        readInAttribute(statement.name, statement.argument, std::move(draft));
     }
 }
 
 void AssociationReader::readInAttribute(const std::string& keyword, const std::string& argument,
-                                        ReferenceSpec spec) {
+                                        ReferenceDraft draft) {
     try {
         if (keyword == kUniDir) {
             const UniDirInLeaf statement = parseUniDirInLeaf(argument);
-            spec.to(use(statement.target, spec.source));
-            apply(statement.terms, spec);
+            draft.to(use(statement.target, draft.source));
+            apply(statement.terms, draft);
         } else {
             const BiDirInLeaf statement = parseBiDirInLeaf(argument);
-            spec.to(use(statement.opposite.moc, spec.source));
-            spec.pointedBackBy(statement.opposite.attribute);
-            apply(statement.terms, spec);
+            draft.to(use(statement.opposite.moc, draft.source));
+            draft.pointedBackBy(statement.opposite.attribute);
+            apply(statement.terms, draft);
         }
-        mReferences.push_back(std::move(spec));
+        mReferences.push_back(std::move(draft));
     } catch (const BadStatement& error) {
-        refuse(spec.source, keyword, argument, error.what());
+        refuse(draft.source, keyword, argument, error.what());
     }
 }
 
@@ -181,7 +181,7 @@ void AssociationReader::addTo(ModelBuilder& builder,
                                                    "\""});
         }
     }
-    for (ReferenceSpec& reference : mReferences) {
+    for (ReferenceDraft& reference : mReferences) {
         builder.add(std::move(reference));
     }
     mReferences.clear();

@@ -60,7 +60,7 @@ private:
     void add(const UniDirInModule& statement, const SourcePosition& source);
     void add(const BiDirInModule& statement, const SourcePosition& source);
     void readInAttribute(const std::string& keyword, const std::string& argument,
-                         ReferenceSpec spec);
+                         ReferenceDraft draft);
     std::string readInMember(const std::string& keyword, const std::string& argument,
                              const SourcePosition& source);
     std::string use(const ClassName& name, const SourcePosition& source);
@@ -68,7 +68,7 @@ private:
                 const std::string& argument, const std::string& reason);
 
     const SourceLocator& mLocator;
-    std::vector<ReferenceSpec> mReferences;
+    std::vector<ReferenceDraft> mReferences;
     std::set<std::pair<std::string, std::string>> mFromModules; // class and attribute
     std::vector<Named> mNamed;
     std::vector<ModelProblem> mProblems;

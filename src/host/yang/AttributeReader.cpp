@@ -80,12 +80,12 @@ AttributeReader::readAttribute(const lysc_node* node, const std::string& classNa
     return read(node, className, isFirst);
 }
 
-std::optional<AttributeSpec> AttributeReader::readParameter(const lysc_node* node) {
+std::optional<AttributeDraft> AttributeReader::readParameter(const lysc_node* node) {
     std::optional<Attribute> read = this->read(node, "", true);
     if (!read) {
         return std::nullopt;
     }
-    return std::move(read->spec);
+    return std::move(read->draft);
 }
 
 /// An empty class name stands for a member of a struct or a parameter.
@@ -111,23 +111,23 @@ AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
                                                      const std::string& className, bool isFirst) {
     const bool isNaming = lysc_is_key(node) && !className.empty();
     TypeDef type = isNaming ? readKeyType(node, mContext) : readType(node, mContext);
-    Attribute attribute{AttributeSpec(node->name, type.kind), {}};
-    attribute.spec.def.type = std::move(type);
-    attribute.spec.def.isNaming = isNaming;
+    Attribute attribute{AttributeDraft(node->name, type.kind), {}};
+    attribute.draft.def.type = std::move(type);
+    attribute.draft.def.isNaming = isNaming;
     if (isReferenceByType(node) || mAssociations.isReference(node, className)) {
         tellReference(node, className, isFirst, attribute);
     }
     describe(node, attribute);
-    const std::vector<Value> defaults = defaultsOf(node, attribute.spec.def.type.kind);
+    const std::vector<Value> defaults = defaultsOf(node, attribute.draft.def.type.kind);
     if (!defaults.empty()) {
-        attribute.spec.defaultsTo(defaults);
+        attribute.draft.defaultsTo(defaults);
     }
     return attribute;
 }
 
 void AttributeReader::tellReference(const lysc_node* node, const std::string& className,
                                     bool isFirst, Attribute& attribute) {
-    TypeDef& type = attribute.spec.def.type;
+    TypeDef& type = attribute.draft.def.type;
     if (type.kind != ValueKind::String) {
         mAssociations.refuse(mLocator.of(node),
                              pathOf(node) + " is to be a reference, which is a text; its type is " +
@@ -137,7 +137,7 @@ void AttributeReader::tellReference(const lysc_node* node, const std::string& cl
     type.kind = ValueKind::MoRef;
     type.description = "reference";
     if (className.empty()) {
-        attribute.spec.targets = mAssociations.readMember(node);
+        attribute.draft.targets = mAssociations.readMember(node);
         return;
     }
     if (isFirst) {
@@ -147,13 +147,13 @@ void AttributeReader::tellReference(const lysc_node* node, const std::string& cl
 }
 
 AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
-    Attribute attribute{AttributeSpec(node->name, ValueKind::Struct), {}};
-    attribute.spec.def.type.description = "struct";
+    Attribute attribute{AttributeDraft(node->name, ValueKind::Struct), {}};
+    attribute.draft.def.type.description = "struct";
     const lysc_node* child = nullptr;
     while ((child = lys_getnext(child, node, nullptr, 0)) != nullptr) {
         std::optional<Attribute> member = read(child, "", true);
         if (member) {
-            attribute.spec.members.push_back(std::move(member->spec));
+            attribute.draft.members.push_back(std::move(member->draft));
             attribute.shape.members.push_back(std::move(member->shape));
         }
     }
@@ -162,7 +162,7 @@ AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
 }
 
 void AttributeReader::describe(const lysc_node* node, Attribute& attribute) const {
-    AttributeDef& def = attribute.spec.def;
+    AttributeDef& def = attribute.draft.def;
     def.multiplicity = boundsOf(node);
     // The key is written once, when the object is created.
     def.isWritable = (node->flags & LYS_CONFIG_R) == 0;

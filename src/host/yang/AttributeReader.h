@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_YANG_ATTRIBUTEREADER_H
 #define ORV_HOST_YANG_ATTRIBUTEREADER_H
 
-#include "model/ModelSpec.h"
+#include "model/ModelDraft.h"
 #include "yang/AssociationReader.h"
 #include "yang/ModelNotes.h"
 #include "yang/SourceLocator.h"
@@ -23,7 +23,7 @@ namespace OrvHost {
 class AttributeReader {
 public:
     struct Attribute {
-        AttributeSpec spec;
+        AttributeDraft draft;
         ValueShape shape;
     };
 
@@ -37,7 +37,7 @@ public:
                                            bool isFirst);
 
     /// A parameter or a result of an action; nothing likewise.
-    std::optional<AttributeSpec> readParameter(const lysc_node* node);
+    std::optional<AttributeDraft> readParameter(const lysc_node* node);
 
     /// Counts what the node says and the model leaves out: conditions, choices.
     void noteConditions(const lysc_node* node);

@@ -106,19 +106,19 @@ SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
     }
     mModulesOf[list->name].insert(list->module->name);
     const Bounds more = instancesOf(list);
-    Bounds& instances = moc.spec.def.instances;
+    Bounds& instances = moc.draft.def.instances;
     instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
     return moc;
 }
 
 SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
     const Bounds instances = instancesOf(list);
-    ClassSpec spec(list->name);
-    spec.instances(instances.lower, instances.upper)
+    ClassDraft draft(list->name);
+    draft.instances(instances.lower, instances.upper)
         .described(list->dsc != nullptr ? list->dsc : "")
         .at(mLocator.of(list));
-    spec.def.namingAttribute = keyOf(list)->name;
-    mClasses.push_back(std::make_unique<Class>(Class{std::move(spec), list}));
+    draft.def.namingAttribute = keyOf(list)->name;
+    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), list}));
     mClassByName.emplace(list->name, mClasses.back().get());
     mModulesOf[list->name].insert(list->module->name);
     return *mClasses.back();
@@ -131,7 +131,7 @@ void SchemaWalker::refuseName(const lysc_node* list, const Class& known) {
                                 known.first->module->name +
                                 "\"; the steps of a DN name a class by its name alone, so it must "
                                 "be the only one"});
-    mRefused.push_back(std::make_unique<Class>(Class{ClassSpec(list->name), list}));
+    mRefused.push_back(std::make_unique<Class>(Class{ClassDraft(list->name), list}));
 }
 
 void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
@@ -139,7 +139,7 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     mAttributes.noteConditions(list);
     Class& moc = enterClass(list);
     if (parent == nullptr) {
-        moc.spec.topLevel();
+        moc.draft.topLevel();
     } else {
         mContainments.push_back({parent->className, list->name, mLocator.of(list)});
     }
@@ -175,10 +175,10 @@ void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrappe
 void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                                 ObjectShape& shape) {
     const bool isFirst =
-        std::none_of(moc.spec.attributes.begin(), moc.spec.attributes.end(),
-                     [node](const AttributeSpec& known) { return known.def.name == node->name; });
+        std::none_of(moc.draft.attributes.begin(), moc.draft.attributes.end(),
+                     [node](const AttributeDraft& known) { return known.def.name == node->name; });
     std::optional<AttributeReader::Attribute> attribute =
-        mAttributes.readAttribute(node, moc.spec.def.name, isFirst);
+        mAttributes.readAttribute(node, moc.draft.def.name, isFirst);
     if (attribute) {
         uniteAttribute(std::move(*attribute), wrapper, moc, shape);
     }
@@ -186,27 +186,27 @@ void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper,
 
 void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper,
                                   Class& moc, ObjectShape& shape) {
-    std::vector<AttributeSpec>& attributes = moc.spec.attributes;
-    const std::string& name = attribute.spec.def.name;
+    std::vector<AttributeDraft>& attributes = moc.draft.attributes;
+    const std::string& name = attribute.draft.def.name;
     const auto known =
         std::find_if(attributes.begin(), attributes.end(),
-                     [&name](const AttributeSpec& other) { return other.def.name == name; });
+                     [&name](const AttributeDraft& other) { return other.def.name == name; });
     const bool isHere = name == shape.key->name && attribute.shape.node != shape.key;
     const auto twice =
         std::find_if(shape.attributes.begin(), shape.attributes.end(),
                      [&name](const ValueShape& other) { return other.name == name; });
     if (isHere || twice != shape.attributes.end()) {
-        mNotes.add(attribute.spec.def.source,
-                   "class \"" + moc.spec.def.name + "\" has an attribute \"" + name +
+        mNotes.add(attribute.draft.def.source,
+                   "class \"" + moc.draft.def.name + "\" has an attribute \"" + name +
                        "\" already; the second one, at " + pathOf(attribute.shape.node) +
                        ", is not part of the model");
         return;
     }
-    if (known != attributes.end() && known->def.type.kind != attribute.spec.def.type.kind) {
-        mNotes.add(attribute.spec.def.source, "attribute \"" + name + "\" of class \"" +
-                                                  moc.spec.def.name + "\" has another type at " +
-                                                  pathOf(attribute.shape.node) +
-                                                  "; there it is not part of the model");
+    if (known != attributes.end() && known->def.type.kind != attribute.draft.def.type.kind) {
+        mNotes.add(attribute.draft.def.source, "attribute \"" + name + "\" of class \"" +
+                                                   moc.draft.def.name + "\" has another type at " +
+                                                   pathOf(attribute.shape.node) +
+                                                   "; there it is not part of the model");
         return;
     }
     if (attribute.shape.node != shape.key) {
@@ -214,46 +214,46 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
         shape.attributes.push_back(std::move(attribute.shape));
     }
     if (known == attributes.end()) {
-        attributes.push_back(std::move(attribute.spec));
+        attributes.push_back(std::move(attribute.draft));
     }
 }
 
 void SchemaWalker::walkActions(const lysc_node* list, Class& moc) {
     for (const lysc_node_action* action = lysc_node_actions(list); action != nullptr;
          action = action->next) {
-        const auto isKnown = [action](const ActionSpec& known) {
+        const auto isKnown = [action](const ActionDraft& known) {
             return known.name == action->name;
         };
-        if (std::none_of(moc.spec.actions.begin(), moc.spec.actions.end(), isKnown)) {
-            moc.spec.action(readAction(action));
+        if (std::none_of(moc.draft.actions.begin(), moc.draft.actions.end(), isKnown)) {
+            moc.draft.action(readAction(action));
         }
     }
 }
 
-ActionSpec SchemaWalker::readAction(const lysc_node_action* action) {
-    ActionSpec spec(action->name);
-    spec.described(action->dsc != nullptr ? action->dsc : "");
-    spec.parameters = readParameters(&action->input.node);
-    readResult(action, spec);
-    return spec;
+ActionDraft SchemaWalker::readAction(const lysc_node_action* action) {
+    ActionDraft draft(action->name);
+    draft.described(action->dsc != nullptr ? action->dsc : "");
+    draft.parameters = readParameters(&action->input.node);
+    readResult(action, draft);
+    return draft;
 }
 
 /// An action gives one value: what is more is gathered in a struct.
-void SchemaWalker::readResult(const lysc_node_action* action, ActionSpec& spec) {
-    std::vector<AttributeSpec> results = readParameters(&action->output.node);
+void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft) {
+    std::vector<AttributeDraft> results = readParameters(&action->output.node);
     if (results.size() == 1) {
-        spec.result(std::move(results.front()));
+        draft.result(std::move(results.front()));
     } else if (!results.empty()) {
-        AttributeSpec whole = AttributeSpec::structure("output", std::move(results));
-        spec.result(whole.mandatory().at(mLocator.of(&action->node)));
+        AttributeDraft whole = AttributeDraft::structure("output", std::move(results));
+        draft.result(whole.mandatory().at(mLocator.of(&action->node)));
     }
 }
 
-std::vector<AttributeSpec> SchemaWalker::readParameters(const lysc_node* inout) {
-    std::vector<AttributeSpec> parameters;
+std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout) {
+    std::vector<AttributeDraft> parameters;
     const lysc_node* node = nullptr;
     while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
-        std::optional<AttributeSpec> parameter = mAttributes.readParameter(node);
+        std::optional<AttributeDraft> parameter = mAttributes.readParameter(node);
         if (parameter) {
             parameters.push_back(std::move(*parameter));
         }
@@ -264,9 +264,9 @@ std::vector<AttributeSpec> SchemaWalker::readParameters(const lysc_node* inout) 
 Model SchemaWalker::build() {
     ModelBuilder builder;
     for (const std::unique_ptr<Class>& moc : mClasses) {
-        builder.add(std::move(moc->spec));
+        builder.add(std::move(moc->draft));
     }
-    for (ContainmentSpec& containment : mContainments) {
+    for (ContainmentDraft& containment : mContainments) {
         builder.contain(std::move(containment.parent), std::move(containment.child),
                         std::move(containment.source));
     }

@@ -35,7 +35,7 @@ public:
 
 private:
     struct Class {
-        ClassSpec spec;
+        ClassDraft draft;
         const lysc_node* first; ///< the place that was met first
     };
 
@@ -53,9 +53,9 @@ private:
                       ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
                         ObjectShape& shape);
-    ActionSpec readAction(const lysc_node_action* action);
-    void readResult(const lysc_node_action* action, ActionSpec& spec);
-    std::vector<AttributeSpec> readParameters(const lysc_node* inout);
+    ActionDraft readAction(const lysc_node_action* action);
+    void readResult(const lysc_node_action* action, ActionDraft& draft);
+    std::vector<AttributeDraft> readParameters(const lysc_node* inout);
 
     std::shared_ptr<const YangContext> mContext;
     const ModuleFinder& mFinder;
@@ -68,7 +68,7 @@ private:
     std::vector<std::unique_ptr<Class>> mRefused; ///< what has the name of another class
     std::map<std::string, Class*> mClassByName;
     std::map<std::string, std::set<std::string>> mModulesOf;
-    std::vector<ContainmentSpec> mContainments;
+    std::vector<ContainmentDraft> mContainments;
     std::vector<ModelProblem> mProblems;
 };
 

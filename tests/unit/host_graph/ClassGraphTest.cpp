@@ -54,7 +54,7 @@ TEST_F(ClassGraphTest, Depth_CutsLevelsOff) {
 
 TEST_F(ClassGraphTest, ClassThatContainsItself_IsDrawnOnce) {
     const Model model =
-        ModelBuilder().add(ClassSpec("Box").topLevel().key("id")).contain("Box", "Box").build();
+        ModelBuilder().add(ClassDraft("Box").topLevel().key("id")).contain("Box", "Box").build();
     const std::vector<ClassDescription> classes{{"Box", {}, {"Box"}, {}}};
     const ClassGraph box(model, classes, "", UINT64_MAX);
     EXPECT_EQ(box.classes(), 1U);

@@ -28,20 +28,20 @@ PicturedObject makeObject(const std::string& dn, std::vector<PicturedLink> links
 
 Model graphModel() {
     return ModelBuilder()
-        .add(ClassSpec("Site").topLevel().key("id"))
-        .add(ClassSpec("Mast").key("id").instances(0, 4).attribute(
-            AttributeSpec::reference("antennas").many()))
-        .add(ClassSpec("Antenna")
+        .add(ClassDraft("Site").topLevel().key("id"))
+        .add(ClassDraft("Mast").key("id").instances(0, 4).attribute(
+            AttributeDraft::reference("antennas").many()))
+        .add(ClassDraft("Antenna")
                  .key("id")
-                 .attribute(AttributeSpec::reference("mast"))
-                 .attribute(AttributeSpec::reference("seen").many())
-                 .attribute(AttributeSpec::reference("near").many())
-                 .attribute(AttributeSpec::reference("any")))
+                 .attribute(AttributeDraft::reference("mast"))
+                 .attribute(AttributeDraft::reference("seen").many())
+                 .attribute(AttributeDraft::reference("near").many())
+                 .attribute(AttributeDraft::reference("any")))
         .contain("Site", "Mast")
         .contain("Site", "Antenna")
-        .biDir(ReferenceSpec("Mast", "antennas").counts(1, 9), ReferenceSpec("Antenna", "mast"))
-        .biDir(ReferenceSpec("Antenna", "near"), ReferenceSpec("Antenna", "near"))
-        .uniDir(ReferenceSpec("Antenna", "seen"), {"Mast"})
+        .biDir(ReferenceDraft("Mast", "antennas").counts(1, 9), ReferenceDraft("Antenna", "mast"))
+        .biDir(ReferenceDraft("Antenna", "near"), ReferenceDraft("Antenna", "near"))
+        .uniDir(ReferenceDraft("Antenna", "seen"), {"Mast"})
         .build();
 }
 

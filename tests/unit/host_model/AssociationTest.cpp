@@ -34,13 +34,13 @@ std::vector<std::string> problemsOf(const ModelBuilder& builder) {
 ModelBuilder threeClasses() {
     ModelBuilder builder;
     for (const char* name : {"X", "Y", "Z"}) {
-        builder.add(ClassSpec(name)
+        builder.add(ClassDraft(name)
                         .topLevel()
                         .key("id")
-                        .attribute(AttributeSpec::reference("a").many())
-                        .attribute(AttributeSpec::reference("b").many())
-                        .attribute(AttributeSpec::reference("c").many())
-                        .attribute(AttributeSpec::text("t")));
+                        .attribute(AttributeDraft::reference("a").many())
+                        .attribute(AttributeDraft::reference("b").many())
+                        .attribute(AttributeDraft::reference("c").many())
+                        .attribute(AttributeDraft::text("t")));
     }
     return builder;
 }
@@ -50,8 +50,8 @@ ModelBuilder threeClasses() {
 TEST(BiDirAssociation, EndsAreNamedAfterTheAttributesThatPointAtThem) {
     const Model model =
         threeClasses()
-            .biDir(ReferenceSpec("X", "a").counts(0, 3).role("things").keepAtDelete(),
-                   ReferenceSpec("Y", "b").counts(1, 2))
+            .biDir(ReferenceDraft("X", "a").counts(0, 3).role("things").keepAtDelete(),
+                   ReferenceDraft("Y", "b").counts(1, 2))
             .build();
     ASSERT_EQ(model.biDirAssociations.size(), 1U);
     const AssociationEnd& first = model.biDirAssociations[0].ends[0];
@@ -72,10 +72,10 @@ TEST(BiDirAssociation, EndsAreNamedAfterTheAttributesThatPointAtThem) {
 TEST(BiDirAssociation, HalvesToldApart_AreJoinedWithTheFirstMentionedEndFirst) {
     const Model model =
         threeClasses()
-            .add(ReferenceSpec("Y", "b").to("X").pointedBackBy("a").at({"y.yang", 2}))
-            .add(ReferenceSpec("X", "c").to("Z").pointedBackBy("a"))
-            .add(ReferenceSpec("X", "a").to("Y").pointedBackBy("b").at({"x.yang", 5}))
-            .add(ReferenceSpec("Z", "a").to("X").pointedBackBy("c"))
+            .add(ReferenceDraft("Y", "b").to("X").pointedBackBy("a").at({"y.yang", 2}))
+            .add(ReferenceDraft("X", "c").to("Z").pointedBackBy("a"))
+            .add(ReferenceDraft("X", "a").to("Y").pointedBackBy("b").at({"x.yang", 5}))
+            .add(ReferenceDraft("Z", "a").to("X").pointedBackBy("c"))
             .build();
     ASSERT_EQ(model.biDirAssociations.size(), 2U);
     const BiDirAssociation& first = model.biDirAssociations[0];
@@ -88,8 +88,8 @@ TEST(BiDirAssociation, HalvesToldApart_AreJoinedWithTheFirstMentionedEndFirst) {
 
 TEST(BiDirAssociation, AttributeWithSeveralFarClasses_PermitsThemAll) {
     const Model model = threeClasses()
-                            .biDir(ReferenceSpec("X", "a").counts(0, 1), ReferenceSpec("Y", "b"))
-                            .biDir(ReferenceSpec("X", "a").counts(1, 2), ReferenceSpec("Z", "c"))
+                            .biDir(ReferenceDraft("X", "a").counts(0, 1), ReferenceDraft("Y", "b"))
+                            .biDir(ReferenceDraft("X", "a").counts(1, 2), ReferenceDraft("Z", "c"))
                             .build();
     EXPECT_EQ(model.biDirAssociations.size(), 2U);
     EXPECT_THAT(model.classes[0].findAttribute("a")->type.targets, ElementsAre(1U, 2U));
@@ -98,7 +98,7 @@ TEST(BiDirAssociation, AttributeWithSeveralFarClasses_PermitsThemAll) {
 
 TEST(BiDirAssociation, ClassWithItself_TellsItsEndsApartByName) {
     const Model model =
-        threeClasses().biDir(ReferenceSpec("X", "a"), ReferenceSpec("X", "b")).build();
+        threeClasses().biDir(ReferenceDraft("X", "a"), ReferenceDraft("X", "b")).build();
     ASSERT_EQ(model.biDirAssociations.size(), 1U);
     const auto& ends = model.biDirAssociations[0].ends;
     EXPECT_EQ(ends[0].moc, ends[1].moc);
@@ -109,7 +109,7 @@ TEST(BiDirAssociation, ClassWithItself_TellsItsEndsApartByName) {
 TEST(BiDirAssociation, ClassWithItselfThroughOneAttribute_IsOneAssociation) {
     const Model model =
         threeClasses()
-            .biDir(ReferenceSpec("X", "a").counts(0, 2), ReferenceSpec("X", "a").counts(0, 2))
+            .biDir(ReferenceDraft("X", "a").counts(0, 2), ReferenceDraft("X", "a").counts(0, 2))
             .build();
     ASSERT_EQ(model.biDirAssociations.size(), 1U);
     EXPECT_EQ(model.biDirAssociations[0].ends[0].name, "a");
@@ -117,28 +117,29 @@ TEST(BiDirAssociation, ClassWithItselfThroughOneAttribute_IsOneAssociation) {
     EXPECT_EQ(model.biDirAssociations[0].ends[0].cardinality.upper, 2);
 
     const Model toldOnce =
-        threeClasses().add(ReferenceSpec("X", "a").to("X").pointedBackBy("a")).build();
+        threeClasses().add(ReferenceDraft("X", "a").to("X").pointedBackBy("a")).build();
     EXPECT_EQ(toldOnce.biDirAssociations.size(), 1U);
 }
 
 TEST(BiDirAssociation, OneAttributeWithTwoOpinions_IsRefused) {
     EXPECT_THAT(
-        problemsOf(threeClasses().biDir(ReferenceSpec("X", "a").counts(0, 2),
-                                        ReferenceSpec("X", "a").counts(0, 3))),
+        problemsOf(threeClasses().biDir(ReferenceDraft("X", "a").counts(0, 2),
+                                        ReferenceDraft("X", "a").counts(0, 3))),
         ElementsAre("Association end X.a: both ends are this one attribute, so they must have the "
                     "same cardinality, role and flags."));
 }
 
 TEST(BiDirAssociation, EqualNamesInDifferentClasses_AreRefused) {
-    EXPECT_THAT(problemsOf(threeClasses().biDir(ReferenceSpec("X", "a"), ReferenceSpec("Y", "a"))),
-                ElementsAre("Association end Y.a: both ends of an association between different "
-                            "classes are named a, expected two names."));
+    EXPECT_THAT(
+        problemsOf(threeClasses().biDir(ReferenceDraft("X", "a"), ReferenceDraft("Y", "a"))),
+        ElementsAre("Association end Y.a: both ends of an association between different "
+                    "classes are named a, expected two names."));
 }
 
 TEST(BiDirAssociation, OppositeThatDoesNotExist_IsRefused) {
-    const auto half = ReferenceSpec("X", "a").to("Y").at({"m.yang", 9});
-    const auto problem = [&](ReferenceSpec spec, const char* opposite) {
-        return problemsOf(threeClasses().add(spec.pointedBackBy(opposite)));
+    const auto half = ReferenceDraft("X", "a").to("Y").at({"m.yang", 9});
+    const auto problem = [&](ReferenceDraft draft, const char* opposite) {
+        return problemsOf(threeClasses().add(draft.pointedBackBy(opposite)));
     };
     EXPECT_THAT(
         problem(half, "gone"),
@@ -155,26 +156,26 @@ TEST(BiDirAssociation, OppositeThatDoesNotExist_IsRefused) {
 TEST(BiDirAssociation, OppositeThatDoesNotAgree_IsRefused) {
     EXPECT_THAT(
         problemsOf(threeClasses()
-                       .add(ReferenceSpec("X", "a").to("Y").pointedBackBy("b"))
-                       .add(ReferenceSpec("Y", "b").to("X").pointedBackBy("c"))
-                       .add(ReferenceSpec("X", "c").to("Y").pointedBackBy("b"))),
+                       .add(ReferenceDraft("X", "a").to("Y").pointedBackBy("b"))
+                       .add(ReferenceDraft("Y", "b").to("X").pointedBackBy("c"))
+                       .add(ReferenceDraft("X", "c").to("Y").pointedBackBy("b"))),
         ElementsAre("Association end X.a: names Y.b as its opposite, but that one names X.c "
                     "as its opposite."));
     EXPECT_THAT(problemsOf(threeClasses()
-                               .add(ReferenceSpec("X", "a").to("Y").pointedBackBy("b"))
-                               .add(ReferenceSpec("Y", "b").to("X"))),
+                               .add(ReferenceDraft("X", "a").to("Y").pointedBackBy("b"))
+                               .add(ReferenceDraft("Y", "b").to("X"))),
                 ElementsAre("Association end X.a: names Y.b as its opposite, but that one names no "
                             "opposite at all."));
     EXPECT_THAT(problemsOf(threeClasses()
-                               .add(ReferenceSpec("X", "a").to("Y").pointedBackBy("b"))
-                               .add(ReferenceSpec("Y", "b").to("Z"))),
+                               .add(ReferenceDraft("X", "a").to("Y").pointedBackBy("b"))
+                               .add(ReferenceDraft("Y", "b").to("Z"))),
                 ElementsAre("Association end X.a: names Y.b as its opposite, but that attribute is "
                             "not declared as an end of an association with class X."));
 }
 
 TEST(UniDirAssociation, SeveralClasses_AreOneAssociationEach) {
     const Model model =
-        threeClasses().uniDir(ReferenceSpec("X", "a").counts(0, 2), {"Y", "Z"}).build();
+        threeClasses().uniDir(ReferenceDraft("X", "a").counts(0, 2), {"Y", "Z"}).build();
     ASSERT_EQ(model.uniDirAssociations.size(), 2U);
     EXPECT_EQ(model.uniDirAssociations[0].owner, 0U);
     EXPECT_EQ(model.uniDirAssociations[0].end.moc, 1U);
@@ -188,14 +189,14 @@ TEST(UniDirAssociation, SeveralClasses_AreOneAssociationEach) {
 TEST(UniDirAssociation, NoCardinality_FollowsTheAttribute) {
     ModelBuilder builder;
     builder
-        .add(ClassSpec("X")
+        .add(ClassDraft("X")
                  .topLevel()
                  .key("id")
-                 .attribute(AttributeSpec::reference("one").multiplicity(1, 3))
-                 .attribute(AttributeSpec::reference("two").multiplicity(1, 3)))
-        .add(ClassSpec("Y").topLevel().key("id"))
-        .uniDir(ReferenceSpec("X", "one"), {"Y"})
-        .uniDir(ReferenceSpec("X", "two"), {"X", "Y"});
+                 .attribute(AttributeDraft::reference("one").multiplicity(1, 3))
+                 .attribute(AttributeDraft::reference("two").multiplicity(1, 3)))
+        .add(ClassDraft("Y").topLevel().key("id"))
+        .uniDir(ReferenceDraft("X", "one"), {"Y"})
+        .uniDir(ReferenceDraft("X", "two"), {"X", "Y"});
     const Model model = builder.build();
     EXPECT_EQ(model.uniDirAssociations[0].end.cardinality.lower, 1);
     EXPECT_EQ(model.uniDirAssociations[0].end.cardinality.upper, 3);
@@ -204,48 +205,48 @@ TEST(UniDirAssociation, NoCardinality_FollowsTheAttribute) {
 }
 
 TEST(Association, NamesThatDoNotExist_AreRefused) {
-    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceSpec("Q", "a").to("Y"))),
+    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceDraft("Q", "a").to("Y"))),
                 ElementsAre("Association end Q.a: the class Q does not exist in the model."));
-    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceSpec("X", "gone").to("Y"))),
+    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceDraft("X", "gone").to("Y"))),
                 ElementsAre("Association end X.gone: class X has no attribute gone."));
-    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceSpec("X", "t").to("Y"))),
+    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceDraft("X", "t").to("Y"))),
                 ElementsAre("Association end X.t: the attribute is a text, expected a reference."));
-    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceSpec("X", "a").to("Q"))),
+    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceDraft("X", "a").to("Q"))),
                 ElementsAre("Association end X.a: the target class \"Q\" does not exist in the "
                             "model."));
-    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceSpec("X", "a"))),
+    EXPECT_THAT(problemsOf(threeClasses().add(ReferenceDraft("X", "a"))),
                 ElementsAre("Association end X.a: the target class \"\" does not exist in the "
                             "model."));
 }
 
 TEST(Association, DeclaredTwice_IsRefused) {
     EXPECT_THAT(problemsOf(threeClasses()
-                               .uniDir(ReferenceSpec("X", "a"), {"Y"})
-                               .uniDir(ReferenceSpec("X", "a").at({"m", 4}), {"Y"})),
+                               .uniDir(ReferenceDraft("X", "a"), {"Y"})
+                               .uniDir(ReferenceDraft("X", "a").at({"m", 4}), {"Y"})),
                 ElementsAre("m:4: Association end X.a: the association with class Y is declared "
                             "more than once."));
 }
 
 TEST(Association, AttributeOfBothDirections_IsRefused) {
     EXPECT_THAT(problemsOf(threeClasses()
-                               .biDir(ReferenceSpec("X", "a"), ReferenceSpec("Y", "b"))
-                               .uniDir(ReferenceSpec("X", "a"), {"Z"})),
+                               .biDir(ReferenceDraft("X", "a"), ReferenceDraft("Y", "b"))
+                               .uniDir(ReferenceDraft("X", "a"), {"Z"})),
                 ElementsAre("Association end X.a: the attribute has an opposite for one of the "
                             "classes Y and Z and none for the other; expected the same for all."));
 }
 
 TEST(Association, ClassOutsideThoseOfTheAttribute_IsRefused) {
     const auto problems = problemsOf(ModelBuilder()
-                                         .add(ClassSpec("X").topLevel().key("id").attribute(
-                                             AttributeSpec::reference("a", {"X"})))
-                                         .add(ClassSpec("Y").topLevel().key("id"))
-                                         .uniDir(ReferenceSpec("X", "a"), {"X", "Y"}));
+                                         .add(ClassDraft("X").topLevel().key("id").attribute(
+                                             AttributeDraft::reference("a", {"X"})))
+                                         .add(ClassDraft("Y").topLevel().key("id"))
+                                         .uniDir(ReferenceDraft("X", "a"), {"X", "Y"}));
     EXPECT_THAT(problems, ElementsAre("Association end X.a: the class Y is none of the target "
                                       "classes of the attribute."));
 }
 
 TEST(Association, CardinalityThatIsNone_IsRefused) {
-    EXPECT_THAT(problemsOf(threeClasses().uniDir(ReferenceSpec("X", "a").counts(3, 1), {"Y"})),
+    EXPECT_THAT(problemsOf(threeClasses().uniDir(ReferenceDraft("X", "a").counts(3, 1), {"Y"})),
                 testing::Contains("Association end X.a, cardinality: the upper bound of 3..1 is "
                                   "below the lower bound, expected lower <= upper."));
 }
@@ -254,9 +255,9 @@ TEST(Association, CardinalitiesAgainstTheMultiplicity_AreRefused) {
     const auto problemsWith = [](Bounds attribute, Bounds end) {
         return problemsOf(
             ModelBuilder()
-                .add(ClassSpec("X").topLevel().key("id").attribute(
-                    AttributeSpec::reference("a").multiplicity(attribute.lower, attribute.upper)))
-                .uniDir(ReferenceSpec("X", "a").counts(end.lower, end.upper), {"X"}));
+                .add(ClassDraft("X").topLevel().key("id").attribute(
+                    AttributeDraft::reference("a").multiplicity(attribute.lower, attribute.upper)))
+                .uniDir(ReferenceDraft("X", "a").counts(end.lower, end.upper), {"X"}));
     };
     EXPECT_THAT(
         problemsWith({0, 1}, {2, 3}),
@@ -268,7 +269,7 @@ TEST(Association, CardinalitiesAgainstTheMultiplicity_AreRefused) {
 }
 
 TEST(Association, OpenBoundsOfSeveralClasses_StayOpenWhenAdded) {
-    EXPECT_THAT(problemsOf(threeClasses().uniDir(ReferenceSpec("X", "a").counts(1, kUnbounded),
+    EXPECT_THAT(problemsOf(threeClasses().uniDir(ReferenceDraft("X", "a").counts(1, kUnbounded),
                                                  {"X", "Y", "Z"})),
                 IsEmpty());
 }

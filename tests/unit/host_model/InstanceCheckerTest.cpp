@@ -78,16 +78,17 @@ std::vector<InstanceProblemKind> kindsOf(const InstanceReport& report) {
 /// A model of top-level classes for the few rules that the sample has no case of.
 Model edgeModel() {
     return ModelBuilder()
-        .add(ClassSpec("A").topLevel().key("id").attribute(AttributeSpec::text("must").mandatory()))
-        .add(ClassSpec("B")
+        .add(ClassDraft("A").topLevel().key("id").attribute(
+            AttributeDraft::text("must").mandatory()))
+        .add(ClassDraft("B")
                  .topLevel()
                  .key("id")
-                 .attribute(AttributeSpec::text("given").mandatory().defaultsTo("x"))
-                 .attribute(AttributeSpec::text("status").mandatory().readOnly())
-                 .attribute(AttributeSpec::reference("peers").many()))
-        .add(ClassSpec("C").topLevel().key("id").attribute(AttributeSpec::reference("up").many()))
-        .biDir(ReferenceSpec("B", "peers").counts(0, kUnbounded),
-               ReferenceSpec("C", "up").counts(0, 1))
+                 .attribute(AttributeDraft::text("given").mandatory().defaultsTo("x"))
+                 .attribute(AttributeDraft::text("status").mandatory().readOnly())
+                 .attribute(AttributeDraft::reference("peers").many()))
+        .add(ClassDraft("C").topLevel().key("id").attribute(AttributeDraft::reference("up").many()))
+        .biDir(ReferenceDraft("B", "peers").counts(0, kUnbounded),
+               ReferenceDraft("C", "up").counts(0, 1))
         .build();
 }
 
@@ -338,10 +339,10 @@ namespace {
 /// 1..2 of class Rack under a Hall, 0..1 of class Hall at the top level, any number of Shelves.
 Model boundedModel() {
     return ModelBuilder()
-        .add(ClassSpec("Hall").topLevel().key("id").instances(0, 1))
-        .add(ClassSpec("Yard").topLevel().key("id"))
-        .add(ClassSpec("Rack").key("id").instances(1, 2))
-        .add(ClassSpec("Shelf").key("id"))
+        .add(ClassDraft("Hall").topLevel().key("id").instances(0, 1))
+        .add(ClassDraft("Yard").topLevel().key("id"))
+        .add(ClassDraft("Rack").key("id").instances(1, 2))
+        .add(ClassDraft("Shelf").key("id"))
         .contain("Hall", "Rack")
         .contain("Yard", "Shelf")
         .contain("Rack", "Shelf")
@@ -368,7 +369,7 @@ TEST(InstanceCheckerNumbers, WithinBounds_HaveNoProblems) {
 
 TEST(InstanceCheckerNumbers, NoObjectsAtAll_MissNothing) {
     const Model model =
-        ModelBuilder().add(ClassSpec("Hall").topLevel().key("id").instances(1, 1)).build();
+        ModelBuilder().add(ClassDraft("Hall").topLevel().key("id").instances(1, 1)).build();
     EXPECT_THAT(InstanceChecker(model).check(InstanceSpan({})).problems, IsEmpty());
 }
 
@@ -386,8 +387,8 @@ TEST(InstanceCheckerNumbers, TooManyAtTheTopLevel_AreToldOfIt) {
 
 TEST(InstanceCheckerNumbers, SeveralParents_AreCountedApart) {
     const Model model = ModelBuilder()
-                            .add(ClassSpec("Hall").topLevel().key("id"))
-                            .add(ClassSpec("Rack").key("id").instances(0, 1))
+                            .add(ClassDraft("Hall").topLevel().key("id"))
+                            .add(ClassDraft("Rack").key("id").instances(0, 1))
                             .contain("Hall", "Rack")
                             .contain("Rack", "Rack")
                             .build();

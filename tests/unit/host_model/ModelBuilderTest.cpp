@@ -31,12 +31,12 @@ std::vector<std::string> problemsOf(const ModelBuilder& builder) {
     return texts;
 }
 
-ClassSpec topClass(const char* name) {
-    return ClassSpec(name).topLevel().key("id");
+ClassDraft topClass(const char* name) {
+    return ClassDraft(name).topLevel().key("id");
 }
 
 /// One top-level class with that attribute.
-ModelBuilder withAttribute(const AttributeSpec& attribute) {
+ModelBuilder withAttribute(const AttributeDraft& attribute) {
     return ModelBuilder().add(topClass("Top").attribute(attribute));
 }
 
@@ -82,7 +82,7 @@ TEST(ModelBuilder, ClassThatContainsItselfAtTop_IsPermitted) {
 TEST(ModelBuilder, ContainmentSaidTwice_CountsOnce) {
     const Model model = ModelBuilder()
                             .add(topClass("Top"))
-                            .add(ClassSpec("Leaf").key("id").instances(1, 3))
+                            .add(ClassDraft("Leaf").key("id").instances(1, 3))
                             .contain("Top", "Leaf")
                             .contain("Top", "Leaf")
                             .build();
@@ -107,85 +107,86 @@ TEST(ModelBuilder, UnusableNames_AreRefused) {
         problemsOf(ModelBuilder().add(topClass("ManagedObject"))),
         ElementsAre("Class ManagedObject: the name stands for any class and cannot be given "
                     "to one."));
-    EXPECT_EQ(problemsOf(withAttribute(AttributeSpec::text("a b"))).size(), 1U);
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("a.b-c_d"))), IsEmpty());
-    EXPECT_EQ(problemsOf(ModelBuilder().add(topClass("Top").action(ActionSpec("")))).size(), 1U);
+    EXPECT_EQ(problemsOf(withAttribute(AttributeDraft::text("a b"))).size(), 1U);
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("a.b-c_d"))), IsEmpty());
+    EXPECT_EQ(problemsOf(ModelBuilder().add(topClass("Top").action(ActionDraft("")))).size(), 1U);
 }
 
 TEST(ModelBuilder, NamesThatAreNotUnique_AreRefused) {
-    using Attribute = AttributeSpec;
+    using Attribute = AttributeDraft;
     EXPECT_THAT(problemsOf(withAttribute(Attribute::text("id"))),
                 ElementsAre("Attribute Top.id is defined more than once."));
     EXPECT_THAT(problemsOf(withAttribute(
                     Attribute::structure("s", {Attribute::text("m"), Attribute::text("m")}))),
                 ElementsAre("Attribute Top.s.m is defined more than once."));
     EXPECT_THAT(problemsOf(ModelBuilder().add(
-                    topClass("Top").action(ActionSpec("run")).action(ActionSpec("run")))),
+                    topClass("Top").action(ActionDraft("run")).action(ActionDraft("run")))),
                 ElementsAre("Action Top.run is defined more than once."));
     EXPECT_THAT(
         problemsOf(ModelBuilder().add(topClass("Top").action(
-            ActionSpec("run").parameter(Attribute::text("p")).parameter(Attribute::text("p"))))),
+            ActionDraft("run").parameter(Attribute::text("p")).parameter(Attribute::text("p"))))),
         ElementsAre("Action Top.run, parameter p is defined more than once."));
     EXPECT_THAT(problemsOf(withAttribute(Attribute::enumeration("e", {"x", "x"}))),
                 ElementsAre("Attribute Top.e: the enumerator x is there more than once."));
 }
 
 TEST(ModelBuilder, NamingAttribute_MustBeOneSingleText) {
-    EXPECT_THAT(problemsOf(ModelBuilder().add(ClassSpec("Top").topLevel())),
+    EXPECT_THAT(problemsOf(ModelBuilder().add(ClassDraft("Top").topLevel())),
                 ElementsAre("Class Top has no naming attribute."));
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("other").naming())),
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("other").naming())),
                 ElementsAre("Class Top has more than one naming attribute."));
-    EXPECT_THAT(problemsOf(ModelBuilder().add(ClassSpec("Top").topLevel().attribute(
-                    AttributeSpec::integer("number").naming()))),
+    EXPECT_THAT(problemsOf(ModelBuilder().add(ClassDraft("Top").topLevel().attribute(
+                    AttributeDraft::integer("number").naming()))),
                 ElementsAre("Attribute Top.number: a naming attribute is a text or an enumeration, "
                             "this is a whole number."));
     EXPECT_THAT(
         problemsOf(ModelBuilder().add(
-            ClassSpec("Top").topLevel().attribute(AttributeSpec::text("id").naming().many()))),
+            ClassDraft("Top").topLevel().attribute(AttributeDraft::text("id").naming().many()))),
         ElementsAre("Attribute Top.id: a naming attribute has exactly one value, not 0..*."));
 }
 
 TEST(ModelBuilder, Bounds_MustBeBounds) {
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("a").multiplicity(2, 1))),
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("a").multiplicity(2, 1))),
                 ElementsAre("Attribute Top.a: the upper bound of 2..1 is below the lower bound, "
                             "expected lower <= upper."));
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("a").multiplicity(-1, 1))),
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("a").multiplicity(-1, 1))),
                 ElementsAre("Attribute Top.a: the lower bound of -1..1 is negative, expected 0 or "
                             "more."));
-    EXPECT_EQ(problemsOf(withAttribute(AttributeSpec::text("a").multiplicity(-2, -3))).size(), 2U);
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("a").multiplicity(0, 0))), IsEmpty());
+    EXPECT_EQ(problemsOf(withAttribute(AttributeDraft::text("a").multiplicity(-2, -3))).size(), 2U);
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("a").multiplicity(0, 0))), IsEmpty());
     EXPECT_THAT(problemsOf(ModelBuilder().add(topClass("Top").instances(3, 2))),
                 ElementsAre("Class Top, number of objects: the upper bound of 3..2 is below the "
                             "lower bound, expected lower <= upper."));
 }
 
 TEST(ModelBuilder, DefaultsThatDoNotFit_AreRefused) {
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::integer("a").defaultsTo("x"))),
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::integer("a").defaultsTo("x"))),
                 ElementsAre("Attribute Top.a: the default does not fit: \"x\" is not a whole "
                             "number."));
     EXPECT_THAT(problemsOf(withAttribute(
-                    AttributeSpec::text("a").defaultsTo(std::vector<Value>{"x", "y"}))),
+                    AttributeDraft::text("a").defaultsTo(std::vector<Value>{"x", "y"}))),
                 ElementsAre("Attribute Top.a: the default does not fit: 2 values, expected 0..1."));
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::text("a").defaultsTo("x").checkedBy(
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("a").defaultsTo("x").checkedBy(
                     [](const std::string& text) { return text + " is too short"; }))),
                 ElementsAre("Attribute Top.a: the default does not fit: x is too short."));
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::enumeration("a", {"on"}).defaultsTo("on"))),
-                IsEmpty());
+    EXPECT_THAT(
+        problemsOf(withAttribute(AttributeDraft::enumeration("a", {"on"}).defaultsTo("on"))),
+        IsEmpty());
 }
 
 TEST(ModelBuilder, WordsThatDoNotBelongToTheKind_AreRefused) {
-    AttributeSpec enumerated = AttributeSpec::text("a");
+    AttributeDraft enumerated = AttributeDraft::text("a");
     enumerated.def.type.enumerators = {"x"};
     EXPECT_THAT(
         problemsOf(withAttribute(enumerated)),
         ElementsAre("Attribute Top.a: only an enumeration has enumerators, this is a text."));
-    EXPECT_THAT(problemsOf(withAttribute(AttributeSpec::enumeration("a", {}))),
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::enumeration("a", {}))),
                 ElementsAre("Attribute Top.a: the enumeration has no names to choose from."));
-    AttributeSpec withMember = AttributeSpec::text("a");
-    withMember.members.push_back(AttributeSpec::text("m"));
+    AttributeDraft withMember = AttributeDraft::text("a");
+    withMember.members.push_back(AttributeDraft::text("m"));
     EXPECT_THAT(problemsOf(withAttribute(withMember)),
                 ElementsAre("Attribute Top.a: only a struct has members, this is a text."));
-    AttributeSpec withTarget = AttributeSpec::text("a");
+    AttributeDraft withTarget = AttributeDraft::text("a");
     withTarget.targets = {"Top"};
     EXPECT_THAT(
         problemsOf(withAttribute(withTarget)),
@@ -194,10 +195,10 @@ TEST(ModelBuilder, WordsThatDoNotBelongToTheKind_AreRefused) {
 
 TEST(ModelBuilder, UnknownClasses_AreRefusedWhereverTheyAreNamed) {
     EXPECT_THAT(
-        problemsOf(withAttribute(AttributeSpec::reference("a", {"Top", "Nowhere"}))),
+        problemsOf(withAttribute(AttributeDraft::reference("a", {"Top", "Nowhere"}))),
         ElementsAre("Attribute Top.a: the target class Nowhere does not exist in the model."));
     EXPECT_THAT(problemsOf(withAttribute(
-                    AttributeSpec::structure("s", {AttributeSpec::reference("r", {"Nowhere"})}))),
+                    AttributeDraft::structure("s", {AttributeDraft::reference("r", {"Nowhere"})}))),
                 ElementsAre("Attribute Top.s.r: the target class Nowhere does not exist in the "
                             "model."));
     EXPECT_THAT(
@@ -212,8 +213,8 @@ TEST(ModelBuilder, UnknownClasses_AreRefusedWhereverTheyAreNamed) {
 TEST(ModelBuilder, ClassesThatNoTopLevelClassLeadsTo_AreRefused) {
     const auto problems = problemsOf(ModelBuilder()
                                          .add(topClass("Top"))
-                                         .add(ClassSpec("Egg").key("id").at({"m.yang", 0}))
-                                         .add(ClassSpec("Hen").key("id"))
+                                         .add(ClassDraft("Egg").key("id").at({"m.yang", 0}))
+                                         .add(ClassDraft("Hen").key("id"))
                                          .contain("Egg", "Hen")
                                          .contain("Hen", "Egg"));
     EXPECT_THAT(
@@ -226,10 +227,10 @@ TEST(ModelBuilder, ClassesThatNoTopLevelClassLeadsTo_AreRefused) {
 
 TEST(ModelBuilder, ManyProblems_AreAllToldAtOnce) {
     ModelBuilder builder;
-    builder.add(topClass("Top").attribute(AttributeSpec::text("a").multiplicity(3, 2)))
-        .add(ClassSpec("Lost").key("id"))
+    builder.add(topClass("Top").attribute(AttributeDraft::text("a").multiplicity(3, 2)))
+        .add(ClassDraft("Lost").key("id"))
         .contain("Top", "Nowhere")
-        .add(ReferenceSpec("Top", "a").to("Elsewhere"));
+        .add(ReferenceDraft("Top", "a").to("Elsewhere"));
     try {
         builder.build();
         FAIL() << "built";
@@ -245,7 +246,7 @@ TEST(ModelBuilder, ManyProblems_AreAllToldAtOnce) {
 
 TEST(ModelBuilder, PlaceOfTheClass_StandsInForThatOfItsAttributes) {
     const auto problems = problemsOf(ModelBuilder().add(
-        topClass("Top").at({"m.yang", 7}).attribute(AttributeSpec::text("a").multiplicity(2, 1))));
+        topClass("Top").at({"m.yang", 7}).attribute(AttributeDraft::text("a").multiplicity(2, 1))));
     ASSERT_EQ(problems.size(), 1U);
     EXPECT_EQ(problems.front().rfind("m.yang:7: ", 0), 0U);
 }

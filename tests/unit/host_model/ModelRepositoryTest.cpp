@@ -577,7 +577,7 @@ TEST(ModelRepositoryLife, TableAfterwards_IsNotActive) {
 TEST(ModelRepositoryLife, AnotherModelAfterwards_IsServed) {
     const Model model = sampleModel();
     { const ModelRepository first(model); }
-    const Model other = ModelBuilder().add(ClassSpec("Only").topLevel().key("id")).build();
+    const Model other = ModelBuilder().add(ClassDraft("Only").topLevel().key("id")).build();
     ModelRepository second(other);
     Handle handle = 0;
     const auto& table = *second.getInterface();

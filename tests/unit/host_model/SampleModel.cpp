@@ -7,9 +7,9 @@ namespace OrvHost {
 
 namespace {
 
-ClassSpec cellClass() {
-    using Attribute = AttributeSpec;
-    ClassSpec cell("Cell");
+ClassDraft cellClass() {
+    using Attribute = AttributeDraft;
+    ClassDraft cell("Cell");
     cell.key("id")
         .attribute(Attribute::boolean("locked").mandatory().defaultsTo(Value(false)))
         .attribute(Attribute::integer("offset"))
@@ -25,7 +25,7 @@ ClassSpec cellClass() {
         .attribute(Attribute::reference("friends").many())
         .attribute(Attribute::reference("source").many())
         .attribute(Attribute::reference("any"));
-    cell.action(ActionSpec("restart")
+    cell.action(ActionDraft("restart")
                     .parameter(Attribute::unsignedInteger("delay").mandatory())
                     .result(Attribute::text("report")));
     return cell;
@@ -35,24 +35,24 @@ ClassSpec cellClass() {
 
 ModelBuilder sampleBuilder() {
     ModelBuilder builder;
-    builder.add(ClassSpec("Network").topLevel().key("id").attribute(AttributeSpec::text("label")))
-        .add(ClassSpec("Node").key("id"))
+    builder.add(ClassDraft("Network").topLevel().key("id").attribute(AttributeDraft::text("label")))
+        .add(ClassDraft("Node").key("id"))
         .add(cellClass())
-        .add(ClassSpec("Antenna")
+        .add(ClassDraft("Antenna")
                  .key("id")
-                 .attribute(AttributeSpec::reference("cell"))
-                 .attribute(AttributeSpec::reference("power", {"Node"})))
+                 .attribute(AttributeDraft::reference("cell"))
+                 .attribute(AttributeDraft::reference("power", {"Node"})))
         .contain("Network", "Node")
         .contain("Node", "Node")
         .contain("Node", "Cell")
         .contain("Node", "Antenna")
-        .biDir(ReferenceSpec("Cell", "antennas").counts(0, 2).role("antennas").keepAtDelete(),
-               ReferenceSpec("Antenna", "cell").counts(1, 1))
-        .biDir(ReferenceSpec("Cell", "next"), ReferenceSpec("Cell", "previous"))
-        .biDir(ReferenceSpec("Cell", "friends"), ReferenceSpec("Cell", "friends"))
-        .add(ReferenceSpec("Cell", "source").to("Antenna").counts(0, 1))
-        .add(ReferenceSpec("Antenna", "power").to("Node"))
-        .add(ReferenceSpec("Cell", "source").to("Node").counts(0, 2));
+        .biDir(ReferenceDraft("Cell", "antennas").counts(0, 2).role("antennas").keepAtDelete(),
+               ReferenceDraft("Antenna", "cell").counts(1, 1))
+        .biDir(ReferenceDraft("Cell", "next"), ReferenceDraft("Cell", "previous"))
+        .biDir(ReferenceDraft("Cell", "friends"), ReferenceDraft("Cell", "friends"))
+        .add(ReferenceDraft("Cell", "source").to("Antenna").counts(0, 1))
+        .add(ReferenceDraft("Antenna", "power").to("Node"))
+        .add(ReferenceDraft("Cell", "source").to("Node").counts(0, 2));
     return builder;
 }
 

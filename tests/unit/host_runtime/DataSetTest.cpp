@@ -36,12 +36,13 @@ class DataSetTest : public testing::Test {
 protected:
     static Model makeModel() {
         return ModelBuilder()
-            .add(ClassSpec("Site").topLevel().key("id").attribute(AttributeSpec::text("label")))
-            .add(ClassSpec("Mast").key("id").attribute(AttributeSpec::reference("antennas").many()))
-            .add(ClassSpec("Antenna").key("id").attribute(AttributeSpec::reference("mast")))
+            .add(ClassDraft("Site").topLevel().key("id").attribute(AttributeDraft::text("label")))
+            .add(ClassDraft("Mast").key("id").attribute(
+                AttributeDraft::reference("antennas").many()))
+            .add(ClassDraft("Antenna").key("id").attribute(AttributeDraft::reference("mast")))
             .contain("Site", "Mast")
             .contain("Site", "Antenna")
-            .biDir(ReferenceSpec("Mast", "antennas"), ReferenceSpec("Antenna", "mast"))
+            .biDir(ReferenceDraft("Mast", "antennas"), ReferenceDraft("Antenna", "mast"))
             .build();
     }
 
@@ -120,9 +121,9 @@ protected:
     void add(const std::string& dn, int line) { mData.add({dn, {}, {"data.json", line}}); }
 
     Model mModel = ModelBuilder()
-                       .add(ClassSpec("ManagedElement").topLevel().key("id"))
-                       .add(ClassSpec("Site").topLevel().key("id"))
-                       .add(ClassSpec("Mast").key("id"))
+                       .add(ClassDraft("ManagedElement").topLevel().key("id"))
+                       .add(ClassDraft("Site").topLevel().key("id"))
+                       .add(ClassDraft("Mast").key("id"))
                        .contain("ManagedElement", "Mast")
                        .build();
     DataSet mData{mModel};

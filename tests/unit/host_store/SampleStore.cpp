@@ -9,35 +9,35 @@ namespace OrvHost {
 
 namespace {
 
-AttributeSpec position() {
-    return AttributeSpec::structure(
+AttributeDraft position() {
+    return AttributeDraft::structure(
         "position",
-        {AttributeSpec::decimal("latitude").mandatory(), AttributeSpec::text("names").many(),
-         AttributeSpec::reference("contact", {"Node"}),
-         AttributeSpec::structure("inner", {AttributeSpec::integer("depth")}).many()});
+        {AttributeDraft::decimal("latitude").mandatory(), AttributeDraft::text("names").many(),
+         AttributeDraft::reference("contact", {"Node"}),
+         AttributeDraft::structure("inner", {AttributeDraft::integer("depth")}).many()});
 }
 
-ClassSpec node() {
-    return ClassSpec("Node")
+ClassDraft node() {
+    return ClassDraft("Node")
         .key("id")
-        .attribute(AttributeSpec::text("label"))
-        .attribute(AttributeSpec::integer("height"))
-        .attribute(AttributeSpec::decimal("power"))
-        .attribute(AttributeSpec::boolean("enabled"))
-        .attribute(AttributeSpec::unsignedInteger("port").checkedBy([](const std::string& port) {
+        .attribute(AttributeDraft::text("label"))
+        .attribute(AttributeDraft::integer("height"))
+        .attribute(AttributeDraft::decimal("power"))
+        .attribute(AttributeDraft::boolean("enabled"))
+        .attribute(AttributeDraft::unsignedInteger("port").checkedBy([](const std::string& port) {
             return std::stoull(port) > 65535 ? "expected 0..65535" : std::string();
         }))
-        .attribute(AttributeSpec::enumeration("mode", {"red", "green", "blue"})
+        .attribute(AttributeDraft::enumeration("mode", {"red", "green", "blue"})
                        .defaultsTo(Value(std::string("green"))))
-        .attribute(AttributeSpec::text("tags").multiplicity(0, 3))
-        .attribute(AttributeSpec::text("serial").readOnly())
-        .attribute(AttributeSpec::reference("peers", {"Node"}).multiplicity(0, 2))
+        .attribute(AttributeDraft::text("tags").multiplicity(0, 3))
+        .attribute(AttributeDraft::text("serial").readOnly())
+        .attribute(AttributeDraft::reference("peers", {"Node"}).multiplicity(0, 2))
         .attribute(position())
-        .action(ActionSpec("reset")
-                    .parameter(AttributeSpec::unsignedInteger("delay").mandatory())
-                    .parameter(AttributeSpec::enumeration("how", {"soft", "hard"})
+        .action(ActionDraft("reset")
+                    .parameter(AttributeDraft::unsignedInteger("delay").mandatory())
+                    .parameter(AttributeDraft::enumeration("how", {"soft", "hard"})
                                    .defaultsTo(Value(std::string("soft"))))
-                    .result(AttributeSpec::integer("outcome")));
+                    .result(AttributeDraft::integer("outcome")));
 }
 
 std::string whyNoSlot(const std::string& slot) {
@@ -46,23 +46,23 @@ std::string whyNoSlot(const std::string& slot) {
 
 Model build() {
     return ModelBuilder()
-        .add(ClassSpec("Network").topLevel().key("id").attribute(AttributeSpec::text("label")))
+        .add(ClassDraft("Network").topLevel().key("id").attribute(AttributeDraft::text("label")))
         .add(node())
-        .add(ClassSpec("Card")
-                 .attribute(AttributeSpec::text("slot").naming().checkedBy(whyNoSlot))
-                 .attribute(AttributeSpec::text("kind").mandatory())
-                 .attribute(AttributeSpec::reference("home", {"Node"}).multiplicity(1, 1)))
-        .add(ClassSpec("Rack").key("id"))
-        .add(ClassSpec("Fan").key("id").instances(1, 2))
-        .add(ClassSpec("Box").key("id").attribute(AttributeSpec::text("label")))
+        .add(ClassDraft("Card")
+                 .attribute(AttributeDraft::text("slot").naming().checkedBy(whyNoSlot))
+                 .attribute(AttributeDraft::text("kind").mandatory())
+                 .attribute(AttributeDraft::reference("home", {"Node"}).multiplicity(1, 1)))
+        .add(ClassDraft("Rack").key("id"))
+        .add(ClassDraft("Fan").key("id").instances(1, 2))
+        .add(ClassDraft("Box").key("id").attribute(AttributeDraft::text("label")))
         .contain("Network", "Node")
         .contain("Network", "Box")
         .contain("Node", "Card")
         .contain("Node", "Rack")
         .contain("Rack", "Fan")
         .contain("Box", "Box")
-        .uniDir(ReferenceSpec("Node", "peers"), {"Node"})
-        .uniDir(ReferenceSpec("Card", "home"), {"Node"})
+        .uniDir(ReferenceDraft("Node", "peers"), {"Node"})
+        .uniDir(ReferenceDraft("Card", "home"), {"Node"})
         .build();
 }
 
