@@ -4,7 +4,7 @@
 #ifndef ORV_ORV_COMMON_MEIDTRANSLATOR_H
 #define ORV_ORV_COMMON_MEIDTRANSLATOR_H
 
-#include <mutex>
+#include <shared_mutex>
 #include <string>
 
 namespace Orv {
@@ -52,7 +52,7 @@ private:
 
     const std::string& chosenIdentity() const;
 
-    std::mutex mMutex;
+    std::shared_mutex mMutex;
     std::string mPreferredIdentity;
     std::string mFallbackIdentity;
 };

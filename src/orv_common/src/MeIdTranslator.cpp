@@ -4,6 +4,8 @@
 #include "MeIdTranslator.h"
 
 #include <cstddef>
+#include <mutex>
+#include <shared_mutex>
 #include <string_view>
 
 namespace Orv {
@@ -57,7 +59,7 @@ std::string MeIdTranslator::toInternalDn(const std::string& dn) {
     if (!beginsWithRoot(dn)) {
         return dn;
     }
-    const std::lock_guard<std::mutex> guard(mMutex);
+    const std::shared_lock<std::shared_mutex> guard(mMutex);
     return exchangeRootValue(dn, chosenIdentity(), internalIdentity);
 }
 
@@ -65,17 +67,17 @@ std::string MeIdTranslator::toExternalDn(const std::string& dn) {
     if (!beginsWithRoot(dn)) {
         return dn;
     }
-    const std::lock_guard<std::mutex> guard(mMutex);
+    const std::shared_lock<std::shared_mutex> guard(mMutex);
     return exchangeRootValue(dn, internalIdentity, chosenIdentity());
 }
 
 const char* MeIdTranslator::identity() {
-    const std::lock_guard<std::mutex> guard(mMutex);
+    const std::shared_lock<std::shared_mutex> guard(mMutex);
     return chosenIdentity().c_str();
 }
 
 void MeIdTranslator::configure(const std::string& preferred, const std::string& fallback) {
-    const std::lock_guard<std::mutex> guard(mMutex);
+    const std::lock_guard<std::shared_mutex> guard(mMutex);
     mPreferredIdentity = preferred;
     mFallbackIdentity = fallback;
 }
