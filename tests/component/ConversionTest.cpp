@@ -507,3 +507,17 @@ TEST_F(RootId, FirstAmongMany_TheProducersReleaseIsStillCalledOnce) {
     }
     EXPECT_THAT(host.calls("Producer."), ElementsAre("Producer.releaseAll('ManagedElement=1')"));
 }
+
+TEST_F(RootId, IdentityWithAnEqualsSign_IsWhole) {
+    host.identity("a=b", "");
+    EXPECT_EQ(readId("ManagedElement=a=b", "ManagedElement=1", strings({"1"})).value(),
+              strings({"a=b"}));
+}
+
+// Only the root's id must come with a container.
+TEST_F(RootId, NoContainer_OfAnotherAttributeOrMo_IsAnEmptyView) {
+    answer(nullptr);
+    EXPECT_EQ(readOf("ManagedElement=paris", "label").value(), none(0));
+    EXPECT_EQ(readOf(kUnit, "managedElementId").value(), none(0));
+    EXPECT_EQ(readOf("Plant=1", "managedElementId").value(), none(0));
+}

@@ -8,6 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <list>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -198,6 +201,14 @@ TEST_F(Iteration, NextMo_RouterThrows_IsAFailureAndTheIteratorLives) {
     EXPECT_THAT(namesOf(iterator), ElementsAre("a", "b"));
 }
 
+TEST_F(Iteration, NextMo_RouterThrowsAfterItsAnswer_TheResultIsUntouched) {
+    const auto iterator = openUnits();
+    host.when("Router3.nextMo").throwsAfterwards(std::runtime_error("router"));
+    const auto step = client().next(iterator);
+    EXPECT_EQ(step.code, OrvFailure);
+    EXPECT_EQ(step.thing, "(untouched)");
+}
+
 TEST_F(Iteration, Finalize_MadeUpHandles_AreOkAndNobodyIsCalled) {
     openUnits();
     host.forget();
@@ -274,4 +285,30 @@ TEST_F(Iteration, Thousands_AllDieWithTheirTransaction) {
     for (std::size_t i = 0; i < iterators.size(); ++i) {
         EXPECT_EQ(client().next(iterators[i]).code, i % 2 == 0 ? OrvNotActive : OrvOk);
     }
+}
+
+// Nobody looks whether the service is started before the DN is translated.
+TEST_F(Iteration, Stopped_AForeignDnDoesNotExist) {
+    ASSERT_EQ(host.stopComponent(), OrvOk);
+    EXPECT_EQ(client().open(1, "ManagedElement=rome", "Unit").code, OrvNotExist);
+}
+
+TEST_F(Iteration, RouterAtWork_OtherThreadsAreServed) {
+    const auto theirs = openUnits(2);
+    std::list<std::future<void>> others;
+    const auto useTheirs = [&] {
+        others.push_back(std::async(std::launch::async, [&] {
+            client().next(theirs);
+            EXPECT_EQ(client().finalize(theirs), OrvOk);
+        }));
+        EXPECT_EQ(others.back().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    };
+    const std::string mineAtTheRouter = std::to_string(0x1122334400000002ULL);
+    host.when("Router3.newMoIterator").runs(useTheirs);
+    host.when("Router3.nextMo").on(mineAtTheRouter).runs(useTheirs);
+    host.when("Router3.finalizeMoIterator").on(mineAtTheRouter).runs(useTheirs);
+    const auto mine = openUnits(1);
+    EXPECT_EQ(client().next(mine).thing, "a");
+    EXPECT_EQ(client().finalize(mine), OrvOk);
+    EXPECT_EQ(others.size(), 3U);
 }

@@ -71,6 +71,11 @@ TEST_F(ReadsBeforeStart, GetMoAttributes_IsNotActive) {
     EXPECT_EQ(host.client().getMany(1, kForeign, {"label"}).code, OrvNotActive);
 }
 
+TEST_F(ReadsBeforeStart, GetMoAttributes_NullResult_IsNotActiveToo) {
+    const char* names[] = {"label", nullptr};
+    EXPECT_EQ(host.client().table->getMoAttributes(1, kUnit.c_str(), names, nullptr), OrvNotActive);
+}
+
 TEST_F(Reads, ExistsMo_AsksTheRouterForTheInternalDn) {
     const auto answer = client().exists(3, kUnit);
     EXPECT_EQ(answer.code, OrvOk);
@@ -227,6 +232,44 @@ TEST_F(Reads, GetMoAttributes_RouterRefuses_ResultStaysAsTheRouterLeftIt) {
     EXPECT_EQ(read.code, -5);
     EXPECT_THAT(read.values(), ElementsAre(refs({kUnitInside})));
     EXPECT_THAT(host.calls("Producer."), IsEmpty());
+}
+
+// Unlike the read of one attribute, this one leaves it to the router to refuse a null result.
+TEST_F(Reads, GetMoAttributes_NullResult_TheRouterIsAskedAllTheSame) {
+    host.when("Router3.getMoAttributes").fails(-5);
+    const char* names[] = {"label", nullptr};
+    EXPECT_EQ(client().table->getMoAttributes(3, kUnit.c_str(), names, nullptr), -5);
+    EXPECT_THAT(host.calls(), ElementsAre("Router3.getMoAttributes(3, 'ManagedElement=1,Unit=7', "
+                                          "['label'])"));
+}
+
+TEST_F(Reads, GetMoAttribute_ResultRecord_ReachesTheRouterAsTheClientLeftIt) {
+    OrvMoAttributeValueContainer_3 mine = {9, 0, nullptr};
+    OrvMoAttributeValueResult_3 result = {[](OrvMoAttributeValueContainer_3*) {}, &mine};
+    const auto release = result.release;
+    host.when("Router3.getMoAttribute")
+        .answers<OrvMoAttributeValueResult_3>([&](OrvMoAttributeValueResult_3& out) {
+            EXPECT_EQ(&out, &result);
+            EXPECT_EQ(out.container, &mine);
+            EXPECT_EQ(out.release, release);
+            return -5;
+        });
+    EXPECT_EQ(client().table->getMoAttribute(3, kUnit.c_str(), "to", &result), -5);
+}
+
+TEST_F(Reads, GetMoAttributes_ResultRecord_ReachesTheRouterAsTheClientLeftIt) {
+    OrvMoAttributeValueContainer_3* mine[] = {nullptr};
+    OrvMoAttributeValuesResult_3 result = {[](OrvMoAttributeValueContainer_3**) {}, mine};
+    const auto release = result.release;
+    const char* names[] = {"to", nullptr};
+    host.when("Router3.getMoAttributes")
+        .answers<OrvMoAttributeValuesResult_3>([&](OrvMoAttributeValuesResult_3& out) {
+            EXPECT_EQ(&out, &result);
+            EXPECT_EQ(out.containers, mine);
+            EXPECT_EQ(out.release, release);
+            return -5;
+        });
+    EXPECT_EQ(client().table->getMoAttributes(3, kUnit.c_str(), names, &result), -5);
 }
 
 TEST_F(Reads, ModelRepositoryAndThreadContext_AreNeverAsked) {

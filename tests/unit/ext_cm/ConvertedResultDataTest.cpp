@@ -37,6 +37,10 @@ void releaseReadingTheView(OrvMoAttributeValueContainer_3* container) {
     released.push_back(container);
     textAtRelease = viewToRead->values[0].string;
 }
+void releaseManyReadingTheView(OrvMoAttributeValueContainer_3** containers) {
+    released.push_back(containers);
+    textAtRelease = viewToRead->values[0].string;
+}
 
 class ConvertedResultDataTest : public testing::Test {
 protected:
@@ -137,6 +141,20 @@ TEST_F(ConvertedResultDataTest, MultiReleaseFunc_HandsTheArrayBackOnce) {
         arrayOf({first, new ConvertedResultData(nullptr, originals[1]),
                  new ConvertedResultData(nullptr, originals[2])}));
     EXPECT_THAT(released, ElementsAre(originals));
+}
+
+TEST_F(ConvertedResultDataTest, MultiReleaseFunc_HandsTheArrayBackBeforeTheViews) {
+    OrvMoAttributeValueContainer_3** const originals =
+        records.array({strings({"a"}), strings({"b"})});
+    auto* const first = new ConvertedResultData(nullptr, originals[0]);
+    first->setOriginalMany(&releaseManyReadingTheView, originals);
+    first->ownValues()[0].string = "converted";
+    textAtRelease = nullptr;
+    viewToRead = first;
+    ConvertedResultData::multiReleaseFunc(
+        arrayOf({first, new ConvertedResultData(nullptr, originals[1])}));
+    EXPECT_THAT(released, ElementsAre(originals));
+    EXPECT_STREQ(textAtRelease, "converted");
 }
 
 TEST_F(ConvertedResultDataTest, MultiReleaseFunc_NoReleaseOrNoArray_CallsNobody) {

@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BiDirScene.h"
+#include "SlotOf.h"
 #include "UniDirValidator.h"
 
-#include <cstddef>
-#include <cstring>
 #include <list>
 #include <type_traits>
 
 // The order of virtual operations is part of what others are built against, and nothing but this
-// tells when it changes: a pointer to a virtual member holds its place in the table, plus one.
+// tells when it changes.
 
 namespace BiDirTests {
 namespace {
@@ -19,17 +18,6 @@ using OrvExtCmRouterService::BiDirUtils;
 using OrvExtCmRouterService::BiDirValidator;
 using OrvExtCmRouterService::UniDirValidator;
 
-template <class Member>
-std::ptrdiff_t slotOf(Member member) {
-    std::ptrdiff_t place = 0;
-    static_assert(sizeof(member) >= sizeof(place));
-    std::memcpy(&place, &member, sizeof(place));
-    return (place - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
-using Slots = std::vector<std::ptrdiff_t>;
-
-// The destructor takes two places.
 TEST(SlotOrder, BiDirUtils_IsAsOthersKnowIt) {
     using FindByMoc =
         OrvReturnT (BiDirUtils::*)(VekOamSpiMrMocHandle_4T, VekOamSpiMrBiDirAssociationHandle_4T,
