@@ -191,11 +191,9 @@ struct VekOamSpiMrReferenceType_4 {
     OrvReturnT (*getReferencedMoc)(VekOamSpiMrTypeHandle_4T type, VekOamSpiMrMocHandle_4T* moc);
 };
 
-/// The record: identity, three words of the host's own, then the sub-tables. All of it is owned by
-/// the host.
+/// The record: identity, then the sub-tables. All of it is owned by the host.
 struct VekOamSpiModelRepository_4 {
     VekMgmtSpiInterface_1 identity;
-    const void* hostWords[3];
     const VekOamSpiMrDnLookup_4* dnLookup;                   ///< 0
     const VekOamSpiMrGeneralProperties_4* generalProperties; ///< 1
     const void* reserved2;
@@ -259,23 +257,24 @@ static_assert(offsetof(VekOamSpiMrAttribute_4, getAttributeMoc) == orvSpiWord(1)
 static_assert(offsetof(VekOamSpiMrAttribute_4, getAttributeType) == orvSpiWord(2), "entry 2");
 static_assert(offsetof(VekOamSpiMrAttribute_4, getNextAttribute) == orvSpiWord(3), "entry 3");
 static_assert(offsetof(VekOamSpiMrReferenceType_4, getReferencedMoc) == 0, "entry 0");
-static_assert(offsetof(VekOamSpiModelRepository_4, dnLookup) == orvSpiWord(6 + 0), "sub-table 0");
-static_assert(offsetof(VekOamSpiModelRepository_4, generalProperties) == orvSpiWord(6 + 1),
+static_assert(offsetof(VekOamSpiModelRepository_4, dnLookup) == orvSpiWord(3 + 0), "sub-table 0");
+static_assert(offsetof(VekOamSpiModelRepository_4, generalProperties) == orvSpiWord(3 + 1),
               "sub-table 1");
-static_assert(offsetof(VekOamSpiModelRepository_4, mocQueries) == orvSpiWord(6 + 3), "sub-table 3");
-static_assert(offsetof(VekOamSpiModelRepository_4, containment) == orvSpiWord(6 + 4),
+static_assert(offsetof(VekOamSpiModelRepository_4, mocQueries) == orvSpiWord(3 + 3), "sub-table 3");
+static_assert(offsetof(VekOamSpiModelRepository_4, containment) == orvSpiWord(3 + 4),
               "sub-table 4");
-static_assert(offsetof(VekOamSpiModelRepository_4, associationEnd) == orvSpiWord(6 + 5),
+static_assert(offsetof(VekOamSpiModelRepository_4, associationEnd) == orvSpiWord(3 + 5),
               "sub-table 5");
-static_assert(offsetof(VekOamSpiModelRepository_4, biDirAssociation) == orvSpiWord(6 + 6),
+static_assert(offsetof(VekOamSpiModelRepository_4, biDirAssociation) == orvSpiWord(3 + 6),
               "sub-table 6");
-static_assert(offsetof(VekOamSpiModelRepository_4, uniDirAssociation) == orvSpiWord(6 + 7),
+static_assert(offsetof(VekOamSpiModelRepository_4, uniDirAssociation) == orvSpiWord(3 + 7),
               "sub-table 7");
-static_assert(offsetof(VekOamSpiModelRepository_4, attributeType) == orvSpiWord(6 + 8),
+static_assert(offsetof(VekOamSpiModelRepository_4, attributeType) == orvSpiWord(3 + 8),
               "sub-table 8");
-static_assert(offsetof(VekOamSpiModelRepository_4, attribute) == orvSpiWord(6 + 11),
+static_assert(offsetof(VekOamSpiModelRepository_4, attribute) == orvSpiWord(3 + 11),
               "sub-table 11");
-static_assert(offsetof(VekOamSpiModelRepository_4, referenceType) == orvSpiWord(6 + 13),
+static_assert(offsetof(VekOamSpiModelRepository_4, referenceType) == orvSpiWord(3 + 13),
               "sub-table 13");
+static_assert(sizeof(VekOamSpiModelRepository_4) == orvSpiWord(3 + 14), "fourteen sub-tables");
 
 #endif

@@ -185,7 +185,6 @@ const VekOamSpiMrReferenceType_4 referenceType = {asHostCode<&getReferencedMoc>}
 VekOamSpiModelRepository_4* modelRepositoryTable() {
     static VekOamSpiModelRepository_4 table = {
         {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"},
-        {nullptr, nullptr, nullptr},
         &dnLookup,
         &generalProperties,
         nullptr,

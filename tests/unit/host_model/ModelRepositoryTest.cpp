@@ -138,7 +138,6 @@ TEST_F(ModelRepositoryTest, Table_HasItsIdentityAndNothingBeyondWhatIsInUse) {
     EXPECT_STREQ(mTable.identity.componentName, "VekOamSpiModelRepositoryService");
     EXPECT_STREQ(mTable.identity.interfaceName, "VekOamSpiModelRepository");
     EXPECT_STREQ(mTable.identity.interfaceVersion, "4");
-    EXPECT_THAT(mTable.hostWords, testing::Each(nullptr));
     EXPECT_EQ(mTable.reserved2, nullptr);
     EXPECT_EQ(mTable.reserved9, nullptr);
     EXPECT_EQ(mTable.reserved10, nullptr);
