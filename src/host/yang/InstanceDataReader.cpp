@@ -5,6 +5,7 @@
 
 #include "yang/DataFailure.h"
 #include "yang/TreeReader.h"
+#include "yang/Utf8.h"
 #include "yang/YangContext.h"
 
 #include <libyang/libyang.h>
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -83,6 +85,44 @@ std::string contentsOf(const fs::path& file) {
     return text;
 }
 
+struct InputDeleter {
+    void operator()(ly_in* input) const { ly_in_free(input, 0); }
+};
+using Input = std::unique_ptr<ly_in, InputDeleter>;
+
+Input inputOf(const std::string& text) {
+    ly_in* input = nullptr;
+    if (ly_in_new_memory(text.c_str(), &input) != LY_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    return Input(input);
+}
+
+// The parser is content when a JSON document or, at a zero byte, the text ends. What stands behind
+// would be lost without a word.
+void refuseRest(const std::string& text, std::size_t parsed, const std::string& label) {
+    const std::size_t rest = text.find_first_not_of(" \t\r\n", parsed);
+    if (rest != std::string::npos) {
+        const auto line = std::count(text.begin(), text.begin() + static_cast<long>(rest), '\n');
+        refuse(label, static_cast<int>(line) + 1,
+               "the data is complete before this line ends, but the file goes on");
+    }
+}
+
+// The parser lets some of it through, as in a CDATA section, and what was read could then neither
+// be written nor shown.
+void refuseMalformed(std::string_view text, const std::string& label) {
+    int line = 1;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t length = lengthOfCharacter(text.substr(at));
+        if (length == 0) {
+            refuse(label, line, "text in UTF-8 was expected, without control characters");
+        }
+        line += text[at] == '\n' ? 1 : 0;
+        at += length;
+    }
+}
+
 LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     if (first != std::string::npos && text[first] == '{') {
@@ -144,16 +184,20 @@ void InstanceDataReader::readFile(const fs::path& file, const Sink* sink) {
 /// Without a sink the data is only looked at.
 void InstanceDataReader::parseAndDeliver(const std::string& text, const std::string& label,
                                          const Sink* sink) {
+    const LYD_FORMAT format = formatOf(text, label);
+    refuseMalformed(text, label);
     const YangContext& context = mSchema->context();
+    const Input input = inputOf(text);
     lyd_node* parsed = nullptr;
     // Parsing only: checks of whole trees cost quadratic time for references, and would refuse
     // the bare parents of a slice. An unknown node is an error.
-    const LY_ERR code = lyd_parse_data_mem(context.get(), text.c_str(), formatOf(text, label),
-                                           LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
+    const LY_ERR code = lyd_parse_data(context.get(), nullptr, input.get(), format,
+                                       LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
     const Tree tree(parsed);
     if (code != LY_SUCCESS) {
         throw InstanceDataError({describeFailure(context, label)});
     }
+    refuseRest(text, ly_in_parsed(input.get()), label);
     TreeReader(*mSchema, label).read(tree.get(), [this, sink, &label](DataObject&& object) {
         if (sink != nullptr) {
             (*sink)(std::move(object), label);

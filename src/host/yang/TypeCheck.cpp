@@ -3,6 +3,8 @@
 
 #include "TypeCheck.h"
 
+#include "yang/Utf8.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -58,31 +60,6 @@ std::string join(const std::vector<Part>& parts, const ToText& toText) {
         text += (text.empty() ? "" : " | ") + first + (first == last ? "" : ".." + last);
     }
     return text;
-}
-
-/// The number of bytes of the UTF-8 character at the beginning; 0 if it is none that a text may
-/// hold.
-std::size_t lengthOfCharacter(std::string_view text) {
-    const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byte(0);
-    if (first < 0x80) {
-        const bool isAllowed = first >= 0x20 || first == '\t' || first == '\n' || first == '\r';
-        return isAllowed ? 1 : 0;
-    }
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || text.size() < length) {
-        return 0;
-    }
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80) {
-            return 0;
-        }
-    }
-    // Overlong forms, surrogates, and what lies beyond the last code point.
-    const bool isMalformed = (first == 0xE0 && byte(1) < 0xA0) ||
-                             (first == 0xED && byte(1) > 0x9F) ||
-                             (first == 0xF0 && byte(1) < 0x90) || (first == 0xF4 && byte(1) > 0x8F);
-    return isMalformed ? 0 : length;
 }
 
 std::optional<std::uint64_t> countCharacters(std::string_view text) {

@@ -116,6 +116,39 @@ TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreTold) {
                 HasSubstr("the directory holds no .json or .xml file"));
 }
 
+TEST(InstanceDataErrors, BehindTheData_AnythingButBlanks_IsRefusedWithItsLine) {
+    const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
+    const std::string xml = "<Site xmlns=\"urn:orv:test:site\"><id>a</id></Site>\n";
+    EXPECT_EQ(dataErrorOf([&] { readObjectsOf(siteModel(), json + " \t\r\n"); }), "");
+    for (const std::string& text : {json + "{\"site:Site\": [{\"id\": \"b\"}]}", json + "x"}) {
+        EXPECT_THAT(
+            dataErrorOf([&] { readObjectsOf(siteModel(), text); }),
+            HasSubstr(":2: the data is complete before this line ends, but the file goes on"))
+            << text;
+    }
+    EXPECT_EQ(readObjectsOf(siteModel(), xml + xml.substr(0, xml.find('a')) + "b" +
+                                             xml.substr(xml.find('a') + 1))
+                  .size(),
+              2U);
+}
+
+// The parser lets these through, or takes a zero byte for the end.
+TEST(InstanceDataErrors, NoUtf8OrControlCharacters_AreRefusedWithTheirLine) {
+    const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
+    const std::string head = "<Site xmlns=\"urn:orv:test:site\">\n<id><![CDATA[a";
+    const std::string tail = "]]></id></Site>\n";
+    const char* const expected = ":2: text in UTF-8 was expected, without control characters";
+    EXPECT_EQ(dataErrorOf([&] { readObjectsOf(siteModel(), head + "\u00ed" + tail); }), "");
+    for (const char* const bad : {"\xed", "\xc3", "\xff", "\xed\xa0\x80", "\x01"}) {
+        EXPECT_THAT(dataErrorOf([&] { readObjectsOf(siteModel(), head + bad + tail); }),
+                    HasSubstr(expected))
+            << bad;
+    }
+    for (const std::string& cut : {json + '\0' + json, head + '\0' + tail}) {
+        EXPECT_THAT(dataErrorOf([&] { readObjectsOf(siteModel(), cut); }), HasSubstr(expected));
+    }
+}
+
 TEST(InstanceDataErrors, DeepNonsense_IsRefused) {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
     EXPECT_NE(dataErrorOf([&deep] { readObjectsOf(siteModel(), "{\"site:Site\": " + deep + "}"); }),
