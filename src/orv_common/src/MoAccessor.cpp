@@ -6,6 +6,8 @@
 #include "OrvOamSpiManagedObject_3.h"
 #include "Portal.h"
 
+#include <exception>
+
 namespace Orv {
 
 namespace {
@@ -20,7 +22,14 @@ public:
         : mRouter(router), mHandle(handle) {}
     RouterIterator(const RouterIterator&) = delete;
     RouterIterator& operator=(const RouterIterator&) = delete;
-    ~RouterIterator() { mRouter.finalizeMoIterator(mHandle); }
+    // What becomes of the iterator changes no answer, and nothing may leave a destructor: an
+    // exception of the host would end the process here.
+    ~RouterIterator() {
+        try {
+            mRouter.finalizeMoIterator(mHandle);
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        }
+    }
 
     OrvReturnT next(char** name) { return mRouter.nextMo(mHandle, name); }
 
