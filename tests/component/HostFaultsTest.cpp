@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -104,25 +103,6 @@ bool mustBring(const Operation& operation, const std::string& callText) {
            beginsWith(callText, "Router1.getMoAttribute") ||
            beginsWith(callText, "Router1.action") ||
            operation.name == "getMoAttribute, the root's id";
-}
-
-/// One call of a run: the name, and which of the calls of that name it is.
-struct Place {
-    std::string name;
-    int number;
-    std::string text;
-};
-
-/// The calls of a run that have an answer, in their order.
-std::vector<Place> placesIn(const std::vector<Call>& calls) {
-    std::map<std::string, int> seen;
-    std::vector<Place> places;
-    for (const Call& call : calls) {
-        if (!beginsWith(call.name, "Producer.")) {
-            places.push_back({call.name, ++seen[call.name], call.text()});
-        }
-    }
-    return places;
 }
 
 /// A run of an operation, and what came of it.

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <future>
 #include <iostream>
+#include <map>
 #include <ostream>
 
 namespace Scripted {
@@ -102,6 +103,12 @@ void badId(Scene& scene) {
     scene.value = scene.records.container(strings({"a,b that is not acceptable in a DN"}));
 }
 
+void badIdAmongMany(Scene& scene) {
+    scene.named = scene.records.named(
+        {{"cells", refs({cell("1")})},
+         {"networkManagedElementId", strings({"a,b that is not acceptable in a DN"})}});
+}
+
 void twoReferences(Scene& scene) {
     connect(scene, "7", {"1"});
     scene.named = scene.records.named({{"cells", refs({cell("2"), cell("3")})},
@@ -172,6 +179,13 @@ void opened1(Scene& scene) {
     EXPECT_EQ(v1(scene).newMoIterator(kTx, kNetwork, "Unit", &scene.iterator1), OrvOk);
 }
 
+void opened1AtTheTop(Scene& scene) {
+    EXPECT_EQ(v1(scene).newMoIterator(kTx, "", "ManagedElement", &scene.iterator1), OrvOk);
+}
+
+void badId1(Scene& scene) {
+    scene.value1 = scene.records1.container(strings({"a,b that is not acceptable in a DN"}));
+}
 void references1(Scene& scene) {
     scene.value1 = scene.records1.container(refs({cell("1"), cell("2")}));
 }
@@ -208,6 +222,10 @@ OrvReturnT setMany(Scene& scene) {
 
 OrvReturnT next(Scene& scene) {
     return v3(scene).nextMo(scene.iterator, &scene.name);
+}
+
+OrvReturnT next1(Scene& scene) {
+    return v1(scene).nextMo(scene.iterator1, &scene.name);
 }
 
 OrvReturnT validate(Scene& scene) {
@@ -253,6 +271,10 @@ std::vector<Operation> writes() {
          [](Scene& scene) {
              return v3(scene).createMo(kTx, kNetwork, "Unit", "label", "new", scene.named);
          }},
+        {"createMo, at the top level", newUnit,
+         [](Scene& scene) {
+             return v3(scene).createMo(kTx, "", "Unit", "unitId", "new", scene.named);
+         }},
         {"createMo, others wait for it", awaitedCell,
          [](Scene& scene) {
              return v3(scene).createMo(kTx, kNetwork, "Cell", "cellId", "not there yet",
@@ -278,6 +300,7 @@ std::vector<Operation> writes() {
          }},
         {"setMoAttributes", twoReferences, setMany},
         {"setMoAttributes, intercepted", twoReferencesIntercepted, setMany},
+        {"setMoAttributes, a refused id", badIdAmongMany, setMany, OrvInvalidArgument},
     };
 }
 
@@ -295,6 +318,11 @@ std::vector<Operation> version1() {
          [](Scene& scene) { return v1(scene).setMoAttribute(kTx, kUnit, "cells", scene.value1); }},
         {"1 setMoAttribute, a struct", place1,
          [](Scene& scene) { return v1(scene).setMoAttribute(kTx, kUnit, "place", scene.value1); }},
+        {"1 setMoAttribute, a refused id", badId1,
+         [](Scene& scene) {
+             return v1(scene).setMoAttribute(kTx, kUnit, "networkManagedElementId", scene.value1);
+         },
+         OrvInvalidArgument},
         {"1 createMo", nothing,
          [](Scene& scene) { return v1(scene).createMo(kTx, kNetwork, "Unit", "unitId", "new"); }},
         {"1 deleteMo", nothing, [](Scene& scene) { return v1(scene).deleteMo(kTx, kUnit); }},
@@ -306,8 +334,8 @@ std::vector<Operation> version1() {
          [](Scene& scene) {
              return v1(scene).newMoIterator(kTx, kNetwork, "Unit", &scene.iterator1);
          }},
-        {"1 nextMo", opened1,
-         [](Scene& scene) { return v1(scene).nextMo(scene.iterator1, &scene.name); }},
+        {"1 nextMo", opened1, next1},
+        {"1 nextMo, at the top level", opened1AtTheTop, next1},
     };
 }
 
@@ -437,6 +465,17 @@ std::string plainName(const Operation& operation) {
         atStart = !plainLetter;
     }
     return plain;
+}
+
+std::vector<Place> placesIn(const std::vector<Call>& calls) {
+    std::map<std::string, int> seen;
+    std::vector<Place> places;
+    for (const Call& call : calls) {
+        if (call.name.rfind("Producer.", 0) != 0) {
+            places.push_back({call.name, ++seen[call.name], call.text()});
+        }
+    }
+    return places;
 }
 
 std::vector<std::string> writesIn(const std::vector<std::string>& calls) {

@@ -67,6 +67,16 @@ const std::vector<Operation>& operations();
 /// \p operation's name with nothing but letters and digits.
 std::string plainName(const Operation& operation);
 
+/// One call of a run: the name, and which of the calls of that name it is, from 1.
+struct Place {
+    std::string name;
+    int number;
+    std::string text;
+};
+
+/// The calls of a run that have an answer, in their order.
+std::vector<Place> placesIn(const std::vector<Call>& calls);
+
 /// The journal's calls of routers that write, or make somebody write.
 std::vector<std::string> writesIn(const std::vector<std::string>& calls);
 
