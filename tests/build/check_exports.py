@@ -31,13 +31,12 @@ COMPONENT_REQUIRED = (
     ENTRIES
     + [f"{BASE}::{member}(" for member in BASE_MEMBERS]
     + [f"{REPOSITORY}::{member}(" for member in REPOSITORY_MEMBERS]
-    + [f"vtable for {BASE}", f"typeinfo for {BASE}", f"typeinfo name for {BASE}"]
+    + [f"vtable for {BASE}", f"typeinfo for {BASE}"]
 )
 COMPONENT_ALLOWED = re.compile(
     "|".join([
         *(f"{entry}$" for entry in ENTRIES),
-        # Members themselves, and nothing of what stands inside them.
-        rf"({BASE}|{REPOSITORY})::[~\w]+\([^()]*\)( const)?$",
+        rf"({BASE}|{REPOSITORY})::[~\w]+\(",
         rf"(vtable|typeinfo|typeinfo name) for ({BASE}|{REPOSITORY})$",
     ])
 )

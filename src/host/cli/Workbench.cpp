@@ -55,9 +55,6 @@ Workbench::~Workbench() {
             mErrors << "orvhost: " << problem << '\n';
         }
     }
-    if (mLog && !mLog->isComplete()) {
-        mErrors << "orvhost: the log is not complete: lines could not be written\n";
-    }
 }
 
 void Workbench::openLog(const Options& options) {

@@ -13,11 +13,9 @@ orv_add_test(unit_ext_cm_bidir
     BiDirDeleteTest.cpp
     BiDirEditsTest.cpp
     BiDirLargeTest.cpp
-    BiDirLocksTest.cpp
     BiDirModifyTest.cpp
     BiDirPendingTest.cpp
     BiDirQueriesTest.cpp
-    BiDirShapeTest.cpp
     BiDirTrapsTest.cpp
     BiDirValidatorCallsTest.cpp
     BiDirValidatorTest.cpp
