@@ -87,14 +87,23 @@ TEST(Shielded, AnythingElse_Passes) {
 
 // What all binders have in common.
 
-TEST(Binders, Type_HasItsTableFirstBehindTheVirtualDestructor) {
-    using Binder = Orv::TransactionalResource2Binder<ServedResource>;
+template <template <class> class BinderOf, class Served>
+void expectTableBehindTheVirtualDestructor() {
+    using Binder = BinderOf<Served>;
     static_assert(std::has_virtual_destructor_v<Binder>);
     static_assert(!std::is_copy_constructible_v<Binder>);
-    StrictMock<ServedResource> served;
+    StrictMock<Served> served;
     Binder binder(identity, served);
     EXPECT_EQ(reinterpret_cast<char*>(binder.getInterface()),
               reinterpret_cast<char*>(&binder) + sizeof(void*));
+    EXPECT_EQ(sizeof(binder), sizeof(void*) + sizeof(*binder.getInterface()));
+}
+
+TEST(Binders, Type_HasItsTableFirstBehindTheVirtualDestructor) {
+    expectTableBehindTheVirtualDestructor<Orv::TransactionalResource2Binder, ServedResource>();
+    expectTableBehindTheVirtualDestructor<Orv::ManagedObject1Binder, ServedObject1>();
+    expectTableBehindTheVirtualDestructor<Orv::ManagedObject3Binder, ServedObject3>();
+    expectTableBehindTheVirtualDestructor<Orv::ManagedObject3_1Binder, ServedObject3_1>();
 }
 
 TEST(Binders, Construction_CopiesTheIdentity) {

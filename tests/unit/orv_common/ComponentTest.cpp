@@ -3,9 +3,12 @@
 
 #include "Component.h"
 
+#include <cstddef>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -85,6 +88,14 @@ public:
     bool throwsSomethingElse = false;
     std::string argument;
     std::vector<OrvStateChangeReason> reasons;
+
+    using Base::mDependencyArray;
+    using Base::mEmptyArray;
+    using Base::mInterfaceArray;
+    using Base::mPortal1;
+    using Base::mPortal3;
+    using Base::mPortalAccessor;
+    using Base::mRecord;
 
 private:
     OrvReturnT initialize(const char* text) override {
@@ -184,6 +195,56 @@ TEST_F(ComponentTest, LcmInit_NewerPortalOnly_IsRefusedAndRegistersNothing) {
     scripted.hasPortal1 = false;
     EXPECT_EQ(Tested::lcmInit(&accessor, ""), OrvFailure);
     EXPECT_EQ(takeCalls(), (Calls{"portal 1", "portal 3"}));
+}
+
+TEST_F(ComponentTest, LcmInit_NewerPortalOnly_StoresThePortalsAndBuildsNoArrays) {
+    using Tested = ScriptedComponent<struct NewerOnlyStored>;
+    scripted.hasPortal1 = false;
+    ASSERT_EQ(Tested::lcmInit(&accessor, ""), OrvFailure);
+    const Tested& component = Tested::instance();
+    EXPECT_EQ(component.mPortalAccessor, &accessor);
+    EXPECT_EQ(component.mPortal1, nullptr);
+    EXPECT_EQ(component.mPortal3, &portal3);
+    EXPECT_TRUE(component.mInterfaceArray.empty());
+    EXPECT_TRUE(component.mDependencyArray.empty());
+    EXPECT_TRUE(component.mEmptyArray.empty());
+    EXPECT_EQ(component.mRecord.interfaceArray, nullptr);
+    EXPECT_EQ(component.mRecord.dependencyArray, nullptr);
+    EXPECT_EQ(component.mRecord.emptyInterfaceArray, nullptr);
+}
+
+TEST_F(ComponentTest, LcmInit_FlagSetByTheHost_IsFalseAgainAfterTheNextRun) {
+    using Tested = ScriptedComponent<struct FlagTag>;
+    ASSERT_EQ(Tested::lcmInit(&accessor, ""), OrvOk);
+    scripted.record->componentFlag = true;
+    ASSERT_EQ(Tested::lcmInit(&accessor, ""), OrvOk);
+    EXPECT_FALSE(scripted.record->componentFlag);
+}
+
+TEST_F(ComponentTest, LcmTerminate_NewerPortal_ForgetsOnlyThatOne) {
+    using Tested = ScriptedComponent<struct TerminateForgets>;
+    ASSERT_EQ(Tested::lcmInit(&accessor, ""), OrvOk);
+    Tested::lcmTerminate();
+    const Tested& component = Tested::instance();
+    EXPECT_EQ(component.mPortalAccessor, &accessor);
+    EXPECT_EQ(component.mPortal1, &portal1);
+    EXPECT_EQ(component.mPortal3, nullptr);
+}
+
+// A pointer to a virtual member holds its place in the table, plus one. The destructor comes last.
+TEST_F(ComponentTest, VirtualOperations_StandInTheirOrder) {
+    using Base = Orv::Component<ScriptedComponent<struct SlotsTag>>;
+    const auto slotOf = [](auto member) {
+        std::ptrdiff_t place = 0;
+        std::memcpy(&place, &member, sizeof(place));
+        return (place - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+    };
+    EXPECT_EQ(slotOf(&Base::initialize), 0);
+    EXPECT_EQ(slotOf(&Base::terminate), 1);
+    EXPECT_EQ(slotOf(&Base::start), 2);
+    EXPECT_EQ(slotOf(&Base::stop), 3);
+    static_assert(std::has_virtual_destructor_v<Base>);
+    static_assert(std::is_abstract_v<Base>);
 }
 
 TEST_F(ComponentTest, LcmInit_RegistrationRefused_GivesItsCodeWithoutInitialize) {

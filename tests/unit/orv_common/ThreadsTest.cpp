@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "Component.h"
 #include "LoggingWrapper.h"
 #include "MeIdTranslator.h"
 #include "OrvOamSpiManagedObject_3.h"
@@ -8,6 +9,7 @@
 
 #include <atomic>
 #include <barrier>
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
@@ -43,6 +45,34 @@ TEST(LoggingWrapperThreads, Instance_FirstUseFromManyThreads_IsOne) {
     onThreads([&](std::size_t index) { seen[index] = Orv::LoggingWrapper::instance(); });
     EXPECT_NE(seen.front(), nullptr);
     EXPECT_EQ(std::set<Orv::LoggingWrapper*>(seen.begin(), seen.end()).size(), 1U);
+}
+
+namespace {
+
+std::atomic<int> built{0};
+
+// Takes its time to be built, so that all threads come while it is.
+class SlowComponent : public Orv::Component<SlowComponent> {
+public:
+    SlowComponent() : Component("SlowComponent") {
+        ++built;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+
+private:
+    OrvReturnT initialize(const char*) override { return OrvOk; }
+    void terminate() override {}
+    OrvReturnT start(OrvStateChangeReason) override { return OrvOk; }
+    OrvReturnT stop(OrvStateChangeReason) override { return OrvOk; }
+};
+
+}
+
+TEST(ComponentThreads, Instance_FirstUseFromManyThreads_IsBuiltOnce) {
+    std::vector<SlowComponent*> seen(threadCount);
+    onThreads([&](std::size_t index) { seen[index] = &SlowComponent::instance(); });
+    EXPECT_EQ(built, 1);
+    EXPECT_EQ(std::set<SlowComponent*>(seen.begin(), seen.end()).size(), 1U);
 }
 
 TEST(LoggingWrapperThreads, Printf_FromManyThreads_GivesEachRecordWholeAndOneAtATime) {
