@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <functional>
 #include <list>
+#include <memory>
 #include <pthread.h>
 #include <string>
 #include <thread>
@@ -25,6 +26,8 @@ namespace {
 
 int locksUntilFailure = 0; // 0: none fails
 int unlocksUntilFailure = 0;
+int locksTaken = 0;
+int locksGivenBack = 0;
 
 bool countsDownToZero(int& counter) {
     return counter > 0 && --counter == 0;
@@ -37,9 +40,11 @@ int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+    ++locksTaken;
     return countsDownToZero(locksUntilFailure) ? EINVAL : __real_pthread_mutex_lock(mutex);
 }
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+    ++locksGivenBack;
     return countsDownToZero(unlocksUntilFailure) ? EPERM : __real_pthread_mutex_unlock(mutex);
 }
 }
@@ -208,8 +213,6 @@ TEST_F(LockFailure, Iterators_TheBoundaryAnswersFailureAndTheNextCallIsServed) {
     EXPECT_EQ(code, OrvFailure);
     EXPECT_EQ(whenLockFails([&] { code = table.finalizeMoIterator(iterator); }), "nothing");
     EXPECT_EQ(code, OrvFailure);
-    EXPECT_EQ(whenUnlockFails([&] { code = table.finalizeMoIterator(iterator); }), "nothing");
-    EXPECT_EQ(code, OrvFailure);
     EXPECT_EQ(table.nextMo(iterator, &name), OrvOk);
     // The registry's lock comes first, then that of the iterators.
     EXPECT_EQ(whenLockFails([&] { code = open(); }, 2), "nothing");
@@ -228,6 +231,32 @@ TEST_F(LockFailure, EndOfAnIterator_LeavesNoLivingHandleBehind) {
     ASSERT_EQ(Iterator::find(handle), record);
     EXPECT_EQ(whenLockFails([&] { delete record; }), "nothing");
     EXPECT_EQ(Iterator::find(handle), nullptr);
+}
+
+TEST_F(LockFailure, EndOfSeveralIterators_TakesAndGivesBackTheLockOnceForEach) {
+    using Iterator = MoImpl::MoIterator;
+    auto memory = std::make_unique<Orv::AutoMemory>();
+    for (int number = 0; number < 3; ++number) {
+        auto* const record = new Iterator(1);
+        record->enter(false);
+        memory->own(record);
+    }
+    locksTaken = locksGivenBack = 0;
+    memory.reset();
+    EXPECT_EQ(locksTaken, 3);
+    EXPECT_EQ(locksGivenBack, 3);
+}
+
+TEST_F(LockFailure, EndOfHoldersOfNothing_TakesNoLock) {
+    auto memory = std::make_unique<Orv::AutoMemory>();
+    memory->own<ConvertedResultData>(nullptr);
+    memory->own<MoImpl::MoIterator>(nullptr);
+    memory->own<MoImpl3::MoIterator>(nullptr);
+    memory->own<OrvMoNamedAttributeValueContainer_3>(nullptr);
+    memory->own<VekMoNamedAttributeValueContainer_3>(nullptr);
+    locksTaken = 0;
+    memory.reset();
+    EXPECT_EQ(locksTaken, 0);
 }
 
 // A failure to let go is told, and the lock is free all the same: the guard tries again.
@@ -310,4 +339,119 @@ TEST(LockFailureOfTheService, Finish_EveryLockThatFailsIsTold) {
         EXPECT_EQ(whenUnlockFails([&] { service.finish(1); }, number), kCannotUnlock);
     }
     EXPECT_EQ(service.finish(1), OrvOk);
+}
+
+namespace {
+
+OrvMgmtSpiComponent_1* registered = nullptr;
+OrvOamSpiTransaction_1 hostsTransactions{{}, &join};
+
+OrvReturnT lookUp(VekMgmtSpiInterface_1 id, void** result) {
+    if (std::string(id.interfaceName) == "OrvOamSpiTransaction") {
+        *result = &hostsTransactions;
+        return OrvOk;
+    }
+    return getInterface(id, result);
+}
+
+OrvReturnT keepRecord(OrvMgmtSpiComponent_1* record) {
+    registered = record;
+    return OrvOk;
+}
+
+void* getPortal(const char* version) {
+    static OrvMgmtSpiInterfacePortal_1 portal1 = {{}, &lookUp, nullptr, &keepRecord, nullptr};
+    return std::string(version) == "1" ? &portal1 : nullptr;
+}
+
+/// The whole service, started, with an iterator open in a transaction. A stop takes the locks of
+/// the three interfaces, that of the iterator, which ends with its transaction, and that of the
+/// references; the registry's own it does not take.
+class LockFailureOfStop : public testing::Test {
+protected:
+    using Service = OrvExtCmRouterService::ExtCmRouterService;
+
+    LockFailureOfStop() {
+        Orv::Portal::instance()->attach(&PlainHost::lookup);
+        router1.deleteMo = [](unsigned long, const char*) { return OrvOk; };
+        router3.existsMo = [](unsigned long, const char*, bool*) { return OrvOk; };
+        router3.newMoIterator = &newIterator3;
+        router3_1.setMoAttributes = [](unsigned long, const char*,
+                                       VekMoNamedAttributeValueContainer_3**) { return OrvOk; };
+        EXPECT_EQ(Service::lcmInit(&accessor, nullptr), OrvOk);
+        EXPECT_EQ(registered->start(OrvStateChangeReasonRequested), OrvOk);
+        EXPECT_EQ(offered<OrvOamSpiManagedObject_3>(1).newMoIterator(1, "A=1", "B", &iterator),
+                  OrvOk);
+    }
+    ~LockFailureOfStop() override {
+        EXPECT_EQ(stop(), OrvOk);
+        Service::lcmTerminate();
+        Orv::Portal::instance()->detach();
+    }
+
+    template <class Table>
+    static const Table& offered(std::size_t index) {
+        return *static_cast<const Table*>(
+            static_cast<const void*>(registered->interfaceArray[index]));
+    }
+
+    static OrvReturnT stop() { return registered->stop(OrvStateChangeReasonRequested); }
+
+    bool memoryIsThere() const { return MoImpl3::MoIterator::find(iterator) != nullptr; }
+
+    static bool serves1() {
+        return offered<OrvOamSpiManagedObject_1>(0).deleteMo(1, "A=1") != OrvNotActive;
+    }
+    static bool serves3() {
+        bool exists = false;
+        return offered<OrvOamSpiManagedObject_3>(1).existsMo(1, "A=1", &exists) != OrvNotActive;
+    }
+    static bool serves3_1() {
+        VekMoNamedAttributeValueContainer_3* nothing = nullptr;
+        return offered<VekOamSpiManagedObject_3_1>(2).setMoAttributes(1, "A=1", &nothing) !=
+               OrvNotActive;
+    }
+
+    OrvMgmtSpiInterfacePortalAccessor accessor{&getPortal};
+    unsigned long long iterator = 0;
+};
+
+}
+
+TEST_F(LockFailureOfStop, LockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {
+    OrvReturnT code = OrvOk;
+    EXPECT_EQ(whenLockFails([&] { code = stop(); }, 1), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_TRUE(serves1() && serves3() && serves3_1() && memoryIsThere());
+    EXPECT_EQ(whenLockFails([&] { code = stop(); }, 2), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_FALSE(serves1());
+    EXPECT_TRUE(serves3() && serves3_1() && memoryIsThere());
+    EXPECT_EQ(whenLockFails([&] { code = stop(); }, 3), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_FALSE(serves3());
+    EXPECT_TRUE(serves3_1() && memoryIsThere());
+}
+
+TEST_F(LockFailureOfStop, UnlockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {
+    OrvReturnT code = OrvOk;
+    EXPECT_EQ(whenUnlockFails([&] { code = stop(); }, 1), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_FALSE(serves1());
+    EXPECT_TRUE(serves3() && serves3_1() && memoryIsThere());
+}
+
+TEST_F(LockFailureOfStop, LockOfTheReferences_ComesBehindTheSweep) {
+    OrvReturnT code = OrvOk;
+    EXPECT_EQ(whenLockFails([&] { code = stop(); }, 5), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_FALSE(serves3_1());
+    EXPECT_FALSE(memoryIsThere());
+}
+
+TEST_F(LockFailureOfStop, NothingFails_TheRegistrysLockIsNotTaken) {
+    locksTaken = locksGivenBack = 0;
+    EXPECT_EQ(stop(), OrvOk);
+    EXPECT_EQ(locksTaken, 5);
+    EXPECT_EQ(locksGivenBack, 5);
 }

@@ -328,6 +328,19 @@ TEST_P(OutOfMemory, Registration) {
         });
 }
 
+// The way through a table itself takes none.
+TEST_P(OutOfMemory, CallsThatKeepNothing_NeedNoMemory) {
+    char* name = nullptr;
+    allocationsLeft = 0;
+    const OrvReturnT finalized = table3.finalizeMoIterator(0);
+    const OrvReturnT stepped3 = table3.nextMo(0, &name);
+    const OrvReturnT stepped1 = table1.nextMo(nullptr, &name);
+    allocationsLeft = -1;
+    EXPECT_EQ(finalized, OrvOk);
+    EXPECT_EQ(stepped3, OrvNotActive);
+    EXPECT_EQ(stepped1, OrvNotActive);
+}
+
 // What a transaction has recorded goes with it, all of it.
 TEST_P(OutOfMemory, Finish_GivesTheMemoryBack) {
     Orv::Portal::instance()->attach(&PlainHost::lookup);

@@ -111,3 +111,15 @@ TEST_F(ServiceLife, OneAfterTheOther_EachHasTheTypeToItself) {
         EXPECT_EQ(service.getMoInterface()->setMoAttributes(1, "A=1", nullptr), OrvNotActive);
     }
 }
+
+// A second object would take over a table that is in use.
+TEST_F(ServiceLife, SecondAtATime_EndsTheProcess) {
+    const Served1 one(mappings, transactions);
+    EXPECT_DEATH({ const Served1 another(mappings, transactions); }, "!_instance");
+    const Served3 three(mappings, transactions, biDirUtils, uniDirValidator);
+    EXPECT_DEATH({ const Served3 another(mappings, transactions, biDirUtils, uniDirValidator); },
+                 "!_instance");
+    const MoImpl3_1 threeOne(mappings, transactions, biDirUtils, uniDirValidator);
+    EXPECT_DEATH({ const MoImpl3_1 another(mappings, transactions, biDirUtils, uniDirValidator); },
+                 "!_instance");
+}

@@ -8,7 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <stdexcept>
+#include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -24,8 +27,29 @@ OrvReturnT joinAnswer = OrvOk;
 bool joinThrows = false;
 std::vector<int> destroyed;
 
+// Asked on a thread of its own: the mutex lets its owner in again.
+bool isFree(Poco::Mutex& mutex) {
+    bool taken = false;
+    std::thread([&] {
+        taken = mutex.tryLock();
+        if (taken) {
+            mutex.unlock();
+        }
+    }).join();
+    return taken;
+}
+
+Poco::Mutex* lookedAtByJoin = nullptr;
+bool freeDuringJoin = false;
+const std::map<unsigned long, Orv::AutoMemory*>* entriesSeenByJoin = nullptr;
+bool enteredBeforeJoin = false;
+
 OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource) {
     joins.emplace_back(txHandle, resource);
+    if (lookedAtByJoin != nullptr) {
+        freeDuringJoin = isFree(*lookedAtByJoin);
+        enteredBeforeJoin = entriesSeenByJoin->count(txHandle) == 1;
+    }
     if (joinThrows) {
         throw std::runtime_error("join");
     }
@@ -48,6 +72,7 @@ protected:
         destroyed.clear();
         joinAnswer = OrvOk;
         joinThrows = false;
+        lookedAtByJoin = nullptr;
         data.transaction = &table;
     }
 
@@ -98,8 +123,29 @@ TEST_F(TransactionDataTest, GetTxData_JoinThrows_LeavesTheEntryAndDoesNotJoinAga
 TEST_F(TransactionDataTest, GetTxData_JoinThrows_LetsGoOfTheLock) {
     joinThrows = true;
     EXPECT_THROW(data.getTxData(1), std::runtime_error);
-    EXPECT_TRUE(data.mMutex.tryLock());
-    data.mMutex.unlock();
+    EXPECT_TRUE(isFree(data.mMutex));
+}
+
+TEST_F(TransactionDataTest, GetTxData_Join_RunsWithTheEntryMadeAndTheLockHeld) {
+    lookedAtByJoin = &data.mMutex;
+    entriesSeenByJoin = &data.memoryByTx;
+    freeDuringJoin = true;
+    data.getTxData(1);
+    EXPECT_EQ(joins.size(), 1U);
+    EXPECT_TRUE(enteredBeforeJoin);
+    EXPECT_FALSE(freeDuringJoin);
+}
+
+TEST_F(TransactionDataTest, GetTxData_Served_LetsGoOfTheLock) {
+    data.getTxData(1);
+    EXPECT_TRUE(isFree(data.mMutex));
+    data.getTxData(1);
+    EXPECT_TRUE(isFree(data.mMutex));
+}
+
+TEST_F(TransactionDataTest, Type_IsPolymorphicWithoutCopies) {
+    static_assert(std::has_virtual_destructor_v<TransactionData>);
+    static_assert(!std::is_copy_constructible_v<TransactionData>);
 }
 
 TEST_F(TransactionDataTest, GetTxData_AfterRemoval_JoinsAgain) {
