@@ -99,6 +99,23 @@ TEST_P(AllocationFaults, EachRefusedWhileTracing_LeavesNothingBehindEither) {
 INSTANTIATE_TEST_SUITE_P(Operations, AllocationFaults, testing::ValuesIn(operations()),
                          [](const auto& tested) { return plainName(tested.param); });
 
+// A process may end with the component started and transactions open.
+TEST(EndWithoutStop, WhatWasKeptForTransactions_GoesWithTheComponent) {
+    Scene scene(Life::Started);
+    {
+        const NewWatch watch;
+        EXPECT_EQ(
+            scene.host.client().table->newMoIterator(1, "", "ManagedElement", &scene.iterator),
+            OrvOk);
+        EXPECT_EQ(
+            scene.host.client1().table->newMoIterator(2, "", "ManagedElement", &scene.iterator1),
+            OrvOk);
+    }
+    EXPECT_GT(watchedBlocks(), 0U);
+    scene.host.closeAsItIs();
+    EXPECT_EQ(watchedBlocks(), 0U);
+}
+
 // Behind no binder: what runs out is the interceptor component's to see.
 TEST(AllocationFaultsOfTheRepository, Registration_ThrowsAndEntersNothing) {
     const std::string path = "ManagedElement,Unit,AndMoreThanFitsIntoAShortString";

@@ -5,6 +5,7 @@
 
 #include "Host.h"
 #include "Names.h"
+#include "Portal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -87,6 +88,19 @@ TEST(Init, NoPortal_IsRefused) {
     host.forget();
     host.terminate();
     EXPECT_THAT(host.calls(), IsEmpty());
+}
+
+TEST(Init, RefusedAfterASuccess_TheRecordIsUntouchedAndNothingRegisteredAgain) {
+    Host host;
+    host.load();
+    ASSERT_EQ(host.init(), OrvOk);
+    const OrvMgmtSpiComponent_1 before = host.record();
+    host.forget();
+    EXPECT_EQ(host.without(Part::Portal1).init(), OrvFailure);
+    EXPECT_THAT(host.calls(), ElementsAre("Accessor.getPortal('1')", "Accessor.getPortal('3')"));
+    EXPECT_EQ(host.record().interfaceArray, before.interfaceArray);
+    EXPECT_EQ(host.record().dependencyArray, before.dependencyArray);
+    EXPECT_EQ(host.record().emptyInterfaceArray, before.emptyInterfaceArray);
 }
 
 TEST(Init, RefusedThenPortal1Appears_Succeeds) {
@@ -300,6 +314,48 @@ TEST(Start, Twice_MakesNoSecondRouterLookup) {
     EXPECT_THAT(host.calls(), ElementsAre(kAskTransaction));
 }
 
+// Only the interfaces stay as they are: what looks up through Orv::Portal looks again.
+TEST(Start, TwiceWithTheCacheEmptiedBetween_LooksUpAllButTheRoutersAgain) {
+    Host host;
+    host.start();
+    Orv::Portal::instance()->attach(&orvPortalLookup);
+    EXPECT_EQ(host.startComponent(), OrvOk);
+    EXPECT_THAT(host.calls(), ElementsAre(kLookUpVekRouter3, kLookUpModel, kLookUpThreadContext,
+                                          kAskTransaction));
+}
+
+TEST(Start, TwiceAndTheModelIsGone_TheValidatorsGoByTheLastAnswer) {
+    Host host;
+    host.start();
+    bool verdict = false;
+    EXPECT_EQ(host.resource().validate(5, &verdict), OrvOk);
+    EXPECT_TRUE(verdict);
+    Orv::Portal::instance()->attach(&orvPortalLookup);
+    EXPECT_EQ(host.without(Part::ModelRepository).startComponent(), OrvOk);
+    EXPECT_EQ(host.resource().validate(5, &verdict), OrvOk);
+    EXPECT_FALSE(verdict);
+}
+
+TEST(Start, EachTime_TheTransactionTableIsLookedUpFromNull) {
+    Host host;
+    host.load();
+    ASSERT_EQ(host.init(), OrvOk);
+    std::vector<void*> before;
+    host.when("Portal1.getInterface")
+        .on("'OrvOamSpiTransaction'")
+        .answers<void*>([&](void*& found) {
+            before.push_back(found);
+            found = transactionTable();
+            return OrvOk;
+        });
+    ASSERT_EQ(host.startComponent(), OrvOk);
+    ASSERT_EQ(host.startComponent(), OrvOk);
+    EXPECT_THAT(before, ElementsAre(nullptr, nullptr));
+    EXPECT_EQ(host.client().open(7, "", "A").code, OrvOk);
+    EXPECT_THAT(host.calls("Transaction."),
+                ElementsAre("Transaction.join(7, OrvOamSpiTransactionalResource)"));
+}
+
 TEST(Start, AfterStop_LooksTheRoutersUpAfresh) {
     Host host;
     host.start();
@@ -329,7 +385,12 @@ TEST_P(StartWithoutRouter, FailsAndTheNextStartRetriesExactlyTheRest) {
     host.forget();
     EXPECT_EQ(host.startComponent(), OrvFailure);
     EXPECT_EQ(host.calls("Portal1."), GetParam().asked);
+    EXPECT_THAT(host.calls("OrvPortal."),
+                ElementsAre(kLookUpVekRouter3, kLookUpModel, kLookUpThreadContext));
     EXPECT_THAT(host.logs(), ElementsAre(kNoRouterLog, kNoRouterTrace));
+    bool verdict = false;
+    EXPECT_EQ(host.resource().validate(5, &verdict), OrvOk);
+    EXPECT_TRUE(verdict) << "the validators are started all the same";
     host.forget();
     EXPECT_EQ(host.with(GetParam().part).startComponent(), OrvOk);
     EXPECT_EQ(host.calls(), GetParam().retried);
@@ -541,12 +602,16 @@ TEST(Stop, Level8_TheThreeInterfacesTraceInOrder) {
         ElementsAre("src/ext_cm/src/MoImpl", "src/ext_cm/src/MoImpl3", "src/ext_cm/src/MoImpl3_1"));
 }
 
-TEST(Unload, TransactionsOpen_NothingIsLeftBehind) {
+// What was kept for the transactions goes with the service; a check for leaks sees if it does not.
+TEST(Unload, StartedAndTransactionsOpen_CallsNobody) {
     Host host;
     host.start();
     ASSERT_EQ(host.client().open(1, "", "A").code, OrvOk);
     ASSERT_EQ(host.client1().open(2, "", "A").code, OrvOk);
-    host.unload();
+    host.logLevel(8).forget();
+    host.closeAsItIs();
+    EXPECT_THAT(host.calls(), IsEmpty());
+    EXPECT_THAT(host.logs(), IsEmpty()) << "a stop would have traced";
 }
 
 TEST(Unload, ThenLoaded_IsAFreshComponent) {

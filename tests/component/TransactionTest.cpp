@@ -68,6 +68,14 @@ TEST_F(Transactions, TwoVersions_ShareOneEntry) {
     EXPECT_THAT(host.calls("Transaction."), ElementsAre(joined(5)));
 }
 
+TEST_F(Transactions, TouchedByVersion3_1First_TheOthersShareTheEntry) {
+    EXPECT_EQ(host.client3_1().set(5, "P=1", {}), OrvOk);
+    EXPECT_THAT(host.calls("Transaction."), ElementsAre(joined(5)));
+    open(5);
+    EXPECT_EQ(host.client1().open(5, "P=1", "B").code, OrvOk);
+    EXPECT_THAT(host.calls("Transaction."), ElementsAre(joined(5)));
+}
+
 TEST_F(Transactions, HandleZero_IsAHandleLikeAnyOther) {
     const auto iterator = open(0);
     open(0);

@@ -158,6 +158,12 @@ void Host::unload() {
     mComponent.reset();
 }
 
+void Host::closeAsItIs() {
+    mStarted = false;
+    mInitialised = false;
+    unload();
+}
+
 void Host::start() {
     load();
     EXPECT_EQ(init(), OrvOk);

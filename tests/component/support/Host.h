@@ -67,6 +67,8 @@ public:
     OrvReturnT stopComponent();
     void terminate();
     void unload();
+    /// Closes the component as it is, neither stopped nor terminated, as the end of a process does.
+    void closeAsItIs();
     /// All up to startComponent, which must succeed; then the journal and the logs are empty.
     void start();
 
