@@ -31,12 +31,13 @@ COMPONENT_REQUIRED = (
     ENTRIES
     + [f"{BASE}::{member}(" for member in BASE_MEMBERS]
     + [f"{REPOSITORY}::{member}(" for member in REPOSITORY_MEMBERS]
-    + [f"vtable for {BASE}", f"typeinfo for {BASE}"]
+    + [f"vtable for {BASE}", f"typeinfo for {BASE}", f"typeinfo name for {BASE}"]
 )
 COMPONENT_ALLOWED = re.compile(
     "|".join([
         *(f"{entry}$" for entry in ENTRIES),
-        rf"({BASE}|{REPOSITORY})::[~\w]+\(",
+        # Members themselves, and nothing of what stands inside them.
+        rf"({BASE}|{REPOSITORY})::[~\w]+\([^()]*\)( const)?$",
         rf"(vtable|typeinfo|typeinfo name) for ({BASE}|{REPOSITORY})$",
     ])
 )
