@@ -213,6 +213,8 @@ TEST_F(LockFailure, Iterators_TheBoundaryAnswersFailureAndTheNextCallIsServed) {
     EXPECT_EQ(code, OrvFailure);
     EXPECT_EQ(whenLockFails([&] { code = table.finalizeMoIterator(iterator); }), "nothing");
     EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(whenUnlockFails([&] { code = table.finalizeMoIterator(iterator); }), "nothing");
+    EXPECT_EQ(code, OrvFailure);
     EXPECT_EQ(table.nextMo(iterator, &name), OrvOk);
     // The registry's lock comes first, then that of the iterators.
     EXPECT_EQ(whenLockFails([&] { code = open(); }, 2), "nothing");
