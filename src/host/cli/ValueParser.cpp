@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 namespace OrvHost {
 
@@ -20,9 +21,45 @@ bool takesBrackets(const AttributeDef* def) {
     return def == nullptr || !isTextual(def->type.kind) || def->multiplicity.upper > 1;
 }
 
+// Deeper than any struct may be, and not so deep that what walks a value runs out of stack.
+constexpr int kDeepest = 256;
+
+/// Looks at JSON while it is parsed, for what JSON permits and nobody can have meant.
+class JsonGuard {
+public:
+    bool look(int depth, JsonValue::parse_event_t event, const JsonValue& parsed) {
+        if (event == JsonValue::parse_event_t::object_start) {
+            mNames.emplace_back();
+        } else if (event == JsonValue::parse_event_t::object_end) {
+            mNames.pop_back();
+        } else if (event == JsonValue::parse_event_t::key) {
+            enter(parsed.get<std::string>());
+        }
+        if (depth > kDeepest) {
+            throw UsageError("the JSON is nested deeper than " + std::to_string(kDeepest) +
+                             " levels");
+        }
+        return true;
+    }
+
+private:
+    // The later of two values would win, and the other one be lost without a word.
+    void enter(const std::string& name) {
+        if (!mNames.back().insert(name).second) {
+            throw UsageError("\"" + name + "\" stands twice in one JSON object");
+        }
+    }
+
+    std::vector<std::set<std::string>> mNames; ///< of each open object, the outermost first
+};
+
 JsonValue parseJson(const std::string& text) {
+    JsonGuard guard;
     try {
-        return JsonValue::parse(text);
+        return JsonValue::parse(
+            text, [&](int depth, JsonValue::parse_event_t event, const JsonValue& parsed) {
+                return guard.look(depth, event, parsed);
+            });
     } catch (const JsonValue::parse_error& failure) {
         throw UsageError("'" + text + "' is no JSON (near character " +
                          std::to_string(failure.byte) +

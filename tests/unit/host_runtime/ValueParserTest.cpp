@@ -110,6 +110,24 @@ TEST(ValueParserTest, List_OfSeveralTypes_IsUsage) {
     EXPECT_THROW(parsed("[null]", ValueKind::Uint, 4), UsageError);
 }
 
+// The parser itself would take the last one.
+TEST(ValueParserTest, Object_WithANameTwice_IsUsage) {
+    EXPECT_THAT([] { parseValue(R"({"a": 1, "b": {"a": 2}, "a": 3})", nullptr); },
+                ThrowsMessage<UsageError>(HasSubstr("\"a\" stands twice in one JSON object")));
+    EXPECT_NO_THROW(parseValue(R"([{"a": 1}, {"a": {"a": 2}}])", nullptr));
+}
+
+TEST(ValueParserTest, Json_NestedTooDeep_IsUsage) {
+    const auto nested = [](std::size_t depth) {
+        return std::string(depth, '[') + std::string(depth, ']');
+    };
+    EXPECT_NO_THROW(parseValue(nested(200), nullptr));
+    for (const std::size_t depth : {300U, 200000U}) {
+        EXPECT_THAT([&] { parseValue(nested(depth), nullptr); },
+                    ThrowsMessage<UsageError>(HasSubstr("nested deeper than 256 levels")));
+    }
+}
+
 std::vector<NamedValue> assigned(const std::vector<std::string>& words) {
     return parseAssignments(words, [](const std::string& name) -> const AttributeDef* {
         static const AttributeDef number = attribute(ValueKind::Uint);
