@@ -32,6 +32,25 @@ int waitFor(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+int run(const std::vector<std::string>& arguments, const std::string& in, const std::string& out,
+        const std::string& err) {
+    const pid_t child = fork();
+    if (child < 0) {
+        throw std::runtime_error("fork failed");
+    }
+    if (child == 0) {
+        redirect(STDIN_FILENO, in, O_RDONLY);
+        redirect(STDERR_FILENO, err, O_WRONLY | O_TRUNC);
+        if (out.empty()) {
+            close(STDOUT_FILENO);
+        } else {
+            redirect(STDOUT_FILENO, out, O_WRONLY | O_TRUNC);
+        }
+        becomeOrvhost(arguments);
+    }
+    return waitFor(child);
+}
+
 }
 
 TemporaryDirectory::TemporaryDirectory() {
@@ -77,18 +96,16 @@ ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::s
     const std::string in = directory.file("in", input);
     const std::string out = directory.file("out", "");
     const std::string err = directory.file("err", "");
-    const pid_t child = fork();
-    if (child < 0) {
-        throw std::runtime_error("fork failed");
-    }
-    if (child == 0) {
-        redirect(STDIN_FILENO, in, O_RDONLY);
-        redirect(STDOUT_FILENO, out, O_WRONLY | O_TRUNC);
-        redirect(STDERR_FILENO, err, O_WRONLY | O_TRUNC);
-        becomeOrvhost(arguments);
-    }
-    const int status = waitFor(child);
+    const int status = run(arguments, in, out, err);
     return {status, readFile(out), readFile(err)};
+}
+
+ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::string>& arguments) {
+    const TemporaryDirectory directory;
+    const std::string in = directory.file("in", "");
+    const std::string err = directory.file("err", "");
+    const int status = run(arguments, in, out, err);
+    return {status, "", readFile(err)};
 }
 
 std::vector<std::string> withSite(const std::vector<std::string>& more) {

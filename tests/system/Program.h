@@ -36,6 +36,10 @@ private:
 /// Runs orvhost in the directory of test data until it ends.
 ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::string& input = {});
 
+/// The same with its standard output going to \p out, a file or device that is there, or closed if
+/// the path is empty. The result's own output stays empty.
+ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::string>& arguments);
+
 /// The options that load the small model and its data, followed by \p more.
 std::vector<std::string> withSite(const std::vector<std::string>& more);
 

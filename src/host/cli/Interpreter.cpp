@@ -19,6 +19,10 @@ ExitStatus Interpreter::runLine(const std::string& line, const std::string& plac
             {}, place,
             std::make_exception_ptr(UsageError("the line ends inside a quoted text: " + line)));
     }
+    if (line.find('\0') != std::string::npos) {
+        return report({}, place,
+                      std::make_exception_ptr(UsageError("there is a zero byte in the line")));
+    }
     return split.words.empty() ? ExitOk : runWords(split.words, place);
 }
 

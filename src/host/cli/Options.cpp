@@ -5,10 +5,13 @@
 
 #include "CliError.h"
 #include "Clients.h"
+#include "DnUtil.h"
 #include "LogLevel.h"
 #include "check/CheckReport.h"
 
 #include <CLI/CLI.hpp>
+
+#include <iostream>
 
 namespace OrvHost {
 
@@ -26,6 +29,15 @@ from the prompt or standard input. 'orvhost help' tells them. Put -- before a co
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
+// An identity is a part of DNs. Empty means that there is none.
+std::string whyNoIdentity(const std::string& identity) {
+    return identity.empty() || Orv::DnUtil::validateMoNamingAttr(identity.c_str())
+               ? std::string()
+               : "'" + identity +
+                     "' cannot name an object: a text was expected without control characters and "
+                     "without , = + \" \\ < > ; that neither begins nor ends with a space";
+}
+
 void addLoading(CLI::App& app, Options& options) {
     app.add_option("-m,--model", options.models, "YANG module, by name or file; repeat for more")
         ->allow_extra_args(false);
@@ -42,8 +54,10 @@ void addLoading(CLI::App& app, Options& options) {
                    "A further component to load, such as an interceptor; repeatable")
         ->allow_extra_args(false);
     app.add_option("--me-id", options.meId,
-                   "Identity by which clients know the ManagedElement at the root");
+                   "Identity by which clients know the ManagedElement at the root")
+        ->check(whyNoIdentity);
     app.add_option("--me-id-fallback", options.meIdFallback, "Identity to use if that one is empty")
+        ->check(whyNoIdentity)
         ->capture_default_str();
 }
 
@@ -132,6 +146,12 @@ ParsedArguments parseArguments(int count, const char* const* arguments) {
     try {
         app.parse(count, arguments);
         takeScenarios(options);
+    } catch (const CLI::ExtrasError& unknown) {
+        app.exit(unknown);
+        std::cerr
+            << "If that belongs to a command, put -- before the command: orvhost ... -- graph "
+               "-o FILE\n";
+        return {std::nullopt, ExitUsage};
     } catch (const CLI::ParseError& end) {
         const int status = app.exit(end);
         return {std::nullopt, status == 0 ? ExitOk : ExitUsage};

@@ -17,6 +17,7 @@
 #include <fstream>
 #include <iostream>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace OrvHost {
@@ -57,6 +58,7 @@ public:
         if (hasNoCommands()) {
             step([&] { return isatty(STDIN_FILENO) == 1 ? runPrompt() : runScript("-"); });
         }
+        tellWhatIsAborted();
         return mStatus;
     }
 
@@ -74,12 +76,24 @@ private:
         mStatus = mStatus == ExitOk ? status : mStatus;
     }
 
+    // A forgotten commit looks like a success otherwise.
+    void tellWhatIsAborted() const {
+        for (const Transactions::Entry& open : mSession.transactions().all()) {
+            if (open.writes > 0) {
+                std::cerr << "note: transaction " << open.name << " was still open, with "
+                          << open.writes << (open.writes == 1 ? " write" : " writes")
+                          << "; it is aborted, nothing of it is left\n";
+            }
+        }
+    }
+
     ExitStatus runScript(const std::string& name) {
         if (name == "-") {
             return mInterpreter.runScript(std::cin, "stdin", mOptions.keepGoing);
         }
         std::ifstream script(name);
-        if (!script) {
+        std::error_code unknown;
+        if (!script || std::filesystem::is_directory(name, unknown)) {
             std::cerr << "orvhost: " << name << ": cannot be read\n";
             return ExitUsage;
         }
@@ -109,6 +123,25 @@ private:
     ExitStatus mStatus = ExitOk;
 };
 
+// A stream that is closed would give its number to the next file that is opened, and what is
+// printed would go there. This way it fails instead.
+void keepStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+// Answers that did not arrive, on a full disk for example, are not a success.
+int statusWithOutput(int status) {
+    if (std::cout.flush()) {
+        return status;
+    }
+    std::cerr << "orvhost: the standard output cannot be written to its end\n";
+    return status == ExitOk ? ExitCommandError : status;
+}
+
 int runWithOptions(const Options& options) {
     try {
         if (!options.scenarios.empty()) {
@@ -128,8 +161,9 @@ int runWithOptions(const Options& options) {
 }
 
 int runProgram(int count, const char* const* arguments) {
+    keepStandardStreams();
     const ParsedArguments parsed = parseArguments(count, arguments);
-    return parsed.options ? runWithOptions(*parsed.options) : parsed.exitStatus;
+    return statusWithOutput(parsed.options ? runWithOptions(*parsed.options) : parsed.exitStatus);
 }
 
 }

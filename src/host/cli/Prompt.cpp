@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include <histedit.h>
+#include <langinfo.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -52,6 +53,17 @@ private:
     sigset_t mWaitingMask{};
 };
 
+// For characters of several bytes. A language that knows none but ASCII, as "C" does, would drop
+// all others from what is typed; values are UTF-8, so that is what is taken then.
+void useWideCharacters() {
+    // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs while there is a prompt
+    std::setlocale(LC_CTYPE, "");
+    if (nl_langinfo(CODESET) == std::string("ANSI_X3.4-1968")) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
+    // NOLINTEND(concurrency-mt-unsafe)
+}
+
 // One byte from the terminal: its number, 0 at the end, -1 for a failure or Ctrl-C (EINTR).
 ssize_t readByte(const sigset_t& mask, char& byte) {
     pollfd waiting{STDIN_FILENO, POLLIN, 0};
@@ -83,8 +95,7 @@ public:
           mHistoryFile(std::move(historyFile)),
           mEditLine(el_init("orvhost", stdin, stdout, stderr)),
           mHistory(history_init()) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs while there is a prompt
-        std::setlocale(LC_CTYPE, ""); // for characters of several bytes
+        useWideCharacters();
         HistEvent event;
         history(mHistory, &event, H_SETSIZE, kHistoryLines);
         history(mHistory, &event, H_SETUNIQUE, 1);

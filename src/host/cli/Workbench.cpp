@@ -55,6 +55,9 @@ Workbench::~Workbench() {
             mErrors << "orvhost: " << problem << '\n';
         }
     }
+    if (mLog && !mLog->isComplete()) {
+        mErrors << "orvhost: the log is not complete: lines could not be written\n";
+    }
 }
 
 void Workbench::openLog(const Options& options) {

@@ -131,6 +131,11 @@ void LogSink::write(const Orv::LogRecord& record) {
     }
 }
 
+bool LogSink::isComplete() const {
+    const std::lock_guard lock(mMutex);
+    return !mStream.fail();
+}
+
 std::vector<std::string> LogSink::recent(std::size_t count) const {
     const std::lock_guard lock(mMutex);
     const std::size_t taken = std::min(count, mRecent.size());

@@ -48,6 +48,9 @@ public:
     /// Up to \p count of the latest lines, the oldest first, without line ends.
     std::vector<std::string> recent(std::size_t count) const;
 
+    /// Whether all lines so far have reached the stream or the file.
+    bool isComplete() const;
+
     LogFormat format() const { return mFormat; }
 
 private:

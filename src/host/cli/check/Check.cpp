@@ -17,7 +17,7 @@ namespace {
 /// theirs besides.
 class Reports {
 public:
-    Reports(const Options& options, std::ostream& out) {
+    Reports(const Options& options, std::ostream& out) : mFileName(options.reportFile) {
         const std::string format =
             options.reportFormat.empty() ? (options.json ? "json" : "text") : options.reportFormat;
         if (options.reportFile.empty()) {
@@ -39,7 +39,15 @@ public:
         }
     }
 
+    void end() {
+        forEach([](CheckReport& report) { report.end(); });
+        if (mFile.is_open() && !mFile.flush()) {
+            throw LoadError(mFileName + ": cannot be written to its end");
+        }
+    }
+
 private:
+    std::string mFileName;
     std::ofstream mFile;
     std::vector<std::unique_ptr<CheckReport>> mReports;
 };
@@ -62,7 +70,7 @@ ExitStatus checkScenarios(const Options& options, std::ostream& out) {
         reports.forEach([&](CheckReport& report) { report.add(result); });
         status = std::max(status, statusOf(result));
     }
-    reports.forEach([](CheckReport& report) { report.end(); });
+    reports.end();
     return status;
 }
 

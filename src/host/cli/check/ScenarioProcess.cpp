@@ -9,11 +9,13 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <system_error>
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -132,8 +134,18 @@ std::string breakdown(int status) {
     return code == 0 ? std::string() : "the process ended with status " + std::to_string(code);
 }
 
-[[noreturn]] void runInChild(const Options& options, const std::string& file, Pipe& pipe) {
+// Whoever ends the check, be it with a signal to its process only, ends the scenario that runs.
+void endWithParent(pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(1);
+    }
+}
+
+[[noreturn]] void runInChild(const Options& options, const std::string& file, pid_t parent,
+                             Pipe& pipe) {
     pipe.closeReader();
+    endWithParent(parent);
     dup2(STDERR_FILENO, STDOUT_FILENO);
     const ScenarioResult result =
         runScenario(options, file, [&](int line) { pipe.write(std::to_string(line) + "\n"); });
@@ -165,12 +177,13 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
     const auto start = std::chrono::steady_clock::now();
     std::cout.flush();
     Pipe pipe;
+    const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) {
         failWith("fork");
     }
     if (child == 0) {
-        runInChild(options, file, pipe);
+        runInChild(options, file, parent, pipe);
     }
     pipe.closeWriter();
     const Told told = parseTold(pipe.readAll());

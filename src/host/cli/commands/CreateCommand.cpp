@@ -3,6 +3,7 @@
 
 #include "CreateCommand.h"
 
+#include "MeIdTranslator.h"
 #include "cli/Assignments.h"
 #include "cli/CliError.h"
 #include "cli/Session.h"
@@ -19,6 +20,23 @@ std::string usualNamingAttribute(std::string className) {
     className.front() =
         static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
     return className + "Id";
+}
+
+constexpr const char* kRootClass = "ManagedElement";
+constexpr const char* kRootName = "1";
+
+// The name of a new object goes to the router as it is, unlike the DNs around it. So the element at
+// the root gets its external identity only if it is created by its internal name; by any other it
+// would be an object that no client could ever name again.
+void requireReachable(const NewObject& object) {
+    if (object.parentDn.empty() && object.className == kRootClass && object.name != kRootName) {
+        const std::string identity = Orv::MeIdTranslator::instance()->identity();
+        throw UsageError(std::string(kRootClass) + "=" + object.name +
+                         " would be an object that no client can name: the element at the root is "
+                         "created as " +
+                         kRootClass + "=" + kRootName + ", and clients know it as " + kRootClass +
+                         "=" + identity);
+    }
 }
 
 // The last step of a DN, Class=value or Class.attribute=value, tells what to create.
@@ -58,6 +76,7 @@ void CreateCommand::run(Session& session, Words words) {
     const std::string dn = words.take("the DN");
     const Model& model = session.model();
     const NewObject object = parseNewObject(model, dn);
+    requireReachable(object);
     const auto moc = model.findClass(object.className);
     const std::vector<NamedValue> attributes =
         parseAssignments(words.takeRest(), [&](const std::string& name) {
