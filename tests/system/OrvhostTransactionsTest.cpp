@@ -14,7 +14,9 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
+constexpr const char* kRadioUnit = "ManagedElement=Harbour,Equipment=1,RadioUnit=1";
 constexpr const char* kAntenna = "ManagedElement=Harbour,Equipment=1,AntennaUnit=1,Antenna=2";
 
 /// Creates a third radio unit for an antenna that takes two.
@@ -153,7 +155,8 @@ TEST(OrvhostTransactionsTest, Names_UnknownOrTaken_AreUsage) {
                                 "'begin' opens one. Usage: commit [NAME]\n"),
                       HasSubstr("stdin:2: abort: no transaction"),
                       HasSubstr("stdin:3: validate: no transaction"),
-                      HasSubstr("stdin:4: use: there is no open transaction 'a'"),
+                      HasSubstr("stdin:4: use: there is no open transaction 'a'; none is open, "
+                                "'begin' opens one. Usage: use [NAME]\n"),
                       HasSubstr("stdin:5: commit: there is no open transaction 'a'"),
                       HasSubstr("stdin:7: begin: transaction a is open already"),
                       HasSubstr("stdin:8: use: there is no open transaction 'b'; open: a."),
@@ -161,10 +164,42 @@ TEST(OrvhostTransactionsTest, Names_UnknownOrTaken_AreUsage) {
     EXPECT_EQ(result.status, 2);
 }
 
-TEST(OrvhostTransactionsTest, Open_AtTheEnd_AreAbortedSilently) {
-    const auto result = runOnHarbour("begin\nset ManagedElement=Harbour userLabel=N\n");
-    EXPECT_EQ(result.err, "");
+TEST(OrvhostTransactionsTest, Open_AtTheEndWithWrites_AreAbortedWithANote) {
+    const auto result = runOnHarbour("begin a\nset ManagedElement=Harbour userLabel=N\nbegin b\n");
+    EXPECT_EQ(result.err,
+              "note: transaction a was still open, with 1 write; it is aborted, nothing "
+              "of it is left\n");
     EXPECT_EQ(result.status, 0);
+}
+
+// What stands in the far objects has been changed by then, and no validation looks at it.
+TEST(OrvhostTransactionsTest, Reference_RefusedInATransaction_SaysThatItMustBeAborted) {
+    const std::string script = "begin a\nset " + std::string(kRadioUnit) + " antennaRef=junk\n";
+    for (const std::string version : {"3", "3_1"}) {
+        EXPECT_THAT(runOnHarbour(script, {"--interface", version}).err,
+                    HasSubstr("\n  references back may have been changed before this was refused, "
+                              "and nothing would tell: abort transaction a\n"))
+            << version;
+    }
+    EXPECT_THAT(runOnHarbour(script, {"--interface", "1"}).err, Not(HasSubstr("references back")));
+    const std::string harmless = "begin a\nset " + std::string(kRadioUnit) + " userLabel=1 no=2\n";
+    EXPECT_THAT(runOnHarbour(harmless).err, Not(HasSubstr("references back")));
+    EXPECT_THAT(runOnHarbour(script.substr(script.find('\n') + 1)).err,
+                Not(HasSubstr("references back")));
+}
+
+TEST(OrvhostTransactionsTest, Write_RefusedHalfWay_TellsWhatStays) {
+    const std::string object = "ManagedElement=Harbour,Equipment=1,Sector=9";
+    const auto result =
+        runOnHarbour("begin a\ncreate " + object + " azimuth=3 no=1\n", {"--interface", "1"});
+    EXPECT_THAT(result.err, HasSubstr("\n  in transaction a stays what was done before: the object "
+                                      "is created, azimuth is set\n"));
+    const auto three = runOnHarbour("begin a\nset ManagedElement=Harbour userLabel=N no=1\n",
+                                    {"--interface", "3", "--json"});
+    EXPECT_EQ(json::parse(three.out.substr(three.out.find('\n')))["error"]["aftermath"],
+              json({"in transaction a stays what was done before: userLabel is set"}));
+    const auto own = runOnHarbour("create " + object + " azimuth=3 no=1\n", {"--interface", "1"});
+    EXPECT_THAT(own.err, Not(HasSubstr("stays")));
 }
 
 TEST(OrvhostTransactionsTest, Json_OfEachCommand_IsOneDocument) {

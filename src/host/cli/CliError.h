@@ -47,6 +47,8 @@ struct OperationSubject {
     std::string className; ///< empty where the operation takes none
     std::vector<std::string> attributes;
     std::string action{}; ///< empty where the operation calls none
+    /// What the same command had done before with other operations: "height is set".
+    std::vector<std::string> done{};
 };
 
 /// A code that is not OrvOk from one of the component's tables.

@@ -142,9 +142,11 @@ void Client::create(unsigned long txHandle, const NewObject& object,
 void Client::set(unsigned long txHandle, const std::string& dn,
                  const std::vector<NamedValue>& attributes) {
     NamedRecords records(attributes);
+    std::vector<std::string> done;
     for (auto** record = records.data(); *record != nullptr; ++record) {
         check(mTable->setMoAttribute(txHandle, dn.c_str(), (*record)->name, &(*record)->value),
-              {"setMoAttribute", dn, {}, {(*record)->name}});
+              {"setMoAttribute", dn, {}, {(*record)->name}, {}, done});
+        done.push_back((*record)->name + std::string(" is set"));
     }
 }
 

@@ -104,17 +104,24 @@ void Client1::create(unsigned long txHandle, const NewObject& object,
     check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
                            object.namingAttribute.c_str(), object.name.c_str()),
           {"createMo", object.parentDn, object.className, {}});
-    set(txHandle, childOf(object.parentDn, object.className, object.name), attributes);
+    setAll(txHandle, childOf(object.parentDn, object.className, object.name), attributes,
+           {"the object is created"});
 }
 
 void Client1::set(unsigned long txHandle, const std::string& dn,
                   const std::vector<NamedValue>& attributes) {
+    setAll(txHandle, dn, attributes, {});
+}
+
+void Client1::setAll(unsigned long txHandle, const std::string& dn,
+                     const std::vector<NamedValue>& attributes, std::vector<std::string> done) {
     for (const NamedValue& attribute : attributes) {
         Orv::AutoMemory memory;
         OrvMoAttributeValueContainer record{};
         Conversion::fill(record, attribute.second, memory);
         check(mTable->setMoAttribute(txHandle, dn.c_str(), attribute.first.c_str(), &record),
-              {"setMoAttribute", dn, {}, {attribute.first}});
+              {"setMoAttribute", dn, {}, {attribute.first}, {}, done});
+        done.push_back(attribute.first + " is set");
     }
 }
 

@@ -35,6 +35,10 @@ public:
                      const std::vector<NamedValue>& parameters, const ActionDef* def) override;
 
 private:
+    /// \p done: what the same command did before, to be told if an attribute is refused.
+    void setAll(unsigned long txHandle, const std::string& dn,
+                const std::vector<NamedValue>& attributes, std::vector<std::string> done);
+
     OrvOamSpiManagedObject_1* mTable;
 };
 

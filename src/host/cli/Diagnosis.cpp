@@ -228,6 +228,10 @@ std::string Diagnosis::explainMissingObject(const std::string& dn) {
 }
 
 std::string Diagnosis::siblings(const std::string& parent, const std::string& className) {
+    if (parent.empty() && className != kRootClass) {
+        return "; the lists of the top level show all objects under one name, so name this one by "
+               "its own DN";
+    }
     std::vector<std::string> names;
     mSession.read([&](unsigned long txHandle) {
         mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {

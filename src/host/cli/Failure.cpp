@@ -3,6 +3,7 @@
 
 #include "Failure.h"
 
+#include "Aftermath.h"
 #include "CommandTable.h"
 #include "Diagnosis.h"
 #include "Layout.h"
@@ -52,6 +53,12 @@ std::vector<std::string> textsOf(const std::vector<ThreadContext::Message>& mess
 
 Failure plain(ExitStatus status, const std::string& text) {
     return {status, std::nullopt, text, {}, {{"text", text}}};
+}
+
+std::string withUsage(const std::string& text, const CommandInfo& info) {
+    const bool isSentence = !text.empty() && (text.back() == '.' || text.back() == '?');
+    return text + (isSentence ? "" : ".") + " Usage: " + info.name +
+           (info.synopsis.empty() ? "" : " " + info.synopsis);
 }
 
 std::string toText(const Refusal& refusal) {
@@ -113,9 +120,8 @@ Failure FailureReader::read(const std::string& command, const std::exception_ptr
         return OrvHost::read(failure);
     } catch (const UsageError& failure) {
         const Command* known = mCommands.find(command);
-        const std::string usage =
-            known != nullptr ? ". Usage: " + command + " " + known->info().synopsis : "";
-        return plain(ExitUsage, failure.what() + usage);
+        return plain(ExitUsage, known != nullptr ? withUsage(failure.what(), known->info())
+                                                 : std::string(failure.what()));
     } catch (const std::exception& failure) {
         return plain(ExitCommandError, failure.what());
     }
@@ -137,6 +143,13 @@ Failure FailureReader::read(const OperationError& error) {
                         {"name", codeName(error.code())},
                         {"text", explanation},
                         {"messages", failure.messages}};
+    const std::vector<std::string> aftermath = aftermathOf(mSession, error);
+    for (const std::string& line : aftermath) {
+        failure.text += "\n  " + line;
+    }
+    if (!aftermath.empty()) {
+        failure.document["aftermath"] = aftermath;
+    }
     return failure;
 }
 

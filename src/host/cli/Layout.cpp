@@ -117,8 +117,12 @@ std::string layOutValue(const JsonValue& value) {
         return scalarText(value) + "\n";
     }
     std::string text;
+    std::size_t position = 0;
     for (const JsonValue& element : value) {
-        text += layOutValue(element);
+        // Where one struct ends and the next begins must show.
+        text += element.is_object()
+                    ? layOutStruct("[" + std::to_string(position++) + "]", element, 0)
+                    : layOutValue(element);
     }
     return text;
 }

@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Aftermath.h"
+
+#include "Diagnosis.h"
+#include "Session.h"
+#include "Suggestion.h"
+#include "store/HostReturn.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+bool isNamedBack(const Model& model, const ClassDef& moc, const std::string& attribute) {
+    return std::any_of(model.biDirAssociations.begin(), model.biDirAssociations.end(),
+                       [&](const BiDirAssociation& association) {
+                           const AssociationEnd& one = association.ends[0];
+                           const AssociationEnd& other = association.ends[1];
+                           return (&model.classes[one.moc] == &moc && other.name == attribute) ||
+                                  (&model.classes[other.moc] == &moc && one.name == attribute);
+                       });
+}
+
+// References back are brought up to date before the attribute itself is set, except in version 1.
+bool mayHaveMovedReferences(Session& session, const OperationSubject& subject) {
+    const bool isSet =
+        subject.operation == "setMoAttributes" ||
+        (subject.operation == "setMoAttribute" && session.clients().version() != "1");
+    const ClassDef* moc = isSet ? Diagnosis(session).classOf(subject.dn) : nullptr;
+    return moc != nullptr && std::any_of(subject.attributes.begin(), subject.attributes.end(),
+                                         [&](const std::string& attribute) {
+                                             return isNamedBack(session.model(), *moc, attribute);
+                                         });
+}
+
+}
+
+std::vector<std::string> aftermathOf(Session& session, const OperationError& error) {
+    const Transactions::Entry* current = session.transactions().current();
+    if (current == nullptr) {
+        return {};
+    }
+    std::vector<std::string> lines;
+    const OperationSubject& subject = error.subject();
+    if (!subject.done.empty()) {
+        lines.push_back("in transaction " + current->name +
+                        " stays what was done before: " + enumerate(subject.done));
+    }
+    if (error.code() == OrvHostWriteConflict) {
+        lines.push_back("transaction " + current->name + " can only be aborted");
+    } else if (mayHaveMovedReferences(session, subject)) {
+        lines.push_back(
+            "references back may have been changed before this was refused, and nothing "
+            "would tell: abort transaction " +
+            current->name);
+    }
+    return lines;
+}
+
+}
