@@ -46,6 +46,7 @@ GraphOptions parse(Words& words) {
 }
 
 /// What was drawn, and what is told of it.
+// NOLINTNEXTLINE(bugprone-exception-escape): what JSON does when it moves cannot throw
 struct Drawing {
     std::string dot;
     std::string summary;
@@ -81,6 +82,7 @@ void requireClass(const std::vector<ClassDescription>& classes, const std::strin
         return;
     }
     std::vector<std::string> names;
+    names.reserve(classes.size());
     for (const ClassDescription& moc : classes) {
         names.push_back(moc.name);
     }
