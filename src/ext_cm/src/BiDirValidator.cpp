@@ -69,10 +69,23 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
         return OrvNotActive;
     }
     OrvReturnT code = OrvOk;
-    for (const BiDirUtils::ModifiedAttribute& written : workList) {
-        ORV_TRACE("Validating: %s, %s", written.first.c_str(), written.second.c_str());
-        const Outcome outcome =
-            judge(txHandle, written.first.c_str(), written.second.c_str(), code);
+    for (const auto& [writtenDn, writtenAttribute] : workList) {
+        const char* const dn = writtenDn.c_str();
+        const char* const attribute = writtenAttribute.c_str();
+        ORV_TRACE("Validating: %s, %s", dn, attribute);
+        bool exists = false;
+        code = moRouter->existsMo(txHandle, dn, &exists);
+        if (code != OrvOk || !exists) {
+            continue; // an MO that is gone needs no check
+        }
+        HeldResult held(*this);
+        code = moRouter->getMoAttribute(txHandle, dn, attribute, &held.record);
+        if (code != OrvOk) {
+            ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", dn, attribute, code);
+            *valid = false;
+            return code;
+        }
+        const Outcome outcome = judge(dn, attribute, held.record, code);
         if (outcome != Outcome::Next) {
             *valid = outcome != Outcome::Refused;
             return code;
@@ -93,25 +106,9 @@ bool BiDirValidator::canJudge(unsigned long txHandle) const {
     return false;
 }
 
-BiDirValidator::Outcome BiDirValidator::judge(unsigned long txHandle, const char* dn,
-                                              const char* attribute, OrvReturnT& code) {
-    bool exists = false;
-    code = moRouter->existsMo(txHandle, dn, &exists);
-    if (code != OrvOk || !exists) {
-        return Outcome::Next; // an MO that is gone needs no check
-    }
-    HeldResult held(*this);
-    code = moRouter->getMoAttribute(txHandle, dn, attribute, &held.record);
-    if (code != OrvOk) {
-        ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", dn, attribute, code);
-        return Outcome::Refused;
-    }
-    return judgeValue(dn, attribute, held.record, code);
-}
-
-BiDirValidator::Outcome BiDirValidator::judgeValue(const char* dn, const char* attribute,
-                                                   VekMoAttributeValueResult_3& result,
-                                                   OrvReturnT& code) {
+BiDirValidator::Outcome BiDirValidator::judge(const char* dn, const char* attribute,
+                                              VekMoAttributeValueResult_3& result,
+                                              OrvReturnT& code) {
     VekOamSpiMrMocHandle_4T moc = 0;
     if (ModelReader(modelRepository).mocOfDn(dn, moc) != OrvOk) {
         addUnknownTypeMessage(dn);
@@ -288,7 +285,10 @@ void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char
     using Handle = VekOamSpiMrAttributeHandle_4T;
     const VekOamSpiModelRepository_4& model = *modelRepository;
     auto walk = walkUntilNotExist<Handle>(
-        [&](Handle* found) { return model.mocQueries->getFirstAttribute(moc, found); },
+        [&](Handle* found) {
+            *found = attribute; // which the caller keeps if the class has none
+            return model.mocQueries->getFirstAttribute(moc, found);
+        },
         [&](Handle current, Handle* found) {
             return model.attribute->getNextAttribute(current, found);
         });

@@ -95,9 +95,8 @@ private:
     };
 
     bool canJudge(unsigned long txHandle) const;
-    Outcome judge(unsigned long txHandle, const char* dn, const char* attribute, OrvReturnT& code);
-    Outcome judgeValue(const char* dn, const char* attribute, VekMoAttributeValueResult_3& result,
-                       OrvReturnT& code);
+    Outcome judge(const char* dn, const char* attribute, VekMoAttributeValueResult_3& result,
+                  OrvReturnT& code);
     OrvReturnT judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc, const char* attribute,
                                  const VekMoAttributeValueContainer_3& value,
                                  const std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs,
