@@ -18,6 +18,7 @@ orv_add_test(unit_ext_cm_bidir
     BiDirQueriesTest.cpp
     BiDirTrapsTest.cpp
     BiDirValidatorCallsTest.cpp
+    BiDirValidatorEdgesTest.cpp
     BiDirValidatorTest.cpp
     ModelWalkTest.cpp
     PendingAdditionsTest.cpp
@@ -31,7 +32,7 @@ orv_add_test(unit_ext_cm_bidir_threads
 
 # The same for unidirectional associations.
 orv_add_test(unit_ext_cm_unidir
-  SOURCES UniDirStorageTest.cpp UniDirValidatorTest.cpp
+  SOURCES UniDirEdgesTest.cpp UniDirStorageTest.cpp UniDirValidatorTest.cpp
   LIBRARIES component_test_support ext_cm_objects)
 
 orv_add_test(unit_ext_cm_unidir_threads
