@@ -1,0 +1,382 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The verdict on the unidirectional references that a transaction wrote, and what the client is
+// told: every rule, broken in turn.
+
+#include "Host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace Scripted;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const std::string kNoBar = " contains 0 Bar which is not within cardinality range (1..2).";
+
+}
+
+/// A host whose class Foo has the attribute `peer`, which refers to one or two Bar, and in which
+/// Baz stands for a class that it must not refer to.
+class ReferenceVerdicts : public testing::Test {
+protected:
+    ReferenceVerdicts() {
+        host.model().moc("Top").contains("Foo").contains("Bar").contains("Baz").contains("Sub");
+        host.model().moc("Foo").contains("Foo");
+        host.model().uniDir("Foo", "peer", "Bar", 1, 2);
+        host.mo("Top=1");
+    }
+
+    /// Writes a reference of an MO, which comes into being if it is not there.
+    void write(const std::string& dn, const std::string& attribute, const Texts& references,
+               unsigned long txHandle = 1) {
+        host.mo(dn);
+        EXPECT_EQ(host.client().set(txHandle, dn, attribute, refs(references)), OrvOk);
+    }
+
+    bool validate(unsigned long txHandle = 1) {
+        bool result = false;
+        EXPECT_EQ(host.resource().validate(txHandle, &result), OrvOk);
+        return result;
+    }
+
+    void expectValid() {
+        EXPECT_TRUE(validate());
+        EXPECT_THAT(host.messages(), IsEmpty());
+    }
+
+    Host host;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Counts and bounds
+
+TEST_F(ReferenceVerdicts, CountsAtBothBounds_AreValid) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Bar=1"});
+    write("Top=1,Foo=2", "peer", {"Top=1,Bar=1", "Top=1,Bar=1"});
+    expectValid();
+}
+
+TEST_F(ReferenceVerdicts, OneAboveTheBound_NamesCountAndBounds) {
+    host.start();
+    write("Top=1,Foo=2", "peer", {"Top=1,Bar=1", "Top=1,Bar=2", "Top=1,Bar=3"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute peer in Top=1,Foo=2 contains 3 Bar which is not within "
+                            "cardinality range (1..2)."));
+}
+
+TEST_F(ReferenceVerdicts, OneBelowTheBound_NamesCountAndBounds) {
+    host.model().uniDir("Sub", "pair", "Bar", 2, 4);
+    host.start();
+    write("Top=1,Sub=1", "pair", {"Top=1,Bar=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute pair in Top=1,Sub=1 contains 1 Bar which is not within "
+                            "cardinality range (2..4)."));
+}
+
+TEST_F(ReferenceVerdicts, NoValueAtAll_NamesTheMissingClass) {
+    host.start();
+    write("Top=1,Foo=2", "peer", {});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=2" + kNoBar));
+}
+
+TEST_F(ReferenceVerdicts, BoundsOfZero_RefuseOneReferenceAndNeedNone) {
+    host.model().uniDir("Sub", "never", "Bar", 0, 0);
+    host.start();
+    write("Top=1,Sub=1", "never", {});
+    expectValid();
+    write("Top=1,Sub=1", "never", {"Top=1,Bar=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute never in Top=1,Sub=1 contains 1 Bar which is not within "
+                            "cardinality range (0..0)."));
+}
+
+// Unlike those of bidirectional associations, these bounds are unsigned numbers.
+TEST_F(ReferenceVerdicts, NegativeUpperBound_IsNeverExceeded) {
+    host.model().uniDir("Sub", "any", "Bar", 2, -1);
+    host.start();
+    write("Top=1,Sub=1", "any", Texts(50, "Top=1,Bar=1"));
+    expectValid();
+    write("Top=1,Sub=1", "any", {"Top=1,Bar=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute any in Top=1,Sub=1 contains 1 Bar which is not within "
+                            "cardinality range (2..18446744073709551615)."));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Classes
+
+TEST_F(ReferenceVerdicts, ClassThatIsNotPermitted_IsNamedAndThePermittedOneIsMissed) {
+    host.start();
+    write("Top=1,Foo=2", "peer", {"Top=1,Baz=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Baz is not a valid type for attribute peer in Top=1,Foo=2",
+                            "Attribute peer in Top=1,Foo=2" + kNoBar));
+}
+
+TEST_F(ReferenceVerdicts, ClassThatTheModelDoesNotKnow_ShowsTheReferenceAndTheRestIsCounted) {
+    host.start();
+    write("Top=1,Foo=2", "peer", {"Top=1,Nowhere=1", "Top=1,Bar=1", "Top=1,Bar=2", "Top=1,Bar=3"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Top=1,Nowhere=1 is not a valid type for attribute peer in Top=1,Foo=2",
+                            "Attribute peer in Top=1,Foo=2 contains 3 Bar which is not within "
+                            "cardinality range (1..2)."));
+}
+
+TEST_F(ReferenceVerdicts, AttributeOfALaterAssociation_AllEndsOfItsNameCount) {
+    host.model()
+        .uniDir("Sub", "other", "Foo", 1, 1)
+        .uniDir("Sub", "to", "Bar", 0, 1)
+        .uniDir("Sub", "to", "Baz", 0, 1)
+        .uniDir("Sub", "to", "Foo", 0, 1);
+    host.start();
+    write("Top=1,Sub=1", "to", {"Top=1,Foo=1", "Top=1,Baz=1", "Top=1,Bar=1"});
+    expectValid();
+    write("Top=1,Sub=1", "to", {"Top=1,Foo=1", "Top=1,Foo=2"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute to in Top=1,Sub=1 contains 2 Foo which is not within "
+                            "cardinality range (0..1)."));
+}
+
+TEST_F(ReferenceVerdicts, TwoEndsOnOneClass_TheFirstBoundsHold) {
+    host.model().uniDir("Sub", "to", "Bar", 1, 1).uniDir("Sub", "to", "Bar", 5, 9);
+    host.start();
+    write("Top=1,Sub=1", "to", {"Top=1,Bar=1"});
+    expectValid();
+    write("Top=1,Sub=1", "to", Texts(5, "Top=1,Bar=1"));
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute to in Top=1,Sub=1 contains 5 Bar which is not within "
+                            "cardinality range (1..1)."));
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is recorded and what is not
+
+TEST_F(ReferenceVerdicts, LastWriteOfAnAttribute_IsTheOneThatCounts) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Baz=1"});
+    write("Top=1,Foo=1", "peer", {"Top=1,Bar=1"});
+    expectValid();
+}
+
+TEST_F(ReferenceVerdicts, ReferenceOfABidirectionalAssociation_IsNotJudgedHere) {
+    host.model().biDir({"Foo", "bazs"}, {"Baz", "foos"});
+    host.start();
+    write("Top=1,Foo=1", "bazs", {});
+    expectValid();
+    EXPECT_THAT(host.calls("Model.getUniDirEnd"), testing::SizeIs(1)) << "asked at the write only";
+}
+
+TEST_F(ReferenceVerdicts, DeletedMo_TakesItsRecordsAndThoseBelowAndNoOthers) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    write("Top=1,Foo=1,Foo=2", "peer", {});
+    write("Top=1,Foo=10", "peer", {});
+    EXPECT_EQ(host.client().remove(1, "Top=1,Foo=1"), OrvOk);
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=10" + kNoBar));
+    EXPECT_EQ(host.client().remove(1, "Top=1,Foo=10"), OrvOk);
+    EXPECT_TRUE(validate());
+}
+
+TEST_F(ReferenceVerdicts, DeletedMoThatWasNeverWritten_ChangesNothing) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    for (const char* const dn :
+         {"Top=1,Foo=2", "Top=1,Sub=1", "Top=2,Foo=1", "Top=1,Foo=1,Foo=2"}) {
+        host.mo(dn);
+        EXPECT_EQ(host.client().remove(1, dn), OrvOk);
+    }
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=1" + kNoBar));
+}
+
+TEST_F(ReferenceVerdicts, SameDnInTwoTransactions_IsJudgedApart) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {}, 1);
+    write("Top=1,Foo=1", "peer", {"Top=1,Bar=1"}, 2);
+    EXPECT_FALSE(validate(1));
+    EXPECT_TRUE(validate(2));
+    EXPECT_EQ(host.resource().finish(1), OrvOk);
+    EXPECT_TRUE(validate(1));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Several violations, and their order
+
+TEST_F(ReferenceVerdicts, EveryViolation_IsReportedParentsFirstInByteOrder) {
+    host.model().uniDir("Sub", "b", "Bar", 1, 2).uniDir("Sub", "a", "Bar", 1, 2);
+    host.start();
+    write("Top=1,Sub=1", "b", {});
+    write("Top=1,Sub=1", "a", {});
+    write("Top=1,Foo=9", "peer", {});
+    write("Top=1,Foo=5", "peer", {"Top=1,Bar=1"});
+    write("Top=1,Foo=10,Foo=1", "peer", {});
+    write("Top=1,Foo=10", "peer", {});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=10" + kNoBar,
+                                             "Attribute peer in Top=1,Foo=10,Foo=1" + kNoBar,
+                                             "Attribute peer in Top=1,Foo=9" + kNoBar,
+                                             "Attribute a in Top=1,Sub=1" + kNoBar,
+                                             "Attribute b in Top=1,Sub=1" + kNoBar));
+}
+
+TEST_F(ReferenceVerdicts, NamingAttributeInTheDn_IsLeftOutOfTheMessage) {
+    host.start();
+    write("Top.topId=1,Foo.fooId=2", "peer", {});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=2" + kNoBar));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Failures of the model and DNs that are none
+
+TEST_F(ReferenceVerdicts, ModelFailsOnTheSecondOfThree_KeepsTheFirstMessageAndLogs) {
+    host.start();
+    for (const char* const dn : {"Top=1,Foo=1", "Top=1,Foo=2", "Top=1,Foo=3"}) {
+        write(dn, "peer", {});
+    }
+    host.when("Model.getEndMoc").nth(2).fails(-17);
+    host.forget();
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=1" + kNoBar));
+    EXPECT_THAT(host.logs(),
+                ElementsAre("log 4 validate: Got exception [Could not get moc] return code -17",
+                            "trace2 ExtCm 4 validate: Got exception [Could not get moc] return "
+                            "code -17"));
+}
+
+TEST_F(ReferenceVerdicts, ModelFailsUnderAWrite_TheWriteGoesOnAndEscapesTheCheck) {
+    host.start();
+    host.when("Model.getUniDirEnd").once().fails(-17);
+    write("Top=1,Foo=1", "peer", {});
+    EXPECT_THAT(host.logs(), Contains("log 4 setMoRef: Got exception [Failed to look up "
+                                      "association end handle.] return code -17"));
+    EXPECT_THAT(host.world().attribute("Top=1,Foo=1", "peer"), testing::Optional(refs({})));
+    EXPECT_TRUE(validate());
+}
+
+TEST_F(ReferenceVerdicts, ZeroHandleForTheWrittenMo_IsAFailedLookup) {
+    host.start();
+    host.when("Model.getMocFromDn").nth(2).answers<unsigned long long>([](unsigned long long& moc) {
+        moc = 0;
+        return OrvOk; // the first question is that of the back-pointers
+    });
+    write("Top=1,Foo=1", "peer", {});
+    EXPECT_THAT(host.logs(),
+                Contains("log 4 setMoRef: Failed to look up MOC. dn: Top=1,Foo=1, rc: 0"));
+    EXPECT_TRUE(validate());
+}
+
+TEST_F(ReferenceVerdicts, WriteToADnThatIsNone_IsLoggedAndEscapesTheCheck) {
+    host.start();
+    write("Top=1,Foo", "peer", {}); // of a class, going by its last step
+    EXPECT_THAT(host.logs(), Contains("log 4 setMoRef: Got exception [Dn::Dn: got malformed dnPart "
+                                      "[Foo] dn [Top=1,Foo]] return code -1"));
+    write("Top=,Foo=1", "peer", {});
+    EXPECT_THAT(host.logs(), Contains("log 4 setMoRef: Got exception [Dn::Dn: got empty type in dn "
+                                      "[Top=]] return code -1"));
+    EXPECT_TRUE(validate());
+}
+
+TEST_F(ReferenceVerdicts, DeleteOfADnThatIsNone_IsLoggedAndChangesNothing) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    host.mo("Top=1,,Foo=1");
+    EXPECT_EQ(host.client().remove(1, "Top=1,,Foo=1"), OrvOk);
+    EXPECT_THAT(host.logs(),
+                Contains("log 4 deleteMo: Got exception [Dn::Dn: got malformed dnPart [] dn "
+                         "[Top=1,,Foo=1]] return code -1"));
+    EXPECT_FALSE(validate());
+}
+
+TEST_F(ReferenceVerdicts, ReferenceThatIsNoDn_GivesNoVerdict) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top,Bar=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), IsEmpty());
+    EXPECT_THAT(host.logs(), Contains("log 4 validate: Got exception [Dn::Dn: got malformed dnPart "
+                                      "[Top] dn [Top,Bar=1]] return code -1"));
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is traced
+
+TEST_F(ReferenceVerdicts, Level8_ValidateTracesEachAttributeAndTheVerdict) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Bar=1"});
+    write("Top=1,Foo=2", "peer", {});
+    host.logLevel(8).forget();
+    EXPECT_FALSE(validate());
+    Texts traces;
+    for (const std::string& line : host.logs()) {
+        if (line.rfind("trace 0 ", 0) == 0) {
+            traces.push_back(line);
+        }
+    }
+    EXPECT_THAT(traces,
+                ElementsAre("trace 0 validate: dn Top=1,Foo=1 result: 1",
+                            "trace 0 addMessage: Adding message to thread context: [Attribute peer "
+                            "in Top=1,Foo=2" +
+                                kNoBar + "]",
+                            "trace 0 validate: dn Top=1,Foo=2 result: 0",
+                            "trace 0 validate: Validate tx: 1 result: 0 return code: -9"));
+}
+
+TEST_F(ReferenceVerdicts, Level8_FinishTracesAnUnknownTransactionOnly) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    host.logLevel(8).forget();
+    const std::string unknown = "trace 0 finish: Could not find transaction 1\n";
+    EXPECT_EQ(host.resource().finish(1), OrvOk);
+    EXPECT_THAT(host.logs(), Not(Contains(HasSubstr("Could not find"))));
+    EXPECT_EQ(host.resource().finish(1), OrvOk);
+    EXPECT_THAT(host.logs(), Contains(unknown).Times(1));
+}
+
+// Without a repository a write is only traced as not recorded, a delete is logged.
+TEST_F(ReferenceVerdicts, NoRepository_IsTracedForAWriteAndLoggedForADelete) {
+    host.without(Part::ModelRepository).start();
+    host.logLevel(6).forget();
+    write("Top=1,Foo=1", "peer", {});
+    EXPECT_THAT(host.logs(), Not(Contains(HasSubstr("Service is stopped"))));
+    EXPECT_EQ(host.client().remove(1, "Top=1,Foo=1"), OrvOk);
+    EXPECT_THAT(host.logs(), Contains("log 6 deleteMo: Service is stopped").Times(1));
+    host.logLevel(8).forget();
+    write("Top=1,Foo=1", "peer", {});
+    EXPECT_THAT(host.logs(), Contains("trace 0 setMoRef: Service is stopped").Times(1));
+    host.forget();
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.logs(), Contains("trace 0 validate: Service is stopped").Times(1));
+    EXPECT_THAT(host.logs(), Not(Contains(HasSubstr("Validate tx"))));
+}
+
+TEST_F(ReferenceVerdicts, NoRepositoryAtLevel5_ADeleteSaysNothing) {
+    host.without(Part::ModelRepository).start();
+    host.mo("Top=1,Foo=1");
+    host.logLevel(5).forget();
+    EXPECT_EQ(host.client().remove(1, "Top=1,Foo=1"), OrvOk);
+    EXPECT_THAT(host.logs(), Not(Contains(StartsWith("log 6"))));
+}
