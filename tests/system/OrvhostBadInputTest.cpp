@@ -222,6 +222,17 @@ TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsTold) {
     EXPECT_THAT(loadError({"-C", EXT_CM_PATH}), HasSubstr("is loaded already"));
 }
 
+// Opened as it is, it would end the process with a signal.
+TEST(OrvhostBadInputTest, Component_CutOff_IsTold) {
+    const TemporaryDirectory directory;
+    const std::filesystem::path copy = directory.path() / "cut-off.so";
+    std::filesystem::copy_file(EXT_CM_PATH, copy);
+    std::filesystem::resize_file(copy, 5000);
+    EXPECT_EQ(loadError({"-C", copy.string()}),
+              "orvhost: " + copy.string() +
+                  ": cannot be opened as a shared object: the file ends too early\n");
+}
+
 TEST(OrvhostBadInputTest, Component_NoneOffersTheTables_IsTold) {
     EXPECT_THAT(loadError({"--ext-cm", BROKEN_COMPONENT_DIR "/Provider.so"}),
                 HasSubstr("no started component offers OrvOamSpiExtCmRouterService/"

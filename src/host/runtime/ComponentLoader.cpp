@@ -10,13 +10,53 @@
 #include <Poco/SharedLibrary.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
+
+#include <link.h>
 
 namespace OrvHost {
 
 using Reason = ComponentLoadError::Reason;
+
+namespace {
+
+constexpr unsigned char kNativeClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
+
+template <class Record>
+bool readAt(std::ifstream& file, std::uint64_t place, Record& record) {
+    file.seekg(static_cast<std::streamoff>(place));
+    return static_cast<bool>(file.read(reinterpret_cast<char*>(&record), sizeof record));
+}
+
+// A copy that was interrupted, for example. The system maps what is missing all the same, and the
+// process ends when it is touched.
+bool isCutOff(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::error_code unknown;
+    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+    ElfW(Ehdr) header{};
+    const bool isOurs = !unknown && readAt(file, 0, header) &&
+                        std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0 &&
+                        header.e_ident[EI_CLASS] == kNativeClass;
+    if (!isOurs) {
+        return false; // no shared object at all, which the system tells
+    }
+    for (unsigned int number = 0; number < header.e_phnum; ++number) {
+        ElfW(Phdr) segment{};
+        if (!readAt(file, header.e_phoff + std::uint64_t{number} * sizeof segment, segment) ||
+            (segment.p_type == PT_LOAD && segment.p_offset + segment.p_filesz > size)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}
 
 /// One open shared object. Takes itself back in the destructor from wherever it came to.
 class ComponentLoader::Library {
@@ -66,6 +106,11 @@ private:
     using TerminateFn = void (*)();
 
     void open() {
+        if (isCutOff(mPath)) {
+            throw ComponentLoadError(
+                Reason::NotALibrary, mPath,
+                "cannot be opened as a shared object: the file ends too early");
+        }
         try {
             // Local: both entry points have the same names in every component.
             mLibrary.load(std::filesystem::absolute(mPath).string(),
