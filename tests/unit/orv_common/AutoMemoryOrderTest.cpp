@@ -93,8 +93,9 @@ TEST_F(AutoMemoryOrder, Destruction_Empty_FreesAndDeletesNothing) {
 
 // Whatever comes back for no elements is one entry like any other.
 TEST_F(AutoMemoryOrder, Destruction_BlockOfNoElements_IsFreedOnce) {
+    const volatile unsigned int none = 0; // volatile: nobody need warn of it
     auto memory = std::make_unique<Orv::AutoMemory>();
-    memory->malloc<long>(0);
+    memory->malloc<long>(none);
     goneWith(std::move(memory));
     EXPECT_EQ(mWatch.freed, 1);
 }
