@@ -14,7 +14,6 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <stdexcept>
 #include <string>
 
@@ -22,6 +21,8 @@ namespace {
 
 using namespace RanGenerator;
 namespace fs = std::filesystem;
+
+constexpr int kUsage = 2;
 
 struct Options {
     std::uint32_t count = 1000;
@@ -32,15 +33,19 @@ struct Options {
 };
 
 void describe(CLI::App& app, Options& options) {
-    const std::map<std::string, OrvHost::DataFormat> formats{{"json", OrvHost::DataFormat::Json},
-                                                             {"xml", OrvHost::DataFormat::Xml}};
     app.add_option("-n,--count", options.count, "Number of objects")
         ->check(CLI::Range(kFewestObjects, kMostObjects))
         ->capture_default_str();
     app.add_option("-s,--seed", options.seed, "The same seed and count give the same data")
         ->capture_default_str();
-    app.add_option("-f,--format", options.format, "json or xml")
-        ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case))
+    app.add_option_function<std::string>(
+           "-f,--format",
+           [&options](const std::string& format) {
+               options.format =
+                   format == "xml" ? OrvHost::DataFormat::Xml : OrvHost::DataFormat::Json;
+           },
+           "json or xml")
+        ->check(CLI::IsMember({"json", "xml"}))
         ->default_str("json");
     app.add_option("--slice", options.slice,
                    "Write files of this many objects each into the directory OUTPUT, which is made "
@@ -96,7 +101,11 @@ int main(int argc, char** argv) {
                      "orv-ran-generate");
         Options options;
         describe(app, options);
-        CLI11_PARSE(app, argc, argv);
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::ParseError& end) {
+            return app.exit(end) == 0 ? 0 : kUsage;
+        }
         run(options);
         return 0;
     } catch (const std::exception& error) {

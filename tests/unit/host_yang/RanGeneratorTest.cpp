@@ -18,6 +18,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace RanGenerator {
 namespace {
@@ -161,16 +162,16 @@ TEST(RanGenerator, BadInput_IsRefusedWithTheReason) {
     const TemporaryDirectory directory;
     const auto log = directory.path() / "log";
     const std::string target = (directory.path() / "out").string();
-    const std::pair<std::string, const char*> expected[] = {
-        {"-n 9 " + target, "10 to 1000000"},
-        {"-n 1000001 " + target, "10 to 1000000"},
-        {"-n many " + target, "--count"},
-        {"-f yaml " + target, "--format"},
-        {"--slice 0 " + target, "--slice"},
-        {"", "output is required"},
-        {"-n 10 " + (directory.path() / "no/such/file").string(), "cannot be written"}};
-    for (const auto& [arguments, text] : expected) {
-        EXPECT_NE(runGenerator(arguments, log), 0) << arguments;
+    const std::tuple<std::string, int, const char*> expected[] = {
+        {"-n 9 " + target, 2, "10 to 1000000"},
+        {"-n 1000001 " + target, 2, "10 to 1000000"},
+        {"-n many " + target, 2, "--count"},
+        {"-f yaml " + target, 2, "--format: yaml not in {json,xml}"},
+        {"--slice 0 " + target, 2, "--slice"},
+        {"", 2, "output is required"},
+        {"-n 10 " + (directory.path() / "no/such/file").string(), 1, "cannot be written"}};
+    for (const auto& [arguments, status, text] : expected) {
+        EXPECT_EQ(runGenerator(arguments, log), status) << arguments;
         EXPECT_THAT(contentsOf(log), HasSubstr(text)) << arguments;
     }
 }
