@@ -21,7 +21,6 @@
 
 using namespace Scripted;
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;

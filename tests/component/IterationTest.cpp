@@ -277,8 +277,10 @@ TEST_F(Iteration, SeveralAtOnce_KeepTheirPlaces) {
 }
 
 TEST_F(Iteration, Thousands_AllDieWithTheirTransaction) {
+    constexpr int kIterators = 5000;
     std::vector<unsigned long long> iterators;
-    for (int i = 0; i < 5000; ++i) {
+    iterators.reserve(kIterators);
+    for (int i = 0; i < kIterators; ++i) {
         iterators.push_back(openUnits(i % 2 == 0 ? 1 : 2));
     }
     ASSERT_EQ(host.resource().finish(1), OrvOk);
