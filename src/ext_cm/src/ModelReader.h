@@ -126,10 +126,14 @@ public:
         return text;
     }
 
+    // A host may tell a set flag by any byte but zero, which a `bool` must not be read with.
     bool endKeepsAtDelete(VekOamSpiMrAssociationEndHandle_4T end) const {
         bool keep = false;
         mModel.associationEnd->getEndBoolProperty(end, VekOamSpiMrEndKeepAtDelete_4, &keep);
-        return keep;
+        unsigned char byte = 0;
+        static_assert(sizeof(byte) == sizeof(keep));
+        std::memcpy(&byte, &keep, sizeof(byte));
+        return byte != 0;
     }
 
     long long endBound(VekOamSpiMrAssociationEndHandle_4T end, int identifier) const {

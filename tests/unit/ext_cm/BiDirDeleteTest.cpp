@@ -205,6 +205,56 @@ TEST_F(BiDirDelete, WithoutRepository_LogsAndChangesNothing) {
     EXPECT_EQ(calls(), Lines());
 }
 
+TEST_F(BiDirDelete, SeveralAssociations_AreLeftInTheModelsOrder) {
+    stage.model.biDir({"X", "bs"}, {"B", "xs"});
+    stage.model.biDir({"A", "xs"}, {"X", "as"});
+    stage.world.mo("X=1");
+    start();
+    EXPECT_EQ(remove("X=1"), OrvOk);
+    EXPECT_EQ(readOrder(), (Lines{"'X=1''bs'", "'X=1''as'"}));
+}
+
+TEST_F(BiDirDelete, OneMoOfNoClass_GivesTheCodeAndLogs) {
+    modelOfXAndY();
+    start();
+    EXPECT_EQ(utils.updateBackpointers(1, "Q=1"), OrvNotExist);
+    EXPECT_EQ(calls(), mocOf("Q=1"));
+    EXPECT_EQ(log.all(), Lines{"log 3: Failed to look up MOC from DN. dn=Q=1, ret=-2"});
+}
+
+TEST_F(BiDirDelete, PositiveCodes_AreFailuresLikeAnyOther) {
+    modelOfXAndY();
+    stage.model.moc("P").contains("X").contains("Y");
+    stage.world.mo("P=1");
+    stage.world.mo("P=1,X=1");
+    stage.world.mo("P=1,Y=1");
+    start();
+    when("Model.getNextContainment").returns(7);
+    EXPECT_EQ(remove("P=1"), OrvOk);
+    EXPECT_EQ(log.of("log"), Lines{"log 3: Model repository returned error code 7"});
+    EXPECT_EQ(readOrder(), Lines{"'P=1,X=1''ys'"});
+    forget();
+    when("Model.getFirstContainment").returns(7);
+    EXPECT_EQ(remove("P=1"), OrvOk);
+    EXPECT_EQ(readOrder(), Lines());
+    EXPECT_EQ(log.of("log"), Lines());
+    when("Model.getMocFromDn").returns(7);
+    EXPECT_EQ(remove("P=1"), 7);
+}
+
+TEST_F(BiDirDelete, FlagOfOneByteOtherThanOne_IsSet) {
+    modelOfXAndY();
+    stage.world.mo("X=1").with("ys", Scripted::refs({"Y=1"}));
+    stage.world.mo("Y=1").with("xs", Scripted::refs({"X=1"}));
+    start();
+    when("Model.getEndBoolProperty").answers<unsigned char>([](unsigned char& flag) {
+        flag = 2;
+        return OrvOk;
+    });
+    remove("X=1");
+    EXPECT_EQ(refs("Y=1", "xs"), Lines{"X=1"});
+}
+
 TEST_F(BiDirDelete, WithoutRouter_TracesWhatCannotBeRead) {
     modelOfXAndY();
     stage.missing = {Scripted::Part::VekRouter3};

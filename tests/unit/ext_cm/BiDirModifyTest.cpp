@@ -141,6 +141,54 @@ TEST_F(BiDirModify, ReferencesWithoutClass_AreLoggedAndOnlyTheLastShows) {
     EXPECT_EQ(log.of("log"), Lines{"log 3: Failed to look up MOC from DN. dn=Q=2, ret=-2"});
 }
 
+TEST_F(BiDirModify, OnlyARemovedReferenceWithoutClass_ItsCodeShows) {
+    modelOfXAndY();
+    stage.world.mo("X=1").with("ys", Scripted::refs({"Q=1"}));
+    start();
+    EXPECT_EQ(modify(1, "X=1", "ys", {}), -2);
+    EXPECT_EQ(log.of("log"), Lines{"log 3: Failed to look up MOC from DN. dn=Q=1, ret=-2"});
+    EXPECT_EQ(modified(1), Lines{"X=1.ys"});
+}
+
+// An association that is not the attribute's looks at no reference, and changes no code.
+TEST_F(BiDirModify, ReferenceWithoutClassAndAnotherAssociationBehind_TheCodeStays) {
+    modelOfXAndY();
+    stage.model.biDir({"X", "zs"}, {"Z", "xs"});
+    stage.world.mo("X=1");
+    start();
+    EXPECT_EQ(modify(1, "X=1", "ys", {"Q=1"}), -2);
+    EXPECT_EQ(modify(1, "X=1", "zs", {"Q=1"}), -2);
+}
+
+TEST_F(BiDirModify, PositiveCodes_AreFailuresLikeAnyOther) {
+    modelOfXAndY();
+    stage.world.mo("X=1");
+    stage.world.mo("Y=1");
+    start();
+    when("Model.getMocFromDn").on("'Y=1'").returns(7);
+    EXPECT_EQ(modify(1, "X=1", "ys", {"Y=1"}), 7);
+    EXPECT_EQ(refs("Y=1", "xs"), Lines());
+    when("VekRouter3.getMoAttribute").on("'X=1'").returns(8);
+    EXPECT_EQ(modify(2, "X=1", "ys", {"Y=1"}), 8);
+    when("Model.getMocFromDn").on("'X=1'").returns(9);
+    EXPECT_EQ(modify(2, "X=1", "ys", {"Y=1"}), 9);
+    EXPECT_EQ(modified(2), Lines());
+    EXPECT_EQ(log.of("log"), (Lines{"log 3: Failed to look up MOC from DN. dn=Y=1, ret=7",
+                                    "log 3: Failed to look up MOC from DN. dn=X=1, ret=9"}));
+}
+
+TEST_F(BiDirModify, RemovedReferenceOfAnotherClass_IsPassedOverSilently) {
+    modelOfXAndY();
+    stage.model.biDir({"X", "zs"}, {"Z", "xs"});
+    stage.world.mo("X=1").with("ys", Scripted::refs({"Z=1"}));
+    stage.world.mo("Z=1").with("xs", Scripted::refs({"X=1"}));
+    start();
+    EXPECT_EQ(modify(1, "X=1", "ys", {}), OrvOk);
+    EXPECT_EQ(stage.script.texts("VekRouter3"), read("X=1", "ys"));
+    EXPECT_EQ(refs("Z=1", "xs"), Lines{"X=1"});
+    EXPECT_EQ(log.of("log"), Lines());
+}
+
 TEST_F(BiDirModify, RemovalsBeforeAdditions_EachInTheOrderOfItsList) {
     modelOfXAndY();
     stage.world.mo("X=1").with("ys", Scripted::refs({"Y=9", "Y=8"}));

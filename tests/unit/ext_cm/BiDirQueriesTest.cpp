@@ -105,6 +105,27 @@ TEST_F(BiDirQueries, GetBidirsForMoc_Three_InTheModelsOrderEachFromTheOneBefore)
                      "trace: Found BiDir with handle " + std::to_string(firstBiDir("C"))}));
 }
 
+TEST_F(BiDirQueries, GetBidirsForMoc_ListWithSomething_IsAppendedTo) {
+    modelOfXAndY();
+    start();
+    Bidirs bidirs = {42};
+    EXPECT_EQ(utils.getBidirsForMoc(moc("X"), bidirs), OrvOk);
+    EXPECT_EQ(bidirs, (Bidirs{42, firstBiDir("X")}));
+}
+
+TEST_F(BiDirQueries, GetBidirsForMoc_PositiveCodes_EndTheWalkToo) {
+    stage.model.biDir({"X", "as"}, {"A", "xs"});
+    stage.model.biDir({"X", "bs"}, {"B", "xs"});
+    start();
+    when("Model.getNextBiDirAssociation").returns(7);
+    Bidirs bidirs;
+    EXPECT_EQ(utils.getBidirsForMoc(moc("X"), bidirs), OrvOk);
+    EXPECT_EQ(bidirs, Bidirs{firstBiDir("A")});
+    when("Model.getFirstBiDirAssociation").returns(7);
+    EXPECT_EQ(utils.getBidirsForMoc(moc("X"), bidirs), OrvOk);
+    EXPECT_EQ(bidirs, Bidirs{firstBiDir("A")});
+}
+
 TEST_F(BiDirQueries, GetBidirsForMoc_FailureOfANextStep_EndsTheWalkSilently) {
     stage.model.biDir({"X", "as"}, {"A", "xs"});
     stage.model.biDir({"X", "bs"}, {"B", "xs"});
@@ -143,6 +164,16 @@ TEST_F(BiDirQueries, FindAssociationEnd_ByName_IsTheEndThatTheAttributeDoesNotNa
     EXPECT_EQ(calls(), joined({endsOf("X.ys<->Y.xs", "xs@X", "ys@Y"), nameOfEnd("xs@X")}));
     EXPECT_EQ(log.all(), Lines{"trace: First association end attribute name is xs"});
     EXPECT_EQ(endByName("Y", "xs"), secondEnd("X"));
+}
+
+TEST_F(BiDirQueries, FindAssociationEnd_ByNameOfAnotherAttribute_IsTheEndAtTheClass) {
+    modelOfXAndY();
+    stage.model.moc("Z");
+    start();
+    association = firstBiDir("X");
+    EXPECT_EQ(endByName("X", "others"), firstEnd("X"));
+    EXPECT_EQ(endByName("Y", "others"), secondEnd("X"));
+    EXPECT_EQ(endByName("Z", "others"), secondEnd("X")) << "a class at neither end";
 }
 
 // The first end bears the name of the attribute that points at it.

@@ -13,9 +13,11 @@ orv_add_test(unit_ext_cm_bidir
     BiDirDeleteTest.cpp
     BiDirEditsTest.cpp
     BiDirLargeTest.cpp
+    BiDirLocksTest.cpp
     BiDirModifyTest.cpp
     BiDirPendingTest.cpp
     BiDirQueriesTest.cpp
+    BiDirShapeTest.cpp
     BiDirTrapsTest.cpp
     BiDirValidatorCallsTest.cpp
     BiDirValidatorEdgesTest.cpp

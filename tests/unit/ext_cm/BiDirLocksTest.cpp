@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "BiDirScene.h"
+
+#include <thread>
+
+// While which calls of the host the one lock is held: an addition must not lose what another thread
+// adds meanwhile, and whatever else can wait for a host must not make others wait.
+
+namespace BiDirTests {
+namespace {
+
+class OpenUtils : public Utils {
+public:
+    using BiDirUtils::mMutex;
+
+    bool isFree() {
+        bool taken = false;
+        std::thread([&] {
+            taken = mMutex.tryLock();
+            if (taken) {
+                mMutex.unlock();
+            }
+        }).join();
+        return taken;
+    }
+};
+
+/// X=1 holds Y=1, which holds X=1, and there is Y=2.
+class BiDirLocks : public Scene {
+public:
+    BiDirLocks() {
+        modelOfXAndY();
+        stage.world.mo("X=1").with("ys", Scripted::refs({"Y=1"}));
+        stage.world.mo("Y=1").with("xs", Scripted::refs({"X=1"}));
+        stage.world.mo("Y=2");
+        open.start();
+        for (const char* call :
+             {"Model.getMocFromDn", "Model.getFirstEnd", "Model.getGeneralStringProperty",
+              "VekRouter3.existsMo", "VekRouter3.getMoAttribute", "VekRouter3.setMoAttribute"}) {
+            when(call).runs([this, call] { note(call); });
+        }
+        forget();
+    }
+
+    ~BiDirLocks() override {
+        EXPECT_TRUE(open.isFree());
+        open.stop();
+    }
+
+    void note(const std::string& call) {
+        seen.push_back(call.substr(call.find('.') + 1) + (open.isFree() ? ", free" : ", held"));
+    }
+
+    OpenUtils open;
+    Lines seen;
+};
+
+TEST_F(BiDirLocks, Add_TargetThere_HoldsItFromFirstToLast) {
+    open.addMoToBackPointer(1, "Y=2", "X=1", firstEnd("X"), "ys");
+    EXPECT_EQ(seen, (Lines{"getGeneralStringProperty, held", "existsMo, held",
+                           "getMoAttribute, held", "setMoAttribute, held"}));
+}
+
+TEST_F(BiDirLocks, Add_ReleasesWhatItHasReadWhileItHoldsIt) {
+    static BiDirLocks* here = nullptr;
+    static Scripted::Records records;
+    here = this;
+    when("VekRouter3.getMoAttribute")
+        .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            out.container = records.container(Scripted::refs({}));
+            out.release = [](OrvMoAttributeValueContainer_3*) { here->note("release"); };
+            return OrvOk;
+        });
+    open.addMoToBackPointer(1, "Y=2", "X=1", firstEnd("X"), "ys");
+    EXPECT_EQ(seen, (Lines{"getGeneralStringProperty, held", "existsMo, held",
+                           "setMoAttribute, held", "release, held"}));
+}
+
+TEST_F(BiDirLocks, Add_TargetNotThere_HoldsItFromFirstToLast) {
+    open.addMoToBackPointer(1, "Y=9", "X=1", firstEnd("X"), "ys");
+    EXPECT_EQ(seen, (Lines{"getGeneralStringProperty, held", "existsMo, held"}));
+}
+
+TEST_F(BiDirLocks, Remove_TargetThere_HoldsItForTheWriteOnly) {
+    open.removeMoFromBackPointer(1, "Y=1", "X=1", firstEnd("X"), "ys");
+    EXPECT_EQ(seen, (Lines{"existsMo, free", "getGeneralStringProperty, free",
+                           "getMoAttribute, free", "setMoAttribute, held"}));
+}
+
+TEST_F(BiDirLocks, Flush_HoldsItFromFirstToLast) {
+    open.addMoToBackPointer(1, "Y=9", "X=1", firstEnd("X"), "ys");
+    stage.world.mo("Y=9");
+    seen.clear();
+    EXPECT_EQ(open.updatePendingBackPointer(1, "Y=9", "id"), OrvOk);
+    EXPECT_EQ(seen, (Lines{"existsMo, held", "getGeneralStringProperty, held", "existsMo, held",
+                           "getMoAttribute, held", "setMoAttribute, held"}));
+}
+
+TEST_F(BiDirLocks, Modify_HoldsItForNoCallOfItsOwn) {
+    Scripted::Records records;
+    open.updateBackPointersForModify(1, "X=1", "ys", records.container(Scripted::refs({"Y=1"})),
+                                     false);
+    EXPECT_EQ(seen, (Lines{"getMocFromDn, free", "getMoAttribute, free", "getFirstEnd, free",
+                           "getGeneralStringProperty, free", "getFirstEnd, free",
+                           "getGeneralStringProperty, free"}));
+}
+
+TEST_F(BiDirLocks, Delete_HoldsItForTheWriteOnly) {
+    EXPECT_EQ(open.updateBackPointersForDelete(1, "X=1"), OrvOk);
+    EXPECT_EQ(seen, (Lines{"getMocFromDn, free", "getMocFromDn, free", "getFirstEnd, free",
+                           "getFirstEnd, free", "getGeneralStringProperty, free",
+                           "getMoAttribute, free", "getGeneralStringProperty, free",
+                           "getMocFromDn, free", "existsMo, free", "getGeneralStringProperty, free",
+                           "getMoAttribute, free", "setMoAttribute, held"}));
+}
+
+// The old value is given back before the attribute is recorded.
+TEST_F(BiDirLocks, Modify_TheOldValueIsGoneWhenTheAttributeIsRecorded) {
+    static BiDirLocks* here = nullptr;
+    static Scripted::Records records;
+    here = this;
+    when("VekRouter3.getMoAttribute")
+        .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            out.container = records.container(Scripted::refs({}));
+            out.release = [](OrvMoAttributeValueContainer_3*) {
+                here->note("release");
+                EXPECT_TRUE(here->open.getModifiedBackPointers(1).empty());
+            };
+            return OrvOk;
+        });
+    open.updateBackPointersForModify(1, "X=1", "ys", records.container(Scripted::refs({})), false);
+    EXPECT_EQ(seen.back(), "release, free");
+    EXPECT_EQ(open.getModifiedBackPointers(1).size(), 1U);
+}
+
+}
+}
