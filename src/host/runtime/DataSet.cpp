@@ -5,6 +5,7 @@
 
 #include "MeIdTranslator.h"
 #include "model/InstanceChecker.h"
+#include "model/ProblemList.h"
 #include "store/HostError.h"
 #include "store/MoStore.h"
 
@@ -100,8 +101,8 @@ std::vector<std::string> DataSet::misnamedInLists() const {
     for (const std::string& dn : topLevelDns()) {
         const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
         if (!external.empty() && nameOf(external) != identity) {
-            texts.push_back(place(dn) + dn + ": lists of the top level show this object as " +
-                            leafClassOf(dn) + "=" + identity + "; name it by its DN.");
+            texts.push_back(joined({place(dn), dn, ": lists of the top level show this object as ",
+                                    leafClassOf(dn), "=", identity, "; name it by its DN."}));
         }
     }
     return texts;
