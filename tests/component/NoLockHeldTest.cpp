@@ -98,7 +98,7 @@ class NoLockHeld : public Network, public testing::WithParamInterface<Callee> {
 protected:
     /// Another client on a thread of its own, through every lock there is.
     void useFromAnotherThread() {
-        std::future<void> other = std::async(std::launch::async, [this] {
+        other = std::async(std::launch::async, [this] {
             EXPECT_EQ(client().set(kOther, unit("8"), "cells", refs({cell("2")})), OrvOk);
             EXPECT_EQ(host.client3_1().set(kOther, unit("8"), {{"site", refs({site("1")})}}),
                       OrvOk);
@@ -111,6 +111,9 @@ protected:
     }
 
     bool served = false;
+
+private:
+    std::future<void> other; ///< waited for when the operation has let go of what it holds
 };
 
 TEST_P(NoLockHeld, AnotherThread_IsServedMeanwhile) {

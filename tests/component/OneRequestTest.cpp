@@ -93,23 +93,26 @@ const Calls kCell1IsUsed = inOrder({whatCameAndWent("cells"),
 const Calls kCell1IsPassedOn = {"Router3.setMoAttribute(1, 'ManagedElement=1,Unit=7', 'cells', "
                                 "MoRef['ManagedElement=1,Cell=1'])"};
 
+Calls nameOfAttribute(const std::string& attribute) {
+    return {"Model.getAttributeGeneralProperties('" + attribute + "')",
+            "Model.getGeneralStringProperty('properties of " + attribute + "', 0)"};
+}
+
+Calls attributeIsPassedOver(const std::string& attribute) {
+    return inOrder({nameOfAttribute(attribute), {"Model.getNextAttribute('" + attribute + "')"}});
+}
+
 /// The attribute \p name of \p moc and its type, reached over the attributes in front of it.
 Calls typeOf(const std::string& moc, const std::vector<std::string>& inFront,
              const std::string& name) {
     Calls calls = {"Model.getFirstAttribute('" + moc + "')"};
-    const auto nameIsAsked = [&](const std::string& attribute) {
-        const std::string full = moc + "." + attribute;
-        calls.push_back("Model.getAttributeGeneralProperties('" + full + "')");
-        calls.push_back("Model.getGeneralStringProperty('properties of " + full + "', 0)");
-    };
     for (const std::string& attribute : inFront) {
-        nameIsAsked(attribute);
-        calls.push_back("Model.getNextAttribute('" + moc + "." + attribute + "')");
+        calls = inOrder({calls, attributeIsPassedOver(attribute)});
     }
-    nameIsAsked(name);
-    calls.push_back("Model.getAttributeType('" + moc + "." + name + "')");
-    calls.push_back("Model.getTypeCode('type of " + moc + "." + name + "')");
-    return calls;
+    return inOrder(
+        {calls,
+         nameOfAttribute(name),
+         {"Model.getAttributeType('" + name + "')", "Model.getTypeCode('type of " + name + "')"}});
 }
 
 /// A pair of a DN and an attribute is examined: it is there, and its number of values is allowed.
@@ -148,9 +151,9 @@ Calls valuesAreOf(const std::string& dn, const Calls& type, const std::string& t
     return calls;
 }
 
-const Calls kTypeOfUnitOfCell = typeOf("Cell", {}, "unit");
-const Calls kTypeOfCells = typeOf("Unit", {"label"}, "cells");
-const Calls kTypeOfSite = typeOf("Unit", {"label", "cells"}, "site");
+const Calls kTypeOfUnitOfCell = typeOf("Cell", {}, "Cell.unit");
+const Calls kTypeOfCells = typeOf("Unit", {"Unit.label"}, "Unit.cells");
+const Calls kTypeOfSite = typeOf("Unit", {"Unit.label", "Unit.cells"}, "Unit.site");
 
 const Calls kCell1IsJudged = inOrder(
     {valueIsRead("ManagedElement=1,Cell=1", "unit", kTypeOfUnitOfCell, "Cell.unit"),

@@ -11,6 +11,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace Scripted {
 namespace {
@@ -45,7 +46,7 @@ std::vector<Place> placesOf(const Operation& operation) {
     operation.given(scene);
     scene.host.forget();
     const OrvReturnT code = operation.when(scene);
-    const std::vector<Place> places = placesIn(scene.host.callRecords());
+    std::vector<Place> places = placesIn(scene.host.callRecords());
     scene.giveBack(code);
     return places;
 }
