@@ -80,6 +80,15 @@ TEST_F(BiDirValidatorEdges, FailedRead_IsTracedBeforeTheResultGoesBack) {
                              "trace: Failed to retrieve X=1 value from ys, return code = -5"}));
 }
 
+TEST_F(BiDirValidatorEdges, ExistenceToldWithAFailure_IsNotBelieved) {
+    modelOfXAndY();
+    written({});
+    when("VekRouter3.existsMo").returns(-5);
+    EXPECT_EQ(validate(1), -5);
+    EXPECT_TRUE(valid);
+    EXPECT_EQ(calls(), exists("X=1"));
+}
+
 TEST_F(BiDirValidatorEdges, PairsRecordedMeanwhile_AreForTheNextValidation) {
     modelOfXAndY();
     written({});
@@ -156,6 +165,14 @@ TEST_F(BiDirValidatorEdges, Cardinality_CountsAndBoundsAreSignedWithSixtyFourBit
     EXPECT_EQ(validator.biDirCardinalityCheck("X=1", far, -4'999'999'999), OrvValidationFailed);
     EXPECT_EQ(messages(), Lines{"Attribute ys in X=1 contains -4999999999 things which is not "
                                 "within cardinality range (-9223372036854775808..-5000000000)."});
+}
+
+TEST_F(BiDirValidatorEdges, NegativeLowerBounds_AreBelowEveryCount) {
+    stage.model.moc("X").reference("ys", "Y", -5, 3);
+    stage.model.biDir({"X", "ys", -5, 3, "things"}, {"Y", "xs"});
+    written({"Y=1"});
+    EXPECT_EQ(validate(1), OrvOk);
+    EXPECT_TRUE(valid);
 }
 
 // In an attribute for any class, an empty list permits every class and another one only its own.

@@ -109,6 +109,17 @@ TEST_F(UniDirEdges, SecondWrite_ReplacesTheAssociationToo) {
     EXPECT_FALSE(judge());
 }
 
+// A step is missed where the parent has a child of the last step's name.
+TEST_F(UniDirEdges, DeleteMo_MissAtAnEarlierStep_DoesNotTakeANamesake) {
+    stage.model.uniDir("Foo", "peer", "Bar", 1, 2);
+    record("Foo=1", "peer", {});
+    storage.deleteMo(tx, "Foo=2,Foo=1");
+    storage.deleteMo(tx, "Foo=2,Bar=1");
+    std::list<std::string> dns;
+    storage.getDns(tx, dns);
+    EXPECT_THAT(dns, ElementsAre("Foo=1"));
+}
+
 TEST_F(UniDirEdges, RecordedTexts_AreCopies) {
     stage.model.uniDir("Foo", "peer", "Bar", 1, 1);
     std::string reference = "Bar=1";
