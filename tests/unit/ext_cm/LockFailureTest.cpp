@@ -457,3 +457,67 @@ TEST_F(LockFailureOfStop, NothingFails_TheRegistrysLockIsNotTaken) {
     EXPECT_EQ(locksTaken, 5);
     EXPECT_EQ(locksGivenBack, 5);
 }
+
+namespace {
+
+/// The same, for what the host says about transactions and what clients do in them.
+class LockFailureOfTransactions : public LockFailureOfStop {
+protected:
+    LockFailureOfTransactions() { router3.nextMo = &next3; }
+
+    const OrvOamSpiTransactionalResource_2* resource =
+        &offered<OrvOamSpiTransactionalResource_2>(3);
+    const OrvOamSpiManagedObject_3* table3 = &offered<OrvOamSpiManagedObject_3>(1);
+};
+
+}
+
+TEST_F(LockFailureOfTransactions, PhasesWithoutWork_TouchNoLock) {
+    locksUntilFailure = 1;
+    EXPECT_EQ(resource->join(1), OrvOk);
+    EXPECT_EQ(resource->prepare(1), OrvOk);
+    EXPECT_EQ(resource->commit(1), OrvOk);
+    EXPECT_EQ(resource->abort(1), OrvOk);
+    EXPECT_EQ(locksUntilFailure, 1);
+    locksUntilFailure = 0;
+}
+
+// The first lock is that of the back-pointers' work list, the second that of the references.
+TEST_F(LockFailureOfTransactions, Validate_IsAFailureAndWritesNoVerdict) {
+    for (const bool before : {true, false}) {
+        for (int number = 1; number <= 2; ++number) {
+            OrvReturnT code = OrvOk;
+            bool result = before;
+            const auto validate = [&] { code = resource->validate(1, &result); };
+            EXPECT_EQ(whenLockFails(validate, number), "nothing");
+            EXPECT_EQ(code, OrvFailure);
+            EXPECT_EQ(result, before);
+            EXPECT_EQ(whenUnlockFails(validate, number), "nothing");
+            EXPECT_EQ(code, OrvFailure);
+            EXPECT_EQ(result, before);
+        }
+    }
+}
+
+// The third lock of finish is the registry's.
+TEST_F(LockFailureOfTransactions, Finish_RegistryLocked_TheMemoryStaysUntilStop) {
+    char* name = nullptr;
+    OrvReturnT code = OrvOk;
+    EXPECT_EQ(whenLockFails([&] { code = resource->finish(1); }, 3), "nothing");
+    EXPECT_EQ(code, OrvFailure);
+    EXPECT_EQ(table3->nextMo(iterator, &name), OrvOk);
+    EXPECT_EQ(stop(), OrvOk);
+    EXPECT_FALSE(memoryIsThere());
+}
+
+// The registry's lock is the first one that a write takes.
+TEST_F(LockFailureOfTransactions, Write_RegistryLocked_IsAFailureAndReachesNobody) {
+    joins = 0;
+    for (const bool locking : {true, false}) {
+        OrvReturnT code = OrvOk;
+        const auto remove = [&] { code = table3->deleteMo(2, "A=1"); };
+        EXPECT_EQ(locking ? whenLockFails(remove) : whenUnlockFails(remove), "nothing");
+        EXPECT_EQ(code, OrvFailure); // the router has no such function, so that a call would crash
+        EXPECT_EQ(joins, locking ? 0 : 1);
+    }
+}
