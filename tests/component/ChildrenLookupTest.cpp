@@ -43,7 +43,8 @@ OrvReturnT MoAccessor::getChildren(const std::string& parentDn, const std::strin
     record("Accessor.getChildren", {arg(parentDn.c_str()), arg(className.c_str())});
     EXPECT_TRUE(children.empty());
     for (const std::string& name : Stage::current().world.children(parentDn, className)) {
-        children.push_back(parentDn + "," + className + "=" + name);
+        children.push_back(
+            std::string(parentDn).append(",").append(className).append("=").append(name));
     }
     return OrvFailure;
 }

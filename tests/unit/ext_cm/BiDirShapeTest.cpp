@@ -23,6 +23,11 @@ std::ptrdiff_t distance(const void* from, const void* to) {
     return static_cast<const char*>(to) - static_cast<const char*>(from);
 }
 
+template <class Type>
+constexpr std::ptrdiff_t sizeOf() {
+    return sizeof(Type);
+}
+
 static_assert(std::is_same_v<decltype(OpenUtils::moRouter), OrvOamSpiManagedObject_3*>);
 static_assert(std::is_same_v<decltype(OpenUtils::modelRepository), VekOamSpiModelRepository_4*>);
 static_assert(std::is_same_v<decltype(OpenUtils::pendingBackPointers),
@@ -39,9 +44,9 @@ TEST(BiDirShape, Members_StandInTheirOrderBehindNothingButTheTableOfOperations) 
     EXPECT_EQ(distance(&utils, &utils.modelRepository), 2 * word);
     EXPECT_EQ(distance(&utils, &utils.pendingBackPointers), 3 * word);
     EXPECT_EQ(distance(&utils.pendingBackPointers, &utils.modifiedBackPointers),
-              static_cast<std::ptrdiff_t>(sizeof(utils.pendingBackPointers)));
+              sizeOf<decltype(utils.pendingBackPointers)>());
     EXPECT_EQ(distance(&utils.modifiedBackPointers, &utils.mMutex),
-              static_cast<std::ptrdiff_t>(sizeof(utils.modifiedBackPointers)));
+              sizeOf<decltype(utils.modifiedBackPointers)>());
 }
 
 TEST(BiDirShape, WaitingAddition_HasItsFieldsInTheirOrder) {
