@@ -6,6 +6,7 @@
 #include "ComponentName.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
+#include "RouterLife.h"
 #include "ValueConversion.h"
 
 #include <cstdint>
@@ -46,7 +47,8 @@ OrvReturnT MoImpl::init(OrvMgmtSpiInterfacePortal_1* hostPortal) {
 
 OrvReturnT MoImpl::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"})) {
+    if (!takeRouter(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, router,
+                    started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
@@ -55,7 +57,7 @@ OrvReturnT MoImpl::start(OrvStateChangeReason) {
 
 OrvReturnT MoImpl::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    letGoOfRouter();
+    letGoOfRouter(mMutex, router, started);
     return ORV_TRACE_RESULT(OrvOk);
 }
 

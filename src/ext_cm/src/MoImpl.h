@@ -13,7 +13,6 @@
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_1.h"
 #include "OrvReturn.h"
-#include "RouterClient.h"
 #include "Tracing.h"
 #include "TransactionData.h"
 
@@ -179,8 +178,7 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
 /// Threads: operations from any number of host threads, a transaction on one at a time; not during
 /// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
 /// stop.
-class MoImpl : public IterImpl<OrvOamSpiManagedObject_1, void*>,
-               private RouterClient<OrvOamSpiManagedObject_1> {
+class MoImpl : public IterImpl<OrvOamSpiManagedObject_1, void*> {
 public:
     /// Stores the references and uses neither: what they name may not be built yet.
     MoImpl(IdMappings& ids, TransactionData& transactions);
@@ -232,6 +230,10 @@ private:
     OrvMoStructMember* rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
                                      IdMappings::DnConversion direction, unsigned long txHandle);
 
+    Poco::Mutex mMutex;
+    OrvOamSpiManagedObject_1* router = nullptr;    ///< the host's
+    OrvMgmtSpiInterfacePortal_1* portal = nullptr; ///< the host's, given in init
+    bool started = false;
     Orv::ManagedObject1Binder<MoImpl> binder;
     IdMappings& idMappings;
     TransactionData& txData;

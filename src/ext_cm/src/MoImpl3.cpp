@@ -8,6 +8,7 @@
 #include "DnUtil.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
+#include "RouterLife.h"
 #include "ValueConversion.h"
 
 #include <cctype>
@@ -84,7 +85,8 @@ OrvReturnT MoImpl3::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"})) {
+    if (!takeRouter(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, router,
+                    started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
@@ -93,7 +95,7 @@ OrvReturnT MoImpl3::start(OrvStateChangeReason) {
 
 OrvReturnT MoImpl3::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    letGoOfRouter();
+    letGoOfRouter(mMutex, router, started);
     return ORV_TRACE_RESULT(OrvOk);
 }
 

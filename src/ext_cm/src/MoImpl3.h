@@ -16,9 +16,10 @@
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
-#include "RouterClient.h"
 #include "TransactionData.h"
 #include "UniDirValidator.h"
+
+#include <Poco/Mutex.h>
 
 #include <string>
 
@@ -33,8 +34,7 @@ namespace OrvExtCmRouterService {
 /// Threads: operations from any number of host threads, a transaction on one at a time; not during
 /// start or stop. `started` and `router` are read without a lock; mMutex guards the two writes in
 /// stop. No lock is held while an interceptor or the router runs.
-class MoImpl3 : public IterImpl<OrvOamSpiManagedObject_3, unsigned long long>,
-                private RouterClient<OrvOamSpiManagedObject_3> {
+class MoImpl3 : public IterImpl<OrvOamSpiManagedObject_3, unsigned long long> {
 public:
     /// Stores the references and uses none: what they name may not be built yet.
     MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
@@ -102,7 +102,11 @@ private:
     void recordCreation(const WrittenMo& created, const char* namingAttr,
                         OrvMoNamedAttributeValueContainer_3** attributes);
 
-    ExtCmInterceptorRepository* interceptors = nullptr;
+    Poco::Mutex mMutex;
+    OrvOamSpiManagedObject_3* router = nullptr;         ///< the host's
+    ExtCmInterceptorRepository* interceptors = nullptr; ///< given in init
+    OrvMgmtSpiInterfacePortal_1* portal = nullptr;      ///< the host's, given in init
+    bool started = false;
     Orv::ManagedObject3Binder<MoImpl3> binder;
     IdMappings& idMappings;
     TransactionData& txData;

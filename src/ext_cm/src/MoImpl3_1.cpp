@@ -9,6 +9,7 @@
 #include "KnownAttributes.h"
 #include "MoInterceptorBase.h"
 #include "OpeningSteps.h"
+#include "RouterLife.h"
 #include "Tracing.h"
 #include "ValueConversion.h"
 
@@ -63,7 +64,8 @@ OrvReturnT MoImpl3_1::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter({"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"})) {
+    if (!takeRouter(portal, {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"}, router,
+                    started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }
@@ -72,7 +74,7 @@ OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
 
 OrvReturnT MoImpl3_1::stop(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    letGoOfRouter();
+    letGoOfRouter(mMutex, router, started);
     return ORV_TRACE_RESULT(OrvOk);
 }
 

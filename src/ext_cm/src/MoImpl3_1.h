@@ -11,10 +11,11 @@
 #include "OrvMgmtSpiComponent_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
-#include "RouterClient.h"
 #include "TransactionData.h"
 #include "UniDirValidator.h"
 #include "VekOamSpiManagedObject_3_1.h"
+
+#include <Poco/Mutex.h>
 
 #include <string>
 
@@ -27,7 +28,7 @@ namespace OrvExtCmRouterService {
 /// Final, because the class has virtual operations and no virtual destructor.
 ///
 /// Threads: as in MoImpl3.
-class MoImpl3_1 final : private RouterClient<VekOamSpiManagedObject_3_1> {
+class MoImpl3_1 final {
 public:
     /// Stores the references and uses none: what they name may not be built yet.
     MoImpl3_1(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
@@ -61,7 +62,11 @@ private:
     convertAndRecord(unsigned long txHandle, const std::string& internalDn,
                      VekMoNamedAttributeValueContainer_3** attributes, Orv::AutoMemory& memory);
 
-    ExtCmInterceptorRepository* interceptors = nullptr;
+    Poco::Mutex mMutex;
+    VekOamSpiManagedObject_3_1* router = nullptr;       ///< the host's
+    ExtCmInterceptorRepository* interceptors = nullptr; ///< given in init
+    OrvMgmtSpiInterfacePortal_1* portal = nullptr;      ///< the host's, given in init
+    bool started = false;
     Orv::ManagedObject3_1Binder<MoImpl3_1> binder;
     IdMappings& idMappings;
     TransactionData& txData;

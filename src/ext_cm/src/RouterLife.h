@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_ROUTERLIFE_H
+#define ORV_EXT_CM_ROUTERLIFE_H
+
+#include "OpeningSteps.h"
+#include "OrvMgmtSpiInterfacePortal.h"
+#include "OrvMgmtSpiInterface_1.h"
+#include "OrvReturn.h"
+#include "ServiceLock.h"
+
+#include <Poco/Mutex.h>
+
+/// \file
+/// The life of a managed-object service: it is started as long as it holds the host's router of its
+/// version. Not to be called while operations run: they read \p router and \p started without a
+/// lock.
+
+namespace OrvExtCmRouterService {
+
+/// Looks \p router up at \p portal, unless \p started. False, and not started, if there is none.
+template <class Table>
+bool takeRouter(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
+                Table*& router, bool& started) {
+    if (!started) {
+        started = lookUpTable(portal, identity, router) == OrvOk;
+    }
+    return started;
+}
+
+/// \p mutex guards the two writes. \throws Poco::SystemException if it cannot be locked or
+/// unlocked.
+template <class Table>
+void letGoOfRouter(Poco::Mutex& mutex, Table*& router, bool& started) {
+    ServiceLock lock(mutex);
+    started = false;
+    router = nullptr;
+    lock.unlock();
+}
+
+}
+
+#endif
