@@ -217,7 +217,7 @@ struct ArrayHead {
 };
 
 // The head takes one place of the array.
-static_assert(sizeof(ArrayHead) == sizeof(OrvMoAttributeValueContainer_3*), "one word");
+static_assert(sizeof(ArrayHead) == sizeof(void*), "one word");
 
 void releaseContainers(OrvMoAttributeValueContainer_3** containers) {
     delete (reinterpret_cast<ArrayHead*>(containers) - 1)->owner;

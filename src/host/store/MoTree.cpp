@@ -307,8 +307,10 @@ StoreMemory MoTree::memory() const {
     sum.index = mIndex.bytes();
     for (const MoNode& one : mNodes) {
         sum.records += one.record.size();
-        sum.childLists +=
-            one.groups ? sizeof(*one.groups) + one.groups->capacity() * sizeof(ChildGroup) : 0;
+        if (one.groups) {
+            // NOLINTNEXTLINE(bugprone-sizeof-container): the list itself is memory too
+            sum.childLists += sizeof(*one.groups) + one.groups->capacity() * sizeof(ChildGroup);
+        }
     }
     for (const auto& older : mHistory) {
         for (const OldRecord& old : older.second) {
