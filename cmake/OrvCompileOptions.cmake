@@ -7,11 +7,6 @@ target_compile_options(orv_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wformat=2 -Werror
   $<$<CXX_COMPILER_ID:GNU>:-Wcast-qual>) # clang complains of libyang's macros too
 
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # Optimised, its string concatenations are told to reach beyond their own buffers.
-  target_compile_options(orv_compile_options INTERFACE -Wno-array-bounds -Wno-restrict)
-endif()
-
 if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
     -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -7,6 +7,7 @@
 #include "MeIdTranslator.h"
 #include "Session.h"
 #include "Suggestion.h"
+#include "model/ProblemList.h"
 #include "store/HostReturn.h"
 
 #include <algorithm>
@@ -121,14 +122,14 @@ std::string Diagnosis::explainCode(const OperationError& error) const {
     const bool isIdRefused =
         (error.code() == OrvValidationFailed || error.code() == OrvInvalidArgument) &&
         std::find(attributes.begin(), attributes.end(), kIdAttribute) != attributes.end();
-    return isIdRefused ? std::string(kIdAttribute) +
-                             " must be fit to name an object: no control characters, none of "
-                             ", = + \" \\ < > ; and no space at either end"
+    return isIdRefused ? joined({kIdAttribute,
+                                 " must be fit to name an object: no control characters, none of "
+                                 ", = + \" \\ < > ; and no space at either end"})
                        : std::string();
 }
 
 std::string Diagnosis::inClientsWords(const std::string& text) const {
-    const std::string internal = std::string(kRootClass) + "=1";
+    const std::string internal = joined({kRootClass, "=1"});
     const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(internal);
     std::string result = mSession.transactions().withNames(text);
     std::size_t at = result.find(internal);
