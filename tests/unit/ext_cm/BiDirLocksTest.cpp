@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BiDirScene.h"
-
-#include <thread>
+#include "IsFree.h"
 
 // While which calls of the host the one lock is held: an addition must not lose what another thread
 // adds meanwhile, and whatever else can wait for a host must not make others wait.
@@ -14,17 +13,6 @@ namespace {
 class OpenUtils : public Utils {
 public:
     using BiDirUtils::mMutex;
-
-    bool isFree() {
-        bool taken = false;
-        std::thread([&] {
-            taken = mMutex.tryLock();
-            if (taken) {
-                mMutex.unlock();
-            }
-        }).join();
-        return taken;
-    }
 };
 
 /// X=1 holds Y=1, which holds X=1, and there is Y=2.
@@ -45,12 +33,13 @@ public:
     }
 
     ~BiDirLocks() override {
-        EXPECT_TRUE(open.isFree());
+        EXPECT_TRUE(isFree(open.mMutex));
         open.stop();
     }
 
     void note(const std::string& call) {
-        seen.push_back(call.substr(call.find('.') + 1) + (open.isFree() ? ", free" : ", held"));
+        seen.push_back(call.substr(call.find('.') + 1) +
+                       (isFree(open.mMutex) ? ", free" : ", held"));
     }
 
     OpenUtils open;

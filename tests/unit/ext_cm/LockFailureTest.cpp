@@ -5,6 +5,7 @@
 // the system's for everything that is part of this program, so these tests have one of their own.
 
 #include "ExtCmRouterService.h"
+#include "IsFree.h"
 #include "PlainHost.h"
 #include "Portal.h"
 
@@ -18,7 +19,6 @@
 #include <memory>
 #include <pthread.h>
 #include <string>
-#include <thread>
 
 using namespace OrvExtCmRouterService;
 
@@ -119,17 +119,6 @@ public:
     using BiDirUtils::mMutex;
     using BiDirUtils::removeMoFromBackPointer;
     using BiDirUtils::setMoAttr;
-
-    bool isFree() {
-        bool taken = false;
-        std::thread([&] {
-            taken = mMutex.tryLock();
-            if (taken) {
-                mMutex.unlock();
-            }
-        }).join();
-        return taken;
-    }
 };
 
 class LockFailure : public testing::Test {
@@ -286,9 +275,9 @@ TEST_F(LockFailure, BackPointers_EveryOperationTellsOfBoth) {
     for (const auto& [operation, locks] : operations) {
         for (int number = 1; number <= locks; ++number) {
             EXPECT_EQ(whenLockFails(operation, number), kCannotLock);
-            EXPECT_TRUE(utils.isFree());
+            EXPECT_TRUE(isFree(utils.mMutex));
             EXPECT_EQ(whenUnlockFails(operation, number), kCannotUnlock);
-            EXPECT_TRUE(utils.isFree());
+            EXPECT_TRUE(isFree(utils.mMutex));
         }
     }
     Orv::Portal::instance()->detach();

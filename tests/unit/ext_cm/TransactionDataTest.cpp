@@ -3,6 +3,7 @@
 
 #include "TransactionData.h"
 
+#include "IsFree.h"
 #include "OrvReturn.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +11,6 @@
 
 #include <map>
 #include <stdexcept>
-#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -26,18 +26,6 @@ std::vector<std::pair<unsigned long, OrvOamSpiTransactionalResource_2*>> joins;
 OrvReturnT joinAnswer = OrvOk;
 bool joinThrows = false;
 std::vector<int> destroyed;
-
-// Asked on a thread of its own: the mutex lets its owner in again.
-bool isFree(Poco::Mutex& mutex) {
-    bool taken = false;
-    std::thread([&] {
-        taken = mutex.tryLock();
-        if (taken) {
-            mutex.unlock();
-        }
-    }).join();
-    return taken;
-}
 
 Poco::Mutex* lookedAtByJoin = nullptr;
 bool freeDuringJoin = false;
