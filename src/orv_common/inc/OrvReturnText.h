@@ -11,8 +11,9 @@ namespace Orv {
 /// Texts for return codes.
 class OrvReturn {
 public:
-    /// The code's name, for example "OrvNotExist"; for a code without a name, a text that says so.
-    /// A constant, never null. Any thread.
+    /// The code's name, for example "OrvNotExist"; for a code without a name, a text with the
+    /// number, for example "unknown return code -42". Never null. A name is a constant; the text
+    /// with a number is valid until the thread asks for the next one. Any thread.
     static const char* strerror(OrvReturnT code);
 };
 

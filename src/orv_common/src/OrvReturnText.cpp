@@ -3,7 +3,21 @@
 
 #include "OrvReturnText.h"
 
+#include <cstdio>
+
 namespace Orv {
+
+namespace {
+
+// A host's own code: the number is all that is known of it. Plain bytes of the thread, with nothing
+// to destroy: a destructor would keep the library loaded until the thread ends.
+const char* unknownCode(OrvReturnT code) {
+    thread_local char text[sizeof("unknown return code -2147483648")];
+    std::snprintf(text, sizeof(text), "unknown return code %d", static_cast<int>(code));
+    return text;
+}
+
+}
 
 const char* OrvReturn::strerror(OrvReturnT code) {
     switch (code) {
@@ -22,7 +36,7 @@ const char* OrvReturn::strerror(OrvReturnT code) {
     case OrvValidationFailed:
         return "OrvValidationFailed";
     default:
-        return "unknown return code";
+        return unknownCode(code);
     }
 }
 
