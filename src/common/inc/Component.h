@@ -43,9 +43,13 @@ public:
 
     /// The body of orvLCMinit: registers with the portal of version "3", or else "1", and runs
     /// initialize. May run more than once. Not shielded: an exception passes to the caller.
-    /// OrvFailure if the host has no portal "1"; the code of registerComponent if that is not zero.
+    /// OrvFailure if \p accessor is null or the host has no portal "1"; the code of
+    /// registerComponent if that is not zero.
     static OrvReturnT lcmInit(OrvMgmtSpiInterfacePortalAccessor* accessor, const char* argument) {
         Component& component = instance();
+        if (accessor == nullptr) {
+            return OrvFailure;
+        }
         component.mPortalAccessor = accessor;
         component.mPortal1 = static_cast<OrvMgmtSpiInterfacePortal_1*>(accessor->getPortal("1"));
         component.mPortal3 = static_cast<OrvMgmtSpiInterfacePortal_3*>(accessor->getPortal("3"));

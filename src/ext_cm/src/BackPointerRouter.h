@@ -37,6 +37,14 @@ public:
                                  : OrvFailure;
     }
 
+    /// A read for an edit: a value that is not one of references cannot be edited, and must not be
+    /// overwritten, so it counts as a read that failed.
+    OrvReturnT readReferences(unsigned long txHandle, const char* dn, const char* attribute,
+                              ReadResult& result) const {
+        const OrvReturnT code = read(txHandle, dn, attribute, result);
+        return code == OrvOk && !areReferences(result.value()) ? OrvFailure : code;
+    }
+
     OrvReturnT write(unsigned long txHandle, const char* dn, const char* attribute,
                      const VekMoAttributeValueContainer_3& value) const {
         return mTable != nullptr ? mTable->setMoAttribute(txHandle, dn, attribute, &value)

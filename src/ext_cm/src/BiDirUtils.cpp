@@ -25,8 +25,10 @@ namespace {
 
 constexpr int childLookupLimit = 60;
 
-void traceReadFailure(OrvReturnT code, const char* attribute, const char* dn) {
-    ORV_TRACE("Error code %d received when reading attribute %s in %s.", code, attribute, dn);
+void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* attribute,
+                      const char* dn) {
+    ORV_TRACE_AT(operation, "Error code %d received when reading attribute %s in %s.", code,
+                 attribute, dn);
 }
 
 }
@@ -47,10 +49,11 @@ void BiDirUtils::stop() {
 // ---------------------------------------------------------------------------------------------
 // Questions to the model
 
-OrvReturnT BiDirUtils::lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const {
+OrvReturnT BiDirUtils::lookUpMoc(const TracePoint& operation, const char* dn,
+                                 VekOamSpiMrMocHandle_4T& moc) const {
     const OrvReturnT code = ModelReader(modelRepository).mocOfDn(dn, moc);
     if (code != OrvOk) {
-        ORV_LOG(3, "Failed to look up MOC from DN. dn=%s, ret=%d", dn, code);
+        ORV_LOG_AT(operation, 3, "Failed to look up MOC from DN. dn=%s, ret=%d", dn, code);
     }
     return code;
 }
@@ -67,6 +70,7 @@ OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
     using Handle = VekOamSpiMrBiDirAssociationHandle_4T;
     const VekOamSpiModelRepository_4& model = *modelRepository;
     auto walk = walkUntilNonZero<Handle>(
+        ORV_TRACE_POINT,
         [&](Handle* found) { return model.mocQueries->getFirstBiDirAssociation(moc, found); },
         [&](Handle current, Handle* found) {
             return model.biDirAssociation->getNextBiDirAssociation(current, moc, found);
@@ -138,9 +142,9 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
     }
     const char* const backPointer = backPointerOf(end);
     ReadResult present;
-    const OrvReturnT code = router.read(txHandle, targetDn, backPointer, present);
+    const OrvReturnT code = router.readReferences(txHandle, targetDn, backPointer, present);
     if (code != OrvOk) {
-        traceReadFailure(code, backPointer, targetDn);
+        traceReadFailure(ORV_TRACE_POINT, code, backPointer, targetDn);
         return;
     }
     std::vector<std::string> values = copyReferences(present.value(), present.value().count);
@@ -157,20 +161,21 @@ void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn
     ServiceLock lock(mMutex);
     const char* const backPointer = backPointerOf(end);
     if (BackPointerRouter(moRouter).certainlyExists(txHandle, targetDn)) {
-        extendBackPointer(txHandle, targetDn, dnToAdd, backPointer);
+        extendBackPointer(ORV_TRACE_POINT, txHandle, targetDn, dnToAdd, backPointer);
     } else {
         mPending.add(targetDn, {txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
     }
     lock.unlock();
 }
 
-void BiDirUtils::extendBackPointer(unsigned long txHandle, const char* targetDn,
-                                   const char* dnToAdd, const char* backPointer) {
+void BiDirUtils::extendBackPointer(const TracePoint& operation, unsigned long txHandle,
+                                   const char* targetDn, const char* dnToAdd,
+                                   const char* backPointer) {
     ReadResult present;
     const OrvReturnT code =
-        BackPointerRouter(moRouter).read(txHandle, targetDn, backPointer, present);
+        BackPointerRouter(moRouter).readReferences(txHandle, targetDn, backPointer, present);
     if (code != OrvOk) {
-        traceReadFailure(code, backPointer, targetDn);
+        traceReadFailure(operation, code, backPointer, targetDn);
         return;
     }
     std::vector<std::string> values =
@@ -215,8 +220,9 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
         ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
         return OrvFailure;
     }
+    const Source source{ORV_TRACE_POINT, txHandle, dn, attributeName};
     VekOamSpiMrMocHandle_4T moc = 0;
-    OrvReturnT code = lookUpMoc(dn, moc);
+    OrvReturnT code = lookUpMoc(source.operation, dn, moc);
     if (code != OrvOk) {
         return code;
     }
@@ -238,9 +244,9 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
         }
         std::vector<std::string> toAdd;
         std::vector<std::string> toRemove;
-        getMoRefDiff(newValue, &oldValue.value(), toAdd, toRemove);
+        getMoRefDiff(newValue, &oldValue.references(), toAdd, toRemove);
         for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
-            code = editFarSides({txHandle, dn, attributeName}, moc, bidir, toAdd, toRemove, code);
+            code = editFarSides(source, moc, bidir, toAdd, toRemove, code);
         }
     }
     ServiceLock lock(mMutex);
@@ -273,7 +279,7 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
                                    VekOamSpiMrMocHandle_4T farMoc, OrvReturnT code) {
     for (const std::string& target : targets) {
         VekOamSpiMrMocHandle_4T moc = 0;
-        code = lookUpMoc(target.c_str(), moc);
+        code = lookUpMoc(source.operation, target.c_str(), moc);
         // A reference of the wrong class is left to the validation, which names it.
         if (code == OrvOk && moc == farMoc) {
             (this->*edit)(source.txHandle, target.c_str(), source.dn, near, source.attribute);
@@ -285,36 +291,61 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
 // ---------------------------------------------------------------------------------------------
 // A deleted MO
 
+BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle, const char* moDn)
+    : dn(moDn), accessor(Orv::OrvLockPolicyRead, childLookupLimit) {
+    accessor.useTransaction(txHandle);
+}
+
+// Children before parents, and without recursion: a subtree can be deeper than a host's thread has
+// stack for.
 OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
     if (!hasModel()) {
         ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
         return OrvFailure;
     }
-    Orv::MoAccessor accessor(Orv::OrvLockPolicyRead, childLookupLimit);
-    accessor.useTransaction(txHandle);
-    VekOamSpiMrMocHandle_4T moc = 0;
-    const OrvReturnT code = lookUpMoc(dn, moc);
-    if (code != OrvOk) {
-        return code;
-    }
-    for (const std::string& className : containedClasses(moc)) {
-        std::list<std::string> children;
-        accessor.getChildren(dn, className, children);
-        for (const std::string& child : children) {
-            updateBackPointersForDelete(txHandle, child.c_str());
+    const TracePoint operation = ORV_TRACE_POINT;
+    std::list<MoToLeave> path; // from the deleted MO down to the one in hand
+    const OrvReturnT code = descend(operation, txHandle, dn, path);
+    while (!path.empty()) {
+        MoToLeave& mo = path.back();
+        if (!mo.children.empty()) {
+            const std::string child = std::move(mo.children.front());
+            mo.children.pop_front();
+            descend(operation, txHandle, child.c_str(), path);
+        } else if (!mo.childClasses.empty()) {
+            mo.accessor.getChildren(mo.dn, mo.childClasses.front(), mo.children);
+            mo.childClasses.pop_front();
+        } else {
+            updateBackpointers(txHandle, mo.dn.c_str());
+            path.pop_back();
         }
     }
-    updateBackpointers(txHandle, dn);
+    return code;
+}
+
+/// Adds the MO to \p path, unless its class is not known: then nothing is done for it and what lies
+/// below it. Gives back the code of the class lookup.
+OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHandle, const char* dn,
+                               std::list<MoToLeave>& path) const {
+    MoToLeave& mo = path.emplace_back(txHandle, dn);
+    VekOamSpiMrMocHandle_4T moc = 0;
+    const OrvReturnT code = lookUpMoc(operation, dn, moc);
+    if (code == OrvOk) {
+        mo.childClasses = containedClasses(operation, moc);
+    } else {
+        path.pop_back();
+    }
     return code;
 }
 
 /// The names of the classes that \p moc contains, as far as the model tells them.
-std::list<std::string> BiDirUtils::containedClasses(VekOamSpiMrMocHandle_4T moc) const {
+std::list<std::string> BiDirUtils::containedClasses(const TracePoint& operation,
+                                                    VekOamSpiMrMocHandle_4T moc) const {
     using Handle = VekOamSpiMrContainmentHandle_4T;
     const VekOamSpiModelRepository_4& model = *modelRepository;
     std::list<std::string> names;
     auto walk = walkUntilNonZero<Handle>(
-        [&](Handle* found) { return model.mocQueries->getFirstContainment(moc, found); },
+        operation, [&](Handle* found) { return model.mocQueries->getFirstContainment(moc, found); },
         [&](Handle current, Handle* found) {
             return model.containment->getNextContainment(current, found);
         });
@@ -327,29 +358,30 @@ std::list<std::string> BiDirUtils::containedClasses(VekOamSpiMrMocHandle_4T moc)
         names.emplace_back(textOrEmpty(ModelReader(modelRepository).mocName(contained)));
     }
     if (walk.code() != OrvNotExist) {
-        ORV_LOG(3, "Model repository returned error code %d", walk.code());
+        ORV_LOG_AT(operation, 3, "Model repository returned error code %d", walk.code());
     }
     return names;
 }
 
 OrvReturnT BiDirUtils::updateBackpointers(unsigned long txHandle, const char* dn) {
+    const TracePoint operation = ORV_TRACE_POINT;
     VekOamSpiMrMocHandle_4T moc = 0;
-    const OrvReturnT code = lookUpMoc(dn, moc);
+    const OrvReturnT code = lookUpMoc(operation, dn, moc);
     if (code != OrvOk) {
         return code;
     }
     std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
     getBidirsForMoc(moc, bidirs);
     for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
-        leaveAssociation(txHandle, dn, moc, bidir);
+        leaveAssociation(operation, txHandle, dn, moc, bidir);
     }
     return code;
 }
 
 /// An MO of a class that is associated with itself stands on both sides, with an attribute for
 /// each: a second pass, with the ends the other way round, cleans up after the other attribute.
-void BiDirUtils::leaveAssociation(unsigned long txHandle, const char* dn,
-                                  VekOamSpiMrMocHandle_4T moc,
+void BiDirUtils::leaveAssociation(const TracePoint& operation, unsigned long txHandle,
+                                  const char* dn, VekOamSpiMrMocHandle_4T moc,
                                   VekOamSpiMrBiDirAssociationHandle_4T bidir) {
     const ModelReader model(modelRepository);
     VekOamSpiMrAssociationEndHandle_4T near = 0;
@@ -359,12 +391,12 @@ void BiDirUtils::leaveAssociation(unsigned long txHandle, const char* dn,
     const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far);
     const int passes = nearMoc == farMoc ? 2 : 1;
     for (int pass = 0; pass < passes; ++pass) {
-        leaveFarSides(txHandle, dn, near, far, farMoc);
+        leaveFarSides(operation, txHandle, dn, near, far, farMoc);
         std::swap(near, far);
     }
 }
 
-void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
+void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHandle, const char* dn,
                                VekOamSpiMrAssociationEndHandle_4T near,
                                VekOamSpiMrAssociationEndHandle_4T far,
                                VekOamSpiMrMocHandle_4T farMoc) {
@@ -373,15 +405,16 @@ void BiDirUtils::leaveFarSides(unsigned long txHandle, const char* dn,
     if (model.endKeepsAtDelete(near)) {
         return;
     }
-    ReadResult references;
-    const OrvReturnT code = BackPointerRouter(moRouter).read(txHandle, dn, attribute, references);
+    ReadResult result;
+    const OrvReturnT code = BackPointerRouter(moRouter).read(txHandle, dn, attribute, result);
     if (code != OrvOk) {
-        traceReadFailure(code, attribute, dn);
+        traceReadFailure(operation, code, attribute, dn);
         return;
     }
     model.endName(near); // as above: the edit asks for the name itself
-    for (std::uint32_t i = 0; i < references.value().count; ++i) {
-        const char* const target = references.value().values[i].moRef;
+    const VekMoAttributeValueContainer_3& references = result.references();
+    for (std::uint32_t i = 0; i < references.count; ++i) {
+        const char* const target = references.values[i].moRef;
         VekOamSpiMrMocHandle_4T moc = 0;
         if (model.mocOfDn(target, moc) == OrvOk && moc == farMoc) {
             removeMoFromBackPointer(txHandle, target, dn, near, attribute);

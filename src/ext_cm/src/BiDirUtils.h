@@ -4,9 +4,11 @@
 #ifndef ORV_EXT_CM_BIDIRUTILS_H
 #define ORV_EXT_CM_BIDIRUTILS_H
 
+#include "MoAccessor.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "PendingAdditions.h"
+#include "Tracing.h"
 #include "VekOamSpiModelRepository_4.h"
 
 #include <Poco/Mutex.h>
@@ -160,17 +162,31 @@ protected:
     Poco::Mutex mMutex; ///< recursive: edits nest
 
 private:
-    /// Where a client's write took place.
+    /// Where a client's write took place, and the operation that follows it.
     struct Source {
+        TracePoint operation;
         unsigned long txHandle;
         const char* dn;
         const char* attribute;
     };
 
+    /// An MO of a subtree that is deleted, while what lies below it is taken care of.
+    struct MoToLeave {
+        MoToLeave(unsigned long txHandle, const char* moDn);
+
+        std::string dn;
+        Orv::MoAccessor accessor;
+        std::list<std::string> childClasses; ///< whose children have not been asked for
+        std::list<std::string> children;     ///< of the class asked last, not yet visited
+    };
+
     using Edit = void (BiDirUtils::*)(unsigned long, const char*, const char*,
                                       VekOamSpiMrAssociationEndHandle_4T, const char*);
 
-    OrvReturnT lookUpMoc(const char* dn, VekOamSpiMrMocHandle_4T& moc) const;
+    // Steps write messages in the name of the operation that they belong to.
+
+    OrvReturnT lookUpMoc(const TracePoint& operation, const char* dn,
+                         VekOamSpiMrMocHandle_4T& moc) const;
     const char* backPointerOf(VekOamSpiMrAssociationEndHandle_4T end) const;
     OrvReturnT editFarSides(const Source& source, VekOamSpiMrMocHandle_4T moc,
                             VekOamSpiMrBiDirAssociationHandle_4T bidir,
@@ -179,14 +195,17 @@ private:
     OrvReturnT editTargets(Edit edit, const std::vector<std::string>& targets, const Source& source,
                            VekOamSpiMrAssociationEndHandle_4T near, VekOamSpiMrMocHandle_4T farMoc,
                            OrvReturnT code);
-    std::list<std::string> containedClasses(VekOamSpiMrMocHandle_4T moc) const;
-    void leaveAssociation(unsigned long txHandle, const char* dn, VekOamSpiMrMocHandle_4T moc,
-                          VekOamSpiMrBiDirAssociationHandle_4T bidir);
-    void leaveFarSides(unsigned long txHandle, const char* dn,
+    OrvReturnT descend(const TracePoint& operation, unsigned long txHandle, const char* dn,
+                       std::list<MoToLeave>& path) const;
+    std::list<std::string> containedClasses(const TracePoint& operation,
+                                            VekOamSpiMrMocHandle_4T moc) const;
+    void leaveAssociation(const TracePoint& operation, unsigned long txHandle, const char* dn,
+                          VekOamSpiMrMocHandle_4T moc, VekOamSpiMrBiDirAssociationHandle_4T bidir);
+    void leaveFarSides(const TracePoint& operation, unsigned long txHandle, const char* dn,
                        VekOamSpiMrAssociationEndHandle_4T near,
                        VekOamSpiMrAssociationEndHandle_4T far, VekOamSpiMrMocHandle_4T farMoc);
-    void extendBackPointer(unsigned long txHandle, const char* targetDn, const char* dnToAdd,
-                           const char* backPointer);
+    void extendBackPointer(const TracePoint& operation, unsigned long txHandle,
+                           const char* targetDn, const char* dnToAdd, const char* backPointer);
     void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
 
     PendingAdditions mPending{pendingBackPointers};

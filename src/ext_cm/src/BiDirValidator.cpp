@@ -8,6 +8,7 @@
 #include "ModelWalk.h"
 #include "Portal.h"
 #include "ReadResult.h"
+#include "ReferenceList.h"
 #include "Tracing.h"
 
 #include <algorithm>
@@ -20,12 +21,18 @@ namespace {
 constexpr int messageKind = 1;
 constexpr const char* anyClass = "ManagedObject";
 
+void traceReadFailure(const TracePoint& operation, const char* dn, const char* attribute,
+                      OrvReturnT code) {
+    ORV_TRACE_AT(operation, "Failed to retrieve %s value from %s, return code = %d", dn, attribute,
+                 code);
+}
+
 /// Releases a result on every way out.
 struct HeldResult {
     explicit HeldResult(const BiDirValidator& owner) : validator(owner) {}
     HeldResult(const HeldResult&) = delete;
     HeldResult& operator=(const HeldResult&) = delete;
-    ~HeldResult() { validator.release(record); }
+    ~HeldResult() { validator.release(record); } // which throws nothing
 
     const BiDirValidator& validator;
     VekMoAttributeValueResult_3 record{nullptr, nullptr};
@@ -64,7 +71,8 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
     if (workList.empty()) {
         return OrvOk;
     }
-    if (!canJudge(txHandle)) {
+    const TracePoint operation = ORV_TRACE_POINT;
+    if (!canJudge(operation, txHandle)) {
         *valid = false;
         return OrvNotActive;
     }
@@ -81,11 +89,11 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
         HeldResult held(*this);
         code = moRouter->getMoAttribute(txHandle, dn, attribute, &held.record);
         if (code != OrvOk) {
-            ORV_TRACE("Failed to retrieve %s value from %s, return code = %d", dn, attribute, code);
+            traceReadFailure(operation, dn, attribute, code);
             *valid = false;
             return code;
         }
-        const Outcome outcome = judge(dn, attribute, held.record, code);
+        const Outcome outcome = judge(operation, dn, attribute, held.record, code);
         if (outcome != Outcome::Next) {
             *valid = outcome != Outcome::Refused;
             return code;
@@ -98,15 +106,17 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
 // validates after a stop. The transaction must not pass for a valid one then, so the answer is that
 // of a stopped service, as from the validator of unidirectional references. Since no message can be
 // built that a client would understand, the log says why.
-bool BiDirValidator::canJudge(unsigned long txHandle) const {
+bool BiDirValidator::canJudge(const TracePoint& operation, unsigned long txHandle) const {
     if (moRouter != nullptr && modelRepository != nullptr && biDirUtils.hasModel()) {
         return true;
     }
-    ORV_LOG(3, "Transaction %lu cannot be validated without router and model repository", txHandle);
+    ORV_LOG_AT(operation, 3,
+               "Transaction %lu cannot be validated without router and model repository", txHandle);
     return false;
 }
 
-BiDirValidator::Outcome BiDirValidator::judge(const char* dn, const char* attribute,
+BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const char* dn,
+                                              const char* attribute,
                                               VekMoAttributeValueResult_3& result,
                                               OrvReturnT& code) {
     VekOamSpiMrMocHandle_4T moc = 0;
@@ -125,6 +135,12 @@ BiDirValidator::Outcome BiDirValidator::judge(const char* dn, const char* attrib
     if (bidirs.empty()) {
         // Only classes with associations are recorded, so the model is at odds with itself.
         return Outcome::Done;
+    }
+    // The model has references here. A router that answers with something else has not answered.
+    if (!areReferences(value)) {
+        code = OrvFailure;
+        traceReadFailure(operation, dn, attribute, code);
+        return Outcome::Refused;
     }
     std::list<VekOamSpiMrMocHandle_4T> permitted;
     code = judgeAssociations(dn, moc, attribute, value, bidirs, permitted);
@@ -285,6 +301,7 @@ void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char
     using Handle = VekOamSpiMrAttributeHandle_4T;
     const VekOamSpiModelRepository_4& model = *modelRepository;
     auto walk = walkUntilNotExist<Handle>(
+        ORV_TRACE_POINT,
         [&](Handle* found) {
             *found = attribute; // which the caller keeps if the class has none
             return model.mocQueries->getFirstAttribute(moc, found);

@@ -7,6 +7,7 @@
 #include "BiDirUtils.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
+#include "Tracing.h"
 #include "VekMgmtSpiThreadContext_2.h"
 #include "VekOamSpiModelRepository_4.h"
 
@@ -94,9 +95,9 @@ private:
         bool permits(VekOamSpiMrMocHandle_4T moc) const;
     };
 
-    bool canJudge(unsigned long txHandle) const;
-    Outcome judge(const char* dn, const char* attribute, VekMoAttributeValueResult_3& result,
-                  OrvReturnT& code);
+    bool canJudge(const TracePoint& operation, unsigned long txHandle) const;
+    Outcome judge(const TracePoint& operation, const char* dn, const char* attribute,
+                  VekMoAttributeValueResult_3& result, OrvReturnT& code);
     OrvReturnT judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc, const char* attribute,
                                  const VekMoAttributeValueContainer_3& value,
                                  const std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs,

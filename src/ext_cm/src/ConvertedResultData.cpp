@@ -3,6 +3,8 @@
 
 #include "ConvertedResultData.h"
 
+#include "QuietRelease.h"
+
 #include <cstdlib>
 
 namespace OrvExtCmRouterService {
@@ -47,17 +49,13 @@ ConvertedResultData& ConvertedResultData::addNested(OrvMoAttributeValueContainer
 
 void ConvertedResultData::releaseFunc(OrvMoAttributeValueContainer_3* container) {
     const ConvertedResultData* const view = viewOf(container);
-    if (view->_origRelease != nullptr && view->_origContainer != nullptr) {
-        view->_origRelease(view->_origContainer);
-    }
+    releaseQuietly(view->_origRelease, view->_origContainer);
     delete view;
 }
 
 void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** containers) {
     const ConvertedResultData* const first = viewOf(containers[0]);
-    if (first->_origMultiRelease != nullptr && first->_origContainers != nullptr) {
-        first->_origMultiRelease(first->_origContainers);
-    }
+    releaseQuietly(first->_origMultiRelease, first->_origContainers);
     for (std::size_t index = 0; containers[index] != nullptr; ++index) {
         delete viewOf(containers[index]);
     }

@@ -74,7 +74,7 @@ OrvReturnT ExtCmRouterService::start(OrvStateChangeReason reason) {
     }
     Orv::MeIdTranslator::instance()->start();
     mTxData.transaction = nullptr;
-    // A host without the table is noticed by the first transaction that is touched, not here.
+    // A host without the table is noticed by the first transaction that must be joined, not here.
     lookUpTable(mPortal1, {"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"},
                 mTxData.transaction);
     return OrvOk;
@@ -129,6 +129,9 @@ OrvReturnT ExtCmRouterService::finish(unsigned long txHandle) {
 
 OrvReturnT ExtCmRouterService::validate(unsigned long txHandle, bool* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
+    if (result == nullptr) {
+        return ORV_TRACE_RESULT(OrvFailure);
+    }
     // A validator that reaches no verdict writes none, and that must not read as content.
     bool bi = false;
     bool uni = false;

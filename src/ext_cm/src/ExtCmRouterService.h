@@ -51,7 +51,8 @@ public:
     OrvReturnT finish(unsigned long txHandle);
 
     /// The verdict of both validators, always both, goes to \p result. The code says nothing about
-    /// it: it is OrvOk also for a violation.
+    /// it: it is OrvOk also for a violation. OrvFailure, without a validation, for a null \p
+    /// result.
     OrvReturnT validate(unsigned long txHandle, bool* result);
 
 private:

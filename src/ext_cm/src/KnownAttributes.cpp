@@ -20,12 +20,15 @@ bool isNetworkManagedElementId(const char* attrName) {
     return std::strcmp(attrName, "networkManagedElementId") == 0;
 }
 
-bool isRefusedAsId(const char* text) {
-    return text != nullptr && *text != '\0' && !Orv::DnUtil::validateMoNamingAttr(text);
+bool IdSlot::isRefused() const {
+    if (text == nullptr) {
+        return isSet;
+    }
+    return *text != '\0' && !Orv::DnUtil::validateMoNamingAttr(text);
 }
 
 bool isRootId(const char* attrName, const char* dn) {
-    return std::strcmp(attrName, "managedElementId") == 0 &&
+    return attrName != nullptr && std::strcmp(attrName, "managedElementId") == 0 &&
            std::strncmp(dn, rootClass.data(), rootClass.size()) == 0 &&
            std::strchr(dn, ',') == nullptr;
 }

@@ -6,7 +6,10 @@
 
 #include "IdMappings.h"
 #include "OrvMoAttributeValue.h"
+#include "ValueCheck.h"
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 /// \file
@@ -18,24 +21,56 @@ namespace OrvExtCmRouterService {
 /// with which code, differs between the interface versions.
 bool isNetworkManagedElementId(const char* attrName);
 
-/// The text in the first slot of \p value, null if there is no value, no slots or no text. The slot
-/// is read as text whatever `type` and `count` say.
+/// The first slot of an id's value. Only under the type codes of texts is it read as one: under any
+/// other code it may hold anything.
+struct IdSlot {
+    bool isSet;       ///< there is a slot, and it is not zero
+    const char* text; ///< null if the slot is not set or holds no text
+
+    /// True for what a naming attribute must not have. No slot, or an empty text, is not refused.
+    bool isRefused() const;
+
+    /// The text for a message.
+    const char* shownText() const { return text != nullptr ? text : "(not a text)"; }
+};
+
+/// The first slot of \p value, which may be null, whatever its `count` says.
 template <class Container>
-const char* firstText(const Container* value) {
-    return value == nullptr || value->values == nullptr ? nullptr : value->values[0].string;
+IdSlot idSlotOf(const Container* value) {
+    if (value == nullptr || value->values == nullptr) {
+        return {false, nullptr};
+    }
+    std::uint64_t bits = 0;
+    static_assert(sizeof(bits) == sizeof(value->values[0]));
+    std::memcpy(&bits, &value->values[0], sizeof(bits));
+    const bool isText =
+        value->type == OrvMoAttributeTypeString_3 || value->type == OrvMoAttributeTypeMoRef_3;
+    return {bits != 0, isText ? value->values[0].string : nullptr};
 }
 
-/// True for a text that a naming attribute must not have. No text, or an empty one, is not refused.
-bool isRefusedAsId(const char* text);
+/// True if \p value can be read as that of the attribute \p attrName (see isReadable). An id under
+/// a type code that is not that of a text is refused later without a look at what it points at.
+template <class Container>
+bool isReadableAs(const char* attrName, const Container& value) {
+    if (isNetworkManagedElementId(attrName)) {
+        const IdSlot id = idSlotOf(&value);
+        if (id.isSet && id.text == nullptr) {
+            return true;
+        }
+    }
+    return isReadable(value);
+}
 
 /// True if \p attrName is "managedElementId" and \p dn, external, names the root alone. The class
-/// is tested as a prefix: any that begins with "ManagedElement" will do.
+/// is tested as a prefix: any that begins with "ManagedElement" will do. A null \p attrName is
+/// none.
 bool isRootId(const char* attrName, const char* dn);
 
-/// True if \p value is one text. It is not null.
+/// True if \p value, which may be null, is one text.
 template <class Container>
 bool isOneText(const Container* value) {
-    return value->type == OrvMoAttributeTypeString_3 && value->count == 1;
+    return value != nullptr && value->type == OrvMoAttributeTypeString_3 && value->count == 1 &&
+           value->values != nullptr && value->values[0].string != nullptr;
 }
 
 /// The id by which clients know the root, for the router's \p id. Empty if it has none.

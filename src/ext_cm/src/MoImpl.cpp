@@ -7,7 +7,8 @@
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
 #include "RouterLife.h"
-#include "ValueConversion.h"
+#include "StructConversion.h"
+#include "ValueCheck.h"
 
 #include <cstdint>
 #include <vector>
@@ -28,6 +29,26 @@ OrvMoAttributeValueContainer* newContainer(Orv::AutoMemory& memory, std::int32_t
     container->count = count;
     container->values = values;
     return container;
+}
+
+// The id may be without a value here, or hold no text: either is answered with a code of its own.
+bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
+    if (attrName == nullptr) {
+        return false;
+    }
+    if (isNetworkManagedElementId(attrName) && idSlotOf(value).text == nullptr) {
+        return true;
+    }
+    return value != nullptr && isReadable(*value);
+}
+
+bool areReadable(OrvMoAttributeValueContainer* const* parameters) {
+    for (; *parameters != nullptr; ++parameters) {
+        if (!isReadable(**parameters)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }
@@ -75,21 +96,22 @@ OrvOamSpiManagedObject_1* MoImpl::getCmRouter() {
 
 OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                   const OrvMoAttributeValueContainer* value) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, canBeSet(attrName, value), idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
     if (isNetworkManagedElementId(attrName)) {
-        const char* const text = firstText(value);
+        const IdSlot id = idSlotOf(value);
         // Unlike in version 3, the id must have a value, if only an empty text.
-        if (text == nullptr) {
+        if (!id.isSet) {
             ORV_TRACE("networkManagedElementId had no value");
             return ORV_TRACE_RESULT(OrvInvalidArgument);
         }
-        if (isRefusedAsId(text)) {
-            ORV_TRACE("Validation of networkManagedElementId failed: %s", text);
+        if (id.isRefused()) {
+            ORV_TRACE("Validation of networkManagedElementId failed: %s", id.shownText());
             return ORV_TRACE_RESULT(OrvInvalidArgument);
         }
     }
@@ -101,9 +123,10 @@ OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const 
 
 OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                   OrvMoAttributeValueContainer** result) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, areThere(attrName, result), idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -111,18 +134,17 @@ OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const 
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }
-    *result = isRootId(attrName, dn) && isOneText(*result)
-                  ? rootIdContainer(*result, txHandle)
-                  : transformContainer(*result, IdMappings::ToExternal, txHandle);
+    *result = isRootId(attrName, dn) && isOneText(*result) ? rootIdContainer(*result, txHandle)
+                                                           : toExternal(*result, txHandle);
     return ORV_TRACE_RESULT(OrvOk);
 }
 
 OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* className,
                             const char* attrName, const char* attrValue) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
-                    dn, className, attrName, attrValue);
+                    shown(dn), shown(className), shown(attrName), shown(attrValue));
     std::string internalDn;
-    const OrvReturnT opened = openCreation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openCreation(started, true, idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -131,9 +153,9 @@ OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* 
 }
 
 OrvReturnT MoImpl::deleteMo(unsigned long txHandle, const char* dn) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -143,9 +165,11 @@ OrvReturnT MoImpl::deleteMo(unsigned long txHandle, const char* dn) {
 OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* name,
                           OrvMoAttributeValueContainer** parameters,
                           OrvMoAttributeValueContainer** result) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, dn, name);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, areThere(parameters, result) && areReadable(parameters), idMappings,
+                      dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -160,9 +184,49 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
         router->action(txHandle, internalDn.c_str(), name, converted.data(), &answer);
     *result = answer;
     if (code == OrvOk) {
-        *result = transformContainer(answer, IdMappings::ToExternal, txHandle);
+        *result = toExternal(answer, txHandle);
     }
     return ORV_TRACE_RESULT(code);
+}
+
+/// Makes the records of a struct that is rebuilt, in the memory of the transaction.
+class MoImpl::CopyMaker {
+public:
+    using Container = OrvMoAttributeValueContainer;
+
+    CopyMaker(MoImpl& owner, Orv::AutoMemory& memory, IdMappings::DnConversion direction,
+              unsigned long txHandle)
+        : mOwner(owner), mMemory(memory), mDirection(direction), mTxHandle(txHandle) {}
+
+    OrvMoStructMember* newMember(const char* name) {
+        auto* const member = mMemory.malloc<OrvMoStructMember>(1);
+        member->name = mMemory.strdup(name);
+        return member;
+    }
+
+    Container* convert(const Container* original, OrvMoAttributeValue*& slots) {
+        if (original->type == OrvMoAttributeTypeMoRef_3) {
+            return mOwner.transformMoRefContainer(original, mDirection, mTxHandle);
+        }
+        if (!isStructWithReferences(*original)) {
+            return unchanged(original);
+        }
+        slots = mMemory.malloc<OrvMoAttributeValue>(original->count);
+        return newContainer(mMemory, original->type, original->count, slots);
+    }
+
+private:
+    MoImpl& mOwner;
+    Orv::AutoMemory& mMemory;
+    IdMappings::DnConversion mDirection;
+    unsigned long mTxHandle;
+};
+
+OrvMoAttributeValueContainer* MoImpl::toExternal(OrvMoAttributeValueContainer* value,
+                                                 unsigned long txHandle) {
+    return value != nullptr && isReadable(*value)
+               ? transformContainer(value, IdMappings::ToExternal, txHandle)
+               : value;
 }
 
 OrvMoAttributeValueContainer* MoImpl::transformContainer(const OrvMoAttributeValueContainer* value,
@@ -195,31 +259,14 @@ MoImpl::transformMoRefContainer(const OrvMoAttributeValueContainer* value,
 OrvMoAttributeValueContainer*
 MoImpl::transformStructContainer(const OrvMoAttributeValueContainer* value,
                                  IdMappings::DnConversion direction, unsigned long txHandle) {
-    if (value->count == 0 || !showsReference(value->values[0].structValue)) {
+    if (!isStructWithReferences(*value)) {
         return unchanged(value);
     }
-    Orv::AutoMemory& memory = *getTxData(txHandle);
-    auto* const slots = memory.malloc<OrvMoAttributeValue>(value->count);
-    for (std::uint32_t index = 0; index < value->count; ++index) {
-        slots[index].structValue =
-            rebuildStruct(value->values[index].structValue, memory, direction, txHandle);
-    }
-    return newContainer(memory, value->type, value->count, slots);
-}
-
-OrvMoStructMember* MoImpl::rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
-                                         IdMappings::DnConversion direction,
-                                         unsigned long txHandle) {
-    OrvMoStructMember* head = nullptr;
-    OrvMoStructMember** link = &head;
-    for (const OrvMoStructMember* member = first; member != nullptr; member = member->next) {
-        auto* const rebuilt = memory.malloc<OrvMoStructMember>(1);
-        *link = rebuilt;
-        link = &rebuilt->next;
-        rebuilt->name = memory.strdup(member->name);
-        rebuilt->value = transformContainer(member->value, direction, txHandle);
-    }
-    return head;
+    CopyMaker maker(*this, *getTxData(txHandle), direction, txHandle);
+    OrvMoAttributeValue* slots = nullptr;
+    OrvMoAttributeValueContainer* const converted = maker.convert(value, slots);
+    StructConversion<CopyMaker>(maker).rebuild(*value, slots);
+    return converted;
 }
 
 OrvMoAttributeValueContainer* MoImpl::rootIdContainer(const OrvMoAttributeValueContainer* value,

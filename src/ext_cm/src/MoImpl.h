@@ -71,23 +71,30 @@ protected:
 
 public:
     /// Opens an iterator at the router. \p dn is external; empty is the top level, for which the
-    /// translator is not asked. OrvNotExist if the DN cannot be translated. Not to be called while
-    /// the service is stopped.
+    /// translator is not asked. OrvNotExist if the DN cannot be translated, also while the service
+    /// is stopped; OrvNotActive if it is stopped otherwise.
     OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
                              Handle* iterator);
 
     /// The next child's naming value, or null at the end. At the top level every name that the
     /// router gives is replaced by the identity by which clients know the root at present; that
-    /// text is the translator's. OrvNotActive for a handle that is not living. Not to be called
-    /// while the service is stopped.
+    /// text is the translator's. OrvNotActive for a handle that is not living, and while the
+    /// service is stopped.
     OrvReturnT nextMo(Handle iterator, char** result) {
         ORV_TRACE_ENTRY(" >> ");
         MoIterator* const record = MoIterator::find(iterator);
         if (record == nullptr) {
             return OrvNotActive;
         }
+        if (result == nullptr) {
+            return ORV_TRACE_RESULT(OrvFailure);
+        }
+        Table* const router = getCmRouter();
+        if (router == nullptr) {
+            return ORV_TRACE_RESULT(OrvNotActive);
+        }
         char* name = nullptr;
-        const OrvReturnT code = getCmRouter()->nextMo(toHandle(record->routerHandle), &name);
+        const OrvReturnT code = router->nextMo(toHandle(record->routerHandle), &name);
         *result = name;
         if (code == OrvOk && name != nullptr && record->atRoot) {
             *result = const_cast<char*>(mappings.rootIdentity());
@@ -146,15 +153,23 @@ IterImpl<Table, Handle>::MoIterator::find(Handle handle) {
 template <class Table, class Handle>
 OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const char* dn,
                                                   const char* className, Handle* iterator) {
-    ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", dn, className);
+    ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", shown(dn), shown(className));
     std::string internalDn;
-    // Unlike in all other operations nobody looks whether the service is started.
-    if (openWalk(true, mappings, dn, internalDn) != OrvOk) {
+    // Unlike in all other operations nobody looks here whether the service is started.
+    const OrvReturnT opened = openWalk(true, areThere(iterator), mappings, dn, internalDn);
+    if (opened == OrvNotExist) {
         ORV_TRACE_EXIT(" << Error: %s", "OrvNotExist");
-        return OrvNotExist;
+        return opened;
+    }
+    if (opened != OrvOk) {
+        return ORV_TRACE_RESULT(opened);
+    }
+    Table* const router = getCmRouter();
+    if (router == nullptr) {
+        return ORV_TRACE_RESULT(OrvNotActive);
     }
     const OrvReturnT code =
-        getCmRouter()->newMoIterator(txHandle, internalDn.c_str(), className, iterator);
+        router->newMoIterator(txHandle, internalDn.c_str(), className, iterator);
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }
@@ -193,7 +208,8 @@ public:
     /// The table offered to the host, owned by this object.
     OrvOamSpiManagedObject_1* getMoInterface();
 
-    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvNotExist for a DN
+    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvFailure, with nothing
+    // done, for a null or a value that would have to be read and cannot be, OrvNotExist for a DN
     // that cannot be translated; the router's codes as they are.
 
     OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
@@ -208,7 +224,7 @@ public:
                       OrvMoAttributeValueContainer** result);
 
     // Conversion of values: a new container in the transaction's memory where a copy is needed,
-    // otherwise \p value itself. \p value is not null.
+    // otherwise \p value itself. \p value is not null and is readable (see isReadable).
 
     OrvMoAttributeValueContainer* transformContainer(const OrvMoAttributeValueContainer* value,
                                                      IdMappings::DnConversion direction,
@@ -225,10 +241,14 @@ protected:
     OrvOamSpiManagedObject_1* getCmRouter() override;
 
 private:
+    class CopyMaker;
+
     OrvMoAttributeValueContainer* rootIdContainer(const OrvMoAttributeValueContainer* value,
                                                   unsigned long txHandle);
-    OrvMoStructMember* rebuildStruct(const OrvMoStructMember* first, Orv::AutoMemory& memory,
-                                     IdMappings::DnConversion direction, unsigned long txHandle);
+
+    /// What a router has answered, converted if it is there and readable, otherwise as it is.
+    OrvMoAttributeValueContainer* toExternal(OrvMoAttributeValueContainer* value,
+                                             unsigned long txHandle);
 
     Poco::Mutex mMutex;
     OrvOamSpiManagedObject_1* router = nullptr;    ///< the host's

@@ -9,6 +9,7 @@
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
 #include "RouterLife.h"
+#include "ValueCheck.h"
 #include "ValueConversion.h"
 
 #include <cctype>
@@ -52,6 +53,31 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
         text.append(piece);
     }
     return text;
+}
+
+// A name is read only where back-pointers must follow.
+bool canBeCreatedWith(OrvMoNamedAttributeValueContainer_3* const* attributes) {
+    for (; attributes != nullptr && *attributes != nullptr; ++attributes) {
+        const OrvMoNamedAttributeValueContainer_3& attribute = **attributes;
+        const bool isReference = attribute.value.type == OrvMoAttributeTypeMoRef_3;
+        if ((isReference && attribute.name == nullptr) || !isReadable(attribute.value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool areReadable(OrvMoNamedAttributeValueContainer_3* const* parameters) {
+    for (; *parameters != nullptr; ++parameters) {
+        if (!isReadable((*parameters)->value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer_3* value) {
+    return attrName != nullptr && (value == nullptr || isReadableAs(attrName, *value));
 }
 
 // The last step of every wrapping, and one that cannot fail: after an exception a result is still
@@ -116,9 +142,9 @@ MoInterceptorBase* MoImpl3::interceptorFor(const std::string& internalDn) {
 }
 
 OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -127,9 +153,9 @@ OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exist
 
 OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, const char* className,
                                     unsigned long long* count) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openWalk(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openWalk(started, true, idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -139,13 +165,14 @@ OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, cons
 
 OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                    OrvMoAttributeValueResult_3* result) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     // The one operation whose clients are told OrvFailure of a stopped service.
     if (!started || result == nullptr) {
         return ORV_TRACE_RESULT(OrvFailure);
     }
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, areThere(attrName), idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -162,9 +189,10 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
 
 OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
                                     OrvMoAttributeValuesResult_3* result) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, areThere(attrNames, result), idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -192,9 +220,11 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
                              const char* attrName, const char* attrValue,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
-                    dn, className, attrName, attrValue);
+                    shown(dn), shown(className), shown(attrName), shown(attrValue));
     std::string parentDn;
-    const OrvReturnT opened = openCreation(started, idMappings, dn, parentDn);
+    const OrvReturnT opened = openCreation(
+        started, areThere(className, attrName, attrValue) && canBeCreatedWith(attributes),
+        idMappings, dn, parentDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -232,15 +262,16 @@ void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
 
 OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                    const OrvMoAttributeValueContainer_3* value) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, dn, attrName);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, canBeSet(attrName, value), idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
-    if (isNetworkManagedElementId(attrName) && isRefusedAsId(firstText(value))) {
-        ORV_TRACE("Validation of networkManagedElementId failed: %s", firstText(value));
+    if (isNetworkManagedElementId(attrName) && idSlotOf(value).isRefused()) {
+        ORV_TRACE("Validation of networkManagedElementId failed: %s", idSlotOf(value).shownText());
         return ORV_TRACE_RESULT(OrvValidationFailed);
     }
     // The view does not write to what it stands for.
@@ -256,9 +287,9 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
 }
 
 OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -272,9 +303,11 @@ OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
 OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* name,
                            OrvMoNamedAttributeValueContainer_3** parameters,
                            OrvMoAttributeValueResult_3* result) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, dn, name);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened =
+        openOperation(started, areThere(parameters, result) && areReadable(parameters), idMappings,
+                      dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -292,7 +325,7 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
 
 void MoImpl3::wrap(OrvMoAttributeValueResult_3& result) {
     auto view = std::make_unique<ConvertedResultData>(result.release, result.container);
-    ValueConversion(idMappings).transformContainer(*view, IdMappings::ToExternal);
+    ValueConversion(idMappings).toExternal(*view);
     handOut(std::move(view), result);
 }
 
@@ -303,7 +336,7 @@ ConvertedResultData* MoImpl3::createConvertedData(const char* dn, const char* at
         const std::string id = externalRootId(idMappings, view->originalValue(0).string);
         view->ownValues()[0].string = view->strdup(id.c_str());
     } else {
-        ValueConversion(idMappings).transformContainer(*view, IdMappings::ToExternal);
+        ValueConversion(idMappings).toExternal(*view);
     }
     return handOut(std::move(view), result);
 }
@@ -313,11 +346,12 @@ void MoImpl3::wrapMany(const char* dn, const char** attrNames,
                        OrvMoAttributeValuesResult_3& result) {
     std::vector<std::unique_ptr<ConvertedResultData>> views;
     views.reserve(lengthOf(result.containers));
+    const char** name = attrNames;
     for (std::size_t index = 0; result.containers[index] != nullptr; ++index) {
         OrvMoAttributeValueResult_3 single = {nullptr, result.containers[index]};
-        std::unique_ptr<ConvertedResultData> view(
-            createConvertedData(dn, attrNames[index], single));
+        std::unique_ptr<ConvertedResultData> view(createConvertedData(dn, *name, single));
         views.push_back(std::move(view));
+        name += *name != nullptr ? 1 : 0; // a producer may answer with more than it was asked for
     }
     auto** const containers =
         static_cast<OrvMoAttributeValueContainer_3**>(std::calloc(views.size() + 1, sizeof(void*)));

@@ -51,12 +51,13 @@ public:
     /// The table offered to the host, owned by this object.
     OrvOamSpiManagedObject_3* getMoInterface();
 
-    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvNotExist for a DN
+    // The slots of the table. DNs are external. OrvNotActive when stopped, OrvFailure, with nothing
+    // done, for a null or a value that would have to be read and cannot be, OrvNotExist for a DN
     // that cannot be translated; the codes of router and interceptor as they are.
 
-    /// OrvValidationFailed for an id that must not stand in a DN; the transaction is joined then,
-    /// and nothing else done. \p value may be null. References are recorded before the change is
-    /// passed on: the recording compares with the value that is still there.
+    /// OrvValidationFailed for an id that must not stand in a DN or is no text; the transaction is
+    /// joined then, and nothing else done. \p value may be null. References are recorded before the
+    /// change is passed on: the recording compares with the value that is still there.
     OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                               const OrvMoAttributeValueContainer_3* value);
 

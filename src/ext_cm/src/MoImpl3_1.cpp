@@ -13,18 +13,31 @@
 #include "Tracing.h"
 #include "ValueConversion.h"
 
+#include <vector>
+
 namespace OrvExtCmRouterService {
 
 namespace {
 
-// The text of the first id that must not stand in a DN, or null. Unlike in version 3, an attribute
+bool canBeSet(VekMoNamedAttributeValueContainer_3* const* attributes) {
+    for (; *attributes != nullptr; ++attributes) {
+        const VekMoNamedAttributeValueContainer_3& attribute = **attributes;
+        if (attribute.name == nullptr || !isReadableAs(attribute.name, attribute.value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The value of the first id that must not stand in a DN, or null. Unlike in version 3, an attribute
 // without values is not looked at.
-const char* findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes) {
+const VekMoAttributeValueContainer_3*
+findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes) {
     for (; *attributes != nullptr; ++attributes) {
         const VekMoNamedAttributeValueContainer_3& attribute = **attributes;
         if (isNetworkManagedElementId(attribute.name) && attribute.value.count != 0 &&
-            isRefusedAsId(firstText(&attribute.value))) {
-            return firstText(&attribute.value);
+            idSlotOf(&attribute.value).isRefused()) {
+            return &attribute.value;
         }
     }
     return nullptr;
@@ -32,13 +45,14 @@ const char* findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes
 
 // Class by class from the end; equal to what Orv::DnUtil::getMocPath gives.
 std::string mocPathOf(std::string dn) {
-    std::string path;
+    std::vector<std::string> classes;
     std::string leaf;
     while (Orv::DnUtil::popLeafClass(dn, leaf)) {
-        path.insert(0, leaf);
-        if (!dn.empty()) {
-            path.insert(0, 1, ',');
-        }
+        classes.push_back(leaf);
+    }
+    std::string path;
+    for (auto next = classes.rbegin(); next != classes.rend(); ++next) {
+        path.append(next != classes.rbegin() ? "," : "").append(*next);
     }
     return path;
 }
@@ -92,16 +106,18 @@ VekOamSpiManagedObject_3_1* MoImpl3_1::getCmRouter() {
 
 OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                       VekMoNamedAttributeValueContainer_3** attributes) {
-    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, dn);
+    ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, areThere(attributes) && canBeSet(attributes),
+                                            idMappings, dn, internalDn);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
-    const char* const refusedId = findRefusedId(attributes);
+    const VekMoAttributeValueContainer_3* const refusedId = findRefusedId(attributes);
     if (refusedId != nullptr) {
-        ORV_TRACE("Validation of networkManagedElementId failed: %s", refusedId);
+        ORV_TRACE("Validation of networkManagedElementId failed: %s",
+                  idSlotOf(refusedId).shownText());
         return ORV_TRACE_RESULT(OrvInvalidArgument);
     }
     Orv::AutoMemory memory;

@@ -5,6 +5,7 @@
 #define ORV_EXT_CM_MODELWALK_H
 
 #include "OrvReturn.h"
+#include "Tracing.h"
 
 #include <utility>
 
@@ -18,18 +19,44 @@
 ///
 /// Both kinds of walk are used in the same way, and differ in what ends them:
 ///
-///     auto walk = walkUntilNonZero<Handle>(first, next);
+///     auto walk = walkUntilNonZero<Handle>(ORV_TRACE_POINT, first, next);
 ///     for (; walk.more(); walk.advance()) { ... walk.current() ... }
+///
+/// No model has lists of a million members. A list that goes on after that leads back into itself:
+/// it is cut off there, with a log, and counts as ended.
 
 namespace OrvExtCmRouterService {
+
+/// Counts the steps of one walk for the operation at \p point.
+class StepLimit {
+public:
+    explicit StepLimit(const TracePoint& point) : mPoint(point) {}
+
+    /// \p code, which a step answered; or OrvNotExist after too many steps.
+    OrvReturnT cutOff(OrvReturnT code) {
+        ++mSteps;
+        if (mSteps < mostSteps || code == OrvNotExist) {
+            return code;
+        }
+        ORV_LOG_AT(mPoint, 3, "A list of the model repository does not end: cut off after %d steps",
+                   mSteps);
+        return OrvNotExist;
+    }
+
+private:
+    static constexpr int mostSteps = 1000000;
+
+    TracePoint mPoint;
+    int mSteps = 0;
+};
 
 /// Ends at the first step that answers anything but OrvOk.
 template <class Handle, class Next>
 class WalkUntilNonZero {
 public:
     /// Stands at \p current, which a step with the answer \p code has found.
-    WalkUntilNonZero(Handle current, OrvReturnT code, Next next)
-        : mCurrent(current), mCode(code), mNext(std::move(next)) {}
+    WalkUntilNonZero(const TracePoint& point, Handle current, OrvReturnT code, Next next)
+        : mCurrent(current), mCode(code), mNext(std::move(next)), mLimit(point) {}
 
     bool more() const { return mCode == OrvOk; }
 
@@ -39,6 +66,9 @@ public:
     void advance() {
         Handle found = 0;
         mCode = mNext(mCurrent, &found);
+        if (more()) {
+            mCode = mLimit.cutOff(mCode);
+        }
         if (more()) {
             mCurrent = found;
         }
@@ -52,20 +82,23 @@ private:
     Handle mCurrent;
     OrvReturnT mCode;
     Next mNext;
+    StepLimit mLimit;
 };
 
-/// A walk from the head of a list.
+/// A walk from the head of a list, for the operation at \p point.
 template <class Handle, class First, class Next>
-WalkUntilNonZero<Handle, Next> walkUntilNonZero(const First& first, Next next) {
+WalkUntilNonZero<Handle, Next> walkUntilNonZero(const TracePoint& point, const First& first,
+                                                Next next) {
     Handle head = 0;
     const OrvReturnT code = first(&head);
-    return {head, code, std::move(next)};
+    return {point, head, code, std::move(next)};
 }
 
 /// A walk from \p current on, which is visited first.
 template <class Handle, class Next>
-WalkUntilNonZero<Handle, Next> walkUntilNonZeroFrom(Handle current, Next next) {
-    return {current, OrvOk, std::move(next)};
+WalkUntilNonZero<Handle, Next> walkUntilNonZeroFrom(const TracePoint& point, Handle current,
+                                                    Next next) {
+    return {point, current, OrvOk, std::move(next)};
 }
 
 /// Ends at the first step that answers OrvNotExist, and goes on past every other code. Each step
@@ -79,8 +112,8 @@ template <class Handle, class Next>
 class WalkUntilNotExist {
 public:
     /// Stands at \p current, which a first step with the answer \p code has left there.
-    WalkUntilNotExist(Handle current, OrvReturnT code, Next next)
-        : mCurrent(current), mNext(std::move(next)) {
+    WalkUntilNotExist(const TracePoint& point, Handle current, OrvReturnT code, Next next)
+        : mCurrent(current), mNext(std::move(next)), mLimit(point) {
         judge(code, current == 0);
     }
 
@@ -89,7 +122,7 @@ public:
     Handle current() const { return mCurrent; }
 
     void advance() {
-        const OrvReturnT code = mNext(mCurrent, &mFound);
+        const OrvReturnT code = mLimit.cutOff(mNext(mCurrent, &mFound));
         const bool stands = mFound == mCurrent;
         mCurrent = mFound;
         judge(code, stands);
@@ -104,16 +137,18 @@ private:
     Handle mCurrent;
     Handle mFound = 0; ///< never set back
     Next mNext;
+    StepLimit mLimit;
     int mStandingSteps = 0;
     bool mMore = false;
 };
 
-/// A walk from the head of a list.
+/// A walk from the head of a list, for the operation at \p point.
 template <class Handle, class First, class Next>
-WalkUntilNotExist<Handle, Next> walkUntilNotExist(const First& first, Next next) {
+WalkUntilNotExist<Handle, Next> walkUntilNotExist(const TracePoint& point, const First& first,
+                                                  Next next) {
     Handle head = 0;
     const OrvReturnT code = first(&head);
-    return {head, code, std::move(next)};
+    return {point, head, code, std::move(next)};
 }
 
 }

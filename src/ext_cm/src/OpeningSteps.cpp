@@ -5,28 +5,40 @@
 
 namespace OrvExtCmRouterService {
 
-OrvReturnT openOperation(bool started, const IdMappings& mappings, const char* dn,
-                         std::string& internalDn) {
+namespace {
+
+// The top level, and not a missing text.
+bool isEmpty(const char* dn) {
+    return dn != nullptr && *dn == '\0';
+}
+
+}
+
+OrvReturnT openOperation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                         const char* dn, std::string& internalDn) {
     if (!started) {
         return OrvNotActive;
+    }
+    if (dn == nullptr || !argumentsAreReadable) {
+        return OrvFailure;
     }
     internalDn = mappings.toInternalDn(dn);
     return internalDn.empty() ? OrvNotExist : OrvOk;
 }
 
-OrvReturnT openWalk(bool started, const IdMappings& mappings, const char* dn,
-                    std::string& internalDn) {
-    if (started && *dn == '\0') {
+OrvReturnT openWalk(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                    const char* dn, std::string& internalDn) {
+    if (started && argumentsAreReadable && isEmpty(dn)) {
         internalDn.clear();
         return OrvOk;
     }
-    return openOperation(started, mappings, dn, internalDn);
+    return openOperation(started, argumentsAreReadable, mappings, dn, internalDn);
 }
 
-OrvReturnT openCreation(bool started, const IdMappings& mappings, const char* dn,
-                        std::string& internalDn) {
-    const OrvReturnT code = openOperation(started, mappings, dn, internalDn);
-    return code == OrvNotExist && *dn == '\0' ? OrvOk : code;
+OrvReturnT openCreation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                        const char* dn, std::string& internalDn) {
+    const OrvReturnT code = openOperation(started, argumentsAreReadable, mappings, dn, internalDn);
+    return code == OrvNotExist && isEmpty(dn) ? OrvOk : code;
 }
 
 }

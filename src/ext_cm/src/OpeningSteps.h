@@ -15,30 +15,41 @@
 
 namespace OrvExtCmRouterService {
 
-/// Asks the host's portal for a table. \p table gets what the host writes, whatever its code.
+/// Asks the host's portal, which may be null, for a table. \p table gets what the host writes,
+/// whatever its code.
 template <class Table>
 OrvReturnT lookUpTable(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
                        Table*& table) {
+    if (portal == nullptr) {
+        return OrvFailure;
+    }
     void* found = table;
     const OrvReturnT code = portal->getInterface(identity, &found);
     table = static_cast<Table*>(found);
     return code;
 }
 
-/// For an operation on the MO \p dn (external): OrvNotActive if the service is stopped, OrvNotExist
-/// if the DN cannot be translated, otherwise OrvOk and the internal form.
-OrvReturnT openOperation(bool started, const IdMappings& mappings, const char* dn,
-                         std::string& internalDn);
+/// True if all these pointers, which an operation reads through, are there.
+template <class... Pointers>
+bool areThere(const Pointers*... pointers) {
+    return (... && (pointers != nullptr));
+}
+
+/// For an operation on the MO \p dn (external): OrvNotActive if the service is stopped, OrvFailure
+/// if the DN is null or the other arguments cannot be read, OrvNotExist if the DN cannot be
+/// translated, otherwise OrvOk and the internal form. Nothing has been done yet when it refuses.
+OrvReturnT openOperation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                         const char* dn, std::string& internalDn);
 
 /// For a question about the children of \p dn: the same, but an empty DN is the top level and does
 /// not go to the translator.
-OrvReturnT openWalk(bool started, const IdMappings& mappings, const char* dn,
-                    std::string& internalDn);
+OrvReturnT openWalk(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                    const char* dn, std::string& internalDn);
 
 /// For the creation of a child of \p dn: the same, but an empty DN goes to the translator, which
 /// may answer it with an empty one.
-OrvReturnT openCreation(bool started, const IdMappings& mappings, const char* dn,
-                        std::string& internalDn);
+OrvReturnT openCreation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
+                        const char* dn, std::string& internalDn);
 
 }
 

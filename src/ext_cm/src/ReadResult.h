@@ -5,6 +5,8 @@
 #define ORV_EXT_CM_READRESULT_H
 
 #include "OrvMoAttributeValue.h"
+#include "QuietRelease.h"
+#include "ReferenceList.h"
 
 namespace OrvExtCmRouterService {
 
@@ -32,9 +34,7 @@ public:
 
     /// Hands \p result back, if there is something to hand back.
     static void release(const VekMoAttributeValueResult_3& result) {
-        if (result.release != nullptr && result.container != nullptr) {
-            result.release(result.container);
-        }
+        releaseQuietly(result.release, result.container);
     }
 
     /// The record, for a read to fill in.
@@ -43,14 +43,20 @@ public:
     /// The value. A producer that answers a read with no container at all means no values.
     const VekMoAttributeValueContainer_3& value() const { return valueOf(mResult); }
 
-    /// The same for a plain record.
+    /// The value as references: none if it is something else.
+    const VekMoAttributeValueContainer_3& references() const {
+        return areReferences(value()) ? value() : noValues;
+    }
+
+    /// The value of a plain record.
     static const VekMoAttributeValueContainer_3&
     valueOf(const VekMoAttributeValueResult_3& result) {
-        static const VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
         return result.container != nullptr ? *result.container : noValues;
     }
 
 private:
+    static constexpr VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
+
     VekMoAttributeValueResult_3 mResult{nullptr, nullptr};
     const VekMoAttributeValueContainer_3* mBorrowed = nullptr;
 };

@@ -3,6 +3,8 @@
 
 #include "ReferenceList.h"
 
+#include "ValueCheck.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -21,6 +23,10 @@ std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& 
     return texts;
 }
 
+}
+
+bool areReferences(const VekMoAttributeValueContainer_3& value) {
+    return value.count == 0 || (value.type == OrvMoAttributeTypeMoRef_3 && isReadable(value));
 }
 
 std::vector<const char*> missingReferences(const VekMoAttributeValueContainer_3& one,

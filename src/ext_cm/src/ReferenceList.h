@@ -11,9 +11,14 @@
 #include <vector>
 
 /// \file
-/// The references that a value holds, compared and copied as texts.
+/// The references that a value holds, compared and copied as texts. A router may answer with
+/// something else where the model has references, so areReferences is to be asked first.
 
 namespace OrvExtCmRouterService {
+
+/// True if every value that \p value counts is a reference that can be read. A value without any is
+/// one of no references, whatever its type.
+bool areReferences(const VekMoAttributeValueContainer_3& value);
 
 /// The references of \p one that \p other does not hold, in the order of \p one and as often as
 /// they stand there. They point into \p one.

@@ -19,12 +19,13 @@
 
 namespace OrvExtCmRouterService {
 
-/// Looks \p router up at \p portal, unless \p started. False, and not started, if there is none.
+/// Looks \p router up at \p portal, unless \p started. False, and not started, if there is none,
+/// also if the portal reports success and gives no table.
 template <class Table>
 bool takeRouter(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
                 Table*& router, bool& started) {
     if (!started) {
-        started = lookUpTable(portal, identity, router) == OrvOk;
+        started = lookUpTable(portal, identity, router) == OrvOk && router != nullptr;
     }
     return started;
 }

@@ -50,12 +50,18 @@ enum TraceKind : int { TraceBetween = 0, TraceEntry = 9, TraceExit = 10 };
 constexpr unsigned int traceGate = 7;          ///< traces go out above this level
 constexpr VekMwSpiTraceLevelT traceLevel = 14; ///< the level of traces in the new form
 
-/// The place that a message comes from.
+/// The place that a message comes from. An operation hands its own on to the steps that it is made
+/// of: readers of a log know the operation, not the step.
 struct TracePoint {
     const char* file;
     const char* function;
     int line;
 };
+
+/// A text for a message. Clients may hand over null, and not every formatter takes that.
+inline const char* shown(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
 
 /// Traces \p code as the result of the function at \p point, and gives it back. A trace that cannot
 /// be written is left out: no std::exception leaves this function.
@@ -69,33 +75,48 @@ OrvReturnT traceResult(const TracePoint& point, OrvReturnT code);
         return orvSourceName.text();                                                               \
     }())
 
-#define ORV_TRACE_OF_KIND(kind, ...)                                                               \
+/// The place that this stands in.
+#define ORV_TRACE_POINT (::OrvExtCmRouterService::TracePoint{ORV_SOURCE_NAME, __func__, __LINE__})
+
+#define ORV_TRACE_OF_KIND(point, kind, ...)                                                        \
     do {                                                                                           \
         ::Orv::LoggingWrapper* const orvWrapper = ::Orv::LoggingWrapper::instance();               \
         if (orvWrapper->get_level() > ::OrvExtCmRouterService::traceGate) {                        \
-            orvWrapper->trace_printf(ORV_SOURCE_NAME, __func__, __LINE__, kind, __VA_ARGS__);      \
+            const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
+            orvWrapper->trace_printf(orvPoint.file, orvPoint.function, orvPoint.line, kind,        \
+                                     __VA_ARGS__);                                                 \
             orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, ::OrvExtCmRouterService::traceLevel,  \
-                                        ORV_SOURCE_NAME, __func__, __LINE__, __VA_ARGS__);         \
+                                        orvPoint.file, orvPoint.function, orvPoint.line,           \
+                                        __VA_ARGS__);                                              \
         }                                                                                          \
     } while (false)
 
 /// Traces the entry of a function, its exit, or something in between.
-#define ORV_TRACE_ENTRY(...) ORV_TRACE_OF_KIND(::OrvExtCmRouterService::TraceEntry, __VA_ARGS__)
-#define ORV_TRACE_EXIT(...) ORV_TRACE_OF_KIND(::OrvExtCmRouterService::TraceExit, __VA_ARGS__)
-#define ORV_TRACE(...) ORV_TRACE_OF_KIND(::OrvExtCmRouterService::TraceBetween, __VA_ARGS__)
+#define ORV_TRACE_ENTRY(...)                                                                       \
+    ORV_TRACE_OF_KIND(ORV_TRACE_POINT, ::OrvExtCmRouterService::TraceEntry, __VA_ARGS__)
+#define ORV_TRACE_EXIT(...)                                                                        \
+    ORV_TRACE_OF_KIND(ORV_TRACE_POINT, ::OrvExtCmRouterService::TraceExit, __VA_ARGS__)
+#define ORV_TRACE(...) ORV_TRACE_AT(ORV_TRACE_POINT, __VA_ARGS__)
+
+/// The last of these for a step, in the name of the operation at \p point.
+#define ORV_TRACE_AT(point, ...)                                                                   \
+    ORV_TRACE_OF_KIND(point, ::OrvExtCmRouterService::TraceBetween, __VA_ARGS__)
 
 /// Evaluates to a code and traces it as the function's exit: `return ORV_TRACE_RESULT(code);`
-#define ORV_TRACE_RESULT(code)                                                                     \
-    ::OrvExtCmRouterService::traceResult({ORV_SOURCE_NAME, __func__, __LINE__}, (code))
+#define ORV_TRACE_RESULT(code) ::OrvExtCmRouterService::traceResult(ORV_TRACE_POINT, (code))
 
 /// Logs at level 3 (grave), 4 or 6 (for information).
-#define ORV_LOG(level, ...)                                                                        \
+#define ORV_LOG(level, ...) ORV_LOG_AT(ORV_TRACE_POINT, level, __VA_ARGS__)
+
+/// The same for a step, in the name of the operation at \p point.
+#define ORV_LOG_AT(point, level, ...)                                                              \
     do {                                                                                           \
         ::Orv::LoggingWrapper* const orvWrapper = ::Orv::LoggingWrapper::instance();               \
         if (orvWrapper->get_level() > (level)-1U) {                                                \
-            orvWrapper->log_printf(__func__, level, 1, __VA_ARGS__);                               \
-            orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, level, ORV_SOURCE_NAME, __func__,     \
-                                        __LINE__, __VA_ARGS__);                                    \
+            const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
+            orvWrapper->log_printf(orvPoint.function, level, 1, __VA_ARGS__);                      \
+            orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, level, orvPoint.file,                 \
+                                        orvPoint.function, orvPoint.line, __VA_ARGS__);            \
         }                                                                                          \
     } while (false)
 

@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "TransactionData.h"
+
 #include "ServiceLock.h"
+#include "Tracing.h"
 
 #include <memory>
+#include <stdexcept>
 
 namespace OrvExtCmRouterService {
 
@@ -21,6 +24,12 @@ Orv::AutoMemory* TransactionData::getTxData(unsigned long txHandle) {
         Orv::AutoMemory* const known = found->second;
         lock.unlock();
         return known;
+    }
+    // What is not joined would never be validated or finished.
+    if (transaction == nullptr) {
+        ORV_LOG(3, "Transaction %lu cannot be joined without the host's transaction table",
+                txHandle);
+        throw std::runtime_error("no transaction table");
     }
     auto memory = std::make_unique<Orv::AutoMemory>();
     memoryByTx.emplace(txHandle, memory.get());

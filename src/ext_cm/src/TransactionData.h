@@ -31,7 +31,8 @@ public:
 
     /// The memory of the transaction, never null. The first call for a handle joins the host's
     /// transaction. What the host answers is not looked at, and a join that throws leaves the entry
-    /// in place, so that the next call does not join again.
+    /// in place, so that the next call does not join again. \throws std::runtime_error, with
+    /// nothing entered, if there is no table to join a new transaction at.
     Orv::AutoMemory* getTxData(unsigned long txHandle);
 
     /// Lets go of the host's table and of all transactions, in the order of their handles. Takes no

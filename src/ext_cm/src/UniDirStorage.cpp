@@ -12,6 +12,7 @@
 #include <memory>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace OrvExtCmRouterService {
 
@@ -48,6 +49,22 @@ void deleteAll(std::map<Key, Node*>& children) {
     children.clear();
 }
 
+/// Deletes whole subtrees. A client chooses how deep they are, so no node's destructor may run
+/// inside that of the node above it; and since this runs in a destructor, nothing is allocated: the
+/// entries of the maps below move over to the one that is worked off here.
+void deleteSubtrees(std::map<std::string, UniDirStorage::TypeNode*>& types) {
+    std::multimap<std::string, UniDirStorage::TypeNode*> open;
+    open.merge(types);
+    while (!open.empty()) {
+        UniDirStorage::TypeNode* const type = open.begin()->second;
+        open.erase(open.begin());
+        for (auto const& entry : type->values) {
+            open.merge(entry.second->types);
+        }
+        delete type;
+    }
+}
+
 /// Adds a class step to the DN of its parent.
 void appendType(std::string& dn, std::string const& type) {
     if (!dn.empty()) {
@@ -59,6 +76,68 @@ void appendType(std::string& dn, std::string const& type) {
 void appendValue(std::string& dn, std::string const& value) {
     dn += '=';
     dn += value;
+}
+
+/// The children of one MO, class by class, as a walk over its subtree has come to them.
+class ChildrenOf {
+public:
+    /// \p dnLength: the length of the MO's own DN.
+    ChildrenOf(UniDirStorage::ValueNode const& mo, std::size_t dnLength)
+        : mType(mo.types.begin()), mTypesEnd(mo.types.end()), mDnLength(dnLength) {
+        if (!isDone()) {
+            mValue = mType->second->values.begin();
+            passEmptyTypes();
+        }
+    }
+
+    bool isDone() const { return mType == mTypesEnd; }
+    std::size_t dnLength() const { return mDnLength; }
+    std::string const& className() const { return mType->second->type; }
+
+    UniDirStorage::ValueNode const& takeNext() {
+        UniDirStorage::ValueNode const& next = *mValue->second;
+        ++mValue;
+        passEmptyTypes();
+        return next;
+    }
+
+private:
+    void passEmptyTypes() {
+        while (!isDone() && mValue == mType->second->values.end()) {
+            ++mType;
+            if (!isDone()) {
+                mValue = mType->second->values.begin();
+            }
+        }
+    }
+
+    std::map<std::string, UniDirStorage::TypeNode*>::const_iterator mType;
+    std::map<std::string, UniDirStorage::TypeNode*>::const_iterator mTypesEnd;
+    std::map<std::string, UniDirStorage::ValueNode*>::const_iterator mValue;
+    std::size_t mDnLength;
+};
+
+/// Visits \p top and all MOs below it, parents before their children, with their DNs. \p dn is that
+/// of \p top without its value. One text serves for all DNs, and nothing is called recursively: a
+/// DN can have more steps than a host's thread has stack for.
+template <class Visit>
+void visitSubtree(UniDirStorage::ValueNode const& top, std::string dn, Visit const& visit) {
+    appendValue(dn, top.value);
+    visit(top, dn);
+    std::vector<ChildrenOf> path{{top, dn.size()}};
+    while (!path.empty()) {
+        ChildrenOf& children = path.back();
+        dn.resize(children.dnLength());
+        if (children.isDone()) {
+            path.pop_back();
+            continue;
+        }
+        appendType(dn, children.className());
+        UniDirStorage::ValueNode const& child = children.takeNext();
+        appendValue(dn, child.value);
+        visit(child, dn);
+        path.emplace_back(child, dn.size()); // and `children` may be gone
+    }
 }
 
 /// Takes the first step off \p rest.
@@ -181,9 +260,10 @@ bool UniDirStorage::UniDir::getRefCardinalites(
 
 void UniDirStorage::UniDir::getAssocEnds(VekOamSpiModelRepository_4 const& repository,
                                          std::set<AssocEnd>& ends) const {
-    auto walk = walkUntilNonZeroFrom(assocHandle, [&](Association current, Association* next) {
-        return repository.uniDirAssociation->getNextUniDirAssociation(current, next);
-    });
+    auto walk = walkUntilNonZeroFrom(
+        ORV_TRACE_POINT, assocHandle, [&](Association current, Association* next) {
+            return repository.uniDirAssociation->getNextUniDirAssociation(current, next);
+        });
     for (; walk.more(); walk.advance()) {
         insertEndOfName(repository, walk.current(), name, ends);
     }
@@ -230,7 +310,7 @@ void UniDirStorage::UniDir::addMessage(VekMgmtSpiThreadContext_2& threadContext,
 UniDirStorage::ValueNode::ValueNode(std::string const& namingValue) : value(namingValue) {}
 
 UniDirStorage::ValueNode::~ValueNode() {
-    deleteAll(types);
+    deleteSubtrees(types);
 }
 
 UniDirStorage::TypeNode* UniDirStorage::ValueNode::find(std::string const& type) {
@@ -242,25 +322,21 @@ UniDirStorage::TypeNode* UniDirStorage::ValueNode::findOrCreate(std::string cons
 }
 
 void UniDirStorage::ValueNode::getDns(std::string dn, std::list<std::string>& dnList) {
-    appendValue(dn, value);
-    if (!uniDirs.empty()) {
-        dnList.push_back(dn);
-    }
-    for (auto const& entry : types) {
-        entry.second->getDns(dn, dnList);
-    }
+    visitSubtree(*this, std::move(dn), [&](ValueNode const& mo, std::string const& moDn) {
+        if (!mo.uniDirs.empty()) {
+            dnList.push_back(moDn);
+        }
+    });
 }
 
 bool UniDirStorage::ValueNode::validate(VekOamSpiModelRepository_4 const& repository,
                                         VekMgmtSpiThreadContext_2& threadContext, std::string dn) {
-    appendValue(dn, value);
     bool result = true;
-    for (UniDir const& uniDir : uniDirs) {
-        result = uniDir.validate(repository, threadContext, dn) && result;
-    }
-    for (auto const& entry : types) {
-        result = entry.second->validate(repository, threadContext, dn) && result;
-    }
+    visitSubtree(*this, std::move(dn), [&](ValueNode const& mo, std::string const& moDn) {
+        for (UniDir const& uniDir : mo.uniDirs) {
+            result = uniDir.validate(repository, threadContext, moDn) && result;
+        }
+    });
     return result;
 }
 

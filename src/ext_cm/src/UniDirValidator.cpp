@@ -81,6 +81,7 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
 bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& attrName,
                                VekOamSpiMrUniDirAssociationHandle_4T* assocHandle) {
     auto walk = walkUntilNonZero<Association>(
+        ORV_TRACE_POINT,
         [&](Association* first) {
             return repository->mocQueries->getFirstUniDirAssociation(moc, first);
         },

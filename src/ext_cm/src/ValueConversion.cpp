@@ -3,6 +3,9 @@
 
 #include "ValueConversion.h"
 
+#include "StructConversion.h"
+#include "ValueCheck.h"
+
 #include <cstdint>
 #include <string>
 
@@ -10,12 +13,51 @@ namespace OrvExtCmRouterService {
 
 ValueConversion::ValueConversion(const IdMappings& mappings) : mMappings(mappings) {}
 
+/// Makes the records of a struct that is rebuilt for the view \p root. All belong to the root: a
+/// view that belonged to the one around it would be destroyed by recursion over the depth of the
+/// value.
+class ValueConversion::NestedMaker {
+public:
+    using Container = OrvMoAttributeValueContainer_3;
+
+    NestedMaker(const ValueConversion& conversion, ConvertedResultData& root,
+                IdMappings::DnConversion direction)
+        : mConversion(conversion), mRoot(root), mDirection(direction) {}
+
+    OrvMoStructMember_3* newMember(const char* name) {
+        auto* const member = mRoot.malloc<OrvMoStructMember_3>(1);
+        member->name = mRoot.strdup(name);
+        return member;
+    }
+
+    Container* convert(Container* original, OrvMoAttributeValue_3*& slots) {
+        ConvertedResultData& nested = mRoot.addNested(original);
+        if (nested.type == OrvMoAttributeTypeMoRef_3) {
+            mConversion.transformMoRefContainer(nested, mDirection);
+        } else if (isStructWithReferences(nested)) {
+            slots = nested.ownValues();
+        }
+        return &nested;
+    }
+
+private:
+    const ValueConversion& mConversion;
+    ConvertedResultData& mRoot;
+    IdMappings::DnConversion mDirection;
+};
+
 void ValueConversion::transformContainer(ConvertedResultData& view,
                                          IdMappings::DnConversion direction) const {
     if (view.type == OrvMoAttributeTypeMoRef_3) {
         transformMoRefContainer(view, direction);
-    } else if (view.type == OrvMoAttributeTypeStruct_3) {
+    } else if (isStructWithReferences(view)) {
         transformStructContainer(view, direction);
+    }
+}
+
+void ValueConversion::toExternal(ConvertedResultData& view) const {
+    if (isReadable(view)) {
+        transformContainer(view, IdMappings::ToExternal);
     }
 }
 
@@ -31,31 +73,9 @@ void ValueConversion::transformMoRefContainer(ConvertedResultData& view,
 
 void ValueConversion::transformStructContainer(ConvertedResultData& view,
                                                IdMappings::DnConversion direction) const {
-    if (view.count == 0 || !showsReference(view.originalValue(0).structValue)) {
-        return;
-    }
-    OrvMoAttributeValue_3* const slots = view.ownValues();
-    for (std::uint32_t index = 0; index < view.count; ++index) {
-        slots[index].structValue =
-            rebuildStruct(view, view.originalValue(index).structValue, direction);
-    }
-}
-
-OrvMoStructMember_3* ValueConversion::rebuildStruct(ConvertedResultData& view,
-                                                    const OrvMoStructMember_3* first,
-                                                    IdMappings::DnConversion direction) const {
-    OrvMoStructMember_3* head = nullptr;
-    OrvMoStructMember_3** link = &head;
-    for (const OrvMoStructMember_3* member = first; member != nullptr; member = member->next) {
-        auto* const rebuilt = view.malloc<OrvMoStructMember_3>(1);
-        *link = rebuilt;
-        link = &rebuilt->next;
-        rebuilt->name = view.strdup(member->name);
-        ConvertedResultData& nested = view.addNested(member->value);
-        transformContainer(nested, direction);
-        rebuilt->value = &nested;
-    }
-    return head;
+    const OrvMoAttributeValueContainer_3 original = view; // its slots are those of the producer
+    NestedMaker maker(*this, view, direction);
+    StructConversion<NestedMaker>(maker).rebuild(original, view.ownValues());
 }
 
 ValueConversion::NamedAttribute** ValueConversion::newArrayFor(NamedAttribute* const* attributes,

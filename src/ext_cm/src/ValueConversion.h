@@ -11,19 +11,6 @@
 
 namespace OrvExtCmRouterService {
 
-/// True if a member of the struct \p first, which may be null, is a reference. Asked of the first
-/// value of a container only, and not of structs below it: a producer shows by its first value
-/// whether a struct holds references. A member must have a value.
-template <class Member>
-bool showsReference(const Member* first) {
-    for (const Member* member = first; member != nullptr; member = member->next) {
-        if (member->value->type == OrvMoAttributeTypeMoRef_3) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Translates the DNs in attribute values, for the versions that hand results back through release
 /// functions. A value without DNs costs no copy: its view goes on sharing the original's slots.
 ///
@@ -40,17 +27,22 @@ public:
 
     explicit ValueConversion(const IdMappings& mappings);
 
-    /// Converts references and structs; any other type is left alone.
+    /// Converts references and structs; any other type is left alone. The value is readable.
     void transformContainer(ConvertedResultData& view, IdMappings::DnConversion direction) const;
+
+    /// Converts what a router or an interceptor has answered, unless it is not readable: that is
+    /// passed on as it is.
+    void toExternal(ConvertedResultData& view) const;
 
     /// An array of null pointers, one more than \p attributes has before its terminator.
     static NamedAttribute** newArrayFor(NamedAttribute* const* attributes, Orv::AutoMemory& memory);
 
-    /// An internal copy of one attribute. Its name is the client's own text.
+    /// An internal copy of one attribute, whose value is readable. Its name is the client's own
+    /// text.
     NamedAttribute* toInternal(NamedAttribute& attribute, Orv::AutoMemory& memory,
                                NewRecordFn newRecord) const;
 
-    /// An internal copy of all \p attributes, which are ended by a null pointer.
+    /// An internal copy of all \p attributes, which are ended by a null pointer, as above.
     NamedAttribute** toInternal(NamedAttribute* const* attributes, Orv::AutoMemory& memory,
                                 NewRecordFn newRecord) const;
 
@@ -61,12 +53,12 @@ public:
     static NamedAttribute* newBlockRecord(Orv::AutoMemory& memory);
 
 private:
+    class NestedMaker;
+
     void transformMoRefContainer(ConvertedResultData& view,
                                  IdMappings::DnConversion direction) const;
     void transformStructContainer(ConvertedResultData& view,
                                   IdMappings::DnConversion direction) const;
-    OrvMoStructMember_3* rebuildStruct(ConvertedResultData& view, const OrvMoStructMember_3* first,
-                                       IdMappings::DnConversion direction) const;
 
     const IdMappings& mMappings;
 };

@@ -51,13 +51,13 @@ private:
 
 auto untilNonZero(List& list) {
     return walkUntilNonZero<Handle>(
-        [&](Handle* found) { return list.first(found); },
+        ORV_TRACE_POINT, [&](Handle* found) { return list.first(found); },
         [&](Handle current, Handle* found) { return list.next(current, found); });
 }
 
 auto untilNotExist(List& list) {
     return walkUntilNotExist<Handle>(
-        [&](Handle* found) { return list.first(found); },
+        ORV_TRACE_POINT, [&](Handle* found) { return list.first(found); },
         [&](Handle current, Handle* found) { return list.next(current, found); });
 }
 
@@ -109,8 +109,10 @@ TEST(ModelWalk, UntilNonZero_ZeroHandle_IsVisitedLikeAnyOther) {
 
 TEST(ModelWalk, UntilNonZeroFrom_StartsAtTheGivenHandle) {
     List list({{OrvOk, 3}, {OrvNotExist, 0}});
-    auto walk = walkUntilNonZeroFrom<Handle>(
-        7, [&](Handle current, Handle* found) { return list.next(current, found); });
+    auto walk =
+        walkUntilNonZeroFrom<Handle>(ORV_TRACE_POINT, 7, [&](Handle current, Handle* found) {
+            return list.next(current, found);
+        });
     EXPECT_EQ(visited(walk), (Handles{7, 3}));
     EXPECT_EQ(list.asked, (Handles{7, 3}));
 }

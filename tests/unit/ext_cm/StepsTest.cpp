@@ -36,29 +36,36 @@ TEST_F(StepsTest, ConvertDn_GoesBothWays) {
 }
 
 TEST_F(StepsTest, OpenOperation_AllOutcomes) {
-    EXPECT_EQ(openOperation(false, mappings, "A=1", dn), OrvNotActive);
+    EXPECT_EQ(openOperation(false, true, mappings, "A=1", dn), OrvNotActive);
+    EXPECT_EQ(openOperation(false, false, mappings, nullptr, dn), OrvNotActive);
+    EXPECT_EQ(openOperation(true, true, mappings, nullptr, dn), OrvFailure);
+    EXPECT_EQ(openOperation(true, false, mappings, kForeign, dn), OrvFailure);
     EXPECT_EQ(dn, "untouched");
-    EXPECT_EQ(openOperation(true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openOperation(true, mappings, "", dn), OrvNotExist);
-    EXPECT_EQ(openOperation(true, mappings, "ManagedElement=paris,A=1", dn), OrvOk);
+    EXPECT_EQ(openOperation(true, true, mappings, kForeign, dn), OrvNotExist);
+    EXPECT_EQ(openOperation(true, true, mappings, "", dn), OrvNotExist);
+    EXPECT_EQ(openOperation(true, true, mappings, "ManagedElement=paris,A=1", dn), OrvOk);
     EXPECT_EQ(dn, "ManagedElement=1,A=1");
 }
 
 TEST_F(StepsTest, OpenWalk_EmptyDn_IsTheTopLevel) {
-    EXPECT_EQ(openWalk(false, mappings, "", dn), OrvNotActive);
-    EXPECT_EQ(openWalk(true, mappings, "", dn), OrvOk);
+    EXPECT_EQ(openWalk(false, true, mappings, "", dn), OrvNotActive);
+    EXPECT_EQ(openWalk(true, true, mappings, nullptr, dn), OrvFailure);
+    EXPECT_EQ(openWalk(true, false, mappings, "", dn), OrvFailure);
+    EXPECT_EQ(openWalk(true, true, mappings, "", dn), OrvOk);
     EXPECT_EQ(dn, "");
-    EXPECT_EQ(openWalk(true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openWalk(true, mappings, "A=1", dn), OrvOk);
+    EXPECT_EQ(openWalk(true, true, mappings, kForeign, dn), OrvNotExist);
+    EXPECT_EQ(openWalk(true, true, mappings, "A=1", dn), OrvOk);
     EXPECT_EQ(dn, "A=1");
 }
 
 TEST_F(StepsTest, OpenCreation_EmptyDn_TakesWhatTheTranslatorGives) {
-    EXPECT_EQ(openCreation(false, mappings, "", dn), OrvNotActive);
-    EXPECT_EQ(openCreation(true, mappings, "", dn), OrvOk);
+    EXPECT_EQ(openCreation(false, true, mappings, "", dn), OrvNotActive);
+    EXPECT_EQ(openCreation(true, true, mappings, nullptr, dn), OrvFailure);
+    EXPECT_EQ(openCreation(true, false, mappings, "", dn), OrvFailure);
+    EXPECT_EQ(openCreation(true, true, mappings, "", dn), OrvOk);
     EXPECT_EQ(dn, "");
-    EXPECT_EQ(openCreation(true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openCreation(true, mappings, "A=1", dn), OrvOk);
+    EXPECT_EQ(openCreation(true, true, mappings, kForeign, dn), OrvNotExist);
+    EXPECT_EQ(openCreation(true, true, mappings, "A=1", dn), OrvOk);
 }
 
 TEST_F(StepsTest, IsRootId_TestsNamePrefixAndCommas) {
@@ -72,13 +79,21 @@ TEST_F(StepsTest, IsRootId_TestsNamePrefixAndCommas) {
     EXPECT_FALSE(isRootId("managedElementIdX", "ManagedElement=1"));
 }
 
-TEST_F(StepsTest, IsOneText_TestsTypeAndCount) {
-    const OrvMoAttributeValueContainer_3 one{OrvMoAttributeTypeString_3, 1, nullptr};
+TEST_F(StepsTest, IsOneText_TestsTypeCountAndText) {
+    OrvMoAttributeValue_3 slot{};
+    OrvMoAttributeValue slot1{};
+    slot.string = slot1.string = "x";
+    const OrvMoAttributeValueContainer_3 one{OrvMoAttributeTypeString_3, 1, &slot};
     EXPECT_TRUE(isOneText(&one));
-    const OrvMoAttributeValueContainer two{OrvMoAttributeTypeString_3, 2, nullptr};
-    const OrvMoAttributeValueContainer ref{OrvMoAttributeTypeMoRef_3, 1, nullptr};
+    const OrvMoAttributeValueContainer two{OrvMoAttributeTypeString_3, 2, &slot1};
+    const OrvMoAttributeValueContainer ref{OrvMoAttributeTypeMoRef_3, 1, &slot1};
+    const OrvMoAttributeValueContainer bare{OrvMoAttributeTypeString_3, 1, nullptr};
     EXPECT_FALSE(isOneText(&two));
     EXPECT_FALSE(isOneText(&ref));
+    EXPECT_FALSE(isOneText(&bare));
+    slot.string = nullptr;
+    EXPECT_FALSE(isOneText(&one));
+    EXPECT_FALSE(isOneText(static_cast<const OrvMoAttributeValueContainer*>(nullptr)));
 }
 
 TEST_F(StepsTest, ExternalRootId_IsWhatStandsBehindTheFirstEqualsSign) {
@@ -88,21 +103,30 @@ TEST_F(StepsTest, ExternalRootId_IsWhatStandsBehindTheFirstEqualsSign) {
     EXPECT_EQ(externalRootId(mappings, "1"), "a=b");
 }
 
-TEST_F(StepsTest, FirstText_LooksAtNeitherTypeNorCount) {
+TEST_F(StepsTest, IdSlot_ReadsATextUnderTheCodesOfTextsOnly) {
     OrvMoAttributeValue_3 slot{};
-    slot.string = "x";
-    const OrvMoAttributeValueContainer_3 lying{200, 0, &slot};
-    EXPECT_STREQ(firstText(&lying), "x");
+    slot.string = "a,b";
+    for (const std::int32_t type : {OrvMoAttributeTypeString_3, OrvMoAttributeTypeMoRef_3}) {
+        const OrvMoAttributeValueContainer_3 uncounted{type, 0, &slot};
+        EXPECT_STREQ(idSlotOf(&uncounted).text, "a,b");
+        EXPECT_TRUE(idSlotOf(&uncounted).isRefused());
+    }
+    slot.uint64 = 1; // an address that must not be read
+    const OrvMoAttributeValueContainer_3 foreign{200, 1, &slot};
+    EXPECT_EQ(idSlotOf(&foreign).text, nullptr);
+    EXPECT_TRUE(idSlotOf(&foreign).isRefused());
+    slot.uint64 = 0;
+    EXPECT_FALSE(idSlotOf(&foreign).isRefused());
     const OrvMoAttributeValueContainer_3 bare{OrvMoAttributeTypeString_3, 1, nullptr};
-    EXPECT_EQ(firstText(&bare), nullptr);
-    EXPECT_EQ(firstText(static_cast<const OrvMoAttributeValueContainer_3*>(nullptr)), nullptr);
+    EXPECT_FALSE(idSlotOf(&bare).isSet);
+    EXPECT_FALSE(idSlotOf(static_cast<const OrvMoAttributeValueContainer_3*>(nullptr)).isRefused());
 }
 
-TEST_F(StepsTest, IsRefusedAsId_OnlyATextThatIsNoNamingValue) {
-    EXPECT_FALSE(isRefusedAsId(nullptr));
-    EXPECT_FALSE(isRefusedAsId(""));
-    EXPECT_FALSE(isRefusedAsId("paris"));
-    EXPECT_TRUE(isRefusedAsId("a,b"));
+TEST_F(StepsTest, IdSlot_RefusesOnlyATextThatIsNoNamingValue) {
+    const auto refused = [](const char* text) { return IdSlot{true, text}.isRefused(); };
+    EXPECT_FALSE(refused(""));
+    EXPECT_FALSE(refused("paris"));
+    EXPECT_TRUE(refused("a,b"));
     EXPECT_TRUE(isNetworkManagedElementId("networkManagedElementId"));
     EXPECT_FALSE(isNetworkManagedElementId("networkManagedElementId2"));
 }

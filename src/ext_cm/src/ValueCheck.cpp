@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ValueCheck.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <type_traits>
+#include <vector>
+
+namespace OrvExtCmRouterService {
+
+namespace {
+
+constexpr std::size_t mostMembers = 10000000;
+
+/// Looks at one value, a container at a time.
+template <class Container>
+class ValueReader {
+public:
+    bool reads(const Container& value) {
+        if (!enter(value)) {
+            return false;
+        }
+        while (!mStructs.empty()) {
+            const Container& next = *mStructs.back();
+            mStructs.pop_back();
+            if (!readsMembers(next)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    using Slot = std::remove_pointer_t<decltype(Container::values)>;
+    using Member = std::remove_pointer_t<decltype(Slot::structValue)>;
+
+    static constexpr bool membersNeedValues =
+        std::is_same_v<Container, OrvMoAttributeValueContainer>;
+
+    /// Looks at a container itself; a struct whose members will be read waits in mStructs.
+    bool enter(const Container& value) {
+        const bool isReference = value.type == OrvMoAttributeTypeMoRef_3;
+        if (value.count == 0 || (!isReference && value.type != OrvMoAttributeTypeStruct_3)) {
+            return true;
+        }
+        if (value.values == nullptr) {
+            return false;
+        }
+        return isReference ? hasAllTexts(value) : entersStruct(value);
+    }
+
+    static bool hasAllTexts(const Container& value) {
+        return std::all_of(value.values, value.values + value.count,
+                           [](const Slot& slot) { return slot.moRef != nullptr; });
+    }
+
+    bool entersStruct(const Container& value) {
+        for (const Member* member = value.values[0].structValue; member != nullptr;
+             member = member->next) {
+            if (!counts() || member->value == nullptr) {
+                return false;
+            }
+            if (member->value->type == OrvMoAttributeTypeMoRef_3) {
+                mStructs.push_back(&value);
+                return true;
+            }
+        }
+        return true;
+    }
+
+    bool readsMembers(const Container& value) {
+        return std::all_of(value.values, value.values + value.count,
+                           [this](const Slot& slot) { return readsMembers(slot.structValue); });
+    }
+
+    bool readsMembers(const Member* first) {
+        for (const Member* member = first; member != nullptr; member = member->next) {
+            if (!counts() || member->name == nullptr) {
+                return false;
+            }
+            if (member->value == nullptr ? membersNeedValues : !enter(*member->value)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool counts() { return ++mMembers <= mostMembers; }
+
+    std::vector<const Container*> mStructs;
+    std::size_t mMembers = 0;
+};
+
+}
+
+bool isReadable(const OrvMoAttributeValueContainer_3& value) {
+    return ValueReader<OrvMoAttributeValueContainer_3>().reads(value);
+}
+
+bool isReadable(const OrvMoAttributeValueContainer& value) {
+    return ValueReader<OrvMoAttributeValueContainer>().reads(value);
+}
+
+}

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_VALUECHECK_H
+#define ORV_EXT_CM_VALUECHECK_H
+
+#include "OrvMoAttributeValue.h"
+
+namespace OrvExtCmRouterService {
+
+/// True if everything is there that a conversion of \p value reads: the slots of references and of
+/// structs that show a reference, the texts of references, the members' names and values. A value
+/// without references is not looked into, whatever its fields say.
+///
+/// To be asked of a client's values before anything is done with them, so that a refusal leaves
+/// nothing behind, and of a router's before they are converted. Structs of any depth are looked at
+/// without recursion; a value with more than ten million members counts as not readable, since only
+/// a list that leads back into itself has so many.
+///
+/// A member without a value is an empty one in versions 3 and 3_1. In version 1 it cannot be read.
+bool isReadable(const OrvMoAttributeValueContainer_3& value);
+bool isReadable(const OrvMoAttributeValueContainer& value);
+
+/// True if \p value holds structs and the first one has a member that is a reference. The others,
+/// and structs below the first, are not asked: a producer shows by its first value whether a struct
+/// holds references. For readable values only.
+template <class Container>
+bool isStructWithReferences(const Container& value) {
+    if (value.type != OrvMoAttributeTypeStruct_3 || value.count == 0) {
+        return false;
+    }
+    for (auto* member = value.values[0].structValue; member != nullptr; member = member->next) {
+        if (member->value->type == OrvMoAttributeTypeMoRef_3) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}
+
+#endif
