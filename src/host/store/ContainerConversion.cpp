@@ -4,6 +4,7 @@
 #include "ContainerConversion.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -16,6 +17,9 @@ namespace {
 
 // Deeper than any model; keeps a record that somebody built wrong from using up the stack.
 constexpr int kDeepest = 64;
+
+// A list with more members leads back into itself.
+constexpr std::size_t kMostMembers = 100000;
 
 struct Code {
     ValueKind kind;
@@ -59,6 +63,14 @@ T* allocate(Orv::AutoMemory& memory, std::size_t count) {
     return block;
 }
 
+// Any byte but zero is true: a client may write one that a `bool` must not be read with.
+template <class Slot>
+bool isTrue(const Slot& slot) {
+    unsigned char byte = 0;
+    std::memcpy(&byte, &slot.boolean, sizeof(byte));
+    return byte != 0;
+}
+
 const char* copyText(Orv::AutoMemory& memory, const std::string& text) {
     const char* const copy = memory.strdup(text.c_str());
     if (copy == nullptr) {
@@ -92,7 +104,7 @@ template <class Records>
 Value ContainerConversion<Records>::toValue(const Slot& slot, ValueKind kind, int depth) {
     switch (kind) {
     case ValueKind::Bool:
-        return slot.boolean;
+        return isTrue(slot);
     case ValueKind::Int:
         return slot.int64;
     case ValueKind::Uint:
@@ -117,7 +129,12 @@ StructValue ContainerConversion<Records>::toStruct(const Member* first, int dept
                         "structs are nested deeper than " + std::to_string(kDeepest) + " levels");
     }
     StructValue result;
+    std::size_t left = kMostMembers;
     for (const Member* member = first; member != nullptr; member = member->next) {
+        if (left-- == 0) {
+            throw HostError(OrvInvalidArgument,
+                            "a struct has more than " + std::to_string(kMostMembers) + " members");
+        }
         std::string name = requireText(member->name, "the name of a struct member");
         const bool isGiven =
             member->value != nullptr && (member->value->type != 0 || member->value->count > 0);

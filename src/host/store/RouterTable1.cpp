@@ -42,6 +42,7 @@ OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName,
                                         OrvMoAttributeValueContainer** result) {
     return mCore.answer([&] {
+        requireGiven(result, "the result");
         const auto current = mCore.transaction(txHandle);
         const AttributeValue value = current->store->get(
             requireText(dn, "the DN"), requireText(attrName, "the attribute name"));
@@ -52,6 +53,7 @@ OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
 OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, void** iterator) {
     return mCore.answer([&] {
+        requireGiven(iterator, "the place for the iterator");
         const IteratorHandle handle = mCore.newIterator(txHandle, requireText(dn, "the DN"),
                                                         requireText(className, "the class name"));
         // NOLINTNEXTLINE(performance-no-int-to-ptr): the handle itself, which nobody dereferences
@@ -60,7 +62,10 @@ OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
 }
 
 OrvReturnT RouterTable1::nextMo(void* iterator, char** result) {
-    return mCore.answer([&] { *result = mCore.next(reinterpret_cast<std::uintptr_t>(iterator)); });
+    return mCore.answer([&] {
+        requireGiven(result, "the place for the name");
+        *result = mCore.next(reinterpret_cast<std::uintptr_t>(iterator));
+    });
 }
 
 OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const char* className,
@@ -82,6 +87,7 @@ OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const ch
                                 OrvMoAttributeValueContainer** parameters,
                                 OrvMoAttributeValueContainer** result) {
     return mCore.answer([&] {
+        requireGiven(result, "the result");
         std::vector<AttributeValue> values;
         for (auto** next = parameters; next != nullptr && *next != nullptr; ++next) {
             values.push_back(Conversion::toValue(**next));

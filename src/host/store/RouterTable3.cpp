@@ -31,6 +31,7 @@ OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
 OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName, OrvMoAttributeValueResult_3* result) {
     return mCore.answer([&] {
+        requireGiven(result, "the result");
         *result = makeResult(mCore.transaction(txHandle)->store->get(
             requireText(dn, "the DN"), requireText(attrName, "the attribute name")));
     });
@@ -40,6 +41,7 @@ OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
                                          const char** attrNames,
                                          OrvMoAttributeValuesResult_3* result) {
     return mCore.answer([&] {
+        requireGiven(result, "the result");
         requireGiven(attrNames, "the array of attribute names");
         std::vector<std::string> names;
         for (const char** next = attrNames; *next != nullptr; ++next) {
@@ -53,13 +55,17 @@ OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
 OrvReturnT RouterTable3::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, unsigned long long* iterator) {
     return mCore.answer([&] {
+        requireGiven(iterator, "the place for the iterator");
         *iterator = mCore.newIterator(txHandle, requireText(dn, "the DN"),
                                       requireText(className, "the class name"));
     });
 }
 
 OrvReturnT RouterTable3::nextMo(unsigned long long iterator, char** result) {
-    return mCore.answer([&] { *result = mCore.next(iterator); });
+    return mCore.answer([&] {
+        requireGiven(result, "the place for the name");
+        *result = mCore.next(iterator);
+    });
 }
 
 OrvReturnT RouterTable3::createMo(unsigned long txHandle, const char* dn, const char* className,
@@ -82,6 +88,7 @@ OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const ch
                                 OrvMoNamedAttributeValueContainer_3** parameters,
                                 OrvMoAttributeValueResult_3* result) {
     return mCore.answer([&] {
+        requireGiven(result, "the result");
         *result = makeResult(mCore.action(txHandle, requireText(dn, "the DN"),
                                           requireText(name, "the action name"),
                                           toNamedValues(parameters)));
@@ -93,13 +100,16 @@ OrvReturnT RouterTable3::finalizeMoIterator(unsigned long long iterator) {
 }
 
 OrvReturnT RouterTable3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
-    return mCore.answer(
-        [&] { *exists = mCore.transaction(txHandle)->store->exists(requireText(dn, "the DN")); });
+    return mCore.answer([&] {
+        requireGiven(exists, "the place for the answer");
+        *exists = mCore.transaction(txHandle)->store->exists(requireText(dn, "the DN"));
+    });
 }
 
 OrvReturnT RouterTable3::countMoChildren(unsigned long txHandle, const char* dn,
                                          const char* className, unsigned long long* count) {
     return mCore.answer([&] {
+        requireGiven(count, "the place for the count");
         *count = mCore.transaction(txHandle)->store->count(
             requireText(dn, "the DN"), requireText(className, "the class name"));
     });

@@ -102,6 +102,9 @@ OrvReturnT beginFn(unsigned long* txHandle) {
 
 OrvReturnT validateFn(unsigned long txHandle, bool* result) {
     return Orv::shielded([&]() -> OrvReturnT {
+        if (result == nullptr) {
+            return OrvInvalidArgument;
+        }
         TransactionOutcome outcome = theService->validate(txHandle);
         const bool isVerdict = outcome.accepted || outcome.code == OrvValidationFailed;
         *result = outcome.accepted;

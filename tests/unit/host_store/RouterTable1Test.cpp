@@ -66,6 +66,16 @@ TEST_F(RouterTable1Test, CreateAndDelete_AndWalk) {
     EXPECT_EQ(v1.nextMo(iterator, &name), OrvNotActive);
 }
 
+TEST_F(RouterTable1Test, PlaceForTheAnswer_Null_IsRefused) {
+    OrvMoAttributeValueContainer* none[] = {nullptr};
+    void* iterator = nullptr;
+    ASSERT_EQ(v1.newMoIterator(tx, "Network=1", "Node", &iterator), OrvOk);
+    EXPECT_EQ(v1.getMoAttribute(tx, kA, "label", nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v1.newMoIterator(tx, "Network=1", "Node", nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v1.nextMo(iterator, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v1.action(tx, kA, "reset", none, nullptr), OrvInvalidArgument);
+}
+
 TEST_F(RouterTable1Test, Action_EmptyResult_IsAContainerWithoutValues) {
     OrvMoAttributeValue slot{};
     OrvMoAttributeValueContainer delay{OrvMoAttributeTypeUint64_3, 1, &slot};

@@ -174,6 +174,46 @@ TEST_F(RouterTable3Test, SetMoAttribute_BrokenRecords_AreRefused) {
     EXPECT_EQ(getText(kA, "label"), "first");
 }
 
+TEST_F(RouterTable3Test, SetMoAttribute_MembersInARing_AreRefused) {
+    OrvMoAttributeValue_3 depth{};
+    OrvMoAttributeValueContainer_3 depthValue{OrvMoAttributeTypeUint64_3, 1, &depth};
+    OrvMoStructMember_3 member{"depth", &depthValue, nullptr};
+    member.next = &member;
+    OrvMoAttributeValue_3 slot{};
+    slot.structValue = &member;
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeStruct_3, 1, &slot};
+    EXPECT_EQ(v3.setMoAttribute(tx, kA, "position", &value), OrvInvalidArgument);
+    EXPECT_THAT(lastMessage(), HasSubstr("more than 100000 members"));
+}
+
+TEST_F(RouterTable3Test, SetMoAttribute_BoolOfAnyByte_IsTrueUnlessZero) {
+    OrvMoAttributeValue_3 slot{};
+    slot.uint64 = 42;
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeBool_3, 1, &slot};
+    ASSERT_EQ(v3.setMoAttribute(tx, kA, "enabled", &value), OrvOk) << lastMessage();
+    OrvMoAttributeValueResult_3 result{};
+    ASSERT_EQ(v3.getMoAttribute(tx, kA, "enabled", &result), OrvOk);
+    EXPECT_EQ(result.container->values[0].uint64, 1U);
+    result.release(result.container);
+}
+
+TEST_F(RouterTable3Test, PlaceForTheAnswer_Null_IsRefused) {
+    const char* names[] = {"label", nullptr};
+    OrvMoNamedAttributeValueContainer_3* none[] = {nullptr};
+    unsigned long long iterator = 0;
+    ASSERT_EQ(v3.newMoIterator(tx, "Network=1", "Node", &iterator), OrvOk);
+    EXPECT_EQ(v3.getMoAttribute(tx, kA, "label", nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.getMoAttributes(tx, kA, names, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.newMoIterator(tx, "Network=1", "Node", nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.nextMo(iterator, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.action(tx, kA, "reset", none, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.existsMo(tx, kA, nullptr), OrvInvalidArgument);
+    EXPECT_EQ(v3.countMoChildren(tx, "Network=1", "Node", nullptr), OrvInvalidArgument);
+    char* name = nullptr;
+    EXPECT_EQ(v3.nextMo(iterator, &name), OrvOk);
+    EXPECT_STREQ(name, "a") << "nothing was taken from the iterator";
+}
+
 TEST_F(RouterTable3Test, SetMoAttribute_EndlesslyNestedStruct_IsRefused) {
     OrvMoAttributeValue_3 slot{};
     OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeStruct_3, 1, &slot};
