@@ -24,6 +24,10 @@
 /// The serving object holds its binder as a data member and has a member function for each slot,
 /// of the slot's name and arguments. A binder has no lock: `_instance` is written at construction
 /// and destruction only, both outside the life of the table in the host.
+///
+/// The slots of a table stand in one list. It makes the static functions, each of which calls the
+/// member of its own name, and the entries of the table. A slot that is missing in the list, a
+/// member that is missing, or one with other arguments does not compile.
 
 namespace Orv {
 
@@ -51,191 +55,92 @@ void bindOnce(T*& instance, T& served) {
     instance = &served;
 }
 
-/// Binds OrvOamSpiTransactionalResource_2 to a \p T.
-template <class T>
-class TransactionalResource2Binder {
-public:
-    /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
-    TransactionalResource2Binder(const OrvMgmtSpiInterface_1& identity, T& served)
-        : mInterface{identity, &join, &prepare, &commit, &abort, &finish, &validate} {
-        bindOnce(_instance, served);
-    }
-    TransactionalResource2Binder(const TransactionalResource2Binder&) = delete;
-    TransactionalResource2Binder& operator=(const TransactionalResource2Binder&) = delete;
-    virtual ~TransactionalResource2Binder() { _instance = nullptr; }
+}
 
-    OrvOamSpiTransactionalResource_2* getInterface() { return &mInterface; }
+// The slots of each table. SLOT is used once for each of them.
+// clang-format off
 
-private:
-    static OrvReturnT join(unsigned long txHandle) {
-        return shielded([&] { return _instance->join(txHandle); });
-    }
-    static OrvReturnT prepare(unsigned long txHandle) {
-        return shielded([&] { return _instance->prepare(txHandle); });
-    }
-    static OrvReturnT commit(unsigned long txHandle) {
-        return shielded([&] { return _instance->commit(txHandle); });
-    }
-    static OrvReturnT abort(unsigned long txHandle) {
-        return shielded([&] { return _instance->abort(txHandle); });
-    }
-    static OrvReturnT finish(unsigned long txHandle) {
-        return shielded([&] { return _instance->finish(txHandle); });
-    }
-    static OrvReturnT validate(unsigned long txHandle, bool* result) {
-        return shielded([&] { return _instance->validate(txHandle, result); });
-    }
+#define ORV_TRANSACTIONAL_RESOURCE_2_SLOTS(SLOT)                                                   \
+    SLOT(join)                                                                                     \
+    SLOT(prepare)                                                                                  \
+    SLOT(commit)                                                                                   \
+    SLOT(abort)                                                                                    \
+    SLOT(finish)                                                                                   \
+    SLOT(validate)
 
-    OrvOamSpiTransactionalResource_2 mInterface;
-    static inline T* _instance = nullptr;
-};
+#define ORV_MANAGED_OBJECT_1_SLOTS(SLOT)                                                           \
+    SLOT(setMoAttribute)                                                                           \
+    SLOT(getMoAttribute)                                                                           \
+    SLOT(newMoIterator)                                                                            \
+    SLOT(nextMo)                                                                                   \
+    SLOT(createMo)                                                                                 \
+    SLOT(deleteMo)                                                                                 \
+    SLOT(action)
 
-/// Binds OrvOamSpiManagedObject_1 to a \p T.
-template <class T>
-class ManagedObject1Binder {
-public:
-    /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
-    ManagedObject1Binder(const OrvMgmtSpiInterface_1& identity, T& served)
-        : mInterface{identity, &setMoAttribute, &getMoAttribute, &newMoIterator,
-                     &nextMo,  &createMo,       &deleteMo,       &action} {
-        bindOnce(_instance, served);
-    }
-    ManagedObject1Binder(const ManagedObject1Binder&) = delete;
-    ManagedObject1Binder& operator=(const ManagedObject1Binder&) = delete;
-    virtual ~ManagedObject1Binder() { _instance = nullptr; }
+#define ORV_MANAGED_OBJECT_3_SLOTS(SLOT)                                                           \
+    SLOT(setMoAttribute)                                                                           \
+    SLOT(getMoAttribute)                                                                           \
+    SLOT(getMoAttributes)                                                                          \
+    SLOT(newMoIterator)                                                                            \
+    SLOT(nextMo)                                                                                   \
+    SLOT(createMo)                                                                                 \
+    SLOT(deleteMo)                                                                                 \
+    SLOT(action)                                                                                   \
+    SLOT(finalizeMoIterator)                                                                       \
+    SLOT(existsMo)                                                                                 \
+    SLOT(countMoChildren)
 
-    OrvOamSpiManagedObject_1* getInterface() { return &mInterface; }
+#define ORV_MANAGED_OBJECT_3_1_SLOTS(SLOT)                                                         \
+    SLOT(setMoAttributes)
 
-private:
-    static OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
-                                     const OrvMoAttributeValueContainer* value) {
-        return shielded([&] { return _instance->setMoAttribute(txHandle, dn, attrName, value); });
-    }
-    static OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
-                                     OrvMoAttributeValueContainer** result) {
-        return shielded([&] { return _instance->getMoAttribute(txHandle, dn, attrName, result); });
-    }
-    static OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
-                                    void** iterator) {
-        return shielded(
-            [&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
-    }
-    static OrvReturnT nextMo(void* iterator, char** result) {
-        return shielded([&] { return _instance->nextMo(iterator, result); });
-    }
-    static OrvReturnT createMo(unsigned long txHandle, const char* dn, const char* className,
-                               const char* attrName, const char* attrValue) {
-        return shielded(
-            [&] { return _instance->createMo(txHandle, dn, className, attrName, attrValue); });
-    }
-    static OrvReturnT deleteMo(unsigned long txHandle, const char* dn) {
-        return shielded([&] { return _instance->deleteMo(txHandle, dn); });
-    }
-    static OrvReturnT action(unsigned long txHandle, const char* dn, const char* name,
-                             OrvMoAttributeValueContainer** parameters,
-                             OrvMoAttributeValueContainer** result) {
-        return shielded([&] { return _instance->action(txHandle, dn, name, parameters, result); });
-    }
+// clang-format on
 
-    OrvOamSpiManagedObject_1 mInterface;
-    static inline T* _instance = nullptr;
-};
+// What each use of SLOT makes: the function of a slot, its entry in the table, and one of a count.
+// The function's arguments are those of the entry that it is put into.
 
-/// Binds OrvOamSpiManagedObject_3 to a \p T.
-template <class T>
-class ManagedObject3Binder {
-public:
-    /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
-    ManagedObject3Binder(const OrvMgmtSpiInterface_1& identity, T& served)
-        : mInterface{
-              identity,  &setMoAttribute, &getMoAttribute, &getMoAttributes, &newMoIterator,
-              &nextMo,   &createMo,       &deleteMo,       &action,          &finalizeMoIterator,
-              &existsMo, &countMoChildren} {
-        bindOnce(_instance, served);
+#define ORV_SLOT_FUNCTION(slot)                                                                    \
+    template <class... Arguments>                                                                  \
+    static OrvReturnT slot(Arguments... arguments) {                                               \
+        return ::Orv::shielded([&] { return _instance->slot(arguments...); });                     \
     }
-    ManagedObject3Binder(const ManagedObject3Binder&) = delete;
-    ManagedObject3Binder& operator=(const ManagedObject3Binder&) = delete;
-    virtual ~ManagedObject3Binder() { _instance = nullptr; }
+#define ORV_SLOT_ENTRY(slot) mInterface.slot = &slot;
+#define ORV_SLOT_COUNT(slot) +1
 
-    OrvOamSpiManagedObject_3* getInterface() { return &mInterface; }
+/// Defines the class template \p Binder, which binds \p Table, whose slots \p SLOTS lists, to an
+/// object of the class `T`. Its constructor copies the identity, whose texts must be constants; the
+/// object must outlive the binder.
+#define ORV_DEFINE_BINDER(Binder, Table, SLOTS)                                                    \
+    template <class T>                                                                             \
+    class Binder {                                                                                 \
+    public:                                                                                        \
+        Binder(const OrvMgmtSpiInterface_1& identity, T& served) {                                 \
+            static_assert(sizeof(Table) ==                                                         \
+                              sizeof(identity) + (0 SLOTS(ORV_SLOT_COUNT)) * sizeof(void (*)()),   \
+                          "the list has each slot of the table");                                  \
+            mInterface.identity = identity;                                                        \
+            SLOTS(ORV_SLOT_ENTRY)                                                                  \
+            ::Orv::bindOnce(_instance, served);                                                    \
+        }                                                                                          \
+        Binder(const Binder&) = delete;                                                            \
+        Binder& operator=(const Binder&) = delete;                                                 \
+        virtual ~Binder() { _instance = nullptr; }                                                 \
+                                                                                                   \
+        Table* getInterface() { return &mInterface; }                                              \
+                                                                                                   \
+    private:                                                                                       \
+        SLOTS(ORV_SLOT_FUNCTION)                                                                   \
+                                                                                                   \
+        Table mInterface{};                                                                        \
+        static inline T* _instance = nullptr;                                                      \
+    };
 
-private:
-    static OrvReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
-                                     const OrvMoAttributeValueContainer_3* value) {
-        return shielded([&] { return _instance->setMoAttribute(txHandle, dn, attrName, value); });
-    }
-    static OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
-                                     OrvMoAttributeValueResult_3* result) {
-        return shielded([&] { return _instance->getMoAttribute(txHandle, dn, attrName, result); });
-    }
-    static OrvReturnT getMoAttributes(unsigned long txHandle, const char* dn,
-                                      const char** attrNames,
-                                      OrvMoAttributeValuesResult_3* result) {
-        return shielded(
-            [&] { return _instance->getMoAttributes(txHandle, dn, attrNames, result); });
-    }
-    static OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* className,
-                                    unsigned long long* iterator) {
-        return shielded(
-            [&] { return _instance->newMoIterator(txHandle, dn, className, iterator); });
-    }
-    static OrvReturnT nextMo(unsigned long long iterator, char** result) {
-        return shielded([&] { return _instance->nextMo(iterator, result); });
-    }
-    static OrvReturnT createMo(unsigned long txHandle, const char* dn, const char* className,
-                               const char* attrName, const char* attrValue,
-                               OrvMoNamedAttributeValueContainer_3** attributes) {
-        return shielded([&] {
-            return _instance->createMo(txHandle, dn, className, attrName, attrValue, attributes);
-        });
-    }
-    static OrvReturnT deleteMo(unsigned long txHandle, const char* dn) {
-        return shielded([&] { return _instance->deleteMo(txHandle, dn); });
-    }
-    static OrvReturnT action(unsigned long txHandle, const char* dn, const char* name,
-                             OrvMoNamedAttributeValueContainer_3** parameters,
-                             OrvMoAttributeValueResult_3* result) {
-        return shielded([&] { return _instance->action(txHandle, dn, name, parameters, result); });
-    }
-    static OrvReturnT finalizeMoIterator(unsigned long long iterator) {
-        return shielded([&] { return _instance->finalizeMoIterator(iterator); });
-    }
-    static OrvReturnT existsMo(unsigned long txHandle, const char* dn, bool* exists) {
-        return shielded([&] { return _instance->existsMo(txHandle, dn, exists); });
-    }
-    static OrvReturnT countMoChildren(unsigned long txHandle, const char* dn, const char* className,
-                                      unsigned long long* count) {
-        return shielded([&] { return _instance->countMoChildren(txHandle, dn, className, count); });
-    }
+namespace Orv {
 
-    OrvOamSpiManagedObject_3 mInterface;
-    static inline T* _instance = nullptr;
-};
-
-/// Binds VekOamSpiManagedObject_3_1 to a \p T.
-template <class T>
-class ManagedObject3_1Binder {
-public:
-    /// \p identity is copied; its texts must be constants. \p served must outlive the binder.
-    ManagedObject3_1Binder(const VekMgmtSpiInterface_1& identity, T& served)
-        : mInterface{identity, &setMoAttributes} {
-        bindOnce(_instance, served);
-    }
-    ManagedObject3_1Binder(const ManagedObject3_1Binder&) = delete;
-    ManagedObject3_1Binder& operator=(const ManagedObject3_1Binder&) = delete;
-    virtual ~ManagedObject3_1Binder() { _instance = nullptr; }
-
-    VekOamSpiManagedObject_3_1* getInterface() { return &mInterface; }
-
-private:
-    static OrvReturnT setMoAttributes(unsigned long txHandle, const char* dn,
-                                      VekMoNamedAttributeValueContainer_3** attributes) {
-        return shielded([&] { return _instance->setMoAttributes(txHandle, dn, attributes); });
-    }
-
-    VekOamSpiManagedObject_3_1 mInterface;
-    static inline T* _instance = nullptr;
-};
+ORV_DEFINE_BINDER(TransactionalResource2Binder, OrvOamSpiTransactionalResource_2,
+                  ORV_TRANSACTIONAL_RESOURCE_2_SLOTS)
+ORV_DEFINE_BINDER(ManagedObject1Binder, OrvOamSpiManagedObject_1, ORV_MANAGED_OBJECT_1_SLOTS)
+ORV_DEFINE_BINDER(ManagedObject3Binder, OrvOamSpiManagedObject_3, ORV_MANAGED_OBJECT_3_SLOTS)
+ORV_DEFINE_BINDER(ManagedObject3_1Binder, VekOamSpiManagedObject_3_1, ORV_MANAGED_OBJECT_3_1_SLOTS)
 
 }
 
