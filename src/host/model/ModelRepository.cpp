@@ -6,8 +6,6 @@
 #include "RepositoryAnswer.h"
 #include "RepositoryTables.h"
 
-#include <stdexcept>
-
 namespace OrvHost {
 
 namespace {
@@ -31,9 +29,6 @@ VekOamSpiModelRepository_4 makeTable() {
 }
 
 ModelRepository::ModelRepository(const Model& model) : mIndex(model), mInterface(makeTable()) {
-    if (currentRepositoryIndex) {
-        throw std::logic_error("There is a model repository in this process already.");
-    }
     currentRepositoryIndex = &mIndex;
 }
 

@@ -5,6 +5,7 @@
 #define ORV_HOST_MODEL_MODELREPOSITORY_H
 
 #include "Model.h"
+#include "OnlyOne.h"
 #include "RepositoryIndex.h"
 #include "VekOamSpiModelRepository_4.h"
 
@@ -41,6 +42,7 @@ public:
     VekOamSpiModelRepository_4* getInterface() { return &mInterface; }
 
 private:
+    OnlyOne<ModelRepository> mOnlyOne;
     RepositoryIndex mIndex;
     VekOamSpiModelRepository_4 mInterface;
 };

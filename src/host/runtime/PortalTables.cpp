@@ -8,7 +8,6 @@
 #include "Portal.h"
 
 #include <cstring>
-#include <stdexcept>
 
 namespace OrvHost {
 
@@ -35,9 +34,6 @@ PortalTables::PortalTables(ComponentRegistry& registry, PortalVersions versions)
                nullptr,
                &registerComponent,
                &unregisterComponent} {
-    if (_instance != nullptr) {
-        throw std::logic_error("there is a host in this process already");
-    }
     _instance = this;
     Orv::Portal::instance()->attach(&getInterface);
 }

@@ -5,6 +5,7 @@
 #define ORV_HOST_RUNTIME_PORTALTABLES_H
 
 #include "OrvMgmtSpiInterfacePortal.h"
+#include "model/OnlyOne.h"
 
 namespace OrvHost {
 
@@ -40,6 +41,7 @@ private:
     static OrvReturnT registerComponent(OrvMgmtSpiComponent_1* component);
     static OrvReturnT unregisterComponent(OrvMgmtSpiComponent_1* component);
 
+    OnlyOne<PortalTables> mOnlyOne;
     ComponentRegistry& mRegistry;
     PortalVersions mVersions;
     OrvMgmtSpiInterfacePortalAccessor mAccessor;

@@ -3,19 +3,20 @@
 
 #include "CmRouter.h"
 
-#include <cassert>
+#include <stdexcept>
 #include <utility>
 
 namespace OrvHost {
 
-CmRouter::CmRouter([[maybe_unused]] const Model& model, MoStore& store,
-                   ThreadContext& threadContext)
+CmRouter::CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext)
     : mCore(store, threadContext),
       mTable1(mCore),
       mTable3(mCore),
       mTable3_1(mCore),
       mResource({"OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2"}, mCore) {
-    assert(&store.model() == &model);
+    if (&store.model() != &model) {
+        throw std::logic_error("the store was built over another model");
+    }
 }
 
 void CmRouter::setActionHandler(ActionHandler handler) {

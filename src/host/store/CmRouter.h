@@ -12,6 +12,7 @@
 #include "RouterTable3.h"
 #include "RouterTable3_1.h"
 #include "ThreadContext.h"
+#include "model/OnlyOne.h"
 
 namespace OrvHost {
 
@@ -33,7 +34,8 @@ namespace OrvHost {
 /// lives in a process (see the binders).
 class CmRouter {
 public:
-    /// All arguments must outlive the router; \p store was built over the same \p model.
+    /// All arguments must outlive the router. \throws std::logic_error if there is a router already
+    /// or \p store was built over another model
     CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext);
     CmRouter(const CmRouter&) = delete;
     CmRouter& operator=(const CmRouter&) = delete;
@@ -55,6 +57,7 @@ public:
     OrvOamSpiTransactionalResource_2* getResource() { return mResource.getInterface(); }
 
 private:
+    OnlyOne<CmRouter> mOnlyOne; ///< before the binders, which end the process
     RouterCore mCore;
     RouterTable1 mTable1;
     RouterTable3 mTable3;

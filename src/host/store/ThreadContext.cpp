@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cassert>
 #include <iterator>
 #include <utility>
 
@@ -50,7 +49,6 @@ OrvReturnT addMessageFn(int kind, const char* text) {
 ThreadContext::ThreadContext()
     : mInterface{{"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"},
                  &addMessageFn} {
-    assert(!theContext);
     theContext = this;
     ++theGeneration;
 }

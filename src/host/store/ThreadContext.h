@@ -5,6 +5,7 @@
 #define ORV_HOST_STORE_THREADCONTEXT_H
 
 #include "VekMgmtSpiThreadContext_2.h"
+#include "model/OnlyOne.h"
 
 #include <cstddef>
 #include <string>
@@ -31,6 +32,7 @@ public:
         std::string text;
     };
 
+    /// \throws std::logic_error if there is one already
     ThreadContext();
     ~ThreadContext();
     ThreadContext(const ThreadContext&) = delete;
@@ -49,6 +51,7 @@ public:
     void clear();
 
 private:
+    OnlyOne<ThreadContext> mOnlyOne;
     VekMgmtSpiThreadContext_2 mInterface;
 };
 

@@ -7,7 +7,6 @@
 #include "OrvInterfaceBinders.h"
 
 #include <algorithm>
-#include <cassert>
 #include <utility>
 
 namespace OrvHost {
@@ -131,7 +130,6 @@ TransactionService::TransactionService(ThreadContext& threadContext)
                        &validateFn,
                        &commitFn,
                        &abortFn} {
-    assert(!theService);
     theService = this;
 }
 

@@ -8,6 +8,7 @@
 #include "OrvOamSpiTransactionalResource_2.h"
 #include "ThreadContext.h"
 #include "TransactionMaster.h"
+#include "model/OnlyOne.h"
 
 #include <cstddef>
 #include <functional>
@@ -101,6 +102,7 @@ private:
     void abortParticipants(const Transaction& transaction, TransactionOutcome& outcome) const;
     void finish(const Transaction& transaction, TransactionOutcome& outcome);
 
+    OnlyOne<TransactionService> mOnlyOne;
     ThreadContext& mThreadContext;
     OrvOamSpiTransaction_1 mTransactionInterface;
     OrvHostTransactionMaster_1 mMasterInterface;

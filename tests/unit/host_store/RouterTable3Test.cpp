@@ -161,6 +161,14 @@ TEST_F(RouterTable3Test, SetMoAttribute_Struct_ComesBackWithNestedMembers) {
     result.release(result.container);
 }
 
+TEST_F(RouterTable3Test, SecondRouterOrService_IsRefusedAndLeavesTheFirstInPlace) {
+    EXPECT_THROW(CmRouter second(model, store, context), std::logic_error);
+    EXPECT_THROW(TransactionService second(context), std::logic_error);
+    EXPECT_EQ(getText(kA, "label"), "first");
+    ASSERT_TRUE(commit().accepted);
+    EXPECT_EQ(getText(kA, "label"), "first");
+}
+
 TEST_F(RouterTable3Test, SetMoAttribute_BrokenRecords_AreRefused) {
     EXPECT_EQ(v3.setMoAttribute(tx, kA, "label", nullptr), OrvInvalidArgument);
     EXPECT_EQ(set(kA, "label", 200, {slotOf("x")}), OrvInvalidArgument);

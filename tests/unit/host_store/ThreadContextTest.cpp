@@ -5,10 +5,19 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <thread>
 
 namespace OrvHost {
 namespace {
+
+TEST(ThreadContextTest, SecondOne_IsRefusedAndLeavesTheFirstInPlace) {
+    ThreadContext context;
+    EXPECT_THROW(ThreadContext second, std::logic_error);
+    EXPECT_THROW(ThreadContext third, std::logic_error);
+    EXPECT_EQ(context.getInterface()->addMessage(1, "one"), OrvOk);
+    EXPECT_EQ(context.take().size(), 1U);
+}
 
 TEST(ThreadContextTest, AddMessage_ThroughTheTable_IsTakenInOrder) {
     ThreadContext context;
