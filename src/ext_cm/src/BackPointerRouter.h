@@ -4,6 +4,7 @@
 #ifndef ORV_EXT_CM_BACKPOINTERROUTER_H
 #define ORV_EXT_CM_BACKPOINTERROUTER_H
 
+#include "HostFlag.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "OrvReturn.h"
@@ -21,8 +22,11 @@ public:
     explicit BackPointerRouter(const OrvOamSpiManagedObject_3* table) : mTable(table) {}
 
     OrvReturnT exists(unsigned long txHandle, const char* dn, bool& found) const {
-        found = false;
-        return mTable != nullptr ? mTable->existsMo(txHandle, dn, &found) : OrvFailure;
+        bool answer = false;
+        const OrvReturnT code =
+            mTable != nullptr ? mTable->existsMo(txHandle, dn, &answer) : OrvFailure;
+        found = isSet(answer);
+        return code;
     }
 
     /// False also if the router cannot tell.

@@ -25,6 +25,10 @@ namespace {
 
 constexpr int childLookupLimit = 60;
 
+// A router that reports a child of every MO that it is asked about would lead down for ever. The
+// DNs of all levels are kept meanwhile, so the limit is also one on memory.
+constexpr std::size_t deepestSubtree = 20000;
+
 void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* attribute,
                       const char* dn) {
     ORV_TRACE_AT(operation, "Error code %d received when reading attribute %s in %s.", code,
@@ -81,6 +85,9 @@ OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
     for (; walk.more(); walk.advance()) {
         ORV_TRACE("Found BiDir with handle %llu", walk.current());
         bidirs.push_back(walk.current());
+    }
+    if (walk.isCutOff()) {
+        withoutRepeats(bidirs);
     }
     return OrvOk;
 }
@@ -291,8 +298,8 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
 // ---------------------------------------------------------------------------------------------
 // A deleted MO
 
-BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle, const char* moDn)
-    : dn(moDn), accessor(Orv::OrvLockPolicyRead, childLookupLimit) {
+BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle, std::string moDn)
+    : dn(std::move(moDn)), accessor(Orv::OrvLockPolicyRead, childLookupLimit) {
     accessor.useTransaction(txHandle);
 }
 
@@ -309,9 +316,9 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
     while (!path.empty()) {
         MoToLeave& mo = path.back();
         if (!mo.children.empty()) {
-            const std::string child = std::move(mo.children.front());
+            std::string child = std::move(mo.children.front());
             mo.children.pop_front();
-            descend(operation, txHandle, child.c_str(), path);
+            descend(operation, txHandle, std::move(child), path);
         } else if (!mo.childClasses.empty()) {
             mo.accessor.getChildren(mo.dn, mo.childClasses.front(), mo.children);
             mo.childClasses.pop_front();
@@ -325,11 +332,16 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
 
 /// Adds the MO to \p path, unless its class is not known: then nothing is done for it and what lies
 /// below it. Gives back the code of the class lookup.
-OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHandle, const char* dn,
+OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHandle, std::string dn,
                                std::list<MoToLeave>& path) const {
-    MoToLeave& mo = path.emplace_back(txHandle, dn);
+    if (path.size() == deepestSubtree) {
+        ORV_LOG_AT(operation, 3, "A subtree to delete does not end: cut off after %d levels",
+                   static_cast<int>(deepestSubtree));
+        return OrvFailure;
+    }
+    MoToLeave& mo = path.emplace_back(txHandle, std::move(dn));
     VekOamSpiMrMocHandle_4T moc = 0;
-    const OrvReturnT code = lookUpMoc(operation, dn, moc);
+    const OrvReturnT code = lookUpMoc(operation, mo.dn.c_str(), moc);
     if (code == OrvOk) {
         mo.childClasses = containedClasses(operation, moc);
     } else {
@@ -356,6 +368,9 @@ std::list<std::string> BiDirUtils::containedClasses(const TracePoint& operation,
         VekOamSpiMrMocHandle_4T contained = 0;
         model.containment->getContainedMoc(walk.current(), &contained);
         names.emplace_back(textOrEmpty(ModelReader(modelRepository).mocName(contained)));
+    }
+    if (walk.isCutOff()) {
+        withoutRepeats(names);
     }
     if (walk.code() != OrvNotExist) {
         ORV_LOG_AT(operation, 3, "Model repository returned error code %d", walk.code());

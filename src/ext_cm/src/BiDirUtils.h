@@ -172,7 +172,7 @@ private:
 
     /// An MO of a subtree that is deleted, while what lies below it is taken care of.
     struct MoToLeave {
-        MoToLeave(unsigned long txHandle, const char* moDn);
+        MoToLeave(unsigned long txHandle, std::string moDn);
 
         std::string dn;
         Orv::MoAccessor accessor;
@@ -195,7 +195,7 @@ private:
     OrvReturnT editTargets(Edit edit, const std::vector<std::string>& targets, const Source& source,
                            VekOamSpiMrAssociationEndHandle_4T near, VekOamSpiMrMocHandle_4T farMoc,
                            OrvReturnT code);
-    OrvReturnT descend(const TracePoint& operation, unsigned long txHandle, const char* dn,
+    OrvReturnT descend(const TracePoint& operation, unsigned long txHandle, std::string dn,
                        std::list<MoToLeave>& path) const;
     std::list<std::string> containedClasses(const TracePoint& operation,
                                             VekOamSpiMrMocHandle_4T moc) const;

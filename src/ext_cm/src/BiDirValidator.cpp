@@ -3,6 +3,7 @@
 
 #include "BiDirValidator.h"
 
+#include "HostFlag.h"
 #include "MessageText.h"
 #include "ModelReader.h"
 #include "ModelWalk.h"
@@ -83,7 +84,7 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
         ORV_TRACE("Validating: %s, %s", dn, attribute);
         bool exists = false;
         code = moRouter->existsMo(txHandle, dn, &exists);
-        if (code != OrvOk || !exists) {
+        if (code != OrvOk || !isSet(exists)) {
             continue; // an MO that is gone needs no check
         }
         HeldResult held(*this);

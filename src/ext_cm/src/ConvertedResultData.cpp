@@ -48,12 +48,18 @@ ConvertedResultData& ConvertedResultData::addNested(OrvMoAttributeValueContainer
 }
 
 void ConvertedResultData::releaseFunc(OrvMoAttributeValueContainer_3* container) {
+    if (container == nullptr) {
+        return;
+    }
     const ConvertedResultData* const view = viewOf(container);
     releaseQuietly(view->_origRelease, view->_origContainer);
     delete view;
 }
 
 void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** containers) {
+    if (containers == nullptr || containers[0] == nullptr) {
+        return;
+    }
     const ConvertedResultData* const first = viewOf(containers[0]);
     releaseQuietly(first->_origMultiRelease, first->_origContainers);
     for (std::size_t index = 0; containers[index] != nullptr; ++index) {

@@ -41,12 +41,11 @@ public:
     /// A view of \p container that lives as long as this one.
     ConvertedResultData& addNested(OrvMoAttributeValueContainer_3* container);
 
-    /// Releases a view together with its original, the original first. \p container is a view, not
-    /// null.
+    /// Releases a view together with its original, the original first. Null is nothing to release.
     static void releaseFunc(OrvMoAttributeValueContainer_3* container);
 
     /// Releases an array of views, the original's array first and once. \p containers came from
-    /// calloc, holds at least one view and is ended by a null pointer.
+    /// calloc and is ended by a null pointer. Without a view there is nothing to release.
     static void multiReleaseFunc(OrvMoAttributeValueContainer_3** containers);
 
 private:

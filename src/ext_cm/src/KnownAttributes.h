@@ -49,7 +49,7 @@ IdSlot idSlotOf(const Container* value) {
 }
 
 /// True if \p value can be read as that of the attribute \p attrName (see isReadable). An id under
-/// a type code that is not that of a text is refused later without a look at what it points at.
+/// a type code that is not that of a text is not looked into: it is refused later (see IdSlot).
 template <class Container>
 bool isReadableAs(const char* attrName, const Container& value) {
     if (isNetworkManagedElementId(attrName)) {

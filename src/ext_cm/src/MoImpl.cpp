@@ -31,6 +31,10 @@ OrvMoAttributeValueContainer* newContainer(Orv::AutoMemory& memory, std::int32_t
     return container;
 }
 
+bool canBePassed(const OrvMoAttributeValueContainer& parameter) {
+    return isReadable(parameter);
+}
+
 // The id may be without a value here, or hold no text: either is answered with a code of its own.
 bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
     if (attrName == nullptr) {
@@ -40,15 +44,6 @@ bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
         return true;
     }
     return value != nullptr && isReadable(*value);
-}
-
-bool areReadable(OrvMoAttributeValueContainer* const* parameters) {
-    for (; *parameters != nullptr; ++parameters) {
-        if (!isReadable(**parameters)) {
-            return false;
-        }
-    }
-    return true;
 }
 
 }
@@ -98,8 +93,8 @@ OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const 
                                   const OrvMoAttributeValueContainer* value) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, canBeSet(attrName, value), idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
+                                            [&] { return canBeSet(attrName, value); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -125,8 +120,8 @@ OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const 
                                   OrvMoAttributeValueContainer** result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, areThere(attrName, result), idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
+                                            [&] { return areThere(attrName, result); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -144,7 +139,7 @@ OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* 
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
     std::string internalDn;
-    const OrvReturnT opened = openCreation(started, true, idMappings, dn, internalDn);
+    const OrvReturnT opened = openCreation(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -155,7 +150,7 @@ OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* 
 OrvReturnT MoImpl::deleteMo(unsigned long txHandle, const char* dn) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -167,9 +162,9 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
                           OrvMoAttributeValueContainer** result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, areThere(parameters, result) && areReadable(parameters), idMappings,
-                      dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+        return areThere(parameters, result) && allOf(parameters, canBePassed);
+    });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }

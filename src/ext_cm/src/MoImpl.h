@@ -93,10 +93,11 @@ public:
         if (router == nullptr) {
             return ORV_TRACE_RESULT(OrvNotActive);
         }
+        const bool atRoot = record->atRoot; // the record may end while the router works
         char* name = nullptr;
         const OrvReturnT code = router->nextMo(toHandle(record->routerHandle), &name);
         *result = name;
-        if (code == OrvOk && name != nullptr && record->atRoot) {
+        if (code == OrvOk && name != nullptr && atRoot) {
             *result = const_cast<char*>(mappings.rootIdentity());
         }
         return ORV_TRACE_RESULT(code);
@@ -156,7 +157,8 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
     ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", shown(dn), shown(className));
     std::string internalDn;
     // Unlike in all other operations nobody looks here whether the service is started.
-    const OrvReturnT opened = openWalk(true, areThere(iterator), mappings, dn, internalDn);
+    const OrvReturnT opened =
+        openWalk(true, mappings, dn, internalDn, [&] { return areThere(iterator); });
     if (opened == OrvNotExist) {
         ORV_TRACE_EXIT(" << Error: %s", "OrvNotExist");
         return opened;

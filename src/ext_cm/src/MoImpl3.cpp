@@ -56,24 +56,14 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
 }
 
 // A name is read only where back-pointers must follow.
-bool canBeCreatedWith(OrvMoNamedAttributeValueContainer_3* const* attributes) {
-    for (; attributes != nullptr && *attributes != nullptr; ++attributes) {
-        const OrvMoNamedAttributeValueContainer_3& attribute = **attributes;
-        const bool isReference = attribute.value.type == OrvMoAttributeTypeMoRef_3;
-        if ((isReference && attribute.name == nullptr) || !isReadable(attribute.value)) {
-            return false;
-        }
-    }
-    return true;
+bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
+    const bool isNamed =
+        attribute.name != nullptr || attribute.value.type != OrvMoAttributeTypeMoRef_3;
+    return isNamed && isReadable(attribute.value);
 }
 
-bool areReadable(OrvMoNamedAttributeValueContainer_3* const* parameters) {
-    for (; *parameters != nullptr; ++parameters) {
-        if (!isReadable((*parameters)->value)) {
-            return false;
-        }
-    }
-    return true;
+bool canBePassed(const OrvMoNamedAttributeValueContainer_3& parameter) {
+    return isReadable(parameter.value);
 }
 
 bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer_3* value) {
@@ -144,7 +134,7 @@ MoInterceptorBase* MoImpl3::interceptorFor(const std::string& internalDn) {
 OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -155,7 +145,7 @@ OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, cons
                                     unsigned long long* count) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openWalk(started, true, idMappings, dn, internalDn);
+    const OrvReturnT opened = openWalk(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -172,7 +162,7 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
     }
     std::string internalDn;
     const OrvReturnT opened =
-        openOperation(started, areThere(attrName), idMappings, dn, internalDn);
+        openOperation(started, idMappings, dn, internalDn, [&] { return areThere(attrName); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -191,8 +181,8 @@ OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, cons
                                     OrvMoAttributeValuesResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, areThere(attrNames, result), idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
+                                            [&] { return areThere(attrNames, result); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -222,9 +212,9 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
     std::string parentDn;
-    const OrvReturnT opened = openCreation(
-        started, areThere(className, attrName, attrValue) && canBeCreatedWith(attributes),
-        idMappings, dn, parentDn);
+    const OrvReturnT opened = openCreation(started, idMappings, dn, parentDn, [&] {
+        return areThere(className, attrName, attrValue) && allOf(attributes, canBeCreatedWith);
+    });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -254,8 +244,10 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
 void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
-        recordReferences(biDirUtils, uniDirValidator, created, attributes[index]->name,
-                         attributes[index]->value);
+        const OrvMoNamedAttributeValueContainer_3& attribute = *attributes[index];
+        if (canBeCreatedWith(attribute)) { // also after the router had the array in its hands
+            recordReferences(biDirUtils, uniDirValidator, created, attribute.name, attribute.value);
+        }
     }
     biDirUtils.updatePendingBackPointer(created.txHandle, created.backPointerDn, namingAttr);
 }
@@ -264,8 +256,8 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
                                    const OrvMoAttributeValueContainer_3* value) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, canBeSet(attrName, value), idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
+                                            [&] { return canBeSet(attrName, value); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -289,7 +281,7 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
 OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, true, idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -305,9 +297,9 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
                            OrvMoAttributeValueResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, areThere(parameters, result) && areReadable(parameters), idMappings,
-                      dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+        return areThere(parameters, result) && allOf(parameters, canBePassed);
+    });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }

@@ -77,7 +77,7 @@ public:
     /// The MO leaves the records of associations before the router is asked.
     OrvReturnT deleteMo(unsigned long txHandle, const char* dn);
 
-    /// \p parameters is not null. A result without values stays the router's.
+    /// A result without values stays the router's. \p name and the parameters' names may be null.
     OrvReturnT action(unsigned long txHandle, const char* dn, const char* name,
                       OrvMoNamedAttributeValueContainer_3** parameters,
                       OrvMoAttributeValueResult_3* result);

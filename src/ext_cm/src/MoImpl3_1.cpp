@@ -19,14 +19,10 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-bool canBeSet(VekMoNamedAttributeValueContainer_3* const* attributes) {
-    for (; *attributes != nullptr; ++attributes) {
-        const VekMoNamedAttributeValueContainer_3& attribute = **attributes;
-        if (attribute.name == nullptr || !isReadableAs(attribute.name, attribute.value)) {
-            return false;
-        }
-    }
-    return true;
+// An id without values is not looked at, so that it may have slots that cannot be read.
+bool canBeSet(const VekMoNamedAttributeValueContainer_3& attribute) {
+    return attribute.name != nullptr &&
+           (attribute.value.count == 0 || isReadableAs(attribute.name, attribute.value));
 }
 
 // The value of the first id that must not stand in a DN, or null. Unlike in version 3, an attribute
@@ -108,8 +104,9 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                       VekMoNamedAttributeValueContainer_3** attributes) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
     std::string internalDn;
-    const OrvReturnT opened = openOperation(started, areThere(attributes) && canBeSet(attributes),
-                                            idMappings, dn, internalDn);
+    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+        return areThere(attributes) && allOf(attributes, canBeSet);
+    });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }

@@ -4,6 +4,7 @@
 #ifndef ORV_EXT_CM_MODELREADER_H
 #define ORV_EXT_CM_MODELREADER_H
 
+#include "HostFlag.h"
 #include "VekOamSpiModelRepository_4.h"
 
 #include <cstring>
@@ -126,14 +127,10 @@ public:
         return text;
     }
 
-    // A host may tell a set flag by any byte but zero, which a `bool` must not be read with.
     bool endKeepsAtDelete(VekOamSpiMrAssociationEndHandle_4T end) const {
         bool keep = false;
         mModel.associationEnd->getEndBoolProperty(end, VekOamSpiMrEndKeepAtDelete_4, &keep);
-        unsigned char byte = 0;
-        static_assert(sizeof(byte) == sizeof(keep));
-        std::memcpy(&byte, &keep, sizeof(byte));
-        return byte != 0;
+        return isSet(keep);
     }
 
     long long endBound(VekOamSpiMrAssociationEndHandle_4T end, int identifier) const {

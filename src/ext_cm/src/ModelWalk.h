@@ -7,6 +7,8 @@
 #include "OrvReturn.h"
 #include "Tracing.h"
 
+#include <list>
+#include <set>
 #include <utility>
 
 /// \file
@@ -23,7 +25,8 @@
 ///     for (; walk.more(); walk.advance()) { ... walk.current() ... }
 ///
 /// No model has lists of a million members. A list that goes on after that leads back into itself:
-/// it is cut off there, with a log, and counts as ended.
+/// it is cut off there, with a log, and counts as ended. What was gathered from it until then may
+/// stand there many times over; withoutRepeats leaves one of each.
 
 namespace OrvExtCmRouterService {
 
@@ -34,14 +37,15 @@ public:
 
     /// \p code, which a step answered; or OrvNotExist after too many steps.
     OrvReturnT cutOff(OrvReturnT code) {
-        ++mSteps;
-        if (mSteps < mostSteps || code == OrvNotExist) {
+        if (code == OrvNotExist || ++mSteps < mostSteps) {
             return code;
         }
         ORV_LOG_AT(mPoint, 3, "A list of the model repository does not end: cut off after %d steps",
                    mSteps);
         return OrvNotExist;
     }
+
+    bool hasCutOff() const { return mSteps == mostSteps; }
 
 private:
     static constexpr int mostSteps = 1000000;
@@ -74,6 +78,9 @@ public:
         }
     }
 
+    /// True if the walk has ended at its limit.
+    bool isCutOff() const { return mLimit.hasCutOff(); }
+
     /// What the last step answered. OrvNotExist is the regular end of a list; whether another code
     /// is a failure is for the user of the walk to say.
     OrvReturnT code() const { return mCode; }
@@ -84,6 +91,13 @@ private:
     Next mNext;
     StepLimit mLimit;
 };
+
+/// Leaves the first of what stands several times in \p gathered, in its order.
+template <class Entry>
+void withoutRepeats(std::list<Entry>& gathered) {
+    std::set<Entry> seen;
+    gathered.remove_if([&](const Entry& entry) { return !seen.insert(entry).second; });
+}
 
 /// A walk from the head of a list, for the operation at \p point.
 template <class Handle, class First, class Next>

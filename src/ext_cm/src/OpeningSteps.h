@@ -35,21 +35,55 @@ bool areThere(const Pointers*... pointers) {
     return (... && (pointers != nullptr));
 }
 
-/// For an operation on the MO \p dn (external): OrvNotActive if the service is stopped, OrvFailure
-/// if the DN is null or the other arguments cannot be read, OrvNotExist if the DN cannot be
-/// translated, otherwise OrvOk and the internal form. Nothing has been done yet when it refuses.
-OrvReturnT openOperation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
-                         const char* dn, std::string& internalDn);
+/// For operations that read through nothing but the DN.
+inline bool nothingElse() {
+    return true;
+}
+
+/// What every operation on \p dn asks before it does anything: OrvNotActive if the service is
+/// stopped, OrvFailure if the DN is null or \p areReadable says that other arguments cannot be
+/// read. A stopped service reads none of them.
+template <class AreReadable>
+OrvReturnT admit(bool started, const char* dn, const AreReadable& areReadable) {
+    if (!started) {
+        return OrvNotActive;
+    }
+    return dn != nullptr && areReadable() ? OrvOk : OrvFailure;
+}
+
+/// For an operation on the MO \p dn (external): what admit answers, OrvNotExist if the DN cannot be
+/// translated, otherwise OrvOk and the internal form.
+template <class AreReadable>
+OrvReturnT openOperation(bool started, const IdMappings& mappings, const char* dn,
+                         std::string& internalDn, const AreReadable& areReadable) {
+    const OrvReturnT admitted = admit(started, dn, areReadable);
+    if (admitted != OrvOk) {
+        return admitted;
+    }
+    internalDn = mappings.toInternalDn(dn);
+    return internalDn.empty() ? OrvNotExist : OrvOk;
+}
 
 /// For a question about the children of \p dn: the same, but an empty DN is the top level and does
 /// not go to the translator.
-OrvReturnT openWalk(bool started, bool argumentsAreReadable, const IdMappings& mappings,
-                    const char* dn, std::string& internalDn);
+template <class AreReadable>
+OrvReturnT openWalk(bool started, const IdMappings& mappings, const char* dn,
+                    std::string& internalDn, const AreReadable& areReadable) {
+    if (dn != nullptr && *dn == '\0') {
+        internalDn.clear();
+        return admit(started, dn, areReadable);
+    }
+    return openOperation(started, mappings, dn, internalDn, areReadable);
+}
 
 /// For the creation of a child of \p dn: the same, but an empty DN goes to the translator, which
 /// may answer it with an empty one.
-OrvReturnT openCreation(bool started, bool argumentsAreReadable, const IdMappings& mappings,
-                        const char* dn, std::string& internalDn);
+template <class AreReadable>
+OrvReturnT openCreation(bool started, const IdMappings& mappings, const char* dn,
+                        std::string& internalDn, const AreReadable& areReadable) {
+    const OrvReturnT code = openOperation(started, mappings, dn, internalDn, areReadable);
+    return code == OrvNotExist && *dn == '\0' ? OrvOk : code;
+}
 
 }
 

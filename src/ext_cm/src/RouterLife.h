@@ -25,7 +25,11 @@ template <class Table>
 bool takeRouter(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
                 Table*& router, bool& started) {
     if (!started) {
+        router = nullptr; // what an earlier lookup has left is no answer to this one
         started = lookUpTable(portal, identity, router) == OrvOk && router != nullptr;
+        if (!started) {
+            router = nullptr;
+        }
     }
     return started;
 }

@@ -14,11 +14,11 @@ namespace {
 void writeResult(const TracePoint& point, OrvReturnT code) {
     Orv::LoggingWrapper* const wrapper = Orv::LoggingWrapper::instance();
     if (wrapper->get_level() > traceGate) {
-        const char* const text = Orv::OrvReturn::strerror(code);
+        // Asked for twice: the text of a host's own code ends when the sink asks for another.
         wrapper->trace_printf(point.file, point.function, point.line, TraceExit, " << ret: %s",
-                              text);
+                              Orv::OrvReturn::strerror(code));
         wrapper->trace_v2_printf(Orv::Trace::ExtCm, traceLevel, point.file, point.function,
-                                 point.line, " << ret: %s", text);
+                                 point.line, " << ret: %s", Orv::OrvReturn::strerror(code));
     }
 }
 

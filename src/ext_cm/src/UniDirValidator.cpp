@@ -3,6 +3,7 @@
 
 #include "UniDirValidator.h"
 
+#include "HostFlag.h"
 #include "ModelAnswer.h"
 #include "ModelWalk.h"
 #include "OrvException.h"
@@ -26,11 +27,6 @@ const char* endName(VekOamSpiModelRepository_4 const& repository, Association as
     throwUnlessOk(repository.associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &name),
                   "Failed to look up association end name.");
     return name;
-}
-
-// What the caller's flag holds, also when nobody has written to it.
-int byteOf(bool const* flag) {
-    return *reinterpret_cast<unsigned char const*>(flag);
 }
 
 }
@@ -142,7 +138,7 @@ OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), code);
     }
     ORV_TRACE("Validate tx: %d result: %d return code: %d", static_cast<int>(txHandle),
-              byteOf(result), code);
+              byteOf(*result), code);
     return code;
 }
 

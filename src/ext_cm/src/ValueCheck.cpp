@@ -12,7 +12,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-constexpr std::size_t mostMembers = 10000000;
+constexpr std::size_t mostPieces = 4000000;
 
 /// Looks at one value, a container at a time.
 template <class Container>
@@ -48,18 +48,19 @@ private:
         if (value.values == nullptr) {
             return false;
         }
-        return isReference ? hasAllTexts(value) : entersStruct(value);
+        return isReference ? readsTexts(value) : entersStruct(value);
     }
 
-    static bool hasAllTexts(const Container& value) {
-        return std::all_of(value.values, value.values + value.count,
-                           [](const Slot& slot) { return slot.moRef != nullptr; });
+    bool readsTexts(const Container& value) {
+        return std::all_of(value.values, value.values + value.count, [this](const Slot& slot) {
+            return takesPiece() && slot.moRef != nullptr;
+        });
     }
 
     bool entersStruct(const Container& value) {
         for (const Member* member = value.values[0].structValue; member != nullptr;
              member = member->next) {
-            if (!counts() || member->value == nullptr) {
+            if (!takesPiece() || member->value == nullptr) {
                 return false;
             }
             if (member->value->type == OrvMoAttributeTypeMoRef_3) {
@@ -71,13 +72,14 @@ private:
     }
 
     bool readsMembers(const Container& value) {
-        return std::all_of(value.values, value.values + value.count,
-                           [this](const Slot& slot) { return readsMembers(slot.structValue); });
+        return std::all_of(value.values, value.values + value.count, [this](const Slot& slot) {
+            return takesPiece() && readsMembers(slot.structValue);
+        });
     }
 
     bool readsMembers(const Member* first) {
         for (const Member* member = first; member != nullptr; member = member->next) {
-            if (!counts() || member->name == nullptr) {
+            if (!takesPiece() || member->name == nullptr) {
                 return false;
             }
             if (member->value == nullptr ? membersNeedValues : !enter(*member->value)) {
@@ -87,10 +89,10 @@ private:
         return true;
     }
 
-    bool counts() { return ++mMembers <= mostMembers; }
+    bool takesPiece() { return ++mPieces <= mostPieces; }
 
     std::vector<const Container*> mStructs;
-    std::size_t mMembers = 0;
+    std::size_t mPieces = 0;
 };
 
 }

@@ -9,17 +9,31 @@
 namespace OrvExtCmRouterService {
 
 /// True if everything is there that a conversion of \p value reads: the slots of references and of
-/// structs that show a reference, the texts of references, the members' names and values. A value
-/// without references is not looked into, whatever its fields say.
+/// structs; the values of the first struct's members, up to the first reference; and if there is
+/// one, all members' names and values and the texts of all references. Values of other types are
+/// not looked into, whatever their fields say.
 ///
 /// To be asked of a client's values before anything is done with them, so that a refusal leaves
 /// nothing behind, and of a router's before they are converted. Structs of any depth are looked at
-/// without recursion; a value with more than ten million members counts as not readable, since only
-/// a list that leads back into itself has so many.
+/// without recursion. A value of more than four million pieces (members, slots and texts) counts as
+/// not readable: so many has only one that leads back into itself.
 ///
-/// A member without a value is an empty one in versions 3 and 3_1. In version 1 it cannot be read.
+/// Once a struct has shown a reference, a member without a value is an empty one in versions 3 and
+/// 3_1. In version 1 it cannot be read.
 bool isReadable(const OrvMoAttributeValueContainer_3& value);
 bool isReadable(const OrvMoAttributeValueContainer& value);
+
+/// True if \p holds says so of all \p records, which are ended by a null pointer. No array has
+/// none.
+template <class Record, class Predicate>
+bool allOf(Record* const* records, const Predicate& holds) {
+    for (; records != nullptr && *records != nullptr; ++records) {
+        if (!holds(**records)) {
+            return false;
+        }
+    }
+    return true;
+}
 
 /// True if \p value holds structs and the first one has a member that is a reference. The others,
 /// and structs below the first, are not asked: a producer shows by its first value whether a struct

@@ -26,7 +26,7 @@ public:
     /// Appends to `children` the full internal DNs of the children of `parentDn` (internal; empty:
     /// the top level) of the class `className`, in the router's order. Returns the code of the
     /// router's first step that fails, after which `children` holds what was found until then, or
-    /// OrvFailure if there is no router.
+    /// OrvFailure if there is no router or the router gives a name twice.
     OrvReturnT getChildren(const std::string& parentDn, const std::string& className,
                            std::list<std::string>& children);
 };

@@ -6,7 +6,8 @@
 #include "OrvOamSpiManagedObject_3.h"
 #include "Portal.h"
 
-#include <exception>
+#include <string_view>
+#include <unordered_set>
 
 namespace Orv {
 
@@ -27,7 +28,7 @@ public:
     ~RouterIterator() {
         try {
             mRouter.finalizeMoIterator(mHandle);
-        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        } catch (...) { // NOLINT(bugprone-empty-catch)
         }
     }
 
@@ -38,9 +39,11 @@ private:
     unsigned long long mHandle;
 };
 
-// The router tells the naming value only.
+// The router gives the naming value only. No parent has two children of one class and name: a
+// router that gives a name a second time would do so for ever.
 OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
                           std::list<std::string>& children) {
+    std::unordered_set<std::string_view> known; // texts in the list, which stay where they are
     for (;;) {
         char* name = nullptr;
         const OrvReturnT code = iterator.next(&name);
@@ -48,6 +51,10 @@ OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
             return code;
         }
         children.push_back(prefix + name);
+        if (!known.insert(children.back()).second) {
+            children.pop_back();
+            return OrvFailure;
+        }
     }
 }
 

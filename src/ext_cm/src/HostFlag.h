@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_EXT_CM_HOSTFLAG_H
+#define ORV_EXT_CM_HOSTFLAG_H
+
+#include <cstring>
+
+namespace OrvExtCmRouterService {
+
+/// The byte of a flag that a host, or nobody, has written to. Other bytes than 0 and 1 may stand
+/// there, which must not be read as a `bool`.
+inline unsigned char byteOf(const bool& flag) {
+    unsigned char byte = 0;
+    static_assert(sizeof(byte) == sizeof(flag));
+    std::memcpy(&byte, &flag, sizeof(byte));
+    return byte;
+}
+
+/// True for any byte but zero.
+inline bool isSet(const bool& flag) {
+    return byteOf(flag) != 0;
+}
+
+}
+
+#endif
