@@ -234,7 +234,6 @@ TEST_F(Reads, GetMoAttributes_RouterRefuses_ResultStaysAsTheRouterLeftIt) {
     EXPECT_THAT(host.calls("Producer."), IsEmpty());
 }
 
-// Unlike the read of one attribute, this one leaves it to the router to refuse a null result.
 TEST_F(Reads, GetMoAttributes_NullResult_TheRouterIsNotAsked) {
     const char* names[] = {"label", nullptr};
     EXPECT_EQ(client().table->getMoAttributes(3, kUnit.c_str(), names, nullptr), OrvFailure);

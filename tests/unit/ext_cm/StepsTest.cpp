@@ -4,7 +4,6 @@
 // What the interface versions have in common: opening steps, and the attributes known by name.
 
 #include "KnownAttributes.h"
-#include "OpeningSteps.h"
 
 #include <gtest/gtest.h>
 
@@ -33,39 +32,6 @@ TEST_F(StepsTest, ConvertDn_GoesBothWays) {
     EXPECT_EQ(mappings.convertDn("ManagedElement=1", IdMappings::ToExternal),
               "ManagedElement=paris");
     static_assert(IdMappings::ToInternal == 0 && IdMappings::ToExternal == 1);
-}
-
-TEST_F(StepsTest, OpenOperation_AllOutcomes) {
-    EXPECT_EQ(openOperation(false, true, mappings, "A=1", dn), OrvNotActive);
-    EXPECT_EQ(openOperation(false, false, mappings, nullptr, dn), OrvNotActive);
-    EXPECT_EQ(openOperation(true, true, mappings, nullptr, dn), OrvFailure);
-    EXPECT_EQ(openOperation(true, false, mappings, kForeign, dn), OrvFailure);
-    EXPECT_EQ(dn, "untouched");
-    EXPECT_EQ(openOperation(true, true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openOperation(true, true, mappings, "", dn), OrvNotExist);
-    EXPECT_EQ(openOperation(true, true, mappings, "ManagedElement=paris,A=1", dn), OrvOk);
-    EXPECT_EQ(dn, "ManagedElement=1,A=1");
-}
-
-TEST_F(StepsTest, OpenWalk_EmptyDn_IsTheTopLevel) {
-    EXPECT_EQ(openWalk(false, true, mappings, "", dn), OrvNotActive);
-    EXPECT_EQ(openWalk(true, true, mappings, nullptr, dn), OrvFailure);
-    EXPECT_EQ(openWalk(true, false, mappings, "", dn), OrvFailure);
-    EXPECT_EQ(openWalk(true, true, mappings, "", dn), OrvOk);
-    EXPECT_EQ(dn, "");
-    EXPECT_EQ(openWalk(true, true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openWalk(true, true, mappings, "A=1", dn), OrvOk);
-    EXPECT_EQ(dn, "A=1");
-}
-
-TEST_F(StepsTest, OpenCreation_EmptyDn_TakesWhatTheTranslatorGives) {
-    EXPECT_EQ(openCreation(false, true, mappings, "", dn), OrvNotActive);
-    EXPECT_EQ(openCreation(true, true, mappings, nullptr, dn), OrvFailure);
-    EXPECT_EQ(openCreation(true, false, mappings, "", dn), OrvFailure);
-    EXPECT_EQ(openCreation(true, true, mappings, "", dn), OrvOk);
-    EXPECT_EQ(dn, "");
-    EXPECT_EQ(openCreation(true, true, mappings, kForeign, dn), OrvNotExist);
-    EXPECT_EQ(openCreation(true, true, mappings, "A=1", dn), OrvOk);
 }
 
 TEST_F(StepsTest, IsRootId_TestsNamePrefixAndCommas) {
