@@ -24,7 +24,8 @@ bool isNamedBack(const Model& model, const ClassDef& moc, const std::string& att
                        });
 }
 
-// References back are brought up to date before the attribute itself is set, except in version 1.
+// In versions 3 and 3_1 the references back are updated before the attribute itself is set, so a
+// refused write may have changed them.
 bool mayHaveMovedReferences(Session& session, const OperationSubject& subject) {
     const bool isSet =
         subject.operation == "setMoAttributes" ||

@@ -13,8 +13,8 @@ namespace OrvHost {
 
 class Session;
 
-/// What a refused write leaves behind in the current transaction, and what is to be done about it:
-/// a line for each, none if nothing stays. Without a transaction nothing ever does.
+/// What a refused write leaves in the current transaction, and what the user should do about it:
+/// one line each, no line if nothing is left. Without a transaction nothing is ever left.
 std::vector<std::string> aftermathOf(Session& session, const OperationError& error);
 
 }

@@ -10,7 +10,7 @@ namespace OrvHost {
 
 namespace {
 
-// A second value makes a list of the first.
+// A second value turns the first one into a list.
 void add(JsonValue& all, const std::string& name, const JsonValue& value) {
     if (!all.contains(name)) {
         all[name] = value;

@@ -15,9 +15,9 @@ namespace OrvHost {
 /// Finds the definition of an attribute or a parameter; null for one that the model does not know.
 using FindDefinition = std::function<const AttributeDef*(const std::string& name)>;
 
-/// Reads the words behind a command that sets something. Each is NAME=VALUE (see parseValue), where
-/// a name that comes again adds to the values of the first; or a JSON object with several names.
-/// Gives the names in their order. Throws UsageError for what is neither.
+/// Reads the words after a command that sets something. Each is either NAME=VALUE (see parseValue),
+/// where a repeated name adds its value to the earlier ones; or a JSON object with several names.
+/// Returns the names in their order. Throws UsageError for anything else.
 std::vector<NamedValue> parseAssignments(const std::vector<std::string>& words,
                                          const FindDefinition& find);
 

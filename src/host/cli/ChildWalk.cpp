@@ -22,7 +22,8 @@ ChildWalk::ChildWalk(Session& session, std::string dn, const std::optional<std::
     mClasses = diagnosis.childClasses(mDn.empty() ? nullptr : diagnosis.classOf(mDn));
 }
 
-// A class without children is never walked, so nobody else would notice.
+// For a class without children no walk is started, so no call of the component would notice that
+// the object does not exist.
 void ChildWalk::requireObject() const {
     const bool exists = mSession.read(
         [&](unsigned long txHandle) { return mSession.client().exists(txHandle, mDn); });

@@ -14,18 +14,18 @@ namespace OrvHost {
 class Session;
 struct ClassDef;
 
-/// Which classes to ask for when children of an object are counted or walked: the tables take one
-/// class at a time, and the model knows which there are.
+/// The classes to ask for when children of an object are counted or walked: the tables take one
+/// class at a time, and the model lists the possible ones.
 class ChildWalk {
 public:
-    /// \p dn is external; empty: the top level. With \p oneClass only that one, whether the model
-    /// knows it or not: it is the component that answers. Without it, throws OperationError if
-    /// there is no object \p dn.
+    /// \p dn is external; empty: the top level. With \p oneClass only that class, even if the model
+    /// does not know it, so that the component gives the answer. Without \p oneClass, throws
+    /// OperationError if there is no object \p dn.
     ChildWalk(Session& session, std::string dn, const std::optional<std::string>& oneClass);
 
     const std::vector<std::string>& classes() const { return mClasses; }
 
-    /// What is done with each child; false ends the walk.
+    /// Called for each child; false ends the walk.
     using Visit = std::function<bool(const std::string& className, const std::string& name)>;
 
     /// Walks the children, class after class.

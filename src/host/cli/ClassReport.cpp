@@ -161,7 +161,7 @@ JsonValue ClassReport::attributeJson(const AttributeDescription& description) co
     return document;
 }
 
-// The repository tells a single permitted class; where there are several the model tells which.
+// The repository names a single permitted class only; if there are several, the model has them.
 std::string ClassReport::referenceText(const AttributeDescription& description) const {
     const AttributeDef* def = mClass.findAttribute(description.name);
     if (description.referencedClass.empty()) {

@@ -13,8 +13,9 @@
 
 namespace OrvHost {
 
-/// All that is told of one class. Attributes, children and associations come from the model
-/// repository; what that does not tell (types in words, defaults, actions) comes from the model.
+/// All facts that are shown about one class. Attributes, children and associations come from the
+/// model repository; what that does not have (types in words, defaults, actions) comes from the
+/// model.
 class ClassReport {
 public:
     /// `model` must have the class and outlive the report.

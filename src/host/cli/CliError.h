@@ -14,12 +14,12 @@
 
 namespace OrvHost {
 
-/// What the process ends with.
+/// The exit status of the process.
 enum ExitStatus : int {
     ExitOk = 0,           ///< every command was answered
     ExitCommandError = 1, ///< a command was answered with an error
     ExitUsage = 2,        ///< an option, a command or its words cannot be understood
-    ExitLoad = 3          ///< a model, data or a component could not be taken in
+    ExitLoad = 3          ///< a model, data or a component could not be loaded
 };
 
 /// Words that cannot be understood.
@@ -28,7 +28,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A question about something that is not there, answered without the component.
+/// A question about something that does not exist, answered without the component.
 class AnswerError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -40,14 +40,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// What an operation was asked about, as the client told it.
+/// The object of an operation, in the client's words.
 struct OperationSubject {
     std::string operation; ///< name of the table's slot
     std::string dn;        ///< external
     std::string className; ///< empty where the operation takes none
     std::vector<std::string> attributes;
     std::string action{}; ///< empty where the operation calls none
-    /// What the same command had done before with other operations: "height is set".
+    /// What the same command did before with other operations: "height is set".
     std::vector<std::string> done{};
 };
 
@@ -63,7 +63,7 @@ public:
 
     OrvReturnT code() const { return mCode; }
     const OperationSubject& subject() const { return mSubject; }
-    /// What waited in the thread context when the code came.
+    /// The messages that were in the thread context when the code was returned.
     const std::vector<ThreadContext::Message>& messages() const { return mMessages; }
 
 private:

@@ -46,7 +46,7 @@ private:
     OrvMoAttributeValuesResult_3 mResult;
 };
 
-/// Says that the client is done with an iterator.
+/// Finalizes an iterator in its destructor.
 class OpenIterator {
 public:
     OpenIterator(OrvOamSpiManagedObject_3* table, unsigned long long handle)
@@ -164,8 +164,8 @@ JsonValue Client::action(unsigned long txHandle, const std::string& dn, const st
     return toJson(result.container, resultOf(def));
 }
 
-// Messages of calls that succeeded are nothing to a person: a component may have asked the router
-// on its own account and coped with the answer.
+// Messages of successful calls are not shown: a component may have called the router itself and
+// handled the refusal.
 void Client::check(OrvReturnT code, OperationSubject subject) {
     std::vector<ThreadContext::Message> messages = mHost.threadContext().take();
     if (code != OrvOk) {

@@ -17,7 +17,7 @@ namespace OrvHost {
 
 class Host;
 
-/// Where a new object is to stand, and what it is to be called.
+/// The place and the name of a new object.
 struct NewObject {
     std::string parentDn; ///< external; empty: the top level
     std::string className;
@@ -26,12 +26,11 @@ struct NewObject {
 };
 
 /// An MO client of interface version 3: calls the table that the component offers, looked up
-/// through the portal as any client's would be. All DNs are external, in values too. A code that is
-/// not OrvOk becomes an OperationError with the messages that the call left in the thread context;
-/// what is received is released before the operation returns.
+/// through the portal like any client. All DNs are external, in values too. A code that is not
+/// OrvOk becomes an OperationError with the messages that the call left in the thread context;
+/// results are released before the operation returns.
 ///
-/// Clients of the other versions derive from it, and override what their version does in its own
-/// way.
+/// Clients of the other versions derive from it and override what is different in their version.
 ///
 /// Threads: one at a time for each transaction.
 class Client {
@@ -49,7 +48,7 @@ public:
     unsigned long long count(unsigned long txHandle, const std::string& dn,
                              const std::string& className);
 
-    /// The value of one attribute. \p moc, which may be null, tells the attributes' multiplicity.
+    /// The value of one attribute. \p moc, which may be null, defines the attributes' multiplicity.
     virtual JsonValue get(unsigned long txHandle, const std::string& dn,
                           const std::string& attribute, const ClassDef* moc);
 
@@ -57,11 +56,11 @@ public:
     virtual JsonValue get(unsigned long txHandle, const std::string& dn,
                           const std::vector<std::string>& attributes, const ClassDef* moc);
 
-    /// What is done with each child; false ends the walk.
+    /// Called for each child; false ends the walk.
     using Visit = std::function<bool(const std::string& name)>;
 
-    /// Walks the children of one class; \p dn empty: the top level. The iterator is finalized also
-    /// when the walk ends early or \p visit throws.
+    /// Walks the children of one class; \p dn empty: the top level. The iterator is also finalized
+    /// if the walk ends early or \p visit throws.
     virtual void forEachChild(unsigned long txHandle, const std::string& dn,
                               const std::string& className, const Visit& visit);
 
@@ -69,15 +68,14 @@ public:
     virtual void create(unsigned long txHandle, const NewObject& object,
                         const std::vector<NamedValue>& attributes);
 
-    /// Sets attributes, one call for each, in their order: what stands before the one that is
-    /// refused is set.
+    /// Sets attributes in their order, one call for each: those before a refused one stay set.
     virtual void set(unsigned long txHandle, const std::string& dn,
                      const std::vector<NamedValue>& attributes);
 
     virtual void remove(unsigned long txHandle, const std::string& dn);
 
-    /// Calls an action and gives its result, or null. \p def is null for one that the model does
-    /// not know.
+    /// Calls an action and returns its result, or null. \p def is null if the model does not know
+    /// the action.
     virtual JsonValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
                              const std::vector<NamedValue>& parameters, const ActionDef* def);
 
@@ -94,7 +92,7 @@ private:
 std::string childOf(const std::string& parent, const std::string& className,
                     const std::string& name);
 
-/// The definition of an attribute, or null; so for a class that is null.
+/// The definition of an attribute, or null; also null if the class is null.
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
 
 /// The definition of an action's result, or null.

@@ -29,7 +29,7 @@ bool isKnown(const ActionDef& def, const std::string& name) {
                        [&](const AttributeDef& parameter) { return parameter.name == name; });
 }
 
-// The place behind the last parameter that is given.
+// The number of places up to the last parameter that is given.
 std::size_t placesNeeded(const ActionDef& def, const NamedValues& parameters) {
     std::size_t places = def.parameters.size();
     while (places > 0 &&

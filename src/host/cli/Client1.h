@@ -9,9 +9,9 @@
 
 namespace OrvHost {
 
-/// A client of interface version 1. The version has no way to ask whether an object exists or to
-/// count, so for these version 3 is used. What it hands out lives until the transaction ends, and
-/// is not released.
+/// A client of interface version 1. This version cannot ask whether an object exists and cannot
+/// count, so version 3 is used for these. Results live until the transaction ends, and are not
+/// released.
 class Client1 : public Client {
 public:
     explicit Client1(Host& host);
@@ -23,27 +23,28 @@ public:
                   const std::vector<std::string>& attributes, const ClassDef* moc) override;
     void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
                       const Visit& visit) override;
-    /// The version creates without attributes; they are set behind, one call for each.
+    /// This version creates objects without attributes; they are set afterwards, one call for each.
     void create(unsigned long txHandle, const NewObject& object,
                 const std::vector<NamedValue>& attributes) override;
     void set(unsigned long txHandle, const std::string& dn,
              const std::vector<NamedValue>& attributes) override;
     void remove(unsigned long txHandle, const std::string& dn) override;
-    /// Parameters go by position: they are put in the order of the definition, and one that is left
-    /// out before another must have a default. Throws UsageError if it has none.
+    /// Parameters go by position. They are put in the order of the definition, and a parameter that
+    /// is left out before another one must have a default. Throws UsageError if it has none.
     JsonValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
                      const std::vector<NamedValue>& parameters, const ActionDef* def) override;
 
 private:
-    /// \p done: what the same command did before, to be told if an attribute is refused.
+    /// \p done: what the same command did before, to be reported if an attribute is refused.
     void setAll(unsigned long txHandle, const std::string& dn,
                 const std::vector<NamedValue>& attributes, std::vector<std::string> done);
 
     OrvOamSpiManagedObject_1* mTable;
 };
 
-/// Parameters in the order of their definition, defaults in between where they are needed. What the
-/// definition does not know comes last. Throws UsageError as told above.
+/// Parameters in the order of their definition, with defaults for those that are left out in
+/// between. Parameters that the definition does not know come last. Throws UsageError if a default
+/// is missing.
 std::vector<NamedValue> inOrderOf(const ActionDef& def, const std::vector<NamedValue>& parameters);
 
 }

@@ -9,8 +9,8 @@
 
 namespace OrvHost {
 
-/// A client of interface version 3_1: sets several attributes in one call. That is all that the
-/// version has; for the rest its clients use version 3.
+/// A client of interface version 3_1: sets several attributes in one call. That is the only
+/// operation of this version; its clients use version 3 for the others.
 class Client3_1 : public Client {
 public:
     explicit Client3_1(Host& host);

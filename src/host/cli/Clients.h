@@ -13,15 +13,16 @@
 
 namespace OrvHost {
 
-/// One client for each version of the MO interface, of which one is chosen. At first it is 3_1,
-/// which has most. One thread.
+/// One client for each version of the MO interface, of which one is chosen. The first choice is
+/// 3_1, which can do the most. One thread.
 class Clients {
 public:
     /// Throws LoadError if a table is not offered. See Client.
     explicit Clients(Host& host) : m3(host), m3_1(host), m1(host) {}
 
     Client& chosen() { return *mChosen->second; }
-    /// Whatever is chosen. Its reads of attributes leave no trace of any kind in the component.
+    /// Version 3, independent of the chosen one. Its reads of attributes do not make the component
+    /// join the transaction.
     Client& version3() { return m3; }
     const std::string& version() const { return mChosen->first; }
 

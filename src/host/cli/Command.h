@@ -13,25 +13,25 @@ namespace OrvHost {
 
 class Session;
 
-/// What a word of a command stands for: for completion.
+/// What a word of a command means: for completion.
 enum class WordKind {
     Dn,          ///< external DN of an object
-    ChildClass,  ///< class of children of the object named before
-    Attribute,   ///< attribute of the object named before
+    ChildClass,  ///< class of children of the object named earlier
+    Attribute,   ///< attribute of the object named earlier
     AnyClass,    ///< class of the model
     Command,     ///< name of a command
-    Assignment,  ///< ATTRIBUTE=VALUE for the object named before
-    Action,      ///< action of the object named before
-    Parameter,   ///< PARAMETER=VALUE for the action named before
+    Assignment,  ///< ATTRIBUTE=VALUE for the object named earlier
+    Action,      ///< action of the object named earlier
+    Parameter,   ///< PARAMETER=VALUE for the action named earlier
     Transaction, ///< name of an open transaction
     Version,     ///< version of the MO interface
     Other
 };
 
-/// What a person is told of a command.
+/// The help texts of a command.
 struct CommandInfo {
     std::string name;
-    std::string synopsis;             ///< words behind the name
+    std::string synopsis;             ///< words after the name
     std::string summary;              ///< one line
     std::string details;              ///< more of it, lines ended; may be empty
     std::vector<WordKind> words;      ///< the kinds of its words; the last one may repeat
@@ -45,9 +45,9 @@ public:
 
     virtual const CommandInfo& info() const = 0;
 
-    /// Runs the command and prints its answer. \p words are those behind the command's name.
+    /// Runs the command and prints its answer. \p words are the words after the command's name.
     /// Throws UsageError for words that it does not understand and OperationError for a code from
-    /// the component; nothing has been printed then in JSON mode.
+    /// the component; in JSON mode nothing has been printed then.
     virtual void run(Session& session, Words words) = 0;
 };
 

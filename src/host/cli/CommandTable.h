@@ -12,8 +12,8 @@
 
 namespace OrvHost {
 
-/// All commands, in the order in which help tells them. A new command is a class and a line in the
-/// constructor. Immutable.
+/// All commands, in the order in which help shows them. To add a command, write a class and add a
+/// line to the constructor. Immutable.
 class CommandTable {
 public:
     CommandTable();
@@ -23,7 +23,7 @@ public:
     const std::vector<std::unique_ptr<Command>>& all() const { return mCommands; }
     std::vector<std::string> names() const;
 
-    /// The command of that name, or null.
+    /// The command with that name, or null.
     Command* find(const std::string& name) const;
 
     /// The same, but throws UsageError with a suggestion.

@@ -38,7 +38,7 @@ std::vector<std::string> classNames(const Model& model) {
     return names;
 }
 
-// Behind the colon of an expectation stands a command like any other.
+// After the colon of an expectation comes a command like any other.
 std::vector<std::string> withoutExpectation(std::vector<std::string> words) {
     while (words.front() == "expect") {
         const auto colon = std::find(words.begin(), words.end() - 1, ":");

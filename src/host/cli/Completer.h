@@ -15,21 +15,21 @@ namespace OrvHost {
 class CommandTable;
 class Session;
 
-/// What could stand in the place of the last word of a line.
+/// What the last word of a line could be completed to.
 struct Completion {
     std::size_t start = 0;               ///< where the last word begins
     std::vector<std::string> candidates; ///< whole words, in order, unquoted
 };
 
 /// Completes commands, DNs, classes, attributes, their values, actions, transactions and options.
-/// Objects are looked up through the component, as by a command. One thread at a time.
+/// Objects are looked up through the component, as a command does it. One thread at a time.
 class Completer {
 public:
     /// Both must outlive this object.
     Completer(Session& session, const CommandTable& commands)
         : mSession(session), mCommands(commands) {}
 
-    /// Completes the word at the end of \p line. Whatever fails, nothing is suggested.
+    /// Completes the word at the end of \p line. If anything fails, the result is empty.
     Completion complete(const std::string& line);
 
 private:
@@ -44,7 +44,7 @@ private:
     const CommandTable& mCommands;
 };
 
-/// What all of \p words begin with.
+/// The longest common prefix of \p words.
 std::string commonPrefix(const std::vector<std::string>& words);
 
 }

@@ -8,9 +8,9 @@
 
 namespace OrvHost {
 
-/// The path of the libext_cm.so that belongs to this program: beside it, or in the library
-/// directory next to its own, as in the build tree and in an installation. Throws LoadError with
-/// the places where it was looked for.
+/// The path of the libext_cm.so that belongs to this program: in the same directory, or in the
+/// library directory next to it, as in the build tree and in an installation. Throws LoadError with
+/// the places that were searched.
 std::string findExtCm();
 
 }

@@ -110,8 +110,8 @@ std::string Diagnosis::explainAction(const ClassDef& moc, const std::string& act
                      "; its actions: " + enumerate(expected) + "." + didYouMean(action, expected);
 }
 
-// What the router said last is about the request itself. What it said before can be about what the
-// component asked on its own account.
+// The last message of the router is about the request itself. Earlier messages can be about calls
+// that the component made itself.
 std::string Diagnosis::explainCode(const OperationError& error) const {
     for (auto message = error.messages().rbegin(); message != error.messages().rend(); ++message) {
         if (message->kind == ThreadContext::Explanation) {
@@ -213,7 +213,7 @@ std::string Diagnosis::explainAttributes(const ClassDef& moc,
     return {};
 }
 
-// From the top down, so that the first object that is not there is the one that is told.
+// From the top down, so that the first missing object is the one that is reported.
 std::string Diagnosis::explainMissingObject(const std::string& dn) {
     std::string parent;
     for (const Step& step : parseSteps(dn)) {

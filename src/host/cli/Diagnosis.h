@@ -14,8 +14,8 @@ namespace OrvHost {
 
 class Session;
 
-/// Finds out for a person what a code means. The component answers codes only, so this asks the
-/// model what could have been meant and the component which part of a DN is there.
+/// Finds out what a code means, for people. The component only returns codes, so this asks the
+/// model what the user could have meant, and the component which part of a DN exists.
 class Diagnosis {
 public:
     /// \p session must outlive this object.
@@ -25,18 +25,19 @@ public:
     /// found.
     std::string explain(const OperationError& error);
 
-    /// Why \p dn (external) can name no object of the model; empty if it can. \p moc receives the
-    /// class that the DN leads to.
+    /// Why \p dn (external) cannot name an object of the model; empty if it can. \p moc receives
+    /// the class that the DN leads to.
     std::string whyNoDn(const std::string& dn, const ClassDef** moc) const;
 
     /// The class that \p dn leads to, or null.
     const ClassDef* classOf(const std::string& dn) const;
 
-    /// \p text, which the host wrote, as clients speak: with external DNs, and transactions called
-    /// by their names.
+    /// \p text, which the host wrote, in the client's words: with external DNs, and with the names
+    /// of transactions.
     std::string inClientsWords(const std::string& text) const;
 
-    /// Names for "expected one of": child classes of \p parent, or those at the top level for null.
+    /// Names for "expected one of": the child classes of \p parent, or the classes at the top level
+    /// if it is null.
     std::vector<std::string> childClasses(const ClassDef* parent) const;
 
 private:

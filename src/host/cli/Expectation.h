@@ -24,19 +24,19 @@ struct Answer {
 ///
 /// As words: CLAUSES ":" COMMAND. Clauses are
 ///
-/// - an outcome, at most one: `ok` (as without an outcome), `error`, `usage`, the name of a code
-///   or its number;
+/// - an outcome, at most one: `ok` (as without an outcome), `error`, `usage`, the name of a code or
+///   its number;
 /// - `message [containing] TEXT`: one of the messages that the client gets;
 /// - `messages N`: so many messages;
 /// - `output [containing] TEXT`: all that the command printed;
-/// - `explanation containing TEXT`: what orvhost tells a person of the failure.
+/// - `explanation containing TEXT`: what orvhost explains to people about the failure.
 class Expectation {
 public:
-    /// Takes the clauses and the colon off \p words. Throws UsageError.
+    /// Removes the clauses and the colon from \p words. Throws UsageError.
     explicit Expectation(Words& words);
 
-    /// What \p answer lacks, for people: a line "expected ..." and a line "got ...", each ended;
-    /// empty if nothing.
+    /// How \p answer differs, for people: a line "expected ..." and a line "got ...", each with a
+    /// line end; empty if it does not.
     std::string compare(const Answer& answer) const;
 
 private:

@@ -37,7 +37,8 @@ std::string subjectText(const OperationSubject& subject) {
     return text;
 }
 
-// The router's own explanations speak of internal names; they are for when nothing better is known.
+// The router's own explanations contain internal names; they are shown only if there is no better
+// one.
 bool isWanted(const ThreadContext::Message& message, const std::string& explanation) {
     return message.kind != ThreadContext::Explanation || explanation.empty();
 }
@@ -153,7 +154,7 @@ Failure FailureReader::read(const OperationError& error) {
     return failure;
 }
 
-// The explanation asks the component again, and must not hide the error if that fails as well.
+// The explanation calls the component again; if that fails too, it must not hide the first error.
 std::string FailureReader::explain(const OperationError& error) {
     try {
         return Diagnosis(mSession).explain(error);

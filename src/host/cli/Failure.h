@@ -18,14 +18,14 @@ class CommandTable;
 class Refusal;
 class Session;
 
-/// Everything that can be told of a command that failed.
-// NOLINTNEXTLINE(bugprone-exception-escape): what JSON does when it moves cannot throw
+/// All facts about a command that failed.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving JSON calls functions that cannot throw here
 struct Failure {
     ExitStatus status = ExitCommandError;
-    std::optional<OrvReturnT> code;    ///< where a table or the host answered one
+    std::optional<OrvReturnT> code;    ///< if a table or the host returned one
     std::string text;                  ///< for people; can have several lines
     std::vector<std::string> messages; ///< of the thread context, as the client gets them
-    JsonValue document;                ///< all of it
+    JsonValue document;                ///< all of these
 };
 
 /// Turns what a command threw into a Failure. One thread at a time.
@@ -35,7 +35,7 @@ public:
     FailureReader(Session& session, const CommandTable& commands)
         : mSession(session), mCommands(commands) {}
 
-    /// \p error is what the command of that name threw; never null.
+    /// \p error is what the command with that name threw; never null.
     Failure read(const std::string& command, const std::exception_ptr& error);
 
 private:
@@ -46,7 +46,7 @@ private:
     const CommandTable& mCommands;
 };
 
-/// The names of all codes that an answer can have: "OrvNotExist".
+/// The names of all codes that can be returned: "OrvNotExist".
 std::string codeName(OrvReturnT code);
 std::optional<OrvReturnT> codeOfName(const std::string& name);
 

@@ -18,7 +18,7 @@ namespace OrvHost {
 
 /// Runs commands and prints their answers and errors. One thread at a time.
 ///
-/// Errors go to the error stream as text; in JSON mode they go to the session's output, as the one
+/// Errors go to the error stream as text; in JSON mode they go to the session's output, as the only
 /// document of the command that failed.
 class Interpreter {
 public:
@@ -26,19 +26,19 @@ public:
     Interpreter(Session& session, const CommandTable& commands, std::ostream& errors)
         : mSession(session), mCommands(commands), mErrors(errors) {}
 
-    /// Whether lines are printed before they run, as somebody would have typed them. Lines with
-    /// nothing but a comment are printed as they are. Not in JSON mode.
+    /// Whether lines are printed before they run, as if somebody had typed them. Lines with only a
+    /// comment are printed as they are. Not in JSON mode.
     void echo(bool wanted) { mEchoes = wanted && !mSession.wantsJson(); }
 
-    /// Runs one line; an empty one, or one with only a comment, is ExitOk. \p place stands before
+    /// Runs one line; an empty one, or one with only a comment, gives ExitOk. \p place comes before
     /// errors, for example "file:12"; it may be empty.
     ExitStatus runLine(const std::string& line, const std::string& place = {});
 
-    /// The same for a line that is in words already.
+    /// The same for a line that is already split into words.
     ExitStatus runWords(const std::vector<std::string>& words, const std::string& place = {});
 
     /// Runs a script line by line until its end, `quit`, or, unless \p keepGoing, the first error.
-    /// Gives the first status that was not ExitOk.
+    /// Returns the first status that was not ExitOk.
     ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing);
 
 private:

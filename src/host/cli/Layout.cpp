@@ -10,7 +10,7 @@ namespace OrvHost {
 
 namespace {
 
-// Characters, not bytes: continuation bytes of UTF-8 take no place.
+// Counts characters, not bytes: continuation bytes of UTF-8 have no width.
 std::size_t width(const std::string& text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
@@ -119,7 +119,7 @@ std::string layOutValue(const JsonValue& value) {
     std::string text;
     std::size_t position = 0;
     for (const JsonValue& element : value) {
-        // Where one struct ends and the next begins must show.
+        // It must be visible where one struct ends and the next begins.
         text += element.is_object()
                     ? layOutStruct("[" + std::to_string(position++) + "]", element, 0)
                     : layOutValue(element);

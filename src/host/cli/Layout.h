@@ -11,11 +11,12 @@
 
 namespace OrvHost {
 
-/// An object for people: a line for each value, names and values aligned, structs nested by
-/// indentation, several values below each other. What is not set shows as "-".
+/// An object for people: one line for each value, names and values aligned, structs nested by
+/// indentation, several values one below the other. A value that is not set is shown as "-".
 std::string layOut(const JsonValue& object, std::size_t indent = 0);
 
-/// A value without its name: bare, or a line for each of several; nothing for an empty list.
+/// A value without its name: one line, or a line for each of several values; nothing for an empty
+/// list.
 std::string layOutValue(const JsonValue& value);
 
 /// One scalar for people: texts as they are, with control characters as escapes.

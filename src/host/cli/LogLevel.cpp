@@ -17,7 +17,7 @@ struct NamedLevel {
     unsigned int level;
 };
 
-// The smallest level that lets that much through.
+// The lowest number for each word: a level of logging lets messages up to that number through.
 constexpr std::array<NamedLevel, 5> kLevels{
     {{"off", 0}, {"error", 3}, {"warning", 4}, {"info", 6}, {"trace", 8}}};
 

@@ -12,7 +12,7 @@ namespace OrvHost {
 /// UsageError.
 unsigned int parseLogLevel(const std::string& text);
 
-/// The word for what a level lets through.
+/// The word for the messages that a level lets through.
 std::string logLevelWord(unsigned int level);
 
 }

@@ -14,10 +14,10 @@
 namespace OrvHost {
 
 /// Named values in the form in which a client of version 3 or 3_1 passes them: an array of pointers
-/// to records, ended by a null pointer.
+/// to records, with a null pointer at the end.
 class NamedRecords {
 public:
-    /// \p values lends its names, and must outlive this object.
+    /// The names of \p values are not copied, so \p values must outlive this object.
     explicit NamedRecords(const std::vector<NamedValue>& values);
     NamedRecords(const NamedRecords&) = delete;
     NamedRecords& operator=(const NamedRecords&) = delete;

@@ -29,7 +29,7 @@ from the prompt or standard input. 'orvhost help' tells them. Put -- before a co
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
-// An identity is a part of DNs. Empty means that there is none.
+// An identity becomes a part of DNs. Empty means that there is none.
 std::string whyNoIdentity(const std::string& identity) {
     return identity.empty() || Orv::DnUtil::validateMoNamingAttr(identity.c_str())
                ? std::string()
@@ -91,7 +91,8 @@ void addCheck(CLI::App& app, Options& options) {
                    "File for that report; standard output then gets one for people");
 }
 
-// `check FILE...` stands where a command may stand, but runs scripts and goes with no command.
+// `check FILE...` is used in the place of a command, but it runs scripts and cannot be combined
+// with commands.
 void takeScenarios(Options& options) {
     const bool isCheck = !options.words.empty() && options.words.front() == "check";
     if (!isCheck) {

@@ -13,13 +13,13 @@
 
 namespace OrvHost {
 
-/// What orvhost was asked for.
+/// The options of orvhost.
 struct Options {
     std::vector<std::string> models; ///< module names or files
     std::vector<std::filesystem::path> searchPath;
     std::vector<std::filesystem::path> data;
     std::string extCm; ///< the component; empty: the one that belongs to this program
-    std::vector<std::string> components; ///< further ones
+    std::vector<std::string> components; ///< other components
     std::string meId;
     std::string meIdFallback = "1";
     bool repair = false;
@@ -36,17 +36,17 @@ struct Options {
 
     std::vector<std::string> commandLines; ///< from -c
     std::vector<std::string> scripts;      ///< from -f; "-" is standard input
-    std::vector<std::string> words;        ///< one command, in words
+    std::vector<std::string> words;        ///< one command, split into words
 
-    std::vector<std::string> scenarios; ///< from `check`, which is no command beside others
-    std::string reportFormat;           ///< of `check`; empty: not told
+    std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands
+    std::string reportFormat;           ///< of `check`; empty: not given
     std::string reportFile;             ///< empty: standard output
 };
 
-/// What became of the program's arguments: options, or a reason to end at once.
+/// The result of reading the program's arguments: options, or a reason to end at once.
 struct ParsedArguments {
     std::optional<Options> options;
-    int exitStatus = 0; ///< without options; help, version or error have been printed
+    int exitStatus = 0; ///< if there are no options; help, version or error have been printed
 };
 
 /// Reads the program's arguments.

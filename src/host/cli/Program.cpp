@@ -28,7 +28,7 @@ std::filesystem::path historyFile(const Options& options) {
     if (options.historyFile) {
         return *options.historyFile;
     }
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nobody sets variables.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nothing sets variables.
     const char* home = std::getenv("HOME");
     return home != nullptr ? std::filesystem::path(home) / ".orvhost_history"
                            : std::filesystem::path();
@@ -76,7 +76,7 @@ private:
         mStatus = mStatus == ExitOk ? status : mStatus;
     }
 
-    // A forgotten commit looks like a success otherwise.
+    // Without this, a forgotten commit looks like a success.
     void tellWhatIsAborted() const {
         for (const Transactions::Entry& open : mSession.transactions().all()) {
             if (open.writes > 0) {
@@ -100,7 +100,8 @@ private:
         return mInterpreter.runScript(script, name, mOptions.keepGoing);
     }
 
-    // Whoever types sees each answer: mistakes on the way do not make the session a failure.
+    // Somebody who types sees each answer, so errors during the session do not make its exit status
+    // a failure.
     ExitStatus runPrompt() {
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
@@ -123,8 +124,9 @@ private:
     ExitStatus mStatus = ExitOk;
 };
 
-// A stream that is closed would give its number to the next file that is opened, and what is
-// printed would go there. This way it fails instead.
+// If a standard stream is closed, the next file that is opened gets its number, and output would be
+// written into that file. The number is taken by a stand-in on which writing (or reading) fails
+// instead.
 void keepStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
@@ -133,7 +135,7 @@ void keepStandardStreams() {
     }
 }
 
-// Answers that did not arrive, on a full disk for example, are not a success.
+// If answers could not be written, for example because the disk is full, the run is not a success.
 int statusWithOutput(int status) {
     if (std::cout.flush()) {
         return status;

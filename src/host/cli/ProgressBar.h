@@ -14,11 +14,12 @@
 
 namespace OrvHost {
 
-/// Shows how far something has come, in one line that is drawn again and again and removed at the
-/// end. Nothing is drawn during the first moments, so that quick work leaves no flicker.
+/// Shows the progress of some work in one line that is redrawn again and again and removed at the
+/// end. Nothing is drawn during the first moments, so that quick work causes no flicker.
 ///
-/// A thread of its own draws, so that the line also moves while the work tells nothing. Threads:
-/// operations on one; \p out is not to be used by others while the bar lives: see print.
+/// A separate thread draws, so that the line also moves while the work reports no progress.
+/// Threads: call the operations on one thread; nobody else may use \p out while the bar lives: see
+/// print.
 class ProgressBar {
 public:
     /// With \p isShown false nothing is ever drawn. \p out is borrowed.
@@ -29,10 +30,11 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// What is done now, and how much of it; \p all 0 means that nobody knows how much there is.
+    /// Sets what is being done and how much of it is done; \p all 0 means that the total is not
+    /// known.
     void update(const std::string& what, std::uint64_t done, std::uint64_t all);
 
-    /// Puts a line of text in the bar's place; the bar goes on below.
+    /// Prints a line of text in the bar's place; the bar continues below.
     void print(const std::string& text);
 
 private:
@@ -42,7 +44,7 @@ private:
 
     std::ostream& mOut;
     const std::chrono::steady_clock::time_point mBegin;
-    std::mutex mMutex; ///< guards all below but the thread
+    std::mutex mMutex; ///< guards everything below except the thread
     std::condition_variable mEnding;
     bool mIsEnding = false;
     bool mIsDrawn = false;

@@ -26,8 +26,8 @@ constexpr int kHistoryLines = 1000;
 
 void interruptReading(int) {}
 
-/// While it lives, Ctrl-C is kept back until somebody waits for a key with waitingMask, and then
-/// interrupts the waiting instead of ending the process. So none is lost between two keys.
+/// While it lives, Ctrl-C is blocked until the reading of a key waits with waitingMask. Then it
+/// interrupts that waiting instead of ending the process. So no Ctrl-C between two keys is lost.
 class InterruptGuard {
 public:
     InterruptGuard() {
@@ -53,8 +53,8 @@ private:
     sigset_t mWaitingMask{};
 };
 
-// For characters of several bytes. A language that knows none but ASCII, as "C" does, would drop
-// all others from what is typed; values are UTF-8, so that is what is taken then.
+// Sets the locale for characters of several bytes. An ASCII locale such as "C" would drop all other
+// characters from the input; values are UTF-8, so UTF-8 is used then.
 void useWideCharacters() {
     // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs while there is a prompt
     std::setlocale(LC_CTYPE, "");
@@ -79,7 +79,8 @@ std::string withoutLineEnd(const char* text, int length) {
     return line;
 }
 
-// What a candidate shows in a list: the part behind the last comma tells DNs apart.
+// The form of a candidate in a list: for DNs only the part after the last comma, which is different
+// for each.
 std::string shortForm(const std::string& candidate) {
     const std::size_t comma = candidate.rfind(',');
     return comma == std::string::npos ? candidate : candidate.substr(comma + 1);
@@ -87,7 +88,7 @@ std::string shortForm(const std::string& candidate) {
 
 }
 
-/// The line editor's own objects.
+/// Owns the line editor's objects.
 class Prompt::Editor {
 public:
     Editor(Completer& completer, std::filesystem::path historyFile)
@@ -104,7 +105,8 @@ public:
         el_set(mEditLine, EL_PROMPT, &promptText);
         el_set(mEditLine, EL_EDITOR, "emacs");
         el_set(mEditLine, EL_HIST, &history, mHistory);
-        // The wide form keeps these constants; the narrow one would leave copies of them behind.
+        // The wide function keeps these constants; the narrow one would make copies of them and
+        // never free those.
         el_wset(mEditLine, EL_ADDFN, L"orv-complete", L"complete the word", &completeWord);
         el_set(mEditLine, EL_BIND, "^I", "orv-complete", nullptr);
         loadHistory();
@@ -122,7 +124,8 @@ public:
         const InterruptGuard guard;
         mGuard = &guard;
         mIsInterrupted = false;
-        // Ahead of the prompt, so that no key is taken by the terminal once the prompt shows.
+        // Before the prompt is printed, so that keys go to the editor, not to the terminal, as soon
+        // as the prompt is visible.
         el_set(mEditLine, EL_PREP_TERM, 1);
         int length = 0;
         const char* text = el_gets(mEditLine, &length);

@@ -13,20 +13,20 @@
 
 namespace OrvHost {
 
-/// A line editor on the terminal, with history kept in a file and completion by the tab key.
+/// A line editor on the terminal, with a history in a file and completion with the tab key.
 ///
 /// One object at a time, on the thread that starts and ends it; standard input is a terminal.
 class Prompt {
 public:
-    /// \p completer must outlive this object. \p historyFile may be empty: nothing is kept then. A
-    /// history that cannot be read or written is done without.
+    /// \p completer must outlive this object. \p historyFile may be empty: then no history is kept.
+    /// A history that cannot be read or written is ignored.
     Prompt(Completer& completer, std::filesystem::path historyFile);
     ~Prompt();
     Prompt(const Prompt&) = delete;
     Prompt& operator=(const Prompt&) = delete;
 
-    /// Shows \p prompt and gives the next line that is entered, without its end; an empty one when
-    /// it is given up by Ctrl-C. Nothing at the end of input (Ctrl-D).
+    /// Shows \p prompt and returns the next line that is entered, without its line end; an empty
+    /// one if Ctrl-C cancels it. Nothing at the end of input (Ctrl-D).
     std::optional<std::string> readLine(const std::string& prompt);
 
 private:

@@ -14,13 +14,13 @@
 
 namespace OrvHost {
 
-/// One message of a refusal, with what a person needs to act on it.
+/// One message of a refusal, with the facts that a person needs to act on it.
 struct Violation {
     std::string message; ///< as the client gets it
-    JsonValue details;   ///< an object: which object, which attribute, what was found, and so on
+    JsonValue details;   ///< an object: which object, which attribute, the value there, and so on
 };
 
-/// A transaction that was not found valid, or not committed.
+/// A transaction that is not valid, or was not committed.
 class Refusal : public std::runtime_error {
 public:
     /// \p operation: "validate" or "commit"; \p transaction: its name, empty if it has none.

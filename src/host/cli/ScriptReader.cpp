@@ -7,7 +7,7 @@ namespace OrvHost {
 
 namespace {
 
-// Takes the backslash off if there is one.
+// True if the line ends with a backslash word, which is removed.
 bool goesOn(std::string& line) {
     const std::size_t last = line.size() - 1;
     const bool isAlone = !line.empty() && line[last] == '\\' &&

@@ -9,7 +9,7 @@
 
 namespace OrvHost {
 
-/// Reads a script line by line. A line whose last word is a single backslash goes on in the next
+/// Reads a script line by line. A line whose last word is a single backslash continues in the next
 /// one.
 class ScriptReader {
 public:
@@ -20,7 +20,7 @@ public:
     bool next();
 
     const std::string& line() const { return mLine; }
-    /// The number of the line, counted from 1; the first one of several.
+    /// The number of the line, counted from 1; of a continued line, that of its first one.
     int number() const { return mNumber; }
 
 private:

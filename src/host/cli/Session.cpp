@@ -39,7 +39,7 @@ void Session::validate(const Transactions::Entry& transaction) {
     }
 }
 
-// What is wrong must be looked at before the abort that follows a refusal.
+// The refusal aborts the transaction, so the violations must be read before that.
 std::string Session::commit(const Transactions::Entry& transaction) {
     const Transactions::Entry ended = transaction;
     std::vector<Violation> violations;

@@ -17,8 +17,8 @@
 
 namespace OrvHost {
 
-/// What commands work with: where they read, write and print. What it is given is borrowed and
-/// outlives the session.
+/// What commands work with: where they read, write and print. All arguments are borrowed and must
+/// outlive the session.
 ///
 /// One thread at a time.
 class Session {
@@ -27,7 +27,7 @@ public:
         : mHost(host), mClients(clients), mLog(log), mOut(&out), mWantsJson(wantsJson) {}
 
     Host& host() { return mHost; }
-    /// Of the chosen version.
+    /// The client of the chosen version.
     Client& client() { return mClients.chosen(); }
     Clients& clients() { return mClients; }
     Transactions& transactions() { return mTransactions; }
@@ -38,11 +38,11 @@ public:
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
     void print(const JsonValue& document) { out() << toLine(document) << '\n'; }
-    /// Commands print to \p out from now on. Gives where they printed before.
+    /// Commands print to \p out from now on. Returns where they printed before.
     std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
 
-    /// Runs \p work with the handle of the current transaction or, if there is none, of one of its
-    /// own, which ends with it and leaves nothing behind.
+    /// Runs \p work with the handle of the current transaction. If there is none, \p work gets its
+    /// own transaction, which is aborted afterwards.
     template <class Work>
     auto read(Work&& work) {
         if (const Transactions::Entry* current = mTransactions.current()) {
@@ -52,18 +52,18 @@ public:
         return std::forward<Work>(work)(transaction.handle());
     }
 
-    /// Runs \p work, which writes, with the handle of the current transaction. If there is none it
-    /// gets one of its own, which is committed, or aborted if \p work throws. True if it is
-    /// committed. Throws Refusal.
+    /// Runs \p work, which writes, with the handle of the current transaction. If there is none, \p
+    /// work gets its own transaction, which is committed, or aborted if \p work throws. True if the
+    /// write is committed. Throws Refusal.
     bool write(const std::function<void(unsigned long txHandle)>& work);
 
     const Transactions::Entry& begin(const std::string& name);
     /// Throws Refusal if the transaction is not valid. It stays open.
     void validate(const Transactions::Entry& transaction);
-    /// Throws Refusal if it is refused, and thereby aborted. Gives what went wrong without
-    /// hindering the commit, for people; mostly nothing.
+    /// Throws Refusal if it is refused, and thereby aborted. Returns problems that did not prevent
+    /// the commit, for people; usually none.
     std::string commit(const Transactions::Entry& transaction);
-    /// Gives what went wrong on the way, for people; mostly nothing.
+    /// Returns the problems on the way, for people; usually none.
     std::string abort(const Transactions::Entry& transaction);
 
     bool isEnded() const { return mIsEnded; }

@@ -16,7 +16,8 @@ char lower(char character) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
 }
 
-// Number of letters to insert, remove or exchange, or of neighbours to swap; case aside.
+// The number of letters to insert, remove or replace, or of neighbours to swap; upper and lower
+// case count as equal.
 std::size_t distance(const std::string& left, const std::string& right) {
     std::vector<std::vector<std::size_t>> steps(left.size() + 1,
                                                 std::vector<std::size_t>(right.size() + 1));

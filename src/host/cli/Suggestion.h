@@ -9,14 +9,14 @@
 
 namespace OrvHost {
 
-/// The candidate that \p word most likely stands for, a letter or a few away; empty if none is
-/// near.
+/// The candidate that \p word most likely means, one or a few letters away; empty if none is near.
 std::string closest(const std::string& word, const std::vector<std::string>& candidates);
 
 /// " Did you mean NAME?", or nothing.
 std::string didYouMean(const std::string& word, const std::vector<std::string>& candidates);
 
-/// "A, B, C", cut short with a count of the rest behind \p limit names; "none" for no names.
+/// "A, B, C", cut off after \p limit names with a count of the others; "none" if there are no
+/// names.
 std::string enumerate(const std::vector<std::string>& names, std::size_t limit = 30);
 
 }

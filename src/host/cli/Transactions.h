@@ -12,11 +12,11 @@
 
 namespace OrvHost {
 
-/// The transactions that the user has open, by name, and which of them commands work in. The host
-/// knows handles only; this keeps the names, also of those that have ended, so that a conflict can
-/// be told with them.
+/// The transactions that the user has open, by name, and the one that commands currently work in.
+/// The host only knows handles; this class keeps the names, also those of ended transactions, so
+/// that a conflict can be reported with names.
 ///
-/// It begins and ends nothing: see Session. One thread.
+/// It begins and ends no transaction: see Session. One thread.
 class Transactions {
 public:
     struct Entry {
@@ -30,11 +30,11 @@ public:
     /// "t1", "t2" and so on: the first that has never been used.
     std::string freeName() const;
 
-    /// Enters a transaction that has begun, under a free name, and makes it the current one.
+    /// Adds a transaction that has begun, under a free name, and makes it the current one.
     void add(const std::string& name, unsigned long handle);
-    /// Notes the handle of a write that is to end with its command.
+    /// Records the handle of a write that ends with its command.
     void addUnnamed(unsigned long handle);
-    /// Takes an entry out; if it is the current one, none is.
+    /// Removes an entry; if it is the current one, there is no current one afterwards.
     void remove(unsigned long handle);
 
     /// Makes that transaction the current one. Throws UsageError if it is not open.
@@ -42,20 +42,20 @@ public:
     /// No transaction is the current one from now on; all stay open.
     void leave() { mCurrent.reset(); }
 
-    /// The one that commands work in, or null.
+    /// The transaction that commands work in, or null.
     Entry* current();
-    /// The one of that name or, without a name, the current one. Throws UsageError if it is not
-    /// open.
+    /// The transaction with that name, or without a name the current one. Throws UsageError if it
+    /// is not open.
     Entry& require(const std::optional<std::string>& name);
 
     /// In the order in which they began.
     const std::vector<Entry>& all() const { return mOpen; }
     std::vector<std::string> names() const;
 
-    /// \p text with "transaction 12" replaced by what the user calls that transaction.
+    /// \p text with "transaction 12" replaced by the user's name of that transaction.
     std::string withNames(const std::string& text) const;
 
-    /// What stands in front of a line that somebody types: tells the current transaction.
+    /// The text before the user's input: shows the current transaction.
     std::string prompt();
 
 private:
@@ -63,7 +63,7 @@ private:
 
     std::vector<Entry> mOpen;
     std::optional<std::string> mCurrent;
-    std::map<unsigned long, std::string> mPhrases; ///< by handle, for all there ever were
+    std::map<unsigned long, std::string> mPhrases; ///< by handle, ended ones included
     std::map<std::string, unsigned long> mUsedNames;
 };
 

@@ -9,7 +9,8 @@ namespace OrvHost {
 
 namespace {
 
-// The records of version 1 have the fields and codes of version 3 in types of their own.
+// The records of version 1 have the same fields and codes as those of version 3, but types of their
+// own.
 
 template <class Member>
 JsonValue structJson(const Member* member, const AttributeDef* def) {

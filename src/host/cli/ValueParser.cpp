@@ -21,10 +21,11 @@ bool takesBrackets(const AttributeDef* def) {
     return def == nullptr || !isTextual(def->type.kind) || def->multiplicity.upper > 1;
 }
 
-// Deeper than any struct may be, and not so deep that what walks a value runs out of stack.
+// Deeper than any struct of a model, but not so deep that a recursive walk over the value could use
+// up the stack.
 constexpr int kDeepest = 256;
 
-/// Looks at JSON while it is parsed, for what JSON permits and nobody can have meant.
+/// Checks JSON while it is parsed, for what JSON permits but is certainly a mistake.
 class JsonGuard {
 public:
     bool look(int depth, JsonValue::parse_event_t event, const JsonValue& parsed) {
@@ -43,14 +44,14 @@ public:
     }
 
 private:
-    // The later of two values would win, and the other one be lost without a word.
+    // The parser would keep the second of two values and drop the first one silently.
     void enter(const std::string& name) {
         if (!mNames.back().insert(name).second) {
             throw UsageError("\"" + name + "\" stands twice in one JSON object");
         }
     }
 
-    std::vector<std::set<std::string>> mNames; ///< of each open object, the outermost first
+    std::vector<std::set<std::string>> mNames; ///< those of each open object, the outermost first
 };
 
 JsonValue parseJson(const std::string& text) {
@@ -106,7 +107,7 @@ std::optional<Value> toNumber(const JsonValue& json, ValueKind kind) {
     return std::nullopt;
 }
 
-// Nothing if the value is not of that kind.
+// Returns nothing if the value is of another kind.
 std::optional<Value> toValue(const JsonValue& json, ValueKind kind, const AttributeDef* def) {
     if (json.is_boolean() && kind == ValueKind::Bool) {
         return Value(json.get<bool>());

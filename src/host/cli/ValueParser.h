@@ -11,21 +11,21 @@
 
 namespace OrvHost {
 
-/// The value of an attribute, as somebody types it, as JSON. The model tells how to read it:
+/// The JSON of an attribute's value, as a user types it. The model decides how to read it:
 ///
 /// - `null` is no value;
 /// - what begins with `"` is JSON, and so is what begins with `{` or `[`, unless it is for a single
 ///   text, enumeration or reference;
-/// - texts, enumerations and references stand for themselves;
-/// - all else is a number, true or false, or if it is none of these, a text.
+/// - texts, enumerations and references are taken as they are;
+/// - anything else is a number, true or false, or if it is none of these, a text.
 ///
 /// \p def is null for an attribute that the model does not know. Throws UsageError for JSON that
 /// cannot be read.
 JsonValue parseValue(const std::string& text, const AttributeDef* def);
 
-/// The value in the type that the model gives the attribute where it fits, or else in the type that
-/// it has of itself: it is the component that refuses what does not fit. Throws UsageError for what
-/// no record can hold, such as values of several types in one list.
+/// The value in the type that the model gives the attribute if it fits, or else in the type that
+/// the JSON has: the component must refuse what does not fit. Throws UsageError for what no record
+/// can hold, such as values of several types in one list.
 AttributeValue toAttributeValue(const JsonValue& json, const AttributeDef* def);
 
 }

@@ -14,7 +14,8 @@ namespace OrvHost {
 
 namespace {
 
-/// A form of message: which parts of it name the object and the attribute, 0 for none.
+/// The form of a message: the numbers of the parts that name the object and the attribute, 0 for
+/// none.
 struct MessageForm {
     std::regex pattern;
     std::size_t dn;
@@ -45,7 +46,7 @@ std::string countText(const Bounds& bounds) {
     return text + (text == "1" ? " value" : " values");
 }
 
-// One line for each class that an attribute's references may be of.
+// Adds a line for each class that the references of an attribute may have.
 void addTargets(const Model& model, ClassIndex moc, const std::string& attribute,
                 std::vector<std::string>& targets) {
     const auto add = [&](const AssociationEnd& end) {
@@ -138,8 +139,8 @@ JsonValue ViolationReader::explainClass(const std::string& dn) const {
             {"allowed", reason.empty() ? "the DN of an object of the model" : reason}};
 }
 
-// What is wrong may keep the value from being read as well. Reads of other versions might make the
-// component join a transaction that takes nobody in any more.
+// The violation itself can make the read fail, too. Always version 3: with other versions a read
+// could make the component join, and the transaction does not accept new participants any more.
 JsonValue ViolationReader::valuesOf(const std::string& dn, const std::string& attribute) {
     try {
         const ClassDef* moc = Diagnosis(mSession).classOf(dn);

@@ -14,8 +14,8 @@ namespace OrvHost {
 class Session;
 
 /// Finds out what the messages of a refused transaction mean, in external DNs: which object, which
-/// attribute, what was found there, what the model allows. The messages tell internal DNs and not
-/// all of that. Reads through the component, in the transaction, which must be open still.
+/// attribute, which value it has, what the model allows. The messages contain internal DNs and only
+/// some of these facts. Reads through the component, in the transaction, which must still be open.
 ///
 /// One thread at a time.
 class ViolationReader {
@@ -24,11 +24,11 @@ public:
     ViolationReader(Session& session, unsigned long txHandle)
         : mSession(session), mTxHandle(txHandle) {}
 
-    /// A violation for each message of a verdict, in their order.
+    /// A violation for each message of a verdict, in the same order.
     std::vector<Violation> read(const std::vector<ThreadContext::Message>& messages);
 
-    /// What is known about one message, an object with some of "object", "attribute", "found" and
-    /// "allowed"; empty for a message of another kind.
+    /// The facts about one message: an object with some of "object", "attribute", "found" and
+    /// "allowed"; empty for an unknown form of message.
     JsonValue explain(const std::string& message);
 
 private:

@@ -10,21 +10,21 @@
 
 namespace OrvHost {
 
-/// A line taken apart into words.
+/// A line split into words.
 struct SplitLine {
     std::vector<std::string> words;
     std::vector<std::size_t> starts; ///< where each word begins in the line
     bool isOpen = false;     ///< the line ends inside a quoted text, or with a single backslash
-    bool endsInWord = false; ///< the last word goes on at the end of the line
+    bool endsInWord = false; ///< the last word reaches to the end of the line
 };
 
-/// Words are parted by blanks. In 'single quotes' all characters stand for themselves; in "double
-/// quotes" and outside of quotes a backslash makes the character behind it stand for itself. A `#`
-/// at the start of a word begins a comment, which goes on to the end of the line. Quoted and plain
-/// parts that touch are one word; "" is an empty word.
+/// Words are separated by blanks. In 'single quotes' all characters are taken as they are. In
+/// "double quotes" and outside quotes, a backslash means that the next character is taken as it is.
+/// A `#` at the start of a word begins a comment, which reaches to the end of the line. Quoted and
+/// unquoted parts without a blank between them are one word; "" is an empty word.
 SplitLine splitWords(std::string_view line);
 
-/// \p word in a form that splitWords takes for one word.
+/// \p word in a form that splitWords reads as one word.
 std::string quoteWord(const std::string& word);
 
 }

@@ -11,31 +11,32 @@
 
 namespace OrvHost {
 
-/// The words of one command, taken one after the other. Options may stand anywhere and are taken
-/// out first.
+/// The words of one command, taken one after the other. Options may be anywhere and are taken out
+/// first.
 class Words {
 public:
     explicit Words(std::vector<std::string> words) : mWords(std::move(words)) {}
 
-    /// True, once, if the option \p name is there.
+    /// True, the first time, if the option \p name is given.
     bool takeFlag(const std::string& name);
 
-    /// The number behind the option \p name, if that is there. Throws UsageError if no number from
-    /// 0 follows.
+    /// The number after the option \p name, if the option is given. Throws UsageError if no number
+    /// from 0 follows.
     std::optional<std::uint64_t> takeNumber(const std::string& name);
 
-    /// The text behind the option \p name, if that is there. Throws UsageError if none follows.
+    /// The text after the option \p name, if the option is given. Throws UsageError if none
+    /// follows.
     std::optional<std::string> takeText(const std::string& name);
 
     /// The next word; throws UsageError naming \p what if there is none.
     std::string take(const std::string& what);
     /// The next word, if there is one.
     std::optional<std::string> takeOptional();
-    /// A DN, where "/" and an empty word stand for the top level, and so does none at all.
+    /// A DN; "/", an empty word and no word at all mean the top level.
     std::string takeDnOrTop();
     std::vector<std::string> takeRest();
 
-    /// Throws UsageError if anything is left, or an option was not taken.
+    /// Throws UsageError if words are left, or if an option was not taken.
     void end() const;
 
 private:
@@ -44,7 +45,7 @@ private:
     std::vector<std::string> mWords;
 };
 
-/// The number that \p text is; throws UsageError with \p what if it is none, or negative.
+/// \p text as a number; throws UsageError with \p what if it is not a number, or negative.
 std::uint64_t parseNumber(const std::string& text, const std::string& what);
 
 }

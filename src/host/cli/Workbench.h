@@ -20,14 +20,14 @@ namespace OrvHost {
 class DataSet;
 class ProgressBar;
 
-/// Everything that stands before the first command can run: log, model, host, data, components and
-/// the clients, in this order. Taken down in the reverse order. One thread.
+/// Everything that must exist before the first command can run: log, model, host, data, components
+/// and the clients, built in this order and destroyed in the reverse order. One thread.
 class Workbench {
 public:
-    /// Throws LoadError with all that is wrong with what was to be loaded. Notes for the user go to
-    /// \p errors, which is borrowed.
+    /// Throws LoadError with all problems of what was to be loaded. Notes for the user go to \p
+    /// errors, which is borrowed.
     Workbench(const Options& options, std::ostream& errors);
-    /// Problems on the way down go to the error stream.
+    /// Problems while shutting down go to the error stream.
     ~Workbench();
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;

@@ -12,12 +12,12 @@ namespace OrvHost {
 
 class Session;
 
-/// Prints what became of a write: \p word, or in JSON mode \p document with "committed" added.
-/// \p isCommitted: the write had no transaction and is committed by itself.
+/// Prints the result of a write: \p word, or in JSON mode \p document with "committed" added. \p
+/// isCommitted: the write ran outside a transaction of the user and is already committed.
 void reportWrite(Session& session, JsonValue document, const std::string& word, bool isCommitted);
 
-/// Prints what became of a transaction that was called \p name. \p note, mostly empty, is what went
-/// wrong on the way without changing that.
+/// Prints the result of ending a transaction with the name \p name. \p note, usually empty, is a
+/// problem that did not change the result.
 void reportEnd(Session& session, const std::string& command, const std::string& name,
                const std::string& word, const std::string& note);
 

@@ -11,7 +11,7 @@
 
 namespace OrvHost {
 
-/// Why a shared object could not be taken in as a component. what() begins with the path.
+/// The reason why a shared object could not be loaded as a component. what() begins with the path.
 class ComponentLoadError : public std::runtime_error {
 public:
     enum class Reason {
@@ -19,7 +19,7 @@ public:
         AlreadyLoaded,     ///< the same file is open as a component
         MissingEntryPoint, ///< one of the two exported functions is not there
         InitRefused,       ///< orvLCMinit answered a code: see code()
-        InitThrew          ///< orvLCMinit let an exception out
+        InitThrew          ///< orvLCMinit threw an exception
     };
 
     ComponentLoadError(Reason reason, const std::string& path, const std::string& text,

@@ -33,8 +33,8 @@ bool readAt(std::ifstream& file, std::uint64_t place, Record& record) {
     return static_cast<bool>(file.read(reinterpret_cast<char*>(&record), sizeof record));
 }
 
-// A copy that was interrupted, for example. The system maps what is missing all the same, and the
-// process ends when it is touched.
+// True if the file is shorter than its headers say, for example after an interrupted copy. The
+// system maps such a file without an error, and the process ends when it touches the missing part.
 bool isCutOff(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::error_code unknown;
@@ -44,7 +44,7 @@ bool isCutOff(const std::string& path) {
                         std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0 &&
                         header.e_ident[EI_CLASS] == kNativeClass;
     if (!isOurs) {
-        return false; // no shared object at all, which the system tells
+        return false; // not a shared object: the system reports that when it opens the file
     }
     for (unsigned int number = 0; number < header.e_phnum; ++number) {
         ElfW(Phdr) segment{};
@@ -58,7 +58,8 @@ bool isCutOff(const std::string& path) {
 
 }
 
-/// One open shared object. Takes itself back in the destructor from wherever it came to.
+/// One open shared object. The destructor undoes the steps that were done, however far loading
+/// came.
 class ComponentLoader::Library {
 public:
     Library(ComponentRegistry& registry, const std::string& path)
@@ -87,7 +88,7 @@ public:
         }
     }
 
-    /// The way back; a second call does nothing. What went wrong, or an empty text.
+    /// Undoes all steps; a second call does nothing. Returns what went wrong, or an empty text.
     std::string close() {
         std::string problem = terminate();
         mRegistry.drop(this);
@@ -112,7 +113,7 @@ private:
                 "cannot be opened as a shared object: the file ends too early");
         }
         try {
-            // Local: both entry points have the same names in every component.
+            // Local symbols: both entry points have the same names in every component.
             mLibrary.load(std::filesystem::absolute(mPath).string(),
                           Poco::SharedLibrary::SHLIB_LOCAL);
         } catch (const Poco::Exception& failure) {
@@ -184,7 +185,8 @@ void ComponentLoader::load(const std::string& path, const std::string& argument)
     mLibraries.push_back(std::move(library));
 }
 
-// The system would hand out the shared object that is open, with its one service object, once more.
+// A second dlopen of an open file returns the same shared object, with the same single service
+// object, so the host must notice it first.
 bool ComponentLoader::isLoaded(const std::string& path) const {
     return std::any_of(mLibraries.begin(), mLibraries.end(), [&](const auto& library) {
         std::error_code unreadable;

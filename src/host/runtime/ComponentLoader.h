@@ -17,10 +17,10 @@ class ComponentRegistry;
 
 /// Opens shared objects that hold components, and closes them again.
 ///
-/// A shared object goes through: opened, its two exported functions found, orvLCMinit called. On
-/// the way back: its components stopped, orvLCMterminate called once, whatever it left registered
-/// dropped, closed. A load that fails goes back from where it came to, so that nothing stays open;
-/// orvLCMterminate is called then too if orvLCMinit was, however that ended.
+/// Loading opens the shared object, finds its two exported functions and calls orvLCMinit.
+/// Unloading stops its components, calls orvLCMterminate once, drops all registrations that are
+/// left, and closes it. A load that fails undoes the steps that were done, so that nothing stays
+/// open; if orvLCMinit was called, orvLCMterminate is called too, whatever orvLCMinit returned.
 ///
 /// Threads: one at a time.
 class ComponentLoader {
@@ -33,12 +33,12 @@ public:
     ComponentLoader(const ComponentLoader&) = delete;
     ComponentLoader& operator=(const ComponentLoader&) = delete;
 
-    /// Opens the shared object at \p path, a file path even without a slash, and hands
-    /// \p argument to its orvLCMinit. Throws ComponentLoadError.
+    /// Opens the shared object at \p path, which is always a file path, even without a slash, and
+    /// passes \p argument to its orvLCMinit. Throws ComponentLoadError.
     void load(const std::string& path, const std::string& argument = {});
 
-    /// Closes all shared objects, the last one loaded first. Does not throw: problems on the way
-    /// out are returned, each with the path.
+    /// Closes all shared objects, the last one loaded first. Does not throw: returns the problems,
+    /// each with the path.
     std::vector<std::string> unloadAll();
 
     /// The paths of the open shared objects, in the order of loading.

@@ -20,7 +20,7 @@ struct Outcome {
     std::string problem;
 };
 
-// A component of somebody else's may let anything out of its functions; the host stays up.
+// Other people's components may throw anything out of their functions; the host must stay up.
 Outcome callShielded(const char* name, OrvReturnT (*function)(OrvStateChangeReason),
                      OrvStateChangeReason reason) {
     const std::string subject = name;
@@ -181,8 +181,8 @@ ComponentRegistry::EntryPtr ComponentRegistry::lastStarted() const {
     return mStarted.empty() ? nullptr : mStarted.back();
 }
 
-// The interfaces stay to be found until stop has returned: a component may look its own up on the
-// way down.
+// The interfaces can still be found until stop has returned, since a component may look up its own
+// interfaces while it stops.
 ComponentReport ComponentRegistry::stop(const EntryPtr& entry, OrvStateChangeReason reason) {
     const OwnerScope scope(*this, entry->owner);
     const Outcome outcome = callShielded("stop", entry->record->stop, reason);

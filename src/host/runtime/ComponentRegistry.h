@@ -17,41 +17,41 @@
 namespace OrvHost {
 
 enum class ComponentState {
-    Registered, ///< announced, and not started yet or stopped again
+    Registered, ///< registered, and not started yet or stopped again
     Starting,   ///< its start is running
     Started,    ///< start answered OrvOk; its interfaces can be looked up
-    Failed,     ///< start was called and refused, or threw
+    Failed,     ///< start was called, and returned an error or threw
     Blocked     ///< start was not called: something that it requires is missing or not started
 };
 
-/// What became of one component when it was started or stopped.
+/// The result of starting or stopping one component.
 struct ComponentReport {
     std::string name;
     ComponentState state = ComponentState::Registered;
-    OrvReturnT code = OrvOk; ///< of start or stop, where that was called
+    OrvReturnT code = OrvOk; ///< of start or stop, if that was called
     std::string problem;     ///< for people; empty if all went well
 };
 
-/// The host's tables and the components with what they offer and require: finds interfaces, starts
+/// The host's tables and the components with what they offer and require. Finds interfaces, starts
 /// components in the order of their dependencies and stops them in the reverse order.
 ///
-/// Threads: find, any thread at any time. Registering, starting and stopping, one thread at a time;
-/// a component may register, unregister and look up from inside its own start, stop, orvLCMinit
-/// and orvLCMterminate, so no lock is held while any of these runs.
+/// Threads: find, any thread at any time. Registering, starting and stopping, one thread at a time.
+/// A component may register, unregister and look up from inside its own start, stop, orvLCMinit and
+/// orvLCMterminate, so no lock is held while any of these runs.
 class ComponentRegistry {
 public:
-    /// Names the shared object that a registration belongs to; null for none.
+    /// Identifies the shared object that a registration belongs to; null for none.
     using Owner = const void*;
 
     ComponentRegistry() = default;
     ComponentRegistry(const ComponentRegistry&) = delete;
     ComponentRegistry& operator=(const ComponentRegistry&) = delete;
 
-    /// Offers a table of the host, which begins with its identity and outlives this object.
+    /// Offers a table of the host. The table begins with its identity and must outlive this object.
     void offer(const VekMgmtSpiInterface_1* table);
 
-    /// Enters \p component, which is borrowed until it is unregistered or dropped. Entering the
-    /// same record again changes nothing. OrvInvalidArgument if there is no record, or it has no
+    /// Adds \p component, which is borrowed until it is unregistered or dropped. Adding the same
+    /// record again changes nothing. OrvInvalidArgument if there is no record, or if it has no
     /// name, start or stop; OrvAlreadyExist if another component has the name.
     OrvReturnT registerComponent(OrvMgmtSpiComponent_1* component);
 
@@ -59,21 +59,21 @@ public:
     /// starting.
     OrvReturnT unregisterComponent(OrvMgmtSpiComponent_1* component);
 
-    /// Finds a table of the host or of a started component; null fields of \p id are met by
-    /// anything, but the interface name must be there. OrvNotExist, and `*table` untouched, if
-    /// there is none.
+    /// Finds a table of the host or of a started component. A null field of \p id matches anything,
+    /// but the interface name must be given. OrvNotExist, with `*table` unchanged, if there is
+    /// none.
     OrvReturnT find(const VekMgmtSpiInterface_1& id, void** table) const;
 
-    /// Starts what is not started, each after those that it requires. A component that cannot be
-    /// started keeps those that require it from being started, and no others. Reports on every
-    /// component, in the order in which their turn came.
+    /// Starts all components that are not started, each after those that it requires. If one cannot
+    /// be started, those that require it are not started either; all others are. Reports on every
+    /// component, in the planned order of starting.
     std::vector<ComponentReport> startAll(OrvStateChangeReason reason);
 
-    /// Stops what is started, in the reverse order of starting. A stop that fails is reported and
-    /// the component counts as stopped.
+    /// Stops all started components, in the reverse order of starting. A stop that fails is
+    /// reported, and the component counts as stopped.
     std::vector<ComponentReport> stopAll(OrvStateChangeReason reason);
 
-    /// Forgets all components that \p owner has registered; they are stopped first.
+    /// Removes all components that \p owner has registered; they are stopped first.
     void drop(Owner owner);
 
     /// All components, in the order of registration.

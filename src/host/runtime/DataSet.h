@@ -25,17 +25,17 @@ struct StartObject {
     SourcePosition source;
 };
 
-/// Data for the start of a host: gathered from any number of files, checked as a whole, completed
-/// if that is wanted, and put into a store.
+/// Data for the start of a host: collected from any number of files, checked as a whole, completed
+/// on request, and put into a store.
 ///
-/// An object that tells nothing but its name is a mention: files that add to a tree mention the
-/// objects above theirs, and all mentions of an object are one. The order of objects does not
-/// matter, but for that of siblings, which the store keeps.
+/// An object with nothing but its name is a mention: files that extend a tree mention the objects
+/// above theirs, and all mentions of an object count as one. The order of objects does not matter,
+/// except for siblings: the store keeps their order.
 ///
 /// One thread at a time.
 class DataSet : public InstanceSource {
 public:
-    /// Called with the number of objects that are done, and that of all.
+    /// Called with the number of objects that are done, and the number of all objects.
     using Progress = std::function<void(std::size_t done, std::size_t all)>;
 
     /// \p model must outlive this object.
@@ -46,28 +46,28 @@ public:
 
     void visit(const Visitor& visitor) const override;
 
-    /// All that is wrong, one text each, with file and line of the object where they are known.
-    /// Empty: the data is as the component would have left it.
+    /// Everything that is wrong, one text each, with file and line of the object if they are known.
+    /// Empty if the data is as the component would have left it.
     std::vector<std::string> check() const;
 
-    /// The objects at the top level that no client can name: the translator of DNs knows one
-    /// ManagedElement at the root, which is 1 inside, and whatever stands below another is out of
-    /// reach as well. One text each, with file and line. Ask while a Host stands: it tells the
-    /// translator its identities.
+    /// The objects at the top level that no client can name. The DN translator knows one
+    /// ManagedElement at the root, which is 1 in internal DNs; all objects below another one are
+    /// unreachable, too. One text each, with file and line. Call it while a Host exists, because
+    /// the Host gives the translator its identities.
     std::vector<std::string> unreachable() const;
 
-    /// The objects at the top level that a listing shows under another name: there every object
-    /// bears the identity of the ManagedElement. Clients that know their DNs can work with them.
-    /// One text each, as above.
+    /// The objects at the top level that appear under another name when children are listed: there
+    /// every object has the identity of the ManagedElement. Clients that know their DNs can work
+    /// with them. One text each, with file and line.
     std::vector<std::string> misnamedInLists() const;
 
     /// Adds the missing sides of bidirectional associations and returns a text for each. What it
-    /// cannot mend is told by check.
+    /// cannot repair is reported by check.
     std::vector<std::string> repair();
 
-    /// Puts all objects into \p store, which must be over the same model, parents first, and keeps
-    /// none. Returns what the store refused, as check does; objects below a refused one are left
-    /// out without a word. Call check first: the store does not look at associations.
+    /// Moves all objects into \p store, parents first. The store must use the same model. Returns
+    /// what the store refused, one text each; objects below a refused one are left out without a
+    /// text. Call check first: the store does not check associations.
     std::vector<std::string> moveInto(MoStore& store, const Progress& progress = {});
 
 private:
@@ -78,7 +78,7 @@ private:
 
     const Model& mModel;
     std::vector<StartObject> mObjects;
-    std::unordered_map<std::string, std::size_t> mByDn; ///< the first object of each DN
+    std::unordered_map<std::string, std::size_t> mByDn; ///< the first object with each DN
 };
 
 }

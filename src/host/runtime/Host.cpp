@@ -45,7 +45,8 @@ std::vector<ComponentReport> Host::start() {
     return mComponents.startAll(OrvStateChangeReasonHostStart);
 }
 
-// Participants are tables of components: transactions end before their shared objects do.
+// Participants are tables of components, so all transactions end before any shared object is
+// closed.
 std::vector<std::string> Host::shutdown() {
     mTransactions.abortAll();
     return mLoader.unloadAll();

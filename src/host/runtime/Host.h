@@ -21,22 +21,22 @@
 namespace OrvHost {
 
 struct HostOptions {
-    /// How clients know the ManagedElement at the root: the preferred identity, or else the
-    /// fallback. Inside it is always "1".
+    /// The external identity of the ManagedElement at the root: the preferred one, or if it is
+    /// empty the fallback. In internal DNs the identity is always "1".
     std::string preferredIdentity;
     std::string fallbackIdentity = "1";
     PortalVersions portals;
 };
 
-/// A management framework in small: model, objects, router, transactions, portal and components,
-/// put together.
+/// A small management framework: model, objects, router, transactions, portal and components in one
+/// object.
 ///
-/// Life: build it over a model; put data into store(); load components; start them; let clients
-/// work through the tables that find() gives; shut down. Many tables are served through statics, so
-/// one host at a time lives in a process.
+/// Order of use: build it over a model; put data into store(); load components; start them; let
+/// clients work through the tables that find() returns; shut down. Many tables are functions
+/// without an object argument, so only one host at a time can exist in a process.
 ///
-/// Threads: building, loading, starting and shutting down, one thread, while no client works.
-/// Clients on any number of threads, each transaction on one at a time.
+/// Threads: one thread builds, loads, starts and shuts down, while no client works. Clients may use
+/// any number of threads, each transaction on one thread at a time.
 class Host {
 public:
     /// \p model must outlive the host.
@@ -47,7 +47,7 @@ public:
     Host& operator=(const Host&) = delete;
 
     const Model& model() const { return mStore.model(); }
-    /// For data at start: see DataSet.
+    /// To fill with data before the start: see DataSet.
     MoStore& store() { return mStore; }
     CmRouter& router() { return mRouter; }
     ThreadContext& threadContext() { return mThreadContext; }
@@ -59,11 +59,11 @@ public:
     void loadComponent(const std::string& path, const std::string& argument = {});
 
     /// Starts all components that are not started, in the order of their dependencies, and reports
-    /// on each.
+    /// on each component.
     std::vector<ComponentReport> start();
 
     /// Aborts open transactions, stops the components in the reverse order and closes their shared
-    /// objects. Returns the problems on the way, for people. A second call does nothing.
+    /// objects. Returns the problems, for people. A second call does nothing.
     std::vector<std::string> shutdown();
 
     /// The table of the host or of a started component under \p id, or null. \p Table is the record
@@ -74,8 +74,7 @@ public:
         return mComponents.find(id, &table) == OrvOk ? static_cast<Table*>(table) : nullptr;
     }
 
-    /// A transaction that is only for reading: begins here, and ends with this object without a
-    /// trace.
+    /// A transaction for reads only: begins in the constructor, and is aborted in the destructor.
     class ReadTransaction {
     public:
         explicit ReadTransaction(Host& host);

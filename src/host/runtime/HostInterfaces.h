@@ -10,9 +10,9 @@
 
 namespace OrvHost {
 
-/// Interfaces that components name among what they require and that nobody here calls: events, log
-/// and trace. Behind each identity there is no function, so the record is the identity alone. Log
-/// and trace go through Orv::LoggingWrapper; events do not exist in this host.
+/// Interfaces that components require but that this host implements without any function: events,
+/// log and trace. Each record is the identity alone. Log and trace go through Orv::LoggingWrapper;
+/// this host has no events.
 class HostInterfaces {
 public:
     const std::array<VekMgmtSpiInterface_1, 3>& all() const { return mIdentities; }

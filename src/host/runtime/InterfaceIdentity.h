@@ -10,8 +10,8 @@
 
 namespace OrvHost {
 
-/// True if \p offered satisfies \p wanted. A null field of \p wanted asks for nothing in
-/// particular; a null field of \p offered satisfies only that.
+/// True if \p offered satisfies \p wanted. A null field of \p wanted matches anything; a null field
+/// of \p offered matches only a null field.
 bool satisfies(const VekMgmtSpiInterface_1& offered, const VekMgmtSpiInterface_1& wanted);
 
 /// For messages: "Component/Interface version 1", with "any" for a null field.

@@ -18,37 +18,37 @@ namespace OrvHost {
 
 enum class LogFormat { Text, Json };
 
-/// Takes what components log and trace and writes one line for each message, as text or as a JSON
-/// document, to a stream or a file; keeps the latest lines in memory as well.
+/// Receives what components log and trace and writes one line for each message, as text or as a
+/// JSON document, to a stream or a file. Also keeps the latest lines in memory.
 ///
-/// Components send each message in two forms. This sink keeps the newer one, which alone tells the
-/// subsystem and the level of traces and the source line of logs, and drops the older.
+/// Components send each message in two forms. This sink keeps the newer form, since only that has
+/// the subsystem and the level of traces and the source line of logs, and drops the older one.
 ///
 /// Threads: any, once it is built.
 class LogSink {
 public:
-    /// How many lines recent() can look back on.
+    /// The largest number of lines that recent() can return.
     static constexpr std::size_t kKept = 1000;
 
-    /// Becomes the sink of the process. \p stream is borrowed.
+    /// Becomes the log sink of the process. \p stream is borrowed.
     LogSink(std::ostream& stream, LogFormat format);
 
-    /// The same with a file, which is appended to. Throws std::runtime_error, with the path and the
-    /// reason, if it cannot be opened.
+    /// The same with a file; lines are appended to it. Throws std::runtime_error, with the path and
+    /// the reason, if it cannot be opened.
     LogSink(const std::string& path, LogFormat format);
 
-    /// From here on records are dropped.
+    /// After this, records are dropped.
     ~LogSink();
     LogSink(const LogSink&) = delete;
     LogSink& operator=(const LogSink&) = delete;
 
-    /// One record, as Orv::LoggingWrapper gives it.
+    /// Writes one record, as it comes from Orv::LoggingWrapper.
     void write(const Orv::LogRecord& record);
 
     /// Up to \p count of the latest lines, the oldest first, without line ends.
     std::vector<std::string> recent(std::size_t count) const;
 
-    /// Whether all lines so far have reached the stream or the file.
+    /// True if all lines so far have reached the stream or the file.
     bool isComplete() const;
 
     LogFormat format() const { return mFormat; }

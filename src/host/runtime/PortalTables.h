@@ -11,17 +11,17 @@ namespace OrvHost {
 
 class ComponentRegistry;
 
-/// Which portals a host has. Hosts of all kinds are met; the choice is there to try a component
-/// with each.
+/// Which portals a host has. Hosts differ in this; the choice lets you try a component with each
+/// kind.
 struct PortalVersions {
     bool version1 = true;
     bool version3 = true;
 };
 
-/// The portal tables of versions "1" and "3" and the accessor that leads to them, all three on one
-/// ComponentRegistry. While it lives, Orv::Portal looks up through it as well.
+/// The portal tables of versions "1" and "3" and the accessor that leads to them, all three over
+/// one ComponentRegistry. While this object lives, Orv::Portal looks up through it as well.
 ///
-/// A table function is handed no object, so one object of this class can live at a time.
+/// A table function gets no object argument, so only one object of this class can live at a time.
 ///
 /// Threads: as the registry. Build and destroy it while no component is loaded.
 class PortalTables {
@@ -32,7 +32,7 @@ public:
     PortalTables(const PortalTables&) = delete;
     PortalTables& operator=(const PortalTables&) = delete;
 
-    /// What orvLCMinit is given. Owned by this object.
+    /// The accessor that orvLCMinit is given. Owned by this object.
     OrvMgmtSpiInterfacePortalAccessor* accessor() { return &mAccessor; }
 
 private:

@@ -35,7 +35,8 @@ StartPlan::StartPlan(const std::vector<const VekMgmtSpiInterface_1*>& hostTables
     for (std::size_t component = 0; component < components.size(); ++component) {
         visit(component);
     }
-    // A cycle is known only when it closes, after the steps of some of its members were written.
+    // A cycle is known only when it closes, after the steps of some of its members have been
+    // written.
     for (StartStep& step : mSteps) {
         if (!mCycles[step.component].empty()) {
             append(step.problem, mCycles[step.component]);

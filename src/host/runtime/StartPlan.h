@@ -20,18 +20,18 @@ struct StartStep {
     std::string problem;                ///< not empty: why this component cannot be started
 };
 
-/// Brings components into an order in which each comes after those whose interfaces it requires.
+/// Puts components into an order in which each comes after those whose interfaces it requires.
 ///
 /// A requirement is met by a table of the host, or else by the component itself, or else by the
-/// first of the others that offers it. Null fields of a requirement are met by anything.
+/// first other component that offers it. A null field of a requirement matches anything.
 class StartPlan {
 public:
-    /// Nothing is kept of the arguments but the texts of problems.
+    /// Keeps nothing of the arguments except in the texts of problems.
     StartPlan(const std::vector<const VekMgmtSpiInterface_1*>& hostTables,
               const std::vector<const OrvMgmtSpiComponent_1*>& components);
 
-    /// One step for each component. Those with a problem stand in the list as well, so that whoever
-    /// depends on them comes later.
+    /// One step for each component. Components with a problem are in the list as well, before those
+    /// that depend on them.
     const std::vector<StartStep>& steps() const { return mSteps; }
 
 private:

@@ -19,13 +19,13 @@ struct ActionCall {
     const std::string& dn; ///< internal
     const ClassDef& moc;
     const ActionDef& action;
-    /// In the caller's order; a parameter that was not given and has a default stands at the end.
+    /// In the caller's order; parameters that were not given and have a default are at the end.
     const std::vector<NamedValue>& parameters;
 };
 
-/// Carries actions out. Gives the result, or nothing for an empty one; throws HostError to refuse.
-/// Called on the client's thread without any lock of the host held; it may use the router's tables
-/// in the same transaction.
+/// Runs actions. Returns the result, or nothing for an empty one; throws HostError to refuse. It is
+/// called on the client's thread while the host holds no lock; it may use the router's tables in
+/// the same transaction.
 using ActionHandler = std::function<std::optional<AttributeValue>(const ActionCall& call)>;
 
 }

@@ -25,7 +25,7 @@ void putText(std::string& out, std::string_view text) {
     out += text;
 }
 
-// Small numbers of either sign become small numbers without sign.
+// Maps small numbers of either sign to small unsigned numbers, which take few bytes.
 std::uint64_t foldSign(std::int64_t number) {
     const auto bits = static_cast<std::uint64_t>(number);
     return (bits << 1U) ^ (number < 0 ? UINT64_MAX : 0);
@@ -35,7 +35,7 @@ std::int64_t unfoldSign(std::uint64_t folded) {
     return static_cast<std::int64_t>((folded >> 1U) ^ ((folded & 1U) != 0 ? UINT64_MAX : 0));
 }
 
-/// Reads from the front of some bytes.
+/// Reads bytes from front to back.
 class Reader {
 public:
     explicit Reader(std::string_view bytes) : mRest(bytes) {}
@@ -161,7 +161,7 @@ AttributeValue getValues(Reader& reader, const TypeDef& type) {
     return result;
 }
 
-/// Where an attribute stands: its values, and the whole entry.
+/// The bytes of one attribute: those of its values, and those of the whole entry.
 struct Entry {
     std::string_view values;
     std::size_t begin;

@@ -12,20 +12,21 @@
 
 namespace OrvHost {
 
-/// The attributes of one object as a string of bytes, which is how the store keeps them. For each
-/// attribute that has values: its index in the class, the length of what follows, the values. All
-/// numbers are written in groups of seven bits, lowest first. Names stand nowhere: the class tells
-/// them. An enumeration is the index of its enumerator; texts and references are written out.
+/// The attributes of one object as a string of bytes. The store keeps them in this form. For each
+/// attribute that has values there is its index in the class, the length of the rest of the entry,
+/// and the values. All numbers are written in groups of seven bits, lowest first. No name is
+/// written, since the class has the names. An enumeration is the index of its enumerator; texts and
+/// references are written out.
 ///
-/// The bytes are made by these functions only, from values that fit the model, and are trusted when
-/// they are read.
+/// Only these functions make such bytes, from values that fit the model, so the bytes are trusted
+/// when they are read.
 class AttributeBytes {
 public:
     /// The values of the attribute \p index of \p moc, or nothing if it has none.
     static std::optional<AttributeValue> read(const ClassDef& moc, std::string_view bytes,
                                               AttributeIndex index);
-    /// Replaces the values of the attribute \p index, which must fit the model; no values take the
-    /// attribute out.
+    /// Replaces the values of the attribute \p index, which must fit the model; writing no values
+    /// removes the attribute.
     static void write(const ClassDef& moc, std::string& bytes, AttributeIndex index,
                       const AttributeValue& value);
     /// True if the attribute has values.

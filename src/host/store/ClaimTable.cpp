@@ -13,8 +13,8 @@ std::uint64_t membershipKey(NodeId parent, ClassIndex moc) {
     return (std::uint64_t{parent} << 32U) | moc;
 }
 
-// Claims a key that one transaction can hold. Nothing is held without being listed, nor listed
-// without being held.
+// Claims a key that one transaction can hold. A key is either both held and listed, or neither,
+// also if memory runs out.
 template <class Key, class Listed>
 std::optional<ClaimTable::Rival> claimKey(std::unordered_map<Key, TransactionId>& held,
                                           const Key& key, TransactionId transaction,

@@ -25,25 +25,25 @@ struct ClaimSet {
     std::vector<std::pair<NodeId, ClassIndex>> memberships;
 };
 
-/// Who may write what while transactions are open. A claim is refused at once if another
-/// transaction holds one that does not go with it; nobody ever waits. A claim is kept until all of
-/// the transaction's claims are released.
+/// Which transaction may write what while transactions are open. A claim is refused at once if
+/// another transaction holds a claim that conflicts with it; no thread ever waits. A claim is kept
+/// until all claims of the transaction are released.
 ///
 /// Threads: any; one ClaimSet on one thread at a time.
 class ClaimTable {
 public:
     enum class Kind {
-        Write,      ///< to change attributes; goes with CreateUnder of others
-        Delete,     ///< to delete; goes with nothing of others
-        CreateUnder ///< to create children; goes with Write and CreateUnder of others
+        Write,      ///< to change attributes; others may hold CreateUnder
+        Delete,     ///< to delete; others may hold nothing
+        CreateUnder ///< to create children; others may hold Write and CreateUnder
     };
-    /// Who stands in the way, and with what.
+    /// The transaction that holds a conflicting claim, and the kind of that claim.
     struct Rival {
         TransactionId transaction = kNoTransaction;
         Kind kind = Kind::Write;
     };
 
-    /// Claims a committed object. Nothing if the claim is granted, or had been before.
+    /// Claims a committed object. Returns nothing if the claim is granted, now or before.
     std::optional<Rival> claimNode(ClaimSet& claims, NodeId node, Kind kind);
     /// Claims the DN of an object that is to be created.
     std::optional<Rival> claimName(ClaimSet& claims, const std::string& dn);

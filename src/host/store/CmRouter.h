@@ -22,26 +22,27 @@ namespace OrvHost {
 /// The router knows a transaction from its join to its finish: enrol it in each transaction
 /// (TransactionService::enrolInEach). An operation with any other handle is answered with
 /// OrvNotActive. Reads see the committed state as it was at join, and the transaction's own writes.
-/// Every write is checked against the model; what was wrong goes to the thread context as a message
-/// of the kind Explanation. At validate the router judges what only the whole transaction shows:
-/// mandatory attributes of created objects, the number of objects under one parent, and conflicts
-/// with other transactions; the messages are of the kind Verdict.
+/// Every write is checked against the model; the reason for a refusal goes to the thread context as
+/// a message of the kind Explanation. At validate the router checks what can be seen only in the
+/// whole transaction: mandatory attributes of created objects, the number of objects under one
+/// parent, and conflicts with other transactions; these messages are of the kind Verdict.
 ///
-/// How many references an attribute holds is not judged here: back-pointers pass through counts
-/// that the model does not allow, and the component judges them at validate.
+/// The router does not check how many references an attribute holds: while back-pointers are
+/// updated, the number can be one that the model does not allow. The component checks it at
+/// validate.
 ///
-/// Threads: any number at once, each transaction on one thread at a time. One object at a time
-/// lives in a process (see the binders).
+/// Threads: any number at once, each transaction on one thread at a time. Only one object at a time
+/// can live in a process (see the binders).
 class CmRouter {
 public:
-    /// All arguments must outlive the router. \throws std::logic_error if there is a router already
-    /// or \p store was built over another model
+    /// All arguments must outlive the router; \p store must use the same \p model.
+    /// \throws std::logic_error if it does not, or if there is a router already
     CmRouter(const Model& model, MoStore& store, ThreadContext& threadContext);
     CmRouter(const CmRouter&) = delete;
     CmRouter& operator=(const CmRouter&) = delete;
 
-    /// Sets what carries actions out; without one every action succeeds with an empty result. Not
-    /// while operations run.
+    /// Sets the handler that runs actions; without one every action succeeds with an empty result.
+    /// Do not call it while operations run.
     void setActionHandler(ActionHandler handler);
 
     /// "OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1".

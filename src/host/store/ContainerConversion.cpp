@@ -15,7 +15,7 @@ namespace OrvHost {
 
 namespace {
 
-// Deeper than any model; keeps a record that somebody built wrong from using up the stack.
+// Deeper than any model; stops at a record that is nested without end before the stack runs out.
 constexpr int kDeepest = 64;
 
 // A list with more members leads back into itself.
@@ -219,7 +219,7 @@ std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attr
 
 namespace {
 
-/// A record with all that hangs from it.
+/// A record that owns the memory of its values.
 struct OwnedContainer : OrvMoAttributeValueContainer_3 {
     Orv::AutoMemory memory;
 };
@@ -228,12 +228,13 @@ void releaseContainer(OrvMoAttributeValueContainer_3* container) {
     delete static_cast<OwnedContainer*>(container);
 }
 
-/// What stands in front of an array of records, so that the array's address leads to its owner.
+/// Stands directly before an array of records, so that the owner can be found from the array's
+/// address.
 struct ArrayHead {
     Orv::AutoMemory* owner;
 };
 
-// The head takes one place of the array.
+// makeResult reserves one element of the array for the head.
 static_assert(sizeof(ArrayHead) == sizeof(void*), "one word");
 
 void releaseContainers(OrvMoAttributeValueContainer_3** containers) {

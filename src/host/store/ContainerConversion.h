@@ -36,12 +36,12 @@ public:
     using Slot = typename Records::Slot;
     using Member = typename Records::Member;
 
-    /// The values of a record. A struct member without a record, or with one of code 0 and without
-    /// values, counts as not given. Throws HostError with OrvInvalidArgument for a null text or
-    /// array, a type code that the host does not use, or structs nested too deep.
+    /// The values of a record. A struct member without a record, or with type code 0 and no values,
+    /// counts as not given. Throws HostError with OrvInvalidArgument for a null text or array, a
+    /// type code that the host does not use, or structs nested too deep.
     static AttributeValue toValue(const Container& container);
 
-    /// Fills \p container; what hangs from it is owned by \p memory.
+    /// Fills \p container; \p memory owns everything that the container points at.
     static void fill(Container& container, const AttributeValue& value, Orv::AutoMemory& memory);
 
 private:
@@ -52,17 +52,17 @@ private:
     static Member* makeMembers(const StructValue& value, Orv::AutoMemory& memory);
 };
 
-/// The named values of an array that is ended by a null pointer, which may itself be null.
+/// The named values of an array that ends with a null pointer. The array itself may be null.
 std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attributes);
 
-/// Makes a result that its receiver releases.
+/// Makes a result that the receiver releases.
 OrvMoAttributeValueResult_3 makeResult(const AttributeValue& value);
 OrvMoAttributeValuesResult_3 makeResult(const std::vector<AttributeValue>& values);
 
 /// The text of a pointer that must not be null; \p what names it in the error (OrvInvalidArgument).
 std::string requireText(const char* text, const char* what);
 
-/// Refuses a null pointer of an argument; \p what names it in the error (OrvInvalidArgument).
+/// Refuses a null argument; \p what names it in the error (OrvInvalidArgument).
 void requireGiven(const void* argument, const char* what);
 
 }

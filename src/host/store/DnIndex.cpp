@@ -58,7 +58,8 @@ void DnIndex::erase(std::uint32_t hash, NodeId node) noexcept {
         }
         hole = (hole + 1) & mMask;
     }
-    // Whatever was pushed behind the hole by a collision moves up, so that no walk ends early.
+    // Entries that a collision moved to a place after the hole move up, so that no search ends too
+    // early.
     for (std::size_t at = (hole + 1) & mMask; mSlots[at].node != kNoNode; at = (at + 1) & mMask) {
         const std::size_t distanceFromHome = (at - mSlots[at].hash) & mMask;
         const std::size_t distanceFromHole = (at - hole) & mMask;

@@ -12,15 +12,15 @@
 
 namespace OrvHost {
 
-/// Finds objects by the hash of their DN. Keeps no DN: whoever asks compares. One DN may stand for
-/// several objects of which at most one is alive. No lock of its own.
+/// Finds objects by the hash of their DN. It keeps no DN: the caller compares. One DN may have
+/// several objects, of which at most one is alive. No lock of its own.
 ///
-/// An open table with linear probing, at most seven tenths full; a slot is 8 bytes.
+/// An open hash table with linear probing, at most seven tenths full; a slot is 8 bytes.
 class DnIndex {
 public:
     DnIndex();
 
-    /// Makes room, so that \p count more can be entered without allocating.
+    /// Makes room, so that \p count more entries can be added without allocating.
     void reserve(std::size_t count);
     void insert(std::uint32_t hash, NodeId node);
     void erase(std::uint32_t hash, NodeId node) noexcept;
@@ -45,7 +45,7 @@ private:
     static void place(std::vector<Slot>& slots, std::uint32_t hash, NodeId node) noexcept;
 
     std::vector<Slot> mSlots; ///< their number is a power of two
-    std::size_t mMask;        ///< that number less one
+    std::size_t mMask;        ///< that number minus one
     std::size_t mUsed = 0;
 };
 

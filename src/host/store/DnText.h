@@ -16,7 +16,7 @@ struct DnStep {
     std::string_view value;
 };
 
-/// A DN taken apart behind its parent.
+/// A DN split into its parent and its last step.
 struct SplitDn {
     std::string_view parent; ///< empty: at the top level
     DnStep leaf;
@@ -32,7 +32,8 @@ bool isDn(std::string_view text);
 /// The DN of a child. \p parent may be empty.
 std::string childDn(std::string_view parent, std::string_view className, std::string_view value);
 
-/// What all children of one class under \p parent have in common: their DN up to the value.
+/// The common part of the DNs of all children of one class under \p parent: everything before the
+/// value.
 std::string childPrefix(std::string_view parent, std::string_view className);
 
 }

@@ -11,8 +11,8 @@
 
 namespace OrvHost {
 
-/// A request that the host's core refuses: the code that a table would answer, and a text that says
-/// what was wrong with what and what was expected.
+/// A request that the host's core refuses: the code that a table returns, and a text with what was
+/// wrong, where, and what was expected.
 class HostError : public std::runtime_error {
 public:
     HostError(OrvReturnT code, const std::string& text) : std::runtime_error(text), mCode(code) {}

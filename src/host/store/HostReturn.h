@@ -10,23 +10,23 @@
 
 namespace OrvHost {
 
-/// Return codes of the reference host beyond those that every table knows. The router also uses
-/// OrvNotActive (no such transaction or iterator), OrvNotExist (no such object, class, attribute or
-/// action), OrvAlreadyExist (an object with that DN is there) and OrvInvalidArgument (a value, a
-/// DN or a parameter does not fit the model).
+/// Return codes of the reference host, in addition to those that every table has. The router also
+/// uses OrvNotActive (no such transaction or iterator), OrvNotExist (no such object, class,
+/// attribute or action), OrvAlreadyExist (there is an object with that DN) and OrvInvalidArgument
+/// (a value, a DN or a parameter does not fit the model).
 
 /// Another transaction has changed the object, or is about to. The transaction that gets this code
-/// can only be aborted: its view is out of date, so validate and commit refuse it from then on.
+/// can only be aborted: its snapshot is out of date, so validate and commit refuse it from then on.
 constexpr OrvReturnT OrvHostWriteConflict = -101;
-/// The attribute exists, but clients do not set it: it names the object or belongs to the system.
+/// The attribute exists, but clients cannot set it: it names the object or only the system sets it.
 constexpr OrvReturnT OrvHostNotWritable = -102;
-/// The class exists, but its objects do not stand at that place.
+/// The class exists, but its objects are not allowed at that place.
 constexpr OrvReturnT OrvHostNotContained = -103;
-/// The transaction is in a phase in which this cannot be done.
+/// The request is not possible in the current phase of the transaction.
 constexpr OrvReturnT OrvHostWrongState = -104;
 
-/// The name of a code and what it means, for people: of the codes above and of those that every
-/// table knows. Any thread.
+/// The name and the meaning of a code, for people: of the codes in this file and of those that
+/// every table has. Any thread.
 std::string returnText(OrvReturnT code);
 
 }

@@ -17,22 +17,22 @@ namespace OrvHost {
 
 struct RouterTransaction;
 
-/// Names an iterator of any version. A number, never an address: whatever a caller makes up is
-/// looked up and not found. Counted from 1, not used twice.
+/// Identifies an iterator of any version. It is a number, not an address, so an invalid handle from
+/// a caller is looked up and not found. Counted from 1; no number is used twice.
 using IteratorHandle = std::uint64_t;
 
 /// A client's walk over children.
 struct RouterIterator {
     std::shared_ptr<RouterTransaction> transaction;
     ChildCursor cursor;
-    std::string name; ///< what next gave last; the client reads it there
+    std::string name; ///< the name that next returned last; the client reads it in this place
 };
 
-/// The living iterators of all transactions. Threads: any.
+/// The open iterators of all transactions. Threads: any.
 class IteratorTable {
 public:
     IteratorHandle add(std::shared_ptr<RouterIterator> iterator);
-    /// The iterator of that handle, or null.
+    /// The iterator with that handle, or null.
     std::shared_ptr<RouterIterator> find(IteratorHandle handle) const;
     /// False if there is none.
     bool erase(IteratorHandle handle);

@@ -11,7 +11,7 @@
 namespace OrvHost {
 
 /// The variable part of a committed object in one block of memory: its naming value, then its
-/// attributes as AttributeBytes writes them. Never changed once made.
+/// attributes in the form of AttributeBytes. It never changes after construction.
 class MoRecord {
 public:
     MoRecord() = default;

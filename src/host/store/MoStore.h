@@ -18,15 +18,16 @@ namespace OrvHost {
 
 /// The host's managed objects: a tree of committed objects and the transactions over it.
 ///
-/// Isolation is by snapshot: a transaction reads the state that was committed when it began, and
-/// its own writes. The first transaction to write an object owns it until it ends; any other one
-/// that tries is refused at once with OrvHostWriteConflict, and so is one that writes an object
-/// which has been committed by somebody else since it began. No dirty read, no lost update.
+/// Transactions are isolated by snapshots: a transaction reads the state that was committed when it
+/// began, and its own writes. The first transaction that writes an object owns it until it ends.
+/// Any other transaction that tries to write it is refused at once with OrvHostWriteConflict; so is
+/// a transaction that writes an object that another one has changed and committed after it began.
+/// No dirty reads, no lost updates.
 ///
-/// Children of one class under one parent stand in the order in which they came to be there: that
-/// of load, then that of commit, and within a transaction that of creation.
+/// Children of one class under one parent are kept in the order in which they were added: by load,
+/// then by commit, and within a transaction by creation.
 ///
-/// Threads: any, except that load is for the time before the first transaction.
+/// Threads: any, but load may be called only before the first transaction.
 class MoStore {
 public:
     /// \p model must outlive the store.
@@ -34,15 +35,16 @@ public:
 
     const Model& model() const { return mModel; }
 
-    /// Puts an object into the committed state, directly: for data at start. Its parent must be
-    /// there. The object is checked against the model as a client's write is, except that
-    /// attributes of the system may be given, and mandatory attributes must be (references are left
-    /// to the checks of associations). Throws HostError with a text that names \p dn (internal) and
-    /// what was expected; the store is then as before. Constant time.
+    /// Adds an object directly to the committed state: for data at start. Its parent must exist.
+    /// The object is checked against the model as a client's write is, with two differences:
+    /// attributes that only the system sets may be given, and mandatory attributes must be given
+    /// (except references, which the checks of associations cover). Throws HostError with a text
+    /// that names \p dn (internal) and what was expected; the store is then unchanged. Constant
+    /// time.
     void load(const std::string& dn, const std::vector<NamedValue>& attributes);
 
-    /// Begins a transaction; \p id names it in messages to others and must be its own among those
-    /// that are open. The store must outlive the transaction.
+    /// Begins a transaction. \p id names it in messages to other transactions and must be unique
+    /// among the open ones. The store must outlive the transaction.
     std::unique_ptr<StoreTransaction> begin(TransactionId id);
 
     /// Number of committed objects.

@@ -11,7 +11,7 @@ namespace OrvHost {
 
 namespace {
 
-// Takes `tail` off the end of `text`; false if it is not there.
+// Removes `tail` from the end of `text`; false if `text` does not end with it.
 bool dropTail(std::string_view& text, std::string_view tail) {
     if (text.size() < tail.size() || text.substr(text.size() - tail.size()) != tail) {
         return false;
@@ -36,7 +36,7 @@ bool MoTree::isVisible(NodeId id, CommitNumber at) const {
     return one.createdAt <= at && at < one.deletedAt;
 }
 
-// Compares from the last step to the first, as the tree is linked.
+// Compares from the last step to the first, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
     for (;;) {
         const MoNode& one = mNodes[id];
@@ -178,7 +178,7 @@ void MoTree::add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord r
     apply(change, number);
 }
 
-// Everything that can fail for want of memory happens here, before anything can be seen.
+// Everything that can fail when memory runs out happens here, before any change is visible.
 void MoTree::stage(TreeChange& change) {
     stageCreated(change);
     for (const auto& modified : change.modified) {
@@ -308,7 +308,7 @@ StoreMemory MoTree::memory() const {
     for (const MoNode& one : mNodes) {
         sum.records += one.record.size();
         if (one.groups) {
-            // NOLINTNEXTLINE(bugprone-sizeof-container): the list itself is memory too
+            // NOLINTNEXTLINE(bugprone-sizeof-container): the vector object itself takes memory, too
             sum.childLists += sizeof(*one.groups) + one.groups->capacity() * sizeof(ChildGroup);
         }
     }

@@ -20,30 +20,31 @@
 
 namespace OrvHost {
 
-/// The children of one class under one parent: a list through the nodes, in order of their coming.
+/// The children of one class under one parent: a linked list of nodes, in the order in which they
+/// were added.
 struct ChildGroup {
     ClassIndex moc = 0;
     NodeId first = kNoNode;
     NodeId last = kNoNode;
     std::uint32_t liveCount = 0; ///< as of the latest commit
-    CommitNumber changedAt = 0;  ///< when a child last came or went
+    CommitNumber changedAt = 0;  ///< commit in which a child was last added or deleted
 };
 
 /// The fixed part of a committed object: 64 bytes on a machine with 8-byte pointers.
 struct MoNode {
     CommitNumber createdAt = 0;
-    CommitNumber changedAt = 0; ///< when the record was last replaced
+    CommitNumber changedAt = 0; ///< commit in which the record was last replaced
     CommitNumber deletedAt = kNever;
     MoRecord record;                                 ///< the latest
     std::unique_ptr<std::vector<ChildGroup>> groups; ///< null while there are no children
     NodeId parent = kNoNode;
     NodeId next = kNoNode;     ///< sibling of the same class
-    NodeId previous = kNoNode; ///< likewise
+    NodeId previous = kNoNode; ///< also of the same class
     ClassIndex moc = 0;
     std::uint32_t dnHash = 0;
 };
 
-/// An object that a commit creates. Its parent is a committed object, or one that stands before it
+/// An object that a commit creates. Its parent is a committed object, or one that comes before it
 /// in the same change.
 struct NewMo {
     NodeId parent = kNoNode;     ///< or else:
@@ -51,63 +52,65 @@ struct NewMo {
     ClassIndex moc = 0;
     std::uint32_t dnHash = 0;
     MoRecord record;
-    NodeId node = kNoNode; ///< filled in by MoTree::apply
+    NodeId node = kNoNode; ///< set by MoTree::apply
 };
 
-/// All that one commit does.
+/// All changes of one commit.
 struct TreeChange {
     std::vector<NewMo> created;
     std::vector<std::pair<NodeId, MoRecord>> modified;
     std::vector<NodeId> deleted; ///< children before their parents
 };
 
-/// The committed objects in all versions that somebody may still read: the latest one in the node,
-/// older records in a history aside, dead objects in their places until they are reclaimed.
+/// The committed objects in all versions that a transaction may still read: the latest record is in
+/// the node, older records are in a separate history, and deleted objects keep their nodes until
+/// they are reclaimed.
 ///
-/// No lock of its own: many may read, or one write (see VersionedTree). Texts that it hands out are
-/// valid until the next write.
+/// No lock of its own: many threads may read, or one may write (see VersionedTree). Texts that it
+/// returns are valid until the next write.
 class MoTree {
 public:
     explicit MoTree(const Model& model);
 
     static std::uint32_t hashOf(std::string_view dn);
 
-    /// The object of that DN which the snapshot \p at shows, or kNoNode. Constant time.
+    /// The object with that DN in the snapshot \p at, or kNoNode. Constant time.
     NodeId find(std::string_view dn, CommitNumber at) const;
     const MoNode& node(NodeId id) const { return mNodes[id]; }
     bool isVisible(NodeId id, CommitNumber at) const;
-    /// The record of a visible object as the snapshot shows it.
+    /// The record that a visible object has in the snapshot.
     const MoRecord& recordAt(NodeId id, CommitNumber at) const;
     /// The first visible child, or kNoNode.
     NodeId firstChild(NodeId parent, ClassIndex moc, CommitNumber at) const;
     /// The next visible sibling of the same class, or kNoNode.
     NodeId nextSibling(NodeId id, CommitNumber at) const;
     std::uint64_t countChildren(NodeId parent, ClassIndex moc, CommitNumber at) const;
-    /// The list of children of one class, or null if there has been none.
+    /// The list of children of one class, or null if there have never been any.
     const ChildGroup* findGroup(NodeId parent, ClassIndex moc) const;
     std::string dnOf(NodeId id) const;
 
     /// Adds an object under \p parent. All or nothing if memory runs out.
     void add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
              CommitNumber number);
-    /// Carries out a commit. All or nothing if memory runs out.
+    /// Applies a commit. All or nothing if memory runs out.
     void apply(TreeChange& change, CommitNumber number);
 
-    /// The oldest commit that has left something behind to be reclaimed, or kNever.
+    /// Frees what no snapshot from \p oldest on can read, but at most \p limit deleted objects.
     CommitNumber oldestGarbage() const;
-    /// Frees what no snapshot from \p oldest on can read, at most about \p limit pieces of it.
+    /// Frees what no snapshot from \p oldest on can read, at most about \p limit records and
+    /// objects.
     void reclaim(CommitNumber oldest, std::size_t limit) noexcept;
 
     std::uint64_t liveCount() const { return mLiveCount; }
     StoreMemory memory() const;
 
 private:
-    /// A record that was replaced, and when.
+    /// A record that was replaced, and the commit that replaced it.
     struct OldRecord {
         CommitNumber replacedAt;
         MoRecord record;
     };
-    /// What one commit made superfluous.
+    /// What is no longer needed after one commit.
     struct Garbage {
         CommitNumber number = 0;
         std::vector<NodeId> replaced;

@@ -46,7 +46,7 @@ void checkParameter(const ActionDef& action, const std::vector<NamedValue>& all,
     }
 }
 
-// Checks what is given and adds what has a default.
+// Checks the given parameters and adds the others that have a default.
 void completeParameters(const ActionDef& action, std::vector<NamedValue>& parameters) {
     for (const NamedValue& given : parameters) {
         checkParameter(action, parameters, given);
@@ -188,7 +188,7 @@ OrvReturnT RouterCore::finish(unsigned long txHandle) {
         const std::unique_lock<std::shared_mutex> guard(mMutex);
         const auto found = mTransactions.find(txHandle);
         if (found == mTransactions.end()) {
-            return OrvOk; // finished before, or never here: there is nothing to drop
+            return OrvOk; // already finished, or never joined: there is nothing to drop
         }
         finished = std::move(found->second);
         mTransactions.erase(found);

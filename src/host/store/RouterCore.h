@@ -24,11 +24,12 @@ namespace OrvHost {
 struct RouterTransaction {
     std::unique_ptr<StoreTransaction> store;
     Orv::AutoMemory memory;                ///< the values of version 1
-    std::vector<IteratorHandle> iterators; ///< all that were opened
+    std::vector<IteratorHandle> iterators; ///< all that the transaction has opened
 };
 
-/// The router without its tables: the open transactions, the operations that are more than one call
-/// of the store, the way from a refusal to a code with a message, and the participant.
+/// The router without its tables: the open transactions, the operations that need more than one
+/// call of the store, the conversion of a refusal into a code and a message, and the transaction
+/// participant.
 ///
 /// Threads: any; one transaction on one thread at a time. No lock is held while the store, an
 /// action or the thread context is called.
@@ -37,8 +38,8 @@ public:
     /// All arguments must outlive the object.
     RouterCore(MoStore& store, ThreadContext& threadContext);
 
-    /// Runs an operation of a table: gives its code, or for a HostError the error's code, with its
-    /// text as a message in the thread context.
+    /// Runs an operation of a table and returns its code. For a HostError it returns the error's
+    /// code and adds its text to the thread context as a message.
     template <class Operation>
     OrvReturnT answer(Operation&& operation) {
         try {
@@ -50,7 +51,7 @@ public:
         }
     }
 
-    /// What is kept for a transaction. OrvNotActive if it is not known.
+    /// The router's data of a transaction. OrvNotActive if the transaction is not known.
     std::shared_ptr<RouterTransaction> transaction(unsigned long txHandle) const;
 
     IteratorHandle newIterator(unsigned long txHandle, const std::string& parentDn,

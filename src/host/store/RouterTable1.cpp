@@ -56,7 +56,8 @@ OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
         requireGiven(iterator, "the place for the iterator");
         const IteratorHandle handle = mCore.newIterator(txHandle, requireText(dn, "the DN"),
                                                         requireText(className, "the class name"));
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the handle itself, which nobody dereferences
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle in the form of a pointer, never
+        // dereferenced
         *iterator = reinterpret_cast<void*>(static_cast<std::uintptr_t>(handle));
     });
 }

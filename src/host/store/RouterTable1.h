@@ -9,11 +9,11 @@
 
 namespace OrvHost {
 
-/// The router's table of version "1": turns records into values and back. What it hands out lives
-/// in the transaction's memory, until the transaction is finished.
+/// The router's table of version "1": converts records into values and back. What it returns is
+/// kept in the transaction's memory until the transaction is finished.
 ///
-/// Operations are those of OrvOamSpiManagedObject_1; DNs are internal. An empty result of an action
-/// is a container without values, never null.
+/// The operations are those of OrvOamSpiManagedObject_1; DNs are internal. An empty result of an
+/// action is a container without values, never null.
 class RouterTable1 {
 public:
     explicit RouterTable1(RouterCore& core);

@@ -9,9 +9,9 @@
 
 namespace OrvHost {
 
-/// The router's table of version "3", offered under two identities: turns records into values and
-/// back. Results carry their release functions. Operations are those of OrvOamSpiManagedObject_3;
-/// DNs are internal.
+/// The router's table of version "3", offered under two identities: converts records into values
+/// and back. Results have their own release functions. The operations are those of
+/// OrvOamSpiManagedObject_3; DNs are internal.
 class RouterTable3 {
 public:
     explicit RouterTable3(RouterCore& core);
@@ -46,7 +46,7 @@ public:
 private:
     RouterCore& mCore;
     Orv::ManagedObject3Binder<RouterTable3> mBinder;
-    OrvOamSpiManagedObject_3 mVekInterface; ///< the binder's functions under the other identity
+    OrvOamSpiManagedObject_3 mVekInterface; ///< the binder's functions under the second identity
 };
 
 }

@@ -9,14 +9,14 @@
 
 namespace OrvHost {
 
-/// The router's table of version "3_1": several attributes of one object at once, all or none.
+/// The router's table of version "3_1": sets several attributes of one object at once, all or none.
 class RouterTable3_1 {
 public:
     explicit RouterTable3_1(RouterCore& core);
 
     VekOamSpiManagedObject_3_1* getInterface() { return mBinder.getInterface(); }
 
-    /// A null array is an empty one. No attribute may be named twice.
+    /// A null array counts as an empty one. No attribute may be given twice.
     OrvReturnT setMoAttributes(unsigned long txHandle, const char* dn,
                                VekMoNamedAttributeValueContainer_3** attributes);
 

@@ -224,7 +224,7 @@ bool StoreTransaction::next(ChildCursor& cursor, std::string& name) const {
     return nextCommitted(cursor, name) || nextCreated(cursor, name);
 }
 
-// The snapshot keeps the child where the cursor stands, and its links, from being reclaimed.
+// The open snapshot protects the child at the cursor's position, and its links, from reclaiming.
 bool StoreTransaction::nextCommitted(ChildCursor& cursor, std::string& name) const {
     if (cursor.mCommittedDone) {
         return false;
@@ -298,7 +298,8 @@ void StoreTransaction::create(const std::string& parentDn, const std::string& cl
     mOverlay.addCreated(std::move(created));
 }
 
-// Under a parent that this transaction created, nobody else can come.
+// No other transaction can create objects under a parent that this transaction created, so nothing
+// needs to be claimed there.
 void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent, ClassIndex moc,
                                   const std::string& dn) {
     claimMembership(parentDn, parent, moc);
@@ -311,8 +312,8 @@ void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent,
     mGuard.claimName(dn, isDeletedHere(dn));
 }
 
-// A bound on the number of children holds for what all transactions do together, so that two may
-// not change the number side by side.
+// A bound on the number of children applies to the result of all transactions together, so two
+// transactions must not change the number at the same time.
 void StoreTransaction::claimMembership(const std::string& parentDn, const Mo& parent,
                                        ClassIndex moc) {
     if (!isBounded(mModel.classes[moc])) {
@@ -370,9 +371,9 @@ void StoreTransaction::appendChildren(const Mo& mo, std::vector<Mo>& all) const 
     }
 }
 
-// All that are there in the snapshot or by now. A child that came with a later commit cannot be
-// seen here, but would lose its parent; one that has gone is seen here. The attempt to claim either
-// reports the conflict.
+// All children that exist in the snapshot or in the latest commit. A child that was committed later
+// is not visible here, but would lose its parent; a child that was deleted later is still visible
+// here. Claiming either of them reports the conflict.
 void StoreTransaction::appendCommittedChildren(const Mo& mo, ClassIndex moc,
                                                std::vector<Mo>& all) const {
     mTree.read([&](const MoTree& tree) {
@@ -404,7 +405,7 @@ void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
                                     std::vector<std::string>& faults) const {
     const Mo parent = parentDn.empty() ? Mo{kRootNode, nullptr} : find(parentDn);
     if (!parent) {
-        return; // deleted, and its children with it
+        return; // deleted by this transaction, together with its children
     }
     const ClassDef& child = mModel.classes[moc];
     const auto count = static_cast<std::int64_t>(countOf(parentDn, parent, moc));

@@ -22,24 +22,23 @@ namespace OrvHost {
 class ChildCursor {
     friend class StoreTransaction;
     NodeId mParent = kNoNode;   ///< the committed parent, or none
-    NodeId mPosition = kNoNode; ///< the committed child given last
+    NodeId mPosition = kNoNode; ///< the committed child returned last
     ClassIndex mMoc = 0;
     bool mCommittedDone = false;
-    std::string mPrefix; ///< names the list of children created by the transaction
+    std::string mPrefix; ///< prefix of the DNs of the children that the transaction created
     std::size_t mCreatedIndex = 0;
 };
 
 /// One transaction over an MoStore. All DNs are internal.
 ///
-/// Every operation throws HostError for what it refuses, with a text for people, and then has
-/// changed nothing that can be read. After OrvHostWriteConflict the transaction can only be rolled
-/// back. Destroying an open transaction rolls it back. Once it has ended, operations are refused
-/// with OrvNotActive.
+/// An operation that refuses throws HostError, with a text for people, and has then changed nothing
+/// that can be read. After OrvHostWriteConflict the transaction can only be rolled back. Destroying
+/// an open transaction rolls it back. After it has ended, operations are refused with OrvNotActive.
 ///
-/// Threads: one at a time; transactions of one store run side by side.
+/// Threads: one at a time; transactions of one store may run in parallel.
 class StoreTransaction {
 public:
-    /// Made by MoStore::begin.
+    /// For MoStore::begin only.
     StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims, TransactionId id);
     ~StoreTransaction();
     StoreTransaction(const StoreTransaction&) = delete;
@@ -50,7 +49,7 @@ public:
     /// The first conflict that the transaction has met, for people; empty if none.
     const std::string& conflict() const { return mGuard.conflict(); }
 
-    /// False also for a text that is no DN.
+    /// False also for a text that is not a DN.
     bool exists(const std::string& dn) const;
     /// The class of an object.
     const ClassDef& classOf(const std::string& dn) const;
@@ -58,19 +57,21 @@ public:
     AttributeValue get(const std::string& dn, const std::string& attribute) const;
     std::vector<AttributeValue> get(const std::string& dn,
                                     const std::vector<std::string>& attributes) const;
-    /// What was set, in the order of the class's definition, without naming attribute and defaults.
+    /// The values that were set, in the order of the class's definition, without the naming
+    /// attribute and without defaults.
     std::vector<NamedValue> stored(const std::string& dn) const;
     /// The number of children of one class; \p parentDn empty: at the top level. Constant time,
     /// unless these children have changed since the transaction began or it has deleted objects.
     std::uint64_t count(const std::string& parentDn, const std::string& className) const;
     /// Opens a walk over the children of one class; \p parentDn empty: at the top level.
     ChildCursor children(const std::string& parentDn, const std::string& className) const;
-    /// Puts the naming value of the next child into \p name; false at the end. The transaction may
-    /// write while it walks: children deleted before the walk reaches them do not come, children
-    /// created meanwhile come at the end, each once.
+    /// Writes the naming value of the next child to \p name; false at the end. The transaction may
+    /// write during the walk: children that are deleted before the walk reaches them are left out,
+    /// children that are created during the walk come at the end, each once.
     bool next(ChildCursor& cursor, std::string& name) const;
 
-    /// Sets attributes of one object, all or none. No values unset an attribute.
+    /// Sets attributes of one object, all or none. An attribute that is set to no values becomes
+    /// unset.
     void set(const std::string& dn, const std::vector<NamedValue>& values);
     /// Creates a child of \p parentDn (empty: at the top level) with its attributes.
     void create(const std::string& parentDn, const std::string& className,
@@ -79,16 +80,17 @@ public:
     /// Deletes an object with its subtree.
     void remove(const std::string& dn);
 
-    /// What speaks against a commit, for people; empty: nothing.
+    /// The reasons why a commit is not possible, for people; empty if it is.
     std::vector<std::string> check() const;
-    /// Makes all writes visible to transactions that begin from now on, all at once, and ends this
-    /// one. Call check first: it is not repeated here, except that a conflict is thrown again.
+    /// Makes all writes visible at once to transactions that begin from now on, and ends this one.
+    /// Call check first: commit does not repeat it, but throws a conflict again.
     void commit();
-    /// Forgets all writes and ends this transaction.
+    /// Drops all writes and ends this transaction.
     void rollback() noexcept;
 
 private:
-    /// An object in this transaction's view: a committed one or one of its own.
+    /// An object as this transaction sees it: a committed one, or one that this transaction
+    /// created.
     struct Mo {
         NodeId node = kNoNode;
         const CreatedMo* created = nullptr;

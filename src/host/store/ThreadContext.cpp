@@ -17,13 +17,14 @@ namespace {
 ThreadContext* theContext = nullptr;
 std::atomic<unsigned long> theGeneration{0};
 
-/// The messages of one thread, and the context to which they belong, by number.
+/// The messages of one thread, and the number of the context that they belong to.
 struct ThreadMessages {
     unsigned long generation = 0;
     std::vector<ThreadContext::Message> list;
 };
 
-// A thread can outlive a context; what it has left behind there is not for the next one.
+// A thread can outlive a context; messages left from an earlier context must not appear in the next
+// one.
 std::vector<ThreadContext::Message>& messages() {
     thread_local ThreadMessages own;
     const unsigned long current = theGeneration.load();

@@ -13,17 +13,18 @@
 
 namespace OrvHost {
 
-/// Messages for the client of the calling thread, offered to components as the table
-/// VekMgmtSpiThreadContext_2 and taken from this class by whoever runs a client's request.
+/// Messages for the client of the calling thread. Components add them through the table
+/// VekMgmtSpiThreadContext_2; the code that runs a client's request takes them out with this class.
 ///
-/// Each thread has a list of its own; nothing is locked and no thread sees another's messages. The
-/// table's functions know no object, so one ThreadContext at a time lives in a process.
+/// Each thread has its own list; nothing is locked and no thread sees another's messages. The
+/// table's functions get no object argument, so only one ThreadContext at a time can live in a
+/// process.
 class ThreadContext {
 public:
-    /// Kind of the messages that come through the table: why a request or a transaction is refused.
+    /// The kind of messages that come through the table: why a request or a transaction is refused.
     static constexpr int Verdict = 1;
-    /// Kind of the messages with which the router explains a code that it answers. A component may
-    /// have asked on its own account and ignored the code, so a client's request that succeeded can
+    /// The kind of messages with which the router explains a code that it returns. A component may
+    /// have called the router itself and ignored the code, so a client's request that succeeded can
     /// leave such messages, too.
     static constexpr int Explanation = 2;
 
@@ -39,14 +40,14 @@ public:
     ThreadContext& operator=(const ThreadContext&) = delete;
 
     /// The table, under "VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2". Lives as
-    /// long as this object. Its addMessage answers OrvInvalidArgument for a null text.
+    /// long as this object. Its addMessage returns OrvInvalidArgument for a null text.
     VekMgmtSpiThreadContext_2* getInterface() { return &mInterface; }
 
     void addMessage(int kind, std::string text);
 
-    /// Number of messages that wait for the calling thread's client.
+    /// The number of messages that wait on the calling thread.
     std::size_t size() const;
-    /// Takes the messages out, all of them or those behind the first \p mark, oldest first.
+    /// Takes the messages out, oldest first: all of them, or all except the first \p mark.
     std::vector<Message> take(std::size_t mark = 0);
     void clear();
 

@@ -7,20 +7,20 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
 
-/// The driving side of transactions as a table, offered by the reference host under
-/// "OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1". Components name that identity
-/// among what they require, which tells them that somebody drives transactions here; a client that
-/// holds no C++ object of the host may drive them with it.
+/// A table with which a client drives transactions, offered by the reference host under
+/// "OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1". Components require that
+/// identity: if it is offered, the host has somebody who drives transactions. A client that has no
+/// C++ object of the host may drive transactions with the table.
 ///
-/// Messages of refusals wait in the thread context of the calling thread. Any thread; one
+/// Messages of refusals are in the thread context of the calling thread. Any thread; each
 /// transaction is driven by one thread at a time.
 struct OrvHostTransactionMaster_1 {
     OrvMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Begins a transaction and leaves its handle in \p txHandle.
+    /// Slot 1. Begins a transaction and writes its handle to \p txHandle.
     OrvReturnT (*begin)(unsigned long* txHandle);
-    /// Slot 2. Asks all participants; the transaction goes on whatever they say. The verdict is in
-    /// \p result after OrvOk.
+    /// Slot 2. Asks all participants; the transaction stays open whatever they answer. After OrvOk
+    /// the verdict is in \p result.
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
     /// Slot 3. Validates, prepares, commits and finishes. Any other code than OrvOk means that the
     /// transaction has been aborted and finished instead, or that the handle is unknown

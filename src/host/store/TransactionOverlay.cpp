@@ -7,7 +7,7 @@ namespace OrvHost {
 
 namespace {
 
-// As childPrefix gives it.
+// The prefix that childPrefix gives for the same parent and class.
 std::string prefixOf(const std::string& dn) {
     return dn.substr(0, dn.rfind('=') + 1);
 }

@@ -20,7 +20,7 @@
 
 namespace OrvHost {
 
-/// An object that a transaction has created and not committed.
+/// An object that a transaction has created and not yet committed.
 struct CreatedMo {
     std::string dn;
     ClassIndex moc = 0;
@@ -32,11 +32,12 @@ struct CreatedMo {
     std::size_t positionInGroup = 0;
 };
 
-/// What a transaction has written and nobody else sees: plain bookkeeping, no lock, no rules.
+/// The writes of one transaction, which no other transaction sees: plain bookkeeping, no lock, no
+/// checks.
 class TransactionOverlay {
 public:
-    /// Children of one class under one parent that were created, in order of creation; null stands
-    /// for one that is deleted again, so that positions stay.
+    /// The children of one class under one parent that were created, in the order of creation. A
+    /// child that was deleted again is replaced by null, so that positions stay the same.
     struct Group {
         std::vector<CreatedMo*> members;
         std::uint64_t count = 0;
@@ -46,16 +47,17 @@ public:
 
     CreatedMo* findCreated(std::string_view dn);
     const CreatedMo* findCreated(std::string_view dn) const;
-    /// The group of that prefix (see childPrefix), or null.
+    /// The group with that prefix (see childPrefix), or null.
     const Group* findGroup(const std::string& prefix) const;
-    /// Enters \p mo, whose DN is not taken. The object keeps its place in memory.
+    /// Adds \p mo, whose DN must be free. The object keeps its address.
     void addCreated(CreatedMo mo);
-    /// Takes a created object out; \p mo is dead then.
+    /// Removes a created object; \p mo is invalid afterwards.
     void dropCreated(CreatedMo* mo);
-    /// All created objects, parents before their children; null where one was deleted again.
+    /// All created objects, parents before their children; null in place of one that was deleted
+    /// again.
     const std::vector<CreatedMo*>& created() const { return mAll; }
 
-    /// The attributes of a committed object as the transaction has left them, or null.
+    /// The attributes that the transaction has written for a committed object, or null.
     const std::string* findModified(NodeId node) const;
     void setModified(NodeId node, std::string attributes);
     const std::unordered_map<NodeId, std::string>& modified() const { return mModified; }
@@ -65,7 +67,8 @@ public:
     /// The deleted objects in the order in which they were marked.
     const std::vector<NodeId>& deleted() const { return mDeletionOrder; }
 
-    /// Remembers that objects of a class have come or gone under a parent, for the check of bounds.
+    /// Records that objects of a class were created or deleted under a parent, for the check of
+    /// bounds.
     void noteMembers(const std::string& parentDn, ClassIndex moc);
     const std::set<std::pair<std::string, ClassIndex>>& changedMembers() const { return mMembers; }
 

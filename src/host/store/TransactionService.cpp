@@ -27,8 +27,8 @@ std::string answered(const Resource& resource, const char* phase, OrvReturnT cod
            ") at " + phase;
 }
 
-// A participant's own shield is not relied on: whatever it throws must not leave the others in the
-// middle of a phase.
+// A participant may throw although its functions should not; an exception must not leave the other
+// participants in the middle of a phase.
 OrvReturnT call(OrvReturnT (*slot)(unsigned long), unsigned long txHandle) {
     return Orv::shielded([&] { return slot(txHandle); });
 }
@@ -37,7 +37,7 @@ void addReason(TransactionOutcome& outcome, const std::string& reason) {
     outcome.reason += (outcome.reason.empty() ? "" : "; ") + reason;
 }
 
-// The first refusal gives the code, all of them the reason.
+// The code of the outcome is that of the first refusal; the reasons of all refusals are joined.
 void refuse(TransactionOutcome& outcome, OrvReturnT code, const std::string& reason) {
     outcome.accepted = false;
     outcome.code = outcome.code == OrvOk ? code : outcome.code;
@@ -56,7 +56,7 @@ void validateOne(const Resource& resource, unsigned long txHandle, TransactionOu
 
 }
 
-/// A transaction that has begun. Guarded by the service's mutex, but for its handle.
+/// A transaction that has begun. The service's mutex guards everything except the handle.
 struct TransactionService::Transaction {
     explicit Transaction(unsigned long txHandle) : handle(txHandle) {}
 
@@ -80,7 +80,8 @@ OrvReturnT joinFn(unsigned long txHandle, Resource* resource) {
     return Orv::shielded([&] { return theService->join(txHandle, resource); });
 }
 
-// What the C++ interface gives to its caller goes back to where a client of the table finds it.
+// A caller of the C++ interface gets the messages in the outcome; a client of the table looks for
+// them in the thread context, so they go back there.
 OrvReturnT answerOf(TransactionOutcome outcome) {
     ThreadContext& context = theService->threadContext();
     for (ThreadContext::Message& message : outcome.messages) {
@@ -188,7 +189,8 @@ OrvReturnT TransactionService::join(unsigned long txHandle, Resource* resource) 
     return code;
 }
 
-// Reserves the transaction for a phase. Null, and `outcome` says why, if it cannot be had.
+// Reserves the transaction for a phase. If that is not possible, returns null and puts the reason
+// into `outcome`.
 TransactionService::TransactionPtr TransactionService::take(unsigned long txHandle,
                                                             TransactionOutcome& outcome) {
     const std::lock_guard<std::mutex> guard(mMutex);
@@ -217,7 +219,8 @@ void TransactionService::closeToJoiners(Transaction& transaction) {
     transaction.takesJoiners = false;
 }
 
-// By position, since the list may grow while participants are asked. Null behind the last.
+// Access by position, since the list may grow while participants are asked. Null after the last
+// one.
 Resource* TransactionService::participant(const Transaction& transaction, std::size_t index) const {
     const std::lock_guard<std::mutex> guard(mMutex);
     return index < transaction.participants.size() ? transaction.participants[index] : nullptr;

@@ -20,10 +20,10 @@
 
 namespace OrvHost {
 
-/// What became of a request to validate, commit or abort.
+/// The result of a request to validate, commit or abort.
 struct TransactionOutcome {
-    bool accepted = false;   ///< valid, committed, or aborted: as was asked
-    OrvReturnT code = OrvOk; ///< what a table answers; OrvOk exactly if accepted
+    bool accepted = false;   ///< valid, committed or aborted: as was requested
+    OrvReturnT code = OrvOk; ///< what a table returns; OrvOk exactly if accepted
     std::string reason;      ///< for people; who refused, in which phase, with which code
     std::vector<ThreadContext::Message> messages; ///< taken from the thread context, in order
 };
@@ -32,51 +32,54 @@ struct TransactionOutcome {
 /// participants, in the order in which they joined.
 ///
 /// Phases of a transaction. *Open*: from begin; participants join, clients work. *Validating*: all
-/// participants are asked, also after one has refused, so that the client gets all messages; others
-/// may still join and are asked in turn. A transaction that only was to be validated is open again.
-/// *Ending*: prepare and commit, or abort, and then finish; nobody joins. Then the handle is
-/// unknown. Handles count from 1 and are not used twice.
+/// participants are asked, even after one has refused, so that the client gets all messages; other
+/// participants may still join and are then asked, too. After a request to validate, the
+/// transaction is open again. *Ending*: prepare and commit, or abort, and then finish; no
+/// participant can join. After that the handle is unknown. Handles count from 1 and are not used
+/// twice.
 ///
-/// A code that is not zero at validate or prepare, or a false verdict, ends a commit in abort and
-/// finish of all participants. So does a refusal of the first participant at commit. Once one has
-/// committed there is no way back: what later ones answer is told in `reason` only.
+/// If a participant returns a code that is not zero at validate or prepare, or a false verdict, the
+/// commit becomes an abort and finish of all participants. The same happens if the first
+/// participant refuses at commit. After one participant has committed, abort is not possible any
+/// more: refusals of later ones only appear in `reason`.
 ///
-/// Threads: any; a transaction is driven by one at a time, and a second one that tries is refused.
-/// No lock is held while a participant is called. One object at a time lives in a process, since
-/// the tables' functions know no object.
+/// Threads: any; a transaction is driven by one thread at a time, and a second one that tries is
+/// refused. No lock is held while a participant is called. Only one object at a time can live in a
+/// process, since the functions of the tables get no object argument.
 class TransactionService {
 public:
     explicit TransactionService(ThreadContext& threadContext);
-    /// Aborts what is still open, so that the participants must still be there.
+    /// Aborts what is still open, so the participants must still exist.
     ~TransactionService();
     TransactionService(const TransactionService&) = delete;
     TransactionService& operator=(const TransactionService&) = delete;
 
-    /// Makes \p resource the participant of every transaction from now on, before all that join
-    /// later. The router is enrolled in this way. Call it before the first begin; the table must
-    /// live as long as this object.
+    /// Makes \p resource the participant of every transaction from now on, before all others. The
+    /// router is enrolled in this way. Call it before the first begin; the table must live as long
+    /// as this object.
     void enrolInEach(OrvOamSpiTransactionalResource_2* resource);
 
-    /// Begins a transaction. Throws HostError if a participant in each cannot join.
+    /// Begins a transaction. Throws HostError if a participant that is enrolled in each transaction
+    /// cannot join.
     unsigned long begin();
     /// Asks all participants and leaves the transaction open.
     TransactionOutcome validate(unsigned long txHandle);
-    /// Called with what is known of a refusal while the transaction can still be read.
+    /// Called with the refusal while the transaction can still be read.
     using BeforeAbort = std::function<void(const TransactionOutcome& refused)>;
 
-    /// Validates, prepares, commits and finishes; after a refusal aborts and finishes. Between the
-    /// refusal and the abort \p beforeAbort is called, which may be empty and must not throw.
+    /// Validates, prepares, commits and finishes; after a refusal aborts and finishes. \p
+    /// beforeAbort is called between the refusal and the abort; it may be empty and must not throw.
     TransactionOutcome commit(unsigned long txHandle, const BeforeAbort& beforeAbort = {});
     TransactionOutcome abort(unsigned long txHandle);
-    /// Aborts every transaction that is open. For a host that stops its components; no other thread
-    /// may drive a transaction meanwhile.
+    /// Aborts every open transaction. For a host that stops its components; no other thread may
+    /// drive a transaction during the call.
     void abortAll();
 
     /// Number of transactions that have begun and not ended.
     std::size_t openCount() const;
 
-    /// Enrols \p resource, unless it is enrolled already, and calls its join slot, and nothing else
-    /// of it. OrvNotActive for an unknown handle, OrvHostWrongState once the transaction ends, the
+    /// Enrols \p resource, unless it is enrolled already, and calls its join slot and no other one.
+    /// OrvNotActive for an unknown handle, OrvHostWrongState when the transaction is ending, the
     /// resource's code if it refuses to join.
     OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource);
 

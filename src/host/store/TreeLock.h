@@ -11,10 +11,10 @@
 namespace OrvHost {
 
 /// A lock for many readers and one writer in which a waiting writer comes before readers that
-/// arrive later. std::shared_mutex leaves that open, and a commit would wait as long as readers
-/// overlap. No thread may take it twice.
+/// arrive later. std::shared_mutex does not promise that, and with it a commit could wait as long
+/// as reads overlap. No thread may lock it twice.
 ///
-/// The names are those that std::shared_lock and std::unique_lock ask for.
+/// The function names are those that std::shared_lock and std::unique_lock need.
 class TreeLock {
 public:
     TreeLock() = default;

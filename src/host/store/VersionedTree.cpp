@@ -11,7 +11,7 @@ namespace OrvHost {
 
 namespace {
 
-// How much is reclaimed before readers and commits get their turn.
+// How much is reclaimed before the lock is given to readers and commits for a moment.
 constexpr std::size_t kReclaimPortion = 4096;
 
 }
@@ -39,7 +39,7 @@ void VersionedTree::closeSnapshot(CommitNumber snapshot) noexcept {
     reclaim(oldest);
 }
 
-// A snapshot that is opened meanwhile shows no less than `oldest`.
+// A snapshot that is opened meanwhile is not older than `oldest`.
 void VersionedTree::reclaim(CommitNumber oldest) noexcept {
     while (mOldestGarbage.load() <= oldest) {
         const std::unique_lock<TreeLock> guard(mLock);

@@ -20,25 +20,26 @@ namespace OrvHost {
 /// The committed tree for many threads: snapshots to read from, and commits that become visible as
 /// a whole.
 ///
-/// Readers hold the lock shared for one short look; a commit holds it alone while it links what was
-/// made ready before. What no open snapshot can read is reclaimed when a snapshot is closed.
+/// A reader holds the lock shared, and only for one short look. A commit holds it exclusively while
+/// it links in what was prepared before. What no open snapshot can read is reclaimed when a
+/// snapshot is closed.
 class VersionedTree {
 public:
     explicit VersionedTree(const Model& model);
 
-    /// Opens a snapshot of all that is committed by now. Each is closed once.
+    /// Opens a snapshot of all that is committed now. Close each snapshot once.
     CommitNumber openSnapshot();
     void closeSnapshot(CommitNumber snapshot) noexcept;
 
-    /// Runs \p look on the tree while no commit changes it, and gives what it gives. It must not
-    /// come back to this object.
+    /// Runs \p look on the tree while no commit changes it, and returns its result. \p look must
+    /// not call this object.
     template <class Look>
     auto read(Look&& look) const {
         const std::shared_lock<TreeLock> guard(mLock);
         return look(static_cast<const MoTree&>(mTree));
     }
 
-    /// Carries out \p change for \p transaction, all or nothing.
+    /// Applies \p change for \p transaction, all or nothing.
     void commit(TreeChange& change, TransactionId transaction);
     /// The transaction that made a commit; kNoTransaction if no open snapshot is older.
     TransactionId committer(CommitNumber number) const;

@@ -80,7 +80,7 @@ std::string whyBadReference(const AttributeValue& value) {
     return {};
 }
 
-// As whyRefused, but for the number of values: see WriteCheck::value.
+// As whyRefused, but without the number of values: see WriteCheck::value.
 std::string whyRefusedReferences(const AttributeDef& def, const AttributeValue& value) {
     if (value.kind != def.type.kind) {
         return whyRefused(def, value);

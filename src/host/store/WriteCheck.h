@@ -13,9 +13,9 @@
 
 namespace OrvHost {
 
-/// The rules of the model that a single write is held against. Every function throws HostError for
-/// what does not fit, with a text that names the class, the attribute and what was expected. The
-/// DN is added by the caller (see withDn). No state.
+/// The rules of the model that every single write must follow. A function throws HostError for what
+/// does not fit, with a text that names the class, the attribute and what was expected. The caller
+/// adds the DN (see withDn). No state.
 class WriteCheck {
 public:
     /// Whether attributes that only the system sets may be given.
@@ -25,34 +25,34 @@ public:
     static AttributeIndex requireAttribute(const ClassDef& moc, const std::string& name);
     static ClassIndex requireClass(const Model& model, const std::string& name);
 
-    /// Whether objects of class \p moc may stand under one of class \p parent, or at the top level
-    /// if that is null. OrvHostNotContained.
+    /// Whether objects of class \p moc are allowed under one of class \p parent, or at the top
+    /// level if \p parent is null. OrvHostNotContained.
     static void containment(const Model& model, const ClassDef* parent, ClassIndex moc);
 
     /// Whether \p name may name an object of \p moc: a valid naming value that the naming
     /// attribute's type accepts. OrvInvalidArgument.
     static void name(const ClassDef& moc, const std::string& name);
 
-    /// Whether an attribute may be set to these values. The number of references is not looked at.
+    /// Whether an attribute may be set to these values. The number of references is not checked.
     /// OrvInvalidArgument, OrvHostNotWritable.
     static void value(const ClassDef& moc, AttributeIndex index, const AttributeValue& value,
                       Writer writer);
 
-    /// Writes all of \p values into \p bytes (see AttributeBytes); they must fit, and each
-    /// attribute be there once.
+    /// Writes all of \p values into \p bytes (see AttributeBytes). They must fit, and no attribute
+    /// may be given twice.
     static void apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
                       std::string& bytes);
 
-    /// The attributes of an object that is to be named \p name: as apply, but the naming attribute
-    /// may be among them if it says the same.
+    /// The attributes of an object that gets the name \p name: as apply, but the naming attribute
+    /// may be given if it has the same value.
     static std::string initial(const ClassDef& moc, const std::string& name,
                                const std::vector<NamedValue>& values, Writer writer);
 
-    /// The names of the attributes that must have a value and have none.
+    /// The names of the attributes that must have a value but have none.
     static std::vector<std::string> missing(const ClassDef& moc, std::string_view bytes,
                                             bool withReferences);
 
-    /// The value that a naming attribute, which is a text or an enumeration, shows.
+    /// The value of a naming attribute, which is a text or an enumeration, for the name \p name.
     static AttributeValue nameValue(const AttributeDef& naming, std::string_view name);
 
 private:
@@ -60,7 +60,7 @@ private:
                          std::string& bytes);
 };
 
-/// Runs \p check and puts \p dn in front of the text of what it refuses.
+/// Runs \p check and puts \p dn before the text of a HostError that it throws.
 template <class Check>
 auto withDn(const std::string& dn, Check&& check) {
     try {

@@ -11,7 +11,7 @@ namespace OrvHost {
 
 namespace {
 
-/// When the latest version of an object came to be.
+/// The commits that created, changed and deleted an object.
 struct Stamps {
     CommitNumber createdAt = 0;
     CommitNumber changedAt = 0;
@@ -114,7 +114,7 @@ void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
         fail(dn + " is being created", rival->transaction);
     }
     if (deletedByOwner) {
-        return; // the latest object of that DN is the one that this transaction deletes
+        return; // the latest object with that DN is the one that this transaction deletes
     }
     const CommitNumber createdAt = mTree.read([&](const MoTree& tree) {
         const NodeId latest = tree.find(dn, kLatest);

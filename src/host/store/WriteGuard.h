@@ -12,12 +12,13 @@
 
 namespace OrvHost {
 
-/// Keeps one transaction's writes apart from those of all others. What is about to be written is
-/// claimed, and then compared with the latest commit: a claim keeps others from committing a change
-/// later, the comparison finds those that did so since the snapshot was taken.
+/// Separates one transaction's writes from those of all others. Before a write, its target is
+/// claimed and then compared with the latest commit: the claim prevents later commits by others,
+/// and the comparison finds commits by others since the snapshot was taken.
 ///
 /// Each claim throws HostError with OrvHostWriteConflict and a text that names the object and the
-/// other transaction. After that the transaction must not be committed; requireNoConflict says so.
+/// other transaction. After that the transaction must not be committed; requireNoConflict checks
+/// this.
 ///
 /// Threads: one at a time, as its transaction.
 class WriteGuard {
@@ -29,16 +30,17 @@ public:
 
     TransactionId owner() const { return mClaimed.owner; }
 
-    /// To change the attributes of the committed object \p node.
+    /// Before a change of attributes of the committed object \p node.
     void claimWrite(NodeId node);
-    /// To delete it. Its descendants are claimed one by one.
+    /// Before a deletion. The descendants are claimed one by one.
     void claimDelete(NodeId node);
-    /// To create children under it.
+    /// Before children are created under it.
     void claimCreateUnder(NodeId node);
-    /// To create an object of that DN. \p deletedByOwner says that the snapshot shows such an
+    /// Before an object with that DN is created. \p deletedByOwner: the snapshot shows such an
     /// object and this transaction has deleted it.
     void claimName(const std::string& dn, bool deletedByOwner);
-    /// To change how many objects of a class stand under \p parent (kRootNode: at the top level).
+    /// Before the number of objects of a class under \p parent changes (kRootNode: at the top
+    /// level).
     void claimMembership(NodeId parent, ClassIndex moc, const std::string& what);
 
     /// The first conflict, for people; empty if there was none.

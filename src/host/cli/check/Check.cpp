@@ -13,8 +13,8 @@ namespace OrvHost {
 
 namespace {
 
-/// The reports that are wanted: the chosen format goes to the file, if there is one, and people get
-/// theirs besides.
+/// The reports of one run: the chosen format goes to the file, if one is given; standard output
+/// then gets a report as well.
 class Reports {
 public:
     Reports(const Options& options, std::ostream& out) : mFileName(options.reportFile) {

@@ -11,9 +11,9 @@
 
 namespace OrvHost {
 
-/// Runs the scenarios that \p options name, all of them whatever becomes of each, and reports on
-/// \p out and where the options tell. ExitOk if all passed; ExitLoad if one could not be run to its
-/// end; or else ExitCommandError.
+/// Runs all scenarios that \p options name, also after a failure, and reports on \p out and where
+/// the options say. ExitOk if all passed; ExitLoad if one could not run to its end; otherwise
+/// ExitCommandError.
 ExitStatus checkScenarios(const Options& options, std::ostream& out);
 
 }

@@ -13,7 +13,7 @@
 
 namespace OrvHost {
 
-/// Writes down what became of scenarios, in some format: begin, then add for each, then end.
+/// Writes the results of scenarios in some format: call begin, then add for each, then end.
 class CheckReport {
 public:
     virtual ~CheckReport() = default;

@@ -8,8 +8,8 @@
 
 namespace OrvHost {
 
-/// JUnit XML: one suite with a case for each scenario. It is written at the end, since the sums
-/// stand in its head.
+/// JUnit XML: one suite with a case for each scenario. It is written at the end, since the totals
+/// come first in the file.
 class JUnitReport : public CheckReport {
 public:
     explicit JUnitReport(std::ostream& out) : mOut(out) {}

@@ -11,10 +11,10 @@
 
 namespace OrvHost {
 
-/// Runs the script \p file on a host of its own, with model, data and components as \p options
-/// tell, and prints nothing of its answers. Every failure that a script can have is in the result.
-/// It ends at the first one, unless the options tell to go on. \p atLine is told each line before
-/// it runs.
+/// Runs the script \p file on its own host, with model, data and components as \p options say, and
+/// prints none of its answers. All failures of the script are in the result. The script ends at the
+/// first failure, unless the options say to continue. \p atLine is called with each line before it
+/// runs.
 ScenarioResult runScenario(const Options& options, const std::string& file,
                            const std::function<void(int line)>& atLine);
 

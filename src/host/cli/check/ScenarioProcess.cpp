@@ -27,7 +27,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A pipe from the scenario to the one who waits for it.
+/// A pipe from the scenario's process to the one that waits for it.
 class Pipe {
 public:
     Pipe() {
@@ -91,7 +91,7 @@ JsonValue toJson(const ScenarioResult& result) {
     return {{"commands", result.commands}, {"broken", result.isBroken}, {"failures", failures}};
 }
 
-// What the process told: a document for each line that it came to, and one at its end.
+// What the process has sent: a document for each line that it reached, and one at its end.
 struct Told {
     int lastLine = 0;
     std::optional<JsonValue> result;
@@ -123,7 +123,7 @@ int waitFor(pid_t child) {
     return status;
 }
 
-// How a process ended that should not have; empty if it ended well.
+// Why a process ended, if it failed; empty if it ended normally.
 std::string breakdown(int status) {
     if (WIFSIGNALED(status)) {
         const char* name = sigabbrev_np(WTERMSIG(status));
@@ -134,7 +134,8 @@ std::string breakdown(int status) {
     return code == 0 ? std::string() : "the process ended with status " + std::to_string(code);
 }
 
-// Whoever ends the check, be it with a signal to its process only, ends the scenario that runs.
+// When the checking process ends, even by a signal to that process alone, the running scenario
+// ends, too.
 void endWithParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {

@@ -9,8 +9,8 @@
 
 namespace OrvHost {
 
-/// Runs a scenario in a process of its own, so that each begins afresh, components included, and
-/// one that crashes takes no other with it. What components print goes to standard error. No other
+/// Runs a scenario in its own process, so that each scenario starts fresh, components included, and
+/// a crash does not affect the others. What components print goes to standard error. No other
 /// thread may run in this process.
 ScenarioResult runScenarioProcess(const Options& options, const std::string& file);
 

@@ -10,20 +10,20 @@
 
 namespace OrvHost {
 
-/// What went wrong in a scenario, and where.
+/// What went wrong in a scenario, and at which line.
 struct ScenarioFailure {
     int line = 0; ///< 0: not at a line
     std::string text;
 };
 
-/// What became of a scenario.
+/// The result of a scenario.
 struct ScenarioResult {
     std::string name; ///< its file
     std::size_t commands = 0;
     double seconds = 0;
     std::vector<ScenarioFailure> failures;
-    /// It could not be run to its end: its file, the model, the data or a component could not be
-    /// used, or the process broke down.
+    /// The scenario could not run to its end: its file, the model, the data or a component could
+    /// not be used, or the process crashed.
     bool isBroken = false;
 
     bool isPassed() const { return failures.empty(); }

@@ -9,7 +9,7 @@ namespace OrvHost {
 
 namespace {
 
-// A description ends at a bare hash, and is one line.
+// In TAP a description ends at an unescaped hash, and is one line.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char character : text) {
@@ -21,7 +21,7 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-// A JSON string is a string of YAML, too.
+// Every JSON string is a YAML string, too.
 std::string yamlText(const std::string& text) {
     return toLine(JsonValue(text));
 }

@@ -8,8 +8,8 @@
 
 namespace OrvHost {
 
-/// Test Anything Protocol, version 14, which readers of version 13 take as well: a test for each
-/// scenario, and a YAML block for one that failed.
+/// Test Anything Protocol, version 14, which readers of version 13 accept as well: a test for each
+/// scenario, with a YAML block if it failed.
 class TapReport : public CheckReport {
 public:
     explicit TapReport(std::ostream& out) : mOut(out) {}

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// For people: a line for each scenario, with what went wrong below it, and a line with the sum.
+/// For people: a line for each scenario, with its failures below, and a line with the totals.
 class TextReport : public CheckReport {
 public:
     explicit TextReport(std::ostream& out) : mOut(out) {}

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kReplacement = "\xef\xbf\xbd";
 
-// The same text, with what is no UTF-8 replaced.
+// The same text, with replacement characters for what is not UTF-8.
 std::string asUtf8(const std::string& text) {
     return JsonValue::parse(toLine(JsonValue(text))).get<std::string>();
 }
@@ -28,7 +28,7 @@ std::string escapedByte(char character) {
     return isControl ? std::string(kReplacement) : std::string(1, character);
 }
 
-// U+FFFE and U+FFFF are characters of UTF-8 but not of XML.
+// U+FFFE and U+FFFF are valid UTF-8, but XML forbids them.
 bool isForbidden(const std::string& text, std::size_t at) {
     return text.compare(at, 2, "\xef\xbf") == 0 && at + 2 < text.size() &&
            (text[at + 2] == '\xbe' || text[at + 2] == '\xbf');

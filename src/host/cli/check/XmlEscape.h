@@ -8,9 +8,9 @@
 
 namespace OrvHost {
 
-/// \p text for use in XML, in an attribute or between elements. Line ends and tabs stay what they
-/// are; what XML cannot hold, such as other control characters, or bytes that are no UTF-8, shows
-/// as a replacement character.
+/// \p text for use in XML, in an attribute or between elements. Line ends and tabs are kept. What
+/// XML cannot hold, such as other control characters or bytes that are not UTF-8, becomes a
+/// replacement character.
 std::string escapeXml(const std::string& text);
 
 }

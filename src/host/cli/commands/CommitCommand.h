@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `commit`: ends a transaction so that its writes hold.
+/// `commit`: ends a transaction and makes its writes permanent.
 class CommitCommand : public Command {
 public:
     const CommandInfo& info() const override;

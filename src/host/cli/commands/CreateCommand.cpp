@@ -15,7 +15,7 @@ namespace OrvHost {
 
 namespace {
 
-// What the class is named by, if the model does not tell.
+// The naming attribute of a class, if the model does not have the class.
 std::string usualNamingAttribute(std::string className) {
     className.front() =
         static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
@@ -25,9 +25,9 @@ std::string usualNamingAttribute(std::string className) {
 constexpr const char* kRootClass = "ManagedElement";
 constexpr const char* kRootName = "1";
 
-// The name of a new object goes to the router as it is, unlike the DNs around it. So the element at
-// the root gets its external identity only if it is created by its internal name; by any other it
-// would be an object that no client could ever name again.
+// The router gets the name of a new object unchanged, while the DNs around it are translated. So
+// the element at the root must be created with its internal name to get its external identity; with
+// any other name no client could ever name the object again.
 void requireReachable(const NewObject& object) {
     if (object.parentDn.empty() && object.className == kRootClass && object.name != kRootName) {
         const std::string identity = Orv::MeIdTranslator::instance()->identity();
@@ -39,7 +39,7 @@ void requireReachable(const NewObject& object) {
     }
 }
 
-// The last step of a DN, Class=value or Class.attribute=value, tells what to create.
+// The last step of a DN, Class=value or Class.attribute=value, says what to create.
 NewObject parseNewObject(const Model& model, const std::string& dn) {
     const std::size_t comma = dn.rfind(',');
     const std::string step = comma == std::string::npos ? dn : dn.substr(comma + 1);

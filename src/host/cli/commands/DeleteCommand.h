@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `delete`: deletes an object with all below it.
+/// `delete`: deletes an object with its subtree.
 class DeleteCommand : public Command {
 public:
     const CommandInfo& info() const override;

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `exists`: asks whether an object is there.
+/// `exists`: asks whether an object exists.
 class ExistsCommand : public Command {
 public:
     const CommandInfo& info() const override;

@@ -13,7 +13,7 @@ namespace OrvHost {
 
 namespace {
 
-/// Keeps what commands print while it lives.
+/// Collects what commands print while it lives.
 class Capture {
 public:
     explicit Capture(Session& session) : mSession(session), mOut(session.redirect(mText)) {}
@@ -41,7 +41,7 @@ std::string asLine(const std::vector<std::string>& words) {
     return line;
 }
 
-// The answer is no surprise, so that also a failure goes to the output.
+// An expected failure is no error, so it goes to the output as well.
 void printMet(Session& session, const std::string& name, const Answer& answer) {
     if (!session.wantsJson()) {
         const std::string text =

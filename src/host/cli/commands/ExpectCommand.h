@@ -11,14 +11,14 @@ namespace OrvHost {
 
 class CommandTable;
 
-/// `expect`: runs a command and holds its answer against what is expected. See Expectation.
+/// `expect`: runs a command and compares its answer with what is expected. See Expectation.
 class ExpectCommand : public Command {
 public:
     /// \p table must outlive the command.
     explicit ExpectCommand(const CommandTable& table) : mTable(table) {}
 
     const CommandInfo& info() const override;
-    /// Throws AnswerError if the command answers otherwise.
+    /// Throws AnswerError if the answer is different.
     void run(Session& session, Words words) override;
 
 private:

@@ -45,8 +45,8 @@ GraphOptions parse(Words& words) {
     return options;
 }
 
-/// What was drawn, and what is told of it.
-// NOLINTNEXTLINE(bugprone-exception-escape): what JSON does when it moves cannot throw
+/// What was drawn, and the facts that are printed about it.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving JSON calls functions that cannot throw here
 struct Drawing {
     std::string dot;
     std::string summary;

@@ -10,10 +10,10 @@ namespace OrvHost {
 
 class CommandTable;
 
-/// `help`: tells all commands, or one.
+/// `help`: shows all commands, or one.
 class HelpCommand : public Command {
 public:
-    /// \p table, which holds this command too, must outlive it.
+    /// \p table, which contains this command too, must outlive it.
     explicit HelpCommand(const CommandTable& table) : mTable(table) {}
 
     const CommandInfo& info() const override;

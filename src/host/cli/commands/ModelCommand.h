@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `model`: tells classes, attributes and associations as the model repository has them.
+/// `model`: shows classes, attributes and associations as the model repository has them.
 class ModelCommand : public Command {
 public:
     const CommandInfo& info() const override;

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `transactions`: lists the open ones.
+/// `transactions`: lists the open transactions.
 class TransactionsCommand : public Command {
 public:
     const CommandInfo& info() const override;

@@ -17,7 +17,8 @@ namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-/// One child, kept until its turn comes: whether it is the last of its siblings shows in its line.
+/// One child. All children are collected before the first is printed, since a line shows whether it
+/// is the last one.
 struct Child {
     std::string className;
     std::string name;
@@ -61,7 +62,7 @@ public:
         return node;
     }
 
-    /// " (12 below)" where the tree is cut off above something.
+    /// " (12 below)" where objects below are not shown.
     std::string cutMark(const std::string& dn, std::uint64_t level) {
         const unsigned long long below = level >= mDepth ? countBelow(dn) : 0;
         return below > 0 ? " (" + std::to_string(below) + " below)" : std::string();

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `tree`: shows an object with all that is below it.
+/// `tree`: shows an object with its subtree.
 class TreeCommand : public Command {
 public:
     const CommandInfo& info() const override;

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// `use`: chooses among the open transactions.
+/// `use`: makes one of the open transactions the current one.
 class UseCommand : public Command {
 public:
     const CommandInfo& info() const override;

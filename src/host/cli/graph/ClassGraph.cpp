@@ -29,13 +29,13 @@ ClassGraph::ClassGraph(const Model& model, const std::vector<ClassDescription>& 
     mDot = draw();
 }
 
-// Level by level; a class that stands at several places is chosen once.
+// Level by level; a class that appears at several places is chosen once.
 void ClassGraph::choose(const std::string& from, std::uint64_t depth) {
     std::vector<std::string> level =
         from.empty() ? topLevelClasses(mModel) : std::vector<std::string>{from};
     std::set<std::string> known(level.begin(), level.end());
-    // Seen from the top level, the classes there are the first level below. The largest depth,
-    // which stands for none, has no number above.
+    // For the top level itself no class is drawn, so one level less is needed. Otherwise one is
+    // added, except to the largest number, which means "no limit".
     std::uint64_t below = from.empty() ? depth : std::max(depth, depth + 1);
     for (; below > 0 && !level.empty(); --below) {
         std::vector<std::string> next;

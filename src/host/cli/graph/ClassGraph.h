@@ -19,17 +19,17 @@
 namespace OrvHost {
 
 /// Classes with containment and associations as DOT text. A bidirectional association is one line
-/// with two heads, a unidirectional one is dashed. Classes outside of the part are drawn if an
-/// association leads to them. One thread.
+/// with two arrowheads, a unidirectional one is dashed. Classes outside the chosen part are drawn
+/// if an association leads to them. One thread.
 class ClassGraph {
 public:
-    /// Draws the classes from \p from (empty: from the top level) down, so many levels deep.
-    /// \p classes are those of \p model; everything is borrowed and outlives the graph.
+    /// Draws the classes from \p from (empty: from the top level) and \p depth levels below it. \p
+    /// classes are those of \p model; all arguments are borrowed and must outlive the graph.
     ClassGraph(const Model& model, const std::vector<ClassDescription>& classes,
                const std::string& from, std::uint64_t depth);
 
     std::size_t classes() const { return mChosen.size(); }
-    /// Number of lines that stand for associations.
+    /// The number of lines that show associations.
     std::size_t associations() const { return mAssociations; }
     const std::string& dot() const { return mDot; }
 
@@ -42,7 +42,7 @@ private:
     void drawContainment(DotText& dot, const ClassDescription& moc);
     void drawAssociation(DotText& dot, const ReferenceDescription& reference);
     const ReferenceDescription* oppositeOf(const ReferenceDescription& reference) const;
-    /// The node of a class; one that is not there yet is drawn.
+    /// The node of a class; draws the class if it is not drawn yet.
     std::string nodeOf(DotText& dot, const std::string& name);
 
     const Model& mModel;

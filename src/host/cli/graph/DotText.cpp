@@ -7,7 +7,7 @@ namespace OrvHost {
 
 namespace {
 
-// Graphviz reads escapes such as \N in strings, and entities such as &lt; in labels.
+// Graphviz interprets escapes such as \N in strings, and entities such as &lt; in labels.
 std::string escaped(char letter) {
     switch (letter) {
     case '"':

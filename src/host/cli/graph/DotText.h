@@ -10,17 +10,17 @@
 
 namespace OrvHost {
 
-/// A directed graph in Graphviz's language, line by line. Names of nodes are the caller's and need
-/// no quotes; all other texts may hold anything and are quoted here. One thread.
+/// A directed graph in Graphviz's language, written line by line. Names of nodes come from the
+/// caller and need no quotes; all other texts may contain anything and are quoted here. One thread.
 class DotText {
 public:
-    /// An attribute and its text, in which line ends begin a new line.
+    /// An attribute and its text. A line end in the text begins a new line in the picture.
     using Attribute = std::pair<const char*, std::string>;
     using Attributes = std::initializer_list<Attribute>;
 
     DotText();
 
-    /// For "graph", or as the defaults for "node" and "edge".
+    /// \p what: "graph", or "node" or "edge" to set their defaults.
     void set(const char* what, Attributes attributes);
     void node(const std::string& name, Attributes attributes);
     void edge(const std::string& from, const std::string& to, Attributes attributes);
@@ -34,7 +34,7 @@ private:
     std::string mText;
 };
 
-/// \p text as a quoted string: neither quotes nor backslashes nor entities in it mean anything, and
+/// \p text as a quoted string. Quotes, backslashes and entities in it lose their meaning, and
 /// control characters are left out.
 std::string dotQuoted(const std::string& text);
 

@@ -8,13 +8,13 @@
 
 namespace OrvHost {
 
-// What the lines of all pictures mean.
+// The colours of lines in all pictures.
 constexpr const char* kContainmentColour = "#9aa5b1";
 constexpr const char* kReferenceColour = "#2f6f9f";
 constexpr const char* kViolationColour = "#d00000";
 constexpr const char* kOutsideColour = "#7a7a7a";
 
-/// The look that all pictures share. Comes first: it holds for what is drawn behind it.
+/// The look that all pictures share. Call it first: it applies to what is drawn after it.
 inline void setLook(DotText& dot) {
     dot.set("graph", {{"rankdir", "LR"}, {"ranksep", "0.8"}});
     dot.set("node", {{"shape", "box"},
@@ -26,7 +26,7 @@ inline void setLook(DotText& dot) {
     dot.set("edge", {{"color", kContainmentColour}, {"fontname", "Helvetica"}, {"fontsize", "8"}});
 }
 
-/// What stands beneath the picture.
+/// Sets the text below the picture.
 inline void setCaption(DotText& dot, const std::string& text, const char* colour = "") {
     dot.set("graph", {{"label", text},
                       {"labelloc", "b"},

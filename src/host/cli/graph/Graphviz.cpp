@@ -21,12 +21,12 @@ namespace OrvHost {
 namespace {
 
 [[noreturn]] void failAt(const std::string& step, int error) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread draws.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): only one thread draws.
     throw AnswerError("dot: " + step + ": " + std::strerror(error));
 }
 
-/// A file without a name, which goes with the object. Unlike pipes, files need nobody who reads
-/// while another writes.
+/// A file without a name, which disappears with this object. With pipes, one side would have to
+/// read while the other one writes; files do not need that.
 class ScratchFile {
 public:
     ScratchFile() : mFile(std::tmpfile(), &std::fclose) {
@@ -59,7 +59,7 @@ private:
     std::unique_ptr<FILE, int (*)(FILE*)> mFile;
 };
 
-/// Which files a child has as its standard ones.
+/// The standard files that a child process gets.
 class StandardFiles {
 public:
     StandardFiles(const ScratchFile& in, const ScratchFile& out, const ScratchFile& err) {
@@ -94,7 +94,7 @@ pid_t startDot(const StandardFiles& files) {
     return child;
 }
 
-/// How the child ended, for people; empty: well.
+/// Why the child failed, for people; empty if it succeeded.
 std::string waitFor(pid_t child) {
     int status = 0;
     while (waitpid(child, &status, 0) != child) {

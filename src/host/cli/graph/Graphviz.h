@@ -8,9 +8,9 @@
 
 namespace OrvHost {
 
-/// The picture of a DOT text as SVG, made by the program dot of Graphviz, which is found in PATH
-/// and run as a child. Throws AnswerError if it is not there or fails, with what it said. Blocks
-/// until it has ended.
+/// Converts a DOT text into an SVG picture with the program dot of Graphviz, which is found in PATH
+/// and run as a child process. Throws AnswerError if it is missing or fails, with its error output.
+/// Waits until it has ended.
 std::string renderSvg(const std::string& dot);
 
 }

@@ -16,7 +16,7 @@ std::string lastStepOf(const std::string& dn) {
     return comma == std::string::npos ? dn : dn.substr(comma + 1);
 }
 
-/// A problem of one object without the object's name, which stands in the node.
+/// The text of a problem without the name of its object, which is already in the node.
 std::string withoutDn(const InstanceProblem& problem) {
     const std::string head = problem.dn + ": ";
     return problem.text.rfind(head, 0) == 0 ? problem.text.substr(head.size()) : problem.text;
@@ -98,7 +98,7 @@ void ObjectGraph::drawObjects(DotText& dot) {
     }
 }
 
-// Lines of references do not move the tree.
+// Lines of references must not change the layout of the tree.
 void ObjectGraph::drawLine(DotText& dot, const ReferenceLine& line) {
     const bool isWrong = !line.violation.empty();
     const char* colour = isWrong ? kViolationColour : kReferenceColour;

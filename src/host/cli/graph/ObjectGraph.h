@@ -17,14 +17,14 @@
 
 namespace OrvHost {
 
-/// A part of the MO tree with its references as DOT text; what violates an association is red.
+/// A part of the MO tree with its references as DOT text; violations of associations are red.
 ///
-/// A bidirectional association is one line with a head at either end if both sides are there. A
-/// reference without an association is dotted. What is referred to and stands outside of the part,
-/// or nowhere, is dashed. One thread.
+/// A bidirectional association is one line with an arrowhead at each end if both sides have their
+/// reference. A reference without an association is dotted. A target outside the chosen part, or
+/// one that does not exist, is dashed. One thread.
 class ObjectGraph {
 public:
-    /// Everything is borrowed and outlives the graph.
+    /// All arguments are borrowed and must outlive the graph.
     ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
                 const std::vector<InstanceProblem>& violations);
 
@@ -35,7 +35,7 @@ private:
     std::string caption() const;
     void drawObjects(DotText& dot);
     void drawLine(DotText& dot, const ReferenceLine& line);
-    /// The node of an object; one that is not there yet is drawn.
+    /// The node of an object; draws the object if it is not drawn yet.
     std::string nodeOf(DotText& dot, const std::string& dn, bool isWrong);
 
     const TreePicture& mPicture;

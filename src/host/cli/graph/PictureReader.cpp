@@ -26,7 +26,8 @@ bool holdsReferences(const TypeDef& type) {
     return false;
 }
 
-/// Calls \p visit with each value: a single one, each of several, or none if it is not set.
+/// Calls \p visit with each value: with a single one, with each of several, or not at all if there
+/// is none.
 template <class Visit>
 void forEachValue(const JsonValue& value, const Visit& visit) {
     if (value.is_array()) {
@@ -38,7 +39,7 @@ void forEachValue(const JsonValue& value, const Visit& visit) {
     }
 }
 
-// What is not a text there is a reference without one.
+// A value that is not a text is a reference without a target.
 std::string targetIn(const JsonValue& value) {
     return value.is_string() ? value.get<std::string>() : std::string();
 }
@@ -65,7 +66,7 @@ AttributeValue referencesIn(const JsonValue& value) {
     return references;
 }
 
-/// Counts objects level by level, and refuses what is too much.
+/// Counts objects level by level, and throws if there are too many.
 class Room {
 public:
     explicit Room(const TreeExtent& extent) : mExtent(extent) {}
@@ -168,7 +169,8 @@ void PictureReader::readOutside(std::uint64_t limit) {
     }
 }
 
-// What the model has no place for, or clients no name, is not asked for: it is not there.
+// An object that the model does not allow, or that clients cannot name, is not read: it does not
+// exist.
 void PictureReader::readOutside(const std::string& dn) {
     const bool isPossible = !dn.empty() && Diagnosis(mSession).classOf(dn) != nullptr;
     if (isPossible && mSession.client().exists(mTxHandle, dn)) {

@@ -17,29 +17,29 @@ namespace OrvHost {
 class Session;
 struct ClassDef;
 
-/// How much of the tree is wanted.
+/// The part of the tree that is wanted.
 struct TreeExtent {
     std::string dn;        ///< external; empty: from the top level
     std::uint64_t depth;   ///< levels below it
-    std::uint64_t objects; ///< at most, and as many again of those referred to
+    std::uint64_t objects; ///< the limit; as many again of those that are referred to
 };
 
-/// Reads a part of the MO tree as a client does, through the component's tables. One thread.
+/// Reads a part of the MO tree like a client, through the component's tables. One thread.
 class PictureReader {
 public:
-    /// \p session must outlive the reader, and the transaction must stay open meanwhile.
+    /// \p session must outlive the reader, and the transaction must stay open until it is done.
     PictureReader(Session& session, unsigned long txHandle)
         : mSession(session), mTxHandle(txHandle) {}
 
     /// Throws OperationError if there is no object extent.dn or the component refuses something,
-    /// and AnswerError if there are more objects than wanted; this is found out level by level,
-    /// without reading the objects of the level that goes too far.
+    /// and AnswerError if there are more objects than wanted. The objects are counted level by
+    /// level; those of the level that exceeds the limit are not read.
     TreePicture read(const TreeExtent& extent);
 
 private:
     using Position = std::size_t;
 
-    /// An object whose children come next; without a position it is the top level.
+    /// An object whose children are read next; without a position it is the top level.
     struct Parent {
         std::string dn;
         std::optional<Position> position;

@@ -19,7 +19,7 @@ std::string classIn(const std::string& dn) {
     return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
 }
 
-/// The association by which \p owner names objects of \p target in that attribute, or null.
+/// The association that allows \p owner to name objects of \p target in that attribute, or null.
 const ReferenceDescription* findAssociation(const std::vector<ClassDescription>& classes,
                                             const std::string& owner, const std::string& attribute,
                                             const std::string& target) {
@@ -51,7 +51,8 @@ ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
             draw(classes, link);
         }
     }
-    // Of what stands outside only that shows which is wrong with an object inside.
+    // Of the references that outside objects hold, only those are drawn that are part of a
+    // violation of an object inside.
     for (const Link& link : outside) {
         if (mWrong.count(link) > 0) {
             draw(classes, link);

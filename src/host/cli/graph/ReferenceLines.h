@@ -19,8 +19,8 @@
 namespace OrvHost {
 
 enum class LineKind {
-    BothWays, ///< a bidirectional association, told by both sides
-    OneWay,   ///< a unidirectional association, or the one side of a bidirectional one
+    BothWays, ///< a bidirectional association, with references on both sides
+    OneWay,   ///< a unidirectional association, or only one side of a bidirectional one
     Plain     ///< a reference without an association
 };
 
@@ -40,7 +40,7 @@ public:
                    const std::vector<InstanceProblem>& violations);
 
     const std::vector<ReferenceLine>& all() const { return mLines; }
-    /// Number of references to objects that were not read, and have no line.
+    /// The number of references to objects that were not read; no lines are drawn for them.
     std::size_t unread() const { return mUnread; }
 
 private:
@@ -65,8 +65,8 @@ private:
     std::size_t mUnread = 0;
 };
 
-/// What is wrong with the associations of the objects that \p picture draws, recounted from the
-/// values that were read; not what is wrong with those that they refer to.
+/// The violations of associations at the objects that \p picture draws, recomputed from the values
+/// that were read; not those at the objects that they refer to.
 std::vector<InstanceProblem> violationsIn(const Model& model, const TreePicture& picture);
 
 }

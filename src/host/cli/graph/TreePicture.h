@@ -25,19 +25,19 @@ struct PicturedObject {
     std::string dn; ///< external
     std::string className;
     std::optional<std::size_t> parent;  ///< position in TreePicture::objects
-    unsigned long long hiddenBelow = 0; ///< children that are cut off
+    unsigned long long hiddenBelow = 0; ///< children that are not shown
     std::vector<NamedValue> references; ///< the reference attributes of the class
     std::vector<PicturedLink> links;    ///< the same and those in structs, value by value
 };
 
-/// A part of the MO tree, to be drawn: what was read of it, all in one transaction. To an audit it
-/// shows the objects and those that they refer to.
+/// A part of the MO tree to be drawn: what was read of it, all in one transaction. As a source for
+/// an audit it shows the objects and those that they refer to.
 struct TreePicture : InstanceSource {
     std::string title;
     std::vector<PicturedObject> objects; ///< parents first
-    /// What objects refer to and what is not among them, without the objects below.
+    /// Targets of references that are not among `objects`, without the objects below them.
     std::vector<PicturedObject> outside;
-    /// Those that are referred to, but were not read: there were too many.
+    /// Targets that were not read, because there were too many.
     std::unordered_set<std::string> unread;
 
     void visit(const Visitor& visitor) const override;
