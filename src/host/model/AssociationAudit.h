@@ -12,14 +12,14 @@
 
 namespace OrvHost {
 
-/// Recounts all associations of the objects that `source` shows, and tells what is wrong with them:
-/// references that lead nowhere or to a class that is not permitted, those that are not named back,
-/// and numbers that are out of bounds. Nothing else is judged, so that a source need not show more
-/// than the reference attributes, nor all objects above one.
+/// Recounts all associations of the objects that `source` shows, and reports what is wrong with
+/// them: references to missing objects or to classes that are not permitted, references that are
+/// not named back, and counts that are out of bounds. Nothing else is checked, so a source need not
+/// show more than the reference attributes, and it need not show all objects above an object.
 ///
-/// It does not matter where the objects are: in data, in a store, or read by a client. All DNs must
-/// be of one form, internal or external. An object that is referred to and not shown does not exist
-/// for the audit.
+/// The objects can be anywhere: in data, in a store, or read by a client. All DNs must have the
+/// same form, internal or external. For the audit, an object that is referred to and not shown does
+/// not exist.
 ///
 /// Cost as InstanceChecker. Any thread; nothing is kept.
 std::vector<InstanceProblem> auditAssociations(const Model& model, const InstanceSource& source);

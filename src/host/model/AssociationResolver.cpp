@@ -33,7 +33,7 @@ bool agree(const ReferenceDraft& left, const ReferenceDraft& right) {
            left.keep == right.keep && left.opposite == right.opposite;
 }
 
-/// Bounds that add up: an open bound stays open.
+/// Adds two bounds; the sum with an open bound is open.
 std::int64_t boundSum(std::int64_t left, std::int64_t right) {
     return left > kUnbounded - right ? kUnbounded : left + right;
 }
@@ -158,8 +158,8 @@ std::vector<AssociationResolver::Group> AssociationResolver::groupByAttribute() 
     return groups;
 }
 
-// The component keeps a write of such an attribute in step for its bidirectional classes and then
-// refuses the same values for its unidirectional ones.
+// For a write of such an attribute, the component would update the opposite sides for its
+// bidirectional classes and then refuse the same values for its unidirectional ones.
 void AssociationResolver::checkOneDirection(const Group& group) {
     const ReferenceDraft& first = *group.front()->draft;
     for (const Reference* reference : group) {
@@ -261,8 +261,8 @@ void AssociationResolver::explainMissingOpposite(const Reference& reference) {
 void AssociationResolver::associateBoth(std::size_t index, std::size_t opposite) {
     const Reference& first = mReferences[index];
     const Reference& second = mReferences[opposite];
-    // Readers tell the two ends apart by their classes, or else by their names, but never by a
-    // name within different classes: one of the directions would not be kept in step.
+    // Readers of the table cannot distinguish the two ends if different classes use the same
+    // attribute name: one of the two directions would not be updated.
     if (first.owner != second.owner && first.draft->attribute == second.draft->attribute) {
         mProblems.add(second.draft->source, {subjectOf(*second.draft),
                                              ": both ends of an association between different "

@@ -16,9 +16,9 @@
 
 namespace OrvHost {
 
-/// Makes associations of reference ends: checks each end, finds the opposite of each bidirectional
-/// one, and gives the attributes their permitted classes. The classes and attributes of the model
-/// must be resolved before.
+/// Turns the declared ends into associations: checks each end, finds the opposite of each
+/// bidirectional one, and gives the attributes their permitted classes. The classes and attributes
+/// of the model must be resolved before.
 class AssociationResolver {
 public:
     AssociationResolver(const std::vector<ReferenceDraft>& drafts, Model& model,
@@ -27,7 +27,8 @@ public:
     void resolve();
 
 private:
-    /// One end. Without `isResolved` only `draft` has a meaning, and its problems are told.
+    /// One end. Without `isResolved` only `draft` is valid, and the problems of the end are already
+    /// reported.
     struct Reference {
         const ReferenceDraft* draft = nullptr;
         bool isResolved = false;
@@ -36,7 +37,7 @@ private:
         ClassIndex target = 0;
         Bounds cardinality;
     };
-    /// The ends of one attribute, in the order of their mention.
+    /// The ends of one attribute, in the order of their declaration.
     using Group = std::vector<Reference*>;
     using Key = std::tuple<std::string, std::string, std::string>; ///< owner, attribute, target
 
@@ -62,7 +63,7 @@ private:
 
     Model& mModel;
     ProblemList& mProblems;
-    std::vector<Reference> mReferences; ///< each end once, in the order of their mention
+    std::vector<Reference> mReferences; ///< each end once, in the order of declaration
     std::map<Key, std::size_t> mIndexByKey;
 };
 

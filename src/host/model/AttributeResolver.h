@@ -14,23 +14,24 @@
 
 namespace OrvHost {
 
-/// True if `name` may name an attribute, a member, an action or, if it has no ".", a class: all of
-/// them can stand in a DN or in front of "=".
+/// True if `name` may be the name of an attribute, a member, an action or, if it has no ".", a
+/// class. All of these can appear in a DN or before a "=".
 bool isUsableName(std::string_view name);
 
-/// Makes definitions of what was said of attributes, members and parameters. The classes must be
-/// known by name before.
+/// Turns the declarations of attributes, members and parameters into definitions. The names of the
+/// classes must be known before.
 class AttributeResolver {
 public:
     AttributeResolver(const Model& model, ProblemList& problems)
         : mModel(model), mProblems(problems) {}
 
-    /// `subject` begins the messages: "Attribute Cell.label". `fallback` is told as the place when
-    /// the attribute itself has none.
+    /// `subject` begins the messages: "Attribute Cell.label". `fallback` is reported as the place
+    /// if the attribute itself has none.
     AttributeDef resolve(const AttributeDraft& draft, const std::string& subject,
                          const SourcePosition& fallback);
 
-    /// All of them, with a check that their names differ. `prefix` and the name make the subject.
+    /// Resolves all of them, and checks that their names are different. `prefix` and the name give
+    /// the subject.
     std::vector<AttributeDef> resolveAll(const std::vector<AttributeDraft>& drafts,
                                          const std::string& prefix, const SourcePosition& fallback);
 

@@ -70,7 +70,7 @@ private:
         examineAbsent(plan);
     }
 
-    /// A second object of a DN is told of, and then left alone.
+    /// A second object with the same DN is reported, and then ignored.
     bool isFirstVisit(InstanceTable::Index index) {
         mIsExamined.resize(std::max<std::size_t>(mIsExamined.size(), index + 1U));
         const bool isFirst = !mIsExamined[index];
@@ -126,7 +126,7 @@ private:
         examineCardinalities(attribute);
     }
 
-    /// `attribute` is null for a member of a struct, which takes part in no association.
+    /// `attribute` is null for a member of a struct, because members belong to no association.
     void examineReferences(const std::string& name, const TypeDef& type,
                            const std::vector<Value>& values,
                            const InstancePlan::Attribute* attribute) {
@@ -232,11 +232,11 @@ private:
 
     std::vector<bool> mIsExamined; ///< by object
 
-    // The object in hand.
+    // The object that is being examined.
     InstanceTable::Entry mHolder;
     std::string_view mDn;
     std::vector<bool> mIsSeen;        ///< by attribute
-    std::vector<std::size_t> mCounts; ///< by end of the attribute in hand
+    std::vector<std::size_t> mCounts; ///< by end of the attribute that is being examined
 };
 
 }

@@ -10,12 +10,12 @@
 
 namespace OrvHost {
 
-/// Judges objects that did not come through a client's transaction the way they would have been
-/// left by one: that the number of objects of a class under one parent is permitted, that the
-/// number of values fits attributes and association ends, that references name permitted classes,
-/// that those of associations name objects which are there, and that both sides of every
-/// bidirectional association are present. Objects and their parents are checked as far as that
-/// needs it; single values are not (see whyRefused).
+/// Checks objects that did not come through a client's transaction against the rules that a
+/// transaction would enforce: the number of objects of a class under one parent is permitted, the
+/// number of values fits attributes and association ends, references name permitted classes,
+/// references of associations name existing objects, and both sides of every bidirectional
+/// association are present. Objects and their parents are checked as far as these rules need it;
+/// single values are not (see whyRefused).
 ///
 /// A mandatory attribute with a default, one that only the system writes, and the naming attribute
 /// may be absent.
@@ -29,8 +29,8 @@ public:
     explicit InstanceChecker(const Model& model) : mModel(model) {}
 
     /// All problems: first those of the single objects, in the order of the source, then wrong
-    /// numbers of objects, then what is wrong between two, association by association. Any thread;
-    /// nothing is kept.
+    /// numbers of objects, then problems between two objects, association by association. Any
+    /// thread; nothing is kept.
     InstanceReport check(const InstanceSource& source) const;
 
 private:

@@ -13,7 +13,7 @@ namespace OrvHost {
 
 namespace {
 
-/// The end at which the objects stand that hold the attribute named after end `named`.
+/// The end whose objects hold the attribute that is named after end `named`.
 std::size_t holderSide(std::size_t named) {
     return 1 - named;
 }
@@ -31,7 +31,8 @@ void InstanceLinks::add(std::size_t association, std::size_t named, InstanceTabl
 
 void InstanceLinks::compare(InstanceReport& report) {
     for (std::size_t association = 0; association < mSides.size(); ++association) {
-        // One attribute at both ends is both sides at once; it is told of once.
+        // If both ends use one attribute, its values are both sides at once, and a problem is
+        // reported once.
         if (isSymmetric(association)) {
             Sides& sides = mSides[association];
             sortSide(association, 1, report);

@@ -15,15 +15,15 @@
 
 namespace OrvHost {
 
-/// All references of the bidirectional associations, to be compared side by side: what the objects
-/// at the first end hold against what those at the second end hold. Sorting makes that cheap
-/// however many references one object holds.
+/// All references of the bidirectional associations, to compare the two sides: what the objects at
+/// the first end hold with what those at the second end hold. Sorting keeps this cheap even if one
+/// object holds many references.
 class InstanceLinks {
 public:
     InstanceLinks(const Model& model, const InstanceTable& table);
 
-    /// `holder` names `target` in the attribute that is named after end number `named` of the
-    /// association.
+    /// Adds a reference: `holder` names `target` in the attribute that is named after end number
+    /// `named` of the association.
     void add(std::size_t association, std::size_t named, InstanceTable::Index holder,
              InstanceTable::Index target);
 
@@ -41,7 +41,7 @@ private:
         }
     };
     using Links = std::vector<Link>;
-    /// By the number of the end that the attribute is named after.
+    /// Indexed by the number of the end that the attribute is named after.
     using Sides = std::array<Links, 2>;
 
     void sortSide(std::size_t association, std::size_t named, InstanceReport& report);

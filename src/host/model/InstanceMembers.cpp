@@ -54,7 +54,7 @@ void InstanceMembers::judge(InstanceReport& report) {
     mMembers = {};
 }
 
-// `next` goes along with the parents, since members and parents are in the same order.
+// `next` moves along with the parents, since members and parents have the same order.
 void InstanceMembers::judgeParent(InstanceTable::Index parent,
                                   const std::vector<ClassIndex>& classes,
                                   Members::const_iterator& next, InstanceReport& report) const {

@@ -15,22 +15,22 @@
 
 namespace OrvHost {
 
-/// How many objects of a class stand under one parent, for the classes whose number is bounded.
-/// Costs 8 bytes for each object of such a class.
+/// Counts the objects of a class under one parent, for the classes whose number is bounded. Costs 8
+/// bytes for each object of such a class.
 class InstanceMembers {
 public:
     InstanceMembers(const Model& model, const InstanceTable& table);
 
-    /// An object of class `moc` stands under `parent`; nothing: at the top level.
+    /// Adds an object of class `moc` under `parent`, or at the top level without a parent.
     void add(std::optional<InstanceTable::Index> parent, ClassIndex moc);
 
-    /// Reports every number that is out of bounds, parent by parent. Without any object in the
-    /// table nothing is missing: there is no data then.
+    /// Reports every number that is out of bounds, parent by parent. If the table has no object at
+    /// all, nothing counts as missing: then there is no data.
     void judge(InstanceReport& report);
 
 private:
     struct Member {
-        InstanceTable::Index parent; ///< 0: the top level; otherwise one above the index
+        InstanceTable::Index parent; ///< 0: the top level; otherwise the index plus one
         ClassIndex moc;
         friend bool operator==(const Member&, const Member&) = default;
         friend bool operator<(const Member& left, const Member& right) {

@@ -14,7 +14,7 @@
 
 namespace OrvHost {
 
-/// What has to be looked at in the objects of each class: the model, sorted by class and attribute.
+/// What must be checked at the objects of each class: the model, sorted by class and attribute.
 /// Immutable.
 class InstancePlan {
 public:
@@ -29,7 +29,7 @@ public:
     struct Attribute {
         const AttributeDef* def = nullptr;
         std::vector<End> ends;
-        /// Absent, it is to be judged as an attribute without values.
+        /// If it is absent, it must be checked as an attribute without values.
         bool isExpected = false;
     };
 

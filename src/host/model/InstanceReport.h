@@ -11,23 +11,23 @@
 namespace OrvHost {
 
 enum class InstanceProblemKind : std::uint8_t {
-    NoClass,            ///< the DN is no legal path of the model
-    RepeatedObject,     ///< two objects of one DN
-    NoParent,           ///< the object above is not there
+    NoClass,            ///< the DN is not a legal path of the model
+    RepeatedObject,     ///< two objects with the same DN
+    NoParent,           ///< the object above does not exist
     WrongNumber,        ///< the number of objects of a class under `dn`, or at the top level if it
                         ///< is empty, is not permitted
     NoAttribute,        ///< the class has no such attribute
     WrongCount,         ///< the number of values does not fit the attribute
     WrongCardinality,   ///< the number of references does not fit an association end
-    NoTargetClass,      ///< a reference is no legal path of the model
+    NoTargetClass,      ///< a reference is not a legal path of the model
     ForbiddenClass,     ///< a reference to a class that the attribute does not permit
-    NoTarget,           ///< a reference of an association to an object that is not there
+    NoTarget,           ///< a reference of an association to an object that does not exist
     RepeatedTarget,     ///< a bidirectional reference attribute names an object more than once
     MissingBackPointer, ///< the object at the far side of a bidirectional association lacks the
                         ///< reference back; what repair can cure
 };
 
-/// One thing that is wrong with data.
+/// One problem of the data.
 struct InstanceProblem {
     InstanceProblemKind kind = InstanceProblemKind::NoClass;
     std::string dn;        ///< the object with the problem, or the one that names `otherDn`
@@ -43,11 +43,11 @@ struct MissingReference {
     std::string value; ///< the DN to add
 };
 
-/// All that is wrong with data, and what would complete it.
+/// All problems of the data, and the values that would complete it.
 struct InstanceReport {
     std::vector<InstanceProblem> problems;
-    /// One for each problem of the kind MissingBackPointer, in the same order. To add them all can
-    /// bring too many values into an attribute: check again afterwards.
+    /// One for each problem of the kind MissingBackPointer, in the same order. Adding all of them
+    /// can give an attribute too many values: check again afterwards.
     std::vector<MissingReference> repairs;
 };
 

@@ -12,29 +12,29 @@
 
 namespace OrvHost {
 
-/// One object as data tells it: its internal DN, its attributes without repetition. The naming
+/// One object of the data: its internal DN, and its attributes, each only once. The naming
 /// attribute may be left out. Borrowed.
 struct Instance {
     std::string_view dn;
     std::span<const NamedValue> attributes;
 };
 
-/// Whoever has objects to be checked: read data, or a store.
+/// The objects to be checked, for example data that was read, or a store.
 class InstanceSource {
 public:
     using Visitor = std::function<void(const Instance& instance)>;
 
     virtual ~InstanceSource() = default;
 
-    /// Shows every object once; an instance is valid until the visitor returns. It is called more
-    /// than once and must show the same objects in the same order each time.
+    /// Shows every object once; an instance is valid until the visitor returns. The function is
+    /// called more than once and must show the same objects in the same order each time.
     virtual void visit(const Visitor& visitor) const = 0;
 };
 
 /// Objects in an array.
 class InstanceSpan : public InstanceSource {
 public:
-    /// What `instances` points at must outlive this.
+    /// The array behind `instances` must outlive this object.
     explicit InstanceSpan(std::span<const Instance> instances) : mInstances(instances) {}
 
     void visit(const Visitor& visitor) const override {

@@ -26,7 +26,7 @@ public:
         ClassIndex moc = 0;
     };
 
-    /// False if the DN is there already.
+    /// False if there is already an object with that DN.
     bool add(std::string_view dn, ClassIndex moc) {
         const Index index = size();
         const auto [entry, isNew] = mEntries.emplace(std::string(dn), Entry{index, moc});
@@ -50,7 +50,7 @@ private:
     using Entries = std::unordered_map<std::string, Entry, NameHash, std::equal_to<>>;
 
     Entries mEntries;
-    std::vector<const Entries::value_type*> mObjects; ///< in mEntries, where they stay
+    std::vector<const Entries::value_type*> mObjects; ///< in mEntries, which never moves them
 };
 
 }

@@ -17,7 +17,8 @@ const Definition* findNamed(const std::vector<Definition>& all, std::string_view
     return found == all.end() ? nullptr : &*found;
 }
 
-/// Takes the first step off `dn` and gives its class name, which is empty if the step is malformed.
+/// Removes the first step from `dn` and returns its class name, which is empty if the step is
+/// malformed.
 std::string_view popClassName(std::string_view& dn) {
     const std::size_t comma = dn.find(',');
     const std::string_view step = dn.substr(0, comma);

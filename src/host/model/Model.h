@@ -17,25 +17,26 @@
 
 namespace OrvHost {
 
-/// Positions in the vectors of a Model; stable for its life.
+/// Positions in the vectors of a Model; they never change.
 using ClassIndex = std::uint32_t;
 using AttributeIndex = std::uint32_t;
 
-/// An upper bound that no count reaches. Large and positive, since bounds are compared as signed
-/// numbers by some readers.
+/// An upper bound that no count reaches. Large and positive, because some readers compare bounds as
+/// signed numbers.
 constexpr std::int64_t kUnbounded = INT64_MAX;
 
-/// The name of the class that stands for any class, as the target of a reference. No class of a
-/// model has it.
+/// The class name that means "any class" as the target of a reference. No class of a model has this
+/// name.
 constexpr std::string_view kAnyClassName = "ManagedObject";
 
-/// Where a definition or an object was read: for messages. `line` 0 means that it is not known.
+/// The place of a definition or an object in a file: for messages. `line` 0 means that it is not
+/// known.
 struct SourcePosition {
     std::string file;
     int line = 0;
 };
 
-/// How many values, or how many far objects, are allowed.
+/// How many values, or how many objects at the far end, are allowed.
 struct Bounds {
     std::int64_t lower = 0;
     std::int64_t upper = kUnbounded;
@@ -50,11 +51,11 @@ struct TypeDef {
     std::vector<std::string> enumerators;
     /// Struct: its members.
     std::vector<AttributeDef> members;
-    /// MoRef: the permitted target classes; empty stands for any class.
+    /// MoRef: the permitted target classes; empty means any class.
     std::vector<ClassIndex> targets;
-    /// A further check of one value in its text form, such as a range, a length or a pattern: gives
-    /// the reason why the text is refused, or an empty string. May be empty. Callable from any
-    /// number of threads at once.
+    /// A further check of one value in its text form, such as a range, a length or a pattern:
+    /// returns the reason why the text is refused, or an empty string. May be empty. Must be
+    /// callable from any number of threads at once.
     std::function<std::string(const std::string& text)> check;
     /// The type as its author wrote it, for people: "uint16", "string (1..64)".
     std::string description;
@@ -84,39 +85,40 @@ struct ActionDef {
 struct ClassDef {
     std::string name;
     std::string namingAttribute;
-    bool isTopLevel = false;              ///< may stand without a parent
+    bool isTopLevel = false;              ///< may exist without a parent
     std::vector<AttributeDef> attributes; ///< in the order of their definition
     std::vector<ActionDef> actions;
     std::vector<ClassIndex> children; ///< permitted child classes, in the order of their definition
     std::vector<ClassIndex> parents;
-    Bounds instances; ///< how many may stand under one parent
+    Bounds instances; ///< how many may exist under one parent
     std::string description;
     SourcePosition source;
 
-    /// The attribute of that name, or null. Linear in the number of attributes.
+    /// The attribute with that name, or null. Linear in the number of attributes.
     const AttributeDef* findAttribute(std::string_view attributeName) const;
-    /// The action of that name, or null.
+    /// The action with that name, or null.
     const ActionDef* findAction(std::string_view actionName) const;
-    /// The position of the attribute of that name, or nothing.
+    /// The position of the attribute with that name, or nothing.
     std::optional<AttributeIndex> findAttributeIndex(std::string_view attributeName) const;
-    /// True if an object of this class may stand under one of class `parent`.
+    /// True if an object of this class may exist under one of class `parent`.
     bool mayStandUnder(ClassIndex parent) const;
 };
 
-/// One end of an association. Its name is the name of the attribute that points at `moc`; that
-/// attribute lives in the class at the opposite end.
+/// One end of an association. Its name is the name of the attribute that refers to `moc`; that
+/// attribute belongs to the class at the opposite end.
 struct AssociationEnd {
     ClassIndex moc = 0;
     std::string name;
-    std::string role; ///< the word for what is counted at this end
+    std::string role; ///< the word for the objects at this end, in messages about their number
     Bounds cardinality;
-    /// When an object of `moc` is deleted, leave its DN in the attributes that this end is named
-    /// after instead of taking it out.
+    /// When an object of `moc` is deleted, its DN stays in the attributes that this end is named
+    /// after; otherwise it is removed from them.
     bool keepAtDelete = false;
 };
 
 /// Both directions of one association; `ends[0]` is the end that was defined first. The attribute
-/// named ends[1].name lives in class ends[0].moc, and the other way about.
+/// named ends[1].name belongs to class ends[0].moc, and the attribute named ends[0].name to class
+/// ends[1].moc.
 struct BiDirAssociation {
     AssociationEnd ends[2];
     SourcePosition source;
@@ -138,24 +140,24 @@ struct NameHash {
     }
 };
 
-/// What the management framework knows of its classes: plain data, built once (see ModelBuilder)
+/// What the management framework knows about its classes: plain data, built once (see ModelBuilder)
 /// and then read by any number of threads.
 struct Model {
     std::vector<ClassDef> classes;
     std::vector<BiDirAssociation> biDirAssociations;
     std::vector<UniDirAssociation> uniDirAssociations;
 
-    /// The class of that name, or nothing. Constant time.
+    /// The class with that name, or nothing. Constant time.
     std::optional<ClassIndex> findClass(std::string_view name) const;
 
-    /// The class of the object that an internal DN names, by the classes of its steps alone: the
-    /// first must be a top-level class, every other one a permitted child of the one before it.
-    /// Nothing if the DN is malformed or names no legal path. A step is "Class=value" or
-    /// "Class.attribute=value", the attribute being passed over. Linear in the length of the DN,
-    /// no allocation.
+    /// The class of the object that an internal DN names. Only the classes of its steps are used:
+    /// the first must be a top-level class, every other one a permitted child of the one before it.
+    /// Nothing if the DN is malformed or not a legal path. A step is "Class=value" or
+    /// "Class.attribute=value"; the attribute is ignored. Linear in the length of the DN, no
+    /// allocation.
     std::optional<ClassIndex> findClassOfDn(std::string_view dn) const;
 
-    /// Where each class is in `classes`. Filled by ModelBuilder.
+    /// The position of each class in `classes`. Filled by ModelBuilder.
     std::unordered_map<std::string, ClassIndex, NameHash, std::equal_to<>> classByName;
 };
 

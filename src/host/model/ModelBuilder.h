@@ -13,14 +13,14 @@
 
 namespace OrvHost {
 
-/// One class may stand under another, which may be itself.
+/// Objects of one class may exist under those of another, or of the same class.
 struct ContainmentDraft {
     std::string parent;
     std::string child;
     SourcePosition source;
 };
 
-/// All that was said of a model, in the order in which it was said.
+/// All declarations of a model, in their order.
 struct ModelDraft {
     std::vector<ClassDraft> classes;
     std::vector<ContainmentDraft> containments;
@@ -45,12 +45,13 @@ class ModelBuilder {
 public:
     ModelBuilder& add(ClassDraft draft);
 
-    /// Said twice, it counts once. The order of a class's children is the order of their mention.
+    /// Declaring the same pair twice changes nothing. The order of a class's children is the order
+    /// of their declaration.
     ModelBuilder& contain(std::string parent, std::string child, SourcePosition source = {});
 
-    /// One end of an association as its own attribute tells it: a bidirectional one names its
-    /// opposite, whose own end must be added too and agree. The end added first makes
-    /// BiDirAssociation::ends[0] lie at its owner.
+    /// One end of an association, declared by its own attribute. A bidirectional end names its
+    /// opposite; the opposite end must be added too, and the two must agree. The end that is added
+    /// first has its owner as the class of BiDirAssociation::ends[0].
     ModelBuilder& add(ReferenceDraft draft);
 
     /// Both ends of a bidirectional association: fills in the target and the opposite of each, and
@@ -58,7 +59,7 @@ public:
     /// pass that attribute twice.
     ModelBuilder& biDir(ReferenceDraft first, ReferenceDraft second);
 
-    /// A unidirectional association for each of `targets`, with the facts of `draft`.
+    /// Adds a unidirectional association for each of `targets`; all other facts come from `draft`.
     ModelBuilder& uniDir(const ReferenceDraft& draft, const std::vector<std::string>& targets);
 
     /// Resolves all names and checks everything.

@@ -43,8 +43,8 @@ ReferenceDescription describeReference(const RepositoryReader& reader, Repositor
     return description;
 }
 
-/// Adds those of the two directions whose attribute lives in `moc`: both if the association joins
-/// the class to itself, but one attribute that is its own opposite is told once.
+/// Adds those of the two directions whose attribute belongs to `moc`: both if the association joins
+/// the class to itself; but an attribute that is its own opposite is added once.
 void addBiDir(const RepositoryReader& reader, Moc moc, RepositoryReader::BiDir association,
               std::vector<ReferenceDescription>& references) {
     const RepositoryReader::End ends[] = {reader.firstEnd(association),

@@ -11,8 +11,9 @@
 #include <vector>
 
 /// \file
-/// What a model repository tells of its classes, for people. Nothing here is taken from a Model but
-/// the names to begin with, since no entry of the repository lists all classes.
+/// The classes as a model repository describes them, for people. Nothing here is taken from a Model
+/// except the names of the top-level classes, since no function of the repository lists all
+/// classes.
 
 namespace OrvHost {
 
@@ -32,7 +33,7 @@ struct ReferenceDescription {
     Bounds cardinality;
     std::string role;
     bool keepAtDelete = false;
-    std::string opposite; ///< the attribute of `target` that points back; empty: unidirectional
+    std::string opposite; ///< the attribute of `target` that refers back; empty: unidirectional
 };
 
 struct ClassDescription {
@@ -43,20 +44,22 @@ struct ClassDescription {
     std::vector<ReferenceDescription> references;
 };
 
-/// One class, by its handle. \throws Orv::OrvException as RepositoryReader does
+/// Describes one class by its handle.
+/// \throws Orv::OrvException as RepositoryReader does
 ClassDescription describeClass(const RepositoryReader& reader, RepositoryReader::Moc moc);
 
-/// All classes that are reached from those of `topLevelClasses`, each once, parents before
-/// children. \throws Orv::OrvException as RepositoryReader does, or if there is no class of one of
-/// these names at top level
+/// Describes all classes that can be reached from those of `topLevelClasses`, each once, parents
+/// before children.
+/// \throws Orv::OrvException as RepositoryReader does, or if there is no class with one of these
+/// names at top level
 std::vector<ClassDescription> describeClasses(const RepositoryReader& reader,
                                               const std::vector<std::string>& topLevelClasses);
 
-/// The one of that name, or null.
+/// The description with that name, or null.
 const ClassDescription* findDescription(const std::vector<ClassDescription>& classes,
                                         const std::string& name);
 
-/// The names to begin with.
+/// The names of the classes at the top level.
 std::vector<std::string> topLevelClasses(const Model& model);
 
 }

@@ -15,15 +15,15 @@
 #include <vector>
 
 /// \file
-/// What a model's author says, with classes and attributes told by name. Nothing is checked here:
-/// ModelBuilder::build() checks all of it at once. Every setter returns its object, so that a
-/// declaration reads as one sentence; each of the objects is a plain value.
+/// The declarations of a model's author, with classes and attributes given by name. Nothing is
+/// checked here: ModelBuilder::build() checks all of it at once. Every setter returns its object,
+/// so that a declaration can be written as one expression; each of the objects is a plain value.
 
 namespace OrvHost {
 
-/// An attribute, a member of a struct, or a parameter. Without further words it holds 0..1 values.
+/// An attribute, a member of a struct, or a parameter. By default it holds 0..1 values.
 struct AttributeDraft {
-    AttributeDef def; ///< but for `type.members` and `type.targets`, which are told below
+    AttributeDef def; ///< except `type.members` and `type.targets`, which are in the fields below
     std::vector<AttributeDraft> members;
     std::vector<std::string> targets; ///< permitted classes of a reference; empty: any
 
@@ -71,33 +71,33 @@ struct ActionDraft {
 
 /// A managed object class.
 struct ClassDraft {
-    ClassDef def; ///< but for its attributes, actions and containments, which are told below
+    ClassDef def; ///< except attributes, actions and containments: declared separately
     std::vector<AttributeDraft> attributes;
     std::vector<ActionDraft> actions;
 
     explicit ClassDraft(std::string name);
 
-    /// Its objects may stand without a parent.
+    /// Objects of the class may exist without a parent.
     ClassDraft& topLevel();
     /// Adds a text attribute of that name that names the object.
     ClassDraft& key(std::string name);
     ClassDraft& attribute(AttributeDraft draft);
     ClassDraft& action(ActionDraft draft);
-    /// How many may stand under one parent.
+    /// How many objects may exist under one parent.
     ClassDraft& instances(std::int64_t lower, std::int64_t upper);
     ClassDraft& described(std::string description);
     ClassDraft& at(SourcePosition source);
 };
 
 /// One reference attribute as an end of an association: the attribute `attribute` of class `owner`
-/// may hold DNs of class `target`. All facts belong to this attribute and this target.
+/// may hold DNs of class `target`. All settings apply to this attribute and this target.
 struct ReferenceDraft {
     std::string owner;
     std::string attribute;
     std::string target;
-    std::string opposite; ///< the attribute of `target` that points back; empty: unidirectional
+    std::string opposite; ///< the attribute of `target` that refers back; empty: unidirectional
     std::optional<Bounds> cardinality; ///< number of DNs of class `target` in the attribute
-    std::string roleText;              ///< the word for what is counted; empty: `target`
+    std::string roleText;              ///< the word for these objects in messages; empty: `target`
     bool keep = false;
     SourcePosition source;
 
@@ -106,8 +106,8 @@ struct ReferenceDraft {
 
     ReferenceDraft& to(std::string targetName);
     ReferenceDraft& pointedBackBy(std::string attributeName);
-    /// Without it, the bounds are those of the attribute if it has one permitted class, and
-    /// otherwise 0 to the attribute's upper bound.
+    /// If it is not called, the bounds are those of the attribute if that has one permitted class,
+    /// and otherwise 0 to the attribute's upper bound.
     ReferenceDraft& counts(std::int64_t lower, std::int64_t upper);
     ReferenceDraft& role(std::string text);
     /// When an object of `target` is deleted, its DN stays in the attribute.

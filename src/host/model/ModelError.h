@@ -12,7 +12,7 @@
 
 namespace OrvHost {
 
-/// One thing that is wrong with a model: where it was written, and what, in plain words.
+/// One problem of a model: its place, and a description.
 struct ModelProblem {
     SourcePosition source;
     std::string text;
@@ -21,16 +21,16 @@ struct ModelProblem {
 /// "file:line", "file" if the line is not known, empty if the file is not.
 std::string toText(const SourcePosition& source);
 
-/// "file:line: text", or as much of it as is known.
+/// "file:line: text", or the parts of it that are known.
 std::string toText(const ModelProblem& problem);
 
-/// A model that cannot be used, with all that is wrong with it.
+/// A model that cannot be used, with all its problems.
 class ModelError : public std::exception {
 public:
     /// `problems` is not empty.
     explicit ModelError(std::vector<ModelProblem> problems);
 
-    /// All problems, one a line.
+    /// All problems, one on each line.
     const char* what() const noexcept override { return mText.c_str(); }
     const std::vector<ModelProblem>& problems() const { return mProblems; }
 

@@ -14,24 +14,25 @@ namespace OrvHost {
 /// The table "VekOamSpiModelRepository" version "4" over a Model.
 ///
 /// Codes of its functions:
-///   - OrvOk;
-///   - OrvNotExist: the handle is zero, nothing is there, or the list is at its end;
-///   - OrvInvalidArgument: a handle of another kind or of nothing, an unknown property, a null
-///     pointer;
-///   - OrvNotActive: there is no repository any more.
-/// The out parameter is written on OrvOk only.
+/// - OrvOk;
+/// - OrvNotExist: the handle is zero, nothing is there, or the list is at its end;
+/// - OrvInvalidArgument: a handle of another kind or of nothing, an unknown property, a null
+///   pointer;
+/// - OrvNotActive: the repository has been destroyed.
 ///
-/// A reference attribute with exactly one permitted class has that class as its referenced MOC,
-/// every other one the class "ManagedObject", which stands for any: it has a name and nothing else,
-/// and no DN leads to it. Bounds of a type are those of the number of values. An open upper bound
-/// is kUnbounded, a large positive number.
+/// The out parameter is written only on OrvOk.
 ///
-/// A table function is handed no object, so there can be one repository in a process at a time.
-/// Nothing changes after construction: the functions take no lock, and any number of threads may
-/// be in them between construction and destruction.
+/// The referenced MOC of a reference attribute with exactly one permitted class is that class. For
+/// every other reference attribute it is the class "ManagedObject", which means any class: it has
+/// only a name, and no DN leads to it. The bounds of a type are the bounds of the number of values.
+/// An open upper bound is kUnbounded, a large positive number.
+///
+/// A table function gets no object argument, so only one repository at a time can exist in a
+/// process. Nothing changes after construction: the functions take no lock, and any number of
+/// threads may call them between construction and destruction.
 class ModelRepository {
 public:
-    /// `model` is from a ModelBuilder; it must outlive the repository and stay where it is.
+    /// `model` is from a ModelBuilder; it must outlive the repository and must not move.
     /// \throws std::logic_error if there is a repository already
     explicit ModelRepository(const Model& model);
     ModelRepository(const ModelRepository&) = delete;

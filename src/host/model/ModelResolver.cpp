@@ -99,7 +99,8 @@ void ModelResolver::resolveActions(const ClassDraft& draft, ClassDef& moc) {
     }
 }
 
-// The naming value is the text behind "=" in a DN: the attribute must be able to hold any one text.
+// The naming value is the text after "=" in a DN, so the attribute must be able to hold any single
+// text.
 void ModelResolver::checkNamingAttribute(const ClassDraft& draft, ClassDef& moc) {
     const auto isNaming = [](const AttributeDef& attribute) { return attribute.isNaming; };
     const auto naming = std::find_if(moc.attributes.begin(), moc.attributes.end(), isNaming);

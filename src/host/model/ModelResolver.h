@@ -10,8 +10,8 @@
 
 namespace OrvHost {
 
-/// Makes a Model of what was said of it, and gathers all that is wrong on the way: a problem in one
-/// place does not hide those in others. Lives for one resolve().
+/// Turns a draft into a Model and collects all problems on the way: a problem in one place does not
+/// hide those in others. Used for one resolve().
 class ModelResolver {
 public:
     explicit ModelResolver(const ModelDraft& draft) : mDraft(draft) {}

@@ -14,18 +14,18 @@
 
 namespace OrvHost {
 
-/// The pieces in one text.
+/// Joins the pieces into one text.
 std::string joined(std::initializer_list<std::string_view> pieces);
 
 /// "0..1", with "*" for an open upper bound.
 std::string toText(const Bounds& bounds);
 
-/// Gathers what is wrong with a model while its parts are looked at.
+/// Collects the problems of a model while its parts are checked.
 class ProblemList {
 public:
     void add(const SourcePosition& source, std::initializer_list<std::string_view> pieces);
 
-    /// Bounds are bounds: 0 <= lower <= upper.
+    /// Checks that 0 <= lower <= upper.
     void checkBounds(const SourcePosition& source, std::string_view subject, const Bounds& bounds);
 
     /// \throws ModelError with all problems, if there is one.

@@ -15,19 +15,19 @@
 #include <optional>
 
 /// \file
-/// The frame of the repository's functions: each judges its arguments in the same way and then
-/// looks one thing up. What ModelRepository says of the return codes is done here.
+/// The common frame of the repository's functions: each checks its arguments in the same way and
+/// then looks one thing up. The return codes that ModelRepository documents are made here.
 
 namespace OrvHost {
 
-/// What the one repository of the process knows; null if there is none. Written by ModelRepository
-/// at construction and destruction only, both outside the life of its table.
+/// The data of the one repository of the process; null if there is none. Only ModelRepository
+/// writes it, in its constructor and destructor, while nobody uses the table.
 inline const RepositoryIndex* currentRepositoryIndex = nullptr;
 
 using Handle = unsigned long long;
-/// A handle as an answer; nothing for "not there".
+/// A handle as a result; nothing means "not there".
 using Answer = std::optional<Handle>;
-/// What a handle must name to be accepted by a function.
+/// A test that a handle's kind must pass to be accepted by a function.
 using KindTest = bool (*)(HandleKind kind);
 
 template <HandleKind Expected>
@@ -39,7 +39,7 @@ inline bool isEnd(HandleKind kind) {
     return kind == HandleKind::BiDirEnd || kind == HandleKind::UniDirEnd;
 }
 
-/// OrvOk if there is a repository and `handle` names something of it of an accepted kind.
+/// OrvOk if there is a repository and `handle` names something in it of an accepted kind.
 inline OrvReturnT judge(Handle handle, KindTest isAccepted) {
     if (!currentRepositoryIndex) {
         return OrvNotActive;
@@ -52,8 +52,8 @@ inline OrvReturnT judge(Handle handle, KindTest isAccepted) {
     return isKnown ? OrvOk : OrvInvalidArgument;
 }
 
-/// Judges the arguments, then writes what `lookUp(index, parts of the handle)` gives to `out`; if
-/// that is nothing, answers `otherwise`.
+/// Checks the arguments, then writes the result of `lookUp(index, parts of the handle)` to `out`;
+/// if there is no result, returns `otherwise`.
 template <class Out, class LookUp>
 OrvReturnT answer(Handle handle, KindTest isAccepted, Out* out, LookUp lookUp,
                   OrvReturnT otherwise = OrvNotExist) {
@@ -72,8 +72,8 @@ OrvReturnT answer(Handle handle, KindTest isAccepted, Out* out, LookUp lookUp,
     return OrvOk;
 }
 
-/// The same for what an object of that kind always has: no answer means that there is no such
-/// property.
+/// The same for properties that every object of that kind has: no result means that there is no
+/// such property.
 template <class Out, class LookUp>
 OrvReturnT answerProperty(Handle handle, KindTest isAccepted, Out* out, LookUp lookUp) {
     return answer(handle, isAccepted, out, lookUp, OrvInvalidArgument);
@@ -83,13 +83,13 @@ inline Answer handleAt(HandleKind kind, std::optional<std::uint32_t> position) {
     return position ? Answer(encode({kind, *position})) : std::nullopt;
 }
 
-/// The list element at `next` of a list with `size` elements.
+/// The list element at position `next` of a list with `size` elements.
 inline Answer elementAt(HandleKind kind, std::uint32_t owner, std::uint32_t next,
                         std::size_t size) {
     return next < size ? Answer(encode({kind, owner, next})) : std::nullopt;
 }
 
-/// A block of general properties goes by the handle of its owner and a bit.
+/// The handle of a block of general properties is the handle of its owner with one bit set.
 inline OrvReturnT propertiesOf(Handle owner, KindTest isAccepted, Handle* properties) {
     return answer(owner, isAccepted, properties,
                   [owner](const auto&, auto) { return Answer(owner | kPropertiesBit); });

@@ -71,7 +71,7 @@ OrvReturnT getSecondEnd(Handle association, Handle* end) {
     return getEnd(association, 1, end);
 }
 
-/// The class tells whose list is walked: it must have a part in the current association.
+/// The class says whose list is walked: it must have a part in the current association.
 OrvReturnT getNextBiDirAssociation(Handle current, Handle moc, Handle* next) {
     const RepositoryHandle walker = decode(moc);
     const OrvReturnT code = judge(moc, &isOne<HandleKind::Moc>);

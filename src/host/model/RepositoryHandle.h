@@ -8,7 +8,8 @@
 
 namespace OrvHost {
 
-/// What a handle of the model repository names. The kinds begin at 1, so that no handle is zero.
+/// The kind of object that a handle of the model repository names. The kinds begin at 1, so that no
+/// handle is zero.
 enum class HandleKind : std::uint8_t {
     Moc = 1,     ///< first: the class, or kAnyClassPosition
     Attribute,   ///< first: the class, second: the attribute
@@ -20,13 +21,13 @@ enum class HandleKind : std::uint8_t {
     UniDirEnd    ///< first: the association
 };
 
-/// Position of the class that stands for any.
+/// The position of the class that means "any class".
 constexpr std::uint32_t kAnyClassPosition = (1U << 28U) - 1;
 
-/// A handle taken apart. In its 64 bits, from the highest: 3 bits of zero, a bit that tells the
-/// block of general properties of an object from the object, 4 bits of kind, and two positions of
-/// 28 bits. So handles of different kinds are never equal, and one of a kind is a position that can
-/// be checked against the model: nothing that a caller makes up leads outside it.
+/// The parts of a handle. Its 64 bits, from the highest: 3 bits of zero, a bit that is set for the
+/// block of general properties of an object, 4 bits of kind, and two positions of 28 bits. So
+/// handles of different kinds are never equal, and the positions can be checked against the model:
+/// an invalid handle can never lead outside it.
 struct RepositoryHandle {
     HandleKind kind;
     std::uint32_t first = 0;
@@ -40,7 +41,7 @@ constexpr std::uint64_t encode(RepositoryHandle handle) {
            static_cast<std::uint64_t>(handle.first) << 28U | handle.second;
 }
 
-/// Takes any number apart; the kind can then be none of the above.
+/// Splits any number into these parts; the kind can then be none of the above.
 constexpr RepositoryHandle decode(std::uint64_t number) {
     constexpr std::uint64_t kPosition = (1U << 28U) - 1;
     return {static_cast<HandleKind>(number >> 56U),

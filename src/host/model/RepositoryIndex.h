@@ -13,16 +13,16 @@
 
 namespace OrvHost {
 
-/// Answers in constant time (the step after a bidirectional association: logarithmic) what the
-/// repository is asked about a Model. Immutable: any number of threads.
+/// Answers the repository's questions about a Model in constant time (the step to the next
+/// bidirectional association: logarithmic). Immutable: any number of threads.
 class RepositoryIndex {
 public:
-    /// `model` must outlive the index and stay where it is.
+    /// `model` must outlive the index and must not move.
     explicit RepositoryIndex(const Model& model);
 
     const Model& model() const { return mModel; }
 
-    /// True if the handle names something of the model.
+    /// True if the handle names something in the model.
     bool exists(RepositoryHandle handle) const;
 
     std::optional<std::uint32_t> firstBiDir(ClassIndex moc) const;
@@ -32,11 +32,11 @@ public:
     std::optional<std::uint32_t> firstUniDir(ClassIndex moc) const;
     std::optional<std::uint32_t> nextUniDir(std::uint32_t current) const;
 
-    /// The end that a BiDirEnd or UniDirEnd names.
+    /// The end that a handle of kind BiDirEnd or UniDirEnd names.
     const AssociationEnd& end(RepositoryHandle handle) const;
     /// The attribute that is named after that end, in the class at the other end.
     RepositoryHandle attributeOfEnd(RepositoryHandle handle) const;
-    /// The attribute that an Attribute or Type names.
+    /// The attribute that a handle of kind Attribute or Type names.
     const AttributeDef& attribute(RepositoryHandle handle) const;
 
 private:

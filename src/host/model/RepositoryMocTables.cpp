@@ -13,7 +13,7 @@ bool hasName(HandleKind kind) {
     return kind == HandleKind::Moc || kind == HandleKind::Attribute || isEnd(kind);
 }
 
-/// Nothing for a class that is not of the model: the one that stands for any.
+/// Returns nothing for the class that means "any class", since it is not in the model.
 const ClassDef* classAt(const RepositoryIndex& index, RepositoryHandle moc) {
     const bool isAny = moc.first == kAnyClassPosition;
     return isAny ? nullptr : &index.model().classes[moc.first];
@@ -30,7 +30,7 @@ std::optional<const char*> nameOf(const RepositoryIndex& index, RepositoryHandle
     return moc ? moc->name.c_str() : kAnyClassName.data();
 }
 
-/// The flag has no meaning here.
+/// The flag has no meaning in this host.
 OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
     if (!currentRepositoryIndex) {
         return OrvNotActive;

@@ -28,7 +28,8 @@ Entry<Function> entryOf(const SubTable* subTable, Function SubTable::*member, co
     throw Orv::OrvException(code, "The model repository answered %s with code %d.", name, code);
 }
 
-/// Calls an entry; nothing if it says "not there" or "end of the list".
+/// Calls a function of the table; returns nothing if the code says "not there" or "end of the
+/// list".
 template <class Result, class Function, class... Arguments>
 std::optional<Result> ask(const Entry<Function>& entry, Arguments... arguments) {
     Result result{};
@@ -42,7 +43,7 @@ std::optional<Result> ask(const Entry<Function>& entry, Arguments... arguments) 
     return result;
 }
 
-/// Calls an entry whose answer must be there.
+/// Calls a function of the table that must have a result.
 template <class Result, class Function, class... Arguments>
 Result get(const Entry<Function>& entry, Arguments... arguments) {
     const std::optional<Result> result = ask<Result>(entry, arguments...);
@@ -58,7 +59,7 @@ std::string getText(const Entry<Function>& entry, Arguments... arguments) {
     return text ? text : "";
 }
 
-/// Walks a list: `first` is called with its owner, `next` with the handle before and `more`.
+/// Walks a list: `first` is called with its owner, `next` with the previous handle and `more`.
 template <class First, class Next, class... More>
 std::vector<unsigned long long> listOf(const Entry<First>& first, const Entry<Next>& next,
                                        unsigned long long owner, More... more) {

@@ -12,10 +12,10 @@
 
 namespace OrvHost {
 
-/// A model repository's table, wrapped: lists come whole, texts as strings, and what is not there
-/// as nothing. A missing entry, a list that stands still, or a code that says neither success nor
-/// "not there" throws Orv::OrvException with the entry's name and the code. Stateless but for the
-/// table; any thread.
+/// Wraps the table of a model repository: lists are returned whole, texts as strings, and what does
+/// not exist as nothing. Throws Orv::OrvException with the function's name and the code if a
+/// function is missing, if a list does not move on, or if a code means neither success nor "not
+/// there". Stateless except for the table; any thread.
 class RepositoryReader {
 public:
     using Moc = VekOamSpiMrMocHandle_4T;

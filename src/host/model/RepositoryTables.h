@@ -7,7 +7,7 @@
 #include "VekOamSpiModelRepository_4.h"
 
 /// \file
-/// The sub-tables of the model repository. Entries that nobody calls are null.
+/// The sub-tables of the model repository. Functions that nobody calls are null.
 
 namespace OrvHost {
 

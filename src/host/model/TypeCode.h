@@ -35,7 +35,7 @@ constexpr OrvMoAttributeType_3 typeCodeOf(ValueKind kind) {
     return OrvMoAttributeTypeString_3;
 }
 
-/// The kind that a type code stands for; nothing for a code that is not this host's.
+/// The kind of values with a type code; nothing for a code that this host does not use.
 constexpr std::optional<ValueKind> kindOfTypeCode(std::int32_t code) {
     for (const ValueKind kind :
          {ValueKind::Bool, ValueKind::Int, ValueKind::Uint, ValueKind::Double,

@@ -36,7 +36,7 @@ std::string structText(const StructValue& value) {
     return text + "}";
 }
 
-/// Writes one alternative of Value.
+/// Writes each alternative of Value as text.
 struct TextWriter {
     std::string operator()(bool flag) const { return flag ? "true" : "false"; }
     std::string operator()(std::int64_t number) const { return std::to_string(number); }

@@ -13,15 +13,15 @@
 
 namespace OrvHost {
 
-/// What the values of an attribute are.
+/// The kind of an attribute's values.
 enum class ValueKind : std::uint8_t { Bool, Int, Uint, Double, Enumeration, String, MoRef, Struct };
 
 struct AttributeValue;
 
 /// A struct value: its members in order.
 ///
-/// A member's value may be a struct again, so nothing here can be made before AttributeValue is
-/// whole: the operations stand in the source.
+/// The value of a member may be a struct again, so AttributeValue is still incomplete here. For
+/// that reason the special member functions are defined in the source file.
 struct StructValue {
     using Members = std::vector<std::pair<std::string, AttributeValue>>;
 
@@ -36,11 +36,11 @@ struct StructValue {
     Members members;
 };
 
-/// One value, free of any table record. Enumerations, texts and references (internal DNs) are
-/// std::string.
+/// One value, independent of any table record. Enumerations, texts and references (internal DNs)
+/// are std::string.
 using Value = std::variant<bool, std::int64_t, std::uint64_t, double, std::string, StructValue>;
 
-/// The value of one attribute: all its values are of one kind.
+/// The value of one attribute: all its values have the same kind.
 struct AttributeValue {
     ValueKind kind = ValueKind::String;
     std::vector<Value> values;
@@ -49,14 +49,14 @@ struct AttributeValue {
 bool operator==(const StructValue& left, const StructValue& right);
 bool operator==(const AttributeValue& left, const AttributeValue& right);
 
-/// True if `value` is of the alternative that values of `kind` use.
+/// True if `value` holds the alternative that values of `kind` use.
 bool isOfKind(const Value& value, ValueKind kind);
 
 /// The kind in words for messages: "text", "reference", "whole number"...
 std::string_view kindName(ValueKind kind);
 
 /// One value as a person writes it: "true", "-5", "0.25", the text itself; a struct as
-/// "{name=value, list=[1, 2]}". It is the form that TypeDef::check judges.
+/// "{name=value, list=[1, 2]}". TypeDef::check gets values in this form.
 std::string toText(const Value& value);
 
 /// An attribute with its name.

@@ -10,12 +10,13 @@
 
 namespace OrvHost {
 
-/// Why `value` may not be the value of an attribute `def`: wrong kind, too few or too many values,
-/// an unknown enumerator, a text that the type's check refuses, a struct with unknown, doubled or
-/// missing members. An empty text: it may. What a reference points at is not looked at. Any thread.
+/// The reason why `value` cannot be the value of an attribute `def`: wrong kind, too few or too
+/// many values, an unknown enumerator, a text that the type's check refuses, a struct with unknown,
+/// repeated or missing members. An empty text if it can. The targets of references are not checked.
+/// Any thread.
 std::string whyRefused(const AttributeDef& def, const AttributeValue& value);
 
-/// The same for one value of the type `type`, whatever the number of values.
+/// The same for one value of the type `type`; the number of values is not checked.
 std::string whyRefused(const TypeDef& type, const Value& value);
 
 }

@@ -18,7 +18,7 @@ namespace {
 // Deeper than any model; stops at a record that is nested without end before the stack runs out.
 constexpr int kDeepest = 64;
 
-// A list with more members leads back into itself.
+// A list with more members is taken for one that leads back into itself.
 constexpr std::size_t kMostMembers = 100000;
 
 struct Code {
@@ -63,7 +63,8 @@ T* allocate(Orv::AutoMemory& memory, std::size_t count) {
     return block;
 }
 
-// Any byte but zero is true: a client may write one that a `bool` must not be read with.
+// Any byte except zero is true. A client may have written a byte that is not valid in a `bool`, so
+// the byte itself is read.
 template <class Slot>
 bool isTrue(const Slot& slot) {
     unsigned char byte = 0;

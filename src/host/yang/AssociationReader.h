@@ -18,31 +18,31 @@
 
 namespace OrvHost {
 
-/// Reads the statements of orv-associations, in leaves and at the level of modules, into
-/// associations of the model. Keeps what is wrong until it is asked.
+/// Reads the statements of orv-associations, in leaves and at module level, into associations of
+/// the model. Collects problems until they are asked for.
 class AssociationReader {
 public:
     explicit AssociationReader(const SourceLocator& locator) : mLocator(locator) {}
 
-    /// Takes the statements at the level of a module.
+    /// Reads the statements at the level of a module.
     void readModule(const lys_module* module);
 
-    /// Takes the statements in a leaf or leaf-list that is an attribute of a class.
+    /// Reads the statements in a leaf or leaf-list that is an attribute of a class.
     void readAttribute(const lysc_node* node, const std::string& className);
 
-    /// The classes that a reference in a struct or a parameter may point at. Associations proper
-    /// have no place there: whoever keeps them in step looks at attributes only.
+    /// The classes that a reference in a struct or a parameter may refer to. Associations are not
+    /// allowed there, because the component updates only attributes.
     std::vector<std::string> readMember(const lysc_node* node);
 
-    /// True if a statement, in the leaf or in a module, makes the leaf a reference.
+    /// True if a statement in the leaf or in a module makes the leaf a reference.
     bool isReference(const lysc_node* node, const std::string& className) const;
 
-    /// Checks that classes lie in the modules that statements name, then adds all associations.
-    /// `modulesOf` gives the modules of each class.
+    /// Checks that the classes belong to the modules that the statements name, then adds all
+    /// associations. `modulesOf` gives the modules of each class.
     void addTo(ModelBuilder& builder,
                const std::map<std::string, std::set<std::string>>& modulesOf);
 
-    /// Keeps one more problem with what is a reference.
+    /// Adds a problem that was found with a reference.
     void refuse(const SourcePosition& source, std::string text) {
         mProblems.push_back({source, std::move(text)});
     }

@@ -16,7 +16,7 @@ std::string quote(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-/// The words of an argument, handed out one by one.
+/// The words of an argument, taken one by one.
 class Words {
 public:
     explicit Words(const std::string& argument) {

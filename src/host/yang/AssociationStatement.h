@@ -12,8 +12,8 @@
 #include <utility>
 
 /// \file
-/// The arguments of the statements of the module orv-associations, taken apart. Nothing is looked
-/// up here.
+/// Parses the arguments of the statements of the module orv-associations. Names are not looked up
+/// here.
 
 namespace OrvHost {
 
@@ -35,7 +35,7 @@ struct AttributeName {
     std::string attribute;
 };
 
-/// What follows the names: all of it may be left out.
+/// What follows the names; every part is optional.
 struct ReferenceTerms {
     std::optional<Bounds> bounds;
     std::string role;

@@ -88,7 +88,7 @@ std::optional<AttributeDraft> AttributeReader::readParameter(const lysc_node* no
     return std::move(read->draft);
 }
 
-/// An empty class name stands for a member of a struct or a parameter.
+/// An empty class name means a member of a struct or a parameter.
 std::optional<AttributeReader::Attribute>
 AttributeReader::read(const lysc_node* node, const std::string& className, bool isFirst) {
     noteConditions(node);
@@ -141,7 +141,7 @@ void AttributeReader::tellReference(const lysc_node* node, const std::string& cl
         return;
     }
     if (isFirst) {
-        // The permitted classes follow from the associations.
+        // The permitted classes come from the associations.
         mAssociations.readAttribute(node, className);
     }
 }
@@ -164,7 +164,7 @@ AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
 void AttributeReader::describe(const lysc_node* node, Attribute& attribute) const {
     AttributeDef& def = attribute.draft.def;
     def.multiplicity = boundsOf(node);
-    // The key is written once, when the object is created.
+    // A key is written once, when the object is created.
     def.isWritable = (node->flags & LYS_CONFIG_R) == 0;
     def.description = node->dsc != nullptr ? node->dsc : "";
     def.source = mLocator.of(node);

@@ -30,16 +30,17 @@ public:
     AttributeReader(std::shared_ptr<const YangContext> context, const SourceLocator& locator,
                     AssociationReader& associations, ModelNotes& notes);
 
-    /// An attribute of that class; nothing if the node cannot be one, which is noted. What the node
-    /// says of associations goes to the association reader if `isFirst`: the same attribute can
-    /// be met at several places.
+    /// Reads an attribute of that class; nothing if the node cannot be an attribute, which is
+    /// noted. With `isFirst`, the node's statements on associations go to the association reader:
+    /// the same attribute can be found at several places.
     std::optional<Attribute> readAttribute(const lysc_node* node, const std::string& className,
                                            bool isFirst);
 
-    /// A parameter or a result of an action; nothing likewise.
+    /// Reads a parameter or a result of an action; nothing if the node cannot be one, which is
+    /// noted.
     std::optional<AttributeDraft> readParameter(const lysc_node* node);
 
-    /// Counts what the node says and the model leaves out: conditions, choices.
+    /// Counts statements of the node that the model does not represent: conditions, choices.
     void noteConditions(const lysc_node* node);
 
 private:

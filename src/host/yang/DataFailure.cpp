@@ -13,7 +13,7 @@ namespace OrvHost {
 namespace {
 
 struct Hint {
-    const char* sign; ///< what the library's message holds
+    const char* sign; ///< a part of the library's message
     const char* text;
 };
 
@@ -41,7 +41,7 @@ std::string hintFor(const std::string& message) {
     return "";
 }
 
-/// A path in data without what tells the entries of lists apart.
+/// A path in data without the parts that identify the entries of lists.
 std::string schemaPath(const std::string& dataPath) {
     std::string path;
     bool isInside = false;
@@ -59,13 +59,13 @@ std::string schemaPath(const std::string& dataPath) {
     return path;
 }
 
-/// What was expected at a path in data, if it is that of a value.
+/// What was expected at a path in data, if it is the path of a value.
 std::string expectedAt(const YangContext& context, const std::string& dataPath) {
     if (dataPath.empty()) {
         return "";
     }
     const lysc_node* node = lys_find_path(context.get(), nullptr, schemaPath(dataPath).c_str(), 0);
-    context.takeMessages(); // that there is no such node is no news
+    context.takeMessages(); // drops the message that there is no such node, which is expected here
     const bool isValue = node != nullptr && (node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0;
     return isValue ? "; expected: " + expectedBy(node) : "";
 }
@@ -74,7 +74,7 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// At the end of the text the library quotes the character that is not there.
+/// At the end of the text the library quotes the missing character.
 std::string wordingOf(const YangMessage& message) {
     const std::string text = withSingleSpaces(message.text);
     return endsWith(text, "character \"") ? "the text ends too early" : text;

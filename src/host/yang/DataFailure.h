@@ -11,8 +11,9 @@
 
 namespace OrvHost {
 
-/// Why the YANG library has just refused instance data: its message, taken out of the context, with
-/// what was expected and what usually helps. `label` stands for the data's file.
+/// The reason why the YANG library has just refused instance data: its message, taken out of the
+/// context, with what was expected and a usual remedy. `label` is used as the name of the data's
+/// file.
 ModelProblem describeFailure(const YangContext& context, const std::string& label);
 
 }

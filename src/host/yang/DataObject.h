@@ -21,9 +21,9 @@ struct DataObject {
     ClassIndex moc = 0;
     /// Without the naming attribute, whose value is in the DN.
     std::vector<NamedValue> attributes;
-    /// True if the data names the object and says nothing of it but what is below it. Large data
-    /// comes in several files, and each repeats in this way the objects above its own: an object
-    /// that is there already is then meant, and nothing is to be done with it. If none is there, it
+    /// True if the data gives only the name of the object and the objects below it. Large data
+    /// comes in several files, and each file repeats the objects above its own in this way. If such
+    /// an object already exists, that one is meant, and nothing is to be done with it; otherwise it
     /// is a new object without attributes.
     bool isBare = false;
 };

@@ -12,13 +12,13 @@
 
 namespace OrvHost {
 
-/// Instance data that cannot be read or written, with all that is wrong.
+/// Instance data that cannot be read or written, with all problems.
 class InstanceDataError : public std::exception {
 public:
     /// `problems` is not empty.
     explicit InstanceDataError(std::vector<ModelProblem> problems);
 
-    /// All problems, one a line.
+    /// All problems, one on each line.
     const char* what() const noexcept override { return mText.c_str(); }
     const std::vector<ModelProblem>& problems() const { return mProblems; }
 

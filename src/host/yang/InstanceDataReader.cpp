@@ -69,7 +69,7 @@ std::vector<fs::path> expand(const std::vector<fs::path>& paths) {
 std::uint64_t sizeOf(const fs::path& file) {
     std::error_code error;
     const std::uintmax_t size = fs::file_size(file, error);
-    return error ? 0 : size; // what is wrong with the file is told when it is read
+    return error ? 0 : size; // a problem with the file is reported when it is read
 }
 
 std::string contentsOf(const fs::path& file) {
@@ -98,8 +98,8 @@ Input inputOf(const std::string& text) {
     return Input(input);
 }
 
-// The parser is content when a JSON document or, at a zero byte, the text ends. What stands behind
-// would be lost without a word.
+// The parser stops without an error at the end of a JSON document or, at a zero byte, at the end of
+// the text. Text after that would be lost silently.
 void refuseRest(const std::string& text, std::size_t parsed, const std::string& label) {
     const std::size_t rest = text.find_first_not_of(" \t\r\n", parsed);
     if (rest != std::string::npos) {
@@ -109,8 +109,8 @@ void refuseRest(const std::string& text, std::size_t parsed, const std::string& 
     }
 }
 
-// The parser lets some of it through, as in a CDATA section, and what was read could then neither
-// be written nor shown.
+// The parser accepts some malformed characters, for example in a CDATA section, and the value could
+// then neither be written nor shown.
 void refuseMalformed(std::string_view text, const std::string& label) {
     int line = 1;
     for (std::size_t at = 0; at < text.size();) {
@@ -181,7 +181,7 @@ void InstanceDataReader::readFile(const fs::path& file, const Sink* sink) {
     report(true);
 }
 
-/// Without a sink the data is only looked at.
+/// Without a sink the data is only checked.
 void InstanceDataReader::parseAndDeliver(const std::string& text, const std::string& label,
                                          const Sink* sink) {
     const LYD_FORMAT format = formatOf(text, label);
@@ -189,8 +189,8 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     const YangContext& context = mSchema->context();
     const Input input = inputOf(text);
     lyd_node* parsed = nullptr;
-    // Parsing only: checks of whole trees cost quadratic time for references, and would refuse
-    // the bare parents of a slice. An unknown node is an error.
+    // Parsing only: checks of whole trees take quadratic time for references, and would refuse the
+    // bare parents of a slice. An unknown node is an error.
     const LY_ERR code = lyd_parse_data(context.get(), nullptr, input.get(), format,
                                        LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
     const Tree tree(parsed);

@@ -24,23 +24,24 @@ namespace OrvHost {
 struct DataProgress {
     std::size_t filesDone = 0;
     std::size_t filesInAll = 0;
-    std::size_t objects = 0;     ///< handed out so far
+    std::size_t objects = 0;     ///< delivered so far
     std::uint64_t bytesDone = 0; ///< of the files that are done
     std::uint64_t bytesInAll = 0;
 };
 
-/// Reads instance data, a file at a time, into a flat sequence of objects: parents before their
+/// Reads instance data, one file at a time, into a flat sequence of objects: parents before their
 /// children, objects of one class under one parent in the order of the text.
 ///
-/// The modules' types are enforced, and so is that every node is part of the model. How objects fit
-/// together is not looked at: multiplicities, associations, repeated objects (see InstanceChecker).
+/// The reader enforces the modules' types, and that every node is part of the model. It does not
+/// check how objects fit together: multiplicities, associations, repeated objects (see
+/// InstanceChecker).
 ///
 /// Memory is that of the largest file's tree (1.7 kB for an object of nine values), which is freed
 /// before the next file is read. Several readers may share a schema and run at the same time.
 class InstanceDataReader {
 public:
-    /// Takes the object over. `file` is where it was read, valid during the call. What it throws
-    /// ends the reading and reaches the caller.
+    /// Receives the object. `file` is the file it was read from, valid during the call. An
+    /// exception from it ends the reading and reaches the caller.
     using Sink = std::function<void(DataObject&& object, const std::string& file)>;
     using Progress = std::function<void(const DataProgress& progress)>;
 
@@ -50,12 +51,12 @@ public:
     InstanceDataReader& onProgress(Progress progress);
 
     /// Reads files, and all `.json` and `.xml` files of directories in the order of their names.
-    /// The format is told by the file's first character. Gives the number of objects. \throws
-    /// InstanceDataError with the first error of each file, which is all that the YANG library
-    /// tells. The objects of the files before the first faulty one have been handed out.
+    /// The file's first character decides the format. Returns the number of objects.
+    /// \throws InstanceDataError with the first error of each file; the YANG library reports no
+    /// others. The objects of the files before the first faulty one have been delivered.
     std::size_t read(const std::vector<std::filesystem::path>& paths, const Sink& sink);
 
-    /// Reads a text. `label` stands for its file in messages.
+    /// Reads a text. `label` is used as the file name in messages.
     /// \throws InstanceDataError
     std::size_t readText(const std::string& text, const std::string& label, const Sink& sink);
 

@@ -82,7 +82,7 @@ const ObjectShape& InstanceDataWriter::shapeFor(std::string_view dn) const {
     return *shape;
 }
 
-/// The DN is that of a class of the model: shapeFor() has found it.
+/// The DN has a class of the model, since shapeFor() has found it.
 InstanceDataWriter::Entry& InstanceDataWriter::enter(std::string_view dn) {
     const auto known = mEntries.find(std::string(dn));
     if (known != mEntries.end()) {

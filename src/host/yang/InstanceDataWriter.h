@@ -21,12 +21,12 @@ namespace OrvHost {
 class ObjectText;
 struct TextNode;
 
-/// Writes objects as instance data. Gathers them first, as text, since the entries of a list stand
-/// together whatever the order of the objects: memory is about that of the result, so large data is
-/// written in slices, with a clear() after each.
+/// Writes objects as instance data. It collects them first, as text, because the entries of a list
+/// must be together whatever the order of the objects. Memory is about the size of the result, so
+/// large data is written in slices, with a clear() after each.
 ///
-/// An object whose parent was not added gets its ancestors with nothing but their keys, as the
-/// reader expects it of a slice. One thread at a time.
+/// An object whose parent was not added gets its ancestors with only their keys, as the reader
+/// expects it in a slice. One thread at a time.
 class InstanceDataWriter {
 public:
     InstanceDataWriter(std::shared_ptr<const YangSchema> schema, DataFormat format);
@@ -34,22 +34,22 @@ public:
     InstanceDataWriter(const InstanceDataWriter&) = delete;
     InstanceDataWriter& operator=(const InstanceDataWriter&) = delete;
 
-    /// Without indentation files are smaller. On at first.
+    /// Files without indentation are smaller. On by default.
     InstanceDataWriter& indent(bool on);
 
-    /// Adds an object with its internal DN; `object.moc` and `object.isBare` are not looked at.
-    /// Values are written as they are, whether the type permits them or not. \throws
-    /// InstanceDataError if the DN is no path of the model, the object is there already, or an
-    /// attribute does not exist or is of another kind; the object is not added then.
+    /// Adds an object with its internal DN; `object.moc` and `object.isBare` are ignored. Values
+    /// are written as they are, even if the type does not permit them.
+    /// \throws InstanceDataError if the DN is not a path of the model, the object was already
+    /// added, or an attribute does not exist or has another kind; the object is not added then.
     void add(const DataObject& object);
 
     /// The number of objects added since the last clear().
     std::size_t size() const { return mSize; }
 
-    /// Writes what was added. It is kept.
+    /// Writes what was added, and keeps it.
     void write(std::ostream& out) const;
 
-    /// Writes a file, in place of what was there.
+    /// Writes a file and replaces its old content.
     /// \throws InstanceDataError if it cannot be written
     void writeFile(const std::filesystem::path& file) const;
 
@@ -59,7 +59,7 @@ private:
     struct Entry {
         const ObjectShape* shape = nullptr;
         TextNode* node = nullptr;
-        bool isAdded = false; ///< false: only named by what is below it
+        bool isAdded = false; ///< false: only needed for the objects below it
     };
 
     const ObjectShape& shapeFor(std::string_view dn) const;

@@ -44,7 +44,7 @@ std::string quote(const std::string& text) {
     return quoted + "\"";
 }
 
-/// A member's name, with the module where it differs from the parent's.
+/// The name of a member, with the module if it is not the parent's.
 std::string nameOf(const lysc_node* node, const lysc_node* parent) {
     const bool isQualified = parent == nullptr || parent->module != node->module;
     return quote(isQualified ? std::string(node->module->name) + ":" + node->name : node->name);
@@ -58,7 +58,7 @@ std::string join(const std::vector<std::string>& parts, const std::string& separ
     return text;
 }
 
-/// `text` with every line but the first moved in.
+/// `text` with every line except the first indented.
 std::string indent(const std::string& text) {
     std::string moved;
     for (const char c : text) {
@@ -77,7 +77,7 @@ std::string block(const std::vector<std::string>& parts, const char* open, const
     return std::string(open) + "\n" + kStep + indent(join(parts, ",\n")) + "\n" + close;
 }
 
-/// Writes a tree of text nodes, with a comma between two of a level.
+/// Writes a tree of text nodes, with commas between the nodes of a level.
 class TreeWriter {
 public:
     TreeWriter(std::ostream& out, int step) : mOut(out), mStep(step) {}
@@ -140,7 +140,7 @@ std::string JsonText::body(const ObjectShape& shape, const std::string& namingVa
     return join(members, ",\n");
 }
 
-/// An attribute without values is left out, and so is an `empty` leaf that is not set.
+/// An attribute without values is left out; so is an `empty` leaf that is not set.
 std::string JsonText::member(const NamedValue& value, const ValueShape& shape,
                              const lysc_node* parent) const {
     std::vector<std::string> parts;

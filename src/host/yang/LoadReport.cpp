@@ -28,7 +28,7 @@ void LoadReport::takeFailedModule(const std::string& module, const std::string& 
     claim(module);
 }
 
-/// What has no file yet is said of that module.
+/// Messages that have no file yet belong to that module.
 void LoadReport::claim(const std::string& module) {
     const auto found = mFinder.found().find(module);
     if (found == mFinder.found().end()) {
@@ -43,7 +43,7 @@ void LoadReport::claim(const std::string& module) {
     }
 }
 
-/// The library does not always tell a line.
+/// The library does not always report a line.
 int LoadReport::lineOfCause(const ModuleText& module, const std::string& text) const {
     for (const char* keyword : {"import", "include"}) {
         if (const int line = module.statements.lineOfFirst(keyword, mMissing); line > 0) {

@@ -15,11 +15,11 @@
 
 namespace OrvHost {
 
-/// Puts the YANG library's messages on one failed load in order. It tells the cause first, with a
-/// line but without the file, then the modules around it from the inside out.
+/// Sorts the YANG library's messages about one failed load. The library reports the cause first,
+/// with a line but without the file, then the modules around it from the inside out.
 class LoadReport {
 public:
-    /// `finder` has served the load, and must outlive this object.
+    /// `finder` was used for the load, and must outlive this object.
     explicit LoadReport(const ModuleFinder& finder) : mFinder(finder) {}
 
     /// Takes the messages one by one, in their order.

@@ -12,14 +12,14 @@
 
 namespace OrvHost {
 
-/// Gathers what the modules say and the model leaves out. Large sets of modules say the same kind
-/// of thing hundreds of times: it is counted, and told once with its first place.
+/// Collects what the modules say but the model does not represent. Large sets of modules say the
+/// same kind of thing hundreds of times: it is counted, and reported once with its first place.
 class ModelNotes {
 public:
-    /// `what` tells the kind: "`must` statements are not evaluated".
+    /// `what` is the kind: "`must` statements are not evaluated".
     void count(const std::string& what, const SourcePosition& source, const std::string& place);
 
-    /// A remark of its own.
+    /// Adds a note that is not counted.
     void add(const SourcePosition& source, std::string text);
 
     std::vector<ModelProblem> take() &&;

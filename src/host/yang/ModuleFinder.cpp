@@ -120,7 +120,7 @@ void ModuleFinder::scan(Directory& directory) {
         const std::string stem = entry->path().stem().string();
         const std::size_t at = stem.find('@');
         const std::string revision = at == std::string::npos ? "" : stem.substr(at + 1);
-        // Directories are listed in no particular order; the choice between two equals must not
+        // Directories have no defined order of entries; the choice between two equal files must not
         // depend on it.
         fs::path& file = directory.files[stem.substr(0, at)][revision];
         file = file.empty() ? entry->path() : std::min(file, entry->path());
@@ -136,7 +136,7 @@ std::optional<fs::path> ModuleFinder::locate(const std::string& name, const std:
         if (files == directory.files.end()) {
             continue;
         }
-        // A file without a revision in its name can be of any revision.
+        // A file without a revision in its name can have any revision.
         const auto& byRevision = files->second;
         if (const auto exact = byRevision.find(revision); exact != byRevision.end()) {
             return exact->second;

@@ -15,32 +15,32 @@
 
 namespace OrvHost {
 
-/// A module or submodule that was found.
+/// A module or submodule that was found or offered.
 struct ModuleText {
     std::string name;
-    std::string file; ///< as it was told or found, for messages
+    std::string file; ///< as given or found, for messages
     std::string text;
     YangText statements;
 };
 
-/// Finds modules and submodules by name: those that were handed over first, then those on the
-/// search path, in its order, subdirectories included. Of several revisions of one module in a
-/// directory the newest is taken. Keeps what it has found.
+/// Finds modules and submodules by name: first those that were offered, then those on the search
+/// path, in its order, subdirectories included. If a directory has several revisions of one module,
+/// the newest is taken. Keeps what it has found.
 ///
 /// One thread at a time.
 class ModuleFinder {
 public:
     explicit ModuleFinder(std::vector<std::filesystem::path> searchPath);
 
-    /// Offers a module by its text. `label` stands for the file in messages.
+    /// Offers a module by its text. `label` is used as the file name in messages.
     void addText(const std::string& name, std::string label, std::string text);
 
-    /// Reads a file and offers it under the name that it gives itself, which it returns. The
-    /// file's directory, but none below it, joins the search path behind all others.
+    /// Reads a file and offers it under the module name in the file, which it returns. The file's
+    /// directory, without those below it, is added to the end of the search path.
     /// \throws ModelError if the file cannot be read or is not a module.
     std::string addFile(const std::filesystem::path& file);
 
-    /// The module of that name, and of that revision unless empty; null if there is none.
+    /// The module with that name, and with that revision unless it is empty; null if there is none.
     const ModuleText* find(const std::string& name, const std::string& revision);
 
     /// The modules that were found, or offered, so far.
@@ -49,16 +49,16 @@ public:
     /// True if find() did not find that module.
     bool wasMissed(const std::string& name) const;
 
-    /// What was wrong with the search path, or with a file on it.
+    /// The problems with the search path, or with a file on it.
     const std::vector<ModelProblem>& problems() const { return mProblems; }
 
-    /// "looked for NAME.yang in DIR, DIR": how find() went about it.
+    /// "looked for NAME.yang in DIR, DIR": where find() has searched.
     std::string describeSearch(const std::string& name) const;
 
 private:
     struct Directory {
         std::filesystem::path path;
-        /// By module name and revision: the files. An empty revision stands for none in the name.
+        /// The files by module name and revision. The revision is empty if the file name has none.
         std::map<std::string, std::map<std::string, std::filesystem::path>> files;
         bool withSubdirectories = true;
         bool isScanned = false;

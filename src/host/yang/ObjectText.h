@@ -16,14 +16,14 @@
 
 namespace OrvHost {
 
-/// What cannot be written, without the object's DN.
+/// A value that cannot be written; the text has no DN.
 class UnwritableValue : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A container, or an entry of a list, on its way out. What is directly inside is text already;
-/// what stands below it follows by schema node, since JSON keeps the entries of a list together.
+/// A container, or an entry of a list, while it is written. Its own values are already text; what
+/// is below it follows by schema node, since JSON keeps the entries of a list together.
 struct TextNode {
     struct Group {
         const lysc_node* schema = nullptr;
@@ -33,7 +33,7 @@ struct TextNode {
     std::string body; ///< lines, without indentation of their own level and without a last line end
     std::vector<Group> groups;
 
-    /// The group of that schema node, a new one at the end if there is none.
+    /// The group of that schema node; if there is none, a new one at the end.
     Group& group(const lysc_node* schema);
 };
 
@@ -52,7 +52,7 @@ public:
     virtual std::string body(const ObjectShape& shape, const std::string& namingValue,
                              const std::vector<NamedValue>& attributes) const = 0;
 
-    /// The text of a whole tree: what stands below `root`. `step` is the number of spaces for each
+    /// The text of a whole tree: everything below `root`. `step` is the number of spaces for each
     /// level.
     virtual void write(std::ostream& out, const TextNode& root, int step) const = 0;
 
@@ -63,11 +63,11 @@ private:
     const YangContext& mContext;
 };
 
-/// The shape of that name. The value must be of its kind, and single if the shape is.
+/// The shape with that name. The value must have its kind, and must be single if the shape is.
 /// \throws UnwritableValue
 const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes);
 
-/// Writes `text`, which can be several lines, with `indent` spaces before each line.
+/// Writes `text`, which can have several lines, with `indent` spaces before each line.
 void writeIndented(std::ostream& out, const std::string& text, int indent);
 
 }

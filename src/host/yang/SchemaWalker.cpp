@@ -25,7 +25,8 @@ bool hasOneKey(const lysc_node* list) {
     return key != nullptr && (key->next == nullptr || !lysc_is_key(key->next));
 }
 
-/// A list of several keys has no one attribute that names its entries, so they are no objects.
+/// A list with several keys has no single attribute that names its entries, so these are not
+/// objects.
 bool isClass(const lysc_node* node) {
     return node->nodetype == LYS_LIST && hasOneKey(node) && !hasStatement(node, "struct");
 }
@@ -63,7 +64,7 @@ void SchemaWalker::walk() {
             mProblems.push_back(std::move(problem));
         }
     }
-    // What modules say of attributes must be known before the attributes are read.
+    // The modules' own statements about attributes must be known before the attributes are read.
     for (const lys_module* module : modules) {
         mAssociations.readModule(module);
     }
@@ -98,7 +99,7 @@ SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
         return addClass(list);
     }
     Class& moc = *known->second;
-    // A grouping that modules share makes one class, although each module has it as its own.
+    // A grouping that several modules use makes one class, although each module has its own copy.
     const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
     if (!isSame) {
         refuseName(list, moc);
@@ -238,7 +239,7 @@ ActionDraft SchemaWalker::readAction(const lysc_node_action* action) {
     return draft;
 }
 
-/// An action gives one value: what is more is gathered in a struct.
+/// An action returns one value: several nodes are put into a struct.
 void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft) {
     std::vector<AttributeDraft> results = readParameters(&action->output.node);
     if (results.size() == 1) {

@@ -20,8 +20,8 @@
 
 namespace OrvHost {
 
-/// Walks the compiled modules and gathers classes, attributes, actions and associations. One class
-/// can stand at many places: what the places say of it is united.
+/// Walks the compiled modules and collects classes, attributes, actions and associations. One class
+/// can be found at many places: what is said at these places is merged.
 class SchemaWalker {
 public:
     SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
@@ -29,14 +29,14 @@ public:
 
     void walk();
 
-    /// The model of all that was met; completes the schema.
-    /// \throws ModelError with all that is wrong
+    /// Makes the model of everything that was found; completes the schema.
+    /// \throws ModelError with all problems
     Model build();
 
 private:
     struct Class {
         ClassDraft draft;
-        const lysc_node* first; ///< the place that was met first
+        const lysc_node* first; ///< the place that was found first
     };
 
     void walkTop(const lysc_node* parent, const lys_module* module,
@@ -65,7 +65,7 @@ private:
     AssociationReader mAssociations;
     AttributeReader mAttributes;
     std::vector<std::unique_ptr<Class>> mClasses;
-    std::vector<std::unique_ptr<Class>> mRefused; ///< what has the name of another class
+    std::vector<std::unique_ptr<Class>> mRefused; ///< lists with the name of another class
     std::map<std::string, Class*> mClassByName;
     std::map<std::string, std::set<std::string>> mModulesOf;
     std::vector<ContainmentDraft> mContainments;

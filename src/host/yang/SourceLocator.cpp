@@ -34,7 +34,7 @@ std::string keywordOf(std::uint16_t nodetype) {
     return "output";
 }
 
-/// The path under which YangText knows the definition.
+/// The path by which YangText knows the definition.
 std::string definitionPath(const lysp_node* node) {
     std::string path;
     for (; node != nullptr; node = node->parent) {
@@ -60,7 +60,7 @@ SourcePosition SourceLocator::find(const std::string& module, const std::string&
     if (const int line = own->second.statements.lineOf(path); line > 0) {
         return {own->second.file, line};
     }
-    // It came from a submodule or from a grouping of another module.
+    // The definition is from a submodule or from a grouping of another module.
     for (const auto& [name, text] : mFinder.found()) {
         if (const int line = text.statements.lineOf(path); line > 0) {
             return {text.file, line};

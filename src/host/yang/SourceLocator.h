@@ -13,8 +13,8 @@
 
 namespace OrvHost {
 
-/// Tells file and line of definitions. The YANG library keeps neither: they are looked up in the
-/// text again, by the statements around the definition.
+/// Finds file and line of definitions. The YANG library keeps neither, so they are looked up again
+/// in the text, by the statements around the definition.
 class SourceLocator {
 public:
     explicit SourceLocator(const ModuleFinder& finder) : mFinder(finder) {}
@@ -22,11 +22,11 @@ public:
     /// Where a node was defined, which can be in a grouping of another module.
     SourcePosition of(const lysc_node* node) const;
 
-    /// Where an extension's statement stands in the definition of a node.
+    /// The place of an extension's statement in the definition of a node.
     SourcePosition of(const lysc_node* node, const std::string& statement,
                       const std::string& argument) const;
 
-    /// Where an extension's statement stands at the level of a module.
+    /// The place of an extension's statement at module level.
     SourcePosition of(const lys_module* module, const std::string& statement,
                       const std::string& argument) const;
 

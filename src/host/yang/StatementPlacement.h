@@ -13,8 +13,8 @@ namespace OrvHost {
 /// The name of the module that the statements belong to.
 constexpr const char* kAssociationsModule = "orv-associations";
 
-/// The statements of orv-associations that stand where the YANG library loses them, or where they
-/// mean nothing. They would otherwise vanish without a word.
+/// The statements of orv-associations at places where the YANG library drops them, or where they
+/// have no meaning. Without this check they would be ignored silently.
 std::vector<ModelProblem> misplacedStatements(const ModuleText& module);
 
 }

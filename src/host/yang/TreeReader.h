@@ -16,20 +16,20 @@
 
 namespace OrvHost {
 
-/// Makes objects of a tree of instance data.
+/// Turns a tree of instance data into objects.
 class TreeReader {
 public:
     using Sink = std::function<void(DataObject&& object)>;
 
-    /// `label` stands for the data's file in messages.
+    /// `label` is used as the name of the data's file in messages.
     TreeReader(const YangSchema& schema, std::string label);
 
-    /// Hands out the objects of a whole tree, whose first node may be null.
-    /// \throws InstanceDataError with all that is wrong, after the last object
+    /// Delivers the objects of a whole tree, whose first node may be null.
+    /// \throws InstanceDataError with all problems, after the last object
     void read(const lyd_node* first, const Sink& sink);
 
 private:
-    /// What is directly inside an object.
+    /// The direct contents of an object.
     struct Contents {
         std::vector<NamedValue> attributes;
         std::vector<const lyd_node*> children;

@@ -83,7 +83,8 @@ std::string refuseDecimal(const std::string& text, const std::vector<SignedPart>
     }
     const double scaled = *number * std::pow(10, fractionDigits);
     const double rounded = std::round(scaled);
-    // 18 digits are the most that the type has; a double is exact to 15 and is not asked for more.
+    // The type has at most 18 digits, but a double has only 15 exact ones, so more are not
+    // compared.
     if (std::fabs(scaled - rounded) > 1e-6 * std::max(1.0, std::fabs(scaled) * 1e-9)) {
         return text + " has more than " + std::to_string(fractionDigits) +
                " digits behind the point";

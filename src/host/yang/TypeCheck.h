@@ -12,8 +12,8 @@
 
 namespace OrvHost::TypeCheck {
 
-/// Gives the reason why a text is refused, or an empty text. Holds all that it needs; any number
-/// of threads may call it at once.
+/// Returns the reason why a text is refused, or an empty text. Owns all data that it needs; any
+/// number of threads may call it at once.
 using Function = std::function<std::string(const std::string& text)>;
 
 /// Lowest and highest value of one part of a range.
@@ -23,12 +23,12 @@ using UnsignedPart = std::pair<std::uint64_t, std::uint64_t>;
 Function ofInteger(std::vector<SignedPart> parts);
 Function ofUnsigned(std::vector<UnsignedPart> parts);
 
-/// The parts are in units of the last of `fractionDigits` digits behind the point; none stands for
-/// whatever fits into 64 bits.
+/// The numbers of the parts count units of the last of `fractionDigits` digits after the point.
+/// Without parts, everything that fits into 64 bits is accepted.
 Function ofDecimal(std::vector<SignedPart> parts, int fractionDigits);
 
-/// The characters of a text, not its bytes, are counted; no parts stand for any length. Refuses
-/// what no YANG text may hold: malformed UTF-8, and control characters but for tab and line ends.
+/// Counts the characters of a text, not its bytes; without parts, every length is accepted. Refuses
+/// what no YANG text may contain: malformed UTF-8, and control characters except tab and line ends.
 Function ofText(std::vector<UnsignedPart> lengths);
 
 /// "1..4 | 7", for people.

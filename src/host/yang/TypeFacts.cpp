@@ -85,7 +85,7 @@ ValueKind kindOf(const lysc_type* leafType) {
             return ValueKind::String;
         }
     }
-    // Members can differ in what they do with digits behind the point, and `empty` is no text.
+    // Members can differ in how they treat digits after the point, and `empty` has no text.
     return first == ValueKind::Double || first == ValueKind::Bool ? ValueKind::String : first;
 }
 

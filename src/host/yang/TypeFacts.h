@@ -14,7 +14,7 @@
 
 namespace OrvHost {
 
-/// The record behind a compiled type; which one it is follows from the base type.
+/// The library's record of a compiled type; the base type decides which record it is.
 template <class Type>
 const Type* as(const lysc_type* type) {
     return reinterpret_cast<const Type*>(type);
@@ -23,18 +23,19 @@ const Type* as(const lysc_type* type) {
 /// The compiled type of a leaf or leaf-list.
 const lysc_type* typeOfLeaf(const lysc_node* node);
 
-/// The type behind leafrefs.
+/// The type that leafrefs lead to.
 const lysc_type* followLeafrefs(const lysc_type* type);
 
-/// How values of a YANG type are held: all integers as 64 bits, decimal64 as a floating-point
-/// number, `empty` as a bool that is true; bits, binary, instance-identifiers and unions of unlike
-/// types as text in canonical form, identities as enumerators "module:name".
+/// The kind in which values of a YANG type are held. All integers have 64 bits, decimal64 is a
+/// floating-point number, `empty` is a bool that is true; bits, binary, instance-identifiers and
+/// unions of different kinds are text in canonical form; identities are enumerators "module:name".
 ValueKind kindOf(const lysc_type* leafType);
 
 /// The range of a number or the length of a text; null if there is none.
 const lysc_range* rangeOf(const lysc_type* type);
 
-/// The parts of a range of signed numbers, or of unsigned numbers and lengths. None for null.
+/// The parts of a range of signed numbers, or of unsigned numbers and lengths. None if \p range is
+/// null.
 std::vector<TypeCheck::SignedPart> signedParts(const lysc_range* range);
 std::vector<TypeCheck::UnsignedPart> unsignedParts(const lysc_range* range);
 

@@ -55,7 +55,7 @@ TypeCheck::Function checkOf(const lysc_node* node, const lysc_type* type,
     switch (kindOf(type)) {
     case ValueKind::Bool:
     case ValueKind::Enumeration:
-        return {}; // the kind and the enumerators tell all
+        return {}; // the kind and the enumerators describe the type completely
     case ValueKind::Int:
         return type->basetype == LY_TYPE_UNION ? checkByLibrary(node, context) : signedCheck(type);
     case ValueKind::Uint:

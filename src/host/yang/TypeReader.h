@@ -11,12 +11,12 @@
 
 namespace OrvHost {
 
-/// The type of a leaf or leaf-list but for the targets of a reference, which is for the caller to
-/// tell. The check in it keeps `context` alive if it needs it.
+/// The type of a leaf or leaf-list, without the targets of a reference, which the caller must add.
+/// The check in it keeps `context` alive if it needs it.
 TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>& context);
 
-/// The type of a key: a text whatever the type of the leaf, for it is a part of the DN, but for
-/// enumerations.
+/// The type of a key: an enumeration stays an enumeration; every other type becomes a text, because
+/// a key is a part of the DN.
 TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangContext>& context);
 
 }

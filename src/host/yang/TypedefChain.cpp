@@ -29,7 +29,7 @@ const lysp_tpdf* findIn(const lysp_tpdf* typedefs, std::string_view name) {
     return nullptr;
 }
 
-/// The typedef of that name in a module or in the submodules that it includes.
+/// The typedef with that name in a module or in the submodules that it includes.
 const lysp_tpdf* findIn(const lysp_module* module, std::string_view name) {
     const lysp_tpdf* found = findIn(module->typedefs, name);
     LY_ARRAY_COUNT_TYPE i = 0;
@@ -39,7 +39,7 @@ const lysp_tpdf* findIn(const lysp_module* module, std::string_view name) {
     return found;
 }
 
-/// The module that `prefix` stands for where it was written.
+/// The module that `prefix` means in the module where it was written.
 const lysp_module* resolvePrefix(const lysp_module* module, std::string_view prefix) {
     if (prefix == module->mod->prefix) {
         return module->mod->parsed;
@@ -53,7 +53,7 @@ const lysp_module* resolvePrefix(const lysp_module* module, std::string_view pre
     return nullptr;
 }
 
-/// A typedef and the module that it stands in.
+/// A typedef and the module that defines it.
 struct FoundTypedef {
     const lysp_tpdf* definition = nullptr;
     const lysp_module* module = nullptr;
@@ -85,11 +85,11 @@ std::vector<std::string> typedefsOf(const lysc_node* node) {
     for (const lysp_type* type = parsedTypeOf(scope); type != nullptr && type->pmod != nullptr;) {
         const FoundTypedef found = findTypedef(type, scope);
         if (found.definition == nullptr) {
-            break; // a type of the language itself
+            break; // a built-in type of the language
         }
         names.push_back(std::string(found.module->mod->name) + ":" + found.definition->name);
         if (std::string_view(type->name).find(':') != std::string_view::npos) {
-            scope = nullptr; // it stands in another module
+            scope = nullptr; // the typedef is in another module
         }
         type = &found.definition->type;
     }

@@ -11,8 +11,8 @@
 
 namespace OrvHost {
 
-/// The typedefs that the type of a leaf or leaf-list goes through, as "module:name", the nearest
-/// first. A compiled type no longer knows them, so they are followed in the parsed modules.
+/// The typedefs that lead to the type of a leaf or leaf-list, as "module:name", the nearest first.
+/// A compiled type has lost them, so they are followed in the parsed modules.
 std::vector<std::string> typedefsOf(const lysc_node* node);
 
 }

@@ -21,7 +21,7 @@ std::size_t lengthOfCharacter(std::string_view text) {
             return 0;
         }
     }
-    // Overlong forms, surrogates, and what lies beyond the last code point.
+    // Overlong forms, surrogates, and numbers above the last code point.
     const bool isMalformed = (first == 0xE0 && byte(1) < 0xA0) ||
                              (first == 0xED && byte(1) > 0x9F) ||
                              (first == 0xF0 && byte(1) < 0x90) || (first == 0xF4 && byte(1) > 0x8F);

@@ -9,9 +9,9 @@
 
 namespace OrvHost {
 
-/// The number of bytes of the UTF-8 character that \p text, which is not empty, begins with; 0 if
-/// it begins with none that a text in YANG, JSON or XML may hold: a malformed one, or a control
-/// character but for tab and the ends of lines. Any thread.
+/// The number of bytes of the UTF-8 character that \p text begins with; \p text must not be empty.
+/// 0 if that character is malformed, or a control character other than tab and line ends, which a
+/// text in YANG, JSON or XML must not contain. Any thread.
 std::size_t lengthOfCharacter(std::string_view text);
 
 }

@@ -13,7 +13,7 @@
 namespace OrvHost {
 namespace {
 
-/// The value of the member of a union that it belongs to.
+/// For a value of a union, the value of its member.
 const lyd_value& effective(const lyd_value& value) {
     const lyd_value* inner = &value;
     while (inner->realtype->basetype == LY_TYPE_UNION) {
@@ -58,7 +58,7 @@ std::string decimalText(double number, int fractionDigits) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
                                       std::chars_format::fixed, fractionDigits);
     std::string text(buffer.data(), result.ptr);
-    // The canonical form has no needless zeros, but one digit behind the point.
+    // The canonical form has no unnecessary zeros, but at least one digit after the point.
     const std::size_t point = text.find('.');
     if (point != std::string::npos) {
         text.erase(std::max(text.find_last_not_of('0') + 1, point + 2));
@@ -79,11 +79,11 @@ WireValue::Form formOf(LY_DATA_TYPE base) {
     case LY_TYPE_EMPTY:
         return WireValue::Form::Empty;
     default:
-        return WireValue::Form::Quoted; // numbers of 64 bits do not fit into a number of JSON
+        return WireValue::Form::Quoted; // numbers of 64 bits do not fit into a JSON number
     }
 }
 
-/// The type that decides on the form of a value.
+/// The type that decides the form of a value.
 const lysc_type* formingType(const lysc_node* node, const std::string& text,
                              const YangContext& context) {
     const lysc_type* type = followLeafrefs(typeOfLeaf(node));

@@ -13,20 +13,20 @@
 
 namespace OrvHost {
 
-/// A value of the YANG library as a value of that kind. See kindOf() for what becomes what.
+/// Converts a value of the YANG library into a value of that kind. For the kinds see kindOf().
 Value readValue(const ly_ctx* context, const lyd_value& value, ValueKind kind);
 
-/// How a value looks on the wire, and which of the forms of JSON it takes.
+/// The text of a value in files, and the form that it has in JSON.
 struct WireValue {
     enum class Form { Bare, Quoted, Empty };
     Form form = Form::Quoted;
     std::string text;        ///< canonical, not escaped
     bool isIdentity = false; ///< "module:name"
-    bool isPath = false;     ///< an instance-identifier, which holds module names too
+    bool isPath = false;     ///< an instance-identifier, which contains module names
 };
 
-/// A value of a leaf or leaf-list, which is no struct. Values that the type refuses are written
-/// as they are: checking is not the writer's task.
+/// Converts a value of a leaf or leaf-list that is not a struct. Values that the type refuses are
+/// written as they are: the writer does not check values.
 WireValue toWire(const Value& value, const lysc_node* node, const YangContext& context);
 
 }

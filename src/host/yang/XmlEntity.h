@@ -6,9 +6,9 @@
 
 namespace OrvHost {
 
-/// What is written in XML for a character that cannot stand there itself, between elements or in an
-/// attribute: "&amp;". The ends of lines are among them, so that a text stays on its line and is
-/// read again as it was. Null: the character has none. Any thread.
+/// The XML entity for a character that cannot be written as it is, between elements or in an
+/// attribute: "&amp;". Line ends are among these characters, so that a text stays on one line and
+/// is read back unchanged. Null if the character has no entity. Any thread.
 const char* xmlEntity(char character);
 
 }

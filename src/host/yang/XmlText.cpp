@@ -39,7 +39,7 @@ std::string element(const lysc_node* node, const lysc_node* parent, const std::s
     return "<" + startTag(node, parent) + ">" + text + "</" + node->name + ">";
 }
 
-/// `text` in an element of its own lines, moved in.
+/// `text` on lines of its own inside an element, indented.
 std::string block(const lysc_node* node, const lysc_node* parent, const std::string& text) {
     if (text.empty()) {
         return "<" + startTag(node, parent) + "/>";
@@ -58,7 +58,7 @@ void appendLine(std::string& text, const std::string& line) {
     text += (text.empty() || line.empty() ? "" : "\n") + line;
 }
 
-/// The declaration of the prefix that an identity's module name serves as.
+/// Declares the module name of an identity as a prefix.
 std::string declarationFor(const std::string& identity, const YangContext& context) {
     const std::string module = identity.substr(0, identity.find(':'));
     const lys_module* found = ly_ctx_get_module_implemented(context.get(), module.c_str());

@@ -23,7 +23,7 @@ void freeText(void* text, void*) {
     std::free(text); // NOLINT(cppcoreguidelines-no-malloc)
 }
 
-/// What the library calls for each module and submodule that it wants.
+/// The library calls this for each module and submodule that it needs.
 LY_ERR provideModule(const char* module, const char* revision, const char* submodule,
                      const char* submoduleRevision, void* finder, LYS_INFORMAT* format,
                      const char** text, ly_module_imp_data_free_clb* release) {
@@ -61,8 +61,8 @@ std::string fileOf(const std::string& module, const ModuleFinder& finder) {
     return found == finder.found().end() ? "" : found->second.file;
 }
 
-/// The line of the definition that a schema path such as "/module:list/leaf" ends with. What came
-/// into its place from a grouping is not found.
+/// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
+/// definition that came from a grouping is not found.
 int lineOfNode(const YangText& text, const std::string& path) {
     const std::size_t augment = path.find("{augment='");
     if (augment != std::string::npos) {
@@ -92,7 +92,7 @@ void appendNew(std::vector<ModelProblem>& all, std::vector<ModelProblem> more) {
 }
 
 YangContext::YangContext() {
-    // A setting of the whole process: keep messages with the context and print none.
+    // A setting of the whole process: store messages in the context and print none.
     static const std::uint32_t previous = ly_log_options(LY_LOSTORE);
     static_cast<void>(previous);
     const LY_ERR code = ly_ctx_new(nullptr, kOptions, &mContext);
@@ -117,7 +117,7 @@ void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& fi
             appendNew(problems, loadProblems(module, finder));
         }
     }
-    // After one failed load the library forgets what was loaded before, and compiling "succeeds".
+    // After a failed load the library forgets the modules loaded before, and compiling "succeeds".
     if (problems.empty() && ly_ctx_compile(mContext) != LY_SUCCESS) {
         problems = compileProblems(finder);
     }

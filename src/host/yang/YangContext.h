@@ -25,8 +25,8 @@ struct YangMessage {
 
 /// A context of the YANG library, with the modules that were loaded into it.
 ///
-/// load() and compile() are for one thread, before anything else. After that the context does not
-/// change and serves any number of threads.
+/// Call load() and compile() first, on one thread. After that the context does not change, and any
+/// number of threads may use it.
 class YangContext {
 public:
     YangContext();
@@ -34,28 +34,28 @@ public:
     YangContext(const YangContext&) = delete;
     YangContext& operator=(const YangContext&) = delete;
 
-    /// Loads the modules of these names, and what they import, with all their features, and
-    /// compiles them. The finder is used during the call only.
-    /// \throws ModelError with all that is wrong: a module that fails does not hide the next one.
+    /// Loads the modules with these names, and those that they import, with all their features, and
+    /// compiles them. The finder is used only during the call.
+    /// \throws ModelError with all problems: a module that fails does not hide the next one.
     void load(const std::vector<std::string>& modules, ModuleFinder& finder);
 
     ly_ctx* get() const { return mContext; }
 
-    /// The loaded modules that are there for their data, in the order of loading.
+    /// The loaded modules that define data, in the order of loading.
     std::vector<const lys_module*> implementedModules() const;
 
     /// Takes the calling thread's messages out of the library. Errors only.
     std::vector<YangMessage> takeMessages() const;
 
-    /// Why `text` is no value of that leaf or leaf-list; empty if it is one. Any thread.
+    /// Why `text` is not a value of that leaf or leaf-list; empty if it is one. Any thread.
     std::string refusal(const lysc_node* node, const std::string& text) const;
 
     /// The same, and `text` must be in the canonical form of its type: "7" and not "007". Any
     /// thread.
     std::string refusalOfName(const lysc_node* node, const std::string& text) const;
 
-    /// The type that `text` has as a value of that leaf or leaf-list: for a union the member that
-    /// it belongs to. Null if it is no value. Any thread.
+    /// The type that `text` has as a value of that leaf or leaf-list: for a union the matching
+    /// member. Null if it is not a value. Any thread.
     const lysc_type* typeOf(const lysc_node* node, const std::string& text) const;
 
 private:
@@ -64,7 +64,7 @@ private:
     std::vector<ModelProblem> compileProblems(const ModuleFinder& finder) const;
 
     ly_ctx* mContext = nullptr;
-    /// The library promises nothing on checking values from several threads.
+    /// The library does not promise that values can be checked on several threads at once.
     mutable std::mutex mValidation;
 };
 

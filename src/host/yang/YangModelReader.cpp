@@ -19,7 +19,8 @@ bool isPath(const std::string& module) {
            std::filesystem::path(module).extension() == ".yang";
 }
 
-/// The names of the modules to load, those in files after the finder has read them.
+/// The names of the modules to load; those given as files get their names after the finder has read
+/// them.
 std::vector<std::string> resolve(const std::vector<std::string>& modules, ModuleFinder& finder) {
     std::vector<std::string> names;
     std::vector<ModelProblem> problems;

@@ -15,35 +15,37 @@
 
 namespace OrvHost {
 
-/// What modules of YANG say.
+/// The result of reading YANG modules.
 struct YangModel {
     Model model;
-    /// What the readers and writers of instance data need besides. Lives as long as they do.
+    /// The additional facts that readers and writers of instance data need. They share its
+    /// ownership.
     std::shared_ptr<const YangSchema> schema;
-    /// What the modules say and the model leaves out, for people; nothing that stops anybody.
+    /// What the modules say but the model does not represent, for people; these notes are not
+    /// errors.
     std::vector<ModelProblem> notes;
 };
 
-/// Reads several YANG 1.1 modules into one model. docs/models-in-yang.md tells how a model is
-/// written; the module orv-associations is always found.
+/// Reads several YANG 1.1 modules into one model. docs/models-in-yang.md explains how to write a
+/// model; the module orv-associations is always found.
 ///
 /// One thread at a time.
 class YangModelReader {
 public:
-    /// Adds a directory, with all below it, to search for modules: those named here and those that
-    /// are imported. Directories are searched in the order in which they were added.
+    /// Adds a directory, with all those below it, to search for modules: those given to load() and
+    /// those that are imported. Directories are searched in the order in which they were added.
     YangModelReader& searchIn(std::filesystem::path directory);
 
-    /// A module to load, by its name, or by the path of its file: whatever ends in ".yang" or holds
-    /// a "/". What it imports is looked for beside that file too.
+    /// Adds a module to load, by its name, or by the path of its file: a path is what ends in
+    /// ".yang" or contains a "/". Its imports are also looked for in the directory of that file.
     YangModelReader& load(std::string module);
 
-    /// A module that has no file. It is offered to imports, and loaded if load() names it.
-    /// `label` stands for its file in messages.
+    /// Offers a module that has no file. Imports can use it, and it is loaded if load() names it.
+    /// `label` is used as its file name in messages.
     YangModelReader& offerText(std::string name, std::string label, std::string text);
 
-    /// \throws ModelError with all that is wrong, each with file and line as far as they are known:
-    /// modules that are missing or malformed, classes of one name, associations whose ends do not
+    /// \throws ModelError with all problems, each with file and line if these are known: modules
+    /// that are missing or malformed, classes with the same name, associations whose ends do not
     /// agree.
     YangModel read() const;
 

@@ -30,22 +30,23 @@ struct ValueShape {
     std::vector<ValueShape> members;
 };
 
-/// A class at one place in the modules. One class can stand at several.
+/// A class at one place in the modules. One class can be at several places.
 struct ObjectShape {
     std::string className;
     ClassIndex moc = 0;
     const lysc_node* list = nullptr;
     const lysc_node* key = nullptr;
-    /// Containers around a top-level list, outermost first: they hold objects and are none.
+    /// Containers around a top-level list, outermost first; they contain objects but are not
+    /// objects.
     std::vector<const lysc_node*> wrappers;
     std::vector<ValueShape> attributes; ///< without the key
     std::vector<const ObjectShape*> children;
 };
 
-/// How objects and their attributes lie in the trees of instance data: what the model, which knows
-/// no YANG, leaves out. Made together with a Model by YangModelReader.
+/// How objects and their attributes are placed in the trees of instance data. The model, which
+/// knows no YANG, does not have these facts. YangModelReader makes it together with a Model.
 ///
-/// Does not change once it is made; any number of threads may use it.
+/// It does not change afterwards; any number of threads may use it.
 class YangSchema {
 public:
     explicit YangSchema(std::shared_ptr<const YangContext> context);
@@ -55,20 +56,21 @@ public:
 
     const YangContext& context() const { return *mContext; }
 
-    /// The place of a class below a place of its parent's, or at the top if `parent` is null.
-    /// Null if the class does not stand there.
+    /// The place of a class below a place of its parent, or at the top if `parent` is null. Null if
+    /// the class is not at that place.
     const ObjectShape* find(const ObjectShape* parent, std::string_view className) const;
 
-    /// What a node of the modules is. Null if it is nothing of that sort.
+    /// The object that a node of the modules defines. Null if it defines none.
     const ObjectShape* objectAt(const lysc_node* node) const;
     const ValueShape* valueAt(const lysc_node* node) const;
-    /// True for a container that stands for nothing in the model.
+    /// True for a container that has no counterpart in the model.
     bool isTransparent(const lysc_node* node) const { return mTransparent.count(node) > 0; }
 
-    /// For YangModelReader: while the schema is being made.
+    /// For YangModelReader, while it makes the schema.
     ObjectShape& addObject(ObjectShape* parent, ObjectShape shape);
     void addTransparent(const lysc_node* node) { mTransparent.insert(node); }
-    /// When all is added: takes the class indices from the model and makes the nodes findable.
+    /// Call it after everything is added: takes the class indices from the model and makes the
+    /// nodes findable.
     void complete(const Model& model);
 
 private:

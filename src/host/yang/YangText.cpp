@@ -15,7 +15,7 @@ struct Token {
     int line = 0;
 };
 
-/// Cuts the text into tokens.
+/// Splits the text into tokens.
 class Lexer {
 public:
     explicit Lexer(std::string_view text) : mText(text) {}
@@ -172,7 +172,7 @@ std::string YangText::pathOf(const Statement& statement) const {
     if (!statement.argument.empty()) {
         own += " " + withSingleSpaces(statement.argument);
     }
-    // The module itself is left out: its contents are found by their own names.
+    // The module itself is left out, because a path begins below it.
     const bool hasPath = statement.parent != kNone && mStatements[statement.parent].parent != kNone;
     return hasPath ? mPaths[statement.parent] + "/" + own : own;
 }

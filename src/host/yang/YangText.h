@@ -12,9 +12,9 @@
 
 namespace OrvHost {
 
-/// The statements of a YANG module as text, to find the line of a definition: the YANG library does
-/// not keep it. Understands the grammar's surface only (words, quoted texts, blocks, comments) and
-/// takes whatever it is given: the YANG library tells what is malformed.
+/// The statements of a YANG module as text, to find the line of a definition, which the YANG
+/// library does not keep. Understands only the surface of the grammar (words, quoted texts, blocks,
+/// comments) and accepts any text: the YANG library reports what is malformed.
 ///
 /// Immutable after construction.
 class YangText {
@@ -31,21 +31,21 @@ public:
 
     const std::vector<Statement>& statements() const { return mStatements; }
 
-    /// The line of the statement with that path below the module: "list Site/leaf name". An
-    /// extension's statement is told without its prefix. 0: there is none.
+    /// The line of the statement with that path below the module: "list Site/leaf name". The
+    /// statement of an extension is given without its prefix. 0: there is none.
     int lineOf(const std::string& path) const;
 
     /// The line of the first statement with that keyword, without prefix, and argument; or 0.
     int lineOfFirst(std::string_view keyword, std::string_view argument) const;
 
-    /// The line of the first statement whose keyword, prefix included, stands in quotes in `text`;
+    /// The line of the first statement whose keyword, with its prefix, appears in quotes in `text`;
     /// 0 if there is none.
     int lineOfMentioned(const std::string& text) const;
 
     /// Keyword and argument of the outermost statement; empty texts if there is none.
     const Statement& top() const;
 
-    /// The prefix under which the module imports that other module; empty if it does not.
+    /// The prefix under which the module imports that other module; empty if it does not import it.
     std::string prefixOf(std::string_view importedModule) const;
 
 private:
@@ -57,7 +57,8 @@ private:
     std::unordered_map<std::string, int> mLineByPath;
 };
 
-/// `text` with each run of blanks as one space: how an argument over several lines is compared.
+/// `text` with each run of blanks replaced by one space: the form in which arguments over several
+/// lines are compared.
 std::string withSingleSpaces(std::string_view text);
 
 /// `keyword` without its prefix.
