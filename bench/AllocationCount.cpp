@@ -7,7 +7,8 @@
 #include <cstddef>
 #include <cstdlib>
 
-// The allocator of the C library under the names that it keeps for programs with one of their own.
+// The allocator of the C library, under the names that it has for programs that define malloc
+// themselves.
 extern "C" {
 void* __libc_malloc(std::size_t size);                      // NOLINT(bugprone-reserved-identifier)
 void* __libc_calloc(std::size_t count, std::size_t size);   // NOLINT(bugprone-reserved-identifier)
@@ -20,7 +21,7 @@ namespace OrvBench {
 
 namespace {
 
-// Plain and ready from the start: the first allocations come before any constructor.
+// Needs no constructor, because the first allocations happen before any constructor runs.
 struct Counters {
     bool on;
     int hostDepth;
@@ -64,7 +65,7 @@ HostSection::~HostSection() {
 
 }
 
-// The program's own definitions stand for those of the C library in every shared object.
+// These definitions replace those of the C library in the program and in every shared object.
 extern "C" {
 
 void* malloc(std::size_t size) {

@@ -8,9 +8,9 @@
 
 namespace OrvBench {
 
-/// Counts what the calling thread allocates while an object of this class lives, from the program
-/// and from every shared object in it: operator new, malloc, calloc, realloc and what is built on
-/// them, such as strdup. What is allocated in a HostSection is counted apart.
+/// Counts what the calling thread allocates while an object of this class lives, in the program and
+/// in every shared object: operator new, malloc, calloc, realloc and functions that use them, such
+/// as strdup. Allocations in a HostSection are counted separately.
 ///
 /// One at a time on a thread.
 class AllocationCount {

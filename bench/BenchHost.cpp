@@ -84,7 +84,8 @@ void addMasts(DataSet& data) {
     }
 }
 
-// The masts of one site's antennas are all different, so that each antenna that goes is one edit.
+// The antennas of one site are all on different masts, so that each removed antenna is a write to
+// another mast.
 void addSite(DataSet& data, const std::string& site, int antennas, bool mounted) {
     const std::string dn = "ManagedElement=1,Site=" + site;
     data.add({dn, {}, {}});

@@ -16,11 +16,11 @@
 
 namespace OrvBench {
 
-/// Ends the process with a message unless \p code is OrvOk: a number from a call that failed would
-/// say nothing.
+/// Ends the process with a message unless \p code is OrvOk: the time of a call that failed would be
+/// meaningless.
 void check(OrvReturnT code, const char* what);
 
-/// One of the two ways to the same objects, and how DNs are spelt on it.
+/// One of the two ways to the same objects, and the form of DNs on it.
 struct Side {
     const char* name;
     std::string root; ///< DN of the root
@@ -29,7 +29,7 @@ struct Side {
     VekOamSpiManagedObject_3_1* v3_1;
     OrvOamSpiTransactionalResource_2* resource;
 
-    /// DN of what stands below the root under \p steps.
+    /// The DN of an object below the root; \p steps are its steps below the root.
     std::string dn(const std::string& steps) const { return root + "," + steps; }
 };
 
@@ -46,12 +46,12 @@ struct Side {
 /// Threads: as the host. Objects that threads write are told apart by the workloads.
 class BenchHost {
 public:
-    /// Sizes for which growth is measured; also the number of antennas of each site.
+    /// The sizes for which growth is measured; also the numbers of antennas of the sites.
     static constexpr int sizes[] = {1, 8, 64, 512, 4096};
     static constexpr int masts = 4096;
     static constexpr int freeAntennas = 4097;
 
-    /// Loads the component at \p component. Throws what the host throws.
+    /// Loads the component at \p component. Throws the exceptions of the host.
     explicit BenchHost(const std::string& component);
     BenchHost(const BenchHost&) = delete;
     BenchHost& operator=(const BenchHost&) = delete;
@@ -61,7 +61,7 @@ public:
 
     /// Through the component.
     const Side& component() const { return mComponent; }
-    /// Straight to the router.
+    /// Directly to the router.
     const Side& router() const { return mRouter; }
 
     unsigned long begin();

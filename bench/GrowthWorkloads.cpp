@@ -20,7 +20,7 @@ std::vector<std::string> row(const Side& side, const char* step, int first, int 
     return dns;
 }
 
-/// One write of \p mo's attribute with one value after another value has been written.
+/// Writes one value to \p mo's attribute, which before that gets another value.
 Body replace(const Round& round, const std::string& mo, const char* attribute, const Value3& before,
              const Value3& after) {
     check(round.side.v3->setMoAttribute(round.txHandle, mo.c_str(), attribute, before.container()),
@@ -31,14 +31,15 @@ Body replace(const Round& round, const std::string& mo, const char* attribute, c
     };
 }
 
-// The first of n is exchanged for one behind the last, so that one far side loses and one gains.
+// Replaces the first of n references by a new one, so that one object at the far side loses its
+// reference back and another one gets one.
 Body exchangeOneOf(const Round& round, int size, const char* attribute, const char* step) {
     return replace(round, round.side.dn("Mast=4000"), attribute,
                    Value3::references(row(round.side, step, 0, size)),
                    Value3::references(row(round.side, step, 1, size)));
 }
 
-/// Each antenna of a row onto a mast of its own.
+/// Puts each antenna of a list onto its own mast.
 void mount(const Round& round, const Side& side, const std::vector<std::string>& antennas,
            const std::vector<Value3>& masts) {
     for (std::size_t index = 0; index < antennas.size(); ++index) {
@@ -63,9 +64,9 @@ Body writes(const Round& round, int size) {
     };
 }
 
-// Each write puts in what is there already, and so leaves one pair of an object and an attribute to
-// be validated. The writes are the component's on both sides: what is validated is one and the same
-// transaction.
+// Each write sets the value that is already there, and leaves one pair of an object and an
+// attribute to be validated. On both sides the component does the writes, so that one and the same
+// transaction is validated.
 Body validate(const Round& round, int size) {
     const Side& component = round.bench.component();
     mount(round, component, row(component, "Site=n4096,Antenna=", 0, size),

@@ -16,7 +16,7 @@ namespace OrvBench {
 
 namespace {
 
-/// A slot that calls what stood there before, in a HostSection.
+/// A slot that calls the function that was there before, in a HostSection.
 template <auto Slot>
 struct Marked;
 
@@ -44,13 +44,14 @@ public:
         place = value;
     }
 
-    /// The same slot of two tables must hold the same function.
+    /// Marks slots of a table. If two tables are marked, a slot must hold the same function in
+    /// both, since its original is stored only once.
     template <auto... Slots, class Table>
     void mark(Table& table) {
         ((Marked<Slots>::original = table.*Slots, set(table.*Slots, &Marked<Slots>::call)), ...);
     }
 
-    /// Marks slots of a table that is read only, in a copy that takes its place.
+    /// Marks slots of a read-only table, in a copy that replaces it.
     template <auto... Slots, class Table>
     void markCopy(const Table*& place) {
         static Table copy;
@@ -105,7 +106,7 @@ void markModel(Changes& changes, VekOamSpiModelRepository_4& model) {
     changes.markCopy<&VekOamSpiMrReferenceType_4::getReferencedMoc>(model.referenceType);
 }
 
-// What the empty router answers with.
+// The value that the empty router returns.
 OrvMoAttributeValue_3 emptySlot{};
 OrvMoAttributeValueContainer_3 emptyText{OrvMoAttributeTypeString_3, 1, &emptySlot};
 OrvMoAttributeValueContainer_3 noReferences{OrvMoAttributeTypeMoRef_3, 0, nullptr};
@@ -115,7 +116,7 @@ OrvReturnT setNothing(unsigned long, const char*, const char*,
     return OrvOk;
 }
 
-// The component reads references only to compare them with new ones.
+// Returns no references: the component reads them only to compare them with new ones.
 OrvReturnT getNothing(unsigned long, const char*, const char* attrName,
                       OrvMoAttributeValueResult_3* result) {
     *result = {nullptr, *attrName == 'l' ? &emptyText : &noReferences};
@@ -138,7 +139,7 @@ std::unique_ptr<SlotChange> markHostCalls(BenchHost& bench) {
     auto changes = std::make_unique<Changes>();
     OrvHost::Host& host = bench.host();
     markRouter1(*changes, *host.router().getInterface1());
-    // One table under two identities: the component asks for either.
+    // One table under two identities: the component may look up each of them.
     markRouter3(*changes, *host.router().getInterface3());
     markRouter3(*changes, *host.router().getVekInterface3());
     using Vek = VekOamSpiManagedObject_3_1;

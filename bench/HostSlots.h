@@ -10,8 +10,8 @@
 
 namespace OrvBench {
 
-/// Puts functions of the benchmark's own into the host's tables; the tables are as before when the
-/// object goes. For when no client works.
+/// Replaces functions in the host's tables by functions of the benchmark; the destructor restores
+/// the tables. Use it only while no client works.
 class SlotChange {
 public:
     virtual ~SlotChange() = default;
@@ -21,8 +21,8 @@ public:
 /// messages) as a HostSection.
 std::unique_ptr<SlotChange> markHostCalls(BenchHost& bench);
 
-/// Puts in the place of the router's reads and writes of version 3 functions that answer at once,
-/// so that what is left of an operation is the component's own.
+/// Replaces the router's reads and writes of version 3 by functions that return at once, so that
+/// only the component's own part of an operation is left.
 std::unique_ptr<SlotChange> emptyRouter(BenchHost& bench);
 
 }

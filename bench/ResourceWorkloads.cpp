@@ -13,8 +13,8 @@ namespace {
 using Resource = OrvOamSpiTransactionalResource_2;
 using Step = OrvReturnT (*Resource::*)(unsigned long);
 
-/// A row of transactions that router and component take part in, driven without the host's
-/// transaction service, so that each phase can be called by itself.
+/// A row of transactions with router and component as participants, driven without the host's
+/// transaction service, so that each phase can be called separately.
 class Transactions {
 public:
     explicit Transactions(BenchHost& bench) : mBench(bench) {}
@@ -31,7 +31,7 @@ public:
     BenchHost& bench() { return mBench; }
     const std::vector<unsigned long>& handles() const { return mHandles; }
 
-    /// Handles that nobody uses; the router does not know them yet.
+    /// Uses handles that nobody else uses; the router does not know them yet.
     void add() {
         for (int number = 0; number < callsInBody; ++number) {
             mHandles.push_back(nextHandle++);
@@ -52,7 +52,7 @@ public:
         }
     }
 
-    /// One write of a reference in each, through the component.
+    /// Writes one reference in each transaction, through the component.
     void write() {
         const Side& side = mBench.component();
         int antenna = 0;
@@ -66,13 +66,13 @@ public:
     }
 
 private:
-    // After a measured finish there is nothing left, and the router says so.
+    // After a measured finish the router no longer knows the transaction, and says so.
     static void finish(const Side& side, unsigned long handle) {
         side.resource->abort(handle);
         side.resource->finish(handle);
     }
 
-    static inline unsigned long nextHandle = 1UL << 40U; ///< far from the service's own
+    static inline unsigned long nextHandle = 1UL << 40U; ///< far from the service's handles
 
     BenchHost& mBench;
     std::vector<unsigned long> mHandles;
@@ -114,12 +114,13 @@ Workload::Body prepare(const Round& round) {
     return stepOf(validated(round), round.side, &Resource::prepare);
 }
 
-// Only aborted afterwards: a commit would change the objects for the next round.
+// The transactions are only aborted afterwards: a commit would change the objects for the next
+// round.
 Workload::Body abort(const Round& round) {
     return stepOf(written(round), round.side, &Resource::abort);
 }
 
-// The router's commit changes nothing here, since nothing was written.
+// Nothing was written, so the router's commit changes nothing.
 Workload::Body commit(const Round& round) {
     Shared made = opened(round);
     made->validate(round.bench.router());
@@ -144,8 +145,8 @@ Workload::Body validateWritten(const Round& round) {
 
 }
 
-// Not touched before: the transactions of a row are others than the round's, and would meet its
-// write.
+// The round's own transaction must not be written in before: its write would conflict with those of
+// the row's transactions.
 std::vector<Workload> resourceWorkloads() {
     std::vector<Workload> all = {
         {"resource/join", callsInBody, join},

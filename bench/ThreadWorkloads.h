@@ -12,9 +12,10 @@
 
 namespace OrvBench {
 
-/// Calls that a number of threads make at once, each in a transaction and on objects of its own.
+/// Calls that several threads make at once, each thread in its own transaction and on its own
+/// objects.
 struct ThreadWorkload {
-    /// What one thread calls again and again.
+    /// What one thread calls repeatedly.
     using Call = std::function<void()>;
 
     std::string name;

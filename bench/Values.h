@@ -15,7 +15,7 @@
 
 namespace OrvBench {
 
-/// A value for the tables, with all that it points at. Copies share it; nobody writes to it.
+/// A value for the tables, with everything that it points at. Copies share it; nobody writes to it.
 template <class Container, class Slot, class Member>
 class TableValue {
 public:
@@ -42,7 +42,7 @@ public:
         return made;
     }
 
-    /// The tables take it as const or not; nobody writes to it.
+    /// Some tables take it as const, others do not; nobody writes to it.
     Container* container() const { return &mParts->container; }
 
 private:
@@ -74,7 +74,7 @@ using Value1 = TableValue<OrvMoAttributeValueContainer, OrvMoAttributeValue, Orv
 using Value3 =
     TableValue<OrvMoAttributeValueContainer_3, OrvMoAttributeValue_3, OrvMoStructMember_3>;
 
-/// A list of named attributes as version 3 and 3_1 take it, with all that it points at.
+/// A list of named attributes as versions 3 and 3_1 take it, with everything that it points at.
 class NamedValues {
 public:
     NamedValues& add(const char* name, const Value3& value) {
@@ -90,7 +90,7 @@ public:
 private:
     struct Parts {
         std::vector<Value3> values;
-        std::deque<OrvMoNamedAttributeValueContainer_3> records; ///< stay where they are
+        std::deque<OrvMoNamedAttributeValueContainer_3> records; ///< a deque keeps addresses
         std::vector<OrvMoNamedAttributeValueContainer_3*> list{nullptr};
     };
 

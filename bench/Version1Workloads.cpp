@@ -99,7 +99,7 @@ Body remove(const Round& round) {
     };
 }
 
-// Parameters of version 1 have no names: they stand in the order of the model.
+// Parameters of version 1 have no names: they are in the order of the model.
 Body act(const Round& round) {
     return [r = round, mast = round.side.dn("Mast=7"), reason = Value1::text("a storm has passed"),
             inspector = Value1::references({round.side.dn("Mast=8")})] {

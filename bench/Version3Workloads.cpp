@@ -14,7 +14,7 @@ std::string numbered(const char* step, int number) {
     return step + std::to_string(number);
 }
 
-/// DNs below the root under \p step and a number, one for each call of a body.
+/// DNs below the root with \p step and a number, one for each call of a body.
 std::vector<std::string> dns(const Side& side, const char* step, int first = 0) {
     std::vector<std::string> made;
     for (int number = 0; number < callsInBody; ++number) {
@@ -70,7 +70,7 @@ Body getMany(const Round& round, std::vector<const char*> names) {
     };
 }
 
-/// Writes one and the other of two values by turns.
+/// Writes two values in turn.
 Body setByTurns(const Round& round, const std::string& mo, const char* attribute, const Value3& one,
                 const Value3& other) {
     return [r = round, mo, attribute, one, other] {
@@ -93,7 +93,7 @@ Body setNeighbour(const Round& round) {
                       Value3::references({round.side.dn("Mast=9")}));
 }
 
-// Each write takes the antenna out of one mast's attribute and puts it into another's.
+// Each write moves the antenna from one mast's attribute to another's.
 Body setMast(const Round& round) {
     return setByTurns(round, round.side.dn("Site=free,Antenna=7"), "mast",
                       Value3::references({round.side.dn("Mast=4000")}),
@@ -134,7 +134,7 @@ Body createPlain(const Round& round) {
     return create(round, NamedValues().add("label", Value3::text("an antenna that is new")));
 }
 
-// All on one mast: each creation adds to what its attribute already holds.
+// All antennas are on one mast, so each creation adds one more value to the mast's attribute.
 Body createMounted(const Round& round) {
     return create(round,
                   NamedValues().add("mast", Value3::references({round.side.dn("Mast=4000")})));

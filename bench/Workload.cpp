@@ -58,7 +58,7 @@ double timeRound(BenchHost& bench, const Workload& workload, const Side& side) {
 
 Allocations countAllocations(BenchHost& bench, const Workload& workload) {
     Allocations counted{};
-    // The first time of anything may fill a cache or build something that stays.
+    // A first call may fill a cache or build something that is kept, so it is not measured.
     timeRound(bench, workload, bench.component());
     timeRound(bench, workload, bench.router());
     {

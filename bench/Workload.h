@@ -13,28 +13,28 @@
 
 namespace OrvBench {
 
-/// What a workload is given to prepare itself with.
+/// The arguments with which a workload prepares itself.
 struct Round {
     BenchHost& bench;
-    const Side& side;       ///< the way to take
-    unsigned long txHandle; ///< a transaction of its own, which is aborted afterwards
+    const Side& side;       ///< the way that the calls take
+    unsigned long txHandle; ///< its own transaction, which is aborted afterwards
 };
 
-/// Calls that can be made in two ways, through the component and straight to the router.
+/// Calls that can be made in two ways, through the component and directly to the router.
 struct Workload {
-    /// Everything that takes time and is not to be measured is done before this is made; it owns
-    /// what it needs and is called once.
+    /// The calls to be measured. All preparation is done before this is made; it owns what it needs
+    /// and is called once.
     using Body = std::function<void()>;
 
     std::string name; ///< "3/getMoAttribute/text": version, operation, kind of value
-    int items;        ///< what the body's time is divided by: the number of its calls
+    int items;        ///< the body's time is divided by this: the number of its calls
     std::function<Body(const Round& round)> prepare;
-    /// False: the body begins with the transaction's first write, which enters it in the
-    /// component's registry.
+    /// False: the body begins with the transaction's first write, in which the component adds the
+    /// transaction to its registry.
     bool touched = true;
 };
 
-/// Number of calls in a body of the workloads of single operations.
+/// The number of calls in a body of the workloads of single operations.
 constexpr int callsInBody = 64;
 
 template <class Call>
@@ -51,20 +51,20 @@ std::vector<Workload> version3_1Workloads();
 std::vector<Workload> resourceWorkloads();
 std::vector<Workload> growthWorkloads();
 
-/// All of them.
+/// All workloads.
 std::vector<Workload> allWorkloads();
 
-/// One round on one side, with \p around called with the body.
+/// Runs one round on one side, and calls \p around with the body.
 void runRound(BenchHost& bench, const Workload& workload, const Side& side,
               const std::function<void(const Workload::Body& body)>& around);
 
-/// Seconds that the body of one round takes.
+/// The seconds that the body of one round takes.
 double timeRound(BenchHost& bench, const Workload& workload, const Side& side);
 
-/// What one item allocates, on average over a round.
+/// The allocations of one item, on average over a round.
 struct Allocations {
-    double component; ///< through the component: by it and for it
-    double router;    ///< straight to the router
+    double component; ///< by the component and its helpers
+    double router;    ///< directly to the router
 };
 Allocations countAllocations(BenchHost& bench, const Workload& workload);
 

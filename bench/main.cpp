@@ -10,21 +10,22 @@
 // Workloads:
 //
 //   1/..., 3/..., 3_1/...  each operation of an interface version
-//   resource/...           each phase of the transactional resource, beside the router's own
+//   resource/...           each phase of the transactional resource, and the router's own
 //   growth/.../N           what an operation costs for each of N things
 //   threads/...            calls per second from one, two and four threads: through the component,
-//                          straight to the router, and through the component in front of a router
-//                          that does nothing
+//                          directly to the router, and through the component with a router that
+//                          does nothing
 //
-// Each workload but those of threads runs both ways in one go, through the component and straight
-// to the router, round by round in turns, so that what slows the machine slows both. Counters:
+// Except for threads, each workload runs both ways in one run, through the component and directly
+// to the router, in alternating rounds, so that a slow machine affects both. Counters:
 //
-//   ratio          time through the component by time straight to the router (medians of rounds)
-//   component_ns   time of one call or thing through the component; the column Time is that of a
-//                  round of them
-//   router_ns      straight to the router
-//   allocations    by the component, and by its helpers for it, for one call or thing
-//   router_allocations   by the router, for the same straight to it
+//   ratio          time through the component divided by time directly to the router (medians of
+//                  rounds)
+//   component_ns   time of one call or thing through the component; the column Time is the time of
+//                  a round
+//   router_ns      the same directly to the router
+//   allocations    by the component and its helpers, for one call or thing
+//   router_allocations   by the router, for the same call directly to it
 
 #include "BenchHost.h"
 #include "HostSlots.h"
@@ -85,8 +86,8 @@ void measureThread(benchmark::State& state, BenchHost& bench, const Side& side,
     state.SetItemsProcessed(state.iterations());
 }
 
-// What empties the router before a run and fills it again is known to the library as plain
-// functions.
+// Google Benchmark takes plain functions to call before and after a run, so the host must be
+// reachable from there.
 BenchHost* theBench = nullptr;
 std::unique_ptr<SlotChange> theChange;
 
@@ -98,8 +99,8 @@ void giveRouterBack(const benchmark::State&) {
     theChange.reset();
 }
 
-// A fixed number: what a round does before it is measured can take a thousand times as long, and
-// the library would ask for rounds until the measured part alone has filled its time.
+// A fixed number: the preparation of a round can take a thousand times as long as its measured
+// part, and the library would run rounds until the measured parts alone have filled its time.
 constexpr int roundsOfARun = 30;
 
 void addWorkloads(BenchHost& bench) {
@@ -136,8 +137,8 @@ void addAllThreads(BenchHost& bench) {
     }
 }
 
-/// One profile for each workload and side. Callgrind is to be started with --instr-atstart=no and
-/// --collect-atstart=no. The first rounds fill what is filled once.
+/// Makes one profile for each workload and side. Start callgrind with --instr-atstart=no and
+/// --collect-atstart=no. The first rounds fill caches and are not counted.
 void countInstructions(BenchHost& bench) {
     CALLGRIND_START_INSTRUMENTATION;
     for (const Workload& workload : allWorkloads()) {

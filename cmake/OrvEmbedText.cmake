@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 
 # orv_embed_text(out_source file)
-# Makes a source file that defines `extern const char kEmbedded_<name>[]`, the text of `file`, where
-# <name> is the file's name with every odd character as "_".
+# Makes a source file that defines `extern const char kEmbedded_<name>[]` with the text of `file`.
+# <name> is the file's name with "_" in place of characters that cannot be in an identifier.
 function(orv_embed_text out_source file)
   set(path "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
   cmake_path(GET path FILENAME filename)

@@ -1,16 +1,16 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# What is installed: the component and the helper library, the headers that an interceptor or a host
-# includes, in one directory, and what CMake and pkg-config need to find them. With the reference
-# host also orvhost and the models of the examples.
+# What is installed: the component and the helper library; in one directory, the headers that an
+# interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
+# reference host also orvhost and the models of the examples.
 include(CMakePackageConfigHelpers)
 
 set(include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orv_ext_cm")
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
 set(data_dir "${CMAKE_INSTALL_DATADIR}/orv_ext_cm")
 
-# The component finds the helper library beside itself, wherever the two are moved to.
+# The component finds the helper library in its own directory, wherever the two are moved to.
 set_target_properties(orv_common ext_cm PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(orv_spi PROPERTIES EXPORT_NAME spi)
 set_target_properties(orv_templates PROPERTIES EXPORT_NAME templates)
@@ -41,7 +41,7 @@ install(FILES
   "${PROJECT_BINARY_DIR}/OrvExtCmConfigVersion.cmake"
   DESTINATION "${package_dir}")
 
-# The .pc file finds its prefix from where it lies.
+# The .pc file finds its prefix relative to its own place.
 file(RELATIVE_PATH pc_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Stands for the tests when the headers that they share are compiled.
+// The program of the target that compiles the tests' shared headers.
 int main() {
     return 0;
 }

@@ -4,7 +4,7 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# What nearly every test includes, compiled once for all of them.
+# The headers that nearly every test includes, compiled once for all of them.
 add_executable(orv_test_headers "${CMAKE_CURRENT_LIST_DIR}/OrvTestHeaders.cpp")
 target_link_libraries(orv_test_headers
   PRIVATE GTest::gmock_main Poco::Foundation orv_compile_options)
@@ -16,9 +16,9 @@ add_custom_target(thread_tests)
 
 # orv_add_test(name SOURCES files... [LIBRARIES targets...] [LABELS labels...] [ENVIRONMENT vars...]
 #              [ISOLATED] [OWN_HEADERS])
-# A GoogleTest program (GoogleMock is there too). ISOLATED runs every test case in a process of its
-# own; without it the program is one CTest test. The label "threads" marks programs that also run
-# under ThreadSanitizer. OWN_HEADERS is for programs that are compiled with definitions of their own.
+# Adds a program with GoogleTest and GoogleMock. ISOLATED runs every test case in its own process;
+# without it the program is one CTest test. The label "threads" marks programs that also run
+# under ThreadSanitizer. OWN_HEADERS is for programs with compile definitions of their own.
 function(orv_add_test name)
   cmake_parse_arguments(arg "ISOLATED;OWN_HEADERS" "" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
@@ -31,7 +31,8 @@ function(orv_add_test name)
     add_dependencies(thread_tests ${name})
   endif()
   if(arg_ISOLATED)
-    # Lists are handed over as one argument each; an empty one would let the next word slip in.
+    # Lists are passed as one argument each; without the quotes an empty list would take the next
+    # word as its value.
     set(properties TIMEOUT 600)
     if(arg_LABELS)
       list(APPEND properties LABELS "${arg_LABELS}")

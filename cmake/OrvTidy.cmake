@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Targets `tidy_component` and `tidy`: clang-tidy over what a host loads, and over all sources below
-# src/, examples/ and, where they are built, bench/. Each source has a stamp that goes stale when the
-# source, a header of the project or the configuration changes.
+# Targets `tidy_component` and `tidy`: clang-tidy over the parts that a host loads, and over all
+# sources below src/, examples/ and, if they are built, bench/. Each source has a stamp that is out
+# of date when the source, a header of the project or the configuration changes.
 find_program(ORV_CLANG_TIDY clang-tidy)
 
 function(orv_collect_sources directory result)

@@ -3,9 +3,9 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Measures what the component adds to calls of the router, and writes the tables and plots of
-# docs/performance.md. For a machine that does nothing else meanwhile; takes some ten minutes.
-#   scripts/bench.sh          all of it
-#   scripts/bench.sh report   the tables and plots again, from what was measured last
+# docs/performance.md. Run it on a machine that does nothing else; it takes about ten minutes.
+#   scripts/bench.sh          measure and write
+#   scripts/bench.sh report   only write, from the latest measurements
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -19,7 +19,7 @@ case "$mode" in
     ;;
 esac
 
-# Where to build and to keep what was measured.
+# The directory in which to build, and to keep the measurements.
 build=${ORV_BENCH_BUILD:-build/bench}
 results="$build/results"
 

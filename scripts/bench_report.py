@@ -49,12 +49,12 @@ def read_instructions(results):
 
 
 def base_name(run_name):
-    """Without what the library adds: how a benchmark is timed, and how often it runs."""
+    """The name without what the library adds: how a benchmark is timed, and how often it runs."""
     return re.sub(r"(/iterations:\d+)?/manual_time$", "", run_name)
 
 
 def number(value):
-    """Two figures behind the point below ten, one below a hundred, none above."""
+    """Two digits after the point below ten, one below a hundred, none above."""
     if value < 9.995:
         return f"{value:.2f}"
     return f"{value:.1f}" if value < 99.95 else f"{value:.0f}"
@@ -108,7 +108,7 @@ class Report:
         return kinds
 
     def exponent(self, kind, side):
-        """Of the whole cost as a power of n, between the two largest sizes."""
+        """The exponent of n in the growth of the whole cost, between the two largest sizes."""
         small, large = SIZES[-2], SIZES[-1]
         each = [self.instructions[f"growth/{kind}/{size}"][side] for size in (small, large)]
         return 1 + math.log(each[1] / each[0]) / math.log(large / small)

@@ -2,10 +2,10 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# Builds the component, the reference host and the sample interceptor, and shows them at work on the
-# radio network of examples/. Installs what is missing first.
-#   scripts/demo.sh          the story: a transaction that is committed, one that is not valid
-#   scripts/demo.sh --more   then reads, the interceptor, JSON, wrong names and a larger network too
+# Builds the component, the reference host and the sample interceptor, and runs them on the radio
+# network of examples/. Installs missing packages first.
+#   scripts/demo.sh          a transaction that is committed, and one that is not valid
+#   scripts/demo.sh --more   then also reads, the interceptor, JSON, wrong names, a larger network
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -19,7 +19,7 @@ title() {
   printf '\n\033[1m%s\033[0m\n' "$*"
 }
 
-# Shows a command as somebody would type it at the prompt, then what it prints.
+# Shows a command as a user would type it at the prompt, then its output.
 show() {
   local command=$1
   shift

@@ -2,10 +2,10 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# Installs from Debian's packages what is missing on this machine.
-#   scripts/install-deps.sh build    what it takes to build and run
-#   scripts/install-deps.sh bench    that, and what the benchmarks need
-#   scripts/install-deps.sh          what it takes to build, and what the tests and checks need
+# Installs the Debian packages that are missing on this machine.
+#   scripts/install-deps.sh build    those for building and running
+#   scripts/install-deps.sh bench    these, and those for the benchmarks
+#   scripts/install-deps.sh          those for building, and those for the tests and checks
 
 set -euo pipefail
 

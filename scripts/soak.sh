@@ -2,9 +2,9 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# The whole soak: a million operations in ten thousand transactions on four threads, in an optimised
-# build. Arguments go to the program, for example "--seed 5" or "--transactions 500"; the preset is
-# taken from the environment, for example PRESET=tsan.
+# The whole soak test: a million operations in ten thousand transactions on four threads, in an
+# optimised build. Arguments go to the program, for example "--seed 5" or "--transactions 500"; the
+# preset comes from the environment, for example PRESET=tsan.
 set -eu
 
 root=$(cd "$(dirname "$0")/.." && pwd)

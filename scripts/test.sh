@@ -2,11 +2,11 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# What must hold before a change lands: formatting, all tests and a short run of each fuzzer under
-# AddressSanitizer and UndefinedBehaviorSanitizer, the tests with threads under ThreadSanitizer, the
-# linter on what a host loads (on everything, the target `tidy`, it takes too long for each change).
-# clang compiles the first, g++ the second.
-#   scripts/test.sh          all of it
+# The checks that must pass before a change is accepted: formatting; all tests and a short run of
+# each fuzzer under AddressSanitizer and UndefinedBehaviorSanitizer, compiled with clang; the tests
+# with threads under ThreadSanitizer, compiled with g++; the linter on the parts that a host loads
+# (on all sources it takes too long for each change: target `tidy`).
+#   scripts/test.sh          all of these
 #   scripts/test.sh quick    a debug build and its tests only
 
 set -euo pipefail
@@ -36,7 +36,7 @@ run_preset() {
   ctest --preset "$1" -j "$(nproc)"
 }
 
-# The same wherever it runs: nothing is asked for, and standard input is never closed.
+# The same result everywhere: no test waits for input, and standard input is never closed.
 exec </dev/null
 
 mkdir -p build

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A host with a model and data of its own, built from the parts of the reference host.
+// A host with its own model and data, built from the parts of the reference host.
 //
 //   assembled_host PATH/TO/libext_cm.so
 

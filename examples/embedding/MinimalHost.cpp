@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The least that a host of the component can be: a portal, a router, and a client. It is built from
+// The smallest possible host of the component: a portal, a router, and a client. It is built from
 // the table headers and the helper library only.
 //
 //   minimal_host PATH/TO/libext_cm.so

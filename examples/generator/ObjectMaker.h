@@ -13,7 +13,7 @@
 
 namespace RanGenerator {
 
-/// Builds one object in the order in which its attributes are named.
+/// Builds one object; its attributes keep the order in which they are added.
 class ObjectMaker {
 public:
     explicit ObjectMaker(std::string dn) { mObject.dn = std::move(dn); }
@@ -26,10 +26,10 @@ public:
     ObjectMaker& count(std::string name, std::uint64_t value);
     ObjectMaker& counts(std::string name, const std::vector<std::uint64_t>& values);
     ObjectMaker& decimal(std::string name, double value);
-    /// No references, no attribute.
+    /// Adds no attribute if there are no references.
     ObjectMaker& references(std::string name, std::vector<std::string> dns);
     ObjectMaker& reference(std::string name, std::string dn);
-    /// One value of a struct for each of the makers, whose attributes are the members.
+    /// Adds one struct value for each of the makers; their attributes are the members.
     ObjectMaker& structs(std::string name, std::vector<ObjectMaker> values);
 
     OrvHost::DataObject take() { return std::move(mObject); }

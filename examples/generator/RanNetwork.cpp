@@ -17,7 +17,7 @@ std::string numbered(const std::string& parent, const char* className, std::uint
     return parent + "," + className + "=" + std::to_string(number);
 }
 
-// People count from 1, and so do the values in DNs.
+// The generator counts from 0, but values in DNs count from 1, as people do.
 
 std::string duDn(std::uint32_t du) {
     return numbered(kElement, "GNBDUFunction", du + 1);
@@ -75,8 +75,8 @@ std::string antennaDn(std::uint32_t sector, std::uint32_t number) {
     return numbered(antennaUnitDn(sector), "Antenna", number + 1);
 }
 
-/// Scatters a number over 64 bits (the finaliser of splitmix64): the generators of the standard
-/// library keep a state, and then an object would depend on those before it.
+/// Scatters a number over 64 bits (the finaliser of splitmix64). The generators of the standard
+/// library keep a state, and with them an object would depend on those made before it.
 std::uint64_t scatter(std::uint64_t number) {
     number += 0x9E3779B97F4A7C15ULL;
     number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9ULL;
@@ -84,7 +84,7 @@ std::uint64_t scatter(std::uint64_t number) {
     return number ^ (number >> 31U);
 }
 
-/// `number` moved by `step` within 0 to `size` - 1, round in a circle.
+/// `number` moved by `step` within 0 to `size` - 1, with wrap-around.
 std::uint32_t beside(std::uint32_t number, int step, std::uint32_t size) {
     const auto length = static_cast<std::int64_t>(size);
     const std::int64_t moved = static_cast<std::int64_t>(number) + step;
@@ -128,8 +128,8 @@ std::uint32_t RanNetwork::cellBeside(std::uint32_t cell, int step) const {
     return first + beside(cell - first, step, cellsOfSector(cell / kCellsPerSector));
 }
 
-/// Those next to the cell on either side, in the circle of its central unit's cells: whoever is a
-/// neighbour has the cell as its own.
+/// The cells next to this one on either side, in the circle of its central unit's cells. The
+/// relation is symmetric: each neighbour has this cell as its neighbour.
 std::vector<std::uint32_t> RanNetwork::neighboursOf(std::uint32_t cell) const {
     const std::uint32_t cu = cell / kCellsPerCu;
     const std::uint32_t first = cu * kCellsPerCu;
@@ -360,7 +360,7 @@ void RanNetwork::baseband(const Sink& sink, std::uint32_t du) const {
         .choice("operationalState", "ENABLED")
         .text("serialNumber", "B" + std::to_string(random("baseband", du, 1000000000)))
         .reference("cabinetRef", cabinetDn(du));
-    // The units stand in for each other in pairs.
+    // Two units form a pair: each is the standby of the other.
     const std::uint32_t other = du % 2 == 0 ? du + 1 : du - 1;
     if (other < mPlan.distributedUnits()) {
         unit.reference("standbyRef", basebandDn(other))

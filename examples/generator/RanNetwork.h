@@ -15,9 +15,9 @@
 
 namespace RanGenerator {
 
-/// Makes the objects of a network, parents first. Each can be told from its number alone, so
-/// nothing is kept, and both sides of every association come out alike. The same plan and seed give
-/// the same objects on every machine.
+/// Makes the objects of a network, parents first. Each object follows from its number alone, so
+/// nothing is kept, and both sides of every association agree. The same plan and seed give the same
+/// objects on every machine.
 class RanNetwork {
 public:
     using Sink = std::function<void(const OrvHost::DataObject& object)>;
@@ -49,7 +49,7 @@ private:
 
     std::uint32_t cellsOfSector(std::uint32_t sector) const;
     std::uint32_t sectorsOfDu(std::uint32_t du) const;
-    /// The sector `step` further on among those of the same distributed unit, round in a circle.
+    /// The sector `step` places further among those of the same distributed unit, with wrap-around.
     std::uint32_t sectorBeside(std::uint32_t sector, int step) const;
     /// The same for the cells of one sector.
     std::uint32_t cellBeside(std::uint32_t cell, int step) const;

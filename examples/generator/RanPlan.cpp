@@ -20,14 +20,14 @@ RanPlan barePlan() {
     return plan;
 }
 
-/// Takes `next` for `plan` if it is not too large.
+/// Replaces `plan` by `next` if that is not too large.
 void growTo(RanPlan& plan, const RanPlan& next, std::uint32_t objects) {
     if (next.size() <= objects) {
         plan = next;
     }
 }
 
-/// One cell, and of the optional parts what there is room for.
+/// One cell, and as many optional parts as there is room for.
 RanPlan smallPlan(std::uint32_t objects) {
     RanPlan plan = barePlan();
     for (bool RanPlan::*part : {&RanPlan::hasBaseband, &RanPlan::hasAntennas,
@@ -44,7 +44,7 @@ RanPlan smallPlan(std::uint32_t objects) {
     return plan;
 }
 
-/// As many cells as there is room for, all with everything.
+/// As many cells as there is room for, all with every part.
 RanPlan largePlan(std::uint32_t objects) {
     RanPlan plan;
     std::uint32_t tooMany = objects;
@@ -72,7 +72,7 @@ std::uint32_t RanPlan::neighboursAmong(std::uint32_t cellsOfOneCu) {
 
 std::uint64_t RanPlan::sizeOfCu(std::uint32_t cellsOfOneCu) const {
     std::uint64_t size = 1 + frequencies;
-    // The first cell has a relation to the neighbouring base station besides.
+    // The first cell has a relation to the neighbouring base station in addition.
     size += hasExternals ? 1 + kExternalCells + 1 : 0;
     const std::uint64_t perCell = 1 + (hasFreqRelations ? 1 : 0) + neighboursAmong(cellsOfOneCu);
     return size + cellsOfOneCu * perCell;

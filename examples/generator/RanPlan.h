@@ -8,22 +8,22 @@
 
 namespace RanGenerator {
 
-/// How many cells share what. Cells are numbered from 0 through the whole network.
+/// How many cells share which parts. Cells are numbered from 0 through the whole network.
 constexpr std::uint32_t kCellsPerSector = 3;
 constexpr std::uint32_t kSectorsPerDu = 4;
 constexpr std::uint32_t kCellsPerDu = kCellsPerSector * kSectorsPerDu;
 constexpr std::uint32_t kDusPerCu = 250;
 constexpr std::uint32_t kCellsPerCu = kCellsPerDu * kDusPerCu;
-constexpr std::uint32_t kNeighbours = 6;    ///< of a cell, if its central unit has so many others
+constexpr std::uint32_t kNeighbours = 6;    ///< of a cell, if its central unit has enough cells
 constexpr std::uint32_t kFrequencies = 3;   ///< of a central unit
 constexpr std::uint32_t kExternalCells = 4; ///< of a central unit
 
 constexpr std::uint32_t kFewestObjects = 10;
 constexpr std::uint32_t kMostObjects = 1000000;
 
-/// What a network of a given number of objects is made of. A network that has room for one cell
-/// only does without the optional parts; what is over in a larger one becomes cells of the
-/// neighbouring base station.
+/// The parts of a network with a given number of objects. A network with room for only one cell has
+/// none or only some of the optional parts; in a larger one, the rest of the objects becomes cells
+/// of the neighbouring base station.
 struct RanPlan {
     std::uint32_t cells = 1;
     std::uint32_t frequencies = kFrequencies;
@@ -40,7 +40,7 @@ struct RanPlan {
 
     /// The cells of the central unit with that number.
     std::uint32_t cellsOfCu(std::uint32_t cu) const;
-    /// The neighbours that each cell has, among so many cells of one central unit.
+    /// The number of neighbours of each cell, if one central unit has that many cells.
     static std::uint32_t neighboursAmong(std::uint32_t cellsOfOneCu);
 
     /// The number of objects.

@@ -29,7 +29,7 @@ void SliceWriter::finish() {
     if (mWriter.size() == 0) {
         return;
     }
-    // Files are read in the order of their names, so the numbers have one length.
+    // Files are read in the order of their names, so all numbers have the same length.
     const std::string number = std::to_string(++mFiles);
     const std::string padding(number.size() < 6 ? 6 - number.size() : 0, '0');
     const char* extension = mFormat == OrvHost::DataFormat::Json ? ".json" : ".xml";

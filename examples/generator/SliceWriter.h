@@ -13,17 +13,17 @@
 
 namespace RanGenerator {
 
-/// Writes objects into numbered files of a directory, a given number into each.
+/// Writes objects into numbered files of a directory, the same number of objects into each.
 class SliceWriter {
 public:
-    /// `objectsPerFile` is at least 1; `directory` exists.
+    /// `objectsPerFile` is at least 1; `directory` must exist.
     SliceWriter(std::shared_ptr<const OrvHost::YangSchema> schema, OrvHost::DataFormat format,
                 std::filesystem::path directory, std::size_t objectsPerFile);
 
     /// \throws OrvHost::InstanceDataError if a file cannot be written
     void add(const OrvHost::DataObject& object);
 
-    /// Writes what is not in a file yet, if there is anything.
+    /// Writes the objects that are not in a file yet, if there are any.
     void finish();
 
     std::size_t files() const { return mFiles; }

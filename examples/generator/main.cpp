@@ -55,7 +55,7 @@ void describe(CLI::App& app, Options& options) {
         ->required();
 }
 
-/// A slice that is left over from another run would be read along with the new ones.
+/// A file that is left from an earlier run would be read together with the new ones.
 void prepareDirectory(const fs::path& directory) {
     fs::create_directories(directory);
     for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {

@@ -8,13 +8,13 @@
 
 #include <Component.h>
 
-/// The component as the host knows it: it offers no interface, and while it is started its
-/// interceptor stands in the repository.
+/// The component as the host sees it. It offers no interface; while it is started its interceptor
+/// is in the repository.
 ///
 /// The interceptor lives as long as the shared object is loaded. That is longer than anything that
 /// may still use it after a stop.
 ///
-/// Threads: as the base says; the host starts and stops on one thread while no operation runs.
+/// Threads: as the base class; the host starts and stops it on one thread while no operation runs.
 class CellStateComponent : public Orv::Component<CellStateComponent> {
 public:
     CellStateComponent();

@@ -29,7 +29,8 @@ const char** endOf(const char** attrNames) {
     return attrNames;
 }
 
-// The names to ask the router for: each served attribute is read as the one that it comes from.
+// The names to ask the router for: each served attribute is replaced by the one that its value is
+// computed from.
 std::vector<const char*> namesForRouter(const char** attrNames) {
     std::vector<const char*> names(attrNames, endOf(attrNames));
     std::replace_if(names.begin(), names.end(), isServed, sourceAttribute);

@@ -7,19 +7,20 @@
 #include <MoInterceptorBase.h>
 #include <OrvReturn.h>
 
-/// Serves the attribute `operationalState` of all cells of a distributed unit: it is worked out
-/// from `administrativeState` as the transaction sees it, and never stored. All other attributes,
-/// and all writes, go to the router as if this object were not there.
+/// Serves the attribute `operationalState` of all cells of a distributed unit. Its value is
+/// computed from `administrativeState` as the transaction sees it, and never stored. All other
+/// attributes, and all writes, go to the router as if this object did not exist.
 ///
-/// Threads: enter and leave belong to the start and stop of a component, while no operation runs.
-/// The operations may run on any number of threads at once: they change nothing of this object.
+/// Threads: enter and leave are called at the start and stop of a component, while no operation
+/// runs. The operations may run on any number of threads at once: they do not change this object.
 class CellStateInterceptor : public OrvExtCmRouterService::MoInterceptorBase {
 public:
-    /// Finds the tables of the host and the repository, and enters this object there. OrvFailure if
-    /// something is not found; OrvAlreadyExist if another interceptor serves the cells.
+    /// Finds the tables of the host and the repository, and adds this object to the repository.
+    /// OrvFailure if something is not found; OrvAlreadyExist if another interceptor serves the
+    /// cells.
     OrvReturnT enter();
 
-    /// Takes this object out of the repository. Only after an enter that succeeded.
+    /// Removes this object from the repository. Only after an enter that succeeded.
     void leave();
 
     OrvReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,

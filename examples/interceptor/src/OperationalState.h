@@ -6,7 +6,8 @@
 
 #include <OrvMoAttributeValue.h>
 
-/// The attribute that this component serves, and the one of the router that it is worked out from.
+/// The attribute that this component serves, and the router's attribute that its value is computed
+/// from.
 constexpr const char* servedAttribute = "operationalState";
 constexpr const char* sourceAttribute = "administrativeState";
 
@@ -14,8 +15,8 @@ constexpr const char* sourceAttribute = "administrativeState";
 bool isServed(const char* attrName);
 
 /// The operational state of a cell with this administrative state: a cell works unless it is
-/// locked. A state that is missing, or is none, counts as locked. \p administrative may be null.
-/// The text is a constant.
+/// locked. A state that is missing or has no value counts as locked. \p administrative may be null.
+/// The returned text is a constant.
 const char* operationalState(const OrvMoAttributeValueContainer_3* administrative);
 
 #endif

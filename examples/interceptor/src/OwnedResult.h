@@ -22,8 +22,8 @@ inline void giveBack(const OrvMoAttributeValuesResult_3& result) {
 }
 // [/give-back]
 
-/// Owns the result of a read that succeeded and gives it back exactly once, whichever way its scope
-/// is left. The result of a read that failed means nothing and must not be put here.
+/// Owns the result of a read that succeeded and releases it exactly once, however its scope is
+/// left. The result of a read that failed is undefined and must not be put here.
 template <class Result>
 class OwnedResult {
 public:

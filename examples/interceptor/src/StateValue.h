@@ -6,8 +6,8 @@
 
 #include <OrvMoAttributeValue.h>
 
-/// A state that this component hands out, as one value of an enumeration. What crosses the table is
-/// the base, a plain record; the release function finds the way back to the object.
+/// A state that this component returns, as one value of an enumeration. The table passes only the
+/// base class, a plain record; the release function converts it back to the object.
 ///
 /// Threads: does not change.
 class StateValue : public OrvMoAttributeValueContainer_3 {

@@ -10,11 +10,12 @@
 #include <memory>
 #include <vector>
 
-/// What a read of many attributes hands out when the served one is among them: the containers of
-/// the router, with a StateValue in the place of each container that was read for its sake.
+/// What a read of several attributes returns if the served one is among them: the router's
+/// containers, with a StateValue in the place of each container that was read to compute it.
 ///
-/// The receiver gets an array and hands the same array to the release function, which has to find
-/// this object. So the object is itself a container, a copy of the first one, and stands first.
+/// The receiver gets an array and passes the same array to the release function, which has to find
+/// this object from it. So the object is itself a container, a copy of the first one, and is the
+/// first element.
 ///
 /// Threads: does not change.
 class StateValues : public OrvMoAttributeValueContainer_3 {
@@ -25,10 +26,11 @@ public:
     StateValues(const StateValues&) = delete;
     StateValues& operator=(const StateValues&) = delete;
 
-    /// The array for the receiver, ended by a null pointer. Owned by this object.
+    /// The array for the receiver, with a null pointer at the end. Owned by this object.
     OrvMoAttributeValueContainer_3** containers() { return mContainers.data(); }
 
-    /// For the field `release` of a result whose array is that of a StateValues: deletes it.
+    /// For the field `release` of a result whose array comes from a StateValues: deletes that
+    /// object.
     static void release(OrvMoAttributeValueContainer_3** containers);
 
 private:
