@@ -23,7 +23,7 @@ void show(const GeneratedSide& side, std::ostream& out) {
         << ".." << side.upper << ", " << side.lowerCount << ".." << side.upperCount << "]";
 }
 
-/// What is drawn for one association.
+/// The random numbers for one association.
 struct Draw {
     std::size_t first;
     std::size_t second;
@@ -52,7 +52,7 @@ GeneratedSide sideOf(const std::string& moc, const std::string& attribute,
     return side;
 }
 
-/// Attributes that are shared have one name for each class, and bounds of their own.
+/// A shared attribute is named "many" in each class and has its own bounds.
 GeneratedModel assemble(const std::vector<Draw>& draws, bool tight) {
     GeneratedModel model;
     std::set<std::pair<std::string, std::string>> shared;

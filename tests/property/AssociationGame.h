@@ -45,8 +45,8 @@ void showValue(const GeneratedModel& model, std::ostream& out);
 /// different target classes. With \p tight, the bounds are narrow.
 rc::Gen<GeneratedModel> modelGenerator(bool tight);
 
-/// Plays moves on a scripted host, through the bookkeeping under test, in one transaction after the
-/// other.
+/// Plays moves on a scripted host, through the bookkeeping under test, in one transaction after
+/// another.
 class AssociationGame {
 public:
     explicit AssociationGame(const GeneratedModel& model);
@@ -54,7 +54,7 @@ public:
     AssociationGame& operator=(const AssociationGame&) = delete;
     virtual ~AssociationGame();
 
-    /// False: the move means nothing in this state, and nothing was done.
+    /// False if the move has no meaning in this state; then nothing was done.
     bool play(const Move& move);
 
     Dns references(const std::string& dn, const std::string& attribute) const;
@@ -70,7 +70,7 @@ public:
     unsigned long tx = 1; ///< the open transaction
 
 protected:
-    // What a move is about to do or has done.
+    // Called before or after a part of a move; `chosen` may change the references.
     virtual Dns chosen(const std::string& dn, const std::string& attribute, const Dns& references);
     virtual void writing(const std::string& dn, const std::string& attribute, const Dns& old,
                          const Dns& fresh);
@@ -88,7 +88,7 @@ private:
     State state() const;
     void restore(const State& wanted);
 
-    State mBegin; ///< when the open transaction began
+    State mBegin; ///< the state when the open transaction began
 };
 
 }

@@ -19,7 +19,7 @@ using PropertyTests::contains;
 using PropertyTests::movesGenerator;
 using PropertyTests::Verdict;
 
-/// One association looked at from one side.
+/// One association, seen from one side.
 struct View {
     const GeneratedSide& near;
     const GeneratedSide& far;
@@ -37,16 +37,17 @@ std::vector<View> viewsOf(const GeneratedModel& model) {
 /// A reference: its source, its attribute and its target.
 using Reference = std::tuple<std::string, std::string, std::string>;
 
-/// Keeps count of the references whose far side is not promised: a reference to an MO that is not
-/// there waits for it. The promise lapses with the end of the transaction; when the same attribute
-/// of the source (or of one whose DN begins with its text) gives up another target that is not
-/// there; and when an MO is deleted whose DN the source's begins with.
+/// Tracks which references must have their far side. A reference to an MO that does not exist waits
+/// until the MO is created. The promise of the far side ends with the transaction; it also ends
+/// when the same attribute of the source (or of one whose DN begins with the source's text) loses
+/// another target that does not exist, and when an MO is deleted whose DN is the beginning of the
+/// source's DN.
 class PromiseGame : public AssociationGame {
 public:
     using AssociationGame::AssociationGame;
 
-    /// The references that are not answered although they should be, that name an MO which is gone,
-    /// or that stand in their attribute more than once.
+    /// The references that lack their far side although they should have it, that name a deleted
+    /// MO, or that appear in their attribute more than once.
     std::vector<Reference> brokenPromises() {
         forgetWhatIsGone(mLapsed);
         std::vector<Reference> broken;
@@ -61,9 +62,9 @@ public:
     }
 
 protected:
-    /// A value stands once at most, and both sides are never told twice: bookkeeping of writes that
-    /// do so is exact, too, but no longer symmetric, since an addition does not look at what is
-    /// there.
+    /// Chooses each value at most once, and never writes both sides of an association. The
+    /// bookkeeping of such writes is exact, too, but not symmetric, because an addition does not
+    /// check which values are already there.
     Dns chosen(const std::string& dn, const std::string& attribute,
                const Dns& references) override {
         const Dns present = this->references(dn, attribute);
@@ -217,12 +218,12 @@ RC_GTEST_PROP(BiDirProperties, FinishedTransaction_LeavesNothingWaiting, ()) {
     }
     game.client.finish(game.tx);
     game.stage.script.keepCalls(true);
-    // With an empty store the flush asks the router nothing.
+    // With an empty store the flush calls the router for nothing.
     game.utils.updatePendingBackPointer(game.tx, "A=1", "id");
     RC_ASSERT(game.stage.script.texts() == std::vector<std::string>());
 }
 
-/// Judges by counting anew from the generated model, without the component.
+/// Computes the verdict from the generated model alone, without the component.
 class Recount {
 public:
     explicit Recount(const AssociationGame& game) : mGame(game) {}
@@ -247,7 +248,7 @@ private:
         }
         Dns permitted;
         for (const auto& [first, second] : mGame.model) {
-            // A class associated with itself is always looked at from the first end.
+            // A class associated with itself is always seen from the first end.
             const bool atFirst = first.moc == Scripted::classOf(dn);
             const View view = atFirst ? View{first, second} : View{second, first};
             if (view.near.moc == Scripted::classOf(dn) && view.near.attribute == attribute) {
@@ -302,7 +303,7 @@ private:
         return false;
     }
 
-    /// Where the model told the attribute's bounds last.
+    /// The last declaration of the attribute's bounds in the model.
     const GeneratedSide& declarationOf(const std::string& moc, const std::string& attribute) const {
         const GeneratedSide* found = nullptr;
         for (const View& view : viewsOf(mGame.model)) {

@@ -14,8 +14,8 @@ namespace PropertyTests {
 
 using Dns = std::vector<std::string>;
 
-/// What a client does next, as numbers that find their meaning in the state of a game: a number is
-/// taken modulo what there is to choose from.
+/// What a client does next, as numbers that get their meaning from the state of a game: each number
+/// is taken modulo the number of choices.
 struct Move {
     enum class Kind { Create, Set, Delete, Commit, Abort };
     Kind kind = Kind::Create;
@@ -29,17 +29,17 @@ std::ostream& operator<<(std::ostream& out, const Move& move);
 
 rc::Gen<std::vector<Move>> movesGenerator();
 
-/// The classes of all generated models.
+/// The names of the classes of all generated models.
 const Dns& classes();
 
-/// The DNs of all games, few, so that objects come, go, and come again, and names begin like one
-/// another.
+/// The DNs of all games. They are few, so that objects are created, deleted and created again, and
+/// some names begin with others.
 const Dns& pool();
 
 /// The object of a move.
 const std::string& objectOf(const Move& move);
 
-/// The references of a move. Numbers beyond the pool stand for DNs without a class.
+/// The references of a move. Numbers beyond the pool are DNs without a class.
 Dns referencesOf(const Move& move);
 
 template <class List>
@@ -49,7 +49,7 @@ const auto& pick(const List& list, unsigned int number) {
 
 bool contains(const Dns& dns, const std::string& dn);
 
-/// What a validation came to.
+/// The result of a validation.
 struct Verdict {
     bool valid = true;
     int code = 0;

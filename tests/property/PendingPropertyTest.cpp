@@ -21,8 +21,8 @@ bool beginsWith(const std::string& text, const std::string& prefix) {
     return text.starts_with(prefix);
 }
 
-/// What waits, as (target, source, attribute, transaction), and what the operations do to it by
-/// plain walks.
+/// The waiting additions, as (target, source, attribute, transaction), and the effect of the
+/// operations on them, computed by simple walks.
 class NaiveQueue {
 public:
     using Waiting = std::tuple<std::string, std::string, std::string, unsigned long>;
@@ -42,7 +42,7 @@ private:
         return std::get<0>(left) < std::get<0>(right);
     }
 
-    std::vector<Waiting> mWaiting; ///< by target; under one target in order of insertion
+    std::vector<Waiting> mWaiting; ///< sorted by target; for one target in order of insertion
 };
 
 std::vector<NaiveQueue::Waiting> contentOf(const PendingAdditions::Store& store) {
@@ -54,7 +54,7 @@ std::vector<NaiveQueue::Waiting> contentOf(const PendingAdditions::Store& store)
     return content;
 }
 
-/// Does one move to both.
+/// Applies one move to both.
 void play(const Move& move, PendingAdditions& pending, NaiveQueue& naive) {
     using Waiting = NaiveQueue::Waiting;
     static const Dns attributes = {"a", "ab", "b"};
@@ -65,7 +65,7 @@ void play(const Move& move, PendingAdditions& pending, NaiveQueue& naive) {
         return std::get<3>(each) == tx && std::get<1>(each).starts_with(source);
     };
     switch (move.kind) {
-    case Move::Kind::Create: // the source's targets come into being
+    case Move::Kind::Create: // the source's targets are created
         for (const std::string& target : referencesOf(move)) {
             for (const PendingAdditions::Record record : pending.activeRecords(tx, target)) {
                 pending.drop(record);
@@ -89,7 +89,7 @@ void play(const Move& move, PendingAdditions& pending, NaiveQueue& naive) {
         pending.dropTransaction(tx);
         naive.dropIf([&](const Waiting& each) { return std::get<3>(each) == tx; });
         break;
-    case Move::Kind::Abort: // a target is given up
+    case Move::Kind::Abort: // the source drops a target
         pending.dropSources(tx, source, attribute, &beginsWith);
         naive.dropIf([&](const Waiting& each) {
             return isOfSource(each) && std::get<2>(each) == attribute;

@@ -33,12 +33,12 @@ struct UniDirAssociation {
     std::string attribute;
     std::string target;
     long long lower = 0;
-    long long upper = 0; ///< -1 is read as the largest number there is
+    long long upper = 0; ///< -1 is read as the largest number
 };
 using UniDirModel = std::vector<UniDirAssociation>;
 
-// Fewer names than associations, so that an attribute is the end of several, and more than one of
-// them may lead to the same class.
+// Fewer names than associations, so that an attribute is the end of several associations, and more
+// than one of them may lead to the same class.
 const Dns& attributes() {
     static const Dns names = {"p", "q", "none"};
     return names;
@@ -61,8 +61,8 @@ rc::Gen<UniDirModel> modelGenerator() {
     return rc::gen::resize(8, rc::gen::container<UniDirModel>(association));
 }
 
-/// A DN as clients may write it: now and then with the name of the naming attribute, which the
-/// record leaves out, and as a reference now and then with a step that is none.
+/// A DN as clients may write it. Sometimes it has the name of the naming attribute, which the
+/// record leaves out. Sometimes a reference has a step that is malformed.
 std::string spelled(const std::string& dn, unsigned int number) {
     return number % 5 == 0 ? dn.substr(0, dn.find('=')) + ".id" + dn.substr(dn.find('=')) : dn;
 }
@@ -73,7 +73,7 @@ Dns spelledReferencesOf(const Move& move) {
         references[i] = spelled(references[i], move.object + static_cast<unsigned int>(i));
     }
     if (!references.empty() && move.object == 13) {
-        references.back() = "Z,A=1"; // of a class, going by its last step, and no DN
+        references.back() = "Z,A=1"; // its last step has a class, but it is not a DN
     }
     return references;
 }
@@ -82,7 +82,7 @@ bool isDn(const std::string& reference) {
     return reference != "Z,A=1";
 }
 
-/// What transactions have written, in plain maps.
+/// The writes of transactions, in plain maps.
 class NaiveRecord {
 public:
     using Steps = std::vector<std::pair<std::string, std::string>>;
@@ -115,7 +115,7 @@ public:
     }
 
 private:
-    // Taken apart without the component: no generated DN has a comma or a second "=" in a value.
+    // Splits a DN without the component: no generated DN has a comma or a second "=" in a value.
     static Steps stepsOf(const std::string& dn) {
         Steps steps;
         for (std::size_t begin = 0; begin < dn.size();) {
@@ -131,7 +131,8 @@ private:
     std::map<unsigned long, Mos> mTransactions;
 };
 
-/// Plays moves on a scripted host, through the validator under test and in the naive record.
+/// Plays moves on a scripted host, through the validator under test, and repeats them in the naive
+/// record.
 class UniDirGame {
 public:
     static constexpr unsigned long transactions = 3;
@@ -146,7 +147,7 @@ public:
         for (const UniDirAssociation& each : model) {
             stage.model.uniDir(each.source, each.attribute, each.target, each.lower, each.upper);
         }
-        // Bidirectional, so nothing of this game's.
+        // This association is bidirectional, so it does not belong to this game.
         stage.model.biDir({"A", "none"}, {"B", "others"});
         validator.start();
     }
@@ -174,7 +175,7 @@ public:
         }
     }
 
-    /// The judgement of the validator; \p flag is what its caller's flag holds beforehand.
+    /// The verdict of the validator; \p flag is the value of the caller's flag before the call.
     Verdict verdict(unsigned long tx, bool flag) {
         const std::size_t before = stage.messages().size();
         Verdict verdict{flag, OrvOk, {}};
@@ -204,7 +205,7 @@ private:
     }
 };
 
-/// Judges by counting anew from the generated model, without the component.
+/// Computes the verdict from the generated model alone, without the component.
 class Recount {
 public:
     /// \p flag as for UniDirGame::verdict.
@@ -229,7 +230,7 @@ private:
 
     explicit Recount(const UniDirGame& game) : mGame(game) {}
 
-    /// False: a reference is no DN, and judging is over.
+    /// False if a reference is not a DN; then the check ends.
     bool judge(const std::string& dn, const std::string& attribute, const Dns& references) {
         std::map<std::string, unsigned long long> counts;
         for (const std::string& reference : references) {
@@ -246,7 +247,8 @@ private:
         return true;
     }
 
-    // By class in the order in which the model came to know them, which is that of its handles.
+    // The classes in the order in which the model declared them, which is the order of their
+    // handles.
     void judgeCounts(const std::string& dn, const std::string& attribute,
                      const std::map<std::string, unsigned long long>& counts) {
         for (const std::string& target : classes()) {
@@ -268,7 +270,7 @@ private:
         }
     }
 
-    /// Those of the first association that fits.
+    /// The bounds of the first association that fits.
     std::optional<Bounds> boundsOf(const std::string& dn, const std::string& attribute,
                                    const std::string& target) const {
         for (const UniDirAssociation& each : mGame.model) {

@@ -60,7 +60,7 @@ void Actor::check(bool isRight, const std::string& what) {
 
 void Actor::step() {
     using Step = void (Actor::*)();
-    // A step that stands here more than once is drawn more often.
+    // A step that is listed more than once is drawn more often.
     static constexpr Step kSteps[] = {&Actor::toggle,
                                       &Actor::toggle,
                                       &Actor::setReferences,
@@ -164,7 +164,7 @@ std::vector<std::string> Actor::references(const std::string& dn, const std::str
     return targets;
 }
 
-// Objects that are there and have room for one more reference back.
+// Objects that exist and have room for one more reference back.
 std::vector<std::string> Actor::drawTargets(const Subject& subject, const Soak::Slot& slot) {
     std::vector<std::string> targets;
     const std::size_t wanted = mRandom.below(slot.most + 1);
@@ -191,7 +191,8 @@ void Actor::toggle() {
         const std::vector<Soak::Slot>& slots = roles()[one.role].slots;
         const Soak::Slot& slot = slots[mRandom.below(slots.size())];
         const std::vector<std::string> targets = drawTargets(one, slot);
-        // An object that refers to itself is created without: nothing is there yet to refer to.
+        // An object that may refer to itself is created without references: at that moment it does
+        // not exist yet.
         create(one, {{slot.attribute, refs(targets)}});
     } else if (!mIsDoomed) {
         remove(one);
@@ -247,7 +248,8 @@ void Actor::setText() {
     }
 }
 
-// A beam names an antenna inside a struct, which no association sees but every conversion does.
+// A beam names an antenna inside a struct: associations ignore it, but every conversion must handle
+// it.
 void Actor::setStruct() {
     const Subject one = subject(1, mRandom.below(8));
     const Value beams =
@@ -279,10 +281,10 @@ void Actor::createBeforeTarget() {
           target.dn + ": the reference that waited for it has not come");
 }
 
-// Deletes a unit with its cells and carriers, which cells elsewhere refer to, and makes it again.
+// Deletes a unit with its cells and carriers, to which other cells refer, and creates it again.
 void Actor::rebuildUnit() {
     const std::string unit = mCast.distributedUnit();
-    // Radio units do not keep the names of antennas, so both subtrees can go.
+    // Radio units do not keep the DNs of deleted antennas, so both subtrees can be deleted.
     for (const std::string& dn : {unit, mCast.antennaUnit()}) {
         if (!judge("deleteMo", dn, mScene.client3().remove(mTx, dn))) {
             return;
@@ -294,7 +296,7 @@ void Actor::rebuildUnit() {
     judge("createMo", unit, mScene.createUnits(mTx, mCast));
 }
 
-// Version 1 takes no part in associations, so it creates and deletes what has none.
+// Version 1 does not update associations, so it creates and deletes only objects without any.
 void Actor::toggleInVersion1() {
     const std::string parent = kRoot + ",Equipment=1";
     const std::string name = mCast.nameOf(mRandom.below(6));
@@ -353,7 +355,8 @@ void Actor::readReferences() {
         if (!judge("getMoAttribute", one.dn, read.code, {OrvNotExist})) {
             return;
         }
-        // The far side names this object: what one transaction sees is always whole.
+        // The far side must name this object: the state that one transaction sees is always
+        // consistent.
         for (const std::string& target : textsOf(read.value())) {
             check(holds(references(target, slot.back), one.dn),
                   target + " does not name " + one.dn + " in " + slot.back);

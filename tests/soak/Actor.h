@@ -18,21 +18,22 @@ namespace Soak {
 class Ledger;
 class Scene;
 
-/// A client in one transaction. Draws what to do next, does it through one of the three versions
-/// and judges each answer: a code that the state does not explain is told to the tally.
+/// A client in one transaction. It draws the next step, runs it through one of the three versions
+/// and checks each answer: a code that the state does not explain is reported to the tally.
 ///
-/// A write that is refused because of another writer dooms the transaction: it can only be aborted.
+/// After a write that is refused because of another writer, the transaction can only be aborted.
 /// One thread.
 class Actor {
 public:
-    /// \p ledger is null for a cast that others write too. Everything must outlive this object.
+    /// \p ledger is null for a cast that others write as well. All arguments must outlive this
+    /// object.
     Actor(Scene& scene, unsigned long txHandle, Random& random, const Cast& cast, Ledger* ledger);
 
-    /// One or several operations on one subject.
+    /// Runs one or several operations on one subject.
     void step();
     /// Reads a shared counter and writes the next number, each in one of the versions.
     void increment(std::size_t counter);
-    /// Leaves a reference attribute with more values than the model allows.
+    /// Gives a reference attribute more values than the model allows.
     void violate();
 
     bool isDoomed() const { return mIsDoomed; }
@@ -49,7 +50,7 @@ private:
         std::string dn;
     };
 
-    // What a step can be.
+    // The possible steps.
     void toggle();
     void setReferences();
     void setSeveral();
@@ -79,7 +80,7 @@ private:
     std::string drawText();
     void remember(const std::string& dn, const std::string& text);
 
-    /// Counts the operation and judges its code. True for OrvOk.
+    /// Counts the operation and checks its code. True for OrvOk.
     bool judge(const char* operation, const std::string& dn, OrvReturnT code,
                std::initializer_list<OrvReturnT> alsoRight = {});
     void check(bool isRight, const std::string& what);

@@ -12,17 +12,17 @@
 
 namespace Soak {
 
-/// How clients know the root of the network.
+/// The root of the network as clients name it.
 inline const std::string kRoot = "ManagedElement=north";
 
-/// A reference attribute of a bidirectional association, as one side sees it.
+/// A reference attribute of a bidirectional association, seen from one side.
 struct Slot {
     std::string attribute;
     std::string back;        ///< the attribute at the far side
     std::size_t target = 0;  ///< role at the far side
-    std::size_t most = 1;    ///< how many references writers put in
+    std::size_t most = 1;    ///< how many references writers put into it
     std::size_t farMost = 1; ///< how many the far side may hold
-    /// A deleted holder stays named at the far side, so that writers empty the attribute first.
+    /// The far side keeps the DN of a deleted holder, so writers empty the attribute before.
     bool isKeptAtDelete = false;
 };
 
@@ -38,14 +38,14 @@ struct Role {
 
 const std::vector<Role>& roles();
 
-/// The objects of one writer, or those that all fight over: they refer to each other only, so that
-/// writers with casts of their own never meet. All DNs are external.
+/// The objects of one writer, or those that all writers compete for. They only refer to each other,
+/// so writers with different casts never conflict. All DNs are external.
 class Cast {
 public:
     explicit Cast(std::string name) : mName(std::move(name)) {}
 
     const std::string& name() const { return mName; }
-    /// The unit that carries the cells of this cast, with all below it.
+    /// The unit that contains the cells of this cast.
     std::string distributedUnit() const { return kRoot + ",GNBDUFunction=" + mName; }
     std::string antennaUnit() const { return kRoot + ",Equipment=1,AntennaUnit=" + mName; }
 

@@ -12,17 +12,17 @@
 
 namespace Soak {
 
-/// Shared numbers that all writers count up.
+/// Shared numbers that all writers increment.
 constexpr std::size_t kCounters = 4;
 
 /// What one writer knows to be committed: the texts of its own objects, and how often it has
-/// counted. Written along with a transaction, and kept or dropped with it. One thread.
+/// incremented each number. The entries of a transaction are kept or dropped with it. One thread.
 class Ledger {
 public:
     using Counts = std::array<std::uint64_t, kCounters>;
 
     void write(const std::string& dn, const std::string& text) { mPending[dn] = text; }
-    /// \p dn is deleted, with all below it.
+    /// Records that \p dn is deleted with its subtree.
     void erase(const std::string& dn);
     void count(std::size_t counter) { ++mPendingCounts[counter]; }
 

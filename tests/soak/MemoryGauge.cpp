@@ -9,7 +9,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
-// g++ tells of sanitizers by macros, clang by features.
+// g++ reports sanitizers by macros, clang by features.
 #if defined(__SANITIZE_ADDRESS__)
 #define ORV_SOAK_COUNTS_REQUESTS 1
 #elif defined(__SANITIZE_THREAD__)
@@ -55,7 +55,8 @@ std::int64_t MemoryGauge::allocated() {
     return static_cast<std::int64_t>(info.uordblks + info.hblkhd);
 }
 
-// A block stands behind its length, at a multiple of 16, and is never smaller than 32 bytes.
+// The allocator puts a block after its length, at a multiple of 16; a block is never smaller than
+// 32 bytes.
 std::int64_t MemoryGauge::costOf(std::size_t bytes) {
     return static_cast<std::int64_t>(std::max<std::size_t>(32, (bytes + 8 + 15) / 16 * 16));
 }

@@ -9,16 +9,17 @@
 
 namespace Soak {
 
-/// Asks the allocator of the process: that of the C library, or a sanitizer's.
+/// Reads how much memory the process uses from its allocator: that of the C library, or a
+/// sanitizer's.
 class MemoryGauge {
 public:
-    /// Bytes that are allocated at present, by all threads.
+    /// The number of bytes that all threads have allocated now.
     static std::int64_t allocated();
 
-    /// Bytes of the process in memory.
+    /// The number of bytes of the process that are in memory.
     static std::int64_t resident();
 
-    /// What allocated() rises by when a block of \p bytes is allocated.
+    /// How much allocated() grows when a block of \p bytes is allocated.
     static std::int64_t costOf(std::size_t bytes);
 };
 

@@ -10,13 +10,14 @@
 
 namespace Soak {
 
-/// Draws that are the same on every machine for the same seeds.
+/// Random numbers that are the same on every machine for the same seeds.
 class Random {
 public:
     Random(std::uint64_t seed, std::uint64_t thread, std::uint64_t transaction)
         : mEngine((seed * 1000003 + thread) * 1000003 + transaction) {}
 
-    /// From 0 to \p bound - 1. The distributions of the standard library differ between libraries.
+    /// From 0 to \p bound - 1. The distributions of the standard library are not used, because they
+    /// differ between libraries.
     std::size_t below(std::size_t bound) { return static_cast<std::size_t>(mEngine() % bound); }
     bool oneIn(std::size_t bound) { return below(bound) == 0; }
 

@@ -23,7 +23,7 @@ using Container = OrvMoAttributeValueContainer_3;
 using Named = OrvMoNamedAttributeValueContainer_3;
 using WorkList = std::set<std::pair<std::string, std::string>>;
 
-// The functions of a table know no object.
+// The functions of a table get no object argument.
 const Model* theModel = nullptr;
 Tally* theTally = nullptr;
 std::vector<bool> takesPart; // by class
@@ -64,7 +64,8 @@ void countedReleaseMany(Container** containers) {
     releaseMany.load()(containers);
 }
 
-/// Puts \p counted in the place of the router's release function, which is one for all results.
+/// Replaces the router's release function by \p counted. The router has only one such function for
+/// all results.
 template <class Release>
 void count(Release& release, std::atomic<Release>& original, Release counted) {
     if (release == nullptr) {
@@ -167,8 +168,8 @@ std::uint64_t RouterTap::iterators() {
     return openedIterators;
 }
 
-// A list of pairs in a map of transactions: a node for each, four words before what it holds, and
-// texts beside it where they are too long to stand in it.
+// The component keeps a list of pairs in a map of transactions. Each has one node, with a head of
+// four words; texts too long for the string object have their own block.
 void RouterTap::endTransaction() {
     constexpr std::size_t kNodeHead = 4 * sizeof(void*);
     constexpr std::size_t kEntry = kNodeHead + sizeof(WorkList::value_type);

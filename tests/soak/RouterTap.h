@@ -13,30 +13,30 @@ namespace Soak {
 
 class Tally;
 
-/// Stands between the component and the router: counts the results that the router gives out and
-/// gets back, and keeps account of the work list that the component has to keep.
+/// Stands between the component and the router: counts the results that the router returns and gets
+/// back, and computes the memory of the work list that the component has to keep.
 ///
-/// That list, of each reference attribute that was written in a class with bidirectional
-/// associations, by a client or as a back-pointer, is never taken down: it is the one thing in the
-/// component that grows with the number of transactions. What it weighs has to be known for the
-/// rest to be seen to stay level. The account is of all writes that reach the router; a
-/// back-pointer that the router refuses stands in it and not in the component's list, which is
-/// rare.
+/// That list has an entry for each reference attribute that was written in a class with
+/// bidirectional associations, by a client or as a back-pointer. Entries are never removed: it is
+/// the only part of the component that grows with the number of transactions. Its size must be
+/// known to check that the rest does not grow. All writes that reach the router are counted; a
+/// back-pointer that the router refuses is counted here but is not in the component's list, which
+/// is rare.
 ///
-/// Put it in before the component starts, one at a time. Any thread, a transaction on one.
+/// Put it in before the component starts, only one at a time. Any thread, each transaction on one.
 class RouterTap {
 public:
-    /// All must outlive this object, which must outlive the component.
+    /// All arguments must outlive this object, which must outlive the component.
     RouterTap(const OrvHost::Model& model, OrvHost::CmRouter& router, Tally& tally);
     RouterTap(const RouterTap&) = delete;
     RouterTap& operator=(const RouterTap&) = delete;
 
-    /// Results that nobody has released.
+    /// The number of results that nobody has released.
     static std::int64_t unreleased();
-    /// Iterators that the router has opened.
+    /// The number of iterators that the router has opened.
     static std::uint64_t iterators();
 
-    /// The calling thread's transaction has ended.
+    /// Call it when the calling thread's transaction has ended.
     static void endTransaction();
     static std::uint64_t workListEntries();
     static std::int64_t workListBytes();

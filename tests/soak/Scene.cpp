@@ -26,7 +26,7 @@ void require(bool isTrue, const std::string& what) {
     }
 }
 
-/// Actions succeed; the one with a result gives a struct.
+/// Actions succeed; the one with a result returns a struct.
 std::optional<AttributeValue> act(const ActionCall& call) {
     if (call.action.name != "changePci") {
         return std::nullopt;

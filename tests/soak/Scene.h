@@ -20,25 +20,26 @@ class Tally;
 /// The reference host with the loaded component and a generated network, and its clients in all
 /// three versions.
 ///
-/// Threads: building and taking down on one; everything else on any.
+/// Threads: one thread for constructor and destructor; any for everything else.
 class Scene {
 public:
-    /// Makes the parents of one cast for each of \p writers, of the cast that all share, and the
-    /// counters. \throws std::runtime_error
+    /// Creates the parents of one cast for each of \p writers, the parents of the cast that all
+    /// share, and the counters.
+    /// \throws std::runtime_error
     Scene(unsigned writers, Tally& tally);
 
     OrvHost::Host& host() { return *mHost; }
     const Cast& ownCast(unsigned writer) const { return mCasts[writer]; }
     const Cast& sharedCast() const { return mCasts.back(); }
 
-    /// A carrier whose attribute `configuredMaxTxPower` is counted up.
+    /// A carrier whose attribute `configuredMaxTxPower` is incremented.
     static std::string counterDn(std::size_t counter);
 
     const Scripted::Client3& client3() const { return *mClient3; }
     const Scripted::Client3_1& client3_1() const { return *mClient3_1; }
     const Scripted::Client1& client1() const { return *mClient1; }
 
-    /// Makes the parents of a cast; OrvOk, or the code of the first refusal.
+    /// Creates the parents of a cast; OrvOk, or the code of the first refusal.
     OrvReturnT createUnits(unsigned long txHandle, const Cast& cast) const;
 
 private:
@@ -49,7 +50,8 @@ private:
 
     OrvHost::YangModel mModel;
     std::vector<Cast> mCasts;
-    // The tap stands in the router's tables, and the component looks at those until it is unloaded.
+    // The tap's functions are in the router's tables, and the component uses those until it is
+    // unloaded.
     std::unique_ptr<OrvHost::Host> mHost;
     std::optional<RouterTap> mTap;
     std::optional<Scripted::Client3> mClient3;

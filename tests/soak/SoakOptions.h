@@ -8,16 +8,16 @@
 
 namespace Soak {
 
-/// How much is to be done. The same seed gives each thread the same plan, transaction by
+/// How long the test runs. The same seed gives each thread the same plan, transaction by
 /// transaction; with one thread the whole run is the same.
 struct SoakOptions {
-    std::uint64_t operations = 1000000; ///< at least so many calls of the component's tables
-    std::uint64_t transactions = 10000; ///< in at least so many transactions
+    std::uint64_t operations = 1000000; ///< at least this number of calls of the component's tables
+    std::uint64_t transactions = 10000; ///< in at least this number of transactions
     unsigned threads = 4;
     std::uint64_t seed = 1;
 };
 
-/// Reads "--operations N --transactions N --threads N --seed N", each of which may be left out.
+/// Reads "--operations N --transactions N --threads N --seed N", all of which are optional.
 /// \throws std::invalid_argument
 SoakOptions readOptions(int count, const char* const* arguments);
 

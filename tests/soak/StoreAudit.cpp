@@ -11,7 +11,7 @@ using namespace OrvHost;
 
 namespace {
 
-// The transaction service counts from 1 and will not come to this one.
+// The transaction service counts from 1 and will not reach this number.
 constexpr TransactionId kAuditor = kNoTransaction - 1;
 
 }

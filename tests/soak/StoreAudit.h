@@ -13,7 +13,7 @@
 
 namespace Soak {
 
-/// All committed objects of a store, read past router and component.
+/// All committed objects of a store, read directly, without router and component.
 class StoreAudit : public OrvHost::InstanceSource {
 public:
     /// \p store must outlive this object.
@@ -23,8 +23,8 @@ public:
 
     std::size_t objects() const;
 
-    /// Counts both sides of each bidirectional association anew and judges bounds, classes and
-    /// targets of all references. Gives what is wrong, one text each.
+    /// Recounts both sides of each bidirectional association and checks bounds, classes and targets
+    /// of all references. Returns the problems, one text each.
     std::vector<std::string> problems() const;
 
 private:

@@ -13,22 +13,22 @@
 
 namespace Soak {
 
-/// What all writers did, and what was not as it must be. Any thread.
+/// What all writers did, and all failures. Any thread.
 class Tally {
 public:
     std::atomic<std::uint64_t> operations{0};
     std::atomic<std::uint64_t> transactions{0}; ///< begun
     std::atomic<std::uint64_t> committed{0};
-    std::atomic<std::uint64_t> aborted{0};   ///< because the plan said so
-    std::atomic<std::uint64_t> refused{0};   ///< for a violation that was made on purpose
-    std::atomic<std::uint64_t> conflicts{0}; ///< given back because of another writer
+    std::atomic<std::uint64_t> aborted{0};   ///< as the plan said
+    std::atomic<std::uint64_t> refused{0};   ///< because of a violation that was made on purpose
+    std::atomic<std::uint64_t> conflicts{0}; ///< rolled back because of another writer
     std::atomic<std::uint64_t> retried{0};
-    std::atomic<std::uint64_t> givenUp{0}; ///< still in conflict at the last try
+    std::atomic<std::uint64_t> givenUp{0}; ///< still in conflict after the last retry
 
     void fail(const std::string& what);
     bool hasFailures() const;
 
-    /// The numbers, and the first of the failures.
+    /// Prints the numbers, and the first of the failures.
     void print(std::ostream& out) const;
 
 private:

@@ -20,7 +20,7 @@ namespace {
 constexpr int kTries = 4;
 constexpr std::size_t kMostDeadIterators = 200;
 
-// The store names the other transaction in what it says of a conflict; nobody else speaks of one.
+// Only the store's messages about a conflict contain this text: they name the other transaction.
 bool tellsOfConflict(const TransactionOutcome& outcome) {
     for (const ThreadContext::Message& message : outcome.messages) {
         if (message.text.find(" transaction") != std::string::npos) {
@@ -163,7 +163,7 @@ Writer::End Writer::commit(unsigned long txHandle) {
     return End::Committed;
 }
 
-// Nothing but another writer speaks against a transaction that was not made to be refused.
+// A transaction without a violation made on purpose may only be refused because of another writer.
 Writer::End Writer::endOf(const TransactionOutcome& outcome, const char* phase) {
     if (!tellsOfConflict(outcome)) {
         mTally.fail(std::string(phase) + " refuses for no reason: " + textOf(outcome));

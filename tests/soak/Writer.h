@@ -21,19 +21,19 @@ class Random;
 class Scene;
 class Tally;
 
-/// One writer: transaction after transaction, most of them on objects of its own, every sixth on
-/// objects that all writers share, every fourth with a counter that all count up. A transaction
-/// that met another writer is tried again from the same draws, some times, and then given up. Both
-/// objects must outlive this one. One thread at a time.
+/// One writer, which runs transaction after transaction: most of them on its own objects, every
+/// sixth on objects that all writers share, every fourth with a counter that all increment. A
+/// transaction with a conflict is repeated with the same draws, a few times, and then given up.
+/// Both objects must outlive this one. One thread at a time.
 class Writer {
 public:
     Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number);
 
-    /// Goes on until it has done so many operations and so many transactions in all.
+    /// Continues until it has done this number of operations and of transactions in total.
     void runTo(std::uint64_t operations, std::uint64_t transactions);
 
     const Ledger& ledger() const { return mLedger; }
-    /// Iterators of ended transactions, the last ones.
+    /// The last iterators whose transactions have ended.
     const std::vector<unsigned long long>& deadIterators() const { return mDeadIterators; }
 
 private:

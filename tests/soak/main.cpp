@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Writers on several threads, through all versions of the loaded component, for a long time. Then
-// everything must be as it should: both sides of every association, every number that was counted,
-// memory, results and iterators. See docs/testing.md.
+// Writers on several threads use all versions of the loaded component for a long time. Then
+// everything must be correct: both sides of every association, every shared number, memory, results
+// and iterators. See docs/testing.md.
 
 #include "MemoryGauge.h"
 #include "RouterTap.h"
@@ -24,7 +24,7 @@ namespace {
 
 using namespace Soak;
 
-/// What the process holds while nobody works.
+/// The memory of the process while nobody works.
 struct Level {
     std::int64_t allocated = MemoryGauge::allocated();
     std::int64_t workList = RouterTap::workListBytes();
@@ -50,8 +50,8 @@ void runAll(std::deque<Writer>& writers, std::uint64_t operations, std::uint64_t
     }
 }
 
-/// The number of objects moves up and down with the draws, and what a refused back-pointer weighs
-/// stands in the account only.
+/// The limits allow for two effects: the number of objects varies with the draws, and refused
+/// back-pointers are counted by the tap although the component does not keep them.
 void checkLevel(const Level& warm, const Level& end, Tally& tally) {
     constexpr std::int64_t kPlay = 1024 * 1024;
     const std::int64_t kept = end.workList - warm.workList;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Many clients at once through the loaded component.
+// Many clients use the loaded component at once.
 
 #include "model/ModelBuilder.h"
 #include "runtime/DataSet.h"
@@ -23,8 +23,7 @@ constexpr int kMasts = 20;
 constexpr VekMgmtSpiInterface_1 kClientTable{"OrvOamSpiExtCmRouterService",
                                              "OrvOamSpiManagedObject", "3"};
 
-/// One client's work in a transaction of its own: the number of masts that it met with the height
-/// that they should have.
+/// The work of one client in its own transaction: counts the masts that have the expected height.
 int readAll(Host& host, OrvOamSpiManagedObject_3* client) {
     const Host::ReadTransaction transaction(host);
     unsigned long long iterator = 0;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Whatever is wrong is told with the place and with what was expected, and shows in the status.
+// Every error is reported with its place and with what was expected, and sets the exit status.
 
 #include "Program.h"
 
@@ -18,7 +18,7 @@ constexpr int kCommandError = 1;
 constexpr int kUsage = 2;
 constexpr int kLoad = 3;
 
-/// A command on the small model that must fail with \p status.
+/// Runs a command on the small model that must fail with \p status.
 std::string errorOf(const std::string& command, int status) {
     const auto result = runCommands({command});
     EXPECT_EQ(result.status, status) << command;
@@ -26,7 +26,7 @@ std::string errorOf(const std::string& command, int status) {
     return result.err;
 }
 
-/// A start that must fail.
+/// Starts orvhost with options that must fail.
 std::string loadError(std::vector<std::string> options, int status = kLoad) {
     options.insert(options.begin(), {"-I", "models", "-m", "site"});
     options.insert(options.end(), {"-c", "exists ManagedElement=1"});
@@ -222,7 +222,7 @@ TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsTold) {
     EXPECT_THAT(loadError({"-C", EXT_CM_PATH}), HasSubstr("is loaded already"));
 }
 
-// Opened as it is, it would end the process with a signal.
+// Without the host's check, loading this file would end the process with a signal.
 TEST(OrvhostBadInputTest, Component_CutOff_IsTold) {
     const TemporaryDirectory directory;
     const std::filesystem::path copy = directory.path() / "cut-off.so";

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Scripts with expectations, and check, which runs them as tests.
+// Scripts with expectations, and the command check, which runs them as tests.
 
 #include "Program.h"
 
@@ -179,7 +179,7 @@ TEST_F(OrvhostCheckTest, Echo_OfAScript_ShowsLinesAsAtThePrompt) {
                           "orvhost[a]> exists ManagedElement=Harbour\nyes\n");
 }
 
-/// What the README says that the demo prints.
+/// The output of the demo in the README.
 std::string demoOfReadme() {
     const std::string readme = readFile(README);
     const std::string opening = "<!-- demo -->\n```\n";

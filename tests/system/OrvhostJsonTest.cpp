@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// One JSON document a command, whatever it answers.
+// One JSON document for each command, whatever its answer.
 
 #include "Program.h"
 

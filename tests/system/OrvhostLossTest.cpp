@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// What could get lost without anybody noticing: answers, reports, logs, input, and objects.
+// What could be lost silently: answers, reports, logs, input, and objects.
 
 #include "Program.h"
 #include "Terminal.h"
@@ -46,7 +46,8 @@ TEST(OrvhostLossTest, Output_DiskFullAfterAnotherError_KeepsThatStatus) {
     EXPECT_THAT(result.err, HasSubstr(kOutputLost));
 }
 
-// The log file must not get the number of the closed stream, and answers with it.
+// The log file must not get the number of the closed stream, because then answers would be written
+// into it.
 TEST(OrvhostLossTest, Output_Closed_IsAnErrorAndGoesNowhereElse) {
     const TemporaryDirectory directory;
     const std::string log = directory.file("log", "");
@@ -80,7 +81,7 @@ TEST(OrvhostLossTest, Script_ADirectory_IsNoEmptyScript) {
     EXPECT_EQ(result.err, "orvhost: " + directory.path().string() + ": cannot be read\n");
 }
 
-// A DN goes to the tables up to its first zero byte.
+// The tables would read a DN only up to its first zero byte.
 TEST(OrvhostLossTest, Line_WithAZeroByte_IsUsage) {
     const auto result =
         runOrvhost(withSite({}), "exists ManagedElement=east" + std::string(1, '\0') + "x\n");
@@ -131,7 +132,7 @@ TEST(OrvhostLossTest, Identity_ThatCannotStandInADn_IsUsage) {
     }
 }
 
-/// A named pipe that somebody waits at who never gets anything.
+/// The writing end of a named pipe whose reader waits for a line that never comes.
 class Waiting {
 public:
     explicit Waiting(const std::string& path) {

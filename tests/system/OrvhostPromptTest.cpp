@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The prompt, as somebody at a terminal meets it.
+// The prompt, as a user at a terminal sees it.
 
 #include "Program.h"
 #include "Terminal.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Scripts, standard input, and what becomes of errors on the way.
+// Scripts, standard input, and the effect of errors in them.
 
 #include "Program.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Transactions as a user opens, judges and ends them; on the example network.
+// Transactions as a user begins, validates and ends them, on the example network.
 
 #include "Program.h"
 
@@ -172,7 +172,7 @@ TEST(OrvhostTransactionsTest, Open_AtTheEndWithWrites_AreAbortedWithANote) {
     EXPECT_EQ(result.status, 0);
 }
 
-// What stands in the far objects has been changed by then, and no validation looks at it.
+// At that moment the far objects have already been changed, and no validation checks them.
 TEST(OrvhostTransactionsTest, Reference_RefusedInATransaction_SaysThatItMustBeAborted) {
     const std::string script = "begin a\nset " + std::string(kRadioUnit) + " antennaRef=junk\n";
     for (const std::string version : {"3", "3_1"}) {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Single writes, with good and bad words, through each version of the interface.
+// Single writes, with correct and wrong words, through each version of the interface.
 
 #include "Program.h"
 

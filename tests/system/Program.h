@@ -10,14 +10,14 @@
 
 namespace SystemTest {
 
-/// What a program left behind.
+/// The result of running a program.
 struct ProgramResult {
     int status = -1; ///< exit status, or -1 if a signal ended it
     std::string out;
     std::string err;
 };
 
-/// A directory that goes with the object.
+/// A directory that is deleted with this object.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();
@@ -26,7 +26,7 @@ public:
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
     std::filesystem::path path() const { return mPath; }
-    /// Writes a file and gives its path.
+    /// Writes a file and returns its path.
     std::string file(const std::string& name, const std::string& text) const;
 
 private:
@@ -36,8 +36,8 @@ private:
 /// Runs orvhost in the directory of test data until it ends.
 ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::string& input = {});
 
-/// The same with its standard output going to \p out, a file or device that is there, or closed if
-/// the path is empty. The result's own output stays empty.
+/// The same, but its standard output goes to \p out, an existing file or device, or is closed if
+/// the path is empty. The output in the result stays empty.
 ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::string>& arguments);
 
 /// The options that load the small model and its data, followed by \p more.
@@ -50,10 +50,10 @@ ProgramResult runCommands(const std::vector<std::string>& commands,
 /// The options that load the example network, followed by \p more.
 std::vector<std::string> withHarbour(const std::vector<std::string>& more);
 
-/// Runs a script on the example network, to its end whatever fails.
+/// Runs a script on the example network, to its end even if commands fail.
 ProgramResult runOnHarbour(const std::string& script, const std::vector<std::string>& options = {});
 
-/// For the child behind fork: replaces the process by orvhost. Does not return.
+/// For the child process after fork: replaces the process by orvhost. Does not return.
 [[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments);
 
 std::string readFile(const std::filesystem::path& path);

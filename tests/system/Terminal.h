@@ -11,25 +11,25 @@
 
 namespace SystemTest {
 
-/// orvhost on a pseudo-terminal, with somebody who types.
+/// orvhost on a pseudo-terminal; the test types.
 class Terminal {
 public:
     explicit Terminal(const std::vector<std::string>& arguments);
-    /// Ends the program if it still runs.
+    /// Ends the program if it is still running.
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
     void type(const std::string& keys);
 
-    /// Reads until \p text has come since the last call; false if it does not come in time. What
-    /// was read is in seen().
+    /// Reads until \p text has appeared since the last call; false if it does not appear in time.
+    /// The text that was read is in seen().
     bool waitFor(const std::string& text);
 
-    /// What came since the last successful waitFor, that included.
+    /// The text since the last successful waitFor, including what that has read.
     const std::string& seen() const { return mSeen; }
 
-    /// Waits for the end of the program and gives its exit status.
+    /// Waits for the end of the program and returns its exit status.
     int finish();
 
 private:

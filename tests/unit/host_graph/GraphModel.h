@@ -16,16 +16,16 @@
 
 namespace OrvHost {
 
-/// Masts and antennas that refer to each other (one antenna at least), antennas that refer to masts
-/// one way, and to anything without an association.
+/// Masts and antennas that refer to each other (a mast has at least one antenna); antennas also
+/// have one-way references to masts, and references without an association.
 Model graphModel();
 
-/// A picture to be put together, and the model that it is of.
+/// Builds a picture and the model that it belongs to.
 class GraphTest : public testing::Test {
 protected:
-    /// Adds an object of the tree; its parent must be there if it is to be shown.
+    /// Adds an object of the tree; if its parent is to be shown, that must have been added.
     void add(const std::string& dn, std::vector<PicturedLink> links = {});
-    /// Adds an object outside.
+    /// Adds an object outside the tree.
     void addOutside(const std::string& dn, std::vector<PicturedLink> links = {});
 
     Model mModel = graphModel();

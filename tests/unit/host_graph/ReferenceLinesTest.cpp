@@ -22,7 +22,7 @@ class ReferenceLinesTest : public GraphTest {
 protected:
     std::vector<InstanceProblem> violations() const { return violationsIn(mModel, mPicture); }
 
-    /// "from label to" with the kind's mark, and "!" where something is wrong.
+    /// "from label to" with the mark of its kind, and "!" if there is a violation.
     std::vector<std::string> lines() const {
         std::vector<std::string> texts;
         const ReferenceLines all(mClasses, mPicture, violations());

@@ -46,7 +46,8 @@ std::vector<Kind> kindsOf(const std::vector<InstanceProblem>& problems) {
     return kinds;
 }
 
-// Any first step of the right class will do: clients have other names for it than the router.
+// The first step may have any value as long as its class is right, since clients name it
+// differently from the router.
 const std::string kCell = "Network=north,Node=1,Cell=1";
 const std::string kAntenna = "Network=north,Node=1,Antenna=1";
 

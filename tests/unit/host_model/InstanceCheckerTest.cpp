@@ -22,7 +22,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-/// Objects to be checked, with the parents that every one of them needs.
+/// The objects to be checked, together with the parents that all of them need.
 class Data : public InstanceSource {
 public:
     Data() { add("Network=1").add("Network=1,Node=1"); }
@@ -75,7 +75,7 @@ std::vector<InstanceProblemKind> kindsOf(const InstanceReport& report) {
     return kinds;
 }
 
-/// A model of top-level classes for the few rules that the sample has no case of.
+/// A model of top-level classes for the few rules that the sample model does not cover.
 Model edgeModel() {
     return ModelBuilder()
         .add(ClassDraft("A").topLevel().key("id").attribute(
@@ -311,8 +311,8 @@ TEST(InstanceChecker, ValuesThatAreNoReferences_AreLeftToTheValueCheck) {
     EXPECT_THAT(textsOf(check(data)), IsEmpty());
 }
 
-// One object with as many references as there are others: time would show it if the two sides were
-// compared one by one.
+// One object with as many references as there are other objects: comparing the two sides one by one
+// would take very long.
 TEST(InstanceChecker, ObjectWithVeryManyReferences_IsComparedInReasonableTime) {
     constexpr int kCount = 100000;
     const Model model = edgeModel();

@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The messages that a builder answers with; none if it builds.
+/// The messages of a builder; none if it succeeds.
 std::vector<std::string> problemsOf(const ModelBuilder& builder) {
     std::vector<std::string> texts;
     try {

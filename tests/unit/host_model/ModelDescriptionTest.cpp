@@ -55,7 +55,7 @@ const ReferenceDescription& find(const std::vector<ClassDescription>& classes,
     throw std::out_of_range(attribute);
 }
 
-/// "attribute:target:opposite" for each.
+/// "attribute:target:opposite" for each reference.
 std::vector<std::string> referencesOf(const std::vector<ClassDescription>& classes,
                                       const std::string& owner) {
     std::vector<std::string> texts;
@@ -65,7 +65,7 @@ std::vector<std::string> referencesOf(const std::vector<ClassDescription>& class
     return texts;
 }
 
-/// What Orv::OrvException says when `call` is made.
+/// The text of the Orv::OrvException that `call` throws.
 std::string failureOf(const std::function<void()>& call) {
     try {
         call();

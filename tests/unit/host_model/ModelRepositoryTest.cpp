@@ -23,7 +23,7 @@ namespace {
 using testing::ElementsAre;
 using Handle = unsigned long long;
 
-/// The sample model behind its table, asked the way a component asks.
+/// Asks for the sample model through its table, as a component does.
 class ModelRepositoryTest : public testing::Test {
 protected:
     Handle moc(const char* dn) const {
@@ -394,7 +394,7 @@ TEST_F(ModelRepositoryTest, UnknownProperties_AreInvalidArguments) {
 
 namespace {
 
-/// A function of the table that takes one handle, with what the handle must be.
+/// A function of the table that takes one handle, and the kind that the handle must have.
 struct OneHandleCall {
     std::string name;
     HandleKind kind;

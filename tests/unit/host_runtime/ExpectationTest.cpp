@@ -32,7 +32,7 @@ Answer notUnderstood() {
     return {"", failure};
 }
 
-/// What is missing in \p answer for the expectation, whose command is left out.
+/// How \p answer differs from the expectation, which is given without a command.
 std::string missing(const std::string& clauses, const Answer& answer) {
     Words words(splitWords(clauses + " : get A=1").words);
     const Expectation expectation(words);

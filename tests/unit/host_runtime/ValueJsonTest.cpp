@@ -10,7 +10,7 @@
 namespace OrvHost {
 namespace {
 
-/// A container over slots that the test holds.
+/// A container for slots that the test owns.
 OrvMoAttributeValueContainer_3 container(std::int32_t type,
                                          std::vector<OrvMoAttributeValue_3>& slots) {
     return {type, static_cast<std::uint32_t>(slots.size()), slots.data()};

@@ -110,7 +110,7 @@ TEST(ValueParserTest, List_OfSeveralTypes_IsUsage) {
     EXPECT_THROW(parsed("[null]", ValueKind::Uint, 4), UsageError);
 }
 
-// The parser itself would take the last one.
+// The JSON parser alone would take the last one.
 TEST(ValueParserTest, Object_WithANameTwice_IsUsage) {
     EXPECT_THAT([] { parseValue(R"({"a": 1, "b": {"a": 2}, "a": 3})", nullptr); },
                 ThrowsMessage<UsageError>(HasSubstr("\"a\" stands twice in one JSON object")));

@@ -21,12 +21,12 @@ protected:
 
     /// Commits the current transaction and begins the next.
     TransactionOutcome commit();
-    /// The text of the message that came last, which is taken; empty if there is none.
+    /// Removes the latest message and returns its text; empty if there is none.
     std::string lastMessage();
 
     ThreadContext context;
     CmRouter router{model, store, context};
-    TransactionService service{context}; // behind its participant, which it calls when it goes
+    TransactionService service{context}; // after its participant, because its destructor calls that
     OrvOamSpiManagedObject_1& v1 = *router.getInterface1();
     OrvOamSpiManagedObject_3& v3 = *router.getInterface3();
     VekOamSpiManagedObject_3_1& v3_1 = *router.getInterface3_1();

@@ -14,8 +14,9 @@
 
 namespace OrvHost {
 
-/// Network (top level) holds Node and Box; Node holds Card (slot numbers, a mandatory kind) and
-/// Rack; Rack must hold one or two Fan; Box holds Box. A Node has an attribute of each kind.
+/// Network (top level) contains Node and Box; Node contains Card (numbers as names, a mandatory
+/// kind) and Rack; Rack must contain one or two Fan; Box contains Box. A Node has an attribute of
+/// each kind.
 const Model& sampleModel();
 
 inline AttributeValue text(std::string value) {
@@ -36,15 +37,15 @@ inline AttributeValue none(ValueKind kind) {
     return {kind, {}};
 }
 
-/// The names that a walk over children gives.
+/// The names that a walk over children returns.
 std::vector<std::string> namesOf(const StoreTransaction& transaction, const std::string& parent,
                                  const std::string& className);
 
-/// What \p call throws; a HostError with OrvOk and an empty text if it throws nothing.
+/// The error that \p call throws; a HostError with OrvOk and an empty text if it throws nothing.
 HostError errorOf(const std::function<void()>& call);
 OrvReturnT codeOf(const std::function<void()>& call);
 
-/// A store over the sample model with Network=1, Node=a and Node=b below it.
+/// A store over the sample model with Network=1, and Node=a and Node=b below it.
 struct SampleStore {
     SampleStore();
 

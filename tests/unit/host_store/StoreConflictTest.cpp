@@ -16,7 +16,7 @@ using testing::IsEmpty;
 const std::string kA = "Network=1,Node=a";
 const std::string kB = "Network=1,Node=b";
 
-/// Two transactions that began together.
+/// Two transactions that began at the same time.
 class StoreConflictTest : public testing::Test, protected SampleStore {
 protected:
     static void setLabel(StoreTransaction& tx, const std::string& dn, const std::string& label) {

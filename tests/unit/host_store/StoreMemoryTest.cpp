@@ -14,8 +14,8 @@
 namespace OrvHost {
 namespace {
 
-// Under a sanitizer the allocator does not count. A million is for optimised builds; the cost of an
-// object does not depend on their number.
+// A sanitizer's allocator cannot be asked for sizes. A million is for optimised builds; the cost of
+// an object does not depend on their number.
 #ifdef ORV_SANITIZED
 constexpr bool kIsSanitized = true;
 constexpr std::size_t kNetworks = 10;
@@ -46,7 +46,7 @@ std::string nodeDn(std::size_t number) {
     return networkDn(number / kNodesInANetwork) + ",Node=" + std::to_string(number);
 }
 
-/// Nine attributes of the usual mixture, two of them references of one value each.
+/// Nine attributes of a usual mixture, two of them references with one value each.
 std::vector<NamedValue> nineAttributes(std::size_t number) {
     const AttributeValue latitude{ValueKind::Double, {48.0 + static_cast<double>(number)}};
     const StructValue position{{{"latitude", latitude}, {"contact", refs({nodeDn(number ^ 1U)})}}};
@@ -74,7 +74,7 @@ void print(const char* what, double value, const char* unit) {
     std::cout << "  " << what << ": " << value << " " << unit << "\n";
 }
 
-/// One store for all tests, since filling it is what takes long.
+/// One store for all tests, because filling it takes long.
 class StoreMemoryTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {

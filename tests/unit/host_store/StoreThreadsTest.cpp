@@ -35,7 +35,8 @@ std::int64_t heightOf(const StoreTransaction& tx, const std::string& dn) {
     return value.values.empty() ? 0 : std::get<std::int64_t>(value.values.front());
 }
 
-/// Tries one transaction; false if it met a conflict, after which nothing of it may be seen.
+/// Tries one transaction; false if it met a conflict, after which none of its writes may be
+/// visible.
 bool attempt(MoStore& store, TransactionId id, const std::function<void(StoreTransaction&)>& work) {
     const auto tx = store.begin(id);
     try {
@@ -107,7 +108,7 @@ TEST(StoreThreadsTest, Transfers_UnderReaders_KeepTheSumInEverySnapshot) {
     EXPECT_EQ(sample.store.memory().history, 0U);
 }
 
-/// One write of a transaction, to be done again on another store.
+/// One write of a transaction, to be repeated on another store.
 struct Step {
     enum class Kind { Set, Create, Remove } kind;
     std::string parent; ///< or the object itself
@@ -153,7 +154,7 @@ Step randomStep(std::mt19937& random) {
     }
 }
 
-/// Runs a random transaction of a few steps and gives those that were accepted.
+/// Runs a random transaction of a few steps and returns the accepted ones.
 std::vector<Step> runSteps(StoreTransaction& tx, std::mt19937& random) {
     std::vector<Step> accepted;
     for (int left = 1 + static_cast<int>(random() % 5); left > 0; --left) {
@@ -177,7 +178,7 @@ TEST(StoreThreadsTest, RandomTransactions_Replayed_GiveTheSameState) {
     SampleStore sample;
     std::atomic<TransactionId> nextId{1};
     std::mutex mutex;
-    std::vector<std::vector<Step>> log; // in the order of the commits
+    std::vector<std::vector<Step>> log; // in the order of commits
     std::atomic<int> aborted{0};
     onThreads([&](int number) {
         std::mt19937 random(static_cast<unsigned>(number) + 100);

@@ -282,11 +282,11 @@ TEST_F(StoreTransactionTest, Next_WhileTheTransactionWrites_GivesEachLivingChild
     std::string name;
     ASSERT_TRUE(tx->next(cursor, name));
     EXPECT_EQ(name, "a");
-    tx->remove(kA);                 // behind the walk
-    tx->remove(kB);                 // ahead of it, committed
-    tx->remove("Network=1,Node=c"); // ahead of it, created here
+    tx->remove(kA);                 // already passed by the walk
+    tx->remove(kB);                 // not yet reached, committed
+    tx->remove("Network=1,Node=c"); // not yet reached, created here
     createNode("e");
-    createNode("a"); // comes again as a new object
+    createNode("a"); // created again as a new object
     std::vector<std::string> rest;
     while (tx->next(cursor, name)) {
         rest.push_back(name);

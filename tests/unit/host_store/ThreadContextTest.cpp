@@ -27,7 +27,7 @@ TEST(ThreadContextTest, AddMessage_ThroughTheTable_IsTakenInOrder) {
     EXPECT_STREQ(table->identity.interfaceVersion, "2");
     std::string text = "one";
     EXPECT_EQ(table->addMessage(1, text.c_str()), OrvOk);
-    text = "gone"; // the table borrows what it is given
+    text = "gone"; // the table only borrows the text
     EXPECT_EQ(table->addMessage(1, "two"), OrvOk);
     EXPECT_EQ(context.size(), 2U);
     const auto messages = context.take();

@@ -13,8 +13,8 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Up to two participants that write down what they are called for, and answer as they are told.
-/// Their tables are plain functions, so what they work on is static.
+/// Up to two participants that record their calls and return what the test sets. Their tables are
+/// plain functions, so their data is static.
 struct Script {
     std::vector<std::string> calls;
     std::map<std::string, OrvReturnT> answers; ///< "one.prepare": 0 if not there

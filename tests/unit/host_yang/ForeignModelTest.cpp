@@ -69,7 +69,7 @@ TEST(ForeignModel, AssociationsOfAnotherModule_Hold) {
     EXPECT_EQ(association.ends[1].role, "carriers");
     EXPECT_EQ(association.source.line, 14);
     EXPECT_EQ(model.uniDirAssociations.size(), 2U);
-    // The statement has made a reference of a plain text.
+    // The statement has turned a plain text into a reference.
     EXPECT_EQ(attributeOf(foreignModel(), "Carrier", "plainRef").type.kind, ValueKind::MoRef);
 }
 

@@ -132,7 +132,7 @@ TEST(InstanceDataErrors, BehindTheData_AnythingButBlanks_IsRefusedWithItsLine) {
               2U);
 }
 
-// The parser lets these through, or takes a zero byte for the end.
+// The parser accepts these, or takes a zero byte for the end.
 TEST(InstanceDataErrors, NoUtf8OrControlCharacters_AreRefusedWithTheirLine) {
     const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
     const std::string head = "<Site xmlns=\"urn:orv:test:site\">\n<id><![CDATA[a";

@@ -44,7 +44,7 @@ std::string environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-/// Runs the program; gives its exit code. What it writes goes to `output`.
+/// Runs the program and returns its exit code. Its output goes to `output`.
 int runGenerator(const std::string& arguments, const std::filesystem::path& output) {
     const std::string command =
         environment("ORV_RAN_GENERATE") + " " + arguments + " > " + output.string() + " 2>&1";

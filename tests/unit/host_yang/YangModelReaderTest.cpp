@@ -104,7 +104,7 @@ TEST(YangModelReader, Multiplicity_IsThatOfTheStatements) {
     EXPECT_EQ(bounds(site("bands")), "0..3");
     EXPECT_EQ(bounds(site("doors")), "1..2");
     EXPECT_EQ(bounds(site("names")), "0..unbounded");
-    EXPECT_EQ(bounds(site("place")), "1..1"); // for the mandatory leaf in it
+    EXPECT_EQ(bounds(site("place")), "1..1"); // because of the mandatory leaf in it
     EXPECT_EQ(bounds(site("extra")), "0..1");
     EXPECT_EQ(bounds(site("slot")), "0..4");
 }
@@ -186,7 +186,7 @@ TEST(YangModelReader, BiDirAssociation_EndsAreNamedAfterTheAttributesThatPointAt
     const AssociationEnd& antenna = association.ends[1];
     EXPECT_EQ(siteModel().model.classes[mast.moc].name, "Mast");
     EXPECT_EQ(mast.name, "mast");
-    EXPECT_EQ(mast.cardinality.lower, 0); // as of the leaf
+    EXPECT_EQ(mast.cardinality.lower, 0); // the same as for the leaf
     EXPECT_EQ(mast.cardinality.upper, 1);
     EXPECT_EQ(mast.role, "Mast");
     EXPECT_FALSE(mast.keepAtDelete);
@@ -250,7 +250,7 @@ TEST(YangModelReader, Notes_OfOneKind_AreCounted) {
 TEST(YangModelReader, Load_ByFile_FindsImportsBesideIt) {
     const YangModel model =
         YangModelReader().load(testData("models/site-extension.yang").string()).read();
-    EXPECT_TRUE(model.model.findClass("Site")); // augmented, and so there
+    EXPECT_TRUE(model.model.findClass("Site")); // augmented, and therefore present
     EXPECT_TRUE(model.model.findClass("Fence"));
 }
 

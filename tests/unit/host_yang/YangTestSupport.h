@@ -21,7 +21,7 @@ namespace OrvHost {
 std::filesystem::path testData(const std::string& name);
 std::filesystem::path exampleFile(const std::string& name);
 
-/// A directory that goes with the object.
+/// A directory that is deleted with this object.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();
@@ -36,7 +36,7 @@ private:
     std::filesystem::path mPath;
 };
 
-/// The modules of `data/models`, read once each.
+/// The modules of `data/models`, read only once.
 const YangModel& siteModel();
 const YangModel& foreignModel();
 /// The example's model, from the files in the examples.
@@ -47,7 +47,7 @@ YangModel modelOf(const std::string& moduleText);
 /// The body of `module m`, in which the prefix of the associations is `orv`.
 YangModel modelOfBody(const std::string& body);
 
-/// What is wrong with a model: the text of the ModelError that the action throws, or nothing.
+/// The problems of a model: the text of the ModelError that the action throws, or nothing.
 std::string modelErrorOf(const std::function<void()>& action);
 /// The same for instance data.
 std::string dataErrorOf(const std::function<void()>& action);
@@ -58,9 +58,9 @@ std::vector<DataObject> readObjectsOf(const YangModel& model, const std::string&
 std::string writeObjects(const YangModel& model, DataFormat format,
                          const std::vector<DataObject>& objects);
 
-/// What the checker finds. Bare objects whose DN was there before are left out.
+/// The checker's report. A bare object is left out if its DN came before.
 InstanceReport checkObjects(const YangModel& model, const std::vector<DataObject>& objects);
-/// Its problems, one a line.
+/// The problems in it, one on each line.
 std::string problemsOf(const YangModel& model, const std::vector<DataObject>& objects);
 
 const ClassDef& classOf(const YangModel& model, std::string_view name);
@@ -70,8 +70,8 @@ const DataObject& objectOf(const std::vector<DataObject>& objects, std::string_v
 /// The attribute's values as text, "[a, b]"; "absent" if there is no such attribute.
 std::string valueOf(const DataObject& object, std::string_view attribute);
 
-/// The first object, with its attributes, that only one of the two holds; empty if they hold the
-/// same, in whatever order.
+/// The first object, with its attributes, that only one of the two lists contains; empty if both
+/// contain the same objects in any order.
 std::string differenceOf(const std::vector<DataObject>& left, const std::vector<DataObject>& right);
 
 }

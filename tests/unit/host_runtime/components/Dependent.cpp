@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Sound: requires Numbers of any component, version 1, and offers nothing.
+// Correct: requires Numbers of any component, version 1, and offers nothing.
 
 #include "TestComponent.h"
 

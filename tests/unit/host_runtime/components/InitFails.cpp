@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: orvLCMinit answers a code and registers nothing.
+// Wrong on purpose: orvLCMinit returns an error code and registers nothing.
 
 #include "TestComponent.h"
 

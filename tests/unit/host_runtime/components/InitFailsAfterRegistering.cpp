@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: orvLCMinit registers, answers a code, and nothing takes the registration back.
+// Wrong on purpose: orvLCMinit registers a component and returns an error code, and nothing
+// unregisters the component.
 
 #include "TestComponent.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: orvLCMinit lets an exception out after it has registered.
+// Wrong on purpose: orvLCMinit throws after it has registered a component.
 
 #include "TestComponent.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Sound, but registers through the portal of version "1" and never takes that back.
+// Correct, but registers through the portal of version "1" and never unregisters.
 
 #include "TestComponent.h"
 

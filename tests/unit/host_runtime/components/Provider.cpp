@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Sound: offers TestProvider/Numbers version 1 and requires nothing.
+// Correct: offers TestProvider/Numbers version 1 and requires nothing.
 
 #include "TestComponent.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Odd on purpose: announces a second component from inside the start of the first, and takes the
-// registration of neither back.
+// Unusual on purpose: registers a second component in the start of the first, and unregisters
+// neither.
 
 #include "TestComponent.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: start answers a code. Offers Numbers all the same.
+// Wrong on purpose: start returns an error code. The component still offers Numbers.
 
 #include "TestComponent.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: start lets an exception out.
+// Wrong on purpose: start throws.
 
 #include "TestComponent.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: stop lets something out that is no std::exception.
+// Wrong on purpose: stop throws something that is not a std::exception.
 
 #include "TestComponent.h"
 

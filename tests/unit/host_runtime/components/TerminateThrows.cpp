@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Wrong on purpose: orvLCMterminate lets an exception out.
+// Wrong on purpose: orvLCMterminate throws.
 
 #include "TestComponent.h"
 

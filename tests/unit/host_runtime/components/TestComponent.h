@@ -15,7 +15,7 @@
 
 namespace TestComponents {
 
-/// What the tests' host offers, so that components can tell what happens to them.
+/// A table of the tests' host, with which components report what happens to them.
 struct Recorder {
     OrvMgmtSpiInterface_1 identity;
     void (*record)(const char* event);
@@ -23,7 +23,7 @@ struct Recorder {
 
 constexpr OrvMgmtSpiInterface_1 kRecorderIdentity{"TestHost", "Recorder", "1"};
 
-/// The least that a component needs. Speaks to the portal of one version throughout.
+/// A minimal component. Uses the portal of one version for everything.
 class TestComponent {
 public:
     using Step = OrvReturnT (*)(OrvStateChangeReason);
@@ -73,7 +73,8 @@ private:
     Recorder* mRecorder = nullptr;
 };
 
-/// The one component of the shared object that this is compiled into; each defines it.
+/// The only component of the shared object that this is compiled into; each shared object defines
+/// it.
 TestComponent& component();
 
 inline OrvReturnT tellStart(OrvStateChangeReason) {
