@@ -18,7 +18,7 @@ OrvReturnT CellStateComponent::initialize(const char* /*argument*/) {
 
 void CellStateComponent::terminate() {}
 
-// The host may start what is started, and stop what is not.
+// The host may call start when the component is started, and stop when it is not.
 OrvReturnT CellStateComponent::start(OrvStateChangeReason /*reason*/) {
     if (mEntered) {
         return OrvOk;

@@ -93,7 +93,7 @@ OrvReturnT CellStateInterceptor::getMoAttributes(unsigned long txHandle, const c
     }
     OwnedResult<OrvMoAttributeValuesResult_3> source(read);
     if (isEmpty(read)) {
-        return OrvFailure; // a router that answers with nothing has not answered
+        return OrvFailure; // OrvOk without values is no answer
     }
     auto states = std::make_unique<StateValues>(attrNames, std::move(source));
     result->release = &StateValues::release;

@@ -9,7 +9,7 @@
 #include <utility>
 
 // [give-back]
-/// Hands a result back to its producer. Each of the fields may be null.
+/// Lets the producer of a result release it. Each of the fields may be null.
 inline void giveBack(const OrvMoAttributeValueResult_3& result) {
     if (result.release != nullptr && result.container != nullptr) {
         result.release(result.container);
