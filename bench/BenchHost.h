@@ -43,7 +43,7 @@ struct Side {
 /// A mast's `antennas` and an antenna's `mast` are the two sides of an association. `neighbours`
 /// of a mast point to masts and nothing points back. One object lives in a process.
 ///
-/// Threads: as the host. Objects that threads write are told apart by the workloads.
+/// Threads: as the host. The workloads give each thread its own objects to write.
 class BenchHost {
 public:
     /// The sizes for which growth is measured; also the numbers of antennas of the sites.

@@ -77,7 +77,7 @@ private:
     void index(const ValueShape& shape);
 
     std::shared_ptr<const YangContext> mContext;
-    std::deque<ObjectShape> mObjects; // addresses are handed out
+    std::deque<ObjectShape> mObjects; // a deque, because callers keep addresses
     std::vector<const ObjectShape*> mTop;
     std::unordered_set<const lysc_node*> mTransparent;
     std::unordered_map<const lysc_node*, const ObjectShape*> mObjectAt;

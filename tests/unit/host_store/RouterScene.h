@@ -14,7 +14,7 @@
 
 namespace OrvHost {
 
-/// The sample store behind a router with a transaction service, and the router's tables.
+/// A router over the sample store, with a transaction service, and the router's tables.
 class RouterScene : public testing::Test, protected SampleStore {
 protected:
     RouterScene();
