@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kInterval{100};
 constexpr std::uint64_t kWidth = 30;
-constexpr const char* kEraseLine = "\r\x1b[K";
+constexpr const char* kEraseLine = "\r\x1b[K"; // to column one, then erase to the end of the line
 
 }
 

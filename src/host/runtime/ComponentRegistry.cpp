@@ -170,6 +170,7 @@ void ComponentRegistry::start(const EntryPtr& entry, OrvStateChangeReason reason
 
 std::vector<ComponentReport> ComponentRegistry::stopAll(OrvStateChangeReason reason) {
     std::vector<ComponentReport> reports;
+    // The loop ends, because stop always removes the component from mStarted, even if it fails.
     while (const EntryPtr last = lastStarted()) {
         reports.push_back(stop(last, reason));
     }

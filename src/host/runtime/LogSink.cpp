@@ -70,6 +70,7 @@ std::string jsonLine(const Orv::LogRecord& record) {
     document["line"] = record.line;
     document["function"] = record.function;
     document["text"] = record.text;
+    // A component may log any bytes; by default invalid UTF-8 would throw.
     return document.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 

@@ -61,6 +61,8 @@ void DnIndex::erase(std::uint32_t hash, NodeId node) noexcept {
     // Entries that a collision moved to a place after the hole move up, so that no search ends too
     // early.
     for (std::size_t at = (hole + 1) & mMask; mSlots[at].node != kNoNode; at = (at + 1) & mMask) {
+        // A search for an entry starts at its home, so it may move only if the hole is not before
+        // that.
         const std::size_t distanceFromHome = (at - mSlots[at].hash) & mMask;
         const std::size_t distanceFromHole = (at - hole) & mMask;
         if (distanceFromHome >= distanceFromHole) {

@@ -61,6 +61,7 @@ const MoRecord& MoTree::recordAt(NodeId id, CommitNumber at) const {
     if (one.changedAt <= at) {
         return one.record;
     }
+    // Oldest first: the first record that was replaced after the snapshot is the one that it shows.
     const std::vector<OldRecord>& older = mHistory.at(id);
     return std::find_if(older.begin(), older.end(),
                         [at](const OldRecord& old) { return old.replacedAt > at; })
@@ -99,6 +100,7 @@ NodeId MoTree::nextSibling(NodeId id, CommitNumber at) const {
 
 std::uint64_t MoTree::countChildren(NodeId parent, ClassIndex moc, CommitNumber at) const {
     const ChildGroup* children = findGroup(parent, moc);
+    // No child was added or deleted since the snapshot, so the latest number is right for it, too.
     if (children == nullptr || children->changedAt <= at) {
         return children == nullptr ? 0 : children->liveCount;
     }
@@ -188,6 +190,7 @@ void MoTree::stage(TreeChange& change) {
     if (change.modified.empty() && change.deleted.empty()) {
         return;
     }
+    // With this memory reserved, replace and bury cannot fail.
     Garbage garbage;
     garbage.replaced.reserve(change.modified.size());
     garbage.deleted.reserve(change.deleted.size());
@@ -227,6 +230,7 @@ void MoTree::replace(NodeId id, MoRecord& record, CommitNumber number) noexcept 
 
 void MoTree::bury(NodeId id, CommitNumber number) noexcept {
     MoNode& one = mNodes[id];
+    // The node keeps its links and its entry in the index, because older snapshots still show it.
     one.deletedAt = number;
     ChildGroup& siblings = *group(one.parent, one.moc);
     --siblings.liveCount;
@@ -290,6 +294,7 @@ void MoTree::reclaim(CommitNumber oldest, std::size_t limit) noexcept {
         for (const NodeId id : garbage.replaced) {
             dropOldRecord(id, garbage.number);
         }
+        // The next call comes back to this commit if the limit leaves some of its deleted objects.
         garbage.replaced.clear();
         for (; limit > 0 && garbage.done < garbage.deleted.size(); --limit) {
             unlink(garbage.deleted[garbage.done++]);

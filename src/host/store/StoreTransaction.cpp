@@ -344,6 +344,7 @@ void StoreTransaction::remove(const std::string& dn) {
         }
         appendChildren(next, all);
     }
+    // Children before their parents.
     for (auto next = all.rbegin(); next != all.rend(); ++next) {
         if (next->created == nullptr) {
             mOverlay.markDeleted(next->node);

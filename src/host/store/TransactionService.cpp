@@ -179,6 +179,7 @@ OrvReturnT TransactionService::join(unsigned long txHandle, Resource* resource) 
         if (joined->isEnrolled(resource)) {
             return OrvOk;
         }
+        // Added before the call of its slot, so that a join during that call finds it enrolled.
         joined->participants.push_back(resource);
     }
     const OrvReturnT code = call(resource->join, txHandle);
@@ -251,10 +252,12 @@ void TransactionService::commitAll(const Transaction& transaction,
         if (code == OrvOk) {
             continue;
         }
+        // Nothing is committed yet, so the whole transaction can still be aborted.
         if (at == 0) {
             refuse(outcome, code, answered(*next, "commit", code));
             return;
         }
+        // Others have committed: it is too late to abort.
         addReason(outcome, answered(*next, "commit", code));
     }
 }
@@ -300,6 +303,7 @@ TransactionOutcome TransactionService::commit(unsigned long txHandle,
     }
     const std::size_t mark = mThreadContext.size();
     validateAll(*taken, outcome);
+    // Participants that join during validate are asked as well; later ones would miss that phase.
     closeToJoiners(*taken);
     if (outcome.accepted) {
         prepareAll(*taken, outcome);
@@ -315,6 +319,7 @@ TransactionOutcome TransactionService::commit(unsigned long txHandle,
         abortParticipants(*taken, outcome);
     }
     finish(*taken, outcome);
+    // Messages that came during abort and finish.
     for (ThreadContext::Message& message : mThreadContext.take(mark)) {
         outcome.messages.push_back(std::move(message));
     }

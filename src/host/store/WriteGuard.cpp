@@ -104,6 +104,7 @@ void WriteGuard::requireUnchanged(NodeId node, ClaimTable::Kind kind) {
     if (stamps.createdAt > mSnapshot) {
         failForCommit(dnOf(node) + " was created", stamps.createdAt);
     }
+    // A change of the parent's attributes does not conflict with new children.
     if (kind != ClaimTable::Kind::CreateUnder && stamps.changedAt > mSnapshot) {
         failForCommit(dnOf(node) + " was changed", stamps.changedAt);
     }

@@ -138,6 +138,7 @@ std::string breakdown(int status) {
 // ends, too.
 void endWithParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may have ended before the request was made.
     if (getppid() != parent) {
         _exit(1);
     }
@@ -147,6 +148,7 @@ void endWithParent(pid_t parent) {
                              Pipe& pipe) {
     pipe.closeReader();
     endWithParent(parent);
+    // What components print must not be mixed into the report.
     dup2(STDERR_FILENO, STDOUT_FILENO);
     const ScenarioResult result =
         runScenario(options, file, [&](int line) { pipe.write(std::to_string(line) + "\n"); });
@@ -167,6 +169,7 @@ ScenarioResult resultOf(const std::string& file, const Told& told, int status) {
     const std::string problem = breakdown(status);
     if (!problem.empty()) {
         result.isBroken = true;
+        // Without a result, the process failed at the last line that it reported.
         result.failures.push_back({told.result ? 0 : told.lastLine, problem});
     }
     return result;
@@ -176,6 +179,7 @@ ScenarioResult resultOf(const std::string& file, const Told& told, int status) {
 
 ScenarioResult runScenarioProcess(const Options& options, const std::string& file) {
     const auto start = std::chrono::steady_clock::now();
+    // Otherwise both processes would print the text that is still in the buffer.
     std::cout.flush();
     Pipe pipe;
     const pid_t parent = getpid();
@@ -186,6 +190,8 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
     if (child == 0) {
         runInChild(options, file, parent, pipe);
     }
+    // Reading ends when the last writer has closed its end. It must come before waiting, because a
+    // child that writes into a full pipe does not end.
     pipe.closeWriter();
     const Told told = parseTold(pipe.readAll());
     ScenarioResult result = resultOf(file, told, waitFor(child));
