@@ -57,7 +57,7 @@ public:
     OrvMoNamedAttributeValueContainer_3** named(const NamedValues& attributes) {
         std::vector<OrvMoNamedAttributeValueContainer_3*> pointers;
         for (const auto& [name, value] : attributes) {
-            mNamed.push_back({text(name), containerOf(value)});
+            mNamed.push_back({nameText(name), containerOf(value)});
             pointers.push_back(&mNamed.back());
         }
         pointers.push_back(nullptr);
@@ -87,11 +87,13 @@ private:
         return Container{value.type(), value.count(), kept.empty() ? nullptr : kept.data()};
     }
 
+    const char* nameText(const std::string& name) { return name == kNoName ? nullptr : text(name); }
+
     SlotRecord slotOf(std::int32_t type, const Slot& slot) {
         SlotRecord record = {};
         record.uint64 = slot.raw;
-        if (type == OrvMoAttributeTypeStruct_3) {
-            record.structValue = slot.members ? membersOf(*slot.members) : nullptr;
+        if (type == OrvMoAttributeTypeStruct_3 && slot.members) {
+            record.structValue = membersOf(*slot.members);
         } else if (slot.text) {
             record.string = text(*slot.text);
         }
@@ -103,7 +105,7 @@ private:
         MemberRecord* last = nullptr;
         for (const Member& each : members) {
             mMembers.push_back(
-                {text(each.name), each.value ? container(*each.value) : nullptr, nullptr});
+                {nameText(each.name), each.value ? container(*each.value) : nullptr, nullptr});
             (last == nullptr ? first : last->next) = &mMembers.back();
             last = &mMembers.back();
         }

@@ -3,6 +3,7 @@
 
 #include "Value.h"
 
+#include <algorithm>
 #include <ostream>
 #include <sstream>
 
@@ -11,6 +12,7 @@ namespace Scripted {
 namespace {
 
 constexpr int kReadDepth = 40;
+constexpr std::uint64_t kFirstPage = 4096; ///< nothing lies there
 
 bool holdsText(std::int32_t type) {
     return type == OrvMoAttributeTypeString_3 || type == OrvMoAttributeTypeMoRef_3 ||
@@ -40,6 +42,9 @@ std::string membersText(const Members& members) {
 }
 
 std::string slotText(std::int32_t type, const Slot& slot) {
+    if (slot.raw != 0) {
+        return std::to_string(slot.raw);
+    }
     if (holdsText(type)) {
         return quoted(slot.text ? slot.text->c_str() : nullptr);
     }
@@ -95,7 +100,7 @@ std::shared_ptr<const Members> readMembers(const StructMember* first, int depth)
     }
     auto members = std::make_shared<Members>();
     for (const StructMember* each = first; each != nullptr; each = each->next) {
-        members->push_back(bareMember(each->name != nullptr ? each->name : "(null)"));
+        members->push_back(bareMember(each->name != nullptr ? each->name : kNoName));
         if (each->value != nullptr) {
             members->back().value = std::make_shared<Value>(read(*each->value, depth + 1));
         }
@@ -107,10 +112,10 @@ template <class Container>
 Slot readSlot(const Container& container, std::uint32_t index, int depth) {
     const auto& record = container.values[index];
     Slot slot;
-    if (holdsText(container.type)) {
-        if (record.string != nullptr) {
-            slot.text = record.string;
-        }
+    if (record.uint64 < kFirstPage) {
+        slot.raw = record.uint64;
+    } else if (holdsText(container.type)) {
+        slot.text = record.string;
     } else if (container.type == OrvMoAttributeTypeStruct_3) {
         slot.members = readMembers(record.structValue, depth);
     } else {
@@ -125,10 +130,10 @@ Value read(const Container& container, int depth) {
         return none(0);
     }
     std::vector<Slot> slots;
-    for (std::uint32_t i = 0; i < container.count; ++i) {
+    for (std::uint32_t i = 0; container.values != nullptr && i < container.count; ++i) {
         slots.push_back(readSlot(container, i, depth));
     }
-    return Value(container.type, std::move(slots));
+    return Value(container.type, std::move(slots)).counting(container.count);
 }
 
 }
@@ -157,6 +162,9 @@ std::string Value::text() const {
     for (std::size_t i = 0; i < mSlots.size(); ++i) {
         out << (i > 0 ? ", " : "") << slotText(mType, mSlots[i]);
     }
+    if (mSlots.empty() && mCount != 0) {
+        out << mCount << " without an array";
+    }
     out << ']';
     return out.str();
 }
@@ -165,7 +173,11 @@ bool operator==(const Value& left, const Value& right) {
     if (left.mType != right.mType || left.mCount != right.mCount) {
         return false;
     }
-    for (std::uint32_t i = 0; i < left.mCount; ++i) {
+    const std::size_t held = std::min<std::size_t>(left.mCount, left.mSlots.size());
+    if (held != std::min<std::size_t>(right.mCount, right.mSlots.size())) {
+        return false;
+    }
+    for (std::size_t i = 0; i < held; ++i) {
         if (!sameSlot(left.mSlots[i], right.mSlots[i])) {
             return false;
         }
@@ -247,7 +259,8 @@ std::optional<Value> readValue(const OrvMoAttributeValueContainer* container) {
 NamedValues readNamed(OrvMoNamedAttributeValueContainer_3* const* attributes) {
     NamedValues read;
     for (; attributes != nullptr && *attributes != nullptr; ++attributes) {
-        read.emplace_back((*attributes)->name, *readValue(&(*attributes)->value));
+        const char* const name = (*attributes)->name;
+        read.emplace_back(name != nullptr ? name : kNoName, *readValue(&(*attributes)->value));
     }
     return read;
 }

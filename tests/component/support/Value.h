@@ -18,6 +18,9 @@ namespace Scripted {
 
 class Value;
 
+/// Where a name stands: the null pointer in the record.
+constexpr char kNoName[] = "(null)";
+
 /// One member of a struct value. A null \p value stands for the null pointer in the record.
 struct Member {
     std::string name;
@@ -27,7 +30,8 @@ struct Member {
 using Members = std::vector<Member>;
 
 /// One slot of a value: a text (which may be the null pointer), a struct (which may be the null
-/// pointer), or 8 opaque bytes. Which of them holds is told by the type of the value.
+/// pointer), or 8 opaque bytes. Which of them holds is told by the type of the value; bytes in the
+/// place of a text or struct are a pointer that nobody may follow.
 struct Slot {
     std::optional<std::string> text;
     std::shared_ptr<const Members> members;
@@ -45,7 +49,8 @@ public:
     const std::vector<Slot>& slots() const { return mSlots; }
     bool hasArray() const { return mHasArray; }
 
-    /// The same with another number in `count`, so that the record can lie about its array.
+    /// The same with another number in `count`, so that the record can lie about its array, which
+    /// is the null pointer if there are no slots.
     Value counting(std::uint32_t count) const;
 
     /// The same with a `values` pointer that is not null although there is no slot.
@@ -92,7 +97,8 @@ std::string textOf(const NamedValues& attributes);
 std::string quoted(const char* text);
 
 /// Reads a record of version 3, to a limited depth: what lies deeper is read as an empty value of
-/// type 0. \p container may be null, which gives nothing.
+/// type 0. Null pointers are read as such wherever they stand, and no pointer is followed that is
+/// too small to be one. \p container may be null, which gives nothing.
 std::optional<Value> readValue(const OrvMoAttributeValueContainer_3* container);
 /// The same for a record of version 1.
 std::optional<Value> readValue(const OrvMoAttributeValueContainer* container);
