@@ -36,6 +36,13 @@ void Departure::runs(std::function<void()> work) {
     };
 }
 
+void Departure::shows(std::function<void(const Call&)> look) {
+    mAction = [look = std::move(look)](const Call& call, const Act& act) {
+        look(call);
+        return act();
+    };
+}
+
 bool Departure::takes(const Call& call) {
     if (!mAction || call.name != mCall) {
         return false;

@@ -54,6 +54,8 @@ public:
     }
     /// \p work first, then what the function always does.
     void runs(std::function<void()> work);
+    /// \p look at the call first, while its pointers are good, then what the function always does.
+    void shows(std::function<void(const Call&)> look);
     /// \p answer takes the place of the function; \p Out is the type of what the function's out
     /// parameter points at.
     template <class Out>
