@@ -6,8 +6,10 @@
 #include "OrvReturnText.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <set>
 #include <string>
+#include <thread>
 
 TEST(OrvException, WithoutCode_IsFailureWithFormattedText) {
     const Orv::OrvException thrown("part [%s] number %d", "a=1", 7);
@@ -56,6 +58,23 @@ TEST(OrvReturn, Strerror_CodeOfTheHost_KeepsItsNumber) {
     for (const OrvReturnT code : {1, 3, -4, -77, 2147483647, -2147483647 - 1}) {
         EXPECT_EQ(Orv::OrvReturn::strerror(code), "unknown return code " + std::to_string(code));
     }
+}
+
+TEST(OrvReturn, Strerror_OneCodeAfterTheOther_EachIsToldAndNamesStay) {
+    const char* const name = Orv::OrvReturn::strerror(OrvNotExist);
+    EXPECT_STREQ(Orv::OrvReturn::strerror(std::numeric_limits<OrvReturnT>::min()),
+                 "unknown return code -2147483648");
+    EXPECT_STREQ(Orv::OrvReturn::strerror(-42), "unknown return code -42");
+    EXPECT_STREQ(Orv::OrvReturn::strerror(7), "unknown return code 7");
+    EXPECT_STREQ(name, "OrvNotExist");
+}
+
+TEST(OrvReturn, Strerror_AnotherThreadAsks_TheTextStays) {
+    const char* const mine = Orv::OrvReturn::strerror(-42);
+    std::string other;
+    std::thread([&] { other = Orv::OrvReturn::strerror(4711); }).join();
+    EXPECT_STREQ(mine, "unknown return code -42");
+    EXPECT_EQ(other, "unknown return code 4711");
 }
 
 TEST(OrvReturn, Values_AreTheOnesOfTheHost) {
