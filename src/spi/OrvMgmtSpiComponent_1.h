@@ -9,6 +9,9 @@
 
 #include <cstddef>
 
+/// \file
+/// What a component is to its host. Conventions: OrvConventions.h.
+
 /// Why the host starts or stops a component. The values are the host's; a component may ignore
 /// them.
 enum OrvStateChangeReason : int {
@@ -17,31 +20,46 @@ enum OrvStateChangeReason : int {
     OrvStateChangeReasonRequested = 2     ///< an operator asked for this one component
 };
 
-/// What a component tells the host about itself. Allocated and owned by the component, which keeps
-/// it, and the arrays behind it, from registration until the shared object is closed. A component
-/// that is initialised a second time may move its arrays: a host reads them through the record.
+/// What a component tells the host about itself. Owned by the component, with all that hangs from
+/// it, from registration until the shared object is closed. The arrays may move when orvLCMinit is
+/// called again: a host reads them through the record each time. The host writes to nothing here.
+///
+/// The arrays point at identities. Each entry of interfaceArray is the head of a table that the
+/// component offers; the table may be called while the component is started.
 struct OrvMgmtSpiComponent_1 {
     const char* componentName;    ///< unique in the host
     const char* interfaceName;    ///< "OrvMgmtSpiComponent"
     const char* interfaceVersion; ///< "1"
 
-    /// Offered interfaces, ended by a null pointer. Each entry points at a table.
+    /// Offered interfaces, ended by a null pointer.
     VekMgmtSpiInterface_1** interfaceArray;
 
-    /// Required interfaces, ended by a null pointer. Fields of an entry may be null.
+    /// Required interfaces, ended by a null pointer: what the host starts first. Fields of an entry
+    /// may be null. The component looks nothing up from this list, and looks up more than it names.
     VekMgmtSpiInterface_1** dependencyArray;
 
-    /// Called by the host on one thread, after registration, while no offered table is in use.
-    /// A non-zero code leaves the component to the host as not started; start may be tried again.
+    /// Starts the component: it looks up the tables that it needs.
+    /// When:  registered, on one thread, and no offered slot is called until it has returned. The
+    ///        portal is called from inside. A start while started is legal: the routers of its own
+    ///        tables are kept, all else is looked up again.
+    /// Codes: OrvOk; any other means not started. The component answers OrvFailure if a router of
+    ///        version "1", "3" or "3_1" is missing. It may then be started again, or stopped, which
+    ///        lets go of what was taken. Without the transaction table, the model or the thread
+    ///        context it starts all the same; their headers say what does not work then.
     OrvReturnT (*start)(OrvStateChangeReason reason);
 
-    /// Called by the host on one thread, after the last call into an offered table has returned.
+    /// Stops the component: it lets go of all tables and of what it keeps for transactions.
+    /// When:  on one thread, when the last call of an offered slot has returned and all
+    ///        transactions have ended. A stop while stopped is legal. A transaction that is still
+    ///        open loses its iterators, its values of version 1 and its references that wait for
+    ///        validation.
+    /// Codes: OrvOk. OrvFailure only if a lock of the component fails: it is then stopped in part.
     OrvReturnT (*stop)(OrvStateChangeReason reason);
 
     /// Never null; holds at least the null pointer that ends it.
     VekMgmtSpiInterface_1** emptyInterfaceArray;
 
-    bool componentFlag; ///< reserved for the host
+    bool componentFlag; ///< reserved for the host; false
 };
 
 static_assert(offsetof(OrvMgmtSpiComponent_1, componentName) == 0, "word 0");

@@ -10,14 +10,26 @@
 
 #include <cstddef>
 
+/// \file
+/// The way into the host: how a component registers, and how it finds the tables of others.
+/// Conventions: OrvConventions.h.
+///
+/// The component needs a portal of version "1" and looks everything up there. If the host also has
+/// one of version "3", the component registers and unregisters there instead. A host with version
+/// "3" alone is refused.
+
 /// A slot that keeps its place in a table and is never called by a client of these headers.
 typedef void (*OrvReservedSlot)();
 
-/// The way to the host's portal tables, handed to orvLCMinit. Owned by the host, valid until the
-/// component is unloaded. It has no identity fields.
+/// The way to the host's portal tables, handed to orvLCMinit. Owned by the host until the shared
+/// object is closed. It has no identity fields.
 struct OrvMgmtSpiInterfacePortalAccessor {
-    /// Gives the portal table of \p version ("1" or "3"), or null if the host has none. The table
-    /// is owned by the host and lives as long as the accessor.
+    /// First word. Finds a portal table of the host.
+    /// In:    \p version, "1" or "3".
+    /// Out:   the result: the table, owned by the host until the shared object is closed; null if
+    ///        the host has no portal of that version.
+    /// When:  within orvLCMinit, on its thread, for "1" and then for "3". Again if orvLCMinit is
+    ///        called again.
     void* (*getPortal)(const char* version);
 };
 
@@ -25,27 +37,56 @@ struct OrvMgmtSpiInterfacePortalAccessor {
 struct OrvMgmtSpiInterfacePortal_1 {
     OrvMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Looks up the table that a component offers under \p id. On OrvOk \p result holds the
-    /// table, owned by the component that offers it and valid until that component is stopped.
+    /// Slot 1. Finds the table that the host or a component offers.
+    /// In:    the texts of \p id are borrowed. A null component name or version asks for any.
+    /// Out:   \p result, with OrvOk: the table, owned by what offers it until that is stopped. With
+    ///        another code leave it alone: the component keeps what is written there.
+    /// When:  within the component's `start`, on its thread, so with no lock held that a lookup
+    ///        needs; the helper library and interceptors call it at any time while they are
+    ///        started. A table of another component can be found once that is started.
+    /// Codes: OrvOk; any other means that there is no such table. OrvOk with a null counts as not
+    ///        found. The component asks again at its next `start` only.
     OrvReturnT (*getInterface)(VekMgmtSpiInterface_1 id, void** result);
 
     OrvReservedSlot reserved2;
 
-    /// Slot 3. Announces a component. The record is the component's and must outlive its
-    /// registration. The host does not call start before orvLCMinit has returned.
+    /// Slot 3. Announces a component.
+    /// In:    \p component, owned by the component until its shared object is closed; not borrowed
+    ///        for the call only. See the record for what in it may move.
+    /// When:  within orvLCMinit, on its thread. The host calls `start` only after orvLCMinit has
+    ///        returned OrvOk: the component is not ready before. If orvLCMinit is called again, the
+    ///        same record comes again.
+    /// Codes: OrvOk; any other ends orvLCMinit, which answers with it.
     OrvReturnT (*registerComponent)(OrvMgmtSpiComponent_1* component);
 
     /// Slot 4. Takes back what registerComponent announced.
+    /// In:    \p component, the record that was announced; the host forgets it.
+    /// When:  within orvLCMterminate, on its thread, when the component is stopped.
+    /// Codes: not looked at.
+    /// Why:   the component calls this slot in the portal of version "3" only. A component that
+    ///        registered in this table stays registered: the host drops the record itself before it
+    ///        closes the shared object.
     OrvReturnT (*unregisterComponent)(OrvMgmtSpiComponent_1* component);
 };
 
 /// Portal of version "3": the slots of version "1".
 struct OrvMgmtSpiInterfacePortal_3 {
     OrvMgmtSpiInterface_1 identity;
-    OrvReturnT (*getInterface)(VekMgmtSpiInterface_1 id, void** result); ///< slot 1
+
+    /// Slot 1. Finds a table. The component does not call it here.
+    /// As:    OrvMgmtSpiInterfacePortal_1::getInterface.
+    OrvReturnT (*getInterface)(VekMgmtSpiInterface_1 id, void** result);
+
     OrvReservedSlot reserved2;
-    OrvReturnT (*registerComponent)(OrvMgmtSpiComponent_1* component);   ///< slot 3
-    OrvReturnT (*unregisterComponent)(OrvMgmtSpiComponent_1* component); ///< slot 4
+
+    /// Slot 3. Announces a component.
+    /// As:    OrvMgmtSpiInterfacePortal_1::registerComponent.
+    OrvReturnT (*registerComponent)(OrvMgmtSpiComponent_1* component);
+
+    /// Slot 4. Takes back what registerComponent announced. The second and later orvLCMterminate do
+    /// not call it, unless orvLCMinit was called in between.
+    /// As:    OrvMgmtSpiInterfacePortal_1::unregisterComponent.
+    OrvReturnT (*unregisterComponent)(OrvMgmtSpiComponent_1* component);
 };
 
 static_assert(offsetof(OrvMgmtSpiInterfacePortalAccessor, getPortal) == 0, "first word");

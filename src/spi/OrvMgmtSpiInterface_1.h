@@ -6,9 +6,13 @@
 
 #include <cstddef>
 
+/// \file
+/// Identity of an interface. Conventions: OrvConventions.h.
+
 /// Identity of an interface, and the head of every table: a pointer to a table is also a pointer to
-/// its identity. The texts are constants with static lifetime. In a list of required interfaces a
-/// field may be null, which asks for no particular component or version.
+/// its identity. The texts of a table live as long as the table. In a list of required interfaces
+/// and in a question to the portal a field may be null, which asks for no particular component or
+/// version; the interface name is always there.
 struct OrvMgmtSpiInterface_1 {
     const char* componentName;
     const char* interfaceName;

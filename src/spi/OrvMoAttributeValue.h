@@ -8,11 +8,19 @@
 #include <cstdint>
 
 /// \file
-/// Attribute values of versions 3 and 3_1, and those of version 1.
+/// Attribute values of versions 3 and 3_1, and those of version 1. Conventions: OrvConventions.h.
 ///
-/// All records are plain. Whoever builds a value owns every text, array and list in it, and the
-/// reader writes to none of them. Who frees a value is told with the result records below, and
-/// with the operations for all others.
+/// All records are plain. The builder of a value owns every text, array and list in it, and a
+/// reader writes to none of them. A value that goes in is borrowed. A value that comes back is
+/// given with the result records below in versions 3 and 3_1; in version 1 it is owned by the
+/// callee.
+///
+/// References in a struct are translated only if the struct shows one: the first value of the
+/// container has a member of the type MoRef, directly. If so, all values and members are; if not,
+/// the container passes as it is, also if a later value or an inner struct holds a reference.
+///
+/// What a router or an interceptor answers and cannot be read (a count and no values, a null text
+/// of a MoRef, a struct member without a name) goes to the client as it is, with OrvOk.
 
 /// What the slots of a container hold. The numbers below are the ones that the reference host uses;
 /// a reader must pass on values of codes it does not know, slot by slot, as 8 opaque bytes.
@@ -32,7 +40,7 @@ struct OrvMoStructMember_3;
 /// One value: 8 bytes, whatever it holds.
 union OrvMoAttributeValue_3 {
     const char* string;               ///< String, Enumeration
-    const char* moRef;                ///< MoRef; never null
+    const char* moRef;                ///< MoRef; never null; an empty text is a text
     OrvMoStructMember_3* structValue; ///< Struct; null is an empty struct
     bool boolean;
     std::int64_t int64;
@@ -47,11 +55,12 @@ struct OrvMoAttributeValueContainer_3 {
     OrvMoAttributeValue_3* values; ///< the slots; may be null when `count` is 0
 };
 
-/// One member of a struct value; a struct is a singly linked list of these.
+/// One member of a struct value; a struct is a singly linked list of these. The component reads any
+/// depth without recursion and refuses a value with more than ten million members.
 struct OrvMoStructMember_3 {
     const char* name;
-    OrvMoAttributeValueContainer_3* value;
-    OrvMoStructMember_3* next; ///< null at the end
+    OrvMoAttributeValueContainer_3* value; ///< may be null: an empty one of type 0
+    OrvMoStructMember_3* next;             ///< null at the end
 };
 
 /// An attribute or parameter with its name. They travel as an array of pointers to these, ended by
@@ -61,20 +70,35 @@ struct OrvMoNamedAttributeValueContainer_3 {
     OrvMoAttributeValueContainer_3 value;
 };
 
-/// What a single read or an action returns. After a successful call the receiver owns it and calls
-/// release(container) exactly once, if neither of the two is null. A receiver may do the same after
-/// a failed call, so a producer that fails leaves both alone or leaves something to be released.
+/// What a single read or an action returns. With OrvOk it is given to the receiver. With another
+/// code a producer leaves both fields alone: after a client's call nobody releases what is in them,
+/// after a read of its own the component does. The component answers a successful getMoAttribute
+/// with both fields set, also where the router left the container null.
 struct OrvMoAttributeValueResult_3 {
-    void (*release)(OrvMoAttributeValueContainer_3* container); ///< may be null
-    OrvMoAttributeValueContainer_3* container;                  ///< may be null
+    /// Frees \p container and all that hangs from it. Null if there is nothing to free.
+    /// In:    \p container, the pointer that came with this function, not null and not changed.
+    ///        Dead afterwards.
+    /// When:  once, at any time, on any thread: also after the transaction has ended and the
+    ///        component is stopped, but before the shared object is closed. A producer's function
+    ///        is called from inside that of the component, when the client releases. For what the
+    ///        component read itself it is called at once, and with the back-pointer lock held where
+    ///        a reference is added.
+    void (*release)(OrvMoAttributeValueContainer_3* container);
+
+    OrvMoAttributeValueContainer_3* container; ///< may be null: no value
 };
 
 /// What a read of many attributes returns: one container for each requested attribute, in the order
-/// of the request, ended by a null pointer. After a successful call the receiver owns it and calls
-/// release(containers) exactly once, if release is not null; that frees the array and all it holds.
+/// of the request, ended by a null pointer. With OrvOk it is given to the receiver. With another
+/// code a producer leaves both fields alone: nobody releases what is in them.
 struct OrvMoAttributeValuesResult_3 {
-    void (*release)(OrvMoAttributeValueContainer_3** containers); ///< may be null
-    OrvMoAttributeValueContainer_3** containers;                  ///< may be null
+    /// Frees the array and all that hangs from it. Null if there is nothing to free.
+    /// In:    \p containers, the pointer that came with this function, not changed, with all its
+    ///        entries; may be null if the producer left it so. Dead afterwards.
+    /// When:  once, at any time, on any thread, as for a single result.
+    void (*release)(OrvMoAttributeValueContainer_3** containers);
+
+    OrvMoAttributeValueContainer_3** containers; ///< may be null: no values
 };
 
 // One type under both names: a pointer to one is handed on as the other without conversion.
@@ -97,7 +121,7 @@ union OrvMoAttributeValue {
 };
 
 /// One attribute's value in version 1: the fields and the type codes of version 3. There are no
-/// result records: what a read hands out lives until its transaction is finished.
+/// result records: what a read hands out is owned by the callee until its transaction is finished.
 struct OrvMoAttributeValueContainer {
     std::int32_t type;
     std::uint32_t count;
@@ -107,7 +131,7 @@ struct OrvMoAttributeValueContainer {
 /// One member of a struct value of version 1.
 struct OrvMoStructMember {
     const char* name;
-    OrvMoAttributeValueContainer* value;
+    OrvMoAttributeValueContainer* value; ///< never null, unlike in version 3
     OrvMoStructMember* next;
 };
 

@@ -10,30 +10,95 @@
 
 #include <cstddef>
 
-/// Managed-object table of version "1". A client of the component passes external DNs; a caller of
-/// the router passes internal ones. All pointer arguments are borrowed. Whatever an operation hands
-/// out is owned by the callee and lives until the transaction is finished.
+/// \file
+/// The managed-object table of version "1". Conventions: OrvConventions.h.
+///
+/// The general rules of OrvOamSpiManagedObject_3.h hold here: both sides, common codes, read and
+/// handed on arguments. What differs:
+///   - Nothing is intercepted, and no association is followed: references that are written here are
+///     neither given a far side nor validated.
+///   - There are no results to release. What an operation hands out is owned by the callee until
+///     the transaction is finished. The router cannot learn of an earlier end, so it keeps what it
+///     hands out as long.
+///   - A slot joins only where the component must keep something for the transaction: *joins for
+///     references* means that it does so when a value holds references and must be copied. A
+///     transaction with plain values alone is never joined.
+///   - A struct member without a value cannot be read.
 struct OrvOamSpiManagedObject_1 {
     OrvMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Sets one attribute.
+    /// Slot 1. Sets one attribute. Joins for references.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attrName and \p value, never null at the router.
+    /// When:  started.
+    /// Codes: common. OrvInvalidArgument for a value of "networkManagedElementId" that is missing,
+    ///        or that cannot stand in a DN; an empty text passes.
+    /// Why:   version "3" answers the same refusal with OrvValidationFailed and lets a missing
+    ///        value pass. Clients know each version by its own rule.
     OrvReturnT (*setMoAttribute)(unsigned long txHandle, const char* dn, const char* attrName,
                                  const OrvMoAttributeValueContainer* value);
-    /// Slot 2. Reads one attribute. A success leaves a container in `*result`, never null.
+
+    /// Slot 2. Reads one attribute. Joins for references, and for the id of the root.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attrName.
+    /// Out:   \p result, read: with OrvOk the container, owned by the callee until the transaction
+    ///        is finished. A router should give one: a null goes to the client as it is. After
+    ///        another code as the router left it.
+    /// When:  started.
+    /// Codes: common.
+    /// Why:   a client that asks for "managedElementId" of the root gets the external identity, as
+    ///        in version "3".
     OrvReturnT (*getMoAttribute)(unsigned long txHandle, const char* dn, const char* attrName,
                                  OrvMoAttributeValueContainer** result);
-    /// Slot 3. Opens an iterator over the children of \p dn (empty: the top level) of one class.
+
+    /// Slot 3. Opens an iterator over the children of one class. Joins, after the router's OrvOk.
+    /// DN:    \p dn, the parent: external (component), internal (router). Empty: the top level; it
+    ///        is not translated.
+    /// In:    handed on: \p className.
+    /// Out:   \p iterator, read: with OrvOk a handle, owned by the callee until the transaction is
+    ///        finished. It is a number of the callee's and need not be an address.
+    /// When:  started.
+    /// Codes: common, but a DN that cannot be translated gives OrvNotExist also when stopped.
     OrvReturnT (*newMoIterator)(unsigned long txHandle, const char* dn, const char* className,
                                 void** iterator);
-    /// Slot 4. Gives the naming value of the next child; null with OrvOk is the end. The text is
-    /// valid until the next call with the same iterator.
+
+    /// Slot 4. Gives the next child's naming value. There is no slot that ends an iterator: a
+    /// caller that has enough stops calling, and the router ends it with the transaction.
+    /// In:    \p iterator, a handle of newMoIterator. It is looked up before it is used, so that
+    ///        any value is safe at the component.
+    /// Out:   \p result, with OrvOk: the text, owned by the callee until the next call with the
+    ///        same iterator; null is the end. After another code as in version "3".
+    /// When:  started, and not while the transaction of the iterator is being finished.
+    /// Codes: OrvNotActive for a handle that names nothing, before anything else, and when stopped.
+    ///        OrvFailure if \p result is null. Then the router's.
+    /// Why:   for the top level the component replaces the names, as in version "3".
     OrvReturnT (*nextMo)(void* iterator, char** result);
-    /// Slot 5. Creates a child of \p dn (empty: at the top level).
+
+    /// Slot 5. Creates a child of an MO. Never joins.
+    /// DN:    \p dn, the parent: external (component), internal (router). Empty: the top level; it
+    ///        is translated, and an empty answer is accepted.
+    /// In:    handed on: \p className, \p attrName (the naming attribute), \p attrValue (its
+    ///        value).
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*createMo)(unsigned long txHandle, const char* dn, const char* className,
                            const char* attrName, const char* attrValue);
-    /// Slot 6. Deletes an MO with its subtree.
+
+    /// Slot 6. Deletes an MO with its subtree. Never joins, and nothing leaves an association.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*deleteMo)(unsigned long txHandle, const char* dn);
-    /// Slot 7. Calls an action. \p parameters is an array ended by a null pointer.
+
+    /// Slot 7. Calls an action of an MO; parameters go by their position. Joins for references.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p parameters, ended by a null pointer, and the references in them; handed on:
+    ///        \p name.
+    /// Out:   \p result, read: with OrvOk the container, owned by the callee until the transaction
+    ///        is finished, or null: no result. After another code what the router left, which is
+    ///        null if it left it alone.
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*action)(unsigned long txHandle, const char* dn, const char* name,
                          OrvMoAttributeValueContainer** parameters,
                          OrvMoAttributeValueContainer** result);

@@ -10,46 +10,154 @@
 
 #include <cstddef>
 
-/// Managed-object table of version "3". A client of the component passes external DNs; a caller of
-/// the router passes internal ones. All pointer arguments are borrowed; results are given.
+/// \file
+/// The managed-object table of version "3". Conventions: OrvConventions.h.
+///
+/// One shape, offered twice: by the router, and by the component, which stands between the clients
+/// and the router. The component translates DNs, follows associations and calls the same slot of
+/// the router. A slot that is *intercepted* goes to the interceptor of the MO's MOC path instead,
+/// if there is one; an interceptor keeps the router's side of the contract.
+///
+/// Codes of the component, *common* to all slots, in the order in which they are tested:
+///   - OrvNotActive: it is stopped.
+///   - OrvFailure: an argument that it reads is null or cannot be read. Nothing has been done.
+///   - OrvNotExist: the DN cannot be translated. Nothing has been done.
+///   - OrvFailure: the slot joins, and there is no transaction table. Nothing has been done.
+///   - the code of the router or the interceptor, unchanged.
+///
+/// *Read* arguments, the DN among them, are those that the component checks for null. *Handed on*
+/// arguments are not checked: a null goes on to the router.
+///
+/// Writes of references: the component brings the far sides of bidirectional associations up to
+/// date before it calls the router (createMo: afterwards) and does not take that back if the router
+/// refuses. A client should give such a transaction up. Only attributes of the type MoRef count,
+/// not references in a struct.
+///
+/// The component also calls the router on its own account, in the client's transaction and with
+/// internal DNs: existsMo, getMoAttribute and setMoAttribute for far sides and at `validate`,
+/// newMoIterator, nextMo and finalizeMoIterator to find the children of a deleted MO. These calls
+/// meet no interceptor.
+///
+/// The router is looked up under two identities. A host should offer one router under both: the
+/// helper library's lookup may take the answer for one of them as the answer for both.
 struct OrvOamSpiManagedObject_3 {
     OrvMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Sets one attribute.
+    /// Slot 1. Sets one attribute. Joins. Intercepted.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attrName, and the references in \p value. A client's \p value may be null:
+    ///        no value. The router always gets a container, then one of type 0 with count 0.
+    /// When:  started. The router also with the back-pointer lock held.
+    /// Codes: common. OrvValidationFailed for a value of "networkManagedElementId" that cannot
+    ///        stand in a DN (Orv::DnUtil::validateMoNamingAttr); the transaction is joined, and
+    ///        nothing else has been done.
+    /// Why:   of that attribute the first value is read whatever the count says, and no value or an
+    ///        empty text passes. Clients rely on both.
     OrvReturnT (*setMoAttribute)(unsigned long txHandle, const char* dn, const char* attrName,
                                  const OrvMoAttributeValueContainer_3* value);
-    /// Slot 2. Reads one attribute. After OrvOk the caller owns \p result (see its record).
+
+    /// Slot 2. Reads one attribute, as the transaction sees it. Intercepted.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attrName.
+    /// Out:   \p result, read: given with OrvOk. After another code as the router left it, and not
+    ///        to be released. An unset attribute is a container with count 0.
+    /// When:  started. The router also with the back-pointer lock held, and from inside `validate`.
+    /// Codes: common, but OrvFailure when stopped.
+    /// Why:   it is the one slot that answers OrvFailure when stopped. For "managedElementId" of
+    ///        the root (a DN of one step whose class begins with "ManagedElement") the client gets
+    ///        the external identity, so that it can build DNs from it.
     OrvReturnT (*getMoAttribute)(unsigned long txHandle, const char* dn, const char* attrName,
                                  OrvMoAttributeValueResult_3* result);
-    /// Slot 3. Reads several attributes; \p attrNames is ended by a null pointer. After OrvOk the
-    /// caller owns \p result, whose containers stand in the order of the names.
+
+    /// Slot 3. Reads several attributes of one MO. Intercepted.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attrNames, ended by a null pointer.
+    /// Out:   \p result, read: given with OrvOk, the containers in the order of the names. After
+    ///        another code as the router left it, and not to be released. If the router answers
+    ///        with more containers than names, the client gets them all.
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*getMoAttributes)(unsigned long txHandle, const char* dn, const char** attrNames,
                                   OrvMoAttributeValuesResult_3* result);
-    /// Slot 4. Opens an iterator over the children of \p dn (empty: the top level) of one class.
-    /// The handle ends with the transaction.
+
+    /// Slot 4. Opens an iterator over the children of one class. Joins, after the router's OrvOk.
+    /// DN:    \p dn, the parent: external (component), internal (router). Empty: the top level; it
+    ///        is not translated.
+    /// In:    handed on: \p className.
+    /// Out:   \p iterator, read: with OrvOk a handle, owned by the callee until the transaction is
+    ///        finished. It names nothing afterwards, so a late use is noticed and does no harm.
+    /// When:  started.
+    /// Codes: common, but a DN that cannot be translated gives OrvNotExist also when stopped.
     OrvReturnT (*newMoIterator)(unsigned long txHandle, const char* dn, const char* className,
                                 unsigned long long* iterator);
-    /// Slot 5. Gives the naming value of the next child; null with OrvOk is the end. The text is
-    /// owned by the callee and valid until the next call with the same iterator. An unknown handle
-    /// is answered with OrvNotActive.
+
+    /// Slot 5. Gives the next child's naming value: the text after "=" in the child's last step.
+    /// Out:   \p result, with OrvOk: the text, owned by the callee until the next call with the
+    ///        same iterator; null is the end. After another code the component leaves null or what
+    ///        the router left; nothing to read.
+    /// When:  started, and not while the transaction of the iterator is being finished. The router
+    ///        also gets handles that were finalized.
+    /// Codes: OrvNotActive for a handle that names nothing, before anything else, and when stopped.
+    ///        OrvFailure if \p result is null. Then the router's.
+    /// Why:   for an iterator over the top level the component replaces each name by the external
+    ///        identity of the root. That text is the translator's: it ends when the identity is
+    ///        configured anew.
     OrvReturnT (*nextMo)(unsigned long long iterator, char** result);
-    /// Slot 6. Creates a child of \p dn (empty: at the top level). \p attributes is ended by a null
-    /// pointer and may itself be null.
+
+    /// Slot 6. Creates a child of an MO, with values. Joins.
+    /// DN:    \p dn, the parent: external (component), internal (router). Empty: the top level; it
+    ///        is translated, and an empty answer is accepted.
+    /// In:    read: \p className, \p attrName (the naming attribute), \p attrValue (its value, not
+    ///        a DN), the references in \p attributes and the names of those of type MoRef; handed
+    ///        on: other names. \p attributes is ended by a null pointer; a client's may be null:
+    ///        none. The router always gets an array.
+    /// When:  started.
+    /// Codes: common. What fails after the router's OrvOk does not show, except by an exception.
     OrvReturnT (*createMo)(unsigned long txHandle, const char* dn, const char* className,
                            const char* attrName, const char* attrValue,
                            OrvMoNamedAttributeValueContainer_3** attributes);
-    /// Slot 7. Deletes an MO with its subtree.
+
+    /// Slot 7. Deletes an MO with its subtree. Joins.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// When:  started. Before the router is called, the MOs of the subtree leave the far sides of
+    ///        their associations, children first; that asks for the children of each of them.
+    /// Codes: common.
     OrvReturnT (*deleteMo)(unsigned long txHandle, const char* dn);
-    /// Slot 8. Calls an action. \p parameters is ended by a null pointer. After OrvOk the caller
-    /// owns \p result.
+
+    /// Slot 8. Calls an action of an MO. Joins. No association is followed.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p parameters, ended by a null pointer, and the references in them; handed on:
+    ///        \p name and the names of parameters.
+    /// Out:   \p result, read: given with OrvOk; both fields may be null: no result. After another
+    ///        code as the router left it, and not to be released.
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*action)(unsigned long txHandle, const char* dn, const char* name,
                          OrvMoNamedAttributeValueContainer_3** parameters,
                          OrvMoAttributeValueResult_3* result);
+
     /// Slot 9. Says that the caller is done with an iterator.
+    /// When:  as nextMo. The router gets it only from a client, so it may not come at all, or more
+    ///        than once: a router ends the iterators of a transaction when that is finished.
+    /// Codes: OrvOk, always: also for a handle that names nothing, and when stopped. The router's
+    ///        code is not looked at.
     OrvReturnT (*finalizeMoIterator)(unsigned long long iterator);
-    /// Slot 10. Tells whether an MO exists in the transaction's view.
+
+    /// Slot 10. Asks whether an MO exists, as the transaction sees it.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// Out:   \p exists, handed on: with OrvOk the answer.
+    /// When:  started. The router also with the back-pointer lock held, and from inside `validate`.
+    /// Codes: common. For an MO that does not exist OrvOk and false; the component takes any other
+    ///        code for the same.
     OrvReturnT (*existsMo)(unsigned long txHandle, const char* dn, bool* exists);
-    /// Slot 11. Counts the children of \p dn (empty: the top level) of one class.
+
+    /// Slot 11. Counts the children of one class.
+    /// DN:    \p dn, the parent: external (component), internal (router). Empty: the top level; it
+    ///        is not translated.
+    /// In:    handed on: \p className.
+    /// Out:   \p count, handed on: with OrvOk the number.
+    /// When:  started.
+    /// Codes: common.
     OrvReturnT (*countMoChildren)(unsigned long txHandle, const char* dn, const char* className,
                                   unsigned long long* count);
 };

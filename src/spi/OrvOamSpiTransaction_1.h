@@ -10,13 +10,29 @@
 
 #include <cstddef>
 
-/// The host's transaction table, as far as participants use it. A host's table may go on behind it.
+/// \file
+/// How a component becomes a participant of a transaction. Conventions: OrvConventions.h.
+
+/// The host's transaction table, as far as participants use it. A host's table may have more slots
+/// after these.
+///
+/// If the portal has no such table, the component starts all the same. An operation that joins then
+/// answers OrvFailure and does nothing; those that do not join are served.
 struct OrvOamSpiTransaction_1 {
     OrvMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Makes \p resource a participant of the transaction. The table is borrowed from the
-    /// component and stays valid until the component is stopped. Called with a lock of the calling
-    /// component held: an implementation may call the resource's own join, and nothing else of it.
+    /// Slot 1. Makes \p resource a participant: the host will call its phases. For one handle the
+    /// component calls it once, until that is finished; then again if the handle comes again.
+    /// In:    \p resource, owned by the component until its shared object is closed; kept for the
+    ///        whole transaction.
+    /// When:  started, in the middle of a client's operation, on its thread, with the registry lock
+    ///        held. An implementation may call the resource's own `join`, and nothing else of the
+    ///        component.
+    /// Codes: not looked at: the operation goes on. An exception gives OrvFailure, and the handle
+    ///        counts as joined all the same.
+    /// Why:   a host that cannot enrol the participant must refuse the transaction by itself. If it
+    ///        goes on, the component's rules are not checked and its memory of the transaction
+    ///        stays until `stop`.
     OrvReturnT (*join)(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource);
 };
 

@@ -7,23 +7,7 @@
 #include <cstdint>
 
 /// \file
-/// Return codes, and the conventions that hold for every table in this directory.
-///
-/// 1. A table is a plain record: an interface identity (OrvMgmtSpiInterface_1), then pointers to
-///    functions. A function takes no object pointer; any number of threads may be in it at once
-///    unless its comment says otherwise.
-/// 2. Words used for pointers: *borrowed* means valid for the duration of the call, the callee
-///    copies what it keeps; *owned by the callee* means that the caller neither frees it nor keeps
-///    it beyond the life that the comment names; *given* means that the caller must hand it back
-///    through the release function that came with it.
-/// 3. A pointer argument must not be null unless its comment says "may be null".
-/// 4. Out parameters are written on success. What they hold after a failure is unspecified unless
-///    the comment says otherwise, so initialise them before the call.
-/// 5. Texts are NUL-terminated. A distinguished name (DN) comes in two forms: clients speak the
-///    external form, the router and what stands behind it the internal form.
-/// 6. Transaction handles are plain numbers; 0 is a handle like any other. One transaction is
-///    driven by one thread at a time.
-/// 7. Codes that a table does not know are passed on unchanged.
+/// Return codes. Conventions: OrvConventions.h.
 
 /// Result of nearly every table function. Values other than those below belong to the host.
 typedef std::int32_t OrvReturnT;

@@ -9,13 +9,21 @@
 
 #include <cstddef>
 
-/// What the host keeps for the client of the calling thread.
+/// \file
+/// Messages for clients. Conventions: OrvConventions.h.
+
+/// What the host keeps for the client of the calling thread. If the portal has no such table, the
+/// component starts all the same, but finds no transaction valid.
 struct VekMgmtSpiThreadContext_2 {
     VekMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Adds a message for the client of the calling thread. \p kind is 1; \p text is
-    /// borrowed. A result that is not zero means that the message was not taken. Called with locks
-    /// of the calling component held: it must not call back into that component.
+    /// Slot 1. Adds a message for the client that the calling thread works for. The messages of one
+    /// validation come in the order in which the client should read them.
+    /// In:    \p text, never null, for people. DNs in it are internal. \p kind is always 1.
+    /// When:  started, within the resource's `validate`, on its thread. For unidirectional
+    ///        associations with the reference lock held.
+    /// Codes: OrvOk; any other means that the message was not taken. That is logged; the verdict
+    ///        stays.
     OrvReturnT (*addMessage)(int kind, const char* text);
 };
 

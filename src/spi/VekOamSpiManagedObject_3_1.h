@@ -10,12 +10,26 @@
 
 #include <cstddef>
 
-/// Managed-object table of version "3_1": what version "3" lacks. The conventions are those of
-/// version "3".
+/// \file
+/// The managed-object table of version "3_1": what version "3" lacks. Conventions:
+/// OrvConventions.h.
+///
+/// The general rules of OrvOamSpiManagedObject_3.h hold here: both sides, common codes, read and
+/// handed on arguments, writes of references. The component needs the router's table of this
+/// version as well.
 struct VekOamSpiManagedObject_3_1 {
     VekMgmtSpiInterface_1 identity;
 
-    /// Slot 1. Sets several attributes of one MO; \p attributes is ended by a null pointer.
+    /// Slot 1. Sets several attributes of one MO, in their order. Joins. Intercepted.
+    /// DN:    \p dn, the MO: external (component), internal (router).
+    /// In:    read: \p attributes, ended by a null pointer, its names, and the references in it.
+    ///        The value of an entry is held inline; one of type 0 with count 0 is no value.
+    /// When:  started.
+    /// Codes: common. OrvInvalidArgument for a value of "networkManagedElementId" that cannot stand
+    ///        in a DN; it is looked for in all attributes first, so the transaction is joined and
+    ///        nothing else has been done.
+    /// Why:   the same refusal is OrvValidationFailed in version "3", and there an attribute with
+    ///        count 0 is read, while here it passes. Clients know each version by its own rule.
     OrvReturnT (*setMoAttributes)(unsigned long txHandle, const char* dn,
                                   VekMoNamedAttributeValueContainer_3** attributes);
 };

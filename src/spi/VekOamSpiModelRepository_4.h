@@ -12,23 +12,38 @@
 
 /// \file
 /// The host's model repository: classes (MOCs), attributes, types, containments and associations.
+/// Conventions: OrvConventions.h.
 ///
-/// 1. Handles are opaque 64-bit values, compared as a whole. Zero names nothing; set a handle to
-///    zero before a lookup.
-/// 2. Functions answer OrvOk, OrvNotExist for "no such object" (from a lookup) or "end of the list"
-///    (from a first or next step), or another code for a failure. A failed function leaves its out
-///    parameter untouched.
-/// 3. Texts are owned by the repository and live as long as it is started; callers copy what they
-///    keep.
-/// 4. The repository is read-only and may be called by any number of threads at once, also with
-///    locks of the calling component held. It never calls back.
+/// 1. Handles are opaque 64-bit values, compared as a whole, and good until the component is
+///    stopped. Zero names nothing. Out parameters are the component's own variables, set to zero,
+///    null or false before the call; a function that fails leaves them so.
+/// 2. The component calls without a test: each sub-table that has a name must be there with all its
+///    entries. Sub-tables and entries named `reserved` are never touched.
+/// 3. Codes are OrvOk, OrvNotExist for "no such object" (from a lookup) or "end of the list" (from
+///    a first or next step), and any other for a failure. What becomes of a failure depends on who
+///    asks. *Bidirectional* associations: only the lookup of a DN and the steps of lists are looked
+///    at; elsewhere a failure counts as zero, null or false. *Unidirectional* associations: at
+///    `validate` every failure means that the transaction is not valid, with a log of level 4; at a
+///    write it means that the reference is not validated. *All* below means both.
+/// 4. Texts are owned by the repository until it changes its model or goes, which it must not while
+///    a component is started. A null text is no name.
+/// 5. The model does not change while a component is started. All is called from any thread, by
+///    several at once, and must not call the component. When says who asks: *write* is an operation
+///    that sets a reference or creates an MO, *delete* is deleteMo, *validate* is that phase. It
+///    names the lock of the component that may be held; where it names none, none is.
+/// 6. A list has an end. After a million steps it counts as ended, with a log of level 3.
 ///
-/// How an association lies in the model: a bidirectional association joins two ends. The name of
-/// an end is the name of the attribute that points at that end's MOC, and that attribute lives in
-/// the MOC at the opposite end. For ends eX (MOC X) and eY (MOC Y): the attribute of X that refers
-/// to Y is named after eY; getEndAttribute(eX) is the attribute of Y that refers to X. A
+/// If the portal has no such table, the component starts all the same. It then follows no
+/// association, and finds no transaction valid.
+///
+/// How an association lies in the model: a bidirectional association joins two ends. The name of an
+/// end is the name of the attribute that points at that end's MOC, and that attribute lives in the
+/// MOC at the opposite end. For ends eX (MOC X) and eY (MOC Y): the attribute of X that refers to Y
+/// is named after eY; getEndAttribute(eX) is the attribute of Y that refers to X. The two ends have
+/// different names. An association can join a MOC to itself: both ends then name that MOC. A
 /// unidirectional association has one end of interest: its name is the reference attribute's name
-/// and its MOC a permitted target.
+/// and its MOC a permitted target. An attribute with several permitted targets has one association,
+/// and so one end of its name, for each.
 
 typedef unsigned long long VekOamSpiMrMocHandle_4T;
 typedef unsigned long long VekOamSpiMrBiDirAssociationHandle_4T;
@@ -55,39 +70,73 @@ constexpr int VekOamSpiMrTypeMoRef_4 = 11;
 struct VekOamSpiMrDnLookup_4 {
     OrvReservedSlot reserved0;
     OrvReservedSlot reserved1;
-    /// Entry 2. The MOC of the object that an internal \p dn names, found by the DN's class path,
-    /// so that the object need not exist. \p flag is 1.
+
+    /// Entry 2. Finds the MOC of the object that a DN names, by the DN's class path alone: the
+    /// object need not exist. \p flag is always 1 and has no meaning to the component.
+    /// DN:    \p dn, internal. Never null, but any text: what a client wrote as a reference comes
+    ///        here as it is.
+    /// Out:   \p moc: a handle, not zero.
+    /// When:  write, delete, validate (reference lock).
+    /// Codes: OrvNotExist: no MOC. At write and delete any code but OrvOk is logged, and the MO or
+    ///        the reference is left out; at validate it makes the transaction invalid.
     OrvReturnT (*getMocFromDn)(const char* dn, int flag, VekOamSpiMrMocHandle_4T* moc);
 };
 
 /// Sub-table 1.
 struct VekOamSpiMrGeneralProperties_4 {
-    /// Entry 0. A text of a block of general properties.
+    /// Entry 0. Gives a text of a block of general properties. \p identifier is always
+    /// VekOamSpiMrGeneralName_4: the name of the MOC, attribute or end that the block belongs to.
+    /// Out:   \p text, owned by the repository.
+    /// When:  write (back-pointer lock), delete, validate (reference lock).
+    /// Codes: all.
     OrvReturnT (*getGeneralStringProperty)(VekOamSpiMrGeneralPropertiesHandle_4T properties,
                                            int identifier, const char** text);
 };
 
 /// Sub-table 3.
 struct VekOamSpiMrMocQueries_4 {
-    /// Entry 0.
+    /// Entry 0. Gives the general properties of a MOC.
+    /// Out:   \p properties: a handle for getGeneralStringProperty.
+    /// When:  delete, validate (reference lock).
+    /// Codes: all.
     OrvReturnT (*getMocGeneralProperties)(VekOamSpiMrMocHandle_4T moc,
                                           VekOamSpiMrGeneralPropertiesHandle_4T* properties);
     OrvReservedSlot reserved1;
     OrvReservedSlot reserved2;
     OrvReservedSlot reserved3;
     OrvReservedSlot reserved4;
-    /// Entry 5.
+
+    /// Entry 5. Gives the first attribute of a MOC. The list holds every attribute by which MOs of
+    /// this MOC refer to others.
+    /// Out:   \p attribute: a handle for getNextAttribute.
+    /// When:  validate.
+    /// Codes: OrvNotExist: it has none. Any other code does not end the walk (see
+    ///        getNextAttribute).
     OrvReturnT (*getFirstAttribute)(VekOamSpiMrMocHandle_4T moc,
                                     VekOamSpiMrAttributeHandle_4T* attribute);
     OrvReservedSlot reserved6;
-    /// Entry 7. The first containment of which the MOC is the parent.
+
+    /// Entry 7. Gives the first containment of which the MOC is the parent.
+    /// Out:   \p containment: a handle for getNextContainment.
+    /// When:  delete.
+    /// Codes: any but OrvOk: the MOC contains nothing.
     OrvReturnT (*getFirstContainment)(VekOamSpiMrMocHandle_4T moc,
                                       VekOamSpiMrContainmentHandle_4T* containment);
     OrvReservedSlot reserved8;
-    /// Entry 9.
+
+    /// Entry 9. Gives the first bidirectional association that the MOC takes part in, at either
+    /// end. An association that joins the MOC to itself comes once.
+    /// Out:   \p association: a handle for getNextBiDirAssociation.
+    /// When:  write, delete, validate.
+    /// Codes: any but OrvOk: it takes part in none.
     OrvReturnT (*getFirstBiDirAssociation)(VekOamSpiMrMocHandle_4T moc,
                                            VekOamSpiMrBiDirAssociationHandle_4T* association);
-    /// Entry 10.
+
+    /// Entry 10. Gives the first unidirectional association of which the MOC holds the attribute.
+    /// Out:   \p association: a handle for getNextUniDirAssociation. It is kept until the
+    ///        transaction is finished: validation starts its walk there.
+    /// When:  write.
+    /// Codes: OrvNotExist: it has none. Any other: unidirectional.
     OrvReturnT (*getFirstUniDirAssociation)(VekOamSpiMrMocHandle_4T moc,
                                             VekOamSpiMrUniDirAssociationHandle_4T* association);
 };
@@ -96,33 +145,73 @@ struct VekOamSpiMrMocQueries_4 {
 struct VekOamSpiMrContainment_4 {
     OrvReservedSlot reserved0;
     OrvReservedSlot reserved1;
-    /// Entry 2. The child MOC.
+
+    /// Entry 2. Gives the child MOC of a containment.
+    /// Out:   \p moc: a handle.
+    /// When:  delete.
+    /// Codes: bidirectional.
     OrvReturnT (*getContainedMoc)(VekOamSpiMrContainmentHandle_4T containment,
                                   VekOamSpiMrMocHandle_4T* moc);
     OrvReservedSlot reserved3;
     OrvReservedSlot reserved4;
-    /// Entry 5. The next containment of the same parent.
+
+    /// Entry 5. Gives the containment of the same parent that follows.
+    /// Out:   \p next: a handle.
+    /// When:  delete.
+    /// Codes: OrvNotExist: the end. Any other is logged at level 3; the children found so far
+    ///        count.
     OrvReturnT (*getNextContainment)(VekOamSpiMrContainmentHandle_4T containment,
                                      VekOamSpiMrContainmentHandle_4T* next);
 };
 
-/// Sub-table 5.
+/// Sub-table 5. An end can be of either kind of association.
 struct VekOamSpiMrAssociationEnd_4 {
-    /// Entry 0.
+    /// Entry 0. Gives the MOC at this end.
+    /// Out:   \p moc: a handle.
+    /// When:  write, delete, validate (reference lock).
+    /// Codes: all.
     OrvReturnT (*getEndMoc)(VekOamSpiMrAssociationEndHandle_4T end, VekOamSpiMrMocHandle_4T* moc);
-    /// Entry 1. The attribute that realises this end; it lives in the opposite MOC.
+
+    /// Entry 1. Gives the attribute that points at this end's MOC; it lives in the opposite MOC.
+    /// Asked for bidirectional associations only.
+    /// Out:   \p attribute: a handle.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getEndAttribute)(VekOamSpiMrAssociationEndHandle_4T end,
                                   VekOamSpiMrAttributeHandle_4T* attribute);
-    /// Entry 2.
+
+    /// Entry 2. Gives the general properties of the end; the name in them is that of
+    /// getEndStringProperty. Asked for bidirectional associations only.
+    /// Out:   \p properties: a handle for getGeneralStringProperty.
+    /// When:  write (back-pointer lock), delete.
+    /// Codes: bidirectional.
     OrvReturnT (*getEndGeneralProperties)(VekOamSpiMrAssociationEndHandle_4T end,
                                           VekOamSpiMrGeneralPropertiesHandle_4T* properties);
-    /// Entry 3.
+
+    /// Entry 3. Gives a text of the end: its name (VekOamSpiMrEndName_4), or the word that stands
+    /// after the number in messages (VekOamSpiMrEndRole_4, of bidirectional associations only).
+    /// Out:   \p text, owned by the repository.
+    /// When:  write, validate (reference lock).
+    /// Codes: all.
     OrvReturnT (*getEndStringProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                        const char** text);
-    /// Entry 4. Writes one byte.
+
+    /// Entry 4. Gives a flag of the end. \p identifier is always VekOamSpiMrEndKeepAtDelete_4: if
+    /// set, the attribute of this end's MOC is not followed when an MO of that MOC is deleted.
+    /// Asked for bidirectional associations only.
+    /// Out:   \p flag: one byte is written; any value but 0 is true.
+    /// When:  delete.
+    /// Codes: bidirectional.
     OrvReturnT (*getEndBoolProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                      bool* flag);
-    /// Entry 5. There is no marker for an open bound: an open upper bound is a large number.
+
+    /// Entry 5. Gives a bound of the number of references to this end's MOC: the lower one
+    /// (VekOamSpiMrLowerBound_4) or the upper one (VekOamSpiMrUpperBound_4). Both are inclusive.
+    /// Out:   \p number.
+    /// When:  validate (reference lock).
+    /// Codes: all.
+    /// Why:   an open upper bound is a large positive number. There is no marker for it: -1 refuses
+    ///        every number at a bidirectional association and none at a unidirectional one.
     OrvReturnT (*getEndIntProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                     long long* number);
 };
@@ -131,13 +220,25 @@ struct VekOamSpiMrAssociationEnd_4 {
 struct VekOamSpiMrBiDirAssociation_4 {
     OrvReservedSlot reserved0;
     OrvReservedSlot reserved1;
-    /// Entry 2.
+
+    /// Entry 2. Gives the first of the two ends; which one that is never changes.
+    /// Out:   \p end: a handle, the same for the same end each time.
+    /// When:  write, delete, validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getFirstEnd)(VekOamSpiMrBiDirAssociationHandle_4T association,
                               VekOamSpiMrAssociationEndHandle_4T* end);
-    /// Entry 3.
+
+    /// Entry 3. Gives the second of the two ends.
+    /// Out:   \p end: a handle, the same for the same end each time, and not that of the first end.
+    /// When:  write, delete, validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getSecondEnd)(VekOamSpiMrBiDirAssociationHandle_4T association,
                                VekOamSpiMrAssociationEndHandle_4T* end);
-    /// Entry 4. The association of \p moc that follows \p current.
+
+    /// Entry 4. Gives the association of \p moc that follows \p current.
+    /// Out:   \p next: a handle.
+    /// When:  write, delete, validate.
+    /// Codes: any but OrvOk: the end.
     OrvReturnT (*getNextBiDirAssociation)(VekOamSpiMrBiDirAssociationHandle_4T current,
                                           VekOamSpiMrMocHandle_4T moc,
                                           VekOamSpiMrBiDirAssociationHandle_4T* next);
@@ -147,10 +248,18 @@ struct VekOamSpiMrBiDirAssociation_4 {
 struct VekOamSpiMrUniDirAssociation_4 {
     OrvReservedSlot reserved0;
     OrvReservedSlot reserved1;
-    /// Entry 2.
+
+    /// Entry 2. Gives the end of the association.
+    /// Out:   \p end: a handle.
+    /// When:  write, validate (reference lock).
+    /// Codes: unidirectional.
     OrvReturnT (*getUniDirEnd)(VekOamSpiMrUniDirAssociationHandle_4T association,
                                VekOamSpiMrAssociationEndHandle_4T* end);
-    /// Entry 3. The next unidirectional association of the same MOC.
+
+    /// Entry 3. Gives the unidirectional association of the same MOC that follows.
+    /// Out:   \p next: a handle.
+    /// When:  write, validate (reference lock).
+    /// Codes: OrvNotExist: the end. Any other: unidirectional.
     OrvReturnT (*getNextUniDirAssociation)(VekOamSpiMrUniDirAssociationHandle_4T association,
                                            VekOamSpiMrUniDirAssociationHandle_4T* next);
 };
@@ -158,40 +267,73 @@ struct VekOamSpiMrUniDirAssociation_4 {
 /// Sub-table 8.
 struct VekOamSpiMrAttributeType_4 {
     OrvReservedSlot reserved0;
-    /// Entry 1. Writes 32 bits; 11 is an MO reference.
+
+    /// Entry 1. Gives the type code: one of OrvMoAttributeType_3. The component knows one of them,
+    /// VekOamSpiMrTypeMoRef_4.
+    /// Out:   \p code: 32 bits.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getTypeCode)(VekOamSpiMrTypeHandle_4T type, int* code);
     OrvReservedSlot reserved2;
     OrvReservedSlot reserved3;
     OrvReservedSlot reserved4;
-    /// Entry 5. Bounds of the number of values.
+
+    /// Entry 5. Gives a bound of the number of values of the attribute: the lower one
+    /// (VekOamSpiMrLowerBound_4) or the upper one (VekOamSpiMrUpperBound_4). Both are inclusive,
+    /// and an open upper bound is a large positive number.
+    /// Out:   \p number.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getTypeIntProperty)(VekOamSpiMrTypeHandle_4T type, int identifier,
                                      long long* number);
 };
 
 /// Sub-table 11.
 struct VekOamSpiMrAttribute_4 {
-    /// Entry 0.
+    /// Entry 0. Gives the general properties of an attribute.
+    /// Out:   \p properties: a handle for getGeneralStringProperty.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getAttributeGeneralProperties)(VekOamSpiMrAttributeHandle_4T attribute,
                                                 VekOamSpiMrGeneralPropertiesHandle_4T* properties);
-    /// Entry 1. The MOC that holds the attribute.
+
+    /// Entry 1. Gives the MOC that holds the attribute. References are counted whose MOC, by
+    /// getMocFromDn, is exactly this one.
+    /// Out:   \p moc: a handle.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getAttributeMoc)(VekOamSpiMrAttributeHandle_4T attribute,
                                   VekOamSpiMrMocHandle_4T* moc);
-    /// Entry 2.
+
+    /// Entry 2. Gives the type of an attribute.
+    /// Out:   \p type: a handle.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getAttributeType)(VekOamSpiMrAttributeHandle_4T attribute,
                                    VekOamSpiMrTypeHandle_4T* type);
-    /// Entry 3. The next attribute of the same MOC.
+
+    /// Entry 3. Gives the attribute of the same MOC that follows.
+    /// Out:   \p next: a handle.
+    /// When:  validate.
+    /// Codes: OrvNotExist: the end. After any other the walk goes on from what \p next holds; two
+    ///        failures in a row without a new handle end it.
     OrvReturnT (*getNextAttribute)(VekOamSpiMrAttributeHandle_4T attribute,
                                    VekOamSpiMrAttributeHandle_4T* next);
 };
 
 /// Sub-table 13.
 struct VekOamSpiMrReferenceType_4 {
-    /// Entry 0. The MOC that a reference type points at; a MOC named "ManagedObject" stands for
-    /// any.
+    /// Entry 0. Gives the MOC that a reference type points at, which each value must have exactly:
+    /// no other class counts as one of it. A MOC named "ManagedObject" stands for any; the
+    /// permitted classes are then those of the associations.
+    /// Out:   \p moc: a handle.
+    /// When:  validate.
+    /// Codes: bidirectional.
     OrvReturnT (*getReferencedMoc)(VekOamSpiMrTypeHandle_4T type, VekOamSpiMrMocHandle_4T* moc);
 };
 
-/// The record: identity, then the sub-tables. All of it is owned by the host.
+/// The record: identity, then the sub-tables. All of it is owned by the host and does not change
+/// while a component is started.
 struct VekOamSpiModelRepository_4 {
     VekMgmtSpiInterface_1 identity;
     const VekOamSpiMrDnLookup_4* dnLookup;                   ///< 0
