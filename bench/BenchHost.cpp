@@ -152,15 +152,13 @@ BenchHost::~BenchHost() = default;
 
 void BenchHost::findTables() {
     Host& h = *mHost;
-    constexpr const char* offered = "OrvOamSpiExtCmRouterService";
-    constexpr const char* mo = "OrvOamSpiManagedObject";
     mComponent = {
         "component",
         std::string("ManagedElement=") + identity,
-        h.find<OrvOamSpiManagedObject_1>({offered, mo, "1"}),
-        h.find<OrvOamSpiManagedObject_3>({offered, mo, "3"}),
-        h.find<VekOamSpiManagedObject_3_1>({offered, "VekOamSpiManagedObject", "3_1"}),
-        h.find<OrvOamSpiTransactionalResource_2>({offered, "OrvOamSpiTransactionalResource", "2"})};
+        h.find<OrvOamSpiManagedObject_1>(OrvOamSpiManagedObject_1_ExtCmId),
+        h.find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId),
+        h.find<VekOamSpiManagedObject_3_1>(VekOamSpiManagedObject_3_1_ExtCmId),
+        h.find<OrvOamSpiTransactionalResource_2>(OrvOamSpiTransactionalResource_2_ExtCmId)};
     mRouter = {"router",
                "ManagedElement=1",
                h.router().getInterface1(),

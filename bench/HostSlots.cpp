@@ -148,8 +148,7 @@ std::unique_ptr<SlotChange> markHostCalls(BenchHost& bench) {
     changes->mark<&Transaction::join>(*host.transactions().getTransactionInterface());
     using Context = VekMgmtSpiThreadContext_2;
     changes->mark<&Context::addMessage>(*host.threadContext().getInterface());
-    markModel(*changes, *host.find<VekOamSpiModelRepository_4>(
-                            {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"}));
+    markModel(*changes, *host.find<VekOamSpiModelRepository_4>(VekOamSpiModelRepository_4_Id));
     return changes;
 }
 

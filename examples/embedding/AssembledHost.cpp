@@ -62,8 +62,7 @@ bool start(Host& host, const char* component) {
 
 // [client]
 void printAntennas(Host& host) {
-    auto* client = host.find<OrvOamSpiManagedObject_3>(
-        {"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject", "3"});
+    auto* client = host.find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId);
     const Host::ReadTransaction transaction(host);
     OrvMoAttributeValueResult_3 result{};
     const OrvReturnT code = client->getMoAttribute(

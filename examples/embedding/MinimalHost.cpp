@@ -33,10 +33,10 @@ OrvOamSpiManagedObject_3 router3{};
 VekOamSpiManagedObject_3_1 router3_1{};
 
 void fillRouter() {
-    router1.identity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"};
-    router3.identity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"};
+    router1.identity = OrvOamSpiManagedObject_1_RouterId;
+    router3.identity = OrvOamSpiManagedObject_3_RouterId;
     router3.existsMo = &existsMo;
-    router3_1.identity = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"};
+    router3_1.identity = VekOamSpiManagedObject_3_1_RouterId;
 }
 // [/router]
 
@@ -70,10 +70,8 @@ OrvReturnT unregisterComponent(OrvMgmtSpiComponent_1*) {
     return OrvOk;
 }
 
-OrvMgmtSpiInterfacePortal_1 portal1{{"MyHost", "OrvMgmtSpiInterfacePortal", "1"},
-                                    &getInterface,
-                                    nullptr,
-                                    &registerComponent,
+OrvMgmtSpiInterfacePortal_1 portal1{orvSpiOfferedBy(OrvMgmtSpiInterfacePortal_1_Id, "MyHost"),
+                                    &getInterface, nullptr, &registerComponent,
                                     &unregisterComponent};
 
 // Without a portal of version "3" the component registers through this one, and stays registered
@@ -86,11 +84,9 @@ void* getPortal(const char* version) {
 // [client]
 // A client finds the table that the component offers, and speaks external DNs.
 OrvOamSpiManagedObject_3* findOffered() {
-    const VekMgmtSpiInterface_1 wanted{"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject",
-                                       "3"};
     for (VekMgmtSpiInterface_1** offered = registered->interfaceArray; *offered != nullptr;
          ++offered) {
-        if (isSame(**offered, wanted)) {
+        if (isSame(**offered, OrvOamSpiManagedObject_3_ExtCmId)) {
             return reinterpret_cast<OrvOamSpiManagedObject_3*>(*offered);
         }
     }

@@ -28,8 +28,8 @@ enum OrvStateChangeReason : int {
 /// component offers; the table may be called while the component is started.
 struct OrvMgmtSpiComponent_1 {
     const char* componentName;    ///< unique in the host
-    const char* interfaceName;    ///< "OrvMgmtSpiComponent"
-    const char* interfaceVersion; ///< "1"
+    const char* interfaceName;    ///< as in OrvMgmtSpiComponent_1_Id
+    const char* interfaceVersion; ///< as in OrvMgmtSpiComponent_1_Id
 
     /// Offered interfaces, ended by a null pointer.
     VekMgmtSpiInterface_1** interfaceArray;
@@ -61,6 +61,9 @@ struct OrvMgmtSpiComponent_1 {
 
     bool componentFlag; ///< reserved for the host; false
 };
+
+/// Identity of the record; the component adds its own name.
+constexpr VekMgmtSpiInterface_1 OrvMgmtSpiComponent_1_Id = {nullptr, "OrvMgmtSpiComponent", "1"};
 
 static_assert(offsetof(OrvMgmtSpiComponent_1, componentName) == 0, "word 0");
 static_assert(offsetof(OrvMgmtSpiComponent_1, interfaceName) == 1 * sizeof(void*), "word 1");

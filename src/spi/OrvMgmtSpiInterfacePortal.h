@@ -89,6 +89,12 @@ struct OrvMgmtSpiInterfacePortal_3 {
     OrvReturnT (*unregisterComponent)(OrvMgmtSpiComponent_1* component);
 };
 
+/// Identities of the portals; the host adds its own name.
+constexpr VekMgmtSpiInterface_1 OrvMgmtSpiInterfacePortal_1_Id = {nullptr,
+                                                                  "OrvMgmtSpiInterfacePortal", "1"};
+constexpr VekMgmtSpiInterface_1 OrvMgmtSpiInterfacePortal_3_Id = {nullptr,
+                                                                  "OrvMgmtSpiInterfacePortal", "3"};
+
 static_assert(offsetof(OrvMgmtSpiInterfacePortalAccessor, getPortal) == 0, "first word");
 static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, getInterface) == 3 * sizeof(void*), "slot 1");
 static_assert(offsetof(OrvMgmtSpiInterfacePortal_1, registerComponent) == 5 * sizeof(void*),

@@ -21,6 +21,12 @@ struct OrvMgmtSpiInterface_1 {
 
 typedef OrvMgmtSpiInterface_1 VekMgmtSpiInterface_1;
 
+/// \p identity as \p componentName offers it. The text is not copied.
+constexpr VekMgmtSpiInterface_1 orvSpiOfferedBy(const VekMgmtSpiInterface_1& identity,
+                                                const char* componentName) {
+    return {componentName, identity.interfaceName, identity.interfaceVersion};
+}
+
 static_assert(sizeof(OrvMgmtSpiInterface_1) == 3 * sizeof(void*), "identity is three words");
 static_assert(offsetof(OrvMgmtSpiInterface_1, interfaceName) == sizeof(void*), "second word");
 static_assert(offsetof(OrvMgmtSpiInterface_1, interfaceVersion) == 2 * sizeof(void*), "third word");

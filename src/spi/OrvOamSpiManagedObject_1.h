@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -103,6 +104,13 @@ struct OrvOamSpiManagedObject_1 {
                          OrvMoAttributeValueContainer** parameters,
                          OrvMoAttributeValueContainer** result);
 };
+
+/// Identity of the router's table.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiManagedObject_1_RouterId = {OrvOamSpiCmRouterService,
+                                                                     "OrvOamSpiManagedObject", "1"};
+/// Identity of the component's table.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiManagedObject_1_ExtCmId = {OrvOamSpiExtCmRouterService,
+                                                                    "OrvOamSpiManagedObject", "1"};
 
 static_assert(offsetof(OrvOamSpiManagedObject_1, setMoAttribute) == 3 * sizeof(void*), "slot 1");
 static_assert(offsetof(OrvOamSpiManagedObject_1, getMoAttribute) == 4 * sizeof(void*), "slot 2");

@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -161,6 +162,16 @@ struct OrvOamSpiManagedObject_3 {
     OrvReturnT (*countMoChildren)(unsigned long txHandle, const char* dn, const char* className,
                                   unsigned long long* count);
 };
+
+/// Identity of the router's table: the one that client operations are forwarded to.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiManagedObject_3_RouterId = {OrvOamSpiCmRouterService,
+                                                                     "OrvOamSpiManagedObject", "3"};
+/// The other identity of the router's table: the one that back-pointers and validation ask for.
+constexpr VekMgmtSpiInterface_1 VekOamSpiManagedObject_3_RouterId = {VekOamSpiCmRouterService,
+                                                                     "VekOamSpiManagedObject", "3"};
+/// Identity of the component's table.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiManagedObject_3_ExtCmId = {OrvOamSpiExtCmRouterService,
+                                                                    "OrvOamSpiManagedObject", "3"};
 
 static_assert(offsetof(OrvOamSpiManagedObject_3, setMoAttribute) == 3 * sizeof(void*), "slot 1");
 static_assert(offsetof(OrvOamSpiManagedObject_3, getMoAttribute) == 4 * sizeof(void*), "slot 2");

@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvOamSpiTransactionalResource_2.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -35,6 +36,10 @@ struct OrvOamSpiTransaction_1 {
     ///        stays until `stop`.
     OrvReturnT (*join)(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource);
 };
+
+/// Identity of the host's table.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiTransaction_1_Id = {OrvOamSpiTransactionService,
+                                                             "OrvOamSpiTransaction", "1"};
 
 static_assert(offsetof(OrvOamSpiTransaction_1, join) == 3 * sizeof(void*), "slot 1");
 

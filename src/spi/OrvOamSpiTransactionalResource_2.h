@@ -6,6 +6,7 @@
 
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -64,6 +65,10 @@ struct OrvOamSpiTransactionalResource_2 {
     ///        when stopped, or when one of them fails, no transaction is valid.
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
 };
+
+/// Identity of the component's table.
+constexpr VekMgmtSpiInterface_1 OrvOamSpiTransactionalResource_2_ExtCmId = {
+    OrvOamSpiExtCmRouterService, "OrvOamSpiTransactionalResource", "2"};
 
 static_assert(offsetof(OrvOamSpiTransactionalResource_2, join) == 3 * sizeof(void*), "slot 1");
 static_assert(offsetof(OrvOamSpiTransactionalResource_2, prepare) == 4 * sizeof(void*), "slot 2");

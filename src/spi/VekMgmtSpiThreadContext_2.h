@@ -6,6 +6,7 @@
 
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -26,6 +27,10 @@ struct VekMgmtSpiThreadContext_2 {
     ///        stays.
     OrvReturnT (*addMessage)(int kind, const char* text);
 };
+
+/// Identity of the host's table.
+constexpr VekMgmtSpiInterface_1 VekMgmtSpiThreadContext_2_Id = {VekMgmtSpiThreadContextService,
+                                                                "VekMgmtSpiThreadContext", "2"};
 
 static_assert(offsetof(VekMgmtSpiThreadContext_2, addMessage) == 3 * sizeof(void*), "slot 1");
 

@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -33,6 +34,13 @@ struct VekOamSpiManagedObject_3_1 {
     OrvReturnT (*setMoAttributes)(unsigned long txHandle, const char* dn,
                                   VekMoNamedAttributeValueContainer_3** attributes);
 };
+
+/// Identity of the router's table.
+constexpr VekMgmtSpiInterface_1 VekOamSpiManagedObject_3_1_RouterId = {
+    VekOamSpiCmRouterService, "VekOamSpiManagedObject", "3_1"};
+/// Identity of the component's table.
+constexpr VekMgmtSpiInterface_1 VekOamSpiManagedObject_3_1_ExtCmId = {
+    OrvOamSpiExtCmRouterService, "VekOamSpiManagedObject", "3_1"};
 
 static_assert(offsetof(VekOamSpiManagedObject_3_1, setMoAttributes) == 3 * sizeof(void*), "slot 1");
 static_assert(sizeof(VekOamSpiManagedObject_3_1) == 4 * sizeof(void*), "one slot");

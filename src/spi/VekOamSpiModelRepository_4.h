@@ -7,6 +7,7 @@
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <cstddef>
 
@@ -351,6 +352,10 @@ struct VekOamSpiModelRepository_4 {
     const void* reserved12;
     const VekOamSpiMrReferenceType_4* referenceType; ///< 13
 };
+
+/// Identity of the host's table.
+constexpr VekMgmtSpiInterface_1 VekOamSpiModelRepository_4_Id = {VekOamSpiModelRepositoryService,
+                                                                 "VekOamSpiModelRepository", "4"};
 
 /// Offset of entry or word number \p index of a table of pointers.
 constexpr std::size_t orvSpiWord(std::size_t index) {

@@ -18,7 +18,6 @@ using namespace Scripted;
 namespace {
 
 constexpr std::uint32_t kObjects = 1200;
-constexpr const char* kComponent = "OrvOamSpiExtCmRouterService";
 
 void require(bool isTrue, const std::string& what) {
     if (!isTrue) {
@@ -75,12 +74,9 @@ void Scene::startComponent() {
 }
 
 void Scene::findTables() {
-    auto* table3 =
-        mHost->find<OrvOamSpiManagedObject_3>({kComponent, "OrvOamSpiManagedObject", "3"});
-    auto* table3_1 =
-        mHost->find<VekOamSpiManagedObject_3_1>({kComponent, "VekOamSpiManagedObject", "3_1"});
-    auto* table1 =
-        mHost->find<OrvOamSpiManagedObject_1>({kComponent, "OrvOamSpiManagedObject", "1"});
+    auto* table3 = mHost->find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId);
+    auto* table3_1 = mHost->find<VekOamSpiManagedObject_3_1>(VekOamSpiManagedObject_3_1_ExtCmId);
+    auto* table1 = mHost->find<OrvOamSpiManagedObject_1>(OrvOamSpiManagedObject_1_ExtCmId);
     require(table3 != nullptr && table3_1 != nullptr && table1 != nullptr, "a table is missing");
     mClient3.emplace(*table3);
     mClient3_1.emplace(*table3_1);

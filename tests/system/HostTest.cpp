@@ -20,8 +20,7 @@ using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
 
-constexpr VekMgmtSpiInterface_1 kClientTable{"OrvOamSpiExtCmRouterService",
-                                             "OrvOamSpiManagedObject", "3"};
+constexpr VekMgmtSpiInterface_1 kClientTable = OrvOamSpiManagedObject_3_ExtCmId;
 
 class HostTest : public testing::Test {
 protected:
@@ -56,11 +55,9 @@ TEST_F(HostTest, Start_WithTheComponent_OffersItsFiveInterfaces) {
     host.loadComponent(EXT_CM_PATH);
     EXPECT_THAT(host.start(), Each(Field(&ComponentReport::state, ComponentState::Started)));
     for (const VekMgmtSpiInterface_1& id :
-         {VekMgmtSpiInterface_1{kClientTable.componentName, "OrvOamSpiManagedObject", "1"},
-          kClientTable,
-          VekMgmtSpiInterface_1{kClientTable.componentName, "VekOamSpiManagedObject", "3_1"},
-          VekMgmtSpiInterface_1{kClientTable.componentName, "OrvOamSpiTransactionalResource", "2"},
-          VekMgmtSpiInterface_1{kClientTable.componentName, "ExtCmInterceptorRepositoryI", "1"}}) {
+         {OrvOamSpiManagedObject_1_ExtCmId, OrvOamSpiManagedObject_3_ExtCmId,
+          VekOamSpiManagedObject_3_1_ExtCmId, OrvOamSpiTransactionalResource_2_ExtCmId,
+          VekMgmtSpiInterface_1{OrvOamSpiExtCmRouterService, "ExtCmInterceptorRepositoryI", "1"}}) {
         EXPECT_NE(host.find<void>(id), nullptr) << id.interfaceName << id.interfaceVersion;
     }
     EXPECT_THAT(host.shutdown(), IsEmpty());

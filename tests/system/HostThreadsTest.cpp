@@ -20,8 +20,7 @@ constexpr int kThreads = 4;
 constexpr int kRounds = 50;
 constexpr int kMasts = 20;
 
-constexpr VekMgmtSpiInterface_1 kClientTable{"OrvOamSpiExtCmRouterService",
-                                             "OrvOamSpiManagedObject", "3"};
+constexpr VekMgmtSpiInterface_1 kClientTable = OrvOamSpiManagedObject_3_ExtCmId;
 
 /// The work of one client in its own transaction: counts the masts that have the expected height.
 int readAll(Host& host, OrvOamSpiManagedObject_3* client) {

@@ -3,10 +3,12 @@
 
 #include "CellStateComponent.h"
 
+#include <ExtCmInterceptorRepository.h>
+
 // [component]
 CellStateComponent::CellStateComponent()
     : Component("CellStateService"),
-      mRepositoryIdentity{"OrvOamSpiExtCmRouterService", "ExtCmInterceptorRepositoryI", "1"} {
+      mRepositoryIdentity(OrvExtCmRouterService::ExtCmInterceptorRepositoryI_1_Id) {
     // Makes the host start this component after the one that has the repository, and stop it
     // before.
     mDependencies.push_back(&mRepositoryIdentity);

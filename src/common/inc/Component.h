@@ -82,8 +82,8 @@ protected:
     /// \p componentName is a constant text.
     explicit Component(const char* componentName) {
         mRecord.componentName = componentName;
-        mRecord.interfaceName = "OrvMgmtSpiComponent";
-        mRecord.interfaceVersion = "1";
+        mRecord.interfaceName = OrvMgmtSpiComponent_1_Id.interfaceName;
+        mRecord.interfaceVersion = OrvMgmtSpiComponent_1_Id.interfaceVersion;
         mRecord.start = &OrvLcmStartFn;
         mRecord.stop = &OrvLcmStopFn;
     }

@@ -39,10 +39,9 @@ void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* 
 
 void BiDirUtils::start() {
     Orv::Portal* portal = Orv::Portal::instance();
-    moRouter = portal->getInterface<OrvOamSpiManagedObject_3>(
-        {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3"});
-    modelRepository = portal->getInterface<VekOamSpiModelRepository_4>(
-        {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"});
+    moRouter = portal->getInterface<OrvOamSpiManagedObject_3>(VekOamSpiManagedObject_3_RouterId);
+    modelRepository =
+        portal->getInterface<VekOamSpiModelRepository_4>(VekOamSpiModelRepository_4_Id);
 }
 
 void BiDirUtils::stop() {

@@ -45,12 +45,10 @@ BiDirValidator::BiDirValidator(BiDirUtils& utils) : biDirUtils(utils) {}
 
 void BiDirValidator::start() {
     Orv::Portal* portal = Orv::Portal::instance();
-    modelRepository = portal->getInterface<VekOamSpiModelRepository_4>(
-        {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"});
-    threadContext = portal->getInterface<VekMgmtSpiThreadContext_2>(
-        {"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"});
-    moRouter = portal->getInterface<OrvOamSpiManagedObject_3>(
-        {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3"});
+    modelRepository =
+        portal->getInterface<VekOamSpiModelRepository_4>(VekOamSpiModelRepository_4_Id);
+    threadContext = portal->getInterface<VekMgmtSpiThreadContext_2>(VekMgmtSpiThreadContext_2_Id);
+    moRouter = portal->getInterface<OrvOamSpiManagedObject_3>(VekOamSpiManagedObject_3_RouterId);
 }
 
 void BiDirValidator::stop() {

@@ -3,21 +3,14 @@
 
 #include "ExtCmInterceptorRepository.h"
 
-#include "ComponentName.h"
 #include "MoInterceptorBase.h"
 #include "ServiceLock.h"
 #include "Tracing.h"
 
 namespace OrvExtCmRouterService {
 
-namespace {
-
-constexpr VekMgmtSpiInterface_1 repositoryIdentity = {componentName, "ExtCmInterceptorRepositoryI",
-                                                      "1"};
-
-}
-
-ExtCmInterceptorRepository::ExtCmInterceptorRepository() : mIdentity(repositoryIdentity) {}
+ExtCmInterceptorRepository::ExtCmInterceptorRepository()
+    : mIdentity(ExtCmInterceptorRepositoryI_1_Id) {}
 
 ExtCmInterceptorRepository::~ExtCmInterceptorRepository() = default;
 

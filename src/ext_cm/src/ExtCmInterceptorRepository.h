@@ -6,6 +6,7 @@
 
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
+#include "OrvSpiNames.h"
 
 #include <Poco/Mutex.h>
 
@@ -15,6 +16,10 @@
 namespace OrvExtCmRouterService {
 
 class MoInterceptorBase;
+
+/// Identity of the component's repository. Its table is the object itself.
+constexpr VekMgmtSpiInterface_1 ExtCmInterceptorRepositoryI_1_Id = {
+    OrvOamSpiExtCmRouterService, "ExtCmInterceptorRepositoryI", "1"};
 
 /// Which interceptor serves which class path. There is one, in the component; an interceptor finds
 /// it through MoInterceptorBase::initialize and enters itself.

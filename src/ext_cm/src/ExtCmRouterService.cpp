@@ -3,8 +3,8 @@
 
 #include "ExtCmRouterService.h"
 
-#include "ComponentName.h"
 #include "OpeningSteps.h"
+#include "OrvSpiNames.h"
 #include "ServiceLock.h"
 #include "Tracing.h"
 
@@ -15,22 +15,22 @@ namespace {
 // For the host to order its components by: nothing is looked up from this list. A null asks for no
 // particular component or version.
 constexpr VekMgmtSpiInterface_1 requiredInterfaces[] = {
-    {"OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1"},
-    {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"},
-    {"OrvOamSpiEventService", "OrvOamSpiEventRouter", "1"},
-    {nullptr, "OrvMwSpiLog", "1"},
-    {nullptr, "VekMwSpiTrace", nullptr},
+    OrvOamSpiTransactionMaster_1_Id,
+    OrvOamSpiManagedObject_1_RouterId,
+    OrvOamSpiEventRouter_1_Id,
+    OrvMwSpiLog_1_Id,
+    VekMwSpiTrace_Id,
 };
 
 }
 
 ExtCmRouterService::ExtCmRouterService()
-    : Component(componentName),
+    : Component(OrvOamSpiExtCmRouterService),
       mIdMappings(Orv::MeIdTranslator::instance()),
       mMoImpl(mIdMappings, mTxData),
       mMoImpl3(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
       mMoImpl3_1(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
-      mResourceBinder({componentName, "OrvOamSpiTransactionalResource", "2"}, *this),
+      mResourceBinder(OrvOamSpiTransactionalResource_2_ExtCmId, *this),
       mTxData(mResourceBinder.getInterface()),
       mBiDirValidator(mBiDirUtils) {
     for (const VekMgmtSpiInterface_1& required : requiredInterfaces) {
@@ -75,8 +75,7 @@ OrvReturnT ExtCmRouterService::start(OrvStateChangeReason reason) {
     Orv::MeIdTranslator::instance()->start();
     mTxData.transaction = nullptr;
     // A host without the table is noticed by the first transaction that must be joined, not here.
-    lookUpTable(mPortal1, {"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"},
-                mTxData.transaction);
+    lookUpTable(mPortal1, OrvOamSpiTransaction_1_Id, mTxData.transaction);
     return OrvOk;
 }
 

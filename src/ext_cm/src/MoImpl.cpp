@@ -3,7 +3,6 @@
 
 #include "MoImpl.h"
 
-#include "ComponentName.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
 #include "RouterLife.h"
@@ -51,7 +50,7 @@ bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
 MoImpl::MoImpl(IdMappings& ids, TransactionData& transactions)
     : IterImpl(ids),
       // GCOVR_EXCL_START: all that is counted here undoes the base, and a binder does not throw
-      binder({componentName, "OrvOamSpiManagedObject", "1"}, *this),
+      binder(OrvOamSpiManagedObject_1_ExtCmId, *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions) {}
@@ -63,8 +62,7 @@ OrvReturnT MoImpl::init(OrvMgmtSpiInterfacePortal_1* hostPortal) {
 
 OrvReturnT MoImpl::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, router,
-                    started)) {
+    if (!takeRouter(portal, OrvOamSpiManagedObject_1_RouterId, router, started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }

@@ -4,7 +4,6 @@
 #include "MoImpl3.h"
 
 #include "AssociationRecord.h"
-#include "ComponentName.h"
 #include "DnUtil.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
@@ -85,7 +84,7 @@ MoImpl3::MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& uti
                  UniDirValidator& validator)
     : IterImpl(ids),
       // GCOVR_EXCL_START: all that is counted here undoes the base, and a binder does not throw
-      binder({componentName, "OrvOamSpiManagedObject", "3"}, *this),
+      binder(OrvOamSpiManagedObject_3_ExtCmId, *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions),
@@ -101,8 +100,7 @@ OrvReturnT MoImpl3::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter(portal, {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, router,
-                    started)) {
+    if (!takeRouter(portal, OrvOamSpiManagedObject_3_RouterId, router, started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }

@@ -4,7 +4,6 @@
 #include "MoImpl3_1.h"
 
 #include "AssociationRecord.h"
-#include "ComponentName.h"
 #include "DnUtil.h"
 #include "KnownAttributes.h"
 #include "MoInterceptorBase.h"
@@ -58,7 +57,7 @@ std::string mocPathOf(std::string dn) {
 MoImpl3_1::MoImpl3_1(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
                      UniDirValidator& validator)
     // GCOVR_EXCL_START: all that is counted here undoes the mutex, and a binder does not throw
-    : binder({componentName, "VekOamSpiManagedObject", "3_1"}, *this),
+    : binder(VekOamSpiManagedObject_3_1_ExtCmId, *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions),
@@ -74,8 +73,7 @@ OrvReturnT MoImpl3_1::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 
 OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
     ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter(portal, {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"}, router,
-                    started)) {
+    if (!takeRouter(portal, VekOamSpiManagedObject_3_1_RouterId, router, started)) {
         ORV_LOG(3, "Could not lookup cmrouterservice");
         return ORV_TRACE_RESULT(OrvFailure);
     }

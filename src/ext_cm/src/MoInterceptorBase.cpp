@@ -3,7 +3,6 @@
 
 #include "MoInterceptorBase.h"
 
-#include "ComponentName.h"
 #include "ExtCmInterceptorRepository.h"
 #include "Portal.h"
 #include "Tracing.h"
@@ -34,13 +33,11 @@ MoInterceptorBase::~MoInterceptorBase() = default;
 void MoInterceptorBase::initialize() {
     ORV_TRACE_ENTRY(" >> ");
     Orv::Portal* const portal = Orv::Portal::instance();
-    mo3Router = portal->getInterface<OrvOamSpiManagedObject_3>(
-        {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"});
-    mo3_1Router = portal->getInterface<VekOamSpiManagedObject_3_1>(
-        {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"});
-    const VekMgmtSpiInterface_1 own = {componentName, "ExtCmInterceptorRepositoryI", "1"};
-    if (lookUpRepository(portal->lookup(), own, repository) != OrvOk) {
-        ORV_LOG(4, "Interface %s not found", own.interfaceName);
+    mo3Router = portal->getInterface<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_RouterId);
+    mo3_1Router =
+        portal->getInterface<VekOamSpiManagedObject_3_1>(VekOamSpiManagedObject_3_1_RouterId);
+    if (lookUpRepository(portal->lookup(), ExtCmInterceptorRepositoryI_1_Id, repository) != OrvOk) {
+        ORV_LOG(4, "Interface %s not found", ExtCmInterceptorRepositoryI_1_Id.interfaceName);
     }
     ORV_TRACE_EXIT(" << ");
 }

@@ -33,10 +33,8 @@ const char* endName(VekOamSpiModelRepository_4 const& repository, Association as
 
 void UniDirValidator::start() {
     Orv::Portal* portal = Orv::Portal::instance();
-    repository = portal->getInterface<VekOamSpiModelRepository_4>(
-        {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"});
-    threadContext = portal->getInterface<VekMgmtSpiThreadContext_2>(
-        {"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"});
+    repository = portal->getInterface<VekOamSpiModelRepository_4>(VekOamSpiModelRepository_4_Id);
+    threadContext = portal->getInterface<VekMgmtSpiThreadContext_2>(VekMgmtSpiThreadContext_2_Id);
 }
 
 void UniDirValidator::stop() {

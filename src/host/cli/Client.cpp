@@ -11,9 +11,6 @@ namespace OrvHost {
 
 namespace {
 
-constexpr VekMgmtSpiInterface_1 kTable3{"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject",
-                                        "3"};
-
 /// Owns the result of a successful read of one attribute.
 class OwnedValue {
 public:
@@ -73,7 +70,8 @@ std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
 }
 
 Client::Client(Host& host)
-    : mHost(host), mTable(requireOffered<OrvOamSpiManagedObject_3>(host, kTable3)) {}
+    : mHost(host),
+      mTable(requireOffered<OrvOamSpiManagedObject_3>(host, OrvOamSpiManagedObject_3_ExtCmId)) {}
 
 bool Client::exists(unsigned long txHandle, const std::string& dn) {
     bool exists = false;

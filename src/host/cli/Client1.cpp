@@ -16,9 +16,6 @@ namespace {
 using Conversion = ContainerConversion<Records1>;
 using NamedValues = std::vector<NamedValue>;
 
-constexpr VekMgmtSpiInterface_1 kTable1{"OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject",
-                                        "1"};
-
 NamedValues::const_iterator findNamed(const NamedValues& values, const std::string& name) {
     return std::find_if(values.begin(), values.end(),
                         [&](const NamedValue& value) { return value.first == name; });
@@ -66,7 +63,8 @@ std::vector<NamedValue> inOrderOf(const ActionDef& def, const std::vector<NamedV
 }
 
 Client1::Client1(Host& host)
-    : Client(host), mTable(requireOffered<OrvOamSpiManagedObject_1>(host, kTable1)) {}
+    : Client(host),
+      mTable(requireOffered<OrvOamSpiManagedObject_1>(host, OrvOamSpiManagedObject_1_ExtCmId)) {}
 
 JsonValue Client1::get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
                        const ClassDef* moc) {

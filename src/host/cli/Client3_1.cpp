@@ -8,15 +8,10 @@
 
 namespace OrvHost {
 
-namespace {
-
-constexpr VekMgmtSpiInterface_1 kTable3_1{"OrvOamSpiExtCmRouterService", "VekOamSpiManagedObject",
-                                          "3_1"};
-
-}
-
 Client3_1::Client3_1(Host& host)
-    : Client(host), mTable(requireOffered<VekOamSpiManagedObject_3_1>(host, kTable3_1)) {}
+    : Client(host),
+      mTable(requireOffered<VekOamSpiManagedObject_3_1>(host, VekOamSpiManagedObject_3_1_ExtCmId)) {
+}
 
 void Client3_1::set(unsigned long txHandle, const std::string& dn,
                     const std::vector<NamedValue>& attributes) {

@@ -9,17 +9,10 @@
 
 namespace OrvHost {
 
-namespace {
-
-constexpr VekMgmtSpiInterface_1 kRepository{"VekOamSpiModelRepositoryService",
-                                            "VekOamSpiModelRepository", "4"};
-
-}
-
 std::vector<ClassDescription> describeOfferedClasses(Host& host) {
-    const auto* table = host.find<VekOamSpiModelRepository_4>(kRepository);
+    const auto* table = host.find<VekOamSpiModelRepository_4>(VekOamSpiModelRepository_4_Id);
     if (table == nullptr) {
-        throw LoadError("nobody offers " + identityText(kRepository));
+        throw LoadError("nobody offers " + identityText(VekOamSpiModelRepository_4_Id));
     }
     return describeClasses(RepositoryReader(*table), topLevelClasses(host.model()));
 }

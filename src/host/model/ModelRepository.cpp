@@ -12,7 +12,7 @@ namespace {
 
 VekOamSpiModelRepository_4 makeTable() {
     VekOamSpiModelRepository_4 table{};
-    table.identity = {"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"};
+    table.identity = VekOamSpiModelRepository_4_Id;
     table.dnLookup = &kDnLookup;
     table.generalProperties = &kGeneralProperties;
     table.mocQueries = &kMocQueries;

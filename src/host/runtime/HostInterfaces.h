@@ -5,6 +5,7 @@
 #define ORV_HOST_RUNTIME_HOSTINTERFACES_H
 
 #include "OrvMgmtSpiInterface_1.h"
+#include "OrvSpiNames.h"
 
 #include <array>
 
@@ -19,9 +20,9 @@ public:
 
 private:
     std::array<VekMgmtSpiInterface_1, 3> mIdentities{
-        {{"OrvOamSpiEventService", "OrvOamSpiEventRouter", "1"},
-         {"OrvMwSpiLogService", "OrvMwSpiLog", "1"},
-         {"VekMwSpiTraceService", "VekMwSpiTrace", "2"}}};
+        {OrvOamSpiEventRouter_1_Id,
+         orvSpiOfferedBy(OrvMwSpiLog_1_Id, "OrvMwSpiLogService"),
+         {"VekMwSpiTraceService", VekMwSpiTrace_Id.interfaceName, "2"}}};
 };
 
 }

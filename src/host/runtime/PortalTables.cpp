@@ -14,7 +14,6 @@ namespace OrvHost {
 namespace {
 
 constexpr const char* kComponentName = "OrvMgmtSpiPortalService";
-constexpr const char* kInterfaceName = "OrvMgmtSpiInterfacePortal";
 
 }
 
@@ -24,16 +23,10 @@ PortalTables::PortalTables(ComponentRegistry& registry, PortalVersions versions)
     : mRegistry(registry),
       mVersions(versions),
       mAccessor{&getPortal},
-      mPortal1{{kComponentName, kInterfaceName, "1"},
-               &getInterface,
-               nullptr,
-               &registerComponent,
-               &unregisterComponent},
-      mPortal3{{kComponentName, kInterfaceName, "3"},
-               &getInterface,
-               nullptr,
-               &registerComponent,
-               &unregisterComponent} {
+      mPortal1{orvSpiOfferedBy(OrvMgmtSpiInterfacePortal_1_Id, kComponentName), &getInterface,
+               nullptr, &registerComponent, &unregisterComponent},
+      mPortal3{orvSpiOfferedBy(OrvMgmtSpiInterfacePortal_3_Id, kComponentName), &getInterface,
+               nullptr, &registerComponent, &unregisterComponent} {
     _instance = this;
     Orv::Portal::instance()->attach(&getInterface);
 }

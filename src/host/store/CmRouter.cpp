@@ -13,7 +13,8 @@ CmRouter::CmRouter(const Model& model, MoStore& store, ThreadContext& threadCont
       mTable1(mCore),
       mTable3(mCore),
       mTable3_1(mCore),
-      mResource({"OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2"}, mCore) {
+      mResource(orvSpiOfferedBy(OrvOamSpiTransactionalResource_2_ExtCmId, OrvOamSpiCmRouterService),
+                mCore) {
     if (&store.model() != &model) {
         throw std::logic_error("the store was built over another model");
     }

@@ -45,16 +45,16 @@ public:
     /// Do not call it while operations run.
     void setActionHandler(ActionHandler handler);
 
-    /// "OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1".
+    /// OrvOamSpiManagedObject_1_RouterId.
     OrvOamSpiManagedObject_1* getInterface1() { return mTable1.getInterface(); }
-    /// "OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3".
+    /// OrvOamSpiManagedObject_3_RouterId.
     OrvOamSpiManagedObject_3* getInterface3() { return mTable3.getInterface(); }
-    /// "VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3": the same functions.
+    /// VekOamSpiManagedObject_3_RouterId: the same functions.
     OrvOamSpiManagedObject_3* getVekInterface3() { return mTable3.getVekInterface(); }
-    /// "VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1".
+    /// VekOamSpiManagedObject_3_1_RouterId.
     VekOamSpiManagedObject_3_1* getInterface3_1() { return mTable3_1.getInterface(); }
     /// The router as a participant of transactions, to be enrolled in each of them:
-    /// "OrvOamSpiCmRouterService", "OrvOamSpiTransactionalResource", "2".
+    /// OrvOamSpiTransactionalResource_2 as the router offers it.
     OrvOamSpiTransactionalResource_2* getResource() { return mResource.getInterface(); }
 
 private:

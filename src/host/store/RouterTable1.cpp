@@ -25,7 +25,7 @@ OrvMoAttributeValueContainer* makeContainer(const AttributeValue& value, Orv::Au
 }
 
 RouterTable1::RouterTable1(RouterCore& core)
-    : mCore(core), mBinder({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"}, *this) {}
+    : mCore(core), mBinder(OrvOamSpiManagedObject_1_RouterId, *this) {}
 
 OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName,

@@ -12,9 +12,9 @@ namespace OrvHost {
 
 RouterTable3::RouterTable3(RouterCore& core)
     : mCore(core),
-      mBinder({"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"}, *this),
+      mBinder(OrvOamSpiManagedObject_3_RouterId, *this),
       mVekInterface(*mBinder.getInterface()) {
-    mVekInterface.identity = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3"};
+    mVekInterface.identity = VekOamSpiManagedObject_3_RouterId;
 }
 
 OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,

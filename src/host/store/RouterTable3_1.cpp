@@ -8,7 +8,7 @@
 namespace OrvHost {
 
 RouterTable3_1::RouterTable3_1(RouterCore& core)
-    : mCore(core), mBinder({"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"}, *this) {}
+    : mCore(core), mBinder(VekOamSpiManagedObject_3_1_RouterId, *this) {}
 
 OrvReturnT RouterTable3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                            VekMoNamedAttributeValueContainer_3** attributes) {

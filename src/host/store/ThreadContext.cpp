@@ -47,9 +47,7 @@ OrvReturnT addMessageFn(int kind, const char* text) {
 
 }
 
-ThreadContext::ThreadContext()
-    : mInterface{{"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2"},
-                 &addMessageFn} {
+ThreadContext::ThreadContext() : mInterface{VekMgmtSpiThreadContext_2_Id, &addMessageFn} {
     theContext = this;
     ++theGeneration;
 }

@@ -39,8 +39,8 @@ public:
     ThreadContext(const ThreadContext&) = delete;
     ThreadContext& operator=(const ThreadContext&) = delete;
 
-    /// The table, under "VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext", "2". Lives as
-    /// long as this object. Its addMessage returns OrvInvalidArgument for a null text.
+    /// The table, under VekMgmtSpiThreadContext_2_Id. Lives as long as this object. Its addMessage
+    /// returns OrvInvalidArgument for a null text.
     VekMgmtSpiThreadContext_2* getInterface() { return &mInterface; }
 
     void addMessage(int kind, std::string text);

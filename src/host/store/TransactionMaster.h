@@ -8,7 +8,7 @@
 #include "OrvReturn.h"
 
 /// A table with which a client drives transactions, offered by the reference host under
-/// "OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1". Components require that
+/// OrvOamSpiTransactionMaster_1_Id. Components require that
 /// identity: if it is offered, the host has somebody who drives transactions. A client that has no
 /// C++ object of the host may drive transactions with the table.
 ///

@@ -125,11 +125,8 @@ OrvReturnT abortFn(unsigned long txHandle) {
 
 TransactionService::TransactionService(ThreadContext& threadContext)
     : mThreadContext(threadContext),
-      mTransactionInterface{{"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"}, &joinFn},
-      mMasterInterface{{"OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1"},
-                       &beginFn,
-                       &validateFn,
-                       &commitFn,
+      mTransactionInterface{OrvOamSpiTransaction_1_Id, &joinFn},
+      mMasterInterface{OrvOamSpiTransactionMaster_1_Id, &beginFn, &validateFn, &commitFn,
                        &abortFn} {
     theService = this;
 }

@@ -83,9 +83,9 @@ public:
     /// resource's code if it refuses to join.
     OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource);
 
-    /// "OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1".
+    /// OrvOamSpiTransaction_1_Id.
     OrvOamSpiTransaction_1* getTransactionInterface() { return &mTransactionInterface; }
-    /// "OrvOamSpiTransactionService", "OrvOamSpiTransactionMaster", "1".
+    /// OrvOamSpiTransactionMaster_1_Id.
     OrvHostTransactionMaster_1* getMasterInterface() { return &mMasterInterface; }
 
     ThreadContext& threadContext() { return mThreadContext; }

@@ -13,9 +13,6 @@ namespace Orv {
 
 namespace {
 
-const VekMgmtSpiInterface_1 routerIdentity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject",
-                                              "3"};
-
 // An open iterator of the router, told when it is no longer used.
 class RouterIterator {
 public:
@@ -65,7 +62,8 @@ MoAccessor::MoAccessor(OrvLockPolicyT /*policy*/, int /*limit*/) {}
 
 OrvReturnT MoAccessor::getChildren(const std::string& parentDn, const std::string& className,
                                    std::list<std::string>& children) {
-    auto* router = Portal::instance()->getInterface<OrvOamSpiManagedObject_3>(routerIdentity);
+    auto* router = Portal::instance()->getInterface<OrvOamSpiManagedObject_3>(
+        OrvOamSpiManagedObject_3_RouterId);
     if (router == nullptr) {
         return OrvFailure;
     }

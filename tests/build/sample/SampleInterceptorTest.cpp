@@ -57,8 +57,7 @@ protected:
         component = &host.load(pathOf("ORV_COMPONENT_LIBRARY", ORV_COMPONENT_LIBRARY_DEFAULT));
         ASSERT_EQ(component->start(reason), OrvOk);
         sample = &host.load(samplePath());
-        table = static_cast<OrvOamSpiManagedObject_3*>(
-            host.find("OrvOamSpiExtCmRouterService", "OrvOamSpiManagedObject", "3"));
+        table = static_cast<OrvOamSpiManagedObject_3*>(host.find(OrvOamSpiManagedObject_3_ExtCmId));
         host.router.put(cell, "administrativeState", "UNLOCKED");
         host.router.put(cell, "operationalState", "as stored");
         host.router.put(cell, "userLabel", "north");

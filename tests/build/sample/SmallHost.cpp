@@ -19,8 +19,7 @@ OrvReturnT join(unsigned long, OrvOamSpiTransactionalResource_2*) {
     return OrvOk;
 }
 
-OrvOamSpiTransaction_1 transactions = {{"OrvOamSpiTransactionService", "OrvOamSpiTransaction", "1"},
-                                       &join};
+OrvOamSpiTransaction_1 transactions = {OrvOamSpiTransaction_1_Id, &join};
 
 using Init = OrvReturnT (*)(OrvMgmtSpiInterfacePortalAccessor*, const char*);
 using Terminate = void (*)();
@@ -44,9 +43,9 @@ bool is(const VekMgmtSpiInterface_1& offered, const VekMgmtSpiInterface_1& wante
 
 SmallHost::SmallHost() {
     theHost = this;
-    router.table1.identity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "1"};
-    router.table3.identity = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"};
-    router.table3_1.identity = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject", "3_1"};
+    router.table1.identity = OrvOamSpiManagedObject_1_RouterId;
+    router.table3.identity = OrvOamSpiManagedObject_3_RouterId;
+    router.table3_1.identity = VekOamSpiManagedObject_3_1_RouterId;
     mHostTables = {&router.table1.identity, &router.table3.identity, &router.table3_1.identity,
                    &transactions.identity};
     mPortal.getInterface = &getInterface;
@@ -80,10 +79,9 @@ OrvMgmtSpiComponent_1& SmallHost::load(const std::string& path) {
     return *mRegistered;
 }
 
-void* SmallHost::find(const std::string& component, const std::string& name,
-                      const std::string& version) {
+void* SmallHost::find(const VekMgmtSpiInterface_1& identity) {
     void* table = nullptr;
-    getInterface({component.c_str(), name.c_str(), version.c_str()}, &table);
+    getInterface(identity, &table);
     return table;
 }
 

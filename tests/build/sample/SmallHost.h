@@ -27,7 +27,7 @@ public:
     OrvMgmtSpiComponent_1& load(const std::string& path);
 
     /// The table that is offered under this identity; null if there is none.
-    void* find(const std::string& component, const std::string& name, const std::string& version);
+    void* find(const VekMgmtSpiInterface_1& identity);
 
     CellRouter router;
 

@@ -67,7 +67,15 @@ protected:
                                         VekMgmtSpiInterface_1** needs,
                                         OrvReturnT (*start)(OrvStateChangeReason),
                                         OrvReturnT (*stop)(OrvStateChangeReason)) {
-        return {name, "OrvMgmtSpiComponent", "1", offers, needs, start, stop, nothing, false};
+        return {name,
+                OrvMgmtSpiComponent_1_Id.interfaceName,
+                OrvMgmtSpiComponent_1_Id.interfaceVersion,
+                offers,
+                needs,
+                start,
+                stop,
+                nothing,
+                false};
     }
 
     std::vector<ComponentReport> startAll() {

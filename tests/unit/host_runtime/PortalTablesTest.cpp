@@ -21,8 +21,7 @@ OrvReturnT doNothing(OrvStateChangeReason) {
 class PortalTablesTest : public testing::Test {
 protected:
     PortalTablesTest() {
-        mThreadContext.identity = {"VekMgmtSpiThreadContextService", "VekMgmtSpiThreadContext",
-                                   "2"};
+        mThreadContext.identity = VekMgmtSpiThreadContext_2_Id;
         mRegistry.offer(&mThreadContext.identity);
         mComponent.componentName = "Component";
         mComponent.start = &doNothing;

@@ -34,7 +34,7 @@ OrvReturnT note(const std::string& call) {
 }
 
 OrvOamSpiTransactionalResource_2 makeOne() {
-    return {{"One", "OrvOamSpiTransactionalResource", "2"},
+    return {orvSpiOfferedBy(OrvOamSpiTransactionalResource_2_ExtCmId, "One"),
             [](unsigned long) { return note("one.join"); },
             [](unsigned long) {
                 if (theScript->throwAtPrepare) {
@@ -52,7 +52,7 @@ OrvOamSpiTransactionalResource_2 makeOne() {
 }
 
 OrvOamSpiTransactionalResource_2 makeTwo() {
-    return {{"Two", "OrvOamSpiTransactionalResource", "2"},
+    return {orvSpiOfferedBy(OrvOamSpiTransactionalResource_2_ExtCmId, "Two"),
             [](unsigned long) { return note("two.join"); },
             [](unsigned long) { return note("two.prepare"); },
             [](unsigned long) { return note("two.commit"); },

@@ -17,15 +17,11 @@ using Orv::Portal;
 
 namespace {
 
-const VekMgmtSpiInterface_1 routerId = {"OrvOamSpiCmRouterService", "OrvOamSpiManagedObject", "3"};
-const VekMgmtSpiInterface_1 otherRouterId = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject",
-                                             "3"};
-const VekMgmtSpiInterface_1 router31Id = {"VekOamSpiCmRouterService", "VekOamSpiManagedObject",
-                                          "3_1"};
-const VekMgmtSpiInterface_1 modelId = {"VekOamSpiModelRepositoryService",
-                                       "VekOamSpiModelRepository", "4"};
-const VekMgmtSpiInterface_1 contextId = {"VekMgmtSpiThreadContextService",
-                                         "VekMgmtSpiThreadContext", "2"};
+const VekMgmtSpiInterface_1& routerId = OrvOamSpiManagedObject_3_RouterId;
+const VekMgmtSpiInterface_1& otherRouterId = VekOamSpiManagedObject_3_RouterId;
+const VekMgmtSpiInterface_1& router31Id = VekOamSpiManagedObject_3_1_RouterId;
+const VekMgmtSpiInterface_1& modelId = VekOamSpiModelRepository_4_Id;
+const VekMgmtSpiInterface_1& contextId = VekMgmtSpiThreadContext_2_Id;
 
 OrvOamSpiManagedObject_3 router3 = {};
 VekOamSpiManagedObject_3_1 router31 = {};
