@@ -85,8 +85,8 @@ struct VekOamSpiMrDnLookup_4 {
 
 /// Sub-table 1.
 struct VekOamSpiMrGeneralProperties_4 {
-    /// Entry 0. Gives a text of a block of general properties. \p identifier is always
-    /// VekOamSpiMrGeneralName_4: the name of the MOC, attribute or end that the block belongs to.
+    /// Entry 0. Gives a text of a block of general properties. \p identifier is always that of the
+    /// name of the MOC, attribute or end that the block belongs to (VekOamSpiMrGeneralName_4).
     /// Out:   \p text, owned by the repository.
     /// When:  write (back-pointer lock), delete, validate (reference lock).
     /// Codes: all.
