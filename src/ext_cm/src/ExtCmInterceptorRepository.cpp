@@ -3,6 +3,7 @@
 
 #include "ExtCmInterceptorRepository.h"
 
+#include "ComponentName.h"
 #include "MoInterceptorBase.h"
 #include "ServiceLock.h"
 #include "Tracing.h"
@@ -10,7 +11,7 @@
 namespace OrvExtCmRouterService {
 
 ExtCmInterceptorRepository::ExtCmInterceptorRepository()
-    : mIdentity(ExtCmInterceptorRepositoryI_1_Id) {}
+    : mIdentity(offered(ExtCmInterceptorRepositoryI_1_Id)) {}
 
 ExtCmInterceptorRepository::~ExtCmInterceptorRepository() = default;
 

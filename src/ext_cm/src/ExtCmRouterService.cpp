@@ -3,6 +3,7 @@
 
 #include "ExtCmRouterService.h"
 
+#include "ComponentName.h"
 #include "OpeningSteps.h"
 #include "OrvSpiNames.h"
 #include "ServiceLock.h"
@@ -25,12 +26,12 @@ constexpr VekMgmtSpiInterface_1 requiredInterfaces[] = {
 }
 
 ExtCmRouterService::ExtCmRouterService()
-    : Component(OrvOamSpiExtCmRouterService),
+    : Component(componentName),
       mIdMappings(Orv::MeIdTranslator::instance()),
       mMoImpl(mIdMappings, mTxData),
       mMoImpl3(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
       mMoImpl3_1(mIdMappings, mTxData, mBiDirUtils, mUniDirValidator),
-      mResourceBinder(OrvOamSpiTransactionalResource_2_ExtCmId, *this),
+      mResourceBinder(offered(OrvOamSpiTransactionalResource_2_ExtCmId), *this),
       mTxData(mResourceBinder.getInterface()),
       mBiDirValidator(mBiDirUtils) {
     for (const VekMgmtSpiInterface_1& required : requiredInterfaces) {

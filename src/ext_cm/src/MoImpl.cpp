@@ -3,6 +3,7 @@
 
 #include "MoImpl.h"
 
+#include "ComponentName.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
 #include "RouterLife.h"
@@ -50,7 +51,7 @@ bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
 MoImpl::MoImpl(IdMappings& ids, TransactionData& transactions)
     : IterImpl(ids),
       // GCOVR_EXCL_START: all that is counted here undoes the base, and a binder does not throw
-      binder(OrvOamSpiManagedObject_1_ExtCmId, *this),
+      binder(offered(OrvOamSpiManagedObject_1_ExtCmId), *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions) {}

@@ -4,6 +4,7 @@
 #include "MoImpl3.h"
 
 #include "AssociationRecord.h"
+#include "ComponentName.h"
 #include "DnUtil.h"
 #include "KnownAttributes.h"
 #include "OpeningSteps.h"
@@ -84,7 +85,7 @@ MoImpl3::MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& uti
                  UniDirValidator& validator)
     : IterImpl(ids),
       // GCOVR_EXCL_START: all that is counted here undoes the base, and a binder does not throw
-      binder(OrvOamSpiManagedObject_3_ExtCmId, *this),
+      binder(offered(OrvOamSpiManagedObject_3_ExtCmId), *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions),

@@ -4,6 +4,7 @@
 #include "MoImpl3_1.h"
 
 #include "AssociationRecord.h"
+#include "ComponentName.h"
 #include "DnUtil.h"
 #include "KnownAttributes.h"
 #include "MoInterceptorBase.h"
@@ -57,7 +58,7 @@ std::string mocPathOf(std::string dn) {
 MoImpl3_1::MoImpl3_1(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
                      UniDirValidator& validator)
     // GCOVR_EXCL_START: all that is counted here undoes the mutex, and a binder does not throw
-    : binder(VekOamSpiManagedObject_3_1_ExtCmId, *this),
+    : binder(offered(VekOamSpiManagedObject_3_1_ExtCmId), *this),
       // GCOVR_EXCL_STOP
       idMappings(ids),
       txData(transactions),
