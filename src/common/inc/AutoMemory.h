@@ -15,7 +15,7 @@ namespace Orv {
 /// first and objects second, each in the order of entry. An owned object's destructor must
 /// therefore not read a raw block of the same AutoMemory.
 ///
-/// Threads: no lock; one thread at a time.
+/// Nothing can be taken out or freed early. Threads: no lock; one thread at a time.
 class AutoMemory {
 public:
     /// Lets objects of different types stand in one list.
@@ -51,14 +51,16 @@ public:
         ownedObjs.clear();
     }
 
-    /// A zeroed array of \p count elements, owned by this object. Null if memory is exhausted.
+    /// A zeroed array of \p count elements, owned by this object; \p T needs no constructor. Null
+    /// if memory is exhausted; std::bad_alloc if only the entry in the list cannot be made. With a
+    /// count of 0 a pointer that is not to be read, which may be null.
     template <class T>
     T* malloc(unsigned int count) {
         // NOLINTNEXTLINE(bugprone-sizeof-expression): the elements may be pointers.
         return static_cast<T*>(enter(std::calloc(count, sizeof(T))));
     }
 
-    /// A copy of \p text, owned by this object. Null if memory is exhausted.
+    /// A copy of \p text, which is not null, owned by this object. Failures as above.
     char* strdup(const char* text) { return static_cast<char*>(enter(::strdup(text))); }
 
     /// Takes over \p object, which may be null: it is deleted with this object, or at once if it

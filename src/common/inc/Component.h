@@ -19,6 +19,8 @@ namespace Orv {
 /// \p T names what it offers and requires in its constructor, by filling mInterfaces and
 /// mDependencies. The shared object's orvLCMinit and orvLCMterminate call lcmInit and lcmTerminate.
 ///
+/// Conventions: OrvConventions.h.
+///
 /// Threads: building the object is safe against races; beyond that the host calls lcmInit,
 /// lcmTerminate, start and stop one at a time.
 template <class T>
@@ -34,17 +36,20 @@ public:
     Component(const Component&) = delete;
     Component& operator=(const Component&) = delete;
 
-    /// Called once the component has been registered. \p argument is the text given to orvLCMinit.
+    /// Called once the component has been registered. \p argument is the text given to orvLCMinit,
+    /// borrowed. Its code is that of orvLCMinit.
     virtual OrvReturnT initialize(const char* argument) = 0;
+    /// Called before the registration is taken back, by every orvLCMterminate.
     virtual void terminate() = 0;
+    /// The slots of the record. A std::exception becomes OrvFailure.
     virtual OrvReturnT start(OrvStateChangeReason reason) = 0;
     virtual OrvReturnT stop(OrvStateChangeReason reason) = 0;
     virtual ~Component() = default;
 
     /// The body of orvLCMinit: registers with the portal of version "3", or else "1", and runs
-    /// initialize. May run more than once. Not shielded: an exception passes to the caller.
-    /// OrvFailure if \p accessor is null or the host has no portal "1"; the code of
-    /// registerComponent if that is not zero.
+    /// initialize. May run more than once. Not shielded: an exception passes to the caller. \p
+    /// accessor is the host's and is kept. OrvFailure if it is null or the host has no portal "1";
+    /// the code of registerComponent if that is not zero; otherwise that of initialize.
     static OrvReturnT lcmInit(OrvMgmtSpiInterfacePortalAccessor* accessor, const char* argument) {
         Component& component = instance();
         if (accessor == nullptr) {

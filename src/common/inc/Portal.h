@@ -20,15 +20,17 @@ namespace Orv {
 /// The process's one way to look interfaces up without holding a portal table, with a cached
 /// pointer for each of the four tables that are asked for in this way.
 ///
-/// The cache goes by the type of the table, not by identity: while it is valid the first answer
-/// for a type stands for all identities of that type.
+/// The cache goes by the type of the table, not by identity: while it is valid the first answer for
+/// a type stands for all identities of that type.
+///
+/// Conventions: OrvConventions.h.
 ///
 /// Threads: getInterface and lookup may be called from any thread. Two lookups of one type that run
 /// at once may both reach the host; either answer is good. attach and detach belong to the host, at
 /// a time when no component is started.
 class Portal {
 public:
-    /// The host's lookup. On OrvOk the table is in `*result`, owned by whoever offers it.
+    /// The host's lookup: OrvMgmtSpiInterfacePortal_1::getInterface, with its contract.
     using LookupFn = OrvReturnT (*)(VekMgmtSpiInterface_1 id, void** result);
 
     /// The one object. Owned by the library; never null.
@@ -37,8 +39,10 @@ public:
     Portal(const Portal&) = delete;
     Portal& operator=(const Portal&) = delete;
 
-    /// The table that is offered under \p id, or null. A failed lookup is logged at level 4 as
-    /// "Interface %s not found". \p Table is one of the four types with a cached pointer.
+    /// The table that is offered under \p id, or null. Owned by what offers it until that is
+    /// stopped. A failed lookup is logged at level 4 as "Interface %s not found"; OrvOk with a null
+    /// is not logged. \p Table is one of the four types with a cached pointer. An exception of the
+    /// host passes.
     template <class Table>
     Table* getInterface(const VekMgmtSpiInterface_1& id) {
         std::atomic<Table*>& cached = cachedPointer<Table>();
@@ -66,7 +70,9 @@ public:
     /// The host's lookup as it is, without the cache; null while no host is attached.
     LookupFn lookup() const;
 
-    /// Host only: sets the lookup, empties the cache and declares it valid.
+    /// Host only: sets the lookup, empties the cache and declares it valid. The function must be
+    /// there until detach. A host that replaces a table while attached is not noticed: detach and
+    /// attach in between.
     void attach(LookupFn hostLookup);
 
     /// Host only: drops the lookup and all cached pointers.

@@ -8,16 +8,21 @@
 
 namespace Orv {
 
-/// Questions about the text of DNs, the same for both forms. Stateless: any thread, any time.
+/// Questions about the text of DNs, the same for both forms. Any text is accepted, whether it is a
+/// DN or not. Conventions: OrvConventions.h.
+///
+/// Stateless: any thread, any time. They throw std::bad_alloc at most.
 class DnUtil {
 public:
     /// True if `value` may stand as a naming value in a DN: not empty, valid UTF-8, no control
-    /// character, none of `,` `=` `+` `"` `\` `<` `>` `;`, no space at either end. May be null,
-    /// which is not valid.
+    /// character, none of `,` `=` `+` `"` `\` `<` `>` `;`, no space at either end. `value` is
+    /// borrowed and may be null, which is not valid.
     static bool validateMoNamingAttr(const char* value);
 
     /// The MOC path of `dn`: the class names of its steps joined by ",". A step `Class.attr=value`
-    /// counts as `Class`. "Parent=1,Unit=7" gives "Parent,Unit"; an empty DN an empty path.
+    /// counts as `Class`. "Parent=1,Unit=7" gives "Parent,Unit"; an empty DN an empty path. A comma
+    /// at the very beginning is passed over. The result is the key under which interceptors are
+    /// registered, and equal to what repeated popLeafClass gives.
     static std::string getMocPath(const std::string& dn);
 
     /// Takes the last step off `dn` and puts its class into `leaf`: from "Parent=1,Unit.label=7" it

@@ -13,7 +13,7 @@
 
 namespace Orv {
 
-/// Where traces come from.
+/// Where traces come from: the component, and what components have in common. Constants.
 struct Trace {
     static const VekMwSpiTraceSubsystemHandle_2T ExtCm;
     static const VekMwSpiTraceSubsystemHandle_2T Common;
@@ -37,16 +37,19 @@ struct LogRecord {
     std::string text;
 };
 
-/// The one way out for traces and logs of every component in the process.
+/// The one way out for traces and logs of every component in the process. Conventions:
+/// OrvConventions.h.
 ///
 /// A component asks get_level() first and calls only what the level lets through; the wrapper hands
 /// on every record that it is given. Each message of a component comes twice, in an old and a new
 /// form, so a sink that wants each once keeps one of the forms.
 ///
 /// A record for which memory does not suffice is dropped: no operation fails because of what it has
-/// to say.
+/// to say, and none of the three writers throws. All texts that go in are borrowed and not null;
+/// `format` is a printf format and fits its arguments.
 ///
-/// Threads: every operation, any thread.
+/// Threads: every operation, any thread, also before main and after it. A component may write while
+/// it holds a lock: see setSink.
 class LoggingWrapper {
 public:
     using Sink = std::function<void(const LogRecord&)>;
@@ -60,11 +63,16 @@ public:
     /// Traces are meant for levels above 7, logs of level 3, 4 and 6 for levels above 2, 3 and 5.
     unsigned int get_level() const;
 
+    /// A trace in the old form. `file`: the source's path in its project, without an ending.
+    /// `kind`: 9 for the entry of a function, 10 for its exit, 0 for what lies between.
     void trace_printf(const char* file, const char* function, int line, int kind,
                       const char* format, ...) __attribute__((format(printf, 6, 7)));
+    /// A trace or a log in the new form. `subsystem`: one of Trace. `level`: 14 for a trace, the
+    /// log's own level for a log.
     void trace_v2_printf(VekMwSpiTraceSubsystemHandle_2T subsystem, VekMwSpiTraceLevelT level,
                          const char* file, const char* function, int line, const char* format, ...)
         __attribute__((format(printf, 7, 8)));
+    /// A log in the old form. `level`: 3, 4 or 6, where 3 weighs most. `flag`: always 1.
     void log_printf(const char* function, int level, int flag, const char* format, ...)
         __attribute__((format(printf, 5, 6)));
 
@@ -72,9 +80,10 @@ public:
     void setLevel(unsigned int level);
 
     /// Host only: where records go. Called on the thread that writes the record, one call at a
-    /// time. A sink must not log. A record for which it throws a std::exception is dropped. Null:
-    /// all records are dropped, which is the state at first. When this returns, the previous sink
-    /// is no longer running.
+    /// time, and with locks of the component held. A sink must not log and must not call a
+    /// component. Its record is borrowed. A record for which it throws a std::exception is dropped.
+    /// Null: all records are dropped, which is the state at first. When this returns, the previous
+    /// sink is no longer running.
     void setSink(Sink sink);
 
 private:

@@ -15,7 +15,11 @@ namespace Orv {
 /// the form `ManagedElement.attr=value` counts as a ManagedElement too and keeps its form. While
 /// both identities are empty no DN with a ManagedElement at the root can be translated.
 ///
-/// Threads: every operation may be called from any thread at any time.
+/// Any text is accepted. Steps other than the first are not looked at, and no step is checked for
+/// its form. Conventions: OrvConventions.h.
+///
+/// Threads: every operation may be called from any thread at any time. They throw std::bad_alloc at
+/// most, and lock failures as std::system_error.
 class MeIdTranslator {
 public:
     /// The one object. Owned by the library; never null.
@@ -39,11 +43,14 @@ public:
     /// DN with another first class comes back unchanged.
     std::string toExternalDn(const std::string& dn);
 
-    /// The preferred identity, or the fallback if that is empty. Read under the translator's lock;
-    /// the text is owned by the translator and valid until the next configure.
+    /// The preferred identity, or the fallback if that is empty; empty if both are, never null.
+    /// Read under the translator's lock; the text is owned by the translator until the next
+    /// configure.
     const char* identity();
 
-    /// Host only: sets both identities. Either may be empty.
+    /// Host only: sets both identities. Either may be empty. Best while no component is started: a
+    /// client that walks the top level holds the text of identity, and DNs that it has read before
+    /// cannot be translated afterwards.
     void configure(const std::string& preferred, const std::string& fallback);
 
 private:

@@ -8,7 +8,7 @@
 
 namespace Orv {
 
-/// Texts for return codes.
+/// Texts for return codes. Conventions: OrvConventions.h.
 class OrvReturn {
 public:
     /// The code's name, for example "OrvNotExist"; for a code without a name, a text with the

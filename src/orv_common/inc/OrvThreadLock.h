@@ -9,13 +9,14 @@
 namespace Orv {
 
 /// A mutex that is ready before any constructor has run, for what must be built lazily and once.
+/// Not recursive. Threads: any.
 class OrvThreadLock {
 public:
     constexpr OrvThreadLock() = default;
     OrvThreadLock(const OrvThreadLock&) = delete;
     OrvThreadLock& operator=(const OrvThreadLock&) = delete;
 
-    // The names that std::lock_guard asks for.
+    // The names that std::lock_guard asks for. `lock` raises std::system_error if it fails.
     void lock() { mMutex.lock(); }
     void unlock() { mMutex.unlock(); }
 

@@ -6,13 +6,14 @@
 
 namespace Orv {
 
-/// Base of what works inside a transaction of the host. One thread at a time.
+/// Base of what works inside a transaction of the host. It begins and ends none and keeps only the
+/// handle. Threads: one at a time. Conventions: OrvConventions.h.
 class Transaction {
 public:
     virtual ~Transaction();
 
-    /// Binds this object to the transaction `txHandle`; everything done before goes to transaction
-    /// 0.
+    /// Binds this object to the transaction `txHandle`, in place of the one before; what is done
+    /// before the first call goes to transaction 0. The handle is copied and not checked.
     void useTransaction(const unsigned long& txHandle);
 
 protected:
