@@ -23,7 +23,8 @@
 ///   - OrvNotActive: it is stopped.
 ///   - OrvFailure: an argument that it reads is null or cannot be read. Nothing has been done.
 ///   - OrvNotExist: the DN cannot be translated. Nothing has been done.
-///   - OrvFailure: the slot joins, and there is no transaction table. Nothing has been done.
+///   - OrvFailure: the slot joins, and there is no transaction table. Nothing has been done, but
+///     where a slot joins after the router's OrvOk.
 ///   - the code of the router or the interceptor, unchanged.
 ///
 /// *Read* arguments, the DN among them, are those that the component checks for null. *Handed on*

@@ -17,8 +17,8 @@
 /// The host's transaction table, as far as participants use it. A host's table may have more slots
 /// after these.
 ///
-/// If the portal has no such table, the component starts all the same. An operation that joins then
-/// answers OrvFailure and does nothing; those that do not join are served.
+/// If the portal has no such table, the component starts all the same. An operation then answers
+/// OrvFailure when it comes to the point where it joins; those that do not join are served.
 struct OrvOamSpiTransaction_1 {
     OrvMgmtSpiInterface_1 identity;
 
