@@ -342,6 +342,22 @@ TEST_F(UniDirValidatorTest, Validate_FailingModel_GivesItsCodeAndNoVerdict) {
                 Contains("trace 0 validate: Validate tx: 7 result: 1 return code: -17"));
 }
 
+// Without a verdict the flag is the caller's, who may not have set it at all.
+TEST_F(UniDirValidatorTest, Validate_FailingModel_TracesWhateverByteTheFlagHolds) {
+    start();
+    set("Top=1,Foo=1", "peer", refs({}));
+    stage.script.when("Model.getEndMoc").fails(-17);
+    for (const unsigned char before : std::vector<unsigned char>{2, 42, 255}) {
+        unsigned char byte = before;
+        EXPECT_EQ(-17, validator.validate(tx, reinterpret_cast<bool*>(&byte)));
+        EXPECT_EQ(before, byte);
+        const std::string text =
+            "Validate tx: 7 result: " + std::to_string(int{before}) + " return code: -17";
+        EXPECT_THAT(log.lines(), Contains("trace 0 validate: " + text));
+        EXPECT_THAT(log.lines(), Contains("trace2 ExtCm 14 validate: " + text));
+    }
+}
+
 TEST_F(UniDirValidatorTest, Finish_DropsTheRecordsAndTracesAnUnknownTransaction) {
     start();
     set("Top=1,Foo=1", "peer", refs({}));
