@@ -4,6 +4,7 @@
 #ifndef ORV_FUZZ_SUPPORT_BYTESOURCE_H
 #define ORV_FUZZ_SUPPORT_BYTESOURCE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,6 +18,12 @@ public:
     ByteSource(const std::uint8_t* data, std::size_t size) : mData(data), mSize(size) {}
 
     bool isEmpty() const { return mPosition == mSize; }
+
+    /// How many bytes have been taken.
+    std::size_t position() const { return mPosition; }
+
+    /// Passes over \p size bytes, or over as many as there are.
+    void skip(std::size_t size) { mPosition += std::min(size, mSize - mPosition); }
 
     std::uint8_t byte() { return isEmpty() ? std::uint8_t{0} : mData[mPosition++]; }
 

@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The whole component, in a host that answers as the input says: with failures, exceptions and lies
+// at any call, for clients of all versions that hand over anything. Nothing of that ends the
+// process; what the component must read and cannot is refused before anything has happened; no lock
+// stays held, each result is released once, each transaction joined once; after its end nothing of
+// it is left; and an equal run has equal events.
+
+#include "component/Client.h"
+#include "component/Host.h"
+#include "component/LoadedComponent.h"
+
+#include "LoggingWrapper.h"
+#include "MeIdTranslator.h"
+#include "Portal.h"
+#include "support/Require.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace Fuzz;
+
+namespace {
+
+/// How a run is done, beside what happens in it.
+struct Conditions {
+    bool runsTwice;
+    bool asksOtherThread; ///< after each operation
+    bool beginsBadly;     ///< announces itself while the host is not honest
+    bool isPatient;
+    unsigned int logLevel;
+};
+
+Conditions readConditions(ByteSource& source) {
+    const std::uint8_t flags = source.byte();
+    return {flags % 4 == 1, flags / 4 % 8 == 7, flags / 32 % 4 == 3,
+            flags == 0xFF && source.byte() == 0xA5, flags / 128 == 1 ? 8U : 4U};
+}
+
+/// Makes the component announce itself, once more as long as that fails. The host is honest the
+/// last time.
+void announce(Host& host, bool isHonest) {
+    if (!isHonest) {
+        host.begin("init");
+        try {
+            LoadedComponent::instance().init(portalAccessor(), "");
+        } catch (const std::exception&) {
+            require(host.hasThrown, "orvLCMinit throws");
+        } catch (const OtherException&) {
+            require(host.hasThrownOther, "orvLCMinit throws");
+        }
+    }
+    const Host::Pause honest(host);
+    host.begin("terminate and init");
+    LoadedComponent::instance().terminate();
+    require(LoadedComponent::instance().init(portalAccessor(), nullptr) == OrvOk,
+            "cannot be initialised");
+}
+
+/// Formats what it gets, as a host's sink does; one in many is not taken.
+void listen(const Orv::LogRecord& record) {
+    static std::string formatted;
+    formatted = record.file + record.function + record.text;
+    Host& host = Host::current();
+    host.journal.word(record.function).number(record.level);
+    host.play(Slot::Log, [] { return OrvOk; });
+}
+
+std::string run(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t kMostOperations = 64;
+    constexpr unsigned long kHandlesOfRun = 16;
+    static unsigned long nextHandle = 0; // transactions are never used again: see the work list
+    ByteSource source(data, size);
+    const Conditions conditions = readConditions(source);
+    Host host(data, size, source, nextHandle);
+    nextHandle += kHandlesOfRun;
+    host.isPatient = conditions.isPatient;
+    Orv::Portal::instance()->attach(&portalLookup);
+    Orv::MeIdTranslator::instance()->configure(kRootIdentity, "");
+    Orv::LoggingWrapper::instance()->setLevel(conditions.logLevel);
+    if (announcedComponent() == nullptr || conditions.beginsBadly) {
+        announce(host, !conditions.beginsBadly);
+    }
+    {
+        Client client(host, source, conditions.asksOtherThread);
+        client.start();
+        for (std::size_t left = kMostOperations; left > 0 && !source.isEmpty(); --left) {
+            client.operate();
+        }
+        client.endAll();
+    }
+    return host.journal.events();
+}
+
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool isListening = [] {
+        Orv::LoggingWrapper::instance()->setSink(&listen);
+        return true;
+    }();
+    const std::string events = run(data, size);
+    static const bool shows = std::getenv("FUZZ_COMPONENT_SHOW") != nullptr;
+    if (shows) {
+        std::fputs(events.c_str(), stderr);
+    }
+    ByteSource source(data, size);
+    if (isListening && readConditions(source).runsTwice) {
+        require(run(data, size) == events, "an equal run has other events");
+    }
+    return 0;
+}
