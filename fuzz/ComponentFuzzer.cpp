@@ -5,7 +5,8 @@
 // at any call, for clients of all versions that hand over anything. Nothing of that ends the
 // process; what the component must read and cannot is refused before anything has happened; no lock
 // stays held, each result is released once, each transaction joined once; after its end nothing of
-// it is left; and an equal run has equal events.
+// it is left; and an equal run has equal events. With FUZZ_COMPONENT_SHOW in the environment the
+// events are shown.
 
 #include "component/Client.h"
 #include "component/Host.h"
@@ -16,8 +17,6 @@
 #include "Portal.h"
 #include "support/Require.h"
 
-#include <cstdio>
-#include <cstdlib>
 
 using namespace Fuzz;
 
@@ -101,10 +100,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return true;
     }();
     const std::string events = run(data, size);
-    static const bool shows = std::getenv("FUZZ_COMPONENT_SHOW") != nullptr;
-    if (shows) {
-        std::fputs(events.c_str(), stderr);
-    }
     ByteSource source(data, size);
     if (isListening && readConditions(source).runsTwice) {
         require(run(data, size) == events, "an equal run has other events");

@@ -73,24 +73,21 @@ void Gifts::takeBack(const void* gift) {
             std::string("released twice, or never given: ") + Host::current().operation);
 }
 
+// It is back, whatever is thrown afterwards.
 void Gifts::releaseOne(OrvMoAttributeValueContainer_3* container) {
     Host& host = Host::current();
     host.journal.call("release");
-    host.play(Slot::Release, [&] {
-        host.gifts.takeBack(container);
-        return OrvOk;
-    });
+    host.gifts.takeBack(container);
+    host.play(Slot::Release, [] { return OrvOk; });
 }
 
 void Gifts::releaseMany(OrvMoAttributeValueContainer_3** containers) {
     Host& host = Host::current();
     host.journal.call("releaseMany");
-    host.play(Slot::Release, [&] {
-        if (containers != nullptr) {
-            host.gifts.takeBack(static_cast<const void*>(containers));
-        }
-        return OrvOk;
-    });
+    if (containers != nullptr) {
+        host.gifts.takeBack(static_cast<const void*>(containers));
+    }
+    host.play(Slot::Release, [] { return OrvOk; });
 }
 
 }

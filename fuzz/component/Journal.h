@@ -6,6 +6,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -36,6 +39,10 @@ public:
         if (mText.size() < kMost) {
             mText += '\n';
         }
+        if (shows()) {
+            std::fputs(mText.c_str() + mShown, stderr);
+            mShown = mText.size();
+        }
     }
 
     /// The calls that the host has got so far.
@@ -43,6 +50,12 @@ public:
     const std::string& events() const { return mText; }
 
 private:
+    /// True if somebody wants to look on.
+    static bool shows() {
+        static const bool theyDo = std::getenv("FUZZ_COMPONENT_SHOW") != nullptr;
+        return theyDo;
+    }
+
     static constexpr std::size_t kMost = 1U << 20U;
     static constexpr std::uint32_t kMostValues = 8;
     static constexpr int kMostDepth = 3;
@@ -52,6 +65,7 @@ private:
 
     std::string mText;
     std::size_t mCalls = 0;
+    std::size_t mShown = 0;
 };
 
 inline Journal& Journal::text(const char* text) {
