@@ -17,7 +17,6 @@
 #include "Portal.h"
 #include "support/Require.h"
 
-
 using namespace Fuzz;
 
 namespace {
@@ -37,24 +36,26 @@ Conditions readConditions(ByteSource& source) {
             flags == 0xFF && source.byte() == 0xA5, flags / 128 == 1 ? 8U : 4U};
 }
 
-/// Makes the component announce itself, once more as long as that fails. The host is honest the
-/// last time.
-void announce(Host& host, bool isHonest) {
-    if (!isHonest) {
-        host.begin("init");
-        try {
-            LoadedComponent::instance().init(portalAccessor(), "");
-        } catch (const std::exception&) {
-            require(host.hasThrown, "orvLCMinit throws");
-        } catch (const OtherException&) {
-            require(host.hasThrownOther, "orvLCMinit throws");
-        }
-    }
+/// Makes the component announce itself to an honest host.
+void announce(Host& host) {
     const Host::Pause honest(host);
-    host.begin("terminate and init");
-    LoadedComponent::instance().terminate();
+    host.begin("init");
     require(LoadedComponent::instance().init(portalAccessor(), nullptr) == OrvOk,
             "cannot be initialised");
+}
+
+/// The same to the host as it is, with whatever comes of it, and once more to an honest one.
+void announceAgain(Host& host) {
+    host.begin("terminate and init");
+    LoadedComponent::instance().terminate();
+    try {
+        LoadedComponent::instance().init(portalAccessor(), "");
+    } catch (const std::exception&) {
+        require(host.hasThrown, "orvLCMinit throws");
+    } catch (const OtherException&) {
+        require(host.hasThrownOther, "orvLCMinit throws");
+    }
+    announce(host);
 }
 
 /// Formats what it gets, as a host's sink does; one in many is not taken.
@@ -64,6 +65,15 @@ void listen(const Orv::LogRecord& record) {
     Host& host = Host::current();
     host.journal.word(record.function).number(record.level);
     host.play(Slot::Log, [] { return OrvOk; });
+}
+
+/// What is done once, before the first input.
+bool begin() {
+    ByteSource none(nullptr, 0);
+    Host host(nullptr, 0, none, 0);
+    announce(host);
+    Orv::LoggingWrapper::instance()->setSink(&listen);
+    return true;
 }
 
 std::string run(const std::uint8_t* data, std::size_t size) {
@@ -78,8 +88,8 @@ std::string run(const std::uint8_t* data, std::size_t size) {
     Orv::Portal::instance()->attach(&portalLookup);
     Orv::MeIdTranslator::instance()->configure(kRootIdentity, "");
     Orv::LoggingWrapper::instance()->setLevel(conditions.logLevel);
-    if (announcedComponent() == nullptr || conditions.beginsBadly) {
-        announce(host, !conditions.beginsBadly);
+    if (conditions.beginsBadly) {
+        announceAgain(host);
     }
     {
         Client client(host, source, conditions.asksOtherThread);
@@ -95,13 +105,10 @@ std::string run(const std::uint8_t* data, std::size_t size) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool isListening = [] {
-        Orv::LoggingWrapper::instance()->setSink(&listen);
-        return true;
-    }();
+    static const bool isReady = begin();
     const std::string events = run(data, size);
     ByteSource source(data, size);
-    if (isListening && readConditions(source).runsTwice) {
+    if (isReady && readConditions(source).runsTwice) {
         require(run(data, size) == events, "an equal run has other events");
     }
     return 0;
