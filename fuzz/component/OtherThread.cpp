@@ -26,7 +26,7 @@ OtherThread::~OtherThread() {
 }
 
 void OtherThread::run(const std::function<void()>& work, const char* after) {
-    constexpr std::chrono::seconds kLongest(10);
+    constexpr std::chrono::seconds kLongest(15);
     std::unique_lock<std::mutex> lock(mMutex);
     mWork = &work;
     mChanged.notify_all();
