@@ -537,7 +537,7 @@ protected:
     void readAs(const std::string& attribute, const Value& value, OrvReturnT code = OrvOk) {
         host.when("VekRouter3.getMoAttribute")
             .on(", '" + attribute + "'")
-            .answers<OrvMoAttributeValueResult_3>(
+            .template answers<OrvMoAttributeValueResult_3>(
                 [this, value, code](OrvMoAttributeValueResult_3& out) {
                     out = result(value);
                     return code;
