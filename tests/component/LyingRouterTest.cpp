@@ -247,8 +247,9 @@ TEST_F(LyingRouter, RootsIdAmongManyWithoutText_IsLeftAsItIs) {
 TEST_F(LyingRouter, MoreContainersThanNames_AreConvertedAsPlainValues) {
     host.when("Router3.getMoAttributes")
         .answers<OrvMoAttributeValuesResult_3>([this](OrvMoAttributeValuesResult_3& out) {
-            host.results().giveAll("root",
-                                   {strings({"1"}), strings({"1"}), refs({cellInside("1")})}, out);
+            host.results().giveAll(
+                "root", {strings({"1"}), strings({"1"}), strings({"1"}), refs({cellInside("1")})},
+                out);
             return OrvOk;
         });
     // What stands behind the end of the names is none of them.
@@ -256,7 +257,8 @@ TEST_F(LyingRouter, MoreContainersThanNames_AreConvertedAsPlainValues) {
     ReadMany read;
     read.code = client().table->getMoAttributes(1, kRoot.c_str(), names, &read.record);
     EXPECT_EQ(read.code, OrvOk);
-    EXPECT_THAT(read.values(), ElementsAre(strings({"paris"}), strings({"1"}), refs({cell("1")})));
+    EXPECT_THAT(read.values(),
+                ElementsAre(strings({"paris"}), strings({"1"}), strings({"1"}), refs({cell("1")})));
 }
 
 TEST_F(LyingRouter, NoNamesAndContainersAllTheSame_AreConvertedAsPlainValues) {
