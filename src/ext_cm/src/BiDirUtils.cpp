@@ -27,7 +27,7 @@ constexpr int childLookupLimit = 60;
 
 // A router that reports a child of every MO that it is asked about would lead down for ever. The
 // DNs of all levels are kept meanwhile, so the limit is also one on memory.
-constexpr std::size_t deepestSubtree = 20000;
+constexpr std::size_t deepestSubtree = 10000;
 
 void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* attribute,
                       const char* dn) {
