@@ -194,7 +194,7 @@ TEST_P(EmptyDnOfAWalk, IsTheTopLevelWhateverTheTranslatorWouldSay) {
 INSTANTIATE_TEST_SUITE_P(Operations, EmptyDnOfAWalk, testing::ValuesIn(walks()),
                          [](const auto& tested) { return tested.param.name; });
 
-// The id of the root is what the translated DN of the root says behind its "=".
+// The id of the root is the text after the "=" in its translated DN.
 
 class TranslatedRootId : public Translation {
 protected:
@@ -216,7 +216,7 @@ TEST_F(TranslatedRootId, TextWithoutEqualsSign_IsTheId) {
     expectId("paris", "paris");
 }
 
-TEST_F(TranslatedRootId, TextWithTwo_TheIdIsAllBehindTheFirst) {
+TEST_F(TranslatedRootId, TextWithTwo_TheIdIsAllAfterTheFirst) {
     expectId("Root=paris=1", "paris=1");
 }
 
