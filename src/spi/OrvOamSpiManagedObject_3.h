@@ -98,7 +98,8 @@ struct OrvOamSpiManagedObject_3 {
     ///        same iterator; null is the end. After another code the component leaves null or what
     ///        the router left; nothing to read.
     /// When:  started, and not while the transaction of the iterator is being finished. The router
-    ///        also gets handles that were finalized.
+    ///        also gets handles that were finalized. It gives each child once: where the component
+    ///        walks for itself, a name that comes again ends the walk.
     /// Codes: OrvNotActive for a handle that names nothing, before anything else, and when stopped.
     ///        OrvFailure if \p result is null. Then the router's.
     /// Why:   for an iterator over the top level the component replaces each name by the external
@@ -122,7 +123,8 @@ struct OrvOamSpiManagedObject_3 {
     /// Slot 7. Deletes an MO with its subtree. Joins.
     /// DN:    \p dn, the MO: external (component), internal (router).
     /// When:  started. Before the router is called, the MOs of the subtree leave the far sides of
-    ///        their associations, children first; that asks for the children of each of them.
+    ///        their associations, children first; that asks for the children of each of them. More
+    ///        than 20,000 levels are cut off, with a log of level 3.
     /// Codes: common.
     OrvReturnT (*deleteMo)(unsigned long txHandle, const char* dn);
 
@@ -147,7 +149,8 @@ struct OrvOamSpiManagedObject_3 {
 
     /// Slot 10. Asks whether an MO exists, as the transaction sees it.
     /// DN:    \p dn, the MO: external (component), internal (router).
-    /// Out:   \p exists, handed on: with OrvOk the answer.
+    /// Out:   \p exists, handed on: with OrvOk the answer; the component reads any byte but 0 as
+    ///        true.
     /// When:  started. The router also with the back-pointer lock held, and from inside `validate`.
     /// Codes: common. For an MO that does not exist OrvOk and false; the component takes any other
     ///        code for the same.

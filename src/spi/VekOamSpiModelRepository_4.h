@@ -32,7 +32,8 @@
 ///    several at once, and must not call the component. When says who asks: *write* is an operation
 ///    that sets a reference or creates an MO, *delete* is deleteMo, *validate* is that phase. It
 ///    names the lock of the component that may be held; where it names none, none is.
-/// 6. A list has an end. After a million steps it counts as ended, with a log of level 3.
+/// 6. A list has an end and no member twice. After a million steps it counts as ended, which is
+///    logged at level 3.
 ///
 /// If the portal has no such table, the component starts all the same. It then follows no
 /// association, and finds no transaction valid.
