@@ -124,7 +124,7 @@ struct OrvOamSpiManagedObject_3 {
     /// DN:    \p dn, the MO: external (component), internal (router).
     /// When:  started. Before the router is called, the MOs of the subtree leave the far sides of
     ///        their associations, children first; that asks for the children of each of them. More
-    ///        than 20,000 levels are cut off, with a log of level 3.
+    ///        than 10,000 levels are cut off, with a log of level 3.
     /// Codes: common.
     OrvReturnT (*deleteMo)(unsigned long txHandle, const char* dn);
 
