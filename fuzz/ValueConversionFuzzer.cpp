@@ -4,13 +4,13 @@
 // The conversion of values in both directions: what must change, what must be the producer's own,
 // and that nothing is written to the original.
 
-#include "ConvertedResultData.h"
-#include "IdMappings.h"
 #include "MoImpl.h"
-#include "TransactionData.h"
-#include "ValueConversion.h"
+#include "life/TransactionData.h"
 #include "support/RecordMaker.h"
 #include "support/Require.h"
+#include "values/ConvertedResultData.h"
+#include "values/IdMappings.h"
+#include "values/ValueConversion.h"
 
 #include <string>
 

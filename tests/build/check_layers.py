@@ -13,12 +13,24 @@ import re
 import sys
 import tempfile
 
+BELOW_COMPONENT = ["src/spi", "src/common/inc", "src/orv_common"]
+
+# The folders of the component with those that each may use. The classes above them use all.
+ROOMS = {
+    "src/ext_cm/src/messages": [],
+    "src/ext_cm/src/values": [],
+    "src/ext_cm/src/model": ["src/ext_cm/src/messages", "src/ext_cm/src/values"],
+    "src/ext_cm/src/life": ["src/ext_cm/src/messages", "src/ext_cm/src/values"],
+    "src/ext_cm/src/associations": ["src/ext_cm/src/values"],
+}
+
 # Each layer with the layers that it may include besides itself. The deepest directory counts.
 LAYERS = {
     "src/spi": [],
     "src/common/inc": ["src/spi"],
     "src/orv_common": ["src/spi", "src/common/inc"],
-    "src/ext_cm": ["src/spi", "src/common/inc", "src/orv_common"],
+    "src/ext_cm": [*BELOW_COMPONENT, *ROOMS],
+    **{room: [*BELOW_COMPONENT, *lower] for room, lower in ROOMS.items()},
     "src/host": ["src/spi", "src/common/inc", "src/orv_common"],
     "src/host/yang": ["src/spi", "src/common/inc", "src/orv_common", "src/host"],
     "src/host/cli": ["src/spi", "src/common/inc", "src/orv_common", "src/host", "src/host/yang"],
@@ -90,6 +102,11 @@ SELF_TEST = [
     ("src/ext_cm/src/Service.h", '#include "Helper.h"\n', 0),
     ("src/ext_cm/src/MoInterceptorBase.h", '#include "Service.h"\n', 0),
     ("src/ext_cm/src/Service.cpp", '#  include "store/Store.h"\n', 1),
+    ("src/ext_cm/src/values/Value.h", '#include "Helper.h"\n', 0),
+    ("src/ext_cm/src/values/Upward.h", '#include "Service.h"\n', 1),
+    ("src/ext_cm/src/values/Aside.h", '#include "model/Reader.h"\n', 1),
+    ("src/ext_cm/src/model/Reader.h", '#include "values/Value.h"\n', 0),
+    ("src/ext_cm/src/Other.cpp", '#include "model/Reader.h"\n#include "values/Value.h"\n', 0),
     ("src/host/store/Store.h", '#include "Helper.h"\n', 0),
     ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
      1),

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "Moves.h"
-#include "PendingAdditions.h"
+#include "associations/PendingAdditions.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

@@ -4,15 +4,15 @@
 #include "BiDirUtils.h"
 
 #include "AutoMemory.h"
-#include "BackPointerRouter.h"
 #include "MoAccessor.h"
-#include "ModelReader.h"
-#include "ModelWalk.h"
 #include "Portal.h"
-#include "ReadResult.h"
-#include "ReferenceList.h"
-#include "ServiceLock.h"
-#include "Tracing.h"
+#include "associations/BackPointerRouter.h"
+#include "life/UnderLock.h"
+#include "messages/Tracing.h"
+#include "model/ModelReader.h"
+#include "model/ModelWalk.h"
+#include "values/ReadResult.h"
+#include "values/ReferenceList.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -164,14 +164,15 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
 void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn,
                                     const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
                                     const char* sourceAttribute) {
-    ServiceLock lock(mMutex);
-    const char* const backPointer = backPointerOf(end);
-    if (BackPointerRouter(moRouter).certainlyExists(txHandle, targetDn)) {
-        extendBackPointer(ORV_TRACE_POINT, txHandle, targetDn, dnToAdd, backPointer);
-    } else {
-        mPending.add(targetDn, {txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
-    }
-    lock.unlock();
+    const TracePoint operation = ORV_TRACE_POINT;
+    underLock(mMutex, [&] {
+        const char* const backPointer = backPointerOf(end);
+        if (BackPointerRouter(moRouter).certainlyExists(txHandle, targetDn)) {
+            extendBackPointer(operation, txHandle, targetDn, dnToAdd, backPointer);
+        } else {
+            mPending.add(targetDn, {txHandle, backPointer, end, dnToAdd, true, sourceAttribute});
+        }
+    });
 }
 
 void BiDirUtils::extendBackPointer(const TracePoint& operation, unsigned long txHandle,
@@ -192,7 +193,14 @@ void BiDirUtils::extendBackPointer(const TracePoint& operation, unsigned long tx
 
 OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string> values,
                                  const char* dn, const char* attributeName) {
-    ServiceLock lock(mMutex);
+    const TracePoint operation = ORV_TRACE_POINT;
+    return underLock(
+        mMutex, [&] { return writeBackPointer(operation, txHandle, values, dn, attributeName); });
+}
+
+OrvReturnT BiDirUtils::writeBackPointer(const TracePoint& operation, unsigned long txHandle,
+                                        const std::vector<std::string>& values, const char* dn,
+                                        const char* attributeName) {
     Orv::AutoMemory memory;
     const auto count = static_cast<std::uint32_t>(values.size());
     auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
@@ -207,10 +215,9 @@ OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string
     if (code == OrvOk) {
         addUpdatedBp(txHandle, dn, attributeName);
     } else {
-        ORV_TRACE("Error code %d received when setting attribute %s in %s.", code, attributeName,
-                  dn);
+        ORV_TRACE_AT(operation, "Error code %d received when setting attribute %s in %s.", code,
+                     attributeName, dn);
     }
-    lock.unlock();
     return code;
 }
 
@@ -255,9 +262,7 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
             code = editFarSides(source, moc, bidir, toAdd, toRemove, code);
         }
     }
-    ServiceLock lock(mMutex);
-    addUpdatedBp(txHandle, dn, attributeName);
-    lock.unlock();
+    underLock(mMutex, [&] { addUpdatedBp(txHandle, dn, attributeName); });
     return code;
 }
 
@@ -442,19 +447,20 @@ void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHand
 OrvReturnT BiDirUtils::updatePendingBackPointer(unsigned long txHandle, const std::string& key,
                                                 const char* attribute) {
     ORV_TRACE_ENTRY(" >> key = %s", key.c_str());
-    ServiceLock lock(mMutex);
-    OrvReturnT code = OrvOk;
-    if (!pendingBackPointers.empty()) {
+    const TracePoint operation = ORV_TRACE_POINT;
+    return underLock(mMutex, [&]() -> OrvReturnT {
+        if (pendingBackPointers.empty()) {
+            return OrvOk;
+        }
         bool exists = false;
-        code = BackPointerRouter(moRouter).exists(txHandle, key.c_str(), exists);
+        const OrvReturnT code = BackPointerRouter(moRouter).exists(txHandle, key.c_str(), exists);
         if (code == OrvOk && exists) {
             applyWaiting(txHandle, key, attribute);
         } else {
-            ORV_TRACE("%s doesn't exist or couldn't be read", key.c_str());
+            ORV_TRACE_AT(operation, "%s doesn't exist or couldn't be read", key.c_str());
         }
-    }
-    lock.unlock();
-    return code;
+        return code;
+    });
 }
 
 // What is to be applied is settled beforehand: an edit whose target cannot be seen after all is
@@ -477,23 +483,17 @@ bool BiDirUtils::startsWith(const std::string& text, const std::string& prefix) 
 }
 
 void BiDirUtils::removePendingBackPointerUpdates(unsigned long txHandle, const std::string& dn) {
-    ServiceLock lock(mMutex);
-    mPending.dropSources(txHandle, dn, &startsWith);
-    lock.unlock();
+    underLock(mMutex, [&] { mPending.dropSources(txHandle, dn, &startsWith); });
 }
 
 // The target is not compared, so one withdrawal drops all that the attribute has queued.
 void BiDirUtils::removePendingBackPointerFromQueue(unsigned long txHandle, const std::string& dn,
                                                    const std::string& attribute) {
-    ServiceLock lock(mMutex);
-    mPending.dropSources(txHandle, dn, attribute, &startsWith);
-    lock.unlock();
+    underLock(mMutex, [&] { mPending.dropSources(txHandle, dn, attribute, &startsWith); });
 }
 
 void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle) {
-    ServiceLock lock(mMutex);
-    mPending.dropTransaction(txHandle);
-    lock.unlock();
+    underLock(mMutex, [&] { mPending.dropTransaction(txHandle); });
 }
 
 // Nothing takes an entry out, the end of the transaction included, so a validation that comes late
@@ -504,12 +504,10 @@ void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {
-    ServiceLock lock(mMutex);
-    const auto entry = modifiedBackPointers.find(txHandle);
-    ModifiedAttributes copy =
-        entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();
-    lock.unlock();
-    return copy;
+    return underLock(mMutex, [&] {
+        const auto entry = modifiedBackPointers.find(txHandle);
+        return entry != modifiedBackPointers.end() ? entry->second : ModifiedAttributes();
+    });
 }
 
 }

@@ -7,9 +7,9 @@
 #include "MoAccessor.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
-#include "PendingAdditions.h"
-#include "Tracing.h"
 #include "VekOamSpiModelRepository_4.h"
+#include "associations/PendingAdditions.h"
+#include "messages/Tracing.h"
 
 #include <Poco/Mutex.h>
 
@@ -206,6 +206,9 @@ private:
                        VekOamSpiMrAssociationEndHandle_4T far, VekOamSpiMrMocHandle_4T farMoc);
     void extendBackPointer(const TracePoint& operation, unsigned long txHandle,
                            const char* targetDn, const char* dnToAdd, const char* backPointer);
+    OrvReturnT writeBackPointer(const TracePoint& operation, unsigned long txHandle,
+                                const std::vector<std::string>& values, const char* dn,
+                                const char* attributeName);
     void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
 
     PendingAdditions mPending{pendingBackPointers};

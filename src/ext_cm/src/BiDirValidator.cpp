@@ -3,14 +3,14 @@
 
 #include "BiDirValidator.h"
 
-#include "HostFlag.h"
-#include "MessageText.h"
-#include "ModelReader.h"
-#include "ModelWalk.h"
 #include "Portal.h"
-#include "ReadResult.h"
-#include "ReferenceList.h"
-#include "Tracing.h"
+#include "messages/MessageText.h"
+#include "messages/Tracing.h"
+#include "model/ModelReader.h"
+#include "model/ModelWalk.h"
+#include "values/HostFlag.h"
+#include "values/ReadResult.h"
+#include "values/ReferenceList.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -7,9 +7,9 @@
 #include "BiDirUtils.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
-#include "Tracing.h"
 #include "VekMgmtSpiThreadContext_2.h"
 #include "VekOamSpiModelRepository_4.h"
+#include "messages/Tracing.h"
 
 #include <list>
 #include <string>

@@ -3,10 +3,10 @@
 
 #include "ExtCmInterceptorRepository.h"
 
-#include "ComponentName.h"
 #include "MoInterceptorBase.h"
-#include "ServiceLock.h"
-#include "Tracing.h"
+#include "life/ComponentName.h"
+#include "life/UnderLock.h"
+#include "messages/Tracing.h"
 
 namespace OrvExtCmRouterService {
 
@@ -19,32 +19,32 @@ OrvReturnT ExtCmInterceptorRepository::registerClass(MoInterceptorBase& intercep
                                                      std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> interceptor: %p, mocPath: %s ", static_cast<const void*>(&interceptor),
                     mocPath.c_str());
-    ServiceLock lock(mMutex);
-    const bool entered = mInterceptors.emplace(mocPath, &interceptor).second;
-    if (!entered) {
-        ORV_TRACE("Interceptor with mocPath %s is already registered", mocPath.c_str());
-    }
-    lock.unlock();
-    return entered ? OrvOk : OrvAlreadyExist;
+    const TracePoint operation = ORV_TRACE_POINT;
+    return underLock(mMutex, [&] {
+        const bool entered = mInterceptors.emplace(mocPath, &interceptor).second;
+        if (!entered) {
+            ORV_TRACE_AT(operation, "Interceptor with mocPath %s is already registered",
+                         mocPath.c_str());
+        }
+        return entered ? OrvOk : OrvAlreadyExist;
+    });
 }
 
 void ExtCmInterceptorRepository::deregisterClass(std::string const& mocPath) {
-    ServiceLock lock(mMutex);
-    mInterceptors.erase(mocPath);
-    lock.unlock();
+    underLock(mMutex, [&] { mInterceptors.erase(mocPath); });
 }
 
 MoInterceptorBase* ExtCmInterceptorRepository::getInterceptor(std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> mocPath: %s ", mocPath.c_str());
-    MoInterceptorBase* interceptor = nullptr;
-    ServiceLock lock(mMutex);
-    const auto found = mInterceptors.find(mocPath);
-    if (found != mInterceptors.end()) {
-        interceptor = found->second;
-        ORV_TRACE("Found interceptor: %p", static_cast<const void*>(interceptor));
-    }
-    lock.unlock();
-    return interceptor;
+    const TracePoint operation = ORV_TRACE_POINT;
+    return underLock(mMutex, [&]() -> MoInterceptorBase* {
+        const auto found = mInterceptors.find(mocPath);
+        if (found == mInterceptors.end()) {
+            return nullptr;
+        }
+        ORV_TRACE_AT(operation, "Found interceptor: %p", static_cast<const void*>(found->second));
+        return found->second;
+    });
 }
 
 VekMgmtSpiInterface_1* ExtCmInterceptorRepository::getInterface() {

@@ -3,11 +3,11 @@
 
 #include "ExtCmRouterService.h"
 
-#include "ComponentName.h"
-#include "OpeningSteps.h"
 #include "OrvSpiNames.h"
-#include "ServiceLock.h"
-#include "Tracing.h"
+#include "life/ComponentName.h"
+#include "life/ServiceLife.h"
+#include "life/UnderLock.h"
+#include "messages/Tracing.h"
 
 namespace OrvExtCmRouterService {
 
@@ -117,13 +117,13 @@ OrvReturnT ExtCmRouterService::finish(unsigned long txHandle) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
     mBiDirUtils.removePendingBackpointersForTransaction(txHandle);
     mUniDirValidator.finish(txHandle);
-    ServiceLock lock(mTxData.mMutex);
-    const auto found = mTxData.memoryByTx.find(txHandle);
-    if (found != mTxData.memoryByTx.end()) {
-        delete found->second;
-        mTxData.memoryByTx.erase(found);
-    }
-    lock.unlock();
+    underLock(mTxData.mMutex, [&] {
+        const auto found = mTxData.memoryByTx.find(txHandle);
+        if (found != mTxData.memoryByTx.end()) {
+            delete found->second;
+            mTxData.memoryByTx.erase(found);
+        }
+    });
     return ORV_TRACE_RESULT(OrvOk);
 }
 

@@ -8,13 +8,13 @@
 #include "BiDirValidator.h"
 #include "Component.h"
 #include "ExtCmInterceptorRepository.h"
-#include "IdMappings.h"
 #include "MoImpl.h"
 #include "MoImpl3.h"
 #include "MoImpl3_1.h"
 #include "OrvInterfaceBinders.h"
-#include "TransactionData.h"
 #include "UniDirValidator.h"
+#include "life/TransactionData.h"
+#include "values/IdMappings.h"
 
 namespace OrvExtCmRouterService {
 

@@ -3,12 +3,12 @@
 
 #include "MoImpl.h"
 
-#include "ComponentName.h"
-#include "KnownAttributes.h"
-#include "OpeningSteps.h"
-#include "RouterLife.h"
-#include "StructConversion.h"
-#include "ValueCheck.h"
+#include "life/ComponentName.h"
+#include "life/OpeningSteps.h"
+#include "life/ServiceLife.h"
+#include "values/KnownAttributes.h"
+#include "values/StructConversion.h"
+#include "values/ValueCheck.h"
 
 #include <cstdint>
 #include <vector>
@@ -81,7 +81,7 @@ OrvOamSpiManagedObject_1* MoImpl::getMoInterface() {
 }
 
 Orv::AutoMemory* MoImpl::getTxData(unsigned long txHandle) {
-    return txData.getTxData(txHandle);
+    return txData.getTxData(ORV_TRACE_POINT, txHandle);
 }
 
 OrvOamSpiManagedObject_1* MoImpl::getCmRouter() {

@@ -5,20 +5,20 @@
 #define ORV_EXT_CM_MOIMPL_H
 
 #include "AutoMemory.h"
-#include "IdMappings.h"
-#include "OpeningSteps.h"
 #include "OrvInterfaceBinders.h"
 #include "OrvMgmtSpiComponent_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_1.h"
 #include "OrvReturn.h"
-#include "Tracing.h"
-#include "TransactionData.h"
+#include "life/OpeningSteps.h"
+#include "life/TransactionData.h"
+#include "life/UnderLock.h"
+#include "messages/Tracing.h"
+#include "values/IdMappings.h"
 
 #include <Poco/Exception.h>
 #include <Poco/Mutex.h>
-#include <Poco/ScopedLock.h>
 
 #include <bit>
 #include <memory>
@@ -126,8 +126,7 @@ IterImpl<Table, Handle>::MoIterator::~MoIterator() {
     // the mutex keeps everybody else out then, and an address left behind would make a dead handle
     // look living.
     try {
-        Poco::ScopedLock<Poco::FastMutex> lock(_mutex);
-        _allIters.erase(this);
+        underLock(_mutex, [this] { _allIters.erase(this); });
     } catch (const Poco::SystemException&) {
         _allIters.erase(this);
     }
@@ -135,19 +134,17 @@ IterImpl<Table, Handle>::MoIterator::~MoIterator() {
 
 template <class Table, class Handle>
 void IterImpl<Table, Handle>::MoIterator::enter(bool opensRoot) {
-    Poco::ScopedLockWithUnlock<Poco::FastMutex> lock(_mutex);
-    _allIters.insert(this);
-    atRoot = opensRoot;
-    lock.unlock();
+    underLock(_mutex, [&] {
+        _allIters.insert(this);
+        atRoot = opensRoot;
+    });
 }
 
 template <class Table, class Handle>
 typename IterImpl<Table, Handle>::MoIterator*
 IterImpl<Table, Handle>::MoIterator::find(Handle handle) {
     void* const address = std::bit_cast<void*>(handle);
-    Poco::ScopedLockWithUnlock<Poco::FastMutex> lock(_mutex);
-    const bool living = _allIters.count(address) != 0;
-    lock.unlock();
+    const bool living = underLock(_mutex, [&] { return _allIters.count(address) != 0; });
     return living ? static_cast<MoIterator*>(address) : nullptr;
 }
 

@@ -3,14 +3,14 @@
 
 #include "MoImpl3.h"
 
-#include "AssociationRecord.h"
-#include "ComponentName.h"
 #include "DnUtil.h"
-#include "KnownAttributes.h"
-#include "OpeningSteps.h"
-#include "RouterLife.h"
-#include "ValueCheck.h"
-#include "ValueConversion.h"
+#include "associations/AssociationRecord.h"
+#include "life/ComponentName.h"
+#include "life/OpeningSteps.h"
+#include "life/ServiceLife.h"
+#include "values/KnownAttributes.h"
+#include "values/ValueCheck.h"
+#include "values/ValueConversion.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -119,7 +119,7 @@ OrvOamSpiManagedObject_3* MoImpl3::getMoInterface() {
 }
 
 Orv::AutoMemory* MoImpl3::getTxData(unsigned long txHandle) {
-    return txData.getTxData(txHandle);
+    return txData.getTxData(ORV_TRACE_POINT, txHandle);
 }
 
 OrvOamSpiManagedObject_3* MoImpl3::getCmRouter() {

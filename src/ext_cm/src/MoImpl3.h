@@ -4,11 +4,8 @@
 #ifndef ORV_EXT_CM_MOIMPL3_H
 #define ORV_EXT_CM_MOIMPL3_H
 
-#include "AssociationRecord.h"
 #include "BiDirUtils.h"
-#include "ConvertedResultData.h"
 #include "ExtCmInterceptorRepository.h"
-#include "IdMappings.h"
 #include "MoImpl.h"
 #include "MoInterceptorBase.h"
 #include "OrvInterfaceBinders.h"
@@ -16,8 +13,11 @@
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
-#include "TransactionData.h"
 #include "UniDirValidator.h"
+#include "associations/AssociationRecord.h"
+#include "life/TransactionData.h"
+#include "values/ConvertedResultData.h"
+#include "values/IdMappings.h"
 
 #include <Poco/Mutex.h>
 

@@ -3,15 +3,15 @@
 
 #include "MoImpl3_1.h"
 
-#include "AssociationRecord.h"
-#include "ComponentName.h"
 #include "DnUtil.h"
-#include "KnownAttributes.h"
 #include "MoInterceptorBase.h"
-#include "OpeningSteps.h"
-#include "RouterLife.h"
-#include "Tracing.h"
-#include "ValueConversion.h"
+#include "associations/AssociationRecord.h"
+#include "life/ComponentName.h"
+#include "life/OpeningSteps.h"
+#include "life/ServiceLife.h"
+#include "messages/Tracing.h"
+#include "values/KnownAttributes.h"
+#include "values/ValueConversion.h"
 
 #include <vector>
 
@@ -92,7 +92,7 @@ VekOamSpiManagedObject_3_1* MoImpl3_1::getMoInterface() {
 }
 
 Orv::AutoMemory* MoImpl3_1::getTxData(unsigned long txHandle) {
-    return txData.getTxData(txHandle);
+    return txData.getTxData(ORV_TRACE_POINT, txHandle);
 }
 
 VekOamSpiManagedObject_3_1* MoImpl3_1::getCmRouter() {

@@ -6,14 +6,14 @@
 
 #include "BiDirUtils.h"
 #include "ExtCmInterceptorRepository.h"
-#include "IdMappings.h"
 #include "OrvInterfaceBinders.h"
 #include "OrvMgmtSpiComponent_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
-#include "TransactionData.h"
 #include "UniDirValidator.h"
 #include "VekOamSpiManagedObject_3_1.h"
+#include "life/TransactionData.h"
+#include "values/IdMappings.h"
 
 #include <Poco/Mutex.h>
 

@@ -5,7 +5,7 @@
 
 #include "ExtCmInterceptorRepository.h"
 #include "Portal.h"
-#include "Tracing.h"
+#include "messages/Tracing.h"
 
 namespace OrvExtCmRouterService {
 

@@ -3,10 +3,10 @@
 
 #include "UniDirStorage.h"
 
-#include "ModelAnswer.h"
-#include "ModelWalk.h"
 #include "OrvException.h"
-#include "Tracing.h"
+#include "messages/Tracing.h"
+#include "model/ModelAnswer.h"
+#include "model/ModelWalk.h"
 
 #include <cstdint>
 #include <memory>

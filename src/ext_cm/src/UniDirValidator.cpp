@@ -3,13 +3,13 @@
 
 #include "UniDirValidator.h"
 
-#include "HostFlag.h"
-#include "ModelAnswer.h"
-#include "ModelWalk.h"
 #include "OrvException.h"
 #include "Portal.h"
-#include "ServiceLock.h"
-#include "Tracing.h"
+#include "life/UnderLock.h"
+#include "messages/Tracing.h"
+#include "model/ModelAnswer.h"
+#include "model/ModelWalk.h"
+#include "values/HostFlag.h"
 
 namespace OrvExtCmRouterService {
 
@@ -40,9 +40,7 @@ void UniDirValidator::start() {
 void UniDirValidator::stop() {
     repository = nullptr;
     threadContext = nullptr;
-    ServiceLock lock(mutex);
-    storage.clear();
-    lock.unlock();
+    underLock(mutex, [this] { storage.clear(); });
 }
 
 // The model is asked without the lock; only the storage is touched under it.
@@ -64,9 +62,8 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
         if (!isUniDir(moc, attrName, &association)) {
             return;
         }
-        ServiceLock lock(mutex);
-        storage.setUniDirRef(txHandle, dn, moc, attrName, association, values);
-        lock.unlock();
+        underLock(mutex,
+                  [&] { storage.setUniDirRef(txHandle, dn, moc, attrName, association, values); });
     } catch (Orv::OrvException const& exception) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
     }
@@ -105,18 +102,14 @@ void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
         return;
     }
     try {
-        ServiceLock lock(mutex);
-        storage.deleteMo(txHandle, dn);
-        lock.unlock();
+        underLock(mutex, [&] { storage.deleteMo(txHandle, dn); });
     } catch (Orv::OrvException const& exception) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), exception.returnCode());
     }
 }
 
 void UniDirValidator::finish(unsigned long txHandle) {
-    ServiceLock lock(mutex);
-    storage.finish(txHandle);
-    lock.unlock();
+    underLock(mutex, [&] { storage.finish(txHandle); });
 }
 
 OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
@@ -126,9 +119,8 @@ OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
     }
     OrvReturnT code = OrvOk;
     try {
-        ServiceLock lock(mutex);
-        const bool valid = storage.validate(*repository, *threadContext, txHandle);
-        lock.unlock();
+        const bool valid = underLock(
+            mutex, [&] { return storage.validate(*repository, *threadContext, txHandle); });
         *result = valid;
         code = valid ? OrvOk : OrvValidationFailed;
     } catch (Orv::OrvException const& exception) {

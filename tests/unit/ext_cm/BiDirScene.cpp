@@ -5,7 +5,7 @@
 
 #include "LoggingWrapper.h"
 #include "Portal.h"
-#include "Tracing.h"
+#include "messages/Tracing.h"
 
 namespace BiDirTests {
 

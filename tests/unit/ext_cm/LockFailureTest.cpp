@@ -144,14 +144,14 @@ protected:
 }
 
 TEST_F(LockFailure, GetTxData_Lock_EntersAndJoinsNothing) {
-    EXPECT_EQ(whenLockFails([&] { transactions.getTxData(1); }), kCannotLock);
+    EXPECT_EQ(whenLockFails([&] { transactions.getTxData(ORV_TRACE_POINT, 1); }), kCannotLock);
     EXPECT_EQ(joins, 0);
     EXPECT_TRUE(transactions.memoryByTx.empty());
 }
 
 TEST_F(LockFailure, GetTxData_Unlock_TheEntryStaysAndTheLockIsFree) {
-    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(1); }), kCannotUnlock);
-    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(1); }), kCannotUnlock);
+    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(ORV_TRACE_POINT, 1); }), kCannotUnlock);
+    EXPECT_EQ(whenUnlockFails([&] { transactions.getTxData(ORV_TRACE_POINT, 1); }), kCannotUnlock);
     EXPECT_EQ(transactions.memoryByTx.size(), 1U);
     EXPECT_EQ(joins, 1);
 }

@@ -9,9 +9,9 @@
 #include "MoImpl.h"
 #include "MoImpl3.h"
 #include "MoImpl3_1.h"
-#include "PendingAdditions.h"
 #include "PlainHost.h"
 #include "Portal.h"
+#include "associations/PendingAdditions.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 // What the interface versions have in common: opening steps, and the attributes known by name.
 
-#include "KnownAttributes.h"
+#include "values/KnownAttributes.h"
 
 #include <gtest/gtest.h>
 

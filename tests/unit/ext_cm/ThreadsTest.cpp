@@ -6,7 +6,7 @@
 #include "ExtCmInterceptorRepository.h"
 #include "MoImpl.h"
 #include "MoInterceptorBase.h"
-#include "TransactionData.h"
+#include "life/TransactionData.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ public:
         table.nextMo = &next;
     }
     Orv::AutoMemory* getTxData(unsigned long txHandle) override {
-        return transactions.getTxData(txHandle);
+        return transactions.getTxData(ORV_TRACE_POINT, txHandle);
     }
     OrvOamSpiManagedObject_1* getCmRouter() override { return &table; }
 
@@ -74,7 +74,7 @@ TEST(Threads, Registry_EveryHandleIsJoinedOnce) {
     joins = 0;
     onThreads([&](unsigned int) {
         for (unsigned long handle = 0; handle < kRounds; ++handle) {
-            EXPECT_NE(data.getTxData(handle), nullptr);
+            EXPECT_NE(data.getTxData(ORV_TRACE_POINT, handle), nullptr);
         }
     });
     EXPECT_EQ(joins, kRounds);

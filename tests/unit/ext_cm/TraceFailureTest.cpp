@@ -6,7 +6,7 @@
 
 #include "LoggingWrapper.h"
 #include "MoImpl3.h"
-#include "Tracing.h"
+#include "messages/Tracing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "TransactionData.h"
+#include "life/TransactionData.h"
 
 #include "IsFree.h"
 #include "OrvReturn.h"
@@ -79,38 +79,38 @@ TEST_F(TransactionDataTest, New_HasNoTableAndNoTransactions) {
 }
 
 TEST_F(TransactionDataTest, GetTxData_SameHandleTwice_OneObjectAndOneJoin) {
-    Orv::AutoMemory* const memory = data.getTxData(7);
+    Orv::AutoMemory* const memory = data.getTxData(ORV_TRACE_POINT, 7);
     ASSERT_NE(memory, nullptr);
-    EXPECT_EQ(data.getTxData(7), memory);
+    EXPECT_EQ(data.getTxData(ORV_TRACE_POINT, 7), memory);
     EXPECT_THAT(joins, ElementsAre(Pair(7, &resource)));
 }
 
 TEST_F(TransactionDataTest, GetTxData_TwoHandles_TwoObjectsAndTwoJoinsOfOneResource) {
-    EXPECT_NE(data.getTxData(0), data.getTxData(~0UL));
+    EXPECT_NE(data.getTxData(ORV_TRACE_POINT, 0), data.getTxData(ORV_TRACE_POINT, ~0UL));
     EXPECT_THAT(joins, testing::UnorderedElementsAre(Pair(0, &resource), Pair(~0UL, &resource)));
     EXPECT_EQ(data.memoryByTx.size(), 2U);
 }
 
 TEST_F(TransactionDataTest, GetTxData_HostRefuses_IsNotLookedAt) {
     joinAnswer = -5;
-    Orv::AutoMemory* const memory = data.getTxData(1);
+    Orv::AutoMemory* const memory = data.getTxData(ORV_TRACE_POINT, 1);
     EXPECT_NE(memory, nullptr);
-    EXPECT_EQ(data.getTxData(1), memory);
+    EXPECT_EQ(data.getTxData(ORV_TRACE_POINT, 1), memory);
     EXPECT_EQ(joins.size(), 1U);
 }
 
 TEST_F(TransactionDataTest, GetTxData_JoinThrows_LeavesTheEntryAndDoesNotJoinAgain) {
     joinThrows = true;
-    EXPECT_THROW(data.getTxData(1), std::runtime_error);
+    EXPECT_THROW(data.getTxData(ORV_TRACE_POINT, 1), std::runtime_error);
     joinThrows = false;
-    EXPECT_NE(data.getTxData(1), nullptr);
+    EXPECT_NE(data.getTxData(ORV_TRACE_POINT, 1), nullptr);
     EXPECT_EQ(joins.size(), 1U);
 }
 
 // The lock is free again after an exception: another thread may go on.
 TEST_F(TransactionDataTest, GetTxData_JoinThrows_LetsGoOfTheLock) {
     joinThrows = true;
-    EXPECT_THROW(data.getTxData(1), std::runtime_error);
+    EXPECT_THROW(data.getTxData(ORV_TRACE_POINT, 1), std::runtime_error);
     EXPECT_TRUE(isFree(data.mMutex));
 }
 
@@ -118,16 +118,16 @@ TEST_F(TransactionDataTest, GetTxData_Join_RunsWithTheEntryMadeAndTheLockHeld) {
     lookedAtByJoin = &data.mMutex;
     entriesSeenByJoin = &data.memoryByTx;
     freeDuringJoin = true;
-    data.getTxData(1);
+    data.getTxData(ORV_TRACE_POINT, 1);
     EXPECT_EQ(joins.size(), 1U);
     EXPECT_TRUE(enteredBeforeJoin);
     EXPECT_FALSE(freeDuringJoin);
 }
 
 TEST_F(TransactionDataTest, GetTxData_Served_LetsGoOfTheLock) {
-    data.getTxData(1);
+    data.getTxData(ORV_TRACE_POINT, 1);
     EXPECT_TRUE(isFree(data.mMutex));
-    data.getTxData(1);
+    data.getTxData(ORV_TRACE_POINT, 1);
     EXPECT_TRUE(isFree(data.mMutex));
 }
 
@@ -137,16 +137,17 @@ TEST_F(TransactionDataTest, Type_IsPolymorphicWithoutCopies) {
 }
 
 TEST_F(TransactionDataTest, GetTxData_AfterRemoval_JoinsAgain) {
-    data.getTxData(1);
+    data.getTxData(ORV_TRACE_POINT, 1);
     delete data.memoryByTx.at(1);
     data.memoryByTx.erase(1);
-    data.getTxData(1);
+    data.getTxData(ORV_TRACE_POINT, 1);
     EXPECT_EQ(joins.size(), 2U);
 }
 
 TEST_F(TransactionDataTest, Sweep_DropsAllInTheOrderOfTheirHandlesAndTheTable) {
     for (const int handle : {3, 1, 2}) {
-        data.getTxData(static_cast<unsigned long>(handle))->own(new Witness(handle));
+        data.getTxData(ORV_TRACE_POINT, static_cast<unsigned long>(handle))
+            ->own(new Witness(handle));
     }
     data.sweep();
     EXPECT_THAT(destroyed, ElementsAre(1, 2, 3));
@@ -159,7 +160,8 @@ TEST_F(TransactionDataTest, Destruction_DropsAllInTheOrderOfTheirHandles) {
         TransactionData shortLived(&resource);
         shortLived.transaction = &table;
         for (const int handle : {9, 4}) {
-            shortLived.getTxData(static_cast<unsigned long>(handle))->own(new Witness(handle));
+            shortLived.getTxData(ORV_TRACE_POINT, static_cast<unsigned long>(handle))
+                ->own(new Witness(handle));
         }
     }
     EXPECT_THAT(destroyed, ElementsAre(4, 9));

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ValueConversion.h"
+#include "values/ValueConversion.h"
 
 #include "Records.h"
 

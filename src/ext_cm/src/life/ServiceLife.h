@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_EXT_CM_ROUTERLIFE_H
-#define ORV_EXT_CM_ROUTERLIFE_H
+#ifndef ORV_EXT_CM_SERVICELIFE_H
+#define ORV_EXT_CM_SERVICELIFE_H
 
-#include "OpeningSteps.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMgmtSpiInterface_1.h"
 #include "OrvReturn.h"
-#include "ServiceLock.h"
+#include "life/UnderLock.h"
 
 #include <Poco/Mutex.h>
 
@@ -18,6 +17,20 @@
 /// lock.
 
 namespace OrvExtCmRouterService {
+
+/// Asks the host's portal, which may be null, for a table. \p table gets what the host writes,
+/// whatever its code.
+template <class Table>
+OrvReturnT lookUpTable(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
+                       Table*& table) {
+    if (portal == nullptr) {
+        return OrvFailure;
+    }
+    void* found = table;
+    const OrvReturnT code = portal->getInterface(identity, &found);
+    table = static_cast<Table*>(found);
+    return code;
+}
 
 /// Looks \p router up at \p portal, unless \p started. False, and not started, if there is none,
 /// also if the portal reports success and gives no table.
@@ -38,10 +51,10 @@ bool takeRouter(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1
 /// unlocked.
 template <class Table>
 void letGoOfRouter(Poco::Mutex& mutex, Table*& router, bool& started) {
-    ServiceLock lock(mutex);
-    started = false;
-    router = nullptr;
-    lock.unlock();
+    underLock(mutex, [&] {
+        started = false;
+        router = nullptr;
+    });
 }
 
 }

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ConvertedResultData.h"
+#include "values/ConvertedResultData.h"
 
-#include "QuietRelease.h"
+#include "values/QuietRelease.h"
 
 #include <cstdlib>
 

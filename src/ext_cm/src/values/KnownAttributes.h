@@ -4,9 +4,9 @@
 #ifndef ORV_EXT_CM_KNOWNATTRIBUTES_H
 #define ORV_EXT_CM_KNOWNATTRIBUTES_H
 
-#include "IdMappings.h"
 #include "OrvMoAttributeValue.h"
-#include "ValueCheck.h"
+#include "values/IdMappings.h"
+#include "values/ValueCheck.h"
 
 #include <cstdint>
 #include <cstring>

@@ -4,30 +4,15 @@
 #ifndef ORV_EXT_CM_OPENINGSTEPS_H
 #define ORV_EXT_CM_OPENINGSTEPS_H
 
-#include "IdMappings.h"
-#include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvReturn.h"
+#include "values/IdMappings.h"
 
 #include <string>
 
 /// \file
-/// What a service and its operations begin with in every interface version.
+/// What every operation on an MO begins with, in every interface version.
 
 namespace OrvExtCmRouterService {
-
-/// Asks the host's portal, which may be null, for a table. \p table gets what the host writes,
-/// whatever its code.
-template <class Table>
-OrvReturnT lookUpTable(OrvMgmtSpiInterfacePortal_1* portal, const VekMgmtSpiInterface_1& identity,
-                       Table*& table) {
-    if (portal == nullptr) {
-        return OrvFailure;
-    }
-    void* found = table;
-    const OrvReturnT code = portal->getInterface(identity, &found);
-    table = static_cast<Table*>(found);
-    return code;
-}
 
 /// True if all these pointers, which an operation reads through, are there.
 template <class... Pointers>

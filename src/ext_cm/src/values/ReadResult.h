@@ -5,8 +5,8 @@
 #define ORV_EXT_CM_READRESULT_H
 
 #include "OrvMoAttributeValue.h"
-#include "QuietRelease.h"
-#include "ReferenceList.h"
+#include "values/QuietRelease.h"
+#include "values/ReferenceList.h"
 
 namespace OrvExtCmRouterService {
 

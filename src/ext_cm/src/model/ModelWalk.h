@@ -5,7 +5,7 @@
 #define ORV_EXT_CM_MODELWALK_H
 
 #include "OrvReturn.h"
-#include "Tracing.h"
+#include "messages/Tracing.h"
 
 #include <list>
 #include <set>

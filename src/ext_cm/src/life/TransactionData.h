@@ -7,6 +7,7 @@
 #include "AutoMemory.h"
 #include "OrvOamSpiTransaction_1.h"
 #include "OrvOamSpiTransactionalResource_2.h"
+#include "messages/Tracing.h"
 
 #include <Poco/Mutex.h>
 
@@ -33,7 +34,7 @@ public:
     /// transaction. What the host answers is not looked at, and a join that throws leaves the entry
     /// in place, so that the next call does not join again. \throws std::runtime_error, with
     /// nothing entered, if there is no table to join a new transaction at.
-    Orv::AutoMemory* getTxData(unsigned long txHandle);
+    Orv::AutoMemory* getTxData(const TracePoint& operation, unsigned long txHandle);
 
     /// Lets go of the host's table and of all transactions, in the order of their handles. Takes no
     /// lock: for when no operation runs.
@@ -43,6 +44,9 @@ public:
     OrvOamSpiTransaction_1* transaction = nullptr;        ///< set between start and stop
     Poco::Mutex mMutex;
     OrvOamSpiTransactionalResource_2* resource;
+
+private:
+    Orv::AutoMemory* join(const TracePoint& operation, unsigned long txHandle);
 };
 
 }

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ValueConversion.h"
+#include "values/ValueConversion.h"
 
-#include "StructConversion.h"
-#include "ValueCheck.h"
+#include "values/StructConversion.h"
+#include "values/ValueCheck.h"
 
 #include <cstdint>
 #include <string>

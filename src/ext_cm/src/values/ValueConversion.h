@@ -5,9 +5,9 @@
 #define ORV_EXT_CM_VALUECONVERSION_H
 
 #include "AutoMemory.h"
-#include "ConvertedResultData.h"
-#include "IdMappings.h"
 #include "OrvMoAttributeValue.h"
+#include "values/ConvertedResultData.h"
+#include "values/IdMappings.h"
 
 namespace OrvExtCmRouterService {
 

@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "TransactionData.h"
+#include "life/TransactionData.h"
 
-#include "ServiceLock.h"
-#include "Tracing.h"
+#include "life/UnderLock.h"
 
 #include <memory>
 #include <stdexcept>
@@ -17,25 +16,25 @@ TransactionData::~TransactionData() {
     sweep();
 }
 
-Orv::AutoMemory* TransactionData::getTxData(unsigned long txHandle) {
-    ServiceLock lock(mMutex);
-    const auto found = memoryByTx.find(txHandle);
-    if (found != memoryByTx.end()) {
-        Orv::AutoMemory* const known = found->second;
-        lock.unlock();
-        return known;
-    }
+Orv::AutoMemory* TransactionData::getTxData(const TracePoint& operation, unsigned long txHandle) {
+    return underLock(mMutex, [&] {
+        const auto found = memoryByTx.find(txHandle);
+        return found != memoryByTx.end() ? found->second : join(operation, txHandle);
+    });
+}
+
+Orv::AutoMemory* TransactionData::join(const TracePoint& operation, unsigned long txHandle) {
     // What is not joined would never be validated or finished.
     if (transaction == nullptr) {
-        ORV_LOG(3, "Transaction %lu cannot be joined without the host's transaction table",
-                txHandle);
+        ORV_LOG_AT(operation, 3,
+                   "Transaction %lu cannot be joined without the host's transaction table",
+                   txHandle);
         throw std::runtime_error("no transaction table");
     }
     auto memory = std::make_unique<Orv::AutoMemory>();
     memoryByTx.emplace(txHandle, memory.get());
     Orv::AutoMemory* const entered = memory.release();
     transaction->join(txHandle, resource);
-    lock.unlock();
     return entered;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ValueCheck.h"
+#include "values/ValueCheck.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -4,11 +4,11 @@
 #ifndef ORV_EXT_CM_BACKPOINTERROUTER_H
 #define ORV_EXT_CM_BACKPOINTERROUTER_H
 
-#include "HostFlag.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "OrvReturn.h"
-#include "ReadResult.h"
+#include "values/HostFlag.h"
+#include "values/ReadResult.h"
 
 namespace OrvExtCmRouterService {
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ReferenceList.h"
+#include "values/ReferenceList.h"
 
-#include "ValueCheck.h"
+#include "values/ValueCheck.h"
 
 #include <algorithm>
 #include <cstdint>

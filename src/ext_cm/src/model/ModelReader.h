@@ -4,8 +4,8 @@
 #ifndef ORV_EXT_CM_MODELREADER_H
 #define ORV_EXT_CM_MODELREADER_H
 
-#include "HostFlag.h"
 #include "VekOamSpiModelRepository_4.h"
+#include "values/HostFlag.h"
 
 #include <cstring>
 
