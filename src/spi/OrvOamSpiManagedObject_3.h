@@ -99,7 +99,7 @@ struct OrvOamSpiManagedObject_3 {
     ///        the router left; nothing to read.
     /// When:  started, and not while the transaction of the iterator is being finished. The router
     ///        also gets handles that were finalized. It gives each child once: where the component
-    ///        walks for itself, a name that comes again ends the walk.
+    ///        walks for itself, a name that comes again is left out.
     /// Codes: OrvNotActive for a handle that names nothing, before anything else, and when stopped.
     ///        OrvFailure if \p result is null. Then the router's.
     /// Why:   for an iterator over the top level the component replaces each name by the external

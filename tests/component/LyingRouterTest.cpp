@@ -22,6 +22,7 @@ using namespace Scripted;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
@@ -289,8 +290,44 @@ TEST_F(LyingRouter, ChildThatIsGivenForEver_IsTakenOnce) {
         return OrvOk;
     });
     EXPECT_EQ(client().remove(1, unit("7")), OrvOk);
-    EXPECT_THAT(host.calls("VekRouter3.nextMo"), SizeIs(2));
+    EXPECT_THAT(host.calls("Model.getMocFromDn"),
+                Contains(HasSubstr("'ManagedElement=1,Unit=7,Part=1'")).Times(2))
+        << "on the way down, and when it leaves its far sides";
     EXPECT_THAT(host.calls("VekRouter3.finalizeMoIterator"), SizeIs(1));
+    EXPECT_FALSE(host.world().exists(unitInside("7")));
+}
+
+TEST_F(LyingRouter, ChildThatIsGivenTwice_HidesNoOther) {
+    host.model().moc("Unit").contains("Part");
+    std::vector<std::string> names = {"1", "1", "2"};
+    std::size_t next = 0;
+    host.when("VekRouter3.nextMo").answers<char*>([&](char*& out) {
+        out = next < names.size() ? names[next].data() : nullptr;
+        ++next;
+        return OrvOk;
+    });
+    EXPECT_EQ(client().remove(1, unit("7")), OrvOk);
+    for (const std::string part : {"Part=1'", "Part=2'"}) {
+        EXPECT_THAT(host.calls("Model.getMocFromDn"), Contains(HasSubstr(part)).Times(2));
+    }
+}
+
+TEST_F(LyingRouter, ChildOfEveryChild_IsCutOffWithOneLog) {
+    host.model().moc("Unit").contains("Part");
+    host.model().moc("Part").contains("Part");
+    char name[] = "1";
+    bool isFirst = false;
+    host.when("VekRouter3.nextMo").answers<char*>([&](char*& out) {
+        isFirst = !isFirst; // one child for each iterator
+        out = isFirst ? name : nullptr;
+        return OrvOk;
+    });
+    host.script().keepCalls(false);
+    host.logLevel(3);
+    EXPECT_EQ(client().remove(1, unit("7")), OrvOk);
+    host.logLevel(0);
+    EXPECT_THAT(host.logs(), Contains(HasSubstr("A subtree to delete does not end")).Times(2))
+        << "in both forms";
     EXPECT_FALSE(host.world().exists(unitInside("7")));
 }
 

@@ -27,7 +27,7 @@
 ///
 /// The slots of a table stand in one list. It makes the static functions, each of which calls the
 /// member of its own name, and the entries of the table. A slot that is missing in the list, a
-/// member that is missing, or one with other arguments does not compile.
+/// member that is missing, or one that cannot be called with the slot's arguments does not compile.
 
 namespace Orv {
 

@@ -25,9 +25,11 @@ namespace {
 
 constexpr int childLookupLimit = 60;
 
-// A router that reports a child of every MO that it is asked about would lead down for ever. The
-// DNs of all levels are kept meanwhile, so the limit is also one on memory.
+// A router that reports a child of every MO that it is asked about would lead down for ever, and
+// one that reports two would lead to more MOs than can be visited. No network has so many levels or
+// MOs.
 constexpr std::size_t deepestSubtree = 10000;
+constexpr std::size_t largestSubtree = 10000000;
 
 void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* attribute,
                       const char* dn) {
@@ -317,12 +319,19 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
     const TracePoint operation = ORV_TRACE_POINT;
     std::list<MoToLeave> path; // from the deleted MO down to the one in hand
     const OrvReturnT code = descend(operation, txHandle, dn, path);
+    std::size_t visited = 0;
+    bool isCutOff = false;
     while (!path.empty()) {
         MoToLeave& mo = path.back();
         if (!mo.children.empty()) {
             std::string child = std::move(mo.children.front());
             mo.children.pop_front();
-            descend(operation, txHandle, std::move(child), path);
+            if (path.size() < deepestSubtree && ++visited < largestSubtree) {
+                descend(operation, txHandle, std::move(child), path);
+            } else if (!isCutOff) {
+                isCutOff = true;
+                ORV_LOG(3, "A subtree to delete does not end: cut off at %s", child.c_str());
+            }
         } else if (!mo.childClasses.empty()) {
             mo.accessor.getChildren(mo.dn, mo.childClasses.front(), mo.children);
             mo.childClasses.pop_front();
@@ -338,11 +347,6 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
 /// below it. Gives back the code of the class lookup.
 OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHandle, std::string dn,
                                std::list<MoToLeave>& path) const {
-    if (path.size() == deepestSubtree) {
-        ORV_LOG_AT(operation, 3, "A subtree to delete does not end: cut off after %d levels",
-                   static_cast<int>(deepestSubtree));
-        return OrvFailure;
-    }
     MoToLeave& mo = path.emplace_back(txHandle, std::move(dn));
     VekOamSpiMrMocHandle_4T moc = 0;
     const OrvReturnT code = lookUpMoc(operation, mo.dn.c_str(), moc);

@@ -19,6 +19,7 @@
 
 #include <Poco/Exception.h>
 #include <Poco/Mutex.h>
+#include <Poco/ScopedLock.h>
 
 #include <bit>
 #include <memory>
@@ -126,7 +127,8 @@ IterImpl<Table, Handle>::MoIterator::~MoIterator() {
     // the mutex keeps everybody else out then, and an address left behind would make a dead handle
     // look living.
     try {
-        underLock(_mutex, [this] { _allIters.erase(this); });
+        Poco::ScopedLock<Poco::FastMutex> lock(_mutex); // drops a failure to unlock
+        _allIters.erase(this);
     } catch (const Poco::SystemException&) {
         _allIters.erase(this);
     }

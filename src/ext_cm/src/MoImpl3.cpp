@@ -244,7 +244,8 @@ void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
         const OrvMoNamedAttributeValueContainer_3& attribute = *attributes[index];
-        if (canBeCreatedWith(attribute)) { // also after the router had the array in its hands
+        // Looked at once more: the router has had the array in its hands.
+        if (attribute.value.type == OrvMoAttributeTypeMoRef_3 && canBeCreatedWith(attribute)) {
             recordReferences(biDirUtils, uniDirValidator, created, attribute.name, attribute.value);
         }
     }

@@ -82,7 +82,8 @@ public:
                       OrvMoNamedAttributeValueContainer_3** parameters,
                       OrvMoAttributeValueResult_3* result);
 
-    /// Always OrvOk, also for an unknown handle. The record lives on until the transaction ends.
+    /// OrvOk, also for an unknown handle and whatever the router answers. The record lives on until
+    /// the transaction ends.
     OrvReturnT finalizeMoIterator(unsigned long long iterator);
     OrvReturnT existsMo(unsigned long txHandle, const char* dn, bool* exists);
 

@@ -36,12 +36,16 @@ private:
     unsigned long long mHandle;
 };
 
-// The router gives the naming value only. No parent has two children of one class and name: a
-// router that gives a name a second time would do so for ever.
+// No parent has two children of one class and name, and none has so many children. A router that
+// gives names again and again, or new ones for ever, is left.
+constexpr std::size_t mostRepeats = 1000;
+constexpr std::size_t mostChildren = 10000000;
+
+// The router gives the naming value only.
 OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
                           std::list<std::string>& children) {
     std::unordered_set<std::string_view> known; // texts in the list, which stay where they are
-    for (;;) {
+    for (std::size_t repeats = 0; repeats < mostRepeats && known.size() < mostChildren;) {
         char* name = nullptr;
         const OrvReturnT code = iterator.next(&name);
         if (code != OrvOk || name == nullptr) {
@@ -50,9 +54,10 @@ OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
         children.push_back(prefix + name);
         if (!known.insert(children.back()).second) {
             children.pop_back();
-            return OrvFailure;
+            ++repeats;
         }
     }
+    return OrvFailure;
 }
 
 }

@@ -19,10 +19,7 @@ protected:
     ~StepsTest() override { Orv::MeIdTranslator::instance()->configure("", ""); }
 
     IdMappings mappings{Orv::MeIdTranslator::instance()};
-    std::string dn = "untouched";
 };
-
-constexpr char kForeign[] = "ManagedElement=london"; // translates in neither direction
 
 }
 

@@ -54,7 +54,7 @@ OrvReturnT openOperation(bool started, const IdMappings& mappings, const char* d
 template <class AreReadable>
 OrvReturnT openWalk(bool started, const IdMappings& mappings, const char* dn,
                     std::string& internalDn, const AreReadable& areReadable) {
-    if (dn != nullptr && *dn == '\0') {
+    if (started && dn != nullptr && *dn == '\0') {
         internalDn.clear();
         return admit(started, dn, areReadable);
     }

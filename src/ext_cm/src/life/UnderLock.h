@@ -12,9 +12,10 @@ namespace OrvExtCmRouterService {
 
 /// Does \p work while \p mutex is held, and gives back what it returns.
 ///
-/// A mutex that cannot be locked or unlocked raises Poco::SystemException. When \p work throws, its
-/// exception passes, and a failure to unlock after it is dropped. Traces in \p work need the place
-/// of the function around it, see ORV_TRACE_AT.
+/// A mutex that cannot be locked or unlocked raises Poco::SystemException. Where it cannot be
+/// unlocked, what \p work has done stays done, and only what it returned is lost. When \p work
+/// throws, its exception passes, and a failure to unlock after it is dropped. Traces in \p work
+/// need the place of the function around it, see ORV_TRACE_AT.
 template <class Mutex, class Work>
 auto underLock(Mutex& mutex, const Work& work) {
     Poco::ScopedLockWithUnlock<Mutex> lock(mutex);

@@ -19,6 +19,9 @@ template <class Container>
 class ValueReader {
 public:
     bool reads(const Container& value) {
+        if (value.type == OrvMoAttributeTypeMoRef_3) {
+            return value.count == 0 || (value.values != nullptr && hasAllTexts(value));
+        }
         if (!enter(value)) {
             return false;
         }
@@ -49,6 +52,11 @@ private:
             return false;
         }
         return isReference ? readsTexts(value) : entersStruct(value);
+    }
+
+    static bool hasAllTexts(const Container& value) {
+        return std::all_of(value.values, value.values + value.count,
+                           [](const Slot& slot) { return slot.moRef != nullptr; });
     }
 
     bool readsTexts(const Container& value) {

@@ -15,8 +15,9 @@ namespace OrvExtCmRouterService {
 ///
 /// To be asked of a client's values before anything is done with them, so that a refusal leaves
 /// nothing behind, and of a router's before they are converted. Structs of any depth are looked at
-/// without recursion. A value of more than four million pieces (members, slots and texts) counts as
-/// not readable: so many has only one that leads back into itself.
+/// without recursion. A struct of more than four million pieces (members, slots and texts) counts
+/// as not readable: so many has only one that leads back into itself, or into the same part again
+/// and again.
 ///
 /// Once a struct has shown a reference, a member without a value is an empty one in versions 3 and
 /// 3_1. In version 1 it cannot be read.
