@@ -29,8 +29,8 @@ public:
     /// the top level) of the class `className`, in the router's order. The router's iterator is
     /// finalized on every way out. Returns OrvOk; the code of the router's first step that fails,
     /// after which `children` holds what was found until then; or OrvFailure if there is no router
-    /// or its list does not end. A name that the router gives again is left out. An exception of the
-    /// router passes.
+    /// or its list does not end. A name that the router gives again is left out. An exception of
+    /// the router passes.
     OrvReturnT getChildren(const std::string& parentDn, const std::string& className,
                            std::list<std::string>& children);
 };
