@@ -56,7 +56,7 @@ struct OrvMoAttributeValueContainer_3 {
 };
 
 /// One member of a struct value; a struct is a singly linked list of these. The component reads any
-/// depth without recursion, and refuses a struct of more than four million members, slots and texts.
+/// depth without recursion, and refuses a struct of over four million members, slots and texts.
 struct OrvMoStructMember_3 {
     const char* name;
     OrvMoAttributeValueContainer_3* value; ///< may be null: an empty one of type 0

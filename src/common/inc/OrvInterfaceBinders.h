@@ -95,6 +95,8 @@ void bindOnce(T*& instance, T& served) {
 
 // clang-format on
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are names, of slots and of types
+
 // What each use of SLOT makes: the function of a slot, its entry in the table, and one of a count.
 // The function's arguments are those of the entry that it is put into.
 
@@ -133,6 +135,8 @@ void bindOnce(T*& instance, T& served) {
         Table mInterface{};                                                                        \
         static inline T* _instance = nullptr;                                                      \
     };
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 namespace Orv {
 
