@@ -35,7 +35,8 @@ void Host::end() {
 }
 
 bool Host::stepsOn(bool isLong) {
-    constexpr unsigned int kMost = 2000;
+    // Each repeat of an association is edited again, and each edit copies a list that grows.
+    constexpr unsigned int kMost = 200;
     constexpr unsigned int kEndless = 1200000;
     if (isLong && isPatient) {
         return ++mLongListSteps < kEndless;
