@@ -24,8 +24,10 @@ enum OrvStateChangeReason : int {
 /// it, from registration until the shared object is closed. The arrays may move when orvLCMinit is
 /// called again: a host reads them through the record each time. The host writes to nothing here.
 ///
-/// The arrays point at identities. Each entry of interfaceArray is the head of a table that the
-/// component offers; the table may be called while the component is started.
+/// The arrays point at identities. Each entry of interfaceArray is the head of something that the
+/// component offers, and that may be called while it is started. ext_cm offers the four tables of
+/// this directory whose identities end with ExtCmId, and a C++ object for interceptors
+/// (OrvHostGuide.h, 7).
 struct OrvMgmtSpiComponent_1 {
     const char* componentName;    ///< unique in the host
     const char* interfaceName;    ///< as in OrvMgmtSpiComponent_1_Id
@@ -34,21 +36,26 @@ struct OrvMgmtSpiComponent_1 {
     /// Offered interfaces, ended by a null pointer.
     VekMgmtSpiInterface_1** interfaceArray;
 
-    /// Required interfaces, ended by a null pointer: what the host starts first. Fields of an entry
-    /// may be null. The component looks nothing up from this list, and looks up more than it names.
+    /// Required interfaces, ended by a null pointer: for a host that starts components in an order,
+    /// what it starts first. Fields of an entry may be null. ext_cm looks nothing up from this
+    /// list. Of its five entries it uses one, the router of version "1"; the others need not exist.
+    /// What it really looks up stands in OrvHostGuide.h, 1.
     VekMgmtSpiInterface_1** dependencyArray;
 
     /// Starts the component: it looks up the tables that it needs.
     /// When:  registered, on one thread, and no offered slot is called until it has returned. The
-    ///        portal is called from inside. A start while started is legal: the routers of its own
-    ///        tables are kept, all else is looked up again.
-    /// Codes: OrvOk; any other means not started. The component answers OrvFailure if a router of
-    ///        version "1", "3" or "3_1" is missing. It may then be started again, or stopped, which
-    ///        lets go of what was taken. Without the transaction table, the model or the thread
-    ///        context it starts all the same; their headers say what does not work then.
+    ///        portal, and the function that Orv::Portal was given, are called from inside. A start
+    ///        while started is legal. What it looks up again then, and after a stop, stands in
+    ///        OrvHostGuide.h, 5: not everything.
+    /// Codes: OrvOk; any other means not started. The component answers OrvFailure if a router is
+    ///        missing that it looks up at the portal: OrvOamSpiManagedObject "1" or "3", or
+    ///        VekOamSpiManagedObject "3_1". It may then be started again, or stopped, which lets go
+    ///        of what was taken. Without any other table it starts all the same; OrvHostGuide.h, 1,
+    ///        says what does not work then.
     OrvReturnT (*start)(OrvStateChangeReason reason);
 
     /// Stops the component: it lets go of all tables and of what it keeps for transactions.
+    /// Orv::Portal keeps what it has found (OrvHostGuide.h, 5).
     /// When:  on one thread, when the last call of an offered slot has returned and all
     ///        transactions have ended. A stop while stopped is legal. A transaction that is still
     ///        open loses its iterators, its values of version 1 and its references that wait for
@@ -56,7 +63,8 @@ struct OrvMgmtSpiComponent_1 {
     /// Codes: OrvOk. OrvFailure only if a lock of the component fails: it is then stopped in part.
     OrvReturnT (*stop)(OrvStateChangeReason reason);
 
-    /// Never null; holds at least the null pointer that ends it.
+    /// A third list, ended by a null pointer. Never null. The component never puts an entry into
+    /// it, and a host need not read it.
     VekMgmtSpiInterface_1** emptyInterfaceArray;
 
     bool componentFlag; ///< reserved for the host; false

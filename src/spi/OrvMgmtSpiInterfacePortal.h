@@ -14,9 +14,14 @@
 /// The way into the host: how a component registers, and how it finds the tables of others.
 /// Conventions: OrvConventions.h.
 ///
-/// The component needs a portal of version "1" and looks everything up there. If the host also has
-/// one of version "3", the component registers and unregisters there instead. A host with version
-/// "3" alone is refused.
+/// The component needs a portal of version "1". If the host also has one of version "3", the
+/// component registers and unregisters there instead, but looks nothing up there. A host with
+/// version "3" alone is refused.
+///
+/// The portal is one of two ways of lookup. The other is Orv::Portal of the helper library, to
+/// which the host gives its getInterface with Orv::Portal::attach: OrvHostGuide.h, 2, says which
+/// table is looked up in which way. A host that has no reason to differ gives the same function to
+/// both.
 
 /// A slot that keeps its place in a table and is never called by a client of these headers.
 typedef void (*OrvReservedSlot)();
@@ -39,11 +44,15 @@ struct OrvMgmtSpiInterfacePortal_1 {
 
     /// Slot 1. Finds the table that the host or a component offers.
     /// In:    the texts of \p id are borrowed. A null component name or version asks for any.
-    /// Out:   \p result, with OrvOk: the table, owned by what offers it until that is stopped. With
-    ///        another code leave it alone: the component keeps what is written there.
-    /// When:  within the component's `start`, on its thread, so with no lock held that a lookup
-    ///        needs; the helper library and interceptors call it at any time while they are
-    ///        started. A table of another component can be found once that is started.
+    /// Out:   \p result, with OrvOk: the table. The host owns its own tables until the component is
+    ///        stopped, and those that the helper library has asked for until Orv::Portal::detach. A
+    ///        component owns its own until it is stopped. With another code leave \p result alone:
+    ///        the component keeps what is written there.
+    /// When:  within the component's `start`, on its thread. Hold no lock there that a lookup
+    /// needs.
+    ///        The helper library and interceptors call it, through Orv::Portal, at any time while
+    ///        a component is started. A table of another component can be found once that is
+    ///        started.
     /// Codes: OrvOk; any other means that there is no such table. OrvOk with a null counts as not
     ///        found. The component asks again at its next `start` only.
     OrvReturnT (*getInterface)(VekMgmtSpiInterface_1 id, void** result);

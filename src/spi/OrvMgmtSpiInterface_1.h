@@ -12,7 +12,8 @@
 /// Identity of an interface, and the head of every table: a pointer to a table is also a pointer to
 /// its identity. The texts of a table live as long as the table. In a list of required interfaces
 /// and in a question to the portal a field may be null, which asks for no particular component or
-/// version; the interface name is always there.
+/// version; the interface name is always there. The component reads the identity of no table that a
+/// host offers: one table may be offered under two identities, with either of them in its head.
 struct OrvMgmtSpiInterface_1 {
     const char* componentName;
     const char* interfaceName;

@@ -15,6 +15,13 @@
 /// given with the result records below in versions 3 and 3_1; in version 1 it is owned by the
 /// callee.
 ///
+/// What "no value" means: a container of type 0 with count 0 has no value and says nothing about
+/// the attribute. A container of type 11 with count 0 is an empty list of references. Only the
+/// second one clears a reference attribute with all that belongs to it (OrvAssociations.h, 5).
+///
+/// Which wrong values of a client are refused, and which reach the router, stands in rule 4 of the
+/// conventions.
+///
 /// References in a struct are translated only if the struct shows one: the first value of the
 /// container has a member of the type MoRef, directly. If so, all values and members are; if not,
 /// the container passes as it is, also if a later value or an inner struct holds a reference.
@@ -58,9 +65,12 @@ struct OrvMoAttributeValueContainer_3 {
 /// One member of a struct value; a struct is a singly linked list of these. The component reads any
 /// depth without recursion, and refuses a struct of over four million members, slots and texts.
 struct OrvMoStructMember_3 {
-    const char* name;
-    OrvMoAttributeValueContainer_3* value; ///< may be null: an empty one of type 0
-    OrvMoStructMember_3* next;             ///< null at the end
+    const char* name; ///< never null, but not checked in a struct that shows no reference
+    /// Null stands for an empty container of type 0. A client should not use it: it is refused,
+    /// except where the component has met a reference before it (rule 4 of the conventions). Then
+    /// the router gets the empty container. A router may answer with it.
+    OrvMoAttributeValueContainer_3* value;
+    OrvMoStructMember_3* next; ///< null at the end
 };
 
 /// An attribute or parameter with its name. They travel as an array of pointers to these, ended by

@@ -18,7 +18,8 @@
 /// after these.
 ///
 /// If the portal has no such table, the component starts all the same. An operation then answers
-/// OrvFailure when it comes to the point where it joins; those that do not join are served.
+/// OrvFailure when it comes to the point where it joins; those that do not join are served. When a
+/// component joins, and how its phases stand to those of the router: OrvHostGuide.h, 6.
 struct OrvOamSpiTransaction_1 {
     OrvMgmtSpiInterface_1 identity;
 

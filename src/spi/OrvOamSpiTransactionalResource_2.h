@@ -52,8 +52,10 @@ struct OrvOamSpiTransactionalResource_2 {
     /// Codes: OrvOk, also for a handle that is not known. OrvFailure only if a lock fails.
     OrvReturnT (*finish)(unsigned long txHandle);
 
-    /// Slot 6. Judges the transaction. Each violation is reported to the thread context of the
-    /// calling thread: of unidirectional associations all, of bidirectional ones the first.
+    /// Slot 6. Judges the references that the transaction wrote, and the far sides that the
+    /// component wrote, and nothing else: OrvAssociations.h, 6. Each violation is reported to the
+    /// thread context of the calling thread: of unidirectional associations all, of bidirectional
+    /// ones the first.
     /// Out:   \p result, with OrvOk: the verdict. With another code it is untouched, and there is
     ///        no verdict.
     /// When:  started, before `prepare`. The component calls back from inside, as their headers
@@ -62,7 +64,10 @@ struct OrvOamSpiTransactionalResource_2 {
     /// Codes: OrvOk, also for a bad verdict. OrvFailure if \p result is null, or after an exception
     ///        of the host.
     /// Why:   false stands also for "could not be judged": without a model or a thread context,
-    ///        when stopped, or when one of them fails, no transaction is valid.
+    ///        when stopped, or when one of them fails while something is judged, no transaction is
+    ///        valid. But true does not mean that all was looked at: what could not be followed when
+    ///        it was written, because the router or the model failed, or because there is no Vek
+    ///        router, was never recorded and is not judged (OrvAssociations.h, 8).
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
 };
 

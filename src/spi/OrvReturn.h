@@ -9,7 +9,8 @@
 /// \file
 /// Return codes. Conventions: OrvConventions.h.
 
-/// Result of nearly every table function. Values other than those below belong to the host.
+/// Result of nearly every table function. Values other than those below belong to the host. A host
+/// may use those below as well, so that a code does not tell who gave it.
 typedef std::int32_t OrvReturnT;
 
 constexpr OrvReturnT OrvOk = 0;                ///< success

@@ -22,14 +22,18 @@ constexpr const char* VekOamSpiModelRepositoryService = "VekOamSpiModelRepositor
 constexpr const char* VekMgmtSpiThreadContextService = "VekMgmtSpiThreadContextService";
 constexpr const char* OrvOamSpiEventService = "OrvOamSpiEventService";
 
-// The component requires these and calls none of them.
+// The component names these in its list of required interfaces, for the host's order of starting.
+// It looks none of them up and calls none. A host need not have them.
 
 /// What drives transactions.
 constexpr VekMgmtSpiInterface_1 OrvOamSpiTransactionMaster_1_Id = {
     OrvOamSpiTransactionService, "OrvOamSpiTransactionMaster", "1"};
+/// Events.
 constexpr VekMgmtSpiInterface_1 OrvOamSpiEventRouter_1_Id = {OrvOamSpiEventService,
                                                              "OrvOamSpiEventRouter", "1"};
+/// The log.
 constexpr VekMgmtSpiInterface_1 OrvMwSpiLog_1_Id = {nullptr, "OrvMwSpiLog", "1"};
+/// Traces.
 constexpr VekMgmtSpiInterface_1 VekMwSpiTrace_Id = {nullptr, "VekMwSpiTrace", nullptr};
 
 #endif

@@ -14,13 +14,14 @@
 /// Messages for clients. Conventions: OrvConventions.h.
 
 /// What the host keeps for the client of the calling thread. If the portal has no such table, the
-/// component starts all the same, but finds no transaction valid.
+/// component starts all the same, but finds no transaction valid, and the client gets no message.
 struct VekMgmtSpiThreadContext_2 {
     VekMgmtSpiInterface_1 identity;
 
     /// Slot 1. Adds a message for the client that the calling thread works for. The messages of one
     /// validation come in the order in which the client should read them.
-    /// In:    \p text, never null, for people. DNs in it are internal. \p kind is always 1.
+    /// In:    \p text, never null, for people; it can be empty. DNs in it are internal. All texts
+    ///        stand in OrvAssociations.h, 7. \p kind is always 1: why the transaction is not valid.
     /// When:  started, within the resource's `validate`, on its thread. For unidirectional
     ///        associations with the reference lock held.
     /// Codes: OrvOk; any other means that the message was not taken. That is logged; the verdict

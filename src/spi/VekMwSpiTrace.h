@@ -5,7 +5,9 @@
 #define ORV_SPI_VEKMWSPITRACE_H
 
 /// \file
-/// Words of the trace. Conventions: OrvConventions.h.
+/// Types that the helper library's LoggingWrapper uses for traces. There is no table of a trace
+/// here, and a host offers none: it gets traces through Orv::LoggingWrapper::setSink. Conventions:
+/// OrvConventions.h.
 
 /// Names a part of the system in traces; the values are handed out by the helper library.
 typedef unsigned long long VekMwSpiTraceSubsystemHandle_2T;

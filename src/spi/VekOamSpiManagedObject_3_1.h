@@ -15,16 +15,17 @@
 /// The managed-object table of version "3_1": what version "3" lacks. Conventions:
 /// OrvConventions.h.
 ///
-/// The general rules of OrvOamSpiManagedObject_3.h hold here: both sides, common codes, read and
-/// handed on arguments, writes of references. The component needs the router's table of this
-/// version as well.
+/// What stands at the head of OrvOamSpiManagedObject_3.h holds here: the table is offered twice,
+/// the forms of DNs, *joins*, *intercepted*, *checked* and *not checked*, and the common codes.
+/// `start` fails if the router has no table of this version.
 struct VekOamSpiManagedObject_3_1 {
     VekMgmtSpiInterface_1 identity;
 
     /// Slot 1. Sets several attributes of one MO, in their order. Joins. Intercepted.
-    /// DN:    \p dn, the MO: external (component), internal (router).
-    /// In:    read: \p attributes, ended by a null pointer, its names, and the references in it.
-    ///        The value of an entry is held inline; one of type 0 with count 0 is no value.
+    /// DN:    \p dn, the MO.
+    /// In:    checked: \p attributes, ended by a null pointer, its names, and the references in it.
+    ///        The value of an entry is held inline. One of type 0 with count 0 is "no value": as in
+    ///        setMoAttribute of version "3" it does not clear a reference on both sides.
     /// When:  started.
     /// Codes: common. OrvInvalidArgument for a value of "networkManagedElementId" that cannot stand
     ///        in a DN; it is looked for in all attributes first, so the transaction is joined and
