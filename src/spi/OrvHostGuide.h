@@ -31,9 +31,10 @@
 ///
 ///   - a router that is looked up by P: `start` answers OrvFailure.
 ///   - the Vek router of version "3": `start` answers OrvOk, with a log of level 4. No far side of
-///     an association is written. Attributes that are set are not judged either: such a transaction
-///     is valid although nobody has looked. A transaction that created an MO with references of
-///     bidirectional associations is not valid, with a log of level 3.
+///     an association is written. Attributes that are set are not judged by the rules of
+///     bidirectional associations either: such a transaction can be valid although nobody has
+///     looked. A transaction that created an MO with references, of a class with bidirectional
+///     associations, is not valid, with a log of level 3.
 ///   - the model repository: `start` answers OrvOk, with logs of level 4. No association is
 ///     followed, and no transaction is valid, not even one that wrote nothing. The client gets no
 ///     message.

@@ -48,10 +48,9 @@ struct OrvMgmtSpiInterfacePortal_1 {
     ///        stopped, and those that the helper library has asked for until Orv::Portal::detach. A
     ///        component owns its own until it is stopped. With another code leave \p result alone:
     ///        the component keeps what is written there.
-    /// When:  within the component's `start`, on its thread. Hold no lock there that a lookup
-    /// needs.
-    ///        The helper library and interceptors call it, through Orv::Portal, at any time while
-    ///        a component is started. A table of another component can be found once that is
+    /// When:  within the component's `start`, on its thread: hold no lock there that a lookup
+    ///        needs. The helper library and interceptors call it, through Orv::Portal, at any time
+    ///        while a component is started. A table of another component can be found once that is
     ///        started.
     /// Codes: OrvOk; any other means that there is no such table. OrvOk with a null counts as not
     ///        found. The component asks again at its next `start` only.

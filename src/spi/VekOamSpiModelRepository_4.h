@@ -15,6 +15,8 @@
 /// The host's model repository: classes (MOCs), attributes, types, containments and associations.
 /// Conventions: OrvConventions.h.
 ///
+/// An example with its handles, names and bounds stands in OrvAssociations.h, 2.
+///
 /// 1. Handles are opaque 64-bit values, compared as a whole, and good until the component is
 ///    stopped. Zero names nothing. Out parameters are the component's own variables, set to zero,
 ///    null or false before the call; a function that fails leaves them so.
@@ -22,10 +24,16 @@
 ///    entries. Sub-tables and entries named `reserved` are never touched.
 /// 3. Codes are OrvOk, OrvNotExist for "no such object" (from a lookup) or "end of the list" (from
 ///    a first or next step), and any other for a failure. What becomes of a failure depends on who
-///    asks. *Bidirectional* associations: only the lookup of a DN and the steps of lists are looked
-///    at; elsewhere a failure counts as zero, null or false. *Unidirectional* associations: at
-///    `validate` every failure means that the transaction is not valid, with a log of level 4; at a
-///    write it means that the reference is not validated. *All* below means both.
+///    asks. The line Codes names one of two rules:
+///      - *lenient*: what serves bidirectional associations. A failure counts as zero, null or
+///        false.
+///      - *strict*: what serves unidirectional associations. At `validate` every failure means that
+///        the transaction is not valid, with a log of level 4. At a write it means that the
+///        reference is not recorded, and so not judged, with a log of level 4.
+///    `lenient, strict` means that both ask. The names of the rules say nothing about the
+///    attribute: the check of bidirectional associations asks about each reference attribute that
+///    was written on an MO of a class that takes part in one, also about a unidirectional one
+///    (OrvAssociations.h, 6).
 /// 4. Texts are owned by the repository until it changes its model or goes, which it must not while
 ///    a component is started. A null text is no name.
 /// 5. The model does not change while a component is started. All is called from any thread, by
@@ -34,9 +42,12 @@
 ///    names the lock of the component that may be held; where it names none, none is.
 /// 6. A list has an end and no member twice. After a million steps it counts as ended, which is
 ///    logged at level 3.
+/// 7. A class is a MOC with a handle of its own; the component knows no base classes. What a class
+///    inherits is listed for it like its own (OrvAssociations.h, 2).
 ///
 /// If the portal has no such table, the component starts all the same. It then follows no
-/// association, and finds no transaction valid.
+/// association, and finds no transaction valid. It finds the table with Orv::Portal, which keeps it
+/// over a stop and a start (OrvHostGuide.h, 5).
 ///
 /// How an association lies in the model: a bidirectional association joins two ends. The name of an
 /// end is the name of the attribute that points at that end's MOC, and that attribute lives in the
@@ -45,7 +56,8 @@
 /// different names. An association can join a MOC to itself: both ends then name that MOC. A
 /// unidirectional association has one end of interest: its name is the reference attribute's name
 /// and its MOC a permitted target. An attribute with several permitted targets has one association,
-/// and so one end of its name, for each.
+/// and so one end of its name, for each; the type of the attribute then refers to a MOC named
+/// "ManagedObject" (getReferencedMoc).
 
 typedef unsigned long long VekOamSpiMrMocHandle_4T;
 typedef unsigned long long VekOamSpiMrBiDirAssociationHandle_4T;
@@ -60,8 +72,9 @@ typedef unsigned long long VekOamSpiMrContainmentHandle_4T;
 constexpr int VekOamSpiMrGeneralName_4 = 0; ///< general text: name of the MOC, attribute or end
 constexpr int VekOamSpiMrEndName_4 = 0;     ///< text of an end: its name
 constexpr int VekOamSpiMrEndRole_4 = 1;     ///< text of an end: the word for what is counted there
-constexpr int VekOamSpiMrEndKeepAtDelete_4 =
-    0;                                     ///< flag of an end: left alone when an MO is deleted
+/// Flag of an end: when an MO of this end's MOC is deleted, its attribute of the association is not
+/// followed, and the MOs that it refers to go on referring to it.
+constexpr int VekOamSpiMrEndKeepAtDelete_4 = 0;
 constexpr int VekOamSpiMrLowerBound_4 = 0; ///< number of an end or type: lower bound
 constexpr int VekOamSpiMrUpperBound_4 = 1; ///< number of an end or type: upper bound
 
@@ -74,9 +87,11 @@ struct VekOamSpiMrDnLookup_4 {
     OrvReservedSlot reserved1;
 
     /// Entry 2. Finds the MOC of the object that a DN names, by the DN's class path alone: the
-    /// object need not exist. \p flag is always 1 and has no meaning to the component.
+    /// object need not exist. \p flag is always 1 and has no meaning to the component: ignore it.
     /// DN:    \p dn, internal. Never null, but any text: what a client wrote as a reference comes
-    ///        here as it is.
+    ///        here as it is, also an empty text. A step can be `Class.attr=value`. A text that
+    ///        begins with a comma must be answered with OrvNotExist (rule 8 of the conventions);
+    ///        Orv::DnUtil::getMocPath passes over that comma.
     /// Out:   \p moc: a handle, not zero.
     /// When:  write, delete, validate (reference lock).
     /// Codes: OrvNotExist: no MOC. At write and delete any code but OrvOk is logged, and the MO or
@@ -90,7 +105,7 @@ struct VekOamSpiMrGeneralProperties_4 {
     /// name of the MOC, attribute or end that the block belongs to (VekOamSpiMrGeneralName_4).
     /// Out:   \p text, owned by the repository.
     /// When:  write (back-pointer lock), delete, validate (reference lock).
-    /// Codes: all.
+    /// Codes: lenient, strict.
     OrvReturnT (*getGeneralStringProperty)(VekOamSpiMrGeneralPropertiesHandle_4T properties,
                                            int identifier, const char** text);
 };
@@ -100,7 +115,7 @@ struct VekOamSpiMrMocQueries_4 {
     /// Entry 0. Gives the general properties of a MOC.
     /// Out:   \p properties: a handle for getGeneralStringProperty.
     /// When:  delete, validate (reference lock).
-    /// Codes: all.
+    /// Codes: lenient, strict.
     OrvReturnT (*getMocGeneralProperties)(VekOamSpiMrMocHandle_4T moc,
                                           VekOamSpiMrGeneralPropertiesHandle_4T* properties);
     OrvReservedSlot reserved1;
@@ -138,7 +153,7 @@ struct VekOamSpiMrMocQueries_4 {
     /// Out:   \p association: a handle for getNextUniDirAssociation. It is kept until the
     ///        transaction is finished: validation starts its walk there.
     /// When:  write.
-    /// Codes: OrvNotExist: it has none. Any other: unidirectional.
+    /// Codes: OrvNotExist: it has none. Any other: strict.
     OrvReturnT (*getFirstUniDirAssociation)(VekOamSpiMrMocHandle_4T moc,
                                             VekOamSpiMrUniDirAssociationHandle_4T* association);
 };
@@ -151,7 +166,7 @@ struct VekOamSpiMrContainment_4 {
     /// Entry 2. Gives the child MOC of a containment.
     /// Out:   \p moc: a handle.
     /// When:  delete.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getContainedMoc)(VekOamSpiMrContainmentHandle_4T containment,
                                   VekOamSpiMrMocHandle_4T* moc);
     OrvReservedSlot reserved3;
@@ -171,39 +186,40 @@ struct VekOamSpiMrAssociationEnd_4 {
     /// Entry 0. Gives the MOC at this end.
     /// Out:   \p moc: a handle.
     /// When:  write, delete, validate (reference lock).
-    /// Codes: all.
+    /// Codes: lenient, strict.
     OrvReturnT (*getEndMoc)(VekOamSpiMrAssociationEndHandle_4T end, VekOamSpiMrMocHandle_4T* moc);
 
     /// Entry 1. Gives the attribute that points at this end's MOC; it lives in the opposite MOC.
-    /// Asked for bidirectional associations only.
+    /// Asked for ends of bidirectional associations only.
     /// Out:   \p attribute: a handle.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getEndAttribute)(VekOamSpiMrAssociationEndHandle_4T end,
                                   VekOamSpiMrAttributeHandle_4T* attribute);
 
     /// Entry 2. Gives the general properties of the end; the name in them is that of
-    /// getEndStringProperty. Asked for bidirectional associations only.
+    /// getEndStringProperty. Asked for ends of bidirectional associations only.
     /// Out:   \p properties: a handle for getGeneralStringProperty.
     /// When:  write (back-pointer lock), delete.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getEndGeneralProperties)(VekOamSpiMrAssociationEndHandle_4T end,
                                           VekOamSpiMrGeneralPropertiesHandle_4T* properties);
 
     /// Entry 3. Gives a text of the end: its name (VekOamSpiMrEndName_4), or the word that stands
-    /// after the number in messages (VekOamSpiMrEndRole_4, of bidirectional associations only).
+    /// after the number in messages (VekOamSpiMrEndRole_4, of bidirectional associations only). The
+    /// word is seen only if the bounds of the attribute's type let the number pass.
     /// Out:   \p text, owned by the repository.
     /// When:  write, validate (reference lock).
-    /// Codes: all.
+    /// Codes: lenient, strict.
     OrvReturnT (*getEndStringProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                        const char** text);
 
     /// Entry 4. Gives a flag of the end. \p identifier is always VekOamSpiMrEndKeepAtDelete_4: if
-    /// set, the attribute of this end's MOC is not followed when an MO of that MOC is deleted.
-    /// Asked for bidirectional associations only.
+    /// set, the attribute that an MO of this end's MOC has for this association is not followed
+    /// when that MO is deleted. Asked for ends of bidirectional associations only.
     /// Out:   \p flag: one byte is written; any value but 0 is true.
     /// When:  delete.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getEndBoolProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                      bool* flag);
 
@@ -211,9 +227,10 @@ struct VekOamSpiMrAssociationEnd_4 {
     /// (VekOamSpiMrLowerBound_4) or the upper one (VekOamSpiMrUpperBound_4). Both are inclusive.
     /// Out:   \p number.
     /// When:  validate (reference lock).
-    /// Codes: all.
-    /// Why:   an open upper bound is a large positive number. There is no marker for it: -1 refuses
-    ///        every number at a bidirectional association and none at a unidirectional one.
+    /// Codes: lenient, strict.
+    /// Why:   an open upper bound is a large positive number; the largest one will do. It is shown
+    ///        to clients as it is. There is no marker for it: -1 refuses every number at a
+    ///        bidirectional association and none at a unidirectional one.
     OrvReturnT (*getEndIntProperty)(VekOamSpiMrAssociationEndHandle_4T end, int identifier,
                                     long long* number);
 };
@@ -226,14 +243,14 @@ struct VekOamSpiMrBiDirAssociation_4 {
     /// Entry 2. Gives the first of the two ends; which one that is never changes.
     /// Out:   \p end: a handle, the same for the same end each time.
     /// When:  write, delete, validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getFirstEnd)(VekOamSpiMrBiDirAssociationHandle_4T association,
                               VekOamSpiMrAssociationEndHandle_4T* end);
 
     /// Entry 3. Gives the second of the two ends.
     /// Out:   \p end: a handle, the same for the same end each time, and not that of the first end.
     /// When:  write, delete, validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getSecondEnd)(VekOamSpiMrBiDirAssociationHandle_4T association,
                                VekOamSpiMrAssociationEndHandle_4T* end);
 
@@ -254,14 +271,14 @@ struct VekOamSpiMrUniDirAssociation_4 {
     /// Entry 2. Gives the end of the association.
     /// Out:   \p end: a handle.
     /// When:  write, validate (reference lock).
-    /// Codes: unidirectional.
+    /// Codes: strict.
     OrvReturnT (*getUniDirEnd)(VekOamSpiMrUniDirAssociationHandle_4T association,
                                VekOamSpiMrAssociationEndHandle_4T* end);
 
     /// Entry 3. Gives the unidirectional association of the same MOC that follows.
     /// Out:   \p next: a handle.
     /// When:  write, validate (reference lock).
-    /// Codes: OrvNotExist: the end. Any other: unidirectional.
+    /// Codes: OrvNotExist: the end. Any other: strict.
     OrvReturnT (*getNextUniDirAssociation)(VekOamSpiMrUniDirAssociationHandle_4T association,
                                            VekOamSpiMrUniDirAssociationHandle_4T* next);
 };
@@ -274,7 +291,7 @@ struct VekOamSpiMrAttributeType_4 {
     /// VekOamSpiMrTypeMoRef_4.
     /// Out:   \p code: 32 bits.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getTypeCode)(VekOamSpiMrTypeHandle_4T type, int* code);
     OrvReservedSlot reserved2;
     OrvReservedSlot reserved3;
@@ -282,10 +299,11 @@ struct VekOamSpiMrAttributeType_4 {
 
     /// Entry 5. Gives a bound of the number of values of the attribute: the lower one
     /// (VekOamSpiMrLowerBound_4) or the upper one (VekOamSpiMrUpperBound_4). Both are inclusive,
-    /// and an open upper bound is a large positive number.
+    /// and an open upper bound is a large positive number. These bounds are for all values of the
+    /// attribute, those of an end for the values of its MOC; an attribute must satisfy both.
     /// Out:   \p number.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getTypeIntProperty)(VekOamSpiMrTypeHandle_4T type, int identifier,
                                      long long* number);
 };
@@ -295,22 +313,22 @@ struct VekOamSpiMrAttribute_4 {
     /// Entry 0. Gives the general properties of an attribute.
     /// Out:   \p properties: a handle for getGeneralStringProperty.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getAttributeGeneralProperties)(VekOamSpiMrAttributeHandle_4T attribute,
                                                 VekOamSpiMrGeneralPropertiesHandle_4T* properties);
 
-    /// Entry 1. Gives the MOC that holds the attribute. References are counted whose MOC, by
-    /// getMocFromDn, is exactly this one.
+    /// Entry 1. Gives the MOC that holds the attribute. Asked for the attribute of getEndAttribute,
+    /// to learn which MOC lies at the other end: references to exactly that MOC are counted.
     /// Out:   \p moc: a handle.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getAttributeMoc)(VekOamSpiMrAttributeHandle_4T attribute,
                                   VekOamSpiMrMocHandle_4T* moc);
 
     /// Entry 2. Gives the type of an attribute.
     /// Out:   \p type: a handle.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getAttributeType)(VekOamSpiMrAttributeHandle_4T attribute,
                                    VekOamSpiMrTypeHandle_4T* type);
 
@@ -330,7 +348,7 @@ struct VekOamSpiMrReferenceType_4 {
     /// permitted classes are then those of the associations.
     /// Out:   \p moc: a handle.
     /// When:  validate.
-    /// Codes: bidirectional.
+    /// Codes: lenient.
     OrvReturnT (*getReferencedMoc)(VekOamSpiMrTypeHandle_4T type, VekOamSpiMrMocHandle_4T* moc);
 };
 

@@ -11,6 +11,8 @@
 
 namespace Orv {
 
+/// For authors of components; a host does not need it.
+///
 /// Owner list for values that cross a table: what is entered goes when this object goes, raw blocks
 /// first and objects second, each in the order of entry. An owned object's destructor must
 /// therefore not read a raw block of the same AutoMemory.

@@ -13,6 +13,8 @@
 
 namespace Orv {
 
+/// For authors of components; a host does not need it.
+///
 /// Base of the one service object of a loadable component: builds the record that the host is given
 /// and carries the host's calls to the virtual operations of \p T, which derives from this class.
 ///

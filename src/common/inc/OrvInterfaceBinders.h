@@ -17,6 +17,8 @@
 #include <exception>
 
 /// \file
+/// For authors of components; a host does not need it.
+///
 /// Binders carry a plain table call to an object. A binder owns one table, fills it with static
 /// functions, and keeps the one object that serves the table in a static pointer: a table function
 /// is handed no object, so there can be one serving object of a type in a process.

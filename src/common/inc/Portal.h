@@ -20,8 +20,11 @@ namespace Orv {
 /// The process's one way to look interfaces up without holding a portal table, with a cached
 /// pointer for each of the four tables that are asked for in this way.
 ///
+/// A host must attach its lookup before it starts a component. Nothing does that by itself, and
+/// ext_cm finds the model, the thread context and one of its routers only here: OrvHostGuide.h, 2.
+///
 /// The cache goes by the type of the table, not by identity: while it is valid the first answer for
-/// a type stands for all identities of that type.
+/// a type stands for all identities of that type. It outlives the stop of a component.
 ///
 /// Conventions: OrvConventions.h.
 ///
@@ -70,9 +73,10 @@ public:
     /// The host's lookup as it is, without the cache; null while no host is attached.
     LookupFn lookup() const;
 
-    /// Host only: sets the lookup, empties the cache and declares it valid. The function must be
-    /// there until detach. A host that replaces a table while attached is not noticed: detach and
-    /// attach in between.
+    /// Host only: sets the lookup, empties the cache and declares it valid. Usually the lookup is
+    /// the getInterface of the host's portal. The function, and each table that it has found, must
+    /// be there until detach, also while no component is started: a component that is stopped and
+    /// started again gets the tables of before. To replace a table: stop, detach, attach, start.
     void attach(LookupFn hostLookup);
 
     /// Host only: drops the lookup and all cached pointers.

@@ -22,8 +22,9 @@ constexpr VekMgmtSpiInterface_1 ExtCmInterceptorRepositoryI_1_Id = {
     OrvOamSpiExtCmRouterService, "ExtCmInterceptorRepositoryI", "1"};
 
 /// Which interceptor serves which MOC path. There is one repository, in the component; an
-/// interceptor finds it through MoInterceptorBase::initialize and enters itself. Conventions:
-/// OrvConventions.h.
+/// interceptor finds it through MoInterceptorBase::initialize and enters itself. A host offers its
+/// identity to other components, like all that stands in interfaceArray, and does no more with it.
+/// Conventions: OrvConventions.h.
 ///
 /// The object begins with its interface identity, so that its address is what the portal hands out
 /// as the interface. There is no table after it: the operations are these member functions, which

@@ -18,6 +18,13 @@ class ExtCmInterceptorRepository;
 /// router answered. A derived class overrides what it wants to change and may call the base for the
 /// rest. Conventions: OrvConventions.h.
 ///
+/// An interceptor belongs to a component of its own (Component.h), which the host starts after
+/// ext_cm. In its `start` it calls initialize, tests the three fields, and then registers with
+/// `repository->registerClass(*this, "Parent,Unit")`; in its `stop` it calls deregisterClass. Both
+/// are declared in ExtCmInterceptorRepository.h, which the source must include. The repository is
+/// found by ExtCmInterceptorRepositoryI_1_Id, through the lookup that the host has attached to
+/// Orv::Portal.
+///
 /// The component calls four of the operations: getMoAttribute, getMoAttributes, setMoAttribute and
 /// setMoAttributes, each instead of the router's slot of that name. The other eight are for derived
 /// classes to call: a client's createMo, deleteMo, action, existsMo, countMoChildren and iterators
@@ -26,7 +33,7 @@ class ExtCmInterceptorRepository;
 /// An operation keeps the router's side of the contract of its slot, in OrvOamSpiManagedObject_3.h
 /// and VekOamSpiManagedObject_3_1.h. In short:
 ///   - DNs are internal, also those in values; any text can arrive where a DN should be.
-///   - Pointers that go in are borrowed. What In calls read is never null; the rest may be.
+///   - Pointers that go in are borrowed. What In calls checked is never null; the rest may be.
 ///   - A result is given to the caller with OrvOk; with another code leave it alone.
 ///   - Any code goes to the client unchanged. A std::exception becomes OrvFailure there.
 ///
@@ -90,7 +97,7 @@ protected:
     // Null until initialize has found them. Not owned.
     OrvOamSpiManagedObject_3* mo3Router;
     VekOamSpiManagedObject_3_1* mo3_1Router;
-    ExtCmInterceptorRepository* repository; ///< the component's, for the derived class to register
+    ExtCmInterceptorRepository* repository; ///< the component's; see ExtCmInterceptorRepository.h
 };
 
 }

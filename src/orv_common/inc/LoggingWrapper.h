@@ -40,6 +40,8 @@ struct LogRecord {
 /// The one way out for traces and logs of every component in the process. Conventions:
 /// OrvConventions.h.
 ///
+/// For the host there are setLevel and setSink; the rest is for components.
+///
 /// A component asks get_level() first and calls only what the level lets through; the wrapper hands
 /// on every record that it is given. Each message of a component comes twice, in an old and a new
 /// form, so a sink that wants each once keeps one of the forms.

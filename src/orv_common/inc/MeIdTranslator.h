@@ -13,7 +13,9 @@ namespace Orv {
 /// (internal). The two differ in the value of a `ManagedElement` at the root: clients know it by
 /// its identity, the preferred one or else the fallback; inside it is always `1`. A first step of
 /// the form `ManagedElement.attr=value` counts as a ManagedElement too and keeps its form. While
-/// both identities are empty no DN with a ManagedElement at the root can be translated.
+/// both identities are empty, as they are at first, no DN with a ManagedElement at the root can be
+/// translated, and the component answers OrvNotExist for it: a host calls configure before it lets
+/// clients in (OrvHostGuide.h, 3).
 ///
 /// Any text is accepted. Steps other than the first are not looked at, and no step is checked for
 /// its form. Conventions: OrvConventions.h.
