@@ -45,10 +45,11 @@
 /// It is shown to the client as it is.
 ///
 /// The bounds stand in the model twice. The bounds of the type limit the number of all values of
-/// the attribute, and those of the end limit the number of values of the end's MOC. For an
-/// attribute with one permitted MOC both are the same. An attribute may have several permitted
-/// MOCs: then it has one association for each of them, each with an end of its name and bounds of
-/// its own, and getReferencedMoc gives a MOC that is named "ManagedObject".
+/// the attribute, and those of the end limit the number of values of the end's MOC. Both must be
+/// satisfied, and those of the type are looked at first. For an attribute with one permitted MOC
+/// make them equal. An attribute may have several permitted MOCs: then it has one association for
+/// each of them, each with an end of its name and bounds of its own, and getReferencedMoc gives a
+/// MOC that is named "ManagedObject".
 ///
 /// A unidirectional association has one end: its name is the attribute's, its MOC a permitted
 /// target, its bounds those for this target. It is listed at the MOC that has the attribute.
@@ -90,18 +91,19 @@
 /// its MO are dropped.
 ///
 /// Values are not made unique. [U1, U1] on a Group without members gives U1 two equal far
-/// references; a value that was there before is not added again. Each of them counts. If a client
-/// writes both sides itself, the references are there twice.
+/// references; a value that was there before is not added again. Each of them counts. A client
+/// should write one side only: if it creates an MO with a reference, and the other side names that
+/// MO already, both sides hold the reference twice.
 ///
 /// 5. Clearing a reference
 ///
 /// Write a value of type 11 with count 0. The far sides then follow, and the attribute is judged.
 ///
 /// A null value in setMoAttribute, and a value of another type (type 0 with count 0, "no value"),
-/// are not references (part 3). They change the near side only: the far side keeps its reference,
-/// the attribute is not judged on their account, and a reference that is written again later stands
-/// on the far side twice. In a unidirectional association the value that was written before in the
-/// transaction stays the one that is judged.
+/// are not references (section 3). They change the near side only: the far side keeps its
+/// reference, the attribute is not judged on their account, and a reference that is written again
+/// later stands on the far side twice. In a unidirectional association the value that was written
+/// before in the transaction stays the one that is judged.
 ///
 /// 6. What validate judges
 ///
@@ -111,7 +113,9 @@
 ///   - each far side that the component has written, and
 ///   - each attribute that a client wrote with a value of type 11, if the MO's MOC takes part in
 ///     any bidirectional association, at any attribute. So an attribute of such a MOC is judged
-///     here too if it is unidirectional, or in no association.
+///     here too if it is unidirectional, or in no association. The model must list it with a type
+///     and bounds as well. A MOC in no bidirectional association may have attributes of type 11
+///     that the model does not know.
 ///
 /// For each pair, in the order of the DNs' bytes: the component asks the router whether the MO
 /// exists. If not, or if the router answers with another code than OrvOk, the pair is passed over.
@@ -185,7 +189,8 @@
 /// code does not reach the client, and is only traced, where nothing else is said:
 ///
 ///   - the near attribute cannot be read: no far side is written, and the attribute is not judged
-///     by the rules of bidirectional associations. At a delete: its far sides stay.
+///     by the rules of bidirectional associations. At a delete: its far sides stay. An answer with
+///     OrvOk that is no list of references counts as an empty one.
 ///   - existsMo of a far MO fails: taken as "does not exist". An addition waits.
 ///   - the far side cannot be read, or is not a list of references: it is left as it is. The near
 ///     side is judged, and is not found wrong for that: a one-sided association can be committed.
@@ -212,7 +217,8 @@
 ///   - deleteMo removes the form of the client's DN, and for MOs below it `Unit=x`.
 ///
 /// So a reference that came in one form is not removed in the other: it stays on the far side, and
-/// is valid (part 6). Give classes with bidirectional associations their default naming attribute.
+/// is valid (section 6). Give classes with bidirectional associations their default naming
+/// attribute.
 ///
 /// The DN of an MO that createMo makes at the top level begins with a comma. The model must answer
 /// it with OrvNotExist. The references in that createMo then get no far side and are not judged,
@@ -220,7 +226,7 @@
 /// component writes `,Unit=7` into the far sides, where clients read it and deleteMo does not
 /// remove it. Orv::DnUtil::getMocPath passes over the comma: a model that uses it must look for the
 /// comma first. References that are set after the creation are not concerned. Additions that wait
-/// for an MO at the top level (part 4) are not written when it is created.
+/// for an MO at the top level (section 4) are not written when it is created.
 ///
 /// 10. The calls for one write and its validation
 ///

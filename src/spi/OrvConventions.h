@@ -10,7 +10,7 @@
 /// Two pages stand beside this one. OrvHostGuide.h says what a host offers, in which order it
 /// brings itself and the component up, and what happens without each piece. OrvAssociations.h says
 /// what the component does with references, what it judges at the end of a transaction, and which
-/// messages a client gets. Who writes a host reads the guide first.
+/// messages a client gets. If you write a host, read the guide first.
 ///
 /// *The component* is ext_cm, the shared object libext_cm.so that a host loads. *The router* is the
 /// host's CM router, which keeps the managed objects. A *client* calls the managed-object tables of
@@ -56,7 +56,7 @@
 /// 4. Nulls and wrong values
 ///
 /// A caller passes no null unless In says "may be null". A callee should still expect one, because
-/// clients make mistakes, and the component does not look at everything:
+/// clients make mistakes, and the component does not look at everything. In says of the component:
 ///
 /// *Checked*: the component looks at the argument. If it is null, or a value that cannot be read,
 /// the component answers OrvFailure and does nothing. So the router never gets it null.
@@ -173,13 +173,14 @@
 ///
 /// Texts end with a zero byte. DNs, names and values are compared byte for byte, with no regard to
 /// case or normal forms. The encoding is UTF-8: Orv::DnUtil::validateMoNamingAttr refuses anything
-/// else. That check is made for one attribute only, "networkManagedElementId", because its value
-/// becomes the naming value by which others know the network element. No other text is checked. In
-/// particular the naming value of a new MO can hold a "," or a "=": the router must refuse what it
-/// does not want in a DN. Messages are built from these texts and are as good as they are.
+/// else. That check is made for one attribute only, "networkManagedElementId", on an MO of any
+/// class: its value is meant to stand in DNs. No other text is checked. In particular the naming
+/// value of a new MO can hold a "," or a "=": the router must refuse what it does not want in a DN.
+/// Messages hold these texts as they are.
 ///
-/// The component limits the length of no text, DN or list of references. Its limits are there to
-/// end what has no end: 4,000,000 pieces (members, slots and texts) in a struct, 1,000,000 steps in
-/// a list of the model, and 10,000 levels or 10,000,000 MOs in a subtree that is deleted.
+/// The component sets no limit to the length of a text, a DN or a list of references. Its limits
+/// are there to end what has no end: 4,000,000 pieces (members, slots and texts) in a struct,
+/// 1,000,000 steps in a list of the model, and 10,000 levels or 10,000,000 MOs in a subtree that is
+/// deleted.
 
 #endif

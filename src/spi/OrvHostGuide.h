@@ -11,8 +11,8 @@
 /// 1. The tables of a host
 ///
 /// Each table stands in the header of its name, with its identities beside it as constants. The
-/// fourth column says how the component looks it up: *P* at the portal of version "1", *H* through
-/// the helper library (part 2).
+/// last column says how it is looked up: *P* at the portal of version "1", *H* through the helper
+/// library (section 2).
 ///
 ///     component                        interface                 version  by
 ///     OrvOamSpiCmRouterService         OrvOamSpiManagedObject    1        P
@@ -25,16 +25,17 @@
 ///
 /// The router of version "3" is asked for under two identities. Offer one table under both. Which
 /// of the two stands in the identity field of the table does not matter: the component reads the
-/// identity of no host table.
+/// identity of no host table. Below, *the Vek router* is what is found under the second of them,
+/// VekOamSpiManagedObject_3_RouterId.
 ///
 /// What happens without each of them:
 ///
 ///   - a router that is looked up by P: `start` answers OrvFailure.
-///   - the Vek router of version "3": `start` answers OrvOk, with a log of level 4. No far side of
-///     an association is written. Attributes that are set are not judged by the rules of
-///     bidirectional associations either: such a transaction can be valid although nobody has
-///     looked. A transaction that created an MO with references, of a class with bidirectional
-///     associations, is not valid, with a log of level 3.
+///   - the Vek router: `start` answers OrvOk, with logs of level 4. No far side of an association
+///     is written. Attributes that are set are not judged by the rules of bidirectional
+///     associations either: such a transaction can be valid although nobody has looked. A
+///     transaction that created an MO with references, of a class with bidirectional associations,
+///     is not valid, with a log of level 3.
 ///   - the model repository: `start` answers OrvOk, with logs of level 4. No association is
 ///     followed, and no transaction is valid, not even one that wrote nothing. The client gets no
 ///     message.
@@ -48,46 +49,45 @@
 /// *P*: the component calls OrvMgmtSpiInterfacePortal_1::getInterface. It has the portal from
 /// orvLCMinit.
 ///
-/// *H*: the component, interceptors and the helper library call Orv::Portal::getInterface (Portal.h
-/// of the helper library's headers). Orv::Portal asks the function that the host gave it with
-/// Orv::Portal::attach. It does not find the portal of orvLCMinit by itself. The host gives it the
-/// same function: `Orv::Portal::instance()->attach(portal1.getInterface)`. Without attach every
-/// lookup by H fails, whatever the portal offers: all that the list above says of the Vek router,
-/// the model and the thread context then holds at once.
+/// *H*: the component, interceptors and the helper library call Orv::Portal::getInterface, which is
+/// declared in Portal.h and lives in the helper library. Orv::Portal asks the function that the
+/// host gave it with Orv::Portal::attach. It does not find the portal of orvLCMinit by itself. The
+/// host gives it the same function: `Orv::Portal::instance()->attach(portal1.getInterface)`.
+/// Without attach every lookup by H fails, whatever the portal offers: all that the list above says
+/// of the Vek router, the model and the thread context then holds at once.
 ///
 /// Orv::Portal remembers what it has found, one table for each of four types, until detach. `stop`
-/// does not make it forget. See part 5.
+/// does not make it forget. See section 5.
 ///
 /// 3. Bringing up
 ///
-///     1. Link the shared library liborv_common, the one that libext_cm.so needs (its soname). What
-///        is configured below are objects of that library, one of each in a process. A second copy,
-///        or one that is linked statically, has objects of its own, and the component sees nothing
-///        of what was set there.
-///     2. Orv::LoggingWrapper::instance()->setSink(...) and setLevel(...). Without a sink all logs
-///        are dropped.
-///     3. Orv::MeIdTranslator::instance()->configure(identity, ""): the identity by which clients
-///        know the root. Without it every DN with a ManagedElement at the root is answered
-///        OrvNotExist.
-///     4. Orv::Portal::instance()->attach(...), part 2.
-///     5. dlopen the component with RTLD_LOCAL. Every component exports the same two names.
-///     6. Look up the two functions with dlsym and call the first:
+///  1. Link the shared library liborv_common, the one that libext_cm.so needs (its soname). What is
+///     configured below are objects of that library, one of each in a process. A second copy, or
+///     one that is linked statically, has objects of its own, and the component sees nothing of
+///     what was set there.
+///  2. `Orv::LoggingWrapper::instance()->setSink(...)` and `setLevel(...)`. Without a sink all logs
+///     are dropped.
+///  3. `Orv::MeIdTranslator::instance()->configure(identity, "")`: the identity by which clients
+///     know the root. Without it every DN with a ManagedElement at the root is answered
+///     OrvNotExist.
+///  4. `Orv::Portal::instance()->attach(...)`, section 2.
+///  5. dlopen the component with RTLD_LOCAL. Every component exports the same two names:
 ///
-///            extern "C" OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor,
-///                                             const char* argument);
-///            extern "C" void orvLCMterminate();
+///         extern "C" OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor,
+///                                          const char* argument);
+///         extern "C" void orvLCMterminate();
 ///
-///        From inside, orvLCMinit calls getPortal("1"), getPortal("3") and registerComponent, which
-///        hands over the record OrvMgmtSpiComponent_1. The argument is ignored and may be null. An
-///        accessor that is null gives OrvFailure.
-///     7. Offer all tables of part 1.
-///     8. Call `start` of the record. All lookups of the component happen in it.
-///     9. Find the offered tables in interfaceArray of the record. Answer getInterface for them as
-///        well: interceptors ask for one of them (part 7).
-///    10. Let clients in.
+///  6. Look them up with dlsym and call the first. From inside it calls getPortal("1"),
+///     getPortal("3") and registerComponent, which hands over the record OrvMgmtSpiComponent_1. The
+///     argument is ignored and may be null. The answer is OrvFailure if the accessor is null or
+///     there is no portal "1", or the code of registerComponent.
+///  7. Offer all tables of section 1.
+///  8. Call `start` of the record. The component looks up its tables in it, and not before.
+///  9. Find the offered tables in interfaceArray of the record. Answer getInterface for them as
+///     well: interceptors ask for one of them (section 7). Then let clients in.
 ///
-/// Steps 2, 3, 4 and 7 can come in any order, and later than step 6, but before step 8. If
-/// `start` answered OrvFailure, offer what was missing and call it again.
+/// Steps 2, 3, 4 and 7 can come in any order, and later than step 6, but before step 8. If `start`
+/// answered OrvFailure, offer what was missing and call it again.
 ///
 /// 4. Going down
 ///
@@ -155,16 +155,18 @@
 ///
 /// The top level is meant for one MO, the ManagedElement. The component names every child of the
 /// top level by the identity of the root when a client iterates there, whatever its class: a second
-/// MO there can be created and used by its DN, but not found by iteration. Its DN is the same in
-/// both forms. References that are given to a createMo at the top level are not followed
-/// (OrvAssociations.h, 9): set them afterwards. The naming value of createMo is not translated: the
-/// root is created with the value "1".
+/// MO there can be created and used by its DN, but not found by iteration. The DN of an MO of
+/// another class is not translated. References that are given to a createMo at the top level are
+/// not followed (OrvAssociations.h, 9): set them afterwards. The naming value of createMo is not
+/// translated: the root is created with the value "1".
 ///
 /// 10. Which headers a host needs
 ///
-/// Those of this directory. Of the helper library: LoggingWrapper.h, MeIdTranslator.h, and for
-/// texts of codes and DNs OrvReturnText.h and DnUtil.h. Portal.h. What is for the host alone is
-/// marked "Host only" there. Component.h, OrvInterfaceBinders.h and AutoMemory.h are for authors of
-/// components, and so are MoAccessor.h, Transaction.h, OrvException.h and OrvThreadLock.h.
+/// All that is installed stands in one directory. In the sources the headers of the helper library
+/// are in src/orv_common/inc, and the templates in src/common/inc. A host needs the headers of this
+/// directory, and Portal.h, MeIdTranslator.h and LoggingWrapper.h, where its part is marked "Host
+/// only"; OrvReturnText.h and DnUtil.h can be of use. The others are for authors of components:
+/// Component.h, OrvInterfaceBinders.h, AutoMemory.h, MoAccessor.h, Transaction.h, OrvException.h
+/// and OrvThreadLock.h.
 
 #endif

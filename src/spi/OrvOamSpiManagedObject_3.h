@@ -26,8 +26,8 @@
 /// *Intercepted*: the component calls the interceptor of the MO's MOC path in place of the router,
 /// if there is one. An interceptor keeps the router's side of the contract.
 ///
-/// *Results* are given with OrvOk (rule 3). After another code they are as the router left them:
-/// nobody releases what is in them. Out parameters are checked unless the slot says otherwise.
+/// *Results* are given with OrvOk (rule 3). After another code they are as the router left them,
+/// and the client releases nothing. Out parameters are checked unless the slot says otherwise.
 ///
 /// *Codes of the component*, common to all slots, in the order in which they are tested:
 ///   - OrvNotActive: it is stopped.

@@ -66,8 +66,9 @@ struct OrvOamSpiTransactionalResource_2 {
     /// Why:   false stands also for "could not be judged": without a model or a thread context,
     ///        when stopped, or when one of them fails while something is judged, no transaction is
     ///        valid. But true does not mean that all was looked at: what could not be followed when
-    ///        it was written, because the router or the model failed, or because there is no Vek
-    ///        router, was never recorded and is not judged (OrvAssociations.h, 8).
+    ///        it was written, because the router or the model failed, or because there is no
+    ///        router under VekOamSpiManagedObject_3_RouterId, was never recorded and is not judged
+    ///        (OrvAssociations.h, 8).
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
 };
 

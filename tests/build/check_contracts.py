@@ -10,7 +10,8 @@ usage: check_contracts.py DIRECTORY   checks the headers of DIRECTORY
 OrvConventions.h says what the lines are. Demanded are: some words on what the slot does; DN for a
 parameter `dn`; In and Out for the pointers, each by its name; When; Codes for a slot that answers
 with one. A line As stands for the lines of a slot with the same declaration. Besides, each header
-names the conventions, and each table has its identity beside it.
+names the conventions, each table has its identity beside it, and a reference to a section of a
+header (OrvHostGuide.h, 5) leads to one that is there.
 """
 
 import pathlib
@@ -26,6 +27,7 @@ SLOT = re.compile(
     r"(?P<comment>(?:^ *///[^\n]*\n)*)^ *(?P<answer>[\w ]+\**) ?\(\*(?P<name>\w+)\)"
     r"\((?P<parameters>[^;]*)\);", re.MULTILINE)
 LINE = re.compile(r"^(\w+):(?: +(.*))?$")
+SECTION_REFERENCE = re.compile(r"(\w+\.h), (\d+)(?: and (\d+))?")
 PARAMETER = re.compile(r"^(?P<type>.*?)(?P<name>\w+)$", re.DOTALL)
 
 # What an out parameter points at; of pointers to pointers the name decides.
@@ -128,10 +130,21 @@ def has_identity(record, text):
                      re.MULTILINE)
 
 
+def problems_of_references(directory, text):
+    comment = " ".join(line.strip().removeprefix("///").strip() for line in text.splitlines())
+    for name, *sections in SECTION_REFERENCE.findall(comment):
+        target = directory / name
+        for section in filter(None, sections):
+            if not target.exists() or f"\n/// {section}. " not in target.read_text():
+                yield f"refers to {name}, {section}, which is not there"
+
+
 def problems(directory):
     slots = {}
     for header in sorted(directory.glob("*.h")):
         text = header.read_text()
+        for problem in problems_of_references(directory, text):
+            yield f"{header.name} {problem}"
         if header.name != CONVENTIONS and CONVENTIONS not in text:
             yield f"{header.name} does not name {CONVENTIONS}"
         found = 0
@@ -155,7 +168,11 @@ def problems(directory):
 
 GOOD = r"""
 /// \file
-/// Conventions: OrvConventions.h.
+/// Conventions: OrvConventions.h. See OrvTable_1.h,
+/// 1 and 2.
+///
+/// 1. One section
+/// 2. Another section
 
 typedef void (*Reserved)();
 
@@ -191,7 +208,10 @@ constexpr VekMgmtSpiInterface_1 VekTable_1_RouterId = {"Component", "OrvTable", 
 
 # Each change of the header above with the word that its report must hold.
 GAPS = [
-    ("/// Conventions: OrvConventions.h.", "///", "OrvConventions.h"),
+    ("OrvConventions.h", "there", "OrvConventions.h"),
+    ("/// 1. One section", "/// One section", "OrvTable_1.h, 1, which is not there"),
+    ("/// 2. Another section", "/// Another section", "OrvTable_1.h, 2, which is not there"),
+    ("OrvTable_1.h,", "OrvTable_2.h,", "OrvTable_2.h, 1, which is not there"),
     ("VekTable_1_RouterId", "VekTable_2_RouterId", "OrvTable_1 has no identity"),
     ("Slot 1. Reads one thing.\n    /// DN", "Slot 1.\n    /// DN", "what it does"),
     ("    /// DN:    \\p dn, internal.\n", "", "no line DN"),
