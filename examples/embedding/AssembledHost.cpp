@@ -6,6 +6,7 @@
 //   assembled_host PATH/TO/libext_cm.so
 
 #include "OrvOamSpiManagedObject_3.h"
+#include "OwnedResult.h"
 #include "model/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
@@ -71,10 +72,10 @@ void printAntennas(Host& host) {
         std::fprintf(stderr, "code %d\n", code);
         return;
     }
+    const Orv::OwnedResult owned(result); // which releases it
     for (std::uint32_t position = 0; position < result.container->count; ++position) {
         std::puts(result.container->values[position].moRef);
     }
-    result.release(result.container);
 }
 // [/client]
 

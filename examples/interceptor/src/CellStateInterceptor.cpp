@@ -4,11 +4,11 @@
 #include "CellStateInterceptor.h"
 
 #include "OperationalState.h"
-#include "OwnedResult.h"
 #include "StateValue.h"
 #include "StateValues.h"
 
 #include <ExtCmInterceptorRepository.h>
+#include <OwnedResult.h>
 
 #include <algorithm>
 #include <memory>
@@ -70,7 +70,7 @@ OrvReturnT CellStateInterceptor::getMoAttribute(unsigned long txHandle, const ch
     if (code != OrvOk) {
         return code;
     }
-    const OwnedResult<OrvMoAttributeValueResult_3> source(read);
+    const Orv::OwnedResult<OrvMoAttributeValueResult_3> source(read);
     auto state = std::make_unique<StateValue>(operationalState(source.get().container));
     result->release = &StateValue::release;
     result->container = state.release();
@@ -91,7 +91,7 @@ OrvReturnT CellStateInterceptor::getMoAttributes(unsigned long txHandle, const c
     if (code != OrvOk) {
         return code;
     }
-    OwnedResult<OrvMoAttributeValuesResult_3> source(read);
+    Orv::OwnedResult<OrvMoAttributeValuesResult_3> source(read);
     if (isEmpty(read)) {
         return OrvFailure; // OrvOk without values is no answer
     }

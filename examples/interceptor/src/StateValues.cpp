@@ -9,7 +9,7 @@
 #include <utility>
 
 StateValues::StateValues(const char** attrNames,
-                         OwnedResult<OrvMoAttributeValuesResult_3> fromRouter)
+                         Orv::OwnedResult<OrvMoAttributeValuesResult_3> fromRouter)
     : OrvMoAttributeValueContainer_3{}, mFromRouter(std::move(fromRouter)) {
     OrvMoAttributeValueContainer_3** const read = mFromRouter.get().containers;
     for (std::size_t index = 0; read[index] != nullptr; ++index) {

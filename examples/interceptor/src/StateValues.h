@@ -4,8 +4,9 @@
 #ifndef CELL_STATE_STATEVALUES_H
 #define CELL_STATE_STATEVALUES_H
 
-#include "OwnedResult.h"
 #include "StateValue.h"
+
+#include <OwnedResult.h>
 
 #include <memory>
 #include <vector>
@@ -22,7 +23,7 @@ class StateValues : public OrvMoAttributeValueContainer_3 {
 public:
     /// \p attrNames are the names that the client asked for. \p fromRouter holds one container for
     /// each, at least one.
-    StateValues(const char** attrNames, OwnedResult<OrvMoAttributeValuesResult_3> fromRouter);
+    StateValues(const char** attrNames, Orv::OwnedResult<OrvMoAttributeValuesResult_3> fromRouter);
     StateValues(const StateValues&) = delete;
     StateValues& operator=(const StateValues&) = delete;
 
@@ -37,7 +38,7 @@ private:
     OrvMoAttributeValueContainer_3* containerFor(const char* attrName,
                                                  OrvMoAttributeValueContainer_3* fromRouter);
 
-    OwnedResult<OrvMoAttributeValuesResult_3> mFromRouter;
+    Orv::OwnedResult<OrvMoAttributeValuesResult_3> mFromRouter;
     std::vector<std::unique_ptr<StateValue>> mStates;
     std::vector<OrvMoAttributeValueContainer_3*> mContainers;
 };

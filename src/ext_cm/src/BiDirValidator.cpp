@@ -3,6 +3,7 @@
 
 #include "BiDirValidator.h"
 
+#include "OwnedResult.h"
 #include "Portal.h"
 #include "messages/MessageText.h"
 #include "messages/Tracing.h"
@@ -28,17 +29,6 @@ void traceReadFailure(const TracePoint& operation, const char* dn, const char* a
                  code);
 }
 
-/// Releases a result on every way out.
-struct HeldResult {
-    explicit HeldResult(const BiDirValidator& owner) : validator(owner) {}
-    HeldResult(const HeldResult&) = delete;
-    HeldResult& operator=(const HeldResult&) = delete;
-    ~HeldResult() { validator.release(record); } // which throws nothing
-
-    const BiDirValidator& validator;
-    VekMoAttributeValueResult_3 record{nullptr, nullptr};
-};
-
 }
 
 BiDirValidator::BiDirValidator(BiDirUtils& utils) : biDirUtils(utils) {}
@@ -58,7 +48,7 @@ void BiDirValidator::stop() {
 }
 
 void BiDirValidator::release(VekMoAttributeValueResult_3 result) const {
-    ReadResult::release(result);
+    Orv::giveBack(result);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -85,14 +75,14 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
         if (code != OrvOk || !isSet(exists)) {
             continue; // an MO that is gone needs no check
         }
-        HeldResult held(*this);
-        code = moRouter->getMoAttribute(txHandle, dn, attribute, &held.record);
+        Orv::OwnedResult<VekMoAttributeValueResult_3> result; // released on every way out
+        code = moRouter->getMoAttribute(txHandle, dn, attribute, result.record());
         if (code != OrvOk) {
             traceReadFailure(operation, dn, attribute, code);
             *valid = false;
             return code;
         }
-        const Outcome outcome = judge(operation, dn, attribute, held.record, code);
+        const Outcome outcome = judge(operation, dn, attribute, *result.record(), code);
         if (outcome != Outcome::Next) {
             *valid = outcome != Outcome::Refused;
             return code;

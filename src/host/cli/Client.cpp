@@ -5,43 +5,12 @@
 
 #include "NamedRecords.h"
 #include "OfferedTable.h"
+#include "OwnedResult.h"
 #include "runtime/Host.h"
 
 namespace OrvHost {
 
 namespace {
-
-/// Owns the result of a successful read of one attribute.
-class OwnedValue {
-public:
-    explicit OwnedValue(OrvMoAttributeValueResult_3 result) : mResult(result) {}
-    OwnedValue(const OwnedValue&) = delete;
-    OwnedValue& operator=(const OwnedValue&) = delete;
-    ~OwnedValue() {
-        if (mResult.release != nullptr && mResult.container != nullptr) {
-            mResult.release(mResult.container);
-        }
-    }
-
-private:
-    OrvMoAttributeValueResult_3 mResult;
-};
-
-/// Owns the result of a successful read of several attributes.
-class OwnedValues {
-public:
-    explicit OwnedValues(OrvMoAttributeValuesResult_3 result) : mResult(result) {}
-    OwnedValues(const OwnedValues&) = delete;
-    OwnedValues& operator=(const OwnedValues&) = delete;
-    ~OwnedValues() {
-        if (mResult.release != nullptr) {
-            mResult.release(mResult.containers);
-        }
-    }
-
-private:
-    OrvMoAttributeValuesResult_3 mResult;
-};
 
 /// Finalizes an iterator in its destructor.
 class OpenIterator {
@@ -92,7 +61,7 @@ JsonValue Client::get(unsigned long txHandle, const std::string& dn, const std::
     OrvMoAttributeValueResult_3 result{nullptr, nullptr};
     check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
           {"getMoAttribute", dn, {}, {attribute}});
-    const OwnedValue owned(result);
+    const Orv::OwnedResult owned(result);
     return toJson(result.container, definitionOf(moc, attribute));
 }
 
@@ -102,7 +71,7 @@ JsonValue Client::get(unsigned long txHandle, const std::string& dn,
     OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
     check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
           {"getMoAttributes", dn, {}, attributes});
-    const OwnedValues owned(result);
+    const Orv::OwnedResult owned(result);
     JsonValue values = JsonValue::object();
     OrvMoAttributeValueContainer_3** container = result.containers;
     for (const std::string& attribute : attributes) {
@@ -158,7 +127,7 @@ JsonValue Client::action(unsigned long txHandle, const std::string& dn, const st
     OrvMoAttributeValueResult_3 result{nullptr, nullptr};
     check(mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result),
           {"action", dn, {}, {}, name});
-    const OwnedValue owned(result);
+    const Orv::OwnedResult owned(result);
     return toJson(result.container, resultOf(def));
 }
 

@@ -3,7 +3,7 @@
 
 #include "values/ConvertedResultData.h"
 
-#include "values/QuietRelease.h"
+#include "OwnedResult.h"
 
 #include <cstdlib>
 
@@ -52,7 +52,7 @@ void ConvertedResultData::releaseFunc(OrvMoAttributeValueContainer_3* container)
         return;
     }
     const ConvertedResultData* const view = viewOf(container);
-    releaseQuietly(view->_origRelease, view->_origContainer);
+    Orv::giveBack(OrvMoAttributeValueResult_3{view->_origRelease, view->_origContainer});
     delete view;
 }
 
@@ -61,7 +61,9 @@ void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** cont
         return;
     }
     const ConvertedResultData* const first = viewOf(containers[0]);
-    releaseQuietly(first->_origMultiRelease, first->_origContainers);
+    if (first->_origContainers != nullptr) {
+        Orv::releaseQuietly(first->_origMultiRelease, first->_origContainers);
+    }
     for (std::size_t index = 0; containers[index] != nullptr; ++index) {
         delete viewOf(containers[index]);
     }

@@ -5,13 +5,13 @@
 #define ORV_EXT_CM_READRESULT_H
 
 #include "OrvMoAttributeValue.h"
-#include "values/QuietRelease.h"
+#include "OwnedResult.h"
 #include "values/ReferenceList.h"
 
 namespace OrvExtCmRouterService {
 
-/// The result of one attribute read, handed back to its producer when this object goes, once, if
-/// there is both a container and a function to release it.
+/// The result of one attribute read, as a value. It is given back to its producer when this object
+/// goes, also after a read that failed.
 ///
 /// Threads: none of its own.
 class ReadResult {
@@ -19,29 +19,24 @@ public:
     ReadResult() = default;
 
     /// Starts with \p value, which stands until a read puts another in its place. It is the
-    /// caller's and never handed to a producer, not even to one that leaves a function to release
+    /// caller's and never given to a producer, not even to one that leaves a function to release
     /// it and no container of its own.
     explicit ReadResult(VekMoAttributeValueContainer_3& value)
-        : mResult{nullptr, &value}, mBorrowed(&value) {}
+        : mOwner(VekMoAttributeValueResult_3{nullptr, &value}), mBorrowed(&value) {}
 
     ReadResult(const ReadResult&) = delete;
     ReadResult& operator=(const ReadResult&) = delete;
     ~ReadResult() {
-        if (mResult.container != mBorrowed) {
-            release(mResult);
+        if (mOwner.get().container == mBorrowed) {
+            mOwner.take();
         }
     }
 
-    /// Hands \p result back, if there is something to hand back.
-    static void release(const VekMoAttributeValueResult_3& result) {
-        releaseQuietly(result.release, result.container);
-    }
-
-    /// The record, for a read to fill in.
-    VekMoAttributeValueResult_3* record() { return &mResult; }
+    /// The record, for one read to fill in.
+    VekMoAttributeValueResult_3* record() { return mOwner.record(); }
 
     /// The value. A producer that answers a read with no container at all means no values.
-    const VekMoAttributeValueContainer_3& value() const { return valueOf(mResult); }
+    const VekMoAttributeValueContainer_3& value() const { return valueOf(mOwner.get()); }
 
     /// The value as references: none if it is something else.
     const VekMoAttributeValueContainer_3& references() const {
@@ -57,7 +52,7 @@ public:
 private:
     static constexpr VekMoAttributeValueContainer_3 noValues{OrvMoAttributeTypeMoRef_3, 0, nullptr};
 
-    VekMoAttributeValueResult_3 mResult{nullptr, nullptr};
+    Orv::OwnedResult<VekMoAttributeValueResult_3> mOwner;
     const VekMoAttributeValueContainer_3* mBorrowed = nullptr;
 };
 
