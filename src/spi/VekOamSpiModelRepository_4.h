@@ -20,7 +20,7 @@
 /// 1. Handles are opaque 64-bit values, compared as a whole, and good until the component is
 ///    stopped. Zero names nothing. Out parameters are the component's own variables, set to zero,
 ///    null or false before the call; a function that fails leaves them so.
-/// 2. The component calls without a test: each sub-table that has a name must be there with all its
+/// 2. The component relies on them: each sub-table that has a name must be there with all its
 ///    entries. Sub-tables and entries named `reserved` are never touched.
 /// 3. Codes are OrvOk, OrvNotExist for "no such object" (from a lookup) or "end of the list" (from
 ///    a first or next step), and any other for a failure. What becomes of a failure depends on who

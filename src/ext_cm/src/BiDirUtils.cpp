@@ -9,7 +9,7 @@
 #include "associations/BackPointerRouter.h"
 #include "life/UnderLock.h"
 #include "messages/Tracing.h"
-#include "model/ModelReader.h"
+#include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
 #include "values/ReadResult.h"
 #include "values/ReferenceList.h"
@@ -56,29 +56,29 @@ void BiDirUtils::stop() {
 
 OrvReturnT BiDirUtils::lookUpMoc(const TracePoint& operation, const char* dn,
                                  VekOamSpiMrMocHandle_4T& moc) const {
-    const OrvReturnT code = ModelReader(modelRepository).mocOfDn(dn, moc);
-    if (code != OrvOk) {
-        ORV_LOG_AT(operation, 3, "Failed to look up MOC from DN. dn=%s, ret=%d", dn, code);
+    const auto found = Orv::ModelReader(*modelRepository).mocOfDn(dn);
+    moc = found.value;
+    if (found.code != OrvOk) {
+        ORV_LOG_AT(operation, 3, "Failed to look up MOC from DN. dn=%s, ret=%d", dn, found.code);
     }
-    return code;
+    return found.code;
 }
 
 /// The name of the attribute on the far side of \p end. What a transaction queued before a stop can
 /// be applied after a start that has found no repository: then the name is empty and the edit
 /// fails.
 const char* BiDirUtils::backPointerOf(VekOamSpiMrAssociationEndHandle_4T end) const {
-    return hasModel() ? textOrEmpty(ModelReader(modelRepository).endName(end)) : "";
+    return hasModel() ? textOrEmpty(endName(Orv::ModelReader(*modelRepository), end)) : "";
 }
 
 OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
                                        std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs) {
     using Handle = VekOamSpiMrBiDirAssociationHandle_4T;
-    const VekOamSpiModelRepository_4& model = *modelRepository;
+    const Orv::ModelReader model(*modelRepository);
     auto walk = walkUntilNonZero<Handle>(
-        ORV_TRACE_POINT,
-        [&](Handle* found) { return model.mocQueries->getFirstBiDirAssociation(moc, found); },
+        ORV_TRACE_POINT, [&](Handle* found) { return stepTo(found, model.firstBiDir(moc)); },
         [&](Handle current, Handle* found) {
-            return model.biDirAssociation->getNextBiDirAssociation(current, moc, found);
+            return stepTo(found, model.nextBiDir(current, moc));
         });
     if (!walk.more()) {
         ORV_TRACE("MOC is not part of any BiDirs.");
@@ -96,10 +96,10 @@ OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
 OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
                                           VekOamSpiMrBiDirAssociationHandle_4T association,
                                           VekOamSpiMrAssociationEndHandle_4T& end) {
-    const ModelReader model(modelRepository);
-    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association);
-    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association);
-    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first);
+    const Orv::ModelReader model(*modelRepository);
+    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
+    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
+    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
     model.endMoc(second); // not needed, but part of the sequence that hosts know
     end = firstMoc == moc ? first : second;
     return OrvOk;
@@ -112,12 +112,12 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
 OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const char* attributeName,
                                           VekOamSpiMrBiDirAssociationHandle_4T association,
                                           VekOamSpiMrAssociationEndHandle_4T& end) {
-    const ModelReader model(modelRepository);
-    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association);
-    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association);
-    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first);
+    const Orv::ModelReader model(*modelRepository);
+    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
+    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
+    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
     model.endMoc(second); // as above
-    const char* const firstName = model.endName(first);
+    const char* const firstName = endName(model, first);
     ORV_TRACE("First association end attribute name is %s", textOrEmpty(firstName));
     end = firstMoc == moc && !sameText(firstName, attributeName) ? first : second;
     return OrvOk;
@@ -274,12 +274,12 @@ OrvReturnT BiDirUtils::editFarSides(const Source& source, VekOamSpiMrMocHandle_4
                                     VekOamSpiMrBiDirAssociationHandle_4T bidir,
                                     const std::vector<std::string>& toAdd,
                                     const std::vector<std::string>& toRemove, OrvReturnT code) {
-    const ModelReader model(modelRepository);
+    const Orv::ModelReader model(*modelRepository);
     VekOamSpiMrAssociationEndHandle_4T near = 0;
     findAssociationEnd(moc, source.attribute, bidir, near);
-    const VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
-    const char* const farName = model.endName(far);
-    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far);
+    const VekOamSpiMrAssociationEndHandle_4T far = farEnd(model, bidir, near);
+    const char* const farName = endName(model, far);
+    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far).value;
     if (!sameText(source.attribute, farName)) {
         return code;
     }
@@ -362,20 +362,19 @@ OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHand
 std::list<std::string> BiDirUtils::containedClasses(const TracePoint& operation,
                                                     VekOamSpiMrMocHandle_4T moc) const {
     using Handle = VekOamSpiMrContainmentHandle_4T;
-    const VekOamSpiModelRepository_4& model = *modelRepository;
+    const Orv::ModelReader model(*modelRepository);
     std::list<std::string> names;
     auto walk = walkUntilNonZero<Handle>(
-        operation, [&](Handle* found) { return model.mocQueries->getFirstContainment(moc, found); },
+        operation, [&](Handle* found) { return stepTo(found, model.firstContainment(moc)); },
         [&](Handle current, Handle* found) {
-            return model.containment->getNextContainment(current, found);
+            return stepTo(found, model.nextContainment(current));
         });
     if (!walk.more()) {
         return names; // any code of the first step means that nothing is contained
     }
     for (; walk.more(); walk.advance()) {
-        VekOamSpiMrMocHandle_4T contained = 0;
-        model.containment->getContainedMoc(walk.current(), &contained);
-        names.emplace_back(textOrEmpty(ModelReader(modelRepository).mocName(contained)));
+        const VekOamSpiMrMocHandle_4T contained = model.containedMoc(walk.current()).value;
+        names.emplace_back(textOrEmpty(mocName(model, contained)));
     }
     if (walk.isCutOff()) {
         withoutRepeats(names);
@@ -406,12 +405,12 @@ OrvReturnT BiDirUtils::updateBackpointers(unsigned long txHandle, const char* dn
 void BiDirUtils::leaveAssociation(const TracePoint& operation, unsigned long txHandle,
                                   const char* dn, VekOamSpiMrMocHandle_4T moc,
                                   VekOamSpiMrBiDirAssociationHandle_4T bidir) {
-    const ModelReader model(modelRepository);
+    const Orv::ModelReader model(*modelRepository);
     VekOamSpiMrAssociationEndHandle_4T near = 0;
     findAssociationEnd(moc, bidir, near);
-    const VekOamSpiMrMocHandle_4T nearMoc = model.endMoc(near);
-    VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
-    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far);
+    const VekOamSpiMrMocHandle_4T nearMoc = model.endMoc(near).value;
+    VekOamSpiMrAssociationEndHandle_4T far = farEnd(model, bidir, near);
+    const VekOamSpiMrMocHandle_4T farMoc = model.endMoc(far).value;
     const int passes = nearMoc == farMoc ? 2 : 1;
     for (int pass = 0; pass < passes; ++pass) {
         leaveFarSides(operation, txHandle, dn, near, far, farMoc);
@@ -423,9 +422,9 @@ void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHand
                                VekOamSpiMrAssociationEndHandle_4T near,
                                VekOamSpiMrAssociationEndHandle_4T far,
                                VekOamSpiMrMocHandle_4T farMoc) {
-    const ModelReader model(modelRepository);
-    const char* const attribute = textOrEmpty(model.endName(far));
-    if (model.endKeepsAtDelete(near)) {
+    const Orv::ModelReader model(*modelRepository);
+    const char* const attribute = textOrEmpty(endName(model, far));
+    if (model.endKeepsAtDelete(near).value) {
         return;
     }
     ReadResult result;
@@ -434,12 +433,12 @@ void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHand
         traceReadFailure(operation, code, attribute, dn);
         return;
     }
-    model.endName(near); // as above: the edit asks for the name itself
+    endName(model, near); // as above: the edit asks for the name itself
     const VekMoAttributeValueContainer_3& references = result.references();
     for (std::uint32_t i = 0; i < references.count; ++i) {
         const char* const target = references.values[i].moRef;
-        VekOamSpiMrMocHandle_4T moc = 0;
-        if (model.mocOfDn(target, moc) == OrvOk && moc == farMoc) {
+        const auto moc = model.mocOfDn(target);
+        if (moc.code == OrvOk && moc.value == farMoc) {
             removeMoFromBackPointer(txHandle, target, dn, near, attribute);
         }
     }

@@ -3,13 +3,13 @@
 
 #include "BiDirValidator.h"
 
+#include "HostFlag.h"
 #include "OwnedResult.h"
 #include "Portal.h"
 #include "messages/MessageText.h"
 #include "messages/Tracing.h"
-#include "model/ModelReader.h"
+#include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
-#include "values/HostFlag.h"
 #include "values/ReadResult.h"
 #include "values/ReferenceList.h"
 
@@ -72,7 +72,7 @@ OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
         ORV_TRACE("Validating: %s, %s", dn, attribute);
         bool exists = false;
         code = moRouter->existsMo(txHandle, dn, &exists);
-        if (code != OrvOk || !isSet(exists)) {
+        if (code != OrvOk || !Orv::isSet(exists)) {
             continue; // an MO that is gone needs no check
         }
         Orv::OwnedResult<VekMoAttributeValueResult_3> result; // released on every way out
@@ -108,12 +108,13 @@ BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const
                                               const char* attribute,
                                               VekMoAttributeValueResult_3& result,
                                               OrvReturnT& code) {
-    VekOamSpiMrMocHandle_4T moc = 0;
-    if (ModelReader(modelRepository).mocOfDn(dn, moc) != OrvOk) {
+    const auto lookedUp = Orv::ModelReader(*modelRepository).mocOfDn(dn);
+    if (lookedUp.code != OrvOk) {
         addUnknownTypeMessage(dn);
         code = OrvValidationFailed;
         return Outcome::Refused;
     }
+    const VekOamSpiMrMocHandle_4T moc = lookedUp.value;
     const VekMoAttributeValueContainer_3& value = ReadResult::valueOf(result);
     code = attrMultiplicityCheck(dn, moc, attribute, value.count);
     if (code != OrvOk) {
@@ -144,18 +145,18 @@ BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const
 
 OrvReturnT BiDirValidator::attrMultiplicityCheck(const char* dn, VekOamSpiMrMocHandle_4T moc,
                                                  const char* attribute, long long count) {
-    const ModelReader model(modelRepository);
+    const Orv::ModelReader model(*modelRepository);
     VekOamSpiMrAttributeHandle_4T handle = 0;
     getAttributeFromMoc(moc, attribute, handle);
-    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle);
-    if (!model.isReference(type)) {
+    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle).value;
+    if (!isReference(model, type)) {
         MessageText message;
         message << "Attribute " << attribute << " in " << dn << " is not a MO ref.";
         addThreadContextMessage(message.text());
         return OrvValidationFailed;
     }
-    const long long lower = model.typeBound(type, VekOamSpiMrLowerBound_4);
-    const long long upper = model.typeBound(type, VekOamSpiMrUpperBound_4);
+    const long long lower = model.typeBound(type, VekOamSpiMrLowerBound_4).value;
+    const long long upper = model.typeBound(type, VekOamSpiMrUpperBound_4).value;
     if (lower <= count && count <= upper) {
         return OrvOk;
     }
@@ -172,15 +173,15 @@ BiDirValidator::judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc,
                                   const VekMoAttributeValueContainer_3& value,
                                   const std::list<VekOamSpiMrBiDirAssociationHandle_4T>& bidirs,
                                   std::list<VekOamSpiMrMocHandle_4T>& permitted) {
-    const ModelReader model(modelRepository);
+    const Orv::ModelReader model(*modelRepository);
     for (const VekOamSpiMrBiDirAssociationHandle_4T bidir : bidirs) {
         VekOamSpiMrAssociationEndHandle_4T near = 0;
         biDirUtils.findAssociationEnd(moc, bidir, near);
-        const VekOamSpiMrAssociationEndHandle_4T far = model.farEnd(bidir, near);
-        if (!sameText(model.endText(far, VekOamSpiMrEndName_4), attribute)) {
+        const VekOamSpiMrAssociationEndHandle_4T far = farEnd(model, bidir, near);
+        if (!sameText(model.endText(far, VekOamSpiMrEndName_4).value, attribute)) {
             continue;
         }
-        const VekOamSpiMrMocHandle_4T target = model.attributeMoc(model.endAttribute(near));
+        const VekOamSpiMrMocHandle_4T target = model.attributeMoc(model.endAttribute(near).value).value;
         permitted.push_back(target);
         int count = 0;
         OrvReturnT code = countValues(value, target, count);
@@ -196,14 +197,14 @@ BiDirValidator::judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc,
 
 OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& value,
                                        VekOamSpiMrMocHandle_4T target, int& count) {
-    const ModelReader model(modelRepository);
+    const Orv::ModelReader model(*modelRepository);
     for (std::uint32_t i = 0; i < value.count; ++i) {
-        VekOamSpiMrMocHandle_4T moc = 0;
-        if (model.mocOfDn(value.values[i].moRef, moc) != OrvOk) {
+        const auto moc = model.mocOfDn(value.values[i].moRef);
+        if (moc.code != OrvOk) {
             addUnknownTypeMessage(value.values[i].moRef);
             return OrvValidationFailed;
         }
-        count += moc == target ? 1 : 0;
+        count += moc.value == target ? 1 : 0;
     }
     return OrvOk;
 }
@@ -211,11 +212,11 @@ OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& val
 OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
                                                  VekOamSpiMrAssociationEndHandle_4T end,
                                                  long long count) {
-    const ModelReader model(modelRepository);
-    const long long lower = model.endBound(end, VekOamSpiMrLowerBound_4);
-    const long long upper = model.endBound(end, VekOamSpiMrUpperBound_4);
-    const char* const counted = model.endText(end, VekOamSpiMrEndRole_4);
-    const char* const name = model.endText(end, VekOamSpiMrEndName_4);
+    const Orv::ModelReader model(*modelRepository);
+    const long long lower = model.endBound(end, VekOamSpiMrLowerBound_4).value;
+    const long long upper = model.endBound(end, VekOamSpiMrUpperBound_4).value;
+    const char* const counted = model.endText(end, VekOamSpiMrEndRole_4).value;
+    const char* const name = model.endText(end, VekOamSpiMrEndName_4).value;
     if (lower <= count && count <= upper) {
         return OrvOk;
     }
@@ -229,23 +230,22 @@ OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
 OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attribute,
                                               VekMoAttributeValueResult_3* result,
                                               std::list<VekOamSpiMrMocHandle_4T>& permitted) {
-    const ModelReader model(modelRepository);
-    VekOamSpiMrMocHandle_4T moc = 0;
-    model.mocOfDn(dn, moc);
+    const Orv::ModelReader model(*modelRepository);
+    const VekOamSpiMrMocHandle_4T moc = model.mocOfDn(dn).value;
     VekOamSpiMrAttributeHandle_4T handle = 0;
     getAttributeFromMoc(moc, attribute, handle);
-    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle);
-    if (!model.isReference(type)) {
+    const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle).value;
+    if (!isReference(model, type)) {
         return OrvOk;
     }
-    const VekOamSpiMrMocHandle_4T declared = model.referencedMoc(type);
-    const bool any = sameText(model.mocName(declared), anyClass);
-    const char* mocName = nullptr;
+    const VekOamSpiMrMocHandle_4T declared = model.referencedMoc(type).value;
+    const bool any = sameText(mocName(model, declared), anyClass);
+    const char* lastName = nullptr;
     const OrvReturnT code =
-        checkValueTypes(ReadResult::valueOf(*result), {declared, any, permitted}, mocName);
+        checkValueTypes(ReadResult::valueOf(*result), {declared, any, permitted}, lastName);
     if (code != OrvOk) {
         MessageText message;
-        message << mocName << " is not a valid type for attribute " << attribute << " in " << dn
+        message << lastName << " is not a valid type for attribute " << attribute << " in " << dn
                 << ".";
         addThreadContextMessage(message.text());
     }
@@ -256,20 +256,20 @@ OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attrib
 // value is tried again in every pass that is left, with its message each time, and the values
 // behind it are not looked at. Clients know these messages in this number and order, so they stay.
 OrvReturnT BiDirValidator::checkValueTypes(const VekMoAttributeValueContainer_3& value,
-                                           const PermittedTypes& types, const char*& mocName) {
-    const ModelReader model(modelRepository);
+                                           const PermittedTypes& types, const char*& lastName) {
+    const Orv::ModelReader model(*modelRepository);
     OrvReturnT code = OrvOk;
     std::uint32_t position = 0;
     for (std::uint32_t pass = 0; pass < value.count; ++pass) {
         const char* const reference = value.values[position].moRef;
-        VekOamSpiMrMocHandle_4T moc = 0;
-        code = model.mocOfDn(reference, moc);
+        const auto moc = model.mocOfDn(reference);
+        code = moc.code;
         if (code != OrvOk) {
             addUnknownTypeMessage(reference);
             continue;
         }
-        mocName = model.mocName(moc);
-        if (!types.permits(moc)) {
+        lastName = mocName(model, moc.value);
+        if (!types.permits(moc.value)) {
             return OrvValidationFailed;
         }
         ++position;
@@ -288,18 +288,15 @@ bool BiDirValidator::PermittedTypes::permits(VekOamSpiMrMocHandle_4T moc) const 
 void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char* name,
                                          VekOamSpiMrAttributeHandle_4T& attribute) {
     using Handle = VekOamSpiMrAttributeHandle_4T;
-    const VekOamSpiModelRepository_4& model = *modelRepository;
+    const Orv::ModelReader model(*modelRepository);
     auto walk = walkUntilNotExist<Handle>(
         ORV_TRACE_POINT,
-        [&](Handle* found) {
-            *found = attribute; // which the caller keeps if the class has none
-            return model.mocQueries->getFirstAttribute(moc, found);
-        },
+        // The caller keeps its handle if the class has no attribute.
+        [&](Handle* found) { return stepTo(found, model.firstAttribute(moc, attribute)); },
         [&](Handle current, Handle* found) {
-            return model.attribute->getNextAttribute(current, found);
+            return stepTo(found, model.nextAttribute(current, *found));
         });
-    const ModelReader reader(modelRepository);
-    while (walk.more() && !sameText(reader.attributeName(walk.current()), name)) {
+    while (walk.more() && !sameText(attributeName(model, walk.current()), name)) {
         walk.advance();
     }
     attribute = walk.current();

@@ -105,7 +105,7 @@ private:
     OrvReturnT countValues(const VekMoAttributeValueContainer_3& value,
                            VekOamSpiMrMocHandle_4T target, int& count);
     OrvReturnT checkValueTypes(const VekMoAttributeValueContainer_3& value,
-                               const PermittedTypes& types, const char*& mocName);
+                               const PermittedTypes& types, const char*& lastName);
     void addUnknownTypeMessage(const char* dn);
 };
 

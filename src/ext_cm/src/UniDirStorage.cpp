@@ -3,9 +3,10 @@
 
 #include "UniDirStorage.h"
 
+#include "ModelReader.h"
 #include "OrvException.h"
 #include "messages/Tracing.h"
-#include "model/ModelAnswer.h"
+#include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
 
 #include <cstdint>
@@ -20,7 +21,6 @@ namespace {
 
 using Association = VekOamSpiMrUniDirAssociationHandle_4T;
 
-constexpr int dnLookupFlag = 1;
 constexpr int clientMessage = 1;
 
 /// The child under \p key, made if it is not there; the map owns it.
@@ -183,44 +183,33 @@ std::string outsideCardinality(std::string const& attribute, std::string const& 
 
 // The model's bounds are signed; they are held and compared as unsigned numbers, so that -1 stands
 // for a bound that no count exceeds.
-unsigned long long endBound(VekOamSpiModelRepository_4 const& repository,
-                            VekOamSpiMrAssociationEndHandle_4T end, int identifier) {
-    long long bound = 0;
-    throwUnlessOk(repository.associationEnd->getEndIntProperty(end, identifier, &bound),
-                  "Could not get int property");
-    return static_cast<unsigned long long>(bound);
+unsigned long long endBound(Orv::ModelReader const& model, VekOamSpiMrAssociationEndHandle_4T end,
+                            int identifier) {
+    return static_cast<unsigned long long>(
+        checked(model.endBound(end, identifier), "Could not get int property"));
 }
 
-UniDirStorage::NamedMoc endMoc(VekOamSpiModelRepository_4 const& repository,
+UniDirStorage::NamedMoc endMoc(Orv::ModelReader const& model,
                                VekOamSpiMrAssociationEndHandle_4T end) {
-    UniDirStorage::NamedMoc found;
-    throwUnlessOk(repository.associationEnd->getEndMoc(end, &found.moc), "Could not get moc");
-    VekOamSpiMrGeneralPropertiesHandle_4T properties = 0;
-    throwUnlessOk(repository.mocQueries->getMocGeneralProperties(found.moc, &properties),
-                  "Could not get general properties handle");
-    const char* name = nullptr;
-    throwUnlessOk(repository.generalProperties->getGeneralStringProperty(
-                      properties, VekOamSpiMrGeneralName_4, &name),
-                  "Could not get name from general properties handle");
-    found.name = name == nullptr ? "" : name;
-    return found;
+    VekOamSpiMrMocHandle_4T const moc = checked(model.endMoc(end), "Could not get moc");
+    VekOamSpiMrGeneralPropertiesHandle_4T const properties =
+        checked(model.mocProperties(moc), "Could not get general properties handle");
+    return {moc, textOrEmpty(checked(model.generalName(properties),
+                                     "Could not get name from general properties handle"))};
 }
 
-void insertEndOfName(VekOamSpiModelRepository_4 const& repository, Association association,
+void insertEndOfName(Orv::ModelReader const& model, Association association,
                      std::string const& name, std::set<UniDirStorage::AssocEnd>& ends) {
-    VekOamSpiMrAssociationEndHandle_4T end = 0;
-    throwUnlessOk(repository.uniDirAssociation->getUniDirEnd(association, &end),
-                  "Could not look up association end");
-    const char* endName = nullptr;
-    throwUnlessOk(
-        repository.associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &endName),
-        "Could not look up string property");
-    if (!isNamed(endName, name)) {
+    VekOamSpiMrAssociationEndHandle_4T const end =
+        checked(model.uniDirEnd(association), "Could not look up association end");
+    const char* const endName =
+        checked(model.endText(end, VekOamSpiMrEndName_4), "Could not look up string property");
+    if (!sameText(endName, name.c_str())) {
         return;
     }
-    UniDirStorage::NamedMoc const moc = endMoc(repository, end);
-    unsigned long long const lower = endBound(repository, end, VekOamSpiMrLowerBound_4);
-    unsigned long long const upper = endBound(repository, end, VekOamSpiMrUpperBound_4);
+    UniDirStorage::NamedMoc const moc = endMoc(model, end);
+    unsigned long long const lower = endBound(model, end, VekOamSpiMrLowerBound_4);
+    unsigned long long const upper = endBound(model, end, VekOamSpiMrUpperBound_4);
     ends.emplace(moc, lower, upper);
 }
 
@@ -243,29 +232,27 @@ bool UniDirStorage::UniDir::getRefCardinalites(
     std::string const& dn, std::map<NamedMoc, unsigned long long>& counts) const {
     bool result = true;
     for (std::string const& ref : refs) {
-        NamedMoc target;
-        OrvReturnT const code =
-            repository.dnLookup->getMocFromDn(ref.c_str(), dnLookupFlag, &target.moc);
-        if (code == OrvNotExist) {
+        auto const moc = Orv::ModelReader(repository).mocOfDn(ref.c_str());
+        if (moc.code == OrvNotExist) {
             addMessage(threadContext, notValidType(ref, name, dn));
             result = false;
             continue;
         }
-        throwUnlessOk(code, "Could not get moc from dn");
-        target.name = leafType(Dn(ref));
-        ++counts[target];
+        checked(moc, "Could not get moc from dn");
+        ++counts[{moc.value, leafType(Dn(ref))}];
     }
     return result;
 }
 
 void UniDirStorage::UniDir::getAssocEnds(VekOamSpiModelRepository_4 const& repository,
                                          std::set<AssocEnd>& ends) const {
-    auto walk = walkUntilNonZeroFrom(
-        ORV_TRACE_POINT, assocHandle, [&](Association current, Association* next) {
-            return repository.uniDirAssociation->getNextUniDirAssociation(current, next);
-        });
+    Orv::ModelReader const model(repository);
+    auto walk = walkUntilNonZeroFrom(ORV_TRACE_POINT, assocHandle,
+                                     [&](Association current, Association* next) {
+                                         return stepTo(next, model.nextUniDir(current));
+                                     });
     for (; walk.more(); walk.advance()) {
-        insertEndOfName(repository, walk.current(), name, ends);
+        insertEndOfName(model, walk.current(), name, ends);
     }
     if (walk.code() != OrvNotExist) {
         throwUnlessOk(walk.code(), "Could not get next uni dir association");

@@ -3,13 +3,14 @@
 
 #include "UniDirValidator.h"
 
+#include "HostFlag.h"
+#include "ModelReader.h"
 #include "OrvException.h"
 #include "Portal.h"
 #include "life/UnderLock.h"
 #include "messages/Tracing.h"
-#include "model/ModelAnswer.h"
+#include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
-#include "values/HostFlag.h"
 
 namespace OrvExtCmRouterService {
 
@@ -17,16 +18,11 @@ namespace {
 
 using Association = VekOamSpiMrUniDirAssociationHandle_4T;
 
-constexpr int dnLookupFlag = 1;
-
-const char* endName(VekOamSpiModelRepository_4 const& repository, Association association) {
-    VekOamSpiMrAssociationEndHandle_4T end = 0;
-    throwUnlessOk(repository.uniDirAssociation->getUniDirEnd(association, &end),
-                  "Failed to look up association end handle.");
-    const char* name = nullptr;
-    throwUnlessOk(repository.associationEnd->getEndStringProperty(end, VekOamSpiMrEndName_4, &name),
-                  "Failed to look up association end name.");
-    return name;
+const char* nameOfEnd(Orv::ModelReader const& model, Association association) {
+    VekOamSpiMrAssociationEndHandle_4T const end =
+        checked(model.uniDirEnd(association), "Failed to look up association end handle.");
+    return checked(model.endText(end, VekOamSpiMrEndName_4),
+                   "Failed to look up association end name.");
 }
 
 }
@@ -51,10 +47,10 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
         ORV_TRACE("Service is stopped");
         return;
     }
-    VekOamSpiMrMocHandle_4T moc = 0;
-    OrvReturnT const code = repository->dnLookup->getMocFromDn(dn.c_str(), dnLookupFlag, &moc);
-    if (code != OrvOk || moc == 0) {
-        ORV_LOG(4, "Failed to look up MOC. dn: %s, rc: %d", dn.c_str(), code);
+    auto const lookedUp = Orv::ModelReader(*repository).mocOfDn(dn.c_str());
+    VekOamSpiMrMocHandle_4T const moc = lookedUp.value;
+    if (lookedUp.code != OrvOk || moc == 0) {
+        ORV_LOG(4, "Failed to look up MOC. dn: %s, rc: %d", dn.c_str(), lookedUp.code);
         return;
     }
     try {
@@ -71,13 +67,12 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
 
 bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& attrName,
                                VekOamSpiMrUniDirAssociationHandle_4T* assocHandle) {
+    Orv::ModelReader const model(*repository);
     auto walk = walkUntilNonZero<Association>(
         ORV_TRACE_POINT,
-        [&](Association* first) {
-            return repository->mocQueries->getFirstUniDirAssociation(moc, first);
-        },
+        [&](Association* first) { return stepTo(first, model.firstUniDir(moc)); },
         [&](Association current, Association* next) {
-            return repository->uniDirAssociation->getNextUniDirAssociation(current, next);
+            return stepTo(next, model.nextUniDir(current));
         });
     if (walk.code() == OrvNotExist) {
         return false;
@@ -85,7 +80,7 @@ bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& a
     throwUnlessOk(walk.code(), "Failed to look up association handle");
     *assocHandle = walk.current();
     for (; walk.more(); walk.advance()) {
-        if (isNamed(endName(*repository, walk.current()), attrName)) {
+        if (sameText(nameOfEnd(model, walk.current()), attrName.c_str())) {
             return true;
         }
     }
@@ -128,7 +123,7 @@ OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
         ORV_LOG(4, "Got exception [%s] return code %d", exception.what(), code);
     }
     ORV_TRACE("Validate tx: %d result: %d return code: %d", static_cast<int>(txHandle),
-              byteOf(*result), code);
+              Orv::byteOf(*result), code);
     return code;
 }
 

@@ -9,68 +9,53 @@ namespace OrvHost {
 
 namespace {
 
-/// A function of the repository, and its name for messages.
-template <class Function>
-struct Entry {
-    const char* name;
-    Function function;
-};
+using Handle = unsigned long long;
 
-template <class SubTable, class Function>
-Entry<Function> entryOf(const SubTable* subTable, Function SubTable::*member, const char* name) {
-    if (!subTable || !(subTable->*member)) {
-        throw Orv::OrvException("The model repository has no entry %s.", name);
+[[noreturn]] void fail(const char* entry, OrvReturnT code) {
+    throw Orv::OrvException(code, "The model repository answered %s with code %d.", entry, code);
+}
+
+/// The value, or nothing if the code says "not there" or "end of the list".
+template <class Value>
+std::optional<Value> valueIfThere(const Orv::ModelAnswer<Value>& answer) {
+    if (!answer.isOffered) {
+        throw Orv::OrvException("The model repository has no entry %s.", answer.entry);
     }
-    return {name, subTable->*member};
-}
-
-[[noreturn]] void fail(const char* name, OrvReturnT code) {
-    throw Orv::OrvException(code, "The model repository answered %s with code %d.", name, code);
-}
-
-/// Calls a function of the table; returns nothing if the code says "not there" or "end of the
-/// list".
-template <class Result, class Function, class... Arguments>
-std::optional<Result> ask(const Entry<Function>& entry, Arguments... arguments) {
-    Result result{};
-    const OrvReturnT code = entry.function(arguments..., &result);
-    if (code == OrvNotExist) {
+    if (answer.code == OrvNotExist) {
         return std::nullopt;
     }
-    if (code != OrvOk) {
-        fail(entry.name, code);
+    if (answer.code != OrvOk) {
+        fail(answer.entry, answer.code);
     }
-    return result;
+    return answer.value;
 }
 
-/// Calls a function of the table that must have a result.
-template <class Result, class Function, class... Arguments>
-Result get(const Entry<Function>& entry, Arguments... arguments) {
-    const std::optional<Result> result = ask<Result>(entry, arguments...);
-    if (!result) {
-        fail(entry.name, OrvNotExist);
+/// The value, which must be there.
+template <class Value>
+Value valueOf(const Orv::ModelAnswer<Value>& answer) {
+    const std::optional<Value> value = valueIfThere(answer);
+    if (!value) {
+        fail(answer.entry, OrvNotExist);
     }
-    return *result;
+    return *value;
 }
 
-template <class Function, class... Arguments>
-std::string getText(const Entry<Function>& entry, Arguments... arguments) {
-    const char* text = get<const char*>(entry, arguments...);
-    return text ? text : "";
+std::string textOf(const Orv::ModelAnswer<const char*>& answer) {
+    const char* const text = valueOf(answer);
+    return text != nullptr ? text : "";
 }
 
-/// Walks a list: `first` is called with its owner, `next` with the previous handle and `more`.
-template <class First, class Next, class... More>
-std::vector<unsigned long long> listOf(const Entry<First>& first, const Entry<Next>& next,
-                                       unsigned long long owner, More... more) {
-    using Handle = unsigned long long;
+/// The whole list that begins with \p first; \p next steps on from a handle.
+template <class Next>
+std::vector<Handle> listOf(const Orv::ModelAnswer<Handle>& first, const Next& next) {
     std::vector<Handle> all;
-    std::optional<Handle> handle = ask<Handle>(first, owner);
+    std::optional<Handle> handle = valueIfThere(first);
     while (handle) {
         all.push_back(*handle);
-        handle = ask<Handle>(next, all.back(), more...);
+        const Orv::ModelAnswer<Handle> answer = next(all.back());
+        handle = valueIfThere(answer);
         if (handle == all.back()) {
-            throw Orv::OrvException("The model repository stands still in %s.", next.name);
+            throw Orv::OrvException("The model repository stands still in %s.", answer.entry);
         }
     }
     return all;
@@ -82,152 +67,96 @@ using Moc = RepositoryReader::Moc;
 using Attribute = RepositoryReader::Attribute;
 
 std::optional<Moc> RepositoryReader::findClass(const std::string& dn) const {
-    constexpr int kFlag = 1;
-    return ask<Moc>(entryOf(mTable.dnLookup, &VekOamSpiMrDnLookup_4::getMocFromDn, "getMocFromDn"),
-                    dn.c_str(), kFlag);
+    return valueIfThere(mModel.mocOfDn(dn.c_str()));
 }
 
 std::string RepositoryReader::nameOf(Properties properties) const {
-    return getText(entryOf(mTable.generalProperties,
-                           &VekOamSpiMrGeneralProperties_4::getGeneralStringProperty,
-                           "getGeneralStringProperty"),
-                   properties, VekOamSpiMrGeneralName_4);
+    return textOf(mModel.generalName(properties));
 }
 
 std::string RepositoryReader::nameOfClass(Moc moc) const {
-    return nameOf(get<Properties>(entryOf(mTable.mocQueries,
-                                          &VekOamSpiMrMocQueries_4::getMocGeneralProperties,
-                                          "getMocGeneralProperties"),
-                                  moc));
+    return nameOf(valueOf(mModel.mocProperties(moc)));
 }
 
 std::vector<Moc> RepositoryReader::childrenOf(Moc moc) const {
-    const auto child =
-        entryOf(mTable.containment, &VekOamSpiMrContainment_4::getContainedMoc, "getContainedMoc");
-    std::vector<Moc> children =
-        listOf(entryOf(mTable.mocQueries, &VekOamSpiMrMocQueries_4::getFirstContainment,
-                       "getFirstContainment"),
-               entryOf(mTable.containment, &VekOamSpiMrContainment_4::getNextContainment,
-                       "getNextContainment"),
-               moc);
+    std::vector<Moc> children = listOf(mModel.firstContainment(moc), [&](Handle current) {
+        return mModel.nextContainment(current);
+    });
     for (Moc& each : children) {
-        each = get<Moc>(child, each);
+        each = valueOf(mModel.containedMoc(each));
     }
     return children;
 }
 
 std::vector<Attribute> RepositoryReader::attributesOf(Moc moc) const {
-    return listOf(
-        entryOf(mTable.mocQueries, &VekOamSpiMrMocQueries_4::getFirstAttribute,
-                "getFirstAttribute"),
-        entryOf(mTable.attribute, &VekOamSpiMrAttribute_4::getNextAttribute, "getNextAttribute"),
-        moc);
+    return listOf(mModel.firstAttribute(moc),
+                  [&](Handle current) { return mModel.nextAttribute(current); });
 }
 
 std::vector<RepositoryReader::BiDir> RepositoryReader::biDirsOf(Moc moc) const {
-    return listOf(entryOf(mTable.mocQueries, &VekOamSpiMrMocQueries_4::getFirstBiDirAssociation,
-                          "getFirstBiDirAssociation"),
-                  entryOf(mTable.biDirAssociation,
-                          &VekOamSpiMrBiDirAssociation_4::getNextBiDirAssociation,
-                          "getNextBiDirAssociation"),
-                  moc, moc);
+    return listOf(mModel.firstBiDir(moc),
+                  [&](Handle current) { return mModel.nextBiDir(current, moc); });
 }
 
 std::vector<RepositoryReader::UniDir> RepositoryReader::uniDirsOf(Moc moc) const {
-    return listOf(entryOf(mTable.mocQueries, &VekOamSpiMrMocQueries_4::getFirstUniDirAssociation,
-                          "getFirstUniDirAssociation"),
-                  entryOf(mTable.uniDirAssociation,
-                          &VekOamSpiMrUniDirAssociation_4::getNextUniDirAssociation,
-                          "getNextUniDirAssociation"),
-                  moc);
+    return listOf(mModel.firstUniDir(moc),
+                  [&](Handle current) { return mModel.nextUniDir(current); });
 }
 
 std::string RepositoryReader::nameOfAttribute(Attribute attribute) const {
-    return nameOf(get<Properties>(entryOf(mTable.attribute,
-                                          &VekOamSpiMrAttribute_4::getAttributeGeneralProperties,
-                                          "getAttributeGeneralProperties"),
-                                  attribute));
+    return nameOf(valueOf(mModel.attributeProperties(attribute)));
 }
 
 Moc RepositoryReader::classOfAttribute(Attribute attribute) const {
-    return get<Moc>(
-        entryOf(mTable.attribute, &VekOamSpiMrAttribute_4::getAttributeMoc, "getAttributeMoc"),
-        attribute);
+    return valueOf(mModel.attributeMoc(attribute));
 }
 
 RepositoryReader::Type RepositoryReader::typeOf(Attribute attribute) const {
-    return get<Type>(
-        entryOf(mTable.attribute, &VekOamSpiMrAttribute_4::getAttributeType, "getAttributeType"),
-        attribute);
+    return valueOf(mModel.attributeType(attribute));
 }
 
 int RepositoryReader::typeCodeOf(Type type) const {
-    return get<int>(
-        entryOf(mTable.attributeType, &VekOamSpiMrAttributeType_4::getTypeCode, "getTypeCode"),
-        type);
+    return valueOf(mModel.typeCode(type));
 }
 
 long long RepositoryReader::boundOfType(Type type, int identifier) const {
-    return get<long long>(entryOf(mTable.attributeType,
-                                  &VekOamSpiMrAttributeType_4::getTypeIntProperty,
-                                  "getTypeIntProperty"),
-                          type, identifier);
+    return valueOf(mModel.typeBound(type, identifier));
 }
 
 Moc RepositoryReader::referencedClass(Type type) const {
-    return get<Moc>(entryOf(mTable.referenceType, &VekOamSpiMrReferenceType_4::getReferencedMoc,
-                            "getReferencedMoc"),
-                    type);
+    return valueOf(mModel.referencedMoc(type));
 }
 
 RepositoryReader::End RepositoryReader::firstEnd(BiDir association) const {
-    return get<End>(entryOf(mTable.biDirAssociation, &VekOamSpiMrBiDirAssociation_4::getFirstEnd,
-                            "getFirstEnd"),
-                    association);
+    return valueOf(mModel.firstEnd(association));
 }
 
 RepositoryReader::End RepositoryReader::secondEnd(BiDir association) const {
-    return get<End>(entryOf(mTable.biDirAssociation, &VekOamSpiMrBiDirAssociation_4::getSecondEnd,
-                            "getSecondEnd"),
-                    association);
+    return valueOf(mModel.secondEnd(association));
 }
 
 RepositoryReader::End RepositoryReader::endOf(UniDir association) const {
-    return get<End>(entryOf(mTable.uniDirAssociation, &VekOamSpiMrUniDirAssociation_4::getUniDirEnd,
-                            "getUniDirEnd"),
-                    association);
+    return valueOf(mModel.uniDirEnd(association));
 }
 
 Moc RepositoryReader::classOfEnd(End end) const {
-    return get<Moc>(
-        entryOf(mTable.associationEnd, &VekOamSpiMrAssociationEnd_4::getEndMoc, "getEndMoc"), end);
+    return valueOf(mModel.endMoc(end));
 }
 
 Attribute RepositoryReader::attributeOfEnd(End end) const {
-    return get<Attribute>(entryOf(mTable.associationEnd,
-                                  &VekOamSpiMrAssociationEnd_4::getEndAttribute, "getEndAttribute"),
-                          end);
+    return valueOf(mModel.endAttribute(end));
 }
 
 std::string RepositoryReader::textOfEnd(End end, int identifier) const {
-    return getText(entryOf(mTable.associationEnd,
-                           &VekOamSpiMrAssociationEnd_4::getEndStringProperty,
-                           "getEndStringProperty"),
-                   end, identifier);
+    return textOf(mModel.endText(end, identifier));
 }
 
 bool RepositoryReader::isKeptAtDelete(End end) const {
-    return get<bool>(entryOf(mTable.associationEnd,
-                             &VekOamSpiMrAssociationEnd_4::getEndBoolProperty,
-                             "getEndBoolProperty"),
-                     end, VekOamSpiMrEndKeepAtDelete_4);
+    return valueOf(mModel.endKeepsAtDelete(end));
 }
 
 long long RepositoryReader::boundOfEnd(End end, int identifier) const {
-    return get<long long>(entryOf(mTable.associationEnd,
-                                  &VekOamSpiMrAssociationEnd_4::getEndIntProperty,
-                                  "getEndIntProperty"),
-                          end, identifier);
+    return valueOf(mModel.endBound(end, identifier));
 }
 
 }

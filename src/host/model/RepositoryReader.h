@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_MODEL_REPOSITORYREADER_H
 #define ORV_HOST_MODEL_REPOSITORYREADER_H
 
+#include "ModelReader.h"
 #include "VekOamSpiModelRepository_4.h"
 
 #include <optional>
@@ -26,7 +27,7 @@ public:
     using Type = VekOamSpiMrTypeHandle_4T;
 
     /// `table` must outlive the reader.
-    explicit RepositoryReader(const VekOamSpiModelRepository_4& table) : mTable(table) {}
+    explicit RepositoryReader(const VekOamSpiModelRepository_4& table) : mModel(table) {}
 
     /// The class of the object that an internal DN names.
     std::optional<Moc> findClass(const std::string& dn) const;
@@ -59,7 +60,7 @@ private:
 
     std::string nameOf(Properties properties) const;
 
-    const VekOamSpiModelRepository_4& mTable;
+    Orv::ModelReader mModel;
 };
 
 }

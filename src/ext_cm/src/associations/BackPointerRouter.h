@@ -4,10 +4,10 @@
 #ifndef ORV_EXT_CM_BACKPOINTERROUTER_H
 #define ORV_EXT_CM_BACKPOINTERROUTER_H
 
+#include "HostFlag.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "OrvReturn.h"
-#include "values/HostFlag.h"
 #include "values/ReadResult.h"
 
 namespace OrvExtCmRouterService {
@@ -25,7 +25,7 @@ public:
         bool answer = false;
         const OrvReturnT code =
             mTable != nullptr ? mTable->existsMo(txHandle, dn, &answer) : OrvFailure;
-        found = isSet(answer);
+        found = Orv::isSet(answer);
         return code;
     }
 

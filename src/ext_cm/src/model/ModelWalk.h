@@ -4,6 +4,7 @@
 #ifndef ORV_EXT_CM_MODELWALK_H
 #define ORV_EXT_CM_MODELWALK_H
 
+#include "ModelReader.h"
 #include "OrvReturn.h"
 #include "messages/Tracing.h"
 
@@ -29,6 +30,13 @@
 /// stand there many times over; withoutRepeats leaves one of each.
 
 namespace OrvExtCmRouterService {
+
+/// The end of a step: what the repository answered goes to \p found. Gives back its code.
+template <class Handle>
+OrvReturnT stepTo(Handle* found, const Orv::ModelAnswer<Handle>& answer) {
+    *found = answer.value;
+    return answer.code;
+}
 
 /// Counts the steps of one walk for the operation at \p point.
 class StepLimit {

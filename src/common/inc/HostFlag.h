@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_EXT_CM_HOSTFLAG_H
-#define ORV_EXT_CM_HOSTFLAG_H
+#ifndef ORV_COMMON_HOSTFLAG_H
+#define ORV_COMMON_HOSTFLAG_H
 
 #include <cstring>
 
-namespace OrvExtCmRouterService {
+namespace Orv {
 
 /// The byte of a flag that a host, or nobody, has written to. Other bytes than 0 and 1 may stand
 /// there, which must not be read as a `bool`.
