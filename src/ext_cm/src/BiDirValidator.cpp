@@ -6,8 +6,8 @@
 #include "HostFlag.h"
 #include "OwnedResult.h"
 #include "Portal.h"
-#include "messages/MessageText.h"
 #include "messages/Tracing.h"
+#include "messages/Violation.h"
 #include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
 #include "values/ReadResult.h"
@@ -20,7 +20,6 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-constexpr int messageKind = 1;
 constexpr const char* anyClass = "ManagedObject";
 
 void traceReadFailure(const TracePoint& operation, const char* dn, const char* attribute,
@@ -110,7 +109,7 @@ BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const
                                               OrvReturnT& code) {
     const auto lookedUp = Orv::ModelReader(*modelRepository).mocOfDn(dn);
     if (lookedUp.code != OrvOk) {
-        addUnknownTypeMessage(dn);
+        addThreadContextMessage(unknownType(dn).text());
         code = OrvValidationFailed;
         return Outcome::Refused;
     }
@@ -150,9 +149,7 @@ OrvReturnT BiDirValidator::attrMultiplicityCheck(const char* dn, VekOamSpiMrMocH
     getAttributeFromMoc(moc, attribute, handle);
     const VekOamSpiMrTypeHandle_4T type = model.attributeType(handle).value;
     if (!isReference(model, type)) {
-        MessageText message;
-        message << "Attribute " << attribute << " in " << dn << " is not a MO ref.";
-        addThreadContextMessage(message.text());
+        addThreadContextMessage(notAReference(attribute, dn).text());
         return OrvValidationFailed;
     }
     const long long lower = model.typeBound(type, VekOamSpiMrLowerBound_4).value;
@@ -160,10 +157,7 @@ OrvReturnT BiDirValidator::attrMultiplicityCheck(const char* dn, VekOamSpiMrMocH
     if (lower <= count && count <= upper) {
         return OrvOk;
     }
-    MessageText message;
-    message << "Multiplicity of attribute " << attribute << " in " << dn << " is not in range ("
-            << lower << ".." << upper << ").";
-    addThreadContextMessage(message.text());
+    addThreadContextMessage(outsideMultiplicity(attribute, dn, lower, upper).text());
     return OrvValidationFailed;
 }
 
@@ -181,7 +175,8 @@ BiDirValidator::judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc,
         if (!sameText(model.endText(far, VekOamSpiMrEndName_4).value, attribute)) {
             continue;
         }
-        const VekOamSpiMrMocHandle_4T target = model.attributeMoc(model.endAttribute(near).value).value;
+        const VekOamSpiMrMocHandle_4T target =
+            model.attributeMoc(model.endAttribute(near).value).value;
         permitted.push_back(target);
         int count = 0;
         OrvReturnT code = countValues(value, target, count);
@@ -201,7 +196,7 @@ OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& val
     for (std::uint32_t i = 0; i < value.count; ++i) {
         const auto moc = model.mocOfDn(value.values[i].moRef);
         if (moc.code != OrvOk) {
-            addUnknownTypeMessage(value.values[i].moRef);
+            addThreadContextMessage(unknownType(value.values[i].moRef).text());
             return OrvValidationFailed;
         }
         count += moc.value == target ? 1 : 0;
@@ -220,10 +215,7 @@ OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
     if (lower <= count && count <= upper) {
         return OrvOk;
     }
-    MessageText message;
-    message << "Attribute " << name << " in " << dn << " contains " << count << " " << counted
-            << " which is not within cardinality range (" << lower << ".." << upper << ").";
-    addThreadContextMessage(message.text());
+    addThreadContextMessage(outsideCardinality(name, dn, count, counted, lower, upper).text());
     return OrvValidationFailed;
 }
 
@@ -244,10 +236,7 @@ OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attrib
     const OrvReturnT code =
         checkValueTypes(ReadResult::valueOf(*result), {declared, any, permitted}, lastName);
     if (code != OrvOk) {
-        MessageText message;
-        message << lastName << " is not a valid type for attribute " << attribute << " in " << dn
-                << ".";
-        addThreadContextMessage(message.text());
+        addThreadContextMessage((notAValidType(lastName, attribute, dn) << ".").text());
     }
     return code;
 }
@@ -265,7 +254,7 @@ OrvReturnT BiDirValidator::checkValueTypes(const VekMoAttributeValueContainer_3&
         const auto moc = model.mocOfDn(reference);
         code = moc.code;
         if (code != OrvOk) {
-            addUnknownTypeMessage(reference);
+            addThreadContextMessage(unknownType(reference).text());
             continue;
         }
         lastName = mocName(model, moc.value);
@@ -305,21 +294,15 @@ void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char
 // ---------------------------------------------------------------------------------------------
 // Messages
 
-void BiDirValidator::addUnknownTypeMessage(const char* dn) {
-    MessageText message;
-    message << dn << " does not correspond to a valid MO type.";
-    addThreadContextMessage(message.text());
-}
-
 void BiDirValidator::addThreadContextMessage(const std::string& message) {
     if (threadContext == nullptr) {
         ORV_LOG(3, "ExtCm ThreadContext is null");
         return;
     }
-    const OrvReturnT code = threadContext->addMessage(messageKind, message.c_str());
+    const bool isTaken = giveToClient(*threadContext, message);
     ORV_TRACE("%s", message.c_str());
-    if (code != OrvOk) {
-        ORV_LOG(4, "Failed to add message to thread context. Message: [%s]", message.c_str());
+    if (!isTaken) {
+        logNotTaken(ORV_TRACE_POINT, message);
     }
 }
 

@@ -106,7 +106,6 @@ private:
                            VekOamSpiMrMocHandle_4T target, int& count);
     OrvReturnT checkValueTypes(const VekMoAttributeValueContainer_3& value,
                                const PermittedTypes& types, const char*& lastName);
-    void addUnknownTypeMessage(const char* dn);
 };
 
 }

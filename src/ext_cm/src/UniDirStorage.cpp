@@ -6,6 +6,7 @@
 #include "ModelReader.h"
 #include "OrvException.h"
 #include "messages/Tracing.h"
+#include "messages/Violation.h"
 #include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
 
@@ -20,8 +21,6 @@ namespace OrvExtCmRouterService {
 namespace {
 
 using Association = VekOamSpiMrUniDirAssociationHandle_4T;
-
-constexpr int clientMessage = 1;
 
 /// The child under \p key, made if it is not there; the map owns it.
 template <class Node>
@@ -169,16 +168,11 @@ std::string leafType(UniDirStorage::Dn const& dn) {
     return dn.empty() ? std::string() : dn.back().first;
 }
 
-std::string notValidType(std::string const& what, std::string const& attribute,
-                         std::string const& dn) {
-    return what + " is not a valid type for attribute " + attribute + " in " + dn;
-}
-
-std::string outsideCardinality(std::string const& attribute, std::string const& dn,
+std::string cardinalityMessage(std::string const& attribute, std::string const& dn,
                                unsigned long long count, UniDirStorage::AssocEnd const& end) {
-    return "Attribute " + attribute + " in " + dn + " contains " + std::to_string(count) + " " +
-           end.name + " which is not within cardinality range (" + std::to_string(end.min) + ".." +
-           std::to_string(end.max) + ").";
+    return outsideCardinality(attribute.c_str(), dn.c_str(), count, end.name.c_str(), end.min,
+                              end.max)
+        .text();
 }
 
 // The model's bounds are signed; they are held and compared as unsigned numbers, so that -1 stands
@@ -234,7 +228,7 @@ bool UniDirStorage::UniDir::getRefCardinalites(
     for (std::string const& ref : refs) {
         auto const moc = Orv::ModelReader(repository).mocOfDn(ref.c_str());
         if (moc.code == OrvNotExist) {
-            addMessage(threadContext, notValidType(ref, name, dn));
+            addMessage(threadContext, notAValidType(ref.c_str(), name.c_str(), dn.c_str()).text());
             result = false;
             continue;
         }
@@ -269,16 +263,17 @@ bool UniDirStorage::UniDir::validate(VekOamSpiModelRepository_4 const& repositor
     for (auto const& [target, count] : counts) {
         auto const end = ends.find(AssocEnd(target));
         if (end == ends.end()) {
-            addMessage(threadContext, notValidType(target.name, name, dn));
+            addMessage(threadContext,
+                       notAValidType(target.name.c_str(), name.c_str(), dn.c_str()).text());
             result = false;
         } else if (count < end->min || count > end->max) {
-            addMessage(threadContext, outsideCardinality(name, dn, count, *end));
+            addMessage(threadContext, cardinalityMessage(name, dn, count, *end));
             result = false;
         }
     }
     for (AssocEnd const& end : ends) {
         if (end.min != 0 && counts.find(end) == counts.end()) {
-            addMessage(threadContext, outsideCardinality(name, dn, 0, end));
+            addMessage(threadContext, cardinalityMessage(name, dn, 0, end));
             result = false;
         }
     }
@@ -289,8 +284,8 @@ bool UniDirStorage::UniDir::validate(VekOamSpiModelRepository_4 const& repositor
 void UniDirStorage::UniDir::addMessage(VekMgmtSpiThreadContext_2& threadContext,
                                        std::string const& message) const {
     ORV_TRACE("Adding message to thread context: [%s]", message.c_str());
-    if (threadContext.addMessage(clientMessage, message.c_str()) != OrvOk) {
-        ORV_LOG(4, "Failed to add message to thread context. Message: [%s]", message.c_str());
+    if (!giveToClient(threadContext, message)) {
+        logNotTaken(ORV_TRACE_POINT, message);
     }
 }
 

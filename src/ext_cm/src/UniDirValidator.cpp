@@ -69,8 +69,7 @@ bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& a
                                VekOamSpiMrUniDirAssociationHandle_4T* assocHandle) {
     Orv::ModelReader const model(*repository);
     auto walk = walkUntilNonZero<Association>(
-        ORV_TRACE_POINT,
-        [&](Association* first) { return stepTo(first, model.firstUniDir(moc)); },
+        ORV_TRACE_POINT, [&](Association* first) { return stepTo(first, model.firstUniDir(moc)); },
         [&](Association current, Association* next) {
             return stepTo(next, model.nextUniDir(current));
         });
