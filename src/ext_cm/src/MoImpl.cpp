@@ -35,15 +35,14 @@ bool canBePassed(const OrvMoAttributeValueContainer& parameter) {
     return isReadable(parameter);
 }
 
-// The id may be without a value here, or hold no text: either is answered with a code of its own.
+// Unlike in version 3, a value must be there. The id may be without one all the same: that is
+// answered with a code of its own.
 bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
     if (attrName == nullptr) {
         return false;
     }
-    if (isNetworkManagedElementId(attrName) && idSlotOf(value).text == nullptr) {
-        return true;
-    }
-    return value != nullptr && isReadable(*value);
+    const bool isIdWithoutValue = isNetworkManagedElementId(attrName) && !idSlotOf(value).isSet;
+    return isIdWithoutValue || (value != nullptr && isReadableAs(attrName, *value));
 }
 
 }
@@ -128,8 +127,8 @@ OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const 
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }
-    *result = isRootId(attrName, dn) && isOneText(*result) ? rootIdContainer(*result, txHandle)
-                                                           : toExternal(*result, txHandle);
+    *result = holdsRootId(attrName, dn, *result) ? rootIdContainer(*result, txHandle)
+                                                 : toExternal(*result, txHandle);
     return ORV_TRACE_RESULT(OrvOk);
 }
 
@@ -183,7 +182,7 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
     return ORV_TRACE_RESULT(code);
 }
 
-/// Makes the records of a struct that is rebuilt, in the memory of the transaction.
+/// Makes the values of a struct that is rebuilt, in the memory of the transaction.
 class MoImpl::CopyMaker {
 public:
     using Container = OrvMoAttributeValueContainer;
@@ -191,12 +190,6 @@ public:
     CopyMaker(MoImpl& owner, Orv::AutoMemory& memory, IdMappings::DnConversion direction,
               unsigned long txHandle)
         : mOwner(owner), mMemory(memory), mDirection(direction), mTxHandle(txHandle) {}
-
-    OrvMoStructMember* newMember(const char* name) {
-        auto* const member = mMemory.malloc<OrvMoStructMember>(1);
-        member->name = mMemory.strdup(name);
-        return member;
-    }
 
     Container* convert(const Container* original, OrvMoAttributeValue*& slots) {
         if (original->type == OrvMoAttributeTypeMoRef_3) {
@@ -256,10 +249,11 @@ MoImpl::transformStructContainer(const OrvMoAttributeValueContainer* value,
     if (!isStructWithReferences(*value)) {
         return unchanged(value);
     }
-    CopyMaker maker(*this, *getTxData(txHandle), direction, txHandle);
+    Orv::AutoMemory& memory = *getTxData(txHandle);
+    CopyMaker maker(*this, memory, direction, txHandle);
     OrvMoAttributeValue* slots = nullptr;
     OrvMoAttributeValueContainer* const converted = maker.convert(value, slots);
-    StructConversion<CopyMaker>(maker).rebuild(*value, slots);
+    StructConversion<CopyMaker>(maker, memory).rebuild(*value, slots);
     return converted;
 }
 

@@ -33,14 +33,6 @@ bool isDefaultNamingAttribute(const char* className, const char* attrName) {
     return defaultName == attrName;
 }
 
-std::size_t lengthOf(OrvMoAttributeValueContainer_3* const* containers) {
-    std::size_t length = 0;
-    while (containers[length] != nullptr) {
-        ++length;
-    }
-    return length;
-}
-
 // In one piece of memory, whatever the number of pieces.
 std::string joined(std::initializer_list<std::string_view> pieces) {
     std::size_t length = 0;
@@ -324,7 +316,7 @@ void MoImpl3::wrap(OrvMoAttributeValueResult_3& result) {
 ConvertedResultData* MoImpl3::createConvertedData(const char* dn, const char* attrName,
                                                   OrvMoAttributeValueResult_3& result) {
     auto view = std::make_unique<ConvertedResultData>(result.release, result.container);
-    if (isRootId(attrName, dn) && isOneText(result.container)) {
+    if (holdsRootId(attrName, dn, result.container)) {
         const std::string id = externalRootId(idMappings, view->originalValue(0).string);
         view->ownValues()[0].string = view->strdup(id.c_str());
     } else {

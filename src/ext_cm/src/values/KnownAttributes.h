@@ -73,6 +73,13 @@ bool isOneText(const Container* value) {
            value->values != nullptr && value->values[0].string != nullptr;
 }
 
+/// True if \p value, which may be null, was read as the id of the root, so that a client must get
+/// the id that it knows the root by. \p dn is external.
+template <class Container>
+bool holdsRootId(const char* attrName, const char* dn, const Container* value) {
+    return isRootId(attrName, dn) && isOneText(value);
+}
+
 /// The id by which clients know the root, for the router's \p id. Empty if it has none.
 std::string externalRootId(const IdMappings& mappings, const char* id);
 

@@ -4,6 +4,8 @@
 #ifndef ORV_EXT_CM_STRUCTCONVERSION_H
 #define ORV_EXT_CM_STRUCTCONVERSION_H
 
+#include "AutoMemory.h"
+
 #include <cstdint>
 #include <type_traits>
 #include <vector>
@@ -14,14 +16,15 @@ namespace OrvExtCmRouterService {
 /// order and each with all that is nested in it before the next. Does so without recursion: the
 /// depth is the producer's to choose, and the host's threads may have little stack.
 ///
-/// \p Maker makes the records of its version:
+/// \p Maker makes the values of its version:
 ///
 ///     using Container = ...;
-///     Member* newMember(const char* name);             // zeroed but for a copy of the name
 ///     Container* convert(Container* original, Slot*& slots);
 ///
 /// convert gives what takes the place of a member's value, which may be null where the version
 /// permits it. For a struct that must be rebuilt it also gives the zeroed slots to rebuild it into.
+///
+/// The members themselves, with copies of their names, are made here.
 template <class Maker>
 class StructConversion {
 public:
@@ -29,7 +32,8 @@ public:
     using Slot = std::remove_pointer_t<decltype(Container::values)>;
     using Member = std::remove_pointer_t<decltype(Slot::structValue)>;
 
-    explicit StructConversion(Maker& maker) : mMaker(maker) {}
+    /// \p memory will own the members.
+    StructConversion(Maker& maker, Orv::AutoMemory& memory) : mMaker(maker), mMemory(memory) {}
 
     /// Rebuilds all values of \p original, at least one, into \p slots.
     void rebuild(const Container& original, Slot* slots) {
@@ -68,7 +72,8 @@ private:
 
     void rebuildNext(Level& level) {
         const Member& original = *level.next;
-        Member* const rebuilt = mMaker.newMember(original.name);
+        auto* const rebuilt = mMemory.malloc<Member>(1);
+        rebuilt->name = mMemory.strdup(original.name);
         *level.link = rebuilt;
         level.link = &rebuilt->next;
         level.next = original.next;
@@ -80,6 +85,7 @@ private:
     }
 
     Maker& mMaker;
+    Orv::AutoMemory& mMemory;
     std::vector<Level> mLevels;
 };
 

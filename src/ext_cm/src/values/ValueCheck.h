@@ -6,6 +6,8 @@
 
 #include "OrvMoAttributeValue.h"
 
+#include <cstddef>
+
 namespace OrvExtCmRouterService {
 
 /// True if everything is there that a conversion of \p value reads: the slots of references and of
@@ -34,6 +36,16 @@ bool allOf(Record* const* records, const Predicate& holds) {
         }
     }
     return true;
+}
+
+/// How many \p records there are before the null pointer that ends them.
+template <class Record>
+std::size_t lengthOf(Record* const* records) {
+    std::size_t length = 0;
+    while (records[length] != nullptr) {
+        ++length;
+    }
+    return length;
 }
 
 /// True if \p value holds structs and the first one has a member that is a reference. The others,

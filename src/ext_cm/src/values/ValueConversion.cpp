@@ -13,7 +13,7 @@ namespace OrvExtCmRouterService {
 
 ValueConversion::ValueConversion(const IdMappings& mappings) : mMappings(mappings) {}
 
-/// Makes the records of a struct that is rebuilt for the view \p root. All belong to the root: a
+/// Makes the values of a struct that is rebuilt for the view \p root. All belong to the root: a
 /// view that belonged to the one around it would be destroyed by recursion over the depth of the
 /// value.
 class ValueConversion::NestedMaker {
@@ -23,12 +23,6 @@ public:
     NestedMaker(const ValueConversion& conversion, ConvertedResultData& root,
                 IdMappings::DnConversion direction)
         : mConversion(conversion), mRoot(root), mDirection(direction) {}
-
-    OrvMoStructMember_3* newMember(const char* name) {
-        auto* const member = mRoot.malloc<OrvMoStructMember_3>(1);
-        member->name = mRoot.strdup(name);
-        return member;
-    }
 
     Container* convert(Container* original, OrvMoAttributeValue_3*& slots) {
         ConvertedResultData& nested = mRoot.addNested(original);
@@ -75,16 +69,12 @@ void ValueConversion::transformStructContainer(ConvertedResultData& view,
                                                IdMappings::DnConversion direction) const {
     const OrvMoAttributeValueContainer_3 original = view; // its slots are those of the producer
     NestedMaker maker(*this, view, direction);
-    StructConversion<NestedMaker>(maker).rebuild(original, view.ownValues());
+    StructConversion<NestedMaker>(maker, view).rebuild(original, view.ownValues());
 }
 
 ValueConversion::NamedAttribute** ValueConversion::newArrayFor(NamedAttribute* const* attributes,
                                                                Orv::AutoMemory& memory) {
-    unsigned int count = 0;
-    while (attributes[count] != nullptr) {
-        ++count;
-    }
-    return memory.malloc<NamedAttribute*>(count + 1);
+    return memory.malloc<NamedAttribute*>(static_cast<unsigned int>(lengthOf(attributes)) + 1);
 }
 
 ValueConversion::NamedAttribute* ValueConversion::toInternal(NamedAttribute& attribute,
