@@ -92,18 +92,12 @@ OrvReturnT MoImpl3::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 }
 
 OrvReturnT MoImpl3::start(OrvStateChangeReason) {
-    ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter(portal, OrvOamSpiManagedObject_3_RouterId, router, started)) {
-        ORV_LOG(3, "Could not lookup cmrouterservice");
-        return ORV_TRACE_RESULT(OrvFailure);
-    }
-    return ORV_TRACE_RESULT(OrvOk);
+    return startService(ORV_TRACE_POINT, portal, OrvOamSpiManagedObject_3_RouterId, router,
+                        started);
 }
 
 OrvReturnT MoImpl3::stop(OrvStateChangeReason) {
-    ORV_TRACE_ENTRY(" >> ");
-    letGoOfRouter(mMutex, router, started);
-    return ORV_TRACE_RESULT(OrvOk);
+    return stopService(ORV_TRACE_POINT, mMutex, router, started);
 }
 
 OrvOamSpiManagedObject_3* MoImpl3::getMoInterface() {

@@ -73,18 +73,12 @@ OrvReturnT MoImpl3_1::init(OrvMgmtSpiInterfacePortal_1* hostPortal,
 }
 
 OrvReturnT MoImpl3_1::start(OrvStateChangeReason) {
-    ORV_TRACE_ENTRY(" >> ");
-    if (!takeRouter(portal, VekOamSpiManagedObject_3_1_RouterId, router, started)) {
-        ORV_LOG(3, "Could not lookup cmrouterservice");
-        return ORV_TRACE_RESULT(OrvFailure);
-    }
-    return ORV_TRACE_RESULT(OrvOk);
+    return startService(ORV_TRACE_POINT, portal, VekOamSpiManagedObject_3_1_RouterId, router,
+                        started);
 }
 
 OrvReturnT MoImpl3_1::stop(OrvStateChangeReason) {
-    ORV_TRACE_ENTRY(" >> ");
-    letGoOfRouter(mMutex, router, started);
-    return ORV_TRACE_RESULT(OrvOk);
+    return stopService(ORV_TRACE_POINT, mMutex, router, started);
 }
 
 VekOamSpiManagedObject_3_1* MoImpl3_1::getMoInterface() {
