@@ -18,16 +18,13 @@ set_target_properties(orv_common PROPERTIES EXPORT_NAME common)
 install(TARGETS orv_spi orv_templates orv_common ext_cm
   EXPORT OrvExtCmTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  PUBLIC_HEADER DESTINATION "${include_dir}")
 
 foreach(directory IN ITEMS src/spi src/common/inc src/orv_common/inc)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${include_dir}"
     FILES_MATCHING PATTERN "*.h")
 endforeach()
-install(FILES
-  "${PROJECT_SOURCE_DIR}/src/ext_cm/src/ExtCmInterceptorRepository.h"
-  "${PROJECT_SOURCE_DIR}/src/ext_cm/src/MoInterceptorBase.h"
-  DESTINATION "${include_dir}")
 
 install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}")
 configure_package_config_file(
