@@ -62,7 +62,7 @@ public:
         return static_cast<T*>(enter(std::calloc(count, sizeof(T))));
     }
 
-    /// A copy of \p text, which is not null, owned by this object. Failures as above.
+    /// A copy of \p text, which is not null, owned by this object. Failures: see malloc.
     char* strdup(const char* text) { return static_cast<char*>(enter(::strdup(text))); }
 
     /// Takes over \p object, which may be null: it is deleted with this object, or at once if it
@@ -76,7 +76,7 @@ public:
     }
 
 private:
-    // The list node may fail to come by; the block must not be lost with it.
+    // The list node may find no memory; the block must not be lost then.
     void* enter(void* block) {
         try {
             mallocs.push_back(block);

@@ -8,8 +8,8 @@
 
 namespace Orv {
 
-/// The byte of a flag that a host, or nobody, has written to. Other bytes than 0 and 1 may stand
-/// there, which must not be read as a `bool`.
+/// The byte of a flag that a host may have written to. Other bytes than 0 and 1 may stand there,
+/// which must not be read as a `bool`.
 inline unsigned char byteOf(const bool& flag) {
     unsigned char byte = 0;
     static_assert(sizeof(byte) == sizeof(flag));

@@ -22,7 +22,7 @@ struct ModelAnswer {
 };
 
 /// The model repository's functions with types: each operation makes one call and gives back all
-/// that came of it. What a code means is for the caller to say, since callers differ: one takes
+/// that came of it. What a code means, the caller decides, since callers differ: one takes
 /// handles that come from the model to be good and goes on with the value, another must not go on
 /// after any failure.
 ///

@@ -33,8 +33,8 @@
 
 namespace Orv {
 
-/// The boundary of a component: runs \p call and answers OrvFailure for any std::exception, without
-/// a word. Whatever else is thrown passes.
+/// The boundary of a component: runs \p call and answers OrvFailure for any std::exception, which
+/// it does not report. All else that is thrown passes.
 template <class Call>
 OrvReturnT shielded(Call&& call) {
     try {

@@ -23,7 +23,7 @@ namespace Orv {
 /// A host must attach its lookup before it starts a component. Nothing does that by itself, and
 /// ext_cm finds the model, the thread context and one of its routers only here: OrvHostGuide.h, 2.
 ///
-/// The cache goes by the type of the table, not by identity: while it is valid the first answer for
+/// The cache knows the type of the table, not the identity: while it is valid the first answer for
 /// a type stands for all identities of that type. It outlives the stop of a component.
 ///
 /// Conventions: OrvConventions.h.

@@ -25,9 +25,8 @@ namespace {
 
 constexpr int childLookupLimit = 60;
 
-// A router that reports a child of every MO that it is asked about would lead down for ever, and
-// one that reports two would lead to more MOs than can be visited. No network has so many levels or
-// MOs.
+// A router that reports a child of every MO would lead down without end, and one that reports two
+// would lead to more MOs than can be visited. No network has so many levels or MOs.
 constexpr std::size_t deepestSubtree = 10000;
 constexpr std::size_t largestSubtree = 10000000;
 
@@ -100,7 +99,7 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
     const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
     const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
     const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
-    model.endMoc(second); // not needed, but part of the sequence that hosts know
+    model.endMoc(second); // not needed, but part of the calls that hosts know
     end = firstMoc == moc ? first : second;
     return OrvOk;
 }
@@ -108,7 +107,7 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
 // An attribute is named after the end that it points at, so the near end is the one with the other
 // name. Where both ends of an association between two classes carry one name, that does not tell
 // them apart and the second end is the answer, even if the first one lies at the class. Models give
-// such ends different names; a better guess here would part from what they are written for.
+// such ends different names, and rely on this rule for all others.
 OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const char* attributeName,
                                           VekOamSpiMrBiDirAssociationHandle_4T association,
                                           VekOamSpiMrAssociationEndHandle_4T& end) {
@@ -116,7 +115,7 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const cha
     const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
     const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
     const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
-    model.endMoc(second); // as above
+    model.endMoc(second); // not needed, but part of the calls that hosts know
     const char* const firstName = endName(model, first);
     ORV_TRACE("First association end attribute name is %s", textOrEmpty(firstName));
     end = firstMoc == moc && !sameText(firstName, attributeName) ? first : second;
@@ -139,6 +138,9 @@ void BiDirUtils::getMoRefDiff(const VekMoAttributeValueContainer_3* newValue,
     }
 }
 
+// The attribute is written also if the DN does not stand in it: with the write it is recorded for
+// validation, which must see every far side of a removed reference. Only the first of several equal
+// DNs goes, since each stands for a reference of its own.
 void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* targetDn,
                                          const char* dnToRemove,
                                          VekOamSpiMrAssociationEndHandle_4T end,
@@ -163,6 +165,8 @@ void BiDirUtils::removeMoFromBackPointer(unsigned long txHandle, const char* tar
     setMoAttr(txHandle, std::move(values), targetDn, backPointer);
 }
 
+// The lock is held from the question to the write or the queueing, so that the two stores see the
+// edit as one step. The write takes it once more, which is why the mutex is recursive.
 void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn,
                                     const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
                                     const char* sourceAttribute) {
@@ -177,6 +181,8 @@ void BiDirUtils::addMoToBackPointer(unsigned long txHandle, const char* targetDn
     });
 }
 
+// It is not tested whether the DN is there already: a client that writes both sides of an
+// association itself gets it twice, and the validation counts it twice.
 void BiDirUtils::extendBackPointer(const TracePoint& operation, unsigned long txHandle,
                                    const char* targetDn, const char* dnToAdd,
                                    const char* backPointer) {
@@ -226,6 +232,8 @@ OrvReturnT BiDirUtils::writeBackPointer(const TracePoint& operation, unsigned lo
 // ---------------------------------------------------------------------------------------------
 // A written reference attribute
 
+// What has come and gone is found by comparing with the value that the router still holds. A read
+// that fails therefore ends the operation: without the old value nothing can be compared.
 OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const char* dn,
                                                    const char* attributeName,
                                                    const VekMoAttributeValueContainer_3* newValue,
@@ -264,6 +272,8 @@ OrvReturnT BiDirUtils::updateBackPointersForModify(unsigned long txHandle, const
             code = editFarSides(source, moc, bidir, toAdd, toRemove, code);
         }
     }
+    // Also if no association is realised by this attribute: the validation judges its count and its
+    // classes all the same. By now the old value is released.
     underLock(mMutex, [&] { addUpdatedBp(txHandle, dn, attributeName); });
     return code;
 }
@@ -317,7 +327,7 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
         return OrvFailure;
     }
     const TracePoint operation = ORV_TRACE_POINT;
-    std::list<MoToLeave> path; // from the deleted MO down to the one in hand
+    std::list<MoToLeave> path; // from the deleted MO down to the current one
     const OrvReturnT code = descend(operation, txHandle, dn, path);
     std::size_t visited = 0;
     bool isCutOff = false;
@@ -401,7 +411,7 @@ OrvReturnT BiDirUtils::updateBackpointers(unsigned long txHandle, const char* dn
 }
 
 /// An MO of a class that is associated with itself stands on both sides, with an attribute for
-/// each: a second pass, with the ends the other way round, cleans up after the other attribute.
+/// each: a second pass, with the two ends exchanged, cleans up after the other attribute.
 void BiDirUtils::leaveAssociation(const TracePoint& operation, unsigned long txHandle,
                                   const char* dn, VekOamSpiMrMocHandle_4T moc,
                                   VekOamSpiMrBiDirAssociationHandle_4T bidir) {
@@ -433,7 +443,7 @@ void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHand
         traceReadFailure(operation, code, attribute, dn);
         return;
     }
-    endName(model, near); // as above: the edit asks for the name itself
+    endName(model, near); // not needed: the edit asks for the name itself, but hosts know this call
     const VekMoAttributeValueContainer_3& references = result.references();
     for (std::uint32_t i = 0; i < references.count; ++i) {
         const char* const target = references.values[i].moRef;
@@ -466,8 +476,8 @@ OrvReturnT BiDirUtils::updatePendingBackPointer(unsigned long txHandle, const st
     });
 }
 
-// What is to be applied is settled beforehand: an edit whose target cannot be seen after all is
-// queued again under the same key, and must not be met by the walk that queued it.
+// The records to apply are listed first: an edit whose target cannot be seen after all is queued
+// again under the same key, and the walk that queued it must not meet it.
 void BiDirUtils::applyWaiting(unsigned long txHandle, const std::string& key,
                               const char* attribute) {
     for (const PendingAdditions::Record record : mPending.activeRecords(txHandle, key)) {
@@ -480,7 +490,7 @@ void BiDirUtils::applyWaiting(unsigned long txHandle, const std::string& key,
 
 // A prefix of the text, not of the DN's steps, finds a whole subtree without taking DNs apart. That
 // a source with a longer number in the same place is found as well (A=10 with A=1) is accepted: it
-// loses what it had queued, and the validation tells.
+// loses what it had queued, and the validation reports what is missing.
 bool BiDirUtils::startsWith(const std::string& text, const std::string& prefix) {
     return text.starts_with(prefix);
 }

@@ -50,7 +50,7 @@ public:
     /// Looks up the router and the model repository. What is not found stays null.
     virtual void start();
 
-    /// Lets go of router and repository. The stores stay: they end per transaction.
+    /// Forgets router and repository. The stores stay: they end per transaction.
     virtual void stop();
 
     /// False while there is no model repository, so that nothing can be asked of the model.
@@ -129,7 +129,7 @@ protected:
                                          const char* sourceAttribute);
 
     /// Appends \p dnToAdd to the back-pointer of \p targetDn, or queues that if there is no such
-    /// MO yet. \p end as above.
+    /// MO yet. \p end: see removeMoFromBackPointer.
     virtual void addMoToBackPointer(unsigned long txHandle, const char* targetDn,
                                     const char* dnToAdd, VekOamSpiMrAssociationEndHandle_4T end,
                                     const char* sourceAttribute);

@@ -53,6 +53,8 @@ void BiDirValidator::release(VekMoAttributeValueResult_3 result) const {
 // ---------------------------------------------------------------------------------------------
 // The transaction
 
+// The first violation ends the validation. A question about existence that fails does not: its code
+// is the result only if it was the last answer.
 OrvReturnT BiDirValidator::validateBiDirs(unsigned long txHandle, bool* valid) {
     *valid = true;
     const BiDirUtils::ModifiedAttributes workList = biDirUtils.getModifiedBackPointers(txHandle);
@@ -115,6 +117,7 @@ BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const
     }
     const VekOamSpiMrMocHandle_4T moc = lookedUp.value;
     const VekMoAttributeValueContainer_3& value = ReadResult::valueOf(result);
+    // The count alone is needed here, so it is judged before the values are known to be references.
     code = attrMultiplicityCheck(dn, moc, attribute, value.count);
     if (code != OrvOk) {
         return Outcome::Refused;
@@ -122,7 +125,7 @@ BiDirValidator::Outcome BiDirValidator::judge(const TracePoint& operation, const
     std::list<VekOamSpiMrBiDirAssociationHandle_4T> bidirs;
     biDirUtils.getBidirsForMoc(moc, bidirs);
     if (bidirs.empty()) {
-        // Only classes with associations are recorded, so the model is at odds with itself.
+        // Only attributes of classes with associations are recorded: the model contradicts itself.
         return Outcome::Done;
     }
     // The model has references here. A router that answers with something else has not answered.
@@ -190,6 +193,8 @@ BiDirValidator::judgeAssociations(const char* dn, VekOamSpiMrMocHandle_4T moc,
     return OrvOk;
 }
 
+// Values of other classes belong to other associations of the same attribute, or are refused later
+// by their class.
 OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& value,
                                        VekOamSpiMrMocHandle_4T target, int& count) {
     const Orv::ModelReader model(*modelRepository);
@@ -204,6 +209,8 @@ OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& val
     return OrvOk;
 }
 
+// Texts are asked for before the bounds are compared, also if no message needs them: hosts know
+// these calls.
 OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
                                                  VekOamSpiMrAssociationEndHandle_4T end,
                                                  long long count) {
@@ -219,6 +226,8 @@ OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
     return OrvValidationFailed;
 }
 
+// A class must be the declared one exactly: subclasses play no part here. The code of the first
+// lookup is not looked at, since the same DN has just been found.
 OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attribute,
                                               VekMoAttributeValueResult_3* result,
                                               std::list<VekOamSpiMrMocHandle_4T>& permitted) {
@@ -243,7 +252,7 @@ OrvReturnT BiDirValidator::attributeTypeCheck(const char* dn, const char* attrib
 
 // There are as many passes as values, but a pass whose value has no class does not move on: the
 // value is tried again in every pass that is left, with its message each time, and the values
-// behind it are not looked at. Clients know these messages in this number and order, so they stay.
+// after it are not looked at. Clients know these messages in this number and order, so they stay.
 OrvReturnT BiDirValidator::checkValueTypes(const VekMoAttributeValueContainer_3& value,
                                            const PermittedTypes& types, const char*& lastName) {
     const Orv::ModelReader model(*modelRepository);
@@ -294,6 +303,7 @@ void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char
 // ---------------------------------------------------------------------------------------------
 // Messages
 
+// The verdict stands whether or not the client gets the message.
 void BiDirValidator::addThreadContextMessage(const std::string& message) {
     if (threadContext == nullptr) {
         ORV_LOG(3, "ExtCm ThreadContext is null");

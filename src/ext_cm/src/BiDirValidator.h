@@ -36,7 +36,7 @@ public:
     /// Looks up repository, thread context and router. What is not found stays null.
     virtual void start();
 
-    /// Lets go of all three.
+    /// Forgets all three.
     virtual void stop();
 
     virtual ~BiDirValidator() = default;

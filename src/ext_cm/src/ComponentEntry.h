@@ -14,7 +14,7 @@
 
 extern "C" {
 
-/// Registers the component and initialises it. Called first, and again if the host likes. The text
+/// Registers the component and initialises it. Called first, and may be called again. The text
 /// is ignored and may be null. \p accessor is the host's until the shared object is closed.
 /// OrvFailure if it is null or the host has no portal of version "1", or the code with which the
 /// portal refused. The host must not call start before this has returned. It looks up no table but

@@ -15,6 +15,8 @@ ExtCmInterceptorRepository::ExtCmInterceptorRepository()
 
 ExtCmInterceptorRepository::~ExtCmInterceptorRepository() = default;
 
+// The first registration stays: an interceptor that serves a path must not lose it to another one
+// without notice.
 OrvReturnT ExtCmInterceptorRepository::registerClass(MoInterceptorBase& interceptor,
                                                      std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> interceptor: %p, mocPath: %s ", static_cast<const void*>(&interceptor),
@@ -34,6 +36,8 @@ void ExtCmInterceptorRepository::deregisterClass(std::string const& mocPath) {
     underLock(mMutex, [&] { mInterceptors.erase(mocPath); });
 }
 
+// Only the lookup is locked. The interceptor runs without the lock, so that it may register and
+// deregister, and so that a slow one holds up no other operation.
 MoInterceptorBase* ExtCmInterceptorRepository::getInterceptor(std::string const& mocPath) {
     ORV_TRACE_ENTRY(" >> mocPath: %s ", mocPath.c_str());
     const TracePoint operation = ORV_TRACE_POINT;

@@ -25,6 +25,7 @@ constexpr VekMgmtSpiInterface_1 requiredInterfaces[] = {
 
 }
 
+// The order of the offered interfaces is what hosts see in the record.
 ExtCmRouterService::ExtCmRouterService()
     : Component(componentName),
       mIdMappings(Orv::MeIdTranslator::instance()),
@@ -59,6 +60,7 @@ OrvReturnT ExtCmRouterService::initialize(const char*) {
 
 void ExtCmRouterService::terminate() {}
 
+// A failure undoes nothing: what is started stays so, and the next start goes on from there.
 OrvReturnT ExtCmRouterService::start(OrvStateChangeReason reason) {
     mBiDirUtils.start();
     mBiDirValidator.start();
@@ -93,6 +95,10 @@ OrvReturnT ExtCmRouterService::stop(OrvStateChangeReason reason) {
     return OrvOk;
 }
 
+// These four phases have no work: what is kept for a transaction goes at finish and never before,
+// and whether it may be committed is said in validate. Nothing is locked, so that a host may call
+// join while it is asked to join.
+
 OrvReturnT ExtCmRouterService::join(unsigned long txHandle) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
     return ORV_TRACE_RESULT(OrvOk);
@@ -113,6 +119,8 @@ OrvReturnT ExtCmRouterService::abort(unsigned long txHandle) {
     return ORV_TRACE_RESULT(OrvOk);
 }
 
+// Each store has a lock of its own, taken one after the other. Inside the last one the iterators of
+// the transaction end, which takes the lock of the iterators: the only two that nest.
 OrvReturnT ExtCmRouterService::finish(unsigned long txHandle) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu", txHandle);
     mBiDirUtils.removePendingBackpointersForTransaction(txHandle);
@@ -132,7 +140,8 @@ OrvReturnT ExtCmRouterService::validate(unsigned long txHandle, bool* result) {
     if (result == nullptr) {
         return ORV_TRACE_RESULT(OrvFailure);
     }
-    // A validator that reaches no verdict writes none, and that must not read as content.
+    // Both are always asked, so that the client gets the messages of both. A validator that reaches
+    // no verdict may write none, and that must not count as a good one.
     bool bi = false;
     bool uni = false;
     mBiDirValidator.validateBiDirs(txHandle, &bi);

@@ -35,8 +35,8 @@ public:
     OrvReturnT initialize(const char* argument) override;
     void terminate() override;
 
-    /// Starts the classes and looks up the host's transaction table, of which nothing is said if it
-    /// is missing. The code of the first MO class that fails; what is started by then stays so.
+    /// Starts the classes and looks up the host's transaction table. That a table is missing is not
+    /// reported here. The code of the first MO class that fails; what is started by then stays so.
     OrvReturnT start(OrvStateChangeReason reason) override;
 
     /// Stops the classes and drops the memory of transactions that are still open. Always OrvOk.

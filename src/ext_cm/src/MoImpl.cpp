@@ -17,7 +17,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-// A value that needs no copy goes on as it is; nobody on its way writes to it.
+// A value that needs no copy is passed on as it is; no receiver writes to it.
 OrvMoAttributeValueContainer* unchanged(const OrvMoAttributeValueContainer* value) {
     return const_cast<OrvMoAttributeValueContainer*>(value);
 }
@@ -131,6 +131,7 @@ OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* 
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
     std::string internalDn;
+    // Everything else is only passed on: a null among it is for the router to refuse.
     const OrvReturnT opened = openCreation(started, idMappings, dn, internalDn, nothingElse);
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
@@ -169,7 +170,7 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
     OrvMoAttributeValueContainer* answer = nullptr;
     const OrvReturnT code =
         router->action(txHandle, internalDn.c_str(), name, converted.data(), &answer);
-    *result = answer;
+    *result = answer; // whatever the code: hosts know it so
     if (code == OrvOk) {
         *result = toExternal(answer, txHandle);
     }
@@ -203,6 +204,8 @@ private:
     unsigned long mTxHandle;
 };
 
+// The call has been done: an answer that cannot be read goes to the client as it is, instead of a
+// failure that would hide it.
 OrvMoAttributeValueContainer* MoImpl::toExternal(OrvMoAttributeValueContainer* value,
                                                  unsigned long txHandle) {
     return value != nullptr && isReadable(*value)
@@ -210,6 +213,8 @@ OrvMoAttributeValueContainer* MoImpl::toExternal(OrvMoAttributeValueContainer* v
                : value;
 }
 
+// The memory of the transaction is asked for only where a copy is made: asking joins the
+// transaction, and a client of version 1 that uses plain values takes part in none.
 OrvMoAttributeValueContainer* MoImpl::transformContainer(const OrvMoAttributeValueContainer* value,
                                                          IdMappings::DnConversion direction,
                                                          unsigned long txHandle) {
@@ -223,7 +228,7 @@ OrvMoAttributeValueContainer* MoImpl::transformContainer(const OrvMoAttributeVal
 }
 
 // A copy is made also of an empty value and of a reference that cannot be translated: what the
-// client gets is then all of one life.
+// client gets then ends all at once, with the transaction.
 OrvMoAttributeValueContainer*
 MoImpl::transformMoRefContainer(const OrvMoAttributeValueContainer* value,
                                 IdMappings::DnConversion direction, unsigned long txHandle) {
@@ -251,6 +256,7 @@ MoImpl::transformStructContainer(const OrvMoAttributeValueContainer* value,
     return converted;
 }
 
+// The router's container is not written to: it is the router's, and may serve other clients too.
 OrvMoAttributeValueContainer* MoImpl::rootIdContainer(const OrvMoAttributeValueContainer* value,
                                                       unsigned long txHandle) {
     const std::string id = externalRootId(idMappings, value->values[0].string);

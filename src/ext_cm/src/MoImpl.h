@@ -37,7 +37,7 @@ namespace OrvExtCmRouterService {
 template <class Table, class Handle>
 class IterImpl {
 public:
-    /// The record behind a handle. Owned by the memory of its transaction.
+    /// The record that a handle stands for. Owned by the memory of its transaction.
     class MoIterator {
     public:
         explicit MoIterator(unsigned long long handle) : routerHandle(handle) {}
@@ -124,8 +124,8 @@ Poco::FastMutex IterImpl<Table, Handle>::MoIterator::_mutex;
 template <class Table, class Handle>
 IterImpl<Table, Handle>::MoIterator::~MoIterator() {
     // Nothing may leave a destructor. If the lock fails the record goes from the set all the same:
-    // the mutex keeps everybody else out then, and an address left behind would make a dead handle
-    // look living.
+    // a mutex that cannot be locked lets no other thread in, and an address that stayed there would
+    // make a dead handle look living.
     try {
         Poco::ScopedLock<Poco::FastMutex> lock(_mutex); // drops a failure to unlock
         _allIters.erase(this);
@@ -155,7 +155,8 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
                                                   const char* className, Handle* iterator) {
     ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", shown(dn), shown(className));
     std::string internalDn;
-    // Unlike in all other operations nobody looks here whether the service is started.
+    // Unlike all other operations, this one does not ask whether the service is started: a DN that
+    // cannot be translated is answered first, and then the missing router.
     const OrvReturnT opened =
         openWalk(true, mappings, dn, internalDn, [&] { return areThere(iterator); });
     if (opened == OrvNotExist) {
@@ -174,6 +175,7 @@ OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const 
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }
+    // Only now: an iteration that the router refuses joins no transaction.
     Orv::AutoMemory* const memory = getTxData(txHandle);
     auto record = std::make_unique<MoIterator>(toWord(*iterator));
     record->enter(*dn == '\0');

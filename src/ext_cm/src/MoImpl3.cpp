@@ -47,7 +47,7 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-// A name is read only where back-pointers must follow.
+// A name is read only where back-pointers must follow, so only there it must be present.
 bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
     const bool isNamed =
         attribute.name != nullptr || attribute.value.type != OrvMoAttributeTypeMoRef_3;
@@ -141,7 +141,7 @@ OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, cons
 OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                    OrvMoAttributeValueResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
-    // The one operation whose clients are told OrvFailure of a stopped service.
+    // The one operation that answers OrvFailure, not OrvNotActive, while the service is stopped.
     if (!started || result == nullptr) {
         return ORV_TRACE_RESULT(OrvFailure);
     }
@@ -151,6 +151,7 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
+    // One of the two answers, never both. A result of a call that failed stays as it is.
     MoInterceptorBase* const interceptor = interceptorFor(internalDn);
     const OrvReturnT code =
         interceptor != nullptr
@@ -182,6 +183,8 @@ OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, cons
     return ORV_TRACE_RESULT(code);
 }
 
+// The record stays until the transaction ends, whose memory owns it. An unknown handle is no error:
+// its transaction may have ended before.
 OrvReturnT MoImpl3::finalizeMoIterator(unsigned long long iterator) {
     ORV_TRACE_ENTRY(" >> ");
     const MoIterator* const record = MoIterator::find(iterator);
@@ -191,6 +194,8 @@ OrvReturnT MoImpl3::finalizeMoIterator(unsigned long long iterator) {
     return ORV_TRACE_RESULT(OrvOk);
 }
 
+// The only write that is recorded after the router has accepted it: a new MO has no old value to
+// compare with, and back-pointers to an MO that the router refuses would be wrong.
 OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char* className,
                              const char* attrName, const char* attrValue,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
@@ -203,7 +208,7 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
-    getTxData(txHandle);
+    getTxData(txHandle); // for the join alone, here and in the other writes
     const std::string plainDn = joined({parentDn, ",", className, "=", attrValue});
     Orv::AutoMemory memory;
     OrvMoNamedAttributeValueContainer_3* const none = nullptr;
@@ -224,13 +229,13 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
 }
 
 // Back-pointers know an MO with a naming attribute of its own as Class.attr=value, the record of
-// references as Class=value. Neither form is mended where the parent is empty: both then begin with
-// a comma.
+// references as Class=value. Neither form is corrected where the parent is empty: both then begin
+// with a comma.
 void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
         const OrvMoNamedAttributeValueContainer_3& attribute = *attributes[index];
-        // Looked at once more: the router has had the array in its hands.
+        // Asked once more: the router was given the array and may have written to it.
         if (attribute.value.type == OrvMoAttributeTypeMoRef_3 && canBeCreatedWith(attribute)) {
             recordReferences(biDirUtils, uniDirValidator, created, attribute.name, attribute.value);
         }
@@ -248,11 +253,13 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
+    // After the join, as hosts know it: the refusal of an id is an answer within the transaction.
     if (isNetworkManagedElementId(attrName) && idSlotOf(value).isRefused()) {
         ORV_TRACE("Validation of networkManagedElementId failed: %s", idSlotOf(value).shownText());
         return ORV_TRACE_RESULT(OrvValidationFailed);
     }
-    // The view does not write to what it stands for.
+    // Recorded before the change is passed on: what came and what went is found by comparing with
+    // the value that the router still holds. The view does not write to the client's value.
     ConvertedResultData view(nullptr, const_cast<OrvMoAttributeValueContainer_3*>(value));
     ValueConversion(idMappings).transformContainer(view, IdMappings::ToInternal);
     recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
@@ -272,6 +279,7 @@ OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
+    // All before the delete: the attributes that name the far sides can be read only until then.
     biDirUtils.updateBackPointersForDelete(txHandle, internalDn.c_str());
     biDirUtils.removePendingBackPointerUpdates(txHandle, internalDn);
     uniDirValidator.deleteMo(txHandle, internalDn);
@@ -295,12 +303,15 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
         ValueConversion(idMappings)
             .toInternal(parameters, memory, &ValueConversion::newBlockRecord);
     const OrvReturnT code = router->action(txHandle, internalDn.c_str(), name, converted, result);
+    // Without values there is nothing to translate: the client gets the router's own result.
     if (code == OrvOk && result->container != nullptr && result->container->count != 0) {
         wrap(*result);
     }
     return ORV_TRACE_RESULT(code);
 }
 
+// A value that cannot be read is wrapped as well, and passed on as it is: so the client releases
+// every result through the same function.
 void MoImpl3::wrap(OrvMoAttributeValueResult_3& result) {
     auto view = std::make_unique<ConvertedResultData>(result.release, result.container);
     ValueConversion(idMappings).toExternal(*view);

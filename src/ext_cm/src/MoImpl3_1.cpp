@@ -19,7 +19,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-// An id without values is not looked at, so that it may have slots that cannot be read.
+// An id without values is not looked at, so its slots need not be readable.
 bool canBeSet(const VekMoNamedAttributeValueContainer_3& attribute) {
     return attribute.name != nullptr &&
            (attribute.value.count == 0 || isReadableAs(attribute.name, attribute.value));
@@ -104,6 +104,7 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
+    // All ids are asked before any attribute is recorded: a refusal changes no store.
     const VekMoAttributeValueContainer_3* const refusedId = findRefusedId(attributes);
     if (refusedId != nullptr) {
         ORV_TRACE("Validation of networkManagedElementId failed: %s",

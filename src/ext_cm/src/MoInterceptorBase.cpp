@@ -11,7 +11,8 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-// Past the portal's cache, which knows no table of this type.
+// Without the portal's cache, which knows no table of this type. What the host writes is kept
+// whatever its code, as in the other lookups.
 OrvReturnT lookUpRepository(Orv::Portal::LookupFn lookup, const VekMgmtSpiInterface_1& identity,
                             ExtCmInterceptorRepository*& repository) {
     if (lookup == nullptr) {
@@ -41,6 +42,9 @@ void MoInterceptorBase::initialize() {
     }
     ORV_TRACE_EXIT(" << ");
 }
+
+// The operations do not test their tables. A test in each could only answer with a code that the
+// router might mean as well; a derived class tests the fields once, after initialize.
 
 OrvReturnT MoInterceptorBase::getMoAttribute(unsigned long txHandle, char const* dn,
                                              char const* attrName,

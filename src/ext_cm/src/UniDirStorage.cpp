@@ -50,7 +50,7 @@ void deleteAll(std::map<Key, Node*>& children) {
 
 /// Deletes whole subtrees. A client chooses how deep they are, so no node's destructor may run
 /// inside that of the node above it; and since this runs in a destructor, nothing is allocated: the
-/// entries of the maps below move over to the one that is worked off here.
+/// entries of the maps below move over to the one that is emptied here.
 void deleteSubtrees(std::map<std::string, UniDirStorage::TypeNode*>& types) {
     std::multimap<std::string, UniDirStorage::TypeNode*> open;
     open.merge(types);
@@ -209,6 +209,8 @@ void insertEndOfName(Orv::ModelReader const& model, Association association,
 
 }
 
+// Nothing is trimmed or unescaped: only ",", "=" and "." have a meaning. A comma at the very end is
+// no error, an empty step anywhere else is.
 UniDirStorage::Dn::Dn(std::string const& dn) {
     std::string_view rest = dn;
     while (!rest.empty()) {
@@ -221,6 +223,8 @@ UniDirStorage::UniDir::UniDir(std::string const& attrName,
                               std::list<std::string> references)
     : name(attrName), assocHandle(firstAssociation), refs(std::move(references)) {}
 
+// A malformed reference throws, although the model has accepted it: its class has no name for the
+// messages then.
 bool UniDirStorage::UniDir::getRefCardinalites(
     VekOamSpiModelRepository_4 const& repository, VekMgmtSpiThreadContext_2& threadContext,
     std::string const& dn, std::map<NamedMoc, unsigned long long>& counts) const {
@@ -238,6 +242,8 @@ bool UniDirStorage::UniDir::getRefCardinalites(
     return result;
 }
 
+// One attribute can be the end of several associations, one for each class that it may refer to. If
+// two lead to one class, the bounds of the first in the model's order hold.
 void UniDirStorage::UniDir::getAssocEnds(VekOamSpiModelRepository_4 const& repository,
                                          std::set<AssocEnd>& ends) const {
     Orv::ModelReader const model(repository);
@@ -253,6 +259,8 @@ void UniDirStorage::UniDir::getAssocEnds(VekOamSpiModelRepository_4 const& repos
     }
 }
 
+// Nothing is left out after a violation: the client gets all messages of a transaction at once. A
+// class with a lower bound of zero may be missing, so only the others are looked for at the end.
 bool UniDirStorage::UniDir::validate(VekOamSpiModelRepository_4 const& repository,
                                      VekMgmtSpiThreadContext_2& threadContext,
                                      std::string const& dn) const {
@@ -371,11 +379,13 @@ void UniDirStorage::setUniDirRef(unsigned long txHandle, std::string const& dn,
     node->moc = moc;
     std::list<std::string> refs;
     getValues(values, &refs);
+    // Records are ordered by the name alone: insert would keep an earlier one, so that goes first.
     UniDir record(attrName, assocHandle, std::move(refs));
     node->uniDirs.erase(record);
     node->uniDirs.insert(std::move(record));
 }
 
+// The DN is parsed first, so that a malformed one throws also where nothing is stored.
 void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
     Dn const steps(dn);
     auto const root = transactions.find(txHandle);
@@ -394,10 +404,12 @@ void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
     if (parent == nullptr) {
         return; // without steps there is no object; the tree goes at finish
     }
+    // Ancestors stay, also without children: a walk passes them and finds no record.
     parent->values.erase(steps.back().second);
     delete node;
 }
 
+// A transaction that wrote no such reference has no tree, so this is a common case and only traced.
 void UniDirStorage::finish(unsigned long txHandle) {
     auto const root = transactions.find(txHandle);
     if (root == transactions.end()) {

@@ -66,8 +66,8 @@ public:
         bool validate(VekOamSpiModelRepository_4 const& repository,
                       VekMgmtSpiThreadContext_2& threadContext, std::string const& dn) const;
 
-        /// Counts the references by target class. False if a reference has no class, which is told
-        /// in a message.
+        /// Counts the references by target class. False if a reference has no class, which a
+        /// message reports.
         bool getRefCardinalites(VekOamSpiModelRepository_4 const& repository,
                                 VekMgmtSpiThreadContext_2& threadContext, std::string const& dn,
                                 std::map<NamedMoc, unsigned long long>& counts) const;

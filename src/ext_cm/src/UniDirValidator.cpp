@@ -39,7 +39,9 @@ void UniDirValidator::stop() {
     underLock(mutex, [this] { storage.clear(); });
 }
 
-// The model is asked without the lock; only the storage is touched under it.
+// The model is asked without the lock, so that a slow repository holds up no other transaction;
+// only the storage is touched under it. A write that cannot be recorded escapes the validation, but
+// never fails the client's operation.
 void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
                                std::string const& attrName,
                                VekMoAttributeValueContainer_3 const* values) {
@@ -65,6 +67,8 @@ void UniDirValidator::setMoRef(unsigned long txHandle, std::string const& dn,
     }
 }
 
+// The walk stops at the first match, but the handle is that of the first association of the class:
+// the validation walks on from there, and must meet the ends of that name that come earlier too.
 bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& attrName,
                                VekOamSpiMrUniDirAssociationHandle_4T* assocHandle) {
     Orv::ModelReader const model(*repository);
@@ -89,7 +93,7 @@ bool UniDirValidator::isUniDir(VekOamSpiMrMocHandle_4T moc, std::string const& a
     return false;
 }
 
-// A stopped service is told in the log here and only traced for a write. They differ on purpose.
+// A stopped service is logged here, and only traced at a write. They differ on purpose.
 void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
     if (repository == nullptr) {
         ORV_LOG(6, "Service is stopped");
@@ -102,10 +106,13 @@ void UniDirValidator::deleteMo(unsigned long txHandle, std::string const& dn) {
     }
 }
 
+// Also in a stopped service: what is stored must not outlive its transaction.
 void UniDirValidator::finish(unsigned long txHandle) {
     underLock(mutex, [&] { storage.finish(txHandle); });
 }
 
+// The lock is held over the whole validation: the tree must not change while it is walked. All
+// other transactions wait meanwhile. An exception is caught after the lock is released.
 OrvReturnT UniDirValidator::validate(unsigned long txHandle, bool* result) {
     if (repository == nullptr || threadContext == nullptr) {
         ORV_TRACE("Service is stopped");

@@ -33,7 +33,7 @@ public:
     /// Looks up the repository and the thread context. What is not found stays null.
     virtual void start();
 
-    /// Lets go of both, and forgets all transactions.
+    /// Forgets both and all transactions.
     virtual void stop();
 
     /// Records a write of the reference attribute \p attrName of \p dn, if the model says that it

@@ -25,6 +25,7 @@ PendingAdditions::Attribute PendingAdditions::attributeOf(const Record& record) 
     return {record->second.txHandle, record->second.sourceAttribute};
 }
 
+// In both orders or in none.
 void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
     const Record record = mStore.emplace(targetDn, std::move(addition));
     try {

@@ -18,8 +18,8 @@ namespace OrvExtCmRouterService {
 /// An addition to a back-pointer that waits for its target to be created.
 struct BackPointerData {
     unsigned long txHandle = 0;       ///< the transaction that queued it
-    std::string backPointerAttribute; ///< kept for whoever looks at the store: the edit works
-                                      ///< the name out from `end` again
+    std::string backPointerAttribute; ///< only for a reader of the store: the edit finds the
+                                      ///< name from `end` again
     VekOamSpiMrAssociationEndHandle_4T end = 0; ///< the end at the source's class
     std::string sourceDn;                       ///< the DN to add
     bool active = true;                         ///< an inactive record is never applied
@@ -31,7 +31,7 @@ struct BackPointerData {
 /// source has queued is found without a walk over what all others have.
 ///
 /// Invariant: every record of the store stands once in the second order, as long as only this
-/// object adds and takes out, and nobody changes the fields that it goes by. Taking out needs no
+/// object adds and takes out, and no field changes that it orders by. Taking out needs no
 /// memory and so cannot fail.
 ///
 /// Threads: no lock of its own.

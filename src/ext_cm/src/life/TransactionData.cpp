@@ -16,6 +16,7 @@ TransactionData::~TransactionData() {
     sweep();
 }
 
+// The lock is held while the host's join runs, so that a transaction is joined only once.
 Orv::AutoMemory* TransactionData::getTxData(const TracePoint& operation, unsigned long txHandle) {
     return underLock(mMutex, [&] {
         const auto found = memoryByTx.find(txHandle);
@@ -31,6 +32,7 @@ Orv::AutoMemory* TransactionData::join(const TracePoint& operation, unsigned lon
                    txHandle);
         throw std::runtime_error("no transaction table");
     }
+    // Entered first, and kept whatever the host answers: an operation needs the memory in any case.
     auto memory = std::make_unique<Orv::AutoMemory>();
     memoryByTx.emplace(txHandle, memory.get());
     Orv::AutoMemory* const entered = memory.release();

@@ -21,7 +21,7 @@ namespace OrvExtCmRouterService {
 ///
 /// Threads: mMutex guards memoryByTx, not the memories in it: one transaction is driven by one
 /// thread at a time. The mutex is held while the host's join runs and while memory is dropped; the
-/// mutex of the iterators is taken inside it, never the other way round.
+/// mutex of the iterators is taken inside it, never in the other order.
 class TransactionData {
 public:
     /// \p joined is the table that the host is given at each join; not owned.
@@ -36,7 +36,7 @@ public:
     /// nothing entered, if there is no table to join a new transaction at.
     Orv::AutoMemory* getTxData(const TracePoint& operation, unsigned long txHandle);
 
-    /// Lets go of the host's table and of all transactions, in the order of their handles. Takes no
+    /// Forgets the host's table and drops all transactions, in the order of their handles. Takes no
     /// lock: for when no operation runs.
     void sweep();
 

@@ -90,7 +90,7 @@ public:
     bool isCutOff() const { return mLimit.hasCutOff(); }
 
     /// What the last step answered. OrvNotExist is the regular end of a list; whether another code
-    /// is a failure is for the user of the walk to say.
+    /// is a failure, the user of the walk decides.
     OrvReturnT code() const { return mCode; }
 
 private:
@@ -128,7 +128,7 @@ WalkUntilNonZero<Handle, Next> walkUntilNonZeroFrom(const TracePoint& point, Han
 /// step that fails without finding anything finds what the next step before it found, and zero if
 /// there was none.
 ///
-/// A repository that fails for ever would so be asked for ever. Two failing steps in a row that
+/// A repository that always fails would so be asked without end. Two failing steps in a row that
 /// leave the handle where it was end the walk.
 template <class Handle, class Next>
 class WalkUntilNotExist {

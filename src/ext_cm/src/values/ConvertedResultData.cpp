@@ -11,6 +11,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
+// A client releases only what was handed out to it, and that is always a view.
 ConvertedResultData* viewOf(OrvMoAttributeValueContainer_3* container) {
     return static_cast<ConvertedResultData*>(container);
 }
@@ -34,6 +35,7 @@ const OrvMoAttributeValue_3& ConvertedResultData::originalValue(std::uint32_t in
     return _origContainer->values[index];
 }
 
+// Slots are the producer's until one must change: a value without DNs costs no copy.
 OrvMoAttributeValue_3* ConvertedResultData::ownValues() {
     if (values == _origContainer->values) {
         values = malloc<OrvMoAttributeValue_3>(count);
@@ -56,6 +58,7 @@ void ConvertedResultData::releaseFunc(OrvMoAttributeValueContainer_3* container)
     delete view;
 }
 
+// The first view answers for the producer's whole array, the others have nothing to release.
 void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** containers) {
     if (containers == nullptr || containers[0] == nullptr) {
         return;

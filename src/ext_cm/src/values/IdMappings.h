@@ -10,8 +10,8 @@
 
 namespace OrvExtCmRouterService {
 
-/// Access to the translator of DNs. Clients speak the external form; the router, interceptors and
-/// everything else behind the MO operations the internal form.
+/// Access to the translator of DNs. Clients use the external form; the router, interceptors and all
+/// else that the MO operations call use the internal form.
 ///
 /// Threads: never changes; the translator may be called from any thread.
 class IdMappings {

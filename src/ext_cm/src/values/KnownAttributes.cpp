@@ -20,6 +20,7 @@ bool isNetworkManagedElementId(const char* attrName) {
     return std::strcmp(attrName, "networkManagedElementId") == 0;
 }
 
+// An empty text is accepted in every version.
 bool IdSlot::isRefused() const {
     if (text == nullptr) {
         return isSet;

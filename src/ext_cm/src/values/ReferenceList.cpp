@@ -13,6 +13,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
+// For a search: values of many thousand references would else be compared each with each.
 std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
     std::vector<std::string_view> texts;
     texts.reserve(references.count);
@@ -25,6 +26,7 @@ std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& 
 
 }
 
+// An empty value needs no type: routers answer so for an attribute that is not set.
 bool areReferences(const VekMoAttributeValueContainer_3& value) {
     return value.count == 0 || (value.type == OrvMoAttributeTypeMoRef_3 && isReadable(value));
 }

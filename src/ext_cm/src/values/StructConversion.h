@@ -48,8 +48,8 @@ private:
     struct Level {
         const Slot* originals;
         Slot* slots;
-        std::uint32_t left; ///< values, that in hand included
-        const Member* next; ///< of the value in hand, not yet rebuilt
+        std::uint32_t left; ///< values, the current one included
+        const Member* next; ///< of the current value, not yet rebuilt
         Member** link;      ///< where the next rebuilt member goes
     };
 

@@ -12,6 +12,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
+// More than any value of a network has.
 constexpr std::size_t mostPieces = 4000000;
 
 /// Looks at one value, a container at a time.
@@ -19,6 +20,8 @@ template <class Container>
 class ValueReader {
 public:
     bool reads(const Container& value) {
+        // References outside a struct are not counted: an array has an end, a list of members may
+        // have none.
         if (value.type == OrvMoAttributeTypeMoRef_3) {
             return value.count == 0 || (value.values != nullptr && hasAllTexts(value));
         }
@@ -65,6 +68,8 @@ private:
         });
     }
 
+    /// Only the first value decides whether a struct is converted (see isStructWithReferences), so
+    /// only its members are read here, and those after its first reference not yet.
     bool entersStruct(const Container& value) {
         for (const Member* member = value.values[0].structValue; member != nullptr;
              member = member->next) {

@@ -15,8 +15,8 @@ namespace OrvExtCmRouterService {
 /// one, all members' names and values and the texts of all references. Values of other types are
 /// not looked into, whatever their fields say.
 ///
-/// To be asked of a client's values before anything is done with them, so that a refusal leaves
-/// nothing behind, and of a router's before they are converted. Structs of any depth are looked at
+/// To be asked of a client's values before anything is done with them, so that a refusal has
+/// changed nothing, and of a router's before they are converted. Structs of any depth are looked at
 /// without recursion. A struct of more than four million pieces (members, slots and texts) counts
 /// as not readable: so many has only one that leads back into itself, or into the same part again
 /// and again.

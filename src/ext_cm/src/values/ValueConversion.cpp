@@ -49,12 +49,15 @@ void ValueConversion::transformContainer(ConvertedResultData& view,
     }
 }
 
+// The call has been done, so its result belongs to the client even if it cannot be read here.
 void ValueConversion::toExternal(ConvertedResultData& view) const {
     if (isReadable(view)) {
         transformContainer(view, IdMappings::ToExternal);
     }
 }
 
+// A reference that cannot be translated stays the producer's text: it lives as long as the
+// original, which lives as long as the view. An empty value keeps the producer's array.
 void ValueConversion::transformMoRefContainer(ConvertedResultData& view,
                                               IdMappings::DnConversion direction) const {
     for (std::uint32_t index = 0; index < view.count; ++index) {

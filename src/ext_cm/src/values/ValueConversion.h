@@ -42,7 +42,8 @@ public:
     NamedAttribute* toInternal(NamedAttribute& attribute, Orv::AutoMemory& memory,
                                NewRecordFn newRecord) const;
 
-    /// An internal copy of all \p attributes, which are ended by a null pointer, as above.
+    /// An internal copy of all \p attributes, which are ended by a null pointer, each made as by
+    /// the operation for one.
     NamedAttribute** toInternal(NamedAttribute* const* attributes, Orv::AutoMemory& memory,
                                 NewRecordFn newRecord) const;
 
