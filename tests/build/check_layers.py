@@ -19,7 +19,7 @@ BELOW_COMPONENT = ["src/spi", "src/common/inc", "src/orv_common"]
 ROOMS = {
     "src/ext_cm/src/messages": [],
     "src/ext_cm/src/values": [],
-    "src/ext_cm/src/model": ["src/ext_cm/src/messages", "src/ext_cm/src/values"],
+    "src/ext_cm/src/model": ["src/ext_cm/src/messages"],
     "src/ext_cm/src/life": ["src/ext_cm/src/messages", "src/ext_cm/src/values"],
     "src/ext_cm/src/associations": ["src/ext_cm/src/values"],
 }
@@ -105,7 +105,8 @@ SELF_TEST = [
     ("src/ext_cm/src/values/Value.h", '#include "Helper.h"\n', 0),
     ("src/ext_cm/src/values/Upward.h", '#include "Service.h"\n', 1),
     ("src/ext_cm/src/values/Aside.h", '#include "model/Reader.h"\n', 1),
-    ("src/ext_cm/src/model/Reader.h", '#include "values/Value.h"\n', 0),
+    ("src/ext_cm/src/model/Reader.h", '#include "messages/Trace.h"\n', 0),
+    ("src/ext_cm/src/messages/Trace.h", '#include "values/Value.h"\n', 1),
     ("src/ext_cm/src/Other.cpp", '#include "model/Reader.h"\n#include "values/Value.h"\n', 0),
     ("src/host/store/Store.h", '#include "Helper.h"\n', 0),
     ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
