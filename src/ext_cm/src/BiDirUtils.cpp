@@ -30,6 +30,21 @@ constexpr int childLookupLimit = 60;
 constexpr std::size_t deepestSubtree = 10000;
 constexpr std::size_t largestSubtree = 10000000;
 
+struct Ends {
+    VekOamSpiMrAssociationEndHandle_4T first;
+    VekOamSpiMrAssociationEndHandle_4T second;
+    VekOamSpiMrMocHandle_4T firstMoc;
+};
+
+// The class of the second end is not needed, but the question is part of the calls that hosts know.
+Ends endsOf(const Orv::ModelReader& model, VekOamSpiMrBiDirAssociationHandle_4T association) {
+    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
+    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
+    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
+    model.endMoc(second);
+    return {first, second, firstMoc};
+}
+
 void traceReadFailure(const TracePoint& operation, OrvReturnT code, const char* attribute,
                       const char* dn) {
     ORV_TRACE_AT(operation, "Error code %d received when reading attribute %s in %s.", code,
@@ -95,12 +110,8 @@ OrvReturnT BiDirUtils::getBidirsForMoc(VekOamSpiMrMocHandle_4T moc,
 OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc,
                                           VekOamSpiMrBiDirAssociationHandle_4T association,
                                           VekOamSpiMrAssociationEndHandle_4T& end) {
-    const Orv::ModelReader model(*modelRepository);
-    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
-    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
-    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
-    model.endMoc(second); // not needed, but part of the calls that hosts know
-    end = firstMoc == moc ? first : second;
+    const Ends ends = endsOf(Orv::ModelReader(*modelRepository), association);
+    end = ends.firstMoc == moc ? ends.first : ends.second;
     return OrvOk;
 }
 
@@ -112,13 +123,10 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const cha
                                           VekOamSpiMrBiDirAssociationHandle_4T association,
                                           VekOamSpiMrAssociationEndHandle_4T& end) {
     const Orv::ModelReader model(*modelRepository);
-    const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
-    const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
-    const VekOamSpiMrMocHandle_4T firstMoc = model.endMoc(first).value;
-    model.endMoc(second); // not needed, but part of the calls that hosts know
-    const char* const firstName = endName(model, first);
+    const Ends ends = endsOf(model, association);
+    const char* const firstName = endName(model, ends.first);
     ORV_TRACE("First association end attribute name is %s", textOrEmpty(firstName));
-    end = firstMoc == moc && !sameText(firstName, attributeName) ? first : second;
+    end = ends.firstMoc == moc && !sameText(firstName, attributeName) ? ends.first : ends.second;
     return OrvOk;
 }
 
