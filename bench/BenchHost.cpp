@@ -3,7 +3,7 @@
 
 #include "BenchHost.h"
 
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 
 #include <cstdio>

@@ -5,8 +5,8 @@
 
 #include "DnUtil.h"
 #include "MeIdTranslator.h"
-#include "model/ModelBuilder.h"
-#include "store/DnText.h"
+#include "base/DnText.h"
+#include "model/building/ModelBuilder.h"
 #include "support/ByteSource.h"
 #include "support/Require.h"
 

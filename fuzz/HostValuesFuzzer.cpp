@@ -5,7 +5,7 @@
 
 #include "cli/ValueJson.h"
 #include "model/ValueCheck.h"
-#include "store/ContainerConversion.h"
+#include "router/ContainerConversion.h"
 #include "support/RecordMaker.h"
 #include "support/Require.h"
 

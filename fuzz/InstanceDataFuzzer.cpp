@@ -7,8 +7,8 @@
 #include "RanModel.h"
 #include "support/ByteSource.h"
 #include "support/Require.h"
-#include "yang/InstanceDataReader.h"
-#include "yang/InstanceDataWriter.h"
+#include "yang/instances/InstanceDataReader.h"
+#include "yang/instances/InstanceDataWriter.h"
 
 #include <optional>
 #include <sstream>

@@ -6,7 +6,7 @@
 #include "model/ModelError.h"
 #include "support/ByteSource.h"
 #include "support/Require.h"
-#include "yang/YangModelReader.h"
+#include "yang/schema/YangModelReader.h"
 
 using namespace Fuzz;
 using namespace OrvHost;

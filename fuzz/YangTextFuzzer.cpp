@@ -6,7 +6,7 @@
 
 #include "support/ByteSource.h"
 #include "support/Require.h"
-#include "yang/YangText.h"
+#include "yang/source/YangText.h"
 
 #include <algorithm>
 

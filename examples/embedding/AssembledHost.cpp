@@ -7,7 +7,7 @@
 
 #include "OrvOamSpiManagedObject_3.h"
 #include "OwnedResult.h"
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
 

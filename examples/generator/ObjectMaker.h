@@ -4,7 +4,7 @@
 #ifndef ORV_EXAMPLES_GENERATOR_OBJECTMAKER_H
 #define ORV_EXAMPLES_GENERATOR_OBJECTMAKER_H
 
-#include "yang/DataObject.h"
+#include "yang/instances/DataObject.h"
 
 #include <cstdint>
 #include <string>

@@ -4,7 +4,7 @@
 #ifndef ORV_EXAMPLES_GENERATOR_RANMODEL_H
 #define ORV_EXAMPLES_GENERATOR_RANMODEL_H
 
-#include "yang/YangModelReader.h"
+#include "yang/schema/YangModelReader.h"
 
 namespace RanGenerator {
 

@@ -6,7 +6,7 @@
 
 #include "ObjectMaker.h"
 #include "RanPlan.h"
-#include "yang/DataObject.h"
+#include "yang/instances/DataObject.h"
 
 #include <cstdint>
 #include <functional>

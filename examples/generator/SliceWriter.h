@@ -4,7 +4,7 @@
 #ifndef ORV_EXAMPLES_GENERATOR_SLICEWRITER_H
 #define ORV_EXAMPLES_GENERATOR_SLICEWRITER_H
 
-#include "yang/InstanceDataWriter.h"
+#include "yang/instances/InstanceDataWriter.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -5,7 +5,7 @@
 #include "RanNetwork.h"
 #include "RanPlan.h"
 #include "SliceWriter.h"
-#include "yang/InstanceDataWriter.h"
+#include "yang/instances/InstanceDataWriter.h"
 
 #include <CLI/CLI.hpp>
 

@@ -24,6 +24,31 @@ ROOMS = {
     "src/ext_cm/src/associations": ["src/ext_cm/src/values"],
 }
 
+# The rooms of the reference host with those that each may use, lowest first: a room uses only rooms
+# that stand before it, so there is no circle.
+HOST_ROOMS = {
+    "src/host/base": [],
+    "src/host/model": ["src/host/base"],
+    "src/host/model/building": ["src/host/base", "src/host/model"],
+    "src/host/repository": ["src/host/base", "src/host/model"],
+    "src/host/audit": ["src/host/base", "src/host/model"],
+    "src/host/store": ["src/host/base", "src/host/model"],
+    "src/host/transactions": ["src/host/base"],
+    "src/host/router": [
+        "src/host/base", "src/host/model", "src/host/store", "src/host/transactions"],
+    "src/host/runtime": [
+        "src/host/base", "src/host/model", "src/host/repository", "src/host/audit",
+        "src/host/store", "src/host/transactions", "src/host/router"],
+    "src/host/yang/source": ["src/host/base", "src/host/model"],
+    "src/host/yang/types": ["src/host/base", "src/host/model", "src/host/yang/source"],
+    "src/host/yang/schema": [
+        "src/host/base", "src/host/model", "src/host/model/building", "src/host/yang/source",
+        "src/host/yang/types"],
+    "src/host/yang/instances": [
+        "src/host/base", "src/host/model", "src/host/yang/source", "src/host/yang/types",
+        "src/host/yang/schema"],
+}
+
 # Each layer with the layers that it may include besides itself. The deepest directory counts.
 LAYERS = {
     "src/spi": [],
@@ -31,9 +56,8 @@ LAYERS = {
     "src/orv_common": ["src/spi", "src/common/inc"],
     "src/ext_cm": [*BELOW_COMPONENT, *ROOMS],
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in ROOMS.items()},
-    "src/host": ["src/spi", "src/common/inc", "src/orv_common"],
-    "src/host/yang": ["src/spi", "src/common/inc", "src/orv_common", "src/host"],
-    "src/host/cli": ["src/spi", "src/common/inc", "src/orv_common", "src/host", "src/host/yang"],
+    **{room: [*BELOW_COMPONENT, *lower] for room, lower in HOST_ROOMS.items()},
+    "src/host/cli": [*BELOW_COMPONENT, *HOST_ROOMS],
     "examples/interceptor": ["src/spi", "src/common/inc", "src/orv_common"],
 }
 
@@ -72,7 +96,7 @@ def is_open(root, source, header):
 
 def violation(root, source, name):
     for prefix, home in KEPT_APART.items():
-        if name.startswith(prefix) and layer_of(root, source) != home:
+        if name.startswith(prefix) and not (layer_of(root, source) + "/").startswith(home + "/"):
             return f"{name} belongs to {home}"
     found = list(candidates(root, source, name))
     if not found or any(is_open(root, source, header) for header in found):
@@ -80,7 +104,24 @@ def violation(root, source, name):
     return f"{name} is a header of {layer_of(root, found[0])}"
 
 
+def circles():
+    for rooms in (ROOMS, HOST_ROOMS):
+        order = list(rooms)
+        for room, lower in rooms.items():
+            for other in lower:
+                if other not in order[: order.index(room)]:
+                    yield f"{room} may use {other}, which does not stand before it"
+
+
+def homeless(root):
+    for source in sorted((root / "src").rglob("*")):
+        if source.suffix in (".h", ".cpp") and layer_of(root, source) is None:
+            yield f"{source.relative_to(root)}: stands in no layer"
+
+
 def violations(root):
+    yield from circles()
+    yield from homeless(root)
     for layer in LAYERS:
         for source in sorted((root / layer).rglob("*")):
             if source.suffix not in (".h", ".cpp") or layer_of(root, source) != layer:
@@ -108,15 +149,29 @@ SELF_TEST = [
     ("src/ext_cm/src/model/Reader.h", '#include "messages/Trace.h"\n', 0),
     ("src/ext_cm/src/messages/Trace.h", '#include "values/Value.h"\n', 1),
     ("src/ext_cm/src/Other.cpp", '#include "model/Reader.h"\n#include "values/Value.h"\n', 0),
-    ("src/host/store/Store.h", '#include "Helper.h"\n', 0),
+    ("src/host/Stray.h", "#include <cstddef>\n", 1),
+    ("src/host/attic/Stray.h", "#include <cstddef>\n", 1),
+    ("src/host/base/Error.h", '#include "Helper.h"\n', 0),
+    ("src/host/base/Upward.h", '#include "store/Store.h"\n', 1),
+    ("src/host/store/Store.h", '#include "Helper.h"\n#include "base/Error.h"\n', 0),
     ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
      1),
+    ("src/host/store/Aside.h", '#include "transactions/Service2.h"\n', 1),
+    ("src/host/transactions/Service2.h", '#include "base/Error.h"\n', 0),
+    ("src/host/transactions/Aside.h", '#include "../store/Store.h"\n', 1),
+    ("src/host/router/Router.h", '#include "transactions/Service2.h"\n#include "store/Store.h"\n', 0),
     ("src/host/model/Model.cpp", '#include "MoInterceptorBase.h"\n', 1),
+    ("src/host/model/Model.h", '#include "building/Builder.h"\n', 1),
     ("src/host/model/Reader.cpp", "#include <libyang/libyang.h>\n", 1),
-    ("src/host/model/Reader2.cpp", '#include "yang/Reader.h"\n', 1),
-    ("src/host/yang/Reader.h", '#include <libyang/libyang.h>\n#include "store/Store.h"\n', 0),
-    ("src/host/yang/Upward.h", '#include "../cli/Command.h"\n', 1),
-    ("src/host/cli/Command.h", '#include "yang/Reader.h"\n#include "store/Store.h"\n', 0),
+    ("src/host/model/Reader2.cpp", '#include "yang/schema/Reader.h"\n', 1),
+    ("src/host/model/building/Builder.h", '#include "model/Model.h"\n', 0),
+    ("src/host/repository/Aside.h", '#include "model/building/Builder.h"\n', 1),
+    ("src/host/yang/source/Upward.h", '#include "yang/schema/Reader.h"\n', 1),
+    ("src/host/yang/schema/Reader.h",
+     '#include <libyang/libyang.h>\n#include "model/building/Builder.h"\n', 0),
+    ("src/host/yang/schema/Aside.h", '#include "store/Store.h"\n', 1),
+    ("src/host/yang/schema/Upward.h", '#include "../../cli/Command.h"\n', 1),
+    ("src/host/cli/Command.h", '#include "yang/schema/Reader.h"\n#include "store/Store.h"\n', 0),
     ("examples/interceptor/src/Sample.cpp",
      '#include <MoInterceptorBase.h>\n#include "Binder.h"\n#include <Service.h>\n', 1),
 ]

@@ -5,7 +5,7 @@
 
 #include "Ledger.h"
 #include "Scene.h"
-#include "store/HostReturn.h"
+#include "base/HostReturn.h"
 
 #include <algorithm>
 #include <iterator>

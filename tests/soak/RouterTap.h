@@ -5,7 +5,7 @@
 #define ORV_TESTS_SOAK_ROUTERTAP_H
 
 #include "model/Model.h"
-#include "store/CmRouter.h"
+#include "router/CmRouter.h"
 
 #include <cstdint>
 

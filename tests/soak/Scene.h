@@ -9,7 +9,7 @@
 #include "Ledger.h"
 #include "RouterTap.h"
 #include "runtime/Host.h"
-#include "yang/YangModelReader.h"
+#include "yang/schema/YangModelReader.h"
 
 #include <optional>
 

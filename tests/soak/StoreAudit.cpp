@@ -3,7 +3,7 @@
 
 #include "StoreAudit.h"
 
-#include "model/InstanceChecker.h"
+#include "audit/InstanceChecker.h"
 
 namespace Soak {
 

@@ -4,7 +4,7 @@
 #ifndef ORV_TESTS_SOAK_STOREAUDIT_H
 #define ORV_TESTS_SOAK_STOREAUDIT_H
 
-#include "model/InstanceSource.h"
+#include "audit/InstanceSource.h"
 #include "store/MoStore.h"
 
 #include <cstddef>

@@ -5,7 +5,7 @@
 
 #include "runtime/Host.h"
 
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 
 #include <gmock/gmock.h>

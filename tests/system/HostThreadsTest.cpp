@@ -3,7 +3,7 @@
 
 // Many clients use the loaded component at once.
 
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
 

@@ -6,7 +6,7 @@
 #include "Diagnosis.h"
 #include "Session.h"
 #include "Suggestion.h"
-#include "store/HostReturn.h"
+#include "base/HostReturn.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 
 #include "ValueJson.h"
 #include "model/Model.h"
-#include "model/ModelDescription.h"
+#include "repository/ModelDescription.h"
 
 #include <string>
 #include <vector>

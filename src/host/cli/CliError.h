@@ -5,7 +5,7 @@
 #define ORV_HOST_CLI_CLIERROR_H
 
 #include "OrvReturn.h"
-#include "store/ThreadContext.h"
+#include "transactions/ThreadContext.h"
 
 #include <stdexcept>
 #include <string>

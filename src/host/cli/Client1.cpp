@@ -5,7 +5,7 @@
 
 #include "NamedRecords.h"
 #include "OfferedTable.h"
-#include "store/ContainerConversion.h"
+#include "router/ContainerConversion.h"
 
 #include <algorithm>
 

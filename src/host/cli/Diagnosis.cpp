@@ -7,8 +7,8 @@
 #include "MeIdTranslator.h"
 #include "Session.h"
 #include "Suggestion.h"
+#include "base/HostReturn.h"
 #include "model/ProblemList.h"
-#include "store/HostReturn.h"
 
 #include <algorithm>
 #include <cstring>

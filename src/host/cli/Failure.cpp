@@ -9,7 +9,7 @@
 #include "Layout.h"
 #include "Refusal.h"
 #include "Session.h"
-#include "store/HostReturn.h"
+#include "base/HostReturn.h"
 
 namespace OrvHost {
 

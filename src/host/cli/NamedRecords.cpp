@@ -3,7 +3,7 @@
 
 #include "NamedRecords.h"
 
-#include "store/ContainerConversion.h"
+#include "router/ContainerConversion.h"
 
 namespace OrvHost {
 

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_CLI_OFFEREDMODEL_H
 #define ORV_HOST_CLI_OFFEREDMODEL_H
 
-#include "model/ModelDescription.h"
+#include "repository/ModelDescription.h"
 
 #include <vector>
 

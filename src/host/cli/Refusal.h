@@ -5,7 +5,7 @@
 #define ORV_HOST_CLI_REFUSAL_H
 
 #include "ValueJson.h"
-#include "store/TransactionService.h"
+#include "transactions/TransactionService.h"
 
 #include <stdexcept>
 #include <string>

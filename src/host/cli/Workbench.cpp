@@ -8,7 +8,7 @@
 #include "LoggingWrapper.h"
 #include "ProgressBar.h"
 #include "runtime/DataSet.h"
-#include "yang/InstanceDataReader.h"
+#include "yang/instances/InstanceDataReader.h"
 
 #include <iostream>
 

@@ -8,7 +8,7 @@
 #include "Options.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
-#include "yang/YangModelReader.h"
+#include "yang/schema/YangModelReader.h"
 
 #include <memory>
 #include <ostream>

@@ -4,9 +4,9 @@
 #include "DataSet.h"
 
 #include "MeIdTranslator.h"
-#include "model/InstanceChecker.h"
+#include "audit/InstanceChecker.h"
+#include "base/HostError.h"
 #include "model/ProblemList.h"
-#include "store/HostError.h"
 #include "store/MoStore.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_RUNTIME_DATASET_H
 #define ORV_HOST_RUNTIME_DATASET_H
 
-#include "model/InstanceReport.h"
-#include "model/InstanceSource.h"
+#include "audit/InstanceReport.h"
+#include "audit/InstanceSource.h"
 #include "model/Model.h"
 
 #include <cstddef>

@@ -9,11 +9,11 @@
 #include "HostInterfaces.h"
 #include "PortalTables.h"
 #include "model/Model.h"
-#include "model/ModelRepository.h"
-#include "store/CmRouter.h"
+#include "repository/ModelRepository.h"
+#include "router/CmRouter.h"
 #include "store/MoStore.h"
-#include "store/ThreadContext.h"
-#include "store/TransactionService.h"
+#include "transactions/ThreadContext.h"
+#include "transactions/TransactionService.h"
 
 #include <string>
 #include <vector>

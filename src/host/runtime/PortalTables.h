@@ -5,7 +5,7 @@
 #define ORV_HOST_RUNTIME_PORTALTABLES_H
 
 #include "OrvMgmtSpiInterfacePortal.h"
-#include "model/OnlyOne.h"
+#include "base/OnlyOne.h"
 
 namespace OrvHost {
 

@@ -3,7 +3,7 @@
 
 #include "MoRecord.h"
 
-#include "HostError.h"
+#include "base/HostError.h"
 
 #include <climits>
 #include <cstring>

@@ -3,8 +3,8 @@
 
 #include "MoStore.h"
 
-#include "DnText.h"
 #include "WriteCheck.h"
+#include "base/DnText.h"
 
 #include <utility>
 

@@ -4,8 +4,8 @@
 #include "StoreTransaction.h"
 
 #include "AttributeBytes.h"
-#include "DnText.h"
 #include "WriteCheck.h"
+#include "base/DnText.h"
 
 #include <algorithm>
 #include <utility>

@@ -4,11 +4,11 @@
 #ifndef ORV_HOST_STORE_STORETRANSACTION_H
 #define ORV_HOST_STORE_STORETRANSACTION_H
 
-#include "HostError.h"
 #include "StoreTypes.h"
 #include "TransactionOverlay.h"
 #include "VersionedTree.h"
 #include "WriteGuard.h"
+#include "base/HostError.h"
 #include "model/Model.h"
 
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include "VersionedTree.h"
 
-#include "HostError.h"
+#include "base/HostError.h"
 
 #include <string>
 

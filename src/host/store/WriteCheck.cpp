@@ -4,8 +4,8 @@
 #include "WriteCheck.h"
 
 #include "AttributeBytes.h"
-#include "DnText.h"
 #include "DnUtil.h"
+#include "base/DnText.h"
 #include "model/ValueCheck.h"
 
 #include <algorithm>

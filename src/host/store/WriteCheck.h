@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_STORE_WRITECHECK_H
 #define ORV_HOST_STORE_WRITECHECK_H
 
-#include "HostError.h"
+#include "base/HostError.h"
 #include "model/Model.h"
 
 #include <string>

@@ -3,7 +3,7 @@
 
 #include "WriteGuard.h"
 
-#include "HostError.h"
+#include "base/HostError.h"
 
 #include <string>
 

@@ -4,7 +4,7 @@
 #include "cli/graph/ClassGraph.h"
 
 #include "GraphModel.h"
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 
 #include <gmock/gmock.h>
 

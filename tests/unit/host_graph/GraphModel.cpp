@@ -3,7 +3,7 @@
 
 #include "GraphModel.h"
 
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 
 #include <map>
 

@@ -6,8 +6,8 @@
 
 #include "cli/graph/TreePicture.h"
 #include "model/Model.h"
-#include "model/ModelDescription.h"
-#include "model/ModelRepository.h"
+#include "repository/ModelDescription.h"
+#include "repository/ModelRepository.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 
 #include "cli/Expectation.h"
 
+#include "base/HostReturn.h"
 #include "cli/WordSplitter.h"
-#include "store/HostReturn.h"
 
 #include <gmock/gmock.h>
 

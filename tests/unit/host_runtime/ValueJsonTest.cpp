@@ -3,7 +3,7 @@
 
 #include "cli/ValueJson.h"
 
-#include "model/ModelBuilder.h"
+#include "model/building/ModelBuilder.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "XmlEscape.h"
 
 #include "cli/ValueJson.h"
-#include "yang/XmlEntity.h"
+#include "yang/instances/XmlEntity.h"
 
 namespace OrvHost {
 

@@ -6,7 +6,7 @@
 
 #include "DotText.h"
 #include "model/Model.h"
-#include "model/ModelDescription.h"
+#include "repository/ModelDescription.h"
 
 #include <cstddef>
 #include <cstdint>

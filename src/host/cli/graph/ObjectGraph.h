@@ -7,7 +7,7 @@
 #include "DotText.h"
 #include "ReferenceLines.h"
 #include "TreePicture.h"
-#include "model/InstanceReport.h"
+#include "audit/InstanceReport.h"
 
 #include <cstddef>
 #include <string>

@@ -3,7 +3,7 @@
 
 #include "ReferenceLines.h"
 
-#include "model/AssociationAudit.h"
+#include "audit/AssociationAudit.h"
 
 #include <algorithm>
 #include <unordered_set>

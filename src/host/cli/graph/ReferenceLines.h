@@ -5,9 +5,9 @@
 #define ORV_HOST_CLI_GRAPH_REFERENCELINES_H
 
 #include "TreePicture.h"
-#include "model/InstanceReport.h"
+#include "audit/InstanceReport.h"
 #include "model/Model.h"
-#include "model/ModelDescription.h"
+#include "repository/ModelDescription.h"
 
 #include <cstddef>
 #include <map>

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_CLI_GRAPH_TREEPICTURE_H
 #define ORV_HOST_CLI_GRAPH_TREEPICTURE_H
 
-#include "model/InstanceSource.h"
+#include "audit/InstanceSource.h"
 
 #include <cstddef>
 #include <optional>

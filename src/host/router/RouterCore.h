@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_ROUTER_ROUTERCORE_H
+#define ORV_HOST_ROUTER_ROUTERCORE_H
+
+#include "ActionHandler.h"
+#include "AutoMemory.h"
+#include "IteratorTable.h"
+#include "base/HostError.h"
+#include "store/MoStore.h"
+#include "transactions/ThreadContext.h"
+
+#include <memory>
+#include <shared_mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// What the router keeps for one transaction, from its join to its finish.
+struct RouterTransaction {
+    std::unique_ptr<StoreTransaction> store;
+    Orv::AutoMemory memory;                ///< the values of version 1
+    std::vector<IteratorHandle> iterators; ///< all that the transaction has opened
+};
+
+/// The router without its tables: the open transactions, the operations that need more than one
+/// call of the store, the conversion of a refusal into a code and a message, and the transaction
+/// participant.
+///
+/// Threads: any; one transaction on one thread at a time. No lock is held while the store, an
+/// action or the thread context is called.
+class RouterCore {
+public:
+    /// All arguments must outlive the object.
+    RouterCore(MoStore& store, ThreadContext& threadContext);
+
+    /// Runs an operation of a table and returns its code. For a HostError it returns the error's
+    /// code and adds its text to the thread context as a message.
+    template <class Operation>
+    OrvReturnT answer(Operation&& operation) {
+        try {
+            operation();
+            return OrvOk;
+        } catch (const HostError& error) {
+            mThreadContext.addMessage(ThreadContext::Explanation, error.what());
+            return error.code();
+        }
+    }
+
+    /// The router's data of a transaction. OrvNotActive if the transaction is not known.
+    std::shared_ptr<RouterTransaction> transaction(unsigned long txHandle) const;
+
+    IteratorHandle newIterator(unsigned long txHandle, const std::string& parentDn,
+                               const std::string& className);
+    /// The next name, or null at the end. Valid until the next call with the same iterator.
+    char* next(IteratorHandle handle);
+    void finalize(IteratorHandle handle);
+
+    /// Parameters by name.
+    AttributeValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                          std::vector<NamedValue> parameters);
+    /// Parameters by position, as version 1 gives them.
+    AttributeValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                          const std::vector<AttributeValue>& parameters);
+    void setActionHandler(ActionHandler handler) { mActionHandler = std::move(handler); }
+
+    // The participant; see OrvOamSpiTransactionalResource_2.
+    OrvReturnT join(unsigned long txHandle);
+    OrvReturnT prepare(unsigned long txHandle);
+    OrvReturnT commit(unsigned long txHandle);
+    OrvReturnT abort(unsigned long txHandle);
+    OrvReturnT finish(unsigned long txHandle);
+    OrvReturnT validate(unsigned long txHandle, bool* result);
+
+private:
+    const ActionDef& requireAction(const ClassDef& moc, const std::string& dn,
+                                   const std::string& name) const;
+
+    MoStore& mStore;
+    ThreadContext& mThreadContext;
+    ActionHandler mActionHandler;
+    IteratorTable mIterators;
+
+    mutable std::shared_mutex mMutex; ///< guards mTransactions
+    std::unordered_map<unsigned long, std::shared_ptr<RouterTransaction>> mTransactions;
+};
+
+}
+
+#endif

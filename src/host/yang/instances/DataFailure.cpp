@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DataFailure.h"
+
+#include "yang/source/YangText.h"
+#include "yang/types/TypeDescription.h"
+
+#include <string_view>
+#include <vector>
+
+namespace OrvHost {
+namespace {
+
+struct Hint {
+    const char* sign; ///< a part of the library's message
+    const char* text;
+};
+
+constexpr Hint kHints[] = {
+    {"must be namespace-qualified",
+     "the outermost names are written with their module, as in \"module:Name\""},
+    {"non-num64-encoded", "numbers of 64 bits are written in quotes"},
+    {"non-string-encoded", "texts, numbers of 64 bits and decimal numbers are written in quotes"},
+    {"non-number-encoded", "a number of up to 32 bits is written without quotes"},
+    {"non-boolean-encoded", "true and false are written without quotes"},
+    {"non-empty-encoded", "the value of an empty leaf is written as [null]"},
+    {"Missing XML namespace",
+     "the outermost elements name their module's namespace: xmlns=\"...\""},
+    {"No module named", "the name before the colon is a module's, and the module must be loaded"},
+    {"No module with namespace", "the namespace is a module's, and the module must be loaded"},
+    {"missing its key", "every entry of a list has its key; it is the last part of the DN"},
+    {"to be represented as JSON", "lists are written as [...], containers as {...}"}};
+
+std::string hintFor(const std::string& message) {
+    for (const Hint& hint : kHints) {
+        if (message.find(hint.sign) != std::string::npos) {
+            return std::string(" (") + hint.text + ")";
+        }
+    }
+    return "";
+}
+
+/// A path in data without the parts that identify the entries of lists.
+std::string schemaPath(const std::string& dataPath) {
+    std::string path;
+    bool isInside = false;
+    char quote = '\0';
+    for (const char c : dataPath) {
+        if (isInside) {
+            quote = c == quote ? '\0' : (quote == '\0' && (c == '"' || c == '\'') ? c : quote);
+            isInside = c != ']' || quote != '\0';
+        } else if (c == '[') {
+            isInside = true;
+        } else {
+            path += c;
+        }
+    }
+    return path;
+}
+
+/// What was expected at a path in data, if it is the path of a value.
+std::string expectedAt(const YangContext& context, const std::string& dataPath) {
+    if (dataPath.empty()) {
+        return "";
+    }
+    const lysc_node* node = lys_find_path(context.get(), nullptr, schemaPath(dataPath).c_str(), 0);
+    context.takeMessages(); // drops the message that there is no such node, which is expected here
+    const bool isValue = node != nullptr && (node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0;
+    return isValue ? "; expected: " + expectedBy(node) : "";
+}
+
+bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+/// At the end of the text the library quotes the missing character.
+std::string wordingOf(const YangMessage& message) {
+    const std::string text = withSingleSpaces(message.text);
+    return endsWith(text, "character \"") ? "the text ends too early" : text;
+}
+
+}
+
+ModelProblem describeFailure(const YangContext& context, const std::string& label) {
+    const std::vector<YangMessage> messages = context.takeMessages();
+    if (messages.empty()) {
+        return {{label, 0}, "the data cannot be read"};
+    }
+    const YangMessage& message = messages.front();
+    const std::string place = message.path.empty() ? "" : " at " + message.path;
+    return {{label, message.line},
+            wordingOf(message) + hintFor(message.text) + place + expectedAt(context, message.path)};
+}
+
+}

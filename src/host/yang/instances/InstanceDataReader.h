@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_INSTANCES_INSTANCEDATAREADER_H
+#define ORV_HOST_YANG_INSTANCES_INSTANCEDATAREADER_H
+
+#include "yang/instances/DataObject.h"
+#include "yang/instances/InstanceDataError.h"
+#include "yang/schema/YangSchema.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct lyd_node;
+
+namespace OrvHost {
+
+/// How far reading has come.
+struct DataProgress {
+    std::size_t filesDone = 0;
+    std::size_t filesInAll = 0;
+    std::size_t objects = 0;     ///< delivered so far
+    std::uint64_t bytesDone = 0; ///< of the files that are done
+    std::uint64_t bytesInAll = 0;
+};
+
+/// Reads instance data, one file at a time, into a flat sequence of objects: parents before their
+/// children, objects of one class under one parent in the order of the text.
+///
+/// The reader enforces the modules' types, and that every node is part of the model. It does not
+/// check how objects fit together: multiplicities, associations, repeated objects (see
+/// InstanceChecker).
+///
+/// Memory is that of the largest file's tree (1.7 kB for an object of nine values), which is freed
+/// before the next file is read. Several readers may share a schema and run at the same time.
+class InstanceDataReader {
+public:
+    /// Receives the object. `file` is the file it was read from, valid during the call. An
+    /// exception from it ends the reading and reaches the caller.
+    using Sink = std::function<void(DataObject&& object, const std::string& file)>;
+    using Progress = std::function<void(const DataProgress& progress)>;
+
+    explicit InstanceDataReader(std::shared_ptr<const YangSchema> schema);
+
+    /// Called after each file, and after every 4096 objects.
+    InstanceDataReader& onProgress(Progress progress);
+
+    /// Reads files, and all `.json` and `.xml` files of directories in the order of their names.
+    /// The file's first character decides the format. Returns the number of objects.
+    /// \throws InstanceDataError with the first error of each file; the YANG library reports no
+    /// others. The objects of the files before the first faulty one have been delivered.
+    std::size_t read(const std::vector<std::filesystem::path>& paths, const Sink& sink);
+
+    /// Reads a text. `label` is used as the file name in messages.
+    /// \throws InstanceDataError
+    std::size_t readText(const std::string& text, const std::string& label, const Sink& sink);
+
+private:
+    void readFile(const std::filesystem::path& file, const Sink* sink);
+    void parseAndDeliver(const std::string& text, const std::string& label, const Sink* sink);
+    void report(bool always);
+
+    std::shared_ptr<const YangSchema> mSchema;
+    Progress mProgress;
+    DataProgress mState;
+};
+
+}
+
+#endif

@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "InstanceDataWriter.h"
+
+#include "yang/instances/ObjectText.h"
+#include "yang/source/YangContext.h"
+
+#include <fstream>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+[[noreturn]] void refuse(std::string_view dn, const std::string& text) {
+    throw InstanceDataError({{{}, std::string(dn) + ": " + text}});
+}
+
+/// The last step of a DN.
+struct Step {
+    std::string_view parentDn;
+    std::string_view className;
+    std::string_view value;
+};
+
+Step lastStep(std::string_view dn) {
+    const std::size_t comma = dn.rfind(',');
+    const bool isTop = comma == std::string_view::npos;
+    const std::string_view step = isTop ? dn : dn.substr(comma + 1);
+    const std::size_t equals = step.find('=');
+    if (equals == std::string_view::npos || equals == 0 || equals + 1 == step.size()) {
+        refuse(dn, "is not a DN; steps such as Class=value with commas between were expected");
+    }
+    return {isTop ? std::string_view() : dn.substr(0, comma), step.substr(0, equals),
+            step.substr(equals + 1)};
+}
+
+}
+
+InstanceDataWriter::InstanceDataWriter(std::shared_ptr<const YangSchema> schema, DataFormat format)
+    : mSchema(std::move(schema)),
+      mText(ObjectText::make(format, mSchema->context())),
+      mRoot(std::make_unique<TextNode>()) {}
+
+InstanceDataWriter::~InstanceDataWriter() = default;
+
+InstanceDataWriter& InstanceDataWriter::indent(bool on) {
+    mStep = on ? 2 : 0;
+    return *this;
+}
+
+void InstanceDataWriter::add(const DataObject& object) {
+    const std::string value(lastStep(object.dn).value);
+    std::string body;
+    try {
+        body = mText->body(shapeFor(object.dn), value, object.attributes);
+    } catch (const UnwritableValue& error) {
+        refuse(object.dn, error.what());
+    }
+    Entry& entry = enter(object.dn);
+    if (entry.isAdded) {
+        refuse(object.dn, "the object was added before");
+    }
+    entry.node->body = std::move(body);
+    entry.isAdded = true;
+    ++mSize;
+}
+
+const ObjectShape& InstanceDataWriter::shapeFor(std::string_view dn) const {
+    const auto known = mEntries.find(std::string(dn));
+    if (known != mEntries.end()) {
+        return *known->second.shape;
+    }
+    const Step step = lastStep(dn);
+    const ObjectShape* parent = step.parentDn.empty() ? nullptr : &shapeFor(step.parentDn);
+    const ObjectShape* shape = mSchema->find(parent, step.className);
+    if (shape == nullptr) {
+        const std::string where =
+            parent != nullptr ? "under class \"" + parent->className + "\"" : "at the top";
+        refuse(dn, "no class \"" + std::string(step.className) + "\" stands " + where);
+    }
+    return *shape;
+}
+
+/// The DN has a class of the model, since shapeFor() has found it.
+InstanceDataWriter::Entry& InstanceDataWriter::enter(std::string_view dn) {
+    const auto known = mEntries.find(std::string(dn));
+    if (known != mEntries.end()) {
+        return known->second;
+    }
+    const Step step = lastStep(dn);
+    TextNode& parent = step.parentDn.empty() ? *mRoot : *enter(step.parentDn).node;
+    const ObjectShape& shape = shapeFor(dn);
+    TextNode& node = place(shape, parent);
+    node.body = mText->body(shape, std::string(step.value), {});
+    return mEntries.emplace(std::string(dn), Entry{&shape, &node, false}).first->second;
+}
+
+TextNode& InstanceDataWriter::place(const ObjectShape& shape, TextNode& parent) {
+    TextNode* around = &parent;
+    for (const lysc_node* wrapper : shape.wrappers) {
+        TextNode::Group& group = around->group(wrapper);
+        if (group.nodes.empty()) {
+            group.nodes.push_back(std::make_unique<TextNode>());
+        }
+        around = group.nodes.front().get();
+    }
+    TextNode::Group& group = around->group(shape.list);
+    group.nodes.push_back(std::make_unique<TextNode>());
+    return *group.nodes.back();
+}
+
+void InstanceDataWriter::write(std::ostream& out) const {
+    mText->write(out, *mRoot, mStep);
+}
+
+void InstanceDataWriter::writeFile(const std::filesystem::path& file) const {
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    write(out);
+    out.close();
+    if (!out) {
+        throw InstanceDataError({{{file.string(), 0}, "cannot be written"}});
+    }
+}
+
+void InstanceDataWriter::clear() {
+    mEntries.clear();
+    mRoot = std::make_unique<TextNode>();
+    mSize = 0;
+}
+
+}

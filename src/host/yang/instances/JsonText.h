@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_INSTANCES_JSONTEXT_H
+#define ORV_HOST_YANG_INSTANCES_JSONTEXT_H
+
+#include "yang/instances/ObjectText.h"
+
+namespace OrvHost {
+
+/// The JSON of RFC 7951.
+class JsonText : public ObjectText {
+public:
+    using ObjectText::ObjectText;
+
+    std::string body(const ObjectShape& shape, const std::string& namingValue,
+                     const std::vector<NamedValue>& attributes) const override;
+    void write(std::ostream& out, const TextNode& root, int step) const override;
+
+private:
+    std::string member(const NamedValue& value, const ValueShape& shape,
+                       const lysc_node* parent) const;
+    std::string single(const Value& value, const ValueShape& shape) const;
+    std::string scalar(const Value& value, const lysc_node* node) const;
+    std::string structure(const StructValue& value, const ValueShape& shape) const;
+};
+
+}
+
+#endif

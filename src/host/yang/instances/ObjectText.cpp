@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ObjectText.h"
+
+#include "yang/instances/JsonText.h"
+#include "yang/instances/XmlText.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+TextNode::Group& TextNode::group(const lysc_node* schema) {
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [schema](const Group& g) { return g.schema == schema; });
+    if (found != groups.end()) {
+        return *found;
+    }
+    groups.push_back({schema, {}});
+    return groups.back();
+}
+
+std::unique_ptr<ObjectText> ObjectText::make(DataFormat format, const YangContext& context) {
+    if (format == DataFormat::Json) {
+        return std::make_unique<JsonText>(context);
+    }
+    return std::make_unique<XmlText>(context);
+}
+
+const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes) {
+    const auto found = std::find_if(shapes.begin(), shapes.end(), [&value](const ValueShape& s) {
+        return s.name == value.first;
+    });
+    if (found == shapes.end()) {
+        throw UnwritableValue("there is no attribute or member \"" + value.first + "\"");
+    }
+    const auto isOdd = [found](const Value& v) { return !isOfKind(v, found->kind); };
+    const std::vector<Value>& values = value.second.values;
+    if (std::any_of(values.begin(), values.end(), isOdd)) {
+        throw UnwritableValue("\"" + value.first + "\" is not a " +
+                              std::string(kindName(found->kind)));
+    }
+    if (!found->isMultiple && values.size() > 1) {
+        throw UnwritableValue("\"" + value.first + "\" has " + std::to_string(values.size()) +
+                              " values; one was expected");
+    }
+    return *found;
+}
+
+void writeIndented(std::ostream& out, const std::string& text, int indent) {
+    const std::string spaces(static_cast<std::size_t>(indent), ' ');
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+        out << spaces;
+        out.write(text.data() + start, static_cast<std::streamsize>(end - start));
+        start = end;
+    }
+}
+
+}

@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_INSTANCES_OBJECTTEXT_H
+#define ORV_HOST_YANG_INSTANCES_OBJECTTEXT_H
+
+#include "yang/instances/DataObject.h"
+#include "yang/schema/YangSchema.h"
+#include "yang/source/YangContext.h"
+
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// A value that cannot be written; the text has no DN.
+class UnwritableValue : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A container, or an entry of a list, while it is written. Its own values are already text; what
+/// is below it follows by schema node, since JSON keeps the entries of a list together.
+struct TextNode {
+    struct Group {
+        const lysc_node* schema = nullptr;
+        std::vector<std::unique_ptr<TextNode>> nodes;
+    };
+
+    std::string body; ///< lines, without indentation of their own level and without a last line end
+    std::vector<Group> groups;
+
+    /// The group of that schema node; if there is none, a new one at the end.
+    Group& group(const lysc_node* schema);
+};
+
+/// Writes objects in one of the two formats.
+class ObjectText {
+public:
+    explicit ObjectText(const YangContext& context) : mContext(context) {}
+    virtual ~ObjectText() = default;
+    ObjectText(const ObjectText&) = delete;
+    ObjectText& operator=(const ObjectText&) = delete;
+
+    static std::unique_ptr<ObjectText> make(DataFormat format, const YangContext& context);
+
+    /// The text of an object's key and attributes.
+    /// \throws UnwritableValue
+    virtual std::string body(const ObjectShape& shape, const std::string& namingValue,
+                             const std::vector<NamedValue>& attributes) const = 0;
+
+    /// The text of a whole tree: everything below `root`. `step` is the number of spaces for each
+    /// level.
+    virtual void write(std::ostream& out, const TextNode& root, int step) const = 0;
+
+protected:
+    const YangContext& context() const { return mContext; }
+
+private:
+    const YangContext& mContext;
+};
+
+/// The shape with that name. The value must have its kind, and must be single if the shape is.
+/// \throws UnwritableValue
+const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes);
+
+/// Writes `text`, which can have several lines, with `indent` spaces before each line.
+void writeIndented(std::ostream& out, const std::string& text, int indent);
+
+}
+
+#endif

@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "TreeReader.h"
+
+#include "DnUtil.h"
+#include "yang/instances/InstanceDataError.h"
+#include "yang/types/ValueText.h"
+
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+std::string pathOf(const lyd_node* node) {
+    const std::unique_ptr<char, void (*)(void*)> path(lyd_path(node, LYD_PATH_STD, nullptr, 0),
+                                                      std::free);
+    return path ? path.get() : "";
+}
+
+}
+
+TreeReader::TreeReader(const YangSchema& schema, std::string label)
+    : mSchema(schema), mLabel(std::move(label)) {}
+
+void TreeReader::read(const lyd_node* first, const Sink& sink) {
+    readSiblings(first, "", sink);
+    if (!mProblems.empty()) {
+        throw InstanceDataError(std::move(mProblems));
+    }
+}
+
+void TreeReader::readSiblings(const lyd_node* first, const std::string& parentDn,
+                              const Sink& sink) {
+    for (const lyd_node* node = first; node != nullptr; node = node->next) {
+        if (const ObjectShape* shape = mSchema.objectAt(node->schema); shape != nullptr) {
+            readObject(node, *shape, parentDn, sink);
+        } else if (mSchema.isTransparent(node->schema)) {
+            readSiblings(lyd_child(node), parentDn, sink);
+        } else {
+            refuse(node, "is not part of the model: it stands outside of any class");
+        }
+    }
+}
+
+void TreeReader::readObject(const lyd_node* node, const ObjectShape& shape,
+                            const std::string& parentDn, const Sink& sink) {
+    DataObject object;
+    object.dn = parentDn + (parentDn.empty() ? "" : ",") + shape.className + "=" +
+                namingValueOf(node, shape);
+    object.moc = shape.moc;
+    Contents contents;
+    gather(lyd_child(node), shape, contents);
+    object.attributes = std::move(contents.attributes);
+    object.isBare = contents.isBare;
+    const std::string dn = object.dn;
+    sink(std::move(object));
+    for (const lyd_node* child : contents.children) {
+        readObject(child, *mSchema.objectAt(child->schema), dn, sink);
+    }
+}
+
+void TreeReader::gather(const lyd_node* first, const ObjectShape& shape, Contents& contents) {
+    for (const lyd_node* node = first; node != nullptr; node = node->next) {
+        if (node->schema == shape.key) {
+            continue;
+        }
+        if (mSchema.objectAt(node->schema) != nullptr) {
+            contents.children.push_back(node);
+            continue;
+        }
+        contents.isBare = false;
+        if (mSchema.isTransparent(node->schema)) {
+            gather(lyd_child(node), shape, contents);
+        } else {
+            append(node, contents.attributes);
+        }
+    }
+}
+
+void TreeReader::append(const lyd_node* node, std::vector<NamedValue>& values) {
+    const ValueShape* shape = mSchema.valueAt(node->schema);
+    if (shape == nullptr) {
+        refuse(node, "is not part of the model, see the notes on loading it");
+        return;
+    }
+    // All instances of one node are together in the tree, wherever they were in the text.
+    const bool isAnother = !values.empty() && values.back().first == shape->name;
+    if (!isAnother) {
+        values.emplace_back(shape->name, AttributeValue{shape->kind, {}});
+    } else if (!shape->isMultiple) {
+        refuse(node, "is given twice; one value was expected");
+        return;
+    }
+    values.back().second.values.push_back(valueOf(node, *shape));
+}
+
+Value TreeReader::valueOf(const lyd_node* node, const ValueShape& shape) {
+    if (shape.kind != ValueKind::Struct) {
+        const auto* term = reinterpret_cast<const lyd_node_term*>(node);
+        return readValue(LYD_CTX(node), term->value, shape.kind);
+    }
+    StructValue value;
+    for (const lyd_node* member = lyd_child(node); member != nullptr; member = member->next) {
+        append(member, value.members);
+    }
+    return value;
+}
+
+std::string TreeReader::namingValueOf(const lyd_node* node, const ObjectShape& shape) {
+    const lyd_node* key = lyd_child(node);
+    const char* text = key != nullptr && key->schema == shape.key ? lyd_get_value(key) : nullptr;
+    if (!Orv::DnUtil::validateMoNamingAttr(text)) {
+        refuse(node, "\"" + std::string(text != nullptr ? text : "") +
+                         "\" cannot be a value in a DN: a text was expected without control "
+                         "characters and without , = + \" \\ < > ; that neither begins nor ends "
+                         "with a space");
+    }
+    return text != nullptr ? text : "";
+}
+
+void TreeReader::refuse(const lyd_node* node, const std::string& text) {
+    mProblems.push_back({{mLabel, 0}, pathOf(node) + ": " + text});
+}
+
+}

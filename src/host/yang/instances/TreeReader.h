@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_INSTANCES_TREEREADER_H
+#define ORV_HOST_YANG_INSTANCES_TREEREADER_H
+
+#include "model/ModelError.h"
+#include "yang/instances/DataObject.h"
+#include "yang/schema/YangSchema.h"
+
+#include <libyang/libyang.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// Turns a tree of instance data into objects.
+class TreeReader {
+public:
+    using Sink = std::function<void(DataObject&& object)>;
+
+    /// `label` is used as the name of the data's file in messages.
+    TreeReader(const YangSchema& schema, std::string label);
+
+    /// Delivers the objects of a whole tree, whose first node may be null.
+    /// \throws InstanceDataError with all problems, after the last object
+    void read(const lyd_node* first, const Sink& sink);
+
+private:
+    /// The direct contents of an object.
+    struct Contents {
+        std::vector<NamedValue> attributes;
+        std::vector<const lyd_node*> children;
+        bool isBare = true;
+    };
+
+    void readSiblings(const lyd_node* first, const std::string& parentDn, const Sink& sink);
+    void readObject(const lyd_node* node, const ObjectShape& shape, const std::string& parentDn,
+                    const Sink& sink);
+    void gather(const lyd_node* first, const ObjectShape& shape, Contents& contents);
+    void append(const lyd_node* node, std::vector<NamedValue>& values);
+    Value valueOf(const lyd_node* node, const ValueShape& shape);
+    std::string namingValueOf(const lyd_node* node, const ObjectShape& shape);
+    void refuse(const lyd_node* node, const std::string& text);
+
+    const YangSchema& mSchema;
+    std::string mLabel;
+    std::vector<ModelProblem> mProblems;
+};
+
+}
+
+#endif

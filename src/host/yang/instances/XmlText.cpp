@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "XmlText.h"
+
+#include "yang/instances/XmlEntity.h"
+#include "yang/types/ValueText.h"
+
+namespace OrvHost {
+namespace {
+
+constexpr const char* kStep = "  ";
+
+std::string escapeCharacter(char c) {
+    if (const char* const entity = xmlEntity(c)) {
+        return entity;
+    }
+    if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
+        throw UnwritableValue("a text with a control character cannot be written as XML");
+    }
+    return std::string(1, c);
+}
+
+std::string escape(const std::string& text) {
+    std::string escaped;
+    for (const char c : text) {
+        escaped += escapeCharacter(c);
+    }
+    return escaped;
+}
+
+std::string startTag(const lysc_node* node, const lysc_node* parent) {
+    const bool isQualified = parent == nullptr || parent->module != node->module;
+    return std::string(node->name) +
+           (isQualified ? " xmlns=\"" + escape(node->module->ns) + "\"" : "");
+}
+
+std::string element(const lysc_node* node, const lysc_node* parent, const std::string& text) {
+    return "<" + startTag(node, parent) + ">" + text + "</" + node->name + ">";
+}
+
+/// `text` on lines of its own inside an element, indented.
+std::string block(const lysc_node* node, const lysc_node* parent, const std::string& text) {
+    if (text.empty()) {
+        return "<" + startTag(node, parent) + "/>";
+    }
+    std::string moved;
+    for (const char c : text) {
+        moved += c;
+        if (c == '\n') {
+            moved += kStep;
+        }
+    }
+    return "<" + startTag(node, parent) + ">\n" + kStep + moved + "\n</" + node->name + ">";
+}
+
+void appendLine(std::string& text, const std::string& line) {
+    text += (text.empty() || line.empty() ? "" : "\n") + line;
+}
+
+/// Declares the module name of an identity as a prefix.
+std::string declarationFor(const std::string& identity, const YangContext& context) {
+    const std::string module = identity.substr(0, identity.find(':'));
+    const lys_module* found = ly_ctx_get_module_implemented(context.get(), module.c_str());
+    return found == nullptr ? "" : " xmlns:" + module + "=\"" + escape(found->ns) + "\"";
+}
+
+void writeNode(std::ostream& out, const TextNode& node, const lysc_node* schema,
+               const lysc_node* parent, int indent, int step) {
+    const std::string spaces(static_cast<std::size_t>(indent), ' ');
+    out << spaces << "<" << startTag(schema, parent) << ">\n";
+    writeIndented(out, node.body, indent + step);
+    out << (node.body.empty() ? "" : "\n");
+    for (const TextNode::Group& group : node.groups) {
+        for (const std::unique_ptr<TextNode>& child : group.nodes) {
+            writeNode(out, *child, group.schema, schema, indent + step, step);
+        }
+    }
+    out << spaces << "</" << schema->name << ">\n";
+}
+
+}
+
+std::string XmlText::body(const ObjectShape& shape, const std::string& namingValue,
+                          const std::vector<NamedValue>& attributes) const {
+    std::string text = scalar(namingValue, shape.key, shape.list);
+    const lysc_node* wrapper = nullptr;
+    std::string wrapped;
+    for (const NamedValue& value : attributes) {
+        const ValueShape& attribute = shapeOf(value, shape.attributes);
+        if (attribute.wrapper != nullptr) {
+            wrapper = attribute.wrapper;
+            append(wrapped, value, attribute, wrapper);
+        } else {
+            append(text, value, attribute, shape.list);
+        }
+    }
+    if (!wrapped.empty()) {
+        appendLine(text, block(wrapper, shape.list, wrapped));
+    }
+    return text;
+}
+
+void XmlText::append(std::string& text, const NamedValue& value, const ValueShape& shape,
+                     const lysc_node* parent) const {
+    for (const Value& one : value.second.values) {
+        appendLine(text, single(one, shape, parent));
+    }
+}
+
+std::string XmlText::single(const Value& value, const ValueShape& shape,
+                            const lysc_node* parent) const {
+    if (shape.kind != ValueKind::Struct) {
+        return scalar(value, shape.node, parent);
+    }
+    std::string text;
+    for (const NamedValue& member : std::get<StructValue>(value).members) {
+        append(text, member, shapeOf(member, shape.members), shape.node);
+    }
+    return block(shape.node, parent, text);
+}
+
+std::string XmlText::scalar(const Value& value, const lysc_node* node,
+                            const lysc_node* parent) const {
+    const WireValue wire = toWire(value, node, context());
+    if (wire.form == WireValue::Form::Empty) {
+        return wire.text == "false" ? "" : "<" + startTag(node, parent) + "/>";
+    }
+    if (wire.isPath) {
+        throw UnwritableValue("\"" + std::string(node->name) +
+                              "\" is an instance-identifier, which only JSON can hold here");
+    }
+    if (wire.isIdentity) {
+        return "<" + startTag(node, parent) + declarationFor(wire.text, context()) + ">" +
+               escape(wire.text) + "</" + node->name + ">";
+    }
+    return element(node, parent, escape(wire.text));
+}
+
+void XmlText::write(std::ostream& out, const TextNode& root, int step) const {
+    for (const TextNode::Group& group : root.groups) {
+        for (const std::unique_ptr<TextNode>& node : group.nodes) {
+            writeNode(out, *node, group.schema, nullptr, 0, step);
+        }
+    }
+}
+
+}

@@ -1,0 +1,190 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "AssociationReader.h"
+
+#include "yang/source/StatementPlacement.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace OrvHost {
+namespace {
+
+constexpr std::string_view kUniDir = "unidirectional";
+constexpr std::string_view kBiDir = "bidirectional";
+
+/// A statement of orv-associations: name and argument.
+struct Statement {
+    std::string name;
+    std::string argument;
+};
+
+std::vector<Statement> statementsIn(const lysc_ext_instance* extensions) {
+    std::vector<Statement> statements;
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(extensions); ++i) {
+        const lysc_ext_instance& extension = extensions[i];
+        if (std::string_view(extension.def->module->name) == kAssociationsModule) {
+            statements.push_back(
+                {extension.def->name, extension.argument != nullptr ? extension.argument : ""});
+        }
+    }
+    return statements;
+}
+
+std::vector<Statement> associationsIn(const lysc_ext_instance* extensions) {
+    std::vector<Statement> statements = statementsIn(extensions);
+    const auto isOther = [](const Statement& s) { return s.name != kUniDir && s.name != kBiDir; };
+    statements.erase(std::remove_if(statements.begin(), statements.end(), isOther),
+                     statements.end());
+    return statements;
+}
+
+void apply(const ReferenceTerms& terms, ReferenceDraft& draft) {
+    draft.cardinality = terms.bounds;
+    draft.roleText = terms.role;
+    draft.keep = terms.keepAtDelete;
+}
+
+}
+
+bool hasStatement(const lysc_node* node, const std::string& name) {
+    const std::vector<Statement> statements = statementsIn(node->exts);
+    return std::any_of(statements.begin(), statements.end(),
+                       [&name](const Statement& s) { return s.name == name; });
+}
+
+void AssociationReader::refuse(const SourcePosition& source, const std::string& keyword,
+                               const std::string& argument, const std::string& reason) {
+    mProblems.push_back({source, keyword + " \"" + argument + "\": " + reason});
+}
+
+std::string AssociationReader::use(const ClassName& name, const SourcePosition& source) {
+    if (!name.module.empty()) {
+        mNamed.push_back({name, source});
+    }
+    return name.name;
+}
+
+void AssociationReader::readModule(const lys_module* module) {
+    for (const Statement& statement : associationsIn(module->compiled->exts)) {
+        readModuleStatement(statement.name, statement.argument,
+                            mLocator.of(module, statement.name, statement.argument));
+    }
+}
+
+void AssociationReader::readModuleStatement(const std::string& keyword, const std::string& argument,
+                                            const SourcePosition& source) {
+    try {
+        if (keyword == kUniDir) {
+            add(parseUniDirInModule(argument), source);
+        } else {
+            add(parseBiDirInModule(argument), source);
+        }
+    } catch (const BadStatement& error) {
+        refuse(source, keyword, argument, error.what());
+    }
+}
+
+void AssociationReader::add(const UniDirInModule& statement, const SourcePosition& source) {
+    ReferenceDraft draft(use(statement.owner.moc, source), statement.owner.attribute);
+    draft.to(use(statement.target, source)).at(source);
+    apply(statement.terms, draft);
+    mFromModules.insert({draft.owner, draft.attribute});
+    mReferences.push_back(std::move(draft));
+}
+
+void AssociationReader::add(const BiDirInModule& statement, const SourcePosition& source) {
+    const bool isOneAttribute =
+        statement.sides[0].first.moc.name == statement.sides[1].first.moc.name &&
+        statement.sides[0].first.attribute == statement.sides[1].first.attribute;
+    for (std::size_t i = 0; i < (isOneAttribute ? 1 : 2); ++i) {
+        const auto& [near, terms] = statement.sides[i];
+        const AttributeName& far = statement.sides[1 - i].first;
+        ReferenceDraft draft(use(near.moc, source), near.attribute);
+        draft.to(use(far.moc, source)).pointedBackBy(far.attribute).at(source);
+        apply(terms, draft);
+        mFromModules.insert({draft.owner, draft.attribute});
+        mReferences.push_back(std::move(draft));
+    }
+}
+
+void AssociationReader::readAttribute(const lysc_node* node, const std::string& className) {
+    for (const Statement& statement : associationsIn(node->exts)) {
+        ReferenceDraft draft(className, node->name);
+        draft.at(mLocator.of(node, statement.name, statement.argument));
+        readInAttribute(statement.name, statement.argument, std::move(draft));
+    }
+}
+
+void AssociationReader::readInAttribute(const std::string& keyword, const std::string& argument,
+                                        ReferenceDraft draft) {
+    try {
+        if (keyword == kUniDir) {
+            const UniDirInLeaf statement = parseUniDirInLeaf(argument);
+            draft.to(use(statement.target, draft.source));
+            apply(statement.terms, draft);
+        } else {
+            const BiDirInLeaf statement = parseBiDirInLeaf(argument);
+            draft.to(use(statement.opposite.moc, draft.source));
+            draft.pointedBackBy(statement.opposite.attribute);
+            apply(statement.terms, draft);
+        }
+        mReferences.push_back(std::move(draft));
+    } catch (const BadStatement& error) {
+        refuse(draft.source, keyword, argument, error.what());
+    }
+}
+
+std::vector<std::string> AssociationReader::readMember(const lysc_node* node) {
+    std::vector<std::string> targets;
+    for (const Statement& statement : associationsIn(node->exts)) {
+        const SourcePosition source = mLocator.of(node, statement.name, statement.argument);
+        targets.push_back(readInMember(statement.name, statement.argument, source));
+    }
+    targets.erase(std::remove(targets.begin(), targets.end(), ""), targets.end());
+    return targets;
+}
+
+std::string AssociationReader::readInMember(const std::string& keyword, const std::string& argument,
+                                            const SourcePosition& source) {
+    try {
+        if (keyword == kBiDir) {
+            throw BadStatement("a reference inside a struct or a parameter cannot be kept in step "
+                               "with another one; only an attribute of a class can");
+        }
+        const UniDirInLeaf statement = parseUniDirInLeaf(argument);
+        if (!statement.terms.isEmpty()) {
+            throw BadStatement("in a struct or a parameter only the class is told; how many there "
+                               "may be is said by mandatory, min-elements and max-elements");
+        }
+        return use(statement.target, source);
+    } catch (const BadStatement& error) {
+        refuse(source, keyword, argument, error.what());
+        return "";
+    }
+}
+
+bool AssociationReader::isReference(const lysc_node* node, const std::string& className) const {
+    return mFromModules.count({className, node->name}) > 0 || !associationsIn(node->exts).empty();
+}
+
+void AssociationReader::addTo(ModelBuilder& builder,
+                              const std::map<std::string, std::set<std::string>>& modulesOf) {
+    for (const Named& named : mNamed) {
+        const auto modules = modulesOf.find(named.moc.name);
+        if (modules != modulesOf.end() && modules->second.count(named.moc.module) == 0) {
+            mProblems.push_back({named.source, "class \"" + named.moc.name +
+                                                   "\" is not of the module \"" + named.moc.module +
+                                                   "\" but of \"" + *modules->second.begin() +
+                                                   "\""});
+        }
+    }
+    for (ReferenceDraft& reference : mReferences) {
+        builder.add(std::move(reference));
+    }
+    mReferences.clear();
+}
+
+}

@@ -1,0 +1,205 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "AttributeReader.h"
+
+#include "yang/source/StatementPlacement.h"
+#include "yang/types/TypeFacts.h"
+#include "yang/types/TypeReader.h"
+#include "yang/types/TypedefChain.h"
+#include "yang/types/ValueText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+constexpr std::string_view kForeignReference = "DistinguishedName";
+
+std::int64_t upperOf(std::uint32_t max) {
+    return max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(max);
+}
+
+Bounds boundsOf(const lysc_node* node) {
+    if (node->nodetype == LYS_LEAFLIST) {
+        const auto* list = reinterpret_cast<const lysc_node_leaflist*>(node);
+        return {list->min, upperOf(list->max)};
+    }
+    if (node->nodetype == LYS_LIST) {
+        const auto* list = reinterpret_cast<const lysc_node_list*>(node);
+        return {list->min, upperOf(list->max)};
+    }
+    const bool isMandatory = (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
+    return {isMandatory ? 1 : 0, 1};
+}
+
+bool isReferenceByType(const lysc_node* node) {
+    const std::vector<std::string> names = typedefsOf(node);
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return name == std::string(kAssociationsModule) + ":reference" ||
+               withoutPrefix(name) == kForeignReference;
+    });
+}
+
+std::vector<Value> defaultsOf(const lysc_node* node, ValueKind kind) {
+    std::vector<Value> values;
+    const ly_ctx* context = node->module->ctx;
+    if (node->nodetype == LYS_LEAF) {
+        const lyd_value* value = reinterpret_cast<const lysc_node_leaf*>(node)->dflt;
+        if (value != nullptr) {
+            values.push_back(readValue(context, *value, kind));
+        }
+        return values;
+    }
+    lyd_value* const* defaults = reinterpret_cast<const lysc_node_leaflist*>(node)->dflts;
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(defaults); ++i) {
+        values.push_back(readValue(context, *defaults[i], kind));
+    }
+    return values;
+}
+
+bool hasRequiredInstance(const lysc_node* node) {
+    const lysc_type* type = typeOfLeaf(node);
+    return (type->basetype == LY_TYPE_LEAFREF &&
+            reinterpret_cast<const lysc_type_leafref*>(type)->require_instance != 0) ||
+           (type->basetype == LY_TYPE_INST &&
+            reinterpret_cast<const lysc_type_instanceid*>(type)->require_instance != 0);
+}
+
+}
+
+AttributeReader::AttributeReader(std::shared_ptr<const YangContext> context,
+                                 const SourceLocator& locator, AssociationReader& associations,
+                                 ModelNotes& notes)
+    : mContext(std::move(context)), mLocator(locator), mAssociations(associations), mNotes(notes) {}
+
+std::optional<AttributeReader::Attribute>
+AttributeReader::readAttribute(const lysc_node* node, const std::string& className, bool isFirst) {
+    return read(node, className, isFirst);
+}
+
+std::optional<AttributeDraft> AttributeReader::readParameter(const lysc_node* node) {
+    std::optional<Attribute> read = this->read(node, "", true);
+    if (!read) {
+        return std::nullopt;
+    }
+    return std::move(read->draft);
+}
+
+/// An empty class name means a member of a struct or a parameter.
+std::optional<AttributeReader::Attribute>
+AttributeReader::read(const lysc_node* node, const std::string& className, bool isFirst) {
+    noteConditions(node);
+    switch (node->nodetype) {
+    case LYS_LEAF:
+    case LYS_LEAFLIST:
+        return readLeaf(node, className, isFirst);
+    case LYS_CONTAINER:
+    case LYS_LIST:
+        return readStruct(node);
+    default:
+        mNotes.count(std::string("`") + lys_nodetype2str(node->nodetype) +
+                         "` nodes are not part of the model",
+                     mLocator.of(node), pathOf(node));
+        return std::nullopt;
+    }
+}
+
+AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
+                                                     const std::string& className, bool isFirst) {
+    const bool isNaming = lysc_is_key(node) && !className.empty();
+    TypeDef type = isNaming ? readKeyType(node, mContext) : readType(node, mContext);
+    Attribute attribute{AttributeDraft(node->name, type.kind), {}};
+    attribute.draft.def.type = std::move(type);
+    attribute.draft.def.isNaming = isNaming;
+    if (isReferenceByType(node) || mAssociations.isReference(node, className)) {
+        tellReference(node, className, isFirst, attribute);
+    }
+    describe(node, attribute);
+    const std::vector<Value> defaults = defaultsOf(node, attribute.draft.def.type.kind);
+    if (!defaults.empty()) {
+        attribute.draft.defaultsTo(defaults);
+    }
+    return attribute;
+}
+
+void AttributeReader::tellReference(const lysc_node* node, const std::string& className,
+                                    bool isFirst, Attribute& attribute) {
+    TypeDef& type = attribute.draft.def.type;
+    if (type.kind != ValueKind::String) {
+        mAssociations.refuse(mLocator.of(node),
+                             pathOf(node) + " is to be a reference, which is a text; its type is " +
+                                 type.description);
+        return;
+    }
+    type.kind = ValueKind::MoRef;
+    type.description = "reference";
+    if (className.empty()) {
+        attribute.draft.targets = mAssociations.readMember(node);
+        return;
+    }
+    if (isFirst) {
+        // The permitted classes come from the associations.
+        mAssociations.readAttribute(node, className);
+    }
+}
+
+AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
+    Attribute attribute{AttributeDraft(node->name, ValueKind::Struct), {}};
+    attribute.draft.def.type.description = "struct";
+    const lysc_node* child = nullptr;
+    while ((child = lys_getnext(child, node, nullptr, 0)) != nullptr) {
+        std::optional<Attribute> member = read(child, "", true);
+        if (member) {
+            attribute.draft.members.push_back(std::move(member->draft));
+            attribute.shape.members.push_back(std::move(member->shape));
+        }
+    }
+    describe(node, attribute);
+    return attribute;
+}
+
+void AttributeReader::describe(const lysc_node* node, Attribute& attribute) const {
+    AttributeDef& def = attribute.draft.def;
+    def.multiplicity = boundsOf(node);
+    // A key is written once, when the object is created.
+    def.isWritable = (node->flags & LYS_CONFIG_R) == 0;
+    def.description = node->dsc != nullptr ? node->dsc : "";
+    def.source = mLocator.of(node);
+    ValueShape& shape = attribute.shape;
+    shape.name = node->name;
+    shape.kind = def.type.kind;
+    shape.isMultiple = (node->nodetype & (LYS_LIST | LYS_LEAFLIST)) != 0;
+    shape.node = node;
+}
+
+void AttributeReader::noteConditions(const lysc_node* node) {
+    const auto note = [this, node](const std::string& what) {
+        mNotes.count(what, mLocator.of(node), pathOf(node));
+    };
+    if (lysc_node_musts(node) != nullptr) {
+        note("`must` statements are not evaluated");
+    }
+    if (lysc_node_when(node) != nullptr) {
+        note("`when` statements are not evaluated: what they guard is always there");
+    }
+    if (node->nodetype == LYS_LIST &&
+        reinterpret_cast<const lysc_node_list*>(node)->uniques != nullptr) {
+        note("`unique` statements are not evaluated");
+    }
+    if ((node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0 && hasRequiredInstance(node)) {
+        note("leafrefs and instance-identifiers are values like others: that what they name exists "
+             "is not checked");
+    }
+    const lysc_node* around = node->parent;
+    if (around != nullptr && (around->nodetype & (LYS_CASE | LYS_CHOICE)) != 0) {
+        const lysc_node* choice = around->nodetype == LYS_CASE ? around->parent : around;
+        if (mNotedChoices.insert(choice).second) {
+            note("all cases of a `choice` are attributes: that only one is used is not checked");
+        }
+    }
+}
+
+}

@@ -1,0 +1,290 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SchemaWalker.h"
+
+#include "yang/source/StatementPlacement.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace OrvHost {
+namespace {
+
+constexpr std::string_view kTransparent = "attributes";
+
+const lysc_node* keyOf(const lysc_node* list) {
+    const lysc_node* child = lysc_node_child(list);
+    return child != nullptr && lysc_is_key(child) ? child : nullptr;
+}
+
+bool hasOneKey(const lysc_node* list) {
+    const lysc_node* key = keyOf(list);
+    return key != nullptr && (key->next == nullptr || !lysc_is_key(key->next));
+}
+
+/// A list with several keys has no single attribute that names its entries, so these are not
+/// objects.
+bool isClass(const lysc_node* node) {
+    return node->nodetype == LYS_LIST && hasOneKey(node) && !hasStatement(node, "struct");
+}
+
+bool isTransparentInClass(const lysc_node* node) {
+    return node->nodetype == LYS_CONTAINER && node->name == kTransparent &&
+           (node->flags & LYS_PRESENCE) == 0;
+}
+
+Bounds instancesOf(const lysc_node* list) {
+    const auto* node = reinterpret_cast<const lysc_node_list*>(list);
+    return {node->min, node->max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(node->max)};
+}
+
+bool isCallable(const lysc_node* node) {
+    return (node->nodetype & (LYS_RPC | LYS_ACTION)) != 0;
+}
+
+}
+
+SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+                           YangSchema& schema, ModelNotes& notes)
+    : mContext(std::move(context)),
+      mFinder(finder),
+      mLocator(finder),
+      mSchema(schema),
+      mNotes(notes),
+      mAssociations(mLocator),
+      mAttributes(mContext, mLocator, mAssociations, mNotes) {}
+
+void SchemaWalker::walk() {
+    const std::vector<const lys_module*> modules = mContext->implementedModules();
+    for (const auto& [name, text] : mFinder.found()) {
+        for (ModelProblem& problem : misplacedStatements(text)) {
+            mProblems.push_back(std::move(problem));
+        }
+    }
+    // The modules' own statements about attributes must be known before the attributes are read.
+    for (const lys_module* module : modules) {
+        mAssociations.readModule(module);
+    }
+    for (const lys_module* module : modules) {
+        walkTop(nullptr, module, {});
+    }
+}
+
+void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
+                           const std::vector<const lysc_node*>& wrappers) {
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, parent, parent == nullptr ? module->compiled : nullptr, 0)) !=
+           nullptr) {
+        if (isClass(node)) {
+            walkObject(node, nullptr, wrappers);
+        } else if (node->nodetype == LYS_CONTAINER) {
+            mSchema.addTransparent(node);
+            mAttributes.noteConditions(node);
+            std::vector<const lysc_node*> inner = wrappers;
+            inner.push_back(node);
+            walkTop(node, module, inner);
+        } else {
+            mNotes.count("what stands outside of any class is not part of the model",
+                         mLocator.of(node), pathOf(node));
+        }
+    }
+}
+
+SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
+    const auto known = mClassByName.find(list->name);
+    if (known == mClassByName.end()) {
+        return addClass(list);
+    }
+    Class& moc = *known->second;
+    // A grouping that several modules use makes one class, although each module has its own copy.
+    const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
+    if (!isSame) {
+        refuseName(list, moc);
+        return *mRefused.back();
+    }
+    mModulesOf[list->name].insert(list->module->name);
+    const Bounds more = instancesOf(list);
+    Bounds& instances = moc.draft.def.instances;
+    instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
+    return moc;
+}
+
+SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
+    const Bounds instances = instancesOf(list);
+    ClassDraft draft(list->name);
+    draft.instances(instances.lower, instances.upper)
+        .described(list->dsc != nullptr ? list->dsc : "")
+        .at(mLocator.of(list));
+    draft.def.namingAttribute = keyOf(list)->name;
+    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), list}));
+    mClassByName.emplace(list->name, mClasses.back().get());
+    mModulesOf[list->name].insert(list->module->name);
+    return *mClasses.back();
+}
+
+void SchemaWalker::refuseName(const lysc_node* list, const Class& known) {
+    mProblems.push_back(
+        {mLocator.of(list), "class \"" + std::string(list->name) + "\" of module \"" +
+                                list->module->name + "\" has the name of a class of module \"" +
+                                known.first->module->name +
+                                "\"; the steps of a DN name a class by its name alone, so it must "
+                                "be the only one"});
+    mRefused.push_back(std::make_unique<Class>(Class{ClassDraft(list->name), list}));
+}
+
+void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
+                              const std::vector<const lysc_node*>& wrappers) {
+    mAttributes.noteConditions(list);
+    Class& moc = enterClass(list);
+    if (parent == nullptr) {
+        moc.draft.topLevel();
+    } else {
+        mContainments.push_back({parent->className, list->name, mLocator.of(list)});
+    }
+    ObjectShape shape;
+    shape.className = list->name;
+    shape.list = list;
+    shape.key = keyOf(list);
+    shape.wrappers = wrappers;
+    ObjectShape& added = mSchema.addObject(parent, std::move(shape));
+    walkContents(list, nullptr, moc, added);
+    walkActions(list, moc);
+}
+
+void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrapper, Class& moc,
+                                ObjectShape& shape) {
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, parent, nullptr, 0)) != nullptr) {
+        if (isCallable(node)) {
+            continue; // see walkActions
+        }
+        if (wrapper == nullptr && isClass(node)) {
+            walkObject(node, &shape, {});
+        } else if (wrapper == nullptr && isTransparentInClass(node)) {
+            mSchema.addTransparent(node);
+            mAttributes.noteConditions(node);
+            walkContents(node, node, moc, shape);
+        } else {
+            addAttribute(node, wrapper, moc, shape);
+        }
+    }
+}
+
+void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                                ObjectShape& shape) {
+    const bool isFirst =
+        std::none_of(moc.draft.attributes.begin(), moc.draft.attributes.end(),
+                     [node](const AttributeDraft& known) { return known.def.name == node->name; });
+    std::optional<AttributeReader::Attribute> attribute =
+        mAttributes.readAttribute(node, moc.draft.def.name, isFirst);
+    if (attribute) {
+        uniteAttribute(std::move(*attribute), wrapper, moc, shape);
+    }
+}
+
+void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper,
+                                  Class& moc, ObjectShape& shape) {
+    std::vector<AttributeDraft>& attributes = moc.draft.attributes;
+    const std::string& name = attribute.draft.def.name;
+    const auto known =
+        std::find_if(attributes.begin(), attributes.end(),
+                     [&name](const AttributeDraft& other) { return other.def.name == name; });
+    const bool isHere = name == shape.key->name && attribute.shape.node != shape.key;
+    const auto twice =
+        std::find_if(shape.attributes.begin(), shape.attributes.end(),
+                     [&name](const ValueShape& other) { return other.name == name; });
+    if (isHere || twice != shape.attributes.end()) {
+        mNotes.add(attribute.draft.def.source,
+                   "class \"" + moc.draft.def.name + "\" has an attribute \"" + name +
+                       "\" already; the second one, at " + pathOf(attribute.shape.node) +
+                       ", is not part of the model");
+        return;
+    }
+    if (known != attributes.end() && known->def.type.kind != attribute.draft.def.type.kind) {
+        mNotes.add(attribute.draft.def.source, "attribute \"" + name + "\" of class \"" +
+                                                   moc.draft.def.name + "\" has another type at " +
+                                                   pathOf(attribute.shape.node) +
+                                                   "; there it is not part of the model");
+        return;
+    }
+    if (attribute.shape.node != shape.key) {
+        attribute.shape.wrapper = wrapper;
+        shape.attributes.push_back(std::move(attribute.shape));
+    }
+    if (known == attributes.end()) {
+        attributes.push_back(std::move(attribute.draft));
+    }
+}
+
+void SchemaWalker::walkActions(const lysc_node* list, Class& moc) {
+    for (const lysc_node_action* action = lysc_node_actions(list); action != nullptr;
+         action = action->next) {
+        const auto isKnown = [action](const ActionDraft& known) {
+            return known.name == action->name;
+        };
+        if (std::none_of(moc.draft.actions.begin(), moc.draft.actions.end(), isKnown)) {
+            moc.draft.action(readAction(action));
+        }
+    }
+}
+
+ActionDraft SchemaWalker::readAction(const lysc_node_action* action) {
+    ActionDraft draft(action->name);
+    draft.described(action->dsc != nullptr ? action->dsc : "");
+    draft.parameters = readParameters(&action->input.node);
+    readResult(action, draft);
+    return draft;
+}
+
+/// An action returns one value: several nodes are put into a struct.
+void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft) {
+    std::vector<AttributeDraft> results = readParameters(&action->output.node);
+    if (results.size() == 1) {
+        draft.result(std::move(results.front()));
+    } else if (!results.empty()) {
+        AttributeDraft whole = AttributeDraft::structure("output", std::move(results));
+        draft.result(whole.mandatory().at(mLocator.of(&action->node)));
+    }
+}
+
+std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout) {
+    std::vector<AttributeDraft> parameters;
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
+        std::optional<AttributeDraft> parameter = mAttributes.readParameter(node);
+        if (parameter) {
+            parameters.push_back(std::move(*parameter));
+        }
+    }
+    return parameters;
+}
+
+Model SchemaWalker::build() {
+    ModelBuilder builder;
+    for (const std::unique_ptr<Class>& moc : mClasses) {
+        builder.add(std::move(moc->draft));
+    }
+    for (ContainmentDraft& containment : mContainments) {
+        builder.contain(std::move(containment.parent), std::move(containment.child),
+                        std::move(containment.source));
+    }
+    mAssociations.addTo(builder, mModulesOf);
+    for (ModelProblem& problem : mAssociations.takeProblems()) {
+        mProblems.push_back(std::move(problem));
+    }
+    try {
+        Model model = builder.build();
+        if (mProblems.empty()) {
+            mSchema.complete(model);
+            return model;
+        }
+    } catch (const ModelError& error) {
+        mProblems.insert(mProblems.end(), error.problems().begin(), error.problems().end());
+    }
+    throw ModelError(std::move(mProblems));
+}
+
+}

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_SCHEMA_SCHEMAWALKER_H
+#define ORV_HOST_YANG_SCHEMA_SCHEMAWALKER_H
+
+#include "model/building/ModelBuilder.h"
+#include "yang/schema/AssociationReader.h"
+#include "yang/schema/AttributeReader.h"
+#include "yang/schema/ModelNotes.h"
+#include "yang/schema/YangSchema.h"
+#include "yang/source/SourceLocator.h"
+#include "yang/source/YangContext.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// Walks the compiled modules and collects classes, attributes, actions and associations. One class
+/// can be found at many places: what is said at these places is merged.
+class SchemaWalker {
+public:
+    SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+                 YangSchema& schema, ModelNotes& notes);
+
+    void walk();
+
+    /// Makes the model of everything that was found; completes the schema.
+    /// \throws ModelError with all problems
+    Model build();
+
+private:
+    struct Class {
+        ClassDraft draft;
+        const lysc_node* first; ///< the place that was found first
+    };
+
+    void walkTop(const lysc_node* parent, const lys_module* module,
+                 const std::vector<const lysc_node*>& wrappers);
+    void walkObject(const lysc_node* list, ObjectShape* parent,
+                    const std::vector<const lysc_node*>& wrappers);
+    void walkContents(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                      ObjectShape& shape);
+    void walkActions(const lysc_node* list, Class& moc);
+    Class& enterClass(const lysc_node* list);
+    Class& addClass(const lysc_node* list);
+    void refuseName(const lysc_node* list, const Class& known);
+    void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
+                      ObjectShape& shape);
+    void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
+                        ObjectShape& shape);
+    ActionDraft readAction(const lysc_node_action* action);
+    void readResult(const lysc_node_action* action, ActionDraft& draft);
+    std::vector<AttributeDraft> readParameters(const lysc_node* inout);
+
+    std::shared_ptr<const YangContext> mContext;
+    const ModuleFinder& mFinder;
+    SourceLocator mLocator;
+    YangSchema& mSchema;
+    ModelNotes& mNotes;
+    AssociationReader mAssociations;
+    AttributeReader mAttributes;
+    std::vector<std::unique_ptr<Class>> mClasses;
+    std::vector<std::unique_ptr<Class>> mRefused; ///< lists with the name of another class
+    std::map<std::string, Class*> mClassByName;
+    std::map<std::string, std::set<std::string>> mModulesOf;
+    std::vector<ContainmentDraft> mContainments;
+    std::vector<ModelProblem> mProblems;
+};
+
+}
+
+#endif

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "YangModelReader.h"
+
+#include "yang/schema/ModelNotes.h"
+#include "yang/schema/SchemaWalker.h"
+#include "yang/source/ModuleFinder.h"
+#include "yang/source/StatementPlacement.h"
+#include "yang/source/YangContext.h"
+
+extern const char kEmbedded_orv_associations_yang[];
+
+namespace OrvHost {
+namespace {
+
+bool isPath(const std::string& module) {
+    return module.find('/') != std::string::npos ||
+           std::filesystem::path(module).extension() == ".yang";
+}
+
+/// The names of the modules to load; those given as files get their names after the finder has read
+/// them.
+std::vector<std::string> resolve(const std::vector<std::string>& modules, ModuleFinder& finder) {
+    std::vector<std::string> names;
+    std::vector<ModelProblem> problems;
+    for (const std::string& module : modules) {
+        try {
+            names.push_back(isPath(module) ? finder.addFile(module) : module);
+        } catch (const ModelError& error) {
+            problems.insert(problems.end(), error.problems().begin(), error.problems().end());
+        }
+    }
+    if (names.empty() && problems.empty()) {
+        problems.push_back({{}, "no module to load was named"});
+    }
+    if (!problems.empty()) {
+        throw ModelError(std::move(problems));
+    }
+    return names;
+}
+
+}
+
+YangModelReader& YangModelReader::searchIn(std::filesystem::path directory) {
+    mSearchPath.push_back(std::move(directory));
+    return *this;
+}
+
+YangModelReader& YangModelReader::load(std::string module) {
+    mModules.push_back(std::move(module));
+    return *this;
+}
+
+YangModelReader& YangModelReader::offerText(std::string name, std::string label, std::string text) {
+    mTexts.push_back({std::move(name), std::move(label), std::move(text)});
+    return *this;
+}
+
+YangModel YangModelReader::read() const {
+    ModuleFinder finder(mSearchPath);
+    finder.addText(kAssociationsModule, "orv-associations.yang (built in)",
+                   kEmbedded_orv_associations_yang);
+    for (const Text& text : mTexts) {
+        finder.addText(text.name, text.label, text.text);
+    }
+    const std::vector<std::string> names = resolve(mModules, finder);
+    auto context = std::make_shared<YangContext>();
+    context->load(names, finder);
+
+    auto schema = std::make_shared<YangSchema>(context);
+    ModelNotes notes;
+    SchemaWalker walker(context, finder, *schema, notes);
+    walker.walk();
+    YangModel result{walker.build(), schema, {}};
+    result.notes = std::move(notes).take();
+    return result;
+}
+
+}

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_SOURCE_LOADREPORT_H
+#define ORV_HOST_YANG_SOURCE_LOADREPORT_H
+
+#include "model/ModelError.h"
+#include "yang/source/ModuleFinder.h"
+#include "yang/source/YangContext.h"
+
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// Sorts the YANG library's messages about one failed load. The library reports the cause first,
+/// with a line but without the file, then the modules around it from the inside out.
+class LoadReport {
+public:
+    /// `finder` was used for the load, and must outlive this object.
+    explicit LoadReport(const ModuleFinder& finder) : mFinder(finder) {}
+
+    /// Takes the messages one by one, in their order.
+    void take(const YangMessage& message);
+
+    std::vector<ModelProblem> problems() && { return std::move(mProblems); }
+
+private:
+    void takeFailedModule(const std::string& module, const std::string& text);
+    void claim(const std::string& module);
+    int lineOfCause(const ModuleText& module, const std::string& text) const;
+
+    const ModuleFinder& mFinder;
+    const std::regex mParsing{R"(^Parsing (?:sub)?module "([^"]*)\" failed)"};
+    const std::regex mLoading{R"(^(?:Loading "([^"]*)\" module|Including "([^"]*)\" submodule))"};
+    std::string mMissing;
+    std::vector<ModelProblem> mProblems;
+};
+
+}
+
+#endif

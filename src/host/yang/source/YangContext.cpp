@@ -1,0 +1,222 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "YangContext.h"
+
+#include "yang/source/LoadReport.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <regex>
+#include <stdexcept>
+
+namespace OrvHost {
+namespace {
+
+constexpr std::uint16_t kOptions = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS |
+                                   LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_EXPLICIT_COMPILE |
+                                   LY_CTX_SET_PRIV_PARSED | LY_CTX_REF_IMPLEMENTED;
+
+void freeText(void* text, void*) {
+    std::free(text); // NOLINT(cppcoreguidelines-no-malloc)
+}
+
+/// The library calls this for each module and submodule that it needs.
+LY_ERR provideModule(const char* module, const char* revision, const char* submodule,
+                     const char* submoduleRevision, void* finder, LYS_INFORMAT* format,
+                     const char** text, ly_module_imp_data_free_clb* release) {
+    const char* name = submodule != nullptr ? submodule : module;
+    const char* wanted = submodule != nullptr ? submoduleRevision : revision;
+    const ModuleText* found =
+        static_cast<ModuleFinder*>(finder)->find(name, wanted != nullptr ? wanted : "");
+    if (found == nullptr) {
+        return LY_ENOT;
+    }
+    // The library takes a copy of its own until it calls `release`.
+    *text = strdup(found->text.c_str());
+    *format = LYS_IN_YANG;
+    *release = freeText;
+    return *text == nullptr ? LY_EMEM : LY_SUCCESS;
+}
+
+int lineIn(const std::string& path) {
+    static const std::regex pattern("[Ll]ine number ([0-9]+)");
+    std::smatch match;
+    return std::regex_search(path, match, pattern) ? std::stoi(match[1]) : 0;
+}
+
+std::string nodeIn(const std::string& path) {
+    static const std::regex pattern("(?:location \"([^\"]*)\")|^(/.*)$");
+    std::smatch match;
+    if (!std::regex_search(path, match, pattern)) {
+        return "";
+    }
+    return match[1].matched ? match[1].str() : match[2].str();
+}
+
+std::string fileOf(const std::string& module, const ModuleFinder& finder) {
+    const auto found = finder.found().find(module);
+    return found == finder.found().end() ? "" : found->second.file;
+}
+
+/// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
+/// definition that came from a grouping is not found.
+int lineOfNode(const YangText& text, const std::string& path) {
+    const std::size_t augment = path.find("{augment='");
+    if (augment != std::string::npos) {
+        const std::size_t start = augment + std::strlen("{augment='");
+        return text.lineOfFirst("augment", path.substr(start, path.find('\'', start) - start));
+    }
+    const std::string name(withoutPrefix(path.substr(path.rfind('/') + 1)));
+    for (const char* keyword : {"leaf", "leaf-list", "list", "container", "choice", "action"}) {
+        if (const int line = text.lineOfFirst(keyword, name); line > 0) {
+            return line;
+        }
+    }
+    return 0;
+}
+
+void appendNew(std::vector<ModelProblem>& all, std::vector<ModelProblem> more) {
+    for (ModelProblem& problem : more) {
+        const auto isSame = [&problem](const ModelProblem& other) {
+            return toText(other) == toText(problem);
+        };
+        if (std::none_of(all.begin(), all.end(), isSame)) {
+            all.push_back(std::move(problem));
+        }
+    }
+}
+
+}
+
+YangContext::YangContext() {
+    // A setting of the whole process: store messages in the context and print none.
+    static const std::uint32_t previous = ly_log_options(LY_LOSTORE);
+    static_cast<void>(previous);
+    const LY_ERR code = ly_ctx_new(nullptr, kOptions, &mContext);
+    if (code == LY_EMEM) {
+        throw std::bad_alloc();
+    }
+    if (code != LY_SUCCESS) {
+        throw std::runtime_error("the YANG library cannot be set up");
+    }
+}
+
+YangContext::~YangContext() {
+    ly_ctx_destroy(mContext);
+}
+
+void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& finder) {
+    ly_ctx_set_module_imp_clb(mContext, provideModule, &finder);
+    const char* allFeatures[] = {"*", nullptr};
+    std::vector<ModelProblem> problems;
+    for (const std::string& module : modules) {
+        if (ly_ctx_load_module(mContext, module.c_str(), nullptr, allFeatures) == nullptr) {
+            appendNew(problems, loadProblems(module, finder));
+        }
+    }
+    // After a failed load the library forgets the modules loaded before, and compiling "succeeds".
+    if (problems.empty() && ly_ctx_compile(mContext) != LY_SUCCESS) {
+        problems = compileProblems(finder);
+    }
+    ly_ctx_set_module_imp_clb(mContext, nullptr, nullptr);
+    appendNew(problems, finder.problems());
+    if (!problems.empty()) {
+        throw ModelError(std::move(problems));
+    }
+}
+
+std::vector<ModelProblem> YangContext::loadProblems(const std::string& module,
+                                                    const ModuleFinder& finder) const {
+    LoadReport report(finder);
+    for (const YangMessage& message : takeMessages()) {
+        report.take(message);
+    }
+    std::vector<ModelProblem> problems = std::move(report).problems();
+    if (problems.empty()) {
+        problems.push_back({{fileOf(module, finder), 0}, "module cannot be loaded"});
+    }
+    return problems;
+}
+
+std::vector<ModelProblem> YangContext::compileProblems(const ModuleFinder& finder) const {
+    std::vector<ModelProblem> problems;
+    for (const YangMessage& message : takeMessages()) {
+        const std::string module = message.path.substr(
+            std::min<std::size_t>(1, message.path.size()), message.path.find(':') - 1);
+        const auto text = finder.found().find(module);
+        SourcePosition source;
+        if (text != finder.found().end()) {
+            source = {text->second.file, lineOfNode(text->second.statements, message.path)};
+        }
+        const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
+        problems.push_back({source, message.text + place});
+    }
+    if (problems.empty()) {
+        problems.push_back({{}, "the modules do not fit together"});
+    }
+    return problems;
+}
+
+std::vector<const lys_module*> YangContext::implementedModules() const {
+    std::vector<const lys_module*> modules;
+    std::uint32_t position = ly_ctx_internal_modules_count(mContext);
+    while (const lys_module* module = ly_ctx_get_module_iter(mContext, &position)) {
+        if (module->compiled != nullptr) {
+            modules.push_back(module);
+        }
+    }
+    return modules;
+}
+
+std::vector<YangMessage> YangContext::takeMessages() const {
+    std::vector<YangMessage> messages;
+    for (const ly_err_item* item = ly_err_first(mContext); item != nullptr; item = item->next) {
+        if (item->level == LY_LLERR) {
+            const std::string path = item->path != nullptr ? item->path : "";
+            messages.push_back({item->msg != nullptr ? item->msg : "", nodeIn(path), lineIn(path)});
+        }
+    }
+    ly_err_clean(mContext, nullptr);
+    return messages;
+}
+
+std::string YangContext::refusal(const lysc_node* node, const std::string& text) const {
+    const std::lock_guard<std::mutex> lock(mValidation);
+    const LY_ERR code =
+        lyd_value_validate(mContext, node, text.c_str(), text.size(), nullptr, nullptr, nullptr);
+    const std::vector<YangMessage> messages = takeMessages();
+    if (code == LY_SUCCESS || code == LY_EINCOMPLETE) {
+        return "";
+    }
+    return messages.empty() ? "not a value of this type" : messages.front().text;
+}
+
+std::string YangContext::refusalOfName(const lysc_node* node, const std::string& text) const {
+    std::string refused = refusal(node, text);
+    if (!refused.empty()) {
+        return refused;
+    }
+    const std::lock_guard<std::mutex> lock(mValidation);
+    const char* canonical = nullptr;
+    lyd_value_validate(mContext, node, text.c_str(), text.size(), nullptr, nullptr, &canonical);
+    if (canonical != nullptr && text != canonical) {
+        refused = "\"" + text + "\" names an object as \"" + canonical + "\" only";
+    }
+    lydict_remove(mContext, canonical);
+    takeMessages();
+    return refused;
+}
+
+const lysc_type* YangContext::typeOf(const lysc_node* node, const std::string& text) const {
+    const std::lock_guard<std::mutex> lock(mValidation);
+    const lysc_type* type = nullptr;
+    const LY_ERR code =
+        lyd_value_validate(mContext, node, text.c_str(), text.size(), nullptr, &type, nullptr);
+    takeMessages();
+    return code == LY_SUCCESS || code == LY_EINCOMPLETE ? type : nullptr;
+}
+
+}

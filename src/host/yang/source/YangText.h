@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_SOURCE_YANGTEXT_H
+#define ORV_HOST_YANG_SOURCE_YANGTEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace OrvHost {
+
+/// The statements of a YANG module as text, to find the line of a definition, which the YANG
+/// library does not keep. Understands only the surface of the grammar (words, quoted texts, blocks,
+/// comments) and accepts any text: the YANG library reports what is malformed.
+///
+/// Immutable after construction.
+class YangText {
+public:
+    struct Statement {
+        std::string keyword; ///< as written, with its prefix
+        std::string argument;
+        int line = 0;
+        std::size_t parent = kNone; ///< position in statements()
+    };
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    explicit YangText(std::string_view text);
+
+    const std::vector<Statement>& statements() const { return mStatements; }
+
+    /// The line of the statement with that path below the module: "list Site/leaf name". The
+    /// statement of an extension is given without its prefix. 0: there is none.
+    int lineOf(const std::string& path) const;
+
+    /// The line of the first statement with that keyword, without prefix, and argument; or 0.
+    int lineOfFirst(std::string_view keyword, std::string_view argument) const;
+
+    /// The line of the first statement whose keyword, with its prefix, appears in quotes in `text`;
+    /// 0 if there is none.
+    int lineOfMentioned(const std::string& text) const;
+
+    /// Keyword and argument of the outermost statement; empty texts if there is none.
+    const Statement& top() const;
+
+    /// The prefix under which the module imports that other module; empty if it does not import it.
+    std::string prefixOf(std::string_view importedModule) const;
+
+private:
+    void append(Statement statement);
+    std::string pathOf(const Statement& statement) const;
+
+    std::vector<Statement> mStatements;
+    std::vector<std::string> mPaths; ///< of the statement at the same position
+    std::unordered_map<std::string, int> mLineByPath;
+};
+
+/// `text` with each run of blanks replaced by one space: the form in which arguments over several
+/// lines are compared.
+std::string withSingleSpaces(std::string_view text);
+
+/// `keyword` without its prefix.
+std::string_view withoutPrefix(std::string_view keyword);
+
+}
+
+#endif

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "TypeReader.h"
+
+#include "yang/source/YangText.h"
+#include "yang/types/TypeCheck.h"
+#include "yang/types/TypeDescription.h"
+#include "yang/types/TypeFacts.h"
+#include "yang/types/TypedefChain.h"
+
+namespace OrvHost {
+namespace {
+
+int bitsOf(LY_DATA_TYPE base) {
+    switch (base) {
+    case LY_TYPE_INT8:
+    case LY_TYPE_UINT8:
+        return 8;
+    case LY_TYPE_INT16:
+    case LY_TYPE_UINT16:
+        return 16;
+    case LY_TYPE_INT32:
+    case LY_TYPE_UINT32:
+        return 32;
+    default:
+        return 64;
+    }
+}
+
+TypeCheck::Function signedCheck(const lysc_type* type) {
+    std::vector<TypeCheck::SignedPart> parts = signedParts(rangeOf(type));
+    if (parts.empty()) {
+        const std::int64_t highest = INT64_MAX >> (64 - bitsOf(type->basetype));
+        parts.push_back({-highest - 1, highest});
+    }
+    return TypeCheck::ofInteger(std::move(parts));
+}
+
+TypeCheck::Function unsignedCheck(const lysc_type* type) {
+    std::vector<TypeCheck::UnsignedPart> parts = unsignedParts(rangeOf(type));
+    if (parts.empty()) {
+        parts.push_back({0, UINT64_MAX >> (64 - bitsOf(type->basetype))});
+    }
+    return TypeCheck::ofUnsigned(std::move(parts));
+}
+
+TypeCheck::Function checkByLibrary(const lysc_node* node,
+                                   const std::shared_ptr<const YangContext>& context) {
+    return [node, context](const std::string& text) { return context->refusal(node, text); };
+}
+
+TypeCheck::Function checkOf(const lysc_node* node, const lysc_type* type,
+                            const std::shared_ptr<const YangContext>& context) {
+    switch (kindOf(type)) {
+    case ValueKind::Bool:
+    case ValueKind::Enumeration:
+        return {}; // the kind and the enumerators describe the type completely
+    case ValueKind::Int:
+        return type->basetype == LY_TYPE_UNION ? checkByLibrary(node, context) : signedCheck(type);
+    case ValueKind::Uint:
+        return type->basetype == LY_TYPE_UNION ? checkByLibrary(node, context)
+                                               : unsignedCheck(type);
+    case ValueKind::Double:
+        return TypeCheck::ofDecimal(signedParts(rangeOf(type)),
+                                    as<lysc_type_dec>(type)->fraction_digits);
+    default:
+        const bool isPlainText =
+            type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type)->patterns == nullptr;
+        return isPlainText ? TypeCheck::ofText(unsignedParts(rangeOf(type)))
+                           : checkByLibrary(node, context);
+    }
+}
+
+}
+
+TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>& context) {
+    const lysc_type* type = followLeafrefs(typeOfLeaf(node));
+    TypeDef result;
+    result.kind = kindOf(type);
+    result.check = checkOf(node, type, context);
+    result.description = describeType(type);
+    if (result.kind == ValueKind::Enumeration) {
+        result.enumerators = enumeratorsOf(type);
+    }
+    const std::vector<std::string> typedefs = typedefsOf(node);
+    if (!typedefs.empty()) {
+        result.description =
+            std::string(withoutPrefix(typedefs.front())) + ", " + result.description;
+    }
+    return result;
+}
+
+TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangContext>& context) {
+    TypeDef type = readType(node, context);
+    const bool isText = followLeafrefs(typeOfLeaf(node))->basetype == LY_TYPE_STRING;
+    if (type.kind == ValueKind::Enumeration || isText) {
+        return type;
+    }
+    type.kind = ValueKind::String;
+    type.check = [node, context](const std::string& text) {
+        return context->refusalOfName(node, text);
+    };
+    return type;
+}
+
+}

@@ -1,0 +1,135 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ValueText.h"
+
+#include "yang/types/TypeFacts.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace OrvHost {
+namespace {
+
+/// For a value of a union, the value of its member.
+const lyd_value& effective(const lyd_value& value) {
+    const lyd_value* inner = &value;
+    while (inner->realtype->basetype == LY_TYPE_UNION) {
+        inner = &inner->subvalue->value;
+    }
+    return *inner;
+}
+
+std::int64_t readSigned(const lyd_value& value) {
+    switch (value.realtype->basetype) {
+    case LY_TYPE_INT8:
+        return value.int8;
+    case LY_TYPE_INT16:
+        return value.int16;
+    case LY_TYPE_INT32:
+        return value.int32;
+    default:
+        return value.int64;
+    }
+}
+
+std::uint64_t readUnsigned(const lyd_value& value) {
+    switch (value.realtype->basetype) {
+    case LY_TYPE_UINT8:
+        return value.uint8;
+    case LY_TYPE_UINT16:
+        return value.uint16;
+    case LY_TYPE_UINT32:
+        return value.uint32;
+    default:
+        return value.uint64;
+    }
+}
+
+double readDecimal(const lyd_value& value) {
+    const auto* type = reinterpret_cast<const lysc_type_dec*>(value.realtype);
+    return static_cast<double>(value.dec64) / std::pow(10, type->fraction_digits);
+}
+
+std::string decimalText(double number, int fractionDigits) {
+    std::array<char, 64> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                      std::chars_format::fixed, fractionDigits);
+    std::string text(buffer.data(), result.ptr);
+    // The canonical form has no unnecessary zeros, but at least one digit after the point.
+    const std::size_t point = text.find('.');
+    if (point != std::string::npos) {
+        text.erase(std::max(text.find_last_not_of('0') + 1, point + 2));
+    }
+    return text;
+}
+
+WireValue::Form formOf(LY_DATA_TYPE base) {
+    switch (base) {
+    case LY_TYPE_BOOL:
+    case LY_TYPE_INT8:
+    case LY_TYPE_INT16:
+    case LY_TYPE_INT32:
+    case LY_TYPE_UINT8:
+    case LY_TYPE_UINT16:
+    case LY_TYPE_UINT32:
+        return WireValue::Form::Bare;
+    case LY_TYPE_EMPTY:
+        return WireValue::Form::Empty;
+    default:
+        return WireValue::Form::Quoted; // numbers of 64 bits do not fit into a JSON number
+    }
+}
+
+/// The type that decides the form of a value.
+const lysc_type* formingType(const lysc_node* node, const std::string& text,
+                             const YangContext& context) {
+    const lysc_type* type = followLeafrefs(typeOfLeaf(node));
+    if (type->basetype != LY_TYPE_UNION) {
+        return type;
+    }
+    const lysc_type* member = context.typeOf(node, text);
+    return member != nullptr ? followLeafrefs(member) : type;
+}
+
+}
+
+Value readValue(const ly_ctx* context, const lyd_value& value, ValueKind kind) {
+    const lyd_value& inner = effective(value);
+    switch (kind) {
+    case ValueKind::Bool:
+        return inner.realtype->basetype == LY_TYPE_EMPTY || inner.boolean != 0;
+    case ValueKind::Int:
+        return readSigned(inner);
+    case ValueKind::Uint:
+        return readUnsigned(inner);
+    case ValueKind::Double:
+        return readDecimal(inner);
+    default:
+        return std::string(lyd_value_get_canonical(context, &value));
+    }
+}
+
+WireValue toWire(const Value& value, const lysc_node* node, const YangContext& context) {
+    const lysc_type* declared = followLeafrefs(typeOfLeaf(node));
+    WireValue wire;
+    if (const auto* number = std::get_if<double>(&value); number != nullptr) {
+        const bool isDecimal = declared->basetype == LY_TYPE_DEC64;
+        wire.text =
+            isDecimal
+                ? decimalText(*number,
+                              reinterpret_cast<const lysc_type_dec*>(declared)->fraction_digits)
+                : toText(value);
+    } else {
+        wire.text = toText(value);
+    }
+    const lysc_type* type = formingType(node, wire.text, context);
+    wire.form = formOf(type->basetype);
+    wire.isIdentity = type->basetype == LY_TYPE_IDENT;
+    wire.isPath = type->basetype == LY_TYPE_INST;
+    return wire;
+}
+
+}

@@ -1,0 +1,159 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "YangTestSupport.h"
+#include "yang/instances/InstanceDataReader.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+namespace OrvHost {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+struct Broken {
+    const char* file;
+    const char* place; ///< "file:line: "
+    const char* text;
+};
+
+constexpr Broken kBroken[] = {
+    {"comma.json", "comma.json:3: ", "expected a JSON object's member"},
+    {"comma-separated.json", "comma-separated.json:1: ", "JSON that begins with \"{\""},
+    {"cut-off.json", "cut-off.json:4: ", "the text ends too early"},
+    {"empty.json", "empty.json:1: ", "was expected"},
+    {"given-twice.json", "given-twice.json: ", "Site[id='a']/label: is given twice"},
+    {"list-as-object.json", "list-as-object.json:2: ", "lists are written as [...]"},
+    {"mismatch.xml", "mismatch.xml:3: ", "tag mismatch"},
+    {"no-key.json", "no-key.json:3: ", "every entry of a list has its key"},
+    {"no-module-name.json", "no-module-name.json:2: ", "as in \"module:Name\""},
+    {"no-namespace.xml", "no-namespace.xml:2: ", "xmlns=\"...\""},
+    {"no-naming-value.json", "no-naming-value.json: ", "\"a,b=1\" cannot be a value in a DN"},
+    {"out-of-range.json", "out-of-range.json:5: ", "expected: uint16 (1..10 | 20)"},
+    {"out-of-range.xml", "out-of-range.xml:3: ", "expected: int8"},
+    {"outside-of-the-model.json", "outside-of-the-model.json: ", "is not part of the model"},
+    {"pattern.json", "pattern.json:3: ", "[A-Z]{2}[0-9]*"},
+    {"quoted-boolean.json", "quoted-boolean.json:3: ", "true and false are written without quotes"},
+    {"quoted-small-number.json",
+     "quoted-small-number.json:4: ", "a number of up to 32 bits is written without quotes"},
+    {"unknown-attribute.json", "unknown-attribute.json:4: ", "\"lable\" not found"},
+    {"unknown-element.xml", "unknown-element.xml:3: ", "\"lable\" not found"},
+    {"unknown-enumerator.json", "unknown-enumerator.json:3: ", "expected: one of GOOD, BAD"},
+    {"unknown-module.json", "unknown-module.json:2: ", "the module must be loaded"},
+    {"unknown-namespace.xml", "unknown-namespace.xml:2: ", "the module must be loaded"},
+    {"unquoted-64-bit-number.json",
+     "unquoted-64-bit-number.json:4: ", "numbers of 64 bits are written in quotes"},
+    {"unquoted-decimal.json", "unquoted-decimal.json:4: ", "decimal numbers are written in quotes"},
+    {"unquoted-text.json", "unquoted-text.json:3: ", "texts, numbers of 64 bits"}};
+
+class BrokenData : public testing::TestWithParam<Broken> {};
+
+TEST_P(BrokenData, IsToldWithFileLineAndWhatWasExpected) {
+    const std::filesystem::path file = testData(std::string("broken/") + GetParam().file);
+    const std::string error = dataErrorOf([&file] { readObjects(siteModel(), {file}); });
+    EXPECT_THAT(error, AllOf(HasSubstr(GetParam().place), HasSubstr(GetParam().text)));
+}
+
+INSTANTIATE_TEST_SUITE_P(EachKind, BrokenData, testing::ValuesIn(kBroken),
+                         [](const testing::TestParamInfo<Broken>& broken) {
+                             std::string name = broken.param.file;
+                             std::replace_if(
+                                 name.begin(), name.end(),
+                                 [](char c) { return c == '-' || c == '.'; }, '_');
+                             return name;
+                         });
+
+TEST(InstanceDataErrors, EveryBrokenFile_HasATest) {
+    std::set<std::string> tested;
+    for (const Broken& broken : kBroken) {
+        tested.insert(broken.file);
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(testData("broken"))) {
+        EXPECT_EQ(tested.count(entry.path().filename().string()), 1U) << entry.path();
+    }
+}
+
+TEST(InstanceDataErrors, SeveralFiles_TellTheErrorOfEach) {
+    const std::string error = dataErrorOf([] {
+        readObjects(siteModel(), {testData("broken/comma.json"), testData("broken/no-key.json"),
+                                  testData("broken/unknown-module.json")});
+    });
+    EXPECT_THAT(error, AllOf(HasSubstr("comma.json:3: "), HasSubstr("no-key.json:3: "),
+                             HasSubstr("unknown-module.json:2: ")));
+    EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 2);
+}
+
+TEST(InstanceDataErrors, FilesBehindAFaultyOne_HandOutNothing) {
+    const TemporaryDirectory directory;
+    const auto good = directory.write("good.json", R"({"site:Site": [{"id": "a"}]})");
+    int objects = 0;
+    InstanceDataReader reader(siteModel().schema);
+    EXPECT_THROW(reader.read({good, testData("broken/comma.json"), good},
+                             [&objects](DataObject&&, const std::string&) { ++objects; }),
+                 InstanceDataError);
+    EXPECT_EQ(objects, 1);
+}
+
+TEST(InstanceDataErrors, WhatTheModelLacks_IsToldAllAtOnce) {
+    const std::string error = dataErrorOf([] {
+        readObjectsOf(siteModel(), R"({"site:Site": [{"id": "a", "anything": {}},
+                                                     {"id": "b", "anything": {}}],
+                                       "site-extension:motto": "x"})");
+    });
+    EXPECT_THAT(error, AllOf(HasSubstr("Site[id='a']/anything"), HasSubstr("Site[id='b']/anything"),
+                             HasSubstr("motto: is not part of the model")));
+}
+
+TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreTold) {
+    EXPECT_EQ(dataErrorOf([] { readObjects(siteModel(), {"no/such/file.json"}); }),
+              "no/such/file.json: cannot be read; a file with instance data was expected");
+    const TemporaryDirectory directory;
+    EXPECT_THAT(dataErrorOf([&directory] { readObjects(siteModel(), {directory.path()}); }),
+                HasSubstr("the directory holds no .json or .xml file"));
+}
+
+TEST(InstanceDataErrors, BehindTheData_AnythingButBlanks_IsRefusedWithItsLine) {
+    const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
+    const std::string xml = "<Site xmlns=\"urn:orv:test:site\"><id>a</id></Site>\n";
+    EXPECT_EQ(dataErrorOf([&] { readObjectsOf(siteModel(), json + " \t\r\n"); }), "");
+    for (const std::string& text : {json + "{\"site:Site\": [{\"id\": \"b\"}]}", json + "x"}) {
+        EXPECT_THAT(
+            dataErrorOf([&] { readObjectsOf(siteModel(), text); }),
+            HasSubstr(":2: the data is complete before this line ends, but the file goes on"))
+            << text;
+    }
+    EXPECT_EQ(readObjectsOf(siteModel(), xml + xml.substr(0, xml.find('a')) + "b" +
+                                             xml.substr(xml.find('a') + 1))
+                  .size(),
+              2U);
+}
+
+// The parser accepts these, or takes a zero byte for the end.
+TEST(InstanceDataErrors, NoUtf8OrControlCharacters_AreRefusedWithTheirLine) {
+    const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
+    const std::string head = "<Site xmlns=\"urn:orv:test:site\">\n<id><![CDATA[a";
+    const std::string tail = "]]></id></Site>\n";
+    const char* const expected = ":2: text in UTF-8 was expected, without control characters";
+    EXPECT_EQ(dataErrorOf([&] { readObjectsOf(siteModel(), head + "\u00ed" + tail); }), "");
+    for (const char* const bad : {"\xed", "\xc3", "\xff", "\xed\xa0\x80", "\x01"}) {
+        EXPECT_THAT(dataErrorOf([&] { readObjectsOf(siteModel(), head + bad + tail); }),
+                    HasSubstr(expected))
+            << bad;
+    }
+    for (const std::string& cut : {json + '\0' + json, head + '\0' + tail}) {
+        EXPECT_THAT(dataErrorOf([&] { readObjectsOf(siteModel(), cut); }), HasSubstr(expected));
+    }
+}
+
+TEST(InstanceDataErrors, DeepNonsense_IsRefused) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    EXPECT_NE(dataErrorOf([&deep] { readObjectsOf(siteModel(), "{\"site:Site\": " + deep + "}"); }),
+              "");
+}
+
+}
+}

@@ -1,0 +1,340 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "yang/schema/YangModelReader.h"
+
+#include "YangTestSupport.h"
+
+#include <gmock/gmock.h>
+
+namespace OrvHost {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const AttributeDef& site(std::string_view attribute) {
+    return attributeOf(siteModel(), "Site", attribute);
+}
+
+const AttributeDef& member(const AttributeDef& attribute, std::string_view name) {
+    for (const AttributeDef& candidate : attribute.type.members) {
+        if (candidate.name == name) {
+            return candidate;
+        }
+    }
+    throw std::runtime_error("no member");
+}
+
+std::string bounds(const AttributeDef& attribute) {
+    const std::string upper = attribute.multiplicity.upper == kUnbounded
+                                  ? "unbounded"
+                                  : std::to_string(attribute.multiplicity.upper);
+    return std::to_string(attribute.multiplicity.lower) + ".." + upper;
+}
+
+std::vector<std::string> namesOf(const std::vector<ClassIndex>& classes) {
+    std::vector<std::string> names;
+    for (const ClassIndex index : classes) {
+        names.push_back(siteModel().model.classes[index].name);
+    }
+    return names;
+}
+
+TEST(YangModelReader, Lists_AreClassesNamedByTheirKey) {
+    const ClassDef& moc = classOf(siteModel(), "Site");
+    EXPECT_EQ(moc.namingAttribute, "id");
+    EXPECT_TRUE(moc.isTopLevel);
+    EXPECT_EQ(moc.description, "A place.");
+    EXPECT_THAT(moc.source.file, HasSubstr("site.yang"));
+    EXPECT_EQ(moc.source.line, 24);
+    EXPECT_TRUE(site("id").isNaming);
+    EXPECT_EQ(bounds(site("id")), "1..1");
+}
+
+TEST(YangModelReader, Nesting_IsContainment_AlsoFromOtherModules) {
+    EXPECT_THAT(namesOf(classOf(siteModel(), "Site").children),
+                ElementsAre("Mast", "Antenna", "Fence"));
+    EXPECT_THAT(namesOf(classOf(siteModel(), "Fence").parents), ElementsAre("Site"));
+    EXPECT_EQ(classOf(siteModel(), "Mast").instances.upper, 9);
+    EXPECT_EQ(classOf(siteModel(), "Fence").instances.upper, kUnbounded);
+    EXPECT_FALSE(classOf(siteModel(), "Mast").isTopLevel);
+}
+
+TEST(YangModelReader, TopLevelContainers_HoldTopLevelClasses) {
+    EXPECT_TRUE(classOf(siteModel(), "Truck").isTopLevel);
+    EXPECT_TRUE(classOf(siteModel(), "Crate").isTopLevel);
+}
+
+TEST(YangModelReader, Augments_AddAttributes) {
+    EXPECT_EQ(site("colour").type.kind, ValueKind::String);
+    EXPECT_THAT(site("colour").source.file, HasSubstr("site-extension.yang"));
+}
+
+TEST(YangModelReader, Types_BecomeKinds) {
+    EXPECT_EQ(site("tiny").type.kind, ValueKind::Int);
+    EXPECT_EQ(site("huge").type.kind, ValueKind::Uint);
+    EXPECT_EQ(site("ratio").type.kind, ValueKind::Double);
+    EXPECT_EQ(site("on").type.kind, ValueKind::Bool);
+    EXPECT_EQ(site("marked").type.kind, ValueKind::Bool);
+    EXPECT_EQ(site("flags").type.kind, ValueKind::String);
+    EXPECT_EQ(site("blob").type.kind, ValueKind::String);
+    EXPECT_EQ(site("mixed").type.kind, ValueKind::String);
+    EXPECT_EQ(site("twoInts").type.kind, ValueKind::Int);
+    EXPECT_EQ(site("buddy").type.kind, ValueKind::Uint);
+    EXPECT_EQ(site("where").type.kind, ValueKind::String);
+}
+
+TEST(YangModelReader, EnumerationsAndIdentities_TellTheirNames) {
+    EXPECT_EQ(site("mood").type.kind, ValueKind::Enumeration);
+    EXPECT_THAT(site("mood").type.enumerators, ElementsAre("GOOD", "BAD"));
+    EXPECT_EQ(site("source").type.kind, ValueKind::Enumeration);
+    EXPECT_THAT(site("source").type.enumerators, ElementsAre("site:grid", "site:solar"));
+}
+
+TEST(YangModelReader, Types_AreDescribedAsTheirAuthorWroteThem) {
+    EXPECT_EQ(site("port").type.description, "port, uint16 (1..10 | 20)");
+    EXPECT_EQ(site("ratio").type.description, "decimal64 (-1.5..2.25)");
+    EXPECT_EQ(site("mixed").type.description, "uint16 or enumeration");
+    EXPECT_EQ(site("label").type.description, "string (2..8)");
+}
+
+TEST(YangModelReader, Multiplicity_IsThatOfTheStatements) {
+    EXPECT_EQ(bounds(site("tiny")), "0..1");
+    EXPECT_EQ(bounds(site("bands")), "0..3");
+    EXPECT_EQ(bounds(site("doors")), "1..2");
+    EXPECT_EQ(bounds(site("names")), "0..unbounded");
+    EXPECT_EQ(bounds(site("place")), "1..1"); // because of the mandatory leaf in it
+    EXPECT_EQ(bounds(site("extra")), "0..1");
+    EXPECT_EQ(bounds(site("slot")), "0..4");
+}
+
+TEST(YangModelReader, Defaults_AreValues) {
+    ASSERT_TRUE(site("mood").defaultValue);
+    EXPECT_EQ(toText(site("mood").defaultValue->values.at(0)), "GOOD");
+    EXPECT_EQ(std::get<bool>(site("on").defaultValue->values.at(0)), true);
+    ASSERT_EQ(site("bands").defaultValue->values.size(), 2U);
+    EXPECT_EQ(std::get<std::uint64_t>(site("bands").defaultValue->values[1]), 9U);
+    EXPECT_FALSE(site("tiny").defaultValue);
+}
+
+TEST(YangModelReader, StateData_IsNotWritable) {
+    EXPECT_FALSE(site("heat").isWritable);
+    EXPECT_FALSE(site("reading").isWritable);
+    EXPECT_TRUE(site("tiny").isWritable);
+}
+
+TEST(YangModelReader, ContainersAndOtherLists_AreStructs) {
+    EXPECT_EQ(site("place").type.kind, ValueKind::Struct);
+    const AttributeDef& pole = member(site("place"), "pole");
+    EXPECT_EQ(pole.type.kind, ValueKind::Struct);
+    EXPECT_EQ(member(pole, "nextRef").type.kind, ValueKind::MoRef);
+    EXPECT_THAT(namesOf(member(pole, "nextRef").type.targets), ElementsAre("Mast"));
+    EXPECT_EQ(site("slot").type.kind, ValueKind::Struct);
+    EXPECT_EQ(site("route").type.kind, ValueKind::Struct);
+    EXPECT_EQ(member(site("route"), "to").name, "to");
+    EXPECT_EQ(site("reading").type.kind, ValueKind::Struct);
+}
+
+TEST(YangModelReader, References_AreKnownThroughTypedefs) {
+    EXPECT_EQ(member(site("slot"), "mastRef").type.kind, ValueKind::MoRef);
+    EXPECT_EQ(attributeOf(siteModel(), "Mast", "antennas").type.kind, ValueKind::MoRef);
+    const AttributeDef& any = attributeOf(siteModel(), "Mast", "anyRef");
+    EXPECT_EQ(any.type.kind, ValueKind::MoRef);
+    EXPECT_TRUE(any.type.targets.empty());
+}
+
+TEST(YangModelReader, Cases_AreAllAttributes) {
+    EXPECT_EQ(site("single").type.kind, ValueKind::String);
+    EXPECT_EQ(site("other").type.kind, ValueKind::String);
+}
+
+TEST(YangModelReader, Actions_HaveParametersAndOneResult) {
+    const ActionDef* reset = classOf(siteModel(), "Site").findAction("reset");
+    ASSERT_NE(reset, nullptr);
+    EXPECT_EQ(reset->description, "Starts again.");
+    ASSERT_EQ(reset->parameters.size(), 2U);
+    EXPECT_EQ(reset->parameters[0].name, "hard");
+    EXPECT_EQ(bounds(reset->parameters[0]), "1..1");
+    EXPECT_EQ(reset->parameters[1].type.kind, ValueKind::MoRef);
+    EXPECT_THAT(namesOf(reset->parameters[1].type.targets), ElementsAre("Mast"));
+    ASSERT_TRUE(reset->result);
+    EXPECT_EQ(reset->result->name, "done");
+}
+
+TEST(YangModelReader, Actions_WithSeveralResults_GiveAStruct) {
+    const ActionDef* measure = classOf(siteModel(), "Site").findAction("measure");
+    ASSERT_NE(measure, nullptr);
+    EXPECT_TRUE(measure->parameters.empty());
+    ASSERT_TRUE(measure->result);
+    EXPECT_EQ(measure->result->type.kind, ValueKind::Struct);
+    EXPECT_EQ(measure->result->type.members.size(), 2U);
+}
+
+const BiDirAssociation& biDir(std::string_view name) {
+    for (const BiDirAssociation& association : siteModel().model.biDirAssociations) {
+        if (association.ends[0].name == name || association.ends[1].name == name) {
+            return association;
+        }
+    }
+    throw std::runtime_error("no association");
+}
+
+TEST(YangModelReader, BiDirAssociation_EndsAreNamedAfterTheAttributesThatPointAtThem) {
+    const BiDirAssociation& association = biDir("antennas");
+    const AssociationEnd& mast = association.ends[0];
+    const AssociationEnd& antenna = association.ends[1];
+    EXPECT_EQ(siteModel().model.classes[mast.moc].name, "Mast");
+    EXPECT_EQ(mast.name, "mast");
+    EXPECT_EQ(mast.cardinality.lower, 0); // the same as for the leaf
+    EXPECT_EQ(mast.cardinality.upper, 1);
+    EXPECT_EQ(mast.role, "Mast");
+    EXPECT_FALSE(mast.keepAtDelete);
+    EXPECT_EQ(siteModel().model.classes[antenna.moc].name, "Antenna");
+    EXPECT_EQ(antenna.name, "antennas");
+    EXPECT_EQ(antenna.cardinality.lower, 1);
+    EXPECT_EQ(antenna.cardinality.upper, 5);
+    EXPECT_EQ(antenna.role, "antennas");
+    EXPECT_TRUE(antenna.keepAtDelete);
+    EXPECT_THAT(association.source.file, HasSubstr("site.yang"));
+    EXPECT_EQ(association.source.line, 109);
+}
+
+TEST(YangModelReader, BiDirAssociation_OfAClassWithItself_HasBothEndsThere) {
+    const BiDirAssociation& association = biDir("peer");
+    EXPECT_EQ(association.ends[0].moc, association.ends[1].moc);
+    EXPECT_EQ(association.ends[0].name, "peerOf");
+    EXPECT_EQ(association.ends[1].name, "peer");
+    EXPECT_EQ(association.ends[1].cardinality.upper, 2);
+    EXPECT_EQ(association.ends[0].cardinality.upper, kUnbounded);
+}
+
+TEST(YangModelReader, UniDirAssociations_AreOneForEachPermittedClass) {
+    std::vector<std::string> found;
+    const Model& model = siteModel().model;
+    for (const UniDirAssociation& association : model.uniDirAssociations) {
+        found.push_back(model.classes[association.owner].name + "." + association.end.name +
+                        " -> " + model.classes[association.end.moc].name + " " +
+                        association.end.role);
+    }
+    EXPECT_THAT(found, ElementsAre("Mast.siteRef -> Site places", "Antenna.serves -> Site Site",
+                                   "Antenna.serves -> Mast Mast"));
+    EXPECT_THAT(namesOf(attributeOf(siteModel(), "Antenna", "serves").type.targets),
+                ElementsAre("Site", "Mast"));
+}
+
+TEST(YangModelReader, WhatIsLeftOut_IsNoted) {
+    std::string notes;
+    for (const ModelProblem& note : siteModel().notes) {
+        notes += toText(note) + "\n";
+    }
+    EXPECT_THAT(notes, HasSubstr("site.yang:45: leafrefs and instance-identifiers"));
+    EXPECT_THAT(notes, HasSubstr("all cases of a `choice` are attributes"));
+    EXPECT_THAT(notes, HasSubstr("`anydata` nodes are not part of the model"));
+    EXPECT_THAT(notes, HasSubstr("`notification` nodes are not part of the model"));
+    EXPECT_THAT(notes, HasSubstr("`must` statements are not evaluated"));
+    EXPECT_THAT(notes, HasSubstr("`when` statements are not evaluated"));
+    EXPECT_THAT(notes, HasSubstr("outside of any class is not part of the model: at "
+                                 "/site-extension:motto"));
+}
+
+TEST(YangModelReader, Notes_OfOneKind_AreCounted) {
+    const YangModel model =
+        modelOfBody("list A { key id; leaf id { type string; } leaf b { type string; must '1'; }"
+                    " leaf c { type string; must '1'; } leaf d { type string; must '1'; } }");
+    ASSERT_EQ(model.notes.size(), 1U);
+    EXPECT_EQ(model.notes[0].text,
+              "`must` statements are not evaluated: at /m:A/b and at 2 more places");
+}
+
+TEST(YangModelReader, Load_ByFile_FindsImportsBesideIt) {
+    const YangModel model =
+        YangModelReader().load(testData("models/site-extension.yang").string()).read();
+    EXPECT_TRUE(model.model.findClass("Site")); // augmented, and therefore present
+    EXPECT_TRUE(model.model.findClass("Fence"));
+}
+
+TEST(YangModelReader, Search_GoesIntoSubdirectoriesAndTakesTheNewestRevision) {
+    const TemporaryDirectory directory;
+    const auto module = [](const std::string& revision, const std::string& leaf) {
+        return "module dated { namespace 'urn:d'; prefix d; revision " + revision +
+               "; list A { key id; leaf id { type string; } leaf " + leaf + " { type string; } } }";
+    };
+    directory.write("deep/down/dated@2020-01-01.yang", module("2020-01-01", "old"));
+    directory.write("deep/down/dated@2023-06-01.yang", module("2023-06-01", "new"));
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("dated").read();
+    EXPECT_NE(classOf(model, "A").findAttribute("new"), nullptr);
+    EXPECT_EQ(classOf(model, "A").findAttribute("old"), nullptr);
+}
+
+TEST(YangModelReader, Search_TakesTheRevisionThatAnImportNames) {
+    const TemporaryDirectory directory;
+    for (const char* revision : {"2020-01-01", "2023-06-01"}) {
+        directory.write(std::string("types@") + revision + ".yang",
+                        std::string("module types { namespace 'urn:t'; prefix t; revision ") +
+                            revision + "; typedef width { type string { length '" +
+                            (revision[3] == '0' ? "1" : "2") + "'; } } }");
+    }
+    directory.write("user.yang", "module user { namespace 'urn:u'; prefix u; import types { prefix "
+                                 "t; revision-date 2020-01-01; } list A { key id; leaf id { type "
+                                 "string; } leaf w { type t:width; } } }");
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("user").read();
+    EXPECT_EQ(attributeOf(model, "A", "w").type.description, "width, string (1)");
+}
+
+TEST(YangModelReader, Submodules_AreFoundAndTellTheirLines) {
+    const TemporaryDirectory directory;
+    directory.write("whole.yang", "module whole { yang-version 1.1; namespace 'urn:w'; prefix w;\n"
+                                  "  include piece; }");
+    directory.write("piece.yang", "submodule piece { yang-version 1.1;\n"
+                                  "  belongs-to whole { prefix w; }\n"
+                                  "  typedef ref { type DistinguishedName; }\n"
+                                  "  typedef DistinguishedName { type string; }\n"
+                                  "  list A { key id; leaf id { type string; }\n"
+                                  "    leaf r { type ref; } } }");
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("whole").read();
+    EXPECT_THAT(classOf(model, "A").source.file, HasSubstr("piece.yang"));
+    EXPECT_EQ(classOf(model, "A").source.line, 5);
+    EXPECT_EQ(attributeOf(model, "A", "r").type.kind, ValueKind::MoRef);
+}
+
+TEST(YangModelReader, OneClass_AtSeveralPlaces_HasAllParentsAndAttributes) {
+    const YangModel model = modelOfBody(R"(
+        grouping g { list Log { key id; leaf id { type string; } leaf size { type uint8; } } }
+        list A { key id; leaf id { type string; } uses g; }
+        list B { key id; leaf id { type string; } uses g {
+            augment Log { leaf extra { type string; } } } })");
+    EXPECT_EQ(classOf(model, "Log").parents.size(), 2U);
+    EXPECT_NE(classOf(model, "Log").findAttribute("extra"), nullptr);
+    EXPECT_EQ(classOf(model, "Log").source.line, 3);
+}
+
+TEST(YangModelReader, Deviation_CanCarryAnAssociation) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; } leaf b { type string; } }
+        deviation "/m:A/m:b" { orv:unidirectional "A 0..1"; deviate add { default "x"; } })");
+    EXPECT_EQ(attributeOf(model, "A", "b").type.kind, ValueKind::MoRef);
+    EXPECT_EQ(model.model.uniDirAssociations.size(), 1U);
+}
+
+TEST(YangModelReader, Leaf_OfTextType_BecomesAReferenceByItsStatement) {
+    const YangModel model = modelOfBody("list A { key id; leaf id { type string; }"
+                                        " leaf b { type string; orv:unidirectional A; } }");
+    EXPECT_EQ(attributeOf(model, "A", "b").type.kind, ValueKind::MoRef);
+}
+
+TEST(YangModelReader, Association_ThroughOneAttribute_IsItsOwnOpposite) {
+    const YangModel model =
+        modelOfBody("list A { key id; leaf id { type string; }"
+                    " leaf-list friend { type orv:reference; orv:bidirectional A.friend; }"
+                    " leaf-list twin { type string; } }"
+                    " orv:bidirectional 'A.twin <-> A.twin';");
+    ASSERT_EQ(model.model.biDirAssociations.size(), 2U);
+    // Statements in modules come before those in leaves.
+    EXPECT_EQ(model.model.biDirAssociations[0].ends[0].name, "twin");
+    EXPECT_EQ(model.model.biDirAssociations[1].ends[0].name, "friend");
+    EXPECT_EQ(model.model.biDirAssociations[1].ends[1].name, "friend");
+}
+
+}
+}
