@@ -5,7 +5,7 @@
 
 #include "DnUtil.h"
 #include "MeIdTranslator.h"
-#include "base/DnText.h"
+#include "base/DnView.h"
 #include "model/building/ModelBuilder.h"
 #include "support/ByteSource.h"
 #include "support/Require.h"
@@ -50,10 +50,9 @@ void checkNamingValue(const std::string& text) {
     }
     const std::string dn = "Parent=1,Unit=" + text;
     require(Orv::DnUtil::getMocPath(dn) == "Parent,Unit", "a naming value breaks the path");
-    require(OrvHost::isDn(dn), "a naming value breaks the DN");
+    require(OrvHost::DnView(dn).isValid(), "a naming value breaks the DN");
     require(isUtf8(text), "a naming value is no UTF-8");
-    const auto split = OrvHost::splitDn(dn);
-    require(split && split->leaf.value == text, "a naming value is cut short");
+    require(OrvHost::DnView(dn).last().value() == text, "a naming value is cut short");
 }
 
 void checkTranslation(const std::string& dn, const std::string& identity) {
@@ -69,21 +68,24 @@ void checkTranslation(const std::string& dn, const std::string& identity) {
 
 /// True if all steps can be taken off, one after the other.
 bool splitsToTheTop(const std::string& dn) {
-    std::string_view rest = dn;
-    while (!rest.empty()) {
-        const auto split = OrvHost::splitDn(rest);
-        if (!split || split->leaf.className.empty() || split->leaf.value.empty()) {
+    std::size_t depth = 0;
+    OrvHost::DnView rest(dn);
+    for (; !rest.isEmpty(); rest = rest.parent(), ++depth) {
+        const OrvHost::DnStep step = rest.last();
+        if (!step.isValid() || (rest.hasParent() && rest.parent().isEmpty())) {
             return false;
         }
-        require(OrvHost::childDn(split->parent, split->leaf.className, split->leaf.value) == rest,
+        require(rest.parent().child(step.type(), step.value()) == rest.text(),
                 "a DN taken apart is another one");
-        rest = split->parent;
     }
+    require(OrvHost::DnView(dn).depth() == depth, "a step is lost");
     return !dn.empty();
 }
 
 void checkHostView(const std::string& dn) {
-    require(OrvHost::isDn(dn) == splitsToTheTop(dn), "two views of what a DN is");
+    const OrvHost::DnView view(dn);
+    require(view.isValid() == splitsToTheTop(dn), "two views of what a DN is");
+    require(view.isValid() == view.whyInvalid().empty(), "no reason, or one too many");
     static const OrvHost::Model kModel = OrvHost::ModelBuilder()
                                              .add(OrvHost::ClassDraft("A").topLevel().key("aId"))
                                              .add(OrvHost::ClassDraft("B").key("bId"))

@@ -3,6 +3,8 @@
 
 #include "RanNetwork.h"
 
+#include "base/DnView.h"
+
 #include <algorithm>
 #include <set>
 
@@ -14,7 +16,7 @@ const std::string kEquipment = kElement + ",Equipment=1";
 constexpr std::uint32_t kFirstChannel = 620000;
 
 std::string numbered(const std::string& parent, const char* className, std::uint64_t number) {
-    return parent + "," + className + "=" + std::to_string(number);
+    return OrvHost::DnView(parent).child(className, std::to_string(number));
 }
 
 // The generator counts from 0, but values in DNs count from 1, as people do.

@@ -3,6 +3,8 @@
 
 #include "Cast.h"
 
+#include "base/DnView.h"
+
 namespace Soak {
 
 using namespace Scripted;
@@ -84,7 +86,7 @@ std::string Cast::parentOf(std::size_t role) const {
 }
 
 std::string Cast::dnOf(std::size_t role, std::size_t number) const {
-    return parentOf(role) + "," + roles()[role].className + "=" + nameOf(number);
+    return OrvHost::DnView(parentOf(role)).child(roles()[role].className, nameOf(number));
 }
 
 }

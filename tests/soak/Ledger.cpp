@@ -3,21 +3,18 @@
 
 #include "Ledger.h"
 
+#include "base/DnView.h"
+
 #include <iterator>
 
 namespace Soak {
 
-namespace {
-
-bool isAtOrBelow(const std::string& dn, const std::string& top) {
-    return dn == top || dn.rfind(top + ",", 0) == 0;
-}
-
-}
+using OrvHost::DnView;
 
 void Ledger::erase(const std::string& dn) {
     for (auto entry = mPending.begin(); entry != mPending.end();) {
-        entry = isAtOrBelow(entry->first, dn) ? mPending.erase(entry) : std::next(entry);
+        entry =
+            DnView(entry->first).isAtOrBelow(DnView(dn)) ? mPending.erase(entry) : std::next(entry);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "MemoryGauge.h"
 #include "Tally.h"
+#include "base/DnView.h"
 
 #include <atomic>
 #include <map>
@@ -111,7 +112,7 @@ OrvReturnT newMoIterator(unsigned long txHandle, const char* dn, const char* cla
 
 OrvReturnT createMo(unsigned long txHandle, const char* dn, const char* className,
                     const char* attrName, const char* attrValue, Named** attributes) {
-    note(std::string(dn) + "," + className + "=" + attrValue, attributes);
+    note(OrvHost::DnView(dn).child(className, attrValue), attributes);
     return router3.createMo(txHandle, dn, className, attrName, attrValue, attributes);
 }
 

@@ -4,6 +4,7 @@
 #include "StoreAudit.h"
 
 #include "audit/InstanceChecker.h"
+#include "base/DnView.h"
 
 namespace Soak {
 
@@ -36,7 +37,7 @@ void StoreAudit::visitBelow(const std::string& dn, const std::vector<ClassIndex>
         ChildCursor cursor = mTransaction->children(dn, def.name);
         std::string name;
         while (mTransaction->next(cursor, name)) {
-            const std::string child = (dn.empty() ? "" : dn + ",") + def.name + "=" + name;
+            const std::string child = OrvHost::DnView(dn).child(def.name, name);
             const std::vector<NamedValue> attributes = mTransaction->stored(child);
             visitor({child, attributes});
             visitBelow(child, def.children, visitor);

@@ -7,6 +7,7 @@
 #include "InstanceMembers.h"
 #include "InstancePlan.h"
 #include "InstanceTable.h"
+#include "base/DnView.h"
 #include "model/ProblemList.h"
 
 #include <algorithm>
@@ -79,12 +80,12 @@ private:
     }
 
     void examineParent() {
-        const std::size_t comma = mDn.rfind(',');
-        if (comma == std::string_view::npos) {
+        const DnView dn(mDn);
+        if (!dn.hasParent()) {
             mMembers.add(std::nullopt, mHolder.moc);
             return;
         }
-        const std::string_view parent = mDn.substr(0, comma);
+        const std::string_view parent = dn.parent().text();
         if (const InstanceTable::Entry* entry = mTable.find(parent)) {
             mMembers.add(entry->index, mHolder.moc);
         } else {

@@ -3,6 +3,8 @@
 
 #include "Model.h"
 
+#include "base/DnView.h"
+
 #include <algorithm>
 
 namespace OrvHost {
@@ -15,22 +17,6 @@ const Definition* findNamed(const std::vector<Definition>& all, std::string_view
         return definition.name == name;
     });
     return found == all.end() ? nullptr : &*found;
-}
-
-/// Removes the first step from `dn` and returns its class name, which is empty if the step is
-/// malformed.
-std::string_view popClassName(std::string_view& dn) {
-    const std::size_t comma = dn.find(',');
-    const std::string_view step = dn.substr(0, comma);
-    dn.remove_prefix(comma == std::string_view::npos ? dn.size() : comma + 1);
-    const std::size_t equals = step.find('=');
-    const bool hasValue = equals != std::string_view::npos && equals + 1 < step.size();
-    const bool isLast = comma == std::string_view::npos;
-    if (!hasValue || (!isLast && dn.empty())) {
-        return {};
-    }
-    const std::string_view name = step.substr(0, equals);
-    return name.substr(0, name.find('.'));
 }
 
 }
@@ -65,8 +51,8 @@ std::optional<ClassIndex> Model::findClass(std::string_view name) const {
 
 std::optional<ClassIndex> Model::findClassOfDn(std::string_view dn) const {
     std::optional<ClassIndex> reached;
-    do {
-        const auto next = findClass(popClassName(dn));
+    for (const DnStep step : DnView(dn).steps()) {
+        const auto next = step.value().empty() ? std::nullopt : findClass(step.className());
         if (!next) {
             return std::nullopt;
         }
@@ -75,7 +61,7 @@ std::optional<ClassIndex> Model::findClassOfDn(std::string_view dn) const {
             return std::nullopt;
         }
         reached = next;
-    } while (!dn.empty());
+    }
     return reached;
 }
 

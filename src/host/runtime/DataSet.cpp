@@ -5,6 +5,7 @@
 
 #include "MeIdTranslator.h"
 #include "audit/InstanceChecker.h"
+#include "base/DnView.h"
 #include "base/HostError.h"
 #include "model/ProblemList.h"
 #include "store/MoStore.h"
@@ -16,25 +17,6 @@
 namespace OrvHost {
 
 namespace {
-
-std::string parentOf(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    return comma == std::string::npos ? std::string() : dn.substr(0, comma);
-}
-
-std::string leafClassOf(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    const std::size_t begin = comma == std::string::npos ? 0 : comma + 1;
-    return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
-}
-
-std::string nameOf(const std::string& step) {
-    return step.substr(step.find('=') + 1);
-}
-
-std::ptrdiff_t depthOf(const std::string& dn) {
-    return std::count(dn.begin(), dn.end(), ',');
-}
 
 AttributeValue& valueOf(StartObject& object, const std::string& attribute) {
     for (auto& [name, value] : object.attributes) {
@@ -61,7 +43,7 @@ void DataSet::add(StartObject object) {
 }
 
 bool DataSet::isMention(const StartObject& object) const {
-    const auto moc = mModel.findClass(leafClassOf(object.dn));
+    const auto moc = mModel.findClass(DnView(object.dn).last().className());
     return std::all_of(object.attributes.begin(), object.attributes.end(),
                        [&](const NamedValue& attribute) {
                            return moc && mModel.classes[*moc].namingAttribute == attribute.first;
@@ -100,9 +82,10 @@ std::vector<std::string> DataSet::misnamedInLists() const {
     std::vector<std::string> texts;
     for (const std::string& dn : topLevelDns()) {
         const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
-        if (!external.empty() && nameOf(external) != identity) {
-            texts.push_back(joined({place(dn), dn, ": lists of the top level show this object as ",
-                                    leafClassOf(dn), "=", identity, "; name it by its DN."}));
+        if (!external.empty() && DnView(external).last().value() != identity) {
+            texts.push_back(
+                joined({place(dn), dn, ": lists of the top level show this object as ",
+                        DnView(dn).last().className(), "=", identity, "; name it by its DN."}));
         }
     }
     return texts;
@@ -111,7 +94,7 @@ std::vector<std::string> DataSet::misnamedInLists() const {
 std::vector<std::string> DataSet::topLevelDns() const {
     std::vector<std::string> dns;
     for (const StartObject& object : mObjects) {
-        if (object.dn.find(',') == std::string::npos) {
+        if (!DnView(object.dn).hasParent()) {
             dns.push_back(object.dn);
         }
     }
@@ -136,7 +119,7 @@ std::vector<std::string> DataSet::moveInto(MoStore& store, const Progress& progr
     std::size_t done = 0;
     for (const std::size_t position : parentsFirst()) {
         StartObject& object = mObjects[position];
-        if (refused.count(parentOf(object.dn)) > 0) {
+        if (refused.count(std::string(DnView(object.dn).parent().text())) > 0) {
             refused.insert(object.dn);
         } else {
             try {
@@ -169,10 +152,10 @@ std::string DataSet::place(const std::string& dn) const {
 std::vector<std::size_t> DataSet::parentsFirst() const {
     std::vector<std::size_t> order(mObjects.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::vector<std::ptrdiff_t> depths;
+    std::vector<std::size_t> depths;
     depths.reserve(mObjects.size());
     for (const StartObject& object : mObjects) {
-        depths.push_back(depthOf(object.dn));
+        depths.push_back(DnView(object.dn).depth());
     }
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
         return depths[left] < depths[right];

@@ -4,7 +4,7 @@
 #include "MoStore.h"
 
 #include "WriteCheck.h"
-#include "base/DnText.h"
+#include "base/DnView.h"
 
 #include <utility>
 
@@ -12,19 +12,19 @@ namespace OrvHost {
 
 namespace {
 
-SplitDn requireSplit(const std::string& dn) {
-    const auto split = splitDn(dn);
-    if (!split) {
+// The steps above the last one are those of an object that exists, or the parent is not found.
+void requireLastStep(DnView dn) {
+    const bool hasEmptyParent = dn.hasParent() && dn.parent().isEmpty();
+    if (!dn.last().isValid() || hasEmptyParent) {
         throw HostError(OrvInvalidArgument,
                         "this is no DN, expected steps Class=value with commas between");
     }
-    return *split;
 }
 
-NodeId requireParent(const MoTree& tree, std::string_view dn) {
-    const NodeId parent = dn.empty() ? kRootNode : tree.find(dn, kLatest);
+NodeId requireParent(const MoTree& tree, DnView dn) {
+    const NodeId parent = dn.isEmpty() ? kRootNode : tree.find(dn.text(), kLatest);
     if (parent == kNoNode) {
-        throw HostError(OrvNotExist, "the parent '" + std::string(dn) +
+        throw HostError(OrvNotExist, "the parent '" + std::string(dn.text()) +
                                          "' does not exist, expected parents before children");
     }
     return parent;
@@ -44,12 +44,14 @@ std::string initialAttributes(const ClassDef& moc, const std::string& name,
 
 void add(const Model& model, MoTree& tree, const std::string& dn,
          const std::vector<NamedValue>& attributes) {
-    const SplitDn split = requireSplit(dn);
-    const ClassIndex moc = WriteCheck::requireClass(model, std::string(split.leaf.className));
-    const NodeId parent = requireParent(tree, split.parent);
+    const DnView parts(dn);
+    requireLastStep(parts);
+    const DnStep step = parts.last();
+    const ClassIndex moc = WriteCheck::requireClass(model, std::string(step.type()));
+    const NodeId parent = requireParent(tree, parts.parent());
     WriteCheck::containment(
         model, parent == kRootNode ? nullptr : &model.classes[tree.node(parent).moc], moc);
-    const std::string name(split.leaf.value);
+    const std::string name(step.value());
     const std::string bytes = initialAttributes(model.classes[moc], name, attributes);
     if (tree.find(dn, kLatest) != kNoNode) {
         throw HostError(OrvAlreadyExist, "there is an object with this DN already");

@@ -3,24 +3,13 @@
 
 #include "MoTree.h"
 
+#include "base/DnView.h"
+
 #include <algorithm>
 #include <functional>
 #include <utility>
 
 namespace OrvHost {
-
-namespace {
-
-// Removes `tail` from the end of `text`; false if `text` does not end with it.
-bool dropTail(std::string_view& text, std::string_view tail) {
-    if (text.size() < tail.size() || text.substr(text.size() - tail.size()) != tail) {
-        return false;
-    }
-    text.remove_suffix(tail.size());
-    return true;
-}
-
-}
 
 MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.emplace_back();
@@ -38,15 +27,14 @@ bool MoTree::isVisible(NodeId id, CommitNumber at) const {
 
 // Compares from the last step to the first, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
-    for (;;) {
+    for (DnView rest(dn);; rest = rest.parent()) {
         const MoNode& one = mNodes[id];
-        const bool stepFits = dropTail(dn, one.record.name()) && dropTail(dn, "=") &&
-                              dropTail(dn, mModel.classes[one.moc].name);
-        if (!stepFits) {
+        const DnStep step = rest.last();
+        if (step.value() != one.record.name() || step.type() != mModel.classes[one.moc].name) {
             return false;
         }
-        if (one.parent == kRootNode || !dropTail(dn, ",")) {
-            return one.parent == kRootNode && dn.empty();
+        if (one.parent == kRootNode || !rest.hasParent()) {
+            return one.parent == kRootNode && !rest.hasParent();
         }
         id = one.parent;
     }
@@ -119,10 +107,7 @@ std::string MoTree::dnOf(NodeId id) const {
     std::string dn;
     for (auto step = path.rbegin(); step != path.rend(); ++step) {
         const MoNode& one = mNodes[*step];
-        dn += dn.empty() ? "" : ",";
-        dn += mModel.classes[one.moc].name;
-        dn += '=';
-        dn += one.record.name();
+        appendStep(dn, mModel.classes[one.moc].name, one.record.name());
     }
     return dn;
 }

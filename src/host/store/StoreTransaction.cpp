@@ -5,7 +5,7 @@
 
 #include "AttributeBytes.h"
 #include "WriteCheck.h"
-#include "base/DnText.h"
+#include "base/DnView.h"
 
 #include <algorithm>
 #include <utility>
@@ -190,7 +190,8 @@ std::uint64_t StoreTransaction::count(const std::string& parentDn,
 
 std::uint64_t StoreTransaction::countOf(const std::string& parentDn, const Mo& parent,
                                         ClassIndex moc) const {
-    const auto* created = mOverlay.findGroup(childPrefix(parentDn, mModel.classes[moc].name));
+    const auto* created =
+        mOverlay.findGroup(DnView(parentDn).childPrefix(mModel.classes[moc].name));
     std::uint64_t count = created == nullptr ? 0 : created->count;
     if (parent.node == kNoNode) {
         return count;
@@ -215,7 +216,7 @@ ChildCursor StoreTransaction::children(const std::string& parentDn,
     cursor.mMoc = requireChildClass(parentDn, parent, className);
     cursor.mParent = parent.node;
     cursor.mCommittedDone = parent.node == kNoNode;
-    cursor.mPrefix = childPrefix(parentDn, className);
+    cursor.mPrefix = DnView(parentDn).childPrefix(className);
     return cursor;
 }
 
@@ -280,7 +281,7 @@ void StoreTransaction::create(const std::string& parentDn, const std::string& cl
                             moc.namingAttribute + "', not '" + namingAttribute + "'");
     }
     WriteCheck::name(moc, name);
-    const std::string dn = childDn(parentDn, className, name);
+    const std::string dn = DnView(parentDn).child(className, name);
     if (find(dn)) {
         throw HostError(OrvAlreadyExist, "there is an object '" + dn + "' already");
     }
@@ -333,7 +334,7 @@ bool StoreTransaction::isDeletedHere(const std::string& dn) const {
 
 void StoreTransaction::remove(const std::string& dn) {
     const Mo mo = require(dn);
-    const std::string parentDn(splitDn(dn)->parent);
+    const std::string parentDn(DnView(dn).parent().text());
     claimMembership(parentDn, requireParent(parentDn), classIndexOf(mo));
 
     std::vector<Mo> all{mo};
@@ -360,7 +361,7 @@ void StoreTransaction::appendChildren(const Mo& mo, std::vector<Mo>& all) const 
         if (mo.created == nullptr) {
             appendCommittedChildren(mo, moc, all);
         }
-        const auto* created = mOverlay.findGroup(childPrefix(dn, mModel.classes[moc].name));
+        const auto* created = mOverlay.findGroup(DnView(dn).childPrefix(mModel.classes[moc].name));
         if (created == nullptr) {
             continue;
         }

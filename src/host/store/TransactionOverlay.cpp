@@ -3,13 +3,14 @@
 
 #include "TransactionOverlay.h"
 
+#include "base/DnView.h"
+
 namespace OrvHost {
 
 namespace {
 
-// The prefix that childPrefix gives for the same parent and class.
 std::string prefixOf(const std::string& dn) {
-    return dn.substr(0, dn.rfind('=') + 1);
+    return std::string(DnView(dn).siblingPrefix());
 }
 
 }

@@ -47,7 +47,7 @@ public:
 
     CreatedMo* findCreated(std::string_view dn);
     const CreatedMo* findCreated(std::string_view dn) const;
-    /// The group with that prefix (see childPrefix), or null.
+    /// The group with that prefix (see DnView::childPrefix), or null.
     const Group* findGroup(const std::string& prefix) const;
     /// Adds \p mo, whose DN must be free. The object keeps its address.
     void addCreated(CreatedMo mo);

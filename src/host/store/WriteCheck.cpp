@@ -5,7 +5,7 @@
 
 #include "AttributeBytes.h"
 #include "DnUtil.h"
-#include "base/DnText.h"
+#include "base/DnView.h"
 #include "model/ValueCheck.h"
 
 #include <algorithm>
@@ -56,8 +56,11 @@ std::string whyBadReference(const AttributeValue& value);
 std::string whyBadReference(const Value& value, ValueKind kind) {
     if (kind == ValueKind::MoRef) {
         const std::string& dn = std::get<std::string>(value);
-        return isDn(dn) ? std::string()
-                        : quoted(dn) + " is no DN, expected steps Class=value with commas between";
+        const std::string reason = DnView(dn).whyInvalid();
+        return reason.empty()
+                   ? reason
+                   : quoted(dn) + " is no DN, expected steps Class=value with commas between; " +
+                         reason;
     }
     if (kind == ValueKind::Struct) {
         for (const NamedValue& member : std::get<StructValue>(value).members) {

@@ -3,6 +3,7 @@
 
 #include "InstanceDataWriter.h"
 
+#include "base/DnView.h"
 #include "yang/instances/ObjectText.h"
 #include "yang/source/YangContext.h"
 
@@ -16,23 +17,13 @@ namespace {
     throw InstanceDataError({{{}, std::string(dn) + ": " + text}});
 }
 
-/// The last step of a DN.
-struct Step {
-    std::string_view parentDn;
-    std::string_view className;
-    std::string_view value;
-};
-
-Step lastStep(std::string_view dn) {
-    const std::size_t comma = dn.rfind(',');
-    const bool isTop = comma == std::string_view::npos;
-    const std::string_view step = isTop ? dn : dn.substr(comma + 1);
-    const std::size_t equals = step.find('=');
-    if (equals == std::string_view::npos || equals == 0 || equals + 1 == step.size()) {
+/// The last step. Its value is not checked: the type of the naming attribute does not matter here.
+DnStep lastStep(std::string_view dn) {
+    const DnStep step = DnView(dn).last();
+    if (step.type().empty() || step.value().empty()) {
         refuse(dn, "is not a DN; steps such as Class=value with commas between were expected");
     }
-    return {isTop ? std::string_view() : dn.substr(0, comma), step.substr(0, equals),
-            step.substr(equals + 1)};
+    return step;
 }
 
 }
@@ -50,7 +41,7 @@ InstanceDataWriter& InstanceDataWriter::indent(bool on) {
 }
 
 void InstanceDataWriter::add(const DataObject& object) {
-    const std::string value(lastStep(object.dn).value);
+    const std::string value(lastStep(object.dn).value());
     std::string body;
     try {
         body = mText->body(shapeFor(object.dn), value, object.attributes);
@@ -71,13 +62,14 @@ const ObjectShape& InstanceDataWriter::shapeFor(std::string_view dn) const {
     if (known != mEntries.end()) {
         return *known->second.shape;
     }
-    const Step step = lastStep(dn);
-    const ObjectShape* parent = step.parentDn.empty() ? nullptr : &shapeFor(step.parentDn);
-    const ObjectShape* shape = mSchema->find(parent, step.className);
+    const DnStep step = lastStep(dn);
+    const DnView parentDn = DnView(dn).parent();
+    const ObjectShape* parent = parentDn.isEmpty() ? nullptr : &shapeFor(parentDn.text());
+    const ObjectShape* shape = mSchema->find(parent, step.type());
     if (shape == nullptr) {
         const std::string where =
             parent != nullptr ? "under class \"" + parent->className + "\"" : "at the top";
-        refuse(dn, "no class \"" + std::string(step.className) + "\" stands " + where);
+        refuse(dn, "no class \"" + std::string(step.type()) + "\" stands " + where);
     }
     return *shape;
 }
@@ -88,11 +80,11 @@ InstanceDataWriter::Entry& InstanceDataWriter::enter(std::string_view dn) {
     if (known != mEntries.end()) {
         return known->second;
     }
-    const Step step = lastStep(dn);
-    TextNode& parent = step.parentDn.empty() ? *mRoot : *enter(step.parentDn).node;
+    const DnView parentDn = DnView(dn).parent();
+    TextNode& parent = parentDn.isEmpty() ? *mRoot : *enter(parentDn.text()).node;
     const ObjectShape& shape = shapeFor(dn);
     TextNode& node = place(shape, parent);
-    node.body = mText->body(shape, std::string(step.value), {});
+    node.body = mText->body(shape, std::string(lastStep(dn).value()), {});
     return mEntries.emplace(std::string(dn), Entry{&shape, &node, false}).first->second;
 }
 

@@ -4,6 +4,7 @@
 #include "TreeReader.h"
 
 #include "DnUtil.h"
+#include "base/DnView.h"
 #include "yang/instances/InstanceDataError.h"
 #include "yang/types/ValueText.h"
 
@@ -48,8 +49,7 @@ void TreeReader::readSiblings(const lyd_node* first, const std::string& parentDn
 void TreeReader::readObject(const lyd_node* node, const ObjectShape& shape,
                             const std::string& parentDn, const Sink& sink) {
     DataObject object;
-    object.dn = parentDn + (parentDn.empty() ? "" : ",") + shape.className + "=" +
-                namingValueOf(node, shape);
+    object.dn = DnView(parentDn).child(shape.className, namingValueOf(node, shape));
     object.moc = shape.moc;
     Contents contents;
     gather(lyd_child(node), shape, contents);

@@ -6,6 +6,7 @@
 #include "RanPlan.h"
 #include "SliceWriter.h"
 #include "YangTestSupport.h"
+#include "base/DnView.h"
 #include "model/ValueCheck.h"
 #include "yang/instances/InstanceDataReader.h"
 
@@ -82,8 +83,7 @@ TEST(RanNetwork, EverySize_IsConsistent) {
 
 TEST(RanNetwork, EveryValue_IsPermittedByTheModel) {
     for (const DataObject& object : networkOf(500)) {
-        const std::size_t step = object.dn.rfind(',') + 1; // 0 if there is none
-        const std::string className = object.dn.substr(step, object.dn.find('=', step) - step);
+        const std::string className(DnView(object.dn).last().type());
         for (const NamedValue& value : object.attributes) {
             EXPECT_EQ(whyRefused(attributeOf(model(), className, value.first), value.second), "")
                 << object.dn << " " << value.first;
@@ -94,8 +94,7 @@ TEST(RanNetwork, EveryValue_IsPermittedByTheModel) {
 TEST(RanNetwork, AllClasses_AreThere) {
     std::set<std::string> names;
     for (const DataObject& object : networkOf(200)) {
-        const std::size_t step = object.dn.rfind(',') + 1;
-        names.insert(object.dn.substr(step, object.dn.find('=', step) - step));
+        names.emplace(DnView(object.dn).last().type());
     }
     EXPECT_EQ(names.size(), model().model.classes.size());
 }
