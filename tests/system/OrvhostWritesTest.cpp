@@ -101,7 +101,7 @@ TEST_P(OrvhostWritesTest, Value_OfAWrongTypeOrOutOfRange_IsToldWithWhatIsExpecte
               HasSubstr("stdin:2: set: "), HasSubstr("stdin:3: set: "), HasSubstr("stdin:4: set: "),
               HasSubstr("\"OPEN\" is none of the permitted names: LOCKED, SHUTTINGDOWN, UNLOCKED"),
               HasSubstr("'nowhere' is no DN, expected steps Class=value with commas between"),
-              HasSubstr("stdin:7: set: "), HasSubstr("2 values, expected 1..1")));
+              HasSubstr("stdin:7: set: "), HasSubstr("2 values, expected 1")));
     EXPECT_EQ(result.status, 1);
 }
 

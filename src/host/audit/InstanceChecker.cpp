@@ -20,11 +20,6 @@ namespace {
 
 using Kind = InstanceProblemKind;
 
-bool isWithin(const Bounds& bounds, std::size_t size) {
-    const auto count = static_cast<std::int64_t>(size);
-    return bounds.lower <= count && count <= bounds.upper;
-}
-
 /// One check of one source.
 class Run {
 public:
@@ -116,7 +111,7 @@ private:
 
     void examineValues(const InstancePlan::Attribute& attribute, const std::vector<Value>& values) {
         const AttributeDef& def = *attribute.def;
-        if (!isWithin(def.multiplicity, values.size())) {
+        if (!def.multiplicity.contain(values.size())) {
             report(Kind::WrongCount, mDn, def.name, {},
                    {mDn, ": attribute ", def.name, " has ", std::to_string(values.size()),
                     values.size() == 1 ? " value" : " values", ", expected ",
@@ -195,7 +190,7 @@ private:
     void examineCardinalities(const InstancePlan::Attribute& attribute) {
         for (std::size_t position = 0; position < attribute.ends.size(); ++position) {
             const AssociationEnd& end = *attribute.ends[position].end;
-            if (!isWithin(end.cardinality, mCounts[position])) {
+            if (!end.cardinality.contain(mCounts[position])) {
                 report(Kind::WrongCardinality, mDn, end.name, {},
                        {mDn, ": attribute ", end.name, " names ", std::to_string(mCounts[position]),
                         " of class ", mModel.classes[end.moc].name, ", expected ",

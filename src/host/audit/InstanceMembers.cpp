@@ -13,17 +13,13 @@ namespace {
 
 constexpr InstanceTable::Index kTop = 0;
 
-bool isBounded(const ClassDef& moc) {
-    return moc.instances.lower > 0 || moc.instances.upper != kUnbounded;
-}
-
 }
 
 InstanceMembers::InstanceMembers(const Model& model, const InstanceTable& table)
     : mModel(model), mTable(table), mBoundedUnder(model.classes.size()) {
     for (ClassIndex moc = 0; moc < model.classes.size(); ++moc) {
         const ClassDef& definition = model.classes[moc];
-        if (!isBounded(definition)) {
+        if (definition.instances.containAll()) {
             continue;
         }
         for (const ClassIndex parent : definition.parents) {
@@ -36,7 +32,7 @@ InstanceMembers::InstanceMembers(const Model& model, const InstanceTable& table)
 }
 
 void InstanceMembers::add(std::optional<InstanceTable::Index> parent, ClassIndex moc) {
-    if (isBounded(mModel.classes[moc])) {
+    if (!mModel.classes[moc].instances.containAll()) {
         mMembers.push_back({parent ? *parent + 1 : kTop, moc});
     }
 }
@@ -63,8 +59,7 @@ void InstanceMembers::judgeParent(InstanceTable::Index parent,
                         [&](const Member& member) { return member.parent != parent; });
     for (const ClassIndex moc : classes) {
         const auto count = std::count(begin, next, Member{parent, moc});
-        const Bounds& bounds = mModel.classes[moc].instances;
-        if (count < bounds.lower || count > bounds.upper) {
+        if (!mModel.classes[moc].instances.contain(static_cast<std::size_t>(count))) {
             tell(parent, moc, count, report);
         }
     }

@@ -99,14 +99,6 @@ std::string actionText(const ActionDef& action) {
 
 }
 
-std::string boundsText(const Bounds& bounds) {
-    if (bounds.lower == bounds.upper) {
-        return std::to_string(bounds.lower);
-    }
-    return std::to_string(bounds.lower) + ".." +
-           (bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper));
-}
-
 std::vector<std::string> parentNames(const Model& model, const ClassDef& moc) {
     std::vector<std::string> names;
     for (const ClassIndex parent : moc.parents) {
@@ -131,7 +123,7 @@ std::string associationTable(const std::vector<ReferenceDescription>& associatio
     rows.reserve(associations.size());
     for (const ReferenceDescription& description : associations) {
         rows.push_back({description.owner, description.attribute, description.target,
-                        boundsText(description.cardinality),
+                        toText(description.cardinality),
                         description.opposite.empty() ? "(one way)" : description.opposite,
                         description.keepAtDelete ? "kept at delete" : ""});
     }
@@ -181,7 +173,7 @@ std::string ClassReport::referenceText(const AttributeDescription& description) 
 std::vector<std::string> ClassReport::attributeRow(const AttributeDescription& description) const {
     const AttributeDef* def = mClass.findAttribute(description.name);
     const bool hasDefault = def != nullptr && def->defaultValue;
-    return {"  " + description.name, boundsText(description.multiplicity),
+    return {"  " + description.name, toText(description.multiplicity),
             hasDefault ? scalarText(valueJson(*def->defaultValue)) : "", writableText(def),
             referenceText(description)};
 }
@@ -218,7 +210,7 @@ std::string ClassReport::text() const {
     }
     text += "stands under: " +
             (mClass.isTopLevel ? "(top level)" : enumerate(parentNames(mModel, mClass))) + ", " +
-            boundsText(mClass.instances) + " of them\n";
+            toText(mClass.instances) + " of them\n";
     text += "contains: " + enumerate(mDescription.children) + "\n\n";
     std::vector<std::vector<std::string>> rows;
     for (const AttributeDescription& description : mDescription.attributes) {

@@ -38,9 +38,6 @@ JsonValue toJson(const ReferenceDescription& facts);
 std::string associationTable(const std::vector<ReferenceDescription>& associations);
 std::vector<std::string> parentNames(const Model& model, const ClassDef& moc);
 
-/// "0..1", "3", "1..*".
-std::string boundsText(const Bounds& bounds);
-
 }
 
 #endif

@@ -42,7 +42,7 @@ std::string toExternal(const std::string& dn) {
 }
 
 std::string countText(const Bounds& bounds) {
-    const std::string text = boundsText(bounds);
+    const std::string text = toText(bounds);
     return text + (text == "1" ? " value" : " values");
 }
 
@@ -50,7 +50,7 @@ std::string countText(const Bounds& bounds) {
 void addTargets(const Model& model, ClassIndex moc, const std::string& attribute,
                 std::vector<std::string>& targets) {
     const auto add = [&](const AssociationEnd& end) {
-        targets.push_back(boundsText(end.cardinality) + " of class " + model.classes[end.moc].name);
+        targets.push_back(toText(end.cardinality) + " of class " + model.classes[end.moc].name);
     };
     for (const BiDirAssociation& association : model.biDirAssociations) {
         for (const int far : {0, 1}) {

@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_MODEL_MODEL_H
 #define ORV_HOST_MODEL_MODEL_H
 
+#include "Bounds.h"
 #include "Value.h"
 
 #include <cstddef>
@@ -21,10 +22,6 @@ namespace OrvHost {
 using ClassIndex = std::uint32_t;
 using AttributeIndex = std::uint32_t;
 
-/// An upper bound that no count reaches. Large and positive, because some readers compare bounds as
-/// signed numbers.
-constexpr std::int64_t kUnbounded = INT64_MAX;
-
 /// The class name that means "any class" as the target of a reference. No class of a model has this
 /// name.
 constexpr std::string_view kAnyClassName = "ManagedObject";
@@ -34,12 +31,6 @@ constexpr std::string_view kAnyClassName = "ManagedObject";
 struct SourcePosition {
     std::string file;
     int line = 0;
-};
-
-/// How many values, or how many objects at the far end, are allowed.
-struct Bounds {
-    std::int64_t lower = 0;
-    std::int64_t upper = kUnbounded;
 };
 
 struct AttributeDef;

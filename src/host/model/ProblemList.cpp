@@ -15,11 +15,6 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-std::string toText(const Bounds& bounds) {
-    const std::string upper = bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper);
-    return std::to_string(bounds.lower) + ".." + upper;
-}
-
 void ProblemList::add(const SourcePosition& source,
                       std::initializer_list<std::string_view> pieces) {
     mProblems.push_back({source, joined(pieces)});

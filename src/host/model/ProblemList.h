@@ -17,9 +17,6 @@ namespace OrvHost {
 /// Joins the pieces into one text.
 std::string joined(std::initializer_list<std::string_view> pieces);
 
-/// "0..1", with "*" for an open upper bound.
-std::string toText(const Bounds& bounds);
-
 /// Collects the problems of a model while its parts are checked.
 class ProblemList {
 public:

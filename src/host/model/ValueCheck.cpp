@@ -74,12 +74,11 @@ std::string whyWrongStruct(const TypeDef& type, const StructValue& value) {
 }
 
 std::string whyWrongCount(const Bounds& bounds, std::size_t size) {
-    const auto count = static_cast<std::int64_t>(size);
-    if (bounds.lower <= count && count <= bounds.upper) {
+    if (bounds.contain(size)) {
         return {};
     }
     return joined(
-        {std::to_string(count), count == 1 ? " value" : " values", ", expected ", toText(bounds)});
+        {std::to_string(size), size == 1 ? " value" : " values", ", expected ", toText(bounds)});
 }
 
 }

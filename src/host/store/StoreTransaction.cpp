@@ -14,17 +14,8 @@ namespace OrvHost {
 
 namespace {
 
-bool isBounded(const ClassDef& moc) {
-    return moc.instances.lower > 0 || moc.instances.upper != kUnbounded;
-}
-
 std::string placeOf(const std::string& parentDn) {
     return parentDn.empty() ? " at the top level" : " under " + parentDn;
-}
-
-std::string textOf(const Bounds& bounds) {
-    return std::to_string(bounds.lower) + ".." +
-           (bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper));
 }
 
 }
@@ -317,7 +308,7 @@ void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent,
 // transactions must not change the number at the same time.
 void StoreTransaction::claimMembership(const std::string& parentDn, const Mo& parent,
                                        ClassIndex moc) {
-    if (!isBounded(mModel.classes[moc])) {
+    if (mModel.classes[moc].instances.containAll()) {
         return;
     }
     if (parent.created == nullptr) {
@@ -410,10 +401,10 @@ void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
         return; // deleted by this transaction, together with its children
     }
     const ClassDef& child = mModel.classes[moc];
-    const auto count = static_cast<std::int64_t>(countOf(parentDn, parent, moc));
-    if (count < child.instances.lower || count > child.instances.upper) {
+    const std::uint64_t count = countOf(parentDn, parent, moc);
+    if (!child.instances.contain(count)) {
         faults.push_back("there are " + std::to_string(count) + " objects of class '" + child.name +
-                         "'" + placeOf(parentDn) + ", expected " + textOf(child.instances));
+                         "'" + placeOf(parentDn) + ", expected " + toText(child.instances));
     }
 }
 

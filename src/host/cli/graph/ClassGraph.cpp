@@ -13,11 +13,7 @@ namespace OrvHost {
 namespace {
 
 std::string endText(const ReferenceDescription& reference) {
-    return reference.attribute + " " + boundsText(reference.cardinality);
-}
-
-bool isBounded(const Bounds& bounds) {
-    return bounds.lower > 0 || bounds.upper != kUnbounded;
+    return reference.attribute + " " + toText(reference.cardinality);
 }
 
 }
@@ -79,7 +75,7 @@ void ClassGraph::drawContainment(DotText& dot, const ClassDescription& moc) {
         const Bounds& instances = mModel.classes[mModel.findClass(child).value()].instances;
         dot.edge(
             mNodes.at(moc.name), node->second,
-            {{"arrowhead", "none"}, {"label", isBounded(instances) ? boundsText(instances) : ""}});
+            {{"arrowhead", "none"}, {"label", instances.containAll() ? "" : toText(instances)}});
     }
 }
 

@@ -87,7 +87,7 @@ TEST(WhyRefused, WrongKind_NamesBothKinds) {
 TEST(WhyRefused, WrongCount_NamesCountAndBounds) {
     const Model model = sampleModel();
     EXPECT_EQ(whyRefused(cellAttribute(model, "locked"), {ValueKind::Bool, {}}),
-              "0 values, expected 1..1");
+              "0 values, expected 1");
     EXPECT_EQ(whyRefused(cellAttribute(model, "offset"),
                          {ValueKind::Int, {std::int64_t{1}, std::int64_t{2}}}),
               "2 values, expected 0..1");

@@ -125,7 +125,8 @@ TEST_F(StoreTransactionTest, Set_References_AreNotCountedNorFollowed) {
     EXPECT_EQ(tx->get(kA, "peers").values.size(), 4U);
     tx->set(kA, {{"peers", none(ValueKind::MoRef)}});
     EXPECT_THAT(tx->check(), IsEmpty());
-    expectSetRefused("peers", refs({"nobody"}), OrvInvalidArgument, "'nobody' is no DN, expected steps Class=value with commas between; its step "
+    expectSetRefused("peers", refs({"nobody"}), OrvInvalidArgument,
+                     "'nobody' is no DN, expected steps Class=value with commas between; its step "
                      "'nobody' has no '='");
     expectSetRefused("peers", refs({""}), OrvInvalidArgument, "is no DN");
 }
