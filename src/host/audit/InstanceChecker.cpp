@@ -8,7 +8,7 @@
 #include "InstancePlan.h"
 #include "InstanceTable.h"
 #include "base/DnView.h"
-#include "model/ProblemList.h"
+#include "base/Join.h"
 
 #include <algorithm>
 #include <optional>

@@ -3,7 +3,7 @@
 
 #include "InstanceLinks.h"
 
-#include "model/ProblemList.h"
+#include "base/Join.h"
 
 #include <algorithm>
 #include <iterator>

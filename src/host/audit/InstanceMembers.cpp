@@ -3,7 +3,7 @@
 
 #include "InstanceMembers.h"
 
-#include "model/ProblemList.h"
+#include "base/Join.h"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #include "Session.h"
 #include "Suggestion.h"
 #include "base/HostReturn.h"
-#include "model/ProblemList.h"
+#include "base/Join.h"
 
 #include <algorithm>
 #include <cstring>

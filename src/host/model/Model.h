@@ -6,6 +6,7 @@
 
 #include "Bounds.h"
 #include "Value.h"
+#include "base/Problem.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -25,13 +26,6 @@ using AttributeIndex = std::uint32_t;
 /// The class name that means "any class" as the target of a reference. No class of a model has this
 /// name.
 constexpr std::string_view kAnyClassName = "ManagedObject";
-
-/// The place of a definition or an object in a file: for messages. `line` 0 means that it is not
-/// known.
-struct SourcePosition {
-    std::string file;
-    int line = 0;
-};
 
 struct AttributeDef;
 

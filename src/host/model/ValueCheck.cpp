@@ -3,7 +3,7 @@
 
 #include "ValueCheck.h"
 
-#include "ProblemList.h"
+#include "base/Join.h"
 
 #include <algorithm>
 

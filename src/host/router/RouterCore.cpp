@@ -157,11 +157,11 @@ OrvReturnT RouterCore::join(unsigned long txHandle) {
 
 OrvReturnT RouterCore::validate(unsigned long txHandle, bool* result) {
     return answer([&] {
-        const std::vector<std::string> faults = transaction(txHandle)->store->check();
-        for (const std::string& fault : faults) {
-            mThreadContext.addMessage(ThreadContext::Verdict, fault);
+        const std::vector<std::string> violations = transaction(txHandle)->store->check();
+        for (const std::string& violation : violations) {
+            mThreadContext.addMessage(ThreadContext::Verdict, violation);
         }
-        *result = faults.empty();
+        *result = violations.empty();
     });
 }
 

@@ -7,7 +7,7 @@
 #include "audit/InstanceChecker.h"
 #include "base/DnView.h"
 #include "base/HostError.h"
-#include "model/ProblemList.h"
+#include "base/Join.h"
 #include "store/MoStore.h"
 
 #include <algorithm>
@@ -124,8 +124,8 @@ std::vector<std::string> DataSet::moveInto(MoStore& store, const Progress& progr
         } else {
             try {
                 store.load(object.dn, object.attributes);
-            } catch (const HostError& failure) {
-                problems.push_back(place(object.dn) + failure.what());
+            } catch (const HostError& error) {
+                problems.push_back(place(object.dn) + error.what());
                 refused.insert(object.dn);
             }
         }
@@ -144,9 +144,7 @@ std::string DataSet::place(const std::string& dn) const {
     if (found == mByDn.end() || mObjects[found->second].source.file.empty()) {
         return {};
     }
-    const SourcePosition& source = mObjects[found->second].source;
-    const std::string line = source.line > 0 ? ":" + std::to_string(source.line) : std::string();
-    return source.file + line + ": ";
+    return toText(mObjects[found->second].source) + ": ";
 }
 
 std::vector<std::size_t> DataSet::parentsFirst() const {

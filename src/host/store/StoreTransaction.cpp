@@ -381,21 +381,22 @@ void StoreTransaction::appendCommittedChildren(const Mo& mo, ClassIndex moc,
     });
 }
 
-void StoreTransaction::checkCreated(const CreatedMo& mo, std::vector<std::string>& faults) const {
+void StoreTransaction::checkCreated(const CreatedMo& mo,
+                                    std::vector<std::string>& violations) const {
     const ClassDef& moc = mModel.classes[mo.moc];
     for (const std::string& name : WriteCheck::missing(moc, mo.attributes, true)) {
-        faults.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" + moc.name +
-                         "' has no value");
+        violations.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" +
+                             moc.name + "' has no value");
     }
     for (const ClassIndex child : moc.children) {
         if (mModel.classes[child].instances.lower > 0) {
-            checkMembers(mo.dn, child, faults);
+            checkMembers(mo.dn, child, violations);
         }
     }
 }
 
 void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
-                                    std::vector<std::string>& faults) const {
+                                    std::vector<std::string>& violations) const {
     const Mo parent = parentDn.empty() ? Mo{kRootNode, nullptr} : find(parentDn);
     if (!parent) {
         return; // deleted by this transaction, together with its children
@@ -403,26 +404,27 @@ void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
     const ClassDef& child = mModel.classes[moc];
     const std::uint64_t count = countOf(parentDn, parent, moc);
     if (!child.instances.contain(count)) {
-        faults.push_back("there are " + std::to_string(count) + " objects of class '" + child.name +
-                         "'" + placeOf(parentDn) + ", expected " + toText(child.instances));
+        violations.push_back("there are " + std::to_string(count) + " objects of class '" +
+                             child.name + "'" + placeOf(parentDn) + ", expected " +
+                             toText(child.instances));
     }
 }
 
 std::vector<std::string> StoreTransaction::check() const {
     requireOpen();
-    std::vector<std::string> faults;
+    std::vector<std::string> violations;
     if (!conflict().empty()) {
-        faults.push_back("the transaction met a conflict: " + conflict());
+        violations.push_back("the transaction met a conflict: " + conflict());
     }
     for (const CreatedMo* mo : mOverlay.created()) {
         if (mo != nullptr) {
-            checkCreated(*mo, faults);
+            checkCreated(*mo, violations);
         }
     }
     for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
-        checkMembers(parentDn, moc, faults);
+        checkMembers(parentDn, moc, violations);
     }
-    return faults;
+    return violations;
 }
 
 void StoreTransaction::commit() {

@@ -121,9 +121,9 @@ private:
     void appendChildren(const Mo& mo, std::vector<Mo>& all) const;
     void appendCommittedChildren(const Mo& mo, ClassIndex moc, std::vector<Mo>& all) const;
 
-    void checkCreated(const CreatedMo& mo, std::vector<std::string>& faults) const;
+    void checkCreated(const CreatedMo& mo, std::vector<std::string>& violations) const;
     void checkMembers(const std::string& parentDn, ClassIndex moc,
-                      std::vector<std::string>& faults) const;
+                      std::vector<std::string>& violations) const;
     TreeChange makeChange() const;
     void end() noexcept;
 

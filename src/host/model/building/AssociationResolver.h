@@ -5,8 +5,8 @@
 #define ORV_HOST_MODEL_BUILDING_ASSOCIATIONRESOLVER_H
 
 #include "ModelDraft.h"
+#include "ProblemList.h"
 #include "model/Model.h"
-#include "model/ProblemList.h"
 
 #include <cstddef>
 #include <map>

@@ -5,8 +5,8 @@
 #define ORV_HOST_MODEL_BUILDING_ATTRIBUTERESOLVER_H
 
 #include "ModelDraft.h"
+#include "ProblemList.h"
 #include "model/Model.h"
-#include "model/ProblemList.h"
 
 #include <string>
 #include <string_view>

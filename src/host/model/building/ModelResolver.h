@@ -5,8 +5,8 @@
 #define ORV_HOST_MODEL_BUILDING_MODELRESOLVER_H
 
 #include "ModelBuilder.h"
+#include "ProblemList.h"
 #include "model/Model.h"
-#include "model/ProblemList.h"
 
 namespace OrvHost {
 

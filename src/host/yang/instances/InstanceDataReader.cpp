@@ -3,7 +3,7 @@
 
 #include "InstanceDataReader.h"
 
-#include "yang/instances/DataFailure.h"
+#include "yang/instances/DataProblem.h"
 #include "yang/instances/TreeReader.h"
 #include "yang/source/Utf8.h"
 #include "yang/source/YangContext.h"
@@ -151,7 +151,7 @@ std::size_t InstanceDataReader::read(const std::vector<fs::path>& paths, const S
     for (const fs::path& file : files) {
         mState.bytesInAll += sizeOf(file);
     }
-    std::vector<ModelProblem> problems;
+    std::vector<Problem> problems;
     for (const fs::path& file : files) {
         try {
             readFile(file, problems.empty() ? &sink : nullptr);
@@ -195,7 +195,7 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
                                        LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
     const Tree tree(parsed);
     if (code != LY_SUCCESS) {
-        throw InstanceDataError({describeFailure(context, label)});
+        throw InstanceDataError({takeDataProblem(context, label)});
     }
     refuseRest(text, ly_in_parsed(input.get()), label);
     TreeReader(*mSchema, label).read(tree.get(), [this, sink, &label](DataObject&& object) {

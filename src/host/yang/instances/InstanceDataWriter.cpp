@@ -45,7 +45,7 @@ void InstanceDataWriter::add(const DataObject& object) {
     std::string body;
     try {
         body = mText->body(shapeFor(object.dn), value, object.attributes);
-    } catch (const UnwritableValue& error) {
+    } catch (const UnwritableValueError& error) {
         refuse(object.dn, error.what());
     }
     Entry& entry = enter(object.dn);

@@ -32,17 +32,17 @@ const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>
         return s.name == value.first;
     });
     if (found == shapes.end()) {
-        throw UnwritableValue("there is no attribute or member \"" + value.first + "\"");
+        throw UnwritableValueError("there is no attribute or member \"" + value.first + "\"");
     }
     const auto isOdd = [found](const Value& v) { return !isOfKind(v, found->kind); };
     const std::vector<Value>& values = value.second.values;
     if (std::any_of(values.begin(), values.end(), isOdd)) {
-        throw UnwritableValue("\"" + value.first + "\" is not a " +
-                              std::string(kindName(found->kind)));
+        throw UnwritableValueError("\"" + value.first + "\" is not a " +
+                                   std::string(kindName(found->kind)));
     }
     if (!found->isMultiple && values.size() > 1) {
-        throw UnwritableValue("\"" + value.first + "\" has " + std::to_string(values.size()) +
-                              " values; one was expected");
+        throw UnwritableValueError("\"" + value.first + "\" has " + std::to_string(values.size()) +
+                                   " values; one was expected");
     }
     return *found;
 }

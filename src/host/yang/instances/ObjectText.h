@@ -17,7 +17,7 @@
 namespace OrvHost {
 
 /// A value that cannot be written; the text has no DN.
-class UnwritableValue : public std::runtime_error {
+class UnwritableValueError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
@@ -48,7 +48,7 @@ public:
     static std::unique_ptr<ObjectText> make(DataFormat format, const YangContext& context);
 
     /// The text of an object's key and attributes.
-    /// \throws UnwritableValue
+    /// \throws UnwritableValueError
     virtual std::string body(const ObjectShape& shape, const std::string& namingValue,
                              const std::vector<NamedValue>& attributes) const = 0;
 
@@ -64,7 +64,7 @@ private:
 };
 
 /// The shape with that name. The value must have its kind, and must be single if the shape is.
-/// \throws UnwritableValue
+/// \throws UnwritableValueError
 const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes);
 
 /// Writes `text`, which can have several lines, with `indent` spaces before each line.

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_YANG_INSTANCES_TREEREADER_H
 #define ORV_HOST_YANG_INSTANCES_TREEREADER_H
 
-#include "model/ModelError.h"
+#include "base/Problem.h"
 #include "yang/instances/DataObject.h"
 #include "yang/schema/YangSchema.h"
 
@@ -47,7 +47,7 @@ private:
 
     const YangSchema& mSchema;
     std::string mLabel;
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 }

@@ -16,7 +16,7 @@ std::string escapeCharacter(char c) {
         return entity;
     }
     if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
-        throw UnwritableValue("a text with a control character cannot be written as XML");
+        throw UnwritableValueError("a text with a control character cannot be written as XML");
     }
     return std::string(1, c);
 }
@@ -127,8 +127,8 @@ std::string XmlText::scalar(const Value& value, const lysc_node* node,
         return wire.text == "false" ? "" : "<" + startTag(node, parent) + "/>";
     }
     if (wire.isPath) {
-        throw UnwritableValue("\"" + std::string(node->name) +
-                              "\" is an instance-identifier, which only JSON can hold here");
+        throw UnwritableValueError("\"" + std::string(node->name) +
+                                   "\" is an instance-identifier, which only JSON can hold here");
     }
     if (wire.isIdentity) {
         return "<" + startTag(node, parent) + declarationFor(wire.text, context()) + ">" +

@@ -82,7 +82,7 @@ void AssociationReader::readModuleStatement(const std::string& keyword, const st
         } else {
             add(parseBiDirInModule(argument), source);
         }
-    } catch (const BadStatement& error) {
+    } catch (const StatementError& error) {
         refuse(source, keyword, argument, error.what());
     }
 }
@@ -132,7 +132,7 @@ void AssociationReader::readInAttribute(const std::string& keyword, const std::s
             apply(statement.terms, draft);
         }
         mReferences.push_back(std::move(draft));
-    } catch (const BadStatement& error) {
+    } catch (const StatementError& error) {
         refuse(draft.source, keyword, argument, error.what());
     }
 }
@@ -151,16 +151,18 @@ std::string AssociationReader::readInMember(const std::string& keyword, const st
                                             const SourcePosition& source) {
     try {
         if (keyword == kBiDir) {
-            throw BadStatement("a reference inside a struct or a parameter cannot be kept in step "
-                               "with another one; only an attribute of a class can");
+            throw StatementError(
+                "a reference inside a struct or a parameter cannot be kept in step "
+                "with another one; only an attribute of a class can");
         }
         const UniDirInLeaf statement = parseUniDirInLeaf(argument);
         if (!statement.terms.isEmpty()) {
-            throw BadStatement("in a struct or a parameter only the class is told; how many there "
-                               "may be is said by mandatory, min-elements and max-elements");
+            throw StatementError(
+                "in a struct or a parameter only the class is told; how many there "
+                "may be is said by mandatory, min-elements and max-elements");
         }
         return use(statement.target, source);
-    } catch (const BadStatement& error) {
+    } catch (const StatementError& error) {
         refuse(source, keyword, argument, error.what());
         return "";
     }

@@ -47,7 +47,7 @@ public:
         mProblems.push_back({source, std::move(text)});
     }
 
-    std::vector<ModelProblem> takeProblems() { return std::move(mProblems); }
+    std::vector<Problem> takeProblems() { return std::move(mProblems); }
 
 private:
     struct Named {
@@ -71,7 +71,7 @@ private:
     std::vector<ReferenceDraft> mReferences;
     std::set<std::pair<std::string, std::string>> mFromModules; // class and attribute
     std::vector<Named> mNamed;
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 /// True if the node has the statement of orv-associations with that name.

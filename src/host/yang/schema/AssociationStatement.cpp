@@ -31,21 +31,21 @@ public:
 
     std::string take(const std::string& expected) {
         if (atEnd()) {
-            throw BadStatement(expected + " was expected at the end");
+            throw StatementError(expected + " was expected at the end");
         }
         return mWords[mPosition++];
     }
 
     void take(std::string_view word, const std::string& form) {
         if (!isNext(word)) {
-            throw BadStatement(quote(word) + " was expected " + where() + ": " + form);
+            throw StatementError(quote(word) + " was expected " + where() + ": " + form);
         }
         ++mPosition;
     }
 
     void expectEnd() const {
         if (!atEnd()) {
-            throw BadStatement("nothing more was expected " + where());
+            throw StatementError("nothing more was expected " + where());
         }
     }
 
@@ -70,7 +70,7 @@ ClassName parseClass(const std::string& word) {
                    hasModule ? word.substr(colon + 1) : word};
     const bool isWhole = !name.name.empty() && colon != 0;
     if (!isWhole || name.name.find_first_of(":.<>=") != std::string::npos) {
-        throw BadStatement("CLASS or MODULE:CLASS was expected instead of " + quote(word));
+        throw StatementError("CLASS or MODULE:CLASS was expected instead of " + quote(word));
     }
     return name;
 }
@@ -78,7 +78,7 @@ ClassName parseClass(const std::string& word) {
 AttributeName parseAttribute(const std::string& word) {
     const std::size_t dot = word.rfind('.');
     if (dot == std::string::npos || dot + 1 == word.size()) {
-        throw BadStatement("CLASS.ATTRIBUTE was expected instead of " + quote(word));
+        throw StatementError("CLASS.ATTRIBUTE was expected instead of " + quote(word));
     }
     return {parseClass(word.substr(0, dot)), word.substr(dot + 1)};
 }
@@ -101,9 +101,9 @@ Bounds parseBounds(const std::string& word) {
     const auto lower = parseBound(word.substr(0, dots));
     const auto upper = isRange ? parseBound(word.substr(dots + 2)) : lower;
     if (!lower || !upper || *lower > *upper || *lower == kUnbounded) {
-        throw BadStatement("bounds such as 2, 0..4 or 1..unbounded, or role=WORD, or "
-                           "keep-at-delete, were expected instead of " +
-                           quote(word));
+        throw StatementError("bounds such as 2, 0..4 or 1..unbounded, or role=WORD, or "
+                             "keep-at-delete, were expected instead of " +
+                             quote(word));
     }
     return {*lower, *upper};
 }
@@ -121,7 +121,7 @@ ReferenceTerms parseTerms(Words& words) {
         } else if (!terms.bounds) {
             terms.bounds = parseBounds(word);
         } else {
-            throw BadStatement(quote(word) + " is one word too many");
+            throw StatementError(quote(word) + " is one word too many");
         }
     }
     return terms;
@@ -131,8 +131,8 @@ ReferenceTerms parseUniDirTerms(Words& words) {
     ReferenceTerms terms = parseTerms(words);
     words.expectEnd();
     if (terms.keepAtDelete) {
-        throw BadStatement("keep-at-delete was not expected: references in one direction are "
-                           "never cleaned up");
+        throw StatementError("keep-at-delete was not expected: references in one direction are "
+                             "never cleaned up");
     }
     return terms;
 }

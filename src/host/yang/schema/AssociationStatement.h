@@ -18,7 +18,7 @@
 namespace OrvHost {
 
 /// What is wrong with an argument, and what was expected.
-class BadStatement : public std::runtime_error {
+class StatementError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
@@ -68,7 +68,7 @@ struct BiDirInModule {
     std::pair<AttributeName, ReferenceTerms> sides[2];
 };
 
-/// \throws BadStatement, all of them
+/// \throws StatementError, all of them
 UniDirInLeaf parseUniDirInLeaf(const std::string& argument);
 BiDirInLeaf parseBiDirInLeaf(const std::string& argument);
 UniDirInModule parseUniDirInModule(const std::string& argument);

@@ -23,7 +23,7 @@ void ModelNotes::add(const SourcePosition& source, std::string text) {
     mNotes.push_back({source, std::move(text)});
 }
 
-std::vector<ModelProblem> ModelNotes::take() && {
+std::vector<Problem> ModelNotes::take() && {
     for (const Counted& counted : mCounted) {
         const std::string more =
             counted.times > 1 ? " and at " + std::to_string(counted.times - 1) + " more places"

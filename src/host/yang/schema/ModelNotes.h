@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_YANG_SCHEMA_MODELNOTES_H
 #define ORV_HOST_YANG_SCHEMA_MODELNOTES_H
 
-#include "model/ModelError.h"
+#include "base/Problem.h"
 
 #include <cstddef>
 #include <string>
@@ -22,7 +22,7 @@ public:
     /// Adds a note that is not counted.
     void add(const SourcePosition& source, std::string text);
 
-    std::vector<ModelProblem> take() &&;
+    std::vector<Problem> take() &&;
 
 private:
     struct Counted {
@@ -33,7 +33,7 @@ private:
     };
 
     std::vector<Counted> mCounted;
-    std::vector<ModelProblem> mNotes;
+    std::vector<Problem> mNotes;
 };
 
 }

@@ -60,7 +60,7 @@ SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, const Mod
 void SchemaWalker::walk() {
     const std::vector<const lys_module*> modules = mContext->implementedModules();
     for (const auto& [name, text] : mFinder.found()) {
-        for (ModelProblem& problem : misplacedStatements(text)) {
+        for (Problem& problem : misplacedStatements(text)) {
             mProblems.push_back(std::move(problem));
         }
     }
@@ -272,7 +272,7 @@ Model SchemaWalker::build() {
                         std::move(containment.source));
     }
     mAssociations.addTo(builder, mModulesOf);
-    for (ModelProblem& problem : mAssociations.takeProblems()) {
+    for (Problem& problem : mAssociations.takeProblems()) {
         mProblems.push_back(std::move(problem));
     }
     try {

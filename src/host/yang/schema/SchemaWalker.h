@@ -69,7 +69,7 @@ private:
     std::map<std::string, Class*> mClassByName;
     std::map<std::string, std::set<std::string>> mModulesOf;
     std::vector<ContainmentDraft> mContainments;
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 }

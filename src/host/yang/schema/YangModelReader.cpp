@@ -23,7 +23,7 @@ bool isPath(const std::string& module) {
 /// them.
 std::vector<std::string> resolve(const std::vector<std::string>& modules, ModuleFinder& finder) {
     std::vector<std::string> names;
-    std::vector<ModelProblem> problems;
+    std::vector<Problem> problems;
     for (const std::string& module : modules) {
         try {
             names.push_back(isPath(module) ? finder.addFile(module) : module);

@@ -23,7 +23,7 @@ struct YangModel {
     std::shared_ptr<const YangSchema> schema;
     /// What the modules say but the model does not represent, for people; these notes are not
     /// errors.
-    std::vector<ModelProblem> notes;
+    std::vector<Problem> notes;
 };
 
 /// Reads several YANG 1.1 modules into one model. docs/models-in-yang.md explains how to write a

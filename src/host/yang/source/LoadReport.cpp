@@ -34,7 +34,7 @@ void LoadReport::claim(const std::string& module) {
     if (found == mFinder.found().end()) {
         return;
     }
-    for (ModelProblem& problem : mProblems) {
+    for (Problem& problem : mProblems) {
         if (problem.source.file.empty()) {
             const int line = problem.source.line;
             problem.source = {found->second.file,

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_YANG_SOURCE_LOADREPORT_H
 #define ORV_HOST_YANG_SOURCE_LOADREPORT_H
 
-#include "model/ModelError.h"
+#include "base/Problem.h"
 #include "yang/source/ModuleFinder.h"
 #include "yang/source/YangContext.h"
 
@@ -25,7 +25,7 @@ public:
     /// Takes the messages one by one, in their order.
     void take(const YangMessage& message);
 
-    std::vector<ModelProblem> problems() && { return std::move(mProblems); }
+    std::vector<Problem> problems() && { return std::move(mProblems); }
 
 private:
     void takeFailedModule(const std::string& module, const std::string& text);
@@ -36,7 +36,7 @@ private:
     const std::regex mParsing{R"(^Parsing (?:sub)?module "([^"]*)\" failed)"};
     const std::regex mLoading{R"(^(?:Loading "([^"]*)\" module|Including "([^"]*)\" submodule))"};
     std::string mMissing;
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 }

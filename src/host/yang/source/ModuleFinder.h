@@ -50,7 +50,7 @@ public:
     bool wasMissed(const std::string& name) const;
 
     /// The problems with the search path, or with a file on it.
-    const std::vector<ModelProblem>& problems() const { return mProblems; }
+    const std::vector<Problem>& problems() const { return mProblems; }
 
     /// "looked for NAME.yang in DIR, DIR": where find() has searched.
     std::string describeSearch(const std::string& name) const;
@@ -71,7 +71,7 @@ private:
     std::vector<Directory> mDirectories;
     std::map<std::string, ModuleText> mFound;
     std::vector<std::string> mMissed;
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 }

@@ -30,9 +30,9 @@ std::string describePlace(const Statement& statement, const Statement& parent) {
 
 }
 
-std::vector<ModelProblem> misplacedStatements(const ModuleText& module) {
+std::vector<Problem> misplacedStatements(const ModuleText& module) {
     const std::string prefix = module.statements.prefixOf(kAssociationsModule);
-    std::vector<ModelProblem> problems;
+    std::vector<Problem> problems;
     for (const Statement& statement : module.statements.statements()) {
         const bool isOurs = !prefix.empty() && statement.parent != YangText::kNone &&
                             statement.keyword.compare(0, prefix.size() + 1, prefix + ":") == 0;

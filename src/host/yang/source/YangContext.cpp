@@ -78,9 +78,9 @@ int lineOfNode(const YangText& text, const std::string& path) {
     return 0;
 }
 
-void appendNew(std::vector<ModelProblem>& all, std::vector<ModelProblem> more) {
-    for (ModelProblem& problem : more) {
-        const auto isSame = [&problem](const ModelProblem& other) {
+void appendNew(std::vector<Problem>& all, std::vector<Problem> more) {
+    for (Problem& problem : more) {
+        const auto isSame = [&problem](const Problem& other) {
             return toText(other) == toText(problem);
         };
         if (std::none_of(all.begin(), all.end(), isSame)) {
@@ -111,7 +111,7 @@ YangContext::~YangContext() {
 void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& finder) {
     ly_ctx_set_module_imp_clb(mContext, provideModule, &finder);
     const char* allFeatures[] = {"*", nullptr};
-    std::vector<ModelProblem> problems;
+    std::vector<Problem> problems;
     for (const std::string& module : modules) {
         if (ly_ctx_load_module(mContext, module.c_str(), nullptr, allFeatures) == nullptr) {
             appendNew(problems, loadProblems(module, finder));
@@ -128,21 +128,21 @@ void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& fi
     }
 }
 
-std::vector<ModelProblem> YangContext::loadProblems(const std::string& module,
-                                                    const ModuleFinder& finder) const {
+std::vector<Problem> YangContext::loadProblems(const std::string& module,
+                                               const ModuleFinder& finder) const {
     LoadReport report(finder);
     for (const YangMessage& message : takeMessages()) {
         report.take(message);
     }
-    std::vector<ModelProblem> problems = std::move(report).problems();
+    std::vector<Problem> problems = std::move(report).problems();
     if (problems.empty()) {
         problems.push_back({{fileOf(module, finder), 0}, "module cannot be loaded"});
     }
     return problems;
 }
 
-std::vector<ModelProblem> YangContext::compileProblems(const ModuleFinder& finder) const {
-    std::vector<ModelProblem> problems;
+std::vector<Problem> YangContext::compileProblems(const ModuleFinder& finder) const {
+    std::vector<Problem> problems;
     for (const YangMessage& message : takeMessages()) {
         const std::string module = message.path.substr(
             std::min<std::size_t>(1, message.path.size()), message.path.find(':') - 1);

@@ -59,9 +59,8 @@ public:
     const lysc_type* typeOf(const lysc_node* node, const std::string& text) const;
 
 private:
-    std::vector<ModelProblem> loadProblems(const std::string& module,
-                                           const ModuleFinder& finder) const;
-    std::vector<ModelProblem> compileProblems(const ModuleFinder& finder) const;
+    std::vector<Problem> loadProblems(const std::string& module, const ModuleFinder& finder) const;
+    std::vector<Problem> compileProblems(const ModuleFinder& finder) const;
 
     ly_ctx* mContext = nullptr;
     /// The library does not promise that values can be checked on several threads at once.

@@ -23,7 +23,7 @@ std::vector<std::string> problemsOf(const ModelBuilder& builder) {
     try {
         builder.build();
     } catch (const ModelError& error) {
-        for (const ModelProblem& problem : error.problems()) {
+        for (const Problem& problem : error.problems()) {
             texts.push_back(toText(problem));
         }
     }

@@ -24,7 +24,7 @@ std::vector<std::string> problemsOf(const ModelBuilder& builder) {
     try {
         builder.build();
     } catch (const ModelError& error) {
-        for (const ModelProblem& problem : error.problems()) {
+        for (const Problem& problem : error.problems()) {
             texts.push_back(toText(problem));
         }
     }
@@ -238,7 +238,7 @@ TEST(ModelBuilder, ManyProblems_AreAllToldAtOnce) {
         EXPECT_EQ(error.problems().size(), 5U);
         const std::string text = error.what();
         EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);
-        for (const ModelProblem& problem : error.problems()) {
+        for (const Problem& problem : error.problems()) {
             EXPECT_NE(text.find(problem.text), std::string::npos);
         }
     }

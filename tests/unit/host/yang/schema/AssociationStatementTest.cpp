@@ -14,7 +14,7 @@ std::string refusalOf(const std::function<void()>& parse) {
     try {
         parse();
         return "";
-    } catch (const BadStatement& error) {
+    } catch (const StatementError& error) {
         return error.what();
     }
 }

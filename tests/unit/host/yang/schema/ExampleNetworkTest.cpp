@@ -16,7 +16,7 @@ std::vector<DataObject> harbour(const char* file) {
 }
 
 TEST(ExampleNetwork, Model_LeavesNothingOut) {
-    for (const ModelProblem& note : ranModel().notes) {
+    for (const Problem& note : ranModel().notes) {
         ADD_FAILURE() << toText(note);
     }
     EXPECT_TRUE(classOf(ranModel(), "ManagedElement").isTopLevel);

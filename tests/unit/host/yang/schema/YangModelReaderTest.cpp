@@ -225,7 +225,7 @@ TEST(YangModelReader, UniDirAssociations_AreOneForEachPermittedClass) {
 
 TEST(YangModelReader, WhatIsLeftOut_IsNoted) {
     std::string notes;
-    for (const ModelProblem& note : siteModel().notes) {
+    for (const Problem& note : siteModel().notes) {
         notes += toText(note) + "\n";
     }
     EXPECT_THAT(notes, HasSubstr("site.yang:45: leafrefs and instance-identifiers"));

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_MODEL_PROBLEMLIST_H
-#define ORV_HOST_MODEL_PROBLEMLIST_H
+#ifndef ORV_HOST_MODEL_BUILDING_PROBLEMLIST_H
+#define ORV_HOST_MODEL_BUILDING_PROBLEMLIST_H
 
-#include "Model.h"
-#include "ModelError.h"
+#include "base/Problem.h"
+#include "model/Bounds.h"
 
 #include <initializer_list>
 #include <string>
@@ -13,9 +13,6 @@
 #include <vector>
 
 namespace OrvHost {
-
-/// Joins the pieces into one text.
-std::string joined(std::initializer_list<std::string_view> pieces);
 
 /// Collects the problems of a model while its parts are checked.
 class ProblemList {
@@ -29,7 +26,7 @@ public:
     void throwIfAny();
 
 private:
-    std::vector<ModelProblem> mProblems;
+    std::vector<Problem> mProblems;
 };
 
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "DataFailure.h"
+#include "DataProblem.h"
 
 #include "yang/source/YangText.h"
 #include "yang/types/TypeDescription.h"
@@ -82,7 +82,7 @@ std::string wordingOf(const YangMessage& message) {
 
 }
 
-ModelProblem describeFailure(const YangContext& context, const std::string& label) {
+Problem takeDataProblem(const YangContext& context, const std::string& label) {
     const std::vector<YangMessage> messages = context.takeMessages();
     if (messages.empty()) {
         return {{label, 0}, "the data cannot be read"};

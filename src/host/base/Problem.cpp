@@ -1,26 +1,35 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ModelError.h"
+#include "Problem.h"
 
 #include <utility>
 
 namespace OrvHost {
+
+namespace {
+
+std::string linesOf(const std::vector<Problem>& problems) {
+    std::string text;
+    for (const Problem& problem : problems) {
+        text += (text.empty() ? "" : "\n") + toText(problem);
+    }
+    return text;
+}
+
+}
 
 std::string toText(const SourcePosition& source) {
     const bool isLineKnown = !source.file.empty() && source.line > 0;
     return source.file + (isLineKnown ? ":" + std::to_string(source.line) : "");
 }
 
-std::string toText(const ModelProblem& problem) {
+std::string toText(const Problem& problem) {
     const bool isPlaceKnown = !problem.source.file.empty();
     return (isPlaceKnown ? toText(problem.source) + ": " : "") + problem.text;
 }
 
-ModelError::ModelError(std::vector<ModelProblem> problems) : mProblems(std::move(problems)) {
-    for (const ModelProblem& problem : mProblems) {
-        mText += (mText.empty() ? "" : "\n") + toText(problem);
-    }
-}
+ProblemsError::ProblemsError(std::vector<Problem> problems)
+    : std::runtime_error(linesOf(problems)), mProblems(std::move(problems)) {}
 
 }

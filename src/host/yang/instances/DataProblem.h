@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_YANG_INSTANCES_DATAFAILURE_H
-#define ORV_HOST_YANG_INSTANCES_DATAFAILURE_H
+#ifndef ORV_HOST_YANG_INSTANCES_DATAPROBLEM_H
+#define ORV_HOST_YANG_INSTANCES_DATAPROBLEM_H
 
-#include "model/ModelError.h"
+#include "base/Problem.h"
 #include "yang/source/YangContext.h"
 
 #include <string>
@@ -14,7 +14,7 @@ namespace OrvHost {
 /// The reason why the YANG library has just refused instance data: its message, taken out of the
 /// context, with what was expected and a usual remedy. `label` is used as the name of the data's
 /// file.
-ModelProblem describeFailure(const YangContext& context, const std::string& label);
+Problem takeDataProblem(const YangContext& context, const std::string& label);
 
 }
 

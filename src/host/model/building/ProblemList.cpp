@@ -3,17 +3,12 @@
 
 #include "ProblemList.h"
 
+#include "base/Join.h"
+#include "model/ModelError.h"
+
 #include <utility>
 
 namespace OrvHost {
-
-std::string joined(std::initializer_list<std::string_view> pieces) {
-    std::string text;
-    for (const std::string_view piece : pieces) {
-        text += piece;
-    }
-    return text;
-}
 
 void ProblemList::add(const SourcePosition& source,
                       std::initializer_list<std::string_view> pieces) {
