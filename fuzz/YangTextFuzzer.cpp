@@ -6,7 +6,7 @@
 
 #include "support/ByteSource.h"
 #include "support/Require.h"
-#include "yang/source/YangText.h"
+#include "yang/source/ModuleStatements.h"
 
 #include <algorithm>
 
@@ -16,12 +16,12 @@ using namespace OrvHost;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = ByteSource(data, size).rest();
     const auto lines = 1 + std::count(text.begin(), text.end(), '\n');
-    const YangText module(text);
-    const std::vector<YangText::Statement>& statements = module.statements();
+    const ModuleStatements module(text);
+    const std::vector<ModuleStatements::Statement>& statements = module.statements();
     for (std::size_t at = 0; at < statements.size(); ++at) {
-        const YangText::Statement& one = statements[at];
+        const ModuleStatements::Statement& one = statements[at];
         require(one.line >= 1 && one.line <= lines, "a line that is not there");
-        require(one.parent == YangText::kNone || one.parent < at, "a parent that follows");
+        require(one.parent == ModuleStatements::kNone || one.parent < at, "a parent that follows");
         require(module.lineOfFirst(withoutPrefix(one.keyword), one.argument) >= 1, "not found");
         const bool hasPrefix = one.keyword.find(':') != std::string::npos;
         require(!hasPrefix || module.lineOfMentioned('"' + one.keyword + '"') >= 1,

@@ -232,11 +232,11 @@ bool AssociationResolver::hasAgreeingOpposite(const Reference& reference) {
     }
     const ReferenceDraft& opposite = *mReferences[found->second].draft;
     if (opposite.opposite != draft.attribute) {
-        const std::string told = opposite.opposite.empty()
-                                     ? "no opposite at all"
-                                     : draft.owner + "." + opposite.opposite + " as its opposite";
+        const std::string named = opposite.opposite.empty()
+                                      ? "no opposite at all"
+                                      : draft.owner + "." + opposite.opposite + " as its opposite";
         mProblems.add(draft.source, {subjectOf(draft), ": names ", nameOf(opposite),
-                                     " as its opposite, but that one names ", told, "."});
+                                     " as its opposite, but that one names ", named, "."});
         return false;
     }
     return mReferences[found->second].isResolved;

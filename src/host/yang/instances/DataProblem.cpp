@@ -3,7 +3,7 @@
 
 #include "DataProblem.h"
 
-#include "yang/source/YangText.h"
+#include "yang/source/ModuleStatements.h"
 #include "yang/types/TypeDescription.h"
 
 #include <string_view>

@@ -4,7 +4,7 @@
 #include "InstanceDataWriter.h"
 
 #include "base/DnView.h"
-#include "yang/instances/ObjectText.h"
+#include "yang/instances/ObjectWriter.h"
 #include "yang/source/YangContext.h"
 
 #include <fstream>
@@ -30,7 +30,7 @@ DnStep lastStep(std::string_view dn) {
 
 InstanceDataWriter::InstanceDataWriter(std::shared_ptr<const YangSchema> schema, DataFormat format)
     : mSchema(std::move(schema)),
-      mText(ObjectText::make(format, mSchema->context())),
+      mWriter(ObjectWriter::make(format, mSchema->context())),
       mRoot(std::make_unique<TextNode>()) {}
 
 InstanceDataWriter::~InstanceDataWriter() = default;
@@ -44,7 +44,7 @@ void InstanceDataWriter::add(const DataObject& object) {
     const std::string value(lastStep(object.dn).value());
     std::string body;
     try {
-        body = mText->body(shapeFor(object.dn), value, object.attributes);
+        body = mWriter->body(shapeFor(object.dn), value, object.attributes);
     } catch (const UnwritableValueError& error) {
         refuse(object.dn, error.what());
     }
@@ -84,7 +84,7 @@ InstanceDataWriter::Entry& InstanceDataWriter::enter(std::string_view dn) {
     TextNode& parent = parentDn.isEmpty() ? *mRoot : *enter(parentDn.text()).node;
     const ObjectShape& shape = shapeFor(dn);
     TextNode& node = place(shape, parent);
-    node.body = mText->body(shape, std::string(lastStep(dn).value()), {});
+    node.body = mWriter->body(shape, std::string(lastStep(dn).value()), {});
     return mEntries.emplace(std::string(dn), Entry{&shape, &node, false}).first->second;
 }
 
@@ -103,7 +103,7 @@ TextNode& InstanceDataWriter::place(const ObjectShape& shape, TextNode& parent) 
 }
 
 void InstanceDataWriter::write(std::ostream& out) const {
-    mText->write(out, *mRoot, mStep);
+    mWriter->write(out, *mRoot, mStep);
 }
 
 void InstanceDataWriter::writeFile(const std::filesystem::path& file) const {

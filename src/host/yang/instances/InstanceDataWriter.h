@@ -18,7 +18,7 @@
 
 namespace OrvHost {
 
-class ObjectText;
+class ObjectWriter;
 struct TextNode;
 
 /// Writes objects as instance data. It collects them first, as text, because the entries of a list
@@ -67,7 +67,7 @@ private:
     TextNode& place(const ObjectShape& shape, TextNode& parent);
 
     std::shared_ptr<const YangSchema> mSchema;
-    std::unique_ptr<ObjectText> mText;
+    std::unique_ptr<ObjectWriter> mWriter;
     std::unique_ptr<TextNode> mRoot;
     std::unordered_map<std::string, Entry> mEntries; // by DN
     std::size_t mSize = 0;

@@ -6,7 +6,7 @@
 #include "DnUtil.h"
 #include "base/DnView.h"
 #include "yang/instances/InstanceDataError.h"
-#include "yang/types/ValueText.h"
+#include "yang/types/ValueCodec.h"
 
 #include <cstdlib>
 #include <memory>
@@ -100,7 +100,7 @@ void TreeReader::append(const lyd_node* node, std::vector<NamedValue>& values) {
 Value TreeReader::valueOf(const lyd_node* node, const ValueShape& shape) {
     if (shape.kind != ValueKind::Struct) {
         const auto* term = reinterpret_cast<const lyd_node_term*>(node);
-        return readValue(LYD_CTX(node), term->value, shape.kind);
+        return decodeValue(LYD_CTX(node), term->value, shape.kind);
     }
     StructValue value;
     for (const lyd_node* member = lyd_child(node); member != nullptr; member = member->next) {

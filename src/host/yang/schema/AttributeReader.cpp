@@ -7,7 +7,7 @@
 #include "yang/types/TypeFacts.h"
 #include "yang/types/TypeReader.h"
 #include "yang/types/TypedefChain.h"
-#include "yang/types/ValueText.h"
+#include "yang/types/ValueCodec.h"
 
 #include <algorithm>
 #include <utility>
@@ -48,14 +48,14 @@ std::vector<Value> defaultsOf(const lysc_node* node, ValueKind kind) {
     if (node->nodetype == LYS_LEAF) {
         const lyd_value* value = reinterpret_cast<const lysc_node_leaf*>(node)->dflt;
         if (value != nullptr) {
-            values.push_back(readValue(context, *value, kind));
+            values.push_back(decodeValue(context, *value, kind));
         }
         return values;
     }
     lyd_value* const* defaults = reinterpret_cast<const lysc_node_leaflist*>(node)->dflts;
     LY_ARRAY_COUNT_TYPE i = 0;
     for (i = 0; i < LY_ARRAY_COUNT(defaults); ++i) {
-        values.push_back(readValue(context, *defaults[i], kind));
+        values.push_back(decodeValue(context, *defaults[i], kind));
     }
     return values;
 }

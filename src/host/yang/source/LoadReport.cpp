@@ -44,7 +44,7 @@ void LoadReport::claim(const std::string& module) {
 }
 
 /// The library does not always report a line.
-int LoadReport::lineOfCause(const ModuleText& module, const std::string& text) const {
+int LoadReport::lineOfCause(const ModuleSource& module, const std::string& text) const {
     for (const char* keyword : {"import", "include"}) {
         if (const int line = module.statements.lineOfFirst(keyword, mMissing); line > 0) {
             return line;

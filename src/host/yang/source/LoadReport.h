@@ -30,7 +30,7 @@ public:
 private:
     void takeFailedModule(const std::string& module, const std::string& text);
     void claim(const std::string& module);
-    int lineOfCause(const ModuleText& module, const std::string& text) const;
+    int lineOfCause(const ModuleSource& module, const std::string& text) const;
 
     const ModuleFinder& mFinder;
     const std::regex mParsing{R"(^Parsing (?:sub)?module "([^"]*)\" failed)"};

@@ -27,13 +27,13 @@ std::optional<std::string> readFile(const fs::path& file) {
     throw ModelError({{{file.string(), line}, std::move(text)}});
 }
 
-ModuleText readModule(const fs::path& file) {
+ModuleSource readModule(const fs::path& file) {
     std::optional<std::string> text = readFile(file);
     if (!text) {
         refuse(file, 0, "cannot be read; the file of a YANG module was expected");
     }
-    YangText statements(*text);
-    const YangText::Statement top = statements.top();
+    ModuleStatements statements(*text);
+    const ModuleStatements::Statement top = statements.top();
     if (top.keyword == "submodule") {
         refuse(file, top.line,
                "\"" + top.argument +
@@ -59,13 +59,13 @@ ModuleFinder::ModuleFinder(std::vector<fs::path> searchPath) {
 }
 
 void ModuleFinder::addText(const std::string& name, std::string label, std::string text) {
-    YangText statements(text);
+    ModuleStatements statements(text);
     mFound.insert_or_assign(
-        name, ModuleText{name, std::move(label), std::move(text), std::move(statements)});
+        name, ModuleSource{name, std::move(label), std::move(text), std::move(statements)});
 }
 
 std::string ModuleFinder::addFile(const fs::path& file) {
-    ModuleText module = readModule(file);
+    ModuleSource module = readModule(file);
     const fs::path directory = file.has_parent_path() ? file.parent_path() : fs::path(".");
     mDirectories.push_back({directory, {}, false, false});
     std::string name = module.name;
@@ -73,7 +73,7 @@ std::string ModuleFinder::addFile(const fs::path& file) {
     return name;
 }
 
-const ModuleText* ModuleFinder::find(const std::string& name, const std::string& revision) {
+const ModuleSource* ModuleFinder::find(const std::string& name, const std::string& revision) {
     if (const auto known = mFound.find(name); known != mFound.end()) {
         return &known->second;
     }

@@ -5,7 +5,7 @@
 #define ORV_HOST_YANG_SOURCE_MODULEFINDER_H
 
 #include "model/ModelError.h"
-#include "yang/source/YangText.h"
+#include "yang/source/ModuleStatements.h"
 
 #include <filesystem>
 #include <map>
@@ -16,11 +16,11 @@
 namespace OrvHost {
 
 /// A module or submodule that was found or offered.
-struct ModuleText {
+struct ModuleSource {
     std::string name;
     std::string file; ///< as given or found, for messages
     std::string text;
-    YangText statements;
+    ModuleStatements statements;
 };
 
 /// Finds modules and submodules by name: first those that were offered, then those on the search
@@ -41,10 +41,10 @@ public:
     std::string addFile(const std::filesystem::path& file);
 
     /// The module with that name, and with that revision unless it is empty; null if there is none.
-    const ModuleText* find(const std::string& name, const std::string& revision);
+    const ModuleSource* find(const std::string& name, const std::string& revision);
 
     /// The modules that were found, or offered, so far.
-    const std::map<std::string, ModuleText>& found() const { return mFound; }
+    const std::map<std::string, ModuleSource>& found() const { return mFound; }
 
     /// True if find() did not find that module.
     bool wasMissed(const std::string& name) const;
@@ -69,7 +69,7 @@ private:
                                                 const std::string& revision);
 
     std::vector<Directory> mDirectories;
-    std::map<std::string, ModuleText> mFound;
+    std::map<std::string, ModuleSource> mFound;
     std::vector<std::string> mMissed;
     std::vector<Problem> mProblems;
 };

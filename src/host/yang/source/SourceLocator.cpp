@@ -34,7 +34,7 @@ std::string keywordOf(std::uint16_t nodetype) {
     return "output";
 }
 
-/// The path by which YangText knows the definition.
+/// The path by which ModuleStatements knows the definition.
 std::string definitionPath(const lysp_node* node) {
     std::string path;
     for (; node != nullptr; node = node->parent) {

@@ -9,7 +9,7 @@
 namespace OrvHost {
 namespace {
 
-using Statement = YangText::Statement;
+using Statement = ModuleStatements::Statement;
 
 bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
     for (const std::string_view candidate : words) {
@@ -30,11 +30,11 @@ std::string describePlace(const Statement& statement, const Statement& parent) {
 
 }
 
-std::vector<Problem> misplacedStatements(const ModuleText& module) {
+std::vector<Problem> misplacedStatements(const ModuleSource& module) {
     const std::string prefix = module.statements.prefixOf(kAssociationsModule);
     std::vector<Problem> problems;
     for (const Statement& statement : module.statements.statements()) {
-        const bool isOurs = !prefix.empty() && statement.parent != YangText::kNone &&
+        const bool isOurs = !prefix.empty() && statement.parent != ModuleStatements::kNone &&
                             statement.keyword.compare(0, prefix.size() + 1, prefix + ":") == 0;
         if (!isOurs) {
             continue;

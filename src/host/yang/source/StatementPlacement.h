@@ -15,7 +15,7 @@ constexpr const char* kAssociationsModule = "orv-associations";
 
 /// The statements of orv-associations at places where the YANG library drops them, or where they
 /// have no meaning. Without this check they would be ignored silently.
-std::vector<Problem> misplacedStatements(const ModuleText& module);
+std::vector<Problem> misplacedStatements(const ModuleSource& module);
 
 }
 

@@ -29,7 +29,7 @@ LY_ERR provideModule(const char* module, const char* revision, const char* submo
                      const char** text, ly_module_imp_data_free_clb* release) {
     const char* name = submodule != nullptr ? submodule : module;
     const char* wanted = submodule != nullptr ? submoduleRevision : revision;
-    const ModuleText* found =
+    const ModuleSource* found =
         static_cast<ModuleFinder*>(finder)->find(name, wanted != nullptr ? wanted : "");
     if (found == nullptr) {
         return LY_ENOT;
@@ -63,7 +63,7 @@ std::string fileOf(const std::string& module, const ModuleFinder& finder) {
 
 /// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
 /// definition that came from a grouping is not found.
-int lineOfNode(const YangText& text, const std::string& path) {
+int lineOfNode(const ModuleStatements& text, const std::string& path) {
     const std::size_t augment = path.find("{augment='");
     if (augment != std::string::npos) {
         const std::size_t start = augment + std::strlen("{augment='");

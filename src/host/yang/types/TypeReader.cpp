@@ -3,7 +3,7 @@
 
 #include "TypeReader.h"
 
-#include "yang/source/YangText.h"
+#include "yang/source/ModuleStatements.h"
 #include "yang/types/TypeCheck.h"
 #include "yang/types/TypeDescription.h"
 #include "yang/types/TypeFacts.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ValueText.h"
+#include "ValueCodec.h"
 
 #include "yang/types/TypeFacts.h"
 
@@ -66,7 +66,7 @@ std::string decimalText(double number, int fractionDigits) {
     return text;
 }
 
-WireValue::Form formOf(LY_DATA_TYPE base) {
+EncodedValue::Form formOf(LY_DATA_TYPE base) {
     switch (base) {
     case LY_TYPE_BOOL:
     case LY_TYPE_INT8:
@@ -75,11 +75,11 @@ WireValue::Form formOf(LY_DATA_TYPE base) {
     case LY_TYPE_UINT8:
     case LY_TYPE_UINT16:
     case LY_TYPE_UINT32:
-        return WireValue::Form::Bare;
+        return EncodedValue::Form::Bare;
     case LY_TYPE_EMPTY:
-        return WireValue::Form::Empty;
+        return EncodedValue::Form::Empty;
     default:
-        return WireValue::Form::Quoted; // numbers of 64 bits do not fit into a JSON number
+        return EncodedValue::Form::Quoted; // numbers of 64 bits do not fit into a JSON number
     }
 }
 
@@ -96,7 +96,7 @@ const lysc_type* formingType(const lysc_node* node, const std::string& text,
 
 }
 
-Value readValue(const ly_ctx* context, const lyd_value& value, ValueKind kind) {
+Value decodeValue(const ly_ctx* context, const lyd_value& value, ValueKind kind) {
     const lyd_value& inner = effective(value);
     switch (kind) {
     case ValueKind::Bool:
@@ -112,24 +112,24 @@ Value readValue(const ly_ctx* context, const lyd_value& value, ValueKind kind) {
     }
 }
 
-WireValue toWire(const Value& value, const lysc_node* node, const YangContext& context) {
+EncodedValue encodeValue(const Value& value, const lysc_node* node, const YangContext& context) {
     const lysc_type* declared = followLeafrefs(typeOfLeaf(node));
-    WireValue wire;
+    EncodedValue encoded;
     if (const auto* number = std::get_if<double>(&value); number != nullptr) {
         const bool isDecimal = declared->basetype == LY_TYPE_DEC64;
-        wire.text =
+        encoded.text =
             isDecimal
                 ? decimalText(*number,
                               reinterpret_cast<const lysc_type_dec*>(declared)->fraction_digits)
                 : toText(value);
     } else {
-        wire.text = toText(value);
+        encoded.text = toText(value);
     }
-    const lysc_type* type = formingType(node, wire.text, context);
-    wire.form = formOf(type->basetype);
-    wire.isIdentity = type->basetype == LY_TYPE_IDENT;
-    wire.isPath = type->basetype == LY_TYPE_INST;
-    return wire;
+    const lysc_type* type = formingType(node, encoded.text, context);
+    encoded.form = formOf(type->basetype);
+    encoded.isIdentity = type->basetype == LY_TYPE_IDENT;
+    encoded.isPath = type->basetype == LY_TYPE_INST;
+    return encoded;
 }
 
 }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_YANG_SOURCE_YANGTEXT_H
-#define ORV_HOST_YANG_SOURCE_YANGTEXT_H
+#ifndef ORV_HOST_YANG_SOURCE_MODULESTATEMENTS_H
+#define ORV_HOST_YANG_SOURCE_MODULESTATEMENTS_H
 
 #include <cstddef>
 #include <string>
@@ -17,7 +17,7 @@ namespace OrvHost {
 /// comments) and accepts any text: the YANG library reports what is malformed.
 ///
 /// Immutable after construction.
-class YangText {
+class ModuleStatements {
 public:
     struct Statement {
         std::string keyword; ///< as written, with its prefix
@@ -27,7 +27,7 @@ public:
     };
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-    explicit YangText(std::string_view text);
+    explicit ModuleStatements(std::string_view text);
 
     const std::vector<Statement>& statements() const { return mStatements; }
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "JsonText.h"
+#include "JsonWriter.h"
 
-#include "yang/types/ValueText.h"
+#include "yang/types/ValueCodec.h"
 
 #include <array>
 #include <cstdio>
@@ -118,8 +118,8 @@ private:
 
 }
 
-std::string JsonText::body(const ObjectShape& shape, const std::string& namingValue,
-                           const std::vector<NamedValue>& attributes) const {
+std::string JsonWriter::body(const ObjectShape& shape, const std::string& namingValue,
+                             const std::vector<NamedValue>& attributes) const {
     std::vector<std::string> members{nameOf(shape.key, shape.list) + ": " +
                                      scalar(namingValue, shape.key)};
     const lysc_node* wrapper = nullptr;
@@ -141,8 +141,8 @@ std::string JsonText::body(const ObjectShape& shape, const std::string& namingVa
 }
 
 /// An attribute without values is left out; so is an `empty` leaf that is not set.
-std::string JsonText::member(const NamedValue& value, const ValueShape& shape,
-                             const lysc_node* parent) const {
+std::string JsonWriter::member(const NamedValue& value, const ValueShape& shape,
+                               const lysc_node* parent) const {
     std::vector<std::string> parts;
     for (const Value& one : value.second.values) {
         std::string text = single(one, shape);
@@ -161,24 +161,24 @@ std::string JsonText::member(const NamedValue& value, const ValueShape& shape,
     return nameOf(shape.node, parent) + ": " + text;
 }
 
-std::string JsonText::single(const Value& value, const ValueShape& shape) const {
+std::string JsonWriter::single(const Value& value, const ValueShape& shape) const {
     return shape.kind == ValueKind::Struct ? structure(std::get<StructValue>(value), shape)
                                            : scalar(value, shape.node);
 }
 
-std::string JsonText::scalar(const Value& value, const lysc_node* node) const {
-    const WireValue wire = toWire(value, node, context());
-    switch (wire.form) {
-    case WireValue::Form::Bare:
-        return wire.text;
-    case WireValue::Form::Empty:
-        return wire.text == "false" ? "" : "[null]";
+std::string JsonWriter::scalar(const Value& value, const lysc_node* node) const {
+    const EncodedValue encoded = encodeValue(value, node, context());
+    switch (encoded.form) {
+    case EncodedValue::Form::Bare:
+        return encoded.text;
+    case EncodedValue::Form::Empty:
+        return encoded.text == "false" ? "" : "[null]";
     default:
-        return quote(wire.text);
+        return quote(encoded.text);
     }
 }
 
-std::string JsonText::structure(const StructValue& value, const ValueShape& shape) const {
+std::string JsonWriter::structure(const StructValue& value, const ValueShape& shape) const {
     std::vector<std::string> parts;
     for (const NamedValue& one : value.members) {
         const std::string text = member(one, shapeOf(one, shape.members), shape.node);
@@ -189,7 +189,7 @@ std::string JsonText::structure(const StructValue& value, const ValueShape& shap
     return block(parts, "{", "}");
 }
 
-void JsonText::write(std::ostream& out, const TextNode& root, int step) const {
+void JsonWriter::write(std::ostream& out, const TextNode& root, int step) const {
     TreeWriter(out, step).writeNode(root, nullptr, 0);
     out << "\n";
 }

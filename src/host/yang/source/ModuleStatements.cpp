@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "YangText.h"
+#include "ModuleStatements.h"
 
 #include <utility>
 
@@ -139,7 +139,7 @@ std::string_view withoutPrefix(std::string_view keyword) {
     return colon == std::string_view::npos ? keyword : keyword.substr(colon + 1);
 }
 
-YangText::YangText(std::string_view text) {
+ModuleStatements::ModuleStatements(std::string_view text) {
     Lexer lexer(text);
     std::vector<std::size_t> open;
     bool inStatement = false; // false: the next word is a keyword
@@ -167,7 +167,7 @@ YangText::YangText(std::string_view text) {
     }
 }
 
-std::string YangText::pathOf(const Statement& statement) const {
+std::string ModuleStatements::pathOf(const Statement& statement) const {
     std::string own(withoutPrefix(statement.keyword));
     if (!statement.argument.empty()) {
         own += " " + withSingleSpaces(statement.argument);
@@ -177,12 +177,12 @@ std::string YangText::pathOf(const Statement& statement) const {
     return hasPath ? mPaths[statement.parent] + "/" + own : own;
 }
 
-int YangText::lineOf(const std::string& path) const {
+int ModuleStatements::lineOf(const std::string& path) const {
     const auto found = mLineByPath.find(withSingleSpaces(path));
     return found == mLineByPath.end() ? 0 : found->second;
 }
 
-int YangText::lineOfFirst(std::string_view keyword, std::string_view argument) const {
+int ModuleStatements::lineOfFirst(std::string_view keyword, std::string_view argument) const {
     for (const Statement& statement : mStatements) {
         if (withoutPrefix(statement.keyword) == keyword && statement.argument == argument) {
             return statement.line;
@@ -191,7 +191,7 @@ int YangText::lineOfFirst(std::string_view keyword, std::string_view argument) c
     return 0;
 }
 
-int YangText::lineOfMentioned(const std::string& text) const {
+int ModuleStatements::lineOfMentioned(const std::string& text) const {
     for (const Statement& statement : mStatements) {
         const bool hasPrefix = statement.keyword.find(':') != std::string::npos;
         if (hasPrefix && text.find("\"" + statement.keyword + "\"") != std::string::npos) {
@@ -201,12 +201,12 @@ int YangText::lineOfMentioned(const std::string& text) const {
     return 0;
 }
 
-const YangText::Statement& YangText::top() const {
+const ModuleStatements::Statement& ModuleStatements::top() const {
     static const Statement none;
     return mStatements.empty() ? none : mStatements.front();
 }
 
-std::string YangText::prefixOf(std::string_view importedModule) const {
+std::string ModuleStatements::prefixOf(std::string_view importedModule) const {
     for (const Statement& statement : mStatements) {
         if (statement.keyword != "prefix" || statement.parent == kNone) {
             continue;

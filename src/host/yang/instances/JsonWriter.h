@@ -1,17 +1,17 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_YANG_INSTANCES_JSONTEXT_H
-#define ORV_HOST_YANG_INSTANCES_JSONTEXT_H
+#ifndef ORV_HOST_YANG_INSTANCES_JSONWRITER_H
+#define ORV_HOST_YANG_INSTANCES_JSONWRITER_H
 
-#include "yang/instances/ObjectText.h"
+#include "yang/instances/ObjectWriter.h"
 
 namespace OrvHost {
 
 /// The JSON of RFC 7951.
-class JsonText : public ObjectText {
+class JsonWriter : public ObjectWriter {
 public:
-    using ObjectText::ObjectText;
+    using ObjectWriter::ObjectWriter;
 
     std::string body(const ObjectShape& shape, const std::string& namingValue,
                      const std::vector<NamedValue>& attributes) const override;

@@ -1,17 +1,17 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_YANG_INSTANCES_XMLTEXT_H
-#define ORV_HOST_YANG_INSTANCES_XMLTEXT_H
+#ifndef ORV_HOST_YANG_INSTANCES_XMLWRITER_H
+#define ORV_HOST_YANG_INSTANCES_XMLWRITER_H
 
-#include "yang/instances/ObjectText.h"
+#include "yang/instances/ObjectWriter.h"
 
 namespace OrvHost {
 
 /// The XML of RFC 7950. Several top-level objects stand side by side, with no element around them.
-class XmlText : public ObjectText {
+class XmlWriter : public ObjectWriter {
 public:
-    using ObjectText::ObjectText;
+    using ObjectWriter::ObjectWriter;
 
     std::string body(const ObjectShape& shape, const std::string& namingValue,
                      const std::vector<NamedValue>& attributes) const override;

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ObjectText.h"
+#include "ObjectWriter.h"
 
-#include "yang/instances/JsonText.h"
-#include "yang/instances/XmlText.h"
+#include "yang/instances/JsonWriter.h"
+#include "yang/instances/XmlWriter.h"
 
 #include <algorithm>
 
@@ -20,11 +20,11 @@ TextNode::Group& TextNode::group(const lysc_node* schema) {
     return groups.back();
 }
 
-std::unique_ptr<ObjectText> ObjectText::make(DataFormat format, const YangContext& context) {
+std::unique_ptr<ObjectWriter> ObjectWriter::make(DataFormat format, const YangContext& context) {
     if (format == DataFormat::Json) {
-        return std::make_unique<JsonText>(context);
+        return std::make_unique<JsonWriter>(context);
     }
-    return std::make_unique<XmlText>(context);
+    return std::make_unique<XmlWriter>(context);
 }
 
 const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_YANG_INSTANCES_OBJECTTEXT_H
-#define ORV_HOST_YANG_INSTANCES_OBJECTTEXT_H
+#ifndef ORV_HOST_YANG_INSTANCES_OBJECTWRITER_H
+#define ORV_HOST_YANG_INSTANCES_OBJECTWRITER_H
 
 #include "yang/instances/DataObject.h"
 #include "yang/schema/YangSchema.h"
@@ -38,14 +38,14 @@ struct TextNode {
 };
 
 /// Writes objects in one of the two formats.
-class ObjectText {
+class ObjectWriter {
 public:
-    explicit ObjectText(const YangContext& context) : mContext(context) {}
-    virtual ~ObjectText() = default;
-    ObjectText(const ObjectText&) = delete;
-    ObjectText& operator=(const ObjectText&) = delete;
+    explicit ObjectWriter(const YangContext& context) : mContext(context) {}
+    virtual ~ObjectWriter() = default;
+    ObjectWriter(const ObjectWriter&) = delete;
+    ObjectWriter& operator=(const ObjectWriter&) = delete;
 
-    static std::unique_ptr<ObjectText> make(DataFormat format, const YangContext& context);
+    static std::unique_ptr<ObjectWriter> make(DataFormat format, const YangContext& context);
 
     /// The text of an object's key and attributes.
     /// \throws UnwritableValueError

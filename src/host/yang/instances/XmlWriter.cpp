@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "XmlText.h"
+#include "XmlWriter.h"
 
 #include "yang/instances/XmlEntity.h"
-#include "yang/types/ValueText.h"
+#include "yang/types/ValueCodec.h"
 
 namespace OrvHost {
 namespace {
@@ -81,8 +81,8 @@ void writeNode(std::ostream& out, const TextNode& node, const lysc_node* schema,
 
 }
 
-std::string XmlText::body(const ObjectShape& shape, const std::string& namingValue,
-                          const std::vector<NamedValue>& attributes) const {
+std::string XmlWriter::body(const ObjectShape& shape, const std::string& namingValue,
+                            const std::vector<NamedValue>& attributes) const {
     std::string text = scalar(namingValue, shape.key, shape.list);
     const lysc_node* wrapper = nullptr;
     std::string wrapped;
@@ -101,15 +101,15 @@ std::string XmlText::body(const ObjectShape& shape, const std::string& namingVal
     return text;
 }
 
-void XmlText::append(std::string& text, const NamedValue& value, const ValueShape& shape,
-                     const lysc_node* parent) const {
+void XmlWriter::append(std::string& text, const NamedValue& value, const ValueShape& shape,
+                       const lysc_node* parent) const {
     for (const Value& one : value.second.values) {
         appendLine(text, single(one, shape, parent));
     }
 }
 
-std::string XmlText::single(const Value& value, const ValueShape& shape,
-                            const lysc_node* parent) const {
+std::string XmlWriter::single(const Value& value, const ValueShape& shape,
+                              const lysc_node* parent) const {
     if (shape.kind != ValueKind::Struct) {
         return scalar(value, shape.node, parent);
     }
@@ -120,24 +120,24 @@ std::string XmlText::single(const Value& value, const ValueShape& shape,
     return block(shape.node, parent, text);
 }
 
-std::string XmlText::scalar(const Value& value, const lysc_node* node,
-                            const lysc_node* parent) const {
-    const WireValue wire = toWire(value, node, context());
-    if (wire.form == WireValue::Form::Empty) {
-        return wire.text == "false" ? "" : "<" + startTag(node, parent) + "/>";
+std::string XmlWriter::scalar(const Value& value, const lysc_node* node,
+                              const lysc_node* parent) const {
+    const EncodedValue encoded = encodeValue(value, node, context());
+    if (encoded.form == EncodedValue::Form::Empty) {
+        return encoded.text == "false" ? "" : "<" + startTag(node, parent) + "/>";
     }
-    if (wire.isPath) {
+    if (encoded.isPath) {
         throw UnwritableValueError("\"" + std::string(node->name) +
                                    "\" is an instance-identifier, which only JSON can hold here");
     }
-    if (wire.isIdentity) {
-        return "<" + startTag(node, parent) + declarationFor(wire.text, context()) + ">" +
-               escape(wire.text) + "</" + node->name + ">";
+    if (encoded.isIdentity) {
+        return "<" + startTag(node, parent) + declarationFor(encoded.text, context()) + ">" +
+               escape(encoded.text) + "</" + node->name + ">";
     }
-    return element(node, parent, escape(wire.text));
+    return element(node, parent, escape(encoded.text));
 }
 
-void XmlText::write(std::ostream& out, const TextNode& root, int step) const {
+void XmlWriter::write(std::ostream& out, const TextNode& root, int step) const {
     for (const TextNode::Group& group : root.groups) {
         for (const std::unique_ptr<TextNode>& node : group.nodes) {
             writeNode(out, *node, group.schema, nullptr, 0, step);
