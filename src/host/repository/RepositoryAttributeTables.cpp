@@ -4,7 +4,7 @@
 #include "RepositoryTables.h"
 
 #include "RepositoryAnswer.h"
-#include "TypeCode.h"
+#include "model/TypeCode.h"
 
 namespace OrvHost {
 

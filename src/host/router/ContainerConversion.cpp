@@ -3,12 +3,12 @@
 
 #include "ContainerConversion.h"
 
+#include "model/TypeCode.h"
+
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
-#include <optional>
 #include <utility>
 
 namespace OrvHost {
@@ -21,37 +21,13 @@ constexpr int kDeepest = 64;
 // A list with more members is taken for one that leads back into itself.
 constexpr std::size_t kMostMembers = 100000;
 
-struct Code {
-    ValueKind kind;
-    OrvMoAttributeType_3 code;
-};
-
-constexpr Code kCodes[] = {
-    {ValueKind::Bool, OrvMoAttributeTypeBool_3},
-    {ValueKind::Int, OrvMoAttributeTypeInt64_3},
-    {ValueKind::Uint, OrvMoAttributeTypeUint64_3},
-    {ValueKind::Double, OrvMoAttributeTypeDouble_3},
-    {ValueKind::Enumeration, OrvMoAttributeTypeEnumeration_3},
-    {ValueKind::String, OrvMoAttributeTypeString_3},
-    {ValueKind::MoRef, OrvMoAttributeTypeMoRef_3},
-    {ValueKind::Struct, OrvMoAttributeTypeStruct_3},
-};
-
-std::int32_t codeOf(ValueKind kind) {
-    return std::find_if(std::begin(kCodes), std::end(kCodes),
-                        [kind](const Code& code) { return code.kind == kind; })
-        ->code;
-}
-
 ValueKind requireKind(std::int32_t code) {
-    const auto* const found =
-        std::find_if(std::begin(kCodes), std::end(kCodes),
-                     [code](const Code& candidate) { return candidate.code == code; });
-    if (found == std::end(kCodes)) {
+    const auto kind = kindOfTypeCode(code);
+    if (!kind) {
         throw HostError(OrvInvalidArgument,
                         "the type code " + std::to_string(code) + " is unknown");
     }
-    return found->kind;
+    return *kind;
 }
 
 template <class T>
@@ -149,7 +125,7 @@ StructValue ContainerConversion<Records>::toStruct(const Member* first, int dept
 template <class Records>
 void ContainerConversion<Records>::fill(Container& container, const AttributeValue& value,
                                         Orv::AutoMemory& memory) {
-    container.type = static_cast<decltype(container.type)>(codeOf(value.kind));
+    container.type = static_cast<decltype(container.type)>(typeCodeOf(value.kind));
     container.count = static_cast<std::uint32_t>(value.values.size());
     container.values = value.values.empty() ? nullptr : allocate<Slot>(memory, value.values.size());
     for (std::size_t at = 0; at < value.values.size(); ++at) {
@@ -229,37 +205,36 @@ void releaseContainer(OrvMoAttributeValueContainer_3* container) {
     delete static_cast<OwnedContainer*>(container);
 }
 
-/// Stands directly before an array of records, so that the owner can be found from the array's
-/// address.
-struct ArrayHead {
-    Orv::AutoMemory* owner;
-};
-
-// makeResult reserves one element of the array for the head.
-static_assert(sizeof(ArrayHead) == sizeof(void*), "one word");
-
+/// The array ends with a null pointer; each record in it is an OwnedContainer.
 void releaseContainers(OrvMoAttributeValueContainer_3** containers) {
-    delete (reinterpret_cast<ArrayHead*>(containers) - 1)->owner;
+    const std::unique_ptr<OrvMoAttributeValueContainer_3*[]> array(containers);
+    for (auto** next = containers; *next != nullptr; ++next) {
+        releaseContainer(*next);
+    }
+}
+
+std::unique_ptr<OwnedContainer> makeContainer(const AttributeValue& value) {
+    auto owned = std::make_unique<OwnedContainer>();
+    ContainerConversion<Records3>::fill(*owned, value, owned->memory);
+    return owned;
 }
 
 }
 
 OrvMoAttributeValueResult_3 makeResult(const AttributeValue& value) {
-    auto owned = std::make_unique<OwnedContainer>();
-    ContainerConversion<Records3>::fill(*owned, value, owned->memory);
-    return {&releaseContainer, owned.release()};
+    return {&releaseContainer, makeContainer(value).release()};
 }
 
 OrvMoAttributeValuesResult_3 makeResult(const std::vector<AttributeValue>& values) {
-    auto memory = std::make_unique<Orv::AutoMemory>();
-    auto** const words = allocate<OrvMoAttributeValueContainer_3*>(*memory, values.size() + 2);
-    auto** const containers = words + 1;
-    for (std::size_t at = 0; at < values.size(); ++at) {
-        containers[at] = allocate<OrvMoAttributeValueContainer_3>(*memory, 1);
-        ContainerConversion<Records3>::fill(*containers[at], values[at], *memory);
+    std::vector<std::unique_ptr<OwnedContainer>> owned;
+    owned.reserve(values.size());
+    for (const AttributeValue& value : values) {
+        owned.push_back(makeContainer(value));
     }
-    reinterpret_cast<ArrayHead*>(words)->owner = memory.release();
-    return {&releaseContainers, containers};
+    auto array = std::make_unique<OrvMoAttributeValueContainer_3*[]>(values.size() + 1);
+    std::transform(owned.begin(), owned.end(), array.get(),
+                   [](std::unique_ptr<OwnedContainer>& one) { return one.release(); });
+    return {&releaseContainers, array.release()};
 }
 
 void requireGiven(const void* argument, const char* what) {

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_REPOSITORY_TYPECODE_H
-#define ORV_HOST_REPOSITORY_TYPECODE_H
+#ifndef ORV_HOST_MODEL_TYPECODE_H
+#define ORV_HOST_MODEL_TYPECODE_H
 
 #include "OrvMoAttributeValue.h"
-#include "model/Value.h"
+#include "Value.h"
 
 #include <cstdint>
 #include <optional>

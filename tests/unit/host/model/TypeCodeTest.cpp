@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "repository/TypeCode.h"
+#include "model/TypeCode.h"
 
 #include <gtest/gtest.h>
 
