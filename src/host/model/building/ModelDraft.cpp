@@ -79,11 +79,6 @@ AttributeDraft& AttributeDraft::checkedBy(std::function<std::string(const std::s
     return *this;
 }
 
-AttributeDraft& AttributeDraft::typeNamed(std::string description) {
-    def.type.description = std::move(description);
-    return *this;
-}
-
 AttributeDraft& AttributeDraft::described(std::string description) {
     def.description = std::move(description);
     return *this;

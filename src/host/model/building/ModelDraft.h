@@ -50,7 +50,6 @@ struct AttributeDraft {
     AttributeDraft& defaultsTo(std::vector<Value> values);
     /// See TypeDef::check.
     AttributeDraft& checkedBy(std::function<std::string(const std::string& text)> check);
-    AttributeDraft& typeNamed(std::string description);
     AttributeDraft& described(std::string description);
     AttributeDraft& at(SourcePosition source);
 };
