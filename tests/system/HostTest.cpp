@@ -102,6 +102,57 @@ TEST_F(HostTest, Iterator_AfterItsTransaction_IsUnknown) {
     EXPECT_EQ(client->nextMo(iterator, &name), OrvNotActive);
 }
 
+// A client writes one side of an association; the component writes the other, in the same
+// transaction. A watcher of commits must see both.
+TEST_F(HostTest, Watch_CommitWithAnAssociation_ShowsTheBackPointerThatFollowed) {
+    const Model model =
+        ModelBuilder()
+            .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+            .add(ClassDraft("Mast").key("mastId").attribute(
+                AttributeDraft::reference("antennas").many()))
+            .add(
+                ClassDraft("Antenna").key("antennaId").attribute(AttributeDraft::reference("mast")))
+            .contain("ManagedElement", "Mast")
+            .contain("ManagedElement", "Antenna")
+            .biDir(ReferenceDraft("Mast", "antennas"), ReferenceDraft("Antenna", "mast"))
+            .build();
+    Host host(model, knownAs("east"));
+    DataSet data(model);
+    data.add({"ManagedElement=1", {}, {}});
+    data.add({"ManagedElement=1,Mast=m", {}, {}});
+    data.add({"ManagedElement=1,Antenna=a", {}, {}});
+    ASSERT_THAT(data.moveInto(host.store()), IsEmpty());
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    std::vector<ChangeSet> seen;
+    const auto subscription =
+        host.watch([&](const ChangeSet& changes) { seen.push_back(changes); });
+
+    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
+    ASSERT_NE(client, nullptr);
+    const unsigned long txHandle = host.transactions().begin("alice");
+    OrvMoAttributeValue_3 slot{};
+    slot.moRef = "ManagedElement=east,Mast=m";
+    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 1, &slot};
+    ASSERT_EQ(client->setMoAttribute(txHandle, "ManagedElement=east,Antenna=a", "mast", &value),
+              OrvOk);
+    EXPECT_THAT(seen, IsEmpty());
+    ASSERT_TRUE(host.transactions().commit(txHandle).accepted);
+
+    ASSERT_EQ(seen.size(), 1U);
+    EXPECT_EQ(seen[0].author, "alice");
+    ASSERT_EQ(seen[0].objects.size(), 2U);
+    const ObjectChange& written = seen[0].objects[0];
+    const ObjectChange& followed = seen[0].objects[1];
+    EXPECT_EQ(written.dn, "ManagedElement=1,Antenna=a");
+    EXPECT_EQ(followed.dn, "ManagedElement=1,Mast=m");
+    ASSERT_EQ(followed.attributes.size(), 1U);
+    EXPECT_EQ(followed.attributes[0].name, "antennas");
+    EXPECT_EQ(followed.attributes[0].before.values, std::vector<Value>{});
+    EXPECT_EQ(followed.attributes[0].after.values,
+              std::vector<Value>{std::string("ManagedElement=1,Antenna=a")});
+}
+
 TEST_F(HostTest, Shutdown_WithTransactionsOpen_EndsThemFirst) {
     Host host(mModel);
     load(host);

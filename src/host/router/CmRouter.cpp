@@ -24,4 +24,8 @@ void CmRouter::setActionHandler(ActionHandler handler) {
     mCore.setActionHandler(std::move(handler));
 }
 
+void CmRouter::setAuthorLookup(AuthorLookup lookup) {
+    mCore.setAuthorLookup(std::move(lookup));
+}
+
 }

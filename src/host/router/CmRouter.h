@@ -44,6 +44,9 @@ public:
     /// Sets the handler that runs actions; without one every action succeeds with an empty result.
     /// Do not call it while operations run.
     void setActionHandler(ActionHandler handler);
+    /// Sets who is asked for the author of a transaction that joins; without it none has one. Do
+    /// not call it while operations run.
+    void setAuthorLookup(AuthorLookup lookup);
 
     /// OrvOamSpiManagedObject_1_RouterId.
     OrvOamSpiManagedObject_1* getInterface1() { return mTable1.getInterface(); }

@@ -150,7 +150,7 @@ AttributeValue RouterCore::action(unsigned long txHandle, const std::string& dn,
 
 OrvReturnT RouterCore::join(unsigned long txHandle) {
     auto joined = std::make_shared<RouterTransaction>();
-    joined->store = mStore.begin(txHandle);
+    joined->store = mStore.begin(txHandle, mAuthorOf ? mAuthorOf(txHandle) : std::string());
     const std::unique_lock<std::shared_mutex> guard(mMutex);
     return mTransactions.emplace(txHandle, std::move(joined)).second ? OrvOk : OrvAlreadyExist;
 }

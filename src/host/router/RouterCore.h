@@ -20,6 +20,9 @@
 
 namespace OrvHost {
 
+/// Who began a transaction, for people; empty if nobody said.
+using AuthorLookup = std::function<std::string(unsigned long txHandle)>;
+
 /// What the router keeps for one transaction, from its join to its finish.
 struct RouterTransaction {
     std::unique_ptr<StoreTransaction> store;
@@ -67,6 +70,7 @@ public:
     AttributeValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
                           const std::vector<AttributeValue>& parameters);
     void setActionHandler(ActionHandler handler) { mActionHandler = std::move(handler); }
+    void setAuthorLookup(AuthorLookup lookup) { mAuthorOf = std::move(lookup); }
 
     // The participant; see OrvOamSpiTransactionalResource_2.
     OrvReturnT join(unsigned long txHandle);
@@ -83,6 +87,7 @@ private:
     MoStore& mStore;
     ThreadContext& mThreadContext;
     ActionHandler mActionHandler;
+    AuthorLookup mAuthorOf;
     IteratorTable mIterators;
 
     mutable std::shared_mutex mMutex; ///< guards mTransactions

@@ -15,6 +15,8 @@ Host::Host(const Model& model, const HostOptions& options)
       mPortal(mComponents, options.portals),
       mLoader(mComponents, mPortal.accessor()) {
     Orv::MeIdTranslator::instance()->configure(options.preferredIdentity, options.fallbackIdentity);
+    mRouter.setAuthorLookup(
+        [this](unsigned long txHandle) { return mTransactions.authorOf(txHandle); });
     mTransactions.enrolInEach(mRouter.getResource());
     offerTables();
 }

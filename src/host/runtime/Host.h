@@ -50,6 +50,11 @@ public:
     /// To fill with data before the start: see DataSet.
     MoStore& store() { return mStore; }
     CmRouter& router() { return mRouter; }
+    /// \p watcher is called with the changes of each commit, those included that components made to
+    /// keep associations in step; see CommitFeed. End the subscription before the host.
+    [[nodiscard]] CommitFeed::Subscription watch(CommitWatcher watcher) {
+        return mStore.watch(std::move(watcher));
+    }
     ThreadContext& threadContext() { return mThreadContext; }
     TransactionService& transactions() { return mTransactions; }
     ComponentRegistry& components() { return mComponents; }

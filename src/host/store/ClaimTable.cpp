@@ -4,6 +4,7 @@
 #include "ClaimTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace OrvHost {
 
@@ -70,11 +71,28 @@ void ClaimTable::grant(NodeClaim& claim, TransactionId transaction, Kind kind) {
     claim.deleting = claim.deleting || kind == Kind::Delete;
 }
 
+void ClaimTable::introduce(const ClaimSet& claims) {
+    if (!claims.author.empty()) {
+        const std::lock_guard<std::mutex> guard(mMutex);
+        mAuthors.emplace(claims.owner, claims.author);
+    }
+}
+
+std::optional<ClaimTable::Rival> ClaimTable::named(std::optional<Rival> rival) const {
+    if (rival) {
+        const auto found = mAuthors.find(rival->transaction);
+        if (found != mAuthors.end()) {
+            rival->author = found->second;
+        }
+    }
+    return rival;
+}
+
 std::optional<ClaimTable::Rival> ClaimTable::claimNode(ClaimSet& claims, NodeId node, Kind kind) {
     const std::lock_guard<std::mutex> guard(mMutex);
     NodeClaim& claim = mNodes[node];
-    if (const auto rival = claim.rivalOf(claims.owner, kind)) {
-        return rival;
+    if (auto rival = claim.rivalOf(claims.owner, kind)) {
+        return named(std::move(rival));
     }
     if (!claim.isHeldBy(claims.owner)) {
         claims.nodes.push_back(node);
@@ -85,14 +103,14 @@ std::optional<ClaimTable::Rival> ClaimTable::claimNode(ClaimSet& claims, NodeId 
 
 std::optional<ClaimTable::Rival> ClaimTable::claimName(ClaimSet& claims, const std::string& dn) {
     const std::lock_guard<std::mutex> guard(mMutex);
-    return claimKey(mNames, dn, claims.owner, claims.names, dn);
+    return named(claimKey(mNames, dn, claims.owner, claims.names, dn));
 }
 
 std::optional<ClaimTable::Rival> ClaimTable::claimMembership(ClaimSet& claims, NodeId parent,
                                                              ClassIndex moc) {
     const std::lock_guard<std::mutex> guard(mMutex);
-    return claimKey(mMemberships, membershipKey(parent, moc), claims.owner, claims.memberships,
-                    std::make_pair(parent, moc));
+    return named(claimKey(mMemberships, membershipKey(parent, moc), claims.owner,
+                          claims.memberships, std::make_pair(parent, moc)));
 }
 
 void ClaimTable::releaseNode(NodeId node, TransactionId transaction) noexcept {
@@ -123,6 +141,7 @@ void ClaimTable::release(ClaimSet& claims) noexcept {
     for (const auto& membership : claims.memberships) {
         mMemberships.erase(membershipKey(membership.first, membership.second));
     }
+    mAuthors.erase(claims.owner);
     claims.nodes.clear();
     claims.names.clear();
     claims.memberships.clear();

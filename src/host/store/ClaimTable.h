@@ -20,6 +20,7 @@ namespace OrvHost {
 /// What one transaction has claimed. Belongs to its transaction; only ClaimTable changes it.
 struct ClaimSet {
     TransactionId owner = kNoTransaction;
+    std::string author; ///< who began the owner, for people; may be empty
     std::vector<NodeId> nodes;
     std::vector<std::string> names;
     std::vector<std::pair<NodeId, ClassIndex>> memberships;
@@ -41,7 +42,11 @@ public:
     struct Rival {
         TransactionId transaction = kNoTransaction;
         Kind kind = Kind::Write;
+        std::string author{}; ///< of its claims
     };
+
+    /// Makes the author of \p claims known, for the transactions that it refuses.
+    void introduce(const ClaimSet& claims);
 
     /// Claims a committed object. Returns nothing if the claim is granted, now or before.
     std::optional<Rival> claimNode(ClaimSet& claims, NodeId node, Kind kind);
@@ -64,12 +69,14 @@ private:
         bool isFree() const { return writer == kNoTransaction && creators.empty(); }
     };
     static void grant(NodeClaim& claim, TransactionId transaction, Kind kind);
+    std::optional<Rival> named(std::optional<Rival> rival) const;
     void releaseNode(NodeId node, TransactionId transaction) noexcept;
 
     std::mutex mMutex; ///< guards all below
     std::unordered_map<NodeId, NodeClaim> mNodes;
     std::unordered_map<std::string, TransactionId> mNames;
     std::unordered_map<std::uint64_t, TransactionId> mMemberships;
+    std::unordered_map<TransactionId, std::string> mAuthors; ///< of those that have one
 };
 
 }

@@ -67,8 +67,8 @@ void MoStore::load(const std::string& dn, const std::vector<NamedValue>& attribu
     withDn(dn, [&] { mTree.load([&](MoTree& tree) { add(mModel, tree, dn, attributes); }); });
 }
 
-std::unique_ptr<StoreTransaction> MoStore::begin(TransactionId id) {
-    return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, id);
+std::unique_ptr<StoreTransaction> MoStore::begin(TransactionId id, std::string author) {
+    return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, mFeed, id, std::move(author));
 }
 
 std::uint64_t MoStore::size() const {

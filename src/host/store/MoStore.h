@@ -43,9 +43,15 @@ public:
     /// time.
     void load(const std::string& dn, const std::vector<NamedValue>& attributes);
 
-    /// Begins a transaction. \p id names it in messages to other transactions and must be unique
-    /// among the open ones. The store must outlive the transaction.
-    std::unique_ptr<StoreTransaction> begin(TransactionId id);
+    /// Begins a transaction. \p id and \p author name it in messages to other transactions; \p id
+    /// must be unique among the open ones, \p author says who began it, for people, and may be
+    /// empty. The store must outlive the transaction.
+    std::unique_ptr<StoreTransaction> begin(TransactionId id, std::string author = {});
+
+    /// \p watcher is called for each commit that changes something; see CommitFeed.
+    [[nodiscard]] CommitFeed::Subscription watch(CommitWatcher watcher) {
+        return mFeed.watch(std::move(watcher));
+    }
 
     /// Number of committed objects.
     std::uint64_t size() const;
@@ -55,6 +61,7 @@ private:
     const Model& mModel;
     VersionedTree mTree;
     ClaimTable mClaims;
+    CommitFeed mFeed;
 };
 
 }

@@ -21,11 +21,12 @@ std::string placeOf(const std::string& parentDn) {
 }
 
 StoreTransaction::StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims,
-                                   TransactionId id)
+                                   CommitFeed& feed, TransactionId id, std::string author)
     : mModel(model),
       mTree(tree),
       mSnapshot(tree.openSnapshot()),
-      mGuard(tree, claims, id, mSnapshot) {}
+      mFeed(feed),
+      mGuard(tree, claims, id, std::move(author), mSnapshot) {}
 
 StoreTransaction::~StoreTransaction() {
     rollback();
@@ -115,8 +116,12 @@ std::string StoreTransaction::attributesOf(const Mo& mo) const {
     if (const std::string* modified = mOverlay.findModified(mo.node)) {
         return *modified;
     }
+    return committedAttributes(mo.node);
+}
+
+std::string StoreTransaction::committedAttributes(NodeId node) const {
     return mTree.read([&](const MoTree& tree) {
-        return std::string(tree.recordAt(mo.node, mSnapshot).attributes());
+        return std::string(tree.recordAt(node, mSnapshot).attributes());
     });
 }
 
@@ -432,9 +437,57 @@ void StoreTransaction::commit() {
     mGuard.requireNoConflict();
     if (!mOverlay.isEmpty()) {
         TreeChange change = makeChange();
-        mTree.commit(change, id());
+        mFeed.publish([&] { return changes(); },
+                      [&] {
+                          return mTree.commit(change, {id(), author()});
+                      });
     }
     end();
+}
+
+ChangeSet StoreTransaction::changes() const {
+    requireOpen();
+    using Kind = ObjectChange::Kind;
+    ChangeSet all;
+    all.transaction = id();
+    all.author = author();
+    for (const NodeId node : mOverlay.deleted()) {
+        all.objects.push_back(
+            describe(Kind::Deleted, {node, nullptr}, committedAttributes(node), {}));
+    }
+    for (const CreatedMo* mo : mOverlay.created()) {
+        if (mo != nullptr) {
+            all.objects.push_back(describe(Kind::Created, {kNoNode, mo}, {}, mo->attributes));
+        }
+    }
+    const std::size_t firstChanged = all.objects.size();
+    for (const auto& [node, attributes] : mOverlay.modified()) {
+        ObjectChange changed =
+            describe(Kind::Changed, {node, nullptr}, committedAttributes(node), attributes);
+        if (!changed.attributes.empty()) {
+            all.objects.push_back(std::move(changed));
+        }
+    }
+    std::sort(all.objects.begin() + static_cast<std::ptrdiff_t>(firstChanged), all.objects.end(),
+              [](const ObjectChange& one, const ObjectChange& two) { return one.dn < two.dn; });
+    return all;
+}
+
+// `before` and `after` as AttributeBytes.
+ObjectChange StoreTransaction::describe(ObjectChange::Kind kind, const Mo& mo,
+                                        const std::string& before, const std::string& after) const {
+    const ClassDef& moc = *classOf(mo);
+    ObjectChange change{kind, dnOf(mo), moc.name, {}};
+    for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
+        const AttributeDef& def = moc.attributes[index];
+        const AttributeValue none{def.type.kind, {}};
+        AttributeValue old = AttributeBytes::read(moc, before, index).value_or(none);
+        AttributeValue now = AttributeBytes::read(moc, after, index).value_or(none);
+        if (!(old == now)) {
+            change.attributes.push_back({def.name, std::move(old), std::move(now)});
+        }
+    }
+    return change;
 }
 
 TreeChange StoreTransaction::makeChange() const {

@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_STORE_STORETRANSACTION_H
 #define ORV_HOST_STORE_STORETRANSACTION_H
 
+#include "CommitFeed.h"
 #include "StoreTypes.h"
 #include "TransactionOverlay.h"
 #include "VersionedTree.h"
@@ -39,12 +40,15 @@ class ChildCursor {
 class StoreTransaction {
 public:
     /// For MoStore::begin only.
-    StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims, TransactionId id);
+    StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims, CommitFeed& feed,
+                     TransactionId id, std::string author);
     ~StoreTransaction();
     StoreTransaction(const StoreTransaction&) = delete;
     StoreTransaction& operator=(const StoreTransaction&) = delete;
 
     TransactionId id() const { return mGuard.owner(); }
+    /// Who began it, for people; may be empty.
+    const std::string& author() const { return mGuard.author(); }
     bool isOpen() const { return mOpen; }
     /// The first conflict that the transaction has met, for people; empty if none.
     const std::string& conflict() const { return mGuard.conflict(); }
@@ -80,6 +84,8 @@ public:
     /// Deletes an object with its subtree.
     void remove(const std::string& dn);
 
+    /// What a commit would change.
+    ChangeSet changes() const;
     /// The reasons why a commit is not possible, for people; empty if it is.
     std::vector<std::string> check() const;
     /// Makes all writes visible at once to transactions that begin from now on, and ends this one.
@@ -125,11 +131,15 @@ private:
     void checkMembers(const std::string& parentDn, ClassIndex moc,
                       std::vector<std::string>& violations) const;
     TreeChange makeChange() const;
+    std::string committedAttributes(NodeId node) const;
+    ObjectChange describe(ObjectChange::Kind kind, const Mo& mo, const std::string& before,
+                          const std::string& after) const;
     void end() noexcept;
 
     const Model& mModel;
     VersionedTree& mTree;
     CommitNumber mSnapshot;
+    CommitFeed& mFeed;
     WriteGuard mGuard;
     TransactionOverlay mOverlay;
     bool mOpen = true;

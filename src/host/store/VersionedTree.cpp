@@ -48,24 +48,25 @@ void VersionedTree::reclaim(CommitNumber oldest) noexcept {
     }
 }
 
-void VersionedTree::commit(TreeChange& change, TransactionId transaction) {
+CommitNumber VersionedTree::commit(TreeChange& change, Committer committer) {
     const std::unique_lock<TreeLock> guard(mLock);
     CommitNumber number = 0;
     {
         const std::lock_guard<std::mutex> inner(mMutex);
         number = mLast + 1;
-        mCommitters[number] = transaction;
+        mCommitters[number] = std::move(committer);
     }
     mTree.apply(change, number);
     mOldestGarbage = mTree.oldestGarbage();
     const std::lock_guard<std::mutex> inner(mMutex);
     mLast = number;
+    return number;
 }
 
-TransactionId VersionedTree::committer(CommitNumber number) const {
+VersionedTree::Committer VersionedTree::committer(CommitNumber number) const {
     const std::lock_guard<std::mutex> guard(mMutex);
     const auto found = mCommitters.find(number);
-    return found == mCommitters.end() ? kNoTransaction : found->second;
+    return found == mCommitters.end() ? Committer{} : found->second;
 }
 
 void VersionedTree::refuseOpenSnapshots() const {

@@ -39,10 +39,16 @@ public:
         return look(static_cast<const MoTree&>(mTree));
     }
 
-    /// Applies \p change for \p transaction, all or nothing.
-    void commit(TreeChange& change, TransactionId transaction);
-    /// The transaction that made a commit; kNoTransaction if no open snapshot is older.
-    TransactionId committer(CommitNumber number) const;
+    /// Who made a commit.
+    struct Committer {
+        TransactionId transaction = kNoTransaction;
+        std::string author; ///< who began the transaction, for people; may be empty
+    };
+
+    /// Applies \p change for \p committer, all or nothing. Returns the number of the commit.
+    CommitNumber commit(TreeChange& change, Committer committer);
+    /// Who made a commit; kNoTransaction if no open snapshot is older.
+    Committer committer(CommitNumber number) const;
 
     /// Runs \p change on the tree, for data at start. OrvHostWrongState if a snapshot is open.
     template <class Change>
@@ -64,7 +70,7 @@ private:
     mutable std::mutex mMutex; ///< guards all below; may be taken with mLock held
     CommitNumber mLast = 0;
     std::multiset<CommitNumber> mOpen;
-    std::map<CommitNumber, TransactionId> mCommitters;
+    std::map<CommitNumber, Committer> mCommitters;
 };
 
 }

@@ -30,17 +30,24 @@ const char* actionOf(ClaimTable::Kind kind) {
     return " is being changed";
 }
 
-std::string nameOf(TransactionId transaction) {
-    return transaction == kNoTransaction ? "another transaction"
-                                         : "transaction " + std::to_string(transaction);
+// For ClaimTable::Rival and VersionedTree::Committer.
+template <class Other>
+std::string nameOf(const Other& other) {
+    if (other.transaction == kNoTransaction) {
+        return "another transaction";
+    }
+    const std::string name = "transaction " + std::to_string(other.transaction);
+    return other.author.empty() ? name : name + " of " + other.author;
 }
 
 }
 
 WriteGuard::WriteGuard(VersionedTree& tree, ClaimTable& claims, TransactionId owner,
-                       CommitNumber snapshot)
+                       std::string author, CommitNumber snapshot)
     : mTree(tree), mClaims(claims), mSnapshot(snapshot) {
     mClaimed.owner = owner;
+    mClaimed.author = std::move(author);
+    mClaims.introduce(mClaimed);
 }
 
 WriteGuard::~WriteGuard() {
@@ -51,8 +58,8 @@ void WriteGuard::release() noexcept {
     mClaims.release(mClaimed);
 }
 
-void WriteGuard::fail(const std::string& what, TransactionId other) {
-    const std::string text = what + " by " + nameOf(other);
+void WriteGuard::fail(const std::string& what, const std::string& other) {
+    const std::string text = what + " by " + other;
     if (mConflict.empty()) {
         mConflict = text;
     }
@@ -60,7 +67,7 @@ void WriteGuard::fail(const std::string& what, TransactionId other) {
 }
 
 void WriteGuard::failForCommit(const std::string& what, CommitNumber number) {
-    fail(what + " since this transaction began,", mTree.committer(number));
+    fail(what + " since this transaction began,", nameOf(mTree.committer(number)));
 }
 
 void WriteGuard::requireNoConflict() const {
@@ -87,7 +94,7 @@ void WriteGuard::claimCreateUnder(NodeId node) {
 
 void WriteGuard::claimNode(NodeId node, ClaimTable::Kind kind) {
     if (const auto rival = mClaims.claimNode(mClaimed, node, kind)) {
-        fail(dnOf(node) + actionOf(rival->kind), rival->transaction);
+        fail(dnOf(node) + actionOf(rival->kind), nameOf(*rival));
     }
     requireUnchanged(node, kind);
 }
@@ -112,7 +119,7 @@ void WriteGuard::requireUnchanged(NodeId node, ClaimTable::Kind kind) {
 
 void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
     if (const auto rival = mClaims.claimName(mClaimed, dn)) {
-        fail(dn + " is being created", rival->transaction);
+        fail(dn + " is being created", nameOf(*rival));
     }
     if (deletedByOwner) {
         return; // the latest object with that DN is the one that this transaction deletes
@@ -128,7 +135,7 @@ void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
 
 void WriteGuard::claimMembership(NodeId parent, ClassIndex moc, const std::string& what) {
     if (const auto rival = mClaims.claimMembership(mClaimed, parent, moc)) {
-        fail("the number of " + what + " is being changed", rival->transaction);
+        fail("the number of " + what + " is being changed", nameOf(*rival));
     }
     const CommitNumber changedAt = mTree.read([&](const MoTree& tree) {
         const ChildGroup* group = tree.findGroup(parent, moc);

@@ -23,12 +23,15 @@ namespace OrvHost {
 /// Threads: one at a time, as its transaction.
 class WriteGuard {
 public:
-    WriteGuard(VersionedTree& tree, ClaimTable& claims, TransactionId owner, CommitNumber snapshot);
+    /// \p author: who began the transaction \p owner, for people; may be empty.
+    WriteGuard(VersionedTree& tree, ClaimTable& claims, TransactionId owner, std::string author,
+               CommitNumber snapshot);
     ~WriteGuard();
     WriteGuard(const WriteGuard&) = delete;
     WriteGuard& operator=(const WriteGuard&) = delete;
 
     TransactionId owner() const { return mClaimed.owner; }
+    const std::string& author() const { return mClaimed.author; }
 
     /// Before a change of attributes of the committed object \p node.
     void claimWrite(NodeId node);
@@ -54,7 +57,7 @@ private:
     void claimNode(NodeId node, ClaimTable::Kind kind);
     void requireUnchanged(NodeId node, ClaimTable::Kind kind);
     std::string dnOf(NodeId node) const;
-    [[noreturn]] void fail(const std::string& what, TransactionId other);
+    [[noreturn]] void fail(const std::string& what, const std::string& other);
     [[noreturn]] void failForCommit(const std::string& what, CommitNumber number);
 
     VersionedTree& mTree;

@@ -56,11 +56,13 @@ void validateOne(const Resource& resource, unsigned long txHandle, TransactionOu
 
 }
 
-/// A transaction that has begun. The service's mutex guards everything except the handle.
+/// A transaction that has begun. The service's mutex guards everything except the first two.
 struct TransactionService::Transaction {
-    explicit Transaction(unsigned long txHandle) : handle(txHandle) {}
+    Transaction(unsigned long txHandle, std::string who)
+        : handle(txHandle), author(std::move(who)) {}
 
     const unsigned long handle;
+    const std::string author;
     bool isBusy = false; ///< a phase runs on some thread
     bool takesJoiners = true;
     std::vector<Resource*> participants;
@@ -140,11 +142,11 @@ void TransactionService::enrolInEach(Resource* resource) {
     mInEach.push_back(resource);
 }
 
-unsigned long TransactionService::begin() {
+unsigned long TransactionService::begin(std::string author) {
     TransactionPtr begun;
     {
         const std::lock_guard<std::mutex> guard(mMutex);
-        begun = std::make_shared<Transaction>(mNextHandle);
+        begun = std::make_shared<Transaction>(mNextHandle, std::move(author));
         mTransactions.emplace(mNextHandle, begun);
         ++mNextHandle;
     }
@@ -156,6 +158,12 @@ unsigned long TransactionService::begin() {
         }
     }
     return begun->handle;
+}
+
+std::string TransactionService::authorOf(unsigned long txHandle) const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    const auto found = mTransactions.find(txHandle);
+    return found == mTransactions.end() ? std::string() : found->second->author;
 }
 
 OrvReturnT TransactionService::join(unsigned long txHandle, Resource* resource) {

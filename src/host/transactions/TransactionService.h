@@ -59,9 +59,12 @@ public:
     /// as this object.
     void enrolInEach(OrvOamSpiTransactionalResource_2* resource);
 
-    /// Begins a transaction. Throws HostError if a participant that is enrolled in each transaction
-    /// cannot join.
-    unsigned long begin();
+    /// Begins a transaction. \p author says who begins it, for people ("alice, session 4"); it is
+    /// named in conflicts and with the commit. Throws HostError if a participant that is enrolled
+    /// in each transaction cannot join.
+    unsigned long begin(std::string author = {});
+    /// The author of an open transaction; empty if it has none or is not known.
+    std::string authorOf(unsigned long txHandle) const;
     /// Asks all participants and leaves the transaction open.
     TransactionOutcome validate(unsigned long txHandle);
     /// Called with the refusal while the transaction can still be read.

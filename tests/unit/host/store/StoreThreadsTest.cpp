@@ -317,5 +317,38 @@ TEST(RouterThreadsTest, Clients_OverTheTables_LoseNoUpdate) {
     EXPECT_EQ(service.openCount(), 0U);
 }
 
+// The changes of all commits, applied one after the other to a copy, give what the store holds: so
+// none is missing, comes twice or comes too early.
+TEST(StoreThreadsTest, Watch_ManyThreads_ChangesReplayToTheSameState) {
+    SampleStore scene;
+    MoStore& store = scene.store;
+    const std::string dn = "Network=1,Node=a";
+    std::int64_t replayed = 0;
+    CommitNumber last = 0;
+    bool inOrder = true;
+    const auto subscription = store.watch([&](const ChangeSet& changes) {
+        inOrder = inOrder && changes.number > last && changes.objects.size() == 1;
+        last = changes.number;
+        const AttributeChange& written = changes.objects.at(0).attributes.at(0);
+        const auto& before = written.before.values;
+        inOrder = inOrder && (before.empty() ? 0 : std::get<std::int64_t>(before[0])) == replayed;
+        replayed = std::get<std::int64_t>(written.after.values.at(0));
+    });
+    std::atomic<int> committed{0};
+    onThreads([&](int thread) {
+        for (int at = 1; at <= 200; ++at) {
+            const int number = 1000 * (thread + 1) + at;
+            committed +=
+                attempt(store, static_cast<TransactionId>(number), [&](StoreTransaction& tx) {
+                    tx.set(dn, {{"height", integer(number)}});
+                });
+        }
+    });
+    EXPECT_GT(committed, 0);
+    EXPECT_TRUE(inOrder);
+    EXPECT_EQ(last, static_cast<CommitNumber>(committed));
+    EXPECT_EQ(heightOf(*store.begin(5), dn), replayed);
+}
+
 }
 }
