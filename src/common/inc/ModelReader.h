@@ -21,15 +21,15 @@ struct ModelAnswer {
     Value value;       ///< what it wrote; zero, null or false if it wrote nothing
 };
 
-/// The model repository's functions with types: each operation makes one call and gives back all
-/// that came of it. What a code means, the caller decides, since callers differ: one takes
-/// handles that come from the model to be good and goes on with the value, another must not go on
-/// after any failure.
+/// The model repository's functions with types. Each operation makes one call, of a function whose
+/// contract says what is asked, and gives back all that came of it. Callers decide what a code
+/// means, and differ: one takes handles that come from the model to be good and goes on with the
+/// value, another must not go on after any failure.
 ///
 /// The steps of a list begin with `first` and `next`. They take the value to give back if the
 /// function writes nothing, for a walk that goes on after a failed step.
 ///
-/// Texts are owned by the repository. Conventions: VekOamSpiModelRepository_4.h.
+/// Texts are owned by the repository. Contracts: VekOamSpiModelRepository_4.h.
 ///
 /// Threads: any. Nothing is kept but the table.
 class ModelReader {

@@ -66,8 +66,8 @@ public:
     /// The result. It ends with this object.
     const Result& get() const { return mResult; }
 
-    /// The record, for one call to write to. Call it once, on an object that owns nothing: what is
-    /// overwritten is not released.
+    /// The record, for a call to write to while nothing is owned yet: what is overwritten is not
+    /// released.
     Result* record() { return &mResult; }
 
     /// The result, for the caller to release. This object owns nothing any more.
