@@ -60,13 +60,13 @@ void InstanceMembers::judgeParent(InstanceTable::Index parent,
     for (const ClassIndex moc : classes) {
         const auto count = std::count(begin, next, Member{parent, moc});
         if (!mModel.classes[moc].instances.contain(static_cast<std::size_t>(count))) {
-            tell(parent, moc, count, report);
+            addWrongNumber(parent, moc, count, report);
         }
     }
 }
 
-void InstanceMembers::tell(InstanceTable::Index parent, ClassIndex moc, std::ptrdiff_t count,
-                           InstanceReport& report) const {
+void InstanceMembers::addWrongNumber(InstanceTable::Index parent, ClassIndex moc,
+                                     std::ptrdiff_t count, InstanceReport& report) const {
     const ClassDef& definition = mModel.classes[moc];
     const std::string dn = parent == kTop ? std::string() : mTable.dn(parent - 1);
     report.problems.push_back(

@@ -41,8 +41,8 @@ private:
 
     void judgeParent(InstanceTable::Index parent, const std::vector<ClassIndex>& classes,
                      Members::const_iterator& next, InstanceReport& report) const;
-    void tell(InstanceTable::Index parent, ClassIndex moc, std::ptrdiff_t count,
-              InstanceReport& report) const;
+    void addWrongNumber(InstanceTable::Index parent, ClassIndex moc, std::ptrdiff_t count,
+                        InstanceReport& report) const;
 
     const Model& mModel;
     const InstanceTable& mTable;
