@@ -11,7 +11,7 @@ bool Bounds::contain(std::size_t count) const {
 }
 
 std::string toText(const Bounds& bounds) {
-    const std::string lower = std::to_string(bounds.lower);
+    std::string lower = std::to_string(bounds.lower);
     if (bounds.lower == bounds.upper) {
         return lower;
     }

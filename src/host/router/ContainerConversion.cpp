@@ -127,7 +127,11 @@ void ContainerConversion<Records>::fill(Container& container, const AttributeVal
                                         Orv::AutoMemory& memory) {
     container.type = static_cast<decltype(container.type)>(typeCodeOf(value.kind));
     container.count = static_cast<std::uint32_t>(value.values.size());
-    container.values = value.values.empty() ? nullptr : allocate<Slot>(memory, value.values.size());
+    container.values = nullptr;
+    if (value.values.empty()) {
+        return;
+    }
+    container.values = allocate<Slot>(memory, value.values.size());
     for (std::size_t at = 0; at < value.values.size(); ++at) {
         fill(container.values[at], value.values[at], value.kind, memory);
     }
