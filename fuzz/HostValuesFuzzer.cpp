@@ -3,7 +3,7 @@
 
 // Value records at the host's side: made into values and back, and shown as JSON.
 
-#include "cli/ValueJson.h"
+#include "cli/output/ValueJson.h"
 #include "model/ValueCheck.h"
 #include "router/ContainerConversion.h"
 #include "support/RecordMaker.h"
@@ -34,7 +34,7 @@ template <class Container>
 void checkJson(const Container& container) {
     static const AttributeDef kDefinition = makeDefinition();
     for (const AttributeDef* def : {&kDefinition, static_cast<const AttributeDef*>(nullptr)}) {
-        const std::string line = toLine(toJson(&container, def));
+        const std::string line = toLine(toJson(toReadValue(&container, def)));
         require(line.find('\n') == std::string::npos, "more than one line");
         require(JsonValue::accept(line), "no JSON: " + line);
     }

@@ -49,6 +49,20 @@ HOST_ROOMS = {
         "src/host/yang/schema"],
 }
 
+# What stands above the component: the client library, and the rooms of orvhost, lowest first.
+CLIENT = "src/host/client"
+CLI_ROOMS = [
+    "src/host/cli/output",
+    "src/host/cli/errors",
+    "src/host/cli/input",
+    "src/host/cli/session",
+    "src/host/cli/setup",
+    "src/host/cli/graph",
+    "src/host/cli/commands",
+    "src/host/cli/shell",
+    "src/host/cli/check",
+]
+
 # Each layer with the layers that it may include besides itself. The deepest directory counts.
 LAYERS = {
     "src/spi": [],
@@ -57,7 +71,12 @@ LAYERS = {
     "src/ext_cm": [*BELOW_COMPONENT, *ROOMS],
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in ROOMS.items()},
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in HOST_ROOMS.items()},
-    "src/host/cli": [*BELOW_COMPONENT, *HOST_ROOMS],
+    CLIENT: [*BELOW_COMPONENT, *HOST_ROOMS],
+    **{
+        room: [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *CLI_ROOMS[:at]]
+        for at, room in enumerate(CLI_ROOMS)
+    },
+    "src/host/cli": [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *CLI_ROOMS],
     "examples/interceptor": ["src/spi", "src/common/inc", "src/orv_common"],
 }
 
@@ -70,6 +89,10 @@ INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/
 
 # Headers of other projects that stay at one place.
 KEPT_APART = {"libyang/": "src/host/yang"}
+
+# Headers of the tables for clients, and the folders that go through the client library instead.
+CLIENT_TABLES = re.compile(r"^(Orv|Vek)(OamSpi|MoAttributeValue)|^router/ContainerConversion\.h$")
+WITHOUT_TABLES = ["src/host/cli"]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
@@ -98,6 +121,10 @@ def violation(root, source, name):
     for prefix, home in KEPT_APART.items():
         if name.startswith(prefix) and not (layer_of(root, source) + "/").startswith(home + "/"):
             return f"{name} belongs to {home}"
+    relative = source.relative_to(root).as_posix()
+    for folder in WITHOUT_TABLES:
+        if relative.startswith(folder + "/") and CLIENT_TABLES.search(name):
+            return f"{name} is a table: {folder} goes through {CLIENT}"
     found = list(candidates(root, source, name))
     if not found or any(is_open(root, source, header) for header in found):
         return None
@@ -172,6 +199,12 @@ SELF_TEST = [
     ("src/host/yang/schema/Aside.h", '#include "store/Store.h"\n', 1),
     ("src/host/yang/schema/Upward.h", '#include "../../cli/Command.h"\n', 1),
     ("src/host/cli/Command.h", '#include "yang/schema/Reader.h"\n#include "store/Store.h"\n', 0),
+    ("src/host/client/Calls.h", '#include "OrvOamSpiTable.h"\n#include "store/Store.h"\n', 0),
+    ("src/host/client/Upward.h", '#include "cli/Command.h"\n', 1),
+    ("src/host/cli/output/Json.h", '#include "client/Calls.h"\n', 0),
+    ("src/host/cli/output/Table.h", '#include "OrvOamSpiTable.h"\n#include "Table.h"\n', 1),
+    ("src/host/cli/output/Upward.h", '#include "cli/shell/Prompt.h"\n', 1),
+    ("src/host/cli/shell/Prompt.h", '#include "cli/output/Json.h"\n', 0),
     ("examples/interceptor/src/Sample.cpp",
      '#include <MoInterceptorBase.h>\n#include "Binder.h"\n#include <Service.h>\n', 1),
 ]

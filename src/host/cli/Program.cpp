@@ -3,15 +3,16 @@
 
 #include "Program.h"
 
-#include "CliError.h"
-#include "CommandTable.h"
-#include "Completer.h"
-#include "Interpreter.h"
-#include "Options.h"
-#include "Prompt.h"
-#include "Session.h"
-#include "Workbench.h"
-#include "check/Check.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/commands/CommandTable.h"
+#include "cli/shell/Completer.h"
+#include "cli/shell/Interpreter.h"
+#include "cli/setup/Options.h"
+#include "cli/shell/Prompt.h"
+#include "cli/session/Session.h"
+#include "cli/setup/HostSetup.h"
+#include "cli/check/Check.h"
+#include "cli/check/CheckReport.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -78,7 +79,7 @@ private:
 
     // Without this, a forgotten commit looks like a success.
     void tellWhatIsAborted() const {
-        for (const Transactions::Entry& open : mSession.transactions().all()) {
+        for (const OpenTransactions::Entry& open : mSession.transactions().all()) {
             if (open.writes > 0) {
                 std::cerr << "note: transaction " << open.name << " was still open, with "
                           << open.writes << (open.writes == 1 ? " write" : " writes")
@@ -149,9 +150,9 @@ int runWithOptions(const Options& options) {
         if (!options.scenarios.empty()) {
             return checkScenarios(options, std::cout);
         }
-        Workbench workbench(options, std::cerr);
+        HostSetup setup(options, std::cerr);
         const CommandTable commands;
-        Session session(workbench.host(), workbench.clients(), workbench.log(), std::cout,
+        Session session(setup.host(), setup.clients(), setup.log(), std::cout,
                         options.json);
         return Run(options, session, commands).run();
     } catch (const std::exception& failure) {
@@ -164,7 +165,7 @@ int runWithOptions(const Options& options) {
 
 int runProgram(int count, const char* const* arguments) {
     keepStandardStreams();
-    const ParsedArguments parsed = parseArguments(count, arguments);
+    const ParsedArguments parsed = parseArguments(count, arguments, reportFormats());
     return statusWithOutput(parsed.options ? runWithOptions(*parsed.options) : parsed.exitStatus);
 }
 

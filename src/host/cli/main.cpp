@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "cli/Program.h"
+#include "Program.h"
 
 int main(int count, char** arguments) {
     return OrvHost::runProgram(count, arguments);

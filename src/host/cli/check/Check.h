@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_CLI_CHECK_CHECK_H
 #define ORV_HOST_CLI_CHECK_CHECK_H
 
-#include "cli/CliError.h"
-#include "cli/Options.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/setup/Options.h"
 
 #include <ostream>
 

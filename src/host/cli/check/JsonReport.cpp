@@ -3,7 +3,7 @@
 
 #include "JsonReport.h"
 
-#include "cli/ValueJson.h"
+#include "cli/output/ValueJson.h"
 
 namespace OrvHost {
 

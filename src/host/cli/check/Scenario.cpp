@@ -3,11 +3,11 @@
 
 #include "Scenario.h"
 
-#include "cli/Interpreter.h"
-#include "cli/ScriptReader.h"
-#include "cli/Session.h"
-#include "cli/WordSplitter.h"
-#include "cli/Workbench.h"
+#include "cli/shell/Interpreter.h"
+#include "cli/input/ScriptReader.h"
+#include "cli/session/Session.h"
+#include "cli/input/WordSplitter.h"
+#include "cli/setup/HostSetup.h"
 
 #include <fstream>
 #include <iostream>
@@ -56,9 +56,9 @@ ScenarioResult runScenario(const Options& options, const std::string& file,
         if (!script || !std::filesystem::is_regular_file(file)) {
             throw LoadError("cannot be read");
         }
-        Workbench workbench(options, std::cerr);
+        HostSetup setup(options, std::cerr);
         std::ostream nowhere(nullptr);
-        Session session(workbench.host(), workbench.clients(), workbench.log(), nowhere, false);
+        Session session(setup.host(), setup.clients(), setup.log(), nowhere, false);
         runLines(options, session, script, atLine, result);
     } catch (const std::exception& failure) {
         result.isBroken = true;

@@ -5,7 +5,7 @@
 #define ORV_HOST_CLI_CHECK_SCENARIO_H
 
 #include "ScenarioResult.h"
-#include "cli/Options.h"
+#include "cli/setup/Options.h"
 
 #include <functional>
 

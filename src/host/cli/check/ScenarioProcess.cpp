@@ -4,8 +4,8 @@
 #include "ScenarioProcess.h"
 
 #include "Scenario.h"
-#include "cli/CliError.h"
-#include "cli/ValueJson.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/output/ValueJson.h"
 
 #include <cerrno>
 #include <chrono>

@@ -5,7 +5,7 @@
 #define ORV_HOST_CLI_CHECK_SCENARIOPROCESS_H
 
 #include "ScenarioResult.h"
-#include "cli/Options.h"
+#include "cli/setup/Options.h"
 
 namespace OrvHost {
 

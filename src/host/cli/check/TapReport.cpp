@@ -3,7 +3,7 @@
 
 #include "TapReport.h"
 
-#include "cli/ValueJson.h"
+#include "cli/output/ValueJson.h"
 
 namespace OrvHost {
 

@@ -3,7 +3,7 @@
 
 #include "XmlEscape.h"
 
-#include "cli/ValueJson.h"
+#include "cli/output/ValueJson.h"
 #include "yang/instances/XmlEntity.h"
 
 namespace OrvHost {

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ExpectCommand.h"
+#include "Commands.h"
 
-#include "cli/CommandTable.h"
-#include "cli/Session.h"
-#include "cli/WordSplitter.h"
+#include "Expectation.h"
+#include "cli/input/WordSplitter.h"
+#include "cli/session/Session.h"
 
 #include <sstream>
 
@@ -41,6 +41,20 @@ std::string asLine(const std::vector<std::string>& words) {
     return line;
 }
 
+Answer answerOf(const CommandTable& table, Session& session,
+                const std::vector<std::string>& words) {
+    const Capture capture(session);
+    Answer answer;
+    try {
+        table.require(words.front()).run(session, Words({words.begin() + 1, words.end()}));
+    } catch (...) {
+        answer.failure =
+            FailureReader(session).read(table.usageOf(words.front()), std::current_exception());
+    }
+    answer.output = capture.text();
+    return answer;
+}
+
 // An expected failure is no error, so it goes to the output as well.
 void printMet(Session& session, const std::string& name, const Answer& answer) {
     if (!session.wantsJson()) {
@@ -58,46 +72,18 @@ void printMet(Session& session, const std::string& name, const Answer& answer) {
 
 }
 
-const CommandInfo& ExpectCommand::info() const {
-    static const CommandInfo theInfo{
-        "expect",
-        "[OUTCOME] [CLAUSE...] : COMMAND...",
-        "run a command that must answer this and nothing else",
-        "OUTCOME is ok (if not told), error, usage, or a code by its name or number. Clauses:\n"
-        "  message [containing] TEXT       a message that the client gets\n"
-        "  messages N                      how many it gets\n"
-        "  output [containing] TEXT        what the command prints\n"
-        "  explanation containing TEXT     what is told of a failure besides\n",
-        {WordKind::Other},
-        {}};
-    return theInfo;
-}
-
-void ExpectCommand::run(Session& session, Words words) {
+void runExpect(const CommandTable& table, Session& session, Words words) {
     const Expectation expectation(words);
     const std::vector<std::string> command = words.takeRest();
     if (command.empty()) {
         throw UsageError("the command is missing");
     }
-    const Answer answer = answerOf(session, command);
+    const Answer answer = answerOf(table, session, command);
     const std::string difference = expectation.compare(answer);
     if (!difference.empty()) {
         throw AnswerError(asLine(command) + "\n" + difference.substr(0, difference.size() - 1));
     }
     printMet(session, command.front(), answer);
-}
-
-Answer ExpectCommand::answerOf(Session& session, const std::vector<std::string>& words) const {
-    const Capture capture(session);
-    Answer answer;
-    try {
-        mTable.require(words.front()).run(session, Words({words.begin() + 1, words.end()}));
-    } catch (...) {
-        answer.failure =
-            FailureReader(session, mTable).read(words.front(), std::current_exception());
-    }
-    answer.output = capture.text();
-    return answer;
 }
 
 }

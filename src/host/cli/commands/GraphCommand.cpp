@@ -1,16 +1,16 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "GraphCommand.h"
+#include "Commands.h"
 
-#include "cli/CliError.h"
-#include "cli/OfferedModel.h"
-#include "cli/Session.h"
-#include "cli/Suggestion.h"
+#include "cli/errors/CliErrors.h"
 #include "cli/graph/ClassGraph.h"
 #include "cli/graph/Graphviz.h"
 #include "cli/graph/ObjectGraph.h"
 #include "cli/graph/PictureReader.h"
+#include "cli/session/Session.h"
+#include "client/OfferedModel.h"
+#include "client/Suggestion.h"
 
 #include <cstdint>
 #include <fstream>
@@ -138,22 +138,7 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
 
 }
 
-const CommandInfo& GraphCommand::info() const {
-    static const CommandInfo theInfo{
-        "graph",
-        "[DN] [--depth N] [--limit N] [--dot] [-o FILE] | --classes [CLASS] [...]",
-        "draw objects with their references, or the classes",
-        "Draws, as SVG, an object with all that is below it (without a DN, or with /, the whole\n"
-        "tree) and the references between objects. What violates an association, as the current\n"
-        "transaction sees it, is red. --classes draws the classes with their associations.\n"
-        "--depth cuts the picture off below so many levels. More than --limit objects (300) are\n"
-        "refused. --dot gives the text that Graphviz draws. -o writes to a file.\n",
-        {WordKind::Dn},
-        {"--classes", "--depth", "--limit", "--dot", "-o"}};
-    return theInfo;
-}
-
-void GraphCommand::run(Session& session, Words words) {
+void runGraph(Session& session, Words words) {
     const GraphOptions options = parse(words);
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ModelCommand.h"
+#include "Commands.h"
 
-#include "cli/ClassReport.h"
-#include "cli/CliError.h"
-#include "cli/Layout.h"
-#include "cli/OfferedModel.h"
-#include "cli/Session.h"
-#include "cli/Suggestion.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/output/AlignedText.h"
+#include "cli/output/ClassReport.h"
+#include "cli/session/Session.h"
+#include "client/OfferedModel.h"
+#include "client/Suggestion.h"
 
 namespace OrvHost {
 
@@ -76,18 +76,7 @@ void showClass(Session& session, const std::string& name) {
 
 }
 
-const CommandInfo& ModelCommand::info() const {
-    static const CommandInfo theInfo{
-        "model",
-        "[CLASS | --associations]",
-        "tell the classes, one class, or all associations",
-        "Attributes and associations are told as the model repository has them.\n",
-        {WordKind::AnyClass},
-        {"--associations"}};
-    return theInfo;
-}
-
-void ModelCommand::run(Session& session, Words words) {
+void runModel(Session& session, Words words) {
     const bool wantsAssociations = words.takeFlag("--associations");
     const auto name = words.takeOptional();
     words.end();

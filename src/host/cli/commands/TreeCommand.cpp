@@ -1,12 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "TreeCommand.h"
+#include "Commands.h"
 
-#include "cli/ChildWalk.h"
-#include "cli/CliError.h"
-#include "cli/Diagnosis.h"
-#include "cli/Session.h"
+#include "cli/session/Session.h"
+#include "client/DnResolver.h"
 
 #include <cstdint>
 #include <limits>
@@ -70,8 +68,8 @@ public:
 
 private:
     std::vector<std::string> childClasses(const std::string& dn) const {
-        const Diagnosis diagnosis(mSession);
-        return diagnosis.childClasses(dn.empty() ? nullptr : diagnosis.classOf(dn));
+        const DnResolver resolver(mSession.model());
+        return resolver.childClasses(dn.empty() ? nullptr : resolver.classOf(dn));
     }
 
     std::vector<Child> children(const std::string& dn) {
@@ -98,34 +96,14 @@ private:
     std::uint64_t mDepth;
 };
 
-void requireObject(Session& session, const std::string& dn) {
-    const bool exists =
-        session.read([&](unsigned long txHandle) { return session.client().exists(txHandle, dn); });
-    if (!exists) {
-        throw OperationError(OrvNotExist, {"existsMo", dn, {}, {}}, {});
-    }
 }
 
-}
-
-const CommandInfo& TreeCommand::info() const {
-    static const CommandInfo theInfo{
-        "tree",
-        "[DN] [--depth N]",
-        "show an object with all that is below it",
-        "Without a DN, or with /, the whole tree is shown. --depth cuts it off below so many\n"
-        "levels; what is below the cut is counted.\n",
-        {WordKind::Dn},
-        {"--depth"}};
-    return theInfo;
-}
-
-void TreeCommand::run(Session& session, Words words) {
+void runTree(Session& session, Words words) {
     const std::uint64_t depth = words.takeNumber("--depth").value_or(kNoLimit);
     const std::string dn = words.takeDnOrTop();
     words.end();
     if (!dn.empty()) {
-        requireObject(session, dn);
+        session.requireObject(dn);
     }
     session.read([&](unsigned long txHandle) {
         TreePrinter printer(session, txHandle, depth);

@@ -3,7 +3,7 @@
 
 #include "Graphviz.h"
 
-#include "cli/CliError.h"
+#include "cli/errors/CliErrors.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -3,9 +3,9 @@
 
 #include "PictureReader.h"
 
-#include "cli/CliError.h"
-#include "cli/Diagnosis.h"
-#include "cli/Session.h"
+#include "cli/errors/CliErrors.h"
+#include "client/ClientSession.h"
+#include "client/DnResolver.h"
 
 #include <unordered_set>
 #include <utility>
@@ -26,43 +26,45 @@ bool holdsReferences(const TypeDef& type) {
     return false;
 }
 
-/// Calls \p visit with each value: with a single one, with each of several, or not at all if there
-/// is none.
-template <class Visit>
-void forEachValue(const JsonValue& value, const Visit& visit) {
-    if (value.is_array()) {
-        for (const JsonValue& element : value) {
-            visit(element);
+// A value that is not a text is a reference without a target.
+std::string targetIn(const ReadSlot& slot) {
+    const auto* text = std::get_if<std::string>(&slot);
+    return text != nullptr ? *text : std::string();
+}
+
+const ReadValue* memberIn(const ReadSlot& slot, const std::string& name) {
+    const auto* members = std::get_if<ReadMembers>(&slot);
+    if (members == nullptr) {
+        return nullptr;
+    }
+    for (const NamedReadValue& member : *members) {
+        if (member.first == name) {
+            return &member.second;
         }
-    } else if (!value.is_null()) {
-        visit(value);
+    }
+    return nullptr;
+}
+
+void addLinks(const std::string& path, const TypeDef& type, const ReadValue& value,
+              std::vector<PicturedLink>& links) {
+    for (const ReadSlot& slot : value.slots) {
+        if (type.kind == ValueKind::MoRef) {
+            links.push_back({path, targetIn(slot)});
+            continue;
+        }
+        for (const AttributeDef& member : type.members) {
+            if (const ReadValue* inner = memberIn(slot, member.name)) {
+                addLinks(path + "." + member.name, member.type, *inner, links);
+            }
+        }
     }
 }
 
-// A value that is not a text is a reference without a target.
-std::string targetIn(const JsonValue& value) {
-    return value.is_string() ? value.get<std::string>() : std::string();
-}
-
-void addLinks(const std::string& path, const TypeDef& type, const JsonValue& value,
-              std::vector<PicturedLink>& links) {
-    forEachValue(value, [&](const JsonValue& each) {
-        if (type.kind == ValueKind::MoRef) {
-            links.push_back({path, targetIn(each)});
-            return;
-        }
-        for (const AttributeDef& member : type.members) {
-            if (each.is_object() && each.contains(member.name)) {
-                addLinks(path + "." + member.name, member.type, each[member.name], links);
-            }
-        }
-    });
-}
-
-AttributeValue referencesIn(const JsonValue& value) {
+AttributeValue referencesIn(const ReadValue& value) {
     AttributeValue references{ValueKind::MoRef, {}};
-    forEachValue(value,
-                 [&](const JsonValue& each) { references.values.emplace_back(targetIn(each)); });
+    for (const ReadSlot& slot : value.slots) {
+        references.values.emplace_back(targetIn(slot));
+    }
     return references;
 }
 
@@ -112,9 +114,7 @@ PictureReader::Level PictureReader::begin(const TreeExtent& extent) {
     if (extent.dn.empty()) {
         return {{}};
     }
-    if (!mSession.client().exists(mTxHandle, extent.dn)) {
-        throw OperationError(OrvNotExist, {"existsMo", extent.dn, {}, {}}, {});
-    }
+    mSession.requireObject(extent.dn);
     mPicture.objects.push_back(readObject(extent.dn));
     return {{extent.dn, 0}};
 }
@@ -172,7 +172,7 @@ void PictureReader::readOutside(std::uint64_t limit) {
 // An object that the model does not allow, or that clients cannot name, is not read: it does not
 // exist.
 void PictureReader::readOutside(const std::string& dn) {
-    const bool isPossible = !dn.empty() && Diagnosis(mSession).classOf(dn) != nullptr;
+    const bool isPossible = !dn.empty() && DnResolver(mSession.model()).classOf(dn) != nullptr;
     if (isPossible && mSession.client().exists(mTxHandle, dn)) {
         mPicture.outside.push_back(readObject(dn));
     }
@@ -181,7 +181,7 @@ void PictureReader::readOutside(const std::string& dn) {
 PicturedObject PictureReader::readObject(const std::string& dn) const {
     PicturedObject object;
     object.dn = dn;
-    if (const ClassDef* moc = Diagnosis(mSession).classOf(dn)) {
+    if (const ClassDef* moc = DnResolver(mSession.model()).classOf(dn)) {
         object.className = moc->name;
         readReferences(*moc, object);
     }
@@ -198,8 +198,7 @@ void PictureReader::readReferences(const ClassDef& moc, PicturedObject& object) 
     if (names.empty()) {
         return;
     }
-    const JsonValue values = mSession.client().get(mTxHandle, object.dn, names, &moc);
-    for (const auto& [name, value] : values.items()) {
+    for (const auto& [name, value] : mSession.client().get(mTxHandle, object.dn, names, &moc)) {
         const TypeDef& type = moc.findAttribute(name)->type;
         addLinks(name, type, value, object.links);
         if (type.kind == ValueKind::MoRef) {
@@ -217,10 +216,10 @@ unsigned long long PictureReader::countChildren(const std::string& dn) const {
 }
 
 std::vector<std::string> PictureReader::childClasses(const std::string& dn) const {
-    const Diagnosis diagnosis(mSession);
-    const ClassDef* moc = dn.empty() ? nullptr : diagnosis.classOf(dn);
+    const DnResolver resolver(mSession.model());
+    const ClassDef* moc = dn.empty() ? nullptr : resolver.classOf(dn);
     const bool isKnown = dn.empty() || moc != nullptr;
-    return isKnown ? diagnosis.childClasses(moc) : std::vector<std::string>();
+    return isKnown ? resolver.childClasses(moc) : std::vector<std::string>();
 }
 
 }

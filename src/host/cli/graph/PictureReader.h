@@ -14,7 +14,7 @@
 
 namespace OrvHost {
 
-class Session;
+class ClientSession;
 struct ClassDef;
 
 /// The part of the tree that is wanted.
@@ -28,7 +28,7 @@ struct TreeExtent {
 class PictureReader {
 public:
     /// \p session must outlive the reader, and the transaction must stay open until it is done.
-    PictureReader(Session& session, unsigned long txHandle)
+    PictureReader(ClientSession& session, unsigned long txHandle)
         : mSession(session), mTxHandle(txHandle) {}
 
     /// Throws OperationError if there is no object extent.dn or the component refuses something,
@@ -56,7 +56,7 @@ private:
     unsigned long long countChildren(const std::string& dn) const;
     std::vector<std::string> childClasses(const std::string& dn) const;
 
-    Session& mSession;
+    ClientSession& mSession;
     unsigned long mTxHandle;
     TreePicture mPicture;
 };

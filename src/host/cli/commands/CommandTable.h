@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_COMMANDS_COMMANDTABLE_H
+#define ORV_HOST_CLI_COMMANDS_COMMANDTABLE_H
+
+#include "cli/input/Words.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Session;
+
+/// What a word of a command means: for completion.
+enum class WordKind {
+    Dn,          ///< external DN of an object
+    ChildClass,  ///< class of children of the object named earlier
+    Attribute,   ///< attribute of the object named earlier
+    AnyClass,    ///< class of the model
+    Command,     ///< name of a command
+    Assignment,  ///< ATTRIBUTE=VALUE for the object named earlier
+    Action,      ///< action of the object named earlier
+    Parameter,   ///< PARAMETER=VALUE for the action named earlier
+    Transaction, ///< name of an open transaction
+    Version,     ///< version of the MO interface
+    Other
+};
+
+/// One command of orvhost: everything that help, completion and the interpreter need.
+struct Command {
+    std::string name;
+    std::string synopsis{};             ///< words after the name
+    std::string summary;                ///< one line
+    std::string details{};              ///< more of it, lines ended; may be empty
+    std::vector<WordKind> words{};      ///< the kinds of its words; the last one may repeat
+    std::vector<std::string> options{}; ///< "--depth" and the like
+
+    /// Runs the command and prints its answer. `words` are the words after the command's name.
+    /// Throws RequestError (UsageError is one) for words that it does not understand and
+    /// OperationError for a code from the component; in JSON mode nothing has been printed then.
+    std::function<void(Session& session, Words words)> run;
+
+    /// Name and synopsis.
+    std::string usage() const { return name + (synopsis.empty() ? "" : " ") + synopsis; }
+};
+
+/// All commands, in the order in which help shows them. To add a command, declare its function in
+/// Commands.h and add an entry to the constructor. Immutable.
+class CommandTable {
+public:
+    CommandTable();
+    CommandTable(const CommandTable&) = delete;
+    CommandTable& operator=(const CommandTable&) = delete;
+
+    const std::vector<Command>& all() const { return mCommands; }
+    std::vector<std::string> names() const;
+
+    /// The command with that name, or null.
+    const Command* find(const std::string& name) const;
+
+    /// The same, but throws UsageError with a suggestion.
+    const Command& require(const std::string& name) const;
+
+    /// How the command is written; empty if there is none with that name.
+    std::string usageOf(const std::string& name) const;
+
+private:
+    std::vector<Command> mCommands;
+};
+
+}
+
+#endif

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_COMMANDS_COMMANDS_H
+#define ORV_HOST_CLI_COMMANDS_COMMANDS_H
+
+#include "CommandTable.h"
+
+namespace OrvHost {
+
+// The functions of the commands. What each does and how it is written stands in CommandTable.cpp.
+
+void runExists(Session& session, Words words);
+void runCount(Session& session, Words words);
+void runGet(Session& session, Words words);
+void runList(Session& session, Words words);
+void runTree(Session& session, Words words);
+void runBegin(Session& session, Words words);
+void runUse(Session& session, Words words);
+void runTransactions(Session& session, Words words);
+void runInterface(Session& session, Words words);
+void runCreate(Session& session, Words words);
+void runSet(Session& session, Words words);
+void runDelete(Session& session, Words words);
+void runAction(Session& session, Words words);
+void runValidate(Session& session, Words words);
+void runCommit(Session& session, Words words);
+void runAbort(Session& session, Words words);
+void runExpect(const CommandTable& table, Session& session, Words words);
+void runGraph(Session& session, Words words);
+void runModel(Session& session, Words words);
+void runComponents(Session& session, Words words);
+void runLog(Session& session, Words words);
+void runHelp(const CommandTable& table, Session& session, Words words);
+void runQuit(Session& session, Words words);
+
+}
+
+#endif

@@ -1,0 +1,133 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Commands.h"
+
+#include "LoggingWrapper.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/input/LogLevel.h"
+#include "cli/output/AlignedText.h"
+#include "cli/session/Session.h"
+#include "client/Suggestion.h"
+
+namespace OrvHost {
+
+namespace {
+
+const char* stateText(ComponentState state) {
+    switch (state) {
+    case ComponentState::Registered:
+        return "registered";
+    case ComponentState::Starting:
+        return "starting";
+    case ComponentState::Started:
+        return "started";
+    case ComponentState::Failed:
+        return "failed";
+    case ComponentState::Blocked:
+        return "blocked";
+    }
+    return "unknown";
+}
+
+constexpr std::size_t kTailDefault = 20;
+
+void showLevel(Session& session) {
+    const unsigned int level = Orv::LoggingWrapper::instance()->get_level();
+    if (session.wantsJson()) {
+        session.print({{"command", "log"}, {"level", level}, {"name", logLevelWord(level)}});
+    } else {
+        session.out() << "level " << level << " (" << logLevelWord(level) << ")\n";
+    }
+}
+
+void showTail(Session& session, std::size_t count) {
+    const std::vector<std::string> lines = session.log().recent(count);
+    if (!session.wantsJson()) {
+        for (const std::string& line : lines) {
+            session.out() << line << '\n';
+        }
+        return;
+    }
+    JsonValue documents = JsonValue::array();
+    for (const std::string& line : lines) {
+        const bool isJson = session.log().format() == LogFormat::Json;
+        documents.push_back(isJson ? JsonValue::parse(line) : JsonValue(line));
+    }
+    session.print({{"command", "log"}, {"lines", documents}});
+}
+
+JsonValue toJson(const Command& command) {
+    return {{"name", command.name}, {"usage", command.usage()}, {"summary", command.summary}};
+}
+
+}
+
+void runComponents(Session& session, Words words) {
+    words.end();
+    JsonValue documents = JsonValue::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const ComponentReport& report : session.host().components().components()) {
+        const char* state = stateText(report.state);
+        documents.push_back({{"name", report.name}, {"state", state}, {"problem", report.problem}});
+        rows.push_back({report.name, state, report.problem});
+    }
+    if (session.wantsJson()) {
+        session.print({{"command", "components"}, {"components", documents}});
+    } else {
+        session.out() << layOutTable({"COMPONENT", "STATE", "PROBLEM"}, rows);
+    }
+}
+
+void runLog(Session& session, Words words) {
+    const std::string what = words.takeOptional().value_or("");
+    if (what == "tail") {
+        const auto count = words.takeOptional();
+        words.end();
+        showTail(session, count ? parseNumber(*count, "tail") : kTailDefault);
+        return;
+    }
+    if (what == "level") {
+        const unsigned int level = parseLogLevel(words.take("the level"));
+        words.end();
+        Orv::LoggingWrapper::instance()->setLevel(level);
+    } else if (!what.empty()) {
+        throw UsageError("'" + what + "' is neither level nor tail." +
+                         didYouMean(what, {"level", "tail"}));
+    }
+    showLevel(session);
+}
+
+void runHelp(const CommandTable& table, Session& session, Words words) {
+    const auto name = words.takeOptional();
+    words.end();
+    JsonValue documents = JsonValue::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const Command& command : table.all()) {
+        documents.push_back(toJson(command));
+        rows.push_back({command.usage(), command.summary});
+    }
+    if (name) {
+        const Command& one = table.require(*name);
+        documents = JsonValue::array({toJson(one)});
+        rows = {{one.usage(), one.summary}};
+    }
+    if (session.wantsJson()) {
+        session.print({{"command", "help"}, {"commands", documents}});
+        return;
+    }
+    session.out() << layOutTable({"COMMAND", ""}, rows);
+    if (name) {
+        session.out() << table.require(*name).details;
+    }
+}
+
+void runQuit(Session& session, Words words) {
+    words.end();
+    session.end();
+    if (session.wantsJson()) {
+        session.print({{"command", "quit"}});
+    }
+}
+
+}

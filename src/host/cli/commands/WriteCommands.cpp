@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Commands.h"
+
+#include "WriteReport.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/input/Assignments.h"
+#include "cli/output/AlignedText.h"
+#include "cli/session/Session.h"
+#include "client/DnResolver.h"
+#include "client/NamedRecords.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+const AttributeDef* parameterOf(const ActionDef* action, const std::string& name) {
+    if (action == nullptr) {
+        return nullptr;
+    }
+    const auto& all = action->parameters;
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const AttributeDef& one) { return one.name == name; });
+    return found != all.end() ? &*found : nullptr;
+}
+
+}
+
+void runCreate(Session& session, Words words) {
+    const std::string dn = words.take("the DN");
+    const Model& model = session.model();
+    const NewObject object = parseNewObject(model, dn);
+    requireReachable(object);
+    const auto moc = model.findClass(object.className);
+    const std::vector<NamedValue> attributes =
+        parseAssignments(words.takeRest(), [&](const std::string& name) {
+            return definitionOf(moc ? &model.classes[*moc] : nullptr, name);
+        });
+    const bool isCommitted = session.write(
+        [&](unsigned long txHandle) { session.client().create(txHandle, object, attributes); });
+    reportWrite(session, {{"command", "create"}, {"dn", dn}}, "created", isCommitted);
+}
+
+void runSet(Session& session, Words words) {
+    const std::string dn = words.take("the DN");
+    const ClassDef* moc = DnResolver(session.model()).classOf(dn);
+    const std::vector<NamedValue> attributes = parseAssignments(
+        words.takeRest(), [&](const std::string& name) { return definitionOf(moc, name); });
+    if (attributes.empty()) {
+        throw UsageError("ATTRIBUTE=VALUE is missing");
+    }
+    const bool isCommitted = session.write(
+        [&](unsigned long txHandle) { session.client().set(txHandle, dn, attributes); });
+    reportWrite(session, {{"command", "set"}, {"dn", dn}, {"attributes", namesOf(attributes)}},
+                "set", isCommitted);
+}
+
+void runDelete(Session& session, Words words) {
+    const std::string dn = words.take("the DN");
+    words.end();
+    const bool isCommitted =
+        session.write([&](unsigned long txHandle) { session.client().remove(txHandle, dn); });
+    reportWrite(session, {{"command", "delete"}, {"dn", dn}}, "deleted", isCommitted);
+}
+
+void runAction(Session& session, Words words) {
+    const std::string dn = words.take("the DN");
+    const std::string name = words.take("the action");
+    const ClassDef* moc = DnResolver(session.model()).classOf(dn);
+    const ActionDef* action = moc != nullptr ? moc->findAction(name) : nullptr;
+    const std::vector<NamedValue> parameters =
+        parseAssignments(words.takeRest(), [&](const std::string& parameter) {
+            return parameterOf(action, parameter);
+        });
+    JsonValue result;
+    const bool isCommitted = session.write([&](unsigned long txHandle) {
+        result = toJson(session.client().action(txHandle, dn, name, parameters, action));
+    });
+    const bool isSilent = result.is_null() || (result.is_array() && result.empty());
+    if (!isSilent && !session.wantsJson()) {
+        session.out() << layOutValue(result);
+    }
+    reportWrite(session, {{"command", "action"}, {"dn", dn}, {"action", name}, {"result", result}},
+                "done", isCommitted);
+}
+
+}

@@ -1,0 +1,185 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Failure.h"
+
+#include "cli/output/AlignedText.h"
+#include "client/ClientSession.h"
+#include "client/ErrorExplainer.h"
+#include "client/RefusalError.h"
+#include "client/RefusedWrite.h"
+#include "base/HostReturn.h"
+
+namespace OrvHost {
+
+namespace {
+
+constexpr OrvReturnT kCodes[] = {OrvOk,
+                                 OrvNotActive,
+                                 OrvFailure,
+                                 OrvNotExist,
+                                 OrvAlreadyExist,
+                                 OrvInvalidArgument,
+                                 OrvValidationFailed,
+                                 OrvHostWriteConflict,
+                                 OrvHostNotWritable,
+                                 OrvHostNotContained,
+                                 OrvHostWrongState};
+
+std::string subjectText(const OperationSubject& subject) {
+    std::string text = subject.operation + " " + (subject.dn.empty() ? "/" : subject.dn);
+    text += subject.className.empty() ? "" : " " + subject.className;
+    text += subject.action.empty() ? "" : " " + subject.action;
+    for (const std::string& attribute : subject.attributes) {
+        text += " " + attribute;
+    }
+    return text;
+}
+
+// The router's own explanations contain internal names; they are shown only if there is no better
+// one.
+bool isWanted(const ThreadContext::Message& message, const std::string& explanation) {
+    return message.kind != ThreadContext::Explanation || explanation.empty();
+}
+
+std::vector<std::string> textsOf(const std::vector<ThreadContext::Message>& messages) {
+    std::vector<std::string> texts;
+    texts.reserve(messages.size());
+    for (const ThreadContext::Message& message : messages) {
+        texts.push_back(message.text);
+    }
+    return texts;
+}
+
+Failure plain(ExitStatus status, const std::string& text) {
+    return {status, std::nullopt, text, {}, {{"text", text}}};
+}
+
+std::string withUsage(const std::string& text, const std::string& usage) {
+    const bool isSentence = !text.empty() && (text.back() == '.' || text.back() == '?');
+    return text + (isSentence ? "" : ".") + " Usage: " + usage;
+}
+
+JsonValue foundJson(const Violation& violation) {
+    const auto* values = std::get_if<ReadValue>(&violation.found);
+    return values != nullptr ? toJson(*values) : JsonValue(std::get<std::string>(violation.found));
+}
+
+JsonValue detailsOf(const Violation& violation) {
+    JsonValue details = JsonValue::object();
+    if (violation.object) {
+        details["object"] = *violation.object;
+    }
+    if (violation.attribute) {
+        details["attribute"] = *violation.attribute;
+    }
+    if (!std::holds_alternative<std::monostate>(violation.found)) {
+        details["found"] = foundJson(violation);
+    }
+    if (violation.allowed) {
+        details["allowed"] = *violation.allowed;
+    }
+    return details;
+}
+
+std::string toText(const RefusalError& refusal) {
+    const std::string& name = refusal.transaction();
+    std::string text = (name.empty() ? "not committed: " : "transaction " + name + ": ") +
+                       codeText(refusal.outcome().code);
+    for (const Violation& violation : refusal.violations()) {
+        text += "\n  host: " + violation.message + "\n" + layOut(detailsOf(violation), 4);
+        text.erase(text.find_last_not_of('\n') + 1);
+    }
+    const bool isCommit = refusal.what() == std::string("commit");
+    return text + "\n  " + refusal.outcome().reason +
+           (isCommit ? "; it is aborted, nothing of it is left" : "");
+}
+
+Failure read(const RefusalError& refusal) {
+    Failure failure;
+    failure.code = refusal.outcome().code;
+    failure.text = toText(refusal);
+    failure.messages = textsOf(refusal.outcome().messages);
+    JsonValue violations = JsonValue::array();
+    for (const Violation& violation : refusal.violations()) {
+        JsonValue one{{"message", violation.message}};
+        one.update(detailsOf(violation));
+        violations.push_back(one);
+    }
+    failure.document = {{"operation", refusal.what()},
+                        {"transaction", refusal.transaction()},
+                        {"code", *failure.code},
+                        {"name", codeName(*failure.code)},
+                        {"text", refusal.outcome().reason},
+                        {"messages", failure.messages},
+                        {"violations", violations}};
+    return failure;
+}
+
+}
+
+std::string codeName(OrvReturnT code) {
+    const std::string text = returnText(code);
+    return text.substr(0, text.find(':'));
+}
+
+std::optional<OrvReturnT> codeOfName(const std::string& name) {
+    for (const OrvReturnT code : kCodes) {
+        if (codeName(code) == name) {
+            return code;
+        }
+    }
+    return std::nullopt;
+}
+
+Failure FailureReader::read(const std::string& usage, const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const OperationError& failure) {
+        return read(failure);
+    } catch (const RefusalError& failure) {
+        return OrvHost::read(failure);
+    } catch (const RequestError& failure) {
+        return plain(ExitUsage,
+                     usage.empty() ? failure.what() : withUsage(failure.what(), usage));
+    } catch (const std::exception& failure) {
+        return plain(ExitCommandError, failure.what());
+    }
+}
+
+Failure FailureReader::read(const OperationError& error) {
+    const std::string explanation = explain(error);
+    Failure failure;
+    failure.code = error.code();
+    failure.messages = textsOf(error.messages());
+    failure.text = subjectText(error.subject()) + ": " + codeText(error.code());
+    failure.text += explanation.empty() ? "" : "\n  " + explanation;
+    for (const ThreadContext::Message& message : error.messages()) {
+        failure.text += isWanted(message, explanation) ? "\n  host: " + message.text : "";
+    }
+    failure.document = {{"operation", error.subject().operation},
+                        {"dn", error.subject().dn},
+                        {"code", error.code()},
+                        {"name", codeName(error.code())},
+                        {"text", explanation},
+                        {"messages", failure.messages}};
+    const std::vector<std::string> remains = explainWhatStays(mSession, error);
+    for (const std::string& line : remains) {
+        failure.text += "\n  " + line;
+    }
+    if (!remains.empty()) {
+        failure.document["aftermath"] = remains;
+    }
+    return failure;
+}
+
+// The explanation calls the component again; if that fails too, it must not hide the first error.
+std::string FailureReader::explain(const OperationError& error) {
+    try {
+        return ErrorExplainer(mSession).explain(error);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+}

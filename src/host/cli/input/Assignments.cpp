@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Assignments.h"
+
+#include "cli/errors/CliErrors.h"
+#include "ValueParser.h"
+
+namespace OrvHost {
+
+namespace {
+
+// A second value turns the first one into a list.
+void add(JsonValue& all, const std::string& name, const JsonValue& value) {
+    if (!all.contains(name)) {
+        all[name] = value;
+        return;
+    }
+    JsonValue& list = all[name];
+    if (!list.is_array()) {
+        list = JsonValue::array({list});
+    }
+    if (value.is_array()) {
+        list.insert(list.end(), value.begin(), value.end());
+    } else {
+        list.push_back(value);
+    }
+}
+
+void addAll(JsonValue& all, const std::string& text) {
+    const JsonValue object = parseValue(text, nullptr);
+    for (const auto& member : object.items()) {
+        add(all, member.key(), member.value());
+    }
+}
+
+}
+
+std::vector<NamedValue> parseAssignments(const std::vector<std::string>& words,
+                                         const FindDefinition& find) {
+    JsonValue all = JsonValue::object();
+    for (const std::string& word : words) {
+        const std::size_t equals = word.find('=');
+        if (!word.empty() && word.front() == '{') {
+            addAll(all, word);
+        } else if (equals == std::string::npos || equals == 0) {
+            throw UsageError("'" + word + "' is not NAME=VALUE");
+        } else {
+            const std::string name = word.substr(0, equals);
+            add(all, name, parseValue(word.substr(equals + 1), find(name)));
+        }
+    }
+    std::vector<NamedValue> values;
+    for (const auto& member : all.items()) {
+        values.emplace_back(member.key(), toAttributeValue(member.value(), find(member.key())));
+    }
+    return values;
+}
+
+}

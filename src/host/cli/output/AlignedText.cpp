@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "AlignedText.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace OrvHost {
+
+namespace {
+
+// Counts characters, not bytes: continuation bytes of UTF-8 have no width.
+std::size_t width(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
+    }));
+}
+
+std::string padded(const std::string& text, std::size_t columns) {
+    const std::size_t taken = width(text);
+    return text + std::string(columns > taken ? columns - taken : 0, ' ');
+}
+
+bool holdsStructs(const JsonValue& value) {
+    return value.is_array() && !value.empty() && value.front().is_object();
+}
+
+std::size_t nameColumns(const JsonValue& object) {
+    std::size_t columns = 0;
+    for (const auto& member : object.items()) {
+        if (!member.value().is_object() && !holdsStructs(member.value())) {
+            columns = std::max(columns, width(member.key()));
+        }
+    }
+    return columns;
+}
+
+std::string layOutStruct(const std::string& name, const JsonValue& value, std::size_t indent) {
+    return std::string(indent, ' ') + name + "\n" + layOut(value, indent + 2);
+}
+
+std::string layOutValues(const std::string& name, const JsonValue& values, std::size_t indent,
+                         std::size_t columns) {
+    std::string text;
+    for (const JsonValue& value : values) {
+        text += std::string(indent, ' ') + padded(text.empty() ? name : "", columns) + "  " +
+                scalarText(value) + "\n";
+    }
+    return text;
+}
+
+std::string layOutMember(const std::string& name, const JsonValue& value, std::size_t indent,
+                         std::size_t columns) {
+    if (value.is_object()) {
+        return layOutStruct(name, value, indent);
+    }
+    if (holdsStructs(value)) {
+        std::string text;
+        std::size_t position = 0;
+        for (const JsonValue& element : value) {
+            text += layOutStruct(name + "[" + std::to_string(position++) + "]", element, indent);
+        }
+        return text;
+    }
+    if (value.is_array() && !value.empty()) {
+        return layOutValues(name, value, indent, columns);
+    }
+    return layOutValues(name, JsonValue::array({value.is_array() ? JsonValue() : value}), indent,
+                        columns);
+}
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\n') {
+            result += "\\n";
+        } else if (byte < 0x20U || byte == 0x7fU) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned int>(byte));
+            result += code;
+        } else {
+            result += character;
+        }
+    }
+    return result;
+}
+
+}
+
+std::string scalarText(const JsonValue& scalar) {
+    if (scalar.is_null()) {
+        return "-";
+    }
+    if (scalar.is_string()) {
+        const std::string text = escaped(scalar.get<std::string>());
+        return text.empty() ? "\"\"" : text;
+    }
+    return toLine(scalar);
+}
+
+std::string layOut(const JsonValue& object, std::size_t indent) {
+    const std::size_t columns = nameColumns(object);
+    std::string text;
+    for (const auto& member : object.items()) {
+        text += layOutMember(member.key(), member.value(), indent, columns);
+    }
+    return text;
+}
+
+std::string layOutValue(const JsonValue& value) {
+    if (value.is_object()) {
+        return layOut(value);
+    }
+    if (!value.is_array()) {
+        return scalarText(value) + "\n";
+    }
+    std::string text;
+    std::size_t position = 0;
+    for (const JsonValue& element : value) {
+        // It must be visible where one struct ends and the next begins.
+        text += element.is_object()
+                    ? layOutStruct("[" + std::to_string(position++) + "]", element, 0)
+                    : layOutValue(element);
+    }
+    return text;
+}
+
+std::string layOutTable(const std::vector<std::string>& headings,
+                        const std::vector<std::vector<std::string>>& rows) {
+    std::vector<std::size_t> columns(headings.size());
+    for (std::size_t column = 0; column < headings.size(); ++column) {
+        columns[column] = width(headings[column]);
+        for (const auto& row : rows) {
+            columns[column] = std::max(columns[column], width(row[column]));
+        }
+    }
+    const auto line = [&](const std::vector<std::string>& cells) {
+        std::string text;
+        for (std::size_t column = 0; column + 1 < cells.size(); ++column) {
+            text += padded(cells[column], columns[column]) + "  ";
+        }
+        text += cells.back();
+        text.erase(text.find_last_not_of(' ') + 1);
+        return text + "\n";
+    };
+    std::string text = line(headings);
+    for (const auto& row : rows) {
+        text += line(row);
+    }
+    return text;
+}
+
+}

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_OUTPUT_ALIGNEDTEXT_H
+#define ORV_HOST_CLI_OUTPUT_ALIGNEDTEXT_H
+
+#include "ValueJson.h"
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// An object for people: one line for each value, names and values aligned, structs nested by
+/// indentation, several values one below the other. A value that is not set is shown as "-".
+std::string layOut(const JsonValue& object, std::size_t indent = 0);
+
+/// A value without its name: one line, or a line for each of several values; nothing for an empty
+/// list.
+std::string layOutValue(const JsonValue& value);
+
+/// One scalar for people: texts as they are, with control characters as escapes.
+std::string scalarText(const JsonValue& scalar);
+
+/// Rows of texts as aligned columns, with a line of headings. The last column is not padded.
+std::string layOutTable(const std::vector<std::string>& headings,
+                        const std::vector<std::vector<std::string>>& rows);
+
+}
+
+#endif

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_OUTPUT_VALUEJSON_H
+#define ORV_HOST_CLI_OUTPUT_VALUEJSON_H
+
+#include "client/ReadValue.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+using JsonValue = nlohmann::ordered_json;
+
+/// The value as JSON: texts, references and enumerations as strings, numbers as numbers, structs as
+/// objects. An attribute that may hold several values gives an array; one that may hold only one
+/// gives that value or null. A value of a type that the client does not know is an object with the
+/// type code and the 8 bytes as a number.
+JsonValue toJson(const ReadValue& value);
+/// An object with a member for each attribute.
+JsonValue toJson(const std::vector<NamedReadValue>& values);
+
+/// The document as text in one line. In texts that are not UTF-8, replacement characters stand for
+/// the wrong bytes.
+std::string toLine(const JsonValue& document);
+
+}
+
+#endif

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SESSION_SESSION_H
+#define ORV_HOST_CLI_SESSION_SESSION_H
+
+#include "cli/output/ValueJson.h"
+#include "client/ClientSession.h"
+#include "runtime/LogSink.h"
+
+#include <ostream>
+#include <utility>
+
+namespace OrvHost {
+
+/// What commands work with: where they read and write, and where they print.
+///
+/// One thread at a time.
+class Session : public ClientSession {
+public:
+    /// All arguments are borrowed and must outlive the session.
+    Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson)
+        : ClientSession(host, clients), mLog(log), mOut(&out), mWantsJson(wantsJson) {}
+
+    LogSink& log() { return mLog; }
+
+    /// True: each command prints one JSON document, in one line, and nothing else.
+    bool wantsJson() const { return mWantsJson; }
+    std::ostream& out() { return *mOut; }
+    void print(const JsonValue& document) { out() << toLine(document) << '\n'; }
+    /// Commands print to \p out from now on. Returns where they printed before.
+    std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
+
+    bool isEnded() const { return mIsEnded; }
+    void end() { mIsEnded = true; }
+
+private:
+    LogSink& mLog;
+    std::ostream* mOut;
+    bool mWantsJson;
+    bool mIsEnded = false;
+};
+
+}
+
+#endif

@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "HostSetup.h"
+
+#include "cli/errors/CliErrors.h"
+#include "ComponentFinder.h"
+#include "LoggingWrapper.h"
+#include "cli/output/ProgressBar.h"
+#include "runtime/DataSet.h"
+#include "yang/instances/InstanceDataReader.h"
+
+#include <iostream>
+
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    return text;
+}
+
+void failIfAny(const std::vector<std::string>& problems) {
+    if (!problems.empty()) {
+        throw LoadError(joined(problems));
+    }
+}
+
+}
+
+HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(errors) {
+    openLog(options);
+    readModel(options);
+    HostOptions hostOptions;
+    hostOptions.preferredIdentity = options.meId;
+    hostOptions.fallbackIdentity = options.meIdFallback;
+    mHost = std::make_unique<Host>(mModel.model, hostOptions);
+    loadData(options);
+    loadComponents(options);
+    startComponents();
+    mClients = std::make_unique<Clients>(*mHost);
+    mClients->choose(options.interfaceVersion);
+}
+
+HostSetup::~HostSetup() {
+    mClients.reset();
+    if (mHost) {
+        for (const std::string& problem : mHost->shutdown()) {
+            mErrors << "orvhost: " << problem << '\n';
+        }
+    }
+    if (mLog && !mLog->isComplete()) {
+        mErrors << "orvhost: the log is not complete: lines could not be written\n";
+    }
+}
+
+void HostSetup::openLog(const Options& options) {
+    Orv::LoggingWrapper::instance()->setLevel(options.logLevel);
+    try {
+        mLog = options.logFile.empty()
+                   ? std::make_unique<LogSink>(std::cerr, options.logFormat)
+                   : std::make_unique<LogSink>(options.logFile, options.logFormat);
+    } catch (const std::runtime_error& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void HostSetup::readModel(const Options& options) {
+    YangModelReader reader;
+    for (const auto& directory : options.searchPath) {
+        reader.searchIn(directory);
+    }
+    for (const std::string& module : options.models) {
+        reader.load(module);
+    }
+    try {
+        mModel = reader.read();
+    } catch (const ModelError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void HostSetup::loadData(const Options& options) {
+    DataSet data(mModel.model);
+    ProgressBar bar(mErrors, isatty(STDERR_FILENO) == 1);
+    gather(options, data, bar);
+    bar.update("checking", data.size(), 0);
+    checkAndRepair(options, data, bar);
+    failIfAny(data.moveInto(mHost->store(), [&](std::size_t done, std::size_t all) {
+        bar.update("storing", done, all);
+    }));
+}
+
+void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) {
+    InstanceDataReader reader(mModel.schema);
+    reader.onProgress([&](const DataProgress& progress) {
+        bar.update("reading", progress.bytesDone, progress.bytesInAll);
+    });
+    bar.update("reading", 0, 0);
+    try {
+        reader.read(options.data, [&](DataObject&& object, const std::string& file) {
+            data.add({std::move(object.dn), std::move(object.attributes), {file, 0}});
+        });
+    } catch (const InstanceDataError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void HostSetup::checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar) {
+    if (options.repair) {
+        for (const std::string& line : data.repair()) {
+            bar.print("repaired: " + line);
+        }
+    }
+    std::vector<std::string> problems = data.unreachable();
+    for (std::string& problem : problems) {
+        problem += " See --me-id.";
+    }
+    for (std::string& problem : data.check()) {
+        problems.push_back(std::move(problem));
+    }
+    failIfAny(problems);
+    for (const std::string& note : data.misnamedInLists()) {
+        bar.print("note: " + note);
+    }
+}
+
+void HostSetup::loadComponents(const Options& options) {
+    try {
+        mHost->loadComponent(options.extCm.empty() ? findExtCm() : options.extCm);
+        for (const std::string& path : options.components) {
+            mHost->loadComponent(path);
+        }
+    } catch (const ComponentLoadError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void HostSetup::startComponents() {
+    std::vector<std::string> problems;
+    for (const ComponentReport& report : mHost->start()) {
+        if (report.state != ComponentState::Started) {
+            problems.push_back("component " + report.name + " is not started: " + report.problem);
+        }
+    }
+    failIfAny(problems);
+}
+
+}

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SETUP_HOSTSETUP_H
+#define ORV_HOST_CLI_SETUP_HOSTSETUP_H
+
+#include "client/Clients.h"
+#include "Options.h"
+#include "runtime/Host.h"
+#include "runtime/LogSink.h"
+#include "yang/schema/YangModelReader.h"
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class DataSet;
+class ProgressBar;
+
+/// Everything that must exist before the first command can run: log, model, host, data, components
+/// and the clients, built in this order and destroyed in the reverse order. One thread.
+class HostSetup {
+public:
+    /// Throws LoadError with all problems of what was to be loaded. Notes for the user go to \p
+    /// errors, which is borrowed.
+    HostSetup(const Options& options, std::ostream& errors);
+    /// Problems while shutting down go to the error stream.
+    ~HostSetup();
+    HostSetup(const HostSetup&) = delete;
+    HostSetup& operator=(const HostSetup&) = delete;
+
+    Host& host() { return *mHost; }
+    Clients& clients() { return *mClients; }
+    LogSink& log() { return *mLog; }
+
+private:
+    void openLog(const Options& options);
+    void readModel(const Options& options);
+    void loadData(const Options& options);
+    void gather(const Options& options, DataSet& data, ProgressBar& bar);
+    void checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar);
+    void loadComponents(const Options& options);
+    void startComponents();
+
+    std::ostream& mErrors;
+    std::unique_ptr<LogSink> mLog;
+    YangModel mModel;
+    std::unique_ptr<Host> mHost;
+    std::unique_ptr<Clients> mClients;
+};
+
+}
+
+#endif

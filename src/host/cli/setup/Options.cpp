@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Options.h"
+
+#include "cli/errors/CliErrors.h"
+#include "client/Clients.h"
+#include "DnUtil.h"
+#include "cli/input/LogLevel.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Commands come from -c, from scripts (-f), from the words behind the options, or, if there are none,
+from the prompt or standard input. 'orvhost help' tells them. Put -- before a command's own options:
+
+  orvhost -I models -m ran-element -d network.json -- tree / --depth 2
+
+'check FILE...' in place of a command runs scenarios, each on fresh data, and reports on them:
+
+  orvhost -I models -m ran-element -d network.json check --report junit scenarios/*.orv
+
+Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
+
+// An identity becomes a part of DNs. Empty means that there is none.
+std::string whyNoIdentity(const std::string& identity) {
+    return identity.empty() || Orv::DnUtil::validateMoNamingAttr(identity.c_str())
+               ? std::string()
+               : "'" + identity +
+                     "' cannot name an object: a text was expected without control characters and "
+                     "without , = + \" \\ < > ; that neither begins nor ends with a space";
+}
+
+void addLoading(CLI::App& app, Options& options) {
+    app.add_option("-m,--model", options.models, "YANG module, by name or file; repeat for more")
+        ->allow_extra_args(false);
+    app.add_option("-I,--path", options.searchPath, "Directory to search for modules; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("-d,--data", options.data,
+                   "Instance data, JSON or XML: a file, or a directory of them; repeatable")
+        ->allow_extra_args(false);
+    app.add_flag("--repair", options.repair,
+                 "Add the missing sides of bidirectional associations to the data");
+    app.add_option("--ext-cm", options.extCm,
+                   "The component libext_cm.so, if not the one of this installation");
+    app.add_option("-C,--component", options.components,
+                   "A further component to load, such as an interceptor; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("--me-id", options.meId,
+                   "Identity by which clients know the ManagedElement at the root")
+        ->check(whyNoIdentity);
+    app.add_option("--me-id-fallback", options.meIdFallback, "Identity to use if that one is empty")
+        ->check(whyNoIdentity)
+        ->capture_default_str();
+}
+
+void addLogging(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+        "--log-level",
+        [&options](const std::string& text) {
+            try {
+                options.logLevel = parseLogLevel(text);
+            } catch (const UsageError& failure) {
+                throw CLI::ValidationError("--log-level", failure.what());
+            }
+        },
+        "off, error, warning (if not told), info, trace, or a number");
+    app.add_option("--log-file", options.logFile,
+                   "File to append the log to, instead of standard error");
+    app.add_option_function<std::string>(
+           "--log-format",
+           [&options](const std::string& text) {
+               options.logFormat = text == "json" ? LogFormat::Json : LogFormat::Text;
+           },
+           "text (if not told) or json")
+        ->check(CLI::IsMember({"text", "json"}));
+}
+
+void addCheck(CLI::App& app, const std::vector<std::string>& reportFormats, Options& options) {
+    app.add_option("--report", options.reportFormat,
+                   "Format in which 'check' reports: text, tap, junit or json")
+        ->check(CLI::IsMember(reportFormats));
+    app.add_option("--report-file", options.reportFile,
+                   "File for that report; standard output then gets one for people");
+}
+
+// `check FILE...` is used in the place of a command, but it runs scripts and cannot be combined
+// with commands.
+void takeScenarios(Options& options) {
+    const bool isCheck = !options.words.empty() && options.words.front() == "check";
+    if (!isCheck) {
+        if (!options.reportFormat.empty() || !options.reportFile.empty()) {
+            throw CLI::ValidationError("--report and --report-file go with check only");
+        }
+        return;
+    }
+    if (!options.commandLines.empty() || !options.scripts.empty()) {
+        throw CLI::ValidationError("check goes with neither -c nor -f");
+    }
+    options.scenarios.assign(options.words.begin() + 1, options.words.end());
+    options.words.clear();
+    if (options.scenarios.empty()) {
+        throw CLI::ValidationError("check needs the FILE of a scenario, or of several");
+    }
+}
+
+void addCommands(CLI::App& app, Options& options) {
+    app.add_option("-c,--command", options.commandLines, "A command to run; repeatable")
+        ->allow_extra_args(false);
+    app.add_option("-f,--script", options.scripts,
+                   "A file of commands to run, - for standard input; repeatable")
+        ->allow_extra_args(false);
+    app.add_flag("--keep-going", options.keepGoing, "Go on behind a command that failed");
+    app.add_flag("--echo", options.echo,
+                 "Show each line of scripts and -c in front of its answer, as at the prompt");
+    app.add_option("--interface", options.interfaceVersion,
+                   "Version of the MO interface to use: 1, 3 or 3_1")
+        ->check(CLI::IsMember(Clients::versions()))
+        ->capture_default_str();
+    app.add_flag("--json", options.json, "Print one JSON document for each command");
+    app.add_option("--history", options.historyFile,
+                   "File for the history of the prompt; empty for none");
+    app.add_option("COMMAND", options.words, "One command, in words");
+}
+
+}
+
+ParsedArguments parseArguments(int count, const char* const* arguments,
+                               const std::vector<std::string>& reportFormats) {
+    Options options;
+    CLI::App app(
+        "A small management framework: loads a model, data and components, and runs client "
+        "operations through them.",
+        "orvhost");
+    app.set_version_flag("--version", "orvhost " ORVHOST_VERSION);
+    app.footer(kFooter);
+    addLoading(app, options);
+    addLogging(app, options);
+    addCommands(app, options);
+    addCheck(app, reportFormats, options);
+    try {
+        app.parse(count, arguments);
+        takeScenarios(options);
+    } catch (const CLI::ExtrasError& unknown) {
+        app.exit(unknown);
+        std::cerr
+            << "If that belongs to a command, put -- before the command: orvhost ... -- graph "
+               "-o FILE\n";
+        return {std::nullopt, ExitUsage};
+    } catch (const CLI::ParseError& end) {
+        const int status = app.exit(end);
+        return {std::nullopt, status == 0 ? ExitOk : ExitUsage};
+    }
+    return {options, ExitOk};
+}
+
+}

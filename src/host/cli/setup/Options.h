@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SETUP_OPTIONS_H
+#define ORV_HOST_CLI_SETUP_OPTIONS_H
+
+#include "runtime/LogSink.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// The options of orvhost.
+struct Options {
+    std::vector<std::string> models; ///< module names or files
+    std::vector<std::filesystem::path> searchPath;
+    std::vector<std::filesystem::path> data;
+    std::string extCm; ///< the component; empty: the one that belongs to this program
+    std::vector<std::string> components; ///< other components
+    std::string meId;
+    std::string meIdFallback = "1";
+    bool repair = false;
+    std::string interfaceVersion = "3_1";
+
+    unsigned int logLevel = 4;
+    std::string logFile; ///< empty: standard error
+    LogFormat logFormat = LogFormat::Text;
+
+    bool json = false;
+    bool keepGoing = false;
+    bool echo = false;
+    std::optional<std::string> historyFile;
+
+    std::vector<std::string> commandLines; ///< from -c
+    std::vector<std::string> scripts;      ///< from -f; "-" is standard input
+    std::vector<std::string> words;        ///< one command, split into words
+
+    std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands
+    std::string reportFormat;           ///< of `check`; empty: not given
+    std::string reportFile;             ///< empty: standard output
+};
+
+/// The result of reading the program's arguments: options, or a reason to end at once.
+struct ParsedArguments {
+    std::optional<Options> options;
+    int exitStatus = 0; ///< if there are no options; help, version or error have been printed
+};
+
+/// Reads the program's arguments. \p reportFormats: those that `check` knows.
+ParsedArguments parseArguments(int count, const char* const* arguments,
+                               const std::vector<std::string>& reportFormats);
+
+}
+
+#endif

@@ -1,0 +1,194 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Completer.h"
+
+#include "client/DnResolver.h"
+#include "client/ErrorExplainer.h"
+#include "cli/session/Session.h"
+#include "cli/input/WordSplitter.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr std::size_t kMostObjects = 200;
+
+bool beginsWith(const std::string& text, const std::string& beginning) {
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+std::vector<std::string> behind(const std::string& prefix, const std::vector<std::string>& names,
+                                const std::string& suffix) {
+    std::vector<std::string> result = names;
+    for (std::string& name : result) {
+        name.insert(0, prefix).append(suffix);
+    }
+    return result;
+}
+
+std::vector<std::string> classNames(const Model& model) {
+    std::vector<std::string> names;
+    for (const ClassDef& moc : model.classes) {
+        names.push_back(moc.name);
+    }
+    return names;
+}
+
+// After the colon of an expectation comes a command like any other.
+std::vector<std::string> withoutExpectation(std::vector<std::string> words) {
+    while (words.front() == "expect") {
+        const auto colon = std::find(words.begin(), words.end() - 1, ":");
+        if (colon == words.end() - 1) {
+            return words;
+        }
+        words.erase(words.begin(), colon + 1);
+    }
+    return words;
+}
+
+}
+
+std::string commonPrefix(const std::vector<std::string>& words) {
+    if (words.empty()) {
+        return {};
+    }
+    std::string prefix = words.front();
+    for (const std::string& word : words) {
+        const auto differ =
+            std::mismatch(prefix.begin(), prefix.end(), word.begin(), word.end()).first;
+        prefix.erase(differ, prefix.end());
+    }
+    return prefix;
+}
+
+Completion Completer::complete(const std::string& line) {
+    SplitLine split = splitWords(line);
+    if (!split.endsInWord) {
+        split.words.emplace_back();
+        split.starts.push_back(line.size());
+    }
+    Completion completion{split.starts.back(), {}};
+    try {
+        completion.candidates = candidates(split.words);
+    } catch (const std::exception&) {
+        return {split.starts.back(), {}};
+    }
+    auto& all = completion.candidates;
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [&](const std::string& candidate) {
+                                 return !beginsWith(candidate, split.words.back());
+                             }),
+              all.end());
+    return completion;
+}
+
+std::vector<std::string> Completer::candidates(std::vector<std::string> words) {
+    words = withoutExpectation(words);
+    if (words.size() == 1) {
+        return mCommands.names();
+    }
+    const Command* command = mCommands.find(words.front());
+    if (command == nullptr) {
+        return {};
+    }
+    if (beginsWith(words.back(), "-")) {
+        return command->options;
+    }
+    if (command->words.empty()) {
+        return {};
+    }
+    const std::size_t position = std::min(words.size() - 2, command->words.size() - 1);
+    return candidatesOf(command->words[position], words);
+}
+
+std::vector<std::string> Completer::candidatesOf(WordKind kind,
+                                                 const std::vector<std::string>& words) {
+    const DnResolver resolver(mSession.model());
+    const ClassDef* moc = resolver.classOf(words[1]);
+    switch (kind) {
+    case WordKind::Dn:
+        return dns(words.back());
+    case WordKind::ChildClass:
+        return resolver.childClasses(moc);
+    case WordKind::Attribute:
+        return moc != nullptr ? attributeNames(*moc) : std::vector<std::string>();
+    case WordKind::Assignment:
+        return moc != nullptr ? assignments(moc->attributes, words.back())
+                              : std::vector<std::string>();
+    case WordKind::Action:
+        return moc != nullptr ? actionNames(*moc) : std::vector<std::string>();
+    case WordKind::Parameter: {
+        const ActionDef* action = moc != nullptr ? moc->findAction(words[2]) : nullptr;
+        return action != nullptr ? assignments(action->parameters, words.back())
+                                 : std::vector<std::string>();
+    }
+    case WordKind::AnyClass:
+        return classNames(mSession.model());
+    case WordKind::Command:
+        return mCommands.names();
+    case WordKind::Transaction:
+        return mSession.transactions().names();
+    case WordKind::Version:
+        return Clients::versions();
+    case WordKind::Other:
+        break;
+    }
+    return {};
+}
+
+// First the name with its "=", then the values that are known.
+std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>& all,
+                                                const std::string& word) {
+    const std::size_t equals = word.find('=');
+    std::vector<std::string> result;
+    for (const AttributeDef& def : all) {
+        if (equals == std::string::npos && !def.isNaming && def.isWritable) {
+            result.push_back(def.name + "=");
+        } else if (def.name == word.substr(0, equals)) {
+            result = behind(def.name + "=", values(def, word.substr(equals + 1)), "");
+        }
+    }
+    return result;
+}
+
+std::vector<std::string> Completer::values(const AttributeDef& def, const std::string& typed) {
+    switch (def.type.kind) {
+    case ValueKind::Bool:
+        return {"true", "false"};
+    case ValueKind::Enumeration:
+        return def.type.enumerators;
+    case ValueKind::MoRef:
+        return dns(typed);
+    default:
+        return {};
+    }
+}
+
+// First the class of the last step with its "=", then the objects of that class.
+std::vector<std::string> Completer::dns(const std::string& word) {
+    const std::size_t comma = word.rfind(',');
+    const std::string parent = comma == std::string::npos ? "" : word.substr(0, comma);
+    const std::string prefix = comma == std::string::npos ? "" : parent + ",";
+    const std::size_t equals = word.find('=', prefix.size());
+    const DnResolver resolver(mSession.model());
+    if (equals == std::string::npos) {
+        const ClassDef* moc = parent.empty() ? nullptr : resolver.classOf(parent);
+        return parent.empty() || moc != nullptr ? behind(prefix, resolver.childClasses(moc), "=")
+                                                : std::vector<std::string>();
+    }
+    const std::string className = word.substr(prefix.size(), equals - prefix.size());
+    std::vector<std::string> result;
+    mSession.read([&](unsigned long txHandle) {
+        mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {
+            result.push_back(childOf(parent, className, name));
+            return result.size() < kMostObjects;
+        });
+    });
+    return result;
+}
+
+}

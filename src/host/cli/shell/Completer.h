@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SHELL_COMPLETER_H
+#define ORV_HOST_CLI_SHELL_COMPLETER_H
+
+#include "cli/commands/CommandTable.h"
+#include "model/Model.h"
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Session;
+
+/// What the last word of a line could be completed to.
+struct Completion {
+    std::size_t start = 0;               ///< where the last word begins
+    std::vector<std::string> candidates; ///< whole words, in order, unquoted
+};
+
+/// Completes commands, DNs, classes, attributes, their values, actions, transactions and options.
+/// Objects are looked up through the component, as a command does it. One thread at a time.
+class Completer {
+public:
+    /// Both must outlive this object.
+    Completer(Session& session, const CommandTable& commands)
+        : mSession(session), mCommands(commands) {}
+
+    /// Completes the word at the end of \p line. If anything fails, the result is empty.
+    Completion complete(const std::string& line);
+
+private:
+    std::vector<std::string> candidates(std::vector<std::string> words);
+    std::vector<std::string> candidatesOf(WordKind kind, const std::vector<std::string>& words);
+    std::vector<std::string> assignments(const std::vector<AttributeDef>& all,
+                                         const std::string& word);
+    std::vector<std::string> values(const AttributeDef& def, const std::string& typed);
+    std::vector<std::string> dns(const std::string& word);
+
+    Session& mSession;
+    const CommandTable& mCommands;
+};
+
+/// The longest common prefix of \p words.
+std::string commonPrefix(const std::vector<std::string>& words);
+
+}
+
+#endif

@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Interpreter.h"
+
+#include "cli/errors/Failure.h"
+#include "cli/input/ScriptReader.h"
+#include "cli/input/WordSplitter.h"
+
+namespace OrvHost {
+
+ExitStatus Interpreter::runLine(const std::string& line, const std::string& place) {
+    const SplitLine split = splitWords(line);
+    if (mEchoes) {
+        show(line, !split.words.empty());
+    }
+    if (split.isOpen) {
+        return report(
+            {}, place,
+            std::make_exception_ptr(UsageError("the line ends inside a quoted text: " + line)));
+    }
+    if (line.find('\0') != std::string::npos) {
+        return report({}, place,
+                      std::make_exception_ptr(UsageError("there is a zero byte in the line")));
+    }
+    return split.words.empty() ? ExitOk : runWords(split.words, place);
+}
+
+ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const std::string& place) {
+    const std::string& name = words.front();
+    try {
+        const Command& command = mCommands.require(name);
+        command.run(mSession, Words({words.begin() + 1, words.end()}));
+        mSession.out().flush();
+        return ExitOk;
+    } catch (...) {
+        return report(name, place, std::current_exception());
+    }
+}
+
+ExitStatus Interpreter::runScript(std::istream& script, const std::string& name, bool keepGoing) {
+    ExitStatus first = ExitOk;
+    ScriptReader reader(script);
+    while (!mSession.isEnded() && reader.next()) {
+        const ExitStatus status =
+            runLine(reader.line(), name + ":" + std::to_string(reader.number()));
+        first = first == ExitOk ? status : first;
+        if (first != ExitOk && !keepGoing) {
+            break;
+        }
+    }
+    return first;
+}
+
+void Interpreter::show(const std::string& line, bool isCommand) {
+    mSession.out() << (isCommand ? mSession.transactions().prompt() : "") << line << std::endl;
+}
+
+ExitStatus Interpreter::report(const std::string& command, const std::string& place,
+                               const std::exception_ptr& error) {
+    mSession.out().flush();
+    Failure failure = FailureReader(mSession).read(mCommands.usageOf(command), error);
+    if (!mSession.wantsJson()) {
+        mErrors << (place.empty() ? "" : place + ": ") << (command.empty() ? "" : command + ": ")
+                << failure.text << std::endl;
+        return failure.status;
+    }
+    if (!place.empty()) {
+        failure.document["place"] = place;
+    }
+    mSession.print({{"command", command}, {"error", failure.document}});
+    return failure.status;
+}
+
+}

@@ -1,0 +1,261 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Prompt.h"
+
+#include "cli/output/AlignedText.h"
+#include "cli/input/WordSplitter.h"
+
+#include <cerrno>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cwchar>
+#include <system_error>
+
+#include <histedit.h>
+#include <langinfo.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr int kHistoryLines = 1000;
+
+void interruptReading(int) {}
+
+/// While it lives, Ctrl-C is blocked until the reading of a key waits with waitingMask. Then it
+/// interrupts that waiting instead of ending the process. So no Ctrl-C between two keys is lost.
+class InterruptGuard {
+public:
+    InterruptGuard() {
+        struct sigaction action {};
+        action.sa_handler = &interruptReading;
+        sigaction(SIGINT, &action, &mPreviousAction);
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigaddset(&blocked, SIGINT);
+        pthread_sigmask(SIG_BLOCK, &blocked, &mWaitingMask);
+    }
+    ~InterruptGuard() {
+        pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr);
+        sigaction(SIGINT, &mPreviousAction, nullptr);
+    }
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+
+    const sigset_t& waitingMask() const { return mWaitingMask; }
+
+private:
+    struct sigaction mPreviousAction {};
+    sigset_t mWaitingMask{};
+};
+
+// Sets the locale for characters of several bytes. An ASCII locale such as "C" would drop all other
+// characters from the input; values are UTF-8, so UTF-8 is used then.
+void useWideCharacters() {
+    // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs while there is a prompt
+    std::setlocale(LC_CTYPE, "");
+    if (nl_langinfo(CODESET) == std::string("ANSI_X3.4-1968")) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
+    // NOLINTEND(concurrency-mt-unsafe)
+}
+
+// One byte from the terminal: its number, 0 at the end, -1 for a failure or Ctrl-C (EINTR).
+ssize_t readByte(const sigset_t& mask, char& byte) {
+    pollfd waiting{STDIN_FILENO, POLLIN, 0};
+    if (ppoll(&waiting, 1, nullptr, &mask) < 0) {
+        return -1;
+    }
+    return read(STDIN_FILENO, &byte, 1);
+}
+
+std::string withoutLineEnd(const char* text, int length) {
+    std::string line(text, static_cast<std::size_t>(length));
+    line.erase(line.find_last_not_of("\r\n") + 1);
+    return line;
+}
+
+// The form of a candidate in a list: for DNs only the part after the last comma, which is different
+// for each.
+std::string shortForm(const std::string& candidate) {
+    const std::size_t comma = candidate.rfind(',');
+    return comma == std::string::npos ? candidate : candidate.substr(comma + 1);
+}
+
+}
+
+/// Owns the line editor's objects.
+class Prompt::Editor {
+public:
+    Editor(Completer& completer, std::filesystem::path historyFile)
+        : mCompleter(completer),
+          mHistoryFile(std::move(historyFile)),
+          mEditLine(el_init("orvhost", stdin, stdout, stderr)),
+          mHistory(history_init()) {
+        useWideCharacters();
+        HistEvent event;
+        history(mHistory, &event, H_SETSIZE, kHistoryLines);
+        history(mHistory, &event, H_SETUNIQUE, 1);
+        el_set(mEditLine, EL_CLIENTDATA, this);
+        el_set(mEditLine, EL_GETCFN, &readCharacter);
+        el_set(mEditLine, EL_PROMPT, &promptText);
+        el_set(mEditLine, EL_EDITOR, "emacs");
+        el_set(mEditLine, EL_HIST, &history, mHistory);
+        // The wide function keeps these constants; the narrow one would make copies of them and
+        // never free those.
+        el_wset(mEditLine, EL_ADDFN, L"orv-complete", L"complete the word", &completeWord);
+        el_set(mEditLine, EL_BIND, "^I", "orv-complete", nullptr);
+        loadHistory();
+    }
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+    ~Editor() {
+        saveHistory();
+        history_end(mHistory);
+        el_end(mEditLine);
+    }
+
+    std::optional<std::string> readLine(const std::string& prompt) {
+        mPromptText = prompt;
+        const InterruptGuard guard;
+        mGuard = &guard;
+        mIsInterrupted = false;
+        // Before the prompt is printed, so that keys go to the editor, not to the terminal, as soon
+        // as the prompt is visible.
+        el_set(mEditLine, EL_PREP_TERM, 1);
+        int length = 0;
+        const char* text = el_gets(mEditLine, &length);
+        if (text == nullptr || length <= 0) {
+            return atNoLine();
+        }
+        std::string line = withoutLineEnd(text, length);
+        if (!line.empty()) {
+            HistEvent event;
+            history(mHistory, &event, H_ENTER, line.c_str());
+        }
+        return line;
+    }
+
+private:
+    static char* promptText(EditLine* editLine) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->mPromptText.data();
+    }
+
+    std::optional<std::string> atNoLine() {
+        std::fputs("\n", stdout);
+        el_set(mEditLine, EL_PREP_TERM, 0);
+        if (mIsInterrupted) {
+            el_reset(mEditLine);
+            return std::string();
+        }
+        return std::nullopt;
+    }
+
+    // One character, which can be several bytes. The result is that of readByte.
+    static int readCharacter(EditLine* editLine, wchar_t* character) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->nextCharacter(*character);
+    }
+
+    int nextCharacter(wchar_t& character) {
+        std::mbstate_t state{};
+        for (;;) {
+            char byte = 0;
+            const ssize_t count = readByte(mGuard->waitingMask(), byte);
+            if (count <= 0) {
+                mIsInterrupted = count < 0 && errno == EINTR;
+                return static_cast<int>(count);
+            }
+            // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is this call's own
+            const std::size_t length = std::mbrtowc(&character, &byte, 1, &state);
+            if (length == static_cast<std::size_t>(-1)) {
+                state = {};
+            } else if (length != static_cast<std::size_t>(-2)) {
+                return 1;
+            }
+        }
+    }
+
+    static unsigned char completeWord(EditLine* editLine, int) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        return static_cast<Editor*>(self)->complete();
+    }
+
+    unsigned char complete() {
+        const LineInfo* info = el_line(mEditLine);
+        const std::string line(info->buffer, info->cursor);
+        const Completion completion = mCompleter.complete(line);
+        if (completion.candidates.empty()) {
+            return CC_REFRESH_BEEP;
+        }
+        const bool isOne = completion.candidates.size() == 1;
+        const std::string common = commonPrefix(completion.candidates);
+        const std::string typed = splitWords(line.substr(completion.start)).words.empty()
+                                      ? ""
+                                      : splitWords(line.substr(completion.start)).words.front();
+        if (isOne || common.size() > typed.size()) {
+            replaceWord(line.size() - completion.start, common, isOne && common.back() != '=');
+            return CC_REFRESH;
+        }
+        showAll(completion.candidates);
+        return CC_REDISPLAY;
+    }
+
+    void replaceWord(std::size_t typedLength, const std::string& word, bool isComplete) {
+        el_deletestr(mEditLine, static_cast<int>(typedLength));
+        el_insertstr(mEditLine, (quoteWord(word) + (isComplete ? " " : "")).c_str());
+    }
+
+    static void showAll(const std::vector<std::string>& candidates) {
+        std::fputs("\n", stdout);
+        for (const std::string& candidate : candidates) {
+            std::fprintf(stdout, "%s  ", scalarText(JsonValue(shortForm(candidate))).c_str());
+        }
+        std::fputs("\n", stdout);
+        std::fflush(stdout);
+    }
+
+    void loadHistory() {
+        if (!mHistoryFile.empty()) {
+            HistEvent event;
+            history(mHistory, &event, H_LOAD, mHistoryFile.c_str());
+        }
+    }
+
+    void saveHistory() {
+        if (mHistoryFile.empty()) {
+            return;
+        }
+        std::error_code ignored;
+        std::filesystem::create_directories(mHistoryFile.parent_path(), ignored);
+        HistEvent event;
+        history(mHistory, &event, H_SAVE, mHistoryFile.c_str());
+    }
+
+    Completer& mCompleter;
+    std::filesystem::path mHistoryFile;
+    std::string mPromptText;
+    EditLine* mEditLine;
+    History* mHistory;
+    const InterruptGuard* mGuard = nullptr; ///< while a line is read
+    bool mIsInterrupted = false;
+};
+
+Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
+    : mEditor(std::make_unique<Editor>(completer, std::move(historyFile))) {}
+
+Prompt::~Prompt() = default;
+
+std::optional<std::string> Prompt::readLine(const std::string& prompt) {
+    return mEditor->readLine(prompt);
+}
+
+}

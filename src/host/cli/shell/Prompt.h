@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SHELL_PROMPT_H
+#define ORV_HOST_CLI_SHELL_PROMPT_H
+
+#include "Completer.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace OrvHost {
+
+/// A line editor on the terminal, with a history in a file and completion with the tab key.
+///
+/// One object at a time, on the thread that starts and ends it; standard input is a terminal.
+class Prompt {
+public:
+    /// \p completer must outlive this object. \p historyFile may be empty: then no history is kept.
+    /// A history that cannot be read or written is ignored.
+    Prompt(Completer& completer, std::filesystem::path historyFile);
+    ~Prompt();
+    Prompt(const Prompt&) = delete;
+    Prompt& operator=(const Prompt&) = delete;
+
+    /// Shows \p prompt and returns the next line that is entered, without its line end; an empty
+    /// one if Ctrl-C cancels it. Nothing at the end of input (Ctrl-D).
+    std::optional<std::string> readLine(const std::string& prompt);
+
+private:
+    class Editor;
+    std::unique_ptr<Editor> mEditor;
+};
+
+}
+
+#endif

@@ -1,0 +1,159 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Client.h"
+
+#include "NamedRecords.h"
+#include "OfferedTable.h"
+#include "OwnedResult.h"
+#include "runtime/Host.h"
+
+namespace OrvHost {
+
+namespace {
+
+/// Finalizes an iterator in its destructor.
+class OpenIterator {
+public:
+    OpenIterator(OrvOamSpiManagedObject_3* table, unsigned long long handle)
+        : mTable(table), mHandle(handle) {}
+    OpenIterator(const OpenIterator&) = delete;
+    OpenIterator& operator=(const OpenIterator&) = delete;
+    ~OpenIterator() { mTable->finalizeMoIterator(mHandle); }
+
+private:
+    OrvOamSpiManagedObject_3* mTable;
+    unsigned long long mHandle;
+};
+
+std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
+    std::vector<const char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
+        pointers.push_back(text.c_str());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+}
+
+Client::Client(Host& host)
+    : mHost(host),
+      mTable(requireOffered<OrvOamSpiManagedObject_3>(host, OrvOamSpiManagedObject_3_ExtCmId)) {}
+
+bool Client::exists(unsigned long txHandle, const std::string& dn) {
+    bool exists = false;
+    check(mTable->existsMo(txHandle, dn.c_str(), &exists), {"existsMo", dn, {}, {}});
+    return exists;
+}
+
+unsigned long long Client::count(unsigned long txHandle, const std::string& dn,
+                                 const std::string& className) {
+    unsigned long long count = 0;
+    check(mTable->countMoChildren(txHandle, dn.c_str(), className.c_str(), &count),
+          {"countMoChildren", dn, className, {}});
+    return count;
+}
+
+ReadValue Client::get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
+                      const ClassDef* moc) {
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
+          {"getMoAttribute", dn, {}, {attribute}});
+    const Orv::OwnedResult owned(result);
+    return toReadValue(result.container, definitionOf(moc, attribute));
+}
+
+std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::string& dn,
+                                        const std::vector<std::string>& attributes,
+                                        const ClassDef* moc) {
+    std::vector<const char*> names = nullTerminated(attributes);
+    OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
+    check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
+          {"getMoAttributes", dn, {}, attributes});
+    const Orv::OwnedResult owned(result);
+    std::vector<NamedReadValue> values;
+    values.reserve(attributes.size());
+    OrvMoAttributeValueContainer_3** container = result.containers;
+    for (const std::string& attribute : attributes) {
+        if (container == nullptr || *container == nullptr) {
+            break;
+        }
+        values.emplace_back(attribute, toReadValue(*container++, definitionOf(moc, attribute)));
+    }
+    return values;
+}
+
+void Client::forEachChild(unsigned long txHandle, const std::string& dn,
+                          const std::string& className, const Visit& visit) {
+    unsigned long long handle = 0;
+    check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
+          {"newMoIterator", dn, className, {}});
+    const OpenIterator iterator(mTable, handle);
+    for (;;) {
+        char* name = nullptr;
+        check(mTable->nextMo(handle, &name), {"nextMo", dn, className, {}});
+        if (name == nullptr || !visit(name)) {
+            return;
+        }
+        throwIfCancelled();
+    }
+}
+
+void Client::create(unsigned long txHandle, const NewObject& object,
+                    const std::vector<NamedValue>& attributes) {
+    NamedRecords records(attributes);
+    check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
+                           object.namingAttribute.c_str(), object.name.c_str(), records.data()),
+          {"createMo", object.parentDn, object.className, namesOf(attributes)});
+}
+
+void Client::set(unsigned long txHandle, const std::string& dn,
+                 const std::vector<NamedValue>& attributes) {
+    NamedRecords records(attributes);
+    std::vector<std::string> done;
+    for (auto** record = records.data(); *record != nullptr; ++record) {
+        check(mTable->setMoAttribute(txHandle, dn.c_str(), (*record)->name, &(*record)->value),
+              {"setMoAttribute", dn, {}, {(*record)->name}, {}, done});
+        done.push_back((*record)->name + std::string(" is set"));
+    }
+}
+
+void Client::remove(unsigned long txHandle, const std::string& dn) {
+    check(mTable->deleteMo(txHandle, dn.c_str()), {"deleteMo", dn, {}, {}});
+}
+
+ReadValue Client::action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                         const std::vector<NamedValue>& parameters, const ActionDef* def) {
+    NamedRecords records(parameters);
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    check(mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result),
+          {"action", dn, {}, {}, name});
+    const Orv::OwnedResult owned(result);
+    return toReadValue(result.container, resultOf(def));
+}
+
+// Messages of successful calls are not shown: a component may have called the router itself and
+// handled the refusal.
+void Client::check(OrvReturnT code, OperationSubject subject) {
+    std::vector<ThreadContext::Message> messages = mHost.threadContext().take();
+    if (code != OrvOk) {
+        throw OperationError(code, std::move(subject), std::move(messages));
+    }
+}
+
+const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
+    return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
+}
+
+const AttributeDef* resultOf(const ActionDef* action) {
+    return action != nullptr && action->result ? &*action->result : nullptr;
+}
+
+std::string childOf(const std::string& parent, const std::string& className,
+                    const std::string& name) {
+    return (parent.empty() ? "" : parent + ",") + className + "=" + name;
+}
+
+}

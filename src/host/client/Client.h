@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_CLIENT_H
+#define ORV_HOST_CLIENT_CLIENT_H
+
+#include "CancellationToken.h"
+#include "ClientErrors.h"
+#include "OrvOamSpiManagedObject_3.h"
+#include "NewObject.h"
+#include "ReadValue.h"
+#include "model/Model.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+class Host;
+
+/// An MO client of interface version 3: calls the table that the component offers, looked up
+/// through the portal like any client. All DNs are external, in values too. A code that is not
+/// OrvOk becomes an OperationError with the messages that the call left in the thread context;
+/// results are released before the operation returns.
+///
+/// Clients of the other versions derive from it and override what is different in their version.
+///
+/// Threads: one at a time for each transaction.
+class Client {
+public:
+    /// Throws NotOfferedError if no started component offers the table. \p host must outlive the client,
+    /// and its components stay started while the client is in use.
+    explicit Client(Host& host);
+    virtual ~Client() = default;
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    bool exists(unsigned long txHandle, const std::string& dn);
+
+    /// \p dn empty: the top level.
+    unsigned long long count(unsigned long txHandle, const std::string& dn,
+                             const std::string& className);
+
+    /// The value of one attribute. \p moc, which may be null, defines the attributes' multiplicity.
+    virtual ReadValue get(unsigned long txHandle, const std::string& dn,
+                          const std::string& attribute, const ClassDef* moc);
+
+    /// The values of several attributes in their order, in one call if the version has one. Fewer
+    /// than were asked for if the component answered with fewer.
+    virtual std::vector<NamedReadValue> get(unsigned long txHandle, const std::string& dn,
+                          const std::vector<std::string>& attributes, const ClassDef* moc);
+
+    /// Called for each child; false ends the walk.
+    using Visit = std::function<bool(const std::string& name)>;
+
+    /// Walks the children of one class; \p dn empty: the top level. The iterator is also finalized
+    /// if the walk ends early or \p visit throws. Throws CancelledError: see cancelBy.
+    virtual void forEachChild(unsigned long txHandle, const std::string& dn,
+                              const std::string& className, const Visit& visit);
+
+    /// Creates an object with its first attributes.
+    virtual void create(unsigned long txHandle, const NewObject& object,
+                        const std::vector<NamedValue>& attributes);
+
+    /// Sets attributes in their order, one call for each: those before a refused one stay set.
+    virtual void set(unsigned long txHandle, const std::string& dn,
+                     const std::vector<NamedValue>& attributes);
+
+    virtual void remove(unsigned long txHandle, const std::string& dn);
+
+    /// Calls an action and returns its result, without values if it has none. \p def is null if the model does not know
+    /// the action.
+    virtual ReadValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
+                             const std::vector<NamedValue>& parameters, const ActionDef* def);
+
+    /// From now on walks over children ask \p token after each child. \p token is borrowed; null:
+    /// they ask nobody.
+    void cancelBy(const CancellationToken* token) { mToken = token; }
+
+protected:
+    /// To be called after each step of a walk.
+    void throwIfCancelled() const {
+        if (mToken != nullptr) {
+            mToken->throwIfCancelled();
+        }
+    }
+
+    /// Throws OperationError unless \p code is OrvOk.
+    void check(OrvReturnT code, OperationSubject subject);
+
+private:
+    Host& mHost;
+    OrvOamSpiManagedObject_3* mTable;
+    const CancellationToken* mToken = nullptr;
+};
+
+/// The external DN of a child. \p parent may be empty.
+std::string childOf(const std::string& parent, const std::string& className,
+                    const std::string& name);
+
+/// The definition of an attribute, or null; also null if the class is null.
+const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
+
+/// The definition of an action's result, or null.
+const AttributeDef* resultOf(const ActionDef* action);
+
+}
+
+#endif

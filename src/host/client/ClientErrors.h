@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_CLIENTERRORS_H
+#define ORV_HOST_CLIENT_CLIENTERRORS_H
+
+#include "OrvReturn.h"
+#include "transactions/ThreadContext.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// The object of an operation, in the client's words.
+struct OperationSubject {
+    std::string operation; ///< name of the table's slot
+    std::string dn;        ///< external
+    std::string className; ///< empty where the operation takes none
+    std::vector<std::string> attributes;
+    std::string action{}; ///< empty where the operation calls none
+    /// What the same request did before with other operations: "height is set".
+    std::vector<std::string> done{};
+};
+
+/// A code that is not OrvOk from one of the component's tables.
+class OperationError : public std::runtime_error {
+public:
+    OperationError(OrvReturnT code, OperationSubject subject,
+                   std::vector<ThreadContext::Message> messages)
+        : std::runtime_error(subject.operation),
+          mCode(code),
+          mSubject(std::move(subject)),
+          mMessages(std::move(messages)) {}
+
+    OrvReturnT code() const { return mCode; }
+    const OperationSubject& subject() const { return mSubject; }
+    /// The messages that were in the thread context when the code was returned.
+    const std::vector<ThreadContext::Message>& messages() const { return mMessages; }
+
+private:
+    OrvReturnT mCode;
+    OperationSubject mSubject;
+    std::vector<ThreadContext::Message> mMessages;
+};
+
+/// A request that cannot be put to the component as it is. The component was not asked.
+class RequestError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// No started component offers a table that the client needs.
+class NotOfferedError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The work was cancelled: see CancellationToken.
+class CancelledError : public std::runtime_error {
+public:
+    CancelledError() : std::runtime_error("cancelled") {}
+};
+
+}
+
+#endif

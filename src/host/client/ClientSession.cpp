@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ClientSession.h"
+
+#include "ViolationExplainer.h"
+
+namespace OrvHost {
+
+ClientSession::ClientSession(Host& host, Clients& clients) : mHost(host), mClients(clients) {
+    mClients.cancelBy(&mCancellation);
+}
+
+ClientSession::~ClientSession() {
+    mClients.cancelBy(nullptr);
+}
+
+void ClientSession::requireObject(const std::string& dn) {
+    const bool exists =
+        read([&](unsigned long txHandle) { return client().exists(txHandle, dn); });
+    if (!exists) {
+        throw OperationError(OrvNotExist, {"existsMo", dn, {}, {}}, {});
+    }
+}
+
+bool ClientSession::write(const std::function<void(unsigned long txHandle)>& work) {
+    if (OpenTransactions::Entry* current = mTransactions.current()) {
+        work(current->handle);
+        ++current->writes;
+        return false;
+    }
+    const OpenTransactions::Entry own{"", mHost.transactions().begin(), 0};
+    mTransactions.addUnnamed(own.handle);
+    try {
+        work(own.handle);
+    } catch (...) {
+        mHost.transactions().abort(own.handle);
+        throw;
+    }
+    commit(own);
+    return true;
+}
+
+const OpenTransactions::Entry& ClientSession::begin(const std::string& name) {
+    mTransactions.requireFree(name);
+    mTransactions.add(name, mHost.transactions().begin());
+    return mTransactions.require(name);
+}
+
+void ClientSession::validate(const OpenTransactions::Entry& transaction) {
+    const TransactionOutcome outcome = mHost.transactions().validate(transaction.handle);
+    if (!outcome.accepted) {
+        throw RefusalError("validate", transaction.name, outcome,
+                      ViolationExplainer(*this, transaction.handle).explain(outcome.messages));
+    }
+}
+
+// The refusal aborts the transaction, so the violations must be read before that.
+std::string ClientSession::commit(const OpenTransactions::Entry& transaction) {
+    const OpenTransactions::Entry ended = transaction;
+    std::vector<Violation> violations;
+    const TransactionOutcome outcome =
+        mHost.transactions().commit(ended.handle, [&](const TransactionOutcome& refused) {
+            violations = ViolationExplainer(*this, ended.handle).explain(refused.messages);
+        });
+    mTransactions.remove(ended.handle);
+    if (!outcome.accepted) {
+        throw RefusalError("commit", ended.name, outcome, violations);
+    }
+    return outcome.reason;
+}
+
+std::string ClientSession::abort(const OpenTransactions::Entry& transaction) {
+    const unsigned long handle = transaction.handle;
+    const TransactionOutcome outcome = mHost.transactions().abort(handle);
+    mTransactions.remove(handle);
+    return outcome.reason;
+}
+
+}

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "NewObject.h"
+
+#include "ClientErrors.h"
+#include "DnResolver.h"
+#include "MeIdTranslator.h"
+
+#include <cctype>
+
+namespace OrvHost {
+
+namespace {
+
+// The naming attribute of a class, if the model does not have the class.
+std::string usualNamingAttribute(std::string className) {
+    className.front() =
+        static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
+    return className + "Id";
+}
+
+}
+
+NewObject parseNewObject(const Model& model, const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    const std::string step = comma == std::string::npos ? dn : dn.substr(comma + 1);
+    const std::size_t equals = step.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+        throw RequestError("'" + step + "' in " + dn + " is no step of a DN; expected Class=value");
+    }
+    const std::string type = step.substr(0, equals);
+    const std::size_t dot = type.find('.', 1);
+    NewObject object;
+    object.parentDn = comma == std::string::npos ? "" : dn.substr(0, comma);
+    object.className = type.substr(0, dot);
+    object.name = step.substr(equals + 1);
+    const auto moc = model.findClass(object.className);
+    object.namingAttribute = dot != std::string::npos ? type.substr(dot + 1)
+                             : moc                    ? model.classes[*moc].namingAttribute
+                                                      : usualNamingAttribute(object.className);
+    return object;
+}
+
+// The router gets the name of a new object unchanged, while the DNs around it are translated. So
+// the element at the root must be created with its internal name to get its external identity; with
+// any other name no client could ever name the object again.
+void requireReachable(const NewObject& object) {
+    if (object.parentDn.empty() && object.className == kRootClass && object.name != kRootName) {
+        const std::string identity = Orv::MeIdTranslator::instance()->identity();
+        throw RequestError(std::string(kRootClass) + "=" + object.name +
+                           " would be an object that no client can name: the element at the root "
+                           "is created as " +
+                           kRootClass + "=" + kRootName + ", and clients know it as " + kRootClass +
+                           "=" + identity);
+    }
+}
+
+}

@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ReadValue.h"
+
+#include <algorithm>
+
+namespace OrvHost {
+
+namespace {
+
+// The records of version 1 have the same fields and codes as those of version 3, but types of their
+// own.
+
+const AttributeDef* memberOf(const AttributeDef* def, const char* name) {
+    if (def == nullptr) {
+        return nullptr;
+    }
+    const auto& members = def->type.members;
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const AttributeDef& one) { return one.name == name; });
+    return found != members.end() ? &*found : nullptr;
+}
+
+template <class Member>
+ReadMembers readMembers(const Member* member, const AttributeDef* def) {
+    ReadMembers members;
+    for (; member != nullptr; member = member->next) {
+        members.emplace_back(member->name,
+                             toReadValue(member->value, memberOf(def, member->name)));
+    }
+    return members;
+}
+
+ReadSlot readText(const char* text) {
+    return text != nullptr ? ReadSlot(std::string(text)) : ReadSlot();
+}
+
+template <class Slot>
+ReadSlot readSlot(std::int32_t type, const Slot& slot, const AttributeDef* def) {
+    switch (type) {
+    case OrvMoAttributeTypeBool_3:
+        return slot.boolean;
+    case OrvMoAttributeTypeInt64_3:
+        return slot.int64;
+    case OrvMoAttributeTypeUint64_3:
+        return slot.uint64;
+    case OrvMoAttributeTypeDouble_3:
+        return slot.real;
+    case OrvMoAttributeTypeEnumeration_3:
+    case OrvMoAttributeTypeString_3:
+        return readText(slot.string);
+    case OrvMoAttributeTypeMoRef_3:
+        return readText(slot.moRef);
+    case OrvMoAttributeTypeStruct_3:
+        return readMembers(slot.structValue, def);
+    default:
+        return UnknownValue{type, slot.uint64};
+    }
+}
+
+template <class Container>
+ReadValue readContainer(const Container* container, const AttributeDef* def) {
+    ReadValue value;
+    if (container == nullptr) {
+        return value;
+    }
+    value.type = container->type;
+    value.isList = container->count > 1 || (def != nullptr && def->multiplicity.upper > 1);
+    value.slots.reserve(container->count);
+    for (std::uint32_t position = 0; position < container->count; ++position) {
+        value.slots.push_back(readSlot(container->type, container->values[position], def));
+    }
+    return value;
+}
+
+std::optional<ValueKind> kindOf(std::int32_t type) {
+    switch (type) {
+    case OrvMoAttributeTypeBool_3:
+        return ValueKind::Bool;
+    case OrvMoAttributeTypeInt64_3:
+        return ValueKind::Int;
+    case OrvMoAttributeTypeUint64_3:
+        return ValueKind::Uint;
+    case OrvMoAttributeTypeDouble_3:
+        return ValueKind::Double;
+    case OrvMoAttributeTypeEnumeration_3:
+        return ValueKind::Enumeration;
+    case OrvMoAttributeTypeString_3:
+        return ValueKind::String;
+    case OrvMoAttributeTypeMoRef_3:
+        return ValueKind::MoRef;
+    case OrvMoAttributeTypeStruct_3:
+        return ValueKind::Struct;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<StructValue> toStruct(const ReadMembers& members) {
+    StructValue result;
+    for (const NamedReadValue& member : members) {
+        if (member.second.slots.empty()) {
+            continue;
+        }
+        std::optional<AttributeValue> value = toAttributeValue(member.second, ValueKind::String);
+        if (!value) {
+            return std::nullopt;
+        }
+        result.members.emplace_back(member.first, std::move(*value));
+    }
+    return result;
+}
+
+std::optional<Value> toValue(const ReadSlot& slot) {
+    return std::visit(
+        [](const auto& held) -> std::optional<Value> {
+            using Held = std::decay_t<decltype(held)>;
+            if constexpr (std::is_same_v<Held, std::monostate> ||
+                          std::is_same_v<Held, UnknownValue>) {
+                return std::nullopt;
+            } else if constexpr (std::is_same_v<Held, ReadMembers>) {
+                std::optional<StructValue> members = toStruct(held);
+                return members ? std::optional<Value>(std::move(*members)) : std::nullopt;
+            } else {
+                return Value(held);
+            }
+        },
+        slot);
+}
+
+}
+
+ReadValue toReadValue(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def) {
+    return readContainer(container, def);
+}
+
+ReadValue toReadValue(const OrvMoAttributeValueContainer* container, const AttributeDef* def) {
+    return readContainer(container, def);
+}
+
+std::optional<AttributeValue> toAttributeValue(const ReadValue& value, ValueKind kind) {
+    AttributeValue result{kindOf(value.type).value_or(kind), {}};
+    if (value.slots.empty()) {
+        result.kind = kind;
+    }
+    for (const ReadSlot& slot : value.slots) {
+        std::optional<Value> one = toValue(slot);
+        if (!one) {
+            return std::nullopt;
+        }
+        result.values.push_back(std::move(*one));
+    }
+    return result;
+}
+
+}

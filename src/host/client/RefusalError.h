@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_REFUSALERROR_H
+#define ORV_HOST_CLIENT_REFUSALERROR_H
+
+#include "ReadValue.h"
+#include "transactions/TransactionService.h"
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace OrvHost {
+
+/// One message of a refusal, with the facts that a person needs to act on it. Facts that are not
+/// known are left out.
+struct Violation {
+    std::string message;               ///< as the client gets it
+    std::optional<std::string> object; ///< external DN; "/" for the top level
+    std::optional<std::string> attribute;
+    /// In words, or the values of the attribute; std::monostate: not known.
+    std::variant<std::monostate, std::string, ReadValue> found;
+    std::optional<std::string> allowed; ///< in words
+};
+
+/// A transaction that is not valid, or was not committed.
+class RefusalError : public std::runtime_error {
+public:
+    /// \p operation: "validate" or "commit"; \p transaction: its name, empty if it has none.
+    RefusalError(const std::string& operation, std::string transaction, TransactionOutcome outcome,
+                 std::vector<Violation> violations)
+        : std::runtime_error(operation),
+          mTransaction(std::move(transaction)),
+          mOutcome(std::move(outcome)),
+          mViolations(std::move(violations)) {}
+
+    const std::string& transaction() const { return mTransaction; }
+    const TransactionOutcome& outcome() const { return mOutcome; }
+    const std::vector<Violation>& violations() const { return mViolations; }
+
+private:
+    std::string mTransaction;
+    TransactionOutcome mOutcome;
+    std::vector<Violation> mViolations;
+};
+
+}
+
+#endif

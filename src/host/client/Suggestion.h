@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_SUGGESTION_H
+#define ORV_HOST_CLIENT_SUGGESTION_H
+
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// The candidate that \p word most likely means, one or a few letters away; empty if none is near.
+std::string closest(const std::string& word, const std::vector<std::string>& candidates);
+
+/// " Did you mean NAME?", or nothing.
+std::string didYouMean(const std::string& word, const std::vector<std::string>& candidates);
+
+/// "A, B, C", cut off after \p limit names with a count of the others; "none" if there are no
+/// names.
+std::string enumerate(const std::vector<std::string>& names, std::size_t limit = 30);
+
+}
+
+#endif
