@@ -3,6 +3,7 @@
 
 #include "ViolationExplainer.h"
 
+#include "BoundsText.h"
 #include "ClientSession.h"
 #include "DnResolver.h"
 #include "ErrorExplainer.h"
@@ -78,14 +79,6 @@ std::string allowedText(const Model& model, ClassIndex moc, const std::string& a
         text += (text.empty() ? "" : ", ") + target;
     }
     return text;
-}
-
-std::string boundsText(const Bounds& bounds) {
-    if (bounds.lower == bounds.upper) {
-        return std::to_string(bounds.lower);
-    }
-    return std::to_string(bounds.lower) + ".." +
-           (bounds.upper == kUnbounded ? "*" : std::to_string(bounds.upper));
 }
 
 std::vector<Violation> ViolationExplainer::explain(

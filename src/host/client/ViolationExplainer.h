@@ -44,9 +44,6 @@ private:
 /// objects of which classes.
 std::string allowedText(const Model& model, ClassIndex moc, const std::string& attribute);
 
-/// "0..1", "3", "1..*".
-std::string boundsText(const Bounds& bounds);
-
 }
 
 #endif

@@ -4,7 +4,7 @@
 #include "ClassGraph.h"
 
 #include "GraphLook.h"
-#include "cli/output/ClassReport.h"
+#include "client/BoundsText.h"
 
 #include <algorithm>
 

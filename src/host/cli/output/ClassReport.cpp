@@ -4,8 +4,8 @@
 #include "ClassReport.h"
 
 #include "AlignedText.h"
+#include "client/BoundsText.h"
 #include "client/Suggestion.h"
-#include "client/ViolationExplainer.h"
 
 namespace OrvHost {
 

@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_EDITS_ASSOCIATIONCHANGES_H
+#define ORV_HOST_CLIENT_EDITS_ASSOCIATIONCHANGES_H
+
+#include "AssociationSides.h"
+#include "EditPlan.h"
+#include "ObjectChanges.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// Decides which objects are associated afterwards, and finds the writes that lead there: see
+/// EditPlanner. One thread.
+class AssociationChanges {
+public:
+    /// All are borrowed. Problems go to \p problems.
+    AssociationChanges(const AssociationSides& sides, const ObjectChanges& objects,
+                       KnownState& state, Wish::Repeated repeated,
+                       std::vector<EditProblem>& problems);
+
+    /// The writes, one attribute each, in the state after all other calls of the plan.
+    std::vector<PlannedCall> calls();
+
+private:
+    using Dns = std::vector<std::string>;
+
+    /// A reference attribute of an object: its DN and the attribute's name.
+    using Slot = std::pair<std::string, std::string>;
+
+    enum class Standing {
+        Named,  ///< the wish says what it is
+        Silent, ///< the object is replaced and the attribute is not named
+        Open    ///< nothing is said
+    };
+
+    /// What becomes of a slot.
+    struct Future {
+        Standing standing = Standing::Open;
+        bool isFirst = false; ///< a side that is written first
+        Dns wished;           ///< in order; of an open or silent one the order does not count
+        Dns current;          ///< as the calls so far leave it
+    };
+
+    void collect();
+    void enter(const Slot& slot, Standing standing, Dns values);
+    Future& future(const Slot& slot);
+    Standing standingOf(const Slot& slot);
+    Dns before(const Slot& slot);
+    Dns afterDeletes(const Slot& slot);
+    std::size_t cleanedBy(const Slot& slot, const std::string& target);
+    bool isFirst(const Slot& slot);
+    const AssociationSide* sideTo(const Slot& slot, const std::string& target);
+
+    void checkNamed(const Slot& slot, const Dns& values);
+    void decideNamed(const Slot& slot);
+    void decidePair(const Slot& near, const Slot& far, bool isWished);
+    void decideSilent(const Slot& slot);
+
+    void write(const Slot& slot, Future& future);
+    void moveFarSides(const Slot& slot, const Dns& from, const Dns& to);
+    using Which = std::function<bool(const Future& future)>;
+    bool writeAll(const Which& which);
+
+    const AssociationSides& mSides;
+    const ObjectChanges& mObjects;
+    KnownState& mState;
+    Wish::Repeated mRepeated;
+    std::vector<EditProblem>& mProblems;
+    std::map<Slot, Future> mFutures;
+    std::vector<PlannedCall> mCalls;
+};
+
+}
+
+#endif

@@ -1,0 +1,217 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "EditPlanner.h"
+
+#include "AssociationChanges.h"
+#include "AssociationSides.h"
+#include "ClientState.h"
+#include "ObjectChanges.h"
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+
+namespace OrvHost {
+
+namespace {
+
+/// Makes one plan.
+class PlanMaker {
+public:
+    PlanMaker(const Wish& wish, KnownState& state)
+        : mSides(state.model()), mState(state), mObjects(wish, state, mProblems) {
+        checkReferences();
+        checkMandatory();
+        AssociationChanges associations(mSides, mObjects, mState, wish.repeated, mProblems);
+        refuseIfWrong();
+        addDeletes();
+        addCreates();
+        addSets(false);
+        addSets(true);
+        std::vector<PlannedCall> calls = associations.calls();
+        mPlan.calls.insert(mPlan.calls.end(), std::make_move_iterator(calls.begin()),
+                           std::make_move_iterator(calls.end()));
+    }
+
+    EditPlan take() { return std::move(mPlan); }
+
+private:
+    bool isAssociation(const ObjectChange& change, const AttributeDef& def) const {
+        return !mSides.of(mState.indexOf(*change.moc), def.name).empty();
+    }
+
+    // Calls visit with the definition and the wished value of each attribute whose value must
+    // change, without associations.
+    template <class Visit>
+    void forEachNewValue(const ObjectChange& change, const Visit& visit) {
+        for (const AttributeDef& def : change.moc->attributes) {
+            const auto named = change.attributes.find(def.name);
+            const bool isNamed = named != change.attributes.end();
+            const bool isOpen = !isNamed && !change.isReplaced;
+            if (def.isNaming || isOpen || isAssociation(change, def) ||
+                change.contradicted.count(def.name) != 0) {
+                continue;
+            }
+            const AttributeValue& before = mState.value(change.dn, def.name);
+            if (isNamed) {
+                if (before.values != named->second.values) {
+                    visit(def, named->second);
+                }
+            } else if (def.isWritable && !before.values.empty() && before != def.defaultValue) {
+                // What must have a value gets its default by a set of its own.
+                const bool isNeeded = def.multiplicity.lower > 0 && def.defaultValue;
+                visit(def, isNeeded ? *def.defaultValue : AttributeValue{def.type.kind, {}});
+            }
+        }
+    }
+
+    void checkMandatory() {
+        for (const ObjectChange& change : mObjects.all()) {
+            forEachNewValue(change, [&](const AttributeDef& def, const AttributeValue& value) {
+                const bool isNamed = change.attributes.count(def.name) != 0;
+                const bool isMissing = !isNamed && value.values.empty() &&
+                                       def.type.kind != ValueKind::MoRef &&
+                                       def.multiplicity.lower > 0;
+                if (isMissing) {
+                    mProblems.push_back({EditProblem::Kind::WrongValue, change.dn, def.name,
+                                         change.dn + "." + def.name +
+                                             " must have a value, and the wish gives none"});
+                }
+            });
+        }
+    }
+
+    // References of associations are checked with them.
+    void checkReferences() {
+        for (const ObjectChange& change : mObjects.all()) {
+            for (const auto& named : change.attributes) {
+                if (mSides.of(mState.indexOf(*change.moc), named.first).empty() &&
+                    change.contradicted.count(named.first) == 0) {
+                    checkReferences(change.dn, named.first, named.second);
+                }
+            }
+        }
+    }
+
+    void checkReferences(const std::string& dn, const std::string& attribute,
+                         const AttributeValue& value) {
+        for (const Value& one : value.values) {
+            if (value.kind == ValueKind::Struct) {
+                const auto* members = std::get_if<StructValue>(&one);
+                for (const NamedValue& member :
+                     members != nullptr ? members->members : StructValue::Members()) {
+                    checkReferences(dn, attribute, member.second);
+                }
+                continue;
+            }
+            const auto* target =
+                value.kind == ValueKind::MoRef ? std::get_if<std::string>(&one) : nullptr;
+            if (target != nullptr && mObjects.isDeleted(*target)) {
+                mProblems.push_back(
+                    {EditProblem::Kind::DeletedTarget, dn, attribute,
+                     dn + "." + attribute + " names " + *target + ", which the wish deletes"});
+            }
+        }
+    }
+
+    void refuseIfWrong() {
+        if (mProblems.empty()) {
+            return;
+        }
+        const auto key = [](const EditProblem& problem) {
+            return std::tie(problem.dn, problem.attribute, problem.kind, problem.text);
+        };
+        std::sort(mProblems.begin(), mProblems.end(),
+                  [&](const EditProblem& left, const EditProblem& right) {
+                      return key(left) < key(right);
+                  });
+        mProblems.erase(std::unique(mProblems.begin(), mProblems.end(),
+                                    [&](const EditProblem& left, const EditProblem& right) {
+                                        return key(left) == key(right);
+                                    }),
+                        mProblems.end());
+        throw EditRefusedError(std::move(mProblems));
+    }
+
+    void addDeletes() {
+        for (const std::string& dn : mObjects.deletedTops()) {
+            const std::string parent = parentOf(dn);
+            if (parent.empty() || !mObjects.isDeleted(parent)) {
+                mPlan.calls.push_back({PlannedCall::Kind::Delete, dn, {}});
+            }
+        }
+    }
+
+    void addCreates() {
+        std::vector<const ObjectChange*> created;
+        for (const ObjectChange& change : mObjects.all()) {
+            if (change.isCreated) {
+                created.push_back(&change);
+            }
+        }
+        const auto depth = [](const ObjectChange* change) {
+            return std::count(change->dn.begin(), change->dn.end(), ',');
+        };
+        std::stable_sort(created.begin(), created.end(),
+                         [&](const ObjectChange* left, const ObjectChange* right) {
+                             return depth(left) < depth(right);
+                         });
+        for (const ObjectChange* change : created) {
+            mPlan.calls.push_back(
+                {PlannedCall::Kind::Create, change->dn, newValues(*change, false)});
+        }
+    }
+
+    void addSets(bool ofReferences) {
+        std::vector<const ObjectChange*> changes;
+        for (const ObjectChange& change : mObjects.all()) {
+            if (ofReferences || !change.isCreated) {
+                changes.push_back(&change);
+            }
+        }
+        std::sort(changes.begin(), changes.end(),
+                  [](const ObjectChange* left, const ObjectChange* right) {
+                      return left->dn < right->dn;
+                  });
+        for (const ObjectChange* change : changes) {
+            std::vector<NamedValue> values = newValues(*change, ofReferences);
+            if (!values.empty()) {
+                mPlan.calls.push_back({PlannedCall::Kind::Set, change->dn, std::move(values)});
+            }
+        }
+    }
+
+    std::vector<NamedValue> newValues(const ObjectChange& change, bool ofReferences) {
+        std::vector<NamedValue> values;
+        forEachNewValue(change, [&](const AttributeDef& def, const AttributeValue& value) {
+            if ((def.type.kind == ValueKind::MoRef) == ofReferences) {
+                values.emplace_back(def.name, value);
+            }
+        });
+        return values;
+    }
+
+    const AssociationSides mSides;
+    KnownState& mState;
+    std::vector<EditProblem> mProblems;
+    const ObjectChanges mObjects;
+    EditPlan mPlan;
+};
+
+}
+
+EditPlan applyWish(const Wish& wish, const Model& model, Clients& clients, unsigned long txHandle,
+                   const CancellationToken* token) {
+    ClientState before(clients.version3(), txHandle);
+    EditPlan plan = EditPlanner(model, token).plan(wish, before);
+    runPlan(plan, model, clients, txHandle, token);
+    return plan;
+}
+
+EditPlan EditPlanner::plan(const Wish& wish, StateBefore& before) const {
+    KnownState state(mModel, before, mToken);
+    return PlanMaker(wish, state).take();
+}
+
+}

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLIENT_EDITS_EDITPROBLEM_H
+#define ORV_HOST_CLIENT_EDITS_EDITPROBLEM_H
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+/// One thing that is wrong with a wish.
+struct EditProblem {
+    enum class Kind {
+        NoSuchClass,     ///< the DN is none, or the model has no such object at that place
+        OutsideEdit,     ///< the object is not at the edit's DN or below it
+        NoParent,        ///< the parent does not exist afterwards
+        AlreadyThere,    ///< to be created, but it exists
+        NotThere,        ///< to be set or deleted, but it does not exist
+        NoSuchAttribute, ///< the class has no such attribute
+        WrongValue,      ///< the values cannot be set, or must not be taken away
+        Contradiction,   ///< two parts of the wish want different things
+        DeletedTarget    ///< a reference to what the wish deletes
+    };
+
+    Kind kind;
+    std::string dn;        ///< external
+    std::string attribute; ///< empty: none in particular
+    std::string text;      ///< for people; names the object, what is wrong, what was expected
+};
+
+/// A wish that was refused as a whole, before anything was written.
+class EditRefusedError : public std::runtime_error {
+public:
+    /// \p problems: at least one.
+    explicit EditRefusedError(std::vector<EditProblem> problems)
+        : std::runtime_error(textOf(problems)), mProblems(std::move(problems)) {}
+
+    /// All that is wrong, sorted by DN and attribute.
+    const std::vector<EditProblem>& problems() const { return mProblems; }
+
+private:
+    static std::string textOf(const std::vector<EditProblem>& problems) {
+        std::string text;
+        for (const EditProblem& problem : problems) {
+            text += (text.empty() ? "" : "\n") + problem.text;
+        }
+        return text;
+    }
+
+    std::vector<EditProblem> mProblems;
+};
+
+}
+
+#endif

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "KnownState.h"
+
+#include "client/Client.h"
+#include "client/DnResolver.h"
+
+namespace OrvHost {
+
+KnownState::Object& KnownState::object(const std::string& dn) {
+    const auto [place, isNew] = mObjects.try_emplace(dn);
+    if (isNew) {
+        if (mToken != nullptr) {
+            mToken->throwIfCancelled();
+        }
+        place->second.moc = DnResolver(mModel).classOf(dn);
+    }
+    return place->second;
+}
+
+const ClassDef* KnownState::classOf(const std::string& dn) {
+    return object(dn).moc;
+}
+
+bool KnownState::exists(const std::string& dn) {
+    Object& known = object(dn);
+    if (!known.exists) {
+        known.exists = known.moc != nullptr && mBefore.exists(dn);
+    }
+    return *known.exists;
+}
+
+const AttributeValue& KnownState::value(const std::string& dn, const std::string& attribute) {
+    static const AttributeValue kNone;
+    if (!exists(dn)) {
+        return kNone;
+    }
+    Object& known = object(dn);
+    const auto index = known.moc->findAttributeIndex(attribute);
+    if (!index) {
+        return kNone;
+    }
+    if (!known.values) {
+        known.values = mBefore.attributes(dn, *known.moc);
+    }
+    return (*known.values)[*index];
+}
+
+std::vector<std::string> KnownState::children(const std::string& dn) {
+    const DnResolver resolver(mModel);
+    std::vector<std::string> dns;
+    for (const std::string& className :
+         resolver.childClasses(dn.empty() ? nullptr : classOf(dn))) {
+        for (const std::string& name : mBefore.children(dn, className)) {
+            dns.push_back(childOf(dn, className, name));
+            object(dns.back()).exists = true;
+        }
+    }
+    return dns;
+}
+
+std::string parentOf(const std::string& dn) {
+    const std::size_t comma = dn.rfind(',');
+    return comma == std::string::npos ? std::string() : dn.substr(0, comma);
+}
+
+bool isAtOrBelow(const std::string& dn, const std::string& top) {
+    return top.empty() || (dn.compare(0, top.size(), top) == 0 &&
+                           (dn.size() == top.size() || dn[top.size()] == ','));
+}
+
+}

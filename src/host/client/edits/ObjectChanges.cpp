@@ -1,0 +1,201 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ObjectChanges.h"
+
+#include "client/DnResolver.h"
+#include "store/WriteCheck.h"
+
+namespace OrvHost {
+
+namespace {
+
+bool takesObjects(EditKind kind) {
+    return kind != EditKind::Delete && kind != EditKind::Remove;
+}
+
+}
+
+ObjectChanges::ObjectChanges(const Wish& wish, KnownState& state,
+                             std::vector<EditProblem>& problems)
+    : mState(state), mProblems(problems) {
+    for (const Edit& edit : wish.edits) {
+        if (takesObjects(edit.kind)) {
+            readObjects(edit);
+        } else {
+            readDelete(edit);
+        }
+    }
+    for (const Edit& edit : wish.edits) {
+        if (edit.kind == EditKind::Replace) {
+            findWhatGoes(edit.dn);
+        }
+    }
+    checkParents();
+}
+
+void ObjectChanges::readDelete(const Edit& edit) {
+    const ClassDef* moc = nullptr;
+    const std::string reason = DnResolver(mState.model()).whyNoDn(edit.dn, &moc);
+    if (!reason.empty()) {
+        add(EditProblem::Kind::NoSuchClass, edit.dn, {}, reason);
+    } else if (mState.exists(edit.dn)) {
+        mDeletedTops.insert(edit.dn);
+    } else if (edit.kind == EditKind::Delete) {
+        add(EditProblem::Kind::NotThere, edit.dn, {},
+            "there is no object " + edit.dn + " to be deleted");
+    }
+}
+
+void ObjectChanges::readObjects(const Edit& edit) {
+    for (const WishedObject& object : edit.objects) {
+        if (!isAtOrBelow(object.dn, edit.dn)) {
+            add(EditProblem::Kind::OutsideEdit, object.dn, {},
+                object.dn + " is not in the subtree of " + edit.dn + ", which the edit is about");
+            continue;
+        }
+        readObject(edit, object);
+    }
+}
+
+void ObjectChanges::readObject(const Edit& edit, const WishedObject& object) {
+    const ClassDef* moc = nullptr;
+    const std::string reason = DnResolver(mState.model()).whyNoDn(object.dn, &moc);
+    if (!reason.empty()) {
+        add(EditProblem::Kind::NoSuchClass, object.dn, {}, reason);
+        return;
+    }
+    const auto [place, isNew] = mPositions.try_emplace(object.dn, mChanges.size());
+    if (isNew) {
+        mChanges.push_back({object.dn, moc, false, false, {}, {}});
+    }
+    ObjectChange& change = mChanges[place->second];
+    checkExistence(edit, object, change);
+    readAttributes(object, change);
+}
+
+void ObjectChanges::checkExistence(const Edit& edit, const WishedObject& object,
+                                   ObjectChange& change) {
+    const bool exists = mState.exists(object.dn);
+    if (edit.kind == EditKind::Create && exists) {
+        add(EditProblem::Kind::AlreadyThere, object.dn, {},
+            object.dn + " is to be created, but it exists");
+    }
+    if (edit.kind == EditKind::Set) {
+        mSet.insert(object.dn);
+        return;
+    }
+    change.isCreated = !exists;
+    change.isReplaced = change.isReplaced || (edit.kind == EditKind::Replace && exists);
+}
+
+void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& change) {
+    for (const NamedValue& named : object.attributes) {
+        const AttributeDef* def = change.moc->findAttribute(named.first);
+        if (def == nullptr) {
+            add(EditProblem::Kind::NoSuchAttribute, object.dn, named.first,
+                object.dn + ": class " + change.moc->name + " has no attribute " + named.first);
+            continue;
+        }
+        const auto [place, isNew] = change.attributes.insert(named);
+        if (isNew || place->second != named.second) {
+            checkValue(change, named);
+        }
+        if (!isNew && place->second != named.second) {
+            change.contradicted.insert(named.first);
+            add(EditProblem::Kind::Contradiction, object.dn, named.first,
+                object.dn + "." + named.first + " is wished with two different values");
+        }
+    }
+}
+
+// What an attribute has already may be named, though no client could set it.
+void ObjectChanges::checkValue(const ObjectChange& change, const NamedValue& named) {
+    const AttributeDef& def = *change.moc->findAttribute(named.first);
+    const bool exists = mState.exists(change.dn);
+    const bool isAsBefore = exists ? mState.value(change.dn, def.name) == named.second
+                                   : named.second.values.empty();
+    if (isAsBefore) {
+        return;
+    }
+    if (def.isNaming) {
+        const std::string name = change.dn.substr(change.dn.rfind('=') + 1);
+        if (named.second != WriteCheck::nameValue(def, name)) {
+            add(EditProblem::Kind::WrongValue, change.dn, def.name,
+                change.dn + "." + def.name + " names the object and cannot differ from " + name);
+        }
+        return;
+    }
+    try {
+        WriteCheck::value(*change.moc, *change.moc->findAttributeIndex(def.name), named.second,
+                          WriteCheck::Writer::Client);
+    } catch (const HostError& error) {
+        add(EditProblem::Kind::WrongValue, change.dn, def.name, change.dn + ": " + error.what());
+    }
+}
+
+// Objects that stay may have children that go.
+void ObjectChanges::findWhatGoes(const std::string& dn) {
+    if (!dn.empty()) {
+        if (!mState.exists(dn)) {
+            return;
+        }
+        if (find(dn) == nullptr) {
+            mDeletedTops.insert(dn);
+            return;
+        }
+    }
+    for (const std::string& child : mState.children(dn)) {
+        findWhatGoes(child);
+    }
+}
+
+void ObjectChanges::checkParents() {
+    for (const ObjectChange& change : mChanges) {
+        if (mSet.count(change.dn) != 0 && !change.isCreated && !mState.exists(change.dn)) {
+            add(EditProblem::Kind::NotThere, change.dn, {},
+                "there is no object " + change.dn + " to be set");
+            continue;
+        }
+        if (const std::string* top = deletedTopOf(change.dn)) {
+            add(EditProblem::Kind::Contradiction, change.dn, {},
+                change.dn + " is named by the wish, which also deletes " + *top);
+            continue;
+        }
+        const std::string parent = parentOf(change.dn);
+        if (!parent.empty() && !existsAfter(parent)) {
+            add(EditProblem::Kind::NoParent, change.dn, {},
+                change.dn + " has no parent: " + parent + " neither exists nor is created");
+        }
+    }
+}
+
+const ObjectChange* ObjectChanges::find(const std::string& dn) const {
+    const auto found = mPositions.find(dn);
+    return found != mPositions.end() ? &mChanges[found->second] : nullptr;
+}
+
+const std::string* ObjectChanges::deletedTopOf(const std::string& dn) const {
+    for (std::string top = dn; !top.empty(); top = parentOf(top)) {
+        const auto found = mDeletedTops.find(top);
+        if (found != mDeletedTops.end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
+}
+
+bool ObjectChanges::isDeleted(const std::string& dn) const {
+    return mState.exists(dn) && !existsAfter(dn);
+}
+
+bool ObjectChanges::existsAfter(const std::string& dn) const {
+    return find(dn) != nullptr || (deletedTopOf(dn) == nullptr && mState.exists(dn));
+}
+
+void ObjectChanges::add(EditProblem::Kind kind, const std::string& dn,
+                        const std::string& attribute, const std::string& text) {
+    mProblems.push_back({kind, dn, attribute, text});
+}
+
+}

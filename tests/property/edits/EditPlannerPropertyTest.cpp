@@ -1,0 +1,219 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Generated wishes, planned and carried out through the component. Each ends in the state that a
+// plain recount of pairs expects, or in one refusal that names all that is wrong; in any order; and
+// what is committed is consistent when it is counted in the store.
+
+#include "EditOracle.h"
+#include "EditWorld.h"
+#include "WishMaker.h"
+#include "client/edits/ClientState.h"
+#include "client/edits/EditPlanner.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+
+namespace EditTests {
+namespace {
+
+std::string textOf(const AttributeValue& value) {
+    std::string text;
+    for (const Value& one : value.values) {
+        text += (text.empty() ? "" : " ") + toText(one);
+    }
+    return "[" + text + "]";
+}
+
+void print(std::ostream& out, const std::vector<NamedValue>& attributes) {
+    for (const NamedValue& named : attributes) {
+        out << " " << named.first << "=" << textOf(named.second);
+    }
+    out << "\n";
+}
+
+std::string textOf(const State& state) {
+    std::ostringstream out;
+    for (const auto& [dn, attributes] : state) {
+        out << "  " << dn;
+        print(out, {attributes.begin(), attributes.end()});
+    }
+    return out.str();
+}
+
+std::string textOf(const Wish& wish) {
+    static const char* const kKinds[] = {"create", "set", "merge", "replace", "delete", "remove"};
+    std::ostringstream out;
+    out << (wish.repeated == Wish::Repeated::IsWished ? "repeated values are wished\n" : "");
+    for (const Edit& edit : wish.edits) {
+        out << "  " << kKinds[static_cast<int>(edit.kind)] << " " << edit.dn << "\n";
+        for (const WishedObject& object : edit.objects) {
+            out << "    " << object.dn;
+            print(out, object.attributes);
+        }
+    }
+    return out.str();
+}
+
+std::string textOf(const EditPlan& plan) {
+    static const char* const kKinds[] = {"delete", "create", "set"};
+    std::ostringstream out;
+    for (const PlannedCall& call : plan.calls) {
+        out << "  " << kKinds[static_cast<int>(call.kind)] << " " << call.dn;
+        print(out, call.attributes);
+    }
+    return out.str();
+}
+
+std::string textOf(const std::set<Problem>& problems) {
+    std::ostringstream out;
+    for (const auto& [kind, dn, attribute] : problems) {
+        out << "  " << static_cast<int>(kind) << " " << dn << " " << attribute << "\n";
+    }
+    return out.str();
+}
+
+/// What came of a wish.
+struct Outcome {
+    std::set<Problem> problems; ///< of a refusal
+    EditPlan plan;
+    State state;
+};
+
+class EditPlannerPropertyTest : public testing::Test {
+protected:
+    Outcome apply(const Wish& wish, unsigned long txHandle) {
+        Outcome outcome;
+        try {
+            outcome.plan = applyWish(wish, mWorld.model(), mWorld.clients(), txHandle);
+        } catch (const EditRefusedError& refusal) {
+            for (const EditProblem& problem : refusal.problems()) {
+                EXPECT_FALSE(problem.text.empty());
+                outcome.problems.emplace(problem.kind, problem.dn, problem.attribute);
+            }
+        }
+        outcome.state = mWorld.read(txHandle);
+        return outcome;
+    }
+
+    unsigned long begin() { return mWorld.host().transactions().begin(); }
+    void abort(unsigned long txHandle) { mWorld.host().transactions().abort(txHandle); }
+
+    // True if the outcome is as expected; prints the case if it is not.
+    bool check(const State& before, const Wish& wish, const Outcome& outcome,
+               const Expected& expected) {
+        const bool isRefused = !expected.problems.empty();
+        const State& wanted = isRefused ? before : expected.state;
+        const State state = isRefused ? outcome.state
+                                      : normalised(mWorld.model(), outcome.state, expected);
+        if (outcome.problems == expected.problems && state == wanted) {
+            return true;
+        }
+        ADD_FAILURE() << "before\n"
+                      << textOf(before) << "wish\n"
+                      << textOf(wish) << "plan\n"
+                      << textOf(outcome.plan) << "problems\n"
+                      << textOf(outcome.problems) << "expected problems\n"
+                      << textOf(expected.problems) << "state\n"
+                      << textOf(state) << "expected state\n"
+                      << textOf(wanted);
+        return false;
+    }
+
+    // An object that stays is neither deleted nor created, and nothing is written in vain.
+    void checkPlan(const State& before, const Outcome& outcome) {
+        std::size_t last = 0;
+        for (const PlannedCall& call : outcome.plan.calls) {
+            const auto rank = static_cast<std::size_t>(call.kind);
+            EXPECT_LE(last, rank) << "deletes, creates, sets\n" << textOf(outcome.plan);
+            last = rank;
+            if (call.kind == PlannedCall::Kind::Delete) {
+                EXPECT_EQ(outcome.state.count(call.dn), 0U) << textOf(outcome.plan);
+            } else if (call.kind == PlannedCall::Kind::Create) {
+                EXPECT_EQ(before.count(call.dn), 0U) << textOf(outcome.plan);
+            }
+        }
+    }
+
+    EditWorld mWorld;
+};
+
+bool isRepeatable(const Wish& wish) {
+    return std::all_of(wish.edits.begin(), wish.edits.end(), [](const Edit& edit) {
+        return edit.kind != EditKind::Create && edit.kind != EditKind::Delete;
+    });
+}
+
+TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPairsExpects) {
+    constexpr std::uint64_t kWishes = 10000;
+    std::map<std::string, std::size_t> counts;
+    std::map<std::string, std::size_t> refusals;
+    unsigned long open = begin();
+    for (std::uint64_t seed = 1; seed <= kWishes && !HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const State before = mWorld.read(open);
+        WishMaker maker(mWorld.model(), before, seed);
+        const MadeWish made = maker.make();
+        const Expected expected = expect(mWorld.model(), before, made.wish);
+        // Another order, in a transaction that sees the same: only where nothing is open.
+        const bool isFresh = counts["wishes"] == 0 || counts["in this transaction"] == 0;
+        if (isFresh) {
+            const unsigned long other = begin();
+            const Wish shuffled = maker.shuffled(made.wish);
+            check(before, shuffled, apply(shuffled, other), expected);
+            abort(other);
+            ++counts["carried out in a second order"];
+        }
+        const Outcome outcome = apply(made.wish, open);
+        if (!check(before, made.wish, outcome, expected)) {
+            break;
+        }
+        checkPlan(before, outcome);
+        ++counts["wishes"];
+        for (const std::string& trait : made.traits) {
+            ++counts[trait];
+        }
+        if (!expected.problems.empty()) {
+            ++counts["refused"];
+            for (const auto& [kind, dn, attribute] : expected.problems) {
+                ++refusals[std::to_string(static_cast<int>(kind))];
+            }
+            continue;
+        }
+        ++counts["ended in the wished state"];
+        ++counts["in this transaction"];
+        counts["calls"] += outcome.plan.calls.size();
+        if (isRepeatable(made.wish) && made.wish.repeated == Wish::Repeated::IsWished) {
+            EXPECT_TRUE(apply(made.wish, open).plan.calls.empty()) << textOf(made.wish);
+            ++counts["wished again, and nothing to do"];
+        }
+        if (maker.endsTransaction()) {
+            const TransactionOutcome ended = mWorld.host().transactions().commit(open);
+            ++counts[ended.accepted ? "committed" : "not valid"];
+            counts["in this transaction"] = 0;
+            const std::vector<std::string> problems = mWorld.recount();
+            EXPECT_TRUE(problems.empty()) << problems.front() << "\n" << textOf(made.wish);
+            open = begin();
+        }
+    }
+    abort(open);
+    counts.erase("in this transaction");
+    for (const auto& [what, count] : counts) {
+        std::cout << what << ": " << count << "\n";
+    }
+    for (const auto& [kind, count] : refusals) {
+        std::cout << "problems of kind " << kind << ": " << count << "\n";
+    }
+    EXPECT_EQ(counts["wishes"], kWishes);
+    // The generator must not run dry.
+    EXPECT_GT(counts["ended in the wished state"], kWishes / 2);
+    EXPECT_GT(counts["refused"], kWishes / 10);
+    EXPECT_GT(counts["committed"], kWishes / 10);
+    EXPECT_EQ(refusals.size(), 9U) << "each kind of problem";
+}
+
+}
+}
