@@ -7,10 +7,10 @@
 
 #include "RanModel.h"
 #include "RanNetwork.h"
-#include "client/Clients.h"
 #include "cli/commands/CommandTable.h"
-#include "cli/shell/Interpreter.h"
 #include "cli/session/Session.h"
+#include "cli/shell/Interpreter.h"
+#include "client/Clients.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"

@@ -3,16 +3,16 @@
 
 #include "Program.h"
 
-#include "cli/errors/CliErrors.h"
-#include "cli/commands/CommandTable.h"
-#include "cli/shell/Completer.h"
-#include "cli/shell/Interpreter.h"
-#include "cli/setup/Options.h"
-#include "cli/shell/Prompt.h"
-#include "cli/session/Session.h"
-#include "cli/setup/HostSetup.h"
 #include "cli/check/Check.h"
 #include "cli/check/CheckReport.h"
+#include "cli/commands/CommandTable.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/session/Session.h"
+#include "cli/setup/HostSetup.h"
+#include "cli/setup/Options.h"
+#include "cli/shell/Completer.h"
+#include "cli/shell/Interpreter.h"
+#include "cli/shell/Prompt.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -152,8 +152,7 @@ int runWithOptions(const Options& options) {
         }
         HostSetup setup(options, std::cerr);
         const CommandTable commands;
-        Session session(setup.host(), setup.clients(), setup.log(), std::cout,
-                        options.json);
+        Session session(setup.host(), setup.clients(), setup.log(), std::cout, options.json);
         return Run(options, session, commands).run();
     } catch (const std::exception& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

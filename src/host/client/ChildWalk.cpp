@@ -8,7 +8,8 @@
 
 namespace OrvHost {
 
-ChildWalk::ChildWalk(ClientSession& session, std::string dn, const std::optional<std::string>& oneClass)
+ChildWalk::ChildWalk(ClientSession& session, std::string dn,
+                     const std::optional<std::string>& oneClass)
     : mSession(session), mDn(std::move(dn)) {
     if (oneClass) {
         mClasses = {*oneClass};

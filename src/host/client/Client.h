@@ -6,8 +6,8 @@
 
 #include "CancellationToken.h"
 #include "ClientErrors.h"
-#include "OrvOamSpiManagedObject_3.h"
 #include "NewObject.h"
+#include "OrvOamSpiManagedObject_3.h"
 #include "ReadValue.h"
 #include "model/Model.h"
 
@@ -29,8 +29,8 @@ class Host;
 /// Threads: one at a time for each transaction.
 class Client {
 public:
-    /// Throws NotOfferedError if no started component offers the table. \p host must outlive the client,
-    /// and its components stay started while the client is in use.
+    /// Throws NotOfferedError if no started component offers the table. \p host must outlive the
+    /// client, and its components stay started while the client is in use.
     explicit Client(Host& host);
     virtual ~Client() = default;
     Client(const Client&) = delete;
@@ -49,7 +49,8 @@ public:
     /// The values of several attributes in their order, in one call if the version has one. Fewer
     /// than were asked for if the component answered with fewer.
     virtual std::vector<NamedReadValue> get(unsigned long txHandle, const std::string& dn,
-                          const std::vector<std::string>& attributes, const ClassDef* moc);
+                                            const std::vector<std::string>& attributes,
+                                            const ClassDef* moc);
 
     /// Called for each child; false ends the walk.
     using Visit = std::function<bool(const std::string& name)>;
@@ -69,8 +70,8 @@ public:
 
     virtual void remove(unsigned long txHandle, const std::string& dn);
 
-    /// Calls an action and returns its result, without values if it has none. \p def is null if the model does not know
-    /// the action.
+    /// Calls an action and returns its result, without values if it has none. \p def is null if the
+    /// model does not know the action.
     virtual ReadValue action(unsigned long txHandle, const std::string& dn, const std::string& name,
                              const std::vector<NamedValue>& parameters, const ActionDef* def);
 

@@ -42,8 +42,8 @@ AttributeValue valueOf(const AttributeDef& parameter, const NamedValues& paramet
         return given->second;
     }
     if (!parameter.defaultValue) {
-        throw RequestError("interface version 1 tells parameters by their place: " + parameter.name +
-                         " cannot be left out before the others");
+        throw RequestError("interface version 1 tells parameters by their place: " +
+                           parameter.name + " cannot be left out before the others");
     }
     return *parameter.defaultValue;
 }
@@ -75,7 +75,8 @@ ReadValue Client1::get(unsigned long txHandle, const std::string& dn, const std:
 }
 
 std::vector<NamedReadValue> Client1::get(unsigned long txHandle, const std::string& dn,
-                       const std::vector<std::string>& attributes, const ClassDef* moc) {
+                                         const std::vector<std::string>& attributes,
+                                         const ClassDef* moc) {
     std::vector<NamedReadValue> values;
     for (const std::string& attribute : attributes) {
         values.emplace_back(attribute, get(txHandle, dn, attribute, moc));

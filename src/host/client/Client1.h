@@ -20,7 +20,8 @@ public:
                   const ClassDef* moc) override;
     /// One call for each attribute.
     std::vector<NamedReadValue> get(unsigned long txHandle, const std::string& dn,
-                  const std::vector<std::string>& attributes, const ClassDef* moc) override;
+                                    const std::vector<std::string>& attributes,
+                                    const ClassDef* moc) override;
     void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
                       const Visit& visit) override;
     /// This version creates objects without attributes; they are set afterwards, one call for each.

@@ -16,8 +16,7 @@ ClientSession::~ClientSession() {
 }
 
 void ClientSession::requireObject(const std::string& dn) {
-    const bool exists =
-        read([&](unsigned long txHandle) { return client().exists(txHandle, dn); });
+    const bool exists = read([&](unsigned long txHandle) { return client().exists(txHandle, dn); });
     if (!exists) {
         throw OperationError(OrvNotExist, {"existsMo", dn, {}, {}}, {});
     }
@@ -51,7 +50,7 @@ void ClientSession::validate(const OpenTransactions::Entry& transaction) {
     const TransactionOutcome outcome = mHost.transactions().validate(transaction.handle);
     if (!outcome.accepted) {
         throw RefusalError("validate", transaction.name, outcome,
-                      ViolationExplainer(*this, transaction.handle).explain(outcome.messages));
+                           ViolationExplainer(*this, transaction.handle).explain(outcome.messages));
     }
 }
 

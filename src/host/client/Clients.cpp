@@ -25,7 +25,7 @@ void Clients::choose(const std::string& version) {
         }
     }
     throw RequestError("there is no interface version '" + version +
-                     "'; versions: " + enumerate(versions()));
+                       "'; versions: " + enumerate(versions()));
 }
 
 }

@@ -26,6 +26,8 @@ public:
     Client& version3() { return m3; }
     /// Version 3_1, independent of the chosen one. Its set takes all attributes or none.
     Client& version3_1() { return m3_1; }
+    /// Version 1, independent of the chosen one. Its writes move no references back.
+    Client& version1() { return m1; }
     const std::string& version() const { return mChosen->first; }
 
     /// Throws RequestError if there is no such version.

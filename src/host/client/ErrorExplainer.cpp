@@ -114,7 +114,7 @@ std::string ErrorExplainer::inClientsWords(const std::string& text) const {
 }
 
 std::string ErrorExplainer::explainAttributes(const ClassDef& moc,
-                                         const std::vector<std::string>& attributes) const {
+                                              const std::vector<std::string>& attributes) const {
     const std::vector<std::string> expected = attributeNames(moc);
     for (const std::string& attribute : attributes) {
         if (moc.findAttribute(attribute) == nullptr) {

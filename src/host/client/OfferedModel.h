@@ -13,8 +13,8 @@ namespace OrvHost {
 class Host;
 
 /// All classes as components see them: through the table VekOamSpiModelRepository_4 that \p host
-/// offers at its portal. Throws NotOfferedError if there is none, and Orv::OrvException for errors of the
-/// table.
+/// offers at its portal. Throws NotOfferedError if there is none, and Orv::OrvException for errors
+/// of the table.
 std::vector<ClassDescription> describeOfferedClasses(Host& host);
 
 }

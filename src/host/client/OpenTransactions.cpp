@@ -69,8 +69,8 @@ OpenTransactions::Entry& OpenTransactions::require(const std::optional<std::stri
     const std::string open =
         mOpen.empty() ? "none is open, 'begin' opens one" : "open: " + enumerate(names());
     throw RequestError(name ? "there is no open transaction '" + *name + "'; " + open + "." +
-                                didYouMean(*name, names())
-                          : "no transaction is the current one; " + open);
+                                  didYouMean(*name, names())
+                            : "no transaction is the current one; " + open);
 }
 
 OpenTransactions::Entry* OpenTransactions::find(const std::string& name) {

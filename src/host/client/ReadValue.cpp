@@ -26,8 +26,7 @@ template <class Member>
 ReadMembers readMembers(const Member* member, const AttributeDef* def) {
     ReadMembers members;
     for (; member != nullptr; member = member->next) {
-        members.emplace_back(member->name,
-                             toReadValue(member->value, memberOf(def, member->name)));
+        members.emplace_back(member->name, toReadValue(member->value, memberOf(def, member->name)));
     }
     return members;
 }

@@ -32,8 +32,8 @@ using ReadSlot = std::variant<std::monostate, bool, std::int64_t, std::uint64_t,
                               std::string, ReadMembers, UnknownValue>;
 
 /// The answer to a read of one attribute, or the result of an action. It can hold what no attribute
-/// of the model may hold, because a component is free to answer so; toAttributeValue gives the value
-/// of the model's form.
+/// of the model may hold, because a component is free to answer so; toAttributeValue gives the
+/// value of the model's form.
 struct ReadValue {
     bool isList = false; ///< may hold several values, or does
     std::int32_t type = 0;
@@ -44,7 +44,8 @@ struct ReadValue {
 using NamedReadValue = std::pair<std::string, ReadValue>;
 
 /// The values of a record. \p def says whether the attribute may hold several values, and its
-/// members; if it is null (an attribute that the model does not know), the number of values decides.
+/// members; if it is null (an attribute that the model does not know), the number of values
+/// decides.
 ///
 /// Copies what it needs: \p container, which may be null, can be released afterwards.
 ReadValue toReadValue(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def);

@@ -81,8 +81,8 @@ std::string allowedText(const Model& model, ClassIndex moc, const std::string& a
     return text;
 }
 
-std::vector<Violation> ViolationExplainer::explain(
-    const std::vector<ThreadContext::Message>& messages) {
+std::vector<Violation>
+ViolationExplainer::explain(const std::vector<ThreadContext::Message>& messages) {
     std::vector<Violation> violations;
     for (const ThreadContext::Message& message : messages) {
         if (message.kind == ThreadContext::Verdict) {

@@ -234,8 +234,7 @@ private:
         Dns present = dnsOf(valueBefore(dn, name));
         std::sort(wished.begin(), wished.end());
         std::sort(present.begin(), present.end());
-        const bool isRepeated =
-            mWish.repeated == Wish::Repeated::IsNoEdit && wished == present;
+        const bool isRepeated = mWish.repeated == Wish::Repeated::IsNoEdit && wished == present;
         return isRepeated ? Said::Left : Said::Value;
     }
 

@@ -13,8 +13,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <iostream>
+#include <random>
 #include <sstream>
 
 namespace EditTests {
@@ -107,8 +108,8 @@ protected:
                const Expected& expected) {
         const bool isRefused = !expected.problems.empty();
         const State& wanted = isRefused ? before : expected.state;
-        const State state = isRefused ? outcome.state
-                                      : normalised(mWorld.model(), outcome.state, expected);
+        const State state =
+            isRefused ? outcome.state : normalised(mWorld.model(), outcome.state, expected);
         if (outcome.problems == expected.problems && state == wanted) {
             return true;
         }
@@ -152,9 +153,9 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
     std::map<std::string, std::size_t> counts;
     std::map<std::string, std::size_t> refusals;
     unsigned long open = begin();
+    State before = mWorld.read(open);
     for (std::uint64_t seed = 1; seed <= kWishes && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        const State before = mWorld.read(open);
         WishMaker maker(mWorld.model(), before, seed);
         const MadeWish made = maker.make();
         const Expected expected = expect(mWorld.model(), before, made.wish);
@@ -187,7 +188,9 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
         ++counts["in this transaction"];
         counts["calls"] += outcome.plan.calls.size();
         if (isRepeatable(made.wish) && made.wish.repeated == Wish::Repeated::IsWished) {
-            EXPECT_TRUE(apply(made.wish, open).plan.calls.empty()) << textOf(made.wish);
+            ClientState after(mWorld.clients().version3(), open);
+            EXPECT_TRUE(EditPlanner(mWorld.model()).plan(made.wish, after).calls.empty())
+                << textOf(made.wish);
             ++counts["wished again, and nothing to do"];
         }
         if (maker.endsTransaction()) {
@@ -197,6 +200,9 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
             const std::vector<std::string> problems = mWorld.recount();
             EXPECT_TRUE(problems.empty()) << problems.front() << "\n" << textOf(made.wish);
             open = begin();
+            before = mWorld.read(open);
+        } else {
+            before = outcome.state;
         }
     }
     abort(open);
@@ -213,6 +219,63 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
     EXPECT_GT(counts["refused"], kWishes / 10);
     EXPECT_GT(counts["committed"], kWishes / 10);
     EXPECT_EQ(refusals.size(), 9U) << "each kind of problem";
+}
+
+// Version 1 moves no far sides, so its writes leave references whose far side is missing.
+void breakReferences(EditWorld& world, const State& state, unsigned long txHandle,
+                     std::mt19937_64& engine) {
+    Dns dns;
+    for (const auto& [dn, attributes] : state) {
+        dns.push_back(dn);
+    }
+    const auto pick = [&](const Dns& list) { return list[engine() % list.size()]; };
+    for (int writes = 0; writes < 6; ++writes) {
+        const std::string dn = pick(dns);
+        const ClassDef& moc = world.model().classes[*world.model().findClass(classNameOf(dn))];
+        for (const AttributeDef& def : moc.attributes) {
+            if (def.type.kind == ValueKind::MoRef && engine() % 3 == 0) {
+                Dns values = refsIn(state, dn, def.name);
+                values.push_back(pick(dns));
+                values.push_back(engine() % 2 == 0 ? values.front() : pick(dns));
+                values.erase(values.begin());
+                const NamedValue value(def.name, refs(values));
+                world.clients().version1().set(txHandle, dn, {value});
+            }
+        }
+    }
+}
+
+// References without a far side, references that stand twice, and references of wrong classes.
+TEST_F(EditPlannerPropertyTest, BrokenAssociations_AWishForAStateThatHoldsBothSides_AreMended) {
+    constexpr std::uint64_t kStates = 500;
+    std::size_t broken = 0;
+    unsigned long open = begin();
+    for (std::uint64_t seed = 1; seed <= kStates && !HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const State before = mWorld.read(open);
+        WishMaker maker(mWorld.model(), before, seed);
+        const State target = maker.changed();
+        std::vector<WishedObject> objects;
+        for (const auto& [dn, attributes] : target) {
+            objects.push_back({dn, {attributes.begin(), attributes.end()}});
+        }
+        std::mt19937_64 engine(seed);
+        breakReferences(mWorld, before, open, engine);
+        broken += mWorld.read(open) == before ? 0 : 1;
+        const Wish wish = maker.shuffled(wishedState(kRoot, objects));
+        const Outcome outcome = apply(wish, open);
+        EXPECT_EQ(outcome.state, target)
+            << textOf(before) << textOf(wish) << textOf(outcome.plan) << textOf(outcome.state);
+        if (maker.endsTransaction()) {
+            const TransactionOutcome ended = mWorld.host().transactions().commit(open);
+            EXPECT_TRUE(ended.accepted) << ended.reason;
+            const std::vector<std::string> problems = mWorld.recount();
+            EXPECT_TRUE(problems.empty()) << problems.front();
+            open = begin();
+        }
+    }
+    abort(open);
+    EXPECT_GT(broken, kStates / 2);
 }
 
 }

@@ -42,8 +42,8 @@ std::vector<Side> sidesOf(const Model& model) {
         for (const int near : {0, 1}) {
             const AssociationEnd& here = association.ends[near];
             const AssociationEnd& far = association.ends[1 - near];
-            sides.push_back({model.classes[here.moc].name, far.name, model.classes[far.moc].name,
-                             here.name});
+            sides.push_back(
+                {model.classes[here.moc].name, far.name, model.classes[far.moc].name, here.name});
         }
     }
     return sides;

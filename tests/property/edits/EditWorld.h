@@ -52,8 +52,9 @@ public:
     /// What a transaction sees, read through the component.
     State read(unsigned long txHandle);
 
-    /// What is wrong with the committed associations, counted in the store itself: a reference whose
-    /// far side is missing or there twice. References to objects that do not exist are no error.
+    /// What is wrong with the committed associations, counted in the store itself: a reference
+    /// whose far side is missing or there twice. References to objects that do not exist are no
+    /// error.
     std::vector<std::string> recount();
 
 private:

@@ -58,6 +58,36 @@ std::string WishMaker::anyObject(const State& state) {
     return pick(dns);
 }
 
+State WishMaker::changed() {
+    for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
+        change();
+    }
+    State state;
+    for (const auto& [dn, attributes] : mTarget) {
+        state[dn];
+        for (const auto& [name, value] : attributes) {
+            AttributeValue kept = value;
+            if (value.kind == ValueKind::MoRef) {
+                kept = refs(presentOnly(dnsOf(value)));
+            }
+            if (!kept.values.empty()) {
+                state[dn][name] = kept;
+            }
+        }
+        if (classNameOf(dn) == "Unit" && state[dn].count("size") == 0) {
+            state[dn]["size"] = {ValueKind::Int, {Value(std::int64_t{5})}};
+        }
+    }
+    return state;
+}
+
+Dns WishMaker::presentOnly(Dns dns) const {
+    dns.erase(std::remove_if(dns.begin(), dns.end(),
+                             [&](const std::string& dn) { return mTarget.count(dn) == 0; }),
+              dns.end());
+    return dns;
+}
+
 MadeWish WishMaker::make() {
     for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
         change();
@@ -67,6 +97,9 @@ MadeWish WishMaker::make() {
         wishState(made);
     } else {
         wishEdits(made);
+    }
+    if (mHasMoved) {
+        made.traits.insert("move");
     }
     if (oneIn(5)) {
         addStale(made);
@@ -157,11 +190,13 @@ void WishMaker::moveLink() {
     // A side that may hold one value loses the one that it has.
     if (second.cardinality.upper == 1) {
         for (const std::string& old : refsIn(mTarget, x, second.name)) {
+            mHasMoved = true;
             unlink(association, x, old);
         }
     }
     if (first.cardinality.upper == 1) {
         for (const std::string& old : refsIn(mTarget, y, first.name)) {
+            mHasMoved = true;
             unlink(association, old, y);
         }
     }
@@ -192,8 +227,7 @@ void WishMaker::changeValue() {
     }
 }
 
-void WishMaker::insert(const std::string& dn, const std::string& name,
-                       const std::string& target) {
+void WishMaker::insert(const std::string& dn, const std::string& name, const std::string& target) {
     Dns dns = refsIn(mTarget, dn, name);
     if (!holds(dns, target)) {
         dns.insert(dns.begin() + static_cast<std::ptrdiff_t>(below(dns.size() + 1)), target);
@@ -258,12 +292,7 @@ WishedObject WishMaker::wished(const std::string& dn, Sides sides) {
         if (isThereAfter && isNamed(classNameOf(dn), name, sides)) {
             AttributeValue kept = value;
             if (value.kind == ValueKind::MoRef) {
-                Dns dns = dnsOf(value);
-                dns.erase(std::remove_if(
-                              dns.begin(), dns.end(),
-                              [&](const std::string& target) { return mTarget.count(target) == 0; }),
-                          dns.end());
-                kept = refs(dns);
+                kept = refs(presentOnly(dnsOf(value)));
             }
             object.attributes.emplace_back(name, kept);
         }
@@ -320,16 +349,17 @@ void WishMaker::wishEdits(MadeWish& made) {
             made.traits.insert("replace");
             continue;
         }
-        object.attributes.erase(
-            std::remove_if(object.attributes.begin(), object.attributes.end(),
-                           [&](const NamedValue& named) {
-                               const auto old = before->second.find(named.first);
-                               const bool isSame = old == before->second.end()
-                                                       ? named.second.values.empty()
-                                                       : old->second == named.second;
-                               return isSame && !oneIn(8);
-                           }),
-            object.attributes.end());
+        object.attributes.erase(std::remove_if(object.attributes.begin(), object.attributes.end(),
+                                               [&](const NamedValue& named) {
+                                                   const auto old =
+                                                       before->second.find(named.first);
+                                                   const bool isSame =
+                                                       old == before->second.end()
+                                                           ? named.second.values.empty()
+                                                           : old->second == named.second;
+                                                   return isSame && !oneIn(8);
+                                               }),
+                                object.attributes.end());
         if (!object.attributes.empty()) {
             edits.push_back({oneIn(2) ? EditKind::Set : EditKind::Merge, dn, {object}});
             made.traits.insert("set");
@@ -374,11 +404,13 @@ void WishMaker::addMistake(MadeWish& made) {
     const Dns units = objectsOf(mBefore, "Unit");
     switch (below(10)) {
     case 0:
-        edits.push_back({EditKind::Merge, std::string(kRoot) + ",Street=1",
+        edits.push_back({EditKind::Merge,
+                         std::string(kRoot) + ",Street=1",
                          {{std::string(kRoot) + ",Street=1", {}}}});
         break;
     case 1:
-        edits.push_back({EditKind::Create, std::string(kRoot) + ",Area=none,Unit=1",
+        edits.push_back({EditKind::Create,
+                         std::string(kRoot) + ",Area=none,Unit=1",
                          {{std::string(kRoot) + ",Area=none,Unit=1", {{"need", text("n")}}}}});
         break;
     case 2:
@@ -390,7 +422,8 @@ void WishMaker::addMistake(MadeWish& made) {
         edits.push_back({EditKind::Delete, std::string(kRoot) + ",Area=none", {}});
         break;
     case 4:
-        edits.push_back({EditKind::Set, std::string(kRoot) + ",Area=none",
+        edits.push_back({EditKind::Set,
+                         std::string(kRoot) + ",Area=none",
                          {{std::string(kRoot) + ",Area=none", {{"label", text("l")}}}}});
         break;
     case 5:
@@ -411,8 +444,8 @@ void WishMaker::addMistake(MadeWish& made) {
     case 8:
         if (!units.empty()) {
             const std::string unit = pick(units);
-            edits.push_back({EditKind::Merge, unit,
-                             {{unit, {{"peers", refs({pick(units), pick(units)})}}}}});
+            edits.push_back(
+                {EditKind::Merge, unit, {{unit, {{"peers", refs({pick(units), pick(units)})}}}}});
         }
         break;
     default:

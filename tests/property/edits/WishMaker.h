@@ -30,6 +30,10 @@ public:
 
     MadeWish make();
 
+    /// The state before with some changes, consistent in itself, without empty attributes and
+    /// without references to what is gone.
+    State changed();
+
     /// The same wish with edits, objects and attributes in another order.
     Wish shuffled(Wish wish);
 
@@ -48,6 +52,7 @@ private:
     template <class List>
     void shuffle(List& list);
 
+    Dns presentOnly(Dns dns) const;
     Dns objectsOf(const State& state, const std::string& className) const;
     std::string anyObject(const State& state);
     std::string newDn();
@@ -73,6 +78,7 @@ private:
     const Model& mModel;
     const State& mBefore;
     State mTarget;
+    bool mHasMoved = false; ///< a reference that may have one value got another one
     std::mt19937_64 mEngine;
 };
 

@@ -3,11 +3,11 @@
 
 #include "Scenario.h"
 
-#include "cli/shell/Interpreter.h"
 #include "cli/input/ScriptReader.h"
-#include "cli/session/Session.h"
 #include "cli/input/WordSplitter.h"
+#include "cli/session/Session.h"
 #include "cli/setup/HostSetup.h"
+#include "cli/shell/Interpreter.h"
 
 #include <fstream>
 #include <iostream>

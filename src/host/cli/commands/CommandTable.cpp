@@ -14,162 +14,182 @@ namespace OrvHost {
 // All that is known of a command stands here: help, completion and the interpreter read it.
 CommandTable::CommandTable()
     : mCommands{
-        {.name = "exists",
-         .synopsis = "DN",
-         .summary = "tell whether an object is there",
-         .details = "Answers yes or no.\n",
-         .words = {WordKind::Dn},
-         .run = runExists},
-        {.name = "count",
-         .synopsis = "[DN [CLASS]]",
-         .summary = "count children, of one class or of each",
-         .details = "Without a DN, or with /, the objects at the top level are counted.\n",
-         .words = {WordKind::Dn, WordKind::ChildClass},
-         .run = runCount},
-        {.name = "get",
-         .synopsis = "DN [ATTRIBUTE...]",
-         .summary = "read attributes: one, several, or all of the class",
-         .details = "One attribute is printed as its bare value, a line for each of several values; more are\n"
-        "printed with their names. What is not set shows as -.\n",
-         .words = {WordKind::Dn, WordKind::Attribute},
-         .run = runGet},
-        {.name = "ls",
-         .synopsis = "[DN [CLASS]]",
-         .summary = "list children, of one class or of all",
-         .details = "Prints the DN of each child. Without a DN, or with /, the top level is listed.\n",
-         .words = {WordKind::Dn, WordKind::ChildClass},
-         .run = runList},
-        {.name = "tree",
-         .synopsis = "[DN] [--depth N]",
-         .summary = "show an object with all that is below it",
-         .details = "Without a DN, or with /, the whole tree is shown. --depth cuts it off below so many\n"
-        "levels; what is below the cut is counted.\n",
-         .words = {WordKind::Dn},
-         .options = {"--depth"},
-         .run = runTree},
-        {.name = "begin",
-         .synopsis = "[NAME]",
-         .summary = "open a transaction and work in it",
-         .details = "Reads and writes go to it until it is committed or aborted, or another one is chosen\n"
-        "(use). Any number of transactions can be open side by side.\n",
-         .words = {WordKind::Other},
-         .run = runBegin},
-        {.name = "use",
-         .synopsis = "[NAME]",
-         .summary = "work in another open transaction, or in none",
-         .details = "Without a name no transaction is left or ended, but the commands behind see what is\n"
-        "committed, and each write is committed by itself.\n",
-         .words = {WordKind::Transaction},
-         .run = runUse},
-        {.name = "transactions",
-         .summary = "list the open transactions",
-         .details = "A star marks the one that commands work in; writes are counted by commands.\n",
-         .run = runTransactions},
-        {.name = "interface",
-         .synopsis = "[1 | 3 | 3_1]",
-         .summary = "show or choose the version of the MO interface",
-         .details = "Operations that a version does not have go through version 3. Writes of version 1 take\n"
-        "no part in associations: no back-pointer follows, and validate does not look at them.\n",
-         .words = {WordKind::Version},
-         .run = runInterface},
-        {.name = "create",
-         .synopsis = "DN [ATTRIBUTE=VALUE...]",
-         .summary = "create an object, with attributes",
-         .details = "The DN is that of the new object. Values are as with set.\n",
-         .words = {WordKind::Dn, WordKind::Assignment},
-         .run = runCreate},
-        {.name = "set",
-         .synopsis = "DN ATTRIBUTE=VALUE...",
-         .summary = "set attributes of an object",
-         .details = "A value is a text, a number, true, false or a DN, as the attribute's type asks; null "
-        "takes\n"
-        "the value away. Several values: the same attribute again, or a JSON list. A struct: a "
-        "JSON\n"
-        "object. JSON goes into single quotes. Several attributes can also be one JSON object:\n"
-        "  set DN label=Harbour colour=red colour=white\n"
-        "  set DN 'position={\"latitude\": 59.3}' '{\"label\": null, \"height\": 12}'\n"
-        "Interface version 3_1 sets all or none, the others one after the other.\n",
-         .words = {WordKind::Dn, WordKind::Assignment},
-         .run = runSet},
-        {.name = "delete",
-         .synopsis = "DN",
-         .summary = "delete an object with all below it",
-         .words = {WordKind::Dn},
-         .run = runDelete},
-        {.name = "action",
-         .synopsis = "DN ACTION [PARAMETER=VALUE...]",
-         .summary = "call an action of an object",
-         .details = "Prints the result, if there is one. Values are as with set.\n",
-         .words = {WordKind::Dn, WordKind::Action, WordKind::Parameter},
-         .run = runAction},
-        {.name = "validate",
-         .synopsis = "[NAME]",
-         .summary = "ask for the verdict on a transaction",
-         .details = "Without a name, on the current one. It stays open. What is "
-                                     "wrong is told as the component\n"
-                                     "tells it, with the objects and values in question.\n",
-         .words = {WordKind::Transaction},
-         .run = runValidate},
-        {.name = "commit",
-         .synopsis = "[NAME]",
-         .summary = "end a transaction so that its writes hold",
-         .details = "Without a name, the current one. It is validated first; if "
-                                     "that or the commit is refused,\n"
-                                     "it is aborted, and nothing of it is left.\n",
-         .words = {WordKind::Transaction},
-         .run = runCommit},
-        {.name = "abort",
-         .synopsis = "[NAME]",
-         .summary = "end a transaction and drop its writes",
-         .details = "Without a name, the current one. Nothing of it is left.\n",
-         .words = {WordKind::Transaction},
-         .run = runAbort},
-        {.name = "expect",
-         .synopsis = "[OUTCOME] [CLAUSE...] : COMMAND...",
-         .summary = "run a command that must answer this and nothing else",
-         .details = "OUTCOME is ok (if not told), error, usage, or a code by its name or number. Clauses:\n"
-        "  message [containing] TEXT       a message that the client gets\n"
-        "  messages N                      how many it gets\n"
-        "  output [containing] TEXT        what the command prints\n"
-        "  explanation containing TEXT     what is told of a failure besides\n",
-         .words = {WordKind::Other},
-         .run = [this](Session& session, Words words) { runExpect(*this, session, std::move(words)); }},
-        {.name = "graph",
-         .synopsis = "[DN] [--depth N] [--limit N] [--dot] [-o FILE] | --classes [CLASS] [...]",
-         .summary = "draw objects with their references, or the classes",
-         .details = "Draws, as SVG, an object with all that is below it (without a DN, or with /, the whole\n"
-        "tree) and the references between objects. What violates an association, as the current\n"
-        "transaction sees it, is red. --classes draws the classes with their associations.\n"
-        "--depth cuts the picture off below so many levels. More than --limit objects (300) are\n"
-        "refused. --dot gives the text that Graphviz draws. -o writes to a file.\n",
-         .words = {WordKind::Dn},
-         .options = {"--classes", "--depth", "--limit", "--dot", "-o"},
-         .run = runGraph},
-        {.name = "model",
-         .synopsis = "[CLASS | --associations]",
-         .summary = "tell the classes, one class, or all associations",
-         .details = "Attributes and associations are told as the model repository has them.\n",
-         .words = {WordKind::AnyClass},
-         .options = {"--associations"},
-         .run = runModel},
-        {.name = "components",
-         .summary = "show the loaded components and their state",
-         .run = runComponents},
-        {.name = "log",
-         .synopsis = "[level LEVEL | tail [N]]",
-         .summary = "show or set the level of logging, show the latest lines",
-         .details = "LEVEL is off, error, warning, info, trace, or a number.\n",
-         .words = {WordKind::Other},
-         .run = runLog},
-        {.name = "help",
-         .synopsis = "[COMMAND]",
-         .summary = "tell all commands, or one",
-         .words = {WordKind::Command},
-         .run = [this](Session& session, Words words) { runHelp(*this, session, std::move(words)); }},
-        {.name = "quit",
-         .summary = "end the session",
-         .details = "So does Ctrl-D.\n",
-         .run = runQuit}} {}
+          {.name = "exists",
+           .synopsis = "DN",
+           .summary = "tell whether an object is there",
+           .details = "Answers yes or no.\n",
+           .words = {WordKind::Dn},
+           .run = runExists},
+          {.name = "count",
+           .synopsis = "[DN [CLASS]]",
+           .summary = "count children, of one class or of each",
+           .details = "Without a DN, or with /, the objects at the top level are counted.\n",
+           .words = {WordKind::Dn, WordKind::ChildClass},
+           .run = runCount},
+          {.name = "get",
+           .synopsis = "DN [ATTRIBUTE...]",
+           .summary = "read attributes: one, several, or all of the class",
+           .details =
+               R"(One attribute is printed as its bare value, a line for each of several values; more are
+printed with their names. What is not set shows as -.
+)",
+           .words = {WordKind::Dn, WordKind::Attribute},
+           .run = runGet},
+          {.name = "ls",
+           .synopsis = "[DN [CLASS]]",
+           .summary = "list children, of one class or of all",
+           .details =
+               "Prints the DN of each child. Without a DN, or with /, the top level is listed.\n",
+           .words = {WordKind::Dn, WordKind::ChildClass},
+           .run = runList},
+          {.name = "tree",
+           .synopsis = "[DN] [--depth N]",
+           .summary = "show an object with all that is below it",
+           .details =
+               R"(Without a DN, or with /, the whole tree is shown. --depth cuts it off below so many
+levels; what is below the cut is counted.
+)",
+           .words = {WordKind::Dn},
+           .options = {"--depth"},
+           .run = runTree},
+          {.name = "begin",
+           .synopsis = "[NAME]",
+           .summary = "open a transaction and work in it",
+           .details =
+               R"(Reads and writes go to it until it is committed or aborted, or another one is chosen
+(use). Any number of transactions can be open side by side.
+)",
+           .words = {WordKind::Other},
+           .run = runBegin},
+          {.name = "use",
+           .synopsis = "[NAME]",
+           .summary = "work in another open transaction, or in none",
+           .details =
+               R"(Without a name no transaction is left or ended, but the commands behind see what is
+committed, and each write is committed by itself.
+)",
+           .words = {WordKind::Transaction},
+           .run = runUse},
+          {.name = "transactions",
+           .summary = "list the open transactions",
+           .details =
+               "A star marks the one that commands work in; writes are counted by commands.\n",
+           .run = runTransactions},
+          {.name = "interface",
+           .synopsis = "[1 | 3 | 3_1]",
+           .summary = "show or choose the version of the MO interface",
+           .details =
+               R"(Operations that a version does not have go through version 3. Writes of version 1 take
+no part in associations: no back-pointer follows, and validate does not look at them.
+)",
+           .words = {WordKind::Version},
+           .run = runInterface},
+          {.name = "create",
+           .synopsis = "DN [ATTRIBUTE=VALUE...]",
+           .summary = "create an object, with attributes",
+           .details = "The DN is that of the new object. Values are as with set.\n",
+           .words = {WordKind::Dn, WordKind::Assignment},
+           .run = runCreate},
+          {.name = "set",
+           .synopsis = "DN ATTRIBUTE=VALUE...",
+           .summary = "set attributes of an object",
+           .details =
+               R"(A value is a text, a number, true, false or a DN, as the attribute's type asks; null takes
+the value away. Several values: the same attribute again, or a JSON list. A struct: a JSON
+object. JSON goes into single quotes. Several attributes can also be one JSON object:
+  set DN label=Harbour colour=red colour=white
+  set DN 'position={"latitude": 59.3}' '{"label": null, "height": 12}'
+Interface version 3_1 sets all or none, the others one after the other.
+)",
+           .words = {WordKind::Dn, WordKind::Assignment},
+           .run = runSet},
+          {.name = "delete",
+           .synopsis = "DN",
+           .summary = "delete an object with all below it",
+           .words = {WordKind::Dn},
+           .run = runDelete},
+          {.name = "action",
+           .synopsis = "DN ACTION [PARAMETER=VALUE...]",
+           .summary = "call an action of an object",
+           .details = "Prints the result, if there is one. Values are as with set.\n",
+           .words = {WordKind::Dn, WordKind::Action, WordKind::Parameter},
+           .run = runAction},
+          {.name = "validate",
+           .synopsis = "[NAME]",
+           .summary = "ask for the verdict on a transaction",
+           .details =
+               R"(Without a name, on the current one. It stays open. What is wrong is told as the component
+tells it, with the objects and values in question.
+)",
+           .words = {WordKind::Transaction},
+           .run = runValidate},
+          {.name = "commit",
+           .synopsis = "[NAME]",
+           .summary = "end a transaction so that its writes hold",
+           .details =
+               R"(Without a name, the current one. It is validated first; if that or the commit is refused,
+it is aborted, and nothing of it is left.
+)",
+           .words = {WordKind::Transaction},
+           .run = runCommit},
+          {.name = "abort",
+           .synopsis = "[NAME]",
+           .summary = "end a transaction and drop its writes",
+           .details = "Without a name, the current one. Nothing of it is left.\n",
+           .words = {WordKind::Transaction},
+           .run = runAbort},
+          {.name = "expect",
+           .synopsis = "[OUTCOME] [CLAUSE...] : COMMAND...",
+           .summary = "run a command that must answer this and nothing else",
+           .details =
+               R"(OUTCOME is ok (if not told), error, usage, or a code by its name or number. Clauses:
+  message [containing] TEXT       a message that the client gets
+  messages N                      how many it gets
+  output [containing] TEXT        what the command prints
+  explanation containing TEXT     what is told of a failure besides
+)",
+           .words = {WordKind::Other},
+           .run = [this](Session& session,
+                         Words words) { runExpect(*this, session, std::move(words)); }},
+          {.name = "graph",
+           .synopsis = "[DN] [--depth N] [--limit N] [--dot] [-o FILE] | --classes [CLASS] [...]",
+           .summary = "draw objects with their references, or the classes",
+           .details =
+               R"(Draws, as SVG, an object with all that is below it (without a DN, or with /, the whole
+tree) and the references between objects. What violates an association, as the current
+transaction sees it, is red. --classes draws the classes with their associations.
+--depth cuts the picture off below so many levels. More than --limit objects (300) are
+refused. --dot gives the text that Graphviz draws. -o writes to a file.
+)",
+           .words = {WordKind::Dn},
+           .options = {"--classes", "--depth", "--limit", "--dot", "-o"},
+           .run = runGraph},
+          {.name = "model",
+           .synopsis = "[CLASS | --associations]",
+           .summary = "tell the classes, one class, or all associations",
+           .details = "Attributes and associations are told as the model repository has them.\n",
+           .words = {WordKind::AnyClass},
+           .options = {"--associations"},
+           .run = runModel},
+          {.name = "components",
+           .summary = "show the loaded components and their state",
+           .run = runComponents},
+          {.name = "log",
+           .synopsis = "[level LEVEL | tail [N]]",
+           .summary = "show or set the level of logging, show the latest lines",
+           .details = "LEVEL is off, error, warning, info, trace, or a number.\n",
+           .words = {WordKind::Other},
+           .run = runLog},
+          {.name = "help",
+           .synopsis = "[COMMAND]",
+           .summary = "tell all commands, or one",
+           .words = {WordKind::Command},
+           .run = [this](Session& session,
+                         Words words) { runHelp(*this, session, std::move(words)); }},
+          {.name = "quit",
+           .summary = "end the session",
+           .details = "So does Ctrl-D.\n",
+           .run = runQuit}} {}
 
 std::vector<std::string> CommandTable::names() const {
     std::vector<std::string> names;

@@ -3,8 +3,8 @@
 
 #include "Expectation.h"
 
-#include "client/ErrorExplainer.h"
 #include "cli/input/WordSplitter.h"
+#include "client/ErrorExplainer.h"
 
 #include <algorithm>
 #include <charconv>

@@ -3,12 +3,12 @@
 
 #include "Failure.h"
 
+#include "base/HostReturn.h"
 #include "cli/output/AlignedText.h"
 #include "client/ClientSession.h"
 #include "client/ErrorExplainer.h"
 #include "client/RefusalError.h"
 #include "client/RefusedWrite.h"
-#include "base/HostReturn.h"
 
 namespace OrvHost {
 
@@ -140,8 +140,7 @@ Failure FailureReader::read(const std::string& usage, const std::exception_ptr& 
     } catch (const RefusalError& failure) {
         return OrvHost::read(failure);
     } catch (const RequestError& failure) {
-        return plain(ExitUsage,
-                     usage.empty() ? failure.what() : withUsage(failure.what(), usage));
+        return plain(ExitUsage, usage.empty() ? failure.what() : withUsage(failure.what(), usage));
     } catch (const std::exception& failure) {
         return plain(ExitCommandError, failure.what());
     }

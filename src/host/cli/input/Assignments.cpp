@@ -3,8 +3,8 @@
 
 #include "Assignments.h"
 
-#include "cli/errors/CliErrors.h"
 #include "ValueParser.h"
+#include "cli/errors/CliErrors.h"
 
 namespace OrvHost {
 

@@ -3,9 +3,9 @@
 
 #include "HostSetup.h"
 
-#include "cli/errors/CliErrors.h"
 #include "ComponentFinder.h"
 #include "LoggingWrapper.h"
+#include "cli/errors/CliErrors.h"
 #include "cli/output/ProgressBar.h"
 #include "runtime/DataSet.h"
 #include "yang/instances/InstanceDataReader.h"

@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_CLI_SETUP_HOSTSETUP_H
 #define ORV_HOST_CLI_SETUP_HOSTSETUP_H
 
-#include "client/Clients.h"
 #include "Options.h"
+#include "client/Clients.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
 #include "yang/schema/YangModelReader.h"

@@ -3,10 +3,10 @@
 
 #include "Options.h"
 
-#include "cli/errors/CliErrors.h"
-#include "client/Clients.h"
 #include "DnUtil.h"
+#include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
+#include "client/Clients.h"
 
 #include <CLI/CLI.hpp>
 

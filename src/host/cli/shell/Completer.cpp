@@ -3,10 +3,10 @@
 
 #include "Completer.h"
 
+#include "cli/input/WordSplitter.h"
+#include "cli/session/Session.h"
 #include "client/DnResolver.h"
 #include "client/ErrorExplainer.h"
-#include "cli/session/Session.h"
-#include "cli/input/WordSplitter.h"
 
 #include <algorithm>
 #include <exception>

@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_CLI_SHELL_INTERPRETER_H
 #define ORV_HOST_CLI_SHELL_INTERPRETER_H
 
-#include "cli/errors/CliErrors.h"
 #include "cli/commands/CommandTable.h"
+#include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
 
 #include <exception>

@@ -3,8 +3,8 @@
 
 #include "Prompt.h"
 
-#include "cli/output/AlignedText.h"
 #include "cli/input/WordSplitter.h"
+#include "cli/output/AlignedText.h"
 
 #include <cerrno>
 #include <clocale>

@@ -63,11 +63,7 @@ std::string textOf(const std::string& dn, const std::string& attribute) {
 AssociationChanges::AssociationChanges(const AssociationSides& sides, const ObjectChanges& objects,
                                        KnownState& state, Wish::Repeated repeated,
                                        std::vector<EditProblem>& problems)
-    : mSides(sides),
-      mObjects(objects),
-      mState(state),
-      mRepeated(repeated),
-      mProblems(problems) {
+    : mSides(sides), mObjects(objects), mState(state), mRepeated(repeated), mProblems(problems) {
     collect();
     // Pairs with a named side first: they also decide what stays in the slots that are not named.
     std::vector<Slot> named;
@@ -164,8 +160,7 @@ std::size_t AssociationChanges::cleanedBy(const Slot& slot, const std::string& t
         return 0;
     }
     const Dns references = before(far);
-    return static_cast<std::size_t>(
-        std::count(references.begin(), references.end(), slot.first));
+    return static_cast<std::size_t>(std::count(references.begin(), references.end(), slot.first));
 }
 
 bool AssociationChanges::isFirst(const Slot& slot) {
@@ -252,9 +247,8 @@ std::vector<PlannedCall> AssociationChanges::calls() {
         return each.standing == Standing::Named && sorted(each.current) != sorted(each.wished);
     };
     const auto isOff = [](const Future& each) {
-        return each.standing == Standing::Named
-                   ? each.current != each.wished
-                   : sorted(each.current) != sorted(each.wished);
+        return each.standing == Standing::Named ? each.current != each.wished
+                                                : sorted(each.current) != sorted(each.wished);
     };
     writeAll(isNamedFirst);
     writeAll(isNamed);

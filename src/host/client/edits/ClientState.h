@@ -21,8 +21,7 @@ public:
     std::vector<AttributeValue> attributes(const std::string& dn, const ClassDef& moc) override;
     /// Throws RequestError for objects at the top level whose names cannot be read: clients see all
     /// objects there under the name of the element at the root.
-    std::vector<std::string> children(const std::string& dn,
-                                      const std::string& className) override;
+    std::vector<std::string> children(const std::string& dn, const std::string& className) override;
 
 private:
     Client& mClient;

@@ -16,8 +16,8 @@ namespace OrvHost {
 ///
 /// **Checked whole.** All that is wrong is named in one EditRefusedError, before anything is
 /// written: see EditProblem. How many values or objects there must be, and which classes references
-/// may have, is left to the transaction's validation; a reference to an object that never existed is
-/// no error.
+/// may have, is left to the transaction's validation; a reference to an object that never existed
+/// is no error.
 ///
 /// **Written as** deletes, of the tops of what goes; creates from the top, with all values but
 /// references; the values of objects that stay; references of one direction; then bidirectional
@@ -25,10 +25,10 @@ namespace OrvHost {
 /// has the wished value already is not written.
 ///
 /// **Bidirectional associations.** The component keeps the far side in step: a set of a reference
-/// adds and takes away the object's DN in the attribute of each object that came into or went out of
-/// the value. It does not look whether the DN is there already, so writes of both sides can leave it
-/// twice. The plan therefore decides for each pair of objects whether they are associated, from all
-/// that the wish says, and foresees what each of its calls does to the far side:
+/// adds and takes away the object's DN in the attribute of each object that came into or went out
+/// of the value. It does not look whether the DN is there already, so writes of both sides can
+/// leave it twice. The plan therefore decides for each pair of objects whether they are associated,
+/// from all that the wish says, and foresees what each of its calls does to the far side:
 ///
 /// - one side is named: it decides, and the other side follows;
 /// - both sides are named: they must agree, or the wish is refused. See Wish::Repeated for a side
@@ -41,9 +41,9 @@ namespace OrvHost {
 /// order; otherwise the named side. So a file that holds both sides, or one, and the edits of a
 /// client that names what it likes, give the same result in any order.
 ///
-/// **Replace** takes away attributes that are not named (to their default, if they have one), except
-/// those that only the system sets and, as said, sides of bidirectional associations; and deletes
-/// the objects below that the wish names nowhere.
+/// **Replace** takes away attributes that are not named (to their default, if they have one),
+/// except those that only the system sets and, as said, sides of bidirectional associations; and
+/// deletes the objects below that the wish names nowhere.
 ///
 /// What is not foreseen: a reference to an object that does not exist, held by an object of which
 /// the wish says nothing, stays as it is when that object is created.

@@ -50,8 +50,7 @@ const AttributeValue& KnownState::value(const std::string& dn, const std::string
 std::vector<std::string> KnownState::children(const std::string& dn) {
     const DnResolver resolver(mModel);
     std::vector<std::string> dns;
-    for (const std::string& className :
-         resolver.childClasses(dn.empty() ? nullptr : classOf(dn))) {
+    for (const std::string& className : resolver.childClasses(dn.empty() ? nullptr : classOf(dn))) {
         for (const std::string& name : mBefore.children(dn, className)) {
             dns.push_back(childOf(dn, className, name));
             object(dns.back()).exists = true;

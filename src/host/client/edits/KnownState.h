@@ -33,7 +33,8 @@ public:
     /// False if the model has no such object at that place.
     bool exists(const std::string& dn);
 
-    /// The values before; no values if the object does not exist or its class has no such attribute.
+    /// The values before; no values if the object does not exist or its class has no such
+    /// attribute.
     const AttributeValue& value(const std::string& dn, const std::string& attribute);
 
     /// The DNs of all children, class after class; \p dn empty: the top level.

@@ -113,8 +113,8 @@ void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& cha
 void ObjectChanges::checkValue(const ObjectChange& change, const NamedValue& named) {
     const AttributeDef& def = *change.moc->findAttribute(named.first);
     const bool exists = mState.exists(change.dn);
-    const bool isAsBefore = exists ? mState.value(change.dn, def.name) == named.second
-                                   : named.second.values.empty();
+    const bool isAsBefore =
+        exists ? mState.value(change.dn, def.name) == named.second : named.second.values.empty();
     if (isAsBefore) {
         return;
     }
@@ -193,8 +193,8 @@ bool ObjectChanges::existsAfter(const std::string& dn) const {
     return find(dn) != nullptr || (deletedTopOf(dn) == nullptr && mState.exists(dn));
 }
 
-void ObjectChanges::add(EditProblem::Kind kind, const std::string& dn,
-                        const std::string& attribute, const std::string& text) {
+void ObjectChanges::add(EditProblem::Kind kind, const std::string& dn, const std::string& attribute,
+                        const std::string& text) {
     mProblems.push_back({kind, dn, attribute, text});
 }
 

@@ -3,8 +3,8 @@
 
 #include "cli/check/CheckReport.h"
 
-#include "cli/output/ValueJson.h"
 #include "cli/check/XmlEscape.h"
+#include "cli/output/ValueJson.h"
 
 #include <gmock/gmock.h>
 

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "cli/errors/CliErrors.h"
-#include "cli/output/AlignedText.h"
 #include "cli/input/LogLevel.h"
-#include "client/Suggestion.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/input/Words.h"
+#include "cli/output/AlignedText.h"
+#include "client/Suggestion.h"
 
 #include <gmock/gmock.h>
 

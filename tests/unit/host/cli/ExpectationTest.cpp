@@ -3,8 +3,8 @@
 
 #include "cli/commands/Expectation.h"
 
-#include "cli/input/WordSplitter.h"
 #include "base/HostReturn.h"
+#include "cli/input/WordSplitter.h"
 
 #include <gmock/gmock.h>
 

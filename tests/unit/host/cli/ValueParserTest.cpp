@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "cli/input/ValueParser.h"
-#include "cli/input/Assignments.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/input/Assignments.h"
 
 #include <gmock/gmock.h>
 

@@ -72,7 +72,7 @@ TEST_F(OpenTransactionsTest, Unknown_NameOrNone_TellsWhichAreOpen) {
     transactions.add("move", 5);
     EXPECT_THAT([&] { transactions.use("moev"); },
                 ThrowsMessage<RequestError>("there is no open transaction 'moev'; open: move. "
-                                          "Did you mean move?"));
+                                            "Did you mean move?"));
     transactions.leave();
     EXPECT_THAT([&] { transactions.require(std::nullopt); },
                 ThrowsMessage<RequestError>("no transaction is the current one; open: move"));

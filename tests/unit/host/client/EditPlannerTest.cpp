@@ -1,0 +1,265 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "client/edits/EditPlanner.h"
+
+#include "model/building/ModelBuilder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+
+namespace OrvHost {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kSite = "Site=s";
+constexpr const char* kMast = "Site=s,Mast=m";
+constexpr const char* kOther = "Site=s,Mast=n";
+constexpr const char* kUnit = "Site=s,Unit=u";
+
+AttributeValue text(const std::string& value) {
+    return {ValueKind::String, {Value(value)}};
+}
+
+AttributeValue refs(const std::vector<std::string>& dns) {
+    return {ValueKind::MoRef, std::vector<Value>(dns.begin(), dns.end())};
+}
+
+const AttributeValue kNoText{ValueKind::String, {}};
+
+/// Objects in memory.
+class MapState : public StateBefore {
+public:
+    std::map<std::string, std::map<std::string, AttributeValue>> objects;
+
+    bool exists(const std::string& dn) override { return objects.count(dn) != 0; }
+
+    std::vector<AttributeValue> attributes(const std::string& dn, const ClassDef& moc) override {
+        std::vector<AttributeValue> values;
+        for (const AttributeDef& def : moc.attributes) {
+            const auto& all = objects.at(dn);
+            const auto found = all.find(def.name);
+            values.push_back(found != all.end() ? found->second
+                             : def.defaultValue ? *def.defaultValue
+                                                : AttributeValue{def.type.kind, {}});
+        }
+        return values;
+    }
+
+    std::vector<std::string> children(const std::string& dn,
+                                      const std::string& className) override {
+        const std::string prefix = (dn.empty() ? "" : dn + ",") + className + "=";
+        std::vector<std::string> names;
+        for (const auto& [object, attributes] : objects) {
+            const std::string name = object.substr(std::min(prefix.size(), object.size()));
+            if (object.compare(0, prefix.size(), prefix) == 0 &&
+                name.find(',') == std::string::npos) {
+                names.push_back(name);
+            }
+        }
+        return names;
+    }
+};
+
+class EditPlannerTest : public testing::Test {
+protected:
+    EditPlannerTest() {
+        mState.objects = {{kSite, {}},
+                          {kMast, {{"units", refs({kUnit})}}},
+                          {kOther, {}},
+                          {kUnit, {{"mast", refs({kMast})}, {"label", text("old")}}}};
+    }
+
+    static Model makeModel() {
+        return ModelBuilder()
+            .add(ClassDraft("Site").topLevel().key("siteId"))
+            .add(ClassDraft("Mast").key("mastId").attribute(
+                AttributeDraft::reference("units", {"Unit"}).many()))
+            .add(ClassDraft("Unit")
+                     .key("unitId")
+                     .attribute(AttributeDraft::text("label"))
+                     .attribute(AttributeDraft::text("state").readOnly())
+                     .attribute(AttributeDraft::text("need").mandatory())
+                     .attribute(AttributeDraft::text("mode").defaultsTo(std::string("auto")))
+                     .attribute(AttributeDraft::reference("mast", {"Mast"}))
+                     .attribute(AttributeDraft::reference("near", {"Mast"})))
+            .contain("Site", "Mast")
+            .contain("Site", "Unit")
+            .contain("Unit", "Unit")
+            .biDir(ReferenceDraft("Unit", "mast"), ReferenceDraft("Mast", "units"))
+            .uniDir(ReferenceDraft("Unit", "near"), {"Mast"})
+            .build();
+    }
+
+    /// The calls of the plan, one text each.
+    std::vector<std::string> plan(const Wish& wish) {
+        static const char* const kKinds[] = {"delete", "create", "set"};
+        std::vector<std::string> texts;
+        for (const PlannedCall& call : EditPlanner(mModel).plan(wish, mState).calls) {
+            std::string line = std::string(kKinds[static_cast<int>(call.kind)]) + " " + call.dn;
+            for (const NamedValue& named : call.attributes) {
+                line += " " + named.first + "=[";
+                for (const Value& one : named.second.values) {
+                    line += (line.back() == '[' ? "" : " ") + toText(one);
+                }
+                line += "]";
+            }
+            texts.push_back(line);
+        }
+        return texts;
+    }
+
+    std::vector<std::string> problems(const Wish& wish) {
+        std::vector<std::string> texts;
+        try {
+            EditPlanner(mModel).plan(wish, mState);
+        } catch (const EditRefusedError& refusal) {
+            for (const EditProblem& problem : refusal.problems()) {
+                texts.push_back(problem.text);
+            }
+        }
+        return texts;
+    }
+
+    static Wish edit(EditKind kind, const std::string& dn,
+                     const std::vector<NamedValue>& attributes) {
+        return {{{kind, dn, {{dn, attributes}}}}};
+    }
+
+    const Model mModel = makeModel();
+    MapState mState;
+};
+
+TEST_F(EditPlannerTest, Merge_ANewObject_IsCreatedFirstAndReferredToLast) {
+    EXPECT_THAT(
+        plan(edit(EditKind::Merge, "Site=s,Unit=v",
+                  {{"mast", refs({kOther})}, {"near", refs({kMast})}, {"need", text("n")}})),
+        ElementsAre("create Site=s,Unit=v need=[n]",
+                    std::string("set Site=s,Unit=v near=[") + kMast + "]",
+                    std::string("set Site=s,Unit=v mast=[") + kOther + "]"));
+}
+
+TEST_F(EditPlannerTest, Merge_ValuesThatAreThere_AreNotWritten) {
+    EXPECT_THAT(
+        plan(edit(EditKind::Merge, kUnit,
+                  {{"label", text("old")}, {"mode", text("auto")}, {"mast", refs({kMast})}})),
+        IsEmpty());
+}
+
+TEST_F(EditPlannerTest, Move_BothSidesNamed_IsWrittenFromTheFirstSideOnly) {
+    const Wish wish{{{EditKind::Set, kUnit, {{kUnit, {{"mast", refs({kOther})}}}}},
+                     {EditKind::Set, kMast, {{kMast, {{"units", refs({})}}}}},
+                     {EditKind::Set, kOther, {{kOther, {{"units", refs({kUnit})}}}}}}};
+    EXPECT_THAT(plan(wish), ElementsAre(std::string("set ") + kUnit + " mast=[" + kOther + "]"));
+}
+
+TEST_F(EditPlannerTest, Move_OnlyBackPointersNamed_IsWrittenFromThem) {
+    const Wish wish{{{EditKind::Set, kMast, {{kMast, {{"units", refs({})}}}}},
+                     {EditKind::Set, kOther, {{kOther, {{"units", refs({kUnit})}}}}}}};
+    EXPECT_THAT(plan(wish), ElementsAre(std::string("set ") + kMast + " units=[]",
+                                        std::string("set ") + kOther + " units=[" + kUnit + "]"));
+}
+
+TEST_F(EditPlannerTest, Move_TheOldBackPointerIsRepeated_FollowsInAnEditAndContradictsInAState) {
+    Wish wish{{{EditKind::Set, kUnit, {{kUnit, {{"mast", refs({kOther})}}}}},
+               {EditKind::Set, kMast, {{kMast, {{"units", refs({kUnit})}}}}}}};
+    EXPECT_THAT(plan(wish), ElementsAre(std::string("set ") + kUnit + " mast=[" + kOther + "]"));
+    wish.repeated = Wish::Repeated::IsWished;
+    EXPECT_THAT(
+        problems(wish),
+        ElementsAre("Site=s,Mast=m.units names Site=s,Unit=u, but Site=s,Unit=u.mast, which "
+                    "the wish gives too, does not name Site=s,Mast=m"));
+}
+
+TEST_F(EditPlannerTest, Replace_WithoutTheBackPointers_LeavesThemAndTheObject) {
+    EXPECT_THAT(plan(edit(EditKind::Replace, kMast, {})), IsEmpty());
+    EXPECT_THAT(plan(edit(EditKind::Replace, kUnit, {{"need", text("n")}})),
+                ElementsAre("set Site=s,Unit=u label=[] need=[n]"));
+}
+
+TEST_F(EditPlannerTest, State_ThatNamesNeitherSide_TakesThePairApart) {
+    EXPECT_THAT(plan(wishedState(kSite, {{kSite, {}}, {kMast, {}}, {kUnit, {}}})),
+                ElementsAre("delete Site=s,Mast=n", "set Site=s,Unit=u label=[]",
+                            "set Site=s,Mast=m units=[]"));
+}
+
+TEST_F(EditPlannerTest, State_WithAnotherOrderOfTheFarSide_BringsItIntoThatOrder) {
+    mState.objects["Site=s,Unit=v"] = {{"mast", refs({kMast})}};
+    mState.objects[kMast]["units"] = refs({kUnit, "Site=s,Unit=v"});
+    EXPECT_THAT(plan(edit(EditKind::Merge, kMast, {{"units", refs({"Site=s,Unit=v", kUnit})}})),
+                IsEmpty());
+    Wish wish = edit(EditKind::Merge, kMast, {{"units", refs({"Site=s,Unit=v", kUnit})}});
+    wish.repeated = Wish::Repeated::IsWished;
+    EXPECT_THAT(plan(wish), ElementsAre("set Site=s,Mast=m units=[Site=s,Unit=v Site=s,Unit=u]"));
+}
+
+TEST_F(EditPlannerTest, Siblings_Created_KeepTheOrderOfTheWish) {
+    const Wish wish{
+        {{EditKind::Merge,
+          kSite,
+          {{"Site=s,Unit=z,Unit=1", {}}, {"Site=s,Unit=z", {}}, {"Site=s,Unit=b", {}}}}}};
+    EXPECT_THAT(plan(wish), ElementsAre("create Site=s,Unit=z", "create Site=s,Unit=b",
+                                        "create Site=s,Unit=z,Unit=1"));
+}
+
+TEST_F(EditPlannerTest, Delete_OfASubtree_IsOneCall) {
+    mState.objects["Site=s,Unit=u,Unit=1"] = {};
+    const Wish wish{{{EditKind::Delete, "Site=s,Unit=u,Unit=1", {}},
+                     {EditKind::Delete, kUnit, {}},
+                     {EditKind::Remove, "Site=s,Unit=none", {}}}};
+    EXPECT_THAT(plan(wish), ElementsAre("delete Site=s,Unit=u"));
+}
+
+TEST_F(EditPlannerTest, Problems_OfAllKinds_AreNamedInOneRefusal) {
+    const Wish wish{
+        {{EditKind::Create, kUnit, {{kUnit, {{"colour", text("red")}}}}},
+         {EditKind::Merge, "Site=s,Street=1", {{"Site=s,Street=1", {}}}},
+         {EditKind::Merge, "Site=s,Unit=x,Unit=1", {{"Site=s,Unit=x,Unit=1", {}}}},
+         {EditKind::Merge, kSite, {{"Site=t", {}}}},
+         {EditKind::Set, "Site=s,Unit=y", {{"Site=s,Unit=y", {}}}},
+         {EditKind::Delete, "Site=s,Unit=z", {}},
+         {EditKind::Delete, kOther, {}},
+         {EditKind::Merge,
+          "Site=s,Unit=w",
+          {{"Site=s,Unit=w",
+            {{"near", refs({kOther})}, {"mast", refs({kOther})}, {"state", text("up")}}}}},
+         {EditKind::Merge, kUnit, {{kUnit, {{"label", text("a")}}}}},
+         {EditKind::Merge, kUnit, {{kUnit, {{"label", text("b")}}}}}}};
+    EXPECT_THAT(
+        problems(wish),
+        ElementsAre(
+            HasSubstr("there is no class Street; classes under Site: Mast, Unit."),
+            "Site=s,Unit=u is to be created, but it exists",
+            "Site=s,Unit=u: class Unit has no attribute colour",
+            "Site=s,Unit=u.label is wished with two different values",
+            "Site=s,Unit=w.mast names Site=s,Mast=n, which the wish deletes",
+            "Site=s,Unit=w.near names Site=s,Mast=n, which the wish deletes",
+            HasSubstr("attribute 'state' of class 'Unit' is set by the system only"),
+            "Site=s,Unit=x,Unit=1 has no parent: Site=s,Unit=x neither exists nor is created",
+            "there is no object Site=s,Unit=y to be set",
+            "there is no object Site=s,Unit=z to be deleted",
+            "Site=t is not in the subtree of Site=s, which the edit is about"));
+}
+
+TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
+    mState.objects[kUnit]["need"] = text("n");
+    EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
+                ElementsAre("Site=s,Unit=u.need must have a value, and the wish gives none"));
+}
+
+TEST_F(EditPlannerTest, Plan_Cancelled_EndsWithoutAPlan) {
+    CancellationToken token;
+    token.cancel();
+    EXPECT_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState),
+                 CancelledError);
+    token.reset();
+    EXPECT_NO_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState));
+}
+
+}
+}
