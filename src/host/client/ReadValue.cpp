@@ -23,12 +23,12 @@ const AttributeDef* memberOf(const AttributeDef* def, const char* name) {
 }
 
 template <class Member>
-ReadMembers readMembers(const Member* member, const AttributeDef* def) {
-    ReadMembers members;
+ReadStruct readStruct(const Member* member, const AttributeDef* def) {
+    ReadStruct::Members members;
     for (; member != nullptr; member = member->next) {
         members.emplace_back(member->name, toReadValue(member->value, memberOf(def, member->name)));
     }
-    return members;
+    return ReadStruct(std::move(members));
 }
 
 ReadSlot readText(const char* text) {
@@ -52,7 +52,7 @@ ReadSlot readSlot(std::int32_t type, const Slot& slot, const AttributeDef* def) 
     case OrvMoAttributeTypeMoRef_3:
         return readText(slot.moRef);
     case OrvMoAttributeTypeStruct_3:
-        return readMembers(slot.structValue, def);
+        return readStruct(slot.structValue, def);
     default:
         return UnknownValue{type, slot.uint64};
     }
@@ -96,9 +96,9 @@ std::optional<ValueKind> kindOf(std::int32_t type) {
     }
 }
 
-std::optional<StructValue> toStruct(const ReadMembers& members) {
+std::optional<StructValue> toStruct(const ReadStruct& read) {
     StructValue result;
-    for (const NamedReadValue& member : members) {
+    for (const NamedReadValue& member : read.members) {
         if (member.second.slots.empty()) {
             continue;
         }
@@ -118,7 +118,7 @@ std::optional<Value> toValue(const ReadSlot& slot) {
             if constexpr (std::is_same_v<Held, std::monostate> ||
                           std::is_same_v<Held, UnknownValue>) {
                 return std::nullopt;
-            } else if constexpr (std::is_same_v<Held, ReadMembers>) {
+            } else if constexpr (std::is_same_v<Held, ReadStruct>) {
                 std::optional<StructValue> members = toStruct(held);
                 return members ? std::optional<Value>(std::move(*members)) : std::nullopt;
             } else {
@@ -129,6 +129,14 @@ std::optional<Value> toValue(const ReadSlot& slot) {
 }
 
 }
+
+ReadStruct::ReadStruct() = default;
+ReadStruct::ReadStruct(Members values) : members(std::move(values)) {}
+ReadStruct::ReadStruct(const ReadStruct& other) = default;
+ReadStruct::ReadStruct(ReadStruct&& other) noexcept = default;
+ReadStruct& ReadStruct::operator=(const ReadStruct& other) = default;
+ReadStruct& ReadStruct::operator=(ReadStruct&& other) noexcept = default;
+ReadStruct::~ReadStruct() = default;
 
 ReadValue toReadValue(const OrvMoAttributeValueContainer_3* container, const AttributeDef* def) {
     return readContainer(container, def);

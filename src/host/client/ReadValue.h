@@ -25,11 +25,26 @@ struct UnknownValue {
 };
 
 /// The members of a struct value in their order.
-using ReadMembers = std::vector<std::pair<std::string, ReadValue>>;
+///
+/// A member may be a struct again, so ReadValue is still incomplete here. For that reason the
+/// special member functions are defined in the source file.
+struct ReadStruct {
+    using Members = std::vector<std::pair<std::string, ReadValue>>;
+
+    ReadStruct();
+    explicit ReadStruct(Members values);
+    ReadStruct(const ReadStruct& other);
+    ReadStruct(ReadStruct&& other) noexcept;
+    ReadStruct& operator=(const ReadStruct& other);
+    ReadStruct& operator=(ReadStruct&& other) noexcept;
+    ~ReadStruct();
+
+    Members members;
+};
 
 /// One value. std::monostate stands for a null text.
 using ReadSlot = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double,
-                              std::string, ReadMembers, UnknownValue>;
+                              std::string, ReadStruct, UnknownValue>;
 
 /// The answer to a read of one attribute, or the result of an action. It can hold what no attribute
 /// of the model may hold, because a component is free to answer so; toAttributeValue gives the

@@ -268,7 +268,7 @@ void WishMaker::unlinkAll(const std::string& dn) {
 
 bool WishMaker::isNamed(const std::string& className, const std::string& name, Sides sides) {
     for (const BiDirAssociation& association : mModel.biDirAssociations) {
-        for (const std::size_t near : {0, 1}) {
+        for (const std::size_t near : {std::size_t{0}, std::size_t{1}}) {
             const AssociationEnd& here = association.ends[near];
             const AssociationEnd& far = association.ends[1 - near];
             if (mModel.classes[here.moc].name != className || far.name != name) {
@@ -386,12 +386,12 @@ void WishMaker::addStale(MadeWish& made) {
     if (object == nullptr || mBefore.count(object->dn) == 0) {
         return;
     }
-    for (const auto& [name, value] : mBefore.at(object->dn)) {
+    for (const auto& old : mBefore.at(object->dn)) {
         const bool isNamed =
             std::any_of(object->attributes.begin(), object->attributes.end(),
-                        [&](const NamedValue& named) { return named.first == name; });
+                        [&](const NamedValue& named) { return named.first == old.first; });
         if (!isNamed) {
-            object->attributes.emplace_back(name, value);
+            object->attributes.emplace_back(old.first, old.second);
             made.traits.insert("old values named");
         }
     }

@@ -33,11 +33,11 @@ std::string targetIn(const ReadSlot& slot) {
 }
 
 const ReadValue* memberIn(const ReadSlot& slot, const std::string& name) {
-    const auto* members = std::get_if<ReadMembers>(&slot);
+    const auto* members = std::get_if<ReadStruct>(&slot);
     if (members == nullptr) {
         return nullptr;
     }
-    for (const NamedReadValue& member : *members) {
+    for (const NamedReadValue& member : members->members) {
         if (member.first == name) {
             return &member.second;
         }

@@ -18,8 +18,8 @@ JsonValue slotJson(const ReadSlot& slot) {
                 return nullptr;
             } else if constexpr (std::is_same_v<Held, UnknownValue>) {
                 return {{"type", held.type}, {"raw", held.bytes}};
-            } else if constexpr (std::is_same_v<Held, ReadMembers>) {
-                return toJson(held);
+            } else if constexpr (std::is_same_v<Held, ReadStruct>) {
+                return toJson(held.members);
             } else {
                 return held;
             }

@@ -14,9 +14,23 @@ KnownState::Object& KnownState::object(const std::string& dn) {
         if (mToken != nullptr) {
             mToken->throwIfCancelled();
         }
-        place->second.moc = DnResolver(mModel).classOf(dn);
+        place->second.moc = findClass(dn);
     }
     return place->second;
+}
+
+// Objects of one wish share most of their DNs, so the class of the parent is known already.
+const ClassDef* KnownState::findClass(const std::string& dn) {
+    const std::string parent = parentOf(dn);
+    if (parent.empty()) {
+        return DnResolver(mModel).classOf(dn);
+    }
+    const ClassDef* parentMoc = object(parent).moc;
+    const WrittenStep step = writtenSteps(dn.substr(parent.size() + 1)).front();
+    const auto moc = mModel.findClass(step.className);
+    const bool isPossible = parentMoc != nullptr && step.isWellFormed && moc &&
+                            mModel.classes[*moc].mayStandUnder(indexOf(*parentMoc));
+    return isPossible ? &mModel.classes[*moc] : nullptr;
 }
 
 const ClassDef* KnownState::classOf(const std::string& dn) {

@@ -48,6 +48,7 @@ private:
     };
 
     Object& object(const std::string& dn);
+    const ClassDef* findClass(const std::string& dn);
 
     const Model& mModel;
     StateBefore& mBefore;

@@ -35,10 +35,8 @@ ObjectChanges::ObjectChanges(const Wish& wish, KnownState& state,
 }
 
 void ObjectChanges::readDelete(const Edit& edit) {
-    const ClassDef* moc = nullptr;
-    const std::string reason = DnResolver(mState.model()).whyNoDn(edit.dn, &moc);
-    if (!reason.empty()) {
-        add(EditProblem::Kind::NoSuchClass, edit.dn, {}, reason);
+    if (mState.classOf(edit.dn) == nullptr) {
+        addNoSuchClass(edit.dn);
     } else if (mState.exists(edit.dn)) {
         mDeletedTops.insert(edit.dn);
     } else if (edit.kind == EditKind::Delete) {
@@ -59,10 +57,9 @@ void ObjectChanges::readObjects(const Edit& edit) {
 }
 
 void ObjectChanges::readObject(const Edit& edit, const WishedObject& object) {
-    const ClassDef* moc = nullptr;
-    const std::string reason = DnResolver(mState.model()).whyNoDn(object.dn, &moc);
-    if (!reason.empty()) {
-        add(EditProblem::Kind::NoSuchClass, object.dn, {}, reason);
+    const ClassDef* moc = mState.classOf(object.dn);
+    if (moc == nullptr) {
+        addNoSuchClass(object.dn);
         return;
     }
     const auto [place, isNew] = mPositions.try_emplace(object.dn, mChanges.size());
@@ -191,6 +188,11 @@ bool ObjectChanges::isDeleted(const std::string& dn) const {
 
 bool ObjectChanges::existsAfter(const std::string& dn) const {
     return find(dn) != nullptr || (deletedTopOf(dn) == nullptr && mState.exists(dn));
+}
+
+void ObjectChanges::addNoSuchClass(const std::string& dn) {
+    const ClassDef* none = nullptr;
+    add(EditProblem::Kind::NoSuchClass, dn, {}, DnResolver(mState.model()).whyNoDn(dn, &none));
 }
 
 void ObjectChanges::add(EditProblem::Kind kind, const std::string& dn, const std::string& attribute,

@@ -57,6 +57,7 @@ private:
     void findWhatGoes(const std::string& dn);
     void checkParents();
     const std::string* deletedTopOf(const std::string& dn) const;
+    void addNoSuchClass(const std::string& dn);
     void add(EditProblem::Kind kind, const std::string& dn, const std::string& attribute,
              const std::string& text);
 
