@@ -30,8 +30,6 @@ AttributeValue refs(const std::vector<std::string>& dns) {
     return {ValueKind::MoRef, std::vector<Value>(dns.begin(), dns.end())};
 }
 
-const AttributeValue kNoText{ValueKind::String, {}};
-
 /// Objects in memory.
 class MapState : public StateBefore {
 public:
