@@ -151,9 +151,4 @@ const AttributeDef* resultOf(const ActionDef* action) {
     return action != nullptr && action->result ? &*action->result : nullptr;
 }
 
-std::string childOf(const std::string& parent, const std::string& className,
-                    const std::string& name) {
-    return (parent.empty() ? "" : parent + ",") + className + "=" + name;
-}
-
 }

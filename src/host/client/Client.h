@@ -96,10 +96,6 @@ private:
     const CancellationToken* mToken = nullptr;
 };
 
-/// The external DN of a child. \p parent may be empty.
-std::string childOf(const std::string& parent, const std::string& className,
-                    const std::string& name);
-
 /// The definition of an attribute, or null; also null if the class is null.
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
 

@@ -5,6 +5,7 @@
 
 #include "NamedRecords.h"
 #include "OfferedTable.h"
+#include "base/DnView.h"
 #include "router/ContainerConversion.h"
 
 #include <algorithm>
@@ -104,7 +105,7 @@ void Client1::create(unsigned long txHandle, const NewObject& object,
     check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
                            object.namingAttribute.c_str(), object.name.c_str()),
           {"createMo", object.parentDn, object.className, {}});
-    setAll(txHandle, childOf(object.parentDn, object.className, object.name), attributes,
+    setAll(txHandle, DnView(object.parentDn).child(object.className, object.name), attributes,
            {"the object is created"});
 }
 

@@ -11,49 +11,34 @@
 
 namespace OrvHost {
 
-namespace {
-
-WrittenStep writtenStep(const std::string& text) {
-    const std::size_t equals = text.find('=');
-    WrittenStep step;
-    step.text = text;
-    step.className = text.substr(0, equals);
-    step.value = equals == std::string::npos ? std::string() : text.substr(equals + 1);
-    step.isWellFormed = equals != std::string::npos && !step.className.empty() &&
-                        Orv::DnUtil::validateMoNamingAttr(step.value.c_str());
-    return step;
-}
-
-}
-
-std::vector<WrittenStep> writtenSteps(const std::string& dn) {
-    std::vector<WrittenStep> steps;
-    std::size_t begin = 0;
-    while (begin <= dn.size()) {
-        const std::size_t comma = std::min(dn.find(',', begin), dn.size());
-        steps.push_back(writtenStep(dn.substr(begin, comma - begin)));
-        begin = comma + 1;
-    }
-    return steps;
+bool isNamingStep(const DnStep& step) {
+    return step.isValid() && Orv::DnUtil::validateMoNamingAttr(std::string(step.value()).c_str());
 }
 
 std::string DnResolver::whyNoDn(const std::string& dn, const ClassDef** moc) const {
     *moc = nullptr;
-    for (const WrittenStep& step : writtenSteps(dn)) {
-        if (!step.isWellFormed) {
-            return "'" + step.text + "' in " + dn + " is no step of a DN; expected Class=value";
+    const auto noStep = [&](std::string_view text) {
+        return "'" + std::string(text) + "' in " + dn + " is no step of a DN; expected Class=value";
+    };
+    if (dn.empty()) {
+        return noStep(dn);
+    }
+    for (const DnStep step : DnView(dn).steps()) {
+        if (!isNamingStep(step)) {
+            return noStep(step.text());
         }
-        std::string problem = whyNotUnder(*moc, step.className);
+        const std::string className(step.type());
+        std::string problem = whyNotUnder(*moc, className);
         if (!problem.empty()) {
             return problem;
         }
-        const bool isRoot = *moc == nullptr && step.className == kRootClass;
-        if (isRoot && step.value != Orv::MeIdTranslator::instance()->identity()) {
-            return std::string(kRootClass) + "=" + step.value +
+        const bool isRoot = *moc == nullptr && className == kRootClass;
+        if (isRoot && step.value() != Orv::MeIdTranslator::instance()->identity()) {
+            return className + "=" + std::string(step.value()) +
                    " is not known; clients know it as " + kRootClass + "=" +
                    Orv::MeIdTranslator::instance()->identity();
         }
-        *moc = &mModel.classes[*mModel.findClass(step.className)];
+        *moc = &mModel.classes[*mModel.findClass(className)];
     }
     return {};
 }

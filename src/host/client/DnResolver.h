@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_CLIENT_DNRESOLVER_H
 #define ORV_HOST_CLIENT_DNRESOLVER_H
 
+#include "base/DnView.h"
 #include "model/Model.h"
 
 #include <string>
@@ -39,16 +40,8 @@ private:
     const Model& mModel;
 };
 
-/// One step of an external DN as it was written.
-struct WrittenStep {
-    std::string text;
-    std::string className;
-    std::string value;
-    bool isWellFormed = false; ///< Class=value, with a value that can name an object
-};
-
-/// The steps of \p dn from the top; at least one.
-std::vector<WrittenStep> writtenSteps(const std::string& dn);
+/// True for Class=value with a value that can name an object.
+bool isNamingStep(const DnStep& step);
 
 /// The class of the element at the root, the only one whose name clients know differently.
 constexpr const char* kRootClass = "ManagedElement";

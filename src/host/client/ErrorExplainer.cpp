@@ -7,6 +7,7 @@
 #include "DnResolver.h"
 #include "MeIdTranslator.h"
 #include "Suggestion.h"
+#include "base/DnView.h"
 #include "base/HostReturn.h"
 #include "base/Join.h"
 
@@ -129,12 +130,12 @@ std::string ErrorExplainer::explainAttributes(const ClassDef& moc,
 // From the top down, so that the first missing object is the one that is reported.
 std::string ErrorExplainer::explainMissingObject(const std::string& dn) {
     std::string parent;
-    for (const WrittenStep& step : writtenSteps(dn)) {
-        const std::string current = childOf(parent, step.className, step.value);
+    for (const DnStep step : DnView(dn).steps()) {
+        const std::string current = DnView(parent).child(step.type(), step.value());
         const bool exists = mSession.read(
             [&](unsigned long txHandle) { return mSession.client().exists(txHandle, current); });
         if (!exists) {
-            return "there is no object " + current + siblings(parent, step.className);
+            return "there is no object " + current + siblings(parent, std::string(step.type()));
         }
         parent = current;
     }

@@ -23,18 +23,17 @@ std::string usualNamingAttribute(std::string className) {
 }
 
 NewObject parseNewObject(const Model& model, const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    const std::string step = comma == std::string::npos ? dn : dn.substr(comma + 1);
-    const std::size_t equals = step.find('=');
-    if (equals == 0 || equals == std::string::npos) {
-        throw RequestError("'" + step + "' in " + dn + " is no step of a DN; expected Class=value");
+    const DnStep step = DnView(dn).last();
+    const std::string type(step.type());
+    if (type.empty() || type.size() == step.text().size()) {
+        throw RequestError("'" + std::string(step.text()) + "' in " + dn +
+                           " is no step of a DN; expected Class=value");
     }
-    const std::string type = step.substr(0, equals);
     const std::size_t dot = type.find('.', 1);
     NewObject object;
-    object.parentDn = comma == std::string::npos ? "" : dn.substr(0, comma);
+    object.parentDn = DnView(dn).parent().text();
     object.className = type.substr(0, dot);
-    object.name = step.substr(equals + 1);
+    object.name = step.value();
     const auto moc = model.findClass(object.className);
     object.namingAttribute = dot != std::string::npos ? type.substr(dot + 1)
                              : moc                    ? model.classes[*moc].namingAttribute

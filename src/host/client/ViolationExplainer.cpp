@@ -3,7 +3,6 @@
 
 #include "ViolationExplainer.h"
 
-#include "BoundsText.h"
 #include "ClientSession.h"
 #include "DnResolver.h"
 #include "ErrorExplainer.h"

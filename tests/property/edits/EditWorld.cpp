@@ -3,6 +3,7 @@
 
 #include "EditWorld.h"
 
+#include "base/DnView.h"
 #include "model/building/ModelBuilder.h"
 
 #include <algorithm>
@@ -167,7 +168,7 @@ void EditWorld::readBelow(unsigned long txHandle, const std::string& dn, const C
         Dns dns;
         mClients->version3().forEachChild(txHandle, dn, childMoc.name,
                                           [&](const std::string& name) {
-                                              dns.push_back(childOf(dn, childMoc.name, name));
+                                              dns.push_back(DnView(dn).child(childMoc.name, name));
                                               return true;
                                           });
         for (const std::string& childDn : dns) {

@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 
+#include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/AlignedText.h"
 #include "cli/session/Session.h"
@@ -89,7 +90,7 @@ void runList(Session& session, Words words) {
     JsonValue children = JsonValue::array();
     session.read([&](unsigned long txHandle) {
         walk.forEach(txHandle, [&](const std::string& className, const std::string& name) {
-            const std::string child = childOf(dn, className, name);
+            const std::string child = DnView(dn).child(className, name);
             if (session.wantsJson()) {
                 children.push_back({{"dn", child}, {"class", className}, {"name", name}});
             } else {

@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 
+#include "base/DnView.h"
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
 
@@ -33,7 +34,7 @@ public:
         for (std::size_t position = 0; position < all.size(); ++position) {
             const bool isLast = position + 1 == all.size();
             const Child& child = all[position];
-            const std::string childDn = childOf(dn, child.className, child.name);
+            const std::string childDn = DnView(dn).child(child.className, child.name);
             mSession.out() << indent << (isLast ? "└── " : "├── ") << child.className << '='
                            << child.name << cutMark(childDn, level + 1) << '\n';
             if (level + 1 < mDepth) {
@@ -45,7 +46,7 @@ public:
     JsonValue childrenJson(const std::string& dn, std::uint64_t level) {
         JsonValue result = JsonValue::array();
         for (const Child& child : children(dn)) {
-            result.push_back(nodeJson(childOf(dn, child.className, child.name), level));
+            result.push_back(nodeJson(DnView(dn).child(child.className, child.name), level));
         }
         return result;
     }

@@ -4,7 +4,6 @@
 #include "ClassGraph.h"
 
 #include "GraphLook.h"
-#include "client/BoundsText.h"
 
 #include <algorithm>
 

@@ -3,6 +3,7 @@
 
 #include "PictureReader.h"
 
+#include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "client/ClientSession.h"
 #include "client/DnResolver.h"
@@ -137,7 +138,8 @@ PictureReader::Level PictureReader::addBelow(const Level& level) {
         for (const std::string& className : childClasses(parent.dn)) {
             mSession.client().forEachChild(
                 mTxHandle, parent.dn, className, [&](const std::string& name) {
-                    next.push_back({childOf(parent.dn, className, name), mPicture.objects.size()});
+                    next.push_back(
+                        {DnView(parent.dn).child(className, name), mPicture.objects.size()});
                     mPicture.objects.push_back(readObject(next.back().dn));
                     mPicture.objects.back().parent = parent.position;
                     return true;

@@ -4,7 +4,6 @@
 #include "ClassReport.h"
 
 #include "AlignedText.h"
-#include "client/BoundsText.h"
 #include "client/Suggestion.h"
 
 namespace OrvHost {

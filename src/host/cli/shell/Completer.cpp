@@ -3,6 +3,7 @@
 
 #include "Completer.h"
 
+#include "base/DnView.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
@@ -184,7 +185,7 @@ std::vector<std::string> Completer::dns(const std::string& word) {
     std::vector<std::string> result;
     mSession.read([&](unsigned long txHandle) {
         mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {
-            result.push_back(childOf(parent, className, name));
+            result.push_back(DnView(parent).child(className, name));
             return result.size() < kMostObjects;
         });
     });

@@ -7,6 +7,7 @@
 #include "AssociationSides.h"
 #include "ClientState.h"
 #include "ObjectChanges.h"
+#include "base/DnView.h"
 
 #include <algorithm>
 #include <iterator>
@@ -150,9 +151,7 @@ private:
                 created.push_back(&change);
             }
         }
-        const auto depth = [](const ObjectChange* change) {
-            return std::count(change->dn.begin(), change->dn.end(), ',');
-        };
+        const auto depth = [](const ObjectChange* change) { return DnView(change->dn).depth(); };
         std::stable_sort(created.begin(), created.end(),
                          [&](const ObjectChange* left, const ObjectChange* right) {
                              return depth(left) < depth(right);

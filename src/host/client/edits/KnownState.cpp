@@ -3,7 +3,7 @@
 
 #include "KnownState.h"
 
-#include "client/Client.h"
+#include "base/DnView.h"
 #include "client/DnResolver.h"
 
 namespace OrvHost {
@@ -26,9 +26,9 @@ const ClassDef* KnownState::findClass(const std::string& dn) {
         return DnResolver(mModel).classOf(dn);
     }
     const ClassDef* parentMoc = object(parent).moc;
-    const WrittenStep step = writtenSteps(dn.substr(parent.size() + 1)).front();
-    const auto moc = mModel.findClass(step.className);
-    const bool isPossible = parentMoc != nullptr && step.isWellFormed && moc &&
+    const DnStep step = DnView(dn).last();
+    const auto moc = mModel.findClass(step.type());
+    const bool isPossible = parentMoc != nullptr && isNamingStep(step) && moc &&
                             mModel.classes[*moc].mayStandUnder(indexOf(*parentMoc));
     return isPossible ? &mModel.classes[*moc] : nullptr;
 }
@@ -66,7 +66,7 @@ std::vector<std::string> KnownState::children(const std::string& dn) {
     std::vector<std::string> dns;
     for (const std::string& className : resolver.childClasses(dn.empty() ? nullptr : classOf(dn))) {
         for (const std::string& name : mBefore.children(dn, className)) {
-            dns.push_back(childOf(dn, className, name));
+            dns.push_back(DnView(dn).child(className, name));
             object(dns.back()).exists = true;
         }
     }
@@ -74,13 +74,7 @@ std::vector<std::string> KnownState::children(const std::string& dn) {
 }
 
 std::string parentOf(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    return comma == std::string::npos ? std::string() : dn.substr(0, comma);
-}
-
-bool isAtOrBelow(const std::string& dn, const std::string& top) {
-    return top.empty() || (dn.compare(0, top.size(), top) == 0 &&
-                           (dn.size() == top.size() || dn[top.size()] == ','));
+    return std::string(DnView(dn).parent().text());
 }
 
 }

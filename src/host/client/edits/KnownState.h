@@ -59,9 +59,6 @@ private:
 /// The DN of the parent; empty for an object at the top level.
 std::string parentOf(const std::string& dn);
 
-/// True if \p dn is \p top or below it; every DN is below an empty one.
-bool isAtOrBelow(const std::string& dn, const std::string& top);
-
 }
 
 #endif

@@ -3,6 +3,7 @@
 
 #include "ObjectChanges.h"
 
+#include "base/DnView.h"
 #include "client/DnResolver.h"
 #include "store/WriteCheck.h"
 
@@ -47,7 +48,7 @@ void ObjectChanges::readDelete(const Edit& edit) {
 
 void ObjectChanges::readObjects(const Edit& edit) {
     for (const WishedObject& object : edit.objects) {
-        if (!isAtOrBelow(object.dn, edit.dn)) {
+        if (!DnView(object.dn).isAtOrBelow(DnView(edit.dn))) {
             add(EditProblem::Kind::OutsideEdit, object.dn, {},
                 object.dn + " is not in the subtree of " + edit.dn + ", which the edit is about");
             continue;
@@ -116,7 +117,7 @@ void ObjectChanges::checkValue(const ObjectChange& change, const NamedValue& nam
         return;
     }
     if (def.isNaming) {
-        const std::string name = change.dn.substr(change.dn.rfind('=') + 1);
+        const std::string name(DnView(change.dn).last().value());
         if (named.second != WriteCheck::nameValue(def, name)) {
             add(EditProblem::Kind::WrongValue, change.dn, def.name,
                 change.dn + "." + def.name + " names the object and cannot differ from " + name);
