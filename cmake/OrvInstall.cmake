@@ -6,7 +6,6 @@
 # reference host also orvhost and the models of the examples.
 include(CMakePackageConfigHelpers)
 
-set(include_dir "${CMAKE_INSTALL_INCLUDEDIR}/orv_ext_cm")
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
 set(data_dir "${CMAKE_INSTALL_DATADIR}/orv_ext_cm")
 
@@ -18,13 +17,10 @@ set_target_properties(orv_common PROPERTIES EXPORT_NAME common)
 install(TARGETS orv_spi orv_templates orv_common ext_cm
   EXPORT OrvExtCmTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  PUBLIC_HEADER DESTINATION "${include_dir}")
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 
-foreach(directory IN ITEMS src/spi src/common/inc src/orv_common/inc)
-  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${include_dir}"
-    FILES_MATCHING PATTERN "*.h")
-endforeach()
+get_property(public_headers GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
+install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv")
 
 install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}")
 configure_package_config_file(

@@ -5,11 +5,12 @@
 //
 //   assembled_host PATH/TO/libext_cm.so
 
-#include "OrvOamSpiManagedObject_3.h"
-#include "OwnedResult.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
+
+#include <orv/OrvOamSpiManagedObject_3.h>
+#include <orv/OwnedResult.h>
 
 #include <cstdio>
 #include <exception>

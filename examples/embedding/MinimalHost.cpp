@@ -6,12 +6,12 @@
 //
 //   minimal_host PATH/TO/libext_cm.so
 
-#include "MeIdTranslator.h"
-#include "OrvMgmtSpiInterfacePortal.h"
-#include "OrvOamSpiManagedObject_1.h"
-#include "OrvOamSpiManagedObject_3.h"
-#include "Portal.h"
-#include "VekOamSpiManagedObject_3_1.h"
+#include <orv/MeIdTranslator.h>
+#include <orv/OrvMgmtSpiInterfacePortal.h>
+#include <orv/OrvOamSpiManagedObject_1.h>
+#include <orv/OrvOamSpiManagedObject_3.h>
+#include <orv/Portal.h>
+#include <orv/VekOamSpiManagedObject_3_1.h>
 
 #include <cstdio>
 #include <cstring>

@@ -84,6 +84,9 @@ LAYERS = {
 PUBLIC_HEADERS = ["MoInterceptorBase.h", "ExtCmInterceptorRepository.h"]
 PUBLIC_TO = "examples/interceptor"
 
+# In this folder those who use the package find all public headers.
+PUBLIC_FOLDER = "orv/"
+
 # Where the sources of any layer might look for a header.
 INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/src", "src/host"]
 
@@ -104,6 +107,7 @@ def layer_of(root, path):
 
 
 def candidates(root, source, name):
+    name = name.removeprefix(PUBLIC_FOLDER)
     for place in [source.parent, *(root / directory for directory in INCLUDE_ROOTS)]:
         path = (place / name).resolve()
         if path.is_file() and path.is_relative_to(root):
@@ -206,7 +210,8 @@ SELF_TEST = [
     ("src/host/cli/output/Upward.h", '#include "cli/shell/Prompt.h"\n', 1),
     ("src/host/cli/shell/Prompt.h", '#include "cli/output/Json.h"\n', 0),
     ("examples/interceptor/src/Sample.cpp",
-     '#include <MoInterceptorBase.h>\n#include "Binder.h"\n#include <Service.h>\n', 1),
+     '#include <orv/MoInterceptorBase.h>\n#include <orv/Binder.h>\n#include <orv/Service.h>\n', 1),
+    ("src/common/inc/Folder.h", "#include <orv/Helper.h>\n", 1),
 ]
 
 

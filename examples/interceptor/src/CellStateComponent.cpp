@@ -3,7 +3,7 @@
 
 #include "CellStateComponent.h"
 
-#include <ExtCmInterceptorRepository.h>
+#include <orv/ExtCmInterceptorRepository.h>
 
 // [component]
 CellStateComponent::CellStateComponent()

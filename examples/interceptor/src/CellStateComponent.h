@@ -6,7 +6,7 @@
 
 #include "CellStateInterceptor.h"
 
-#include <Component.h>
+#include <orv/Component.h>
 
 /// The component as the host sees it. It offers no interface; while it is started its interceptor
 /// is in the repository.

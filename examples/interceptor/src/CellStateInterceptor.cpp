@@ -7,8 +7,8 @@
 #include "StateValue.h"
 #include "StateValues.h"
 
-#include <ExtCmInterceptorRepository.h>
-#include <OwnedResult.h>
+#include <orv/ExtCmInterceptorRepository.h>
+#include <orv/OwnedResult.h>
 
 #include <algorithm>
 #include <memory>

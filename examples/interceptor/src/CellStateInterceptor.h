@@ -4,8 +4,8 @@
 #ifndef CELL_STATE_CELLSTATEINTERCEPTOR_H
 #define CELL_STATE_CELLSTATEINTERCEPTOR_H
 
-#include <MoInterceptorBase.h>
-#include <OrvReturn.h>
+#include <orv/MoInterceptorBase.h>
+#include <orv/OrvReturn.h>
 
 /// Serves the attribute `operationalState` of all cells of a distributed unit. Its value is
 /// computed from `administrativeState` as the transaction sees it, and never stored. All other

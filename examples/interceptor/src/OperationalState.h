@@ -4,7 +4,7 @@
 #ifndef CELL_STATE_OPERATIONALSTATE_H
 #define CELL_STATE_OPERATIONALSTATE_H
 
-#include <OrvMoAttributeValue.h>
+#include <orv/OrvMoAttributeValue.h>
 
 /// The attribute that this component serves, and the router's attribute that its value is computed
 /// from.

@@ -4,7 +4,7 @@
 #ifndef CELL_STATE_STATEVALUE_H
 #define CELL_STATE_STATEVALUE_H
 
-#include <OrvMoAttributeValue.h>
+#include <orv/OrvMoAttributeValue.h>
 
 /// A state that this component returns, as one value of an enumeration. The table passes only the
 /// base class, a plain record; the release function converts it back to the object.

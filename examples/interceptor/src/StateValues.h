@@ -6,7 +6,7 @@
 
 #include "StateValue.h"
 
-#include <OwnedResult.h>
+#include <orv/OwnedResult.h>
 
 #include <memory>
 #include <vector>

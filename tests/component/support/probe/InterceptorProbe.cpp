@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ExtCmInterceptorRepository.h"
 #include "Interceptor.h"
-#include "MoInterceptorBase.h"
+
+#include <orv/ExtCmInterceptorRepository.h>
+#include <orv/MoInterceptorBase.h>
 
 namespace {
 
