@@ -1,10 +1,11 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# orv_compile_options: the compiler options of every target of this project.
+# orv_compile_options: the compiler options of every target of this project. Warnings are errors in
+# the presets only: those who build or embed the project may have another compiler.
 add_library(orv_compile_options INTERFACE)
 target_compile_options(orv_compile_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wformat=2 -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wformat=2
   $<$<CXX_COMPILER_ID:GNU>:-Wcast-qual>) # clang also reports libyang's macros
 
 if(ORV_SANITIZE)

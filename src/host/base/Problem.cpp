@@ -20,8 +20,11 @@ std::string linesOf(const std::vector<Problem>& problems) {
 }
 
 std::string toText(const SourcePosition& source) {
-    const bool isLineKnown = !source.file.empty() && source.line > 0;
-    return source.file + (isLineKnown ? ":" + std::to_string(source.line) : "");
+    std::string text = source.file;
+    if (!text.empty() && source.line > 0) {
+        text.append(":").append(std::to_string(source.line));
+    }
+    return text;
 }
 
 std::string toText(const Problem& problem) {
