@@ -13,6 +13,9 @@ target_precompile_headers(orv_test_headers PRIVATE
 
 # Builds the tests that also run under ThreadSanitizer.
 add_custom_target(thread_tests)
+# Builds the tests that count for the coverage of the component: its own, those of its helper library
+# and the properties. The test preset `coverage` runs those with such names.
+add_custom_target(coverage_tests)
 
 # orv_add_test(name SOURCES files... [LIBRARIES targets...] [LABELS labels...] [ENVIRONMENT vars...]
 #              [ISOLATED] [OWN_HEADERS])
@@ -29,6 +32,9 @@ function(orv_add_test name)
   endif()
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(thread_tests ${name})
+  endif()
+  if(name MATCHES "^(component|property|unit)_")
+    add_dependencies(coverage_tests ${name})
   endif()
   if(arg_ISOLATED)
     # Lists are passed as one argument each; without the quotes an empty list would take the next

@@ -47,7 +47,7 @@ function(orv_add_tidy_target target)
       cmake_path(GET stamp PARENT_PATH stamp_directory)
       file(MAKE_DIRECTORY "${stamp_directory}")
       add_custom_command(OUTPUT "${stamp}"
-        COMMAND "${ORV_CLANG_TIDY}" -p "${PROJECT_BINARY_DIR}" --quiet "${source}"
+        COMMAND "${PROJECT_SOURCE_DIR}/scripts/lint.py" "${PROJECT_BINARY_DIR}" "${source}"
         COMMAND "${CMAKE_COMMAND}" -E touch "${stamp}"
         DEPENDS "${source}" ${headers} "${PROJECT_SOURCE_DIR}/.clang-tidy"
         COMMENT "clang-tidy ${name}"

@@ -2,54 +2,55 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# The checks that must pass before a change is accepted: formatting; all tests and a short run of
-# each fuzzer under AddressSanitizer and UndefinedBehaviorSanitizer, compiled with clang; the tests
-# with threads under ThreadSanitizer, compiled with g++; the linter on the parts that a host loads
-# (on all sources it takes too long for each change: target `tidy`).
-#   scripts/test.sh          all of these
-#   scripts/test.sh quick    a debug build and its tests only
+# The checks that must pass before a change is accepted.
+#   scripts/test.sh        format, licences, a debug build and all its tests
+#   scripts/test.sh all    then also all tests and a short run of each fuzzer under AddressSanitizer
+#                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
+#                          threads under ThreadSanitizer; a release build without tests; the
+#                          linter on what changed; the coverage of the component, with its limit;
+#                          the API reference; the binary interface against its baseline
+#
+# ORV_LINT_BASE   the commit since which sources count as changed for the linter
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-mode=${1:-all}
+mode=${1:-plain}
 case "$mode" in
-  all | quick) ;;
+  all | plain) ;;
   *)
-    echo "usage: $0 [quick]" >&2
+    echo "usage: $0 [all]" >&2
     exit 2
     ;;
 esac
 
-step() {
-  printf '\n== %s\n' "$*"
-}
-
-run_preset() {
-  step "$1: build"
-  cmake --preset "$1" >"build/$1-configure.log" || {
-    cat "build/$1-configure.log" >&2
-    exit 1
-  }
-  cmake --build --preset "$1"
-  step "$1: test"
-  ctest --preset "$1" -j "$(nproc)"
-}
+# shellcheck source=steps.sh
+. scripts/steps.sh
 
 # The same result everywhere: no test waits for input, and standard input is never closed.
 exec </dev/null
 
-mkdir -p build
 scripts/install-deps.sh
 
-if [ "$mode" = quick ]; then
-  run_preset dev
-else
-  step "format"
-  git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run --Werror
-  run_preset asan
-  run_preset tsan
+step "format"
+git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run --Werror
+step "licences"
+reuse lint --quiet
+configure_and_build dev
+run_tests dev
+
+if [ "$mode" = all ]; then
+  configure_and_build asan
+  run_tests asan
+  configure_and_build tsan
+  run_tests tsan
+  scripts/release-builds.sh Release g++
   step "lint"
-  cmake --build --preset asan --target tidy_component
+  scripts/lint.py build/asan --changed "${ORV_LINT_BASE:-}"
+  scripts/coverage.sh
+  step "API reference"
+  cmake --build build/dev --target api_reference
+  step "binary interface"
+  cmake --build build/asan --target abi_check
 fi
 step "all green"
