@@ -25,6 +25,9 @@ test_packages=(
   libclang-rt-dev     # sanitizers and fuzzers of clang
   binutils python3
   gcovr               # coverage
+  git reuse           # which files are ours, and their licences
+  doxygen             # API reference
+  abigail-tools       # binary interface against the last release
 )
 bench_packages=(
   libbenchmark-dev
