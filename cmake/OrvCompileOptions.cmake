@@ -8,6 +8,14 @@ target_compile_options(orv_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wformat=2
   $<$<CXX_COMPILER_ID:GNU>:-Wcast-qual>) # clang also reports libyang's macros
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # When it optimises, it reports the standard library's own code, wherever texts are joined and
+  # records are moved. Other compilers, and the debug builds of this one, still warn.
+  target_compile_options(orv_compile_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-maybe-uninitialized>)
+endif()
+
 if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
     -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
