@@ -12,7 +12,7 @@ namespace {
 std::string linesOf(const std::vector<Problem>& problems) {
     std::string text;
     for (const Problem& problem : problems) {
-        text += (text.empty() ? "" : "\n") + toText(problem);
+        text.append(text.empty() ? "" : "\n").append(toText(problem));
     }
     return text;
 }
