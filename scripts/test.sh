@@ -49,8 +49,9 @@ if [ "$mode" = all ]; then
   scripts/lint.py build/asan --changed "${ORV_LINT_BASE:-}"
   scripts/coverage.sh
   step "API reference"
-  cmake --build build/dev --target api_reference
+  build --preset dev --target api_reference
   step "binary interface"
-  cmake --build build/asan --target abi_check
+  quietly build/release/configure.log cmake --preset release
+  build --preset release --target abi_check
 fi
 step "all green"
