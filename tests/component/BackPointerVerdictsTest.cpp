@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -196,6 +197,155 @@ TEST_F(BackPointerVerdicts, AnyClassThere_PassesEveryValueWithAClass) {
     expectValid();
 }
 
+TEST_F(BackPointerVerdicts, LookupThatRecoversThere_GoesOnFromTheSameValueAndLeavesTheLastOut) {
+    host.model().moc("Z");
+    host.model().moc("X").reference("others", "Y");
+    modelOfXAndY();
+    host.start();
+    write("X=1", "others", {"Y=1", "Y=2", "Z=1"});
+    host.when("Model.getMocFromDn").on("'Y=1'").once().fails(-42);
+    EXPECT_TRUE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Y=1 does not correspond to a valid MO type."));
+}
+
+TEST_F(BackPointerVerdicts, WrongClassWithoutName_TheMessageIsEmpty) {
+    host.model().moc("Z");
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {"Y=1", "Z=1"});
+    host.when("Model.getMocGeneralProperties").on("'Z'").fails(-42);
+    expectRefused({""});
+}
+
+TEST_F(BackPointerVerdicts, ClassWithTheHandleZero_IsAClassThatDoesNotFit) {
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {"Y=1"});
+    host.when("Model.getMocFromDn").on("'Y=1'").answers<unsigned long long>([](auto& moc) {
+        moc = 0;
+        return OrvOk;
+    });
+    expectRefused({""});
+}
+
+// A class derived from the declared one is another class.
+TEST_F(BackPointerVerdicts, DeclaredClass_IsComparedExactly) {
+    host.model().moc("X").reference("ys", "Base");
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {"Y=1"});
+    expectRefused({"Y is not a valid type for attribute ys in X=1."});
+}
+
+// ---------------------------------------------------------------------------------------------
+// An attribute that the class does not have, and what the model leaves out of a message
+
+TEST_F(BackPointerVerdicts, AttributeThatIsNotThere_IsJudgedAsTheLastOne) {
+    modelOfXAndY();
+    host.model().moc("X").reference("b", "Y", 0, 1);
+    host.mo("X=3").with("a", refs({}));
+    host.start();
+    write("X=3", "a", {"Y=1", "Y=2"});
+    expectRefused({"Multiplicity of attribute a in X=3 is not in range (0..1)."});
+}
+
+TEST_F(BackPointerVerdicts, AttributeThatIsNotThereBesideOneOther_IsNoReference) {
+    modelOfXAndY();
+    host.mo("X=3").with("a", refs({}));
+    host.start();
+    write("X=3", "a", {"Y=1"});
+    expectRefused({"Attribute a in X=3 is not a MO ref."});
+}
+
+TEST_F(BackPointerVerdicts, NameOfAnAttributeMissing_MatchesNothing) {
+    host.model().moc("X").reference("b", "Y", 0, 0);
+    modelOfXAndY();
+    host.start();
+    write("X=1", "b", {});
+    host.when("Model.getGeneralStringProperty").on("X.b").fails(-42);
+    expectValid(); // by the bounds of the last attribute
+    write("X=1", "b", {"Y=1"});
+    expectValid();
+}
+
+// The search goes on past a step that fails, from where it left the handle; two that stand end it.
+TEST_F(BackPointerVerdicts, AttributesThatCannotBeWalked_EndTheSearchWithoutAnAttribute) {
+    modelOfXAndY();
+    host.model().moc("X").reference("more", "Y");
+    host.start();
+    write("X=1", "more", {});
+    host.when("Model.getNextAttribute").fails(-42);
+    host.forget();
+    expectRefused({"Attribute more in X=1 is not a MO ref."});
+    EXPECT_THAT(host.calls("Model.getNextAttribute"),
+                ElementsAre("Model.getNextAttribute('X.ys')", "Model.getNextAttribute('0')",
+                            "Model.getNextAttribute('0')"));
+}
+
+TEST_F(BackPointerVerdicts, StepThatFailsAndMoves_IsWalkedPast) {
+    modelOfXAndY();
+    host.model().moc("X").reference("more", "Y", 0, 0);
+    host.start();
+    write("X=1", "more", {"Y=1"});
+    host.when("Model.getFirstAttribute").returns(-42);
+    host.when("Model.getNextAttribute").returns(42);
+    expectRefused({"Multiplicity of attribute more in X=1 is not in range (0..0)."});
+}
+
+// What stands before the missing text stays, and nothing comes after it.
+TEST_F(BackPointerVerdicts, RoleMissing_EndsTheCardinalityMessageThere) {
+    modelOfXAndY(0, 1);
+    host.start();
+    write("X=1", "ys", {"Y=1", "Y=2"});
+    host.when("Model.getEndStringProperty").on(", 1)").fails(-42);
+    expectRefused({"Attribute ys in X=1 contains 2 "});
+}
+
+TEST_F(BackPointerVerdicts, NameOfTheEndMissing_EndsTheCardinalityMessageThere) {
+    modelOfXAndY(0, 1);
+    host.start();
+    write("X=1", "ys", {"Y=1", "Y=2"});
+    host.when("Model.getEndStringProperty").nth(3).fails(-42);
+    expectRefused({"Attribute "});
+}
+
+TEST_F(BackPointerVerdicts, ClassOfTheTargetUnknown_CountsNone) {
+    modelOfXAndY(1, 2);
+    host.start();
+    write("X=1", "ys", {"Y=1"});
+    host.when("Model.getAttributeMoc").fails(-42);
+    expectRefused({"Attribute ys in X=1 contains 0 things which is not within cardinality range "
+                   "(1..2)."});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Bounds are signed numbers of 64 bits, and none of them is special
+
+TEST_F(BackPointerVerdicts, NegativeLowerBounds_AreBelowEveryCount) {
+    host.model().moc("X").reference("ys", "Y", -5, 3);
+    modelOfXAndY(-5, 3);
+    host.start();
+    write("X=1", "ys", {});
+    expectValid();
+}
+
+TEST_F(BackPointerVerdicts, MultiplicityOfMoreThan32Bits_IsComparedAndShownWhole) {
+    host.model().moc("X").reference("ys", "Y", 4'294'967'296, 4'294'967'298);
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {"Y=1"});
+    expectRefused({"Multiplicity of attribute ys in X=1 is not in range "
+                   "(4294967296..4294967298)."});
+}
+
+TEST_F(BackPointerVerdicts, CardinalityOfMoreThan32Bits_IsComparedAndShownWhole) {
+    modelOfXAndY(std::numeric_limits<long long>::min(), -4'294'967'296);
+    host.start();
+    write("X=1", "ys", {});
+    expectRefused({"Attribute ys in X=1 contains 0 things which is not within cardinality range "
+                   "(-9223372036854775808..-4294967296)."});
+}
+
 // ---------------------------------------------------------------------------------------------
 // Several associations through one attribute, and one class on both sides
 
@@ -215,6 +365,15 @@ TEST_F(BackPointerVerdicts, TwoAssociationsThroughOneAttribute_EachCountsItsOwnA
     EXPECT_FALSE(validate());
     EXPECT_EQ(host.messages().back(), "Attribute ys in X=1 contains 1 others which is not within "
                                       "cardinality range (2..2).");
+}
+
+TEST_F(BackPointerVerdicts, AttributeOfALaterAssociation_IsJudgedByItsOwn) {
+    host.model().biDir({"X", "ones"}, {"Y", "ofOne"});
+    host.model().biDir({"X", "twos", 0, 1, "twos"}, {"Y", "ofTwo"});
+    host.start();
+    write("X=1", "twos", {"Y=1", "Y=2"});
+    expectRefused({"Attribute twos in X=1 contains 2 twos which is not within cardinality range "
+                   "(0..1)."});
 }
 
 // The near end is always the first one: the attribute that is named after it meets no association,
@@ -294,4 +453,28 @@ TEST_F(BackPointerVerdicts, ClassWithoutAssociationsByNow_EndsTheJudgementAsItSt
     expectValid();
     EXPECT_THAT(host.calls("VekRouter3.existsMo"), ElementsAre("VekRouter3.existsMo(1, 'X=1')"));
     EXPECT_THAT(host.calls("Producer."), ElementsAre("Producer.release('X=1.ys')"));
+}
+
+TEST_F(BackPointerVerdicts, ExistenceOfALaterMoCannotBeTold_TheVerdictOnTheOthersStands) {
+    modelOfXAndY(1, 1);
+    host.start();
+    write("X=1", "ys", {});
+    write("X=2", "ys", {});
+    host.when("VekRouter3.existsMo").on("'X=1'").returns(-42);
+    expectRefused({"Attribute ys in X=2 contains 0 things which is not within cardinality range "
+                   "(1..1)."});
+}
+
+TEST_F(BackPointerVerdicts, WrittenWhileItIsValidated_IsForTheNextValidation) {
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {});
+    host.when("VekRouter3.existsMo").once().runs([this] { write("X=2", "ys", {}); });
+    host.forget();
+    expectValid();
+    EXPECT_THAT(host.calls("VekRouter3.existsMo"), ElementsAre("VekRouter3.existsMo(1, 'X=1')"));
+    host.forget();
+    expectValid();
+    EXPECT_THAT(host.calls("VekRouter3.existsMo"),
+                ElementsAre("VekRouter3.existsMo(1, 'X=1')", "VekRouter3.existsMo(1, 'X=2')"));
 }

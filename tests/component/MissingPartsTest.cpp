@@ -85,6 +85,27 @@ TEST(NoModel, WritesOfReferencesAndDeletions_AreServedAndLogged) {
     EXPECT_THAT(host.logs(), Contains("log 3 updateBackPointersForDelete: " + text));
 }
 
+// The bookkeeping has a router of its own, which `start` does without.
+TEST(NoRouterForTheBookkeeping, WritesReachTheOtherRouterAndCannotBeJudged) {
+    Host host;
+    describeNetwork(host);
+    host.without(Part::VekRouter3).start();
+    host.logLevel(8);
+    EXPECT_EQ(host.client().set(1, unit("7"), "cells", refs({cell("1")})), OrvOk);
+    EXPECT_THAT(host.logs(), Contains("trace 0 updateBackPointersForModify: Failed to retrieve "
+                                      "cells value from ManagedElement=1,Unit=7, return code = "
+                                      "-1"));
+    EXPECT_TRUE(verdictOn(host, 1)) << "nothing was recorded";
+    EXPECT_EQ(host.client().create(1, kRoot, "Unit", "unitId", "9", {{"cells", refs({cell("1")})}}),
+              OrvOk);
+    EXPECT_THAT(host.world().references(cellInside("1"), "unit"), IsEmpty());
+    EXPECT_FALSE(verdictOn(host, 1));
+    EXPECT_EQ(host.client().remove(1, unit("7")), OrvOk);
+    EXPECT_THAT(host.logs(), Contains("trace 0 updateBackpointers: Error code -1 received when "
+                                      "reading attribute cells in ManagedElement=1,Unit=7."));
+    EXPECT_THAT(host.calls("VekRouter3."), IsEmpty());
+}
+
 /// A first `start` that fails at the last of the three routers, with the others started by then.
 class FailedStart : public testing::Test {
 protected:

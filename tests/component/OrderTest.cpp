@@ -13,10 +13,13 @@
 #include <future>
 #include <string>
 #include <utility>
+#include <vector>
 
 using namespace Scripted;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 
 class Order : public Network {
 protected:
@@ -68,6 +71,69 @@ TEST_F(Order, SetMany_InterceptorThatGoesWhileReferencesAreRecorded_IsNotAsked) 
     EXPECT_EQ(setCellsAmongMany(), OrvOk);
     EXPECT_THAT(host.calls("Interceptor."), IsEmpty());
     EXPECT_EQ(host.calls("Router3_1.").size(), 1U);
+}
+
+namespace {
+
+const std::string kTooManySites = "Attribute site in ManagedElement=1,Unit=7 contains 2 Site which "
+                                  "is not within cardinality range (0..1).";
+const std::string kTooManyCells = "Attribute cells in ManagedElement=1,Unit=7 contains 3 cells "
+                                  "which is not within cardinality range (0..2).";
+
+}
+
+/// What has been traced when the host is called.
+class OrderOfTraces : public Network {
+protected:
+    OrderOfTraces() { host.logLevel(8); }
+
+    void lookAt(const std::string& call) {
+        host.when(call).once().runs([this] { tracedBefore = host.logs(); });
+    }
+
+    std::vector<std::string> tracedBefore;
+};
+
+TEST_F(OrderOfTraces, JudgedPair_IsTracedBeforeTheHostIsAsked) {
+    EXPECT_EQ(client().set(1, unit("7"), "label", refs({})), OrvOk);
+    lookAt("VekRouter3.existsMo");
+    EXPECT_FALSE(validate(1));
+    EXPECT_THAT(tracedBefore,
+                Contains("trace 0 validateBiDirs: Validating: ManagedElement=1,Unit=7, label"));
+}
+
+TEST_F(OrderOfTraces, ValueThatCannotBeRead_IsTracedBeforeItGoesBack) {
+    static std::function<void()> onRelease;
+    onRelease = [this] { tracedBefore = host.logs(); };
+    EXPECT_EQ(client().set(1, unit("7"), "cells", refs({})), OrvOk);
+    host.when("VekRouter3.getMoAttribute")
+        .answers<OrvMoAttributeValueResult_3>([](OrvMoAttributeValueResult_3& out) {
+            static OrvMoAttributeValueContainer_3 value = {OrvMoAttributeTypeMoRef_3, 0, nullptr};
+            out = {[](OrvMoAttributeValueContainer_3*) { onRelease(); }, &value};
+            return -42;
+        });
+    EXPECT_FALSE(validate(1));
+    EXPECT_THAT(tracedBefore, Contains("trace 0 validateBiDirs: Failed to retrieve "
+                                       "ManagedElement=1,Unit=7 value from cells, return code = "
+                                       "-42"));
+}
+
+// The two validators differ here, and clients' logs have always shown it so.
+TEST_F(OrderOfTraces, MessageOfBackPointers_IsGivenToTheClientAndThenTraced) {
+    EXPECT_EQ(client().set(1, unit("7"), "cells", refs({cell("1"), cell("2"), cell("3")})), OrvOk);
+    lookAt("ThreadContext.addMessage");
+    EXPECT_FALSE(validate(1));
+    const std::string trace = "trace 0 addThreadContextMessage: " + kTooManyCells;
+    EXPECT_THAT(tracedBefore, Not(Contains(trace)));
+    EXPECT_THAT(host.logs(), Contains(trace));
+}
+
+TEST_F(OrderOfTraces, MessageOfReferences_IsTracedAndThenGivenToTheClient) {
+    EXPECT_EQ(client().set(1, unit("7"), "site", refs({site("1"), site("1")})), OrvOk);
+    lookAt("ThreadContext.addMessage");
+    EXPECT_FALSE(validate(1));
+    EXPECT_THAT(tracedBefore, Contains("trace 0 addMessage: Adding message to thread context: [" +
+                                       kTooManySites + "]"));
 }
 
 namespace {

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <locale>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -171,6 +173,115 @@ TEST_F(ReferenceVerdicts, TwoEndsOnOneClass_TheFirstBoundsHold) {
                             "cardinality range (1..1)."));
 }
 
+// The model may spell one class in several ways.
+TEST_F(ReferenceVerdicts, OneClassSpelledInTwoWays_IsNamedByTheFirst) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Bat.id=1", "Top=1,Baz=1"});
+    host.when("Model.getMocFromDn").on("Bat").answers<unsigned long long>([this](auto& moc) {
+        moc = host.model().mocFromDn("Baz=1").value();
+        return OrvOk;
+    });
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Bat is not a valid type for attribute peer in Top=1,Foo=1",
+                            "Attribute peer in Top=1,Foo=1" + kNoBar));
+}
+
+TEST_F(ReferenceVerdicts, ClassWithTheHandleZero_IsAClassLikeAnyOther) {
+    host.start();
+    write("Top=1,Foo=2", "peer", {"Top=1,Bar=1", "Top=1,Odd=1"});
+    host.when("Model.getMocFromDn").on("Odd").answers<unsigned long long>([](auto& moc) {
+        moc = 0;
+        return OrvOk;
+    });
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Odd is not a valid type for attribute peer in Top=1,Foo=2"));
+}
+
+// The model is asked before the text is taken apart.
+TEST_F(ReferenceVerdicts, ReferenceWithoutClassThatIsNoDn_IsAViolationAndNoFailure) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Nowhere", "Top=1,Bar=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Nowhere is not a valid type for attribute peer in Top=1,Foo=1"));
+    EXPECT_THAT(host.logs(), Not(Contains(HasSubstr("Got exception"))));
+}
+
+// Handles grow in the order in which the classes were described, not in that of the alphabet.
+TEST_F(ReferenceVerdicts, SeveralClassesRefused_GoByTheirHandlesAndTheMissingOnesFollow) {
+    for (const char* const name : {"Zed", "Cat", "Eel", "Sub2"}) {
+        host.model().moc(name);
+    }
+    host.model().uniDir("Sub2", "to", "Zed", 2, 2).uniDir("Sub2", "to", "Bar", 1, 1);
+    host.start();
+    write("Top=1,Sub2=1", "to", {"Eel=1", "Cat=1", "Zed=1"});
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute to in Top=1,Sub2=1 contains 1 Zed which is not within "
+                            "cardinality range (2..2).",
+                            "Cat is not a valid type for attribute to in Top=1,Sub2=1",
+                            "Eel is not a valid type for attribute to in Top=1,Sub2=1",
+                            "Attribute to in Top=1,Sub2=1 contains 0 Bar which is not within "
+                            "cardinality range (1..1)."));
+}
+
+TEST_F(ReferenceVerdicts, NamesOfAttributes_AreComparedExactly) {
+    host.model().uniDir("Sub", "Peer", "Foo", 1, 1).uniDir("Sub", "peers", "Foo", 1, 1);
+    host.model().uniDir("Sub", "peer", "Baz", 1, 1);
+    host.start();
+    write("Top=1,Sub=1", "peer", {"Top=1,Baz=1"});
+    expectValid();
+}
+
+TEST_F(ReferenceVerdicts, NamelessEnd_MatchesNothing) {
+    host.start();
+    host.when("Model.getEndStringProperty").answers<const char*>([](const char*& name) {
+        name = nullptr;
+        return OrvOk;
+    });
+    write("Top=1,Foo=1", "peer", {});
+    expectValid();
+    EXPECT_THAT(host.logs(), IsEmpty());
+}
+
+TEST_F(ReferenceVerdicts, NamelessClass_IsNamedByNothing) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    host.when("Model.getGeneralStringProperty").answers<const char*>([](const char*& name) {
+        name = nullptr;
+        return OrvOk;
+    });
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Attribute peer in Top=1,Foo=1 contains 0  which is "
+                                             "not within cardinality range (1..2)."));
+}
+
+/// Writes a dot between every two digits, as a host's locale may.
+class GroupingDigits : public std::numpunct<char> {
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\2"; }
+};
+
+TEST_F(ReferenceVerdicts, LocaleThatGroupsDigits_DoesNotShowInMessages) {
+    host.model().uniDir("Sub", "any", "Bar", 1000, 2000);
+    host.model().biDir({"Foo", "bazs", 1000, 2000, "bazs"}, {"Baz", "foos"});
+    host.start();
+    write("Top=1,Sub=1", "any", {"Top=1,Bar=1"});
+    write("Top=1,Foo=1", "bazs", {"Top=1,Baz=1"});
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new GroupingDigits));
+    const bool valid = validate();
+    std::locale::global(before);
+    EXPECT_FALSE(valid);
+    EXPECT_THAT(host.messages(),
+                ElementsAre("Attribute bazs in Top=1,Foo=1 contains 1 bazs which is not within "
+                            "cardinality range (1000..2000).",
+                            "Attribute any in Top=1,Sub=1 contains 1 Bar which is not within "
+                            "cardinality range (1000..2000)."));
+}
+
 // ---------------------------------------------------------------------------------------------
 // What is recorded and what is not
 
@@ -266,6 +377,75 @@ TEST_F(ReferenceVerdicts, ModelFailsOnTheSecondOfThree_KeepsTheFirstMessageAndLo
                 ElementsAre("log 4 validate: Got exception [Could not get moc] return code -17",
                             "trace2 ExtCm 4 validate: Got exception [Could not get moc] return "
                             "code -17"));
+}
+
+/// A call of the model that fails, and what the log says then.
+struct ModelFailure {
+    const char* call;
+    int nth;
+    const char* text;
+};
+
+void PrintTo(const ModelFailure& failure, std::ostream* out) {
+    *out << failure.call << " " << failure.nth;
+}
+
+class ModelFailsUnderAVerdict : public ReferenceVerdicts,
+                                public testing::WithParamInterface<ModelFailure> {};
+
+TEST_P(ModelFailsUnderAVerdict, NoVerdict_TheLogTellsWhichAnswerIsMissing) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Bar=1"});
+    host.when(GetParam().call).nth(GetParam().nth).fails(-17);
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), IsEmpty());
+    EXPECT_THAT(host.logs(), Contains("log 4 validate: Got exception [" +
+                                      std::string(GetParam().text) + "] return code -17"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCall, ModelFailsUnderAVerdict,
+    testing::Values(
+        ModelFailure{"Model.getMocFromDn", 1, "Could not get moc from dn"},
+        ModelFailure{"Model.getUniDirEnd", 1, "Could not look up association end"},
+        ModelFailure{"Model.getEndStringProperty", 1, "Could not look up string property"},
+        ModelFailure{"Model.getEndMoc", 1, "Could not get moc"},
+        ModelFailure{"Model.getMocGeneralProperties", 1, "Could not get general properties handle"},
+        ModelFailure{"Model.getGeneralStringProperty", 1,
+                     "Could not get name from general properties handle"},
+        ModelFailure{"Model.getEndIntProperty", 1, "Could not get int property"},
+        ModelFailure{"Model.getEndIntProperty", 2, "Could not get int property"},
+        ModelFailure{"Model.getNextUniDirAssociation", 1,
+                     "Could not get next uni dir association"}));
+
+class ModelFailsUnderAWrite : public ReferenceVerdicts,
+                              public testing::WithParamInterface<ModelFailure> {};
+
+TEST_P(ModelFailsUnderAWrite, TheLogTellsWhichAnswerIsMissingAndNothingIsRecorded) {
+    host.model().uniDir("Foo", "second", "Bar", 1, 1);
+    host.start();
+    host.when(GetParam().call).nth(GetParam().nth).fails(-17);
+    write("Top=1,Foo=1", "second", {});
+    EXPECT_THAT(host.logs(), Contains("log 4 setMoRef: Got exception [" +
+                                      std::string(GetParam().text) + "] return code -17"));
+    EXPECT_TRUE(validate());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCall, ModelFailsUnderAWrite,
+    testing::Values(
+        ModelFailure{"Model.getFirstUniDirAssociation", 1, "Failed to look up association handle"},
+        ModelFailure{"Model.getUniDirEnd", 1, "Failed to look up association end handle."},
+        ModelFailure{"Model.getEndStringProperty", 2, "Failed to look up association end name."},
+        ModelFailure{"Model.getNextUniDirAssociation", 1, "Failed to look up next association"}));
+
+TEST_F(ReferenceVerdicts, ModelFailsBehindAMessage_TheMessageStays) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {"Top=1,Nowhere=1", "Top=1,Bar=1"});
+    host.when("Model.getMocFromDn").on("Bar=1").fails(-17);
+    EXPECT_FALSE(validate());
+    EXPECT_THAT(host.messages(), ElementsAre("Top=1,Nowhere=1 is not a valid type for attribute "
+                                             "peer in Top=1,Foo=1"));
 }
 
 TEST_F(ReferenceVerdicts, ModelFailsUnderAWrite_TheWriteGoesOnAndEscapesTheCheck) {
