@@ -186,6 +186,27 @@ void expectNoWriteLostOrMadeTwice(const Operation& operation, const Outcome& ord
     }
 }
 
+/// A handle that the model does not know shows as a number.
+bool isMadeUpHandle(const std::string& text) {
+    return text.size() > 2 && text != "'0'" &&
+           text.find_first_not_of("0123456789", 1) == text.size() - 1;
+}
+
+/// Where the model has given no handle, it is asked about none, which is 0.
+void expectNoHandleMadeUp(const Outcome& outcome) {
+    for (const std::string& text : outcome.texts) {
+        if (!beginsWith(text, "Model.")) {
+            continue;
+        }
+        const std::size_t begin = text.find('(') + 1;
+        for (std::size_t at = begin; at < text.size();) {
+            const std::size_t end = std::min(text.find_first_of(",)", at), text.size());
+            EXPECT_FALSE(isMadeUpHandle(text.substr(at, end - at))) << text;
+            at = end + 2;
+        }
+    }
+}
+
 void failAt(const Operation& operation, const Outcome& ordinary, const Place& place,
             OrvReturnT fault) {
     SCOPED_TRACE(operation.name + ": " + place.text + " answers " + std::to_string(fault));
@@ -204,6 +225,7 @@ void failAt(const Operation& operation, const Outcome& ordinary, const Place& pl
         break;
     }
     expectNoWriteLostOrMadeTwice(operation, ordinary, faulty, place, fault, *told);
+    expectNoHandleMadeUp(faulty);
 }
 
 class HostFaults : public testing::TestWithParam<Operation> {};

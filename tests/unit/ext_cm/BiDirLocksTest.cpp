@@ -10,11 +10,6 @@
 namespace BiDirTests {
 namespace {
 
-class OpenUtils : public Utils {
-public:
-    using BiDirUtils::mMutex;
-};
-
 /// X=1 holds Y=1, which holds X=1, and there is Y=2.
 class BiDirLocks : public Scene {
 public:
@@ -29,7 +24,7 @@ public:
               "VekRouter3.existsMo", "VekRouter3.getMoAttribute", "VekRouter3.setMoAttribute"}) {
             when(call).runs([this, call] { note(call); });
         }
-        forget();
+        stage.script.forgetCalls();
     }
 
     ~BiDirLocks() override {
@@ -42,7 +37,7 @@ public:
                        (isFree(open.mMutex) ? ", free" : ", held"));
     }
 
-    OpenUtils open;
+    Utils open;
     Lines seen;
 };
 
@@ -122,6 +117,21 @@ TEST_F(BiDirLocks, Modify_TheOldValueIsGoneWhenTheAttributeIsRecorded) {
     open.updateBackPointersForModify(1, "X=1", "ys", records.container(Scripted::refs({})), false);
     EXPECT_EQ(seen.back(), "release, free");
     EXPECT_EQ(open.getModifiedBackPointers(1).size(), 1U);
+}
+
+TEST_F(BiDirLocks, Validation_HoldsItForNoCall) {
+    stage.world.mo("X=1").with("ys", Scripted::refs({}));
+    stage.model.moc("X").reference("ys", "Y", 1, 1);
+    Scripted::Records records;
+    open.updateBackPointersForModify(1, "X=1", "ys", records.container(Scripted::refs({})), true);
+    OrvExtCmRouterService::BiDirValidator judging(open);
+    judging.start();
+    when("ThreadContext.addMessage").runs([this] { note("ThreadContext.addMessage"); });
+    seen.clear();
+    bool result = true;
+    EXPECT_EQ(judging.validateBiDirs(1, &result), OrvValidationFailed);
+    EXPECT_EQ(seen, (Lines{"existsMo, free", "getMoAttribute, free", "getMocFromDn, free",
+                           "getGeneralStringProperty, free", "addMessage, free"}));
 }
 
 }

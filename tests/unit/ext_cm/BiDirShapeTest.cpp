@@ -14,11 +14,6 @@
 namespace BiDirTests {
 namespace {
 
-class OpenUtils : public Utils {
-public:
-    using BiDirUtils::mMutex;
-};
-
 std::ptrdiff_t distance(const void* from, const void* to) {
     return static_cast<const char*>(to) - static_cast<const char*>(from);
 }
@@ -28,17 +23,17 @@ constexpr std::ptrdiff_t sizeOf() {
     return sizeof(Type);
 }
 
-static_assert(std::is_same_v<decltype(OpenUtils::moRouter), OrvOamSpiManagedObject_3*>);
-static_assert(std::is_same_v<decltype(OpenUtils::modelRepository), VekOamSpiModelRepository_4*>);
-static_assert(std::is_same_v<decltype(OpenUtils::pendingBackPointers),
+static_assert(std::is_same_v<decltype(Utils::moRouter), OrvOamSpiManagedObject_3*>);
+static_assert(std::is_same_v<decltype(Utils::modelRepository), VekOamSpiModelRepository_4*>);
+static_assert(std::is_same_v<decltype(Utils::pendingBackPointers),
                              std::multimap<std::string, Utils::BackPointerData>>);
 static_assert(
-    std::is_same_v<decltype(OpenUtils::modifiedBackPointers),
+    std::is_same_v<decltype(Utils::modifiedBackPointers),
                    std::map<unsigned long, std::set<std::pair<std::string, std::string>>>>);
-static_assert(std::is_same_v<decltype(OpenUtils::mMutex), Poco::Mutex>);
+static_assert(std::is_same_v<decltype(Utils::mMutex), Poco::Mutex>);
 
 TEST(BiDirShape, Members_StandInTheirOrderBehindNothingButTheTableOfOperations) {
-    const OpenUtils utils;
+    const Utils utils;
     constexpr std::ptrdiff_t word = sizeof(void*);
     EXPECT_EQ(distance(&utils, &utils.moRouter), word);
     EXPECT_EQ(distance(&utils, &utils.modelRepository), 2 * word);
@@ -61,6 +56,16 @@ TEST(BiDirShape, WaitingAddition_HasItsFieldsInTheirOrder) {
     static_assert(std::is_same_v<decltype(waiting.txHandle), unsigned long>);
     static_assert(std::is_same_v<decltype(waiting.end), VekOamSpiMrAssociationEndHandle_4T>);
     static_assert(std::is_same_v<decltype(waiting.active), bool>);
+}
+
+TEST(BiDirShape, MembersOfTheValidator_StandInTheirOrder) {
+    Utils utils;
+    const Validator validator(utils);
+    constexpr std::ptrdiff_t word = sizeof(void*);
+    EXPECT_EQ(distance(&validator, &validator.moRouter), word);
+    EXPECT_EQ(distance(&validator, &validator.modelRepository), 2 * word);
+    EXPECT_EQ(distance(&validator, &validator.threadContext), 3 * word);
+    EXPECT_EQ(sizeOf<OrvExtCmRouterService::BiDirValidator>(), 5 * word);
 }
 
 // A pointer to a virtual operation is odd.

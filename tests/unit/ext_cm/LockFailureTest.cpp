@@ -422,6 +422,10 @@ TEST_F(LockFailureOfStop, LockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {
     EXPECT_EQ(code, OrvFailure);
     EXPECT_FALSE(serves3());
     EXPECT_TRUE(serves3_1() && memoryIsThere());
+    // An iterator that lives in a stopped service has no router to be told of its end.
+    router3.finalizeMoIterator = nullptr;
+    EXPECT_EQ(offered<OrvOamSpiManagedObject_3>(1).finalizeMoIterator(iterator), OrvOk);
+    router3.finalizeMoIterator = &finalize3;
 }
 
 TEST_F(LockFailureOfStop, UnlockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {

@@ -41,6 +41,21 @@ protected:
 
 using Lines = std::vector<std::string>;
 
+TEST_F(PendingAdditionsTest, ActiveRecords_AreThoseOfTheTransactionAndTheWholeDnInTheirOrder) {
+    add(1, "Y=1", "X=3", "a");
+    add(2, "Y=1", "X=9", "a");
+    add(1, "Y=10", "X=9", "a");
+    add(1, "Y=1", "X=2", "a");
+    add(1, "Y=1", "X=1", "a");
+    store.begin()->second.active = false; // that of X=3
+    Lines sources;
+    for (const PendingAdditions::Record record : pending.activeRecords(1, "Y=1")) {
+        sources.push_back(record->second.sourceDn);
+    }
+    EXPECT_EQ(sources, (Lines{"X=2", "X=1"}));
+    EXPECT_TRUE(pending.activeRecords(1, "Y=2").empty());
+}
+
 TEST_F(PendingAdditionsTest, DropSources_OfAllAttributes_GoesByPrefixAndTransaction) {
     for (const char* attribute : {"a", "b", "c"}) {
         add(1, "Y=1", "X=1", attribute);

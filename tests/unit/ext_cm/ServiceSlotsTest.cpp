@@ -5,6 +5,7 @@
 // compiled elsewhere and call into the table by place: a build of them that is older than the
 // component must still find each operation.
 
+#include "ExtCmInterceptorRepository.h"
 #include "MoImpl.h"
 #include "MoImpl3.h"
 #include "MoImpl3_1.h"
@@ -78,4 +79,11 @@ TEST(ServiceSlots, MoImpl3_1_HasNoDestructorInItsTable) {
 TEST(ServiceSlots, IdMappings_IsAVirtualDestructorAndTheTranslator) {
     EXPECT_TRUE(std::has_virtual_destructor_v<IdMappings>);
     EXPECT_EQ(sizeof(IdMappings), 2 * sizeof(void*));
+}
+
+// A host takes the object for its identity.
+TEST(ServiceSlots, InterceptorRepository_BeginsWithItsIdentity) {
+    static_assert(!std::is_polymorphic_v<ExtCmInterceptorRepository>);
+    ExtCmInterceptorRepository repository;
+    EXPECT_EQ(static_cast<void*>(repository.getInterface()), static_cast<void*>(&repository));
 }

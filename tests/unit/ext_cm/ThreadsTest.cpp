@@ -1,18 +1,14 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The classes that are shared between threads, each from several at once.
+// The registry of transactions, from several threads at once.
 
-#include "ExtCmInterceptorRepository.h"
-#include "MoImpl.h"
-#include "MoInterceptorBase.h"
 #include "life/TransactionData.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <functional>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -39,31 +35,6 @@ OrvReturnT join(unsigned long, OrvOamSpiTransactionalResource_2*) {
     return OrvOk;
 }
 
-OrvReturnT newIterator(unsigned long, const char*, const char*, void** iterator) {
-    *iterator = nullptr;
-    return OrvOk;
-}
-OrvReturnT next(void*, char** result) {
-    *result = nullptr;
-    return OrvOk;
-}
-
-class Service : public IterImpl<OrvOamSpiManagedObject_1, void*> {
-public:
-    Service(IdMappings& ids, TransactionData& data) : IterImpl(ids), transactions(data) {
-        table.newMoIterator = &newIterator;
-        table.nextMo = &next;
-    }
-    Orv::AutoMemory* getTxData(unsigned long txHandle) override {
-        return transactions.getTxData(ORV_TRACE_POINT, txHandle);
-    }
-    OrvOamSpiManagedObject_1* getCmRouter() override { return &table; }
-
-private:
-    TransactionData& transactions;
-    OrvOamSpiManagedObject_1 table{};
-};
-
 }
 
 TEST(Threads, Registry_EveryHandleIsJoinedOnce) {
@@ -79,43 +50,4 @@ TEST(Threads, Registry_EveryHandleIsJoinedOnce) {
     });
     EXPECT_EQ(joins, kRounds);
     EXPECT_EQ(data.memoryByTx.size(), kRounds);
-}
-
-TEST(Threads, Repository_RegistersAndFindsSideBySide) {
-    ExtCmInterceptorRepository repository;
-    MoInterceptorBase shared;
-    ASSERT_EQ(repository.registerClass(shared, "Shared"), OrvOk);
-    onThreads([&](unsigned int thread) {
-        MoInterceptorBase own;
-        const std::string path = "Own" + std::to_string(thread);
-        for (unsigned int round = 0; round < kRounds; ++round) {
-            EXPECT_EQ(repository.registerClass(own, path), OrvOk);
-            EXPECT_EQ(repository.getInterceptor("Shared"), &shared);
-            EXPECT_EQ(repository.getInterceptor(path), &own);
-            repository.deregisterClass(path);
-        }
-    });
-}
-
-TEST(Threads, Iterators_OpenWalkAndEndInEachTransaction) {
-    OrvOamSpiTransaction_1 table{{}, &join};
-    OrvOamSpiTransactionalResource_2 resource{};
-    TransactionData data(&resource);
-    data.transaction = &table;
-    IdMappings mappings(Orv::MeIdTranslator::instance());
-    Service service(mappings, data);
-    onThreads([&](unsigned int thread) {
-        std::vector<void*> handles;
-        char* text = nullptr;
-        for (unsigned int round = 0; round < kRounds; ++round) {
-            void* handle = nullptr;
-            EXPECT_EQ(service.newMoIterator(thread, "A=1", "B", &handle), OrvOk);
-            EXPECT_EQ(service.nextMo(handle, &text), OrvOk);
-            handles.push_back(handle);
-        }
-        for (void* handle : handles) {
-            EXPECT_EQ(service.nextMo(handle, &text), OrvOk);
-        }
-    });
-    data.sweep();
 }
