@@ -115,24 +115,5 @@ TEST_F(BiDirLarge, ManyTargetsGivenUp_WhatOthersHaveQueuedStays) {
     EXPECT_TRUE(utils.pendingBackPointers.empty());
 }
 
-TEST_F(BiDirLarge, DnsOfAThousandSteps_AreFollowedAndNamedInFull) {
-    std::string target = "P=1";
-    for (int i = 0; i < 998; ++i) {
-        target += ",P=1";
-    }
-    stage.model.moc("P").contains("Y");
-    stage.model.moc("Z");
-    target += ",Y=1";
-    stage.world.mo(target);
-    stage.world.mo("X=1");
-    start();
-    set(1, "X=1", "ys", {target});
-    EXPECT_EQ(refs(target, "xs"), Lines{"X=1"});
-    stage.world.set(target, "xs", Scripted::refs({"X=1", "Z=1"}));
-    stage.world.remove("X=1");
-    EXPECT_EQ(validate(1), OrvValidationFailed);
-    EXPECT_EQ(messages(), Lines{"Z is not a valid type for attribute xs in " + target + "."});
-}
-
 }
 }

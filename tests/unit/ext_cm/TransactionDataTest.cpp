@@ -12,18 +12,15 @@
 #include <map>
 #include <stdexcept>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 using OrvExtCmRouterService::TransactionData;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Pair;
 
 namespace {
 
-std::vector<std::pair<unsigned long, OrvOamSpiTransactionalResource_2*>> joins;
-OrvReturnT joinAnswer = OrvOk;
+int joins = 0;
 bool joinThrows = false;
 std::vector<int> destroyed;
 
@@ -32,8 +29,8 @@ bool freeDuringJoin = false;
 const std::map<unsigned long, Orv::AutoMemory*>* entriesSeenByJoin = nullptr;
 bool enteredBeforeJoin = false;
 
-OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resource) {
-    joins.emplace_back(txHandle, resource);
+OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* /*resource*/) {
+    ++joins;
     if (lookedAtByJoin != nullptr) {
         freeDuringJoin = isFree(*lookedAtByJoin);
         enteredBeforeJoin = entriesSeenByJoin->count(txHandle) == 1;
@@ -41,7 +38,7 @@ OrvReturnT join(unsigned long txHandle, OrvOamSpiTransactionalResource_2* resour
     if (joinThrows) {
         throw std::runtime_error("join");
     }
-    return joinAnswer;
+    return OrvOk;
 }
 
 // Tells when the memory that owns it goes.
@@ -56,9 +53,8 @@ struct Witness {
 class TransactionDataTest : public testing::Test {
 protected:
     TransactionDataTest() {
-        joins.clear();
+        joins = 0;
         destroyed.clear();
-        joinAnswer = OrvOk;
         joinThrows = false;
         lookedAtByJoin = nullptr;
         data.transaction = &table;
@@ -78,35 +74,6 @@ TEST_F(TransactionDataTest, New_HasNoTableAndNoTransactions) {
     EXPECT_THAT(fresh.memoryByTx, IsEmpty());
 }
 
-TEST_F(TransactionDataTest, GetTxData_SameHandleTwice_OneObjectAndOneJoin) {
-    Orv::AutoMemory* const memory = data.getTxData(ORV_TRACE_POINT, 7);
-    ASSERT_NE(memory, nullptr);
-    EXPECT_EQ(data.getTxData(ORV_TRACE_POINT, 7), memory);
-    EXPECT_THAT(joins, ElementsAre(Pair(7, &resource)));
-}
-
-TEST_F(TransactionDataTest, GetTxData_TwoHandles_TwoObjectsAndTwoJoinsOfOneResource) {
-    EXPECT_NE(data.getTxData(ORV_TRACE_POINT, 0), data.getTxData(ORV_TRACE_POINT, ~0UL));
-    EXPECT_THAT(joins, testing::UnorderedElementsAre(Pair(0, &resource), Pair(~0UL, &resource)));
-    EXPECT_EQ(data.memoryByTx.size(), 2U);
-}
-
-TEST_F(TransactionDataTest, GetTxData_HostRefuses_IsNotLookedAt) {
-    joinAnswer = -5;
-    Orv::AutoMemory* const memory = data.getTxData(ORV_TRACE_POINT, 1);
-    EXPECT_NE(memory, nullptr);
-    EXPECT_EQ(data.getTxData(ORV_TRACE_POINT, 1), memory);
-    EXPECT_EQ(joins.size(), 1U);
-}
-
-TEST_F(TransactionDataTest, GetTxData_JoinThrows_LeavesTheEntryAndDoesNotJoinAgain) {
-    joinThrows = true;
-    EXPECT_THROW(data.getTxData(ORV_TRACE_POINT, 1), std::runtime_error);
-    joinThrows = false;
-    EXPECT_NE(data.getTxData(ORV_TRACE_POINT, 1), nullptr);
-    EXPECT_EQ(joins.size(), 1U);
-}
-
 // The lock is free again after an exception: another thread may go on.
 TEST_F(TransactionDataTest, GetTxData_JoinThrows_LetsGoOfTheLock) {
     joinThrows = true;
@@ -119,7 +86,7 @@ TEST_F(TransactionDataTest, GetTxData_Join_RunsWithTheEntryMadeAndTheLockHeld) {
     entriesSeenByJoin = &data.memoryByTx;
     freeDuringJoin = true;
     data.getTxData(ORV_TRACE_POINT, 1);
-    EXPECT_EQ(joins.size(), 1U);
+    EXPECT_EQ(joins, 1);
     EXPECT_TRUE(enteredBeforeJoin);
     EXPECT_FALSE(freeDuringJoin);
 }
@@ -134,14 +101,6 @@ TEST_F(TransactionDataTest, GetTxData_Served_LetsGoOfTheLock) {
 TEST_F(TransactionDataTest, Type_IsPolymorphicWithoutCopies) {
     static_assert(std::has_virtual_destructor_v<TransactionData>);
     static_assert(!std::is_copy_constructible_v<TransactionData>);
-}
-
-TEST_F(TransactionDataTest, GetTxData_AfterRemoval_JoinsAgain) {
-    data.getTxData(ORV_TRACE_POINT, 1);
-    delete data.memoryByTx.at(1);
-    data.memoryByTx.erase(1);
-    data.getTxData(ORV_TRACE_POINT, 1);
-    EXPECT_EQ(joins.size(), 2U);
 }
 
 TEST_F(TransactionDataTest, Sweep_DropsAllInTheOrderOfTheirHandlesAndTheTable) {
