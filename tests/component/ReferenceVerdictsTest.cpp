@@ -439,7 +439,7 @@ INSTANTIATE_TEST_SUITE_P(
         ModelFailure{"Model.getEndStringProperty", 2, "Failed to look up association end name."},
         ModelFailure{"Model.getNextUniDirAssociation", 1, "Failed to look up next association"}));
 
-TEST_F(ReferenceVerdicts, ModelFailsBehindAMessage_TheMessageStays) {
+TEST_F(ReferenceVerdicts, ModelFailsAfterAMessage_TheMessageStays) {
     host.start();
     write("Top=1,Foo=1", "peer", {"Top=1,Nowhere=1", "Top=1,Bar=1"});
     host.when("Model.getMocFromDn").on("Bar=1").fails(-17);

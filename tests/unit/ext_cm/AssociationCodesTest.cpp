@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The codes that the classes of associations answer. The services look at none of them, so that no
-// client sees them; whoever uses the classes does.
+// client sees them; code that uses the classes does.
 
 #include "BiDirScene.h"
 #include "UniDirValidator.h"

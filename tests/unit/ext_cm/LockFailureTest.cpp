@@ -422,7 +422,7 @@ TEST_F(LockFailureOfStop, LockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {
     EXPECT_EQ(code, OrvFailure);
     EXPECT_FALSE(serves3());
     EXPECT_TRUE(serves3_1() && memoryIsThere());
-    // An iterator that lives in a stopped service has no router to be told of its end.
+    // An iterator can outlive the service, and then nobody is called at its end.
     router3.finalizeMoIterator = nullptr;
     EXPECT_EQ(offered<OrvOamSpiManagedObject_3>(1).finalizeMoIterator(iterator), OrvOk);
     router3.finalizeMoIterator = &finalize3;
