@@ -22,6 +22,8 @@ namespace {
 
 constexpr const char* anyClass = "ManagedObject";
 
+// The DN and the attribute stand in each other's place. Those who read traces know the text as it
+// is.
 void traceReadFailure(const TracePoint& operation, const char* dn, const char* attribute,
                       OrvReturnT code) {
     ORV_TRACE_AT(operation, "Failed to retrieve %s value from %s, return code = %d", dn, attribute,

@@ -11,6 +11,7 @@
 #include "life/ServiceLife.h"
 #include "messages/Tracing.h"
 #include "values/KnownAttributes.h"
+#include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
 
 #include <vector>
@@ -121,8 +122,7 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
             : router->setMoAttributes(txHandle, internalDn.c_str(), converted));
 }
 
-// One attribute is done with before the next is begun, so that after a failure those before it are
-// recorded.
+// The attributes are handled one by one. If one fails, those before it stay recorded.
 VekMoNamedAttributeValueContainer_3**
 MoImpl3_1::convertAndRecord(unsigned long txHandle, const std::string& internalDn,
                             VekMoNamedAttributeValueContainer_3** attributes,

@@ -5,6 +5,7 @@
 #define ORV_EXT_CM_UNIDIRVALIDATOR_H
 
 #include "OrvMoAttributeValue.h"
+#include "OrvReturn.h"
 #include "UniDirStorage.h"
 #include "VekMgmtSpiThreadContext_2.h"
 #include "VekOamSpiModelRepository_4.h"
@@ -18,8 +19,9 @@ namespace OrvExtCmRouterService {
 /// Remembers what a transaction writes to the ends of unidirectional associations, and judges it
 /// when the transaction is validated.
 ///
-/// All DNs are internal. Orv::OrvException ends here: it is logged and never reaches a caller.
-/// Final, because the class has virtual operations and no virtual destructor.
+/// All DNs are internal. Orv::OrvException of what is recorded and judged ends here: it is logged
+/// and never reaches a caller. Final, because the class has virtual operations and no virtual
+/// destructor.
 ///
 /// Threads: start and stop when no operation runs; everything else from any number of threads. The
 /// mutex guards the storage and is held over a whole validation, with the calls to repository and

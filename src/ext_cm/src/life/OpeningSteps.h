@@ -10,7 +10,8 @@
 #include <string>
 
 /// \file
-/// What every operation on an MO begins with, in every interface version.
+/// What the operations on MOs begin with, in every interface version. Those that continue or end a
+/// walk do not: they look their iterator up instead.
 
 namespace OrvExtCmRouterService {
 

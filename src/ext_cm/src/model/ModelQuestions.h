@@ -9,7 +9,6 @@
 #include "OrvReturn.h"
 
 #include <cstring>
-#include <string>
 
 /// \file
 /// The component reads the model in two ways, and hosts know both.

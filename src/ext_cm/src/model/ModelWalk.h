@@ -100,7 +100,7 @@ private:
     StepLimit mLimit;
 };
 
-/// Leaves the first of what stands several times in \p gathered, in its order.
+/// Removes repeated entries from \p gathered and keeps the first of each, in their order.
 template <class Entry>
 void withoutRepeats(std::list<Entry>& gathered) {
     std::set<Entry> seen;
@@ -123,13 +123,13 @@ WalkUntilNonZero<Handle, Next> walkUntilNonZeroFrom(const TracePoint& point, Han
     return {point, current, OrvOk, std::move(next)};
 }
 
-/// Ends at the first step that answers OrvNotExist, and goes on past every other code. Each step
-/// leaves in current() what it found, also a step that failed and the one that ended the walk; a
-/// step that fails without finding anything finds what the next step before it found, and zero if
-/// there was none.
+/// Ends at the first step that answers OrvNotExist, and goes on after every other code. Each step
+/// leaves in current() the handle that it wrote, also a step that failed and the one that ended the
+/// walk. A next step that writes no handle leaves there what the next step before it left, or zero
+/// if it is the first one.
 ///
-/// A repository that always fails would so be asked without end. Two failing steps in a row that
-/// leave the handle where it was end the walk.
+/// A repository that always fails would be asked without end in this way. Two failing steps in a
+/// row that leave the handle where it was end the walk.
 template <class Handle, class Next>
 class WalkUntilNotExist {
 public:

@@ -18,9 +18,9 @@ class ReadResult {
 public:
     ReadResult() = default;
 
-    /// Starts with \p value, which stands until a read puts another in its place. It is the
-    /// caller's and never given to a producer, not even to one that leaves a function to release
-    /// it and no container of its own.
+    /// Starts with \p value, which stays until a read puts another in its place. It belongs to the
+    /// caller: no release function is ever called for it, also if a producer leaves one without a
+    /// container of its own.
     explicit ReadResult(VekMoAttributeValueContainer_3& value)
         : mOwner(VekMoAttributeValueResult_3{nullptr, &value}), mBorrowed(&value) {}
 

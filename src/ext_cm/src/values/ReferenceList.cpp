@@ -13,7 +13,7 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-// For a search: values of many thousand references would else be compared each with each.
+// Sorted for a search, so that values of many thousand references are not compared pair by pair.
 std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
     std::vector<std::string_view> texts;
     texts.reserve(references.count);

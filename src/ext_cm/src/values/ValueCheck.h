@@ -18,16 +18,16 @@ namespace OrvExtCmRouterService {
 /// To be asked of a client's values before anything is done with them, so that a refusal has
 /// changed nothing, and of a router's before they are converted. Structs of any depth are looked at
 /// without recursion. A struct of more than four million pieces (members, slots and texts) counts
-/// as not readable: so many has only one that leads back into itself, or into the same part again
-/// and again.
+/// as not readable: only a struct that contains itself, or the same part again and again, has so
+/// many.
 ///
 /// Once a struct has shown a reference, a member without a value is an empty one in versions 3 and
 /// 3_1. In version 1 it cannot be read.
 bool isReadable(const OrvMoAttributeValueContainer_3& value);
 bool isReadable(const OrvMoAttributeValueContainer& value);
 
-/// True if \p holds says so of all \p records, which are ended by a null pointer. No array has
-/// none.
+/// True if \p holds is true for each of \p records, whose last is a null pointer. A null array
+/// counts as empty.
 template <class Record, class Predicate>
 bool allOf(Record* const* records, const Predicate& holds) {
     for (; records != nullptr && *records != nullptr; ++records) {
