@@ -35,7 +35,7 @@ scripts/install-deps.sh
 step "format"
 git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format --dry-run --Werror
 step "licences"
-reuse lint --quiet
+reuse lint --quiet || { reuse lint >&2; exit 1; }
 configure_and_build dev
 run_tests dev
 
