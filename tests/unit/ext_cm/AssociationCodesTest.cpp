@@ -255,6 +255,9 @@ TEST_F(AssociationCodes,
     set({"Bar=1"});
     references.stop();
     expectUntouched(OrvNotActive);
+    stage.script.forgetCalls();
+    set({"Bar=1"});
+    EXPECT_EQ(stage.script.texts(), Lines());
 }
 
 }
