@@ -74,8 +74,10 @@ DnView::Steps DnView::steps() const {
 
 bool DnView::isAtOrBelow(DnView other) const {
     const std::size_t size = other.mText.size();
-    const bool endsThere = size == 0 || mText.size() == size || mText[size] == ',';
-    return mText.substr(0, size) == other.mText && endsThere;
+    if (mText.substr(0, size) != other.mText) {
+        return false;
+    }
+    return size == 0 || mText.size() == size || mText[size] == ',';
 }
 
 std::string DnView::whyInvalid() const {
