@@ -69,8 +69,8 @@ void run(Host& host, LogSink& log, bool wantsJson, bool keepGoing, const std::st
     Interpreter interpreter(session, kCommands, errors);
     std::istringstream lines(script);
     const ExitStatus status = interpreter.runScript(lines, "script", keepGoing);
-    const std::string& told = wantsJson ? out.str() : errors.str();
-    require(status == ExitOk || !told.empty(), "refused without a reason");
+    const std::string& answer = wantsJson ? out.str() : errors.str();
+    require(status == ExitOk || !answer.empty(), "refused without a reason");
     if (wantsJson) {
         checkDocuments(out.str());
     }

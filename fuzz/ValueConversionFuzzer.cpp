@@ -52,7 +52,7 @@ std::string dumped(const Container& container) {
     return text;
 }
 
-/// What a conversion must have made of a record, told in other words than the conversion itself.
+/// What a conversion must have made of a record, written independently of the conversion itself.
 template <class Version>
 class Judge {
 public:

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The surface of YANG modules, which is read to find the lines of definitions: it takes whatever it
-// is given, and tells lines that are there.
+// is given, and the lines that it reports exist.
 
 #include "support/ByteSource.h"
 #include "support/Require.h"

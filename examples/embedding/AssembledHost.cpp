@@ -34,8 +34,8 @@ Model makeModel() {
 // [/model]
 
 // [data]
-// Data at start goes into the store directly and is not written by a client, so both sides of an
-// association must be told, or completed by repair.
+// Data at start goes into the store directly and is not written by a client. So both sides of an
+// association must be given, or completed by repair.
 bool loadData(Host& host) {
     DataSet data(host.model());
     data.add({"ManagedElement=1", {}, {}});

@@ -14,7 +14,7 @@
 namespace Fuzz {
 
 /// What a client hands over in one call, made from bytes. It goes with this object, right after the
-/// call, so that whoever keeps a part of it is seen. Any pointer can be null.
+/// call, so that code that keeps a part of it is found. Any pointer can be null.
 class Arguments {
 public:
     explicit Arguments(ByteSource& source) : mSource(source) {

@@ -166,7 +166,7 @@ OrvReturnT getReferencedMoc(Handle type, Handle* moc) {
     return ask(Slot::ReferencedMoc, "getReferencedMoc", type, moc, model().referencedMoc(type));
 }
 
-/// A set flag may be told by any byte but zero.
+/// Any byte but zero means that the flag is set.
 OrvReturnT getEndBoolProperty(Handle end, int identifier, bool* flag) {
     Host& host = Host::current();
     host.journal.call("getEndBoolProperty").number(static_cast<long long>(end));

@@ -13,7 +13,7 @@ std::string root(Form form) {
     return std::string("ManagedElement=") + (form == Form::External ? kRootIdentity : "1");
 }
 
-/// So many steps that whoever recurses over them runs out of stack.
+/// So many steps that a recursion over them runs out of stack.
 std::string longDn(ByteSource& source, Form form) {
     const std::size_t steps = 16U * (1U + source.byte());
     const std::string step = source.below(2) == 0 ? ",Part=1" : ",Unit=2";

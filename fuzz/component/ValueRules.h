@@ -11,8 +11,8 @@
 #include <vector>
 
 /// \file
-/// What a value must have for an operation to take it from a client, told in other words than the
-/// component's.
+/// What a value must have for an operation to take it from a client, written independently of the
+/// component.
 
 namespace Fuzz {
 

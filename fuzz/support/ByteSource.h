@@ -12,7 +12,7 @@
 namespace Fuzz {
 
 /// A fuzzer's input, taken from front to back: what was read stays what it is when bytes are
-/// appended. Behind the end there are only zeros.
+/// appended. After the end there are only zeros.
 class ByteSource {
 public:
     ByteSource(const std::uint8_t* data, std::size_t size) : mData(data), mSize(size) {}

@@ -55,7 +55,7 @@ public:
     const char* text() { return mMemory.strdup(mSource.text().c_str()); }
 
 private:
-    // Each level takes three bytes at least, and a call or two of whoever walks the record.
+    // Each level takes three bytes at least, and a call or two in code that walks the record.
     static constexpr int kMostDepth = 300;
 
     std::int32_t type(int depth) {

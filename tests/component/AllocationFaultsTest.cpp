@@ -3,7 +3,7 @@
 
 // Memory runs out at every place where the component asks for some: at the first allocation of an
 // operation, then at the second, and so on until there is none left to refuse. Each time the client
-// is told OrvFailure, nothing is lost or left locked, and the component goes on serving.
+// gets OrvFailure, nothing is lost or left locked, and the component goes on serving.
 
 #include "DnUtil.h"
 #include "FailingNew.h"
@@ -116,7 +116,7 @@ TEST(EndWithoutStop, WhatWasKeptForTransactions_GoesWithTheComponent) {
     EXPECT_EQ(watchedBlocks(), 0U);
 }
 
-// Behind no binder: what runs out is the interceptor component's to see.
+// Called without a binder: the interceptor component sees the exception.
 TEST(AllocationFaultsOfTheRepository, Registration_ThrowsAndEntersNothing) {
     const std::string path = "ManagedElement,Unit,AndMoreThanFitsIntoAShortString";
     for (std::size_t failing = 1;; ++failing) {
@@ -142,7 +142,7 @@ TEST(AllocationFaultsOfTheRepository, Registration_ThrowsAndEntersNothing) {
     }
 }
 
-// An operation that has done its work must not be told that it failed because of a trace.
+// An operation that has done its work must not be reported as failed because of a trace.
 TEST(AllocationFaultsOfTheLog, NoMemoryForARecord_DropsItAndThrowsNothing) {
     const LogCapture capture;
     Orv::LoggingWrapper& wrapper = *Orv::LoggingWrapper::instance();

@@ -340,7 +340,7 @@ TEST_F(BackPointerSequences, TargetDeletedAndCreatedAgain_HoldsWhatIsWrittenAnew
 // -------------------------------------------------------------------------------------------------
 // Additions that wait. The target is deleted and created again to see what is still queued.
 
-TEST_F(BackPointerSequences, ExistenceOfTheTargetCannotBeTold_WaitsUntilItIsCreated) {
+TEST_F(BackPointerSequences, ExistenceOfTheTargetIsUnknown_WaitsUntilItIsCreated) {
     startWith({"R=1,X=1", "R=1,Y=1"});
     host.when("VekRouter3.existsMo").once().returns(-42);
     set("R=1,X=1", "ys", {"R=1,Y=1"});
@@ -350,7 +350,7 @@ TEST_F(BackPointerSequences, ExistenceOfTheTargetCannotBeTold_WaitsUntilItIsCrea
     EXPECT_THAT(references("R=1,Y=1", "xs"), ElementsAre("R=1,X=1"));
 }
 
-TEST_F(BackPointerSequences, ExistenceOfALostTargetCannotBeTold_WhatWaitsIsWithdrawn) {
+TEST_F(BackPointerSequences, ExistenceOfALostTargetIsUnknown_WhatWaitsIsWithdrawn) {
     startWith({"R=1,X=1", "R=1,Y=1"});
     set("R=1,X=1", "ys", {"R=1,Y=1", "R=1,Y=2"});
     host.when("VekRouter3.existsMo").once().returns(-42);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The verdict on what a transaction wrote on either side of a bidirectional association, and what
-// the client is told: every rule, broken in turn.
+// is reported to the client: every rule is broken, one after the other.
 
 #include "Host.h"
 
@@ -421,7 +421,7 @@ TEST_F(BackPointerVerdicts, BrokenMoThatIsDeletedLater_IsPassedOver) {
                 Not(Contains("VekRouter3.getMoAttribute(1, 'X=1', 'ys')")));
 }
 
-TEST_F(BackPointerVerdicts, ExistenceCannotBeTold_TheMoIsPassedOver) {
+TEST_F(BackPointerVerdicts, ExistenceIsUnknown_TheMoIsPassedOver) {
     modelOfXAndY(1, 1);
     host.start();
     write("X=1", "ys", {});
@@ -455,7 +455,7 @@ TEST_F(BackPointerVerdicts, ClassWithoutAssociationsByNow_EndsTheJudgementAsItSt
     EXPECT_THAT(host.calls("Producer."), ElementsAre("Producer.release('X=1.ys')"));
 }
 
-TEST_F(BackPointerVerdicts, ExistenceOfALaterMoCannotBeTold_TheVerdictOnTheOthersStands) {
+TEST_F(BackPointerVerdicts, ExistenceOfALaterMoIsUnknown_TheVerdictOnTheOthersStands) {
     modelOfXAndY(1, 1);
     host.start();
     write("X=1", "ys", {});

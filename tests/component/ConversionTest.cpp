@@ -184,12 +184,12 @@ TEST_F(Conversion, MemberWithoutDn_SharesTheProducersSlots) {
     EXPECT_EQ(ours->values, container->values[0].structValue->next->value->values);
 }
 
-TEST_F(Conversion, EmptyStructBehindAConvertedOne_StaysANullPointer) {
+TEST_F(Conversion, EmptyStructAfterAConvertedOne_StaysANullPointer) {
     const Value value = andEmptyStruct(structs({{member("to", refs({kUnitInside}))}}));
     EXPECT_EQ(read(value).value(), andEmptyStruct(structs({{member("to", refs({kUnit}))}})));
 }
 
-TEST_F(Conversion, MemberWithoutValueBehindTheReference_BecomesAnEmptyViewOfType0) {
+TEST_F(Conversion, MemberWithoutValueAfterTheReference_BecomesAnEmptyViewOfType0) {
     const Read got = read(structs({{member("to", refs({kUnitInside})), bareMember("bare")}}));
     EXPECT_EQ(got.value(), structs({{member("to", refs({kUnit})), member("bare", none(0))}}));
     const auto* bare = got.record.container->values[0].structValue->next->value;

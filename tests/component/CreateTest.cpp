@@ -155,7 +155,8 @@ TEST_F(Create, Interceptor_IsNotAsked) {
     EXPECT_EQ(host.calls("Router3.createMo").size(), 1U);
 }
 
-/// The two forms of the new DN: what the back-pointers are told, and what the references are.
+/// The two forms of the new DN: the one that the back-pointers get, and the one that the references
+/// get.
 struct Naming {
     std::string parent;
     std::string className;

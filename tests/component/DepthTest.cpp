@@ -80,11 +80,12 @@ protected:
             .with("cells", refs({}));
     }
 
-    /// A site that is a cell has been told by both validators. The texts are too long to be shown.
-    void expectToldOf(const std::string& dn) const {
+    /// A site that is a cell has been reported by both validators. The texts are too long to be
+    /// shown.
+    void expectReportedFor(const std::string& dn) const {
         const std::string text = "Cell is not a valid type for attribute site in " + dn;
-        const bool isToldTwice = host.messages() == std::vector<std::string>{text + ".", text};
-        EXPECT_TRUE(isToldTwice);
+        const bool isReportedTwice = host.messages() == std::vector<std::string>{text + ".", text};
+        EXPECT_TRUE(isReportedTwice);
     }
 
     static void expectOne(const std::vector<std::string>& references, const std::string& dn) {
@@ -129,13 +130,13 @@ TEST_P(DepthOfADn, GoodReferenceOfIt_IsRecordedJudgedAndDropped) {
     EXPECT_THAT(host.messages(), IsEmpty());
 }
 
-TEST_P(DepthOfADn, BadReferenceOfIt_IsToldWithTheWholeDn) {
+TEST_P(DepthOfADn, BadReferenceOfIt_IsReportedWithTheWholeDn) {
     onSmallStack([this] {
         EXPECT_EQ(client().set(1, outside, "site", refs({cell("1")})), OrvOk);
         EXPECT_FALSE(validate(1));
         EXPECT_EQ(host.resource().finish(1), OrvOk);
     });
-    expectToldOf(inside);
+    expectReportedFor(inside);
 }
 
 TEST_P(DepthOfADn, DeletedMo_IsForgotten) {
@@ -196,7 +197,7 @@ TEST_P(DepthOfADn, NewMoBelowIt_IsRecordedAndJudged) {
         EXPECT_FALSE(validate(1));
         EXPECT_EQ(host.resource().finish(1), OrvOk);
     });
-    expectToldOf(inside + ",Unit=9");
+    expectReportedFor(inside + ",Unit=9");
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, DepthOfADn, testing::Values(1000, 100000, kManySteps),
@@ -414,19 +415,19 @@ protected:
     void haveOneChildEach() {
         host.when("VekRouter3.newMoIterator").answers<unsigned long long>([this](auto& iterator) {
             iterator = ++opened;
-            told = opened == kManyMos;
+            isAtEnd = opened == kManyMos;
             return OrvOk;
         });
         host.when("VekRouter3.nextMo").answers<char*>([this](char*& result) {
-            result = told ? nullptr : &name[0];
-            told = true;
+            result = isAtEnd ? nullptr : &name[0];
+            isAtEnd = true;
             return OrvOk;
         });
     }
 
     std::string bottom;
     std::size_t opened = 0;
-    bool told = false;
+    bool isAtEnd = false;
     char name[2] = "7";
 };
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The host fails the component: every call that an operation makes is refused in turn, with each of
-// a few codes and with a success that brings nothing. Each time the client is told what it should
-// be told, no write is lost or made twice, and the component goes on serving.
+// a few codes and with a success that brings nothing. Each time the client gets the expected
+// answer, no write is lost or made twice, and the component goes on serving.
 
 #include "Operations.h"
 
@@ -25,8 +25,8 @@ using testing::IsSubsetOf;
 /// A host's own code: nobody here knows it.
 constexpr OrvReturnT kHostsOwnCode = 77;
 
-/// What a client is told of a host call that failed.
-enum class Told {
+/// What a client gets when a host call fails.
+enum class Effect {
     TheCode, ///< the operation is this call: its code is the answer
     Failure, ///< OrvFailure, whatever the code
     Nothing  ///< the operation goes on as if nothing had been
@@ -36,49 +36,49 @@ enum class Told {
 struct Rule {
     std::string operation; ///< begins with this
     std::string call;      ///< its text begins with this
-    Told told;
+    Effect effect;
 };
 
 const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = {
         // The component's life. Routers must be found, all else may be missing; without a portal of
         // version 3 that of version 1 serves.
-        {"orvLCMinit", "Accessor.getPortal('1')", Told::Failure},
-        {"orvLCMinit", "Accessor.getPortal('3')", Told::Nothing},
-        {"orvLCMinit", "Portal3.registerComponent", Told::TheCode},
-        {"orvLCMterminate", "Portal3.unregisterComponent", Told::Nothing},
-        {"start", "Portal1.getInterface('OrvOamSpiTransactionService'", Told::Nothing},
-        {"start", "Portal1.getInterface", Told::Failure},
-        {"start", "OrvPortal.lookup", Told::Nothing},
+        {"orvLCMinit", "Accessor.getPortal('1')", Effect::Failure},
+        {"orvLCMinit", "Accessor.getPortal('3')", Effect::Nothing},
+        {"orvLCMinit", "Portal3.registerComponent", Effect::TheCode},
+        {"orvLCMterminate", "Portal3.unregisterComponent", Effect::Nothing},
+        {"start", "Portal1.getInterface('OrvOamSpiTransactionService'", Effect::Nothing},
+        {"start", "Portal1.getInterface", Effect::Failure},
+        {"start", "OrvPortal.lookup", Effect::Nothing},
 
         // What an interceptor passes on: it finds its router where the bookkeeping has found one.
-        {"getMoAttribute, intercepted", "VekRouter3.getMoAttribute", Told::TheCode},
-        {"getMoAttributes, intercepted", "VekRouter3.getMoAttributes", Told::TheCode},
+        {"getMoAttribute, intercepted", "VekRouter3.getMoAttribute", Effect::TheCode},
+        {"getMoAttributes, intercepted", "VekRouter3.getMoAttributes", Effect::TheCode},
         {"setMoAttribute, intercepted", "VekRouter3.setMoAttribute(1, 'ManagedElement=1,Unit=7'",
-         Told::TheCode},
+         Effect::TheCode},
 
         // What is asked beside the operation itself.
-        {"", "Transaction.join", Told::Nothing},
-        {"", "Model.", Told::Nothing},
-        {"", "VekRouter3.", Told::Nothing},
-        {"", "ThreadContext.addMessage", Told::Nothing},
-        {"finalizeMoIterator", "Router3.finalizeMoIterator", Told::Nothing},
+        {"", "Transaction.join", Effect::Nothing},
+        {"", "Model.", Effect::Nothing},
+        {"", "VekRouter3.", Effect::Nothing},
+        {"", "ThreadContext.addMessage", Effect::Nothing},
+        {"finalizeMoIterator", "Router3.finalizeMoIterator", Effect::Nothing},
 
         // The one call that the operation stands for.
-        {"existsMo", "Router3.existsMo", Told::TheCode},
-        {"countMoChildren", "Router3.countMoChildren", Told::TheCode},
-        {"getMoAttribute", "Interceptor.getMoAttribute", Told::TheCode},
-        {"getMoAttribute", "Router3.getMoAttribute", Told::TheCode},
-        {"newMoIterator", "Router3.newMoIterator", Told::TheCode},
-        {"nextMo", "Router3.nextMo", Told::TheCode},
-        {"createMo", "Router3.createMo", Told::TheCode},
-        {"setMoAttributes", "Interceptor.setMoAttributes", Told::TheCode},
-        {"setMoAttributes", "Router3_1.setMoAttributes", Told::TheCode},
-        {"setMoAttribute", "Interceptor.setMoAttribute", Told::TheCode},
-        {"setMoAttribute", "Router3.setMoAttribute", Told::TheCode},
-        {"deleteMo", "Router3.deleteMo", Told::TheCode},
-        {"action", "Router3.action", Told::TheCode},
-        {"1 ", "Router1.", Told::TheCode},
+        {"existsMo", "Router3.existsMo", Effect::TheCode},
+        {"countMoChildren", "Router3.countMoChildren", Effect::TheCode},
+        {"getMoAttribute", "Interceptor.getMoAttribute", Effect::TheCode},
+        {"getMoAttribute", "Router3.getMoAttribute", Effect::TheCode},
+        {"newMoIterator", "Router3.newMoIterator", Effect::TheCode},
+        {"nextMo", "Router3.nextMo", Effect::TheCode},
+        {"createMo", "Router3.createMo", Effect::TheCode},
+        {"setMoAttributes", "Interceptor.setMoAttributes", Effect::TheCode},
+        {"setMoAttributes", "Router3_1.setMoAttributes", Effect::TheCode},
+        {"setMoAttribute", "Interceptor.setMoAttribute", Effect::TheCode},
+        {"setMoAttribute", "Router3.setMoAttribute", Effect::TheCode},
+        {"deleteMo", "Router3.deleteMo", Effect::TheCode},
+        {"action", "Router3.action", Effect::TheCode},
+        {"1 ", "Router1.", Effect::TheCode},
     };
     return all;
 }
@@ -87,10 +87,10 @@ bool beginsWith(const std::string& text, const std::string& prefix) {
     return text.rfind(prefix, 0) == 0;
 }
 
-std::optional<Told> toldOf(const Operation& operation, const std::string& callText) {
+std::optional<Effect> effectOf(const Operation& operation, const std::string& callText) {
     for (const Rule& rule : rules()) {
         if (beginsWith(operation.name, rule.operation) && beginsWith(callText, rule.call)) {
-            return rule.told;
+            return rule.effect;
         }
     }
     return std::nullopt;
@@ -164,8 +164,8 @@ std::vector<std::string> withoutTarget(std::vector<std::string> texts, const std
 /// apart from the others. It comes before a write is passed on, and after a creation.
 void expectNoWriteLostOrMadeTwice(const Operation& operation, const Outcome& ordinary,
                                   const Outcome& faulty, const Place& place, OrvReturnT fault,
-                                  Told told) {
-    if (told == Told::Nothing) {
+                                  Effect effect) {
+    if (effect == Effect::Nothing) {
         EXPECT_EQ(ownWritesIn(faulty), ownWritesIn(ordinary));
     } else if (fault != OrvOk) {
         const bool creates = beginsWith(operation.name, "createMo");
@@ -181,7 +181,8 @@ void expectNoWriteLostOrMadeTwice(const Operation& operation, const Outcome& ord
         EXPECT_EQ(withoutTarget(backPointersIn(faulty), target),
                   withoutTarget(backPointersIn(ordinary), target))
             << "the other far sides are none of its business";
-    } else if (told == Told::Nothing && fault != OrvOk && beginsWith(place.name, "VekRouter3.")) {
+    } else if (effect == Effect::Nothing && fault != OrvOk &&
+               beginsWith(place.name, "VekRouter3.")) {
         EXPECT_THAT(backPointersIn(faulty), IsSubsetOf(backPointersIn(ordinary)));
     }
 }
@@ -210,21 +211,21 @@ void expectNoHandleMadeUp(const Outcome& outcome) {
 void failAt(const Operation& operation, const Outcome& ordinary, const Place& place,
             OrvReturnT fault) {
     SCOPED_TRACE(operation.name + ": " + place.text + " answers " + std::to_string(fault));
-    const std::optional<Told> told = toldOf(operation, place.text);
-    ASSERT_TRUE(told) << "no rule tells what the client is told";
+    const std::optional<Effect> effect = effectOf(operation, place.text);
+    ASSERT_TRUE(effect) << "no rule says what the client gets";
     const Outcome faulty = runWithFault(operation, place, fault);
-    switch (*told) {
-    case Told::TheCode:
+    switch (*effect) {
+    case Effect::TheCode:
         EXPECT_EQ(faulty.code, fault);
         break;
-    case Told::Failure:
+    case Effect::Failure:
         EXPECT_EQ(faulty.code, OrvFailure);
         break;
-    case Told::Nothing:
+    case Effect::Nothing:
         EXPECT_EQ(faulty.code, ordinary.code);
         break;
     }
-    expectNoWriteLostOrMadeTwice(operation, ordinary, faulty, place, fault, *told);
+    expectNoWriteLostOrMadeTwice(operation, ordinary, faulty, place, fault, *effect);
     expectNoHandleMadeUp(faulty);
 }
 
@@ -291,7 +292,7 @@ void PrintTo(const Verdict& verdict, std::ostream* out) {
 }
 
 /// The calls of \p name up to the check of the values' classes, which begins with a second lookup
-/// of the examined MO's own class. That one's code is not looked at, and what fails behind it is
+/// of the examined MO's own class. That one's code is not looked at, and what fails after it is
 /// tried again.
 std::vector<Place> countingCalls(const std::vector<Place>& places, const std::string& name) {
     std::vector<Place> counting;
@@ -313,7 +314,7 @@ std::vector<Place> countingCalls(const std::vector<Place>& places, const std::st
 
 class VerdictOfTheFirstValidator : public testing::TestWithParam<Verdict> {};
 
-TEST_P(VerdictOfTheFirstValidator, CallRefused_IsAsTold) {
+TEST_P(VerdictOfTheFirstValidator, CallRefused_IsAsExpected) {
     const Operation& validation = named("validate");
     const std::vector<Place> counting =
         countingCalls(placesIn(ordinaryRun(validation).calls), GetParam().call);

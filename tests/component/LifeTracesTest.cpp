@@ -56,7 +56,7 @@ TEST_F(LifeTraces, StartWhileStarted_TheSame) {
     EXPECT_THAT(host.logs(), ElementsAreArray(threeTimes("start")));
 }
 
-TEST_F(LifeTraces, StartThatFails_TheLogAndBehindItTheFailure) {
+TEST_F(LifeTraces, StartThatFails_TheLogAndThenTheFailure) {
     host.without(Part::Router1);
     initialise();
     ASSERT_EQ(host.startComponent(), OrvFailure);

@@ -171,7 +171,7 @@ TEST(Init, Twice_RebuildsTheArraysWithoutDoubling) {
     EXPECT_EQ(host.startComponent(), OrvOk);
 }
 
-TEST(Init, Arrays_EndRightBehindTheFifthEntry) {
+TEST(Init, Arrays_EndRightAfterTheFifthEntry) {
     Host host;
     host.load();
     ASSERT_EQ(host.init(), OrvOk);

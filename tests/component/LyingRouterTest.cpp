@@ -253,7 +253,7 @@ TEST_F(LyingRouter, MoreContainersThanNames_AreConvertedAsPlainValues) {
                 out);
             return OrvOk;
         });
-    // What stands behind the end of the names is none of them.
+    // What comes after the end of the names does not belong to them.
     const char* names[] = {"managedElementId", nullptr, "managedElementId", "managedElementId"};
     ReadMany read;
     read.code = client().table->getMoAttributes(1, kRoot.c_str(), names, &read.record);
@@ -498,7 +498,7 @@ TEST_F(OddReferences, NoValuesOfAnyType_AreNoReferences) {
     }
 }
 
-TEST_F(OddReferences, TooManyOfAnotherType_TheMultiplicityIsToldFirst) {
+TEST_F(OddReferences, TooManyOfAnotherType_TheMultiplicityIsReportedFirst) {
     host.model().moc("Cell").reference("unit", "Unit", 0, 1);
     ASSERT_EQ(client().set(1, unit("7"), "cells", refs({cell("1")})), OrvOk);
     readEverywhere(none(2).counting(3));
@@ -508,7 +508,7 @@ TEST_F(OddReferences, TooManyOfAnotherType_TheMultiplicityIsToldFirst) {
 }
 
 // A number of a class that has associations, written as references: the model decides.
-TEST_F(OddReferences, NumberWrittenAsReferences_IsToldToBeNoReference) {
+TEST_F(OddReferences, NumberWrittenAsReferences_IsReportedAsNoReference) {
     host.model().moc("Unit").attribute("load", 2);
     host.mo(unitInside("7")).with("load", opaque(2, {42}));
     EXPECT_EQ(client().set(1, unit("7"), "load", refs({cell("1")})), OrvOk);
@@ -518,7 +518,7 @@ TEST_F(OddReferences, NumberWrittenAsReferences_IsToldToBeNoReference) {
                 ElementsAre("Attribute load in ManagedElement=1,Unit=7 is not a MO ref."));
 }
 
-TEST_F(OddReferences, NumberWrittenAsReferencesAndReadAsOne_IsToldTheSame) {
+TEST_F(OddReferences, NumberWrittenAsReferencesAndReadAsOne_IsReportedTheSame) {
     host.model().moc("Unit").attribute("load", 2);
     host.mo(unitInside("7")).with("load", opaque(2, {42}));
     host.when("Router3.setMoAttribute").fails(OrvOk);

@@ -52,7 +52,7 @@ Value referenceAndNone() {
 }
 
 /// The slots of \p value with \p first before them.
-Value behind(const Slot& first, const Value& value) {
+Value precededBy(const Slot& first, const Value& value) {
     std::vector<Slot> slots = value.slots();
     slots.insert(slots.begin(), first);
     return Value(value.type(), slots);
@@ -132,9 +132,9 @@ std::vector<Lie> liesOfStructs() {
                 structs(MembersList{{toCell()}, {member("ref", referenceAndNone())}})),
 
         untouched("FirstStructEmptyAndTheSecondLies",
-                  behind(Slot{}, asStruct({bare, member("ref", nullText(kMoRef))}))),
+                  precededBy(Slot{}, asStruct({bare, member("ref", nullText(kMoRef))}))),
         untouched("FirstStructWithoutReferenceAndTheSecondNoPointer",
-                  behind(asStruct({text}).slots().front(), opaque(kStruct, {kGarbage}))),
+                  precededBy(asStruct({text}).slots().front(), opaque(kStruct, {kGarbage}))),
         handedOn("TextWithoutTextBesideAReference",
                  asStruct({toCell(), member("text", nullText(kString))}),
                  "Struct[{" + near + ", text: String[null]}]"),
@@ -206,7 +206,7 @@ std::vector<Lie> allLies() {
 // -------------------------------------------------------------------------------------------------
 // The operations that take values
 
-/// One operation with \p value; where there can be several values it stands behind a reference that
+/// One operation with \p value; where there can be several values it follows a reference that
 /// would be work for the bookkeeping.
 struct Taker {
     std::string name;
@@ -215,7 +215,7 @@ struct Taker {
     std::string routerCall;
 };
 
-NamedValues behindAReference(const Value& value) {
+NamedValues afterAReference(const Value& value) {
     return {{"cells", refs({cell("1")})}, {"attribute", value}};
 }
 
@@ -229,17 +229,17 @@ const std::vector<Taker>& takers() {
         {"create", false,
          [](Scene& s, const std::string& dn, const Value& value) {
              return s.host.client().create(kTx, dn, "Unit", "unitId", "new",
-                                           behindAReference(value));
+                                           afterAReference(value));
          },
          "Router3.createMo"},
         {"action", false,
          [](Scene& s, const std::string& dn, const Value& value) {
-             return s.host.client().action(kTx, dn, "go", behindAReference(value)).code;
+             return s.host.client().action(kTx, dn, "go", afterAReference(value)).code;
          },
          "Router3.action"},
         {"setMany", false,
          [](Scene& s, const std::string& dn, const Value& value) {
-             return s.host.client3_1().set(kTx, dn, behindAReference(value));
+             return s.host.client3_1().set(kTx, dn, afterAReference(value));
          },
          "Router3_1.setMoAttributes"},
         {"set of version 1", true,
@@ -512,7 +512,8 @@ TEST_P(LyingId, Version1_TheSameAndMustHaveAValue) {
     expectServesOn();
 }
 
-// A DN that cannot be translated is told before the id, a value that cannot be read before the DN.
+// A DN that cannot be translated is reported before the id, a value that cannot be read before the
+// DN.
 TEST_P(LyingId, OtherAnswers_HaveTheirPlaces) {
     const auto onForeign = [](OrvReturnT code) {
         return code == OrvFailure ? OrvFailure : OrvNotExist;

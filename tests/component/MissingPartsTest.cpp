@@ -28,7 +28,8 @@ bool verdictOn(const Host& host, unsigned long txHandle) {
 
 }
 
-/// A host in which nothing can be judged, for want of one of two things that `start` does without.
+/// A host in which nothing can be validated, because one of two things is missing that `start` does
+/// not need.
 class NoVerdict : public testing::TestWithParam<Part> {
 protected:
     NoVerdict() {

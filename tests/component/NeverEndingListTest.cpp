@@ -40,13 +40,13 @@ OrvReturnT nextOf(Handle current, Handle* next) {
 }
 
 template <Handle Answer>
-OrvReturnT tell(Handle /*of*/, Handle* answer) {
+OrvReturnT give(Handle /*of*/, Handle* answer) {
     *answer = Answer;
     return OrvOk;
 }
 
 OrvReturnT mocFromDn(const char* /*dn*/, int /*flag*/, Handle* moc) {
-    return tell<Moc>(0, moc);
+    return give<Moc>(0, moc);
 }
 
 OrvReturnT itself(Handle object, Handle* properties) {
@@ -84,19 +84,19 @@ OrvReturnT nextBiDir(Handle current, Handle /*moc*/, Handle* next) {
 const VekOamSpiMrDnLookup_4 dnLookup = {nullptr, nullptr, mocFromDn};
 const VekOamSpiMrGeneralProperties_4 generalProperties = {nameOf};
 const VekOamSpiMrMocQueries_4 mocQueries = {
-    itself,  nullptr,           nullptr, nullptr,     nullptr,     tell<Attribute>,
-    nullptr, tell<Containment>, nullptr, tell<BiDir>, tell<UniDir>};
-const VekOamSpiMrContainment_4 containment = {nullptr, nullptr, tell<Moc>,
+    itself,  nullptr,           nullptr, nullptr,     nullptr,     give<Attribute>,
+    nullptr, give<Containment>, nullptr, give<BiDir>, give<UniDir>};
+const VekOamSpiMrContainment_4 containment = {nullptr, nullptr, give<Moc>,
                                               nullptr, nullptr, nextOf};
-const VekOamSpiMrAssociationEnd_4 associationEnd = {tell<Moc>, tell<Attribute>, itself,
+const VekOamSpiMrAssociationEnd_4 associationEnd = {give<Moc>, give<Attribute>, itself,
                                                     nameOf,    noFlag,          bound};
-const VekOamSpiMrBiDirAssociation_4 biDirAssociation = {nullptr, nullptr, tell<FirstEnd>,
-                                                        tell<SecondEnd>, nextBiDir};
-const VekOamSpiMrUniDirAssociation_4 uniDirAssociation = {nullptr, nullptr, tell<FirstEnd>, nextOf};
+const VekOamSpiMrBiDirAssociation_4 biDirAssociation = {nullptr, nullptr, give<FirstEnd>,
+                                                        give<SecondEnd>, nextBiDir};
+const VekOamSpiMrUniDirAssociation_4 uniDirAssociation = {nullptr, nullptr, give<FirstEnd>, nextOf};
 const VekOamSpiMrAttributeType_4 attributeType = {nullptr, isReference, nullptr,
                                                   nullptr, nullptr,     bound};
-const VekOamSpiMrAttribute_4 attribute = {itself, tell<Moc>, tell<Type>, nextOf};
-const VekOamSpiMrReferenceType_4 referenceType = {tell<Moc>};
+const VekOamSpiMrAttribute_4 attribute = {itself, give<Moc>, give<Type>, nextOf};
+const VekOamSpiMrReferenceType_4 referenceType = {give<Moc>};
 
 VekOamSpiModelRepository_4 modelOfOneClass() {
     return {{"VekOamSpiModelRepositoryService", "VekOamSpiModelRepository", "4"},

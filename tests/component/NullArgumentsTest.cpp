@@ -400,7 +400,7 @@ protected:
     const Client1 client1 = scene.host.client1();
 };
 
-// The id without a value is a case of its own in version 1: told after the translation, and -8.
+// The id without a value is a case of its own in version 1: reported after the translation, and -8.
 TEST_F(NullsBeside, Version1IdWithoutValue_IsRefusedAsAnId) {
     EXPECT_EQ(client1.set(kTx, kUnit, "networkManagedElementId"), OrvInvalidArgument);
     EXPECT_THAT(scene.host.calls(),
@@ -426,7 +426,7 @@ void expectUnknownFirst(const NextCall<Handle>& call) {
     EXPECT_EQ(name, mine);
 }
 
-TEST_F(NullsBeside, NextOfAnUnknownHandle_IsToldBeforeTheMissingResult) {
+TEST_F(NullsBeside, NextOfAnUnknownHandle_IsReportedBeforeTheMissingResult) {
     expectUnknownFirst<unsigned long long>({4711, client.table->nextMo});
     expectUnknownFirst<unsigned long long>({0, client.table->nextMo});
     expectUnknownFirst<void*>({this, client1.table->nextMo});

@@ -20,11 +20,11 @@ namespace {
 const std::string kUnit = "ManagedElement=paris,Unit=7";
 const std::string kForeign = "ManagedElement=rome,Unit=7"; ///< cannot be translated
 
-/// A read, and its entry trace up to the DN and behind it.
+/// A read, and its entry trace up to the DN and after it.
 struct TracedRead {
     std::string function;
     std::string beforeDn;
-    std::string behindDn;
+    std::string afterDn;
     OrvReturnT whenStopped;
     std::function<OrvReturnT(const Client3&, const std::string& dn)> run;
 };
@@ -69,7 +69,7 @@ class ReadTraces : public TracedHost, public testing::WithParamInterface<TracedR
 protected:
     void expectRun(const std::string& dn, OrvReturnT code, const std::string& text) {
         EXPECT_EQ(GetParam().run(host.client(), dn), code);
-        expectTraces(GetParam().function, GetParam().beforeDn + dn + GetParam().behindDn,
+        expectTraces(GetParam().function, GetParam().beforeDn + dn + GetParam().afterDn,
                      " << ret: " + text);
     }
 };

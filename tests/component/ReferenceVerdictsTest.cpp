@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The verdict on the unidirectional references that a transaction wrote, and what the client is
-// told: every rule, broken in turn.
+// The verdict on the unidirectional references that a transaction wrote, and what is reported
+// to the client: every rule is broken, one after the other.
 
 #include "Host.h"
 

@@ -191,7 +191,7 @@ TEST_F(Set, NetworkId_NoText_GoesOnUnchecked) {
     EXPECT_EQ(host.calls("Router3.").size(), 4U);
 }
 
-TEST_F(Set, NetworkId_BadBehindACountOfZero_IsRefusedAllTheSame) {
+TEST_F(Set, NetworkId_BadAfterACountOfZero_IsRefusedAllTheSame) {
     EXPECT_EQ(client().set(1, unit("7"), kNetworkId, strings({"a,b"}).counting(0)),
               OrvValidationFailed);
 }

@@ -16,7 +16,7 @@
 namespace Scripted {
 namespace {
 
-/// What a host may throw, told apart from what the component throws.
+/// What a host may throw, distinguished from what the component throws.
 struct HostsException : std::runtime_error {
     using std::runtime_error::runtime_error;
 };

@@ -41,7 +41,7 @@ void Orv::MeIdTranslator::stop() {
     }
 }
 
-TEST(TranslatorLife, Start_IsBehindTheRoutersAndBeforeTheTransactionTable) {
+TEST(TranslatorLife, Start_IsAfterTheRoutersAndBeforeTheTransactionTable) {
     Host host;
     host.load();
     ASSERT_EQ(host.init(), OrvOk);
@@ -71,7 +71,7 @@ TEST(TranslatorLife, StartThatFails_DoesNotReachIt) {
     }
 }
 
-TEST(TranslatorLife, Stop_IsBehindTheInterfacesAndTheirMemoryAndBeforeTheValidators) {
+TEST(TranslatorLife, Stop_IsAfterTheInterfacesAndTheirMemoryAndBeforeTheValidators) {
     Host host;
     host.mo("A=1");
     host.start();

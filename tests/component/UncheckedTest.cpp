@@ -64,7 +64,7 @@ TEST_F(Unchecked, OtherNames_ReachTheRouterInEveryVersion) {
     }
 }
 
-TEST_F(Unchecked, ValuesBehindTheFirst_ReachTheRouterInEveryVersion) {
+TEST_F(Unchecked, ValuesAfterTheFirst_ReachTheRouterInEveryVersion) {
     const Value value = strings({"a", "b,c"});
     EXPECT_EQ(client().set(1, unit("7"), kNetworkId, value), OrvOk);
     EXPECT_EQ(setMany({{kNetworkId, value}}), OrvOk);

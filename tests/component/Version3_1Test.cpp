@@ -150,7 +150,7 @@ TEST_F(SetMany, NetworkId_SecondOfTwoBad_IsRefused) {
               OrvInvalidArgument);
 }
 
-TEST_F(SetMany, NetworkId_BadBehindACountOfZero_GoesOnUnchecked) {
+TEST_F(SetMany, NetworkId_BadAfterACountOfZero_GoesOnUnchecked) {
     EXPECT_EQ(set(unit("7"), {{kNetworkId, strings({"a,b"}).counting(0)}}), OrvOk);
     EXPECT_EQ(host.calls("Router3_1.").size(), 1U);
 }

@@ -24,7 +24,7 @@ struct Traced {
     std::string name;
     std::string file;
     std::string function;
-    std::string arguments; ///< as the entry shows them behind the DN
+    std::string arguments; ///< as the entry shows them after the DN
     std::function<OrvReturnT(const Host&, const std::string& dn)> run;
 };
 

@@ -154,7 +154,7 @@ TEST(OrvhostBadInputTest, Data_MalformedOrWrongValue_TellsFileAndLine) {
         AllOf(HasSubstr("broken/wrong-value.json:5:"), HasSubstr("99999"), HasSubstr("height")));
 }
 
-TEST(OrvhostBadInputTest, Data_OneSidedAssociations_AreAllToldWithBothDns) {
+TEST(OrvhostBadInputTest, Data_OneSidedAssociations_AreAllReportedWithBothDns) {
     EXPECT_THAT(
         loadError({"-d", "broken/one-sided.json"}),
         AllOf(HasSubstr("broken/one-sided.json: ManagedElement=1,Mast=a: attribute antennas names "
@@ -163,7 +163,7 @@ TEST(OrvhostBadInputTest, Data_OneSidedAssociations_AreAllToldWithBothDns) {
                         "ManagedElement=1,Mast=a")));
 }
 
-TEST(OrvhostBadInputTest, Data_OneSidedWithRepair_IsCompletedAndTold) {
+TEST(OrvhostBadInputTest, Data_OneSidedWithRepair_IsCompletedAndReported) {
     const auto result = runOrvhost({"-I", "models", "-m", "site", "-d", "broken/one-sided.json",
                                     "--repair", "-c", "get ManagedElement=1,Mast=a antennas", "-c",
                                     "get ManagedElement=1,Antenna=1 mast"});
@@ -174,7 +174,7 @@ TEST(OrvhostBadInputTest, Data_OneSidedWithRepair_IsCompletedAndTold) {
     EXPECT_EQ(result.status, 0);
 }
 
-TEST(OrvhostBadInputTest, Data_ForbiddenClassAndMissingTarget_AreBothTold) {
+TEST(OrvhostBadInputTest, Data_ForbiddenClassAndMissingTarget_AreBothReported) {
     EXPECT_THAT(loadError({"-d", "broken/wrong-class.json"}),
                 AllOf(HasSubstr("expected Mast or Antenna"), HasSubstr("Mast=gone")));
 }
@@ -210,7 +210,7 @@ TEST(OrvhostBadInputTest, Data_TopLevelOfAnotherClass_IsLoadedWithANote) {
     EXPECT_EQ(result.status, 0);
 }
 
-TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsTold) {
+TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsReported) {
     EXPECT_THAT(loadError({"--ext-cm", "no-such.so"}),
                 HasSubstr("no-such.so: cannot be opened as a shared object"));
     EXPECT_THAT(loadError({"--ext-cm", "models/site.yang"}),
@@ -223,7 +223,7 @@ TEST(OrvhostBadInputTest, Component_MissingOrBroken_IsTold) {
 }
 
 // Without the host's check, loading this file would end the process with a signal.
-TEST(OrvhostBadInputTest, Component_CutOff_IsTold) {
+TEST(OrvhostBadInputTest, Component_CutOff_IsReported) {
     const TemporaryDirectory directory;
     const std::filesystem::path copy = directory.path() / "cut-off.so";
     std::filesystem::copy_file(EXT_CM_PATH, copy);
@@ -233,13 +233,13 @@ TEST(OrvhostBadInputTest, Component_CutOff_IsTold) {
                   ": cannot be opened as a shared object: the file ends too early\n");
 }
 
-TEST(OrvhostBadInputTest, Component_NoneOffersTheTables_IsTold) {
+TEST(OrvhostBadInputTest, Component_NoneOffersTheTables_IsReported) {
     EXPECT_THAT(loadError({"--ext-cm", BROKEN_COMPONENT_DIR "/Provider.so"}),
                 HasSubstr("no started component offers OrvOamSpiExtCmRouterService/"
                           "OrvOamSpiManagedObject version 3"));
 }
 
-TEST(OrvhostBadInputTest, LogFile_NotWritable_IsTold) {
+TEST(OrvhostBadInputTest, LogFile_NotWritable_IsReported) {
     EXPECT_THAT(loadError({"--log-file", "no/such/dir/log"}),
                 HasSubstr("no/such/dir/log: cannot be opened for writing"));
 }

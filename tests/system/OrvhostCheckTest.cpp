@@ -65,7 +65,7 @@ TEST_F(OrvhostCheckTest, Expect_NotMet_TellsFileLineExpectedAndGot) {
     EXPECT_EQ(result.status, 1);
 }
 
-TEST_F(OrvhostCheckTest, Expect_OfUsageOrNothingUnderstood_IsToldApart) {
+TEST_F(OrvhostCheckTest, Expect_OfUsageOrNothingUnderstood_IsDistinguished) {
     const auto result = runOnHarbour("expect usage : gte x\nexpect usage : commit\nexpect ok\n"
                                      "expect foo : commit\nexpect ok :\n");
     EXPECT_THAT(result.out, StartsWith("gte: there is no command 'gte'."));

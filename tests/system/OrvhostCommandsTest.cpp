@@ -134,7 +134,7 @@ TEST(OrvhostCommandsTest, Model_OneClass_TellsAttributesAndAssociations) {
     EXPECT_THAT(result.out, HasSubstr("Antenna  seen       Antenna    0..*   (one way)\n"));
 }
 
-TEST(OrvhostCommandsTest, Model_Associations_AreToldFromEachSide) {
+TEST(OrvhostCommandsTest, Model_Associations_AreShownFromEachSide) {
     const auto result = runCommands({"model --associations"});
     EXPECT_EQ(result.out, "CLASS    ATTRIBUTE  POINTS AT  COUNT  POINTED BACK BY\n"
                           "Mast     antennas   Antenna    0..*   mast\n"
@@ -178,7 +178,7 @@ TEST(OrvhostCommandsTest, Quit_InTheMiddle_LeavesTheRest) {
     EXPECT_EQ(result.status, 0);
 }
 
-TEST(OrvhostCommandsTest, Words_BehindTheOptions_AreOneCommand) {
+TEST(OrvhostCommandsTest, Words_AfterTheOptions_AreOneCommand) {
     const auto result =
         runOrvhost(withSite({"--", "tree", "ManagedElement=east,Mast=a", "--depth", "0"}));
     EXPECT_EQ(result.out, "ManagedElement=east,Mast=a (2 below)\n");

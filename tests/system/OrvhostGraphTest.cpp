@@ -135,7 +135,7 @@ TEST(OrvhostGraphTest, TooManyObjects_AreRefusedWithTheirNumbers) {
     EXPECT_THAT(errorOf("graph --classes --limit 2", 1), HasSubstr("there are 5 classes"));
 }
 
-TEST(OrvhostGraphTest, WrongWords_AreTold) {
+TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph ManagedElement=east,Mast=z", 1), HasSubstr("there is no object"));
     EXPECT_THAT(errorOf("graph --classes Mst", 1), HasSubstr("Did you mean Mast?"));
     EXPECT_THAT(errorOf("graph --depth deep", 2), HasSubstr("--depth needs a number"));
@@ -145,14 +145,14 @@ TEST(OrvhostGraphTest, WrongWords_AreTold) {
                 HasSubstr("x.svg: cannot be written"));
 }
 
-TEST(OrvhostGraphTest, DotMissing_IsToldWithTheWayAround) {
+TEST(OrvhostGraphTest, DotMissing_IsReportedWithAWorkaround) {
     const TemporaryDirectory empty;
     const OnlyPath path(empty.path());
     EXPECT_THAT(errorOf("graph", 1), AllOf(HasSubstr("dot is not in PATH"), HasSubstr("--dot")));
     EXPECT_EQ(runCommands({"graph --dot"}).status, 0);
 }
 
-TEST(OrvhostGraphTest, DotFails_IsToldWithWhatItSaid) {
+TEST(OrvhostGraphTest, DotFails_IsReportedWithItsText) {
     const TemporaryDirectory directory;
     const auto become = [&](const std::string& script) {
         std::filesystem::permissions(directory.file("dot", "#!/bin/sh\n" + script + "\n"),

@@ -67,7 +67,7 @@ TEST(OrvhostLossTest, ReportFile_DiskFull_IsAnError) {
     EXPECT_EQ(result.err, "orvhost: /dev/full: cannot be written to its end\n");
 }
 
-TEST(OrvhostLossTest, LogFile_DiskFull_IsTold) {
+TEST(OrvhostLossTest, LogFile_DiskFull_IsReported) {
     const auto result = runOrvhost(
         withSite({"--log-level", "trace", "--log-file", kFull, "exists", "ManagedElement=east"}));
     EXPECT_EQ(result.out, "yes\n");

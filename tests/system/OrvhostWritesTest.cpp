@@ -88,7 +88,7 @@ TEST_P(OrvhostWritesTest, Action_GoodAndBadParameters_AreAnswered) {
                       HasSubstr("stdin:5: action: the action is missing. Usage: action DN")));
 }
 
-TEST_P(OrvhostWritesTest, Value_OfAWrongTypeOrOutOfRange_IsToldWithWhatIsExpected) {
+TEST_P(OrvhostWritesTest, Value_OfAWrongTypeOrOutOfRange_IsReportedWithWhatIsExpected) {
     const std::string cell = "ManagedElement=Harbour,GNBDUFunction=1,NRCellDU=1";
     const auto result = run("set " + cell + " nRPCI=tall\nset " + cell + " nRPCI=-1\nset " + cell +
                             " nRPCI=1008\nset " + cell + " nRPCI=99999999999999999999999\nset " +
@@ -105,7 +105,7 @@ TEST_P(OrvhostWritesTest, Value_OfAWrongTypeOrOutOfRange_IsToldWithWhatIsExpecte
     EXPECT_EQ(result.status, 1);
 }
 
-TEST_P(OrvhostWritesTest, Names_Unknown_AreToldWithTheNearest) {
+TEST_P(OrvhostWritesTest, Names_Unknown_AreReportedWithTheNearest) {
     const auto result = run("set ManagedElement=Harbour userLable=x\n"
                             "set ManagedElement=Harbour,Equipment=2 x=1\n"
                             "create ManagedElement=Harbour,Equipment=1,Sektor=3\n"
@@ -152,7 +152,7 @@ TEST(OrvhostInterfaceTest, Parameters_OfVersion1WithAGap_AreUsage) {
     EXPECT_THAT(result.err, HasSubstr("reason cannot be left out before the others"));
 }
 
-TEST(OrvhostInterfaceTest, Version_UnknownOrShown_IsToldWithThoseThereAre) {
+TEST(OrvhostInterfaceTest, Version_UnknownOrShown_IsAnsweredWithAllVersions) {
     const auto result = runOnHarbour("interface\ninterface 2\ninterface 1\n");
     EXPECT_EQ(result.out, "version 3_1\nversion 1\n");
     EXPECT_THAT(result.err, HasSubstr("there is no interface version '2'; versions: 1, 3, 3_1"));

@@ -34,7 +34,7 @@ public:
 /// Objects in an array.
 class InstanceSpan : public InstanceSource {
 public:
-    /// The array behind `instances` must outlive this object.
+    /// The array that `instances` refers to must outlive this object.
     explicit InstanceSpan(std::span<const Instance> instances) : mInstances(instances) {}
 
     void visit(const Visitor& visitor) const override {

@@ -36,7 +36,7 @@ std::size_t sequenceLength(unsigned char lead) {
     return lead >= 0xF0U && lead <= 0xF4U ? 4 : 0;
 }
 
-// The second byte tells overlong forms, surrogates and what lies beyond U+10FFFF.
+// The second byte shows overlong forms, surrogates and what lies beyond U+10FFFF.
 bool secondByteFits(unsigned char lead, unsigned char second) {
     switch (lead) {
     case 0xE0U:

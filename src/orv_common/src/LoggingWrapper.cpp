@@ -56,7 +56,7 @@ void LoggingWrapper::write(const Fill& fill) {
             mSink(record);
         }
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
-        // A record that cannot be made or written must not fail the operation that it tells about,
+        // A record that cannot be made or written must not fail the operation that it describes,
         // which may have done its work already.
     }
 }

@@ -16,7 +16,7 @@ constexpr std::string_view rootClass = "ManagedElement";
 constexpr std::string_view internalIdentity = "1";
 
 // True if the first step is of the class ManagedElement, in the form `Class=value` or
-// `Class.attr=value`, or cut short behind the class.
+// `Class.attr=value`, or cut short after the class.
 bool beginsWithRoot(std::string_view dn) {
     if (dn.substr(0, rootClass.size()) != rootClass) {
         return false;

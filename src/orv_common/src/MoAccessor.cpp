@@ -13,7 +13,7 @@ namespace Orv {
 
 namespace {
 
-// An open iterator of the router, told when it is no longer used.
+// An open iterator of the router, ended by the destructor.
 class RouterIterator {
 public:
     RouterIterator(OrvOamSpiManagedObject_3& router, unsigned long long handle)

@@ -38,7 +38,7 @@ Argument arg(const OrvMoAttributeValueContainer_3* value);
 Argument arg(const OrvMoAttributeValueContainer* value);
 Argument arg(OrvMoAttributeValueContainer* const* values); ///< ended by a null pointer
 Argument arg(OrvMoNamedAttributeValueContainer_3* const* attributes);
-/// A pointer that is only told apart; \p text is what a person reads.
+/// A pointer of which only the identity matters; \p text is what a person reads.
 Argument arg(const void* address, std::string text);
 
 /// One call that the scripted host got. Out parameters are no arguments.

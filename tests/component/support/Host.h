@@ -89,7 +89,7 @@ public:
     }
     std::vector<std::string> logs() const { return mLogs.lines(); }
     std::vector<Orv::LogRecord> logRecords() const { return mLogs.records(); }
-    /// What the client was told through the thread context.
+    /// What was reported to the client through the thread context.
     std::vector<std::string> messages() const { return mStage.messages(); }
     const World& world() const { return mStage.world; }
     Results& results() { return mStage.results; }

@@ -19,7 +19,7 @@
 
 namespace Scripted {
 
-/// Told of each operation that the component asks of an interceptor; \p base is the default of the
+/// Sees each operation that the component asks of an interceptor; \p base is the default of the
 /// base class with the same arguments. The answer is the interceptor's.
 class InterceptorObserver {
 public:

@@ -10,7 +10,7 @@ namespace Scripted {
 namespace {
 
 // A handle is the kind of the object in the upper half and its number, from 1, in the lower one, so
-// that whoever looks at half a handle, or takes one kind for another, finds nothing.
+// that code that uses half a handle, or one kind as another, finds nothing.
 enum Kind : unsigned long long {
     KindMoc = 0x8001,
     KindAttribute,

@@ -13,7 +13,7 @@
 
 namespace Scripted {
 
-/// One side of a bidirectional association, told from the class that holds the attribute: the
+/// One side of a bidirectional association, seen from the class that holds the attribute: the
 /// attribute \p attribute of \p moc holds from \p lower to \p upper references to the class of the
 /// other side, and messages count them in \p role.
 struct Side {
@@ -27,7 +27,7 @@ struct Side {
 };
 
 /// The model that the scripted model repository answers from. Classes and attributes come into
-/// being when they are first named; everything keeps the order in which it was told.
+/// being when they are first named; everything keeps the order in which it was added.
 ///
 /// Threads: built by the test before the component is started, read by any thread afterwards.
 class Model {

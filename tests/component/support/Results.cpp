@@ -78,7 +78,7 @@ void Results::release(OrvMoAttributeValueContainer_3* container) {
 
 void Results::releaseAll(OrvMoAttributeValueContainer_3** containers) {
     if (sCurrent == nullptr) {
-        std::abort(); // as above
+        std::abort(); // the same: a result has outlived its host
     }
     sCurrent->takeBack(containers, "Producer.releaseAll");
 }

@@ -66,7 +66,7 @@ struct Stage {
 
     /// What registerComponent was given and unregisterComponent not; null: nothing.
     OrvMgmtSpiComponent_1* registered = nullptr;
-    /// What registerComponent was given last, be it that the call was refused.
+    /// What registerComponent was given last, even if the call was refused.
     OrvMgmtSpiComponent_1* lastRecord = nullptr;
 
     /// Called by the thread context for each message that it takes.

@@ -30,7 +30,7 @@ struct Member {
 using Members = std::vector<Member>;
 
 /// One slot of a value: a text (which may be the null pointer), a struct (which may be the null
-/// pointer), or 8 opaque bytes. Which of them holds is told by the type of the value; bytes in the
+/// pointer), or 8 opaque bytes. The type of the value decides which of them holds; bytes in the
 /// place of a text or struct are a pointer that nobody may follow.
 struct Slot {
     std::optional<std::string> text;

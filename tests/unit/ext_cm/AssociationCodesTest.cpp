@@ -181,7 +181,7 @@ TEST_F(AssociationCodes, Validate_ValueCannotBeRead_IsTheHostsCodeAndNotValid) {
     expectVerdict(hostsCode, false);
 }
 
-TEST_F(AssociationCodes, Validate_ExistenceCannotBeTold_IsTheCodeOfTheLastAndValid) {
+TEST_F(AssociationCodes, Validate_ExistenceIsUnknown_IsTheCodeOfTheLastAndValid) {
     written({});
     utils.addUpdatedBp(1, "X=2", "ys");
     when("VekRouter3.existsMo").on("X=2").fails(hostsCode);

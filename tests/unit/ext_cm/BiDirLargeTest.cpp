@@ -8,8 +8,8 @@
 
 #include <ctime>
 
-// Sizes at which a step that is quadratic would not come to an end. The bound is generous: it tells
-// minutes from seconds, also in an instrumented build.
+// Sizes at which a step that is quadratic would not come to an end. The bound is generous: it
+// separates minutes from seconds, also in an instrumented build.
 
 namespace BiDirTests {
 namespace {

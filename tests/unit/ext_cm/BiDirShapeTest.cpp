@@ -32,7 +32,7 @@ static_assert(
                    std::map<unsigned long, std::set<std::pair<std::string, std::string>>>>);
 static_assert(std::is_same_v<decltype(Utils::mMutex), Poco::Mutex>);
 
-TEST(BiDirShape, Members_StandInTheirOrderBehindNothingButTheTableOfOperations) {
+TEST(BiDirShape, Members_StandInTheirOrderAfterNothingButTheTableOfOperations) {
     const Utils utils;
     constexpr std::ptrdiff_t word = sizeof(void*);
     EXPECT_EQ(distance(&utils, &utils.moRouter), word);

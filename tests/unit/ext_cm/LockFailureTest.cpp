@@ -250,7 +250,7 @@ TEST_F(LockFailure, EndOfHoldersOfNothing_TakesNoLock) {
     EXPECT_EQ(locksTaken, 0);
 }
 
-// A failure to let go is told, and the lock is free all the same: the guard tries again.
+// A failed release is reported. The lock is free all the same, because the guard tries again.
 TEST_F(LockFailure, BackPointers_EveryOperationTellsOfBoth) {
     Orv::Portal::instance()->attach(&PlainHost::lookup);
     OpenBiDirUtils utils;
@@ -322,7 +322,7 @@ TEST_F(LockFailure, References_EveryOperationTellsOfBothAndNoVerdictIsWritten) {
 }
 
 // The first two locks of finish are those of the back-pointers and of the references.
-TEST(LockFailureOfTheService, Finish_EveryLockThatFailsIsTold) {
+TEST(LockFailureOfTheService, Finish_EveryLockThatFailsIsReported) {
     OrvExtCmRouterService::ExtCmRouterService& service =
         OrvExtCmRouterService::ExtCmRouterService::instance();
     for (int number = 1; number <= 3; ++number) {
@@ -436,7 +436,7 @@ TEST_F(LockFailureOfStop, UnlockOfAnInterface_IsAFailureAndTheRestDoesNotRun) {
     EXPECT_TRUE(serves3() && serves3_1() && memoryIsThere());
 }
 
-TEST_F(LockFailureOfStop, LockOfTheReferences_ComesBehindTheSweep) {
+TEST_F(LockFailureOfStop, LockOfTheReferences_ComesAfterTheSweep) {
     OrvReturnT code = OrvOk;
     EXPECT_EQ(whenLockFails([&] { code = stop(); }, 5), "nothing");
     EXPECT_EQ(code, OrvFailure);

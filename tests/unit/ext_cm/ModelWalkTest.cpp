@@ -22,7 +22,7 @@ struct Step {
     Handle found;
 };
 
-/// A list whose steps are told beforehand; the last one repeats.
+/// A list whose steps are given beforehand; the last one repeats.
 class List {
 public:
     explicit List(std::vector<Step> steps) : mSteps(std::move(steps)) {}
@@ -86,7 +86,7 @@ TEST(ModelWalk, UntilNonZero_EachStepFromTheOneBefore_InTheListsOrder) {
     EXPECT_EQ(walk.code(), OrvNotExist);
 }
 
-TEST(ModelWalk, UntilNonZero_AnyOtherCode_EndsItAndIsTold) {
+TEST(ModelWalk, UntilNonZero_AnyOtherCode_EndsItAndIsReported) {
     List list({{OrvOk, 7}, {-5, 8}, {OrvOk, 9}});
     auto walk = untilNonZero(list);
     EXPECT_EQ(visited(walk), Handles{7});

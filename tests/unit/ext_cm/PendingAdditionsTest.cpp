@@ -132,7 +132,7 @@ TEST_F(PendingAdditionsTest, DropSources_LooksAtWhatIsDroppedAndNoFurther) {
     EXPECT_EQ(compared, 1);
     compared = 0;
     pending.dropSources(1, "X=2", &beginsWith);
-    EXPECT_EQ(compared, 1) << "the one attribute that has a source behind this one";
+    EXPECT_EQ(compared, 1) << "the one attribute that has a source after this one";
     EXPECT_EQ(store.size(), 3U * others);
 }
 

@@ -46,7 +46,7 @@ TEST(ServiceSlots, MoInterceptorBase_IsAsOthersKnowIt) {
     EXPECT_EQ(slots, (Slots{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
 }
 
-// Three fields behind the pointer to the table: what a derived class reads lies where it was
+// Three fields after the pointer to the table: what a derived class reads lies where it was
 // compiled to look.
 TEST(ServiceSlots, MoInterceptorBase_HasItsFieldsInOrder) {
     struct Derived : MoInterceptorBase {

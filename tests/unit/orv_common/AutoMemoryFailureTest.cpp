@@ -34,7 +34,7 @@ struct Counted {
     ~Counted() { --alive; }
 };
 
-// Calls `operation` with room for `allocations` allocations and tells whether it ran out of them.
+// Calls `operation` with room for `allocations` allocations and returns whether it ran out of them.
 template <class Operation>
 bool runsOut(int allocations, Operation&& operation) {
     bool ranOut = false;

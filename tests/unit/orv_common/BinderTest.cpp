@@ -88,7 +88,7 @@ TEST(Shielded, AnythingElse_Passes) {
 // What all binders have in common.
 
 template <template <class> class BinderOf, class Served>
-void expectTableBehindTheVirtualDestructor() {
+void expectTableAfterTheVirtualDestructor() {
     using Binder = BinderOf<Served>;
     static_assert(std::has_virtual_destructor_v<Binder>);
     static_assert(!std::is_copy_constructible_v<Binder>);
@@ -99,11 +99,11 @@ void expectTableBehindTheVirtualDestructor() {
     EXPECT_EQ(sizeof(binder), sizeof(void*) + sizeof(*binder.getInterface()));
 }
 
-TEST(Binders, Type_HasItsTableFirstBehindTheVirtualDestructor) {
-    expectTableBehindTheVirtualDestructor<Orv::TransactionalResource2Binder, ServedResource>();
-    expectTableBehindTheVirtualDestructor<Orv::ManagedObject1Binder, ServedObject1>();
-    expectTableBehindTheVirtualDestructor<Orv::ManagedObject3Binder, ServedObject3>();
-    expectTableBehindTheVirtualDestructor<Orv::ManagedObject3_1Binder, ServedObject3_1>();
+TEST(Binders, Type_HasItsTableFirstAfterTheVirtualDestructor) {
+    expectTableAfterTheVirtualDestructor<Orv::TransactionalResource2Binder, ServedResource>();
+    expectTableAfterTheVirtualDestructor<Orv::ManagedObject1Binder, ServedObject1>();
+    expectTableAfterTheVirtualDestructor<Orv::ManagedObject3Binder, ServedObject3>();
+    expectTableAfterTheVirtualDestructor<Orv::ManagedObject3_1Binder, ServedObject3_1>();
 }
 
 TEST(Binders, Construction_CopiesTheIdentity) {

@@ -296,7 +296,7 @@ TEST_F(ComponentTest, LcmTerminate_OlderPortal_LeavesTheRegistration) {
     EXPECT_EQ(takeCalls(), (Calls{"terminate"}));
 }
 
-// The portal was stored before the refusal, so it is told, although nothing was registered there.
+// The portal was stored before the refusal, so it is called, although nothing was registered there.
 TEST_F(ComponentTest, LcmTerminate_AfterARefusalForLackOfTheOlderPortal_TellsTheNewerPortal) {
     using Tested = ScriptedComponent<struct TerminateRefused>;
     scripted.hasPortal1 = false;

@@ -18,7 +18,7 @@ namespace {
 struct ScriptedRouter {
     std::vector<std::string> names;
     OrvReturnT openCode = OrvOk;
-    OrvReturnT lastCode = OrvOk; ///< given behind the last name
+    OrvReturnT lastCode = OrvOk; ///< given after the last name
     bool throws = false;
 
     unsigned long txHandle = 0;

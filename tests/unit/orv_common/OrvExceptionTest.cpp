@@ -38,9 +38,9 @@ TEST(OrvException, Copy_KeepsTextAndCode) {
 
 TEST(OrvException, CaughtAsStandardException_TellsItsText) {
     try {
-        throw Orv::OrvException("told");
+        throw Orv::OrvException("a reason");
     } catch (const std::exception& caught) {
-        EXPECT_STREQ(caught.what(), "told");
+        EXPECT_STREQ(caught.what(), "a reason");
     }
 }
 
@@ -60,7 +60,7 @@ TEST(OrvReturn, Strerror_CodeOfTheHost_KeepsItsNumber) {
     }
 }
 
-TEST(OrvReturn, Strerror_OneCodeAfterTheOther_EachIsToldAndNamesStay) {
+TEST(OrvReturn, Strerror_OneCodeAfterTheOther_EachIsReportedAndNamesStay) {
     const char* const name = Orv::OrvReturn::strerror(OrvNotExist);
     EXPECT_STREQ(Orv::OrvReturn::strerror(std::numeric_limits<OrvReturnT>::min()),
                  "unknown return code -2147483648");

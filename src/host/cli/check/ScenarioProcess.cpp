@@ -92,25 +92,25 @@ JsonValue toJson(const ScenarioResult& result) {
 }
 
 // What the process has sent: a document for each line that it reached, and one at its end.
-struct Told {
+struct ProcessReport {
     int lastLine = 0;
     std::optional<JsonValue> result;
 };
 
-Told parseTold(const std::string& text) {
-    Told told;
+ProcessReport parseReport(const std::string& text) {
+    ProcessReport report;
     std::size_t begin = 0;
     for (std::size_t end = text.find('\n'); end != std::string::npos;
          end = text.find('\n', begin)) {
         const JsonValue document = JsonValue::parse(text.substr(begin, end - begin));
         if (document.is_number()) {
-            told.lastLine = document.get<int>();
+            report.lastLine = document.get<int>();
         } else {
-            told.result = document;
+            report.result = document;
         }
         begin = end + 1;
     }
-    return told;
+    return report;
 }
 
 int waitFor(pid_t child) {
@@ -156,13 +156,13 @@ void endWithParent(pid_t parent) {
     std::exit(0); // NOLINT(concurrency-mt-unsafe): no other thread runs
 }
 
-ScenarioResult resultOf(const std::string& file, const Told& told, int status) {
+ScenarioResult resultOf(const std::string& file, const ProcessReport& report, int status) {
     ScenarioResult result;
     result.name = file;
-    if (told.result) {
-        result.commands = (*told.result)["commands"];
-        result.isBroken = (*told.result)["broken"];
-        for (const JsonValue& failure : (*told.result)["failures"]) {
+    if (report.result) {
+        result.commands = (*report.result)["commands"];
+        result.isBroken = (*report.result)["broken"];
+        for (const JsonValue& failure : (*report.result)["failures"]) {
             result.failures.push_back({failure["line"], failure["text"]});
         }
     }
@@ -170,7 +170,7 @@ ScenarioResult resultOf(const std::string& file, const Told& told, int status) {
     if (!problem.empty()) {
         result.isBroken = true;
         // Without a result, the process failed at the last line that it reported.
-        result.failures.push_back({told.result ? 0 : told.lastLine, problem});
+        result.failures.push_back({report.result ? 0 : report.lastLine, problem});
     }
     return result;
 }
@@ -193,8 +193,8 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
     // Reading ends when the last writer has closed its end. It must come before waiting, because a
     // child that writes into a full pipe does not end.
     pipe.closeWriter();
-    const Told told = parseTold(pipe.readAll());
-    ScenarioResult result = resultOf(file, told, waitFor(child));
+    const ProcessReport report = parseReport(pipe.readAll());
+    ScenarioResult result = resultOf(file, report, waitFor(child));
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return result;

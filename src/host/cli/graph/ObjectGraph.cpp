@@ -9,7 +9,7 @@ namespace OrvHost {
 
 namespace {
 
-constexpr std::size_t kViolationsTold = 20;
+constexpr std::size_t kMaxListedViolations = 20;
 
 std::string lastStepOf(const std::string& dn) {
     const std::size_t comma = dn.rfind(',');
@@ -66,7 +66,7 @@ std::string ObjectGraph::caption() const {
                 " references to further objects outside are not drawn";
     }
     for (std::size_t number = 0; number < mViolations.size(); ++number) {
-        if (number == kViolationsTold) {
+        if (number == kMaxListedViolations) {
             return text + "\n...";
         }
         text += "\n" + mViolations[number].text;

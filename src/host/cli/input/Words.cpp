@@ -20,15 +20,15 @@ bool Words::takeFlag(const std::string& name) {
 }
 
 std::optional<std::uint64_t> Words::takeNumber(const std::string& name) {
-    const std::optional<std::string> text = takeBehind(name, "a number");
+    const std::optional<std::string> text = takeAfter(name, "a number");
     return text ? std::optional(parseNumber(*text, name)) : std::nullopt;
 }
 
 std::optional<std::string> Words::takeText(const std::string& name) {
-    return takeBehind(name, "a text");
+    return takeAfter(name, "a text");
 }
 
-std::optional<std::string> Words::takeBehind(const std::string& name, const std::string& what) {
+std::optional<std::string> Words::takeAfter(const std::string& name, const std::string& what) {
     const auto found = std::find(mWords.begin(), mWords.end(), name);
     if (found == mWords.end()) {
         return std::nullopt;

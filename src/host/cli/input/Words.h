@@ -40,7 +40,7 @@ public:
     void end() const;
 
 private:
-    std::optional<std::string> takeBehind(const std::string& name, const std::string& what);
+    std::optional<std::string> takeAfter(const std::string& name, const std::string& what);
 
     std::vector<std::string> mWords;
 };

@@ -22,8 +22,9 @@ bool beginsWith(const std::string& text, const std::string& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-std::vector<std::string> behind(const std::string& prefix, const std::vector<std::string>& names,
-                                const std::string& suffix) {
+std::vector<std::string> withPrefixAndSuffix(const std::string& prefix,
+                                             const std::vector<std::string>& names,
+                                             const std::string& suffix) {
     std::vector<std::string> result = names;
     for (std::string& name : result) {
         name.insert(0, prefix).append(suffix);
@@ -150,7 +151,7 @@ std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>&
         if (equals == std::string::npos && !def.isNaming && def.isWritable) {
             result.push_back(def.name + "=");
         } else if (def.name == word.substr(0, equals)) {
-            result = behind(def.name + "=", values(def, word.substr(equals + 1)), "");
+            result = withPrefixAndSuffix(def.name + "=", values(def, word.substr(equals + 1)), "");
         }
     }
     return result;
@@ -178,8 +179,9 @@ std::vector<std::string> Completer::dns(const std::string& word) {
     const DnResolver resolver(mSession.model());
     if (equals == std::string::npos) {
         const ClassDef* moc = parent.empty() ? nullptr : resolver.classOf(parent);
-        return parent.empty() || moc != nullptr ? behind(prefix, resolver.childClasses(moc), "=")
-                                                : std::vector<std::string>();
+        return parent.empty() || moc != nullptr
+                   ? withPrefixAndSuffix(prefix, resolver.childClasses(moc), "=")
+                   : std::vector<std::string>();
     }
     const std::string className = word.substr(prefix.size(), equals - prefix.size());
     std::vector<std::string> result;

@@ -24,15 +24,15 @@ NamedValue refs(std::string attribute, std::vector<Value> dns) {
     return {std::move(attribute), {ValueKind::MoRef, std::move(dns)}};
 }
 
-struct Told {
+struct GivenObject {
     std::string dn;
     std::vector<NamedValue> attributes;
 };
 
-std::vector<InstanceProblem> audit(const std::vector<Told>& objects) {
+std::vector<InstanceProblem> audit(const std::vector<GivenObject>& objects) {
     const Model model = sampleModel();
     std::vector<Instance> instances;
-    for (const Told& object : objects) {
+    for (const GivenObject& object : objects) {
         instances.push_back({object.dn, object.attributes});
     }
     return auditAssociations(model, InstanceSpan(instances));
@@ -59,7 +59,7 @@ TEST(AssociationAudit, BothSidesThere_IsInOrderWithoutParentsAndOtherAttributes)
         IsEmpty());
 }
 
-TEST(AssociationAudit, OneSided_IsToldFromTheSideThatIsThere) {
+TEST(AssociationAudit, OneSided_IsReportedFromTheSideThatIsThere) {
     const auto problems =
         audit({{kCell, {refs("antennas", {})}}, {kAntenna, {refs("cell", {kCell})}}});
     ASSERT_THAT(kindsOf(problems), ElementsAre(Kind::MissingBackPointer));
@@ -68,21 +68,21 @@ TEST(AssociationAudit, OneSided_IsToldFromTheSideThatIsThere) {
     EXPECT_EQ(problems[0].otherDn, kCell);
 }
 
-TEST(AssociationAudit, DanglingReference_IsTold) {
+TEST(AssociationAudit, DanglingReference_IsReported) {
     EXPECT_THAT(kindsOf(audit({{kAntenna, {refs("cell", {kCell})}}})), ElementsAre(Kind::NoTarget));
 }
 
-TEST(AssociationAudit, NumberOutOfBounds_IsTold) {
+TEST(AssociationAudit, NumberOutOfBounds_IsReported) {
     EXPECT_THAT(kindsOf(audit({{kAntenna, {refs("cell", {})}}})),
                 ElementsAre(Kind::WrongCardinality));
 }
 
-TEST(AssociationAudit, ForbiddenAndImpossibleClasses_AreTold) {
+TEST(AssociationAudit, ForbiddenAndImpossibleClasses_AreReported) {
     EXPECT_THAT(kindsOf(audit({{kCell, {refs("antennas", {kCell, "Nothing=1"})}}})),
                 ElementsAre(Kind::ForbiddenClass, Kind::NoTargetClass));
 }
 
-TEST(AssociationAudit, ReferenceToldTwice_IsTold) {
+TEST(AssociationAudit, ReferenceGivenTwice_IsReported) {
     EXPECT_THAT(kindsOf(audit({{kCell, {refs("antennas", {kAntenna, kAntenna})}},
                                {kAntenna, {refs("cell", {kCell})}}})),
                 ElementsAre(Kind::RepeatedTarget));

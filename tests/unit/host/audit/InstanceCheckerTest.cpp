@@ -112,7 +112,7 @@ TEST(InstanceChecker, ConsistentData_HasNoProblems) {
     EXPECT_THAT(report.repairs, IsEmpty());
 }
 
-TEST(InstanceChecker, MissingBackPointer_IsToldWithBothDnsAndCanBeRepaired) {
+TEST(InstanceChecker, MissingBackPointer_IsReportedWithBothDnsAndCanBeRepaired) {
     Data data;
     data.add(cell("1")).add(antenna("1"), {refs("cell", {cell("1")})});
     const InstanceReport report = check(data);
@@ -130,7 +130,7 @@ TEST(InstanceChecker, MissingBackPointer_IsToldWithBothDnsAndCanBeRepaired) {
     EXPECT_EQ(report.repairs[0].value, antenna("1"));
 }
 
-TEST(InstanceChecker, MissingBackPointerOnTheOtherSide_IsToldToo) {
+TEST(InstanceChecker, MissingBackPointerOnTheOtherSide_IsReportedToo) {
     Data data;
     data.add(cell("1"), {refs("antennas", {antenna("1")})})
         .add(antenna("1"), {refs("cell", {cell("2")})})
@@ -153,7 +153,7 @@ TEST(InstanceChecker, ClassWithItself_IsComparedDirectionByDirection) {
     EXPECT_EQ(report.repairs[0].value, cell("1"));
 }
 
-TEST(InstanceChecker, ClassWithItselfThroughOneAttribute_IsToldOnce) {
+TEST(InstanceChecker, ClassWithItselfThroughOneAttribute_IsReportedOnce) {
     Data data;
     data.add(cell("1"), {refs("friends", {cell("1"), cell("2")})})
         .add(cell("2"))
@@ -194,7 +194,7 @@ TEST(InstanceChecker, RepairedData_HasNoProblems) {
     EXPECT_THAT(textsOf(check(toData())), IsEmpty());
 }
 
-TEST(InstanceChecker, TargetThatIsNotThere_IsToldForBothKindsOfAssociation) {
+TEST(InstanceChecker, TargetThatIsNotThere_IsReportedForBothKindsOfAssociation) {
     Data data;
     data.add(cell("1"), {refs("antennas", {antenna("9")}), refs("source", {antenna("8")}),
                          refs("any", {antenna("7")})});
@@ -205,7 +205,7 @@ TEST(InstanceChecker, TargetThatIsNotThere_IsToldForBothKindsOfAssociation) {
                             "Network=1,Node=1,Antenna=8, which does not exist."));
 }
 
-TEST(InstanceChecker, TargetOfAnotherClass_IsToldWithThoseExpected) {
+TEST(InstanceChecker, TargetOfAnotherClass_IsReportedWithThoseExpected) {
     Data data;
     data.add(cell("1"), {refs("next", {"Network=1,Node=1"}), refs("source", {cell("1")})});
     const InstanceReport report = check(data);
@@ -218,7 +218,7 @@ TEST(InstanceChecker, TargetOfAnotherClass_IsToldWithThoseExpected) {
                                              InstanceProblemKind::ForbiddenClass));
 }
 
-TEST(InstanceChecker, TargetThatTheModelDoesNotKnow_IsTold) {
+TEST(InstanceChecker, TargetThatTheModelDoesNotKnow_IsReported) {
     Data data;
     data.add(cell("1"), {refs("any", {"Cell=1"}), refs("next", {"nonsense"})});
     EXPECT_THAT(textsOf(check(data)),
@@ -238,7 +238,7 @@ TEST(InstanceChecker, ReferencesInStructs_AreJudgedByTheirClass) {
                     "Network, expected Node."));
 }
 
-TEST(InstanceChecker, TooManyValues_AreToldForAttributeAndAssociation) {
+TEST(InstanceChecker, TooManyValues_AreReportedForAttributeAndAssociation) {
     Data data;
     std::vector<Value> antennas;
     for (const char* name : {"1", "2", "3", "4", "5"}) {
@@ -272,14 +272,14 @@ TEST(InstanceChecker, AbsentReferenceWithALowerBound_CountsAsEmpty) {
                             "expected 1."));
 }
 
-TEST(InstanceChecker, AbsentMandatoryAttribute_IsToldUnlessItMayBeAbsent) {
+TEST(InstanceChecker, AbsentMandatoryAttribute_IsReportedUnlessItMayBeAbsent) {
     const Model model = edgeModel();
     const std::vector<Instance> instances = {{"A=1", {}}, {"B=1", {}}};
     EXPECT_THAT(textsOf(InstanceChecker(model).check(InstanceSpan(instances))),
                 ElementsAre("A=1: attribute must has 0 values, expected 1."));
 }
 
-TEST(InstanceChecker, ObjectsOutsideTheModel_AreTold) {
+TEST(InstanceChecker, ObjectsOutsideTheModel_AreReported) {
     Data data;
     data.add("Cell=1", {refs("next", {"Cell=2"})})
         .add("Network=1,Node=7,Cell=1")
@@ -293,7 +293,7 @@ TEST(InstanceChecker, ObjectsOutsideTheModel_AreTold) {
                             "Network=1,Node=1,Cell=1: class Cell has no attribute nothing."));
 }
 
-TEST(InstanceChecker, ObjectNamedTwiceInOneAttribute_IsToldOnce) {
+TEST(InstanceChecker, ObjectNamedTwiceInOneAttribute_IsReportedOnce) {
     const Model model = edgeModel();
     const std::vector<NamedValue> peers = {refs("peers", {"C=1", "C=1", "C=2", "C=1"})};
     const std::vector<NamedValue> up = {refs("up", {"B=1"})};
@@ -373,14 +373,14 @@ TEST(InstanceCheckerNumbers, NoObjectsAtAll_MissNothing) {
     EXPECT_THAT(InstanceChecker(model).check(InstanceSpan({})).problems, IsEmpty());
 }
 
-TEST(InstanceCheckerNumbers, TooFewAndTooManyUnderAParent_AreToldOfTheParent) {
+TEST(InstanceCheckerNumbers, TooFewAndTooManyUnderAParent_AreReportedForTheParent) {
     EXPECT_THAT(textsOfBounded({"Hall=1", "Yard=1"}),
                 ElementsAre("Hall=1: 0 of class Rack stand there, expected 1..2."));
     EXPECT_THAT(textsOfBounded({"Hall=1,Rack=c", "Hall=1,Rack=a", "Hall=1", "Hall=1,Rack=b"}),
                 ElementsAre("Hall=1: 3 of class Rack stand there, expected 1..2."));
 }
 
-TEST(InstanceCheckerNumbers, TooManyAtTheTopLevel_AreToldOfIt) {
+TEST(InstanceCheckerNumbers, TooManyAtTheTopLevel_AreReportedForIt) {
     EXPECT_THAT(textsOfBounded({"Hall=1", "Hall=2", "Hall=1,Rack=a", "Hall=2,Rack=a"}),
                 ElementsAre("the top level: 2 of class Hall stand there, expected 0..1."));
 }

@@ -40,7 +40,7 @@ TEST(WordSplitterTest, Split_HashAtStartOfWord_BeginsAComment) {
     EXPECT_THAT(wordsOf("get a#b '#c'"), ElementsAre("get", "a#b", "#c"));
 }
 
-TEST(WordSplitterTest, Split_OpenQuoteOrBackslash_IsToldApart) {
+TEST(WordSplitterTest, Split_OpenQuoteOrBackslash_IsDistinguished) {
     EXPECT_TRUE(splitWords("get 'A").isOpen);
     EXPECT_TRUE(splitWords("get \"A\\\"").isOpen);
     EXPECT_TRUE(splitWords("get A\\").isOpen);

@@ -22,7 +22,7 @@ Answer failed(OrvReturnT code, const std::vector<std::string>& messages = {}) {
     Failure failure;
     failure.code = code;
     failure.messages = messages;
-    failure.text = "told to a person";
+    failure.text = "shown to a person";
     return {"", failure};
 }
 
@@ -40,7 +40,7 @@ std::string missing(const std::string& clauses, const Answer& answer) {
     return expectation.compare(answer);
 }
 
-TEST(ExpectationTest, Outcome_NotTold_IsOk) {
+TEST(ExpectationTest, Outcome_NotGiven_IsOk) {
     EXPECT_EQ(missing("", printed("")), "");
     EXPECT_EQ(missing("", failed(OrvNotExist)), "  expected: ok\n  got:      OrvNotExist (-2)\n");
     EXPECT_EQ(missing("output a", failed(OrvNotExist)),
@@ -60,7 +60,7 @@ TEST(ExpectationTest, Outcome_CodeByNameOrNumber_IsMetByThatCodeOnly) {
     EXPECT_EQ(missing("0", printed("")), "");
 }
 
-TEST(ExpectationTest, Outcome_ErrorOrUsage_AreToldApart) {
+TEST(ExpectationTest, Outcome_ErrorOrUsage_AreDistinguished) {
     EXPECT_EQ(missing("error", failed(OrvNotExist)), "");
     EXPECT_EQ(missing("error", notUnderstood()), "");
     EXPECT_EQ(missing("usage", notUnderstood()), "");

@@ -34,7 +34,7 @@ TEST(ScriptReaderTest, Backslash_AsTheLastWord_JoinsTheNextLine) {
     EXPECT_THAT(linesOf("\\\nb"), ElementsAre("1:b"));
 }
 
-TEST(ScriptReaderTest, Backslash_BehindAWordOrAtTheEnd_JoinsNothingMore) {
+TEST(ScriptReaderTest, Backslash_AfterAWordOrAtTheEnd_JoinsNothingMore) {
     EXPECT_THAT(linesOf("get A\\\nb"), ElementsAre("1:get A\\", "2:b"));
     EXPECT_THAT(linesOf("get A \\"), ElementsAre("1:get A "));
 }

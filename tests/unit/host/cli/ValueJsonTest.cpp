@@ -61,7 +61,7 @@ TEST(ValueJsonTest, Version1_StructWithAReference_IsAnObject) {
     EXPECT_EQ(toJson(toReadValue(&value, nullptr)), JsonValue({{"ref", "A=1"}}));
 }
 
-TEST(ValueJsonTest, Multiplicity_ToldByTheModelOrElseByTheCount_DecidesForAnArray) {
+TEST(ValueJsonTest, Multiplicity_GivenByTheModelOrElseByTheCount_DecidesForAnArray) {
     AttributeDef many;
     many.multiplicity = {0, kUnbounded};
     EXPECT_EQ(convert(OrvMoAttributeTypeString_3, {text("a")}, &many), JsonValue::array({"a"}));

@@ -91,7 +91,7 @@ OrvReturnT textIsNull(unsigned long long /*properties*/, int /*identifier*/, con
 
 }
 
-TEST_F(ModelDescriptionTest, AllClasses_AreToldOnceParentsFirst) {
+TEST_F(ModelDescriptionTest, AllClasses_AreListedOnceParentsFirst) {
     const auto classes = describeClasses(mReader, topLevelClasses(mModel));
     EXPECT_THAT(namesOf(classes), ElementsAre("Network", "Node", "Cell", "Antenna"));
     EXPECT_THAT(classes[1].children, ElementsAre("Node", "Cell", "Antenna"));
@@ -102,7 +102,7 @@ TEST_F(ModelDescriptionTest, UnknownTopLevelClass_IsRefused) {
               "The model repository has no top-level class Cell.");
 }
 
-TEST_F(ModelDescriptionTest, Attributes_AreToldWithTypeBoundsAndClass) {
+TEST_F(ModelDescriptionTest, Attributes_AreListedWithTypeBoundsAndClass) {
     const auto moc = mReader.findClass("Network=1,Node=1,Cell=1");
     ASSERT_TRUE(moc.has_value());
     const ClassDescription cell = describeClass(mReader, *moc);
@@ -115,7 +115,7 @@ TEST_F(ModelDescriptionTest, Attributes_AreToldWithTypeBoundsAndClass) {
     EXPECT_EQ(find(cell, "labels").multiplicity.upper, kUnbounded);
 }
 
-TEST_F(ModelDescriptionTest, BiDirectionalReference_IsToldWithItsOpposite) {
+TEST_F(ModelDescriptionTest, BiDirectionalReference_IsListedWithItsOpposite) {
     const auto classes = describeClasses(mReader, topLevelClasses(mModel));
     const ReferenceDescription& antennas = find(classes, "Cell", "antennas");
     EXPECT_EQ(antennas.owner, "Cell");
@@ -132,7 +132,7 @@ TEST_F(ModelDescriptionTest, BiDirectionalReference_IsToldWithItsOpposite) {
     EXPECT_EQ(cell.opposite, "antennas");
 }
 
-TEST_F(ModelDescriptionTest, References_OfOneClass_AreToldAttributeByAttribute) {
+TEST_F(ModelDescriptionTest, References_OfOneClass_AreListedAttributeByAttribute) {
     const auto classes = describeClasses(mReader, topLevelClasses(mModel));
     EXPECT_THAT(referencesOf(classes, "Cell"),
                 ElementsAre("antennas:Antenna:cell", "previous:Cell:next", "next:Cell:previous",
@@ -159,7 +159,7 @@ TEST_F(ModelDescriptionTest, HandleOfNothing_IsAFailureWithTheCode) {
               "The model repository answered getTypeCode with code -8.");
 }
 
-TEST(RepositoryReader, MissingSubTableOrEntry_IsTold) {
+TEST(RepositoryReader, MissingSubTableOrEntry_IsReported) {
     VekOamSpiModelRepository_4 table{};
     const RepositoryReader reader(table);
     EXPECT_EQ(failureOf([&] { reader.findClass("A=1"); }),
@@ -170,7 +170,7 @@ TEST(RepositoryReader, MissingSubTableOrEntry_IsTold) {
               "The model repository has no entry getMocFromDn.");
 }
 
-TEST(RepositoryReader, FailureWithinAList_IsTold) {
+TEST(RepositoryReader, FailureWithinAList_IsReported) {
     VekOamSpiMrMocQueries_4 queries{};
     queries.getFirstAttribute = &firstIsSeven;
     VekOamSpiMrAttribute_4 attribute{};
@@ -182,7 +182,7 @@ TEST(RepositoryReader, FailureWithinAList_IsTold) {
               "The model repository answered getNextAttribute with code -42.");
 }
 
-TEST(RepositoryReader, ListThatStandsStill_IsTold) {
+TEST(RepositoryReader, ListThatStandsStill_IsReported) {
     VekOamSpiMrMocQueries_4 queries{};
     queries.getFirstAttribute = &firstIsSeven;
     VekOamSpiMrAttribute_4 attribute{};

@@ -388,7 +388,7 @@ TEST_F(RouterActionTest, Action_WithHandler_GetsAllParametersAndGivesItsResult) 
     EXPECT_EQ(container->values[0].int64, -4);
 }
 
-TEST_F(RouterActionTest, Action_HandlerRefuses_ItsCodeAndTextAreTold) {
+TEST_F(RouterActionTest, Action_HandlerRefuses_ItsCodeAndTextAreReported) {
     router.setActionHandler([](const ActionCall&) -> std::optional<AttributeValue> {
         throw HostError(-777, "not now");
     });

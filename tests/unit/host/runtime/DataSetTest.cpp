@@ -55,7 +55,7 @@ protected:
     DataSet mData{mModel};
 };
 
-TEST_F(DataSetTest, MoveInto_ChildrenToldFirst_ParentsAreStoredFirst) {
+TEST_F(DataSetTest, MoveInto_ChildrenGivenFirst_ParentsAreStoredFirst) {
     add("Site=1,Mast=a");
     add("Site=1", {{"label", text("one")}});
     EXPECT_THAT(mData.check(), IsEmpty());
@@ -64,7 +64,7 @@ TEST_F(DataSetTest, MoveInto_ChildrenToldFirst_ParentsAreStoredFirst) {
     EXPECT_EQ(mData.size(), 0u);
 }
 
-TEST_F(DataSetTest, Add_MentionsOfAnObject_AreOneObjectWithTheAttributesTold) {
+TEST_F(DataSetTest, Add_MentionsOfAnObject_AreOneObjectWithTheAttributesGiven) {
     add("Site=1");
     add("Site=1", {{"id", text("1")}, {"label", text("one")}});
     add("Site=1");
@@ -74,7 +74,7 @@ TEST_F(DataSetTest, Add_MentionsOfAnObject_AreOneObjectWithTheAttributesTold) {
     EXPECT_EQ(mStore.begin(1)->get("Site=1", "label"), text("one"));
 }
 
-TEST_F(DataSetTest, Check_ObjectToldTwice_IsAProblem) {
+TEST_F(DataSetTest, Check_ObjectGivenTwice_IsAProblem) {
     add("Site=1", {{"label", text("one")}}, 3);
     add("Site=1", {{"label", text("two")}}, 9);
     EXPECT_THAT(mData.check(),
@@ -105,7 +105,7 @@ TEST_F(DataSetTest, Repair_OneSidedAssociations_CompletesBothDirections) {
               references({"Site=1,Antenna=1", "Site=1,Antenna=2"}));
 }
 
-TEST_F(DataSetTest, Repair_WouldExceedTheBound_IsToldByCheck) {
+TEST_F(DataSetTest, Repair_WouldExceedTheBound_IsReportedByCheck) {
     add("Site=1");
     add("Site=1,Mast=a", {{"antennas", references({"Site=1,Antenna=1"})}});
     add("Site=1,Mast=b", {{"antennas", references({"Site=1,Antenna=1"})}});
@@ -129,7 +129,7 @@ protected:
     DataSet mData{mModel};
 };
 
-TEST_F(DataSetAtTheTopTest, Unreachable_ElementNotNamedOne_IsToldOnceForItsTree) {
+TEST_F(DataSetAtTheTopTest, Unreachable_ElementNotNamedOne_IsReportedOnceForItsTree) {
     Orv::MeIdTranslator::instance()->configure("east", "1");
     add("ManagedElement=1", 2);
     add("ManagedElement=east", 3);
@@ -155,7 +155,7 @@ TEST_F(DataSetAtTheTopTest, MisnamedInLists_AreThoseNotNamedLikeTheElement) {
                 ElementsAre(AllOf(StartsWith("data.json:5: Site=west: "), HasSubstr("Site=east"))));
 }
 
-TEST_F(DataSetTest, MoveInto_RefusedObjects_AreAllToldButNotWhatIsBelowThem) {
+TEST_F(DataSetTest, MoveInto_RefusedObjects_AreAllReportedButNotWhatIsBelowThem) {
     add("Site=1");
     add("Site=1,Nothing=x", {}, 4);
     add("Site=1,Nothing=x,Mast=a");

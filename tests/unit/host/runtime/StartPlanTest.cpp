@@ -128,7 +128,7 @@ TEST_F(StartPlanTest, Plan_OwnInterfaceRequired_IsNoCycle) {
     EXPECT_THAT(steps[0].providers, IsEmpty());
 }
 
-TEST_F(StartPlanTest, Plan_CycleOfTwo_IsToldOnBothAndOnlyThere) {
+TEST_F(StartPlanTest, Plan_CycleOfTwo_IsReportedOnBothAndOnlyThere) {
     add("one", {&mA}, {&mB});
     add("two", {&mB}, {&mA});
     add("bystander", {&mC}, {});

@@ -171,7 +171,7 @@ TEST_F(StoreConflictTest, Create_UnderAnObjectThatAnotherChanges_GoesSideBySide)
     EXPECT_TRUE(after->exists(kA + ",Rack=s"));
 }
 
-TEST_F(StoreConflictTest, Create_BoundedChildrenOfOneParent_AreToldApart) {
+TEST_F(StoreConflictTest, Create_BoundedChildrenOfOneParent_AreDistinguished) {
     one->create(kA, "Rack", "id", "r", {});
     one->create(kA + ",Rack=r", "Fan", "id", "1", {});
     one->commit();

@@ -240,7 +240,7 @@ TEST_F(TransactionServiceTest, Commit_FirstRefusesToCommit_AbortsAll) {
     EXPECT_EQ(std::count(script.calls.begin(), script.calls.end(), "two.abort"), 1);
 }
 
-TEST_F(TransactionServiceTest, Commit_LaterOneFailsToCommit_IsToldAndStaysCommitted) {
+TEST_F(TransactionServiceTest, Commit_LaterOneFailsToCommit_IsReportedAndStaysCommitted) {
     joinBoth();
     script.answers["two.commit"] = -42;
     const TransactionOutcome outcome = service.commit(tx);

@@ -47,7 +47,7 @@ TEST_F(ObjectGraphTest, BothWays_HasTwoHeadsAndDoesNotMoveTheTree) {
                                  "dir=\"both\", constraint=\"false\", color=\"#2f6f9f\""));
 }
 
-TEST_F(ObjectGraphTest, Violation_IsRedAndToldBeneath) {
+TEST_F(ObjectGraphTest, Violation_IsRedAndListedBelow) {
     add("Site=1,Antenna=1", {{"seen", "Site=1,Mast=gone"}});
     EXPECT_THAT(dot(),
                 AllOf(HasSubstr("n1 [label=\"Site=1,Mast=gone\\nis not there\", "
@@ -72,7 +72,7 @@ TEST_F(ObjectGraphTest, PlainReferenceToNothing_IsNotRed) {
                              Not(HasSubstr("#d00000"))));
 }
 
-TEST_F(ObjectGraphTest, ManyViolations_AreNotAllToldBeneath) {
+TEST_F(ObjectGraphTest, ManyViolations_AreNotAllListedBelow) {
     for (int number = 0; number < 30; ++number) {
         add("Site=1,Antenna=" + std::to_string(number), {{"seen", "Site=1,Mast=gone"}});
     }

@@ -44,7 +44,7 @@ TEST_F(ReferenceLinesTest, BothSides_AreOneLine) {
     EXPECT_THAT(violations(), IsEmpty());
 }
 
-TEST_F(ReferenceLinesTest, OneSide_IsWrongAndToldWithTheOther) {
+TEST_F(ReferenceLinesTest, OneSide_IsWrongAndReportedWithTheOther) {
     add(kMast, {{"antennas", kFirst}});
     add(kFirst);
     EXPECT_THAT(lines(), ElementsAre(kMast + " -> " + kFirst + ": antennas !"));
@@ -107,7 +107,7 @@ TEST_F(ReferenceLinesTest, ObjectsNotRead_AreCountedAndNotJudged) {
     EXPECT_EQ(ReferenceLines(mClasses, mPicture, {}).unread(), 2U);
 }
 
-TEST_F(ReferenceLinesTest, NumberOutOfBounds_IsToldOfTheObject) {
+TEST_F(ReferenceLinesTest, NumberOutOfBounds_IsReportedForTheObject) {
     add(kMast, {});
     mPicture.objects[0].references.emplace_back("antennas", AttributeValue{ValueKind::MoRef, {}});
     ASSERT_EQ(violations().size(), 1U);

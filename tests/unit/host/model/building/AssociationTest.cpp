@@ -69,7 +69,7 @@ TEST(BiDirAssociation, EndsAreNamedAfterTheAttributesThatPointAtThem) {
     EXPECT_TRUE(second.keepAtDelete);
 }
 
-TEST(BiDirAssociation, HalvesToldApart_AreJoinedWithTheFirstMentionedEndFirst) {
+TEST(BiDirAssociation, HalvesDeclaredSeparately_AreJoinedWithTheFirstMentionedEndFirst) {
     const Model model =
         threeClasses()
             .add(ReferenceDraft("Y", "b").to("X").pointedBackBy("a").at({"y.yang", 2}))
@@ -116,9 +116,9 @@ TEST(BiDirAssociation, ClassWithItselfThroughOneAttribute_IsOneAssociation) {
     EXPECT_EQ(model.biDirAssociations[0].ends[1].name, "a");
     EXPECT_EQ(model.biDirAssociations[0].ends[0].cardinality.upper, 2);
 
-    const Model toldOnce =
+    const Model declaredOnce =
         threeClasses().add(ReferenceDraft("X", "a").to("X").pointedBackBy("a")).build();
-    EXPECT_EQ(toldOnce.biDirAssociations.size(), 1U);
+    EXPECT_EQ(declaredOnce.biDirAssociations.size(), 1U);
 }
 
 TEST(BiDirAssociation, OneAttributeWithTwoOpinions_IsRefused) {

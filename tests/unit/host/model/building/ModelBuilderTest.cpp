@@ -225,7 +225,7 @@ TEST(ModelBuilder, ClassesThatNoTopLevelClassLeadsTo_AreRefused) {
                     "contained, directly or through others, in one."));
 }
 
-TEST(ModelBuilder, ManyProblems_AreAllToldAtOnce) {
+TEST(ModelBuilder, ManyProblems_AreAllReportedAtOnce) {
     ModelBuilder builder;
     builder.add(topClass("Top").attribute(AttributeDraft::text("a").multiplicity(3, 2)))
         .add(ClassDraft("Lost").key("id"))

@@ -16,10 +16,10 @@ TestComponent& component() {
 
 TEST_EXPORT OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor, const char*) {
     TestComponents::component().connect(accessor);
-    TestComponents::component().tell("init");
+    TestComponents::component().report("init");
     return OrvFailure;
 }
 
 TEST_EXPORT void orvLCMterminate() {
-    TestComponents::component().tell("terminate");
+    TestComponents::component().report("terminate");
 }

@@ -22,5 +22,5 @@ TEST_EXPORT OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor, c
 }
 
 TEST_EXPORT void orvLCMterminate() {
-    TestComponents::component().tell("terminate");
+    TestComponents::component().report("terminate");
 }

@@ -18,7 +18,7 @@ TestComponent& component() {
 TEST_EXPORT OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor,
                                   const char* argument) {
     const OrvReturnT code = TestComponents::soundInit(accessor);
-    TestComponents::component().tell(argument);
+    TestComponents::component().report(argument);
     return code;
 }
 

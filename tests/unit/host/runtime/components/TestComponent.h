@@ -57,7 +57,7 @@ public:
     OrvMgmtSpiComponent_1* record() { return &mRecord; }
     OrvMgmtSpiInterfacePortal_3* portal() { return mPortal; }
 
-    void tell(const char* event) const {
+    void report(const char* event) const {
         if (mRecorder != nullptr) {
             mRecorder->record((mName + "." + event).c_str());
         }
@@ -78,23 +78,23 @@ private:
 TestComponent& component();
 
 inline OrvReturnT tellStart(OrvStateChangeReason) {
-    component().tell("start");
+    component().report("start");
     return OrvOk;
 }
 
 inline OrvReturnT tellStop(OrvStateChangeReason) {
-    component().tell("stop");
+    component().report("stop");
     return OrvOk;
 }
 
 inline OrvReturnT soundInit(OrvMgmtSpiInterfacePortalAccessor* accessor) {
     component().connect(accessor);
-    component().tell("init");
+    component().report("init");
     return component().registerRecord();
 }
 
 inline void soundTerminate() {
-    component().tell("terminate");
+    component().report("terminate");
     component().unregisterRecord();
 }
 

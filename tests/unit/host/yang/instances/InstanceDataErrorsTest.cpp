@@ -52,7 +52,7 @@ constexpr Broken kBroken[] = {
 
 class BrokenData : public testing::TestWithParam<Broken> {};
 
-TEST_P(BrokenData, IsToldWithFileLineAndWhatWasExpected) {
+TEST_P(BrokenData, IsReportedWithFileLineAndWhatWasExpected) {
     const std::filesystem::path file = testData(std::string("broken/") + GetParam().file);
     const std::string error = dataErrorOf([&file] { readObjects(siteModel(), {file}); });
     EXPECT_THAT(error, AllOf(HasSubstr(GetParam().place), HasSubstr(GetParam().text)));
@@ -87,7 +87,7 @@ TEST(InstanceDataErrors, SeveralFiles_TellTheErrorOfEach) {
     EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 2);
 }
 
-TEST(InstanceDataErrors, FilesBehindAFaultyOne_HandOutNothing) {
+TEST(InstanceDataErrors, FilesAfterAFaultyOne_HandOutNothing) {
     const TemporaryDirectory directory;
     const auto good = directory.write("good.json", R"({"site:Site": [{"id": "a"}]})");
     int objects = 0;
@@ -98,7 +98,7 @@ TEST(InstanceDataErrors, FilesBehindAFaultyOne_HandOutNothing) {
     EXPECT_EQ(objects, 1);
 }
 
-TEST(InstanceDataErrors, WhatTheModelLacks_IsToldAllAtOnce) {
+TEST(InstanceDataErrors, WhatTheModelLacks_IsReportedAllAtOnce) {
     const std::string error = dataErrorOf([] {
         readObjectsOf(siteModel(), R"({"site:Site": [{"id": "a", "anything": {}},
                                                      {"id": "b", "anything": {}}],
@@ -108,7 +108,7 @@ TEST(InstanceDataErrors, WhatTheModelLacks_IsToldAllAtOnce) {
                              HasSubstr("motto: is not part of the model")));
 }
 
-TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreTold) {
+TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreReported) {
     EXPECT_EQ(dataErrorOf([] { readObjects(siteModel(), {"no/such/file.json"}); }),
               "no/such/file.json: cannot be read; a file with instance data was expected");
     const TemporaryDirectory directory;
@@ -116,7 +116,7 @@ TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreTold) {
                 HasSubstr("the directory holds no .json or .xml file"));
 }
 
-TEST(InstanceDataErrors, BehindTheData_AnythingButBlanks_IsRefusedWithItsLine) {
+TEST(InstanceDataErrors, AfterTheData_AnythingButBlanks_IsRefusedWithItsLine) {
     const std::string json = "{\"site:Site\": [{\"id\": \"a\"}]}\n";
     const std::string xml = "<Site xmlns=\"urn:orv:test:site\"><id>a</id></Site>\n";
     EXPECT_EQ(dataErrorOf([&] { readObjectsOf(siteModel(), json + " \t\r\n"); }), "");

@@ -147,18 +147,18 @@ TEST(InstanceDataReader, Progress_TellsFilesBytesAndObjects) {
     const std::string text = R"({"site:Site": [{"id": "a"}, {"id": "b"}]})";
     directory.write("1.json", text);
     directory.write("2.json", text);
-    std::vector<DataProgress> told;
+    std::vector<DataProgress> reported;
     const std::size_t objects =
         InstanceDataReader(siteModel().schema)
-            .onProgress([&told](const DataProgress& progress) { told.push_back(progress); })
+            .onProgress([&reported](const DataProgress& progress) { reported.push_back(progress); })
             .read({directory.path()}, [](DataObject&&, const std::string&) {});
     EXPECT_EQ(objects, 4U);
-    ASSERT_EQ(told.size(), 2U);
-    EXPECT_EQ(told[0].filesDone, 1U);
-    EXPECT_EQ(told[0].filesInAll, 2U);
-    EXPECT_EQ(told[0].objects, 2U);
-    EXPECT_EQ(told[1].bytesDone, told[1].bytesInAll);
-    EXPECT_EQ(told[1].bytesInAll, 2 * text.size());
+    ASSERT_EQ(reported.size(), 2U);
+    EXPECT_EQ(reported[0].filesDone, 1U);
+    EXPECT_EQ(reported[0].filesInAll, 2U);
+    EXPECT_EQ(reported[0].objects, 2U);
+    EXPECT_EQ(reported[1].bytesDone, reported[1].bytesInAll);
+    EXPECT_EQ(reported[1].bytesInAll, 2 * text.size());
 }
 
 TEST(InstanceDataReader, SinkThatThrows_EndsTheReading) {
@@ -172,12 +172,12 @@ TEST(InstanceDataReader, SinkThatThrows_EndsTheReading) {
     EXPECT_EQ(seen, 1);
 }
 
-TEST(InstanceDataReader, Sink_IsToldTheFile) {
-    std::string told;
+TEST(InstanceDataReader, Sink_GetsTheFile) {
+    std::string given;
     InstanceDataReader(siteModel().schema)
         .readText(kSite, "here.json",
-                  [&told](DataObject&&, const std::string& file) { told = file; });
-    EXPECT_EQ(told, "here.json");
+                  [&given](DataObject&&, const std::string& file) { given = file; });
+    EXPECT_EQ(given, "here.json");
 }
 
 }

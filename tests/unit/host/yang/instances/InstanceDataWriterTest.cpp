@@ -201,7 +201,7 @@ TEST(InstanceDataWriter, RefusedObject_IsNotWritten) {
     EXPECT_TRUE(readObjectsOf(siteModel(), out.str()).empty()) << out.str();
 }
 
-TEST(InstanceDataWriter, File_ThatCannotBeWritten_IsTold) {
+TEST(InstanceDataWriter, File_ThatCannotBeWritten_IsReported) {
     const InstanceDataWriter writer(siteModel().schema, DataFormat::Json);
     EXPECT_THAT(dataErrorOf([&writer] { writer.writeFile("no/such/directory/x.json"); }),
                 HasSubstr("x.json: cannot be written"));

@@ -25,11 +25,11 @@ std::string errorOf(const std::vector<std::string>& modules) {
     });
 }
 
-TEST(YangModelErrors, MalformedModule_IsToldWithFileAndLine) {
+TEST(YangModelErrors, MalformedModule_IsReportedWithFileAndLine) {
     EXPECT_THAT(errorOf({"malformed"}), HasSubstr("malformed.yang:10: Invalid keyword"));
 }
 
-TEST(YangModelErrors, MalformedImport_IsToldWithTheImportsFile) {
+TEST(YangModelErrors, MalformedImport_IsReportedWithTheImportsFile) {
     EXPECT_THAT(errorOf({"imports-malformed"}),
                 AllOf(HasSubstr("/malformed.yang:10: "), Not(HasSubstr("imports-malformed"))));
 }
@@ -47,12 +47,12 @@ TEST(YangModelErrors, MissingModule_TellsWhereItWasLookedFor) {
               "module \"absent\" was not found; there is no search path");
 }
 
-TEST(YangModelErrors, MissingFile_IsTold) {
+TEST(YangModelErrors, MissingFile_IsReported) {
     EXPECT_EQ(modelErrorOf([] { YangModelReader().load("./no-such.yang").read(); }),
               "./no-such.yang: cannot be read; the file of a YANG module was expected");
 }
 
-TEST(YangModelErrors, MissingDirectory_IsTold) {
+TEST(YangModelErrors, MissingDirectory_IsReported) {
     const std::string error = modelErrorOf([] {
         YangModelReader()
             .searchIn("no/such/directory")
@@ -63,11 +63,11 @@ TEST(YangModelErrors, MissingDirectory_IsTold) {
     EXPECT_EQ(error, "no/such/directory: is not a directory to search for modules");
 }
 
-TEST(YangModelErrors, NoModule_IsTold) {
+TEST(YangModelErrors, NoModule_IsReported) {
     EXPECT_EQ(modelErrorOf([] { YangModelReader().read(); }), "no module to load was named");
 }
 
-TEST(YangModelErrors, NoYangAtAll_IsTold) {
+TEST(YangModelErrors, NoYangAtAll_IsReported) {
     EXPECT_THAT(errorOf({testData("broken-models/no-module.yang").string()}),
                 HasSubstr("no-module.yang:1: is not a YANG module"));
 }
@@ -78,18 +78,18 @@ TEST(YangModelErrors, Submodule_IsRefusedWithTheReason) {
     EXPECT_THAT(errorOf({"part"}), HasSubstr("part.yang: "));
 }
 
-TEST(YangModelErrors, ModuleOfAnotherName_IsTold) {
+TEST(YangModelErrors, ModuleOfAnotherName_IsReported) {
     EXPECT_THAT(errorOf({"another-name"}),
                 AllOf(HasSubstr("another-name.yang"), HasSubstr("quite-another-name")));
 }
 
-TEST(YangModelErrors, UnknownType_IsToldWithLineAndPath) {
+TEST(YangModelErrors, UnknownType_IsReportedWithLineAndPath) {
     EXPECT_THAT(errorOf({"unknown-type"}),
                 AllOf(HasSubstr("unknown-type.yang:10: "), HasSubstr("\"number\" not found"),
                       HasSubstr("/unknown-type:Site/size")));
 }
 
-TEST(YangModelErrors, UnknownAugmentTarget_IsToldWithLine) {
+TEST(YangModelErrors, UnknownAugmentTarget_IsReportedWithLine) {
     EXPECT_THAT(errorOf({"unknown-augment"}), HasSubstr("unknown-augment.yang:9: "));
 }
 
@@ -101,7 +101,7 @@ TEST(YangModelErrors, SeveralModules_TellAllTheirErrors) {
     EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << error; // each once
 }
 
-TEST(YangModelErrors, OneClassNameInTwoModules_IsToldWithBoth) {
+TEST(YangModelErrors, OneClassNameInTwoModules_IsReportedWithBoth) {
     const std::string error = errorOf({"plain", "same-class"});
     EXPECT_THAT(error, AllOf(HasSubstr("same-class.yang:8: "), HasSubstr("\"Site\""),
                              HasSubstr("\"plain\"")));
@@ -129,8 +129,8 @@ TEST(YangModelErrors, Associations_TellEachMistakeWithItsLine) {
         const std::string place = "associations.yang:" + std::to_string(line) + ": ";
         const std::size_t at = error.find(place);
         ASSERT_NE(at, std::string::npos) << place << "\n" << error;
-        const std::string told = error.substr(at, error.find('\n', at) - at);
-        EXPECT_THAT(told, HasSubstr(text));
+        const std::string shown = error.substr(at, error.find('\n', at) - at);
+        EXPECT_THAT(shown, HasSubstr(text));
     }
 }
 
@@ -155,12 +155,12 @@ TEST(YangModelErrors, StatementInDeviate_DoesNotVanish) {
                      "leaf or leaf-list, or into the module");
 }
 
-TEST(YangModelErrors, UnknownStatement_IsToldWithLine) {
+TEST(YangModelErrors, UnknownStatement_IsReportedWithLine) {
     EXPECT_THAT(errorOf({"unknown-statement"}),
                 AllOf(HasSubstr("unknown-statement.yang:12: "), HasSubstr("orv:birectional")));
 }
 
-TEST(YangModelErrors, AssociationOfAnUnloadedModule_IsTold) {
+TEST(YangModelErrors, AssociationOfAnUnloadedModule_IsReported) {
     const std::string error = modelErrorOf(
         [] { YangModelReader().searchIn(testData("models")).load("foreign-associations").read(); });
     EXPECT_THAT(error, HasSubstr("foreign-associations.yang:14: Association end Cell.carrierRef: "
