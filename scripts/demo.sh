@@ -52,7 +52,7 @@ more() {
   show "get $cell nRSectorCarrierRef" --json
   show "count ManagedElement=Harbour,GNBDUFunction=1" --json
 
-  title "A wrong name is told with what was expected"
+  title "A wrong name is reported with what was expected"
   show "get $cell nRSectorCarierRef" || true
   show "get ManagedElement=Airport userLabel" || true
 

@@ -48,8 +48,8 @@ void describe(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"json", "xml"}))
         ->default_str("json");
     app.add_option("--slice", options.slice,
-                   "Write files of this many objects each into the directory OUTPUT, which is made "
-                   "if need be and must hold no data files")
+                   "Write files of this many objects each into the directory OUTPUT, which is "
+                   "created if necessary and must contain no data files")
         ->check(CLI::Range(1U, kMostObjects));
     app.add_option("output", options.output, "File, or with --slice directory, to write")
         ->required();
@@ -62,7 +62,7 @@ void prepareDirectory(const fs::path& directory) {
         const fs::path extension = entry.path().extension();
         if (extension == ".json" || extension == ".xml") {
             throw std::runtime_error(directory.string() +
-                                     " holds data already: " + entry.path().filename().string());
+                                     " already contains data: " + entry.path().filename().string());
         }
     }
 }

@@ -178,7 +178,7 @@ TEST(OrvhostTransactionsTest, Reference_RefusedInATransaction_SaysThatItMustBeAb
     for (const std::string version : {"3", "3_1"}) {
         EXPECT_THAT(runOnHarbour(script, {"--interface", version}).err,
                     HasSubstr("\n  references back may have been changed before this was refused, "
-                              "and nothing would tell: abort transaction a\n"))
+                              "and validate may not report it: abort transaction a\n"))
             << version;
     }
     EXPECT_THAT(runOnHarbour(script, {"--interface", "1"}).err, Not(HasSubstr("references back")));

@@ -43,7 +43,7 @@ AttributeValue valueOf(const AttributeDef& parameter, const NamedValues& paramet
         return given->second;
     }
     if (!parameter.defaultValue) {
-        throw RequestError("interface version 1 tells parameters by their place: " +
+        throw RequestError("interface version 1 identifies parameters by their position: " +
                            parameter.name + " cannot be left out before the others");
     }
     return *parameter.defaultValue;

@@ -54,8 +54,8 @@ std::vector<std::string> explainWhatStays(ClientSession& session, const Operatio
         lines.push_back("transaction " + current->name + " can only be aborted");
     } else if (mayHaveMovedReferences(session, subject)) {
         lines.push_back(
-            "references back may have been changed before this was refused, and nothing "
-            "would tell: abort transaction " +
+            "references back may have been changed before this was refused, and validate "
+            "may not report it: abort transaction " +
             current->name);
     }
     return lines;

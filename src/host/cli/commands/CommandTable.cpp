@@ -16,7 +16,7 @@ CommandTable::CommandTable()
     : mCommands{
           {.name = "exists",
            .synopsis = "DN",
-           .summary = "tell whether an object is there",
+           .summary = "show whether an object exists",
            .details = "Answers yes or no.\n",
            .words = {WordKind::Dn},
            .run = runExists},
@@ -65,8 +65,8 @@ levels; what is below the cut is counted.
            .synopsis = "[NAME]",
            .summary = "work in another open transaction, or in none",
            .details =
-               R"(Without a name no transaction is left or ended, but the commands behind see what is
-committed, and each write is committed by itself.
+               R"(Without a name no transaction is left or ended, but the commands after it see what
+is committed, and each write is committed by itself.
 )",
            .words = {WordKind::Transaction},
            .run = runUse},
@@ -118,8 +118,8 @@ Interface version 3_1 sets all or none, the others one after the other.
            .synopsis = "[NAME]",
            .summary = "ask for the verdict on a transaction",
            .details =
-               R"(Without a name, on the current one. It stays open. What is wrong is told as the component
-tells it, with the objects and values in question.
+               R"(Without a name, on the current one. It stays open. Problems are reported in the
+words of the component, with the objects and values that they are about.
 )",
            .words = {WordKind::Transaction},
            .run = runValidate},
@@ -142,11 +142,11 @@ it is aborted, and nothing of it is left.
            .synopsis = "[OUTCOME] [CLAUSE...] : COMMAND...",
            .summary = "run a command that must answer this and nothing else",
            .details =
-               R"(OUTCOME is ok (if not told), error, usage, or a code by its name or number. Clauses:
+               R"(OUTCOME is ok (default), error, usage, or a code by its name or number. Clauses:
   message [containing] TEXT       a message that the client gets
   messages N                      how many it gets
   output [containing] TEXT        what the command prints
-  explanation containing TEXT     what is told of a failure besides
+  explanation containing TEXT     what the explanation of a failure contains
 )",
            .words = {WordKind::Other},
            .run = [this](Session& session,
@@ -166,8 +166,8 @@ refused. --dot gives the text that Graphviz draws. -o writes to a file.
            .run = runGraph},
           {.name = "model",
            .synopsis = "[CLASS | --associations]",
-           .summary = "tell the classes, one class, or all associations",
-           .details = "Attributes and associations are told as the model repository has them.\n",
+           .summary = "show the classes, one class, or all associations",
+           .details = "Attributes and associations are shown as the model repository has them.\n",
            .words = {WordKind::AnyClass},
            .options = {"--associations"},
            .run = runModel},
@@ -182,7 +182,7 @@ refused. --dot gives the text that Graphviz draws. -o writes to a file.
            .run = runLog},
           {.name = "help",
            .synopsis = "[COMMAND]",
-           .summary = "tell all commands, or one",
+           .summary = "show all commands, or one",
            .words = {WordKind::Command},
            .run = [this](Session& session,
                          Words words) { runHelp(*this, session, std::move(words)); }},
@@ -212,7 +212,7 @@ const Command& CommandTable::require(const std::string& name) const {
     const Command* command = find(name);
     if (command == nullptr) {
         throw UsageError("there is no command '" + name + "'." + didYouMean(name, names()) +
-                         " 'help' tells all");
+                         " 'help' lists all");
     }
     return *command;
 }

@@ -98,7 +98,7 @@ Expectation::Clause Expectation::parseText(const std::string& subject, Words& wo
     std::string text = words.take("the text of the " + subject);
     const bool isPart = text == "containing";
     if (isPart) {
-        text = words.take("the text behind containing");
+        text = words.take("the text after containing");
     }
     if (text == kEndOfClauses) {
         throw UsageError("the text of the " + subject + " is missing");

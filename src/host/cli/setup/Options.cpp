@@ -17,8 +17,8 @@ namespace OrvHost {
 namespace {
 
 constexpr const char* kFooter = R"(
-Commands come from -c, from scripts (-f), from the words behind the options, or, if there are none,
-from the prompt or standard input. 'orvhost help' tells them. Put -- before a command's own options:
+Commands come from -c, from scripts (-f), from the words after the options, or, if there are none,
+from the prompt or standard input. 'orvhost help' lists them. Put -- before a command's own options:
 
   orvhost -I models -m ran-element -d network.json -- tree / --depth 2
 
@@ -70,7 +70,7 @@ void addLogging(CLI::App& app, Options& options) {
                 throw CLI::ValidationError("--log-level", failure.what());
             }
         },
-        "off, error, warning (if not told), info, trace, or a number");
+        "off, error, warning (default), info, trace, or a number");
     app.add_option("--log-file", options.logFile,
                    "File to append the log to, instead of standard error");
     app.add_option_function<std::string>(
@@ -78,7 +78,7 @@ void addLogging(CLI::App& app, Options& options) {
            [&options](const std::string& text) {
                options.logFormat = text == "json" ? LogFormat::Json : LogFormat::Text;
            },
-           "text (if not told) or json")
+           "text (default) or json")
         ->check(CLI::IsMember({"text", "json"}));
 }
 
@@ -96,12 +96,12 @@ void takeScenarios(Options& options) {
     const bool isCheck = !options.words.empty() && options.words.front() == "check";
     if (!isCheck) {
         if (!options.reportFormat.empty() || !options.reportFile.empty()) {
-            throw CLI::ValidationError("--report and --report-file go with check only");
+            throw CLI::ValidationError("--report and --report-file can only be used with check");
         }
         return;
     }
     if (!options.commandLines.empty() || !options.scripts.empty()) {
-        throw CLI::ValidationError("check goes with neither -c nor -f");
+        throw CLI::ValidationError("check cannot be combined with -c or -f");
     }
     options.scenarios.assign(options.words.begin() + 1, options.words.end());
     options.words.clear();
@@ -116,7 +116,7 @@ void addCommands(CLI::App& app, Options& options) {
     app.add_option("-f,--script", options.scripts,
                    "A file of commands to run, - for standard input; repeatable")
         ->allow_extra_args(false);
-    app.add_flag("--keep-going", options.keepGoing, "Go on behind a command that failed");
+    app.add_flag("--keep-going", options.keepGoing, "Continue after a command that failed");
     app.add_flag("--echo", options.echo,
                  "Show each line of scripts and -c in front of its answer, as at the prompt");
     app.add_option("--interface", options.interfaceVersion,

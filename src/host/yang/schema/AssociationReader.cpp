@@ -152,14 +152,14 @@ std::string AssociationReader::readInMember(const std::string& keyword, const st
     try {
         if (keyword == kBiDir) {
             throw StatementError(
-                "a reference inside a struct or a parameter cannot be kept in step "
+                "a reference inside a struct or a parameter cannot be kept consistent "
                 "with another one; only an attribute of a class can");
         }
         const UniDirInLeaf statement = parseUniDirInLeaf(argument);
         if (!statement.terms.isEmpty()) {
             throw StatementError(
-                "in a struct or a parameter only the class is told; how many there "
-                "may be is said by mandatory, min-elements and max-elements");
+                "in a struct or a parameter only the class is given; mandatory, min-elements and "
+                "max-elements say how many there may be");
         }
         return use(statement.target, source);
     } catch (const StatementError& error) {

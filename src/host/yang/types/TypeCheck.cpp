@@ -87,7 +87,7 @@ std::string refuseDecimal(const std::string& text, const std::vector<SignedPart>
     // compared.
     if (std::fabs(scaled - rounded) > 1e-6 * std::max(1.0, std::fabs(scaled) * 1e-9)) {
         return text + " has more than " + std::to_string(fractionDigits) +
-               " digits behind the point";
+               " digits after the point";
     }
     constexpr double kTooLarge = 9223372036854775808.0; // 2 to the power of 63
     const bool fits = rounded >= -kTooLarge && rounded < kTooLarge;

@@ -180,7 +180,7 @@ TEST(RanGenerator, DirectoryWithData_IsLeftAlone) {
     directory.write("data/old.json", "{}");
     const auto log = directory.path() / "log";
     EXPECT_NE(runGenerator("-n 10 --slice 5 " + (directory.path() / "data").string(), log), 0);
-    EXPECT_THAT(contentsOf(log), HasSubstr("holds data already: old.json"));
+    EXPECT_THAT(contentsOf(log), HasSubstr("already contains data: old.json"));
 }
 
 }

@@ -120,8 +120,10 @@ TEST(YangModelErrors, Associations_TellEachMistakeWithItsLine) {
         {20, "CLASS.ATTRIBUTE was expected instead of \"Mast\""},
         {21, "/associations:Site/number is to be a reference, which is a text; its type is uint8"},
         {22, "class \"Mast\" is not of the module \"elsewhere\" but of \"associations\""},
-        {24, "a reference inside a struct or a parameter cannot be kept in step"},
-        {25, "in a struct or a parameter only the class is told"},
+        {24, "a reference inside a struct or a parameter cannot be kept consistent with "
+             "another one; only an attribute of a class can"},
+        {25, "in a struct or a parameter only the class is given; mandatory, min-elements and "
+             "max-elements say how many there may be"},
         {32, "Site.somewhere as its opposite, but class Site has no attribute somewhere"},
         {34, "bidirectional \"Site.first <- Mast.second\": "},
         {35, "class Site has no attribute absent"}};

@@ -34,7 +34,7 @@ TEST(TypeCheck, Decimals_AreHeldToRangeAndDigits) {
     EXPECT_EQ(refusal("ratio", "-1.5"), "");
     EXPECT_EQ(refusal("ratio", "0.125"), "");
     EXPECT_EQ(refusal("ratio", "2.251"), "2.251 is not in the range -1.5..2.25");
-    EXPECT_EQ(refusal("ratio", "0.1234"), "0.1234 has more than 3 digits behind the point");
+    EXPECT_EQ(refusal("ratio", "0.1234"), "0.1234 has more than 3 digits after the point");
     EXPECT_EQ(refusal("ratio", "inf"), "\"inf\" is not a decimal number");
     EXPECT_EQ(refusal("ratio", ""), "\"\" is not a decimal number");
 }
