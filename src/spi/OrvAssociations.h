@@ -141,15 +141,15 @@
 ///
 /// What is *not* judged:
 ///
-///   - attributes that nobody wrote. A Group that is created without `members` is valid, though the
-///     lower bound is 1. If it is created with `members` of type 11 and count 0, it is not.
-///   - whether the target of a reference exists. The MOC of a DN comes from its class path. A
-///     reference to an MO that does not exist, or is deleted, is valid and counts like any other;
-///     it also satisfies a lower bound.
-///   - whether both sides agree.
-///   - references in structs, and everything that is no reference.
-///   - an attribute whose old value the router could not read, and an MO whose DN has no MOC, at
-///     the time of the write.
+/// - attributes that nobody wrote. A Group that is created without `members` is valid, though the
+///   lower bound is 1. If it is created with `members` of type 11 and count 0, it is not.
+/// - whether the target of a reference exists. The MOC of a DN comes from its class path. A
+///   reference to an MO that does not exist, or is deleted, is valid and counts like any other;
+///   it also satisfies a lower bound.
+/// - whether both sides agree.
+/// - references in structs, and everything that is no reference.
+/// - an attribute whose old value the router could not read, and an MO whose DN has no MOC, at
+///   the time of the write.
 ///
 /// 7. The messages
 ///

@@ -30,19 +30,19 @@
 ///
 /// What happens without each of them:
 ///
-///   - a router that is looked up by P: `start` answers OrvFailure.
-///   - the Vek router: `start` answers OrvOk, with logs of level 4. No far side of an association
-///     is written. Attributes that are set are not judged by the rules of bidirectional
-///     associations either: such a transaction can be valid although nobody has looked. A
-///     transaction that created an MO with references, of a class with bidirectional associations,
-///     is not valid, with a log of level 3.
-///   - the model repository: `start` answers OrvOk, with logs of level 4. No association is
-///     followed, and no transaction is valid, not even one that wrote nothing. The client gets no
-///     message.
-///   - the thread context: `start` answers OrvOk, with logs of level 4. No transaction is valid,
-///     and the client gets no message. Far sides are written.
-///   - the transaction table: `start` answers OrvOk, without a log. A slot that joins answers
-///     OrvFailure, with a log of level 3; the others are served.
+/// - a router that is looked up by P: `start` answers OrvFailure.
+/// - the Vek router: `start` answers OrvOk, with logs of level 4. No far side of an association
+///   is written. Attributes that are set are not judged by the rules of bidirectional
+///   associations either: such a transaction can be valid although nobody has looked. A
+///   transaction that created an MO with references, of a class with bidirectional associations,
+///   is not valid, with a log of level 3.
+/// - the model repository: `start` answers OrvOk, with logs of level 4. No association is
+///   followed, and no transaction is valid, not even one that wrote nothing. The client gets no
+///   message.
+/// - the thread context: `start` answers OrvOk, with logs of level 4. No transaction is valid,
+///   and the client gets no message. Far sides are written.
+/// - the transaction table: `start` answers OrvOk, without a log. A slot that joins answers
+///   OrvFailure, with a log of level 3; the others are served.
 ///
 /// 2. Two ways of lookup
 ///
@@ -113,11 +113,11 @@
 /// the host's join need none of these calls; they do no harm.
 ///
 /// The order among participants:
-///   - The router must still answer for the transaction while the component validates. It may count
-///     as a participant before or after the component, or as none.
-///   - prepare, commit, abort and finish of the component call nothing of the host and read no
-///     value of the router. The router may end its part, and free the values of version "1", before
-///     the component's finish. Clients must have done with these values then.
+/// - The router must still answer for the transaction while the component validates. It may count
+///   as a participant before or after the component, or as none.
+/// - prepare, commit, abort and finish of the component call nothing of the host and read no
+///   value of the router. The router may end its part, and free the values of version "1", before
+///   the component's finish. Clients must have done with these values then.
 ///
 /// 7. Interceptors
 ///
