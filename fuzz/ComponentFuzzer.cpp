@@ -3,10 +3,10 @@
 
 // The whole component, in a host that answers as the input says: with failures, exceptions and lies
 // at any call, for clients of all versions that hand over anything. Nothing of that ends the
-// process; what the component must read and cannot is refused before anything has happened; no lock
-// stays held, each result is released once, each transaction joined once; after its end nothing of
-// it is left; and an equal run has equal events. With FUZZ_COMPONENT_SHOW in the environment the
-// events are shown.
+// process. If the component cannot read what it must read, it refuses the operation before it does
+// anything. No lock stays held, each result is released once, and each transaction is joined once.
+// After the end of the component nothing of it is left. Equal runs have equal events. With
+// FUZZ_COMPONENT_SHOW in the environment the events are shown.
 
 #include "component/Client.h"
 #include "component/Host.h"
@@ -44,7 +44,7 @@ void announce(Host& host) {
             "cannot be initialised");
 }
 
-/// The same to the host as it is, with whatever comes of it, and once more to an honest one.
+/// Terminates and initialises in the host as it is, with any outcome, then in an honest host.
 void announceAgain(Host& host) {
     host.begin("terminate and init");
     LoadedComponent::instance().terminate();

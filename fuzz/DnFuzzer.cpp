@@ -43,7 +43,7 @@ bool isUtf8(const std::string& text) {
     }
 }
 
-// What may stand as a naming value makes one step, whatever it is.
+// Every valid naming value makes exactly one step.
 void checkNamingValue(const std::string& text) {
     if (!Orv::DnUtil::validateMoNamingAttr(text.c_str())) {
         return;

@@ -40,7 +40,7 @@ void checkJson(const Container& container) {
     }
 }
 
-// A number that is none is not equal to itself, but is shown alike.
+// NaN is not equal to itself, but its text is always the same.
 bool areSame(const AttributeValue& left, const AttributeValue& right) {
     const auto haveSameText = [](const Value& one, const Value& other) {
         return toText(one) == toText(other);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Instance data: whatever the text, it is read or refused with a reason. What is read can be
+// Instance data: any text is read, or refused with a reason. What is read can be
 // written in both formats, and reads the same again.
 
 #include "RanModel.h"

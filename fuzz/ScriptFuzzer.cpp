@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Scripts of orvhost, run in a host of their own with the loaded component and a small network.
-// Whatever stands in a script, each line is carried out or refused with a reason; in JSON mode
-// every answer is a document; and the host goes down cleanly with whatever is left open.
+// Each line of any script is carried out or refused with a reason. In JSON mode every answer is a
+// document. The host ends cleanly, even if transactions are left open.
 
 #include "RanModel.h"
 #include "RanNetwork.h"

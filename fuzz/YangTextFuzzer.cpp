@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The surface of YANG modules, which is read to find the lines of definitions: it takes whatever it
-// is given, and the lines that it reports exist.
+// The reader that finds the lines of definitions in the text of YANG modules. It accepts any text,
+// and the lines that it reports exist.
 
 #include "support/ByteSource.h"
 #include "support/Require.h"

@@ -87,7 +87,7 @@ def changed_sources(build, commit):
 
 
 def findings(build, source):
-    """What clang-tidy says about a source, and whether it is content."""
+    """What clang-tidy says about a source, and whether the source passes."""
     result = subprocess.run(["clang-tidy", "-p", build, "--quiet", source], text=True,
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     lines = [line for line in result.stdout.splitlines() if line and not COUNT.match(line)]

@@ -91,7 +91,7 @@ private:
     template <class Function>
     Outcome call(const char* name, const Demand& demand, const Function& function);
     void judge(const Demand& demand, const Outcome& outcome, std::size_t calls);
-    /// The code must be that of whichever of the functions has been called last, or OrvFailure
+    /// The code must be that of the one of the functions that was called last, or OrvFailure
     /// where \p mayFail is true.
     void judgeByCallee(const Outcome& outcome, std::initializer_list<Slot> callees, bool mayFail);
     void requireThat(bool isTrue, const char* what) const;

@@ -216,7 +216,7 @@ void Client::next() {
                                  Slot::RouterNext);
 }
 
-/// Always OrvOk, whatever the handle is.
+/// Always OrvOk, for any handle.
 void Client::finalize() {
     const std::size_t choice = mSource.byte();
     const unsigned long long handle =

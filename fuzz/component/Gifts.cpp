@@ -73,7 +73,7 @@ void Gifts::takeBack(const void* gift) {
             std::string("released twice, or never given: ") + Host::current().operation);
 }
 
-// It is back, whatever is thrown afterwards.
+// It has been given back, even if an exception is thrown afterwards.
 void Gifts::releaseOne(OrvMoAttributeValueContainer_3* container) {
     Host& host = Host::current();
     host.journal.call("release");

@@ -14,7 +14,7 @@
 namespace Fuzz {
 
 /// A model repository's contents, made from bytes, and its honest answers. A question that has no
-/// answer is answered with nothing, whatever handle it is asked with.
+/// answer gives nothing, for any handle.
 class NetworkModel {
 public:
     using Handle = unsigned long long;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The router's tables of versions 3 and 3_1. What is handed to the router may be anything that the
-// component hands on: nothing is read before it is known to be there.
+// component hands on: nothing is read before it is known to exist.
 
 #include "Host.h"
 #include "Names.h"

@@ -14,9 +14,9 @@
 
 namespace Fuzz {
 
-/// Makes value records out of bytes, also such as nobody may hand over: arrays, texts, names and
-/// members that are not there. What is there can be read, and a count does not say more than there
-/// is. The records belong to \p memory.
+/// Makes value records out of bytes, also invalid ones: arrays, texts, names and members can be
+/// missing (null). What is not null can be read, and a count is never too large. The records belong
+/// to \p memory.
 template <class Version>
 class ValueMaker {
 public:

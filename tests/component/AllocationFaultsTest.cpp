@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Memory runs out at every place where the component asks for some: at the first allocation of an
-// operation, then at the second, and so on until there is none left to refuse. Each time the client
-// gets OrvFailure, nothing is lost or left locked, and the component goes on serving.
+// Memory runs out at every place where the component allocates: at the first allocation of an
+// operation, in the next run at the second, and so on until no allocation is left to refuse. Each
+// time the client gets OrvFailure, nothing is lost or left locked, and the component goes on
+// serving.
 
 #include "DnUtil.h"
 #include "FailingNew.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Readers of a log know the operations of the back-pointers by name: each message comes from the
-// one that it belongs to, whatever that one is made of.
+// operation that it belongs to, also if that one consists of others.
 
 #include "Network.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Sequences of writes that systems which keep references in step have been caught by.
+// Sequences of writes that easily go wrong in systems that keep references consistent.
 
 #include "Host.h"
 

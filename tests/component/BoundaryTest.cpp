@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// What holds for every table function: codes, exceptions, the gates of traces and logs.
+// What all table functions have in common: codes, exceptions, and when they trace and log.
 
 #include "Host.h"
 

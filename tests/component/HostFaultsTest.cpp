@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The host fails the component: every call that an operation makes is refused in turn, with each of
-// a few codes and with a success that brings nothing. Each time the client gets the expected
-// answer, no write is lost or made twice, and the component goes on serving.
+// The host fails the component: in one run for each call that an operation makes, this call is
+// refused with each of a few codes, or succeeds without a result. Each time the client gets the
+// expected answer, no write is lost or made twice, and the component goes on serving.
 
 #include "Operations.h"
 
@@ -29,7 +29,7 @@ constexpr OrvReturnT kHostsOwnCode = 77;
 enum class Effect {
     TheCode, ///< the operation is this call: its code is the answer
     Failure, ///< OrvFailure, whatever the code
-    Nothing  ///< the operation goes on as if nothing had been
+    Nothing  ///< the operation goes on as if the call had not failed
 };
 
 /// One rule. The first that fits a call holds.
@@ -180,7 +180,7 @@ void expectNoWriteLostOrMadeTwice(const Operation& operation, const Outcome& ord
         const std::string target = targetOf(place.text);
         EXPECT_EQ(withoutTarget(backPointersIn(faulty), target),
                   withoutTarget(backPointersIn(ordinary), target))
-            << "the other far sides are none of its business";
+            << "a fault at one far side must not change the others";
     } else if (effect == Effect::Nothing && fault != OrvOk &&
                beginsWith(place.name, "VekRouter3.")) {
         EXPECT_THAT(backPointersIn(faulty), IsSubsetOf(backPointersIn(ordinary)));
@@ -292,7 +292,7 @@ void PrintTo(const Verdict& verdict, std::ostream* out) {
 }
 
 /// The calls of \p name up to the check of the values' classes, which begins with a second lookup
-/// of the examined MO's own class. That one's code is not looked at, and what fails after it is
+/// of the examined MO's own class. The code of that lookup is ignored, and what fails after it is
 /// tried again.
 std::vector<Place> countingCalls(const std::vector<Place>& places, const std::string& name) {
     std::vector<Place> counting;

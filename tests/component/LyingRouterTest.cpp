@@ -46,7 +46,7 @@ Value referenceAndNone() {
     return Value(kMoRef, slots);
 }
 
-/// What the router has, and what becomes of it on the way to a client.
+/// A value of the router, and what a client gets for it.
 struct Lie {
     std::string name;
     Value value;

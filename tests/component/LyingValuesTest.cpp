@@ -30,7 +30,7 @@ constexpr unsigned long kTx = kFaultTx;
 constexpr std::int32_t kString = OrvMoAttributeTypeString_3;
 constexpr std::int32_t kMoRef = OrvMoAttributeTypeMoRef_3;
 constexpr std::int32_t kStruct = OrvMoAttributeTypeStruct_3;
-constexpr std::uint64_t kGarbage = 1; ///< as a pointer: nobody may follow it
+constexpr std::uint64_t kGarbage = 1; ///< as a pointer: must not be followed
 const std::string kNetworkId = "networkManagedElementId";
 const std::string kJoin = "Transaction.join(1, OrvOamSpiTransactionalResource)";
 

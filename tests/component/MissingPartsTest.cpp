@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A component that has not found everything in its host: what it serves all the same, and what it
-// takes to put that right.
+// A component that has not found everything in its host: what it still serves, and how the host
+// repairs that.
 
 #include "Names.h"
 #include "Network.h"

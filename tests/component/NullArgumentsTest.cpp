@@ -400,7 +400,7 @@ protected:
     const Client1 client1 = scene.host.client1();
 };
 
-// The id without a value is a case of its own in version 1: reported after the translation, and -8.
+// The id without a value is special in version 1: it is reported after the translation, with -8.
 TEST_F(NullsBeside, Version1IdWithoutValue_IsRefusedAsAnId) {
     EXPECT_EQ(client1.set(kTx, kUnit, "networkManagedElementId"), OrvInvalidArgument);
     EXPECT_THAT(scene.host.calls(),

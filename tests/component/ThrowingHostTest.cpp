@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The host throws: out of every call that an operation makes, in turn. The client is told
-// OrvFailure, what was read is given back, no lock stays held, and the component goes on serving.
+// The host throws an exception: in one run for each call that an operation makes. The client gets
+// OrvFailure, read results are given back, no lock stays held, and the component goes on serving.
 
 #include "Operations.h"
 
@@ -30,8 +30,8 @@ std::optional<OrvReturnT> answerOf(const Operation& operation, Scene& scene) {
     }
 }
 
-/// Entry and end of the component are not shielded. An iterator that the walk over a subtree no
-/// longer needs is given back without a look at what comes of it.
+/// Entry and end of the component let exceptions through. When the walk over a subtree ends its
+/// iterator, the outcome of that call is ignored.
 std::optional<OrvReturnT> expected(const Operation& operation, const Place& place) {
     if (operation.name.rfind("orvLCM", 0) == 0) {
         return std::nullopt;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// When the translator of DNs is asked, and what becomes of its answers. The two operations below
+// When the translator of DNs is called, and how its answers are used. The two operations below
 // take the place of the helper library's own for every shared object in the process, so these tests
 // have a program of their own.
 

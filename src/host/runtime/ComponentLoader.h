@@ -20,7 +20,8 @@ class ComponentRegistry;
 /// Loading opens the shared object, finds its two exported functions and calls orvLCMinit.
 /// Unloading stops its components, calls orvLCMterminate once, drops all registrations that are
 /// left, and closes it. A load that fails undoes the steps that were done, so that nothing stays
-/// open; if orvLCMinit was called, orvLCMterminate is called too, whatever orvLCMinit returned.
+/// open; if orvLCMinit was called, orvLCMterminate is called too, for every return value of
+/// orvLCMinit.
 ///
 /// Threads: one at a time.
 class ComponentLoader {

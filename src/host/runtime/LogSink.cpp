@@ -41,7 +41,7 @@ std::string subsystemName(VekMwSpiTraceSubsystemHandle_2T subsystem) {
     return std::to_string(subsystem);
 }
 
-// A message must not look like two lines, whatever characters it contains.
+// A message must never look like two lines, with any characters.
 std::string oneLine(const std::string& text) {
     std::string line;
     for (const char character : text) {

@@ -19,7 +19,7 @@ struct OrvHostTransactionMaster_1 {
 
     /// Slot 1. Begins a transaction and writes its handle to \p txHandle.
     OrvReturnT (*begin)(unsigned long* txHandle);
-    /// Slot 2. Asks all participants; the transaction stays open whatever they answer. After OrvOk
+    /// Slot 2. Asks all participants; the transaction stays open for every answer. After OrvOk
     /// the verdict is in \p result.
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
     /// Slot 3. Validates, prepares, commits and finishes. Any other code than OrvOk means that the

@@ -46,7 +46,7 @@ struct LogRecord {
 /// on every record that it is given. Each message of a component comes twice, in an old and a new
 /// form, so a sink that wants each once keeps one of the forms.
 ///
-/// A record for which memory does not suffice is dropped: no operation fails because of what it has
+/// If memory is too short for a record, it is dropped: no operation fails because of what it has
 /// to say, and none of the three writers throws. All texts that go in are borrowed and not null;
 /// `format` is a printf format and fits its arguments.
 ///

@@ -104,8 +104,8 @@ bool DnUtil::validateMoNamingAttr(const char* value) {
 
 std::string DnUtil::getMocPath(const std::string& dn) {
     std::string_view rest(dn);
-    // What stands before a leading comma is no step: popLeafClass, which takes steps from the end,
-    // is done when nothing is left, and the paths of both must be equal.
+    // The empty text before a leading comma is not a step: popLeafClass, which takes steps from
+    // the end, stops when nothing is left, and the paths of both must be equal.
     if (!rest.empty() && rest.front() == ',') {
         rest.remove_prefix(1);
     }

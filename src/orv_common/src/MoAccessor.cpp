@@ -20,8 +20,8 @@ public:
         : mRouter(router), mHandle(handle) {}
     RouterIterator(const RouterIterator&) = delete;
     RouterIterator& operator=(const RouterIterator&) = delete;
-    // What becomes of the iterator changes no answer, and nothing may leave a destructor: an
-    // exception of the host would end the process here.
+    // If ending the iterator fails, no answer changes. An exception of the host must not leave the
+    // destructor: it would end the process.
     ~RouterIterator() {
         try {
             mRouter.finalizeMoIterator(mHandle);
@@ -36,8 +36,8 @@ private:
     unsigned long long mHandle;
 };
 
-// No parent has two children of one class and name, and none has so many children. A router that
-// gives names again and again, or new ones for ever, is left.
+// No parent has two children of one class and name, and none has so many children. If a router
+// repeats names or never stops giving new ones, the walk ends.
 constexpr std::size_t mostRepeats = 1000;
 constexpr std::size_t mostChildren = 10000000;
 

@@ -7,7 +7,7 @@
 namespace Scripted {
 
 /// While one of these lives, its thread runs code of the host and not of the component, so that
-/// what is allocated is not the component's doing.
+/// what is allocated does not count as the component's.
 class HostCode {
 public:
     HostCode() { ++sDepth; }
@@ -33,7 +33,7 @@ struct AsHostCode<Function> {
     }
 };
 
-/// What stands in a table of the host in the place of \p Function, so that it runs as HostCode.
+/// The entry for \p Function in a table of the host: it runs the function as HostCode.
 template <auto Function>
 constexpr auto asHostCode = &AsHostCode<Function>::call;
 

@@ -88,7 +88,7 @@ Model& Model::biDir(const Side& first, const Side& second) {
     const std::size_t secondMoc = mocIndex(second.moc);
     const std::size_t firstAttribute = referenceIndex(firstMoc, first.attribute, secondMoc);
     const std::size_t secondAttribute = referenceIndex(secondMoc, second.attribute, firstMoc);
-    // An end bears the name of the attribute that points at it, and that one's bounds.
+    // An end has the name and the bounds of the attribute that points at it.
     mEnds.push_back({firstMoc,
                      second.attribute,
                      secondAttribute,

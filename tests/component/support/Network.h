@@ -71,7 +71,7 @@ protected:
 
     Client3 client() const { return host.client(); }
 
-    /// The journal without the questions to the model, but for the two that show the order of the
+    /// The journal without the calls to the model, except the two that show the order of the
     /// bookkeeping: which associations a class has, bidirectional and then unidirectional.
     std::vector<std::string> milestones() const {
         std::vector<std::string> chosen;

@@ -36,13 +36,13 @@ public:
     void giveAll(const std::string& label, const std::vector<Value>& values,
                  OrvMoAttributeValuesResult_3& out);
 
-    /// The call that handed \p out out failed after all: the receiver may leave it.
+    /// The call that handed out \p given failed: the receiver need not give it back.
     void forgive(const void* given);
 
     /// True if \p given has been handed out and has not come back.
     bool isOut(const void* given) const;
 
-    /// How many results have been handed out and neither come back nor been forgiven.
+    /// The number of results that were handed out, have not come back and were not forgiven.
     std::size_t outstanding() const;
     /// What has gone wrong so far, for people; the outstanding ones included.
     std::vector<std::string> complaints() const;

@@ -17,8 +17,8 @@
 namespace Scripted {
 
 /// The MOs behind the scripted router: one flat view that every write changes at once. DNs are
-/// internal. There are no transactions and no rules of a model: what a test needs refused it has
-/// refused by a departure.
+/// internal. There are no transactions and no rules of a model: a test that needs a refusal sets
+/// a departure.
 ///
 /// Threads: every operation, any thread.
 class World {
@@ -37,7 +37,7 @@ public:
         std::string mDn;
     };
 
-    /// \p unset tells what an attribute reads as that was never set; nothing: OrvNotExist.
+    /// \p unset gives the value of an attribute that was never set; no value: OrvNotExist.
     explicit World(WrittenAs unset) : mUnset(std::move(unset)) {}
 
     /// Adds the MO if it is not there. Parents need not exist.

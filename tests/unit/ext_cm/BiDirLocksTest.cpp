@@ -5,7 +5,7 @@
 #include "IsFree.h"
 
 // While which calls of the host the one lock is held: an addition must not lose what another thread
-// adds meanwhile, and whatever else can wait for a host must not make others wait.
+// adds meanwhile, and no other call that can wait for a host may make others wait.
 
 namespace BiDirTests {
 namespace {

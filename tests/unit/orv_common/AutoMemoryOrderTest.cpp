@@ -91,7 +91,7 @@ TEST_F(AutoMemoryOrder, Destruction_Empty_FreesAndDeletesNothing) {
     EXPECT_EQ(mWatch.freed, 0);
 }
 
-// Whatever comes back for no elements is one entry like any other.
+// What an allocation of no elements returns is an entry like all others.
 TEST_F(AutoMemoryOrder, Destruction_BlockOfNoElements_IsFreedOnce) {
     const volatile unsigned int none = 0; // volatile: nobody need warn of it
     auto memory = std::make_unique<Orv::AutoMemory>();

@@ -11,7 +11,7 @@
 
 namespace OrvHost {
 
-// All that is known of a command stands here: help, completion and the interpreter read it.
+// All facts about the commands are here: help, completion and the interpreter read them.
 CommandTable::CommandTable()
     : mCommands{
           {.name = "exists",

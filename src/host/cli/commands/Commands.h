@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-// The functions of the commands. What each does and how it is written stands in CommandTable.cpp.
+// The functions of the commands. CommandTable.cpp says what each does and how it is written.
 
 void runExists(Session& session, Words words);
 void runCount(Session& session, Words words);

@@ -22,7 +22,7 @@ class ObjectWriter;
 struct TextNode;
 
 /// Writes objects as instance data. It collects them first, as text, because the entries of a list
-/// must be together whatever the order of the objects. Memory is about the size of the result, so
+/// must be together in any order of the objects. Memory is about the size of the result, so
 /// large data is written in slices, with a clear() after each.
 ///
 /// An object whose parent was not added gets its ancestors with only their keys, as the reader

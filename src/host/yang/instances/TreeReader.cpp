@@ -86,7 +86,7 @@ void TreeReader::append(const lyd_node* node, std::vector<NamedValue>& values) {
         refuse(node, "is not part of the model, see the notes on loading it");
         return;
     }
-    // All instances of one node are together in the tree, wherever they were in the text.
+    // All instances of one node are together in the tree, even if they were apart in the text.
     const bool isAnother = !values.empty() && values.back().first == shape->name;
     if (!isAnother) {
         values.emplace_back(shape->name, AttributeValue{shape->kind, {}});
