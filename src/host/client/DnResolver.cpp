@@ -32,15 +32,22 @@ std::string DnResolver::whyNoDn(const std::string& dn, const ClassDef** moc) con
         if (!problem.empty()) {
             return problem;
         }
-        const bool isRoot = *moc == nullptr && className == kRootClass;
-        if (isRoot && step.value() != Orv::MeIdTranslator::instance()->identity()) {
-            return className + "=" + std::string(step.value()) +
-                   " is not known; clients know it as " + kRootClass + "=" +
-                   Orv::MeIdTranslator::instance()->identity();
+        problem = *moc == nullptr ? whyOtherRoot(dn) : "";
+        if (!problem.empty()) {
+            return problem;
         }
         *moc = &mModel.classes[*mModel.findClass(className)];
     }
     return {};
+}
+
+std::string DnResolver::whyOtherRoot(const std::string& dn) const {
+    const std::string root = dn.substr(0, dn.find(','));
+    const std::string known = Orv::MeIdTranslator::instance()->identity();
+    if (DnStep(root).type() != kRootClass || DnStep(root).value() == known) {
+        return {};
+    }
+    return root + " is not known; clients know it as " + kRootClass + "=" + known;
 }
 
 const ClassDef* DnResolver::classOf(const std::string& dn) const {

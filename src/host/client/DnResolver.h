@@ -25,6 +25,10 @@ public:
     /// the class that the DN leads to.
     std::string whyNoDn(const std::string& dn, const ClassDef** moc) const;
 
+    /// Why \p dn begins with a name of the element at the root that clients do not use, for
+    /// example its internal name; empty if it does not.
+    std::string whyOtherRoot(const std::string& dn) const;
+
     /// The class that \p dn leads to, or null.
     const ClassDef* classOf(const std::string& dn) const;
 

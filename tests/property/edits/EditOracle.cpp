@@ -140,6 +140,13 @@ private:
 
     void checkValue(const std::string& dn, const std::string& name, const AttributeValue& value) {
         const AttributeDef& def = *classOf(dn).findAttribute(name);
+        if (value.kind == ValueKind::MoRef) {
+            for (const std::string& target : dnsOf(value)) {
+                if (target.rfind("ManagedElement=", 0) == 0 && !isBelowOrSame(target, kRoot)) {
+                    problem(Kind::WrongValue, dn, name);
+                }
+            }
+        }
         if (valueBefore(dn, name).values == value.values) {
             return;
         }

@@ -402,7 +402,7 @@ void WishMaker::addMistake(MadeWish& made) {
     std::vector<Edit>& edits = made.wish.edits;
     WishedObject* object = anyWished(made.wish);
     const Dns units = objectsOf(mBefore, "Unit");
-    switch (below(10)) {
+    switch (below(11)) {
     case 0:
         edits.push_back({EditKind::Merge,
                          std::string(kRoot) + ",Street=1",
@@ -446,6 +446,16 @@ void WishMaker::addMistake(MadeWish& made) {
             const std::string unit = pick(units);
             edits.push_back(
                 {EditKind::Merge, unit, {{unit, {{"peers", refs({pick(units), pick(units)})}}}}});
+        }
+        break;
+    case 9:
+        // The internal DN, which clients do not know.
+        if (!units.empty()) {
+            const std::string unit = pick(units);
+            const Dns internal{"ManagedElement=1" + unit.substr(unit.find(','))};
+            edits.push_back({EditKind::Merge,
+                             unit,
+                             {{unit, {{oneIn(2) ? "friends" : "ports", refs(internal)}}}}});
         }
         break;
     default:

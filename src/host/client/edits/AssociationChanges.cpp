@@ -3,6 +3,8 @@
 
 #include "AssociationChanges.h"
 
+#include "References.h"
+
 #include <algorithm>
 #include <set>
 
@@ -42,11 +44,7 @@ void setHeld(Dns& dns, const std::string& dn, bool isHeld) {
 
 Dns dnsIn(const AttributeValue& value) {
     Dns dns;
-    for (const Value& one : value.values) {
-        if (const auto* dn = std::get_if<std::string>(&one)) {
-            dns.push_back(*dn);
-        }
-    }
+    forEachReference(value, [&](const std::string& dn) { dns.push_back(dn); });
     return dns;
 }
 

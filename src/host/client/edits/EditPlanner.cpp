@@ -7,6 +7,7 @@
 #include "AssociationSides.h"
 #include "ClientState.h"
 #include "ObjectChanges.h"
+#include "References.h"
 #include "base/DnView.h"
 
 #include <algorithm>
@@ -97,23 +98,13 @@ private:
 
     void checkReferences(const std::string& dn, const std::string& attribute,
                          const AttributeValue& value) {
-        for (const Value& one : value.values) {
-            if (value.kind == ValueKind::Struct) {
-                const auto* members = std::get_if<StructValue>(&one);
-                for (const NamedValue& member :
-                     members != nullptr ? members->members : StructValue::Members()) {
-                    checkReferences(dn, attribute, member.second);
-                }
-                continue;
-            }
-            const auto* target =
-                value.kind == ValueKind::MoRef ? std::get_if<std::string>(&one) : nullptr;
-            if (target != nullptr && mObjects.isDeleted(*target)) {
+        forEachReference(value, [&](const std::string& target) {
+            if (mObjects.isDeleted(target)) {
                 mProblems.push_back(
                     {EditProblem::Kind::DeletedTarget, dn, attribute,
-                     dn + "." + attribute + " names " + *target + ", which the wish deletes"});
+                     dn + "." + attribute + " names " + target + ", which the wish deletes"});
             }
-        }
+        });
     }
 
     void refuseIfWrong() {

@@ -3,6 +3,7 @@
 
 #include "ObjectChanges.h"
 
+#include "References.h"
 #include "base/DnView.h"
 #include "client/DnResolver.h"
 #include "store/WriteCheck.h"
@@ -97,6 +98,7 @@ void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& cha
         }
         const auto [place, isNew] = change.attributes.insert(named);
         if (isNew || place->second != named.second) {
+            checkReferences(change, named);
             checkValue(change, named);
         }
         if (!isNew && place->second != named.second) {
@@ -105,6 +107,17 @@ void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& cha
                 object.dn + "." + named.first + " is wished with two different values");
         }
     }
+}
+
+// The component would write such a reference, but it would not be the one that was meant.
+void ObjectChanges::checkReferences(const ObjectChange& change, const NamedValue& named) {
+    forEachReference(named.second, [&](const std::string& target) {
+        const std::string problem = DnResolver(mState.model()).whyOtherRoot(target);
+        if (!problem.empty()) {
+            add(EditProblem::Kind::WrongValue, change.dn, named.first,
+                change.dn + "." + named.first + " names " + target + ": " + problem);
+        }
+    });
 }
 
 // What an attribute has already may be named, though no client could set it.

@@ -53,6 +53,7 @@ private:
     void readObject(const Edit& edit, const WishedObject& object);
     void checkExistence(const Edit& edit, const WishedObject& object, ObjectChange& change);
     void readAttributes(const WishedObject& object, ObjectChange& change);
+    void checkReferences(const ObjectChange& change, const NamedValue& named);
     void checkValue(const ObjectChange& change, const NamedValue& named);
     void findWhatGoes(const std::string& dn);
     void checkParents();

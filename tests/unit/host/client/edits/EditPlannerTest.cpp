@@ -3,6 +3,7 @@
 
 #include "client/edits/EditPlanner.h"
 
+#include "MeIdTranslator.h"
 #include "model/building/ModelBuilder.h"
 
 #include <gmock/gmock.h>
@@ -242,6 +243,17 @@ TEST_F(EditPlannerTest, Problems_OfAllKinds_AreNamedInOneRefusal) {
             "there is no object Site=s,Unit=y to be set",
             "there is no object Site=s,Unit=z to be deleted",
             "Site=t is not in the subtree of Site=s, which the edit is about"));
+}
+
+TEST_F(EditPlannerTest, References_WithAnotherNameOfTheRoot_AreRefusedInEveryValue) {
+    Orv::MeIdTranslator::instance()->configure("east", "");
+    const std::string internal = "ManagedElement=1,Mast=m";
+    const std::vector<std::string> found = problems(
+        edit(EditKind::Merge, kUnit, {{"mast", refs({internal})}, {"near", refs({internal})}}));
+    Orv::MeIdTranslator::instance()->configure("", "");
+    const std::string why = " names ManagedElement=1,Mast=m: ManagedElement=1 is not known; "
+                            "clients know it as ManagedElement=east";
+    EXPECT_THAT(found, ElementsAre("Site=s,Unit=u.mast" + why, "Site=s,Unit=u.near" + why));
 }
 
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
