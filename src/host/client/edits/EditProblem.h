@@ -20,7 +20,7 @@ struct EditProblem {
         AlreadyThere,    ///< to be created, but it exists
         NotThere,        ///< to be set or deleted, but it does not exist
         NoSuchAttribute, ///< the class has no such attribute
-        WrongValue,      ///< the values cannot be set, or must not be taken away
+        WrongValue,      ///< the name or the values cannot be set, or must not be taken away
         Contradiction,   ///< two parts of the wish want different things
         DeletedTarget    ///< a reference to what the wish deletes
     };

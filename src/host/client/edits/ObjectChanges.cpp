@@ -84,8 +84,19 @@ void ObjectChanges::checkExistence(const Edit& edit, const WishedObject& object,
         mSet.insert(object.dn);
         return;
     }
+    if (!exists && !change.isCreated) {
+        checkName(object.dn, *change.moc);
+    }
     change.isCreated = !exists;
     change.isReplaced = change.isReplaced || (edit.kind == EditKind::Replace && exists);
+}
+
+void ObjectChanges::checkName(const std::string& dn, const ClassDef& moc) {
+    try {
+        WriteCheck::name(moc, std::string(DnView(dn).last().value()));
+    } catch (const HostError& error) {
+        add(EditProblem::Kind::WrongValue, dn, {}, dn + ": " + error.what());
+    }
 }
 
 void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& change) {

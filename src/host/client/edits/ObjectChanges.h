@@ -52,6 +52,7 @@ private:
     void readObjects(const Edit& edit);
     void readObject(const Edit& edit, const WishedObject& object);
     void checkExistence(const Edit& edit, const WishedObject& object, ObjectChange& change);
+    void checkName(const std::string& dn, const ClassDef& moc);
     void readAttributes(const WishedObject& object, ObjectChange& change);
     void checkReferences(const ObjectChange& change, const NamedValue& named);
     void checkValue(const ObjectChange& change, const NamedValue& named);

@@ -22,6 +22,7 @@ constexpr const char* kSite = "Site=s";
 constexpr const char* kMast = "Site=s,Mast=m";
 constexpr const char* kOther = "Site=s,Mast=n";
 constexpr const char* kUnit = "Site=s,Unit=u";
+constexpr const char* kMissing = "Site=s,Unit=x";
 
 AttributeValue text(const std::string& value) {
     return {ValueKind::String, {Value(value)}};
@@ -77,8 +78,13 @@ protected:
     static Model makeModel() {
         return ModelBuilder()
             .add(ClassDraft("Site").topLevel().key("siteId"))
-            .add(ClassDraft("Mast").key("mastId").attribute(
-                AttributeDraft::reference("units", {"Unit"}).many()))
+            .add(ClassDraft("Mast")
+                     .attribute(AttributeDraft::text("mastId").naming().checkedBy(
+                         [](const std::string& name) {
+                             return name == "M" ? std::string("it is reserved") : std::string();
+                         }))
+                     .attribute(AttributeDraft::reference("units", {"Unit"}).many())
+                     .attribute(AttributeDraft::reference("owns", {"Unit"}).many()))
             .add(ClassDraft("Unit")
                      .key("unitId")
                      .attribute(AttributeDraft::text("label"))
@@ -86,11 +92,13 @@ protected:
                      .attribute(AttributeDraft::text("need").mandatory())
                      .attribute(AttributeDraft::text("mode").defaultsTo(std::string("auto")))
                      .attribute(AttributeDraft::reference("mast", {"Mast"}))
-                     .attribute(AttributeDraft::reference("near", {"Mast"})))
+                     .attribute(AttributeDraft::reference("near", {"Mast"}))
+                     .attribute(AttributeDraft::reference("owners", {"Mast"}).many().readOnly()))
             .contain("Site", "Mast")
             .contain("Site", "Unit")
             .contain("Unit", "Unit")
             .biDir(ReferenceDraft("Unit", "mast"), ReferenceDraft("Mast", "units"))
+            .biDir(ReferenceDraft("Mast", "owns").keepAtDelete(), ReferenceDraft("Unit", "owners"))
             .uniDir(ReferenceDraft("Unit", "near"), {"Mast"})
             .build();
     }
@@ -254,6 +262,13 @@ TEST_F(EditPlannerTest, References_WithAnotherNameOfTheRoot_AreRefusedInEveryVal
     const std::string why = " names ManagedElement=1,Mast=m: ManagedElement=1 is not known; "
                             "clients know it as ManagedElement=east";
     EXPECT_THAT(found, ElementsAre("Site=s,Unit=u.mast" + why, "Site=s,Unit=u.near" + why));
+}
+
+TEST_F(EditPlannerTest, Create_WithANameThatTheModelForbids_IsRefused) {
+    const std::string mast = "Site=s,Mast=M";
+    EXPECT_THAT(
+        problems({{{EditKind::Merge, mast, {{mast, {}}}}, {EditKind::Delete, kUnit, {}}}}),
+        ElementsAre("Site=s,Mast=M: 'M' cannot name an object of class 'Mast': it is reserved"));
 }
 
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
