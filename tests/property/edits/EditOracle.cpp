@@ -89,7 +89,7 @@ private:
             problem(Kind::AlreadyThere, wished.dn);
         }
         Object& object = mObjects[wished.dn];
-        object.isReplaced |= kind == EditKind::Replace && wasThere(wished.dn);
+        object.isReplaced |= kind == EditKind::Replace;
         object.isSetOnly &= kind == EditKind::Set;
         for (const NamedValue& named : wished.attributes) {
             if (classOf(wished.dn).findAttribute(named.first) == nullptr) {
@@ -238,6 +238,9 @@ private:
             return object->second.isReplaced ? Said::Nothing : Said::Left;
         }
         Dns wished = dnsOf(named->second);
+        if (wished.empty() && !wasThere(dn) && mWish.repeated == Wish::Repeated::IsNoEdit) {
+            return object->second.isReplaced ? Said::Nothing : Said::Left;
+        }
         Dns present = dnsOf(valueBefore(dn, name));
         std::sort(wished.begin(), wished.end());
         std::sort(present.begin(), present.end());

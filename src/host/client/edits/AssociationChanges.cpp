@@ -122,6 +122,11 @@ AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
     if (named == change->attributes.end()) {
         return change->isReplaced ? Standing::Silent : Standing::Open;
     }
+    // A new object has no values that could be repeated, so naming none is not naming.
+    if (named->second.values.empty() && mRepeated == Wish::Repeated::IsNoEdit &&
+        change->isCreated) {
+        return change->isReplaced ? Standing::Silent : Standing::Open;
+    }
     const bool isRepeated = mRepeated == Wish::Repeated::IsNoEdit &&
                             sorted(dnsIn(named->second)) == sorted(before(slot));
     return isRepeated ? Standing::Open : Standing::Named;

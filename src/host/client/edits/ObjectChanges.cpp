@@ -88,7 +88,7 @@ void ObjectChanges::checkExistence(const Edit& edit, const WishedObject& object,
         checkName(object.dn, *change.moc);
     }
     change.isCreated = !exists;
-    change.isReplaced = change.isReplaced || (edit.kind == EditKind::Replace && exists);
+    change.isReplaced = change.isReplaced || edit.kind == EditKind::Replace;
 }
 
 void ObjectChanges::checkName(const std::string& dn, const ClassDef& moc) {

@@ -271,6 +271,19 @@ TEST_F(EditPlannerTest, Create_WithANameThatTheModelForbids_IsRefused) {
         ElementsAre("Site=s,Mast=M: 'M' cannot name an object of class 'Mast': it is reserved"));
 }
 
+TEST_F(EditPlannerTest, State_WithANewObjectThatWasReferredTo_TakesTheUnnamedPairApart) {
+    mState.objects = {{kSite, {}}, {kMast, {{"units", refs({kMissing})}}}};
+    EXPECT_THAT(plan(wishedState(kSite, {{kSite, {}}, {kMast, {}}, {kMissing, {}}})),
+                ElementsAre("create Site=s,Unit=x", "set Site=s,Mast=m units=[]"));
+}
+
+TEST_F(EditPlannerTest, State_WithANewObjectThatNamesNoneOfThem_TakesThePairApart) {
+    mState.objects = {{kSite, {}}, {kMast, {{"units", refs({kMissing})}}}};
+    Wish wish = wishedState(kSite, {{kSite, {}}, {kMast, {}}, {kMissing, {{"mast", refs({})}}}});
+    wish.repeated = Wish::Repeated::IsNoEdit;
+    EXPECT_THAT(plan(wish), ElementsAre("create Site=s,Unit=x", "set Site=s,Mast=m units=[]"));
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
