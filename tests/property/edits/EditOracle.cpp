@@ -248,6 +248,20 @@ private:
         return isRepeated ? Said::Left : Said::Value;
     }
 
+    // What an object says of its pair with another one.
+    Said said(const std::string& dn, const std::string& name, const std::string& target) const {
+        const Said all = said(dn, name);
+        const bool isRevived =
+            all == Said::Left && !wasThere(target) && isNamed(dn, name) && names(dn, name, target);
+        return isRevived ? Said::Value : all;
+    }
+
+    bool isNamed(const std::string& dn, const std::string& name) const {
+        const auto object = mObjects.find(dn);
+        return object != mObjects.end() && object->second.attributes.count(name) != 0 &&
+               object->second.contradicted.count(name) == 0;
+    }
+
     bool names(const std::string& dn, const std::string& name, const std::string& target) const {
         const Dns dns = dnsOf(mObjects.at(dn).attributes.at(name));
         return std::find(dns.begin(), dns.end(), target) != dns.end();
@@ -304,8 +318,8 @@ private:
 
     bool isPair(const std::string& x, const std::string& xName, const std::string& y,
                 const std::string& yName) {
-        const Said ofX = said(x, xName);
-        const Said ofY = said(y, yName);
+        const Said ofX = said(x, xName, y);
+        const Said ofY = said(y, yName, x);
         if (ofX == Said::Value && ofY == Said::Value) {
             const bool forth = names(x, xName, y);
             const bool back = names(y, yName, x);

@@ -23,12 +23,15 @@ bool holds(const Dns& dns, const std::string& dn) {
     return std::find(dns.begin(), dns.end(), dn) != dns.end();
 }
 
-// DNs that "keeps" still names although the object is gone. They are not used again: what a plan
-// cannot know of them is told in its contract.
-bool isRemembered(const State& state, const std::string& dn) {
-    return std::any_of(state.begin(), state.end(), [&](const auto& object) {
-        return holds(refsIn(state, object.first, "keeps"), dn);
-    });
+// The objects whose "keeps" names a DN, also if there is no such object any more.
+Dns keepersOf(const State& state, const std::string& dn) {
+    Dns keepers;
+    for (const auto& [keeper, attributes] : state) {
+        if (holds(refsIn(state, keeper, "keeps"), dn)) {
+            keepers.push_back(keeper);
+        }
+    }
+    return keepers;
 }
 
 }
@@ -101,6 +104,9 @@ MadeWish WishMaker::make() {
     if (mHasMoved) {
         made.traits.insert("move");
     }
+    if (mHasRevived) {
+        made.traits.insert("a kept reference finds a new object");
+    }
     if (oneIn(5)) {
         addStale(made);
     }
@@ -143,17 +149,42 @@ void WishMaker::createObject() {
         return;
     }
     const ClassDef& child = mModel.classes[pick(moc.children)];
-    const std::string dn = parent + "," + child.name + "=" + pick(names());
-    if (mTarget.count(dn) != 0 || isRemembered(mBefore, dn)) {
+    std::string dn = parent + "," + child.name + "=" + pick(names());
+    const Dns missing = keptButMissing();
+    if (!missing.empty() && oneIn(2)) {
+        dn = pick(missing);
+    }
+    if (mTarget.count(dn) != 0) {
         return;
     }
     auto& attributes = mTarget[dn];
-    if (child.name == "Unit") {
+    if (classNameOf(dn) == "Unit") {
         attributes["need"] = text("n" + std::to_string(below(3)));
+    }
+    for (const std::string& keeper : keepersOf(mTarget, dn)) {
+        mHasRevived = true;
+        if (oneIn(3)) {
+            erase(keeper, "keeps", dn);
+        } else {
+            insert(dn, "keptBy", keeper);
+        }
     }
     for (std::size_t links = below(4); links > 0; --links) {
         moveLink();
     }
+}
+
+// DNs in "keeps" at which there is no object, but could be one.
+Dns WishMaker::keptButMissing() {
+    Dns missing;
+    for (const auto& [keeper, attributes] : mTarget) {
+        for (const std::string& dn : refsIn(mTarget, keeper, "keeps")) {
+            if (mTarget.count(dn) == 0 && mTarget.count(parentDnOf(dn)) != 0) {
+                missing.push_back(dn);
+            }
+        }
+    }
+    return missing;
 }
 
 void WishMaker::deleteObject() {
@@ -284,12 +315,21 @@ bool WishMaker::isNamed(const std::string& className, const std::string& name, S
     return true;
 }
 
+// No plan can know of references to a new object if the wish names neither them nor the references
+// back, and its subtree is not replaced.
+bool WishMaker::mustName(const std::string& dn, const std::string& name) {
+    const Dns kept = name == "keeps" && mAreEdits ? refsIn(mBefore, dn, name) : Dns();
+    return std::any_of(kept.begin(), kept.end(), [&](const std::string& target) {
+        return mBefore.count(target) == 0 && mTarget.count(target) != 0;
+    });
+}
+
 WishedObject WishMaker::wished(const std::string& dn, Sides sides) {
     WishedObject object{dn, {}};
     for (const auto& [name, value] : mTarget.at(dn)) {
         const bool isThereAfter =
             value.kind != ValueKind::MoRef || !value.values.empty() || oneIn(3);
-        if (isThereAfter && isNamed(classNameOf(dn), name, sides)) {
+        if ((isThereAfter && isNamed(classNameOf(dn), name, sides)) || mustName(dn, name)) {
             AttributeValue kept = value;
             if (value.kind == ValueKind::MoRef) {
                 kept = refs(presentOnly(dnsOf(value)));
@@ -303,7 +343,7 @@ WishedObject WishMaker::wished(const std::string& dn, Sides sides) {
 void WishMaker::wishState(MadeWish& made) {
     const Sides sides = static_cast<Sides>(below(4));
     const Dns areas = objectsOf(mTarget, "Area");
-    const std::string top = areas.empty() || oneIn(2) ? kRoot : pick(areas);
+    const std::string top = areas.empty() || mHasRevived || oneIn(2) ? kRoot : pick(areas);
     std::vector<WishedObject> objects;
     for (const auto& [dn, attributes] : mTarget) {
         if (isBelowOrSame(dn, top)) {
@@ -322,6 +362,7 @@ void WishMaker::wishState(MadeWish& made) {
 void WishMaker::wishEdits(MadeWish& made) {
     const Sides sides = static_cast<Sides>(below(4));
     made.traits.insert("edits");
+    mAreEdits = true;
     made.traits.insert(sides == Sides::Both ? "both sides named" : "one side named");
     std::vector<Edit>& edits = made.wish.edits;
     for (const auto& [dn, attributes] : mBefore) {
@@ -349,17 +390,16 @@ void WishMaker::wishEdits(MadeWish& made) {
             made.traits.insert("replace");
             continue;
         }
-        object.attributes.erase(std::remove_if(object.attributes.begin(), object.attributes.end(),
-                                               [&](const NamedValue& named) {
-                                                   const auto old =
-                                                       before->second.find(named.first);
-                                                   const bool isSame =
-                                                       old == before->second.end()
-                                                           ? named.second.values.empty()
-                                                           : old->second == named.second;
-                                                   return isSame && !oneIn(8);
-                                               }),
-                                object.attributes.end());
+        object.attributes.erase(
+            std::remove_if(object.attributes.begin(), object.attributes.end(),
+                           [&](const NamedValue& named) {
+                               const auto old = before->second.find(named.first);
+                               const bool isSame = old == before->second.end()
+                                                       ? named.second.values.empty()
+                                                       : old->second == named.second;
+                               return isSame && !oneIn(8) && !mustName(dn, named.first);
+                           }),
+            object.attributes.end());
         if (!object.attributes.empty()) {
             edits.push_back({oneIn(2) ? EditKind::Set : EditKind::Merge, dn, {object}});
             made.traits.insert("set");

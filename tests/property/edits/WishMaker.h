@@ -58,6 +58,7 @@ private:
     std::string newDn();
     void change();
     void createObject();
+    Dns keptButMissing();
     void deleteObject();
     void moveLink();
     void changeValue();
@@ -68,6 +69,7 @@ private:
     void erase(const std::string& dn, const std::string& name, const std::string& target);
 
     bool isNamed(const std::string& className, const std::string& name, Sides sides);
+    bool mustName(const std::string& dn, const std::string& name);
     WishedObject wished(const std::string& dn, Sides sides);
     void wishState(MadeWish& made);
     void wishEdits(MadeWish& made);
@@ -78,7 +80,9 @@ private:
     const Model& mModel;
     const State& mBefore;
     State mTarget;
-    bool mHasMoved = false; ///< a reference that may have one value got another one
+    bool mHasMoved = false;   ///< a reference that may have one value got another one
+    bool mHasRevived = false; ///< an object was created that a reference named already
+    bool mAreEdits = false;   ///< the wish is a list of edits
     std::mt19937_64 mEngine;
 };
 

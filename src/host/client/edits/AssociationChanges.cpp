@@ -75,6 +75,9 @@ AssociationChanges::AssociationChanges(const AssociationSides& sides, const Obje
     for (const Slot& slot : named) {
         decideNamed(slot);
     }
+    for (const auto& [slot, target] : mRevived) {
+        decideRevived(slot, target);
+    }
 }
 
 void AssociationChanges::collect() {
@@ -91,7 +94,23 @@ void AssociationChanges::collect() {
                 enter(slot, standing, values);
             } else if (standing == Standing::Silent && !before(slot).empty()) {
                 enter(slot, standing, before(slot));
+            } else if (standing == Standing::Open) {
+                collectRevived(slot, change);
             }
+        }
+    }
+}
+
+// A value that the wish repeats is new for an object that it refers to and that the wish creates.
+void AssociationChanges::collectRevived(const Slot& slot, const ObjectChange& change) {
+    const auto named = change.attributes.find(slot.second);
+    if (named == change.attributes.end() || change.contradicted.count(slot.second) != 0) {
+        return;
+    }
+    for (const std::string& target : dnsIn(named->second)) {
+        const ObjectChange* far = mObjects.find(target);
+        if (far != nullptr && far->isCreated && sideTo(slot, target) != nullptr) {
+            mRevived.emplace(slot, target);
         }
     }
 }
@@ -210,7 +229,12 @@ void AssociationChanges::decideNamed(const Slot& slot) {
     }
 }
 
-// near is named.
+void AssociationChanges::decideRevived(const Slot& slot, const std::string& target) {
+    setHeld(future(slot).wished, target, true);
+    decidePair(slot, Slot(target, sideTo(slot, target)->farAttribute), true);
+}
+
+// The wish says of near whether the pair is associated.
 void AssociationChanges::decidePair(const Slot& near, const Slot& far, bool isWished) {
     if (standingOf(far) != Standing::Named) {
         setHeld(future(far).wished, near.first, isWished);

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,6 +50,7 @@ private:
     };
 
     void collect();
+    void collectRevived(const Slot& slot, const ObjectChange& change);
     void enter(const Slot& slot, Standing standing, Dns values);
     Future& future(const Slot& slot);
     Standing standingOf(const Slot& slot);
@@ -61,6 +63,7 @@ private:
     void checkNamed(const Slot& slot, const Dns& values);
     void decideNamed(const Slot& slot);
     void decidePair(const Slot& near, const Slot& far, bool isWished);
+    void decideRevived(const Slot& slot, const std::string& target);
     void decideSilent(const Slot& slot);
 
     void write(const Slot& slot, Future& future);
@@ -74,6 +77,8 @@ private:
     Wish::Repeated mRepeated;
     std::vector<EditProblem>& mProblems;
     std::map<Slot, Future> mFutures;
+    /// References of slots that are not Named, to objects that the wish creates: they are wished.
+    std::set<std::pair<Slot, std::string>> mRevived;
     std::vector<PlannedCall> mCalls;
 };
 

@@ -45,8 +45,10 @@ struct Wish {
     /// What it means if a side of a bidirectional association is named with the values that it has
     /// already.
     enum class Repeated {
-        IsNoEdit, ///< the same as not naming it: it follows the other side
-        IsWished  ///< it must come out so; if the other side wants something else, that contradicts
+        /// The same as not naming it: it follows the other side. Only what it says of objects that
+        /// the wish creates counts.
+        IsNoEdit,
+        IsWished ///< it must come out so; if the other side wants something else, that contradicts
     };
 
     std::vector<Edit> edits;

@@ -284,6 +284,27 @@ TEST_F(EditPlannerTest, State_WithANewObjectThatNamesNoneOfThem_TakesThePairApar
     EXPECT_THAT(plan(wish), ElementsAre("create Site=s,Unit=x", "set Site=s,Mast=m units=[]"));
 }
 
+TEST_F(EditPlannerTest, Repeated_AReferenceToAnObjectThatIsCreated_AssociatesIt) {
+    mState.objects[kMast]["units"] = refs({kUnit, kMissing});
+    Wish wish{{{EditKind::Merge, kMast, {{kMast, {{"units", refs({kUnit, kMissing})}}}}},
+               {EditKind::Create, kMissing, {{kMissing, {}}}}}};
+    const std::vector<std::string> expected{
+        "create Site=s,Unit=x", "set Site=s,Unit=x mast=[Site=s,Mast=m]",
+        "set Site=s,Mast=m units=[Site=s,Unit=u Site=s,Unit=x]"};
+    EXPECT_EQ(plan(wish), expected);
+    // What is repeated for the other objects still follows.
+    wish.edits.push_back({EditKind::Set, kUnit, {{kUnit, {{"mast", refs({kOther})}}}}});
+    EXPECT_THAT(plan(wish), testing::Contains("set Site=s,Unit=u mast=[Site=s,Mast=n]"));
+}
+
+TEST_F(EditPlannerTest, Repeated_AReferenceToAnObjectThatIsCreatedWithoutIt_Contradicts) {
+    mState.objects[kMast]["units"] = refs({kUnit, kMissing});
+    const Wish wish{{{EditKind::Merge, kMast, {{kMast, {{"units", refs({kUnit, kMissing})}}}}},
+                     {EditKind::Create, kMissing, {{kMissing, {{"mast", refs({kOther})}}}}}}};
+    EXPECT_THAT(problems(wish),
+                ElementsAre(HasSubstr("Site=s,Mast=m.units names Site=s,Unit=x, but")));
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
