@@ -138,13 +138,16 @@ AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
         return Standing::Open;
     }
     const auto named = change->attributes.find(slot.second);
+    const bool isTakenAway =
+        change->isReplaced && change->moc->findAttribute(slot.second)->isWritable;
+    const Standing unnamed = isTakenAway ? Standing::Silent : Standing::Open;
     if (named == change->attributes.end()) {
-        return change->isReplaced ? Standing::Silent : Standing::Open;
+        return unnamed;
     }
     // A new object has no values that could be repeated, so naming none is not naming.
     if (named->second.values.empty() && mRepeated == Wish::Repeated::IsNoEdit &&
         change->isCreated) {
-        return change->isReplaced ? Standing::Silent : Standing::Open;
+        return unnamed;
     }
     const bool isRepeated = mRepeated == Wish::Repeated::IsNoEdit &&
                             sorted(dnsIn(named->second)) == sorted(before(slot));

@@ -34,7 +34,8 @@ namespace OrvHost {
 /// - both sides are named: they must agree, or the wish is refused. See Wish::Repeated for a side
 ///   that only repeats what it has;
 /// - no side is named: nothing changes ("an unnamed back-pointer is left alone"). Only if both
-///   objects stand in replaced subtrees, which then name the pair nowhere, it is taken apart.
+///   objects stand in replaced subtrees, which then name the pair nowhere, it is taken apart; not
+///   if one of the sides is an attribute that only the system sets.
 ///
 /// All objects exist before the first reference is written. If both sides are named, that of the
 /// end which the model defines first is written, and the other one only to bring it into the wished

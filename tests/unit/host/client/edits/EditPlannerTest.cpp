@@ -305,6 +305,15 @@ TEST_F(EditPlannerTest, Repeated_AReferenceToAnObjectThatIsCreatedWithoutIt_Cont
                 ElementsAre(HasSubstr("Site=s,Mast=m.units names Site=s,Unit=x, but")));
 }
 
+TEST_F(EditPlannerTest, Replace_ReferencesThatOnlyTheSystemSets_AreLeftAlone) {
+    mState.objects = {{kSite, {}},
+                      {kMast, {{"owns", refs({kUnit})}}},
+                      {kUnit, {{"owners", refs({kMast, "Site=s,Mast=gone"})}}}};
+    EXPECT_THAT(plan(wishedState(kSite, {{kSite, {}}, {kMast, {}}, {kUnit, {}}})), IsEmpty());
+    EXPECT_THAT(plan(edit(EditKind::Merge, kMast, {{"owns", refs({})}})),
+                ElementsAre("set Site=s,Mast=m owns=[]"));
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
