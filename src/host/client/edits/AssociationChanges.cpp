@@ -34,12 +34,15 @@ void removeFirst(Dns& dns, const std::string& dn) {
     }
 }
 
+// Once, at its first place, or not at all.
 void setHeld(Dns& dns, const std::string& dn, bool isHeld) {
-    if (!isHeld) {
-        dns.erase(std::remove(dns.begin(), dns.end(), dn), dns.end());
-    } else if (!holds(dns, dn)) {
+    auto keep = isHeld ? std::find(dns.begin(), dns.end(), dn) : dns.end();
+    if (isHeld && keep == dns.end()) {
         dns.push_back(dn);
+        return;
     }
+    const auto after = keep == dns.end() ? dns.begin() : keep + 1;
+    dns.erase(std::remove(after, dns.end(), dn), dns.end());
 }
 
 Dns dnsIn(const AttributeValue& value) {

@@ -314,6 +314,21 @@ TEST_F(EditPlannerTest, Replace_ReferencesThatOnlyTheSystemSets_AreLeftAlone) {
                 ElementsAre("set Site=s,Mast=m owns=[]"));
 }
 
+TEST_F(EditPlannerTest, Merge_ANamedPairWithTwoReferencesBack_LeavesOne) {
+    mState.objects[kMast]["units"] = refs({kUnit, kUnit});
+    Wish wish = edit(EditKind::Merge, kUnit, {{"mast", refs({kMast})}});
+    wish.repeated = Wish::Repeated::IsWished;
+    EXPECT_THAT(plan(wish), ElementsAre("set Site=s,Mast=m units=[Site=s,Unit=u]"));
+}
+
+TEST_F(EditPlannerTest, Merge_ANamedSideWhoseFarSideStandsTwice_LeavesOne) {
+    mState.objects[kMast]["units"] = refs({});
+    mState.objects[kUnit]["mast"] = refs({kMast, kMast});
+    EXPECT_THAT(plan(edit(EditKind::Merge, kMast, {{"units", refs({kUnit})}})),
+                ElementsAre("set Site=s,Mast=m units=[Site=s,Unit=u]",
+                            "set Site=s,Unit=u mast=[Site=s,Mast=m]"));
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
