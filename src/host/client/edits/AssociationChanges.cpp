@@ -14,9 +14,10 @@ namespace {
 
 using Dns = std::vector<std::string>;
 
-// Each round mends what the one before has moved; a second one is needed only where a reference
-// lacked its far side before.
-constexpr int kMostRounds = 8;
+// Each round mends what the one before has moved: first what the named sides have moved, then what
+// that has added once more where a reference lacked its far side before. One more than was ever
+// needed.
+constexpr int kMostRounds = 4;
 
 bool holds(const Dns& dns, const std::string& dn) {
     return std::find(dns.begin(), dns.end(), dn) != dns.end();
@@ -141,8 +142,7 @@ AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
         return Standing::Open;
     }
     const auto named = change->attributes.find(slot.second);
-    const bool isTakenAway =
-        change->isReplaced && change->moc->findAttribute(slot.second)->isWritable;
+    const bool isTakenAway = change->isReplaced && isWritable(slot);
     const Standing unnamed = isTakenAway ? Standing::Silent : Standing::Open;
     if (named == change->attributes.end()) {
         return unnamed;
@@ -196,6 +196,10 @@ bool AssociationChanges::isFirst(const Slot& slot) {
     const auto& sides = mSides.of(mState.indexOf(*moc), slot.second);
     return std::any_of(sides.begin(), sides.end(),
                        [](const AssociationSide& side) { return side.isFirst; });
+}
+
+bool AssociationChanges::isWritable(const Slot& slot) {
+    return mState.classOf(slot.first)->findAttribute(slot.second)->isWritable;
 }
 
 const AssociationSide* AssociationChanges::sideTo(const Slot& slot, const std::string& target) {
@@ -272,28 +276,41 @@ void AssociationChanges::decideSilent(const Slot& slot) {
 }
 
 std::vector<PlannedCall> AssociationChanges::calls() {
-    const auto isNamedFirst = [](const Future& each) {
+    const auto isNamedFirst = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named && each.isFirst &&
                sorted(each.current) != sorted(each.wished);
     };
-    const auto isNamed = [](const Future& each) {
+    const auto isNamed = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named && sorted(each.current) != sorted(each.wished);
     };
-    const auto isOff = [](const Future& each) {
+    const auto isOff = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named ? each.current != each.wished
                                                 : sorted(each.current) != sorted(each.wished);
     };
     writeAll(isNamedFirst);
     writeAll(isNamed);
-    for (int round = 0; round < kMostRounds && writeAll(isOff); ++round) {
+    const auto isOffAndWritable = [&](const Slot& slot, const Future& each) {
+        return isOff(slot, each) && isWritable(slot);
+    };
+    for (int round = 0; round < kMostRounds && writeAll(isOffAndWritable); ++round) {
     }
+    requireNone(isOff);
     return std::move(mCalls);
+}
+
+void AssociationChanges::requireNone(const Which& isOff) const {
+    for (const auto& [slot, future] : mFutures) {
+        if (isOff(slot, future)) {
+            throw RequestError("no plan was found that brings " + textOf(slot.first, slot.second) +
+                               " to the wished references; nothing was written");
+        }
+    }
 }
 
 bool AssociationChanges::writeAll(const Which& which) {
     bool hasWritten = false;
     for (auto& [slot, future] : mFutures) {
-        if (which(future)) {
+        if (which(slot, future)) {
             write(slot, future);
             hasWritten = true;
         }

@@ -26,7 +26,9 @@ public:
                        KnownState& state, Wish::Repeated repeated,
                        std::vector<EditProblem>& problems);
 
-    /// The writes, one attribute each, in the state after all other calls of the plan.
+    /// The writes, one attribute each, in the state after all other calls of the plan. Throws
+    /// RequestError if none lead to the wished references, for example because only the system may
+    /// set an attribute that lacks one.
     std::vector<PlannedCall> calls();
 
 private:
@@ -58,6 +60,7 @@ private:
     Dns afterDeletes(const Slot& slot);
     std::size_t cleanedBy(const Slot& slot, const std::string& target);
     bool isFirst(const Slot& slot);
+    bool isWritable(const Slot& slot);
     const AssociationSide* sideTo(const Slot& slot, const std::string& target);
 
     void checkNamed(const Slot& slot, const Dns& values);
@@ -68,8 +71,9 @@ private:
 
     void write(const Slot& slot, Future& future);
     void moveFarSides(const Slot& slot, const Dns& from, const Dns& to);
-    using Which = std::function<bool(const Future& future)>;
+    using Which = std::function<bool(const Slot& slot, const Future& future)>;
     bool writeAll(const Which& which);
+    void requireNone(const Which& isOff) const;
 
     const AssociationSides& mSides;
     const ObjectChanges& mObjects;

@@ -57,7 +57,8 @@ public:
     explicit EditPlanner(const Model& model, const CancellationToken* token = nullptr)
         : mModel(model), mToken(token) {}
 
-    /// Throws EditRefusedError, CancelledError, and what \p before throws.
+    /// Throws EditRefusedError, CancelledError, what \p before throws, and RequestError if no calls
+    /// bring an association into the wished state.
     EditPlan plan(const Wish& wish, StateBefore& before) const;
 
 private:

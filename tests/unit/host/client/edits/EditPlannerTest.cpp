@@ -329,6 +329,19 @@ TEST_F(EditPlannerTest, Merge_ANamedSideWhoseFarSideStandsTwice_LeavesOne) {
                             "set Site=s,Unit=u mast=[Site=s,Mast=m]"));
 }
 
+TEST_F(EditPlannerTest, Plan_ThatCannotBeFinished_IsAnErrorThatNamesTheAttribute) {
+    mState.objects[kMast]["owns"] = refs({kUnit});
+    mState.objects[kUnit]["owners"] = refs({kMast, kMast});
+    Wish wish = edit(EditKind::Merge, kMast, {{"owns", refs({kUnit})}});
+    wish.repeated = Wish::Repeated::IsWished;
+    try {
+        plan(wish);
+        FAIL() << "a plan was made";
+    } catch (const RequestError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("Site=s,Unit=u.owners"));
+    }
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
