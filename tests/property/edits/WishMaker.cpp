@@ -91,6 +91,16 @@ Dns WishMaker::presentOnly(Dns dns) const {
     return dns;
 }
 
+// What a reference that waits for its object names may be missing, but not deleted by the wish.
+Dns WishMaker::notDeleted(Dns dns) const {
+    dns.erase(std::remove_if(dns.begin(), dns.end(),
+                             [&](const std::string& dn) {
+                                 return mTarget.count(dn) == 0 && mBefore.count(dn) != 0;
+                             }),
+              dns.end());
+    return dns;
+}
+
 MadeWish WishMaker::make() {
     for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
         change();
@@ -332,7 +342,7 @@ WishedObject WishMaker::wished(const std::string& dn, Sides sides) {
         if ((isThereAfter && isNamed(classNameOf(dn), name, sides)) || mustName(dn, name)) {
             AttributeValue kept = value;
             if (value.kind == ValueKind::MoRef) {
-                kept = refs(presentOnly(dnsOf(value)));
+                kept = refs(name == "keeps" ? notDeleted(dnsOf(value)) : presentOnly(dnsOf(value)));
             }
             object.attributes.emplace_back(name, kept);
         }

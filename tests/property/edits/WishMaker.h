@@ -53,6 +53,7 @@ private:
     void shuffle(List& list);
 
     Dns presentOnly(Dns dns) const;
+    Dns notDeleted(Dns dns) const;
     Dns objectsOf(const State& state, const std::string& className) const;
     std::string anyObject(const State& state);
     std::string newDn();
