@@ -10,13 +10,19 @@ namespace OrvHost {
 
 KnownState::Object& KnownState::object(const std::string& dn) {
     const auto [place, isNew] = mObjects.try_emplace(dn);
+    // Iterators do not outlive the entries of the parents, which findClass adds; references do.
+    Object& known = place->second;
     if (isNew) {
-        if (mToken != nullptr) {
-            mToken->throwIfCancelled();
-        }
-        place->second.moc = findClass(dn);
+        throwIfCancelled();
+        known.moc = findClass(dn);
     }
-    return place->second;
+    return known;
+}
+
+void KnownState::throwIfCancelled() const {
+    if (mToken != nullptr) {
+        mToken->throwIfCancelled();
+    }
 }
 
 // Objects of one wish share most of their DNs, so the class of the parent is known already.

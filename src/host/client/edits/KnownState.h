@@ -24,6 +24,9 @@ public:
 
     const Model& model() const { return mModel; }
 
+    /// Throws CancelledError. For work that asks for no further object.
+    void throwIfCancelled() const;
+
     /// The class that an external DN leads to, or null.
     const ClassDef* classOf(const std::string& dn);
     ClassIndex indexOf(const ClassDef& moc) const {
