@@ -19,40 +19,14 @@ using Dns = std::vector<std::string>;
 // needed.
 constexpr int kMostRounds = 4;
 
-bool holds(const Dns& dns, const std::string& dn) {
-    return std::find(dns.begin(), dns.end(), dn) != dns.end();
-}
-
-Dns sorted(Dns dns) {
-    std::sort(dns.begin(), dns.end());
-    return dns;
-}
-
-void removeFirst(Dns& dns, const std::string& dn) {
-    const auto found = std::find(dns.begin(), dns.end(), dn);
-    if (found != dns.end()) {
-        dns.erase(found);
-    }
-}
-
-// Once, at its first place, or not at all.
-void setHeld(Dns& dns, const std::string& dn, bool isHeld) {
-    auto keep = isHeld ? std::find(dns.begin(), dns.end(), dn) : dns.end();
-    if (isHeld && keep == dns.end()) {
-        dns.push_back(dn);
-        return;
-    }
-    const auto after = keep == dns.end() ? dns.begin() : keep + 1;
-    dns.erase(std::remove(after, dns.end(), dn), dns.end());
-}
-
 Dns dnsIn(const AttributeValue& value) {
     Dns dns;
     forEachReference(value, [&](const std::string& dn) { dns.push_back(dn); });
     return dns;
 }
 
-AttributeValue referencesTo(const Dns& dns) {
+AttributeValue referencesTo(const ReferenceList& references) {
+    const Dns dns = references.dns();
     return {ValueKind::MoRef, std::vector<Value>(dns.begin(), dns.end())};
 }
 
@@ -95,8 +69,8 @@ void AssociationChanges::collect() {
             if (standing == Standing::Named) {
                 const Dns values = dnsIn(change.attributes.at(def.name));
                 checkNamed(slot, values);
-                enter(slot, standing, values);
-            } else if (standing == Standing::Silent && !before(slot).empty()) {
+                enter(slot, standing, ReferenceList(values));
+            } else if (standing == Standing::Silent && !before(slot).isEmpty()) {
                 enter(slot, standing, before(slot));
             } else if (standing == Standing::Open) {
                 collectRevived(slot, change);
@@ -119,7 +93,7 @@ void AssociationChanges::collectRevived(const Slot& slot, const ObjectChange& ch
     }
 }
 
-void AssociationChanges::enter(const Slot& slot, Standing standing, Dns values) {
+void AssociationChanges::enter(const Slot& slot, Standing standing, ReferenceList values) {
     mFutures[slot] = {standing, isFirst(slot), std::move(values), afterDeletes(slot)};
 }
 
@@ -128,15 +102,19 @@ AssociationChanges::Future& AssociationChanges::future(const Slot& slot) {
     if (found != mFutures.end()) {
         return found->second;
     }
-    enter(slot, Standing::Open, afterDeletes(slot));
+    enter(slot, standingOf(slot), afterDeletes(slot));
     return mFutures[slot];
 }
 
 AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
-    const auto known = mFutures.find(slot);
-    if (known != mFutures.end()) {
-        return known->second.standing;
+    const auto [known, isNew] = mStandings.try_emplace(slot, Standing::Open);
+    if (isNew) {
+        known->second = findStanding(slot);
     }
+    return known->second;
+}
+
+AssociationChanges::Standing AssociationChanges::findStanding(const Slot& slot) {
     const ObjectChange* change = mObjects.find(slot.first);
     if (change == nullptr || change->contradicted.count(slot.second) != 0) {
         return Standing::Open;
@@ -153,20 +131,24 @@ AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
         return unnamed;
     }
     const bool isRepeated = mRepeated == Wish::Repeated::IsNoEdit &&
-                            sorted(dnsIn(named->second)) == sorted(before(slot));
+                            before(slot).hasSameAs(ReferenceList(dnsIn(named->second)));
     return isRepeated ? Standing::Open : Standing::Named;
 }
 
-AssociationChanges::Dns AssociationChanges::before(const Slot& slot) {
-    return dnsIn(mState.value(slot.first, slot.second));
+const ReferenceList& AssociationChanges::before(const Slot& slot) {
+    const auto [known, isNew] = mBefore.try_emplace(slot);
+    if (isNew) {
+        known->second = ReferenceList(dnsIn(mState.value(slot.first, slot.second)));
+    }
+    return known->second;
 }
 
-AssociationChanges::Dns AssociationChanges::afterDeletes(const Slot& slot) {
-    const Dns values = before(slot);
-    Dns left = values;
+ReferenceList AssociationChanges::afterDeletes(const Slot& slot) {
+    ReferenceList left = before(slot);
+    const Dns values = left.dns();
     for (const std::string& target : std::set<std::string>(values.begin(), values.end())) {
         for (std::size_t count = cleanedBy(slot, target); count > 0; --count) {
-            removeFirst(left, target);
+            left.removeFirst(target);
         }
     }
     return left;
@@ -187,8 +169,7 @@ std::size_t AssociationChanges::cleanedBy(const Slot& slot, const std::string& t
     if (back == nullptr || back->isKeptAtDelete) {
         return 0;
     }
-    const Dns references = before(far);
-    return static_cast<std::size_t>(std::count(references.begin(), references.end(), slot.first));
+    return before(far).count(slot.first);
 }
 
 bool AssociationChanges::isFirst(const Slot& slot) {
@@ -212,12 +193,12 @@ const AssociationSide* AssociationChanges::sideTo(const Slot& slot, const std::s
 
 void AssociationChanges::checkNamed(const Slot& slot, const Dns& values) {
     const std::string name = textOf(slot.first, slot.second);
-    const Dns ordered = sorted(values);
-    for (auto twice = ordered.begin();
-         (twice = std::adjacent_find(twice, ordered.end())) != ordered.end();) {
-        mProblems.push_back({EditProblem::Kind::WrongValue, slot.first, slot.second,
-                             name + " names " + *twice + " more than once"});
-        twice = std::upper_bound(twice, ordered.end(), *twice);
+    const ReferenceList list(values);
+    for (const std::string& target : std::set<std::string>(values.begin(), values.end())) {
+        if (list.count(target) > 1) {
+            mProblems.push_back({EditProblem::Kind::WrongValue, slot.first, slot.second,
+                                 name + " names " + target + " more than once"});
+        }
     }
     for (const std::string& target : values) {
         if (mObjects.isDeleted(target)) {
@@ -228,29 +209,30 @@ void AssociationChanges::checkNamed(const Slot& slot, const Dns& values) {
 }
 
 void AssociationChanges::decideNamed(const Slot& slot) {
-    const Dns wished = mFutures[slot].wished;
-    Dns targets = before(slot);
-    targets.insert(targets.end(), wished.begin(), wished.end());
-    for (const std::string& target : targets) {
+    const ReferenceList wished = mFutures[slot].wished;
+    const Dns after = wished.dns();
+    Dns targets = before(slot).dns();
+    targets.insert(targets.end(), after.begin(), after.end());
+    for (const std::string& target : std::set<std::string>(targets.begin(), targets.end())) {
         const AssociationSide* side = sideTo(slot, target);
         if (side != nullptr && mObjects.existsAfter(target)) {
-            decidePair(slot, Slot(target, side->farAttribute), holds(wished, target));
+            decidePair(slot, Slot(target, side->farAttribute), wished.holds(target));
         }
     }
 }
 
 void AssociationChanges::decideRevived(const Slot& slot, const std::string& target) {
-    setHeld(future(slot).wished, target, true);
+    future(slot).wished.setHeld(target, true);
     decidePair(slot, Slot(target, sideTo(slot, target)->farAttribute), true);
 }
 
 // The wish says of near whether the pair is associated.
 void AssociationChanges::decidePair(const Slot& near, const Slot& far, bool isWished) {
     if (standingOf(far) != Standing::Named) {
-        setHeld(future(far).wished, near.first, isWished);
+        future(far).wished.setHeld(near.first, isWished);
         return;
     }
-    const bool isWishedBack = holds(future(far).wished, near.first);
+    const bool isWishedBack = future(far).wished.holds(near.first);
     if (isWished && !isWishedBack) {
         mProblems.push_back({EditProblem::Kind::Contradiction, near.first, near.second,
                              textOf(near.first, near.second) + " names " + far.first + ", but " +
@@ -261,7 +243,6 @@ void AssociationChanges::decidePair(const Slot& near, const Slot& far, bool isWi
 
 // What is not named stays as long as something outside of the wish may rest on it.
 void AssociationChanges::decideSilent(const Slot& slot) {
-    Dns& wished = mFutures[slot].wished;
     const auto goes = [&](const std::string& target) {
         const AssociationSide* side = sideTo(slot, target);
         if (side == nullptr || !mObjects.existsAfter(target)) {
@@ -270,22 +251,24 @@ void AssociationChanges::decideSilent(const Slot& slot) {
         const Slot far(target, side->farAttribute);
         const Standing standing = standingOf(far);
         return standing == Standing::Silent ||
-               (standing == Standing::Named && !holds(mFutures[far].wished, slot.first));
+               (standing == Standing::Named && !mFutures[far].wished.holds(slot.first));
     };
+    Dns wished = mFutures[slot].wished.dns();
     wished.erase(std::remove_if(wished.begin(), wished.end(), goes), wished.end());
+    mFutures[slot].wished = ReferenceList(wished);
 }
 
 std::vector<PlannedCall> AssociationChanges::calls() {
     const auto isNamedFirst = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named && each.isFirst &&
-               sorted(each.current) != sorted(each.wished);
+               !each.current.hasSameAs(each.wished);
     };
     const auto isNamed = [](const Slot&, const Future& each) {
-        return each.standing == Standing::Named && sorted(each.current) != sorted(each.wished);
+        return each.standing == Standing::Named && !each.current.hasSameAs(each.wished);
     };
     const auto isOff = [](const Slot&, const Future& each) {
-        return each.standing == Standing::Named ? each.current != each.wished
-                                                : sorted(each.current) != sorted(each.wished);
+        return each.standing == Standing::Named ? !each.current.isEqualTo(each.wished)
+                                                : !each.current.hasSameAs(each.wished);
     };
     writeAll(isNamedFirst);
     writeAll(isNamed);
@@ -326,7 +309,8 @@ void AssociationChanges::write(const Slot& slot, Future& future) {
 }
 
 // What the component does to the far sides before it sets the attribute itself.
-void AssociationChanges::moveFarSides(const Slot& slot, const Dns& from, const Dns& to) {
+void AssociationChanges::moveFarSides(const Slot& slot, const ReferenceList& from,
+                                      const ReferenceList& to) {
     const auto farOf = [&](const std::string& target) -> Future* {
         const AssociationSide* side = sideTo(slot, target);
         if (side == nullptr || !mObjects.existsAfter(target)) {
@@ -335,16 +319,16 @@ void AssociationChanges::moveFarSides(const Slot& slot, const Dns& from, const D
         const auto far = mFutures.find({target, side->farAttribute});
         return far != mFutures.end() ? &far->second : nullptr;
     };
-    for (const std::string& target : from) {
-        Future* far = holds(to, target) ? nullptr : farOf(target);
+    for (const std::string& target : from.dns()) {
+        Future* far = to.holds(target) ? nullptr : farOf(target);
         if (far != nullptr) {
-            removeFirst(far->current, slot.first);
+            far->current.removeFirst(slot.first);
         }
     }
-    for (const std::string& target : to) {
-        Future* far = holds(from, target) ? nullptr : farOf(target);
+    for (const std::string& target : to.dns()) {
+        Future* far = from.holds(target) ? nullptr : farOf(target);
         if (far != nullptr) {
-            far->current.push_back(slot.first);
+            far->current.add(slot.first);
         }
     }
 }

@@ -7,6 +7,7 @@
 #include "AssociationSides.h"
 #include "EditPlan.h"
 #include "ObjectChanges.h"
+#include "ReferenceList.h"
 
 #include <functional>
 #include <map>
@@ -46,18 +47,19 @@ private:
     /// What becomes of a slot.
     struct Future {
         Standing standing = Standing::Open;
-        bool isFirst = false; ///< a side that is written first
-        Dns wished;           ///< in order; of an open or silent one the order does not count
-        Dns current;          ///< as the calls so far leave it
+        bool isFirst = false;  ///< a side that is written first
+        ReferenceList wished;  ///< of an open or silent one the order does not count
+        ReferenceList current; ///< as the calls so far leave it
     };
 
     void collect();
     void collectRevived(const Slot& slot, const ObjectChange& change);
-    void enter(const Slot& slot, Standing standing, Dns values);
+    void enter(const Slot& slot, Standing standing, ReferenceList values);
     Future& future(const Slot& slot);
     Standing standingOf(const Slot& slot);
-    Dns before(const Slot& slot);
-    Dns afterDeletes(const Slot& slot);
+    Standing findStanding(const Slot& slot);
+    const ReferenceList& before(const Slot& slot);
+    ReferenceList afterDeletes(const Slot& slot);
     std::size_t cleanedBy(const Slot& slot, const std::string& target);
     bool isFirst(const Slot& slot);
     bool isWritable(const Slot& slot);
@@ -70,7 +72,7 @@ private:
     void decideSilent(const Slot& slot);
 
     void write(const Slot& slot, Future& future);
-    void moveFarSides(const Slot& slot, const Dns& from, const Dns& to);
+    void moveFarSides(const Slot& slot, const ReferenceList& from, const ReferenceList& to);
     using Which = std::function<bool(const Slot& slot, const Future& future)>;
     bool writeAll(const Which& which);
     void requireNone(const Which& isOff) const;
@@ -80,6 +82,9 @@ private:
     KnownState& mState;
     Wish::Repeated mRepeated;
     std::vector<EditProblem>& mProblems;
+    // Asked for once for each reference of the far side.
+    std::map<Slot, Standing> mStandings;
+    std::map<Slot, ReferenceList> mBefore;
     std::map<Slot, Future> mFutures;
     /// References of slots that are not Named, to objects that the wish creates: they are wished.
     std::set<std::pair<Slot, std::string>> mRevived;

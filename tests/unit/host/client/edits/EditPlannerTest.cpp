@@ -55,10 +55,10 @@ public:
                                       const std::string& className) override {
         const std::string prefix = (dn.empty() ? "" : dn + ",") + className + "=";
         std::vector<std::string> names;
-        for (const auto& [object, attributes] : objects) {
-            const std::string name = object.substr(std::min(prefix.size(), object.size()));
-            if (object.compare(0, prefix.size(), prefix) == 0 &&
-                name.find(',') == std::string::npos) {
+        for (auto at = objects.lower_bound(prefix);
+             at != objects.end() && at->first.compare(0, prefix.size(), prefix) == 0; ++at) {
+            const std::string name = at->first.substr(prefix.size());
+            if (name.find(',') == std::string::npos) {
                 names.push_back(name);
             }
         }
@@ -340,6 +340,35 @@ TEST_F(EditPlannerTest, Plan_ThatCannotBeFinished_IsAnErrorThatNamesTheAttribute
     } catch (const RequestError& error) {
         EXPECT_THAT(error.what(), HasSubstr("Site=s,Unit=u.owners"));
     }
+}
+
+// With a time that grows with the square of a list, these take minutes.
+TEST_F(EditPlannerTest, LongLists_RepeatedMovedAndTakenApart_ArePlannedInSeconds) {
+    constexpr std::size_t kUnits = 20000;
+    std::vector<std::string> units;
+    std::vector<WishedObject> objects{{kSite, {}}, {kOther, {}}};
+    mState.objects = {{kSite, {}}, {kMast, {}}, {kOther, {}}};
+    for (std::size_t at = 0; at < kUnits; ++at) {
+        units.push_back("Site=s,Unit=" + std::to_string(at));
+        mState.objects[units.back()]["mast"] = refs({kMast});
+        objects.push_back({units.back(), {{"mast", refs({kOther})}}});
+    }
+    mState.objects[kMast]["units"] = refs(units);
+
+    // All units move, and the mast names them as before. The other mast wants them in an order in
+    // which they do not come.
+    Wish moves{{{EditKind::Replace, kSite, objects}}};
+    moves.edits[0].objects.push_back({kMast, {{"units", refs(units)}}});
+    moves.edits[0].objects[1].attributes = {{"units", refs(units)}};
+    EXPECT_EQ(plan(moves).size(), kUnits + 1);
+    // The mast goes with all that it names.
+    EXPECT_EQ(plan({{{EditKind::Delete, kMast, {}}}}).size(), 1U);
+    // Neither side is named.
+    for (WishedObject& object : objects) {
+        object.attributes.clear();
+    }
+    objects.push_back({kMast, {}});
+    EXPECT_EQ(plan(wishedState(kSite, objects)).size(), 1U);
 }
 
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
