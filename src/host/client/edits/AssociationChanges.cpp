@@ -214,6 +214,7 @@ void AssociationChanges::decideNamed(const Slot& slot) {
     Dns targets = before(slot).dns();
     targets.insert(targets.end(), after.begin(), after.end());
     for (const std::string& target : std::set<std::string>(targets.begin(), targets.end())) {
+        mState.throwIfCancelled();
         const AssociationSide* side = sideTo(slot, target);
         if (side != nullptr && mObjects.existsAfter(target)) {
             decidePair(slot, Slot(target, side->farAttribute), wished.holds(target));
@@ -243,6 +244,7 @@ void AssociationChanges::decidePair(const Slot& near, const Slot& far, bool isWi
 
 // What is not named stays as long as something outside of the wish may rest on it.
 void AssociationChanges::decideSilent(const Slot& slot) {
+    mState.throwIfCancelled();
     const auto goes = [&](const std::string& target) {
         const AssociationSide* side = sideTo(slot, target);
         if (side == nullptr || !mObjects.existsAfter(target)) {
@@ -293,6 +295,7 @@ void AssociationChanges::requireNone(const Which& isOff) const {
 bool AssociationChanges::writeAll(const Which& which) {
     bool hasWritten = false;
     for (auto& [slot, future] : mFutures) {
+        mState.throwIfCancelled();
         if (which(slot, future)) {
             write(slot, future);
             hasWritten = true;

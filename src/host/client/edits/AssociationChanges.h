@@ -29,7 +29,7 @@ public:
 
     /// The writes, one attribute each, in the state after all other calls of the plan. Throws
     /// RequestError if none lead to the wished references, for example because only the system may
-    /// set an attribute that lacks one.
+    /// set an attribute that lacks one, and CancelledError.
     std::vector<PlannedCall> calls();
 
 private:

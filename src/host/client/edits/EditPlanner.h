@@ -53,7 +53,7 @@ namespace OrvHost {
 class EditPlanner {
 public:
     /// Both are borrowed and must outlive the planner. \p token may be null; it is asked at each
-    /// object.
+    /// object, and again at each reference of an association.
     explicit EditPlanner(const Model& model, const CancellationToken* token = nullptr)
         : mModel(model), mToken(token) {}
 

@@ -36,10 +36,14 @@ AttributeValue refs(const std::vector<std::string>& dns) {
 class MapState : public StateBefore {
 public:
     std::map<std::string, std::map<std::string, AttributeValue>> objects;
+    CancellationToken* cancelledByARead = nullptr; ///< of the values of kMast
 
     bool exists(const std::string& dn) override { return objects.count(dn) != 0; }
 
     std::vector<AttributeValue> attributes(const std::string& dn, const ClassDef& moc) override {
+        if (cancelledByARead != nullptr && dn == kMast) {
+            cancelledByARead->cancel();
+        }
         std::vector<AttributeValue> values;
         for (const AttributeDef& def : moc.attributes) {
             const auto& all = objects.at(dn);
@@ -382,6 +386,14 @@ TEST_F(EditPlannerTest, Plan_Cancelled_EndsWithoutAPlan) {
     token.cancel();
     EXPECT_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState),
                  CancelledError);
+    // All objects are known by then.
+    token.reset();
+    mState.cancelledByARead = &token;
+    const Wish wish{{{EditKind::Merge,
+                      kSite,
+                      {{kUnit, {{"label", text("new")}}}, {kMast, {{"units", refs({})}}}}}}};
+    EXPECT_THROW(EditPlanner(mModel, &token).plan(wish, mState), CancelledError);
+    mState.cancelledByARead = nullptr;
     token.reset();
     EXPECT_NO_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState));
 }
