@@ -67,7 +67,7 @@ private:
     void gather() {
         for (const Edit& edit : mWish.edits) {
             const bool isDelete = edit.kind == EditKind::Delete || edit.kind == EditKind::Remove;
-            if (isDelete && !isLegal(edit.dn)) {
+            if ((isDelete || !edit.dn.empty()) && !isLegal(edit.dn)) {
                 problem(Kind::NoSuchClass, edit.dn);
             } else if (edit.kind == EditKind::Delete && !wasThere(edit.dn)) {
                 problem(Kind::NotThere, edit.dn);

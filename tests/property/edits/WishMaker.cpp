@@ -452,7 +452,7 @@ void WishMaker::addMistake(MadeWish& made) {
     std::vector<Edit>& edits = made.wish.edits;
     WishedObject* object = anyWished(made.wish);
     const Dns units = objectsOf(mBefore, "Unit");
-    switch (below(11)) {
+    switch (below(12)) {
     case 0:
         edits.push_back({EditKind::Merge,
                          std::string(kRoot) + ",Street=1",
@@ -507,6 +507,10 @@ void WishMaker::addMistake(MadeWish& made) {
                              unit,
                              {{unit, {{oneIn(2) ? "friends" : "ports", refs(internal)}}}}});
         }
+        break;
+    case 10:
+        edits.push_back(
+            {static_cast<EditKind>(below(6)), std::string(kRoot) + ",Area=1,Arae=1", {}});
         break;
     default:
         edits.push_back({EditKind::Merge, std::string(kRoot) + ",Area=1", {{kRoot, {}}}});

@@ -48,6 +48,9 @@ void ObjectChanges::readDelete(const Edit& edit) {
 }
 
 void ObjectChanges::readObjects(const Edit& edit) {
+    if (!edit.dn.empty() && mState.classOf(edit.dn) == nullptr) {
+        addNoSuchClass(edit.dn);
+    }
     for (const WishedObject& object : edit.objects) {
         if (!DnView(object.dn).isAtOrBelow(DnView(edit.dn))) {
             add(EditProblem::Kind::OutsideEdit, object.dn, {},

@@ -375,6 +375,14 @@ TEST_F(EditPlannerTest, LongLists_RepeatedMovedAndTakenApart_ArePlannedInSeconds
     EXPECT_EQ(plan(wishedState(kSite, objects)).size(), 1U);
 }
 
+TEST_F(EditPlannerTest, Edit_OfADnThatIsNone_IsRefusedThoughItHasNoObjects) {
+    for (const EditKind kind :
+         {EditKind::Create, EditKind::Set, EditKind::Merge, EditKind::Replace}) {
+        EXPECT_THAT(problems({{{kind, "Site=s,Untt=1", {}}}}),
+                    ElementsAre(HasSubstr("there is no class Untt")));
+    }
+}
+
 TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
     mState.objects[kUnit]["need"] = text("n");
     EXPECT_THAT(problems(edit(EditKind::Replace, kUnit, {})),
