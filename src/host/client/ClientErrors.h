@@ -7,6 +7,7 @@
 #include "OrvReturn.h"
 #include "transactions/ThreadContext.h"
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -44,6 +45,20 @@ private:
     OrvReturnT mCode;
     OperationSubject mSubject;
     std::vector<ThreadContext::Message> mMessages;
+};
+
+/// The part of an error that says how much of the work is written, in the transaction, although the
+/// rest is not.
+class PartlyWritten {
+public:
+    explicit PartlyWritten(std::size_t done) : mDone(done) {}
+    virtual ~PartlyWritten() = default;
+
+    /// The number of writes that were made.
+    std::size_t done() const { return mDone; }
+
+private:
+    std::size_t mDone;
 };
 
 /// A request that cannot be put to the component as it is. The component was not asked.

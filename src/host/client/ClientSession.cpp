@@ -24,7 +24,15 @@ void ClientSession::requireObject(const std::string& dn) {
 
 bool ClientSession::write(const std::function<void(unsigned long txHandle)>& work) {
     if (OpenTransactions::Entry* current = mTransactions.current()) {
-        work(current->handle);
+        try {
+            work(current->handle);
+        } catch (const PartlyWritten& error) {
+            current->writes += error.done() > 0 ? 1 : 0;
+            throw;
+        } catch (const OperationError& error) {
+            current->writes += error.subject().done.empty() ? 0 : 1;
+            throw;
+        }
         ++current->writes;
         return false;
     }

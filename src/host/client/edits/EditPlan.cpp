@@ -18,25 +18,51 @@ NewObject newObjectOf(const Model& model, const std::string& dn) {
     return object;
 }
 
+class PlanRunner {
+public:
+    PlanRunner(const Model& model, Clients& clients, unsigned long txHandle)
+        : mModel(model),
+          mObjects(clients.version3()),
+          mValues(clients.version3_1()),
+          mTxHandle(txHandle) {}
+
+    void make(const PlannedCall& call) {
+        switch (call.kind) {
+        case PlannedCall::Kind::Delete:
+            mObjects.remove(mTxHandle, call.dn);
+            break;
+        case PlannedCall::Kind::Create:
+            mObjects.create(mTxHandle, newObjectOf(mModel, call.dn), call.attributes);
+            break;
+        case PlannedCall::Kind::Set:
+            mValues.set(mTxHandle, call.dn, call.attributes);
+            break;
+        }
+    }
+
+private:
+    const Model& mModel;
+    Client& mObjects;
+    Client& mValues;
+    unsigned long mTxHandle;
+};
+
 }
 
 void runPlan(const EditPlan& plan, const Model& model, Clients& clients, unsigned long txHandle,
              const CancellationToken* token) {
+    PlanRunner runner(model, clients, txHandle);
+    std::size_t done = 0;
     for (const PlannedCall& call : plan.calls) {
-        if (token != nullptr) {
-            token->throwIfCancelled();
+        if (token != nullptr && token->isCancelled()) {
+            throw PlanCancelledError(done);
         }
-        switch (call.kind) {
-        case PlannedCall::Kind::Delete:
-            clients.version3().remove(txHandle, call.dn);
-            break;
-        case PlannedCall::Kind::Create:
-            clients.version3().create(txHandle, newObjectOf(model, call.dn), call.attributes);
-            break;
-        case PlannedCall::Kind::Set:
-            clients.version3_1().set(txHandle, call.dn, call.attributes);
-            break;
+        try {
+            runner.make(call);
+        } catch (const OperationError& refusal) {
+            throw PlanRefusedError(refusal, call, done);
         }
+        ++done;
     }
 }
 
