@@ -82,22 +82,71 @@ struct Outcome {
     std::set<Problem> problems; ///< of a refusal
     EditPlan plan;
     State state;
+    Dns order; ///< the objects of the state, siblings in their order
 };
 
 class EditPlannerPropertyTest : public testing::Test {
 protected:
     Outcome apply(const Wish& wish, unsigned long txHandle) {
+        return outcomeOf(
+            txHandle, [&] { return applyWish(wish, mWorld.model(), mWorld.clients(), txHandle); });
+    }
+
+    // The same, call by call, with a look at what each one changes.
+    Outcome applySlowly(const Wish& wish, const State& seen, unsigned long txHandle) {
+        return outcomeOf(txHandle, [&] {
+            ClientState before(mWorld.clients().version3(), txHandle);
+            EditPlan plan = EditPlanner(mWorld.model()).plan(wish, before);
+            std::set<std::string> created;
+            for (const PlannedCall& call : plan.calls) {
+                if (call.kind == PlannedCall::Kind::Create) {
+                    created.insert(call.dn);
+                }
+                checkNotInVain(call, created, seen, txHandle);
+                runPlan({{call}}, mWorld.model(), mWorld.clients(), txHandle);
+            }
+            return plan;
+        });
+    }
+
+    template <class Apply>
+    Outcome outcomeOf(unsigned long txHandle, const Apply& applied) {
         Outcome outcome;
         try {
-            outcome.plan = applyWish(wish, mWorld.model(), mWorld.clients(), txHandle);
+            outcome.plan = applied();
         } catch (const EditRefusedError& refusal) {
             for (const EditProblem& problem : refusal.problems()) {
                 EXPECT_FALSE(problem.text.empty());
                 outcome.problems.emplace(problem.kind, problem.dn, problem.attribute);
             }
         }
-        outcome.state = mWorld.read(txHandle);
+        outcome.state = mWorld.read(txHandle, &outcome.order);
         return outcome;
+    }
+
+    // In vain: the value is there already. Allowed, and counted, is only a reference that waited for
+    // an object which the plan creates: the component may take it away by itself.
+    void checkNotInVain(const PlannedCall& call, const std::set<std::string>& created,
+                        const State& before, unsigned long txHandle) {
+        if (call.kind != PlannedCall::Kind::Set) {
+            return;
+        }
+        const Model& model = mWorld.model();
+        const ClassDef& moc = model.classes[*model.findClass(classNameOf(call.dn))];
+        const auto values =
+            ClientState(mWorld.clients().version3(), txHandle).attributes(call.dn, moc);
+        EXPECT_FALSE(call.attributes.empty()) << call.dn;
+        for (const NamedValue& named : call.attributes) {
+            if (values[*moc.findAttributeIndex(named.first)].values != named.second.values) {
+                continue;
+            }
+            EXPECT_EQ(named.second.kind, ValueKind::MoRef) << call.dn << "." << named.first;
+            const Dns waiting = refsIn(before, call.dn, named.first);
+            EXPECT_TRUE(std::any_of(waiting.begin(), waiting.end(),
+                                    [&](const std::string& dn) { return created.count(dn) != 0; }))
+                << call.dn << "." << named.first << " is set in vain";
+            ++mInVain;
+        }
     }
 
     unsigned long begin() { return mWorld.host().transactions().begin(); }
@@ -124,7 +173,45 @@ protected:
         return false;
     }
 
-    // An object that stays is neither deleted nor created, and nothing is written in vain.
+    // Siblings that stay keep their order, and new ones follow in the order of the wish. Returns
+    // the number of new ones that follow another new one.
+    std::size_t checkOrder(const Dns& before, const Wish& wish, const Outcome& outcome) {
+        Dns expected;
+        std::set<std::string> seen;
+        const auto add = [&](const std::string& dn) {
+            if (outcome.state.count(dn) != 0 && seen.insert(dn).second) {
+                expected.push_back(dn);
+            }
+        };
+        for (const std::string& dn : before) {
+            add(dn);
+        }
+        const std::size_t old = expected.size();
+        for (const Edit& edit : wish.edits) {
+            for (const WishedObject& object : edit.objects) {
+                add(object.dn);
+            }
+        }
+        EXPECT_EQ(bySiblings(outcome.order), bySiblings(expected))
+            << textOf(wish) << textOf(outcome.plan);
+        std::size_t followers = 0;
+        for (const auto& [siblings, dns] :
+             bySiblings(Dns(expected.begin() + static_cast<std::ptrdiff_t>(old), expected.end()))) {
+            followers += dns.size() - 1;
+        }
+        return followers;
+    }
+
+    // In their order, by parent and class.
+    static std::map<std::string, Dns> bySiblings(const Dns& dns) {
+        std::map<std::string, Dns> siblings;
+        for (const std::string& dn : dns) {
+            siblings[parentDnOf(dn) + "," + classNameOf(dn)].push_back(dn);
+        }
+        return siblings;
+    }
+
+    // An object that stays is neither deleted nor created.
     void checkPlan(const State& before, const Outcome& outcome) {
         std::size_t last = 0;
         for (const PlannedCall& call : outcome.plan.calls) {
@@ -140,6 +227,7 @@ protected:
     }
 
     EditWorld mWorld;
+    std::size_t mInVain = 0; ///< writes
 };
 
 bool isRepeatable(const Wish& wish) {
@@ -153,7 +241,8 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
     std::map<std::string, std::size_t> counts;
     std::map<std::string, std::size_t> refusals;
     unsigned long open = begin();
-    State before = mWorld.read(open);
+    Dns order;
+    State before = mWorld.read(open, &order);
     for (std::uint64_t seed = 1; seed <= kWishes && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         WishMaker maker(mWorld.model(), before, seed);
@@ -168,8 +257,12 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
             abort(other);
             ++counts["carried out in a second order"];
         }
-        const Outcome outcome = apply(made.wish, open);
-        if (!check(before, made.wish, outcome, expected)) {
+        const Outcome outcome = applySlowly(made.wish, before, open);
+        if (!check(before, made.wish, outcome, expected) || HasFailure()) {
+            std::cout << "before\n"
+                      << textOf(before) << "wish\n"
+                      << textOf(made.wish) << "plan\n"
+                      << textOf(outcome.plan);
             break;
         }
         checkPlan(before, outcome);
@@ -184,6 +277,7 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
             }
             continue;
         }
+        counts["new siblings in order"] += checkOrder(order, made.wish, outcome);
         ++counts["ended in the wished state"];
         ++counts["in this transaction"];
         counts["calls"] += outcome.plan.calls.size();
@@ -200,13 +294,15 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
             const std::vector<std::string> problems = mWorld.recount();
             EXPECT_TRUE(problems.empty()) << problems.front() << "\n" << textOf(made.wish);
             open = begin();
-            before = mWorld.read(open);
+            before = mWorld.read(open, &order);
         } else {
             before = outcome.state;
+            order = outcome.order;
         }
     }
     abort(open);
     counts.erase("in this transaction");
+    counts["writes in vain"] = mInVain;
     for (const auto& [what, count] : counts) {
         std::cout << what << ": " << count << "\n";
     }
@@ -218,6 +314,14 @@ TEST_F(EditPlannerPropertyTest, GeneratedWishes_InAnyOrder_EndAsTheRecountOfPair
     EXPECT_GT(counts["ended in the wished state"], kWishes / 2);
     EXPECT_GT(counts["refused"], kWishes / 10);
     EXPECT_GT(counts["committed"], kWishes / 10);
+    EXPECT_LE(mInVain, kWishes / 1000);
+    for (const char* const often :
+         {"carried out in a second order", "wished again, and nothing to do", "move", "replace",
+          "delete", "create", "both sides named", "old values named"}) {
+        EXPECT_GT(counts[often], kWishes / 20) << often;
+    }
+    EXPECT_GT(counts["a kept reference finds a new object"], kWishes / 200);
+    EXPECT_GT(counts["new siblings in order"], kWishes / 200);
     EXPECT_EQ(refusals.size(), 9U) << "each kind of problem";
 }
 

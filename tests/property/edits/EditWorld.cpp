@@ -142,14 +142,19 @@ EditWorld::~EditWorld() {
     mHost.shutdown();
 }
 
-State EditWorld::read(unsigned long txHandle) {
+State EditWorld::read(unsigned long txHandle, Dns* order) {
     State state;
-    readBelow(txHandle, kRoot, mModel.classes[*mModel.findClass("ManagedElement")], state);
+    Dns dns;
+    readBelow(txHandle, kRoot, mModel.classes[*mModel.findClass("ManagedElement")], state, dns);
+    if (order != nullptr) {
+        *order = std::move(dns);
+    }
     return state;
 }
 
 void EditWorld::readBelow(unsigned long txHandle, const std::string& dn, const ClassDef& moc,
-                          State& state) {
+                          State& state, Dns& order) {
+    order.push_back(dn);
     auto& attributes = state[dn];
     std::vector<std::string> names;
     for (const AttributeDef& def : moc.attributes) {
@@ -172,7 +177,7 @@ void EditWorld::readBelow(unsigned long txHandle, const std::string& dn, const C
                                               return true;
                                           });
         for (const std::string& childDn : dns) {
-            readBelow(txHandle, childDn, childMoc, state);
+            readBelow(txHandle, childDn, childMoc, state, order);
         }
     }
 }

@@ -49,8 +49,9 @@ public:
     Host& host() { return mHost; }
     Clients& clients() { return *mClients; }
 
-    /// What a transaction sees, read through the component.
-    State read(unsigned long txHandle);
+    /// What a transaction sees, read through the component. \p order, which may be null, receives
+    /// the DNs, siblings in the order in which the component shows them.
+    State read(unsigned long txHandle, Dns* order = nullptr);
 
     /// What is wrong with the committed associations, counted in the store itself: a reference
     /// whose far side is missing or there twice. References to objects that do not exist are no
@@ -58,8 +59,8 @@ public:
     std::vector<std::string> recount();
 
 private:
-    void readBelow(unsigned long txHandle, const std::string& dn, const ClassDef& moc,
-                   State& state);
+    void readBelow(unsigned long txHandle, const std::string& dn, const ClassDef& moc, State& state,
+                   Dns& order);
 
     Model mModel = makeModel();
     Host mHost;
