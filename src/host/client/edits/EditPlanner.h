@@ -47,7 +47,8 @@ namespace OrvHost {
 /// deletes the objects below that the wish names nowhere.
 ///
 /// What is not foreseen: a reference to an object that does not exist, held by an object of which
-/// the wish says nothing, stays as it is when that object is created.
+/// the wish says nothing, stays as it is when that object is created; and what the component keeps
+/// pending in the transaction for objects that do not exist yet, which no read shows.
 ///
 /// One thread.
 class EditPlanner {

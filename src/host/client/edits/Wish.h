@@ -45,8 +45,8 @@ struct Wish {
     /// What it means if a side of a bidirectional association is named with the values that it has
     /// already.
     enum class Repeated {
-        /// The same as not naming it: it follows the other side. Only what it says of objects that
-        /// the wish creates counts.
+        /// The same as not naming it, in another order too: it follows the other side. Only what it
+        /// says of objects that the wish creates counts.
         IsNoEdit,
         IsWished ///< it must come out so; if the other side wants something else, that contradicts
     };
