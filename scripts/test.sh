@@ -6,9 +6,9 @@
 #   scripts/test.sh        format, licences, a debug build and all its tests
 #   scripts/test.sh all    then also all tests and a short run of each fuzzer under AddressSanitizer
 #                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
-#                          threads under ThreadSanitizer; a release build without tests; the
-#                          linter on what changed; the coverage of the component, with its limit;
-#                          the API reference; the binary interface against its baseline
+#                          threads under ThreadSanitizer; the linter on what changed; the API
+#                          reference; the binary interface against its baseline
+# Not in it, since they take as long again: scripts/coverage.sh, scripts/release-builds.sh.
 #
 # ORV_LINT_BASE   the commit since which sources count as changed for the linter
 
@@ -44,10 +44,8 @@ if [ "$mode" = all ]; then
   run_tests asan
   configure_and_build tsan
   run_tests tsan
-  scripts/release-builds.sh Release g++
   step "lint"
   scripts/lint.py build/asan --changed "${ORV_LINT_BASE:-}"
-  scripts/coverage.sh
   step "API reference"
   build --preset dev --target api_reference
   step "binary interface"
