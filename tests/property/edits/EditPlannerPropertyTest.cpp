@@ -124,8 +124,8 @@ protected:
         return outcome;
     }
 
-    // In vain: the value is there already. Allowed, and counted, is only a reference that waited for
-    // an object which the plan creates: the component may take it away by itself.
+    // In vain: the value is there already. Allowed, and counted, is only a reference that waited
+    // for an object which the plan creates: the component may take it away by itself.
     void checkNotInVain(const PlannedCall& call, const std::set<std::string>& created,
                         const State& before, unsigned long txHandle) {
         if (call.kind != PlannedCall::Kind::Set) {

@@ -346,7 +346,7 @@ TEST_F(EditPlannerTest, Plan_ThatCannotBeFinished_IsAnErrorThatNamesTheAttribute
     }
 }
 
-// With a time that grows with the square of a list, these take minutes.
+// Slow as soon as the time grows with the square of a list.
 TEST_F(EditPlannerTest, LongLists_RepeatedMovedAndTakenApart_ArePlannedInSeconds) {
     constexpr std::size_t kUnits = 20000;
     std::vector<std::string> units;
