@@ -402,12 +402,12 @@ void WishMaker::wishEdits(MadeWish& made) {
         }
         object.attributes.erase(
             std::remove_if(object.attributes.begin(), object.attributes.end(),
-                           [&](const NamedValue& named) {
+                           [&, &ofObject = dn](const NamedValue& named) {
                                const auto old = before->second.find(named.first);
                                const bool isSame = old == before->second.end()
                                                        ? named.second.values.empty()
                                                        : old->second == named.second;
-                               return isSame && !oneIn(8) && !mustName(dn, named.first);
+                               return isSame && !oneIn(8) && !mustName(ofObject, named.first);
                            }),
             object.attributes.end());
         if (!object.attributes.empty()) {
