@@ -3,21 +3,11 @@
 
 #include "Problem.h"
 
+#include "Join.h"
+
 #include <utility>
 
 namespace OrvHost {
-
-namespace {
-
-std::string linesOf(const std::vector<Problem>& problems) {
-    std::string text;
-    for (const Problem& problem : problems) {
-        text.append(text.empty() ? "" : "\n").append(toText(problem));
-    }
-    return text;
-}
-
-}
 
 std::string toText(const SourcePosition& source) {
     std::string text = source.file;
@@ -33,6 +23,8 @@ std::string toText(const Problem& problem) {
 }
 
 ProblemsError::ProblemsError(std::vector<Problem> problems)
-    : std::runtime_error(linesOf(problems)), mProblems(std::move(problems)) {}
+    : std::runtime_error(
+          joinedLines(problems, [](const Problem& problem) { return toText(problem); })),
+      mProblems(std::move(problems)) {}
 
 }

@@ -143,6 +143,14 @@ void Client::check(OrvReturnT code, OperationSubject subject) {
     }
 }
 
+std::vector<std::string> attributeNames(const ClassDef& moc) {
+    std::vector<std::string> names;
+    for (const AttributeDef& attribute : moc.attributes) {
+        names.push_back(attribute.name);
+    }
+    return names;
+}
+
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
     return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
 }

@@ -96,6 +96,9 @@ private:
     const CancellationToken* mToken = nullptr;
 };
 
+/// The names of a class's attributes, in the order of their definition.
+std::vector<std::string> attributeNames(const ClassDef& moc);
+
 /// The definition of an attribute, or null; also null if the class is null.
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
 

@@ -42,12 +42,13 @@ std::string DnResolver::whyNoDn(const std::string& dn, const ClassDef** moc) con
 }
 
 std::string DnResolver::whyOtherRoot(const std::string& dn) const {
-    const std::string root = dn.substr(0, dn.find(','));
+    const DnStep root = *DnView(dn).steps().begin();
     const std::string known = Orv::MeIdTranslator::instance()->identity();
-    if (DnStep(root).type() != kRootClass || DnStep(root).value() == known) {
+    if (root.type() != kRootClass || root.value() == known) {
         return {};
     }
-    return root + " is not known; clients know it as " + kRootClass + "=" + known;
+    return std::string(root.text()) + " is not known; clients know it as " + kRootClass + "=" +
+           known;
 }
 
 const ClassDef* DnResolver::classOf(const std::string& dn) const {

@@ -23,14 +23,6 @@ constexpr std::size_t kSiblingsShown = 10;
 
 }
 
-std::vector<std::string> attributeNames(const ClassDef& moc) {
-    std::vector<std::string> names;
-    for (const AttributeDef& attribute : moc.attributes) {
-        names.push_back(attribute.name);
-    }
-    return names;
-}
-
 std::vector<std::string> actionNames(const ClassDef& moc) {
     std::vector<std::string> names;
     for (const ActionDef& action : moc.actions) {

@@ -40,8 +40,6 @@ private:
     ClientSession& mSession;
 };
 
-/// The names of a class's attributes, in the order of their definition.
-std::vector<std::string> attributeNames(const ClassDef& moc);
 std::vector<std::string> actionNames(const ClassDef& moc);
 
 /// "OrvNotExist (-2)".

@@ -3,8 +3,6 @@
 
 #include "ReadValue.h"
 
-#include <algorithm>
-
 namespace OrvHost {
 
 namespace {
@@ -12,21 +10,13 @@ namespace {
 // The records of version 1 have the same fields and codes as those of version 3, but types of their
 // own.
 
-const AttributeDef* memberOf(const AttributeDef* def, const char* name) {
-    if (def == nullptr) {
-        return nullptr;
-    }
-    const auto& members = def->type.members;
-    const auto found = std::find_if(members.begin(), members.end(),
-                                    [&](const AttributeDef& one) { return one.name == name; });
-    return found != members.end() ? &*found : nullptr;
-}
-
 template <class Member>
 ReadStruct readStruct(const Member* member, const AttributeDef* def) {
     ReadStruct::Members members;
     for (; member != nullptr; member = member->next) {
-        members.emplace_back(member->name, toReadValue(member->value, memberOf(def, member->name)));
+        const AttributeDef* const known =
+            def != nullptr ? def->type.findMember(member->name) : nullptr;
+        members.emplace_back(member->name, toReadValue(member->value, known));
     }
     return ReadStruct(std::move(members));
 }

@@ -21,6 +21,10 @@ const Definition* findNamed(const std::vector<Definition>& all, std::string_view
 
 }
 
+const AttributeDef* TypeDef::findMember(std::string_view memberName) const {
+    return findNamed(members, memberName);
+}
+
 const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) const {
     return findNamed(attributes, attributeName);
 }

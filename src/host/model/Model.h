@@ -44,6 +44,9 @@ struct TypeDef {
     std::function<std::string(const std::string& text)> check;
     /// The type as its author wrote it, for people: "uint16", "string (1..64)".
     std::string description;
+
+    /// Null if there is no member of that name.
+    const AttributeDef* findMember(std::string_view memberName) const;
 };
 
 /// An attribute of a class, a member of a struct, or a parameter of an action.

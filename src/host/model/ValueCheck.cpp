@@ -23,13 +23,6 @@ std::string whyWrongEnumerator(const TypeDef& type, const std::string& name) {
     return joined({"\"", name, "\" is none of the permitted names: ", expected});
 }
 
-const AttributeDef* findMember(const TypeDef& type, const std::string& name) {
-    const auto found =
-        std::find_if(type.members.begin(), type.members.end(),
-                     [&](const AttributeDef& member) { return member.name == name; });
-    return found == type.members.end() ? nullptr : &*found;
-}
-
 std::size_t countOf(const StructValue& value, const std::string& name) {
     return static_cast<std::size_t>(
         std::count_if(value.members.begin(), value.members.end(),
@@ -38,7 +31,7 @@ std::size_t countOf(const StructValue& value, const std::string& name) {
 
 std::string whyWrongMember(const TypeDef& type, const StructValue& whole,
                            const NamedValue& member) {
-    const AttributeDef* def = findMember(type, member.first);
+    const AttributeDef* def = type.findMember(member.first);
     if (!def) {
         return joined({"the struct has no member \"", member.first, "\""});
     }

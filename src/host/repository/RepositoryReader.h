@@ -19,12 +19,12 @@ namespace OrvHost {
 /// there". Stateless except for the table; any thread.
 class RepositoryReader {
 public:
-    using Moc = VekOamSpiMrMocHandle_4T;
-    using Attribute = VekOamSpiMrAttributeHandle_4T;
-    using BiDir = VekOamSpiMrBiDirAssociationHandle_4T;
-    using UniDir = VekOamSpiMrUniDirAssociationHandle_4T;
-    using End = VekOamSpiMrAssociationEndHandle_4T;
-    using Type = VekOamSpiMrTypeHandle_4T;
+    using Moc = Orv::ModelReader::Moc;
+    using Attribute = Orv::ModelReader::Attribute;
+    using BiDir = Orv::ModelReader::BiDir;
+    using UniDir = Orv::ModelReader::UniDir;
+    using End = Orv::ModelReader::End;
+    using Type = Orv::ModelReader::Type;
 
     /// `table` must outlive the reader.
     explicit RepositoryReader(const VekOamSpiModelRepository_4& table) : mModel(table) {}
@@ -56,7 +56,7 @@ public:
     long long boundOfEnd(End end, int identifier) const;
 
 private:
-    using Properties = VekOamSpiMrGeneralPropertiesHandle_4T;
+    using Properties = Orv::ModelReader::Properties;
 
     std::string nameOf(Properties properties) const;
 

@@ -24,7 +24,7 @@ std::optional<ClaimTable::Rival> claimKey(std::unordered_map<Key, TransactionId>
     if (found != held.end()) {
         return found->second == transaction
                    ? std::nullopt
-                   : std::optional<ClaimTable::Rival>({found->second, ClaimTable::Kind::Write});
+                   : std::optional<ClaimTable::Rival>({{found->second}, ClaimTable::Kind::Write});
     }
     list.push_back(listed);
     try {
@@ -42,12 +42,12 @@ std::optional<ClaimTable::Rival> ClaimTable::NodeClaim::rivalOf(TransactionId tr
                                                                 Kind kind) const {
     const bool writerDisturbs = kind != Kind::CreateUnder || deleting;
     if (writer != kNoTransaction && writer != transaction && writerDisturbs) {
-        return Rival{writer, deleting ? Kind::Delete : Kind::Write};
+        return Rival{{writer}, deleting ? Kind::Delete : Kind::Write};
     }
     if (kind == Kind::Delete) {
         for (const TransactionId creator : creators) {
             if (creator != transaction) {
-                return Rival{creator, Kind::CreateUnder};
+                return Rival{{creator}, Kind::CreateUnder};
             }
         }
     }

@@ -39,10 +39,8 @@ public:
         CreateUnder ///< to create children; others may hold Write and CreateUnder
     };
     /// The transaction that holds a conflicting claim, and the kind of that claim.
-    struct Rival {
-        TransactionId transaction = kNoTransaction;
+    struct Rival : TransactionName {
         Kind kind = Kind::Write;
-        std::string author{}; ///< of its claims
     };
 
     /// Makes the author of \p claims known, for the transactions that it refuses.

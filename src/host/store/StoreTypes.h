@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace OrvHost {
 
@@ -14,6 +15,12 @@ namespace OrvHost {
 using TransactionId = unsigned long;
 /// The value for "no transaction".
 constexpr TransactionId kNoTransaction = ULONG_MAX;
+
+/// A transaction as messages name it.
+struct TransactionName {
+    TransactionId transaction = kNoTransaction;
+    std::string author{}; ///< who began it, for people; may be empty
+};
 
 /// The place of an object in the committed tree. It is used again when no snapshot can show the
 /// object any more.

@@ -48,7 +48,7 @@ void VersionedTree::reclaim(CommitNumber oldest) noexcept {
     }
 }
 
-CommitNumber VersionedTree::commit(TreeChange& change, Committer committer) {
+CommitNumber VersionedTree::commit(TreeChange& change, TransactionName committer) {
     const std::unique_lock<TreeLock> guard(mLock);
     CommitNumber number = 0;
     {
@@ -63,10 +63,10 @@ CommitNumber VersionedTree::commit(TreeChange& change, Committer committer) {
     return number;
 }
 
-VersionedTree::Committer VersionedTree::committer(CommitNumber number) const {
+TransactionName VersionedTree::committer(CommitNumber number) const {
     const std::lock_guard<std::mutex> guard(mMutex);
     const auto found = mCommitters.find(number);
-    return found == mCommitters.end() ? Committer{} : found->second;
+    return found == mCommitters.end() ? TransactionName{} : found->second;
 }
 
 void VersionedTree::refuseOpenSnapshots() const {

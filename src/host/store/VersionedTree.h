@@ -39,16 +39,10 @@ public:
         return look(static_cast<const MoTree&>(mTree));
     }
 
-    /// Who made a commit.
-    struct Committer {
-        TransactionId transaction = kNoTransaction;
-        std::string author; ///< who began the transaction, for people; may be empty
-    };
-
     /// Applies \p change for \p committer, all or nothing. Returns the number of the commit.
-    CommitNumber commit(TreeChange& change, Committer committer);
+    CommitNumber commit(TreeChange& change, TransactionName committer);
     /// Who made a commit; kNoTransaction if no open snapshot is older.
-    Committer committer(CommitNumber number) const;
+    TransactionName committer(CommitNumber number) const;
 
     /// Runs \p change on the tree, for data at start. OrvHostWrongState if a snapshot is open.
     template <class Change>
@@ -70,7 +64,7 @@ private:
     mutable std::mutex mMutex; ///< guards all below; may be taken with mLock held
     CommitNumber mLast = 0;
     std::multiset<CommitNumber> mOpen;
-    std::map<CommitNumber, Committer> mCommitters;
+    std::map<CommitNumber, TransactionName> mCommitters;
 };
 
 }

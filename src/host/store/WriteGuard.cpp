@@ -30,9 +30,7 @@ const char* actionOf(ClaimTable::Kind kind) {
     return " is being changed";
 }
 
-// For ClaimTable::Rival and VersionedTree::Committer.
-template <class Other>
-std::string nameOf(const Other& other) {
+std::string nameOf(const TransactionName& other) {
     if (other.transaction == kNoTransaction) {
         return "another transaction";
     }

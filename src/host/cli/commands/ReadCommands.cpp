@@ -9,7 +9,6 @@
 #include "cli/session/Session.h"
 #include "client/ChildWalk.h"
 #include "client/DnResolver.h"
-#include "client/ErrorExplainer.h"
 
 namespace OrvHost {
 

@@ -4,17 +4,13 @@
 #include "ObjectGraph.h"
 
 #include "GraphLook.h"
+#include "base/DnView.h"
 
 namespace OrvHost {
 
 namespace {
 
 constexpr std::size_t kMaxListedViolations = 20;
-
-std::string lastStepOf(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    return comma == std::string::npos ? dn : dn.substr(comma + 1);
-}
 
 /// The text of a problem without the name of its object, which is already in the node.
 std::string withoutDn(const InstanceProblem& problem) {
@@ -88,7 +84,8 @@ void ObjectGraph::drawObjects(DotText& dot) {
         const bool isWrong = wrong != wrongCounts.end();
         const std::string below =
             object.hiddenBelow > 0 ? "\n(" + std::to_string(object.hiddenBelow) + " below)" : "";
-        dot.node(node, {{"label", lastStepOf(object.dn) + below + (isWrong ? wrong->second : "")},
+        dot.node(node, {{"label", std::string(DnView(object.dn).last().text()) + below +
+                                      (isWrong ? wrong->second : "")},
                         {"tooltip", object.dn},
                         {"color", isWrong ? kViolationColour : ""},
                         {"fontcolor", isWrong ? kViolationColour : ""}});

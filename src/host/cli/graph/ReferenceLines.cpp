@@ -4,6 +4,7 @@
 #include "ReferenceLines.h"
 
 #include "audit/AssociationAudit.h"
+#include "base/DnView.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -14,9 +15,7 @@ namespace OrvHost {
 namespace {
 
 std::string classIn(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    const std::size_t begin = comma == std::string::npos ? 0 : comma + 1;
-    return dn.substr(begin, dn.find_first_of(".=", begin) - begin);
+    return std::string(DnView(dn).last().className());
 }
 
 /// The association that allows \p owner to name objects of \p target in that attribute, or null.

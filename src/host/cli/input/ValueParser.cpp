@@ -5,7 +5,6 @@
 
 #include "cli/errors/CliErrors.h"
 
-#include <algorithm>
 #include <optional>
 #include <set>
 
@@ -73,21 +72,12 @@ JsonValue parseScalar(const std::string& text) {
     return json.is_number() || json.is_boolean() ? json : JsonValue(text);
 }
 
-const AttributeDef* memberOf(const AttributeDef* def, const std::string& name) {
-    if (def == nullptr) {
-        return nullptr;
-    }
-    const auto& members = def->type.members;
-    const auto found = std::find_if(members.begin(), members.end(),
-                                    [&](const AttributeDef& one) { return one.name == name; });
-    return found != members.end() ? &*found : nullptr;
-}
-
 StructValue toStruct(const JsonValue& json, const AttributeDef* def) {
     StructValue value;
     for (const auto& member : json.items()) {
-        value.members.emplace_back(member.key(),
-                                   toAttributeValue(member.value(), memberOf(def, member.key())));
+        const AttributeDef* const known =
+            def != nullptr ? def->type.findMember(member.key()) : nullptr;
+        value.members.emplace_back(member.key(), toAttributeValue(member.value(), known));
     }
     return value;
 }

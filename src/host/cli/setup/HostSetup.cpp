@@ -5,6 +5,7 @@
 
 #include "ComponentFinder.h"
 #include "LoggingWrapper.h"
+#include "base/Join.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/ProgressBar.h"
 #include "runtime/DataSet.h"
@@ -18,17 +19,9 @@ namespace OrvHost {
 
 namespace {
 
-std::string joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines) {
-        text += (text.empty() ? "" : "\n") + line;
-    }
-    return text;
-}
-
 void failIfAny(const std::vector<std::string>& problems) {
     if (!problems.empty()) {
-        throw LoadError(joined(problems));
+        throw LoadError(joinedLines(problems, [](const std::string& line) { return line; }));
     }
 }
 

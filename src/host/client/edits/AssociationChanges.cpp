@@ -41,7 +41,8 @@ AssociationChanges::AssociationChanges(const AssociationSides& sides, const Obje
                                        std::vector<EditProblem>& problems)
     : mSides(sides), mObjects(objects), mState(state), mRepeated(repeated), mProblems(problems) {
     collect();
-    // Pairs with a named side first: they also decide what stays in the slots that are not named.
+    // First what is not named loses what does not stay. The named sides come after it, since they
+    // can put something back there.
     std::vector<Slot> named;
     std::vector<Slot> silent;
     for (const auto& [slot, future] : mFutures) {
@@ -202,8 +203,7 @@ void AssociationChanges::checkNamed(const Slot& slot, const Dns& values) {
     }
     for (const std::string& target : values) {
         if (mObjects.isDeleted(target)) {
-            mProblems.push_back({EditProblem::Kind::DeletedTarget, slot.first, slot.second,
-                                 name + " names " + target + ", which the wish deletes"});
+            mProblems.push_back(deletedTarget(slot.first, slot.second, target));
         }
     }
 }
@@ -261,12 +261,11 @@ void AssociationChanges::decideSilent(const Slot& slot) {
 }
 
 std::vector<PlannedCall> AssociationChanges::calls() {
-    const auto isNamedFirst = [](const Slot&, const Future& each) {
-        return each.standing == Standing::Named && each.isFirst &&
-               !each.current.hasSameAs(each.wished);
-    };
     const auto isNamed = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named && !each.current.hasSameAs(each.wished);
+    };
+    const auto isNamedFirst = [&](const Slot& slot, const Future& each) {
+        return each.isFirst && isNamed(slot, each);
     };
     const auto isOff = [](const Slot&, const Future& each) {
         return each.standing == Standing::Named ? !each.current.isEqualTo(each.wished)

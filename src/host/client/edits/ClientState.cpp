@@ -12,11 +12,7 @@ bool ClientState::exists(const std::string& dn) {
 }
 
 std::vector<AttributeValue> ClientState::attributes(const std::string& dn, const ClassDef& moc) {
-    std::vector<std::string> names;
-    names.reserve(moc.attributes.size());
-    for (const AttributeDef& attribute : moc.attributes) {
-        names.push_back(attribute.name);
-    }
+    const std::vector<std::string> names = attributeNames(moc);
     std::vector<AttributeValue> values;
     values.reserve(names.size());
     const std::vector<NamedReadValue> answers =

@@ -100,9 +100,7 @@ private:
                          const AttributeValue& value) {
         forEachReference(value, [&](const std::string& target) {
             if (mObjects.isDeleted(target)) {
-                mProblems.push_back(
-                    {EditProblem::Kind::DeletedTarget, dn, attribute,
-                     dn + "." + attribute + " names " + target + ", which the wish deletes"});
+                mProblems.push_back(deletedTarget(dn, attribute, target));
             }
         });
     }

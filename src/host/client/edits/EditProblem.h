@@ -4,6 +4,8 @@
 #ifndef ORV_HOST_CLIENT_EDITS_EDITPROBLEM_H
 #define ORV_HOST_CLIENT_EDITS_EDITPROBLEM_H
 
+#include "base/Join.h"
+
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -31,25 +33,26 @@ struct EditProblem {
     std::string text;      ///< for people; names the object, what is wrong, what was expected
 };
 
+/// The \p attribute of \p dn names \p target, which the wish deletes.
+inline EditProblem deletedTarget(const std::string& dn, const std::string& attribute,
+                                 const std::string& target) {
+    return {EditProblem::Kind::DeletedTarget, dn, attribute,
+            dn + "." + attribute + " names " + target + ", which the wish deletes"};
+}
+
 /// A wish that was refused as a whole, before anything was written.
 class EditRefusedError : public std::runtime_error {
 public:
     /// \p problems: at least one.
     explicit EditRefusedError(std::vector<EditProblem> problems)
-        : std::runtime_error(textOf(problems)), mProblems(std::move(problems)) {}
+        : std::runtime_error(
+              joinedLines(problems, [](const EditProblem& problem) { return problem.text; })),
+          mProblems(std::move(problems)) {}
 
     /// All that is wrong, sorted by DN and attribute.
     const std::vector<EditProblem>& problems() const { return mProblems; }
 
 private:
-    static std::string textOf(const std::vector<EditProblem>& problems) {
-        std::string text;
-        for (const EditProblem& problem : problems) {
-            text += (text.empty() ? "" : "\n") + problem.text;
-        }
-        return text;
-    }
-
     std::vector<EditProblem> mProblems;
 };
 
