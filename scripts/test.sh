@@ -6,8 +6,9 @@
 #   scripts/test.sh        format, licences, a debug build and all its tests
 #   scripts/test.sh all    then also all tests and a short run of each fuzzer under AddressSanitizer
 #                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
-#                          threads under ThreadSanitizer; the linter on what changed; the API
-#                          reference; the binary interface against its baseline
+#                          threads under ThreadSanitizer; the linter on the parts that a host loads
+#                          and on what changed; the API reference; the binary interface against
+#                          its baseline
 # Not in it, since they take as long again: scripts/coverage.sh, scripts/release-builds.sh.
 #
 # ORV_LINT_BASE   the commit since which sources count as changed for the linter
@@ -45,6 +46,7 @@ if [ "$mode" = all ]; then
   configure_and_build tsan
   run_tests tsan
   step "lint"
+  build --preset asan --target tidy_component
   scripts/lint.py build/asan --changed "${ORV_LINT_BASE:-}"
   step "API reference"
   build --preset dev --target api_reference
