@@ -4,11 +4,10 @@
 #include "BiDirUtils.h"
 
 #include "AutoMemory.h"
-#include "MoAccessor.h"
+#include "ModelReader.h"
 #include "Portal.h"
 #include "associations/BackPointerRouter.h"
 #include "life/UnderLock.h"
-#include "messages/Tracing.h"
 #include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
 #include "values/ReadResult.h"
@@ -36,7 +35,8 @@ struct Ends {
     VekOamSpiMrMocHandle_4T firstMoc;
 };
 
-// The class of the second end is not needed, but the question is part of the calls that hosts know.
+// The class of the second end is not needed. It is asked for since calls do not change: see
+// ModelQuestions.h.
 Ends endsOf(const Orv::ModelReader& model, VekOamSpiMrBiDirAssociationHandle_4T association) {
     const VekOamSpiMrAssociationEndHandle_4T first = model.firstEnd(association).value;
     const VekOamSpiMrAssociationEndHandle_4T second = model.secondEnd(association).value;
@@ -451,7 +451,7 @@ void BiDirUtils::leaveFarSides(const TracePoint& operation, unsigned long txHand
         traceReadFailure(operation, code, attribute, dn);
         return;
     }
-    endName(model, near); // not needed: the edit asks for the name itself, but hosts know this call
+    endName(model, near); // not needed: the edit asks for the name itself (see ModelQuestions.h)
     const VekMoAttributeValueContainer_3& references = result.references();
     for (std::uint32_t i = 0; i < references.count; ++i) {
         const char* const target = references.values[i].moRef;

@@ -4,9 +4,9 @@
 #include "BiDirValidator.h"
 
 #include "HostFlag.h"
+#include "ModelReader.h"
 #include "OwnedResult.h"
 #include "Portal.h"
-#include "messages/Tracing.h"
 #include "messages/Violation.h"
 #include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
@@ -211,8 +211,8 @@ OrvReturnT BiDirValidator::countValues(const VekMoAttributeValueContainer_3& val
     return OrvOk;
 }
 
-// Texts are asked for before the bounds are compared, also if no message needs them: hosts know
-// these calls.
+// Texts are asked for before the bounds are compared, also if no message needs them (see
+// ModelQuestions.h).
 OrvReturnT BiDirValidator::biDirCardinalityCheck(const char* dn,
                                                  VekOamSpiMrAssociationEndHandle_4T end,
                                                  long long count) {

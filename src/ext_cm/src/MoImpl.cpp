@@ -31,18 +31,13 @@ OrvMoAttributeValueContainer* newContainer(Orv::AutoMemory& memory, std::int32_t
     return container;
 }
 
-bool canBePassed(const OrvMoAttributeValueContainer& parameter) {
-    return isReadable(parameter);
-}
-
-// Unlike in version 3, a value must be there. The id may be without one all the same: that is
-// answered with a code of its own.
-bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer* value) {
-    if (attrName == nullptr) {
-        return false;
+// Unlike in the other versions, a value must be there. The id may be without one all the same: that
+// is answered with a code of its own.
+bool isReadableWhole(const char* attrName, const OrvMoAttributeValueContainer* value) {
+    if (attrName != nullptr && isNetworkManagedElementId(attrName) && !idSlotOf(value).isSet) {
+        return true;
     }
-    const bool isIdWithoutValue = isNetworkManagedElementId(attrName) && !idSlotOf(value).isSet;
-    return isIdWithoutValue || (value != nullptr && isReadableAs(attrName, *value));
+    return value != nullptr && isReadableAs(attrName, value);
 }
 
 }
@@ -86,7 +81,7 @@ OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const 
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
     const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return canBeSet(attrName, value); });
+                                            [&] { return isReadableWhole(attrName, value); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
@@ -156,7 +151,7 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
     const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
-        return areThere(parameters, result) && allOf(parameters, canBePassed);
+        return areThere(parameters, result) && areReadable(parameters);
     });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
@@ -170,7 +165,7 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
     OrvMoAttributeValueContainer* answer = nullptr;
     const OrvReturnT code =
         router->action(txHandle, internalDn.c_str(), name, converted.data(), &answer);
-    *result = answer; // whatever the code: hosts know it so
+    *result = answer; // whatever the code: clients of this version read it also after a failure
     if (code == OrvOk) {
         *result = toExternal(answer, txHandle);
     }

@@ -29,8 +29,10 @@
 namespace OrvExtCmRouterService {
 
 /// Iteration over the children of an MO, for an interface table and its type of handles; base of
-/// the classes that serve such a table. A client's handle is the address of a record of this class,
-/// not the router's handle: it can be checked before it is used, and it ends with the transaction.
+/// the classes that serve such a table. It stands in this header, also for version 3, because its
+/// messages carry the name of the source that they come from, which readers of logs know. A
+/// client's handle is the address of a record of this class, not the router's handle: it can be
+/// checked before it is used, and it ends with the transaction.
 ///
 /// Threads: as the serving class. MoIterator::_mutex guards the set of living records and is held
 /// for the work on the set only.

@@ -4,10 +4,12 @@
 #include "MoImpl3.h"
 
 #include "DnUtil.h"
+#include "MoInterceptorBase.h"
 #include "associations/AssociationRecord.h"
 #include "life/ComponentName.h"
 #include "life/OpeningSteps.h"
 #include "life/ServiceLife.h"
+#include "values/ConvertedResultData.h"
 #include "values/KnownAttributes.h"
 #include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
@@ -54,16 +56,8 @@ bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
     return isNamed && isReadable(attribute.value);
 }
 
-bool canBePassed(const OrvMoNamedAttributeValueContainer_3& parameter) {
-    return isReadable(parameter.value);
-}
-
-bool canBeSet(const char* attrName, const OrvMoAttributeValueContainer_3* value) {
-    return attrName != nullptr && (value == nullptr || isReadableAs(attrName, *value));
-}
-
-// The last step of every wrapping, and one that cannot fail: after an exception a result is still
-// the producer's.
+// Gives view to result. The last step of every wrapping, since it cannot fail: after an
+// exception a result is still the producer's.
 ConvertedResultData* handOut(std::unique_ptr<ConvertedResultData> view,
                              OrvMoAttributeValueResult_3& result) {
     result.container = view.get();
@@ -248,12 +242,12 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
     std::string internalDn;
     const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return canBeSet(attrName, value); });
+                                            [&] { return isReadableAs(attrName, value); });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);
     }
     getTxData(txHandle);
-    // After the join, as hosts know it: the refusal of an id is an answer within the transaction.
+    // After the join: the refusal of an id is an answer within the transaction.
     if (isNetworkManagedElementId(attrName) && idSlotOf(value).isRefused()) {
         ORV_TRACE("Validation of networkManagedElementId failed: %s", idSlotOf(value).shownText());
         return ORV_TRACE_RESULT(OrvValidationFailed);
@@ -292,7 +286,7 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
     std::string internalDn;
     const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
-        return areThere(parameters, result) && allOf(parameters, canBePassed);
+        return areThere(parameters, result) && areReadable(parameters);
     });
     if (opened != OrvOk) {
         return ORV_TRACE_RESULT(opened);

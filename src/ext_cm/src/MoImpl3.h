@@ -7,16 +7,13 @@
 #include "BiDirUtils.h"
 #include "ExtCmInterceptorRepository.h"
 #include "MoImpl.h"
-#include "MoInterceptorBase.h"
 #include "OrvInterfaceBinders.h"
 #include "OrvMgmtSpiComponent_1.h"
 #include "OrvMgmtSpiInterfacePortal.h"
 #include "OrvMoAttributeValue.h"
 #include "OrvOamSpiManagedObject_3.h"
 #include "UniDirValidator.h"
-#include "associations/AssociationRecord.h"
 #include "life/TransactionData.h"
-#include "values/ConvertedResultData.h"
 #include "values/IdMappings.h"
 
 #include <Poco/Mutex.h>
@@ -24,6 +21,10 @@
 #include <string>
 
 namespace OrvExtCmRouterService {
+
+class ConvertedResultData;
+class MoInterceptorBase;
+struct WrittenMo;
 
 /// The managed-object interface of version 3: translates DNs, also those in values, asks an
 /// interceptor or else the host's router, and keeps associations in step with what is written.
@@ -96,11 +97,24 @@ protected:
     OrvOamSpiManagedObject_3* getCmRouter() override;
 
 private:
+    /// Null if no interceptor is registered for the class of \p internalDn. Not owned.
     MoInterceptorBase* interceptorFor(const std::string& internalDn);
+
+    // These put a converted view in the place of a producer's \p result. The view belongs to the
+    // result: it and the original end when the client releases that. After an exception the result
+    // is still the producer's.
+
+    /// For an attribute that was read. \p dn is external. The view is returned for those who put
+    /// results together: they take it, and \p result with it.
     ConvertedResultData* createConvertedData(const char* dn, const char* attrName,
                                              OrvMoAttributeValueResult_3& result);
+    /// For what an action has answered.
     void wrap(OrvMoAttributeValueResult_3& result);
+    /// For the values of several attributes, at least one. \p dn is external.
     void wrapMany(const char* dn, const char** attrNames, OrvMoAttributeValuesResult_3& result);
+
+    /// Keeps associations in step with an MO that the router has taken. \p attributes are the
+    /// converted ones.
     void recordCreation(const WrittenMo& created, const char* namingAttr,
                         OrvMoNamedAttributeValueContainer_3** attributes);
 

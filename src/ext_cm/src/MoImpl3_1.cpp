@@ -20,10 +20,9 @@ namespace OrvExtCmRouterService {
 
 namespace {
 
-// An id without values is not looked at, so its slots need not be readable.
+// An attribute without values is not looked at, so its slots need not be readable.
 bool canBeSet(const VekMoNamedAttributeValueContainer_3& attribute) {
-    return attribute.name != nullptr &&
-           (attribute.value.count == 0 || isReadableAs(attribute.name, attribute.value));
+    return isReadableAs(attribute.name, attribute.value.count != 0 ? &attribute.value : nullptr);
 }
 
 // The value of the first id that must not stand in a DN, or null. Unlike in version 3, an attribute

@@ -11,7 +11,9 @@
 #include <cstring>
 
 /// \file
-/// The component reads the model in two ways, and hosts know both.
+/// How the component reads the model. Hosts answer these questions from tables of their own, record
+/// them and play them back, so which are asked, and in which order, does not change, also where an
+/// answer is not needed. There are two ways.
 ///
 /// *Bidirectional* associations take handles that come from the model to be good, so codes are not
 /// looked at: they use the value of an answer, and what cannot be answered is a zero handle, a null
@@ -24,7 +26,7 @@
 namespace OrvExtCmRouterService {
 
 // What bidirectional associations ask. Each makes the calls that it needs and no others, in the
-// order of its name's parts: calls are part of what hosts know.
+// order of its name's parts.
 
 inline const char* mocName(const Orv::ModelReader& model, VekOamSpiMrMocHandle_4T moc) {
     return model.generalName(model.mocProperties(moc).value).value;

@@ -48,17 +48,21 @@ IdSlot idSlotOf(const Container* value) {
     return {bits != 0, isText ? value->values[0].string : nullptr};
 }
 
-/// True if \p value can be read as that of the attribute \p attrName (see isReadable). An id under
-/// a type code that is not that of a text is not looked into: it is refused later (see IdSlot).
+/// True if there is an \p attrName, and \p value, if there is one, can be read as that of this
+/// attribute (see isReadable). An id under a type code that is not that of a text is not looked
+/// into: it is refused later (see IdSlot).
 template <class Container>
-bool isReadableAs(const char* attrName, const Container& value) {
+bool isReadableAs(const char* attrName, const Container* value) {
+    if (attrName == nullptr || value == nullptr) {
+        return attrName != nullptr;
+    }
     if (isNetworkManagedElementId(attrName)) {
-        const IdSlot id = idSlotOf(&value);
+        const IdSlot id = idSlotOf(value);
         if (id.isSet && id.text == nullptr) {
             return true;
         }
     }
-    return isReadable(value);
+    return isReadable(*value);
 }
 
 /// True if \p attrName is "managedElementId" and \p dn, external, names the root alone. The class

@@ -25,6 +25,9 @@ namespace OrvExtCmRouterService {
 /// 3_1. In version 1 it cannot be read.
 bool isReadable(const OrvMoAttributeValueContainer_3& value);
 bool isReadable(const OrvMoAttributeValueContainer& value);
+inline bool isReadable(const OrvMoNamedAttributeValueContainer_3& attribute) {
+    return isReadable(attribute.value);
+}
 
 /// True if \p holds is true for each of \p records, whose last is a null pointer. A null array
 /// counts as empty.
@@ -36,6 +39,12 @@ bool allOf(Record* const* records, const Predicate& holds) {
         }
     }
     return true;
+}
+
+/// The same for each of \p values, plain or named.
+template <class Value>
+bool areReadable(Value* const* values) {
+    return allOf(values, [](const Value& value) { return isReadable(value); });
 }
 
 /// How many \p records there are before the null pointer that ends them.
