@@ -16,10 +16,10 @@ if(ORV_ABIDW AND ORV_ABIDIFF
   set(baseline "")
   foreach(library IN ITEMS orv_common ext_cm)
     list(APPEND check COMMAND "${ORV_ABIDIFF}" --no-added-syms
-      --exported-interfaces-only --suppressions "${abi_dir}/not-ours.abignore"
+      --exported-interfaces-only --suppressions "${abi_dir}/not-compared.abignore"
       "${abi_dir}/lib${library}.abi" "$<TARGET_FILE:${library}>")
     list(APPEND baseline COMMAND "${ORV_ABIDW}"
-      --exported-interfaces-only --suppressions "${abi_dir}/not-ours.abignore"
+      --exported-interfaces-only --suppressions "${abi_dir}/not-compared.abignore"
       --no-show-locs --no-corpus-path --no-comp-dir-path --out-file "${abi_dir}/lib${library}.abi"
       "$<TARGET_FILE:${library}>")
   endforeach()

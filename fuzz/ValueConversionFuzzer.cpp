@@ -172,7 +172,7 @@ void convertNamed(OrvMoAttributeValueContainer_3* original, const IdMappings& ma
     OrvMoNamedAttributeValueContainer_3* const attributes[] = {&named, &named, nullptr};
     Orv::AutoMemory memory;
     auto** const converted =
-        conversion.toInternal(attributes, memory, &ValueConversion::newBlockRecord);
+        conversion.toInternal(attributes, memory, [](const auto& /*converted*/) {});
     const Judge<Version3> judge(mappings, IdMappings::ToInternal);
     for (int at = 0; at < 2; ++at) {
         require(converted[at]->name == named.name, "the name is not the client's");

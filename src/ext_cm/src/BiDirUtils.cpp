@@ -3,7 +3,6 @@
 
 #include "BiDirUtils.h"
 
-#include "AutoMemory.h"
 #include "ModelReader.h"
 #include "Portal.h"
 #include "associations/BackPointerRouter.h"
@@ -15,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
 #include <utility>
 
 namespace OrvExtCmRouterService {
@@ -136,14 +134,15 @@ OrvReturnT BiDirUtils::findAssociationEnd(VekOamSpiMrMocHandle_4T moc, const cha
 void BiDirUtils::getMoRefDiff(const VekMoAttributeValueContainer_3* newValue,
                               const VekMoAttributeValueContainer_3* oldValue,
                               std::vector<std::string>& toAdd, std::vector<std::string>& toRemove) {
-    for (const char* dn : missingReferences(*newValue, *oldValue)) {
+    const TracePoint operation = ORV_TRACE_POINT;
+    forEachMissing(*newValue, *oldValue, [&](const char* dn) {
         toAdd.emplace_back(dn);
-        ORV_TRACE("DN to be added to backpointer: %s", dn);
-    }
-    for (const char* dn : missingReferences(*oldValue, *newValue)) {
+        ORV_TRACE_AT(operation, "DN to be added to backpointer: %s", dn);
+    });
+    forEachMissing(*oldValue, *newValue, [&](const char* dn) {
         toRemove.emplace_back(dn);
-        ORV_TRACE("DN to be removed from backpointer: %s", dn);
-    }
+        ORV_TRACE_AT(operation, "DN to be removed from backpointer: %s", dn);
+    });
 }
 
 // The attribute is written also if the DN does not stand in it: with the write it is recorded for
@@ -217,16 +216,12 @@ OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string
 OrvReturnT BiDirUtils::writeBackPointer(const TracePoint& operation, unsigned long txHandle,
                                         const std::vector<std::string>& values, const char* dn,
                                         const char* attributeName) {
-    Orv::AutoMemory memory;
-    const auto count = static_cast<std::uint32_t>(values.size());
-    auto* const slots = memory.malloc<OrvMoAttributeValue_3>(count);
-    if (slots == nullptr && count != 0) {
-        throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
-    }
-    for (std::uint32_t i = 0; i < count; ++i) {
+    std::vector<OrvMoAttributeValue_3> slots(std::max<std::size_t>(values.size(), 1)); // never null
+    for (std::size_t i = 0; i < values.size(); ++i) {
         slots[i].moRef = values[i].c_str();
     }
-    const VekMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, count, slots};
+    const VekMoAttributeValueContainer_3 value{
+        OrvMoAttributeTypeMoRef_3, static_cast<std::uint32_t>(values.size()), slots.data()};
     const OrvReturnT code = BackPointerRouter(moRouter).write(txHandle, dn, attributeName, value);
     if (code == OrvOk) {
         addUpdatedBp(txHandle, dn, attributeName);
@@ -322,11 +317,6 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
 // ---------------------------------------------------------------------------------------------
 // A deleted MO
 
-BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle, std::string moDn)
-    : dn(std::move(moDn)), accessor(Orv::OrvLockPolicyRead, childLookupLimit) {
-    accessor.useTransaction(txHandle);
-}
-
 // Children before parents, and without recursion: a subtree can be deeper than a host's thread has
 // stack for.
 OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
@@ -336,16 +326,16 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
     }
     const TracePoint operation = ORV_TRACE_POINT;
     std::list<MoToLeave> path; // from the deleted MO down to the current one
-    const OrvReturnT code = descend(operation, txHandle, dn, path);
+    const OrvReturnT code = leaveOrDescend(operation, txHandle, dn, path);
     std::size_t visited = 0;
     bool isCutOff = false;
     while (!path.empty()) {
         MoToLeave& mo = path.back();
         if (!mo.children.empty()) {
-            std::string child = std::move(mo.children.front());
+            const std::string child = std::move(mo.children.front());
             mo.children.pop_front();
             if (path.size() < deepestSubtree && ++visited < largestSubtree) {
-                descend(operation, txHandle, std::move(child), path);
+                leaveOrDescend(operation, txHandle, child.c_str(), path);
             } else if (!isCutOff) {
                 isCutOff = true;
                 ORV_LOG(3, "A subtree to delete does not end: cut off at %s", child.c_str());
@@ -361,17 +351,23 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
     return code;
 }
 
-/// Adds the MO to \p path, unless its class is not known: then nothing is done for it and what lies
-/// below it. Gives back the code of the class lookup.
-OrvReturnT BiDirUtils::descend(const TracePoint& operation, unsigned long txHandle, std::string dn,
-                               std::list<MoToLeave>& path) const {
-    MoToLeave& mo = path.emplace_back(txHandle, std::move(dn));
+/// Adds the MO to \p path if its class contains others, or takes it out of the back-pointers at
+/// once. If its class is not known nothing is done for it and what lies below it. Gives back the
+/// code of the class lookup.
+OrvReturnT BiDirUtils::leaveOrDescend(const TracePoint& operation, unsigned long txHandle,
+                                      const char* dn, std::list<MoToLeave>& path) {
+    Orv::MoAccessor accessor(Orv::OrvLockPolicyRead, childLookupLimit);
+    accessor.useTransaction(txHandle);
     VekOamSpiMrMocHandle_4T moc = 0;
-    const OrvReturnT code = lookUpMoc(operation, mo.dn.c_str(), moc);
-    if (code == OrvOk) {
-        mo.childClasses = containedClasses(operation, moc);
+    const OrvReturnT code = lookUpMoc(operation, dn, moc);
+    if (code != OrvOk) {
+        return code;
+    }
+    std::list<std::string> childClasses = containedClasses(operation, moc);
+    if (childClasses.empty()) {
+        updateBackpointers(txHandle, dn);
     } else {
-        path.pop_back();
+        path.push_back({dn, accessor, std::move(childClasses), {}});
     }
     return code;
 }
@@ -521,7 +517,13 @@ void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle)
 // or a second time finds the same pairs. A handle that the host uses again has its earlier pairs
 // checked again: more is checked then than need be, never less.
 void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute) {
-    modifiedBackPointers[txHandle].emplace(dn, attribute);
+    ModifiedAttributes& written = modifiedBackPointers[txHandle];
+    // Most pairs are known, and need no copies of their texts then.
+    const ModifiedAttributeText pair(dn, attribute);
+    const auto place = written.lower_bound(pair);
+    if (place == written.end() || pair < ModifiedAttributeText(*place)) {
+        written.emplace_hint(place, dn, attribute);
+    }
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {

@@ -17,6 +17,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -38,7 +39,18 @@ class BiDirUtils {
 public:
     /// A written attribute: the MO's DN and the attribute's name.
     using ModifiedAttribute = std::pair<std::string, std::string>;
-    using ModifiedAttributes = std::set<ModifiedAttribute>;
+    using ModifiedAttributeText = std::pair<std::string_view, std::string_view>;
+
+    /// By DN, then by attribute.
+    struct ModifiedAttributeOrder {
+        using is_transparent = void;
+
+        bool operator()(const ModifiedAttributeText& left,
+                        const ModifiedAttributeText& right) const {
+            return left < right;
+        }
+    };
+    using ModifiedAttributes = std::set<ModifiedAttribute, ModifiedAttributeOrder>;
 
     /// An addition that waits for its target to be created.
     using BackPointerData = OrvExtCmRouterService::BackPointerData;
@@ -172,8 +184,6 @@ private:
 
     /// An MO of a subtree that is deleted, while what lies below it is taken care of.
     struct MoToLeave {
-        MoToLeave(unsigned long txHandle, std::string moDn);
-
         std::string dn;
         Orv::MoAccessor accessor;
         std::list<std::string> childClasses; ///< whose children have not been asked for
@@ -195,8 +205,8 @@ private:
     OrvReturnT editTargets(Edit edit, const std::vector<std::string>& targets, const Source& source,
                            VekOamSpiMrAssociationEndHandle_4T near, VekOamSpiMrMocHandle_4T farMoc,
                            OrvReturnT code);
-    OrvReturnT descend(const TracePoint& operation, unsigned long txHandle, std::string dn,
-                       std::list<MoToLeave>& path) const;
+    OrvReturnT leaveOrDescend(const TracePoint& operation, unsigned long txHandle, const char* dn,
+                              std::list<MoToLeave>& path);
     std::list<std::string> containedClasses(const TracePoint& operation,
                                             VekOamSpiMrMocHandle_4T moc) const;
     void leaveAssociation(const TracePoint& operation, unsigned long txHandle, const char* dn,

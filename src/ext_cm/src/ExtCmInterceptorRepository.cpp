@@ -4,6 +4,7 @@
 #include "ExtCmInterceptorRepository.h"
 
 #include "MoInterceptorBase.h"
+#include "interceptors/InterceptorLookup.h"
 #include "life/ComponentName.h"
 #include "life/UnderLock.h"
 #include "messages/Tracing.h"
@@ -13,7 +14,9 @@ namespace OrvExtCmRouterService {
 ExtCmInterceptorRepository::ExtCmInterceptorRepository()
     : mIdentity(offered(ExtCmInterceptorRepositoryI_1_Id)) {}
 
-ExtCmInterceptorRepository::~ExtCmInterceptorRepository() = default;
+ExtCmInterceptorRepository::~ExtCmInterceptorRepository() {
+    registeredInterceptors -= mInterceptors.size();
+}
 
 // The first registration stays: an interceptor that serves a path must not lose it to another one
 // without notice.
@@ -22,18 +25,19 @@ OrvReturnT ExtCmInterceptorRepository::registerClass(MoInterceptorBase& intercep
     ORV_TRACE_ENTRY(" >> interceptor: %p, mocPath: %s ", static_cast<const void*>(&interceptor),
                     mocPath.c_str());
     const TracePoint operation = ORV_TRACE_POINT;
-    return underLock(mMutex, [&] {
-        const bool entered = mInterceptors.emplace(mocPath, &interceptor).second;
-        if (!entered) {
+    return underLock(mMutex, [&]() -> OrvReturnT {
+        if (!mInterceptors.emplace(mocPath, &interceptor).second) {
             ORV_TRACE_AT(operation, "Interceptor with mocPath %s is already registered",
                          mocPath.c_str());
+            return OrvAlreadyExist;
         }
-        return entered ? OrvOk : OrvAlreadyExist;
+        ++registeredInterceptors;
+        return OrvOk;
     });
 }
 
 void ExtCmInterceptorRepository::deregisterClass(std::string const& mocPath) {
-    underLock(mMutex, [&] { mInterceptors.erase(mocPath); });
+    underLock(mMutex, [&] { registeredInterceptors -= mInterceptors.erase(mocPath); });
 }
 
 // Only the lookup is locked. The interceptor runs without the lock, so that it may register and

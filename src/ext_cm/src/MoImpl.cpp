@@ -79,11 +79,10 @@ OrvOamSpiManagedObject_1* MoImpl::getCmRouter() {
 OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                   const OrvMoAttributeValueContainer* value) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return isReadableWhole(attrName, value); });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened =
+        openOperation(started, idMappings, dn, [&] { return isReadableWhole(attrName, value); });
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     if (isNetworkManagedElementId(attrName)) {
         const IdSlot id = idSlotOf(value);
@@ -100,19 +99,18 @@ OrvReturnT MoImpl::setMoAttribute(unsigned long txHandle, const char* dn, const 
     const OrvMoAttributeValueContainer* const converted =
         transformContainer(value, IdMappings::ToInternal, txHandle);
     return ORV_TRACE_RESULT(
-        router->setMoAttribute(txHandle, internalDn.c_str(), attrName, converted));
+        router->setMoAttribute(txHandle, opened.dn.c_str(), attrName, converted));
 }
 
 OrvReturnT MoImpl::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                   OrvMoAttributeValueContainer** result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return areThere(attrName, result); });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened =
+        openOperation(started, idMappings, dn, [&] { return areThere(attrName, result); });
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
-    const OrvReturnT code = router->getMoAttribute(txHandle, internalDn.c_str(), attrName, result);
+    const OrvReturnT code = router->getMoAttribute(txHandle, opened.dn.c_str(), attrName, result);
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }
@@ -125,36 +123,33 @@ OrvReturnT MoImpl::createMo(unsigned long txHandle, const char* dn, const char* 
                             const char* attrName, const char* attrValue) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
-    std::string internalDn;
     // Everything else is only passed on: a null among it is for the router to refuse.
-    const OrvReturnT opened = openCreation(started, idMappings, dn, internalDn, nothingElse);
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened = openCreation(started, idMappings, dn, nothingElse);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     return ORV_TRACE_RESULT(
-        router->createMo(txHandle, internalDn.c_str(), className, attrName, attrValue));
+        router->createMo(txHandle, opened.dn.c_str(), className, attrName, attrValue));
 }
 
 OrvReturnT MoImpl::deleteMo(unsigned long txHandle, const char* dn) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened = openOperation(started, idMappings, dn, nothingElse);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
-    return ORV_TRACE_RESULT(router->deleteMo(txHandle, internalDn.c_str()));
+    return ORV_TRACE_RESULT(router->deleteMo(txHandle, opened.dn.c_str()));
 }
 
 OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* name,
                           OrvMoAttributeValueContainer** parameters,
                           OrvMoAttributeValueContainer** result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+    const Opened opened = openOperation(started, idMappings, dn, [&] {
         return areThere(parameters, result) && areReadable(parameters);
     });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     std::vector<OrvMoAttributeValueContainer*> converted;
     for (std::size_t index = 0; parameters[index] != nullptr; ++index) {
@@ -164,7 +159,7 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
     converted.push_back(nullptr);
     OrvMoAttributeValueContainer* answer = nullptr;
     const OrvReturnT code =
-        router->action(txHandle, internalDn.c_str(), name, converted.data(), &answer);
+        router->action(txHandle, opened.dn.c_str(), name, converted.data(), &answer);
     *result = answer; // whatever the code: clients of this version read it also after a failure
     if (code == OrvOk) {
         *result = toExternal(answer, txHandle);

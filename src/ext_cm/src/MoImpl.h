@@ -156,24 +156,21 @@ template <class Table, class Handle>
 OrvReturnT IterImpl<Table, Handle>::newMoIterator(unsigned long txHandle, const char* dn,
                                                   const char* className, Handle* iterator) {
     ORV_TRACE_ENTRY(" >> newMoIterator  dn: %s, class: %s", shown(dn), shown(className));
-    std::string internalDn;
     // Unlike all other operations, this one does not ask whether the service is started: a DN that
     // cannot be translated is answered first, and then the missing router.
-    const OrvReturnT opened =
-        openWalk(true, mappings, dn, internalDn, [&] { return areThere(iterator); });
-    if (opened == OrvNotExist) {
+    const Opened opened = openWalk(true, mappings, dn, [&] { return areThere(iterator); });
+    if (opened.code == OrvNotExist) {
         ORV_TRACE_EXIT(" << Error: %s", "OrvNotExist");
-        return opened;
+        return opened.code;
     }
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     Table* const router = getCmRouter();
     if (router == nullptr) {
         return ORV_TRACE_RESULT(OrvNotActive);
     }
-    const OrvReturnT code =
-        router->newMoIterator(txHandle, internalDn.c_str(), className, iterator);
+    const OrvReturnT code = router->newMoIterator(txHandle, opened.dn.c_str(), className, iterator);
     if (code != OrvOk) {
         return ORV_TRACE_RESULT(code);
     }

@@ -3,9 +3,9 @@
 
 #include "MoImpl3.h"
 
-#include "DnUtil.h"
 #include "MoInterceptorBase.h"
 #include "associations/AssociationRecord.h"
+#include "interceptors/InterceptorLookup.h"
 #include "life/ComponentName.h"
 #include "life/OpeningSteps.h"
 #include "life/ServiceLife.h"
@@ -14,10 +14,12 @@
 #include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -29,10 +31,17 @@ namespace {
 // The default name of a class's naming attribute is the class name, its first letter small, and
 // "Id". Anything else, also in another case, is a name of its own.
 bool isDefaultNamingAttribute(const char* className, const char* attrName) {
-    std::string defaultName(className);
-    defaultName[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(defaultName[0])));
-    defaultName += "Id";
-    return defaultName == attrName;
+    const std::string_view moc(className);
+    std::string_view name(attrName);
+    if (!name.ends_with("Id")) {
+        return false;
+    }
+    name.remove_suffix(2);
+    if (name.empty() || moc.empty()) {
+        return name == moc;
+    }
+    const int first = std::tolower(static_cast<unsigned char>(moc.front()));
+    return name.front() == static_cast<char>(first) && name.substr(1) == moc.substr(1);
 }
 
 // In one piece of memory, whatever the number of pieces.
@@ -41,13 +50,15 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
     for (const std::string_view piece : pieces) {
         length += piece.size();
     }
-    std::string text;
-    text.reserve(length);
+    std::string text(length, '\0');
+    char* end = text.data();
     for (const std::string_view piece : pieces) {
-        text.append(piece);
+        end = std::copy(piece.begin(), piece.end(), end);
     }
     return text;
 }
+
+void noFurtherUse(const OrvMoNamedAttributeValueContainer_3& /*converted*/) {}
 
 // A name is read only where back-pointers must follow, so only there it must be present.
 bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
@@ -106,30 +117,23 @@ OrvOamSpiManagedObject_3* MoImpl3::getCmRouter() {
     return router;
 }
 
-MoInterceptorBase* MoImpl3::interceptorFor(const std::string& internalDn) {
-    return interceptors->getInterceptor(Orv::DnUtil::getMocPath(internalDn));
-}
-
 OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened = openOperation(started, idMappings, dn, nothingElse);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
-    return ORV_TRACE_RESULT(router->existsMo(txHandle, internalDn.c_str(), exists));
+    return ORV_TRACE_RESULT(router->existsMo(txHandle, opened.dn.c_str(), exists));
 }
 
 OrvReturnT MoImpl3::countMoChildren(unsigned long txHandle, const char* dn, const char* className,
                                     unsigned long long* count) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openWalk(started, idMappings, dn, internalDn, nothingElse);
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened = openWalk(started, idMappings, dn, nothingElse);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
-    return ORV_TRACE_RESULT(
-        router->countMoChildren(txHandle, internalDn.c_str(), className, count));
+    return ORV_TRACE_RESULT(router->countMoChildren(txHandle, opened.dn.c_str(), className, count));
 }
 
 OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
@@ -139,18 +143,17 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
     if (!started || result == nullptr) {
         return ORV_TRACE_RESULT(OrvFailure);
     }
-    std::string internalDn;
-    const OrvReturnT opened =
-        openOperation(started, idMappings, dn, internalDn, [&] { return areThere(attrName); });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened =
+        openOperation(started, idMappings, dn, [&] { return areThere(attrName); });
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     // One of the two answers, never both. A result of a call that failed stays as it is.
-    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
     const OrvReturnT code =
         interceptor != nullptr
-            ? interceptor->getMoAttribute(txHandle, internalDn.c_str(), attrName, result)
-            : router->getMoAttribute(txHandle, internalDn.c_str(), attrName, result);
+            ? interceptor->getMoAttribute(txHandle, opened.dn.c_str(), attrName, result)
+            : router->getMoAttribute(txHandle, opened.dn.c_str(), attrName, result);
     if (code == OrvOk) {
         createConvertedData(dn, attrName, *result);
     }
@@ -160,17 +163,16 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
 OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, const char** attrNames,
                                     OrvMoAttributeValuesResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return areThere(attrNames, result); });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened =
+        openOperation(started, idMappings, dn, [&] { return areThere(attrNames, result); });
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
-    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
     const OrvReturnT code =
         interceptor != nullptr
-            ? interceptor->getMoAttributes(txHandle, internalDn.c_str(), attrNames, result)
-            : router->getMoAttributes(txHandle, internalDn.c_str(), attrNames, result);
+            ? interceptor->getMoAttributes(txHandle, opened.dn.c_str(), attrNames, result)
+            : router->getMoAttributes(txHandle, opened.dn.c_str(), attrNames, result);
     if (code == OrvOk && result->containers != nullptr && result->containers[0] != nullptr) {
         wrapMany(dn, attrNames, *result);
     }
@@ -195,21 +197,20 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
-    std::string parentDn;
-    const OrvReturnT opened = openCreation(started, idMappings, dn, parentDn, [&] {
+    const Opened opened = openCreation(started, idMappings, dn, [&] {
         return areThere(className, attrName, attrValue) && allOf(attributes, canBeCreatedWith);
     });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle); // for the join alone, here and in the other writes
+    const std::string& parentDn = opened.dn;
     const std::string plainDn = joined({parentDn, ",", className, "=", attrValue});
     Orv::AutoMemory memory;
     OrvMoNamedAttributeValueContainer_3* const none = nullptr;
     OrvMoNamedAttributeValueContainer_3** const converted =
         ValueConversion(idMappings)
-            .toInternal(attributes != nullptr ? attributes : &none, memory,
-                        &ValueConversion::newOwnedRecord);
+            .toInternal(attributes != nullptr ? attributes : &none, memory, noFurtherUse);
     const OrvReturnT code =
         router->createMo(txHandle, parentDn.c_str(), className, attrName, attrValue, converted);
     if (code == OrvOk) {
@@ -240,11 +241,10 @@ void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
 OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
                                    const OrvMoAttributeValueContainer_3* value) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, attr: %s", txHandle, shown(dn), shown(attrName));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn,
-                                            [&] { return isReadableAs(attrName, value); });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened =
+        openOperation(started, idMappings, dn, [&] { return isReadableAs(attrName, value); });
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle);
     // After the join: the refusal of an id is an answer within the transaction.
@@ -253,50 +253,51 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
         return ORV_TRACE_RESULT(OrvValidationFailed);
     }
     // Recorded before the change is passed on: what came and what went is found by comparing with
-    // the value that the router still holds. The view does not write to the client's value.
-    ConvertedResultData view(nullptr, const_cast<OrvMoAttributeValueContainer_3*>(value));
-    ValueConversion(idMappings).transformContainer(view, IdMappings::ToInternal);
-    recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
-                     attrName, view);
-    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    // the value that the router still holds.
+    std::optional<Orv::AutoMemory> memory; // most values need none
+    OrvMoAttributeValueContainer_3 converted =
+        value != nullptr ? *value : OrvMoAttributeValueContainer_3{};
+    if (mayHoldReferences(converted)) {
+        converted = ValueConversion(idMappings).toInternal(*value, memory.emplace());
+        recordReferences(biDirUtils, uniDirValidator, {txHandle, opened.dn, opened.dn, false},
+                         attrName, converted);
+    }
+    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
     return ORV_TRACE_RESULT(
         interceptor != nullptr
-            ? interceptor->setMoAttribute(txHandle, internalDn.c_str(), attrName, &view)
-            : router->setMoAttribute(txHandle, internalDn.c_str(), attrName, &view));
+            ? interceptor->setMoAttribute(txHandle, opened.dn.c_str(), attrName, &converted)
+            : router->setMoAttribute(txHandle, opened.dn.c_str(), attrName, &converted));
 }
 
 OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, nothingElse);
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    const Opened opened = openOperation(started, idMappings, dn, nothingElse);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle);
     // All before the delete: the attributes that name the far sides can be read only until then.
-    biDirUtils.updateBackPointersForDelete(txHandle, internalDn.c_str());
-    biDirUtils.removePendingBackPointerUpdates(txHandle, internalDn);
-    uniDirValidator.deleteMo(txHandle, internalDn);
-    return ORV_TRACE_RESULT(router->deleteMo(txHandle, internalDn.c_str()));
+    biDirUtils.updateBackPointersForDelete(txHandle, opened.dn.c_str());
+    biDirUtils.removePendingBackPointerUpdates(txHandle, opened.dn);
+    uniDirValidator.deleteMo(txHandle, opened.dn);
+    return ORV_TRACE_RESULT(router->deleteMo(txHandle, opened.dn.c_str()));
 }
 
 OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* name,
                            OrvMoNamedAttributeValueContainer_3** parameters,
                            OrvMoAttributeValueResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+    const Opened opened = openOperation(started, idMappings, dn, [&] {
         return areThere(parameters, result) && areReadable(parameters);
     });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle);
     Orv::AutoMemory memory;
     OrvMoNamedAttributeValueContainer_3** const converted =
-        ValueConversion(idMappings)
-            .toInternal(parameters, memory, &ValueConversion::newBlockRecord);
-    const OrvReturnT code = router->action(txHandle, internalDn.c_str(), name, converted, result);
+        ValueConversion(idMappings).toInternal(parameters, memory, noFurtherUse);
+    const OrvReturnT code = router->action(txHandle, opened.dn.c_str(), name, converted, result);
     // Without values there is nothing to translate: the client gets the router's own result.
     if (code == OrvOk && result->container != nullptr && result->container->count != 0) {
         wrap(*result);

@@ -3,9 +3,9 @@
 
 #include "MoImpl3_1.h"
 
-#include "DnUtil.h"
 #include "MoInterceptorBase.h"
 #include "associations/AssociationRecord.h"
+#include "interceptors/InterceptorLookup.h"
 #include "life/ComponentName.h"
 #include "life/OpeningSteps.h"
 #include "life/ServiceLife.h"
@@ -14,7 +14,7 @@
 #include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
 
-#include <vector>
+#include <cstddef>
 
 namespace OrvExtCmRouterService {
 
@@ -37,20 +37,6 @@ findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes) {
         }
     }
     return nullptr;
-}
-
-// Class by class from the end; equal to what Orv::DnUtil::getMocPath gives.
-std::string mocPathOf(std::string dn) {
-    std::vector<std::string> classes;
-    std::string leaf;
-    while (Orv::DnUtil::popLeafClass(dn, leaf)) {
-        classes.push_back(leaf);
-    }
-    std::string path;
-    for (auto next = classes.rbegin(); next != classes.rend(); ++next) {
-        path.append(next != classes.rbegin() ? "," : "").append(*next);
-    }
-    return path;
 }
 
 }
@@ -96,12 +82,11 @@ VekOamSpiManagedObject_3_1* MoImpl3_1::getCmRouter() {
 OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                       VekMoNamedAttributeValueContainer_3** attributes) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, ", txHandle, shown(dn));
-    std::string internalDn;
-    const OrvReturnT opened = openOperation(started, idMappings, dn, internalDn, [&] {
+    const Opened opened = openOperation(started, idMappings, dn, [&] {
         return areThere(attributes) && allOf(attributes, canBeSet);
     });
-    if (opened != OrvOk) {
-        return ORV_TRACE_RESULT(opened);
+    if (opened.code != OrvOk) {
+        return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle);
     // All ids are asked before any attribute is recorded: a refusal changes no store.
@@ -113,12 +98,12 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
     }
     Orv::AutoMemory memory;
     VekMoNamedAttributeValueContainer_3** const converted =
-        convertAndRecord(txHandle, internalDn, attributes, memory);
-    MoInterceptorBase* const interceptor = interceptors->getInterceptor(mocPathOf(internalDn));
+        convertAndRecord(txHandle, opened.dn, attributes, memory);
+    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
     return ORV_TRACE_RESULT(
         interceptor != nullptr
-            ? interceptor->setMoAttributes(txHandle, internalDn.c_str(), converted)
-            : router->setMoAttributes(txHandle, internalDn.c_str(), converted));
+            ? interceptor->setMoAttributes(txHandle, opened.dn.c_str(), converted)
+            : router->setMoAttributes(txHandle, opened.dn.c_str(), converted));
 }
 
 // The attributes are handled one by one. If one fails, those before it stay recorded.
@@ -126,16 +111,11 @@ VekMoNamedAttributeValueContainer_3**
 MoImpl3_1::convertAndRecord(unsigned long txHandle, const std::string& internalDn,
                             VekMoNamedAttributeValueContainer_3** attributes,
                             Orv::AutoMemory& memory) {
-    const ValueConversion conversion(idMappings);
-    VekMoNamedAttributeValueContainer_3** const converted =
-        ValueConversion::newArrayFor(attributes, memory);
-    for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
-        converted[index] =
-            conversion.toInternal(*attributes[index], memory, &ValueConversion::newOwnedRecord);
-        recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
-                         converted[index]->name, converted[index]->value);
-    }
-    return converted;
+    return ValueConversion(idMappings)
+        .toInternal(attributes, memory, [&](const VekMoNamedAttributeValueContainer_3& converted) {
+            recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
+                             converted.name, converted.value);
+        });
 }
 
 }

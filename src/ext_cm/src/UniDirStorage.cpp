@@ -147,16 +147,21 @@ std::string_view takeFirstPart(std::string_view& rest) {
     return part;
 }
 
-std::pair<std::string, std::string> parsePart(std::string_view part, std::string const& dn) {
+/// The class and the value of a step, which point into it.
+struct Step {
+    std::string_view type;
+    std::string_view value;
+};
+
+Step parsePart(std::string_view part, std::string const& dn) {
     std::size_t const equals = part.find('=');
     if (equals == std::string_view::npos) {
         throw Orv::OrvException("Dn::Dn: got malformed dnPart [%s] dn [%s]",
                                 std::string(part).c_str(), dn.c_str());
     }
     std::string_view const named = part.substr(0, equals);
-    std::pair<std::string, std::string> step(named.substr(0, named.find('.')),
-                                             part.substr(equals + 1));
-    if (step.first.empty() || step.second.empty()) {
+    Step const step{named.substr(0, named.find('.')), part.substr(equals + 1)};
+    if (step.type.empty() || step.value.empty()) {
         // The text says dn and shows the step: clients know it in this form.
         throw Orv::OrvException("Dn::Dn: got empty type in dn [%s]", std::string(part).c_str());
     }
@@ -214,7 +219,8 @@ void insertEndOfName(Orv::ModelReader const& model, Association association,
 UniDirStorage::Dn::Dn(std::string const& dn) {
     std::string_view rest = dn;
     while (!rest.empty()) {
-        push_back(parsePart(takeFirstPart(rest), dn));
+        Step const step = parsePart(takeFirstPart(rest), dn);
+        emplace_back(step.type, step.value);
     }
 }
 
@@ -385,27 +391,21 @@ void UniDirStorage::setUniDirRef(unsigned long txHandle, std::string const& dn,
     node->uniDirs.insert(std::move(record));
 }
 
-// The DN is parsed first, so that a malformed one throws also where nothing is stored.
+// The whole DN is parsed in any case, so that a malformed one throws also where nothing is stored.
 void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
-    Dn const steps(dn);
     auto const root = transactions.find(txHandle);
-    if (root == transactions.end()) {
-        return;
-    }
-    ValueNode* node = root->second;
+    ValueNode* node = root == transactions.end() ? nullptr : root->second;
     TypeNode* parent = nullptr;
-    for (auto const& [type, value] : steps) {
-        parent = node->find(type);
-        node = parent == nullptr ? nullptr : parent->find(value);
-        if (node == nullptr) {
-            return;
-        }
+    for (std::string_view rest = dn; !rest.empty();) {
+        Step const step = parsePart(takeFirstPart(rest), dn);
+        parent = node == nullptr ? nullptr : node->find(std::string(step.type));
+        node = parent == nullptr ? nullptr : parent->find(std::string(step.value));
     }
-    if (parent == nullptr) {
-        return; // without steps there is no object; the tree goes at finish
+    if (node == nullptr || parent == nullptr) {
+        return; // not stored; or no step, and so no object: the tree goes at finish
     }
     // Ancestors stay, also without children: a walk passes them and finds no record.
-    parent->values.erase(steps.back().second);
+    parent->values.erase(node->value);
     delete node;
 }
 

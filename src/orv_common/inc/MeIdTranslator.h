@@ -4,7 +4,9 @@
 #ifndef ORV_ORV_COMMON_MEIDTRANSLATOR_H
 #define ORV_ORV_COMMON_MEIDTRANSLATOR_H
 
-#include <shared_mutex>
+#include <atomic>
+#include <map>
+#include <mutex>
 #include <string>
 
 namespace Orv {
@@ -20,8 +22,9 @@ namespace Orv {
 /// Any text is accepted. Steps other than the first are not looked at, and no step is checked for
 /// its form. Conventions: OrvConventions.h.
 ///
-/// Threads: every operation may be called from any thread at any time. They throw std::bad_alloc at
-/// most, and lock failures as std::system_error.
+/// Threads: every operation may be called from any thread at any time, and all but configure
+/// without a lock: each client call translates its DN. They throw std::bad_alloc at most, configure
+/// also lock failures as std::system_error.
 class MeIdTranslator {
 public:
     /// The one object. Owned by the library; never null.
@@ -45,9 +48,8 @@ public:
     /// DN with another first class comes back unchanged.
     std::string toExternalDn(const std::string& dn);
 
-    /// The preferred identity, or the fallback if that is empty; empty if both are, never null.
-    /// Read under the translator's lock; the text is owned by the translator until the next
-    /// configure.
+    /// The preferred identity, or the fallback if that is empty; empty if both are, never null. The
+    /// text is owned by the translator until the next configure.
     const char* identity();
 
     /// Host only: sets both identities. Either may be empty. Best while no component is started: a
@@ -56,14 +58,16 @@ public:
     void configure(const std::string& preferred, const std::string& fallback);
 
 private:
-    MeIdTranslator() = default;
+    MeIdTranslator();
     ~MeIdTranslator() = default;
 
-    const std::string& chosenIdentity() const;
+    /// Each identity that was ever chosen, once, and whether it can be the value of a step. None is
+    /// dropped, so that nobody who reads one needs a lock.
+    using Identities = std::map<std::string, bool>;
 
-    std::shared_mutex mMutex;
-    std::string mPreferredIdentity;
-    std::string mFallbackIdentity;
+    std::mutex mMutex; ///< guards mIdentities
+    Identities mIdentities;
+    std::atomic<const Identities::value_type*> mIdentity; ///< the present one
 };
 
 }

@@ -3,9 +3,9 @@
 
 #include "MeIdTranslator.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <mutex>
-#include <shared_mutex>
 #include <string_view>
 
 namespace Orv {
@@ -18,33 +18,45 @@ constexpr std::string_view internalIdentity = "1";
 // True if the first step is of the class ManagedElement, in the form `Class=value` or
 // `Class.attr=value`, or cut short after the class.
 bool beginsWithRoot(std::string_view dn) {
-    if (dn.substr(0, rootClass.size()) != rootClass) {
+    if (!dn.starts_with(rootClass)) {
         return false;
     }
-    const std::string_view rest = dn.substr(rootClass.size());
-    return rest.empty() || rest.front() == '=' || rest.front() == '.' || rest.front() == ',';
+    const char next = dn.size() == rootClass.size() ? ',' : dn[rootClass.size()];
+    return next == '=' || next == '.' || next == ',';
 }
 
-// The DN with the value of its first step exchanged; empty if that is not `from`.
-std::string exchangeRootValue(std::string_view dn, std::string_view from, std::string_view to) {
-    const std::size_t stepEnd = dn.find(',');
-    const std::string_view step = dn.substr(0, stepEnd);
-    const std::size_t equals = step.find('=');
+// Where the value of the first step of `dn`, which begins with the root class, stands; 0 if it has
+// none.
+std::size_t startOfRootValue(std::string_view dn) {
+    const std::size_t delimiter = dn.find_first_of("=,", rootClass.size());
+    return delimiter != std::string_view::npos && dn[delimiter] == '=' ? delimiter + 1 : 0;
+}
+
+// The DN with the value of its first step exchanged, if that is a ManagedElement; empty if its
+// value is not `from`. Every call of a client comes through here.
+std::string exchangeRootValue(const std::string& dn, std::string_view from, std::string_view to) {
+    if (!beginsWithRoot(dn)) {
+        return dn;
+    }
+    const std::string_view text(dn);
+    const std::size_t value =
+        dn[rootClass.size()] == '=' ? rootClass.size() + 1 : startOfRootValue(text);
+    const std::size_t end = value + from.size();
     // Without an identity nothing outside corresponds to the root, in either direction.
-    if (from.empty() || to.empty() || equals == std::string_view::npos ||
-        step.substr(equals + 1) != from) {
+    if (value == 0 || from.empty() || to.empty() || end > text.size() ||
+        text.compare(value, from.size(), from) != 0 || (end < text.size() && text[end] != ',')) {
         return {};
     }
-    std::string exchanged;
-    exchanged.reserve(dn.size() - from.size() + to.size());
-    exchanged.append(step.substr(0, equals + 1)).append(to);
-    if (stepEnd != std::string_view::npos) {
-        exchanged.append(dn.substr(stepEnd));
-    }
+    std::string exchanged(text.size() - from.size() + to.size(), '\0');
+    char* const exchangedValue = std::copy_n(text.data(), value, exchanged.data());
+    char* const exchangedEnd = std::copy_n(to.data(), to.size(), exchangedValue);
+    std::copy_n(text.data() + end, text.size() - end, exchangedEnd);
     return exchanged;
 }
 
 }
+
+MeIdTranslator::MeIdTranslator() : mIdentity(&*mIdentities.emplace("", true).first) {}
 
 MeIdTranslator* MeIdTranslator::instance() {
     static MeIdTranslator theInstance;
@@ -56,34 +68,26 @@ void MeIdTranslator::start() {}
 void MeIdTranslator::stop() {}
 
 std::string MeIdTranslator::toInternalDn(const std::string& dn) {
-    if (!beginsWithRoot(dn)) {
-        return dn;
-    }
-    const std::shared_lock<std::shared_mutex> guard(mMutex);
-    return exchangeRootValue(dn, chosenIdentity(), internalIdentity);
+    // An identity with a comma is never the value of a step.
+    const auto& [identity, canBeAValue] = *mIdentity.load(std::memory_order_acquire);
+    const std::string_view from = canBeAValue ? std::string_view(identity) : std::string_view();
+    return exchangeRootValue(dn, from, internalIdentity);
 }
 
 std::string MeIdTranslator::toExternalDn(const std::string& dn) {
-    if (!beginsWithRoot(dn)) {
-        return dn;
-    }
-    const std::shared_lock<std::shared_mutex> guard(mMutex);
-    return exchangeRootValue(dn, internalIdentity, chosenIdentity());
+    return exchangeRootValue(dn, internalIdentity,
+                             mIdentity.load(std::memory_order_acquire)->first);
 }
 
 const char* MeIdTranslator::identity() {
-    const std::shared_lock<std::shared_mutex> guard(mMutex);
-    return chosenIdentity().c_str();
+    return mIdentity.load(std::memory_order_acquire)->first.c_str();
 }
 
 void MeIdTranslator::configure(const std::string& preferred, const std::string& fallback) {
-    const std::lock_guard<std::shared_mutex> guard(mMutex);
-    mPreferredIdentity = preferred;
-    mFallbackIdentity = fallback;
-}
-
-const std::string& MeIdTranslator::chosenIdentity() const {
-    return mPreferredIdentity.empty() ? mFallbackIdentity : mPreferredIdentity;
+    const std::lock_guard<std::mutex> guard(mMutex);
+    const std::string& chosen = preferred.empty() ? fallback : preferred;
+    const bool canBeAValue = chosen.find(',') == std::string::npos;
+    mIdentity.store(&*mIdentities.emplace(chosen, canBeAValue).first, std::memory_order_release);
 }
 
 }

@@ -37,38 +37,46 @@ OrvReturnT admit(bool started, const char* dn, const AreReadable& areReadable) {
     return dn != nullptr && areReadable() ? OrvOk : OrvFailure;
 }
 
+/// How an operation begins: what stands against it, if anything, and the DN that it works on.
+struct Opened {
+    OrvReturnT code;
+    std::string dn; ///< internal
+};
+
 /// For an operation on the MO \p dn (external): what admit answers, OrvNotExist if the DN cannot be
 /// translated, otherwise OrvOk and the internal form.
 template <class AreReadable>
-OrvReturnT openOperation(bool started, const IdMappings& mappings, const char* dn,
-                         std::string& internalDn, const AreReadable& areReadable) {
+Opened openOperation(bool started, const IdMappings& mappings, const char* dn,
+                     const AreReadable& areReadable) {
     const OrvReturnT admitted = admit(started, dn, areReadable);
-    if (admitted != OrvOk) {
-        return admitted;
+    Opened opened{admitted, admitted == OrvOk ? mappings.toInternalDn(dn) : std::string()};
+    if (admitted == OrvOk && opened.dn.empty()) {
+        opened.code = OrvNotExist;
     }
-    internalDn = mappings.toInternalDn(dn);
-    return internalDn.empty() ? OrvNotExist : OrvOk;
+    return opened;
 }
 
 /// For a question about the children of \p dn: the same, but an empty DN is the top level and does
 /// not go to the translator.
 template <class AreReadable>
-OrvReturnT openWalk(bool started, const IdMappings& mappings, const char* dn,
-                    std::string& internalDn, const AreReadable& areReadable) {
+Opened openWalk(bool started, const IdMappings& mappings, const char* dn,
+                const AreReadable& areReadable) {
     if (started && dn != nullptr && *dn == '\0') {
-        internalDn.clear();
-        return admit(started, dn, areReadable);
+        return {admit(started, dn, areReadable), {}};
     }
-    return openOperation(started, mappings, dn, internalDn, areReadable);
+    return openOperation(started, mappings, dn, areReadable);
 }
 
 /// For the creation of a child of \p dn: the same, but an empty DN goes to the translator, which
 /// may answer it with an empty one.
 template <class AreReadable>
-OrvReturnT openCreation(bool started, const IdMappings& mappings, const char* dn,
-                        std::string& internalDn, const AreReadable& areReadable) {
-    const OrvReturnT code = openOperation(started, mappings, dn, internalDn, areReadable);
-    return code == OrvNotExist && *dn == '\0' ? OrvOk : code;
+Opened openCreation(bool started, const IdMappings& mappings, const char* dn,
+                    const AreReadable& areReadable) {
+    Opened opened = openOperation(started, mappings, dn, areReadable);
+    if (opened.code == OrvNotExist && *dn == '\0') {
+        opened.code = OrvOk;
+    }
+    return opened;
 }
 
 }

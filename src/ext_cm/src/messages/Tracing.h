@@ -8,6 +8,7 @@
 #include "OrvReturn.h"
 
 #include <cstddef>
+#include <exception>
 #include <string_view>
 
 /// \file
@@ -58,14 +59,38 @@ struct TracePoint {
     int line;
 };
 
+/// Where messages go. Asked for once: the wrapper stays for the life of the process, and each
+/// operation looks at the level twice and more.
+inline Orv::LoggingWrapper* logging() {
+    static Orv::LoggingWrapper* const theWrapper = Orv::LoggingWrapper::instance();
+    return theWrapper;
+}
+
+inline bool isTracing() {
+    return logging()->get_level() > traceGate;
+}
+
 /// A text for a message. Clients may hand over null, and not every formatter takes that.
 inline const char* shown(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
+/// Writes the exit of a function with its code. Below the gate it is not called.
+void writeResult(const TracePoint& point, OrvReturnT code);
+
 /// Traces \p code as the result of the function at \p point, and gives it back. A trace that cannot
 /// be written is left out: no std::exception leaves this function.
-OrvReturnT traceResult(const TracePoint& point, OrvReturnT code);
+inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
+    try {
+        if (isTracing()) [[unlikely]] {
+            writeResult(point, code);
+        }
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // The operation is done and its outputs belong to the caller: an answer of failure now
+        // would make the caller leave what it has been given.
+    }
+    return code;
+}
 
 }
 
@@ -80,8 +105,8 @@ OrvReturnT traceResult(const TracePoint& point, OrvReturnT code);
 
 #define ORV_TRACE_OF_KIND(point, kind, ...)                                                        \
     do {                                                                                           \
-        ::Orv::LoggingWrapper* const orvWrapper = ::Orv::LoggingWrapper::instance();               \
-        if (orvWrapper->get_level() > ::OrvExtCmRouterService::traceGate) {                        \
+        ::Orv::LoggingWrapper* const orvWrapper = ::OrvExtCmRouterService::logging();              \
+        if (orvWrapper->get_level() > ::OrvExtCmRouterService::traceGate) [[unlikely]] {           \
             const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
             orvWrapper->trace_printf(orvPoint.file, orvPoint.function, orvPoint.line, kind,        \
                                      __VA_ARGS__);                                                 \
@@ -111,8 +136,8 @@ OrvReturnT traceResult(const TracePoint& point, OrvReturnT code);
 /// The same for a step, in the name of the operation at \p point.
 #define ORV_LOG_AT(point, level, ...)                                                              \
     do {                                                                                           \
-        ::Orv::LoggingWrapper* const orvWrapper = ::Orv::LoggingWrapper::instance();               \
-        if (orvWrapper->get_level() > (level)-1U) {                                                \
+        ::Orv::LoggingWrapper* const orvWrapper = ::OrvExtCmRouterService::logging();              \
+        if (orvWrapper->get_level() > (level)-1U) [[unlikely]] {                                   \
             const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
             orvWrapper->log_printf(orvPoint.function, level, 1, __VA_ARGS__);                      \
             orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, level, orvPoint.file,                 \

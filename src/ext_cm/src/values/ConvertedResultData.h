@@ -20,7 +20,7 @@ namespace OrvExtCmRouterService {
 /// two release functions, which clients get, hand the original back.
 ///
 /// Threads: one at a time.
-class ConvertedResultData : public OrvMoAttributeValueContainer_3, public Orv::AutoMemory {
+class ConvertedResultData final : public OrvMoAttributeValueContainer_3, public Orv::AutoMemory {
 public:
     using ReleaseFn = decltype(OrvMoAttributeValueResult_3::release);
     using MultiReleaseFn = decltype(OrvMoAttributeValuesResult_3::release);

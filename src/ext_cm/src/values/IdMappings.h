@@ -20,23 +20,25 @@ public:
     enum DnConversion { ToInternal = 0, ToExternal = 1 };
 
     /// \p translator is not owned and outlives this object.
-    explicit IdMappings(Orv::MeIdTranslator* translator);
+    explicit IdMappings(Orv::MeIdTranslator* translator) : _translator(translator) {}
     IdMappings(const IdMappings&) = delete;
     IdMappings& operator=(const IdMappings&) = delete;
     virtual ~IdMappings() = default;
 
     /// The internal form of the external \p dn; empty if it cannot be translated.
-    std::string toInternalDn(const std::string& dn) const;
+    std::string toInternalDn(const std::string& dn) const { return _translator->toInternalDn(dn); }
 
     /// The external form of the internal \p dn; empty if it cannot be translated.
-    std::string toExternalDn(const std::string& dn) const;
+    std::string toExternalDn(const std::string& dn) const { return _translator->toExternalDn(dn); }
 
     /// One of the two.
-    std::string convertDn(const std::string& dn, DnConversion direction) const;
+    std::string convertDn(const std::string& dn, DnConversion direction) const {
+        return direction == ToInternal ? toInternalDn(dn) : toExternalDn(dn);
+    }
 
     /// The identity by which clients know the root at present. The text is the translator's and
     /// ends with the next change of the identity.
-    const char* rootIdentity() const;
+    const char* rootIdentity() const { return _translator->identity(); }
 
 private:
     Orv::MeIdTranslator* _translator;

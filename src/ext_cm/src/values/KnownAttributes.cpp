@@ -16,10 +16,6 @@ constexpr std::string_view rootClass = "ManagedElement";
 
 }
 
-bool isNetworkManagedElementId(const char* attrName) {
-    return std::strcmp(attrName, "networkManagedElementId") == 0;
-}
-
 // An empty text is accepted in every version.
 bool IdSlot::isRefused() const {
     if (text == nullptr) {
@@ -29,7 +25,8 @@ bool IdSlot::isRefused() const {
 }
 
 bool isRootId(const char* attrName, const char* dn) {
-    return attrName != nullptr && std::strcmp(attrName, "managedElementId") == 0 &&
+    return attrName != nullptr && *attrName == 'm' &&
+           std::strcmp(attrName, "managedElementId") == 0 &&
            std::strncmp(dn, rootClass.data(), rootClass.size()) == 0 &&
            std::strchr(dn, ',') == nullptr;
 }

@@ -19,7 +19,9 @@ namespace OrvExtCmRouterService {
 
 /// True for "networkManagedElementId", whose value must be acceptable in a DN. What is refused, and
 /// with which code, differs between the interface versions.
-bool isNetworkManagedElementId(const char* attrName);
+inline bool isNetworkManagedElementId(const char* attrName) {
+    return *attrName == 'n' && std::strcmp(attrName, "networkManagedElementId") == 0;
+}
 
 /// The first slot of an id's value. Only under the type codes of texts is it read as one: under any
 /// other code it may hold anything.

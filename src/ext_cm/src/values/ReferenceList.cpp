@@ -11,9 +11,6 @@
 
 namespace OrvExtCmRouterService {
 
-namespace {
-
-// Sorted for a search, so that values of many thousand references are not compared pair by pair.
 std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
     std::vector<std::string_view> texts;
     texts.reserve(references.count);
@@ -24,24 +21,9 @@ std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& 
     return texts;
 }
 
-}
-
 // An empty value needs no type: routers answer so for an attribute that is not set.
 bool areReferences(const VekMoAttributeValueContainer_3& value) {
     return value.count == 0 || (value.type == OrvMoAttributeTypeMoRef_3 && isReadable(value));
-}
-
-std::vector<const char*> missingReferences(const VekMoAttributeValueContainer_3& one,
-                                           const VekMoAttributeValueContainer_3& other) {
-    const std::vector<std::string_view> known = sortedTexts(other);
-    std::vector<const char*> missing;
-    for (std::uint32_t i = 0; i < one.count; ++i) {
-        const char* const reference = one.values[i].moRef;
-        if (!std::binary_search(known.begin(), known.end(), std::string_view(reference))) {
-            missing.push_back(reference);
-        }
-    }
-    return missing;
 }
 
 std::vector<std::string> copyReferences(const VekMoAttributeValueContainer_3& references,

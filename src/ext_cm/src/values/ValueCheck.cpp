@@ -110,11 +110,11 @@ private:
 
 }
 
-bool isReadable(const OrvMoAttributeValueContainer_3& value) {
+bool areReferencesReadable(const OrvMoAttributeValueContainer_3& value) {
     return ValueReader<OrvMoAttributeValueContainer_3>().reads(value);
 }
 
-bool isReadable(const OrvMoAttributeValueContainer& value) {
+bool areReferencesReadable(const OrvMoAttributeValueContainer& value) {
     return ValueReader<OrvMoAttributeValueContainer>().reads(value);
 }
 

@@ -10,6 +10,17 @@
 
 namespace OrvExtCmRouterService {
 
+/// False if \p value holds no references, nor structs in which they could stand: then its slots are
+/// neither read nor converted.
+template <class Container>
+bool mayHoldReferences(const Container& value) {
+    return value.type == OrvMoAttributeTypeMoRef_3 || value.type == OrvMoAttributeTypeStruct_3;
+}
+
+/// isReadable for a value that may hold references.
+bool areReferencesReadable(const OrvMoAttributeValueContainer_3& value);
+bool areReferencesReadable(const OrvMoAttributeValueContainer& value);
+
 /// True if everything is there that a conversion of \p value reads: the slots of references and of
 /// structs; the values of the first struct's members, up to the first reference; and if there is
 /// one, all members' names and values and the texts of all references. Values of other types are
@@ -23,8 +34,10 @@ namespace OrvExtCmRouterService {
 ///
 /// Once a struct has shown a reference, a member without a value is an empty one in versions 3 and
 /// 3_1. In version 1 it cannot be read.
-bool isReadable(const OrvMoAttributeValueContainer_3& value);
-bool isReadable(const OrvMoAttributeValueContainer& value);
+template <class Container>
+bool isReadable(const Container& value) {
+    return !mayHoldReferences(value) || areReferencesReadable(value);
+}
 inline bool isReadable(const OrvMoNamedAttributeValueContainer_3& attribute) {
     return isReadable(attribute.value);
 }

@@ -4,14 +4,10 @@
 #include "values/ValueConversion.h"
 
 #include "values/StructConversion.h"
-#include "values/ValueCheck.h"
 
-#include <cstdint>
 #include <string>
 
 namespace OrvExtCmRouterService {
-
-ValueConversion::ValueConversion(const IdMappings& mappings) : mMappings(mappings) {}
 
 /// Makes the values of a struct that is rebuilt for the view \p root. All belong to the root: a
 /// view that belonged to the one around it would be destroyed by recursion over the depth of the
@@ -51,20 +47,48 @@ void ValueConversion::transformContainer(ConvertedResultData& view,
 
 // The call has been done, so its result belongs to the client even if it cannot be read here.
 void ValueConversion::toExternal(ConvertedResultData& view) const {
-    if (isReadable(view)) {
+    if (mayHoldReferences(view) && isReadable(view)) {
         transformContainer(view, IdMappings::ToExternal);
     }
 }
 
-// A reference that cannot be translated stays the producer's text: it lives as long as the
-// original, which lives as long as the view. An empty value keeps the producer's array.
+ValueConversion::Slot* ValueConversion::internalSlots(const OrvMoAttributeValueContainer_3& value,
+                                                      Orv::AutoMemory& memory) const {
+    if (value.type == OrvMoAttributeTypeMoRef_3) {
+        return value.count != 0
+                   ? translated(value.values, value.count, IdMappings::ToInternal, memory)
+                   : value.values;
+    }
+    if (!isStructWithReferences(value)) {
+        return value.values;
+    }
+    // The view does not write to the original.
+    auto* const view =
+        new ConvertedResultData(nullptr, const_cast<OrvMoAttributeValueContainer_3*>(&value));
+    memory.own(view);
+    transformStructContainer(*view, IdMappings::ToInternal);
+    return view->values;
+}
+
+// A reference that cannot be translated stays the producer's text: it lives as long as the value
+// that it came with.
+ValueConversion::Slot* ValueConversion::translated(const Slot* references, std::uint32_t count,
+                                                   IdMappings::DnConversion direction,
+                                                   Orv::AutoMemory& memory) const {
+    Slot* const slots = memory.malloc<Slot>(count);
+    for (std::uint32_t index = 0; index < count; ++index) {
+        const char* const original = references[index].moRef;
+        const std::string text = mMappings.convertDn(original, direction);
+        slots[index].moRef = text.empty() ? original : memory.strdup(text.c_str());
+    }
+    return slots;
+}
+
+// An empty value keeps the producer's array.
 void ValueConversion::transformMoRefContainer(ConvertedResultData& view,
                                               IdMappings::DnConversion direction) const {
-    for (std::uint32_t index = 0; index < view.count; ++index) {
-        const char* const original = view.originalValue(index).moRef;
-        const std::string translated = mMappings.convertDn(original, direction);
-        OrvMoAttributeValue_3& slot = view.ownValues()[index];
-        slot.moRef = translated.empty() ? original : view.strdup(translated.c_str());
+    if (view.count != 0) {
+        view.values = translated(view.values, view.count, direction, view);
     }
 }
 
@@ -73,43 +97,6 @@ void ValueConversion::transformStructContainer(ConvertedResultData& view,
     const OrvMoAttributeValueContainer_3 original = view; // its slots are those of the producer
     NestedMaker maker(*this, view, direction);
     StructConversion<NestedMaker>(maker, view).rebuild(original, view.ownValues());
-}
-
-ValueConversion::NamedAttribute** ValueConversion::newArrayFor(NamedAttribute* const* attributes,
-                                                               Orv::AutoMemory& memory) {
-    return memory.malloc<NamedAttribute*>(static_cast<unsigned int>(lengthOf(attributes)) + 1);
-}
-
-ValueConversion::NamedAttribute* ValueConversion::toInternal(NamedAttribute& attribute,
-                                                             Orv::AutoMemory& memory,
-                                                             NewRecordFn newRecord) const {
-    auto* const view = new ConvertedResultData(nullptr, &attribute.value);
-    memory.own(view);
-    transformContainer(*view, IdMappings::ToInternal);
-    NamedAttribute* const converted = newRecord(memory);
-    converted->name = attribute.name;
-    converted->value = *view;
-    return converted;
-}
-
-ValueConversion::NamedAttribute** ValueConversion::toInternal(NamedAttribute* const* attributes,
-                                                              Orv::AutoMemory& memory,
-                                                              NewRecordFn newRecord) const {
-    NamedAttribute** const converted = newArrayFor(attributes, memory);
-    for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
-        converted[index] = toInternal(*attributes[index], memory, newRecord);
-    }
-    return converted;
-}
-
-ValueConversion::NamedAttribute* ValueConversion::newOwnedRecord(Orv::AutoMemory& memory) {
-    auto* const record = new NamedAttribute{};
-    memory.own(record);
-    return record;
-}
-
-ValueConversion::NamedAttribute* ValueConversion::newBlockRecord(Orv::AutoMemory& memory) {
-    return memory.malloc<NamedAttribute>(1);
 }
 
 }

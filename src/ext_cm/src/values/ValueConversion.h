@@ -8,6 +8,9 @@
 #include "OrvMoAttributeValue.h"
 #include "values/ConvertedResultData.h"
 #include "values/IdMappings.h"
+#include "values/ValueCheck.h"
+
+#include <cstdint>
 
 namespace OrvExtCmRouterService {
 
@@ -21,11 +24,9 @@ namespace OrvExtCmRouterService {
 class ValueConversion {
 public:
     using NamedAttribute = OrvMoNamedAttributeValueContainer_3;
+    using Slot = OrvMoAttributeValue_3;
 
-    /// Makes a record that \p memory owns.
-    using NewRecordFn = NamedAttribute* (*)(Orv::AutoMemory& memory);
-
-    explicit ValueConversion(const IdMappings& mappings);
+    explicit ValueConversion(const IdMappings& mappings) : mMappings(mappings) {}
 
     /// Converts references and structs; any other type is left alone. The value is readable.
     void transformContainer(ConvertedResultData& view, IdMappings::DnConversion direction) const;
@@ -34,28 +35,42 @@ public:
     /// passed on as it is.
     void toExternal(ConvertedResultData& view) const;
 
-    /// An array of null pointers, one more than \p attributes has before its terminator.
-    static NamedAttribute** newArrayFor(NamedAttribute* const* attributes, Orv::AutoMemory& memory);
+    /// The internal form of \p value, which is readable. New slots belong to \p memory; a value
+    /// without DNs keeps its own.
+    OrvMoAttributeValueContainer_3 toInternal(const OrvMoAttributeValueContainer_3& value,
+                                              Orv::AutoMemory& memory) const {
+        OrvMoAttributeValueContainer_3 converted = value;
+        if (mayHoldReferences(value)) {
+            converted.values = internalSlots(value, memory);
+        }
+        return converted;
+    }
 
-    /// An internal copy of one attribute, whose value is readable. Its name is the client's own
-    /// text.
-    NamedAttribute* toInternal(NamedAttribute& attribute, Orv::AutoMemory& memory,
-                               NewRecordFn newRecord) const;
-
-    /// An internal copy of all \p attributes, which are ended by a null pointer, each made as by
-    /// the operation for one.
+    /// Internal copies of \p attributes, which are ended by a null pointer and whose values are
+    /// readable, in an array that ends in the same way. All belongs to \p memory, but for the names
+    /// and for values without DNs, which are the client's own. \p use gets each copy before the
+    /// next attribute is converted.
+    template <class Use>
     NamedAttribute** toInternal(NamedAttribute* const* attributes, Orv::AutoMemory& memory,
-                                NewRecordFn newRecord) const;
-
-    /// A record from operator new, among the owned objects.
-    static NamedAttribute* newOwnedRecord(Orv::AutoMemory& memory);
-
-    /// A zeroed record among the raw blocks.
-    static NamedAttribute* newBlockRecord(Orv::AutoMemory& memory);
+                                const Use& use) const {
+        const auto count = static_cast<unsigned int>(lengthOf(attributes));
+        auto** const copies = memory.malloc<NamedAttribute*>(count + 1);
+        auto* const records = count != 0 ? memory.malloc<NamedAttribute>(count) : nullptr;
+        for (unsigned int index = 0; index < count; ++index) {
+            records[index].name = attributes[index]->name;
+            records[index].value = toInternal(attributes[index]->value, memory);
+            copies[index] = &records[index];
+            use(records[index]);
+        }
+        return copies;
+    }
 
 private:
     class NestedMaker;
 
+    Slot* internalSlots(const OrvMoAttributeValueContainer_3& value, Orv::AutoMemory& memory) const;
+    Slot* translated(const Slot* references, std::uint32_t count,
+                     IdMappings::DnConversion direction, Orv::AutoMemory& memory) const;
     void transformMoRefContainer(ConvertedResultData& view,
                                  IdMappings::DnConversion direction) const;
     void transformStructContainer(ConvertedResultData& view,
