@@ -12,12 +12,6 @@ std::string_view DnStep::className() const {
     return whole.substr(0, whole.find('.'));
 }
 
-std::string_view DnStep::namingAttribute() const {
-    const std::string_view whole = type();
-    const std::size_t dot = whole.find('.');
-    return dot == std::string_view::npos ? std::string_view() : whole.substr(dot + 1);
-}
-
 std::string_view DnStep::value() const {
     const std::size_t equals = mText.find('=');
     return equals == std::string_view::npos ? std::string_view() : mText.substr(equals + 1);
@@ -27,7 +21,7 @@ const char* DnStep::whyInvalidReason() const {
     if (mText.empty()) {
         return "is empty";
     }
-    if (mText.find('=') == std::string_view::npos) {
+    if (!hasEquals()) {
         return "has no '='";
     }
     if (type().empty()) {

@@ -20,13 +20,13 @@ public:
     explicit constexpr DnStep(std::string_view text) : mText(text) {}
 
     std::string_view text() const { return mText; }
+    /// False while only a type, or a part of one, is written.
+    bool hasEquals() const { return mText.find('=') != std::string_view::npos; }
     /// Everything before the first "=": `Class` or `Class.attribute`. The whole text if it has
     /// none.
     std::string_view type() const { return mText.substr(0, mText.find('=')); }
     /// The type without a naming attribute.
     std::string_view className() const;
-    /// The naming attribute, if the type has one.
-    std::string_view namingAttribute() const;
     /// The naming value: everything after the first "=". Empty if there is no "=".
     std::string_view value() const;
 

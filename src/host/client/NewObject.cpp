@@ -25,7 +25,7 @@ std::string usualNamingAttribute(std::string className) {
 NewObject parseNewObject(const Model& model, const std::string& dn) {
     const DnStep step = DnView(dn).last();
     const std::string type(step.type());
-    if (type.empty() || type.size() == step.text().size()) {
+    if (type.empty() || !step.hasEquals()) {
         throw RequestError("'" + std::string(step.text()) + "' in " + dn +
                            " is no step of a DN; expected Class=value");
     }

@@ -94,17 +94,15 @@ Model makeModel() {
 }
 
 std::string classNameOf(const std::string& dn) {
-    const std::size_t begin = dn.rfind(',') + 1; // 0 if there is none
-    return dn.substr(begin, dn.find('=', begin) - begin);
+    return std::string(DnView(dn).last().type());
 }
 
 std::string parentDnOf(const std::string& dn) {
-    const std::size_t comma = dn.rfind(',');
-    return comma == std::string::npos ? "" : dn.substr(0, comma);
+    return std::string(DnView(dn).parent().text());
 }
 
 bool isBelowOrSame(const std::string& dn, const std::string& top) {
-    return top.empty() || (dn + ",").rfind(top + ",", 0) == 0;
+    return DnView(dn).isAtOrBelow(DnView(top));
 }
 
 AttributeValue refs(const Dns& dns) {

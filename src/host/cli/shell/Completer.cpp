@@ -22,14 +22,11 @@ bool beginsWith(const std::string& text, const std::string& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-std::vector<std::string> withPrefixAndSuffix(const std::string& prefix,
-                                             const std::vector<std::string>& names,
-                                             const std::string& suffix) {
-    std::vector<std::string> result = names;
-    for (std::string& name : result) {
-        name.insert(0, prefix).append(suffix);
+std::vector<std::string> withPrefix(const std::string& prefix, std::vector<std::string> texts) {
+    for (std::string& text : texts) {
+        text.insert(0, prefix);
     }
-    return result;
+    return texts;
 }
 
 std::vector<std::string> classNames(const Model& model) {
@@ -151,7 +148,7 @@ std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>&
         if (equals == std::string::npos && !def.isNaming && def.isWritable) {
             result.push_back(def.name + "=");
         } else if (def.name == word.substr(0, equals)) {
-            result = withPrefixAndSuffix(def.name + "=", values(def, word.substr(equals + 1)), "");
+            result = withPrefix(def.name + "=", values(def, word.substr(equals + 1)));
         }
     }
     return result;
@@ -172,22 +169,23 @@ std::vector<std::string> Completer::values(const AttributeDef& def, const std::s
 
 // First the class of the last step with its "=", then the objects of that class.
 std::vector<std::string> Completer::dns(const std::string& word) {
-    const std::size_t comma = word.rfind(',');
-    const std::string parent = comma == std::string::npos ? "" : word.substr(0, comma);
-    const std::string prefix = comma == std::string::npos ? "" : parent + ",";
-    const std::size_t equals = word.find('=', prefix.size());
-    const DnResolver resolver(mSession.model());
-    if (equals == std::string::npos) {
-        const ClassDef* moc = parent.empty() ? nullptr : resolver.classOf(parent);
-        return parent.empty() || moc != nullptr
-                   ? withPrefixAndSuffix(prefix, resolver.childClasses(moc), "=")
-                   : std::vector<std::string>();
-    }
-    const std::string className = word.substr(prefix.size(), equals - prefix.size());
+    const DnView dn(word);
+    const std::string parent(dn.parent().text());
+    const std::string type(dn.last().type());
     std::vector<std::string> result;
+    if (!dn.last().hasEquals()) {
+        const DnResolver resolver(mSession.model());
+        const ClassDef* moc = resolver.classOf(parent);
+        if (parent.empty() || moc != nullptr) {
+            for (const std::string& className : resolver.childClasses(moc)) {
+                result.push_back(dn.parent().childPrefix(className));
+            }
+        }
+        return result;
+    }
     mSession.read([&](unsigned long txHandle) {
-        mSession.client().forEachChild(txHandle, parent, className, [&](const std::string& name) {
-            result.push_back(DnView(parent).child(className, name));
+        mSession.client().forEachChild(txHandle, parent, type, [&](const std::string& name) {
+            result.push_back(DnView(parent).child(type, name));
             return result.size() < kMostObjects;
         });
     });

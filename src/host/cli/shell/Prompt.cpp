@@ -3,6 +3,7 @@
 
 #include "Prompt.h"
 
+#include "base/DnView.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/output/AlignedText.h"
 
@@ -79,11 +80,9 @@ std::string withoutLineEnd(const char* text, int length) {
     return line;
 }
 
-// The form of a candidate in a list: for DNs only the part after the last comma, which is different
-// for each.
+// The form of a candidate in a list: for DNs only the last step, which is different for each.
 std::string shortForm(const std::string& candidate) {
-    const std::size_t comma = candidate.rfind(',');
-    return comma == std::string::npos ? candidate : candidate.substr(comma + 1);
+    return std::string(DnView(candidate).last().text());
 }
 
 }

@@ -28,7 +28,7 @@ TEST(DnStep, ClassAndValue_AreTakenApart) {
     EXPECT_EQ(step.text(), "Node=seven 7");
     EXPECT_EQ(step.type(), "Node");
     EXPECT_EQ(step.className(), "Node");
-    EXPECT_EQ(step.namingAttribute(), "");
+    EXPECT_TRUE(step.hasEquals());
     EXPECT_EQ(step.value(), "seven 7");
     EXPECT_EQ(step.whyInvalid(), "");
 }
@@ -37,7 +37,6 @@ TEST(DnStep, NamingAttribute_IsNoPartOfTheClass) {
     const DnStep step("Node.nodeId=1.5");
     EXPECT_EQ(step.type(), "Node.nodeId");
     EXPECT_EQ(step.className(), "Node");
-    EXPECT_EQ(step.namingAttribute(), "nodeId");
     EXPECT_EQ(step.value(), "1.5");
     EXPECT_TRUE(step.isValid());
 }
