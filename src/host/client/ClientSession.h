@@ -36,7 +36,7 @@ public:
     /// The client of the chosen version.
     Client& client() { return mClients.chosen(); }
     OpenTransactions& transactions() { return mTransactions; }
-    /// Ends long work of this session: see CancellationToken.
+    /// Ends long work of this session, from then on: see CancellationToken.
     CancellationToken& cancellation() { return mCancellation; }
 
     /// Runs \p work with the handle of the current transaction. If there is none, \p work gets its

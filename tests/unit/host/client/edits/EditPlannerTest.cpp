@@ -390,20 +390,20 @@ TEST_F(EditPlannerTest, Replace_AMandatoryValueNotNamed_IsRefused) {
 }
 
 TEST_F(EditPlannerTest, Plan_Cancelled_EndsWithoutAPlan) {
-    CancellationToken token;
-    token.cancel();
-    EXPECT_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState),
+    CancellationToken early;
+    early.cancel();
+    EXPECT_THROW(EditPlanner(mModel, &early).plan(edit(EditKind::Merge, kUnit, {}), mState),
                  CancelledError);
     // All objects are known by then.
-    token.reset();
-    mState.cancelledByARead = &token;
+    CancellationToken late;
+    mState.cancelledByARead = &late;
     const Wish wish{{{EditKind::Merge,
                       kSite,
                       {{kUnit, {{"label", text("new")}}}, {kMast, {{"units", refs({})}}}}}}};
-    EXPECT_THROW(EditPlanner(mModel, &token).plan(wish, mState), CancelledError);
+    EXPECT_THROW(EditPlanner(mModel, &late).plan(wish, mState), CancelledError);
     mState.cancelledByARead = nullptr;
-    token.reset();
-    EXPECT_NO_THROW(EditPlanner(mModel, &token).plan(edit(EditKind::Merge, kUnit, {}), mState));
+    const CancellationToken never;
+    EXPECT_NO_THROW(EditPlanner(mModel, &never).plan(edit(EditKind::Merge, kUnit, {}), mState));
 }
 
 }
