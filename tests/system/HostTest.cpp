@@ -5,6 +5,7 @@
 
 #include "runtime/Host.h"
 
+#include "client/Clients.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 
@@ -16,11 +17,14 @@ namespace {
 
 using namespace OrvHost;
 using testing::Each;
-using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
+using testing::Property;
+using testing::Throws;
 
-constexpr VekMgmtSpiInterface_1 kClientTable = OrvOamSpiManagedObject_3_ExtCmId;
+auto throwsCode(OrvReturnT code) {
+    return Throws<OperationError>(Property(&OperationError::code, code));
+}
 
 class HostTest : public testing::Test {
 protected:
@@ -61,7 +65,7 @@ TEST_F(HostTest, Start_WithTheComponent_OffersItsFiveInterfaces) {
         EXPECT_NE(host.find<void>(id), nullptr) << id.interfaceName << id.interfaceVersion;
     }
     EXPECT_THAT(host.shutdown(), IsEmpty());
-    EXPECT_EQ(host.find<void>(kClientTable), nullptr);
+    EXPECT_THROW(Client{host}, NotOfferedError);
 }
 
 TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
@@ -69,19 +73,46 @@ TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
     load(host);
     host.loadComponent(EXT_CM_PATH);
     host.start();
-    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-    ASSERT_NE(client, nullptr);
+    Client client(host);
     const Host::ReadTransaction transaction(host);
-    bool exists = false;
-    EXPECT_EQ(client->existsMo(transaction.handle(), "ManagedElement=east,Mast=a", &exists), OrvOk);
-    EXPECT_TRUE(exists);
-    OrvMoAttributeValueResult_3 result{};
-    ASSERT_EQ(client->getMoAttribute(transaction.handle(), "ManagedElement=east,Mast=a", "height",
-                                     &result),
-              OrvOk);
-    EXPECT_EQ(result.container->values[0].int64, 30);
-    result.release(result.container);
-    EXPECT_EQ(client->existsMo(transaction.handle(), "ManagedElement=1", &exists), OrvNotExist);
+    EXPECT_TRUE(client.exists(transaction.handle(), "ManagedElement=east,Mast=a"));
+    const ReadValue height =
+        client.get(transaction.handle(), "ManagedElement=east,Mast=a", "height", nullptr);
+    EXPECT_EQ(toAttributeValue(height, ValueKind::Int),
+              (AttributeValue{ValueKind::Int, {std::int64_t{30}}}));
+    EXPECT_THAT([&] { client.exists(transaction.handle(), "ManagedElement=1"); },
+                throwsCode(OrvNotExist));
+}
+
+TEST_F(HostTest, Children_InSingleSteps_ComeInEachVersion) {
+    Host host(mModel, knownAs("east"));
+    load(host);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    Clients clients(host);
+    for (const std::string& version : Clients::versions()) {
+        clients.choose(version);
+        const Host::ReadTransaction transaction(host);
+        const ChildIterator iterator =
+            clients.chosen().openChildren(transaction.handle(), "ManagedElement=east", "Mast");
+        EXPECT_EQ(clients.chosen().nextChild(iterator), "a") << version;
+        EXPECT_EQ(clients.chosen().nextChild(iterator), std::nullopt) << version;
+        EXPECT_NO_THROW(clients.chosen().closeChildren(iterator)) << version;
+    }
+}
+
+TEST_F(HostTest, Iterator_Closed_IsUnknown) {
+    Host host(mModel, knownAs("east"));
+    load(host);
+    host.loadComponent(EXT_CM_PATH);
+    host.start();
+    Client client(host);
+    const Host::ReadTransaction transaction(host);
+    const ChildIterator iterator =
+        client.openChildren(transaction.handle(), "ManagedElement=east", "Mast");
+    client.closeChildren(iterator);
+    EXPECT_THAT([&] { client.nextChild(iterator); }, throwsCode(OrvNotActive));
+    EXPECT_NO_THROW(client.closeChildren(iterator));
 }
 
 TEST_F(HostTest, Iterator_AfterItsTransaction_IsUnknown) {
@@ -89,17 +120,18 @@ TEST_F(HostTest, Iterator_AfterItsTransaction_IsUnknown) {
     load(host);
     host.loadComponent(EXT_CM_PATH);
     host.start();
-    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-    unsigned long long iterator = 0;
-    char* name = nullptr;
-    {
-        const Host::ReadTransaction transaction(host);
-        ASSERT_EQ(client->newMoIterator(transaction.handle(), "", "ManagedElement", &iterator),
-                  OrvOk);
-        ASSERT_EQ(client->nextMo(iterator, &name), OrvOk);
-        EXPECT_STREQ(name, "east");
+    Clients clients(host);
+    for (const std::string& version : Clients::versions()) {
+        clients.choose(version);
+        Client& client = clients.chosen();
+        ChildIterator iterator;
+        {
+            const Host::ReadTransaction transaction(host);
+            iterator = client.openChildren(transaction.handle(), "", "ManagedElement");
+            EXPECT_EQ(client.nextChild(iterator), "east") << version;
+        }
+        EXPECT_THAT([&] { client.nextChild(iterator); }, throwsCode(OrvNotActive)) << version;
     }
-    EXPECT_EQ(client->nextMo(iterator, &name), OrvNotActive);
 }
 
 // A client writes one side of an association; the component writes the other, in the same
@@ -128,14 +160,10 @@ TEST_F(HostTest, Watch_CommitWithAnAssociation_ShowsTheBackPointerThatFollowed) 
     const auto subscription =
         host.watch([&](const ChangeSet& changes) { seen.push_back(changes); });
 
-    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-    ASSERT_NE(client, nullptr);
+    Client client(host);
     const unsigned long txHandle = host.transactions().begin("alice");
-    OrvMoAttributeValue_3 slot{};
-    slot.moRef = "ManagedElement=east,Mast=m";
-    const OrvMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, 1, &slot};
-    ASSERT_EQ(client->setMoAttribute(txHandle, "ManagedElement=east,Antenna=a", "mast", &value),
-              OrvOk);
+    const AttributeValue mast{ValueKind::MoRef, {std::string("ManagedElement=east,Mast=m")}};
+    client.set(txHandle, "ManagedElement=east,Antenna=a", {{"mast", mast}});
     EXPECT_THAT(seen, IsEmpty());
     ASSERT_TRUE(host.transactions().commit(txHandle).accepted);
 
@@ -158,10 +186,8 @@ TEST_F(HostTest, Shutdown_WithTransactionsOpen_EndsThemFirst) {
     load(host);
     host.loadComponent(EXT_CM_PATH);
     host.start();
-    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-    const unsigned long txHandle = host.transactions().begin();
-    unsigned long long iterator = 0;
-    ASSERT_EQ(client->newMoIterator(txHandle, "ManagedElement=1", "Mast", &iterator), OrvOk);
+    Client client(host);
+    client.openChildren(host.transactions().begin(), "ManagedElement=1", "Mast");
     EXPECT_EQ(host.transactions().openCount(), 1u);
     EXPECT_THAT(host.shutdown(), IsEmpty());
     EXPECT_EQ(host.transactions().openCount(), 0u);
@@ -174,7 +200,7 @@ TEST_F(HostTest, Portals_OnlyVersionOne_ComponentWorksAndItsRecordIsDropped) {
     Host host(mModel, options);
     host.loadComponent(EXT_CM_PATH);
     host.start();
-    EXPECT_NE(host.find<void>(kClientTable), nullptr);
+    EXPECT_NO_THROW(Client{host});
     EXPECT_THAT(host.shutdown(), IsEmpty());
     EXPECT_THAT(host.components().components(), IsEmpty());
 }
@@ -222,13 +248,9 @@ TEST_F(HostTest, Host_OneAfterTheOther_BothWork) {
         load(host);
         host.loadComponent(EXT_CM_PATH);
         host.start();
-        auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-        ASSERT_NE(client, nullptr);
+        Client client(host);
         const Host::ReadTransaction transaction(host);
-        bool exists = false;
-        const std::string dn = std::string("ManagedElement=") + identity;
-        EXPECT_EQ(client->existsMo(transaction.handle(), dn.c_str(), &exists), OrvOk);
-        EXPECT_TRUE(exists);
+        EXPECT_TRUE(client.exists(transaction.handle(), std::string("ManagedElement=") + identity));
     }
 }
 

@@ -3,6 +3,7 @@
 
 // Many clients use the loaded component at once.
 
+#include "client/Client.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
@@ -20,27 +21,23 @@ constexpr int kThreads = 4;
 constexpr int kRounds = 50;
 constexpr int kMasts = 20;
 
-constexpr VekMgmtSpiInterface_1 kClientTable = OrvOamSpiManagedObject_3_ExtCmId;
-
 /// The work of one client in its own transaction: counts the masts that have the expected height.
-int readAll(Host& host, OrvOamSpiManagedObject_3* client) {
+/// -1 if a call is refused.
+int readAll(Host& host, Client& client) {
     const Host::ReadTransaction transaction(host);
-    unsigned long long iterator = 0;
-    if (client->newMoIterator(transaction.handle(), "ManagedElement=east", "Mast", &iterator) !=
-        OrvOk) {
+    int met = 0;
+    const auto read = [&](const std::string& name) {
+        const ReadValue height =
+            client.get(transaction.handle(), "ManagedElement=east,Mast=" + name, "height", nullptr);
+        const AttributeValue expected{ValueKind::Int, {std::int64_t{std::stoi(name)}}};
+        met += toAttributeValue(height, ValueKind::Int) == expected ? 1 : 0;
+        return true;
+    };
+    try {
+        client.forEachChild(transaction.handle(), "ManagedElement=east", "Mast", read);
+    } catch (const OperationError&) {
         return -1;
     }
-    int met = 0;
-    char* name = nullptr;
-    while (client->nextMo(iterator, &name) == OrvOk && name != nullptr) {
-        const std::string dn = std::string("ManagedElement=east,Mast=") + name;
-        OrvMoAttributeValueResult_3 result{};
-        if (client->getMoAttribute(transaction.handle(), dn.c_str(), "height", &result) == OrvOk) {
-            met += result.container->values[0].int64 == std::stoi(name) ? 1 : 0;
-            result.release(result.container);
-        }
-    }
-    client->finalizeMoIterator(iterator);
     return met;
 }
 
@@ -64,8 +61,7 @@ TEST(HostThreadsTest, Readers_SideBySide_SeeAllObjects) {
     ASSERT_TRUE(data.moveInto(host.store()).empty());
     host.loadComponent(EXT_CM_PATH);
     host.start();
-    auto* client = host.find<OrvOamSpiManagedObject_3>(kClientTable);
-    ASSERT_NE(client, nullptr);
+    Client client(host);
 
     std::atomic<int> complete{0};
     std::vector<std::thread> clients;

@@ -8,22 +8,30 @@
 #include "OwnedResult.h"
 #include "runtime/Host.h"
 
+#include <exception>
+
 namespace OrvHost {
 
 namespace {
 
-/// Finalizes an iterator in its destructor.
-class OpenIterator {
+/// Closes a walk in its destructor.
+class OpenWalk {
 public:
-    OpenIterator(OrvOamSpiManagedObject_3* table, unsigned long long handle)
-        : mTable(table), mHandle(handle) {}
-    OpenIterator(const OpenIterator&) = delete;
-    OpenIterator& operator=(const OpenIterator&) = delete;
-    ~OpenIterator() { mTable->finalizeMoIterator(mHandle); }
+    OpenWalk(Client& client, const ChildIterator& iterator)
+        : mClient(client), mIterator(iterator) {}
+    OpenWalk(const OpenWalk&) = delete;
+    OpenWalk& operator=(const OpenWalk&) = delete;
+    ~OpenWalk() {
+        try {
+            mClient.closeChildren(mIterator);
+        } catch (const std::exception&) {
+            return; // the walk ends with the transaction
+        }
+    }
 
 private:
-    OrvOamSpiManagedObject_3* mTable;
-    unsigned long long mHandle;
+    Client& mClient;
+    const ChildIterator& mIterator;
 };
 
 std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
@@ -87,18 +95,36 @@ std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::strin
 
 void Client::forEachChild(unsigned long txHandle, const std::string& dn,
                           const std::string& className, const Visit& visit) {
+    const ChildIterator iterator = openChildren(txHandle, dn, className);
+    const OpenWalk walk(*this, iterator);
+    while (const std::optional<std::string> name = nextChild(iterator)) {
+        if (!visit(*name)) {
+            return;
+        }
+        if (mToken != nullptr) {
+            mToken->throwIfCancelled();
+        }
+    }
+}
+
+ChildIterator Client::openChildren(unsigned long txHandle, const std::string& dn,
+                                   const std::string& className) {
     unsigned long long handle = 0;
     check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
           {"newMoIterator", dn, className, {}});
-    const OpenIterator iterator(mTable, handle);
-    for (;;) {
-        char* name = nullptr;
-        check(mTable->nextMo(handle, &name), {"nextMo", dn, className, {}});
-        if (name == nullptr || !visit(name)) {
-            return;
-        }
-        throwIfCancelled();
-    }
+    return {dn, className, handle};
+}
+
+std::optional<std::string> Client::nextChild(const ChildIterator& iterator) {
+    char* name = nullptr;
+    check(mTable->nextMo(std::get<unsigned long long>(iterator.handle), &name),
+          {"nextMo", iterator.dn, iterator.className, {}});
+    return name != nullptr ? std::optional<std::string>(name) : std::nullopt;
+}
+
+void Client::closeChildren(const ChildIterator& iterator) {
+    check(mTable->finalizeMoIterator(std::get<unsigned long long>(iterator.handle)),
+          {"finalizeMoIterator", iterator.dn, iterator.className, {}});
 }
 
 void Client::create(unsigned long txHandle, const NewObject& object,

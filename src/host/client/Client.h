@@ -12,12 +12,23 @@
 #include "model/Model.h"
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace OrvHost {
 
 class Host;
+
+/// A walk over the children of one class that the client steps through by itself. It ends with its
+/// transaction at the latest.
+struct ChildIterator {
+    std::string dn; ///< external; empty: the top level
+    std::string className;
+    /// The component's name for the walk: a number, in version 1 a pointer that nobody follows.
+    std::variant<unsigned long long, void*> handle;
+};
 
 /// An MO client of interface version 3: calls the table that the component offers, looked up
 /// through the portal like any client. All DNs are external, in values too. A code that is not
@@ -55,10 +66,19 @@ public:
     /// Called for each child; false ends the walk.
     using Visit = std::function<bool(const std::string& name)>;
 
-    /// Walks the children of one class; \p dn empty: the top level. The iterator is also finalized
-    /// if the walk ends early or \p visit throws. Throws CancelledError: see cancelBy.
-    virtual void forEachChild(unsigned long txHandle, const std::string& dn,
-                              const std::string& className, const Visit& visit);
+    /// Walks the children of one class; \p dn empty: the top level. The iterator is also closed if
+    /// the walk ends early or \p visit throws. Throws CancelledError: see cancelBy.
+    void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
+                      const Visit& visit);
+
+    /// The same in single steps, for walks that are longer than one call. A walk that is not closed
+    /// stays open until its transaction ends; after that, a step is refused with OrvNotActive.
+    virtual ChildIterator openChildren(unsigned long txHandle, const std::string& dn,
+                                       const std::string& className);
+    /// The name of the next child; nothing after the last one.
+    virtual std::optional<std::string> nextChild(const ChildIterator& iterator);
+    /// Also for a walk that has ended.
+    virtual void closeChildren(const ChildIterator& iterator);
 
     /// Creates an object with its first attributes.
     virtual void create(unsigned long txHandle, const NewObject& object,
@@ -80,13 +100,6 @@ public:
     void cancelBy(const CancellationToken* token) { mToken = token; }
 
 protected:
-    /// To be called after each step of a walk.
-    void throwIfCancelled() const {
-        if (mToken != nullptr) {
-            mToken->throwIfCancelled();
-        }
-    }
-
     /// Throws OperationError unless \p code is OrvOk.
     void check(OrvReturnT code, OperationSubject subject);
 

@@ -85,20 +85,22 @@ std::vector<NamedReadValue> Client1::get(unsigned long txHandle, const std::stri
     return values;
 }
 
-void Client1::forEachChild(unsigned long txHandle, const std::string& dn,
-                           const std::string& className, const Visit& visit) {
-    void* iterator = nullptr;
-    check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &iterator),
+ChildIterator Client1::openChildren(unsigned long txHandle, const std::string& dn,
+                                    const std::string& className) {
+    void* handle = nullptr;
+    check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
           {"newMoIterator", dn, className, {}});
-    for (;;) {
-        char* name = nullptr;
-        check(mTable->nextMo(iterator, &name), {"nextMo", dn, className, {}});
-        if (name == nullptr || !visit(name)) {
-            return;
-        }
-        throwIfCancelled();
-    }
+    return {dn, className, handle};
 }
+
+std::optional<std::string> Client1::nextChild(const ChildIterator& iterator) {
+    char* name = nullptr;
+    check(mTable->nextMo(std::get<void*>(iterator.handle), &name),
+          {"nextMo", iterator.dn, iterator.className, {}});
+    return name != nullptr ? std::optional<std::string>(name) : std::nullopt;
+}
+
+void Client1::closeChildren(const ChildIterator&) {}
 
 void Client1::create(unsigned long txHandle, const NewObject& object,
                      const std::vector<NamedValue>& attributes) {

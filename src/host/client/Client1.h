@@ -22,8 +22,11 @@ public:
     std::vector<NamedReadValue> get(unsigned long txHandle, const std::string& dn,
                                     const std::vector<std::string>& attributes,
                                     const ClassDef* moc) override;
-    void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
-                      const Visit& visit) override;
+    ChildIterator openChildren(unsigned long txHandle, const std::string& dn,
+                               const std::string& className) override;
+    std::optional<std::string> nextChild(const ChildIterator& iterator) override;
+    /// Does nothing: in this version walks end with their transaction.
+    void closeChildren(const ChildIterator& iterator) override;
     /// This version creates objects without attributes; they are set afterwards, one call for each.
     void create(unsigned long txHandle, const NewObject& object,
                 const std::vector<NamedValue>& attributes) override;

@@ -14,7 +14,10 @@
 namespace OrvHost {
 
 /// One client for each version of the MO interface, of which one is chosen. The first choice is
-/// 3_1, which can do the most. One thread.
+/// 3_1, which can do the most.
+///
+/// Threads: the choice is for one thread. The clients of single versions are for several: see
+/// Client.
 class Clients {
 public:
     /// Throws NotOfferedError if a table is not offered. See Client.

@@ -11,7 +11,8 @@
 
 namespace OrvHost {
 
-/// The table that a started component offers under \p id. Throws NotOfferedError if none does.
+/// The table that a started component offers under \p id. Throws NotOfferedError if none does. For
+/// the clients of this library, and for benchmarks, which measure the calls of tables themselves.
 template <class Table>
 Table* requireOffered(Host& host, const VekMgmtSpiInterface_1& id) {
     Table* table = host.find<Table>(id);
