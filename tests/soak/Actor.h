@@ -5,11 +5,13 @@
 #define ORV_TESTS_SOAK_ACTOR_H
 
 #include "Cast.h"
-#include "Clients.h"
 #include "Random.h"
+#include "client/Client.h"
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,7 +42,7 @@ public:
     const std::vector<std::string>& doubts() const { return mDoubts; }
     std::uint64_t operations() const { return mOperations; }
     /// Iterators that were not finalized.
-    const std::vector<unsigned long long>& leftOpen() const { return mLeftOpen; }
+    const std::vector<OrvHost::ChildIterator>& leftOpen() const { return mLeftOpen; }
 
 private:
     /// An object of the cast.
@@ -72,17 +74,21 @@ private:
     Subject subject(std::size_t role, std::size_t number) const;
     bool exists(const std::string& dn);
     bool ensure(const Subject& subject);
-    bool create(const Subject& subject, const Scripted::NamedValues& references);
+    bool create(const Subject& subject, const std::vector<OrvHost::NamedValue>& references);
     bool remove(const Subject& subject);
-    bool set(const std::string& dn, const std::string& attribute, const Scripted::Value& value);
+    bool set(const std::string& dn, const std::string& attribute,
+             const OrvHost::AttributeValue& value);
+    /// Reads one attribute in version 3; nothing if it is refused.
+    std::optional<OrvHost::ReadValue> read(const std::string& dn, const std::string& attribute,
+                                           std::initializer_list<OrvReturnT> alsoRight = {});
     std::vector<std::string> references(const std::string& dn, const std::string& attribute);
     std::vector<std::string> drawTargets(const Subject& subject, const Slot& slot);
     std::string drawText();
     void remember(const std::string& dn, const std::string& text);
 
-    /// Counts the operation and checks its code. True for OrvOk.
-    bool judge(const char* operation, const std::string& dn, OrvReturnT code,
-               std::initializer_list<OrvReturnT> alsoRight = {});
+    /// Makes the call, counts it and checks its code. True for OrvOk.
+    bool run(const char* operation, const std::string& dn, const std::function<void()>& call,
+             std::initializer_list<OrvReturnT> alsoRight = {});
     void check(bool isRight, const std::string& what);
 
     Scene& mScene;
@@ -93,7 +99,7 @@ private:
     std::uint64_t mOperations = 0;
     bool mIsDoomed = false;
     std::vector<std::string> mDoubts;
-    std::vector<unsigned long long> mLeftOpen;
+    std::vector<OrvHost::ChildIterator> mLeftOpen;
 };
 
 }

@@ -3,22 +3,17 @@
 
 #include "Cast.h"
 
+#include "Values.h"
 #include "base/DnView.h"
 
 namespace Soak {
-
-using namespace Scripted;
 
 namespace {
 
 enum : std::size_t { CellDu, Carrier, CellCu, Baseband, Radio, Sector, Antenna };
 
-Value count(std::uint64_t number) {
-    return opaque(OrvMoAttributeTypeUint64_3, {number});
-}
-
-Value network() {
-    return structs({{member("mcc", strings({"240"})), member("mnc", strings({"01"}))}});
+OrvHost::AttributeValue network() {
+    return structure({{"mcc", text("240")}, {"mnc", text("01")}});
 }
 
 std::vector<Role> makeRoles() {
@@ -27,20 +22,20 @@ std::vector<Role> makeRoles() {
                    "nRCellDUId",
                    "GNBDUFunction=*",
                    8,
-                   {{"cellLocalId", count(1)}, {"nRPCI", count(2)}, {"pLMNIdList", network()}},
+                   {{"cellLocalId", natural(1)}, {"nRPCI", natural(2)}, {"pLMNIdList", network()}},
                    {{"nRCellCURef", "nRCellDURef", CellCu, 1, 1},
                     {"nRSectorCarrierRef", "nRCellDURef", Carrier, 3, 4}}};
     all[Carrier] = {"NRSectorCarrier",
                     "nRSectorCarrierId",
                     "GNBDUFunction=*",
                     8,
-                    {{"arfcnDL", count(620000)}},
+                    {{"arfcnDL", natural(620000)}},
                     {{"nRCellDURef", "nRSectorCarrierRef", CellDu, 3, 8}}};
     all[CellCu] = {"NRCellCU",
                    "nRCellCUId",
                    "GNBCUCPFunction=1",
                    8,
-                   {{"cellLocalId", count(3)}},
+                   {{"cellLocalId", natural(3)}},
                    {{"nRCellDURef", "nRCellCURef", CellDu, 1, 1},
                     {"neighbourCellRef", "neighbourOfRef", CellCu, 4, 64},
                     {"neighbourOfRef", "neighbourCellRef", CellCu, 4, 64}}};
@@ -62,7 +57,7 @@ std::vector<Role> makeRoles() {
                    "sectorId",
                    "Equipment=1",
                    4,
-                   {{"azimuth", count(120)}},
+                   {{"azimuth", natural(120)}},
                    {{"radioUnitRef", "sectorRef", Radio, 2, 1}}};
     all[Antenna] = {"Antenna", "antennaId", "Equipment=1,AntennaUnit=*",
                     6,         {},          {{"radioUnitRef", "antennaRef", Radio, 2, 4}}};

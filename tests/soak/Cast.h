@@ -4,7 +4,7 @@
 #ifndef ORV_TESTS_SOAK_CAST_H
 #define ORV_TESTS_SOAK_CAST_H
 
-#include "Value.h"
+#include "model/Value.h"
 
 #include <cstddef>
 #include <string>
@@ -32,7 +32,7 @@ struct Role {
     std::string naming;
     std::string parent; ///< below the root; "*" stands for the cast's name
     std::size_t count = 0;
-    Scripted::NamedValues mandatory;
+    std::vector<OrvHost::NamedValue> mandatory;
     std::vector<Slot> slots;
 };
 

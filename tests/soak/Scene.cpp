@@ -6,6 +6,7 @@
 #include "RanModel.h"
 #include "RanNetwork.h"
 #include "Tally.h"
+#include "Values.h"
 #include "runtime/DataSet.h"
 
 #include <stdexcept>
@@ -13,7 +14,6 @@
 namespace Soak {
 
 using namespace OrvHost;
-using namespace Scripted;
 
 namespace {
 
@@ -30,12 +30,7 @@ std::optional<AttributeValue> act(const ActionCall& call) {
     if (call.action.name != "changePci") {
         return std::nullopt;
     }
-    const auto number = [](std::uint64_t value) {
-        return AttributeValue{ValueKind::Uint, {value}};
-    };
-    return AttributeValue{
-        ValueKind::Struct,
-        {StructValue{{{"previous", number(1)}, {"informed", number(call.parameters.size())}}}}};
+    return structure({{"previous", natural(1)}, {"informed", natural(call.parameters.size())}});
 }
 
 }
@@ -52,7 +47,7 @@ Scene::Scene(unsigned writers, Tally& tally) : mModel(RanGenerator::readRanModel
     mHost->router().setActionHandler(&act);
     mTap.emplace(mModel.model, mHost->router(), tally);
     startComponent();
-    findTables();
+    mClients.emplace(*mHost);
     makeStage();
 }
 
@@ -73,42 +68,29 @@ void Scene::startComponent() {
     }
 }
 
-void Scene::findTables() {
-    auto* table3 = mHost->find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId);
-    auto* table3_1 = mHost->find<VekOamSpiManagedObject_3_1>(VekOamSpiManagedObject_3_1_ExtCmId);
-    auto* table1 = mHost->find<OrvOamSpiManagedObject_1>(OrvOamSpiManagedObject_1_ExtCmId);
-    require(table3 != nullptr && table3_1 != nullptr && table1 != nullptr, "a table is missing");
-    mClient3.emplace(*table3);
-    mClient3_1.emplace(*table3_1);
-    mClient1.emplace(*table1);
-}
-
 void Scene::makeStage() {
     const unsigned long tx = mHost->transactions().begin();
     for (const Cast& cast : mCasts) {
-        require(createUnits(tx, cast) == OrvOk, "the parents of a cast are refused");
+        require(codeOf([&] { createUnits(tx, cast); }) == OrvOk,
+                "the parents of a cast are refused");
     }
     for (std::size_t counter = 0; counter < kCounters; ++counter) {
-        const OrvReturnT code =
-            mClient3->create(tx, kRoot + ",GNBDUFunction=1", "NRSectorCarrier", "nRSectorCarrierId",
-                             "counter-" + std::to_string(counter),
-                             {{"arfcnDL", opaque(OrvMoAttributeTypeUint64_3, {1})},
-                              {"configuredMaxTxPower", opaque(OrvMoAttributeTypeInt64_3, {0})}});
+        const NewObject object = parseNewObject(mModel.model, counterDn(counter));
+        const OrvReturnT code = codeOf([&] {
+            client3().create(tx, object,
+                             {{"arfcnDL", natural(1)}, {"configuredMaxTxPower", integer(0)}});
+        });
         require(code == OrvOk, "a counter is refused");
     }
     const TransactionOutcome outcome = mHost->transactions().commit(tx);
     require(outcome.accepted, "the stage is refused: " + outcome.reason);
-    mHost->threadContext().clear();
     RouterTap::endTransaction();
 }
 
-OrvReturnT Scene::createUnits(unsigned long txHandle, const Cast& cast) const {
-    const Scripted::Value number = opaque(OrvMoAttributeTypeUint64_3, {1});
-    const OrvReturnT code = mClient3->create(txHandle, kRoot, "GNBDUFunction", "gNBDUFunctionId",
-                                             cast.name(), {{"gNBId", number}, {"gNBDUId", number}});
-    return code != OrvOk ? code
-                         : mClient3->create(txHandle, kRoot + ",Equipment=1", "AntennaUnit",
-                                            "antennaUnitId", cast.name(), {});
+void Scene::createUnits(unsigned long txHandle, const Cast& cast) {
+    client3().create(txHandle, parseNewObject(mModel.model, cast.distributedUnit()),
+                     {{"gNBId", natural(1)}, {"gNBDUId", natural(1)}});
+    client3().create(txHandle, parseNewObject(mModel.model, cast.antennaUnit()), {});
 }
 
 std::string Scene::counterDn(std::size_t counter) {

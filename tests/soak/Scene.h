@@ -5,9 +5,9 @@
 #define ORV_TESTS_SOAK_SCENE_H
 
 #include "Cast.h"
-#include "Clients.h"
 #include "Ledger.h"
 #include "RouterTap.h"
+#include "client/Clients.h"
 #include "runtime/Host.h"
 #include "yang/schema/YangModelReader.h"
 
@@ -20,7 +20,8 @@ class Tally;
 /// The reference host with the loaded component and a generated network, and its clients in all
 /// three versions.
 ///
-/// Threads: one thread for constructor and destructor; any for everything else.
+/// Threads: one thread for constructor and destructor; any for everything else, each transaction on
+/// one.
 class Scene {
 public:
     /// Creates the parents of one cast for each of \p writers, the parents of the cast that all
@@ -35,17 +36,16 @@ public:
     /// A carrier whose attribute `configuredMaxTxPower` is incremented.
     static std::string counterDn(std::size_t counter);
 
-    const Scripted::Client3& client3() const { return *mClient3; }
-    const Scripted::Client3_1& client3_1() const { return *mClient3_1; }
-    const Scripted::Client1& client1() const { return *mClient1; }
+    OrvHost::Client& client3() { return mClients->version3(); }
+    OrvHost::Client& client3_1() { return mClients->version3_1(); }
+    OrvHost::Client& client1() { return mClients->version1(); }
 
-    /// Creates the parents of a cast; OrvOk, or the code of the first refusal.
-    OrvReturnT createUnits(unsigned long txHandle, const Cast& cast) const;
+    /// Creates the parents of a cast. Throws OperationError.
+    void createUnits(unsigned long txHandle, const Cast& cast);
 
 private:
     void loadNetwork();
     void startComponent();
-    void findTables();
     void makeStage();
 
     OrvHost::YangModel mModel;
@@ -54,9 +54,7 @@ private:
     // unloaded.
     std::unique_ptr<OrvHost::Host> mHost;
     std::optional<RouterTap> mTap;
-    std::optional<Scripted::Client3> mClient3;
-    std::optional<Scripted::Client3_1> mClient3_1;
-    std::optional<Scripted::Client1> mClient1;
+    std::optional<OrvHost::Clients> mClients;
 };
 
 }

@@ -81,7 +81,7 @@ Writer::End Writer::attempt(std::uint64_t number) {
     }
     mOperations += actor.operations();
     mTally.operations += actor.operations();
-    for (const unsigned long long iterator : actor.leftOpen()) {
+    for (const ChildIterator& iterator : actor.leftOpen()) {
         if (mDeadIterators.size() < kMostDeadIterators) {
             mDeadIterators.push_back(iterator);
         }
@@ -149,13 +149,11 @@ Writer::End Writer::abort(unsigned long txHandle, End end) {
     if (!outcome.accepted || !outcome.reason.empty()) {
         mTally.fail("abort: " + textOf(outcome));
     }
-    mScene.host().threadContext().clear();
     return end;
 }
 
 Writer::End Writer::commit(unsigned long txHandle) {
     const TransactionOutcome outcome = mScene.host().transactions().commit(txHandle);
-    mScene.host().threadContext().clear();
     if (!outcome.accepted) {
         return endOf(outcome, "commit");
     }

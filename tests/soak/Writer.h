@@ -6,6 +6,7 @@
 
 #include "Ledger.h"
 #include "SoakOptions.h"
+#include "client/Client.h"
 
 #include <cstdint>
 #include <vector>
@@ -34,7 +35,7 @@ public:
 
     const Ledger& ledger() const { return mLedger; }
     /// The last iterators whose transactions have ended.
-    const std::vector<unsigned long long>& deadIterators() const { return mDeadIterators; }
+    const std::vector<OrvHost::ChildIterator>& deadIterators() const { return mDeadIterators; }
 
 private:
     enum class End { Committed, Aborted, Refused, Conflict };
@@ -54,7 +55,7 @@ private:
     Ledger mLedger;
     std::uint64_t mOperations = 0;
     std::uint64_t mTransactions = 0;
-    std::vector<unsigned long long> mDeadIterators;
+    std::vector<OrvHost::ChildIterator> mDeadIterators;
 };
 
 }

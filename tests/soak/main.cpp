@@ -11,6 +11,7 @@
 #include "SoakOptions.h"
 #include "StoreAudit.h"
 #include "Tally.h"
+#include "Values.h"
 #include "Writer.h"
 
 #include <chrono>
@@ -73,9 +74,9 @@ void checkReleased(Scene& scene, const std::deque<Writer>& writers, Tally& tally
     }
     std::size_t dead = 0;
     for (const Writer& writer : writers) {
-        for (const unsigned long long iterator : writer.deadIterators()) {
+        for (const OrvHost::ChildIterator& iterator : writer.deadIterators()) {
             ++dead;
-            if (scene.client3().next(iterator).code != OrvNotActive) {
+            if (codeOf([&] { scene.client3().nextChild(iterator); }) != OrvNotActive) {
                 tally.fail("an iterator outlives its transaction");
             }
         }
@@ -87,10 +88,17 @@ void checkReleased(Scene& scene, const std::deque<Writer>& writers, Tally& tally
                 static_cast<unsigned long long>(RouterTap::iterators()), dead);
 }
 
+/// No value if the read is refused.
+OrvHost::ReadValue read(Scene& scene, unsigned long txHandle, const std::string& dn,
+                        const std::string& attribute) {
+    OrvHost::ReadValue value;
+    codeOf([&] { value = scene.client3().get(txHandle, dn, attribute, nullptr); });
+    return value;
+}
+
 std::int64_t readCounter(Scene& scene, unsigned long tx, std::size_t counter) {
-    const Scripted::Read read =
-        scene.client3().get(tx, Scene::counterDn(counter), "configuredMaxTxPower");
-    return read.code == OrvOk ? read.record.container->values[0].int64 : -1;
+    return integerOf(read(scene, tx, Scene::counterDn(counter), "configuredMaxTxPower"))
+        .value_or(-1);
 }
 
 void checkUpdates(Scene& scene, const std::deque<Writer>& writers, Tally& tally) {
@@ -110,11 +118,11 @@ void checkUpdates(Scene& scene, const std::deque<Writer>& writers, Tally& tally)
     }
     std::size_t texts = 0;
     for (const Writer& writer : writers) {
-        for (const auto& [dn, text] : writer.ledger().texts()) {
-            const Scripted::Read read = scene.client3().get(transaction.handle(), dn, "userLabel");
+        for (const auto& [dn, label] : writer.ledger().texts()) {
             ++texts;
-            if (read.code != OrvOk || !(read.value() == Scripted::strings({text}))) {
-                tally.fail(dn + " does not hold '" + text + "'");
+            const OrvHost::ReadValue found = read(scene, transaction.handle(), dn, "userLabel");
+            if (toAttributeValue(found, OrvHost::ValueKind::String) != text(label)) {
+                tally.fail(dn + " does not hold '" + label + "'");
             }
         }
     }
