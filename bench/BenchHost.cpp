@@ -3,6 +3,7 @@
 
 #include "BenchHost.h"
 
+#include "client/OfferedTable.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 
@@ -152,13 +153,13 @@ BenchHost::~BenchHost() = default;
 
 void BenchHost::findTables() {
     Host& h = *mHost;
-    mComponent = {
-        "component",
-        std::string("ManagedElement=") + identity,
-        h.find<OrvOamSpiManagedObject_1>(OrvOamSpiManagedObject_1_ExtCmId),
-        h.find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId),
-        h.find<VekOamSpiManagedObject_3_1>(VekOamSpiManagedObject_3_1_ExtCmId),
-        h.find<OrvOamSpiTransactionalResource_2>(OrvOamSpiTransactionalResource_2_ExtCmId)};
+    mComponent = {"component",
+                  std::string("ManagedElement=") + identity,
+                  requireOffered<OrvOamSpiManagedObject_1>(h, OrvOamSpiManagedObject_1_ExtCmId),
+                  requireOffered<OrvOamSpiManagedObject_3>(h, OrvOamSpiManagedObject_3_ExtCmId),
+                  requireOffered<VekOamSpiManagedObject_3_1>(h, VekOamSpiManagedObject_3_1_ExtCmId),
+                  requireOffered<OrvOamSpiTransactionalResource_2>(
+                      h, OrvOamSpiTransactionalResource_2_ExtCmId)};
     mRouter = {"router",
                "ManagedElement=1",
                h.router().getInterface1(),

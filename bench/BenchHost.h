@@ -20,7 +20,9 @@ namespace OrvBench {
 /// meaningless.
 void check(OrvReturnT code, const char* what);
 
-/// One of the two ways to the same objects, and the form of DNs on it.
+/// One of the two ways to the same objects, and the form of DNs on it. The calls that are measured
+/// are those of the tables themselves: the same on both ways, with values that were made before.
+/// Through the client library the time of its conversions would be measured with them.
 struct Side {
     const char* name;
     std::string root; ///< DN of the root
