@@ -5,12 +5,10 @@
 //
 //   assembled_host PATH/TO/libext_cm.so
 
+#include "client/Client.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 #include "runtime/Host.h"
-
-#include <orv/OrvOamSpiManagedObject_3.h>
-#include <orv/OwnedResult.h>
 
 #include <cstdio>
 #include <exception>
@@ -64,18 +62,16 @@ bool start(Host& host, const char* component) {
 
 // [client]
 void printAntennas(Host& host) {
-    auto* client = host.find<OrvOamSpiManagedObject_3>(OrvOamSpiManagedObject_3_ExtCmId);
+    Client client(host);
     const Host::ReadTransaction transaction(host);
-    OrvMoAttributeValueResult_3 result{};
-    const OrvReturnT code = client->getMoAttribute(
-        transaction.handle(), "ManagedElement=north,Mast=a", "antennas", &result);
-    if (code != OrvOk) {
-        std::fprintf(stderr, "code %d\n", code);
-        return;
-    }
-    const Orv::OwnedResult owned(result); // which releases it
-    for (std::uint32_t position = 0; position < result.container->count; ++position) {
-        std::puts(result.container->values[position].moRef);
+    try {
+        const ReadValue antennas =
+            client.get(transaction.handle(), "ManagedElement=north,Mast=a", "antennas", nullptr);
+        for (const ReadSlot& antenna : antennas.slots) {
+            std::puts(std::get<std::string>(antenna).c_str());
+        }
+    } catch (const OperationError& refusal) {
+        std::fprintf(stderr, "code %d\n", refusal.code());
     }
 }
 // [/client]
