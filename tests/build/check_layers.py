@@ -2,7 +2,8 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""Checks that no file includes a header of a layer that is closed to it.
+"""Checks that no file includes a header of a layer that is closed to it, and that what stands above
+the client library knows no table.
 
 usage: check_layers.py ROOT        checks the tree at ROOT
        check_layers.py --self-test checks that each kind of violation is seen
@@ -93,9 +94,40 @@ INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/
 # Headers of other projects that stay at one place.
 KEPT_APART = {"libyang/": "src/host/yang"}
 
-# Headers of the tables for clients, and the folders that go through the client library instead.
-CLIENT_TABLES = re.compile(r"^(Orv|Vek)(OamSpi|MoAttributeValue)|^router/ContainerConversion\.h$")
-WITHOUT_TABLES = ["src/host/cli"]
+# What stands above the component. It goes through the client library and knows no table.
+ABOVE_CLIENT = [
+    "src/host/cli",
+    "bench",
+    "examples/embedding",
+    "tests/property/edits",
+    "tests/soak",
+    "tests/system",
+]
+
+# What gives a table away: its header, its name or that of its records, or that it is looked up. The
+# identity under which a table is offered may be named, and asked for with find<void>.
+TABLE_HEADER = re.compile(
+    r"^(Orv|Vek)(OamSpi|MoAttributeValue)|^router/ContainerConversion\.h$|^client/OfferedTable\.h$")
+TABLE_NAME = re.compile(
+    r"\b(Orv|Vek)(OamSpi\w*_\d|Mo(Named)?AttributeValue\w*|MoStructMember\w*)\b")
+TABLE_LOOKUP = re.compile(r"\bfind<(?!void>)|\brequireOffered<|\bget(Vek)?Interface\w*\(")
+
+# The files there that know tables all the same, with the reason. The other files of the benchmarks
+# call what these hand them.
+MEASURES_CALLS = "measures calls of the tables, without the conversions of the client library"
+IS_HOST = "replaces functions of the host's tables, on the other side of the component"
+WITH_TABLES = {
+    "bench/BenchHost.cpp": MEASURES_CALLS,
+    "bench/BenchHost.h": MEASURES_CALLS,
+    "bench/ResourceWorkloads.cpp": MEASURES_CALLS,
+    "bench/ThreadWorkloads.cpp": MEASURES_CALLS,
+    "bench/Values.h": MEASURES_CALLS,
+    "bench/Version1Workloads.cpp": MEASURES_CALLS,
+    "bench/Version3Workloads.cpp": MEASURES_CALLS,
+    "bench/HostSlots.cpp": IS_HOST,
+    "examples/embedding/MinimalHost.cpp": "is a host itself, without the reference host",
+    "tests/soak/RouterTap.cpp": IS_HOST,
+}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 
@@ -125,14 +157,32 @@ def violation(root, source, name):
     for prefix, home in KEPT_APART.items():
         if name.startswith(prefix) and not (layer_of(root, source) + "/").startswith(home + "/"):
             return f"{name} belongs to {home}"
-    relative = source.relative_to(root).as_posix()
-    for folder in WITHOUT_TABLES:
-        if relative.startswith(folder + "/") and CLIENT_TABLES.search(name):
-            return f"{name} is a table: {folder} goes through {CLIENT}"
     found = list(candidates(root, source, name))
     if not found or any(is_open(root, source, header) for header in found):
         return None
     return f"{name} is a header of {layer_of(root, found[0])}"
+
+
+def knows_table(line):
+    include = INCLUDE.match(line)
+    if include:
+        name = include.group(1) or include.group(2)
+        return TABLE_HEADER.search(name.removeprefix(PUBLIC_FOLDER)) is not None
+    return TABLE_NAME.search(line) is not None or TABLE_LOOKUP.search(line) is not None
+
+
+def tables_above_client(root):
+    kept = set()
+    for folder in ABOVE_CLIENT:
+        for source in sources(root / folder):
+            relative = source.relative_to(root).as_posix()
+            for line in filter(knows_table, source.read_text().splitlines()):
+                kept.add(relative)
+                if relative not in WITH_TABLES:
+                    yield f"{relative}: '{line.strip()}' knows a table; go through {CLIENT}"
+    for relative in WITH_TABLES:
+        if relative not in kept:
+            yield f"{relative}: knows no table, so it needs no exception in WITH_TABLES"
 
 
 def circles():
@@ -144,18 +194,23 @@ def circles():
                     yield f"{room} may use {other}, which does not stand before it"
 
 
+def sources(folder):
+    return [path for path in sorted(folder.rglob("*")) if path.suffix in (".h", ".cpp")]
+
+
 def homeless(root):
-    for source in sorted((root / "src").rglob("*")):
-        if source.suffix in (".h", ".cpp") and layer_of(root, source) is None:
+    for source in sources(root / "src"):
+        if layer_of(root, source) is None:
             yield f"{source.relative_to(root)}: stands in no layer"
 
 
 def violations(root):
     yield from circles()
     yield from homeless(root)
+    yield from tables_above_client(root)
     for layer in LAYERS:
-        for source in sorted((root / layer).rglob("*")):
-            if source.suffix not in (".h", ".cpp") or layer_of(root, source) != layer:
+        for source in sources(root / layer):
+            if layer_of(root, source) != layer:
                 continue
             for match in INCLUDE.finditer(source.read_text()):
                 problem = violation(root, source, match.group(1) or match.group(2))
@@ -207,8 +262,19 @@ SELF_TEST = [
     ("src/host/client/Upward.h", '#include "cli/Command.h"\n', 1),
     ("src/host/cli/output/Json.h", '#include "client/Calls.h"\n', 0),
     ("src/host/cli/output/Table.h", '#include "OrvOamSpiTable.h"\n#include "Table.h"\n', 1),
+    ("src/host/cli/output/Found.cpp", "auto* table = host.find<OrvOamSpiTable_3>(id);\n", 1),
+    ("src/host/cli/output/Offered.cpp", "#include <orv/VekOamSpiTable.h>\n", 1),
     ("src/host/cli/output/Upward.h", '#include "cli/shell/Prompt.h"\n', 1),
     ("src/host/cli/shell/Prompt.h", '#include "cli/output/Json.h"\n', 0),
+    ("bench/Workload.cpp", '#include "client/Calls.h"\n// OrvOamSpiTable, in general\n', 0),
+    ("bench/Found.cpp", '#include "client/OfferedTable.h"\nrequireOffered<T>(host, id);\n', 2),
+    ("bench/BenchHost.h", '#include "OrvOamSpiTable.h"\nOrvOamSpiTable_3* table;\n', 0),
+    ("bench/HostSlots.cpp", '#include "BenchHost.h"\n', 1),
+    ("tests/soak/Actor.cpp", "router.getVekInterface3()->existsMo(1, dn, &exists);\n", 1),
+    ("tests/soak/Writer.cpp", "OrvMoAttributeValueResult_3 result{};\n", 1),
+    ("tests/system/HostTest.cpp", "host.find<void>(OrvOamSpiTable_3_ExtCmId);\n", 0),
+    ("tests/property/edits/World.h", '#include "router/ContainerConversion.h"\n', 1),
+    ("tests/component/Stage.cpp", '#include "OrvOamSpiTable.h"\n', 0),
     ("examples/interceptor/src/Sample.cpp",
      '#include <orv/MoInterceptorBase.h>\n#include <orv/Binder.h>\n#include <orv/Service.h>\n', 1),
     ("src/common/inc/Folder.h", "#include <orv/Helper.h>\n", 1),
