@@ -51,5 +51,28 @@ TEST(AllocationCounts, LookupOfAnInterceptor_TakesNoMemory) {
     EXPECT_EQ(notFound, nullptr);
 }
 
+// The DN in both forms, of which neither fits into a short string, and what a client gets of a
+// read.
+TEST(AllocationCounts, PlainValues_TakeTheTwoDnsAndAView) {
+    Scene scene(Life::Started);
+    const OrvOamSpiManagedObject_3& table = *scene.host.client().table;
+    const std::string dn = unit("9");
+    OrvMoAttributeValue_3 slot = {};
+    slot.string = "a label";
+    const OrvMoAttributeValueContainer_3 label{OrvMoAttributeTypeString_3, 1, &slot};
+    ASSERT_EQ(table.setMoAttribute(kFaultTx, dn.c_str(), "label", &label), OrvOk); // joins
+    scene.host.forget();
+    const NewWatch watch;
+    const OrvReturnT written = table.setMoAttribute(kFaultTx, dn.c_str(), "label", &label);
+    const std::size_t takenByWrite = watch.seen();
+    const OrvReturnT read = table.getMoAttribute(kFaultTx, dn.c_str(), "label", &scene.read);
+    const std::size_t takenByRead = watch.seen() - takenByWrite;
+    scene.giveBack(read);
+    EXPECT_EQ(written, OrvOk);
+    EXPECT_EQ(read, OrvOk);
+    EXPECT_EQ(takenByWrite, 2U);
+    EXPECT_EQ(takenByRead, 3U);
+}
+
 }
 }

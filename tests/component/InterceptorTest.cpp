@@ -138,6 +138,12 @@ TEST_F(Interceptors, Register_Level8_TracesTheInterceptorAndARefusal) {
                                       "ManagedElement,Unit is already registered"));
 }
 
+TEST_F(Interceptors, NoneRegistered_Level8_TheLookupIsTracedAllTheSame) {
+    host.logLevel(8);
+    client().get(1, kUnit, "label");
+    EXPECT_THAT(host.logs(), Contains("trace 9 getInterceptor:  >> mocPath: ManagedElement,Unit "));
+}
+
 TEST_F(Interceptors, Find_Level8_TracesThePathAndTheInterceptor) {
     Interceptor& one = host.interceptor(kPath);
     host.logLevel(8);

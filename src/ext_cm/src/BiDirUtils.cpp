@@ -317,6 +317,11 @@ OrvReturnT BiDirUtils::editTargets(Edit edit, const std::vector<std::string>& ta
 // ---------------------------------------------------------------------------------------------
 // A deleted MO
 
+BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle)
+    : accessor(Orv::OrvLockPolicyRead, childLookupLimit) {
+    accessor.useTransaction(txHandle);
+}
+
 // Children before parents, and without recursion: a subtree can be deeper than a host's thread has
 // stack for.
 OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
@@ -356,19 +361,20 @@ OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const
 /// code of the class lookup.
 OrvReturnT BiDirUtils::leaveOrDescend(const TracePoint& operation, unsigned long txHandle,
                                       const char* dn, std::list<MoToLeave>& path) {
-    Orv::MoAccessor accessor(Orv::OrvLockPolicyRead, childLookupLimit);
-    accessor.useTransaction(txHandle);
+    MoToLeave& mo = path.emplace_back(txHandle);
     VekOamSpiMrMocHandle_4T moc = 0;
     const OrvReturnT code = lookUpMoc(operation, dn, moc);
-    if (code != OrvOk) {
+    if (code == OrvOk) {
+        mo.childClasses = containedClasses(operation, moc);
+    }
+    if (!mo.childClasses.empty()) {
+        mo.dn = dn;
         return code;
     }
-    std::list<std::string> childClasses = containedClasses(operation, moc);
-    if (childClasses.empty()) {
+    if (code == OrvOk) {
         updateBackpointers(txHandle, dn);
-    } else {
-        path.push_back({dn, accessor, std::move(childClasses), {}});
     }
+    path.pop_back();
     return code;
 }
 
@@ -517,13 +523,9 @@ void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle)
 // or a second time finds the same pairs. A handle that the host uses again has its earlier pairs
 // checked again: more is checked then than need be, never less.
 void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute) {
-    ModifiedAttributes& written = modifiedBackPointers[txHandle];
-    // Most pairs are known, and need no copies of their texts then.
-    const ModifiedAttributeText pair(dn, attribute);
-    const auto place = written.lower_bound(pair);
-    if (place == written.end() || pair < ModifiedAttributeText(*place)) {
-        written.emplace_hint(place, dn, attribute);
-    }
+    mWritten.first = dn;
+    mWritten.second = attribute;
+    modifiedBackPointers[txHandle].insert(mWritten); // copies it only if it is not known
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {

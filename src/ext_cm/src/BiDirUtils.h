@@ -17,7 +17,6 @@
 #include <map>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -39,18 +38,7 @@ class BiDirUtils {
 public:
     /// A written attribute: the MO's DN and the attribute's name.
     using ModifiedAttribute = std::pair<std::string, std::string>;
-    using ModifiedAttributeText = std::pair<std::string_view, std::string_view>;
-
-    /// By DN, then by attribute.
-    struct ModifiedAttributeOrder {
-        using is_transparent = void;
-
-        bool operator()(const ModifiedAttributeText& left,
-                        const ModifiedAttributeText& right) const {
-            return left < right;
-        }
-    };
-    using ModifiedAttributes = std::set<ModifiedAttribute, ModifiedAttributeOrder>;
+    using ModifiedAttributes = std::set<ModifiedAttribute>;
 
     /// An addition that waits for its target to be created.
     using BackPointerData = OrvExtCmRouterService::BackPointerData;
@@ -184,6 +172,8 @@ private:
 
     /// An MO of a subtree that is deleted, while what lies below it is taken care of.
     struct MoToLeave {
+        explicit MoToLeave(unsigned long txHandle);
+
         std::string dn;
         Orv::MoAccessor accessor;
         std::list<std::string> childClasses; ///< whose children have not been asked for
@@ -222,6 +212,7 @@ private:
     void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
 
     PendingAdditions mPending{pendingBackPointers};
+    ModifiedAttribute mWritten; ///< what addUpdatedBp looks for; kept for the memory of its texts
 };
 
 }

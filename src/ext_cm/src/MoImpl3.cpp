@@ -3,6 +3,7 @@
 
 #include "MoImpl3.h"
 
+#include "DnUtil.h"
 #include "MoInterceptorBase.h"
 #include "associations/AssociationRecord.h"
 #include "interceptors/InterceptorLookup.h"
@@ -58,7 +59,7 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-void noFurtherUse(const OrvMoNamedAttributeValueContainer_3& /*converted*/) {}
+void doNothing(const OrvMoNamedAttributeValueContainer_3& /*converted*/) {}
 
 // A name is read only where back-pointers must follow, so only there it must be present.
 bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
@@ -67,8 +68,8 @@ bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
     return isNamed && isReadable(attribute.value);
 }
 
-// Gives view to result. The last step of every wrapping, since it cannot fail: after an
-// exception a result is still the producer's.
+// Puts the view in the place of the value in result. The last step of every wrapping, since it
+// cannot fail: after an exception a result is still the producer's.
 ConvertedResultData* handOut(std::unique_ptr<ConvertedResultData> view,
                              OrvMoAttributeValueResult_3& result) {
     result.container = view.get();
@@ -117,6 +118,10 @@ OrvOamSpiManagedObject_3* MoImpl3::getCmRouter() {
     return router;
 }
 
+MoInterceptorBase* MoImpl3::interceptorFor(const std::string& internalDn) {
+    return interceptorOf(*interceptors, [&] { return Orv::DnUtil::getMocPath(internalDn); });
+}
+
 OrvReturnT MoImpl3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s", txHandle, shown(dn));
     const Opened opened = openOperation(started, idMappings, dn, nothingElse);
@@ -149,7 +154,7 @@ OrvReturnT MoImpl3::getMoAttribute(unsigned long txHandle, const char* dn, const
         return ORV_TRACE_RESULT(opened.code);
     }
     // One of the two answers, never both. A result of a call that failed stays as it is.
-    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
+    MoInterceptorBase* const interceptor = interceptorFor(opened.dn);
     const OrvReturnT code =
         interceptor != nullptr
             ? interceptor->getMoAttribute(txHandle, opened.dn.c_str(), attrName, result)
@@ -168,7 +173,7 @@ OrvReturnT MoImpl3::getMoAttributes(unsigned long txHandle, const char* dn, cons
     if (opened.code != OrvOk) {
         return ORV_TRACE_RESULT(opened.code);
     }
-    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
+    MoInterceptorBase* const interceptor = interceptorFor(opened.dn);
     const OrvReturnT code =
         interceptor != nullptr
             ? interceptor->getMoAttributes(txHandle, opened.dn.c_str(), attrNames, result)
@@ -210,7 +215,7 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
     OrvMoNamedAttributeValueContainer_3* const none = nullptr;
     OrvMoNamedAttributeValueContainer_3** const converted =
         ValueConversion(idMappings)
-            .toInternal(attributes != nullptr ? attributes : &none, memory, noFurtherUse);
+            .toInternal(attributes != nullptr ? attributes : &none, memory, doNothing);
     const OrvReturnT code =
         router->createMo(txHandle, parentDn.c_str(), className, attrName, attrValue, converted);
     if (code == OrvOk) {
@@ -262,7 +267,7 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
         recordReferences(biDirUtils, uniDirValidator, {txHandle, opened.dn, opened.dn, false},
                          attrName, converted);
     }
-    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
+    MoInterceptorBase* const interceptor = interceptorFor(opened.dn);
     return ORV_TRACE_RESULT(
         interceptor != nullptr
             ? interceptor->setMoAttribute(txHandle, opened.dn.c_str(), attrName, &converted)
@@ -296,7 +301,7 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
     getTxData(txHandle);
     Orv::AutoMemory memory;
     OrvMoNamedAttributeValueContainer_3** const converted =
-        ValueConversion(idMappings).toInternal(parameters, memory, noFurtherUse);
+        ValueConversion(idMappings).toInternal(parameters, memory, doNothing);
     const OrvReturnT code = router->action(txHandle, opened.dn.c_str(), name, converted, result);
     // Without values there is nothing to translate: the client gets the router's own result.
     if (code == OrvOk && result->container != nullptr && result->container->count != 0) {

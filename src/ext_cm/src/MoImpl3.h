@@ -23,6 +23,7 @@
 namespace OrvExtCmRouterService {
 
 class ConvertedResultData;
+class MoInterceptorBase;
 struct WrittenMo;
 
 /// The managed-object interface of version 3: translates DNs, also those in values, asks an
@@ -96,6 +97,9 @@ protected:
     OrvOamSpiManagedObject_3* getCmRouter() override;
 
 private:
+    /// Null if no interceptor is registered for the class of \p internalDn. Not owned.
+    MoInterceptorBase* interceptorFor(const std::string& internalDn);
+
     // These put a converted view in the place of a producer's \p result. The view belongs to the
     // result: it and the original end when the client releases that. After an exception the result
     // is still the producer's.

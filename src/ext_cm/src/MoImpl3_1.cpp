@@ -3,6 +3,7 @@
 
 #include "MoImpl3_1.h"
 
+#include "DnUtil.h"
 #include "MoInterceptorBase.h"
 #include "associations/AssociationRecord.h"
 #include "interceptors/InterceptorLookup.h"
@@ -14,13 +15,14 @@
 #include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
 
-#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace OrvExtCmRouterService {
 
 namespace {
 
-// An attribute without values is not looked at, so its slots need not be readable.
+// The check of ids passes an attribute without values over, so its slots need not be readable.
 bool canBeSet(const VekMoNamedAttributeValueContainer_3& attribute) {
     return isReadableAs(attribute.name, attribute.value.count != 0 ? &attribute.value : nullptr);
 }
@@ -37,6 +39,20 @@ findRefusedId(VekMoNamedAttributeValueContainer_3* const* attributes) {
         }
     }
     return nullptr;
+}
+
+// Class by class from the end; equal to what Orv::DnUtil::getMocPath gives.
+std::string mocPathOf(std::string dn) {
+    std::vector<std::string> classes;
+    std::string leaf;
+    while (Orv::DnUtil::popLeafClass(dn, leaf)) {
+        classes.push_back(leaf);
+    }
+    std::string path;
+    for (auto next = classes.rbegin(); next != classes.rend(); ++next) {
+        path.append(next != classes.rbegin() ? "," : "").append(*next);
+    }
+    return path;
 }
 
 }
@@ -99,7 +115,8 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
     Orv::AutoMemory memory;
     VekMoNamedAttributeValueContainer_3** const converted =
         convertAndRecord(txHandle, opened.dn, attributes, memory);
-    MoInterceptorBase* const interceptor = interceptorOf(*interceptors, opened.dn);
+    MoInterceptorBase* const interceptor =
+        interceptorOf(*interceptors, [&] { return mocPathOf(opened.dn); });
     return ORV_TRACE_RESULT(
         interceptor != nullptr
             ? interceptor->setMoAttributes(txHandle, opened.dn.c_str(), converted)

@@ -147,7 +147,7 @@ std::string_view takeFirstPart(std::string_view& rest) {
     return part;
 }
 
-/// The class and the value of a step, which point into it.
+/// The class and the value of a step: views into the text of the DN.
 struct Step {
     std::string_view type;
     std::string_view value;

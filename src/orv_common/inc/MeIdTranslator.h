@@ -54,7 +54,7 @@ public:
 
     /// Host only: sets both identities. Either may be empty. Best while no component is started: a
     /// client that walks the top level holds the text of identity, and DNs that it has read before
-    /// cannot be translated afterwards.
+    /// cannot be translated afterwards. Each identity that is ever set is kept, once.
     void configure(const std::string& preferred, const std::string& fallback);
 
 private:
@@ -65,9 +65,9 @@ private:
     /// dropped, so that nobody who reads one needs a lock.
     using Identities = std::map<std::string, bool>;
 
-    std::mutex mMutex; ///< guards mIdentities
-    Identities mIdentities;
-    std::atomic<const Identities::value_type*> mIdentity; ///< the present one
+    std::mutex mMutex; ///< guards mEverChosen
+    Identities mEverChosen;
+    std::atomic<const Identities::value_type*> mChosen; ///< the present one
 };
 
 }

@@ -32,8 +32,9 @@ std::size_t startOfRootValue(std::string_view dn) {
     return delimiter != std::string_view::npos && dn[delimiter] == '=' ? delimiter + 1 : 0;
 }
 
-// The DN with the value of its first step exchanged, if that is a ManagedElement; empty if its
-// value is not `from`. Every call of a client comes through here.
+// The DN with `to` as the value of its first step, if that step is a ManagedElement with the value
+// `from`. Empty if it is one with another value; the DN itself if it is none. Every call of a
+// client comes through here.
 std::string exchangeRootValue(const std::string& dn, std::string_view from, std::string_view to) {
     if (!beginsWithRoot(dn)) {
         return dn;
@@ -56,11 +57,12 @@ std::string exchangeRootValue(const std::string& dn, std::string_view from, std:
 
 }
 
-MeIdTranslator::MeIdTranslator() : mIdentity(&*mIdentities.emplace("", true).first) {}
+MeIdTranslator::MeIdTranslator() : mChosen(&*mEverChosen.emplace("", true).first) {}
 
 MeIdTranslator* MeIdTranslator::instance() {
-    static MeIdTranslator theInstance;
-    return &theInstance;
+    // Never destroyed: threads of the host may translate until the process has ended.
+    static auto* const theInstance = new MeIdTranslator;
+    return theInstance;
 }
 
 void MeIdTranslator::start() {}
@@ -69,25 +71,24 @@ void MeIdTranslator::stop() {}
 
 std::string MeIdTranslator::toInternalDn(const std::string& dn) {
     // An identity with a comma is never the value of a step.
-    const auto& [identity, canBeAValue] = *mIdentity.load(std::memory_order_acquire);
+    const auto& [identity, canBeAValue] = *mChosen.load(std::memory_order_acquire);
     const std::string_view from = canBeAValue ? std::string_view(identity) : std::string_view();
     return exchangeRootValue(dn, from, internalIdentity);
 }
 
 std::string MeIdTranslator::toExternalDn(const std::string& dn) {
-    return exchangeRootValue(dn, internalIdentity,
-                             mIdentity.load(std::memory_order_acquire)->first);
+    return exchangeRootValue(dn, internalIdentity, mChosen.load(std::memory_order_acquire)->first);
 }
 
 const char* MeIdTranslator::identity() {
-    return mIdentity.load(std::memory_order_acquire)->first.c_str();
+    return mChosen.load(std::memory_order_acquire)->first.c_str();
 }
 
 void MeIdTranslator::configure(const std::string& preferred, const std::string& fallback) {
     const std::lock_guard<std::mutex> guard(mMutex);
     const std::string& chosen = preferred.empty() ? fallback : preferred;
     const bool canBeAValue = chosen.find(',') == std::string::npos;
-    mIdentity.store(&*mIdentities.emplace(chosen, canBeAValue).first, std::memory_order_release);
+    mChosen.store(&*mEverChosen.emplace(chosen, canBeAValue).first, std::memory_order_release);
 }
 
 }

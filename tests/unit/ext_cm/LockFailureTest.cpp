@@ -6,8 +6,10 @@
 
 #include "ExtCmRouterService.h"
 #include "IsFree.h"
+#include "MoInterceptorBase.h"
 #include "PlainHost.h"
 #include "Portal.h"
+#include "values/ConvertedResultData.h"
 
 #include <Poco/Exception.h>
 

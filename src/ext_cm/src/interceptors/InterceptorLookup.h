@@ -4,31 +4,28 @@
 #ifndef ORV_EXT_CM_INTERCEPTORLOOKUP_H
 #define ORV_EXT_CM_INTERCEPTORLOOKUP_H
 
-#include "DnUtil.h"
 #include "ExtCmInterceptorRepository.h"
 #include "messages/Tracing.h"
 
 #include <atomic>
 #include <cstddef>
-#include <string>
 
 namespace OrvExtCmRouterService {
 
-/// How many interceptors are registered in the process. Kept by the repositories, beside their
-/// tables and under their locks; read without a lock.
+/// How many interceptors are registered in the process, in whichever repository. Each repository
+/// counts its own here while it holds its lock; read without a lock.
 inline std::atomic<std::size_t> registeredInterceptors{0};
 
-/// The interceptor in \p repository that serves the MO \p internalDn, or null. Not owned. Most
-/// hosts have none at all, so the path of the DN is made only if there is one, or if the lookup is
-/// traced.
+/// The interceptor in \p repository that serves an MO, or null. Not owned. \p mocPath makes the
+/// path of the MO's class: only if an interceptor is registered at all, or if the lookup is traced.
 ///
-/// Threads: any. A registration that happened before this call is seen.
-inline MoInterceptorBase* interceptorOf(ExtCmInterceptorRepository& repository,
-                                        const std::string& internalDn) {
+/// Threads: any. A registration that has returned before this call is seen.
+template <class MocPath>
+MoInterceptorBase* interceptorOf(ExtCmInterceptorRepository& repository, const MocPath& mocPath) {
     if (registeredInterceptors.load(std::memory_order_acquire) == 0 && !isTracing()) {
         return nullptr;
     }
-    return repository.getInterceptor(Orv::DnUtil::getMocPath(internalDn));
+    return repository.getInterceptor(mocPath());
 }
 
 }

@@ -37,10 +37,10 @@ OrvReturnT admit(bool started, const char* dn, const AreReadable& areReadable) {
     return dn != nullptr && areReadable() ? OrvOk : OrvFailure;
 }
 
-/// How an operation begins: what stands against it, if anything, and the DN that it works on.
+/// How an operation begins.
 struct Opened {
-    OrvReturnT code;
-    std::string dn; ///< internal
+    OrvReturnT code; ///< OrvOk, or the answer that ends the operation
+    std::string dn;  ///< internal; empty if the code is not OrvOk
 };
 
 /// For an operation on the MO \p dn (external): what admit answers, OrvNotExist if the DN cannot be

@@ -75,7 +75,7 @@ inline const char* shown(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
-/// Writes the exit of a function with its code. Below the gate it is not called.
+/// Writes the exit of a function with its code. Call it only above the gate.
 void writeResult(const TracePoint& point, OrvReturnT code);
 
 /// Traces \p code as the result of the function at \p point, and gives it back. A trace that cannot
@@ -137,7 +137,7 @@ inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
 #define ORV_LOG_AT(point, level, ...)                                                              \
     do {                                                                                           \
         ::Orv::LoggingWrapper* const orvWrapper = ::OrvExtCmRouterService::logging();              \
-        if (orvWrapper->get_level() > (level)-1U) [[unlikely]] {                                   \
+        if (orvWrapper->get_level() > (level)-1U) {                                                \
             const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
             orvWrapper->log_printf(orvPoint.function, level, 1, __VA_ARGS__);                      \
             orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, level, orvPoint.file,                 \

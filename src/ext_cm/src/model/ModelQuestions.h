@@ -11,9 +11,8 @@
 #include <cstring>
 
 /// \file
-/// How the component reads the model. Hosts answer these questions from tables of their own, record
-/// them and play them back, so which are asked, and in which order, does not change, also where an
-/// answer is not needed. There are two ways.
+/// How the component reads the model, in two ways. Which questions are asked, and in which order,
+/// is part of what hosts know: it does not change, also where an answer is not needed.
 ///
 /// *Bidirectional* associations take handles that come from the model to be good, so codes are not
 /// looked at: they use the value of an answer, and what cannot be answered is a zero handle, a null

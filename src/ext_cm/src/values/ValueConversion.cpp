@@ -47,7 +47,7 @@ void ValueConversion::transformContainer(ConvertedResultData& view,
 
 // The call has been done, so its result belongs to the client even if it cannot be read here.
 void ValueConversion::toExternal(ConvertedResultData& view) const {
-    if (mayHoldReferences(view) && isReadable(view)) {
+    if (isReadable(view)) {
         transformContainer(view, IdMappings::ToExternal);
     }
 }
@@ -56,7 +56,7 @@ ValueConversion::Slot* ValueConversion::internalSlots(const OrvMoAttributeValueC
                                                       Orv::AutoMemory& memory) const {
     if (value.type == OrvMoAttributeTypeMoRef_3) {
         return value.count != 0
-                   ? translated(value.values, value.count, IdMappings::ToInternal, memory)
+                   ? translatedSlots(value.values, value.count, IdMappings::ToInternal, memory)
                    : value.values;
     }
     if (!isStructWithReferences(value)) {
@@ -72,9 +72,9 @@ ValueConversion::Slot* ValueConversion::internalSlots(const OrvMoAttributeValueC
 
 // A reference that cannot be translated stays the producer's text: it lives as long as the value
 // that it came with.
-ValueConversion::Slot* ValueConversion::translated(const Slot* references, std::uint32_t count,
-                                                   IdMappings::DnConversion direction,
-                                                   Orv::AutoMemory& memory) const {
+ValueConversion::Slot* ValueConversion::translatedSlots(const Slot* references, std::uint32_t count,
+                                                        IdMappings::DnConversion direction,
+                                                        Orv::AutoMemory& memory) const {
     Slot* const slots = memory.malloc<Slot>(count);
     for (std::uint32_t index = 0; index < count; ++index) {
         const char* const original = references[index].moRef;
@@ -88,7 +88,7 @@ ValueConversion::Slot* ValueConversion::translated(const Slot* references, std::
 void ValueConversion::transformMoRefContainer(ConvertedResultData& view,
                                               IdMappings::DnConversion direction) const {
     if (view.count != 0) {
-        view.values = translated(view.values, view.count, direction, view);
+        view.values = translatedSlots(view.values, view.count, direction, view);
     }
 }
 

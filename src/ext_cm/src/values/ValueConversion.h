@@ -11,6 +11,7 @@
 #include "values/ValueCheck.h"
 
 #include <cstdint>
+#include <new>
 
 namespace OrvExtCmRouterService {
 
@@ -48,19 +49,19 @@ public:
 
     /// Internal copies of \p attributes, which are ended by a null pointer and whose values are
     /// readable, in an array that ends in the same way. All belongs to \p memory, but for the names
-    /// and for values without DNs, which are the client's own. \p use gets each copy before the
-    /// next attribute is converted.
-    template <class Use>
+    /// and for values without DNs, which are the client's own. \p onEach is called with each copy
+    /// before the next attribute is converted.
+    template <class OnEach>
     NamedAttribute** toInternal(NamedAttribute* const* attributes, Orv::AutoMemory& memory,
-                                const Use& use) const {
+                                const OnEach& onEach) const {
         const auto count = static_cast<unsigned int>(lengthOf(attributes));
-        auto** const copies = memory.malloc<NamedAttribute*>(count + 1);
-        auto* const records = count != 0 ? memory.malloc<NamedAttribute>(count) : nullptr;
+        auto** const copies = present(memory.malloc<NamedAttribute*>(count + 1));
+        auto* const records = count != 0 ? present(memory.malloc<NamedAttribute>(count)) : nullptr;
         for (unsigned int index = 0; index < count; ++index) {
             records[index].name = attributes[index]->name;
             records[index].value = toInternal(attributes[index]->value, memory);
             copies[index] = &records[index];
-            use(records[index]);
+            onEach(records[index]);
         }
         return copies;
     }
@@ -68,9 +69,17 @@ public:
 private:
     class NestedMaker;
 
+    template <class Element>
+    static Element* present(Element* block) {
+        if (block == nullptr) {
+            throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
+        }
+        return block;
+    }
+
     Slot* internalSlots(const OrvMoAttributeValueContainer_3& value, Orv::AutoMemory& memory) const;
-    Slot* translated(const Slot* references, std::uint32_t count,
-                     IdMappings::DnConversion direction, Orv::AutoMemory& memory) const;
+    Slot* translatedSlots(const Slot* references, std::uint32_t count,
+                          IdMappings::DnConversion direction, Orv::AutoMemory& memory) const;
     void transformMoRefContainer(ConvertedResultData& view,
                                  IdMappings::DnConversion direction) const;
     void transformStructContainer(ConvertedResultData& view,
