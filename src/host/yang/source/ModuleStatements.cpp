@@ -13,6 +13,7 @@ struct Token {
     enum Kind { End, Word, Quoted, Open, Close, Semicolon, Plus } kind = End;
     std::string text;
     int line = 0;
+    std::size_t begin = 0;
 };
 
 /// Splits the text into tokens.
@@ -24,6 +25,7 @@ public:
         skipBlanks();
         Token token;
         token.line = mLine;
+        token.begin = mPosition;
         if (atEnd()) {
             return token;
         }
@@ -38,6 +40,9 @@ public:
         }
         return word(token);
     }
+
+    /// The place in the text after the last token.
+    std::size_t position() const { return mPosition; }
 
 private:
     bool atEnd() const { return mPosition >= mText.size(); }
@@ -147,16 +152,21 @@ ModuleStatements::ModuleStatements(std::string_view text) {
         if (token.kind == Token::Close) {
             inStatement = false;
             if (!open.empty()) {
+                endStatement(open.back(), lexer.position());
                 open.pop_back();
             }
         } else if (token.kind == Token::Semicolon) {
+            if (inStatement) {
+                endStatement(mStatements.size() - 1, lexer.position());
+            }
             inStatement = false;
         } else if (token.kind == Token::Open) {
             inStatement = false;
             open.push_back(mStatements.empty() ? kNone : mStatements.size() - 1);
         } else if (!inStatement) {
             inStatement = true;
-            mStatements.push_back({token.text, "", token.line, open.empty() ? kNone : open.back()});
+            const std::size_t parent = open.empty() ? kNone : open.back();
+            mStatements.push_back({token.text, "", token.line, parent, token.begin, text.size()});
         } else if (token.kind != Token::Plus) {
             mStatements.back().argument += token.text;
         }
@@ -164,6 +174,12 @@ ModuleStatements::ModuleStatements(std::string_view text) {
     for (const Statement& statement : mStatements) {
         mPaths.push_back(pathOf(statement));
         mLineByPath.emplace(mPaths.back(), statement.line);
+    }
+}
+
+void ModuleStatements::endStatement(std::size_t statement, std::size_t end) {
+    if (statement != kNone) {
+        mStatements[statement].end = end;
     }
 }
 
@@ -192,9 +208,14 @@ int ModuleStatements::lineOfFirst(std::string_view keyword, std::string_view arg
 }
 
 int ModuleStatements::lineOfMentioned(const std::string& text) const {
+    const auto isQuoted = [&text](const std::string& word) {
+        return text.find("\"" + word + "\"") != std::string::npos;
+    };
     for (const Statement& statement : mStatements) {
         const bool hasPrefix = statement.keyword.find(':') != std::string::npos;
-        if (hasPrefix && text.find("\"" + statement.keyword + "\"") != std::string::npos) {
+        const bool isLink = statement.keyword == "include" || statement.keyword == "import";
+        if ((hasPrefix && isQuoted(statement.keyword)) ||
+            (isLink && isQuoted(statement.argument))) {
             return statement.line;
         }
     }
@@ -204,6 +225,17 @@ int ModuleStatements::lineOfMentioned(const std::string& text) const {
 const ModuleStatements::Statement& ModuleStatements::top() const {
     static const Statement none;
     return mStatements.empty() ? none : mStatements.front();
+}
+
+std::vector<ModuleStatements::Statement>
+ModuleStatements::inModule(std::string_view keyword) const {
+    std::vector<Statement> found;
+    for (const Statement& statement : mStatements) {
+        if (statement.parent == 0 && statement.keyword == keyword) {
+            found.push_back(statement);
+        }
+    }
+    return found;
 }
 
 std::string ModuleStatements::prefixOf(std::string_view importedModule) const {

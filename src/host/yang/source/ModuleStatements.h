@@ -24,6 +24,9 @@ public:
         std::string argument;
         int line = 0;
         std::size_t parent = kNone; ///< position in statements()
+        /// Its place in the text, with its block or semicolon.
+        std::size_t begin = 0;
+        std::size_t end = 0;
     };
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
@@ -38,18 +41,21 @@ public:
     /// The line of the first statement with that keyword, without prefix, and argument; or 0.
     int lineOfFirst(std::string_view keyword, std::string_view argument) const;
 
-    /// The line of the first statement whose keyword, with its prefix, appears in quotes in `text`;
-    /// 0 if there is none.
+    /// The line of the first statement that `text` mentions in quotes: an extension's by its
+    /// keyword with its prefix, an import or include by the name in it. 0 if there is none.
     int lineOfMentioned(const std::string& text) const;
 
     /// Keyword and argument of the outermost statement; empty texts if there is none.
     const Statement& top() const;
 
+    /// The statements with that keyword directly in the module.
+    std::vector<Statement> inModule(std::string_view keyword) const;
+
     /// The prefix under which the module imports that other module; empty if it does not import it.
     std::string prefixOf(std::string_view importedModule) const;
 
 private:
-    void append(Statement statement);
+    void endStatement(std::size_t statement, std::size_t end);
     std::string pathOf(const Statement& statement) const;
 
     std::vector<Statement> mStatements;

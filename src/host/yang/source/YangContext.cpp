@@ -3,12 +3,14 @@
 
 #include "YangContext.h"
 
+#include "yang/source/Includes.h"
 #include "yang/source/LoadReport.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <regex>
 #include <stdexcept>
 
@@ -23,19 +25,34 @@ void freeText(void* text, void*) {
     std::free(text); // NOLINT(cppcoreguidelines-no-malloc)
 }
 
+/// The text that the library gets for a submodule of `module`, or for the module itself if the name
+/// of the submodule is null. Nothing if it is not found.
+std::optional<std::string> textFor(const char* module, const char* submodule, const char* revision,
+                                   ModuleFinder& finder) {
+    const char* name = submodule != nullptr ? submodule : module;
+    const ModuleSource* found = finder.find(name, revision != nullptr ? revision : "");
+    if (found == nullptr) {
+        return std::nullopt;
+    }
+    const ModuleSource* whole = submodule != nullptr ? finder.find(module, "") : found;
+    if (whole == nullptr || whole == found) {
+        return withAllIncludes(*found, finder);
+    }
+    return withoutIncludes(*found, *whole, finder);
+}
+
 /// The library calls this for each module and submodule that it needs.
 LY_ERR provideModule(const char* module, const char* revision, const char* submodule,
                      const char* submoduleRevision, void* finder, LYS_INFORMAT* format,
                      const char** text, ly_module_imp_data_free_clb* release) {
-    const char* name = submodule != nullptr ? submodule : module;
-    const char* wanted = submodule != nullptr ? submoduleRevision : revision;
-    const ModuleSource* found =
-        static_cast<ModuleFinder*>(finder)->find(name, wanted != nullptr ? wanted : "");
-    if (found == nullptr) {
+    const std::optional<std::string> found =
+        textFor(module, submodule, submodule != nullptr ? submoduleRevision : revision,
+                *static_cast<ModuleFinder*>(finder));
+    if (!found) {
         return LY_ENOT;
     }
     // The library takes a copy of its own until it calls `release`.
-    *text = strdup(found->text.c_str());
+    *text = strdup(found->c_str());
     *format = LYS_IN_YANG;
     *release = freeText;
     return *text == nullptr ? LY_EMEM : LY_SUCCESS;

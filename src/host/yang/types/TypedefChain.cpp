@@ -29,8 +29,10 @@ const lysp_tpdf* findIn(const lysp_tpdf* typedefs, std::string_view name) {
     return nullptr;
 }
 
-/// The typedef with that name in a module or in the submodules that it includes.
-const lysp_tpdf* findIn(const lysp_module* module, std::string_view name) {
+/// The typedef with that name in a module and its submodules, all of which see each other's
+/// typedefs. Only the module itself keeps its submodules.
+const lysp_tpdf* findIn(const lysp_module* part, std::string_view name) {
+    const lysp_module* module = part->mod->parsed;
     const lysp_tpdf* found = findIn(module->typedefs, name);
     LY_ARRAY_COUNT_TYPE i = 0;
     for (i = 0; found == nullptr && i < LY_ARRAY_COUNT(module->includes); ++i) {
@@ -39,9 +41,14 @@ const lysp_tpdf* findIn(const lysp_module* module, std::string_view name) {
     return found;
 }
 
+std::string_view ownPrefixOf(const lysp_module* module) {
+    return module->is_submod != 0 ? reinterpret_cast<const lysp_submodule*>(module)->prefix
+                                  : module->mod->prefix;
+}
+
 /// The module that `prefix` means in the module where it was written.
 const lysp_module* resolvePrefix(const lysp_module* module, std::string_view prefix) {
-    if (prefix == module->mod->prefix) {
+    if (prefix == ownPrefixOf(module)) {
         return module->mod->parsed;
     }
     LY_ARRAY_COUNT_TYPE i = 0;
@@ -72,9 +79,7 @@ FoundTypedef findTypedef(const lysp_type* type, const lysp_node* scope) {
             return {found, type->pmod};
         }
     }
-    // A submodule sees the typedefs of its module and of that module's other submodules.
-    const lysp_tpdf* found = findIn(type->pmod, name);
-    return {found != nullptr ? found : findIn(type->pmod->mod->parsed, name), type->pmod};
+    return {findIn(type->pmod, name), type->pmod};
 }
 
 }

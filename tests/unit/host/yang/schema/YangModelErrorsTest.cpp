@@ -78,6 +78,31 @@ TEST(YangModelErrors, Submodule_IsRefusedWithTheReason) {
     EXPECT_THAT(errorOf({"part"}), HasSubstr("part.yang: "));
 }
 
+TEST(YangModelErrors, SubmoduleOfASubmodule_NotIncludedByTheModule_IsRefusedInYang1_1) {
+    const TemporaryDirectory directory;
+    directory.write("whole.yang", "module whole { yang-version 1.1; namespace 'urn:w'; prefix w;"
+                                  " include outer; }");
+    directory.write("outer.yang", "submodule outer { yang-version 1.1;\n"
+                                  " belongs-to whole { prefix w; } include inner; }");
+    directory.write("inner.yang", "submodule inner { yang-version 1.1;"
+                                  " belongs-to whole { prefix w; } }");
+    EXPECT_THAT(modelErrorOf([&directory] {
+                    YangModelReader().searchIn(directory.path()).load("whole").read();
+                }),
+                AllOf(HasSubstr("outer.yang:2: "), HasSubstr("\"inner\"")));
+}
+
+TEST(YangModelErrors, MissingSubmoduleOfASubmodule_IsReportedWithTheFileThatIncludesIt) {
+    const TemporaryDirectory directory;
+    directory.write("whole.yang", "module whole { namespace 'urn:w'; prefix w; include outer; }");
+    directory.write("outer.yang", "submodule outer {\n"
+                                  " belongs-to whole { prefix w; }\n include inner; }");
+    EXPECT_THAT(modelErrorOf([&directory] {
+                    YangModelReader().searchIn(directory.path()).load("whole").read();
+                }),
+                AllOf(HasSubstr("outer.yang:3: "), HasSubstr("\"inner\" was not found")));
+}
+
 TEST(YangModelErrors, ModuleOfAnotherName_IsReported) {
     EXPECT_THAT(errorOf({"another-name"}),
                 AllOf(HasSubstr("another-name.yang"), HasSubstr("quite-another-name")));

@@ -298,6 +298,45 @@ TEST(YangModelReader, Submodules_AreFoundAndTellTheirLines) {
     EXPECT_EQ(attributeOf(model, "A", "r").type.kind, ValueKind::MoRef);
 }
 
+// A set as the field has it: the module includes `outer` first, and that includes `inner`, with a
+// statement of an extension in it, before the module does.
+void writeNestedIncludes(const TemporaryDirectory& directory, const std::string& version,
+                         const std::string& includes) {
+    directory.write("marks.yang", "module marks { namespace 'urn:marks'; prefix k;"
+                                  " extension mark { argument text; } }");
+    directory.write("whole.yang", "module whole { " + version + " namespace 'urn:w'; prefix w;\n" +
+                                      includes +
+                                      "\n  list A { key id; leaf id { type string; } uses o; } }");
+    directory.write("outer.yang", "submodule outer { " + version +
+                                      " belongs-to whole { prefix o; }\n"
+                                      "  include inner { revision-date 2024-01-01; }\n"
+                                      "  grouping o { uses i; leaf outer { type o:width; } } }");
+    directory.write("inner.yang", "submodule inner { " + version +
+                                      " belongs-to whole { prefix i; }\n"
+                                      "  import marks { prefix k; } include outer;\n"
+                                      "  revision 2024-01-01;\n"
+                                      "  typedef width { type uint8; }\n"
+                                      "  grouping i {\n"
+                                      "    leaf inner { k:mark 'x'; type width; } } }");
+}
+
+TEST(YangModelReader, Submodules_ThatIncludeEachOther_AreRead) {
+    const TemporaryDirectory directory;
+    writeNestedIncludes(directory, "yang-version 1.1;", "include outer; include inner;");
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("whole").read();
+    EXPECT_EQ(attributeOf(model, "A", "inner").source.line, 6);
+    EXPECT_EQ(attributeOf(model, "A", "inner").type.description, "width, uint8");
+    EXPECT_EQ(attributeOf(model, "A", "outer").type.description, "width, uint8");
+}
+
+TEST(YangModelReader, Submodules_ThatOnlyASubmoduleIncludes_AreReadInYang1) {
+    const TemporaryDirectory directory;
+    writeNestedIncludes(directory, "", "include outer;");
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("whole").read();
+    EXPECT_EQ(attributeOf(model, "A", "inner").source.line, 6);
+    EXPECT_EQ(classOf(model, "A").source.line, 3);
+}
+
 TEST(YangModelReader, OneClass_AtSeveralPlaces_HasAllParentsAndAttributes) {
     const YangModel model = modelOfBody(R"(
         grouping g { list Log { key id; leaf id { type string; } leaf size { type uint8; } } }
