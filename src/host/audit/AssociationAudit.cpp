@@ -26,6 +26,7 @@ bool isOfAssociation(const InstanceProblem& problem) {
     case InstanceProblemKind::WrongNumber:
     case InstanceProblemKind::NoAttribute:
     case InstanceProblemKind::WrongCount:
+    case InstanceProblemKind::WrongChoice:
         return false;
     }
     return false;

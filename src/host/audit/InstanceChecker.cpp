@@ -9,6 +9,7 @@
 #include "InstanceTable.h"
 #include "base/DnView.h"
 #include "base/Join.h"
+#include "model/ChoiceCheck.h"
 
 #include <algorithm>
 #include <optional>
@@ -64,6 +65,7 @@ private:
             examineNamed(plan, attribute);
         }
         examineAbsent(plan);
+        examineChoices(plan);
     }
 
     /// A second object with the same DN is reported, and then ignored.
@@ -106,6 +108,17 @@ private:
             if (!mIsSeen[position] && plan.attributes[position].isExpected) {
                 examineValues(plan.attributes[position], {});
             }
+        }
+    }
+
+    void examineChoices(const InstancePlan::Class& plan) {
+        const auto hasValue = [&](const std::string& name) {
+            const auto position = plan.byName.find(name);
+            return position != plan.byName.end() && mIsSeen[position->second];
+        };
+        for (const std::string& wrong :
+             wrongChoices(mModel.classes[mHolder.moc].choices, hasValue)) {
+            report(Kind::WrongChoice, mDn, {}, {}, {mDn, ": ", wrong, "."});
         }
     }
 

@@ -5,21 +5,12 @@
 
 namespace OrvHost {
 
-namespace {
-
-bool isNeeded(const AttributeDef& attribute) {
-    return attribute.multiplicity.lower > 0 && !attribute.defaultValue && !attribute.isNaming &&
-           attribute.isWritable;
-}
-
-}
-
 InstancePlan::InstancePlan(const Model& model) : mClasses(model.classes.size()) {
     for (ClassIndex index = 0; index < model.classes.size(); ++index) {
         Class& plan = mClasses[index];
         for (const AttributeDef& attribute : model.classes[index].attributes) {
             plan.byName.emplace(attribute.name, plan.attributes.size());
-            plan.attributes.push_back({&attribute, {}, isNeeded(attribute)});
+            plan.attributes.push_back({&attribute, {}, attribute.isRequired()});
         }
     }
     addEnds(model);
@@ -40,7 +31,9 @@ void InstancePlan::addEnds(const Model& model) {
     for (Class& plan : mClasses) {
         for (Attribute& attribute : plan.attributes) {
             for (const End& end : attribute.ends) {
-                attribute.isExpected = attribute.isExpected || end.end->cardinality.lower > 0;
+                const bool isDemanded = end.end->cardinality.lower > 0 &&
+                                        attribute.def->isWritable && !attribute.def->isConditional;
+                attribute.isExpected = attribute.isExpected || isDemanded;
             }
         }
     }

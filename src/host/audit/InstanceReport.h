@@ -18,6 +18,7 @@ enum class InstanceProblemKind : std::uint8_t {
                         ///< is empty, is not permitted
     NoAttribute,        ///< the class has no such attribute
     WrongCount,         ///< the number of values does not fit the attribute
+    WrongChoice,        ///< the values do not fit a choice among the attributes
     WrongCardinality,   ///< the number of references does not fit an association end
     NoTargetClass,      ///< a reference is not a legal path of the model
     ForbiddenClass,     ///< a reference to a class that the attribute does not permit

@@ -29,6 +29,10 @@ const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) cons
     return findNamed(attributes, attributeName);
 }
 
+bool AttributeDef::isRequired() const {
+    return multiplicity.lower > 0 && !defaultValue && !isNaming && isWritable && !isConditional;
+}
+
 const ActionDef* ClassDef::findAction(std::string_view actionName) const {
     return findNamed(actions, actionName);
 }

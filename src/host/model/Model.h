@@ -29,6 +29,26 @@ constexpr std::string_view kAnyClassName = "ManagedObject";
 
 struct AttributeDef;
 
+/// One of the alternatives of a choice.
+struct ChoiceCase {
+    std::string name;
+    /// What belongs to it, also through choices inside it. The case is taken if one of these has a
+    /// value.
+    std::vector<std::string> attributes;
+    /// Those that must have a value if the case is taken.
+    std::vector<std::string> required;
+};
+
+/// Attributes of a class, or members of a struct, of which an object has those of one case only.
+struct ChoiceDef {
+    std::string name;
+    std::vector<ChoiceCase> cases;
+    bool isMandatory = false; ///< one case must be taken
+    /// The attributes of the case around a choice inside a case: the choice counts only if one of
+    /// them has a value. Empty: it always counts.
+    std::vector<std::string> around;
+};
+
 /// The type of one value.
 struct TypeDef {
     ValueKind kind = ValueKind::String;
@@ -36,6 +56,8 @@ struct TypeDef {
     std::vector<std::string> enumerators;
     /// Struct: its members.
     std::vector<AttributeDef> members;
+    /// Struct: the choices among its members.
+    std::vector<ChoiceDef> choices;
     /// MoRef: the permitted target classes; empty means any class.
     std::vector<ClassIndex> targets;
     /// A further check of one value in its text form, such as a range, a length or a pattern:
@@ -56,9 +78,16 @@ struct AttributeDef {
     Bounds multiplicity{0, 1};
     bool isNaming = false;  ///< the attribute whose value names the object among its siblings
     bool isWritable = true; ///< false: set by the system only
+    /// True: it can be absent although the multiplicity demands values, because it belongs to a
+    /// case of a choice or depends on a condition.
+    bool isConditional = false;
     std::optional<AttributeValue> defaultValue;
     std::string description;
     SourcePosition source;
+
+    /// True if a new object, or a struct, without a value for it is incomplete. What only the
+    /// system sets is not demanded of those who cannot set it.
+    bool isRequired() const;
 };
 
 /// An operation that clients may run on objects of a class.
@@ -75,6 +104,7 @@ struct ClassDef {
     std::string namingAttribute;
     bool isTopLevel = false;              ///< may exist without a parent
     std::vector<AttributeDef> attributes; ///< in the order of their definition
+    std::vector<ChoiceDef> choices;       ///< among the attributes
     std::vector<ActionDef> actions;
     std::vector<ClassIndex> children; ///< permitted child classes, in the order of their definition
     std::vector<ClassIndex> parents;

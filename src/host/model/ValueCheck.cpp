@@ -4,6 +4,7 @@
 #include "ValueCheck.h"
 
 #include "base/Join.h"
+#include "model/ChoiceCheck.h"
 
 #include <algorithm>
 
@@ -43,8 +44,7 @@ std::string whyWrongMember(const TypeDef& type, const StructValue& whole,
 }
 
 std::string whyMissing(const AttributeDef& member, const StructValue& value) {
-    const bool isNeeded = member.multiplicity.lower > 0 && !member.defaultValue;
-    if (!isNeeded || countOf(value, member.name) > 0) {
+    if (!member.isRequired() || countOf(value, member.name) > 0) {
         return {};
     }
     return joined({"the member \"", member.name, "\" is missing"});
@@ -63,11 +63,14 @@ std::string whyWrongStruct(const TypeDef& type, const StructValue& value) {
             return reason;
         }
     }
-    return {};
+    const std::vector<std::string> wrong = wrongChoices(
+        type.choices, [&](const std::string& name) { return countOf(value, name) > 0; });
+    return wrong.empty() ? std::string() : wrong.front();
 }
 
-std::string whyWrongCount(const Bounds& bounds, std::size_t size) {
-    if (bounds.contain(size)) {
+std::string whyWrongCount(const AttributeDef& def, std::size_t size) {
+    const Bounds& bounds = def.multiplicity;
+    if (bounds.contain(size) || (size == 0 && def.isConditional)) {
         return {};
     }
     return joined(
@@ -97,7 +100,7 @@ std::string whyRefused(const AttributeDef& def, const AttributeValue& value) {
         return joined(
             {"the value is a ", kindName(value.kind), ", expected a ", kindName(def.type.kind)});
     }
-    std::string reason = whyWrongCount(def.multiplicity, value.values.size());
+    std::string reason = whyWrongCount(def, value.values.size());
     for (auto next = value.values.begin(); reason.empty() && next != value.values.end(); ++next) {
         reason = whyRefused(def.type, *next);
     }

@@ -57,7 +57,7 @@ void completeParameters(const ActionDef& action, std::vector<NamedValue>& parame
         }
         if (def.defaultValue) {
             parameters.emplace_back(def.name, *def.defaultValue);
-        } else if (def.multiplicity.lower > 0) {
+        } else if (def.isRequired()) {
             refuseParameter(action, def.name, "it is mandatory and missing");
         }
     }

@@ -393,10 +393,20 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
         violations.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" +
                              moc.name + "' has no value");
     }
+    checkChoices({kNoNode, &mo}, mo.attributes, violations);
     for (const ClassIndex child : moc.children) {
         if (mModel.classes[child].instances.lower > 0) {
             checkMembers(mo.dn, child, violations);
         }
+    }
+}
+
+// Only here and never at a single set: the way from one case to another leads through none, or
+// through both.
+void StoreTransaction::checkChoices(const Mo& mo, const std::string& attributes,
+                                    std::vector<std::string>& violations) const {
+    for (const std::string& wrong : WriteCheck::wrongChoices(*classOf(mo), attributes)) {
+        violations.push_back(dnOf(mo) + ": " + wrong);
     }
 }
 
@@ -425,6 +435,9 @@ std::vector<std::string> StoreTransaction::check() const {
         if (mo != nullptr) {
             checkCreated(*mo, violations);
         }
+    }
+    for (const auto& [node, attributes] : mOverlay.modified()) {
+        checkChoices({node, nullptr}, attributes, violations);
     }
     for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
         checkMembers(parentDn, moc, violations);

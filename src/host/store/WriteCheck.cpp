@@ -6,6 +6,7 @@
 #include "AttributeBytes.h"
 #include "DnUtil.h"
 #include "base/DnView.h"
+#include "model/ChoiceCheck.h"
 #include "model/ValueCheck.h"
 
 #include <algorithm>
@@ -119,7 +120,7 @@ void refuseDoubles(const std::vector<NamedValue>& values) {
 
 bool isMissing(const AttributeDef& def, bool withReferences) {
     const bool counts = withReferences || def.type.kind != ValueKind::MoRef;
-    return counts && !def.isNaming && def.multiplicity.lower > 0 && !def.defaultValue;
+    return counts && def.isRequired();
 }
 
 }
@@ -228,6 +229,13 @@ std::vector<std::string> WriteCheck::missing(const ClassDef& moc, std::string_vi
         }
     }
     return names;
+}
+
+std::vector<std::string> WriteCheck::wrongChoices(const ClassDef& moc, std::string_view bytes) {
+    return OrvHost::wrongChoices(moc.choices, [&](const std::string& name) {
+        const auto index = moc.findAttributeIndex(name);
+        return index && AttributeBytes::has(bytes, *index);
+    });
 }
 
 AttributeValue WriteCheck::nameValue(const AttributeDef& naming, std::string_view name) {

@@ -52,6 +52,9 @@ public:
     static std::vector<std::string> missing(const ClassDef& moc, std::string_view bytes,
                                             bool withReferences);
 
+    /// What is wrong with the choices among the attributes of an object, see OrvHost::wrongChoices.
+    static std::vector<std::string> wrongChoices(const ClassDef& moc, std::string_view bytes);
+
     /// The value of a naming attribute, which is a text or an enumeration, for the name \p name.
     static AttributeValue nameValue(const AttributeDef& naming, std::string_view name);
 

@@ -73,8 +73,7 @@ private:
             forEachNewValue(change, [&](const AttributeDef& def, const AttributeValue& value) {
                 const bool isNamed = change.attributes.count(def.name) != 0;
                 const bool isMissing = !isNamed && value.values.empty() &&
-                                       def.type.kind != ValueKind::MoRef &&
-                                       def.multiplicity.lower > 0;
+                                       def.type.kind != ValueKind::MoRef && def.isRequired();
                 if (isMissing) {
                     mProblems.push_back({EditProblem::Kind::WrongValue, change.dn, def.name,
                                          change.dn + "." + def.name +

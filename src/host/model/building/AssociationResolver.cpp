@@ -174,8 +174,9 @@ void AssociationResolver::checkOneDirection(const Group& group) {
 }
 
 void AssociationResolver::settleCardinalities(const Group& group) {
-    Bounds bounds = attributeOf(*group.front()).multiplicity;
-    if (group.size() > 1) {
+    const AttributeDef& attribute = attributeOf(*group.front());
+    Bounds bounds = attribute.multiplicity;
+    if (group.size() > 1 || !attribute.isWritable || attribute.isConditional) {
         bounds.lower = 0;
     }
     for (Reference* reference : group) {

@@ -58,6 +58,11 @@ AttributeDraft& AttributeDraft::naming() {
     return mandatory();
 }
 
+AttributeDraft& AttributeDraft::conditional() {
+    def.isConditional = true;
+    return *this;
+}
+
 AttributeDraft& AttributeDraft::readOnly() {
     def.isWritable = false;
     return *this;
@@ -124,6 +129,11 @@ ClassDraft& ClassDraft::attribute(AttributeDraft draft) {
 
 ClassDraft& ClassDraft::action(ActionDraft draft) {
     actions.push_back(std::move(draft));
+    return *this;
+}
+
+ClassDraft& ClassDraft::choice(ChoiceDef choice) {
+    def.choices.push_back(std::move(choice));
     return *this;
 }
 

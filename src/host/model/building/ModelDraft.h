@@ -46,6 +46,8 @@ struct AttributeDraft {
     /// The attribute that names the object: one value, always there.
     AttributeDraft& naming();
     AttributeDraft& readOnly();
+    /// It can be absent even if it is mandatory: it belongs to a case of a choice.
+    AttributeDraft& conditional();
     AttributeDraft& defaultsTo(Value value);
     AttributeDraft& defaultsTo(std::vector<Value> values);
     /// See TypeDef::check.
@@ -82,6 +84,9 @@ struct ClassDraft {
     ClassDraft& key(std::string name);
     ClassDraft& attribute(AttributeDraft draft);
     ClassDraft& action(ActionDraft draft);
+    /// Declares that an object has attributes of one of these cases only. Attributes in cases are
+    /// conditional (AttributeDraft::conditional).
+    ClassDraft& choice(ChoiceDef choice);
     /// How many objects may exist under one parent.
     ClassDraft& instances(std::int64_t lower, std::int64_t upper);
     ClassDraft& described(std::string description);

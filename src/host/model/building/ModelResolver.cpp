@@ -74,6 +74,20 @@ void ModelResolver::resolveClass(const ClassDraft& draft, ClassDef& moc) {
     mProblems.checkBounds(moc.source, subjectOf(moc) + ", number of objects", moc.instances);
     checkNamingAttribute(draft, moc);
     resolveActions(draft, moc);
+    checkChoices(moc);
+}
+
+void ModelResolver::checkChoices(const ClassDef& moc) {
+    for (const ChoiceDef& choice : moc.choices) {
+        for (const ChoiceCase& one : choice.cases) {
+            for (const std::string& name : one.attributes) {
+                if (moc.findAttribute(name) == nullptr) {
+                    mProblems.add(moc.source, {subjectOf(moc), ", choice ", choice.name,
+                                               ": the class has no attribute ", name, "."});
+                }
+            }
+        }
+    }
 }
 
 void ModelResolver::resolveActions(const ClassDraft& draft, ClassDef& moc) {

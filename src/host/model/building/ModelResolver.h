@@ -24,6 +24,7 @@ private:
     void resolveClasses();
     void resolveClass(const ClassDraft& draft, ClassDef& moc);
     void resolveActions(const ClassDraft& draft, ClassDef& moc);
+    void checkChoices(const ClassDef& moc);
     void checkNamingAttribute(const ClassDraft& draft, ClassDef& moc);
     void resolveContainments();
     void resolveContainment(const ContainmentDraft& draft);

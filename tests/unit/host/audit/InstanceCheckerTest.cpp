@@ -94,6 +94,29 @@ Model edgeModel() {
 
 }
 
+TEST(InstanceChecker, ValuesOfTwoCases_AreReported) {
+    const Model model =
+        ModelBuilder()
+            .add(ClassDraft("Port")
+                     .topLevel()
+                     .key("id")
+                     .attribute(AttributeDraft::text("name"))
+                     .attribute(AttributeDraft::text("number"))
+                     .choice({"address",
+                              {{"by-name", {"name"}, {}}, {"by-number", {"number"}, {}}},
+                              false,
+                              {}}))
+            .build();
+    const AttributeValue value{ValueKind::String, {Value("x")}};
+    const std::vector<NamedValue> both{{"name", value}, {"number", value}};
+    const std::vector<Instance> objects{{"Port=1", both}};
+    const InstanceReport report = InstanceChecker(model).check(InstanceSpan(objects));
+    ASSERT_EQ(report.problems.size(), 1U);
+    EXPECT_EQ(report.problems[0].kind, InstanceProblemKind::WrongChoice);
+    EXPECT_EQ(report.problems[0].text, "Port=1: 'name' and 'number' are of two cases of the choice "
+                                       "'address', expected one case.");
+}
+
 TEST(InstanceChecker, NoObjects_HaveNoProblems) {
     EXPECT_THAT(check(InstanceSpan({})).problems, IsEmpty());
 }

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SampleStore.h"
+#include "model/building/ModelBuilder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvHost {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+Model buildModel() {
+    return ModelBuilder()
+        .add(ClassDraft("Port")
+                 .topLevel()
+                 .key("id")
+                 .attribute(AttributeDraft::text("state").mandatory().readOnly())
+                 .attribute(AttributeDraft::text("name").mandatory().conditional())
+                 .attribute(AttributeDraft::text("number").mandatory().conditional())
+                 .attribute(AttributeDraft::text("zone").conditional())
+                 .choice({"address",
+                          {{"by-name", {"name"}, {"name"}},
+                           {"by-number", {"number", "zone"}, {"number"}}},
+                          true,
+                          {}}))
+        .build();
+}
+
+class StoreChoiceTest : public testing::Test {
+protected:
+    void create(const std::vector<NamedValue>& attributes) {
+        tx->create("", "Port", "id", "1", attributes);
+    }
+    void set(const std::string& attribute, const AttributeValue& value) {
+        tx->set("Port=1", {{attribute, value}});
+    }
+
+    const Model model = buildModel();
+    MoStore store{model};
+    std::unique_ptr<StoreTransaction> tx = store.begin(1);
+};
+
+TEST_F(StoreChoiceTest, Create_OneCase_NeedsNeitherTheOtherNorState) {
+    create({{"name", text("x")}});
+    EXPECT_THAT(tx->check(), IsEmpty());
+}
+
+TEST_F(StoreChoiceTest, Create_WithoutACase_IsAViolation) {
+    create({});
+    EXPECT_THAT(tx->check(), ElementsAre(HasSubstr("Port=1: the choice 'address' is mandatory")));
+}
+
+TEST_F(StoreChoiceTest, Set_FromOneCaseToTheOther_IsJudgedAtTheEnd) {
+    create({{"name", text("x")}});
+    tx->commit();
+    tx = store.begin(2);
+    set("zone", text("y"));
+    EXPECT_THAT(tx->check(), ElementsAre(HasSubstr("'name' and 'zone' are of two cases")));
+    set("number", text("7"));
+    set("name", none(ValueKind::String));
+    EXPECT_THAT(tx->check(), IsEmpty());
+}
+
+}
+}
