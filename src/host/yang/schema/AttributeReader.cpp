@@ -3,6 +3,7 @@
 
 #include "AttributeReader.h"
 
+#include "yang/schema/ChoiceReader.h"
 #include "yang/source/StatementPlacement.h"
 #include "yang/types/TypeFacts.h"
 #include "yang/types/TypeReader.h"
@@ -21,6 +22,28 @@ std::int64_t upperOf(std::uint32_t max) {
     return max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(max);
 }
 
+bool isState(const lysc_node* node) {
+    return (node->flags & LYS_CONFIG_R) != 0;
+}
+
+/// True if a container must be there because of something in it that a client must give. The
+/// library counts state, too.
+bool needsContainer(const lysc_node* container) {
+    if ((container->flags & LYS_MAND_TRUE) == 0 || isState(container)) {
+        return false;
+    }
+    const lysc_node* child = lysc_node_child(container);
+    for (; child != nullptr; child = child->next) {
+        const bool isNeeded = child->nodetype == LYS_CONTAINER
+                                  ? needsContainer(child)
+                                  : (child->flags & LYS_MAND_TRUE) != 0 && !isState(child);
+        if (isNeeded && lysc_node_when(child) == nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 Bounds boundsOf(const lysc_node* node) {
     if (node->nodetype == LYS_LEAFLIST) {
         const auto* list = reinterpret_cast<const lysc_node_leaflist*>(node);
@@ -30,7 +53,9 @@ Bounds boundsOf(const lysc_node* node) {
         const auto* list = reinterpret_cast<const lysc_node_list*>(node);
         return {list->min, upperOf(list->max)};
     }
-    const bool isMandatory = (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
+    const bool isMandatory = node->nodetype == LYS_CONTAINER
+                                 ? needsContainer(node)
+                                 : (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
     return {isMandatory ? 1 : 0, 1};
 }
 
@@ -72,17 +97,22 @@ bool hasRequiredInstance(const lysc_node* node) {
 
 AttributeReader::AttributeReader(std::shared_ptr<const YangContext> context,
                                  const SourceLocator& locator, AssociationReader& associations,
-                                 ModelNotes& notes)
-    : mContext(std::move(context)), mLocator(locator), mAssociations(associations), mNotes(notes) {}
+                                 IdentitySearch& identities, ModelNotes& notes)
+    : mContext(std::move(context)),
+      mLocator(locator),
+      mAssociations(associations),
+      mIdentities(identities),
+      mNotes(notes) {}
 
 std::optional<AttributeReader::Attribute>
 AttributeReader::readAttribute(const lysc_node* node, const std::string& className, bool isFirst) {
     return read(node, className, isFirst);
 }
 
-std::optional<AttributeDraft> AttributeReader::readParameter(const lysc_node* node) {
+std::optional<AttributeDraft>
+AttributeReader::readParameter(const lysc_node* node, const std::vector<AttributeDraft>& others) {
     std::optional<Attribute> read = this->read(node, "", true);
-    if (!read) {
+    if (!read || !makeUnique(node, others, read->draft)) {
         return std::nullopt;
     }
     return std::move(read->draft);
@@ -109,6 +139,7 @@ AttributeReader::read(const lysc_node* node, const std::string& className, bool 
 
 AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
                                                      const std::string& className, bool isFirst) {
+    noteOpenIdentities(node, followLeafrefs(typeOfLeaf(node)));
     const bool isNaming = lysc_is_key(node) && !className.empty();
     TypeDef type = isNaming ? readKeyType(node, mContext) : readType(node, mContext);
     Attribute attribute{AttributeDraft(node->name, type.kind), {}};
@@ -123,6 +154,52 @@ AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
         attribute.draft.defaultsTo(defaults);
     }
     return attribute;
+}
+
+/// Two modules can augment a container with nodes of one name. The second one is called
+/// "module:name", as in JSON. False if that name is taken too, which is noted.
+bool AttributeReader::makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
+                                 AttributeDraft& draft) {
+    const auto isTaken = [&] {
+        return std::any_of(others.begin(), others.end(), [&](const AttributeDraft& other) {
+            return other.def.name == draft.def.name;
+        });
+    };
+    if (isTaken()) {
+        draft.def.name = std::string(node->module->name) + ":" + node->name;
+    }
+    if (!isTaken()) {
+        return true;
+    }
+    mNotes.count("a node of this name is there already; the second one is not part of the model",
+                 mLocator.of(node), pathOf(node));
+    return false;
+}
+
+void AttributeReader::noteOpenIdentities(const lysc_node* node, const lysc_type* type) {
+    LY_ARRAY_COUNT_TYPE i = 0;
+    if (type->basetype == LY_TYPE_UNION) {
+        const auto* types = as<lysc_type_union>(type)->types;
+        for (i = 0; i < LY_ARRAY_COUNT(types); ++i) {
+            noteOpenIdentities(node, followLeafrefs(types[i]));
+        }
+        return;
+    }
+    if (!isOpenIdentityref(type)) {
+        return;
+    }
+    const auto* bases = as<lysc_type_identityref>(type)->bases;
+    for (i = 0; i < LY_ARRAY_COUNT(bases); ++i) {
+        std::string modules;
+        for (const std::string& module : mIdentities.modulesWithBase(bases[i]->name)) {
+            modules += (modules.empty() ? "" : ", ") + module;
+        }
+        mNotes.count(std::string("no loaded module derives an identity from \"") +
+                         bases[i]->module->name + ":" + bases[i]->name +
+                         "\", so values are texts; on the search path, " +
+                         (modules.empty() ? "no module does" : "these may: " + modules),
+                     mLocator.of(node), pathOf(node));
+    }
 }
 
 void AttributeReader::tellReference(const lysc_node* node, const std::string& className,
@@ -149,14 +226,18 @@ void AttributeReader::tellReference(const lysc_node* node, const std::string& cl
 AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
     Attribute attribute{AttributeDraft(node->name, ValueKind::Struct), {}};
     attribute.draft.def.type.description = "struct";
+    ChoiceReader choices;
     const lysc_node* child = nullptr;
     while ((child = lys_getnext(child, node, nullptr, 0)) != nullptr) {
         std::optional<Attribute> member = read(child, "", true);
-        if (member) {
+        if (member && makeUnique(child, attribute.draft.members, member->draft)) {
+            member->shape.name = member->draft.def.name;
+            choices.add(child, member->draft.def);
             attribute.draft.members.push_back(std::move(member->draft));
             attribute.shape.members.push_back(std::move(member->shape));
         }
     }
+    attribute.draft.def.type.choices = std::move(choices).take();
     describe(node, attribute);
     return attribute;
 }
@@ -165,7 +246,8 @@ void AttributeReader::describe(const lysc_node* node, Attribute& attribute) cons
     AttributeDef& def = attribute.draft.def;
     def.multiplicity = boundsOf(node);
     // A key is written once, when the object is created.
-    def.isWritable = (node->flags & LYS_CONFIG_R) == 0;
+    def.isWritable = !isState(node);
+    def.isConditional = isConditional(node);
     def.description = node->dsc != nullptr ? node->dsc : "";
     def.source = mLocator.of(node);
     ValueShape& shape = attribute.shape;
@@ -183,7 +265,9 @@ void AttributeReader::noteConditions(const lysc_node* node) {
         note("`must` statements are not evaluated");
     }
     if (lysc_node_when(node) != nullptr) {
-        note("`when` statements are not evaluated: what they guard is always there");
+        note(
+            "`when` statements are not evaluated: what they guard can always be there and is never "
+            "demanded");
     }
     if (node->nodetype == LYS_LIST &&
         reinterpret_cast<const lysc_node_list*>(node)->uniques != nullptr) {
@@ -192,13 +276,6 @@ void AttributeReader::noteConditions(const lysc_node* node) {
     if ((node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0 && hasRequiredInstance(node)) {
         note("leafrefs and instance-identifiers are values like others: that what they name exists "
              "is not checked");
-    }
-    const lysc_node* around = node->parent;
-    if (around != nullptr && (around->nodetype & (LYS_CASE | LYS_CHOICE)) != 0) {
-        const lysc_node* choice = around->nodetype == LYS_CASE ? around->parent : around;
-        if (mNotedChoices.insert(choice).second) {
-            note("all cases of a `choice` are attributes: that only one is used is not checked");
-        }
     }
 }
 

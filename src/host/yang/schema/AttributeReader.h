@@ -8,12 +8,12 @@
 #include "yang/schema/AssociationReader.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
+#include "yang/source/IdentitySearch.h"
 #include "yang/source/SourceLocator.h"
 #include "yang/source/YangContext.h"
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 
 namespace OrvHost {
@@ -28,7 +28,7 @@ public:
     };
 
     AttributeReader(std::shared_ptr<const YangContext> context, const SourceLocator& locator,
-                    AssociationReader& associations, ModelNotes& notes);
+                    AssociationReader& associations, IdentitySearch& identities, ModelNotes& notes);
 
     /// Reads an attribute of that class; nothing if the node cannot be an attribute, which is
     /// noted. With `isFirst`, the node's statements on associations go to the association reader:
@@ -36,11 +36,12 @@ public:
     std::optional<Attribute> readAttribute(const lysc_node* node, const std::string& className,
                                            bool isFirst);
 
-    /// Reads a parameter or a result of an action; nothing if the node cannot be one, which is
-    /// noted.
-    std::optional<AttributeDraft> readParameter(const lysc_node* node);
+    /// Reads a parameter or a result of an action, which has `others` already; nothing if the node
+    /// cannot be one, which is noted.
+    std::optional<AttributeDraft> readParameter(const lysc_node* node,
+                                                const std::vector<AttributeDraft>& others);
 
-    /// Counts statements of the node that the model does not represent: conditions, choices.
+    /// Counts statements of the node that the model does not represent.
     void noteConditions(const lysc_node* node);
 
 private:
@@ -50,13 +51,16 @@ private:
     Attribute readStruct(const lysc_node* node);
     void tellReference(const lysc_node* node, const std::string& className, bool isFirst,
                        Attribute& attribute);
+    bool makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
+                    AttributeDraft& draft);
+    void noteOpenIdentities(const lysc_node* node, const lysc_type* type);
     void describe(const lysc_node* node, Attribute& attribute) const;
 
     std::shared_ptr<const YangContext> mContext;
     const SourceLocator& mLocator;
     AssociationReader& mAssociations;
+    IdentitySearch& mIdentities;
     ModelNotes& mNotes;
-    std::set<const lysc_node*> mNotedChoices;
 };
 
 }

@@ -3,20 +3,18 @@
 
 #include "ModelNotes.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace OrvHost {
 
 void ModelNotes::count(const std::string& what, const SourcePosition& source,
                        const std::string& place) {
-    const auto found = std::find_if(mCounted.begin(), mCounted.end(),
-                                    [&what](const Counted& c) { return c.what == what; });
-    if (found != mCounted.end()) {
-        ++found->times;
-        return;
+    const auto [known, isNew] = mPosition.emplace(toText(Problem{source, what}), mCounted.size());
+    if (isNew) {
+        mCounted.push_back({what, 1, source, place});
+    } else {
+        ++mCounted[known->second].times;
     }
-    mCounted.push_back({what, 1, source, place});
 }
 
 void ModelNotes::add(const SourcePosition& source, std::string text) {
@@ -25,9 +23,10 @@ void ModelNotes::add(const SourcePosition& source, std::string text) {
 
 std::vector<Problem> ModelNotes::take() && {
     for (const Counted& counted : mCounted) {
-        const std::string more =
-            counted.times > 1 ? " and at " + std::to_string(counted.times - 1) + " more places"
-                              : "";
+        const std::string more = counted.times > 1
+                                     ? " and at " + std::to_string(counted.times - 1) +
+                                           (counted.times > 2 ? " more places" : " more place")
+                                     : "";
         mNotes.push_back({counted.source, counted.what + ": at " + counted.place + more});
     }
     return std::move(mNotes);

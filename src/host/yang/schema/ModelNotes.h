@@ -7,13 +7,15 @@
 #include "base/Problem.h"
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace OrvHost {
 
-/// Collects what the modules say but the model does not represent. Large sets of modules say the
-/// same kind of thing hundreds of times: it is counted, and reported once with its first place.
+/// Collects what the modules say but the model does not represent. A statement in a grouping is at
+/// as many places as the grouping is used: it is reported once, with its first place and their
+/// number.
 class ModelNotes {
 public:
     /// `what` is the kind: "`must` statements are not evaluated".
@@ -27,12 +29,13 @@ public:
 private:
     struct Counted {
         std::string what;
-        std::size_t times = 0;
+        std::size_t times = 1;
         SourcePosition source;
         std::string place;
     };
 
     std::vector<Counted> mCounted;
+    std::map<std::string, std::size_t> mPosition; ///< in mCounted, by kind and source
     std::vector<Problem> mNotes;
 };
 

@@ -38,7 +38,10 @@ bool isTransparentInClass(const lysc_node* node) {
 
 Bounds instancesOf(const lysc_node* list) {
     const auto* node = reinterpret_cast<const lysc_node_list*>(list);
-    return {node->min, node->max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(node->max)};
+    // What only the system makes is not demanded of clients.
+    const bool isState = (list->flags & LYS_CONFIG_R) != 0;
+    const std::int64_t lower = isState || isConditional(list) ? 0 : node->min;
+    return {lower, node->max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(node->max)};
 }
 
 bool isCallable(const lysc_node* node) {
@@ -47,7 +50,7 @@ bool isCallable(const lysc_node* node) {
 
 }
 
-SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, ModuleFinder& finder,
                            YangSchema& schema, ModelNotes& notes)
     : mContext(std::move(context)),
       mFinder(finder),
@@ -55,7 +58,8 @@ SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, const Mod
       mSchema(schema),
       mNotes(notes),
       mAssociations(mLocator),
-      mAttributes(mContext, mLocator, mAssociations, mNotes) {}
+      mIdentities(finder),
+      mAttributes(mContext, mLocator, mAssociations, mIdentities, mNotes) {}
 
 void SchemaWalker::walk() {
     const std::vector<const lys_module*> modules = mContext->implementedModules();
@@ -119,7 +123,7 @@ SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
         .described(list->dsc != nullptr ? list->dsc : "")
         .at(mLocator.of(list));
     draft.def.namingAttribute = keyOf(list)->name;
-    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), list}));
+    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), list, {}}));
     mClassByName.emplace(list->name, mClasses.back().get());
     mModulesOf[list->name].insert(list->module->name);
     return *mClasses.back();
@@ -132,7 +136,7 @@ void SchemaWalker::refuseName(const lysc_node* list, const Class& known) {
                                 known.first->module->name +
                                 "\"; the steps of a DN name a class by its name alone, so it must "
                                 "be the only one"});
-    mRefused.push_back(std::make_unique<Class>(Class{ClassDraft(list->name), list}));
+    mRefused.push_back(std::make_unique<Class>(Class{ClassDraft(list->name), list, {}}));
 }
 
 void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
@@ -210,12 +214,17 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
                                                    "; there it is not part of the model");
         return;
     }
+    AttributeDef& def = attribute.draft.def;
+    def.isConditional = def.isConditional || (wrapper != nullptr && isConditional(wrapper));
+    if (known == attributes.end()) {
+        moc.choices.add(attribute.shape.node, def);
+        attributes.push_back(std::move(attribute.draft));
+    } else {
+        known->def.isConditional = known->def.isConditional || def.isConditional;
+    }
     if (attribute.shape.node != shape.key) {
         attribute.shape.wrapper = wrapper;
         shape.attributes.push_back(std::move(attribute.shape));
-    }
-    if (known == attributes.end()) {
-        attributes.push_back(std::move(attribute.draft));
     }
 }
 
@@ -254,7 +263,7 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
     std::vector<AttributeDraft> parameters;
     const lysc_node* node = nullptr;
     while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
-        std::optional<AttributeDraft> parameter = mAttributes.readParameter(node);
+        std::optional<AttributeDraft> parameter = mAttributes.readParameter(node, parameters);
         if (parameter) {
             parameters.push_back(std::move(*parameter));
         }
@@ -265,6 +274,7 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
 Model SchemaWalker::build() {
     ModelBuilder builder;
     for (const std::unique_ptr<Class>& moc : mClasses) {
+        moc->draft.def.choices = std::move(moc->choices).take();
         builder.add(std::move(moc->draft));
     }
     for (ContainmentDraft& containment : mContainments) {

@@ -7,8 +7,10 @@
 #include "model/building/ModelBuilder.h"
 #include "yang/schema/AssociationReader.h"
 #include "yang/schema/AttributeReader.h"
+#include "yang/schema/ChoiceReader.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
+#include "yang/source/IdentitySearch.h"
 #include "yang/source/SourceLocator.h"
 #include "yang/source/YangContext.h"
 
@@ -24,7 +26,7 @@ namespace OrvHost {
 /// can be found at many places: what is said at these places is merged.
 class SchemaWalker {
 public:
-    SchemaWalker(std::shared_ptr<const YangContext> context, const ModuleFinder& finder,
+    SchemaWalker(std::shared_ptr<const YangContext> context, ModuleFinder& finder,
                  YangSchema& schema, ModelNotes& notes);
 
     void walk();
@@ -37,6 +39,7 @@ private:
     struct Class {
         ClassDraft draft;
         const lysc_node* first; ///< the place that was found first
+        ChoiceReader choices;
     };
 
     void walkTop(const lysc_node* parent, const lys_module* module,
@@ -63,6 +66,7 @@ private:
     YangSchema& mSchema;
     ModelNotes& mNotes;
     AssociationReader mAssociations;
+    IdentitySearch mIdentities;
     AttributeReader mAttributes;
     std::vector<std::unique_ptr<Class>> mClasses;
     std::vector<std::unique_ptr<Class>> mRefused; ///< lists with the name of another class

@@ -52,6 +52,18 @@ YangModelReader& YangModelReader::load(std::string module) {
     return *this;
 }
 
+YangModelReader& YangModelReader::selectFeatures(std::string module,
+                                                 std::vector<std::string> names) {
+    std::vector<std::string>& all = mFeatures[std::move(module)];
+    all.insert(all.end(), names.begin(), names.end());
+    return *this;
+}
+
+YangModelReader& YangModelReader::withoutFeatures() {
+    mHasOtherFeatures = false;
+    return *this;
+}
+
 YangModelReader& YangModelReader::offerText(std::string name, std::string label, std::string text) {
     mTexts.push_back({std::move(name), std::move(label), std::move(text)});
     return *this;
@@ -66,7 +78,7 @@ YangModel YangModelReader::read() const {
     }
     const std::vector<std::string> names = resolve(mModules, finder);
     auto context = std::make_shared<YangContext>();
-    context->load(names, finder);
+    context->load(names, {mFeatures, mHasOtherFeatures}, finder);
 
     auto schema = std::make_shared<YangSchema>(context);
     ModelNotes notes;

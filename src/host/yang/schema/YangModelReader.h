@@ -8,6 +8,7 @@
 #include "yang/schema/YangSchema.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -40,6 +41,14 @@ public:
     /// ".yang" or contains a "/". Its imports are also looked for in the directory of that file.
     YangModelReader& load(std::string module);
 
+    /// Of that module only these features are on. It need not be named in load(), but it must be
+    /// loaded: imported, for example. Without such a call all features of the modules that load()
+    /// names are on.
+    YangModelReader& selectFeatures(std::string module, std::vector<std::string> names);
+
+    /// The features of all modules without a selection are off.
+    YangModelReader& withoutFeatures();
+
     /// Offers a module that has no file. Imports can use it, and it is loaded if load() names it.
     /// `label` is used as its file name in messages.
     YangModelReader& offerText(std::string name, std::string label, std::string text);
@@ -59,6 +68,8 @@ private:
     std::vector<std::filesystem::path> mSearchPath;
     std::vector<std::string> mModules;
     std::vector<Text> mTexts;
+    std::map<std::string, std::vector<std::string>> mFeatures;
+    bool mHasOtherFeatures = true;
 };
 
 }

@@ -3,6 +3,8 @@
 
 #include "LoadReport.h"
 
+#include "yang/source/MissingModules.h"
+
 namespace OrvHost {
 
 void LoadReport::take(const YangMessage& message) {
@@ -20,8 +22,7 @@ void LoadReport::take(const YangMessage& message) {
 void LoadReport::takeFailedModule(const std::string& module, const std::string& text) {
     if (mFinder.wasMissed(module)) {
         mMissing = module;
-        mProblems.push_back(
-            {{}, "module \"" + module + "\" was not found; " + mFinder.describeSearch(module)});
+        mProblems.push_back({{}, describeMissing(module, mFinder)});
     } else if (mProblems.empty()) {
         mProblems.push_back({{}, text});
     }

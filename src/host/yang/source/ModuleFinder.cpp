@@ -106,6 +106,9 @@ std::string ModuleFinder::describeSearch(const std::string& name) const {
 }
 
 void ModuleFinder::scan(Directory& directory) {
+    if (directory.isScanned) {
+        return;
+    }
     directory.isScanned = true;
     std::error_code error;
     const auto options = fs::directory_options::skip_permission_denied;
@@ -127,11 +130,22 @@ void ModuleFinder::scan(Directory& directory) {
     }
 }
 
+std::vector<fs::path> ModuleFinder::allFiles() {
+    std::vector<fs::path> all;
+    for (Directory& directory : mDirectories) {
+        scan(directory);
+        for (const auto& [name, byRevision] : directory.files) {
+            for (const auto& [revision, file] : byRevision) {
+                all.push_back(file);
+            }
+        }
+    }
+    return all;
+}
+
 std::optional<fs::path> ModuleFinder::locate(const std::string& name, const std::string& revision) {
     for (Directory& directory : mDirectories) {
-        if (!directory.isScanned) {
-            scan(directory);
-        }
+        scan(directory);
         const auto files = directory.files.find(name);
         if (files == directory.files.end()) {
             continue;

@@ -46,8 +46,14 @@ public:
     /// The modules that were found, or offered, so far.
     const std::map<std::string, ModuleSource>& found() const { return mFound; }
 
+    /// The files of all modules and submodules on the search path.
+    std::vector<std::filesystem::path> allFiles();
+
     /// True if find() did not find that module.
     bool wasMissed(const std::string& name) const;
+
+    /// The modules that find() did not find.
+    const std::vector<std::string>& missed() const { return mMissed; }
 
     /// The problems with the search path, or with a file on it.
     const std::vector<Problem>& problems() const { return mProblems; }

@@ -5,6 +5,7 @@
 
 #include "yang/source/Includes.h"
 #include "yang/source/LoadReport.h"
+#include "yang/source/MissingModules.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -95,6 +96,22 @@ int lineOfNode(const ModuleStatements& text, const std::string& path) {
     return 0;
 }
 
+/// The features of a module that are on, as the library wants them: texts that `features` keeps,
+/// and a null pointer.
+std::vector<const char*> featuresOf(const std::string& module, const FeatureSelection& features) {
+    std::vector<const char*> on;
+    const auto chosen = features.byModule.find(module);
+    if (chosen != features.byModule.end()) {
+        for (const std::string& name : chosen->second) {
+            on.push_back(name.c_str());
+        }
+    } else if (features.areOthersOn) {
+        on.push_back("*");
+    }
+    on.push_back(nullptr);
+    return on;
+}
+
 void appendNew(std::vector<Problem>& all, std::vector<Problem> more) {
     for (Problem& problem : more) {
         const auto isSame = [&problem](const Problem& other) {
@@ -125,14 +142,12 @@ YangContext::~YangContext() {
     ly_ctx_destroy(mContext);
 }
 
-void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& finder) {
+void YangContext::load(const std::vector<std::string>& modules, const FeatureSelection& features,
+                       ModuleFinder& finder) {
     ly_ctx_set_module_imp_clb(mContext, provideModule, &finder);
-    const char* allFeatures[] = {"*", nullptr};
-    std::vector<Problem> problems;
-    for (const std::string& module : modules) {
-        if (ly_ctx_load_module(mContext, module.c_str(), nullptr, allFeatures) == nullptr) {
-            appendNew(problems, loadProblems(module, finder));
-        }
+    std::vector<Problem> problems = loadAll(modules, features, finder);
+    if (problems.empty()) {
+        problems = selectFeatures(modules, features, finder);
     }
     // After a failed load the library forgets the modules loaded before, and compiling "succeeds".
     if (problems.empty() && ly_ctx_compile(mContext) != LY_SUCCESS) {
@@ -143,6 +158,49 @@ void YangContext::load(const std::vector<std::string>& modules, ModuleFinder& fi
     if (!problems.empty()) {
         throw ModelError(std::move(problems));
     }
+}
+
+std::vector<Problem> YangContext::loadAll(const std::vector<std::string>& modules,
+                                          const FeatureSelection& features, ModuleFinder& finder) {
+    std::vector<Problem> problems;
+    for (const std::string& module : modules) {
+        std::vector<const char*> on = featuresOf(module, features);
+        if (ly_ctx_load_module(mContext, module.c_str(), nullptr, on.data()) == nullptr) {
+            appendNew(problems, loadProblems(module, finder));
+        }
+    }
+    // The library ends at the first module that it does not find.
+    if (!finder.missed().empty()) {
+        const auto isBuiltIn = [this](const std::string& name) {
+            return ly_ctx_get_module_latest(mContext, name.c_str()) != nullptr;
+        };
+        appendNew(problems, missingModules(modules, finder, isBuiltIn));
+    }
+    return problems;
+}
+
+/// For modules that are there because another one needs them.
+std::vector<Problem> YangContext::selectFeatures(const std::vector<std::string>& modules,
+                                                 const FeatureSelection& features,
+                                                 const ModuleFinder& finder) {
+    std::vector<Problem> problems;
+    for (const auto& [name, names] : features.byModule) {
+        if (std::find(modules.begin(), modules.end(), name) != modules.end()) {
+            continue;
+        }
+        lys_module* module = ly_ctx_get_module_latest(mContext, name.c_str());
+        if (module == nullptr) {
+            problems.push_back({{},
+                                "features of the module \"" + name +
+                                    "\" are chosen, but no such module is loaded"});
+            continue;
+        }
+        std::vector<const char*> on = featuresOf(name, features);
+        if (lys_set_implemented(module, on.data()) != LY_SUCCESS) {
+            appendNew(problems, loadProblems(name, finder));
+        }
+    }
+    return problems;
 }
 
 std::vector<Problem> YangContext::loadProblems(const std::string& module,

@@ -9,6 +9,7 @@
 
 #include <libyang/libyang.h>
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -23,6 +24,14 @@ struct YangMessage {
     int line = 0;     ///< in the text that was read, or 0
 };
 
+/// Which features of the modules to load are on.
+struct FeatureSelection {
+    /// Modules of which only these features are on.
+    std::map<std::string, std::vector<std::string>> byModule;
+    /// Whether all features of the other modules are on, or none.
+    bool areOthersOn = true;
+};
+
 /// A context of the YANG library, with the modules that were loaded into it.
 ///
 /// Call load() and compile() first, on one thread. After that the context does not change, and any
@@ -34,10 +43,11 @@ public:
     YangContext(const YangContext&) = delete;
     YangContext& operator=(const YangContext&) = delete;
 
-    /// Loads the modules with these names, and those that they import, with all their features, and
-    /// compiles them. The finder is used only during the call.
-    /// \throws ModelError with all problems: a module that fails does not hide the next one.
-    void load(const std::vector<std::string>& modules, ModuleFinder& finder);
+    /// Loads the modules with these names, and those that they import, and compiles them. The
+    /// finder is used only during the call. \throws ModelError with all problems: a module that
+    /// fails does not hide the next one.
+    void load(const std::vector<std::string>& modules, const FeatureSelection& features,
+              ModuleFinder& finder);
 
     ly_ctx* get() const { return mContext; }
 
@@ -59,6 +69,11 @@ public:
     const lysc_type* typeOf(const lysc_node* node, const std::string& text) const;
 
 private:
+    std::vector<Problem> loadAll(const std::vector<std::string>& modules,
+                                 const FeatureSelection& features, ModuleFinder& finder);
+    std::vector<Problem> selectFeatures(const std::vector<std::string>& modules,
+                                        const FeatureSelection& features,
+                                        const ModuleFinder& finder);
     std::vector<Problem> loadProblems(const std::string& module, const ModuleFinder& finder) const;
     std::vector<Problem> compileProblems(const ModuleFinder& finder) const;
 

@@ -75,6 +75,18 @@ std::optional<std::uint64_t> countCharacters(std::string_view text) {
     return count;
 }
 
+/// An identifier of YANG.
+bool isIdentifier(std::string_view text) {
+    const auto isLetter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    };
+    const auto isInside = [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    };
+    return !text.empty() && isLetter(text.front()) &&
+           std::all_of(text.begin(), text.end(), isInside);
+}
+
 std::string refuseDecimal(const std::string& text, const std::vector<SignedPart>& parts,
                           int fractionDigits) {
     const std::optional<double> number = parse<double>(text);
@@ -137,6 +149,18 @@ Function ofText(std::vector<UnsignedPart> lengths) {
         }
         return quote(text) + " has a length of " + std::to_string(*length) + ", not of " +
                describe(lengths);
+    };
+}
+
+Function ofIdentityName() {
+    return [](const std::string& text) -> std::string {
+        std::string_view rest = text;
+        const std::size_t colon = rest.find(':');
+        const bool isName =
+            colon == std::string_view::npos
+                ? isIdentifier(rest)
+                : isIdentifier(rest.substr(0, colon)) && isIdentifier(rest.substr(colon + 1));
+        return isName ? "" : quote(text) + " is not the name of an identity, \"module:name\"";
     };
 }
 

@@ -31,6 +31,9 @@ Function ofDecimal(std::vector<SignedPart> parts, int fractionDigits);
 /// what no YANG text may contain: malformed UTF-8, and control characters except tab and line ends.
 Function ofText(std::vector<UnsignedPart> lengths);
 
+/// Accepts the name of an identity, with or without its module: "module:name".
+Function ofIdentityName();
+
 /// "1..4 | 7", for people.
 std::string describe(const std::vector<SignedPart>& parts, int fractionDigits);
 std::string describe(const std::vector<UnsignedPart>& parts);

@@ -51,6 +51,10 @@ const lysc_type* followLeafrefs(const lysc_type* type) {
     return type->basetype == LY_TYPE_LEAFREF ? as<lysc_type_leafref>(type)->realtype : type;
 }
 
+bool isOpenIdentityref(const lysc_type* type) {
+    return type->basetype == LY_TYPE_IDENT && enumeratorsOf(type).empty();
+}
+
 ValueKind kindOf(const lysc_type* leafType) {
     const lysc_type* type = followLeafrefs(leafType);
     switch (type->basetype) {
@@ -70,8 +74,9 @@ ValueKind kindOf(const lysc_type* leafType) {
     case LY_TYPE_DEC64:
         return ValueKind::Double;
     case LY_TYPE_ENUM:
-    case LY_TYPE_IDENT:
         return ValueKind::Enumeration;
+    case LY_TYPE_IDENT:
+        return isOpenIdentityref(type) ? ValueKind::String : ValueKind::Enumeration;
     case LY_TYPE_UNION:
         break;
     default:

@@ -26,9 +26,14 @@ const lysc_type* typeOfLeaf(const lysc_node* node);
 /// The type that leafrefs lead to.
 const lysc_type* followLeafrefs(const lysc_type* type);
 
+/// True for an identityref from whose base no loaded module derives an identity. Its values cannot
+/// be known, so they are texts.
+bool isOpenIdentityref(const lysc_type* type);
+
 /// The kind in which values of a YANG type are held. All integers have 64 bits, decimal64 is a
 /// floating-point number, `empty` is a bool that is true; bits, binary, instance-identifiers and
-/// unions of different kinds are text in canonical form; identities are enumerators "module:name".
+/// unions of different kinds are text in canonical form; identities are enumerators "module:name",
+/// or text if there are none.
 ValueKind kindOf(const lysc_type* leafType);
 
 /// The range of a number or the length of a text; null if there is none.

@@ -65,6 +65,9 @@ TypeCheck::Function checkOf(const lysc_node* node, const lysc_type* type,
         return TypeCheck::ofDecimal(signedParts(rangeOf(type)),
                                     as<lysc_type_dec>(type)->fraction_digits);
     default:
+        if (isOpenIdentityref(type)) {
+            return TypeCheck::ofIdentityName();
+        }
         const bool isPlainText =
             type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type)->patterns == nullptr;
         return isPlainText ? TypeCheck::ofText(unsignedParts(rangeOf(type)))
@@ -93,7 +96,8 @@ TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>
 
 TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangContext>& context) {
     TypeDef type = readType(node, context);
-    const bool isText = followLeafrefs(typeOfLeaf(node))->basetype == LY_TYPE_STRING;
+    const lysc_type* declared = followLeafrefs(typeOfLeaf(node));
+    const bool isText = declared->basetype == LY_TYPE_STRING || isOpenIdentityref(declared);
     if (type.kind == ValueKind::Enumeration || isText) {
         return type;
     }

@@ -41,6 +41,23 @@ TEST(YangModelErrors, MissingImport_TellsTheImportAndWhereItWasLookedFor) {
     EXPECT_THAT(error, HasSubstr("broken-models"));
 }
 
+TEST(YangModelErrors, SeveralMissingImports_AreReportedTogether) {
+    const TemporaryDirectory directory;
+    directory.write("m.yang", "module m { namespace 'urn:m'; prefix m;\n"
+                              "  import first { prefix f; }\n"
+                              "  import ietf-yang-types { prefix y; }\n"
+                              "  import n { prefix n; } }");
+    directory.write("n.yang", "module n { namespace 'urn:n'; prefix n;\n\n"
+                              "  import second { prefix s; } include third; }");
+    const std::string error = modelErrorOf(
+        [&directory] { YangModelReader().searchIn(directory.path()).load("m").read(); });
+    EXPECT_THAT(error,
+                HasSubstr("m.yang:2: module \"first\" was not found; looked for first.yang"));
+    EXPECT_THAT(error, HasSubstr("n.yang:3: module \"second\" was not found; looked for"));
+    EXPECT_THAT(error, HasSubstr("n.yang:3: module \"third\" was not found; looked for"));
+    EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 2) << error;
+}
+
 TEST(YangModelErrors, MissingModule_TellsWhereItWasLookedFor) {
     EXPECT_THAT(errorOf({"absent"}), HasSubstr("module \"absent\" was not found; looked for "));
     EXPECT_EQ(modelErrorOf([] { YangModelReader().load("absent").read(); }),
