@@ -27,8 +27,13 @@ constexpr Hint kHints[] = {
     {"non-empty-encoded", "the value of an empty leaf is written as [null]"},
     {"Missing XML namespace",
      "the outermost elements name their module's namespace: xmlns=\"...\""},
-    {"No module named", "the name before the colon is a module's, and the module must be loaded"},
-    {"No module with namespace", "the namespace is a module's, and the module must be loaded"},
+    {"No module named",
+     "the name before the colon is a module's, and the module must be loaded; to skip such "
+     "data, see --skip-unknown"},
+    {"No module with namespace",
+     "the namespace is a module's, and the module must be loaded; to skip such data, see "
+     "--skip-unknown"},
+    {"not found as a child of", "such data can be skipped, see --skip-unknown"},
     {"missing its key", "every entry of a list has its key; it is the last part of the DN"},
     {"to be represented as JSON", "lists are written as [...], containers as {...}"}};
 

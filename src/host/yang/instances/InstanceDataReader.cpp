@@ -5,6 +5,8 @@
 
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/TreeReader.h"
+#include "yang/schema/ModelNotes.h"
+#include "yang/source/SourceLocator.h"
 #include "yang/source/Utf8.h"
 #include "yang/source/YangContext.h"
 
@@ -123,6 +125,40 @@ void refuseMalformed(std::string_view text, const std::string& label) {
     }
 }
 
+Tree parse(const std::string& text, LYD_FORMAT format, std::uint32_t options,
+           const YangContext& context, const std::string& label) {
+    const Input input = inputOf(text);
+    lyd_node* parsed = nullptr;
+    // Parsing only: checks of whole trees take quadratic time for references, and would refuse the
+    // bare parents of a slice.
+    const LY_ERR code = lyd_parse_data(context.get(), nullptr, input.get(), format,
+                                       options | LYD_PARSE_ONLY, 0, &parsed);
+    Tree tree(parsed);
+    if (code != LY_SUCCESS) {
+        throw InstanceDataError({takeDataProblem(context, label)});
+    }
+    refuseRest(text, ly_in_parsed(input.get()), label);
+    return tree;
+}
+
+/// Notes the nodes that no module knows, which a tree with opaque nodes keeps. A node that is
+/// opaque only because of its value is known, and was refused before.
+void noteUnknown(const lyd_node* first, const std::string& label, ModelNotes& notes) {
+    for (const lyd_node* node = first; node != nullptr; node = node->next) {
+        if (node->schema != nullptr) {
+            noteUnknown(lyd_child_no_keys(node), label, notes);
+            continue;
+        }
+        const lyd_node* parent = lyd_parent(node);
+        const ly_opaq_name& written = reinterpret_cast<const lyd_node_opaq*>(node)->name;
+        const std::string prefix = written.prefix == nullptr ? "" : written.prefix;
+        const std::string name = (prefix.empty() ? "" : prefix + ":") + written.name;
+        const std::string place = parent == nullptr ? "" : pathOf(parent->schema) + "/";
+        notes.count("no loaded module knows " + place + name + ": it is skipped", {label, 0},
+                    parent == nullptr ? "the top" : dataPathOf(parent));
+    }
+}
+
 LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     if (first != std::string::npos && text[first] == '{') {
@@ -144,9 +180,15 @@ InstanceDataReader& InstanceDataReader::onProgress(Progress progress) {
     return *this;
 }
 
+InstanceDataReader& InstanceDataReader::skipUnknown() {
+    mSkipsUnknown = true;
+    return *this;
+}
+
 std::size_t InstanceDataReader::read(const std::vector<fs::path>& paths, const Sink& sink) {
     const std::vector<fs::path> files = expand(paths);
     mState = {};
+    mNotes.clear();
     mState.filesInAll = files.size();
     for (const fs::path& file : files) {
         mState.bytesInAll += sizeOf(file);
@@ -168,6 +210,7 @@ std::size_t InstanceDataReader::read(const std::vector<fs::path>& paths, const S
 std::size_t InstanceDataReader::readText(const std::string& text, const std::string& label,
                                          const Sink& sink) {
     mState = {};
+    mNotes.clear();
     mState.filesInAll = 1;
     mState.bytesInAll = text.size();
     parseAndDeliver(text, label, &sink);
@@ -187,24 +230,22 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     const LYD_FORMAT format = formatOf(text, label);
     refuseMalformed(text, label);
     const YangContext& context = mSchema->context();
-    const Input input = inputOf(text);
-    lyd_node* parsed = nullptr;
-    // Parsing only: checks of whole trees take quadratic time for references, and would refuse the
-    // bare parents of a slice. An unknown node is an error.
-    const LY_ERR code = lyd_parse_data(context.get(), nullptr, input.get(), format,
-                                       LYD_PARSE_STRICT | LYD_PARSE_ONLY, 0, &parsed);
-    const Tree tree(parsed);
-    if (code != LY_SUCCESS) {
-        throw InstanceDataError({takeDataProblem(context, label)});
+    ModelNotes notes;
+    // Without the option the library skips unknown nodes silently, and refuses what is known and
+    // wrong. A tree with opaque nodes has the unknown ones too.
+    const Tree tree = parse(text, format, mSkipsUnknown ? 0 : LYD_PARSE_STRICT, context, label);
+    if (mSkipsUnknown) {
+        noteUnknown(parse(text, format, LYD_PARSE_OPAQ, context, label).get(), label, notes);
     }
-    refuseRest(text, ly_in_parsed(input.get()), label);
-    TreeReader(*mSchema, label).read(tree.get(), [this, sink, &label](DataObject&& object) {
+    TreeReader(*mSchema, label, notes).read(tree.get(), [this, sink, &label](DataObject&& object) {
         if (sink != nullptr) {
             (*sink)(std::move(object), label);
             ++mState.objects;
             report(false);
         }
     });
+    std::vector<Problem> more = std::move(notes).take();
+    mNotes.insert(mNotes.end(), more.begin(), more.end());
 }
 
 void InstanceDataReader::report(bool always) {

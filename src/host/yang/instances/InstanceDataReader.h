@@ -50,6 +50,13 @@ public:
     /// Called after each file, and after every 4096 objects.
     InstanceDataReader& onProgress(Progress progress);
 
+    /// Data that no loaded module knows is skipped with a note. Without this call it is an error.
+    InstanceDataReader& skipUnknown();
+
+    /// What the latest read() or readText() has skipped, for people: data that the modules know but
+    /// that has no place in the model, and unknown data.
+    const std::vector<Problem>& notes() const { return mNotes; }
+
     /// Reads files, and all `.json` and `.xml` files of directories in the order of their names.
     /// The file's first character decides the format. Returns the number of objects.
     /// \throws InstanceDataError with the first error of each file; the YANG library reports no
@@ -66,6 +73,8 @@ private:
     void report(bool always);
 
     std::shared_ptr<const YangSchema> mSchema;
+    bool mSkipsUnknown = false;
+    std::vector<Problem> mNotes;
     Progress mProgress;
     DataProgress mState;
 };

@@ -6,6 +6,7 @@
 #include "DnUtil.h"
 #include "base/DnView.h"
 #include "yang/instances/InstanceDataError.h"
+#include "yang/source/SourceLocator.h"
 #include "yang/types/ValueCodec.h"
 
 #include <cstdlib>
@@ -13,18 +14,15 @@
 #include <utility>
 
 namespace OrvHost {
-namespace {
 
-std::string pathOf(const lyd_node* node) {
+std::string dataPathOf(const lyd_node* node) {
     const std::unique_ptr<char, void (*)(void*)> path(lyd_path(node, LYD_PATH_STD, nullptr, 0),
                                                       std::free);
     return path ? path.get() : "";
 }
 
-}
-
-TreeReader::TreeReader(const YangSchema& schema, std::string label)
-    : mSchema(schema), mLabel(std::move(label)) {}
+TreeReader::TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes)
+    : mSchema(schema), mLabel(std::move(label)), mNotes(notes) {}
 
 void TreeReader::read(const lyd_node* first, const Sink& sink) {
     readSiblings(first, "", sink);
@@ -41,7 +39,7 @@ void TreeReader::readSiblings(const lyd_node* first, const std::string& parentDn
         } else if (mSchema.isTransparent(node->schema)) {
             readSiblings(lyd_child(node), parentDn, sink);
         } else {
-            refuse(node, "is not part of the model: it stands outside of any class");
+            skip(node);
         }
     }
 }
@@ -71,10 +69,13 @@ void TreeReader::gather(const lyd_node* first, const ObjectShape& shape, Content
             contents.children.push_back(node);
             continue;
         }
-        contents.isBare = false;
         if (mSchema.isTransparent(node->schema)) {
+            contents.isBare = false;
             gather(lyd_child(node), shape, contents);
+        } else if (mSchema.valueAt(node->schema) == nullptr) {
+            skip(node);
         } else {
+            contents.isBare = false;
             append(node, contents.attributes);
         }
     }
@@ -83,7 +84,7 @@ void TreeReader::gather(const lyd_node* first, const ObjectShape& shape, Content
 void TreeReader::append(const lyd_node* node, std::vector<NamedValue>& values) {
     const ValueShape* shape = mSchema.valueAt(node->schema);
     if (shape == nullptr) {
-        refuse(node, "is not part of the model, see the notes on loading it");
+        skip(node);
         return;
     }
     // All instances of one node are together in the tree, even if they were apart in the text.
@@ -121,8 +122,14 @@ std::string TreeReader::namingValueOf(const lyd_node* node, const ObjectShape& s
     return text != nullptr ? text : "";
 }
 
+/// A file can hold the same thing for every object: it is noted once, with the number.
+void TreeReader::skip(const lyd_node* node) {
+    mNotes.count(pathOf(node->schema) + " has no place in the model and is skipped", {mLabel, 0},
+                 dataPathOf(node));
+}
+
 void TreeReader::refuse(const lyd_node* node, const std::string& text) {
-    mProblems.push_back({{mLabel, 0}, pathOf(node) + ": " + text});
+    mProblems.push_back({{mLabel, 0}, dataPathOf(node) + ": " + text});
 }
 
 }

@@ -6,6 +6,7 @@
 
 #include "base/Problem.h"
 #include "yang/instances/DataObject.h"
+#include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
 
 #include <libyang/libyang.h>
@@ -16,13 +17,17 @@
 
 namespace OrvHost {
 
+/// "/module:list[key='a']/leaf".
+std::string dataPathOf(const lyd_node* node);
+
 /// Turns a tree of instance data into objects.
 class TreeReader {
 public:
     using Sink = std::function<void(DataObject&& object)>;
 
-    /// `label` is used as the name of the data's file in messages.
-    TreeReader(const YangSchema& schema, std::string label);
+    /// `label` is used as the name of the data's file in messages. What has no place in the model
+    /// is skipped, and `notes`, which is borrowed, says so.
+    TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes);
 
     /// Delivers the objects of a whole tree, whose first node may be null.
     /// \throws InstanceDataError with all problems, after the last object
@@ -43,10 +48,12 @@ private:
     void append(const lyd_node* node, std::vector<NamedValue>& values);
     Value valueOf(const lyd_node* node, const ValueShape& shape);
     std::string namingValueOf(const lyd_node* node, const ObjectShape& shape);
+    void skip(const lyd_node* node);
     void refuse(const lyd_node* node, const std::string& text);
 
     const YangSchema& mSchema;
     std::string mLabel;
+    ModelNotes& mNotes;
     std::vector<Problem> mProblems;
 };
 

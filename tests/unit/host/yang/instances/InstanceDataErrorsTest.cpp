@@ -35,7 +35,6 @@ constexpr Broken kBroken[] = {
     {"no-naming-value.json", "no-naming-value.json: ", "\"a,b=1\" cannot be a value in a DN"},
     {"out-of-range.json", "out-of-range.json:5: ", "expected: uint16 (1..10 | 20)"},
     {"out-of-range.xml", "out-of-range.xml:3: ", "expected: int8"},
-    {"outside-of-the-model.json", "outside-of-the-model.json: ", "is not part of the model"},
     {"pattern.json", "pattern.json:3: ", "[A-Z]{2}[0-9]*"},
     {"quoted-boolean.json", "quoted-boolean.json:3: ", "true and false are written without quotes"},
     {"quoted-small-number.json",
@@ -98,14 +97,44 @@ TEST(InstanceDataErrors, FilesAfterAFaultyOne_HandOutNothing) {
     EXPECT_EQ(objects, 1);
 }
 
-TEST(InstanceDataErrors, WhatTheModelLacks_IsReportedAllAtOnce) {
-    const std::string error = dataErrorOf([] {
-        readObjectsOf(siteModel(), R"({"site:Site": [{"id": "a", "anything": {}},
-                                                     {"id": "b", "anything": {}}],
-                                       "site-extension:motto": "x"})");
-    });
-    EXPECT_THAT(error, AllOf(HasSubstr("Site[id='a']/anything"), HasSubstr("Site[id='b']/anything"),
-                             HasSubstr("motto: is not part of the model")));
+/// The notes on reading a text, one on each line, and the number of objects in front.
+std::string notesOf(const std::string& text, bool skipsUnknown) {
+    InstanceDataReader reader(siteModel().schema);
+    if (skipsUnknown) {
+        reader.skipUnknown();
+    }
+    std::string notes =
+        std::to_string(reader.readText(text, "d", [](DataObject&&, const std::string&) {}));
+    for (const Problem& note : reader.notes()) {
+        notes += "\n" + toText(note);
+    }
+    return notes;
+}
+
+TEST(InstanceDataErrors, WhatTheModelLacks_IsSkippedWithANote) {
+    EXPECT_EQ(notesOf(R"({"site:Site": [{"id": "a", "anything": {"x": 1}},
+                                        {"id": "b", "anything": {}}],
+                          "site-extension:motto": "x"})",
+                      false),
+              "2\nd: /site:Site/anything has no place in the model and is skipped: at "
+              "/site:Site[id='a']/anything and at 1 more place"
+              "\nd: /site-extension:motto has no place in the model and is skipped: at "
+              "/site-extension:motto");
+}
+
+TEST(InstanceDataErrors, UnknownData_IsSkippedOnRequest) {
+    const std::string json = R"({"site:Site": [{"id": "a", "lable": "x"}], "other:thing": 1})";
+    EXPECT_EQ(notesOf(json, true),
+              "1\nd: no loaded module knows /site:Site/lable: it is skipped: at /site:Site[id='a']"
+              "\nd: no loaded module knows other:thing: it is skipped: at the top");
+    EXPECT_THAT(dataErrorOf([&json] { notesOf(json, false); }), HasSubstr("--skip-unknown"));
+}
+
+TEST(InstanceDataErrors, UnknownData_DoesNotHideWrongValues) {
+    EXPECT_THAT(dataErrorOf([] {
+                    notesOf(R"({"site:Site": [{"id": "a", "lable": "x", "port": 99}]})", true);
+                }),
+                HasSubstr("Site[id='a']/port"));
 }
 
 TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreReported) {
