@@ -59,6 +59,7 @@ ScenarioResult runScenario(const Options& options, const std::string& file,
         HostSetup setup(options, std::cerr);
         std::ostream nowhere(nullptr);
         Session session(setup.host(), setup.clients(), setup.log(), nowhere, false);
+        session.setModelNotes(setup.modelNotes());
         runLines(options, session, script, atLine, result);
     } catch (const std::exception& failure) {
         result.isBroken = true;

@@ -50,6 +50,23 @@ void listAssociations(Session& session) {
     }
 }
 
+void listNotes(Session& session) {
+    JsonValue documents = JsonValue::array();
+    std::string text;
+    if (session.modelNotes() != nullptr) {
+        for (const Problem& note : *session.modelNotes()) {
+            documents.push_back(
+                {{"file", note.source.file}, {"line", note.source.line}, {"text", note.text}});
+            text += toText(note) + "\n";
+        }
+    }
+    if (session.wantsJson()) {
+        session.print({{"command", "model"}, {"notes", documents}});
+    } else {
+        session.out() << (text.empty() ? "The model leaves nothing of the modules out.\n" : text);
+    }
+}
+
 std::vector<std::string> classNames(const Model& model) {
     std::vector<std::string> names;
     for (const ClassDef& moc : model.classes) {
@@ -78,12 +95,15 @@ void showClass(Session& session, const std::string& name) {
 
 void runModel(Session& session, Words words) {
     const bool wantsAssociations = words.takeFlag("--associations");
+    const bool wantsNotes = words.takeFlag("--notes");
     const auto name = words.takeOptional();
     words.end();
-    if (wantsAssociations && name) {
-        throw UsageError("a class and --associations do not go together");
+    if ((wantsAssociations && name) || (wantsNotes && (name || wantsAssociations))) {
+        throw UsageError("a class, --associations and --notes do not go together");
     }
-    if (wantsAssociations) {
+    if (wantsNotes) {
+        listNotes(session);
+    } else if (wantsAssociations) {
         listAssociations(session);
     } else if (name) {
         showClass(session, *name);

@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_CLI_SESSION_SESSION_H
 #define ORV_HOST_CLI_SESSION_SESSION_H
 
+#include "base/Problem.h"
 #include "cli/output/ValueJson.h"
 #include "client/ClientSession.h"
 #include "runtime/LogSink.h"
@@ -24,6 +25,12 @@ public:
 
     LogSink& log() { return mLog; }
 
+    /// What the modules say but the model does not represent. Borrowed, as the constructor's
+    /// arguments.
+    void setModelNotes(const std::vector<Problem>& notes) { mModelNotes = &notes; }
+    /// Null if there are no modules.
+    const std::vector<Problem>* modelNotes() const { return mModelNotes; }
+
     /// True: each command prints one JSON document, in one line, and nothing else.
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
@@ -36,6 +43,7 @@ public:
 
 private:
     LogSink& mLog;
+    const std::vector<Problem>* mModelNotes = nullptr;
     std::ostream* mOut;
     bool mWantsJson;
     bool mIsEnded = false;

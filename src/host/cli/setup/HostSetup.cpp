@@ -12,6 +12,7 @@
 #include "yang/instances/InstanceDataReader.h"
 
 #include <iostream>
+#include <sstream>
 
 #include <unistd.h>
 
@@ -23,6 +24,18 @@ void failIfAny(const std::vector<std::string>& problems) {
     if (!problems.empty()) {
         throw LoadError(joinedLines(problems, [](const std::string& line) { return line; }));
     }
+}
+
+/// The names between the commas.
+std::vector<std::string> namesIn(const std::string& text) {
+    std::vector<std::string> names;
+    std::istringstream stream(text);
+    for (std::string name; std::getline(stream, name, ',');) {
+        if (!name.empty()) {
+            names.push_back(name);
+        }
+    }
+    return names;
 }
 
 }
@@ -72,11 +85,34 @@ void HostSetup::readModel(const Options& options) {
     for (const std::string& module : options.models) {
         reader.load(module);
     }
+    for (const std::string& features : options.features) {
+        const std::size_t colon = features.find(':');
+        reader.selectFeatures(features.substr(0, colon), namesIn(features.substr(colon + 1)));
+    }
+    if (options.noFeatures) {
+        reader.withoutFeatures();
+    }
     try {
         mModel = reader.read();
     } catch (const ModelError& failure) {
         throw LoadError(failure.what());
     }
+    reportNotes(options);
+}
+
+void HostSetup::reportNotes(const Options& options) {
+    const std::size_t count = mModel.notes.size();
+    if (count == 0) {
+        return;
+    }
+    if (options.strict) {
+        const auto toLine = [](const Problem& note) { return toText(note); };
+        throw LoadError("the model leaves out what follows, and --strict permits nothing of it\n" +
+                        joinedLines(mModel.notes, toLine));
+    }
+    mErrors << "orvhost: note: the model leaves out " << count
+            << (count == 1 ? " statement" : " statements")
+            << " of the modules; 'model --notes' lists " << (count == 1 ? "it" : "them") << '\n';
 }
 
 void HostSetup::loadData(const Options& options) {
@@ -95,6 +131,9 @@ void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) 
     reader.onProgress([&](const DataProgress& progress) {
         bar.update("reading", progress.bytesDone, progress.bytesInAll);
     });
+    if (options.skipUnknown) {
+        reader.skipUnknown();
+    }
     bar.update("reading", 0, 0);
     try {
         reader.read(options.data, [&](DataObject&& object, const std::string& file) {
@@ -102,6 +141,9 @@ void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) 
         });
     } catch (const InstanceDataError& failure) {
         throw LoadError(failure.what());
+    }
+    for (const Problem& note : reader.notes()) {
+        bar.print("note: " + toText(note));
     }
 }
 

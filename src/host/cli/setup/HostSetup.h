@@ -35,10 +35,13 @@ public:
     Host& host() { return *mHost; }
     Clients& clients() { return *mClients; }
     LogSink& log() { return *mLog; }
+    /// What the modules say but the model does not represent.
+    const std::vector<Problem>& modelNotes() const { return mModel.notes; }
 
 private:
     void openLog(const Options& options);
     void readModel(const Options& options);
+    void reportNotes(const Options& options);
     void loadData(const Options& options);
     void gather(const Options& options, DataSet& data, ProgressBar& bar);
     void checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar);

@@ -37,14 +37,31 @@ std::string whyNoIdentity(const std::string& identity) {
                      "without , = + \" \\ < > ; that neither begins nor ends with a space";
 }
 
+std::string whyNoFeatures(const std::string& text) {
+    const std::size_t colon = text.find(':');
+    return colon != std::string::npos && colon > 0
+               ? std::string()
+               : "'" + text + "' names no module; MODULE:NAME,... was expected";
+}
+
 void addLoading(CLI::App& app, Options& options) {
     app.add_option("-m,--model", options.models, "YANG module, by name or file; repeat for more")
         ->allow_extra_args(false);
     app.add_option("-I,--path", options.searchPath, "Directory to search for modules; repeatable")
         ->allow_extra_args(false);
+    app.add_option("--feature", options.features,
+                   "MODULE:NAME,...: of this module only these features are on; repeatable")
+        ->allow_extra_args(false)
+        ->check(whyNoFeatures);
+    app.add_flag("--no-features", options.noFeatures,
+                 "Features of modules without --feature are off");
+    app.add_flag("--strict", options.strict,
+                 "Refuse a model that leaves something of the modules out");
     app.add_option("-d,--data", options.data,
                    "Instance data, JSON or XML: a file, or a directory of them; repeatable")
         ->allow_extra_args(false);
+    app.add_flag("--skip-unknown", options.skipUnknown,
+                 "Leave out data that no loaded module knows");
     app.add_flag("--repair", options.repair,
                  "Add the missing sides of bidirectional associations to the data");
     app.add_option("--ext-cm", options.extCm,

@@ -17,6 +17,10 @@ namespace OrvHost {
 struct Options {
     std::vector<std::string> models; ///< module names or files
     std::vector<std::filesystem::path> searchPath;
+    std::vector<std::string> features; ///< "MODULE:NAME,..."
+    bool noFeatures = false;
+    bool skipUnknown = false; ///< in data
+    bool strict = false;      ///< refuse a model with notes
     std::vector<std::filesystem::path> data;
     std::string extCm; ///< the component; empty: the one that belongs to this program
     std::vector<std::string> components; ///< other components
