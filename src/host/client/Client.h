@@ -66,8 +66,9 @@ public:
     /// Called for each child; false ends the walk.
     using Visit = std::function<bool(const std::string& name)>;
 
-    /// Walks the children of one class; \p dn empty: the top level. The iterator is also closed if
-    /// the walk ends early or \p visit throws. Throws CancelledError: see cancelBy.
+    /// Walks the children of one class; \p dn empty: the top level, where all objects are named by
+    /// the identity of the ManagedElement, whatever their class. The iterator is also closed if the
+    /// walk ends early or \p visit throws. Throws CancelledError: see cancelBy.
     void forEachChild(unsigned long txHandle, const std::string& dn, const std::string& className,
                       const Visit& visit);
 
@@ -108,6 +109,9 @@ private:
     OrvOamSpiManagedObject_3* mTable;
     const CancellationToken* mToken = nullptr;
 };
+
+/// The names of all classes, in the order of their definition.
+std::vector<std::string> classNames(const Model& model);
 
 /// The names of a class's attributes, in the order of their definition.
 std::vector<std::string> attributeNames(const ClassDef& moc);

@@ -39,8 +39,10 @@ struct Command {
     std::vector<std::string> options{}; ///< "--depth" and the like
 
     /// Runs the command and prints its answer. `words` are the words after the command's name.
-    /// Throws RequestError (UsageError is one) for words that it does not understand and
-    /// OperationError for a code from the component; in JSON mode nothing has been printed then.
+    /// Throws RequestError (UsageError is one) for words that it does not understand, AnswerError
+    /// for an answer that is no, OperationError for a code from the component, CancelledError when
+    /// the session is cancelled; in JSON mode nothing has been printed then. What each means for
+    /// the exit status stands in errors/Failure.cpp.
     std::function<void(Session& session, Words words)> run;
 
     /// Name and synopsis.

@@ -4,13 +4,13 @@
 #include "Commands.h"
 
 #include "cli/errors/CliErrors.h"
+#include "cli/errors/UnknownClass.h"
 #include "cli/graph/ClassGraph.h"
 #include "cli/graph/Graphviz.h"
 #include "cli/graph/ObjectGraph.h"
 #include "cli/graph/PictureReader.h"
 #include "cli/session/Session.h"
 #include "client/OfferedModel.h"
-#include "client/Suggestion.h"
 
 #include <cstdint>
 #include <fstream>
@@ -86,8 +86,7 @@ void requireClass(const std::vector<ClassDescription>& classes, const std::strin
     for (const ClassDescription& moc : classes) {
         names.push_back(moc.name);
     }
-    throw AnswerError("there is no class " + name + "." + didYouMean(name, names) +
-                      " Classes: " + enumerate(names));
+    throw unknownClass(name, names);
 }
 
 Drawing drawClasses(Session& session, const GraphOptions& options) {

@@ -4,6 +4,7 @@
 #include "Commands.h"
 
 #include "cli/errors/CliErrors.h"
+#include "cli/errors/UnknownClass.h"
 #include "cli/output/AlignedText.h"
 #include "cli/output/ClassReport.h"
 #include "cli/session/Session.h"
@@ -67,21 +68,11 @@ void listNotes(Session& session) {
     }
 }
 
-std::vector<std::string> classNames(const Model& model) {
-    std::vector<std::string> names;
-    for (const ClassDef& moc : model.classes) {
-        names.push_back(moc.name);
-    }
-    return names;
-}
-
 void showClass(Session& session, const std::string& name) {
     const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
     const ClassDescription* moc = findDescription(classes, name);
     if (moc == nullptr) {
-        const std::vector<std::string> names = classNames(session.model());
-        throw AnswerError("there is no class " + name + "." + didYouMean(name, names) +
-                          " Classes: " + enumerate(names));
+        throw unknownClass(name, classNames(session.model()));
     }
     const ClassReport report(session.model(), *moc);
     if (session.wantsJson()) {

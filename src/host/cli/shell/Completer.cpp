@@ -29,14 +29,6 @@ std::vector<std::string> withPrefix(const std::string& prefix, std::vector<std::
     return texts;
 }
 
-std::vector<std::string> classNames(const Model& model) {
-    std::vector<std::string> names;
-    for (const ClassDef& moc : model.classes) {
-        names.push_back(moc.name);
-    }
-    return names;
-}
-
 // After the colon of an expectation comes a command like any other.
 std::vector<std::string> withoutExpectation(std::vector<std::string> words) {
     while (words.front() == "expect") {

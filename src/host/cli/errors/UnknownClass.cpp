@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "UnknownClass.h"
+
+#include "client/Suggestion.h"
+
+namespace OrvHost {
+
+AnswerError unknownClass(const std::string& name, const std::vector<std::string>& classes) {
+    return AnswerError("there is no class " + name + "." + didYouMean(name, classes) +
+                       " Classes: " + enumerate(classes));
+}
+
+}
