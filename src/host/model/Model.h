@@ -37,6 +37,8 @@ struct ChoiceCase {
     std::vector<std::string> attributes;
     /// Those that must have a value if the case is taken.
     std::vector<std::string> required;
+
+    bool operator==(const ChoiceCase&) const = default;
 };
 
 /// Attributes of a class, or members of a struct, of which an object has those of one case only.
@@ -47,6 +49,8 @@ struct ChoiceDef {
     /// The attributes of the case around a choice inside a case: the choice counts only if one of
     /// them has a value. Empty: it always counts.
     std::vector<std::string> around;
+
+    bool operator==(const ChoiceDef&) const = default;
 };
 
 /// The type of one value.

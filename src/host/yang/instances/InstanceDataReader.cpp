@@ -141,22 +141,79 @@ Tree parse(const std::string& text, LYD_FORMAT format, std::uint32_t options,
     return tree;
 }
 
-/// Notes the nodes that no module knows, which a tree with opaque nodes keeps. A node that is
-/// opaque only because of its value is known, and was refused before.
-void noteUnknown(const lyd_node* first, const std::string& label, ModelNotes& notes) {
-    for (const lyd_node* node = first; node != nullptr; node = node->next) {
-        if (node->schema != nullptr) {
-            noteUnknown(lyd_child_no_keys(node), label, notes);
+/// What the model has in the place of a node that the parser kept as it was written, or null.
+const lysc_node* schemaOf(const lyd_node* opaque, const YangContext& context) {
+    const auto& written = *reinterpret_cast<const lyd_node_opaq*>(opaque);
+    const lyd_node* parent = lyd_parent(opaque);
+    const lys_module* module = nullptr;
+    if (written.name.module_name != nullptr) {
+        module = written.format == LY_VALUE_XML
+                     ? ly_ctx_get_module_implemented_ns(context.get(), written.name.module_ns)
+                     : ly_ctx_get_module_implemented(context.get(), written.name.module_name);
+    } else if (parent != nullptr) {
+        module = lyd_owner_module(parent);
+    }
+    if (module == nullptr) {
+        return nullptr;
+    }
+    return lys_find_child(parent == nullptr ? nullptr : parent->schema, module, written.name.name,
+                          0, 0, 0);
+}
+
+std::string nameOf(const lyd_node_opaq& node) {
+    const std::string prefix = node.name.prefix == nullptr ? "" : node.name.prefix;
+    return (prefix.empty() ? "" : prefix + ":") + node.name.name;
+}
+
+/// The nodes that the parser kept as they were written, in their order.
+void findOpaque(lyd_node* first, std::vector<lyd_node*>& found) {
+    for (lyd_node* node = first; node != nullptr; node = node->next) {
+        if (node->schema == nullptr) {
+            found.push_back(node);
+        } else {
+            findOpaque(lyd_child(node), found);
+        }
+    }
+}
+
+/// Parses without the nodes that no module knows, and notes them. The parser has an option of its
+/// own to leave them out, which in JSON leaves out known data after them, too. So it keeps all that
+/// it cannot place, and what is known among that is refused: its value or its form is wrong.
+Tree parseKnown(const std::string& text, LYD_FORMAT format, const YangContext& context,
+                const std::string& label, ModelNotes& notes) {
+    Tree tree = parse(text, format, LYD_PARSE_OPAQ, context, label);
+    std::vector<lyd_node*> opaque;
+    findOpaque(tree.get(), opaque);
+    std::vector<Problem> problems;
+    for (lyd_node* node : opaque) {
+        const auto& written = *reinterpret_cast<const lyd_node_opaq*>(node);
+        const lyd_node* parent = lyd_parent(node);
+        const std::string where = parent == nullptr ? "" : dataPathOf(parent);
+        if (const lysc_node* schema = schemaOf(node, context)) {
+            const std::string value = written.value == nullptr ? "" : written.value;
+            problems.push_back(
+                {{label, 0},
+                 ((schema->nodetype & LYD_NODE_TERM) != 0
+                      ? "the value \"" + value + "\" does not fit its type"
+                      : "an entry without its keys, or in a form that the model does "
+                        "not give it") +
+                     ", at " + where + "/" + nameOf(written)});
             continue;
         }
-        const lyd_node* parent = lyd_parent(node);
-        const ly_opaq_name& written = reinterpret_cast<const lyd_node_opaq*>(node)->name;
-        const std::string prefix = written.prefix == nullptr ? "" : written.prefix;
-        const std::string name = (prefix.empty() ? "" : prefix + ":") + written.name;
         const std::string place = parent == nullptr ? "" : pathOf(parent->schema) + "/";
-        notes.count("no loaded module knows " + place + name + ": it is skipped", {label, 0},
-                    parent == nullptr ? "the top" : dataPathOf(parent));
+        notes.count("no loaded module knows " + place + nameOf(written) + ": it is skipped",
+                    {label, 0}, where.empty() ? "the top" : where);
+        if (node == tree.get()) {
+            lyd_node* const next = node->next;
+            static_cast<void>(tree.release());
+            tree.reset(next);
+        }
+        lyd_free_tree(node);
     }
+    if (!problems.empty()) {
+        throw InstanceDataError(std::move(problems));
+    }
+    return tree;
 }
 
 LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
@@ -231,12 +288,8 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     refuseMalformed(text, label);
     const YangContext& context = mSchema->context();
     ModelNotes notes;
-    // Without the option the library skips unknown nodes silently, and refuses what is known and
-    // wrong. A tree with opaque nodes has the unknown ones too.
-    const Tree tree = parse(text, format, mSkipsUnknown ? 0 : LYD_PARSE_STRICT, context, label);
-    if (mSkipsUnknown) {
-        noteUnknown(parse(text, format, LYD_PARSE_OPAQ, context, label).get(), label, notes);
-    }
+    const Tree tree = mSkipsUnknown ? parseKnown(text, format, context, label, notes)
+                                    : parse(text, format, LYD_PARSE_STRICT, context, label);
     TreeReader(*mSchema, label, notes).read(tree.get(), [this, sink, &label](DataObject&& object) {
         if (sink != nullptr) {
             (*sink)(std::move(object), label);

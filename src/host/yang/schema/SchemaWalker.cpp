@@ -153,6 +153,7 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     shape.list = list;
     shape.key = keyOf(list);
     shape.wrappers = wrappers;
+    moc.choices.try_emplace(list);
     ObjectShape& added = mSchema.addObject(parent, std::move(shape));
     walkContents(list, nullptr, moc, added);
     walkActions(list, moc);
@@ -216,8 +217,8 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
     }
     AttributeDef& def = attribute.draft.def;
     def.isConditional = def.isConditional || (wrapper != nullptr && isConditional(wrapper));
+    moc.choices[shape.list].add(attribute.shape.node, def);
     if (known == attributes.end()) {
-        moc.choices.add(attribute.shape.node, def);
         attributes.push_back(std::move(attribute.draft));
     } else {
         known->def.isConditional = known->def.isConditional || def.isConditional;
@@ -271,10 +272,26 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
     return parameters;
 }
 
+// An object does not show at which of several places its class was found. Where they differ, a rule
+// of one of them could make objects of another one impossible.
+std::vector<ChoiceDef> SchemaWalker::choicesOf(Class& moc) {
+    std::vector<ChoiceDef> choices = std::move(moc.choices.at(moc.first)).take();
+    for (auto& [list, reader] : moc.choices) {
+        if (list != moc.first && std::move(reader).take() != choices) {
+            mNotes.add(moc.draft.def.source,
+                       "class \"" + moc.draft.def.name +
+                           "\" is found at several places with different choices, for example at " +
+                           pathOf(list) + "; its choices are not checked");
+            return {};
+        }
+    }
+    return choices;
+}
+
 Model SchemaWalker::build() {
     ModelBuilder builder;
     for (const std::unique_ptr<Class>& moc : mClasses) {
-        moc->draft.def.choices = std::move(moc->choices).take();
+        moc->draft.def.choices = choicesOf(*moc);
         builder.add(std::move(moc->draft));
     }
     for (ContainmentDraft& containment : mContainments) {

@@ -38,8 +38,8 @@ public:
 private:
     struct Class {
         ClassDraft draft;
-        const lysc_node* first; ///< the place that was found first
-        ChoiceReader choices;
+        const lysc_node* first;                           ///< the place that was found first
+        std::map<const lysc_node*, ChoiceReader> choices; ///< of each place where it is found
     };
 
     void walkTop(const lysc_node* parent, const lys_module* module,
@@ -51,6 +51,7 @@ private:
     void walkActions(const lysc_node* list, Class& moc);
     Class& enterClass(const lysc_node* list);
     Class& addClass(const lysc_node* list);
+    std::vector<ChoiceDef> choicesOf(Class& moc);
     void refuseName(const lysc_node* list, const Class& known);
     void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);

@@ -111,6 +111,19 @@ std::string notesOf(const std::string& text, bool skipsUnknown) {
     return notes;
 }
 
+/// The names of the attributes that a text gives its objects, what is unknown left out.
+std::vector<std::string> attributesBesideUnknown(const std::string& text) {
+    std::vector<std::string> names;
+    InstanceDataReader(siteModel().schema)
+        .skipUnknown()
+        .readText(text, "d", [&names](DataObject&& object, const std::string&) {
+            for (const NamedValue& attribute : object.attributes) {
+                names.push_back(attribute.first);
+            }
+        });
+    return names;
+}
+
 TEST(InstanceDataErrors, WhatTheModelLacks_IsSkippedWithANote) {
     EXPECT_EQ(notesOf(R"({"site:Site": [{"id": "a", "anything": {"x": 1}},
                                         {"id": "b", "anything": {}}],
@@ -134,7 +147,19 @@ TEST(InstanceDataErrors, UnknownData_DoesNotHideWrongValues) {
     EXPECT_THAT(dataErrorOf([] {
                     notesOf(R"({"site:Site": [{"id": "a", "lable": "x", "port": 99}]})", true);
                 }),
-                HasSubstr("Site[id='a']/port"));
+                HasSubstr("the value \"99\" does not fit its type, at /site:Site[id='a']/port"));
+}
+
+TEST(InstanceDataErrors, UnknownDataOfAnyForm_LosesNothingOfWhatStandsBesideIt) {
+    for (const std::string unknown : {R"("x")", R"(["x", "y"])", R"({"a": {"b": [1, 2]}})",
+                                      "[null]", "{}", R"([{"k": 1}, {"k": 2}])"}) {
+        const std::string inside =
+            R"({"site:Site": [{"id": "a", "zzz": )" + unknown + R"(, "port": 8}]})";
+        const std::string outside =
+            R"({"no:top": )" + unknown + R"(, "site:Site": [{"id": "a", "port": 8}]})";
+        EXPECT_THAT(attributesBesideUnknown(inside), testing::ElementsAre("port")) << inside;
+        EXPECT_THAT(attributesBesideUnknown(outside), testing::ElementsAre("port")) << outside;
+    }
 }
 
 TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreReported) {
