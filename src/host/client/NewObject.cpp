@@ -7,20 +7,7 @@
 #include "DnResolver.h"
 #include "MeIdTranslator.h"
 
-#include <cctype>
-
 namespace OrvHost {
-
-namespace {
-
-// The naming attribute of a class, if the model does not have the class.
-std::string usualNamingAttribute(std::string className) {
-    className.front() =
-        static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
-    return className + "Id";
-}
-
-}
 
 NewObject parseNewObject(const Model& model, const std::string& dn) {
     const DnStep step = DnView(dn).last();
@@ -37,7 +24,7 @@ NewObject parseNewObject(const Model& model, const std::string& dn) {
     const auto moc = model.findClass(object.className);
     object.namingAttribute = dot != std::string::npos ? type.substr(dot + 1)
                              : moc                    ? model.classes[*moc].namingAttribute
-                                                      : usualNamingAttribute(object.className);
+                                                      : defaultNamingAttribute(object.className);
     return object;
 }
 

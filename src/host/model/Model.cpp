@@ -6,6 +6,7 @@
 #include "base/DnView.h"
 
 #include <algorithm>
+#include <cctype>
 
 namespace OrvHost {
 
@@ -19,6 +20,12 @@ const Definition* findNamed(const std::vector<Definition>& all, std::string_view
     return found == all.end() ? nullptr : &*found;
 }
 
+}
+
+std::string defaultNamingAttribute(std::string className) {
+    className.front() =
+        static_cast<char>(std::tolower(static_cast<unsigned char>(className.front())));
+    return className + "Id";
 }
 
 const AttributeDef* TypeDef::findMember(std::string_view memberName) const {

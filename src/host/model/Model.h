@@ -27,6 +27,10 @@ using AttributeIndex = std::uint32_t;
 /// name.
 constexpr std::string_view kAnyClassName = "ManagedObject";
 
+/// The name of a naming attribute that needs not be written in a DN: the class's name, its first
+/// letter small, and "Id".
+std::string defaultNamingAttribute(std::string className);
+
 struct AttributeDef;
 
 /// One of the alternatives of a choice.

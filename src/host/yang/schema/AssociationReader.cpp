@@ -4,6 +4,7 @@
 #include "AssociationReader.h"
 
 #include "yang/source/StatementPlacement.h"
+#include "yang/types/TypedefChain.h"
 
 #include <algorithm>
 #include <string_view>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr std::string_view kUniDir = "unidirectional";
 constexpr std::string_view kBiDir = "bidirectional";
+constexpr std::string_view kForeignReference = "DistinguishedName";
 
 /// A statement of orv-associations: name and argument.
 struct Statement {
@@ -55,55 +57,92 @@ bool hasStatement(const lysc_node* node, const std::string& name) {
                        [&name](const Statement& s) { return s.name == name; });
 }
 
+std::string associationsText(const lysc_node* node) {
+    std::string text;
+    for (const Statement& statement : statementsIn(node->exts)) {
+        text += statement.name + " " + statement.argument + ";";
+    }
+    return text;
+}
+
+bool isReferenceByType(const lysc_node* node) {
+    const std::vector<std::string> names = typedefsOf(node);
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return name == std::string(kAssociationsModule) + ":reference" ||
+               withoutPrefix(name) == kForeignReference;
+    });
+}
+
 void AssociationReader::refuse(const SourcePosition& source, const std::string& keyword,
                                const std::string& argument, const std::string& reason) {
     mProblems.push_back({source, keyword + " \"" + argument + "\": " + reason});
 }
 
-std::string AssociationReader::use(const ClassName& name, const SourcePosition& source) {
-    if (!name.module.empty()) {
-        mNamed.push_back({name, source});
+/// The name in the model of the class that a statement means. A class that does not exist is
+/// reported later, where it is used.
+std::string AssociationReader::use(const ClassName& name, const Place& place) {
+    const std::vector<std::string> found = mNames.find(toText(name), place.module);
+    if (found.size() == 1) {
+        return found.front();
+    }
+    if (!found.empty()) {
+        std::string all;
+        for (const std::string& one : found) {
+            all += (all.empty() ? "" : ", ") + one;
+        }
+        mProblems.push_back(
+            {place.source, "\"" + toText(name) + "\" is the name of several classes: " + all});
+        return found.front();
+    }
+    const std::vector<std::string> others = mNames.find(name.name, "");
+    if (!others.empty()) {
+        mProblems.push_back({place.source, "class \"" + name.name + "\" is not of the module \"" +
+                                               name.module + "\" but of \"" +
+                                               mNames.moduleOf(others.front()) + "\""});
+        return others.front();
     }
     return name.name;
 }
 
 void AssociationReader::readModule(const lys_module* module) {
     for (const Statement& statement : associationsIn(module->compiled->exts)) {
-        readModuleStatement(statement.name, statement.argument,
-                            mLocator.of(module, statement.name, statement.argument));
+        readModuleStatement(
+            statement.name, statement.argument,
+            {module->name, mLocator.of(module, statement.name, statement.argument)});
     }
 }
 
 void AssociationReader::readModuleStatement(const std::string& keyword, const std::string& argument,
-                                            const SourcePosition& source) {
+                                            const Place& place) {
     try {
         if (keyword == kUniDir) {
-            add(parseUniDirInModule(argument), source);
+            add(parseUniDirInModule(argument), place);
         } else {
-            add(parseBiDirInModule(argument), source);
+            add(parseBiDirInModule(argument), place);
         }
     } catch (const StatementError& error) {
-        refuse(source, keyword, argument, error.what());
+        refuse(place.source, keyword, argument, error.what());
     }
 }
 
-void AssociationReader::add(const UniDirInModule& statement, const SourcePosition& source) {
-    ReferenceDraft draft(use(statement.owner.moc, source), statement.owner.attribute);
-    draft.to(use(statement.target, source)).at(source);
+void AssociationReader::add(const UniDirInModule& statement, const Place& place) {
+    ReferenceDraft draft(use(statement.owner.moc, place), statement.owner.attribute);
+    draft.to(use(statement.target, place)).at(place.source);
     apply(statement.terms, draft);
     mFromModules.insert({draft.owner, draft.attribute});
     mReferences.push_back(std::move(draft));
 }
 
-void AssociationReader::add(const BiDirInModule& statement, const SourcePosition& source) {
-    const bool isOneAttribute =
-        statement.sides[0].first.moc.name == statement.sides[1].first.moc.name &&
-        statement.sides[0].first.attribute == statement.sides[1].first.attribute;
+void AssociationReader::add(const BiDirInModule& statement, const Place& place) {
+    const std::string classes[] = {use(statement.sides[0].first.moc, place),
+                                   use(statement.sides[1].first.moc, place)};
+    const bool isOneAttribute = classes[0] == classes[1] && statement.sides[0].first.attribute ==
+                                                                statement.sides[1].first.attribute;
     for (std::size_t i = 0; i < (isOneAttribute ? 1 : 2); ++i) {
         const auto& [near, terms] = statement.sides[i];
         const AttributeName& far = statement.sides[1 - i].first;
-        ReferenceDraft draft(use(near.moc, source), near.attribute);
-        draft.to(use(far.moc, source)).pointedBackBy(far.attribute).at(source);
+        ReferenceDraft draft(classes[i], near.attribute);
+        draft.to(classes[1 - i]).pointedBackBy(far.attribute).at(place.source);
         apply(terms, draft);
         mFromModules.insert({draft.owner, draft.attribute});
         mReferences.push_back(std::move(draft));
@@ -114,20 +153,21 @@ void AssociationReader::readAttribute(const lysc_node* node, const std::string& 
     for (const Statement& statement : associationsIn(node->exts)) {
         ReferenceDraft draft(className, node->name);
         draft.at(mLocator.of(node, statement.name, statement.argument));
-        readInAttribute(statement.name, statement.argument, std::move(draft));
+        readInAttribute(statement.name, statement.argument, std::move(draft), node->module->name);
     }
 }
 
 void AssociationReader::readInAttribute(const std::string& keyword, const std::string& argument,
-                                        ReferenceDraft draft) {
+                                        ReferenceDraft draft, const std::string& module) {
+    const Place place{module, draft.source};
     try {
         if (keyword == kUniDir) {
             const UniDirInLeaf statement = parseUniDirInLeaf(argument);
-            draft.to(use(statement.target, draft.source));
+            draft.to(use(statement.target, place));
             apply(statement.terms, draft);
         } else {
             const BiDirInLeaf statement = parseBiDirInLeaf(argument);
-            draft.to(use(statement.opposite.moc, draft.source));
+            draft.to(use(statement.opposite.moc, place));
             draft.pointedBackBy(statement.opposite.attribute);
             apply(statement.terms, draft);
         }
@@ -141,14 +181,15 @@ std::vector<std::string> AssociationReader::readMember(const lysc_node* node) {
     std::vector<std::string> targets;
     for (const Statement& statement : associationsIn(node->exts)) {
         const SourcePosition source = mLocator.of(node, statement.name, statement.argument);
-        targets.push_back(readInMember(statement.name, statement.argument, source));
+        targets.push_back(
+            readInMember(statement.name, statement.argument, {node->module->name, source}));
     }
     targets.erase(std::remove(targets.begin(), targets.end(), ""), targets.end());
     return targets;
 }
 
 std::string AssociationReader::readInMember(const std::string& keyword, const std::string& argument,
-                                            const SourcePosition& source) {
+                                            const Place& place) {
     try {
         if (keyword == kBiDir) {
             throw StatementError(
@@ -161,9 +202,9 @@ std::string AssociationReader::readInMember(const std::string& keyword, const st
                 "in a struct or a parameter only the class is given; mandatory, min-elements and "
                 "max-elements say how many there may be");
         }
-        return use(statement.target, source);
+        return use(statement.target, place);
     } catch (const StatementError& error) {
-        refuse(source, keyword, argument, error.what());
+        refuse(place.source, keyword, argument, error.what());
         return "";
     }
 }
@@ -172,17 +213,7 @@ bool AssociationReader::isReference(const lysc_node* node, const std::string& cl
     return mFromModules.count({className, node->name}) > 0 || !associationsIn(node->exts).empty();
 }
 
-void AssociationReader::addTo(ModelBuilder& builder,
-                              const std::map<std::string, std::set<std::string>>& modulesOf) {
-    for (const Named& named : mNamed) {
-        const auto modules = modulesOf.find(named.moc.name);
-        if (modules != modulesOf.end() && modules->second.count(named.moc.module) == 0) {
-            mProblems.push_back({named.source, "class \"" + named.moc.name +
-                                                   "\" is not of the module \"" + named.moc.module +
-                                                   "\" but of \"" + *modules->second.begin() +
-                                                   "\""});
-        }
-    }
+void AssociationReader::addTo(ModelBuilder& builder) {
     for (ReferenceDraft& reference : mReferences) {
         builder.add(std::move(reference));
     }

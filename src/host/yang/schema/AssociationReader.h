@@ -6,11 +6,11 @@
 
 #include "model/building/ModelBuilder.h"
 #include "yang/schema/AssociationStatement.h"
+#include "yang/schema/ClassNames.h"
 #include "yang/source/SourceLocator.h"
 
 #include <libyang/libyang.h>
 
-#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -22,7 +22,8 @@ namespace OrvHost {
 /// the model. Collects problems until they are asked for.
 class AssociationReader {
 public:
-    explicit AssociationReader(const SourceLocator& locator) : mLocator(locator) {}
+    AssociationReader(const SourceLocator& locator, const ClassNames& names)
+        : mLocator(locator), mNames(names) {}
 
     /// Reads the statements at the level of a module.
     void readModule(const lys_module* module);
@@ -37,10 +38,7 @@ public:
     /// True if a statement in the leaf or in a module makes the leaf a reference.
     bool isReference(const lysc_node* node, const std::string& className) const;
 
-    /// Checks that the classes belong to the modules that the statements name, then adds all
-    /// associations. `modulesOf` gives the modules of each class.
-    void addTo(ModelBuilder& builder,
-               const std::map<std::string, std::set<std::string>>& modulesOf);
+    void addTo(ModelBuilder& builder);
 
     /// Adds a problem that was found with a reference.
     void refuse(const SourcePosition& source, std::string text) {
@@ -50,32 +48,39 @@ public:
     std::vector<Problem> takeProblems() { return std::move(mProblems); }
 
 private:
-    struct Named {
-        ClassName moc;
+    /// A statement's place: the module whose classes its names mean first, and the position.
+    struct Place {
+        std::string module;
         SourcePosition source;
     };
 
     void readModuleStatement(const std::string& keyword, const std::string& argument,
-                             const SourcePosition& source);
-    void add(const UniDirInModule& statement, const SourcePosition& source);
-    void add(const BiDirInModule& statement, const SourcePosition& source);
+                             const Place& place);
+    void add(const UniDirInModule& statement, const Place& place);
+    void add(const BiDirInModule& statement, const Place& place);
     void readInAttribute(const std::string& keyword, const std::string& argument,
-                         ReferenceDraft draft);
+                         ReferenceDraft draft, const std::string& module);
     std::string readInMember(const std::string& keyword, const std::string& argument,
-                             const SourcePosition& source);
-    std::string use(const ClassName& name, const SourcePosition& source);
+                             const Place& place);
+    std::string use(const ClassName& name, const Place& place);
     void refuse(const SourcePosition& source, const std::string& keyword,
                 const std::string& argument, const std::string& reason);
 
     const SourceLocator& mLocator;
+    const ClassNames& mNames;
     std::vector<ReferenceDraft> mReferences;
     std::set<std::pair<std::string, std::string>> mFromModules; // class and attribute
-    std::vector<Named> mNamed;
     std::vector<Problem> mProblems;
 };
 
 /// True if the node has the statement of orv-associations with that name.
 bool hasStatement(const lysc_node* node, const std::string& name);
+
+/// The statements of orv-associations in the node as one text, for comparison.
+std::string associationsText(const lysc_node* node);
+
+/// True if the type of the leaf or leaf-list says that its values are DNs.
+bool isReferenceByType(const lysc_node* node);
 
 }
 

@@ -69,7 +69,7 @@ ClassName parseClass(const std::string& word) {
     ClassName name{hasModule ? word.substr(0, colon) : "",
                    hasModule ? word.substr(colon + 1) : word};
     const bool isWhole = !name.name.empty() && colon != 0;
-    if (!isWhole || name.name.find_first_of(":.<>=") != std::string::npos) {
+    if (!isWhole || name.name.find_first_of(".<>=") != std::string::npos) {
         throw StatementError("CLASS or MODULE:CLASS was expected instead of " + quote(word));
     }
     return name;
@@ -137,6 +137,10 @@ ReferenceTerms parseUniDirTerms(Words& words) {
     return terms;
 }
 
+}
+
+std::string toText(const ClassName& name) {
+    return name.module.empty() ? name.name : name.module + ":" + name.name;
 }
 
 UniDirInLeaf parseUniDirInLeaf(const std::string& argument) {

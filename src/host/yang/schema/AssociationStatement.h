@@ -23,11 +23,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// "Class" or "module:Class".
+/// "Class" or "module:Class". A class can have ":" in its own name: that of the list "Class" in the
+/// list "Parent" may be "Parent:Class", and is taken apart here in the same way.
 struct ClassName {
-    std::string module; ///< empty if only the class is named
+    std::string module; ///< what stands before the first ":"; empty if there is none
     std::string name;
 };
+
+/// The name as the statement has it.
+std::string toText(const ClassName& name);
 
 /// "Class.attribute".
 struct AttributeName {

@@ -16,8 +16,6 @@
 namespace OrvHost {
 namespace {
 
-constexpr std::string_view kForeignReference = "DistinguishedName";
-
 std::int64_t upperOf(std::uint32_t max) {
     return max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(max);
 }
@@ -57,14 +55,6 @@ Bounds boundsOf(const lysc_node* node) {
                                  ? needsContainer(node)
                                  : (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
     return {isMandatory ? 1 : 0, 1};
-}
-
-bool isReferenceByType(const lysc_node* node) {
-    const std::vector<std::string> names = typedefsOf(node);
-    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
-        return name == std::string(kAssociationsModule) + ":reference" ||
-               withoutPrefix(name) == kForeignReference;
-    });
 }
 
 std::vector<Value> defaultsOf(const lysc_node* node, ValueKind kind) {

@@ -3,38 +3,16 @@
 
 #include "SchemaWalker.h"
 
+#include "yang/schema/ClassNodes.h"
 #include "yang/source/StatementPlacement.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 namespace OrvHost {
 namespace {
-
-constexpr std::string_view kTransparent = "attributes";
-
-const lysc_node* keyOf(const lysc_node* list) {
-    const lysc_node* child = lysc_node_child(list);
-    return child != nullptr && lysc_is_key(child) ? child : nullptr;
-}
-
-bool hasOneKey(const lysc_node* list) {
-    const lysc_node* key = keyOf(list);
-    return key != nullptr && (key->next == nullptr || !lysc_is_key(key->next));
-}
-
-/// A list with several keys has no single attribute that names its entries, so these are not
-/// objects.
-bool isClass(const lysc_node* node) {
-    return node->nodetype == LYS_LIST && hasOneKey(node) && !hasStatement(node, "struct");
-}
-
-bool isTransparentInClass(const lysc_node* node) {
-    return node->nodetype == LYS_CONTAINER && node->name == kTransparent &&
-           (node->flags & LYS_PRESENCE) == 0;
-}
 
 Bounds instancesOf(const lysc_node* list) {
     const auto* node = reinterpret_cast<const lysc_node_list*>(list);
@@ -42,10 +20,6 @@ Bounds instancesOf(const lysc_node* list) {
     const bool isState = (list->flags & LYS_CONFIG_R) != 0;
     const std::int64_t lower = isState || isConditional(list) ? 0 : node->min;
     return {lower, node->max == UINT32_MAX ? kUnbounded : static_cast<std::int64_t>(node->max)};
-}
-
-bool isCallable(const lysc_node* node) {
-    return (node->nodetype & (LYS_RPC | LYS_ACTION)) != 0;
 }
 
 }
@@ -57,7 +31,8 @@ SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, ModuleFin
       mLocator(finder),
       mSchema(schema),
       mNotes(notes),
-      mAssociations(mLocator),
+      mNames(mLocator, notes),
+      mAssociations(mLocator, mNames),
       mIdentities(finder),
       mAttributes(mContext, mLocator, mAssociations, mIdentities, mNotes) {}
 
@@ -68,6 +43,7 @@ void SchemaWalker::walk() {
             mProblems.push_back(std::move(problem));
         }
     }
+    mNames.collect(modules);
     // The modules' own statements about attributes must be known before the attributes are read.
     for (const lys_module* module : modules) {
         mAssociations.readModule(module);
@@ -98,18 +74,11 @@ void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
 }
 
 SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
-    const auto known = mClassByName.find(list->name);
+    const auto known = mClassByName.find(mNames.of(list));
     if (known == mClassByName.end()) {
         return addClass(list);
     }
     Class& moc = *known->second;
-    // A grouping that several modules use makes one class, although each module has its own copy.
-    const bool isSame = moc.first->module == list->module || moc.first->priv == list->priv;
-    if (!isSame) {
-        refuseName(list, moc);
-        return *mRefused.back();
-    }
-    mModulesOf[list->name].insert(list->module->name);
     const Bounds more = instancesOf(list);
     Bounds& instances = moc.draft.def.instances;
     instances = {std::min(instances.lower, more.lower), std::max(instances.upper, more.upper)};
@@ -117,26 +86,17 @@ SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
 }
 
 SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
+    const std::string& name = mNames.of(list);
     const Bounds instances = instancesOf(list);
-    ClassDraft draft(list->name);
+    ClassDraft draft(name);
     draft.instances(instances.lower, instances.upper)
         .described(list->dsc != nullptr ? list->dsc : "")
         .at(mLocator.of(list));
-    draft.def.namingAttribute = keyOf(list)->name;
-    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), list, {}}));
-    mClassByName.emplace(list->name, mClasses.back().get());
-    mModulesOf[list->name].insert(list->module->name);
+    draft.def.namingAttribute =
+        mNames.isRenamed(list) ? defaultNamingAttribute(name) : keyOf(list)->name;
+    mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), {}}));
+    mClassByName.emplace(name, mClasses.back().get());
     return *mClasses.back();
-}
-
-void SchemaWalker::refuseName(const lysc_node* list, const Class& known) {
-    mProblems.push_back(
-        {mLocator.of(list), "class \"" + std::string(list->name) + "\" of module \"" +
-                                list->module->name + "\" has the name of a class of module \"" +
-                                known.first->module->name +
-                                "\"; the steps of a DN name a class by its name alone, so it must "
-                                "be the only one"});
-    mRefused.push_back(std::make_unique<Class>(Class{ClassDraft(list->name), list, {}}));
 }
 
 void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
@@ -146,10 +106,10 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     if (parent == nullptr) {
         moc.draft.topLevel();
     } else {
-        mContainments.push_back({parent->className, list->name, mLocator.of(list)});
+        mContainments.push_back({parent->className, moc.draft.def.name, mLocator.of(list)});
     }
     ObjectShape shape;
-    shape.className = list->name;
+    shape.className = moc.draft.def.name;
     shape.list = list;
     shape.key = keyOf(list);
     shape.wrappers = wrappers;
@@ -185,6 +145,9 @@ void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper,
                      [node](const AttributeDraft& known) { return known.def.name == node->name; });
     std::optional<AttributeReader::Attribute> attribute =
         mAttributes.readAttribute(node, moc.draft.def.name, isFirst);
+    if (attribute && node == shape.key) {
+        attribute->draft.def.name = moc.draft.def.namingAttribute;
+    }
     if (attribute) {
         uniteAttribute(std::move(*attribute), wrapper, moc, shape);
     }
@@ -197,7 +160,7 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
     const auto known =
         std::find_if(attributes.begin(), attributes.end(),
                      [&name](const AttributeDraft& other) { return other.def.name == name; });
-    const bool isHere = name == shape.key->name && attribute.shape.node != shape.key;
+    const bool isHere = name == moc.draft.def.namingAttribute && attribute.shape.node != shape.key;
     const auto twice =
         std::find_if(shape.attributes.begin(), shape.attributes.end(),
                      [&name](const ValueShape& other) { return other.name == name; });
@@ -275,13 +238,13 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
 // An object does not show at which of several places its class was found. Where they differ, a rule
 // of one of them could make objects of another one impossible.
 std::vector<ChoiceDef> SchemaWalker::choicesOf(Class& moc) {
-    std::vector<ChoiceDef> choices = std::move(moc.choices.at(moc.first)).take();
-    for (auto& [list, reader] : moc.choices) {
-        if (list != moc.first && std::move(reader).take() != choices) {
+    std::vector<ChoiceDef> choices = std::move(moc.choices.begin()->second).take();
+    for (auto place = std::next(moc.choices.begin()); place != moc.choices.end(); ++place) {
+        if (std::move(place->second).take() != choices) {
             mNotes.add(moc.draft.def.source,
                        "class \"" + moc.draft.def.name +
                            "\" is found at several places with different choices, for example at " +
-                           pathOf(list) + "; its choices are not checked");
+                           pathOf(place->first) + "; its choices are not checked");
             return {};
         }
     }
@@ -298,7 +261,7 @@ Model SchemaWalker::build() {
         builder.contain(std::move(containment.parent), std::move(containment.child),
                         std::move(containment.source));
     }
-    mAssociations.addTo(builder, mModulesOf);
+    mAssociations.addTo(builder);
     for (Problem& problem : mAssociations.takeProblems()) {
         mProblems.push_back(std::move(problem));
     }

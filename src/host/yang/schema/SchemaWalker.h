@@ -8,6 +8,7 @@
 #include "yang/schema/AssociationReader.h"
 #include "yang/schema/AttributeReader.h"
 #include "yang/schema/ChoiceReader.h"
+#include "yang/schema/ClassNames.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
 #include "yang/source/IdentitySearch.h"
@@ -16,7 +17,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -38,7 +38,6 @@ public:
 private:
     struct Class {
         ClassDraft draft;
-        const lysc_node* first;                           ///< the place that was found first
         std::map<const lysc_node*, ChoiceReader> choices; ///< of each place where it is found
     };
 
@@ -52,7 +51,6 @@ private:
     Class& enterClass(const lysc_node* list);
     Class& addClass(const lysc_node* list);
     std::vector<ChoiceDef> choicesOf(Class& moc);
-    void refuseName(const lysc_node* list, const Class& known);
     void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
@@ -66,13 +64,12 @@ private:
     SourceLocator mLocator;
     YangSchema& mSchema;
     ModelNotes& mNotes;
+    ClassNames mNames;
     AssociationReader mAssociations;
     IdentitySearch mIdentities;
     AttributeReader mAttributes;
     std::vector<std::unique_ptr<Class>> mClasses;
-    std::vector<std::unique_ptr<Class>> mRefused; ///< lists with the name of another class
     std::map<std::string, Class*> mClassByName;
-    std::map<std::string, std::set<std::string>> mModulesOf;
     std::vector<ContainmentDraft> mContainments;
     std::vector<Problem> mProblems;
 };

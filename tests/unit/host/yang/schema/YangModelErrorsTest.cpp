@@ -143,13 +143,6 @@ TEST(YangModelErrors, SeveralModules_TellAllTheirErrors) {
     EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << error; // each once
 }
 
-TEST(YangModelErrors, OneClassNameInTwoModules_IsReportedWithBoth) {
-    const std::string error = errorOf({"plain", "same-class"});
-    EXPECT_THAT(error, AllOf(HasSubstr("same-class.yang:8: "), HasSubstr("\"Site\""),
-                             HasSubstr("\"plain\"")));
-    EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 0) << error;
-}
-
 TEST(YangModelErrors, Associations_TellEachMistakeWithItsLine) {
     const std::string error = errorOf({"associations"});
     const std::pair<int, const char*> expected[] = {
