@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "Program.h"
+#include "Terminal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -115,6 +116,124 @@ TEST_F(OrvhostModelsTest, UnknownData_IsRefusedOrSkipped) {
     const ProgramResult skipped = run({"--skip-unknown", "-c", "exists Mast=1"}, data);
     EXPECT_EQ(skipped.status, 0);
     EXPECT_THAT(skipped.err, HasSubstr("no loaded module knows /m:Mast/lable: it is skipped"));
+}
+
+class OrvhostClassNamesTest : public testing::Test {
+protected:
+    ProgramResult run(const std::vector<std::string>& commands) const {
+        std::vector<std::string> options = this->options();
+        for (const std::string& command : commands) {
+            options.insert(options.end(), {"-c", command});
+        }
+        return runOrvhost(options);
+    }
+
+    /// Two modules that have a list of the same name in one class, with references between
+    /// them.
+    std::vector<std::string> options() const {
+        return {"-m",
+                mDirectory.file("radio.yang", R"(module radio {
+  namespace "urn:radio"; prefix r;
+  import orv-associations { prefix orv; }
+  list ManagedElement {
+    key managedElementId;
+    leaf managedElementId { type string; }
+    list Cell {
+      key id;
+      leaf id { type string; }
+      leaf-list sliceRef {
+        type orv:reference;
+        orv:bidirectional "core:Cell.radioRef 0..2";
+      }
+    }
+  }
+})"),
+                "-m",
+                mDirectory.file("core.yang", R"(module core {
+  namespace "urn:core"; prefix c;
+  import radio { prefix r; }
+  import orv-associations { prefix orv; }
+  augment /r:ManagedElement {
+    list Cell {
+      key name;
+      leaf name { type string; }
+      leaf size { type uint8; }
+      leaf radioRef { type orv:reference; orv:bidirectional "radio:Cell.sliceRef 0..1"; }
+    }
+  }
+})"),
+                "-d",
+                mDirectory.file("all.json", R"({"radio:ManagedElement": [{
+  "managedElementId": "1",
+  "Cell": [{"id": "a", "sliceRef": ["ManagedElement=1,core:Cell=a"]}],
+  "core:Cell": [{"name": "a", "size": 3, "radioRef": "ManagedElement=1,radio:Cell=a"}]
+}]})"),
+                "--me-id",
+                "east"};
+    }
+
+    const TemporaryDirectory mDirectory;
+};
+
+TEST_F(OrvhostClassNamesTest, Dns_NameTheModuleOfAClass) {
+    const ProgramResult result =
+        run({"get ManagedElement=east,core:Cell=a", "tree ManagedElement=east",
+             "ls ManagedElement=east radio:Cell", "count ManagedElement=east"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("core:CellId  a\n"));
+    EXPECT_THAT(result.out, HasSubstr("ManagedElement=east,radio:Cell=a\n"));
+    EXPECT_THAT(result.out, HasSubstr("── core:Cell=a"));
+    EXPECT_THAT(result.out, HasSubstr("radio:Cell  1\n"));
+}
+
+TEST_F(OrvhostClassNamesTest, NewObjects_GetBackPointersWithPlainSteps) {
+    const ProgramResult result =
+        run({"begin", "create ManagedElement=east,radio:Cell=b",
+             "create ManagedElement=east,core:Cell=b radioRef=ManagedElement=east,radio:Cell=b",
+             "validate", "commit", "get ManagedElement=east,radio:Cell=b sliceRef",
+             "delete ManagedElement=east,core:Cell=b",
+             "get ManagedElement=east,radio:Cell=b sliceRef"});
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nManagedElement=east,core:Cell=b\n"));
+    EXPECT_THAT(result.out, testing::Not(HasSubstr("Id=")));
+}
+
+TEST_F(OrvhostClassNamesTest, BareName_IsAnsweredWithTheClassesThatHaveIt) {
+    for (const std::string command :
+         {"get ManagedElement=east,Cell=a", "ls ManagedElement=east Cell",
+          "create ManagedElement=east,Cell=c", "delete ManagedElement=east,Cell=a",
+          "set ManagedElement=east,Cell=a size=3", "model Cell", "graph --classes Cell"}) {
+        const ProgramResult result = run({command});
+        EXPECT_NE(result.status, 0) << command;
+        EXPECT_THAT(result.out + result.err,
+                    HasSubstr("there is no class Cell, but radio:Cell, core:Cell"))
+            << command;
+    }
+}
+
+TEST_F(OrvhostClassNamesTest, Tab_CompletesTheNames) {
+    std::vector<std::string> arguments = options();
+    arguments.insert(arguments.end(), {"--history", (mDirectory.path() / "history").string()});
+    Terminal terminal(arguments);
+    ASSERT_TRUE(terminal.waitFor("orvhost> ")) << terminal.seen();
+    terminal.type("get ManagedElement=east,co\t");
+    ASSERT_TRUE(terminal.waitFor("re:Cell=")) << terminal.seen();
+    terminal.type("\t");
+    ASSERT_TRUE(terminal.waitFor("a ")) << terminal.seen();
+    terminal.type("core:\t");
+    ASSERT_TRUE(terminal.waitFor("CellId")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("\na\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("orvhost> "));
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostClassNamesTest, Graphs_ShowTheNames) {
+    const ProgramResult result = run({"graph --classes --dot", "graph ManagedElement=east --dot"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("label=\"core:Cell\""));
+    EXPECT_THAT(result.out, HasSubstr("core:Cell=a"));
 }
 
 }

@@ -26,8 +26,8 @@ LOAD_FAILED = 3 # the exit status of orvhost
 # The sets: name, further directories to search, and the least share of modules that is taken.
 KNOWN_SETS = {
     "3gpp": ([], 1.0),
-    "ietf": ([], 0.86),
-    "openconfig": (["ietf"], 0.75),
+    "ietf": ([], 0.92),
+    "openconfig": (["ietf"], 1.0),
 }
 
 # What differs from one message of a kind to the next.

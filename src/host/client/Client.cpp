@@ -169,14 +169,6 @@ void Client::check(OrvReturnT code, OperationSubject subject) {
     }
 }
 
-std::vector<std::string> classNames(const Model& model) {
-    std::vector<std::string> names;
-    for (const ClassDef& moc : model.classes) {
-        names.push_back(moc.name);
-    }
-    return names;
-}
-
 std::vector<std::string> attributeNames(const ClassDef& moc) {
     std::vector<std::string> names;
     for (const AttributeDef& attribute : moc.attributes) {

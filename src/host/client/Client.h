@@ -110,9 +110,6 @@ private:
     const CancellationToken* mToken = nullptr;
 };
 
-/// The names of all classes, in the order of their definition.
-std::vector<std::string> classNames(const Model& model);
-
 /// The names of a class's attributes, in the order of their definition.
 std::vector<std::string> attributeNames(const ClassDef& moc);
 

@@ -11,6 +11,14 @@
 
 namespace OrvHost {
 
+std::vector<std::string> classNames(const Model& model) {
+    std::vector<std::string> names;
+    for (const ClassDef& moc : model.classes) {
+        names.push_back(moc.name);
+    }
+    return names;
+}
+
 bool isNamingStep(const DnStep& step) {
     return step.isValid() && Orv::DnUtil::validateMoNamingAttr(std::string(step.value()).c_str());
 }
@@ -80,7 +88,7 @@ std::string DnResolver::whyNotUnder(const ClassDef* parent, const std::string& c
     const std::string where = parent != nullptr ? "under " + parent->name : "at the top level";
     const bool isKnown = mModel.findClass(className).has_value();
     return (isKnown ? "objects of class " + className + " do not stand " + where
-                    : "there is no class " + className) +
+                    : noClass(className, classNames(mModel))) +
            "; classes " + where + ": " + enumerate(expected) + "." +
            didYouMean(className, expected);
 }

@@ -44,6 +44,9 @@ private:
     const Model& mModel;
 };
 
+/// The names of all classes, in the order of the model.
+std::vector<std::string> classNames(const Model& model);
+
 /// True for Class=value with a value that can name an object.
 bool isNamingStep(const DnStep& step);
 

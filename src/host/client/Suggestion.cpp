@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <iterator>
 #include <numeric>
+#include <string_view>
 
 namespace OrvHost {
 
@@ -54,8 +56,30 @@ std::string closest(const std::string& word, const std::vector<std::string>& can
     return found;
 }
 
+std::vector<std::string> namesakes(const std::string& word,
+                                   const std::vector<std::string>& candidates) {
+    const auto bareName = [](const std::string& name) {
+        return std::string_view(name).substr(name.rfind(':') + 1);
+    };
+    std::vector<std::string> found;
+    std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(found),
+                 [&](const std::string& candidate) {
+                     return candidate != word && bareName(candidate) == bareName(word);
+                 });
+    return found;
+}
+
+std::string noClass(const std::string& name, const std::vector<std::string>& classes) {
+    const std::vector<std::string> others = namesakes(name, classes);
+    return "there is no class " + name + (others.empty() ? "" : ", but " + enumerate(others));
+}
+
 std::string didYouMean(const std::string& word, const std::vector<std::string>& candidates) {
-    const std::string found = closest(word, candidates);
+    const std::vector<std::string> others = namesakes(word, candidates);
+    if (others.size() > 1) {
+        return {};
+    }
+    const std::string found = others.empty() ? closest(word, candidates) : others.front();
     return found.empty() ? std::string() : " Did you mean " + found + "?";
 }
 

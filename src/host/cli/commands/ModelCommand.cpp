@@ -8,6 +8,7 @@
 #include "cli/output/AlignedText.h"
 #include "cli/output/ClassReport.h"
 #include "cli/session/Session.h"
+#include "client/DnResolver.h"
 #include "client/OfferedModel.h"
 #include "client/Suggestion.h"
 

@@ -8,7 +8,7 @@
 namespace OrvHost {
 
 AnswerError unknownClass(const std::string& name, const std::vector<std::string>& classes) {
-    return AnswerError("there is no class " + name + "." + didYouMean(name, classes) +
+    return AnswerError(noClass(name, classes) + "." + didYouMean(name, classes) +
                        " Classes: " + enumerate(classes));
 }
 

@@ -133,8 +133,9 @@ void ClassNames::noteMerge(const lysc_node* list, const Class& moc, bool isOneSt
                          " are one class, since they have one name and look the same",
                      mLocator.of(list), pathOf(list));
     } else if (shapeOf(list) != shapeOf(moc.first())) {
-        mNotes.count("this list is one class with " + pathOf(moc.first()) +
-                         ", where it has other contents: objects can have both",
+        mNotes.count("this list and " + pathOf(moc.first()) +
+                         " come from one statement and are one class, although they differ: "
+                         "objects can have what either has",
                      mLocator.of(list), pathOf(list));
     }
 }

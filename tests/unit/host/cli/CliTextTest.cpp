@@ -71,6 +71,16 @@ TEST(SuggestionTest, Closest_NearAndFar_FindsOnlyTheNear) {
     EXPECT_EQ(closest("a", {"b"}), "");
 }
 
+TEST(SuggestionTest, NoClass_WithNamesakes_NamesThemAndGuessesNothingElse) {
+    const std::vector<std::string> classes{"a:Cell", "b:Cell", "Mast", "Site:Port", "Cello"};
+    EXPECT_EQ(noClass("Cell", classes), "there is no class Cell, but a:Cell, b:Cell");
+    EXPECT_EQ(didYouMean("Cell", classes), "");
+    EXPECT_EQ(noClass("a:Mast", classes), "there is no class a:Mast, but Mast");
+    EXPECT_EQ(didYouMean("Port", classes), " Did you mean Site:Port?");
+    EXPECT_EQ(noClass("Tree", classes), "there is no class Tree");
+    EXPECT_EQ(didYouMean("Mats", classes), " Did you mean Mast?");
+}
+
 TEST(SuggestionTest, Enumerate_ManyNames_CutsAndCountsTheRest) {
     EXPECT_EQ(enumerate({}), "none");
     EXPECT_EQ(enumerate({"a", "b"}), "a, b");

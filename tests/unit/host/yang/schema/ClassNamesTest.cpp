@@ -191,10 +191,10 @@ TEST(ClassNames, OneGroupingWithOtherContents_IsOneClassWithANote) {
                               listOf("Tower", "uses g;") +
                               "augment /m:Tower/m:Cell { leaf depth { type uint8; } }"}});
     EXPECT_THAT(classesOf(model), ElementsAre("Mast", "Cell", "Tower"));
-    EXPECT_THAT(
-        notesOf(model),
-        ElementsAre("m.yang:2: this list is one class with /m:Mast/Cell, where it has other "
-                    "contents: objects can have both: at /m:Tower/Cell"));
+    EXPECT_THAT(notesOf(model),
+                ElementsAre("m.yang:2: this list and /m:Mast/Cell come from one statement and are "
+                            "one class, although they differ: objects can have what either has: at "
+                            "/m:Tower/Cell"));
 }
 
 TEST(ClassNames, Dots_BecomeUnderscoresWithANote) {
