@@ -57,7 +57,7 @@ std::string detailsText(const lysc_node* node, bool isInClass) {
     }
     case LYS_LIST: {
         if (isInClass && isClass(node)) {
-            return "class";
+            return "class" + contentsText(node, true);
         }
         const auto* list = reinterpret_cast<const lysc_node_list*>(node);
         return boundsText(list->min, list->max) + contentsText(node, false);

@@ -11,7 +11,7 @@
 namespace OrvHost {
 
 /// A text that is equal for two lists if, and only if, one class can stand for both: the same key,
-/// attributes, actions and names of child classes, in any order. Types are compared with their
+/// attributes, actions and child classes, in any order. Types are compared with their
 /// ranges, lengths, patterns and names. For comparison only, not for people.
 std::string shapeTextOf(const lysc_node* list);
 

@@ -113,8 +113,8 @@ TEST(ClassNames, EqualParents_AreToldApartByMoreAncestors) {
     const std::string small = listOf("Mast", listOf("Cell", "leaf a { type int8; }"));
     const std::string large = listOf("Mast", listOf("Cell", "leaf b { type int8; }"));
     const YangModel model = modelOfAll({{"m", listOf("Site", small) + listOf("Ship", large)}});
-    EXPECT_THAT(classesOf(model),
-                UnorderedElementsAre("Site", "Mast", "Site:Mast:Cell", "Ship", "Ship:Mast:Cell"));
+    EXPECT_THAT(classesOf(model), UnorderedElementsAre("Site", "Site:Mast", "Site:Mast:Cell",
+                                                       "Ship", "Ship:Mast", "Ship:Mast:Cell"));
 }
 
 TEST(ClassNames, EqualParentsInTwoModules_AreToldApartByTheModuleToo) {
@@ -175,6 +175,14 @@ TEST(ClassNames, PatternsAndNames_AreDifferencesToo) {
         EXPECT_THAT(classesOf(model), ElementsAre("Mast", "Mast:Cell", "Tower", "Tower:Cell"))
             << second;
     }
+}
+
+TEST(ClassNames, ChildClassesThatDiffer_MakeTwoClassesOfTheirParentsToo) {
+    const std::string first = listOf("Cell", listOf("Port", "leaf a { type int8; }"));
+    const std::string second = listOf("Cell", listOf("Gate", "leaf a { type int8; }"));
+    const YangModel model = modelOfAll({{"m", listOf("Mast", first) + listOf("Tower", second)}});
+    EXPECT_THAT(classesOf(model),
+                ElementsAre("Mast", "Mast:Cell", "Port", "Tower", "Tower:Cell", "Gate"));
 }
 
 TEST(ClassNames, OneGrouping_MakesOneClassInAllModules) {
