@@ -8,9 +8,9 @@
 #                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
 #                          threads under ThreadSanitizer; the linter on the parts that a host loads
 #                          and on what changed; the API reference; the binary interface against
-#                          its baseline; the coverage of the component by its own tests, with its
-#                          limit; the build of packagers, with g++ (scripts/release-builds.sh has
-#                          the other ones)
+#                          its baseline; the build of packagers, with g++
+#                          (scripts/release-builds.sh has the other ones)
+# Not in it: scripts/coverage.sh.
 #
 # ORV_LINT_BASE   the commit since which sources count as changed for the linter
 
@@ -54,7 +54,6 @@ if [ "$mode" = all ]; then
   step "binary interface"
   quietly build/release/configure.log cmake --preset release
   build --preset release --target abi_check
-  scripts/coverage.sh
   scripts/release-builds.sh Release g++
 fi
 step "all green"
