@@ -12,6 +12,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # When it optimises, it reports the standard library's own code, wherever texts are joined and
   # records are moved. Other compilers, and the debug builds of this one, still warn.
   target_compile_options(orv_compile_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds>
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-stringop-overflow>
     $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>
     $<$<NOT:$<CONFIG:Debug>>:-Wno-maybe-uninitialized>)
 endif()
