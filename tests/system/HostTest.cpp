@@ -45,6 +45,13 @@ protected:
         ASSERT_THAT(data.moveInto(host.store()), IsEmpty());
     }
 
+    /// With the component.
+    static void startWithData(Host& host) {
+        load(host);
+        host.loadComponent(EXT_CM_PATH);
+        host.start();
+    }
+
     static HostOptions knownAs(const std::string& identity) {
         HostOptions options;
         options.preferredIdentity = identity;
@@ -70,9 +77,7 @@ TEST_F(HostTest, Start_WithTheComponent_OffersItsFiveInterfaces) {
 
 TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
     Host host(mModel, knownAs("east"));
-    load(host);
-    host.loadComponent(EXT_CM_PATH);
-    host.start();
+    startWithData(host);
     Client client(host);
     const Host::ReadTransaction transaction(host);
     EXPECT_TRUE(client.exists(transaction.handle(), "ManagedElement=east,Mast=a"));
@@ -86,9 +91,7 @@ TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
 
 TEST_F(HostTest, Children_InSingleSteps_ComeInEachVersion) {
     Host host(mModel, knownAs("east"));
-    load(host);
-    host.loadComponent(EXT_CM_PATH);
-    host.start();
+    startWithData(host);
     Clients clients(host);
     for (const std::string& version : Clients::versions()) {
         clients.choose(version);
@@ -103,9 +106,7 @@ TEST_F(HostTest, Children_InSingleSteps_ComeInEachVersion) {
 
 TEST_F(HostTest, Iterator_Closed_IsUnknown) {
     Host host(mModel, knownAs("east"));
-    load(host);
-    host.loadComponent(EXT_CM_PATH);
-    host.start();
+    startWithData(host);
     Client client(host);
     const Host::ReadTransaction transaction(host);
     const ChildIterator iterator =
@@ -117,9 +118,7 @@ TEST_F(HostTest, Iterator_Closed_IsUnknown) {
 
 TEST_F(HostTest, Iterator_AfterItsTransaction_IsUnknown) {
     Host host(mModel, knownAs("east"));
-    load(host);
-    host.loadComponent(EXT_CM_PATH);
-    host.start();
+    startWithData(host);
     Clients clients(host);
     for (const std::string& version : Clients::versions()) {
         clients.choose(version);
@@ -183,9 +182,7 @@ TEST_F(HostTest, Watch_CommitWithAnAssociation_ShowsTheBackPointerThatFollowed) 
 
 TEST_F(HostTest, Shutdown_WithTransactionsOpen_EndsThemFirst) {
     Host host(mModel);
-    load(host);
-    host.loadComponent(EXT_CM_PATH);
-    host.start();
+    startWithData(host);
     Client client(host);
     client.openChildren(host.transactions().begin(), "ManagedElement=1", "Mast");
     EXPECT_EQ(host.transactions().openCount(), 1u);
@@ -245,9 +242,7 @@ TEST_F(HostTest, Interceptor_WithoutTheComponent_IsNotStarted) {
 TEST_F(HostTest, Host_OneAfterTheOther_BothWork) {
     for (const char* identity : {"east", "west"}) {
         Host host(mModel, knownAs(identity));
-        load(host);
-        host.loadComponent(EXT_CM_PATH);
-        host.start();
+        startWithData(host);
         Client client(host);
         const Host::ReadTransaction transaction(host);
         EXPECT_TRUE(client.exists(transaction.handle(), std::string("ManagedElement=") + identity));

@@ -113,7 +113,7 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     shape.list = list;
     shape.key = keyOf(list);
     shape.wrappers = wrappers;
-    moc.choices.try_emplace(list);
+    moc.places.push_back({list, {}});
     ObjectShape& added = mSchema.addObject(parent, std::move(shape));
     walkContents(list, nullptr, moc, added);
     walkActions(list, moc);
@@ -180,7 +180,9 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
     }
     AttributeDef& def = attribute.draft.def;
     def.isConditional = def.isConditional || (wrapper != nullptr && isConditional(wrapper));
-    moc.choices[shape.list].add(attribute.shape.node, def);
+    const auto place = std::find_if(moc.places.rbegin(), moc.places.rend(),
+                                    [&](const Place& one) { return one.list == shape.list; });
+    place->choices.add(attribute.shape.node, def);
     if (known == attributes.end()) {
         attributes.push_back(std::move(attribute.draft));
     } else {
@@ -238,13 +240,13 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
 // An object does not show at which of several places its class was found. Where they differ, a rule
 // of one of them could make objects of another one impossible.
 std::vector<ChoiceDef> SchemaWalker::choicesOf(Class& moc) {
-    std::vector<ChoiceDef> choices = std::move(moc.choices.begin()->second).take();
-    for (auto place = std::next(moc.choices.begin()); place != moc.choices.end(); ++place) {
-        if (std::move(place->second).take() != choices) {
+    std::vector<ChoiceDef> choices = std::move(moc.places.front().choices).take();
+    for (auto place = std::next(moc.places.begin()); place != moc.places.end(); ++place) {
+        if (std::move(place->choices).take() != choices) {
             mNotes.add(moc.draft.def.source,
                        "class \"" + moc.draft.def.name +
                            "\" is found at several places with different choices, for example at " +
-                           pathOf(place->first) + "; its choices are not checked");
+                           pathOf(place->list) + "; its choices are not checked");
             return {};
         }
     }

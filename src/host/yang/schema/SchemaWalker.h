@@ -36,9 +36,14 @@ public:
     Model build();
 
 private:
+    struct Place {
+        const lysc_node* list;
+        ChoiceReader choices;
+    };
+
     struct Class {
         ClassDraft draft;
-        std::map<const lysc_node*, ChoiceReader> choices; ///< of each place where it is found
+        std::vector<Place> places; ///< where it is found, in order
     };
 
     void walkTop(const lysc_node* parent, const lys_module* module,
