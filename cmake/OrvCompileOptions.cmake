@@ -14,6 +14,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(orv_compile_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds>
     $<$<NOT:$<CONFIG:Debug>>:-Wno-stringop-overflow>
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-stringop-overread>
     $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>
     $<$<NOT:$<CONFIG:Debug>>:-Wno-maybe-uninitialized>)
 endif()
