@@ -65,6 +65,14 @@ protected:
 // ---------------------------------------------------------------------------------------------
 // The rules and their messages
 
+TEST_F(BackPointerVerdicts, AttributeThatIsNoReferenceInTheModel_ItsClassesAreNotJudged) {
+    modelOfXAndY();
+    host.model().moc("X").attribute("label");
+    host.start();
+    write("X=1", "label", {"X=2"});
+    expectValid();
+}
+
 TEST_F(BackPointerVerdicts, NothingButATextWritten_IsValidWithoutARead) {
     modelOfXAndY();
     host.start();

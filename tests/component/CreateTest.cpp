@@ -187,6 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
         Naming{"Parent=1", "unit", "unitId", "Parent=1,unit=9", "Parent=1,unit=9"},
         Naming{"Parent=1", "Unit", "UnitId", "Parent=1,Unit.UnitId=9", "Parent=1,Unit=9"},
         Naming{"Parent=1", "Unit", "unitI", "Parent=1,Unit.unitI=9", "Parent=1,Unit=9"},
+        Naming{"Parent=1", "Unit", "Id", "Parent=1,Unit.Id=9", "Parent=1,Unit=9"},
         Naming{"Parent=1", "Unit", "unitId2", "Parent=1,Unit.unitId2=9", "Parent=1,Unit=9"},
         Naming{kRoot, "Unit", "unitId", "ManagedElement=1,Unit=9", "ManagedElement=1,Unit=9"},
         Naming{"", "Unit", "unitId", ",Unit=9", ",Unit=9"},

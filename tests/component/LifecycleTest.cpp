@@ -90,6 +90,14 @@ TEST(Init, NoPortal_IsRefused) {
     EXPECT_THAT(host.calls(), IsEmpty());
 }
 
+TEST(Init, NoAccessor_IsRefused) {
+    Host host;
+    host.load();
+    EXPECT_EQ(host.initWithoutAccessor(), OrvFailure);
+    EXPECT_THAT(host.calls(), IsEmpty());
+    EXPECT_EQ(host.init(), OrvOk);
+}
+
 TEST(Init, RefusedAfterASuccess_TheRecordIsUntouchedAndNothingRegisteredAgain) {
     Host host;
     host.load();

@@ -210,6 +210,23 @@ TEST_F(Locks, Stop_TheRegistrysLockIsNotTaken) {
                             "lock references", "unlock references"));
 }
 
+// What is living then has lost its router.
+TEST_F(Locks, StopThatFailsAtTheLastService_AnOpenIteratorIsNotServed) {
+    const auto iterator = open(1);
+    steps.clear();
+    EXPECT_EQ(host.stopComponent(), OrvOk);
+    const pthread_mutex_t* const lastService = steps.at(4).mutex;
+    EXPECT_EQ(host.startComponent(), OrvOk);
+    EXPECT_EQ(client().next(iterator).code, OrvNotActive) << "ended with the first stop";
+    const auto living = open(2);
+    failing = lastService;
+    EXPECT_EQ(host.stopComponent(), OrvFailure);
+    EXPECT_EQ(failing, nullptr) << "the lock was not reached";
+    host.forget();
+    EXPECT_EQ(client().next(living).code, OrvNotActive);
+    EXPECT_THAT(host.calls(), IsEmpty());
+}
+
 // The validator of back-pointers is stopped by then: it judges nothing, and says why.
 TEST_F(Locks, StopThatFailsAtTheReferences_BackPointersAreNoLongerJudged) {
     EXPECT_EQ(client().set(1, unit("7"), "cells", refs({cell("1")})), OrvOk);

@@ -145,9 +145,8 @@ OrvReturnT MoImpl::action(unsigned long txHandle, const char* dn, const char* na
                           OrvMoAttributeValueContainer** parameters,
                           OrvMoAttributeValueContainer** result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
-    const Opened opened = openOperation(started, idMappings, dn, [&] {
-        return areThere(parameters, result) && areReadable(parameters);
-    });
+    const auto canBeRead = [&] { return areThere(parameters, result) && areReadable(parameters); };
+    const Opened opened = openOperation(started, idMappings, dn, canBeRead);
     if (opened.code != OrvOk) {
         return ORV_TRACE_RESULT(opened.code);
     }

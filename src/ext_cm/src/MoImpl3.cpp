@@ -202,9 +202,10 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, class: %s, attrname: %s, attrvalue: %s", txHandle,
                     shown(dn), shown(className), shown(attrName), shown(attrValue));
-    const Opened opened = openCreation(started, idMappings, dn, [&] {
+    const auto canBeRead = [&] {
         return areThere(className, attrName, attrValue) && allOf(attributes, canBeCreatedWith);
-    });
+    };
+    const Opened opened = openCreation(started, idMappings, dn, canBeRead);
     if (opened.code != OrvOk) {
         return ORV_TRACE_RESULT(opened.code);
     }
@@ -292,9 +293,8 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
                            OrvMoNamedAttributeValueContainer_3** parameters,
                            OrvMoAttributeValueResult_3* result) {
     ORV_TRACE_ENTRY(" >> txHandle: %lu, dn: %s, name: %s", txHandle, shown(dn), shown(name));
-    const Opened opened = openOperation(started, idMappings, dn, [&] {
-        return areThere(parameters, result) && areReadable(parameters);
-    });
+    const auto canBeRead = [&] { return areThere(parameters, result) && areReadable(parameters); };
+    const Opened opened = openOperation(started, idMappings, dn, canBeRead);
     if (opened.code != OrvOk) {
         return ORV_TRACE_RESULT(opened.code);
     }

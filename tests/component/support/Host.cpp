@@ -128,6 +128,10 @@ OrvReturnT Host::init(const char* argument) {
     return functionIn<InitFunction>(*mComponent, "orvLCMinit")(portalAccessor(), argument);
 }
 
+OrvReturnT Host::initWithoutAccessor() {
+    return functionIn<InitFunction>(*mComponent, "orvLCMinit")(nullptr, nullptr);
+}
+
 OrvReturnT Host::startComponent(OrvStateChangeReason reason) {
     mStarted = true;
     return record().start(reason);

@@ -63,6 +63,8 @@ public:
     // The component's life, step by step; each step needs the ones above it.
     void load();
     OrvReturnT init(const char* argument = nullptr);
+    /// orvLCMinit without an accessor.
+    OrvReturnT initWithoutAccessor();
     OrvReturnT startComponent(OrvStateChangeReason reason = OrvStateChangeReasonHostStart);
     OrvReturnT stopComponent();
     void terminate();
