@@ -36,6 +36,7 @@ if(ORV_SANITIZE)
 endif()
 
 if(ORV_COVERAGE)
+  target_compile_definitions(orv_compile_options INTERFACE ORV_COVERAGE) # for the sizes of tests
   target_compile_options(orv_compile_options INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(orv_compile_options INTERFACE --coverage)
 endif()

@@ -13,8 +13,8 @@ target_precompile_headers(orv_test_headers PRIVATE
 
 # Builds the tests that also run under ThreadSanitizer.
 add_custom_target(thread_tests)
-# Builds the tests that count for the coverage of the component: its own, those of its helper library
-# and the properties. The test preset `coverage` runs those with such names.
+# Builds the tests that count for the coverage of the component: its own and those of its helper
+# library, which need no host. The test preset `coverage` runs those with such names.
 add_custom_target(coverage_tests)
 
 # orv_add_test(name SOURCES files... [LIBRARIES targets...] [LABELS labels...] [ENVIRONMENT vars...]
@@ -33,7 +33,7 @@ function(orv_add_test name)
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(thread_tests ${name})
   endif()
-  if(name MATCHES "^(component|property|unit)_")
+  if(name MATCHES "^(component|unit)_")
     add_dependencies(coverage_tests ${name})
   endif()
   if(arg_ISOLATED)

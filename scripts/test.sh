@@ -9,8 +9,8 @@
 #                          threads under ThreadSanitizer; the linter on the parts that a host loads
 #                          and on what changed; the API reference; the binary interface against
 #                          its baseline; the build of packagers, with g++
-#                          (scripts/release-builds.sh has the other ones)
-# Not in it: scripts/coverage.sh.
+#                          (scripts/release-builds.sh has the other ones); the coverage of the
+#                          component by its own tests
 #
 # ORV_LINT_BASE   the commit since which sources count as changed for the linter
 
@@ -55,5 +55,6 @@ if [ "$mode" = all ]; then
   quietly build/release/configure.log cmake --preset release
   build --preset release --target abi_check
   scripts/release-builds.sh Release g++
+  scripts/coverage.sh
 fi
 step "all green"

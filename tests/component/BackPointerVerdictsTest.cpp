@@ -65,14 +65,6 @@ protected:
 // ---------------------------------------------------------------------------------------------
 // The rules and their messages
 
-TEST_F(BackPointerVerdicts, AttributeThatIsNoReferenceInTheModel_ItsClassesAreNotJudged) {
-    modelOfXAndY();
-    host.model().moc("X").attribute("label");
-    host.start();
-    write("X=1", "label", {"X=2"});
-    expectValid();
-}
-
 TEST_F(BackPointerVerdicts, NothingButATextWritten_IsValidWithoutARead) {
     modelOfXAndY();
     host.start();
@@ -234,6 +226,21 @@ TEST_F(BackPointerVerdicts, ClassWithTheHandleZero_IsAClassThatDoesNotFit) {
         return OrvOk;
     });
     expectRefused({""});
+}
+
+// The model is asked a second time before the classes are compared.
+TEST_F(BackPointerVerdicts, TypeThatIsNoReferenceByThen_ClassesAreNotCompared) {
+    host.model().moc("Z");
+    modelOfXAndY();
+    host.start();
+    write("X=1", "ys", {"Z=1"});
+    expectRefused({"Z is not a valid type for attribute ys in X=1."});
+    host.when("Model.getTypeCode").nth(2).answers<int>([](int& code) {
+        code = VekOamSpiMrTypeMoRef_4 + 1;
+        return OrvOk;
+    });
+    EXPECT_TRUE(validate());
+    EXPECT_THAT(host.messages(), testing::SizeIs(1)) << "only that of the first validation";
 }
 
 // A class derived from the declared one is another class.
