@@ -11,6 +11,7 @@
 #include "runtime/DataSet.h"
 #include "yang/instances/InstanceDataReader.h"
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -26,10 +27,15 @@ void failIfAny(const std::vector<std::string>& problems) {
     }
 }
 
+std::string withoutBlanks(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
+    return text;
+}
+
 /// The names between the commas.
 std::vector<std::string> namesIn(const std::string& text) {
     std::vector<std::string> names;
-    std::istringstream stream(text);
+    std::istringstream stream(withoutBlanks(text));
     for (std::string name; std::getline(stream, name, ',');) {
         if (!name.empty()) {
             names.push_back(name);
@@ -87,7 +93,8 @@ void HostSetup::readModel(const Options& options) {
     }
     for (const std::string& features : options.features) {
         const std::size_t colon = features.find(':');
-        reader.selectFeatures(features.substr(0, colon), namesIn(features.substr(colon + 1)));
+        reader.selectFeatures(withoutBlanks(features.substr(0, colon)),
+                              namesIn(features.substr(colon + 1)));
     }
     if (options.noFeatures) {
         reader.withoutFeatures();

@@ -4,6 +4,8 @@
 #include "InstanceDataReader.h"
 
 #include "yang/instances/DataProblem.h"
+#include "yang/instances/Operations.h"
+#include "yang/instances/ParsedData.h"
 #include "yang/instances/TreeReader.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/source/SourceLocator.h"
@@ -15,8 +17,8 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <new>
 #include <optional>
+#include <regex>
 #include <system_error>
 #include <utility>
 
@@ -26,11 +28,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kObjectsPerReport = 4096;
-
-struct TreeDeleter {
-    void operator()(lyd_node* tree) const { lyd_free_all(tree); }
-};
-using Tree = std::unique_ptr<lyd_node, TreeDeleter>;
 
 [[noreturn]] void refuse(const std::string& file, int line, std::string text) {
     throw InstanceDataError({{{file, line}, std::move(text)}});
@@ -87,19 +84,6 @@ std::string contentsOf(const fs::path& file) {
     return text;
 }
 
-struct InputDeleter {
-    void operator()(ly_in* input) const { ly_in_free(input, 0); }
-};
-using Input = std::unique_ptr<ly_in, InputDeleter>;
-
-Input inputOf(const std::string& text) {
-    ly_in* input = nullptr;
-    if (ly_in_new_memory(text.c_str(), &input) != LY_SUCCESS) {
-        throw std::bad_alloc();
-    }
-    return Input(input);
-}
-
 // The parser stops without an error at the end of a JSON document or, at a zero byte, at the end of
 // the text. Text after that would be lost silently.
 void refuseRest(const std::string& text, std::size_t parsed, const std::string& label) {
@@ -125,15 +109,15 @@ void refuseMalformed(std::string_view text, const std::string& label) {
     }
 }
 
-Tree parse(const std::string& text, LYD_FORMAT format, std::uint32_t options,
-           const YangContext& context, const std::string& label) {
-    const Input input = inputOf(text);
+ParsedData parse(const std::string& text, LYD_FORMAT format, std::uint32_t options,
+                 const YangContext& context, const std::string& label) {
+    const ParserInput input = parserInputOf(text);
     lyd_node* parsed = nullptr;
     // Parsing only: checks of whole trees take quadratic time for references, and would refuse the
     // bare parents of a slice.
     const LY_ERR code = lyd_parse_data(context.get(), nullptr, input.get(), format,
                                        options | LYD_PARSE_ONLY, 0, &parsed);
-    Tree tree(parsed);
+    ParsedData tree(parsed);
     if (code != LY_SUCCESS) {
         throw InstanceDataError({takeDataProblem(context, label)});
     }
@@ -179,9 +163,9 @@ void findOpaque(lyd_node* first, std::vector<lyd_node*>& found) {
 /// Parses without the nodes that no module knows, and notes them. The parser has an option of its
 /// own to leave them out, which in JSON leaves out known data after them, too. So it keeps all that
 /// it cannot place, and what is known among that is refused: its value or its form is wrong.
-Tree parseKnown(const std::string& text, LYD_FORMAT format, const YangContext& context,
-                const std::string& label, ModelNotes& notes) {
-    Tree tree = parse(text, format, LYD_PARSE_OPAQ, context, label);
+ParsedData parseKnown(const std::string& text, LYD_FORMAT format, const YangContext& context,
+                      const std::string& label, ModelNotes& notes) {
+    ParsedData tree = parse(text, format, LYD_PARSE_OPAQ, context, label);
     std::vector<lyd_node*> opaque;
     findOpaque(tree.get(), opaque);
     std::vector<Problem> problems;
@@ -203,17 +187,32 @@ Tree parseKnown(const std::string& text, LYD_FORMAT format, const YangContext& c
         const std::string place = parent == nullptr ? "" : pathOf(parent->schema) + "/";
         notes.count("no loaded module knows " + place + nameOf(written) + ": it is skipped",
                     {label, 0}, where.empty() ? "the top" : where);
-        if (node == tree.get()) {
-            lyd_node* const next = node->next;
-            static_cast<void>(tree.release());
-            tree.reset(next);
-        }
-        lyd_free_tree(node);
+        removeFrom(tree, node);
     }
     if (!problems.empty()) {
         throw InstanceDataError(std::move(problems));
     }
     return tree;
+}
+
+/// The library's message for an operation in data.
+bool isAboutAnOperation(const Problem& problem) {
+    static const std::regex pattern("^Unexpected [^ ]+ element ");
+    return std::regex_search(problem.text, pattern);
+}
+
+/// The lines of a text that was made from a file are not those of the file.
+template <class Parse>
+ParsedData withoutLines(const Parse& parseText) {
+    try {
+        return parseText();
+    } catch (const InstanceDataError& error) {
+        std::vector<Problem> problems = error.problems();
+        for (Problem& problem : problems) {
+            problem.source.line = 0;
+        }
+        throw InstanceDataError(std::move(problems));
+    }
 }
 
 LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
@@ -288,8 +287,23 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     refuseMalformed(text, label);
     const YangContext& context = mSchema->context();
     ModelNotes notes;
-    const Tree tree = mSkipsUnknown ? parseKnown(text, format, context, label, notes)
-                                    : parse(text, format, LYD_PARSE_STRICT, context, label);
+    const auto parseData = [&](const std::string& data) {
+        return mSkipsUnknown ? parseKnown(data, format, context, label, notes)
+                             : parse(data, format, LYD_PARSE_STRICT, context, label);
+    };
+    const ParsedData tree = [&] {
+        try {
+            return parseData(text);
+        } catch (const InstanceDataError& error) {
+            const auto rest = isAboutAnOperation(error.problems().front())
+                                  ? withoutOperations(text, format, context, label, notes)
+                                  : std::nullopt;
+            if (!rest) {
+                throw;
+            }
+            return withoutLines([&] { return parseData(*rest); });
+        }
+    }();
     TreeReader(*mSchema, label, notes).read(tree.get(), [this, sink, &label](DataObject&& object) {
         if (sink != nullptr) {
             (*sink)(std::move(object), label);

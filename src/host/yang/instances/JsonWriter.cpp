@@ -37,11 +37,7 @@ std::string escapeCharacter(char c) {
 }
 
 std::string quote(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += escapeCharacter(c);
-    }
-    return quoted + "\"";
+    return "\"" + jsonEscaped(text) + "\"";
 }
 
 /// The name of a member, with the module if it is not the parent's.
@@ -116,6 +112,14 @@ private:
     int mStep;
 };
 
+}
+
+std::string jsonEscaped(const std::string& text) {
+    std::string escaped;
+    for (const char c : text) {
+        escaped += escapeCharacter(c);
+    }
+    return escaped;
 }
 
 std::string JsonWriter::body(const ObjectShape& shape, const std::string& namingValue,

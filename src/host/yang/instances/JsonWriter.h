@@ -8,6 +8,9 @@
 
 namespace OrvHost {
 
+/// The text as it stands between the quotes of a JSON string.
+std::string jsonEscaped(const std::string& text);
+
 /// The JSON of RFC 7951.
 class JsonWriter : public ObjectWriter {
 public:

@@ -23,6 +23,15 @@ std::optional<std::string> readFile(const fs::path& file) {
     return input.bad() ? std::nullopt : std::optional(std::move(text));
 }
 
+/// Reading a pipe or a device would wait for ever. A link to nothing counts, so that it is
+/// reported.
+bool mayBeModule(const fs::directory_entry& entry) {
+    std::error_code error;
+    const fs::file_type type = entry.status(error).type();
+    return entry.path().extension() == ".yang" &&
+           (type == fs::file_type::regular || type == fs::file_type::not_found);
+}
+
 [[noreturn]] void refuse(const fs::path& file, int line, std::string text) {
     throw ModelError({{{file.string(), line}, std::move(text)}});
 }
@@ -117,7 +126,7 @@ void ModuleFinder::scan(Directory& directory) {
         if (!directory.withSubdirectories) {
             entry.disable_recursion_pending();
         }
-        if (entry->path().extension() != ".yang") {
+        if (!mayBeModule(*entry)) {
             continue;
         }
         const std::string stem = entry->path().stem().string();

@@ -96,22 +96,6 @@ int lineOfNode(const ModuleStatements& text, const std::string& path) {
     return 0;
 }
 
-/// The features of a module that are on, as the library wants them: texts that `features` keeps,
-/// and a null pointer.
-std::vector<const char*> featuresOf(const std::string& module, const FeatureSelection& features) {
-    std::vector<const char*> on;
-    const auto chosen = features.byModule.find(module);
-    if (chosen != features.byModule.end()) {
-        for (const std::string& name : chosen->second) {
-            on.push_back(name.c_str());
-        }
-    } else if (features.areOthersOn) {
-        on.push_back("*");
-    }
-    on.push_back(nullptr);
-    return on;
-}
-
 void appendNew(std::vector<Problem>& all, std::vector<Problem> more) {
     for (Problem& problem : more) {
         const auto isSame = [&problem](const Problem& other) {
@@ -145,9 +129,12 @@ YangContext::~YangContext() {
 void YangContext::load(const std::vector<std::string>& modules, const FeatureSelection& features,
                        ModuleFinder& finder) {
     ly_ctx_set_module_imp_clb(mContext, provideModule, &finder);
-    std::vector<Problem> problems = loadAll(modules, features, finder);
+    std::vector<Problem> problems = loadAll(modules, finder);
     if (problems.empty()) {
-        problems = selectFeatures(modules, features, finder);
+        FeatureResult result = switchFeatures(mContext, modules, features);
+        problems = std::move(result.problems);
+        mBorrowed = std::move(result.borrowed);
+        takeMessages(); // they say the same in other words
     }
     // After a failed load the library forgets the modules loaded before, and compiling "succeeds".
     if (problems.empty() && ly_ctx_compile(mContext) != LY_SUCCESS) {
@@ -161,11 +148,10 @@ void YangContext::load(const std::vector<std::string>& modules, const FeatureSel
 }
 
 std::vector<Problem> YangContext::loadAll(const std::vector<std::string>& modules,
-                                          const FeatureSelection& features, ModuleFinder& finder) {
+                                          ModuleFinder& finder) {
     std::vector<Problem> problems;
     for (const std::string& module : modules) {
-        std::vector<const char*> on = featuresOf(module, features);
-        if (ly_ctx_load_module(mContext, module.c_str(), nullptr, on.data()) == nullptr) {
+        if (ly_ctx_load_module(mContext, module.c_str(), nullptr, nullptr) == nullptr) {
             appendNew(problems, loadProblems(module, finder));
         }
     }
@@ -175,30 +161,6 @@ std::vector<Problem> YangContext::loadAll(const std::vector<std::string>& module
             return ly_ctx_get_module_latest(mContext, name.c_str()) != nullptr;
         };
         appendNew(problems, missingModules(modules, finder, isBuiltIn));
-    }
-    return problems;
-}
-
-/// For modules that are there because another one needs them.
-std::vector<Problem> YangContext::selectFeatures(const std::vector<std::string>& modules,
-                                                 const FeatureSelection& features,
-                                                 const ModuleFinder& finder) {
-    std::vector<Problem> problems;
-    for (const auto& [name, names] : features.byModule) {
-        if (std::find(modules.begin(), modules.end(), name) != modules.end()) {
-            continue;
-        }
-        lys_module* module = ly_ctx_get_module_latest(mContext, name.c_str());
-        if (module == nullptr) {
-            problems.push_back({{},
-                                "features of the module \"" + name +
-                                    "\" are chosen, but no such module is loaded"});
-            continue;
-        }
-        std::vector<const char*> on = featuresOf(name, features);
-        if (lys_set_implemented(module, on.data()) != LY_SUCCESS) {
-            appendNew(problems, loadProblems(name, finder));
-        }
     }
     return problems;
 }
@@ -239,7 +201,7 @@ std::vector<const lys_module*> YangContext::implementedModules() const {
     std::vector<const lys_module*> modules;
     std::uint32_t position = ly_ctx_internal_modules_count(mContext);
     while (const lys_module* module = ly_ctx_get_module_iter(mContext, &position)) {
-        if (module->compiled != nullptr) {
+        if (module->compiled != nullptr && mBorrowed.count(module->name) == 0) {
             modules.push_back(module);
         }
     }

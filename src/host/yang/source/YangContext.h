@@ -5,13 +5,14 @@
 #define ORV_HOST_YANG_SOURCE_YANGCONTEXT_H
 
 #include "model/ModelError.h"
+#include "yang/source/Features.h"
 #include "yang/source/ModuleFinder.h"
 
 #include <libyang/libyang.h>
 
-#include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,14 +23,6 @@ struct YangMessage {
     std::string text;
     std::string path; ///< of the schema or data node, if it is known
     int line = 0;     ///< in the text that was read, or 0
-};
-
-/// Which features of the modules to load are on.
-struct FeatureSelection {
-    /// Modules of which only these features are on.
-    std::map<std::string, std::vector<std::string>> byModule;
-    /// Whether all features of the other modules are on, or none.
-    bool areOthersOn = true;
 };
 
 /// A context of the YANG library, with the modules that were loaded into it.
@@ -69,15 +62,12 @@ public:
     const lysc_type* typeOf(const lysc_node* node, const std::string& text) const;
 
 private:
-    std::vector<Problem> loadAll(const std::vector<std::string>& modules,
-                                 const FeatureSelection& features, ModuleFinder& finder);
-    std::vector<Problem> selectFeatures(const std::vector<std::string>& modules,
-                                        const FeatureSelection& features,
-                                        const ModuleFinder& finder);
+    std::vector<Problem> loadAll(const std::vector<std::string>& modules, ModuleFinder& finder);
     std::vector<Problem> loadProblems(const std::string& module, const ModuleFinder& finder) const;
     std::vector<Problem> compileProblems(const ModuleFinder& finder) const;
 
     ly_ctx* mContext = nullptr;
+    std::set<std::string> mBorrowed; ///< modules that are there for their features only
     /// The library does not promise that values can be checked on several threads at once.
     mutable std::mutex mValidation;
 };

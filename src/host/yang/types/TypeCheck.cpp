@@ -164,6 +164,13 @@ Function ofIdentityName() {
     };
 }
 
+Function anyOf(Function one, Function other) {
+    return [one = std::move(one), other = std::move(other)](const std::string& text) {
+        std::string refusal = one(text);
+        return refusal.empty() || other(text).empty() ? std::string() : refusal;
+    };
+}
+
 std::string describe(const std::vector<SignedPart>& parts, int fractionDigits) {
     return join(
         parts, [fractionDigits](std::int64_t number) { return withPoint(number, fractionDigits); });

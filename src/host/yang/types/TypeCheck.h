@@ -34,6 +34,9 @@ Function ofText(std::vector<UnsignedPart> lengths);
 /// Accepts the name of an identity, with or without its module: "module:name".
 Function ofIdentityName();
 
+/// Accepts what one of the two accepts; the refusal is the first one's.
+Function anyOf(Function one, Function other);
+
 /// "1..4 | 7", for people.
 std::string describe(const std::vector<SignedPart>& parts, int fractionDigits);
 std::string describe(const std::vector<UnsignedPart>& parts);

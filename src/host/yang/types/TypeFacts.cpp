@@ -55,6 +55,21 @@ bool isOpenIdentityref(const lysc_type* type) {
     return type->basetype == LY_TYPE_IDENT && enumeratorsOf(type).empty();
 }
 
+bool hasOpenIdentityref(const lysc_type* leafType) {
+    const lysc_type* type = followLeafrefs(leafType);
+    if (type->basetype != LY_TYPE_UNION) {
+        return isOpenIdentityref(type);
+    }
+    const auto* types = as<lysc_type_union>(type)->types;
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(types); ++i) {
+        if (hasOpenIdentityref(types[i])) {
+            return true;
+        }
+    }
+    return false;
+}
+
 ValueKind kindOf(const lysc_type* leafType) {
     const lysc_type* type = followLeafrefs(leafType);
     switch (type->basetype) {

@@ -30,6 +30,9 @@ const lysc_type* followLeafrefs(const lysc_type* type);
 /// be known, so they are texts.
 bool isOpenIdentityref(const lysc_type* type);
 
+/// True for such a type, and for a union with one in it.
+bool hasOpenIdentityref(const lysc_type* leafType);
+
 /// The kind in which values of a YANG type are held. All integers have 64 bits, decimal64 is a
 /// floating-point number, `empty` is a bool that is true; bits, binary, instance-identifiers and
 /// unions of different kinds are text in canonical form; identities are enumerators "module:name",

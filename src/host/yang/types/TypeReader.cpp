@@ -50,6 +50,15 @@ TypeCheck::Function checkByLibrary(const lysc_node* node,
     return [node, context](const std::string& text) { return context->refusal(node, text); };
 }
 
+/// The library permits no value of an identityref without identities; in a union it asks the other
+/// types only.
+TypeCheck::Function withOpenIdentities(const lysc_type* type, TypeCheck::Function check) {
+    if (!hasOpenIdentityref(type)) {
+        return check;
+    }
+    return TypeCheck::anyOf(std::move(check), TypeCheck::ofIdentityName());
+}
+
 TypeCheck::Function checkOf(const lysc_node* node, const lysc_type* type,
                             const std::shared_ptr<const YangContext>& context) {
     switch (kindOf(type)) {
@@ -68,10 +77,10 @@ TypeCheck::Function checkOf(const lysc_node* node, const lysc_type* type,
         if (isOpenIdentityref(type)) {
             return TypeCheck::ofIdentityName();
         }
-        const bool isPlainText =
-            type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type)->patterns == nullptr;
-        return isPlainText ? TypeCheck::ofText(unsignedParts(rangeOf(type)))
-                           : checkByLibrary(node, context);
+        if (type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type)->patterns == nullptr) {
+            return TypeCheck::ofText(unsignedParts(rangeOf(type)));
+        }
+        return withOpenIdentities(type, checkByLibrary(node, context));
     }
 }
 
@@ -102,9 +111,9 @@ TypeDef readKeyType(const lysc_node* node, const std::shared_ptr<const YangConte
         return type;
     }
     type.kind = ValueKind::String;
-    type.check = [node, context](const std::string& text) {
+    type.check = withOpenIdentities(declared, [node, context](const std::string& text) {
         return context->refusalOfName(node, text);
-    };
+    });
     return type;
 }
 

@@ -135,6 +135,91 @@ TEST(InstanceDataErrors, WhatTheModelLacks_IsSkippedWithANote) {
               "/site-extension:motto");
 }
 
+/// A class with values of many types, and operations beside it.
+const YangModel& operationsModel() {
+    static const YangModel model = modelOfBody(R"(
+      list Box { key id; leaf id { type string; } leaf text { type string; }
+        leaf big { type uint64; } leaf small { type int8; } leaf part { type decimal64 {
+          fraction-digits 2; } } leaf on { type boolean; } leaf bare { type empty; }
+        leaf-list many { type uint16; } container inner { leaf a { type string; } }
+        list pair { orv:struct; key x; leaf x { type uint8; } leaf y { type string; } }
+        action reset { input { leaf a { type string; } } }
+        notification full { leaf level { type uint8; } } }
+      rpc reboot { input { leaf delay { type uint8; } } }
+      notification alarm { leaf what { type string; } })");
+    return model;
+}
+
+struct WithOperations {
+    DataFormat format;
+    const char* box;     ///< the data of an object
+    const char* inside;  ///< operations to be put in front of it
+    const char* outside; ///< the same, beside the object
+};
+
+class OperationsInData : public testing::TestWithParam<WithOperations> {
+protected:
+    static std::string textOf(const std::string& inside, const std::string& outside) {
+        const bool isJson = GetParam().format == DataFormat::Json;
+        return isJson ? "{" + outside + "\"m:Box\": [{" + inside + GetParam().box + "}]}"
+                      : outside + "<Box xmlns=\"urn:m\">" + inside + GetParam().box + "</Box>";
+    }
+};
+
+TEST_P(OperationsInData, AreSkippedWithANoteAndLeaveTheRestAsItIs) {
+    const YangModel& model = operationsModel();
+    std::vector<DataObject> objects;
+    InstanceDataReader reader(model.schema);
+    const auto keep = [&objects](DataObject&& object, const std::string&) {
+        objects.push_back(std::move(object));
+    };
+    reader.readText(textOf(GetParam().inside, GetParam().outside), "d", keep);
+    std::vector<std::string> notes;
+    for (const Problem& note : reader.notes()) {
+        notes.push_back(toText(note));
+    }
+    const std::string expected =
+        writeObjects(model, GetParam().format, readObjectsOf(model, textOf("", "")));
+    EXPECT_EQ(writeObjects(model, GetParam().format, objects), expected);
+    EXPECT_THAT(expected, testing::AllOf(HasSubstr("18446744073709551615"), HasSubstr("1.5"),
+                                         HasSubstr("bare"), HasSubstr("many"), HasSubstr("y2")));
+    EXPECT_THAT(notes, testing::UnorderedElementsAre(
+                           "d: /m:Box/reset is no data and is skipped: at /m:Box/reset",
+                           "d: /m:Box/full is no data and is skipped: at /m:Box/full",
+                           "d: /m:reboot is no data and is skipped: at /m:reboot",
+                           "d: /m:alarm is no data and is skipped: at /m:alarm"));
+}
+
+TEST_P(OperationsInData, DoNotHideWhatIsWrongInTheRest) {
+    const std::string wrong =
+        GetParam().format == DataFormat::Json ? R"("nothing": 1, )" : "<nothing>1</nothing>";
+    EXPECT_THAT(dataErrorOf([&] {
+                    readObjectsOf(operationsModel(),
+                                  textOf(GetParam().inside + wrong, GetParam().outside));
+                }),
+                testing::ContainsRegex("^data: Node \"nothing\" not found as a child of \"Box\""));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, OperationsInData,
+    testing::Values(
+        WithOperations{
+            DataFormat::Json,
+            R"("id": "1", "text": "q\"<\u00e9\n&", "big": "18446744073709551615", "small": -3,
+               "part": "1.5", "on": false, "bare": [null], "many": [1, 2],
+               "inner": {"a": "x"}, "pair": [{"x": 1, "y": "y1"}, {"x": 2, "y": "y2"}])",
+            R"("reset": {"a": "x"}, "full": {"level": 3}, )",
+            R"("m:reboot": {"delay": 3}, "m:alarm": {"what": "x"}, )"},
+        WithOperations{
+            DataFormat::Xml,
+            "<id>1</id><text>q\"&lt;\u00e9\n&amp;</text><big>18446744073709551615</big>"
+            "<small>-3</small><part>1.5</part><on>false</on><bare/><many>1</many><many>2</many>"
+            "<inner><a>x</a></inner><pair><x>1</x><y>y1</y></pair><pair><x>2</x><y>y2</y></pair>",
+            "<reset><a>x</a></reset><full><level>3</level></full>",
+            "<reboot xmlns=\"urn:m\"><delay>3</delay></reboot>"
+            "<alarm xmlns=\"urn:m\"><what>x</what></alarm>"}),
+    [](const auto& one) { return one.param.format == DataFormat::Json ? "Json" : "Xml"; });
+
 TEST(InstanceDataErrors, UnknownData_IsSkippedOnRequest) {
     const std::string json = R"({"site:Site": [{"id": "a", "lable": "x"}], "other:thing": 1})";
     EXPECT_EQ(notesOf(json, true),

@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 namespace OrvHost {
 namespace {
 
@@ -292,10 +294,78 @@ TEST(YangModelReader, Features_AreAllOnUnlessSelected) {
               "id deep a b ");
 }
 
+TEST(YangModelReader, FeatureThatDependsOnOneThatIsOff_StaysOff) {
+    const TemporaryDirectory directory;
+    directory.write("m.yang", "module m { yang-version 1.1; namespace 'urn:m'; prefix m;"
+                              " import other { prefix o; }"
+                              " feature d { if-feature 'c'; } feature e { if-feature 'not\n b'; }"
+                              " feature c { if-feature 'b or a'; } feature a; feature b;"
+                              " feature f { if-feature 'o:far'; } feature g { if-feature 'not f'; }"
+                              " list B { key id; leaf id { type string; }"
+                              " leaf a { if-feature a; type string; }"
+                              " leaf d { if-feature d; type string; }"
+                              " leaf e { if-feature e; type string; }"
+                              " leaf f { if-feature f; type string; }"
+                              " leaf g { if-feature g; type string; } } }");
+    directory.write("other.yang", "module other { namespace 'urn:o'; prefix o; feature far; }");
+    YangModelReader reader;
+    reader.searchIn(directory.path()).load("m");
+    EXPECT_EQ(attributesOf(reader.read()), "id a d g ");
+    reader.load("other");
+    EXPECT_EQ(attributesOf(reader.read()), "id a d f ");
+    reader.selectFeatures("other", {});
+    EXPECT_EQ(attributesOf(reader.read()), "id a d g ");
+}
+
+TEST(YangModelReader, ChosenFeatureWhoseConditionIsFalse_IsRefused) {
+    const TemporaryDirectory directory;
+    const auto file =
+        directory.write("m.yang", "module m { yang-version 1.1; namespace 'urn:m'; prefix m;"
+                                  " feature a; feature b { if-feature a; } }");
+    EXPECT_EQ(modelErrorOf(
+                  [&] { YangModelReader().load(file.string()).selectFeatures("m", {"b"}).read(); }),
+              "the feature \"b\" of the module \"m\" is chosen, but its condition is false: "
+              "if-feature \"a\"");
+}
+
+TEST(YangModelReader, FeaturesOfAnImportedModule_DoNotBringItsData) {
+    const TemporaryDirectory directory;
+    directory.write("base.yang", "module base { namespace 'urn:b'; prefix b; feature deep;"
+                                 " grouping G { leaf deep { if-feature deep; type string; } }"
+                                 " list Own { key id; leaf id { type string; } } }");
+    directory.write("m.yang", "module m { namespace 'urn:m'; prefix m; import base { prefix b; }"
+                              " list B { key id; leaf id { type string; } uses b:G; } }");
+    YangModelReader reader;
+    reader.searchIn(directory.path()).load("m").selectFeatures("base", {"deep"});
+    const YangModel model = reader.read();
+    EXPECT_EQ(attributesOf(model), "id deep ");
+    EXPECT_EQ(model.model.classes.size(), 1U);
+}
+
+TEST(YangModelReader, PipeOnTheSearchPath_IsNotOpened) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(mkfifo((directory.path() / "m.yang").c_str(), 0600), 0);
+    EXPECT_THAT(
+        modelErrorOf([&] { YangModelReader().searchIn(directory.path()).load("m").read(); }),
+        HasSubstr("looked for m.yang in " + directory.path().string()));
+}
+
+TEST(YangModelReader, IdentityInAUnion_IsATextIfNoneIsLoaded) {
+    const YangModel model = modelOfBody("identity base; list B { key id; leaf id { type string; }"
+                                        " leaf a { type union { type identityref { base base; }"
+                                        " type uint8; } } }");
+    const TypeDef& type = attributeOf(model, "B", "a").type;
+    EXPECT_EQ(type.kind, ValueKind::String);
+    EXPECT_EQ(type.check("far:away"), "");
+    EXPECT_EQ(type.check("7"), "");
+    EXPECT_NE(type.check("no name"), "");
+    EXPECT_THAT(toText(model.notes.at(0)), HasSubstr("no loaded module derives an identity"));
+}
+
 TEST(YangModelReader, Features_ThatDoNotExist_AreRefused) {
     const TemporaryDirectory directory;
-    EXPECT_THAT(modelErrorOf([&] { featuredModel(directory).selectFeatures("m", {"c"}).read(); }),
-                HasSubstr("\"c\""));
+    EXPECT_EQ(modelErrorOf([&] { featuredModel(directory).selectFeatures("m", {"c"}).read(); }),
+              "the module \"m\" has no feature \"c\"; it has a, b");
     EXPECT_EQ(modelErrorOf([&] { featuredModel(directory).selectFeatures("n", {"c"}).read(); }),
               "features of the module \"n\" are chosen, but no such module is loaded");
 }
