@@ -83,6 +83,23 @@ TEST_F(OrvhostModelsTest, Features_AreSelected) {
                 HasSubstr("MODULE:NAME,... was expected"));
 }
 
+TEST_F(OrvhostModelsTest, Feature_MayHaveBlanksAround) {
+    EXPECT_THAT(run({"--feature", " m: tall, wide ", "-c", "model Mast"}).out,
+                testing::AllOf(HasSubstr("height"), HasSubstr("width")));
+    EXPECT_THAT(run({"--feature", "m:broad", "-c", "model"}).err,
+                HasSubstr("the module \"m\" has no feature \"broad\"; it has tall, wide"));
+}
+
+TEST_F(OrvhostModelsTest, Choices_AreShownWithTheClass) {
+    EXPECT_THAT(run({"-c", "model Mast"}).out, HasSubstr("\nchoices\n"
+                                                         "  address, at most one of these\n"
+                                                         "    name: name\n"
+                                                         "    number: number\n"));
+    EXPECT_THAT(run({"--json", "-c", "model Mast"}).out,
+                HasSubstr(R"("choices":[{"name":"address","mandatory":false,"around":[],"cases":[)"
+                          R"({"name":"name","attributes":["name"],"required":[]})"));
+}
+
 TEST_F(OrvhostModelsTest, State_IsNotAskedOfAClient) {
     const ProgramResult result =
         run({"-c", "begin", "-c", "create Mast=1 name=x", "-c", "validate", "-c", "commit"});

@@ -6,6 +6,8 @@
 #include "AlignedText.h"
 #include "client/Suggestion.h"
 
+#include <algorithm>
+
 namespace OrvHost {
 
 namespace {
@@ -87,6 +89,36 @@ std::string writableText(const AttributeDef* def) {
         return {};
     }
     return def->isNaming ? "naming" : (def->isWritable ? "" : "read-only");
+}
+
+/// The cases of a choice; in each what a case requires is marked.
+std::string choiceText(const ChoiceDef& choice) {
+    std::string text = "  " + choice.name + ", ";
+    text += choice.isMandatory ? "one of these" : "at most one of these";
+    text += choice.around.empty() ? "" : ", with " + enumerate(choice.around);
+    text += "\n";
+    for (const ChoiceCase& one : choice.cases) {
+        std::vector<std::string> attributes;
+        for (const std::string& attribute : one.attributes) {
+            const bool isRequired = std::find(one.required.begin(), one.required.end(),
+                                              attribute) != one.required.end();
+            attributes.push_back(attribute + (isRequired ? " (required)" : ""));
+        }
+        text += "    " + one.name + ": " + enumerate(attributes) + "\n";
+    }
+    return text;
+}
+
+JsonValue choiceJson(const ChoiceDef& choice) {
+    JsonValue cases = JsonValue::array();
+    for (const ChoiceCase& one : choice.cases) {
+        cases.push_back(
+            {{"name", one.name}, {"attributes", one.attributes}, {"required", one.required}});
+    }
+    return {{"name", choice.name},
+            {"mandatory", choice.isMandatory},
+            {"around", choice.around},
+            {"cases", cases}};
 }
 
 std::string actionText(const ActionDef& action) {
@@ -183,6 +215,10 @@ JsonValue ClassReport::json() const {
     for (const AttributeDescription& description : mDescription.attributes) {
         attributes.push_back(attributeJson(description));
     }
+    JsonValue choices = JsonValue::array();
+    for (const ChoiceDef& choice : mClass.choices) {
+        choices.push_back(choiceJson(choice));
+    }
     JsonValue references = JsonValue::array();
     for (const ReferenceDescription& description : mDescription.references) {
         references.push_back(toJson(description));
@@ -198,6 +234,7 @@ JsonValue ClassReport::json() const {
             {"children", mDescription.children},
             {"instances", boundsJson(mClass.instances)},
             {"attributes", attributes},
+            {"choices", choices},
             {"associations", references},
             {"actions", actions},
             {"description", mClass.description}};
@@ -217,6 +254,12 @@ std::string ClassReport::text() const {
         rows.push_back(attributeRow(description));
     }
     text += layOutTable({"  ATTRIBUTE", "VALUES", "DEFAULT", "", "TYPE"}, rows);
+    if (!mClass.choices.empty()) {
+        text += "\nchoices\n";
+    }
+    for (const ChoiceDef& choice : mClass.choices) {
+        text += choiceText(choice);
+    }
     if (!mDescription.references.empty()) {
         text += "\nassociations\n" + associationTable(mDescription.references);
     }
