@@ -17,9 +17,14 @@ std::string whyWrongEnumerator(const TypeDef& type, const std::string& name) {
     if (std::find(known.begin(), known.end(), name) != known.end()) {
         return {};
     }
+    // Published lists of identities have hundreds.
+    constexpr std::size_t most = 20;
     std::string expected;
-    for (const std::string& enumerator : known) {
-        expected += (expected.empty() ? "" : ", ") + enumerator;
+    for (std::size_t i = 0; i < std::min(most, known.size()); ++i) {
+        expected += (i == 0 ? "" : ", ") + known[i];
+    }
+    if (known.size() > most) {
+        expected += " and " + std::to_string(known.size() - most) + " more";
     }
     return joined({"\"", name, "\" is none of the permitted names: ", expected});
 }

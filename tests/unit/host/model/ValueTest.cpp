@@ -6,6 +6,7 @@
 
 #include "SampleModel.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -97,6 +98,16 @@ TEST(WhyRefused, UnknownEnumerator_ListsThePermittedOnes) {
     const Model model = sampleModel();
     EXPECT_EQ(whyRefused(cellAttribute(model, "state"), {ValueKind::Enumeration, {"off"}}),
               "\"off\" is none of the permitted names: idle, busy");
+}
+
+TEST(WhyRefused, UnknownEnumeratorOfMany_ListsTheFirstOnes) {
+    AttributeDef def;
+    def.type.kind = ValueKind::Enumeration;
+    for (int i = 0; i < 22; ++i) {
+        def.type.enumerators.push_back("e" + std::to_string(i));
+    }
+    EXPECT_THAT(whyRefused(def, {ValueKind::Enumeration, {"off"}}),
+                testing::EndsWith(", e18, e19 and 2 more"));
 }
 
 TEST(WhyRefused, Structs_AreJudgedMemberByMember) {
