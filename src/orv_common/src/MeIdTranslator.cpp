@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <mutex>
 #include <string_view>
 
@@ -28,31 +29,59 @@ bool beginsWithRoot(std::string_view dn) {
 // Where the value of the first step of `dn`, which begins with the root class, stands; 0 if it has
 // none.
 std::size_t startOfRootValue(std::string_view dn) {
+    if (dn.size() > rootClass.size() && dn[rootClass.size()] == '=') {
+        return rootClass.size() + 1;
+    }
     const std::size_t delimiter = dn.find_first_of("=,", rootClass.size());
     return delimiter != std::string_view::npos && dn[delimiter] == '=' ? delimiter + 1 : 0;
 }
 
+// True if `value` stands in `dn` at `start` and the step ends with it.
+[[gnu::always_inline]] inline bool hasValueAt(std::string_view dn, std::size_t start,
+                                              std::string_view value) {
+    const std::size_t end = start + value.size();
+    return end <= dn.size() && std::memcmp(dn.data() + start, value.data(), value.size()) == 0 &&
+           (end == dn.size() || dn[end] == ',');
+}
+
+// The two parts of an exchange that is made in one copy. `start` is where the value stands.
+
+// For a new value that is not longer: the text from where the new beginning will stand.
+[[gnu::always_inline]] inline std::string shortened(std::string_view dn, std::size_t start,
+                                                    std::size_t by, std::string_view to) {
+    std::string exchanged(dn.data() + by, dn.size() - by);
+    if (by != 0) {
+        std::copy_n(dn.data(), start, exchanged.data());
+    }
+    std::copy_n(to.data(), to.size(), exchanged.data() + start);
+    return exchanged;
+}
+
+std::string lengthened(std::string_view dn, std::size_t start, std::size_t by,
+                       std::string_view to) {
+    std::string exchanged;
+    exchanged.reserve(dn.size() + by);
+    exchanged.append(dn.data(), start).append(to);
+    const std::size_t end = start + to.size() - by;
+    return exchanged.append(dn.data() + end, dn.size() - end);
+}
+
 // The DN with `to` as the value of its first step, if that step is a ManagedElement with the value
 // `from`. Empty if it is one with another value; the DN itself if it is none. Every call of a
-// client comes through here.
-std::string exchangeRootValue(const std::string& dn, std::string_view from, std::string_view to) {
+// client comes through here; inlined, since in each direction one of the two values is a constant.
+[[gnu::always_inline]] inline std::string
+exchangeRootValue(const std::string& text, std::string_view from, std::string_view to) {
+    const std::string_view dn(text);
     if (!beginsWithRoot(dn)) {
-        return dn;
+        return text;
     }
-    const std::string_view text(dn);
-    const std::size_t value =
-        dn[rootClass.size()] == '=' ? rootClass.size() + 1 : startOfRootValue(text);
-    const std::size_t end = value + from.size();
+    const std::size_t start = startOfRootValue(dn);
     // Without an identity nothing outside corresponds to the root, in either direction.
-    if (value == 0 || from.empty() || to.empty() || end > text.size() ||
-        text.compare(value, from.size(), from) != 0 || (end < text.size() && text[end] != ',')) {
+    if (start == 0 || from.empty() || to.empty() || !hasValueAt(dn, start, from)) {
         return {};
     }
-    std::string exchanged(text.size() - from.size() + to.size(), '\0');
-    char* const exchangedValue = std::copy_n(text.data(), value, exchanged.data());
-    char* const exchangedEnd = std::copy_n(to.data(), to.size(), exchangedValue);
-    std::copy_n(text.data() + end, text.size() - end, exchangedEnd);
-    return exchanged;
+    return to.size() <= from.size() ? shortened(dn, start, from.size() - to.size(), to)
+                                    : lengthened(dn, start, to.size() - from.size(), to);
 }
 
 }

@@ -75,6 +75,22 @@ TEST_F(MeIdTranslatorTest, Translate_NoPreferredIdentity_TakesTheFallback) {
     EXPECT_STREQ(translator.identity(), "fallback");
 }
 
+// A text that is shorter after the exchange is put together in another way than a longer one.
+TEST_F(MeIdTranslatorTest, Translate_IdentityOfAnyLength_KeepsWhatStandsAroundIt) {
+    for (std::size_t length = 1; length < 60; ++length) {
+        const std::string identity(length, 'x');
+        translator.configure(identity, "");
+        for (const std::string rest : {"", ",A=1", ",Cell=1,Antenna=a value of some length"}) {
+            for (const std::string start : {"ManagedElement=", "ManagedElement.id="}) {
+                const std::string outside = start + identity + rest;
+                const std::string inside = start + "1" + rest;
+                EXPECT_EQ(translator.toInternalDn(outside), inside);
+                EXPECT_EQ(translator.toExternalDn(inside), outside);
+            }
+        }
+    }
+}
+
 TEST_F(MeIdTranslatorTest, Translate_NoIdentityAtAll_CannotTranslateTheRoot) {
     translator.configure("", "");
     EXPECT_EQ(translator.toInternalDn("ManagedElement=1"), "");
