@@ -7,6 +7,7 @@
 #include "LoggingWrapper.h"
 #include "OrvReturn.h"
 
+#include <atomic>
 #include <cstddef>
 #include <exception>
 #include <string_view>
@@ -59,11 +60,17 @@ struct TracePoint {
     int line;
 };
 
+/// What logging() knows. Null until somebody asks for it.
+inline constinit std::atomic<Orv::LoggingWrapper*> knownLogging{nullptr};
+
+/// Asks for the wrapper and keeps it.
+[[gnu::cold]] Orv::LoggingWrapper* lookUpLogging();
+
 /// Where messages go. Asked for once: the wrapper stays for the life of the process, and each
 /// operation looks at the level twice and more.
 inline Orv::LoggingWrapper* logging() {
-    static Orv::LoggingWrapper* const theWrapper = Orv::LoggingWrapper::instance();
-    return theWrapper;
+    Orv::LoggingWrapper* const known = knownLogging.load(std::memory_order_acquire);
+    return known != nullptr ? known : lookUpLogging();
 }
 
 inline bool isTracing() {
@@ -75,21 +82,60 @@ inline const char* shown(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
-/// Writes the exit of a function with its code. Call it only above the gate.
-void writeResult(const TracePoint& point, OrvReturnT code);
+// The writers below are called above the gate only. They stand apart from the functions that trace,
+// so that little of a trace that is not written is executed.
 
-/// Traces \p code as the result of the function at \p point, and gives it back. A trace that cannot
-/// be written is left out: no std::exception leaves this function.
-inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
+/// Writes the exit of a function with its code. The first three are those of a TracePoint: as one
+/// they would be put together also for an exit that is not traced.
+[[gnu::cold]] void writeResult(const char* file, const char* function, int line, OrvReturnT code);
+
+/// For the compiler, which compares \p format with what comes after it. Never called.
+void checkFormat(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// Their formats are those that checkFormat has been shown.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
+
+/// Writes a trace. \p arguments are what \p format names.
+template <class... Arguments>
+[[gnu::cold, gnu::noinline]] void writeTrace(TracePoint point, TraceKind kind, const char* format,
+                                             Arguments... arguments) {
+    Orv::LoggingWrapper* const wrapper = logging();
+    wrapper->trace_printf(point.file, point.function, point.line, kind, format, arguments...);
+    wrapper->trace_v2_printf(Orv::Trace::ExtCm, traceLevel, point.file, point.function, point.line,
+                             format, arguments...);
+}
+
+/// Writes a log of \p level.
+template <class... Arguments>
+[[gnu::cold, gnu::noinline]] void writeLog(TracePoint point, int level, const char* format,
+                                           Arguments... arguments) {
+    Orv::LoggingWrapper* const wrapper = logging();
+    wrapper->log_printf(point.function, level, 1, format, arguments...);
+    wrapper->trace_v2_printf(Orv::Trace::ExtCm, level, point.file, point.function, point.line,
+                             format, arguments...);
+}
+
+#pragma GCC diagnostic pop
+
+/// Traces \p code as the result of a function, and gives it back. A trace that cannot be written is
+/// left out: no std::exception leaves this function.
+inline OrvReturnT traceResult(const char* file, const char* function, int line, OrvReturnT code) {
     try {
         if (isTracing()) [[unlikely]] {
-            writeResult(point, code);
+            writeResult(file, function, line, code);
         }
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
         // The operation is done and its outputs belong to the caller: an answer of failure now
         // would make the caller leave what it has been given.
     }
     return code;
+}
+
+/// The same for the function at \p point.
+inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
+    return traceResult(point.file, point.function, point.line, code);
 }
 
 }
@@ -105,14 +151,11 @@ inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
 
 #define ORV_TRACE_OF_KIND(point, kind, ...)                                                        \
     do {                                                                                           \
-        ::Orv::LoggingWrapper* const orvWrapper = ::OrvExtCmRouterService::logging();              \
-        if (orvWrapper->get_level() > ::OrvExtCmRouterService::traceGate) [[unlikely]] {           \
-            const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
-            orvWrapper->trace_printf(orvPoint.file, orvPoint.function, orvPoint.line, kind,        \
-                                     __VA_ARGS__);                                                 \
-            orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, ::OrvExtCmRouterService::traceLevel,  \
-                                        orvPoint.file, orvPoint.function, orvPoint.line,           \
-                                        __VA_ARGS__);                                              \
+        if (::OrvExtCmRouterService::isTracing()) [[unlikely]] {                                   \
+            if (false) {                                                                           \
+                ::OrvExtCmRouterService::checkFormat(__VA_ARGS__);                                 \
+            }                                                                                      \
+            ::OrvExtCmRouterService::writeTrace((point), (kind), __VA_ARGS__);                     \
         }                                                                                          \
     } while (false)
 
@@ -128,7 +171,8 @@ inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
     ORV_TRACE_OF_KIND(point, ::OrvExtCmRouterService::TraceBetween, __VA_ARGS__)
 
 /// Evaluates to a code and traces it as the function's exit: `return ORV_TRACE_RESULT(code);`
-#define ORV_TRACE_RESULT(code) ::OrvExtCmRouterService::traceResult(ORV_TRACE_POINT, (code))
+#define ORV_TRACE_RESULT(code)                                                                     \
+    ::OrvExtCmRouterService::traceResult(ORV_SOURCE_NAME, __func__, __LINE__, (code))
 
 /// Logs at level 3 (grave), 4 or 6 (for information).
 #define ORV_LOG(level, ...) ORV_LOG_AT(ORV_TRACE_POINT, level, __VA_ARGS__)
@@ -136,12 +180,11 @@ inline OrvReturnT traceResult(const TracePoint& point, OrvReturnT code) {
 /// The same for a step, in the name of the operation at \p point.
 #define ORV_LOG_AT(point, level, ...)                                                              \
     do {                                                                                           \
-        ::Orv::LoggingWrapper* const orvWrapper = ::OrvExtCmRouterService::logging();              \
-        if (orvWrapper->get_level() > (level)-1U) {                                                \
-            const ::OrvExtCmRouterService::TracePoint orvPoint = (point);                          \
-            orvWrapper->log_printf(orvPoint.function, level, 1, __VA_ARGS__);                      \
-            orvWrapper->trace_v2_printf(::Orv::Trace::ExtCm, level, orvPoint.file,                 \
-                                        orvPoint.function, orvPoint.line, __VA_ARGS__);            \
+        if (::OrvExtCmRouterService::logging()->get_level() > (level)-1U) [[unlikely]] {           \
+            if (false) {                                                                           \
+                ::OrvExtCmRouterService::checkFormat(__VA_ARGS__);                                 \
+            }                                                                                      \
+            ::OrvExtCmRouterService::writeLog((point), (level), __VA_ARGS__);                      \
         }                                                                                          \
     } while (false)
 
