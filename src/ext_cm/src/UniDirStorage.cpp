@@ -168,6 +168,37 @@ Step parsePart(std::string_view part, std::string const& dn) {
     return step;
 }
 
+/// True if parsePart is sure to take each step of \p dn. Almost all DNs are so, and of almost all
+/// nothing else is asked. Most characters are above the delimiters, so that is tested first.
+bool isWellFormed(std::string const& dn) {
+    char const* next = dn.c_str();
+    char const* const end = next + dn.size();
+    while (next != end) {
+        char const* const type = next;
+        while (next[0] > '=' && next[1] > '=' && next[2] > '=' && next[3] > '=') {
+            next += 4; // none of the four ends the text
+        }
+        while (*next > '=' || (*next != '=' && *next != ',' && *next != '\0')) {
+            ++next;
+        }
+        if (*next != '=' || next == type || *type == '.') {
+            return false;
+        }
+        char const* const value = next + 1;
+        for (next = value; *next > ',' || (*next != ',' && *next != '\0');) {
+            ++next;
+        }
+        if (next == value) {
+            return false;
+        }
+        if (*next == '\0') {
+            return next == end;
+        }
+        ++next;
+    }
+    return true;
+}
+
 // A model that knows a class for an empty DN leaves no step to take the type from.
 std::string leafType(UniDirStorage::Dn const& dn) {
     return dn.empty() ? std::string() : dn.back().first;
@@ -394,7 +425,14 @@ void UniDirStorage::setUniDirRef(unsigned long txHandle, std::string const& dn,
 // The whole DN is parsed in any case, so that a malformed one throws also where nothing is stored.
 void UniDirStorage::deleteMo(unsigned long txHandle, std::string const& dn) {
     auto const root = transactions.find(txHandle);
-    ValueNode* node = root == transactions.end() ? nullptr : root->second;
+    if (root != transactions.end()) {
+        deleteFrom(root->second, dn);
+    } else if (!isWellFormed(dn)) {
+        Dn const parsed(dn);
+    }
+}
+
+void UniDirStorage::deleteFrom(ValueNode* node, std::string const& dn) {
     TypeNode* parent = nullptr;
     for (std::string_view rest = dn; !rest.empty();) {
         Step const step = parsePart(takeFirstPart(rest), dn);

@@ -155,6 +155,7 @@ public:
     void getValues(VekMoAttributeValueContainer_3 const* values, std::list<std::string>* refs);
 
 private:
+    static void deleteFrom(ValueNode* node, std::string const& dn);
     ValueNode* findOrCreateRoot(unsigned long txHandle);
 
     std::map<unsigned long, ValueNode*> transactions;

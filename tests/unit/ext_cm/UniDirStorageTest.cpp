@@ -196,6 +196,51 @@ TEST_F(UniDirStorageTest, DeleteMo_MalformedDn_ThrowsWithoutATransactionToo) {
     EXPECT_THAT(dns(), ElementsAre("A=1"));
 }
 
+// Where nothing is stored the DN is judged in another way, which must come to the same.
+TEST_F(UniDirStorageTest, DeleteMo_NothingStored_ThrowsForTheSameDns) {
+    const std::string dns[] = {"",
+                               ",",
+                               "=",
+                               ".",
+                               "A",
+                               "A=",
+                               "=1",
+                               "A=1",
+                               "A=1,",
+                               "A=1,,",
+                               ",A=1",
+                               "A=1,B",
+                               "A=1,B=",
+                               "A=1,=2",
+                               "A=1,.b=2",
+                               ".a=1",
+                               "A.b=1",
+                               "A.=1",
+                               "A=b=c",
+                               "A==",
+                               "A=1,B=2",
+                               "A=1,B=2,C",
+                               "LongName=1,Another.name=22",
+                               "LongName,Another=2",
+                               "Abcd=1",
+                               "Abcde=1",
+                               "A;b=:<,C>d=@",
+                               "\xc3\x84=\xc3\xb6,B=\xff",
+                               std::string("A\0=1", 4),
+                               std::string("A=\0,B", 5),
+                               std::string("A=1\0", 4),
+                               std::string("A=1\0,B", 6)};
+    for (const std::string& dn : dns) {
+        std::string failure = "parsed";
+        try {
+            storage.deleteMo(99, dn);
+        } catch (const Orv::OrvException& exception) {
+            failure = exception.what();
+        }
+        EXPECT_EQ(failure, failureOf(dn)) << dn;
+    }
+}
+
 TEST_F(UniDirStorageTest, Transactions_DoNotSeeEachOther) {
     set("A=1", 1);
     set("A=1", 2);
