@@ -9,6 +9,7 @@
 #include "life/UnderLock.h"
 #include "model/ModelQuestions.h"
 #include "model/ModelWalk.h"
+#include "values/ConversionMemory.h"
 #include "values/ReadResult.h"
 #include "values/ReferenceList.h"
 
@@ -136,10 +137,12 @@ void BiDirUtils::getMoRefDiff(const VekMoAttributeValueContainer_3* newValue,
                               std::vector<std::string>& toAdd, std::vector<std::string>& toRemove) {
     const TracePoint operation = ORV_TRACE_POINT;
     forEachMissing(*newValue, *oldValue, [&](const char* dn) {
+        toAdd.reserve(newValue->count);
         toAdd.emplace_back(dn);
         ORV_TRACE_AT(operation, "DN to be added to backpointer: %s", dn);
     });
     forEachMissing(*oldValue, *newValue, [&](const char* dn) {
+        toRemove.reserve(oldValue->count);
         toRemove.emplace_back(dn);
         ORV_TRACE_AT(operation, "DN to be removed from backpointer: %s", dn);
     });
@@ -216,15 +219,16 @@ OrvReturnT BiDirUtils::setMoAttr(unsigned long txHandle, std::vector<std::string
 OrvReturnT BiDirUtils::writeBackPointer(const TracePoint& operation, unsigned long txHandle,
                                         const std::vector<std::string>& values, const char* dn,
                                         const char* attributeName) {
-    std::vector<OrvMoAttributeValue_3> slots(std::max<std::size_t>(values.size(), 1)); // never null
+    ConversionMemory memory;
+    const auto count = static_cast<std::uint32_t>(values.size());
+    auto* const slots = memory.malloc<OrvMoAttributeValue_3>(std::max(count, 1U)); // never null
     for (std::size_t i = 0; i < values.size(); ++i) {
         slots[i].moRef = values[i].c_str();
     }
-    const VekMoAttributeValueContainer_3 value{
-        OrvMoAttributeTypeMoRef_3, static_cast<std::uint32_t>(values.size()), slots.data()};
+    const VekMoAttributeValueContainer_3 value{OrvMoAttributeTypeMoRef_3, count, slots};
     const OrvReturnT code = BackPointerRouter(moRouter).write(txHandle, dn, attributeName, value);
     if (code == OrvOk) {
-        addUpdatedBp(txHandle, dn, attributeName);
+        recordWritten(mRecentTarget, txHandle, dn, attributeName);
     } else {
         ORV_TRACE_AT(operation, "Error code %d received when setting attribute %s in %s.", code,
                      attributeName, dn);
@@ -322,75 +326,87 @@ BiDirUtils::MoToLeave::MoToLeave(unsigned long txHandle)
     accessor.useTransaction(txHandle);
 }
 
-// Children before parents, and without recursion: a subtree can be deeper than a host's thread has
-// stack for.
 OrvReturnT BiDirUtils::updateBackPointersForDelete(unsigned long txHandle, const char* dn) {
     if (!hasModel()) {
         ORV_LOG(3, "VekOamSpiModelRepository_4T pointer is null.");
         return OrvFailure;
     }
     const TracePoint operation = ORV_TRACE_POINT;
-    std::list<MoToLeave> path; // from the deleted MO down to the current one
-    const OrvReturnT code = leaveOrDescend(operation, txHandle, dn, path);
+    MoToLeave top(txHandle);
+    const OrvReturnT code = leaveOrEnter(operation, txHandle, dn, top);
+    if (top.below) {
+        leaveSubtree(operation, txHandle, top);
+    }
+    return code;
+}
+
+/// Takes what lies below \p top, and then the MO itself, out of the back-pointers. Children before
+/// parents, and without recursion: a subtree can be deeper than a host's thread has stack for.
+void BiDirUtils::leaveSubtree(const TracePoint& operation, unsigned long txHandle, MoToLeave& top) {
+    std::list<MoToLeave> path; // from below the deleted MO down to the current one
     std::size_t visited = 0;
     bool isCutOff = false;
-    while (!path.empty()) {
-        MoToLeave& mo = path.back();
-        if (!mo.children.empty()) {
-            const std::string child = std::move(mo.children.front());
-            mo.children.pop_front();
-            if (path.size() < deepestSubtree && ++visited < largestSubtree) {
-                leaveOrDescend(operation, txHandle, child.c_str(), path);
+    for (;;) {
+        MoToLeave& mo = path.empty() ? top : path.back();
+        auto& [dn, children] = *mo.below;
+        if (!children.empty()) {
+            const std::string child = std::move(children.front());
+            children.pop_front();
+            if (path.size() + 1 < deepestSubtree && ++visited < largestSubtree) {
+                MoToLeave& entered = path.emplace_back(txHandle);
+                leaveOrEnter(operation, txHandle, child.c_str(), entered);
+                if (!entered.below) {
+                    path.pop_back();
+                }
             } else if (!isCutOff) {
                 isCutOff = true;
-                ORV_LOG(3, "A subtree to delete does not end: cut off at %s", child.c_str());
+                ORV_LOG_AT(operation, 3, "A subtree to delete does not end: cut off at %s",
+                           child.c_str());
             }
         } else if (!mo.childClasses.empty()) {
-            mo.accessor.getChildren(mo.dn, mo.childClasses.front(), mo.children);
+            mo.accessor.getChildren(dn, mo.childClasses.front(), children);
             mo.childClasses.pop_front();
         } else {
-            updateBackpointers(txHandle, mo.dn.c_str());
+            updateBackpointers(txHandle, dn.c_str());
+            if (path.empty()) {
+                return;
+            }
             path.pop_back();
         }
     }
-    return code;
 }
 
-/// Adds the MO to \p path if its class contains others, or takes it out of the back-pointers at
-/// once. If its class is not known nothing is done for it and what lies below it. Gives back the
-/// code of the class lookup.
-OrvReturnT BiDirUtils::leaveOrDescend(const TracePoint& operation, unsigned long txHandle,
-                                      const char* dn, std::list<MoToLeave>& path) {
-    MoToLeave& mo = path.emplace_back(txHandle);
+/// Fills \p mo in with the classes that the one of \p dn contains, if there are any, or takes the
+/// MO out of the back-pointers at once. If its class is not known nothing is done for it and what
+/// lies below it. Gives back the code of the class lookup.
+OrvReturnT BiDirUtils::leaveOrEnter(const TracePoint& operation, unsigned long txHandle,
+                                    const char* dn, MoToLeave& mo) {
     VekOamSpiMrMocHandle_4T moc = 0;
     const OrvReturnT code = lookUpMoc(operation, dn, moc);
-    if (code == OrvOk) {
-        mo.childClasses = containedClasses(operation, moc);
-    }
-    if (!mo.childClasses.empty()) {
-        mo.dn = dn;
+    if (code != OrvOk) {
         return code;
     }
-    if (code == OrvOk) {
+    findContainedClasses(operation, moc, mo.childClasses);
+    if (mo.childClasses.empty()) {
         updateBackpointers(txHandle, dn);
+    } else {
+        mo.below = Below{dn, {}};
     }
-    path.pop_back();
     return code;
 }
 
-/// The names of the classes that \p moc contains, as far as the model tells them.
-std::list<std::string> BiDirUtils::containedClasses(const TracePoint& operation,
-                                                    VekOamSpiMrMocHandle_4T moc) const {
+/// Appends to \p names those of the classes that \p moc contains, as far as the model tells them.
+void BiDirUtils::findContainedClasses(const TracePoint& operation, VekOamSpiMrMocHandle_4T moc,
+                                      std::list<std::string>& names) const {
     using Handle = VekOamSpiMrContainmentHandle_4T;
     const Orv::ModelReader model(*modelRepository);
-    std::list<std::string> names;
     auto walk = walkUntilNonZero<Handle>(
         operation, [&](Handle* found) { return stepTo(found, model.firstContainment(moc)); },
         [&](Handle current, Handle* found) {
             return stepTo(found, model.nextContainment(current));
         });
     if (!walk.more()) {
-        return names; // any code of the first step means that nothing is contained
+        return; // any code of the first step means that nothing is contained
     }
     for (; walk.more(); walk.advance()) {
         const VekOamSpiMrMocHandle_4T contained = model.containedMoc(walk.current()).value;
@@ -402,7 +418,6 @@ std::list<std::string> BiDirUtils::containedClasses(const TracePoint& operation,
     if (walk.code() != OrvNotExist) {
         ORV_LOG_AT(operation, 3, "Model repository returned error code %d", walk.code());
     }
-    return names;
 }
 
 OrvReturnT BiDirUtils::updateBackpointers(unsigned long txHandle, const char* dn) {
@@ -523,9 +538,19 @@ void BiDirUtils::removePendingBackpointersForTransaction(unsigned long txHandle)
 // or a second time finds the same pairs. A handle that the host uses again has its earlier pairs
 // checked again: more is checked then than need be, never less.
 void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char* attribute) {
+    recordWritten(mRecentSource, txHandle, dn, attribute);
+}
+
+void BiDirUtils::recordWritten(RecentPair& recent, unsigned long txHandle, const char* dn,
+                               const char* attribute) {
+    if (recent.pair != nullptr && recent.txHandle == txHandle && recent.pair->first == dn &&
+        recent.pair->second == attribute) {
+        return;
+    }
     mWritten.first = dn;
     mWritten.second = attribute;
-    modifiedBackPointers[txHandle].insert(mWritten); // copies it only if it is not known
+    // Copies the pair only if it is not known.
+    recent = {txHandle, &*modifiedBackPointers[txHandle].insert(mWritten).first};
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {

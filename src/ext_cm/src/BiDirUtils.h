@@ -15,6 +15,7 @@
 
 #include <list>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -55,6 +56,9 @@ public:
 
     /// False while there is no model repository, so that nothing can be asked of the model.
     bool hasModel() const { return modelRepository != nullptr; }
+
+    /// True if an addition waits, of any transaction. Takes no lock.
+    bool hasWaiting() const { return !mPending.isEmpty(); }
 
     /// Makes the far sides follow a write of the reference attribute \p attributeName of \p dn.
     /// To be called before the router has the new value, or, with \p isNewMo, after it has created
@@ -170,14 +174,19 @@ private:
         const char* attribute;
     };
 
+    /// What a walk needs to go down from an MO.
+    struct Below {
+        std::string dn;                  ///< of the MO
+        std::list<std::string> children; ///< of the class asked last, not yet visited
+    };
+
     /// An MO of a subtree that is deleted, while what lies below it is taken care of.
     struct MoToLeave {
         explicit MoToLeave(unsigned long txHandle);
 
-        std::string dn;
         Orv::MoAccessor accessor;
         std::list<std::string> childClasses; ///< whose children have not been asked for
-        std::list<std::string> children;     ///< of the class asked last, not yet visited
+        std::optional<Below> below;          ///< only if there are child classes
     };
 
     using Edit = void (BiDirUtils::*)(unsigned long, const char*, const char*,
@@ -195,10 +204,11 @@ private:
     OrvReturnT editTargets(Edit edit, const std::vector<std::string>& targets, const Source& source,
                            VekOamSpiMrAssociationEndHandle_4T near, VekOamSpiMrMocHandle_4T farMoc,
                            OrvReturnT code);
-    OrvReturnT leaveOrDescend(const TracePoint& operation, unsigned long txHandle, const char* dn,
-                              std::list<MoToLeave>& path);
-    std::list<std::string> containedClasses(const TracePoint& operation,
-                                            VekOamSpiMrMocHandle_4T moc) const;
+    OrvReturnT leaveOrEnter(const TracePoint& operation, unsigned long txHandle, const char* dn,
+                            MoToLeave& mo);
+    void leaveSubtree(const TracePoint& operation, unsigned long txHandle, MoToLeave& top);
+    void findContainedClasses(const TracePoint& operation, VekOamSpiMrMocHandle_4T moc,
+                              std::list<std::string>& names) const;
     void leaveAssociation(const TracePoint& operation, unsigned long txHandle, const char* dn,
                           VekOamSpiMrMocHandle_4T moc, VekOamSpiMrBiDirAssociationHandle_4T bidir);
     void leaveFarSides(const TracePoint& operation, unsigned long txHandle, const char* dn,
@@ -211,8 +221,21 @@ private:
                                 const char* attributeName);
     void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
 
+    /// A pair that was recorded lately, if there is one. It stays: nothing takes a pair out.
+    struct RecentPair {
+        unsigned long txHandle = 0;
+        const ModifiedAttribute* pair = nullptr;
+    };
+
+    /// addUpdatedBp, which \p recent may spare the search: a client often writes an attribute
+    /// again, or several that refer to one MO.
+    void recordWritten(RecentPair& recent, unsigned long txHandle, const char* dn,
+                       const char* attribute);
+
     PendingAdditions mPending{pendingBackPointers};
-    ModifiedAttribute mWritten; ///< what addUpdatedBp looks for; kept for the memory of its texts
+    ModifiedAttribute mWritten; ///< what recordWritten looks for; kept for the memory of its texts
+    RecentPair mRecentSource;   ///< written by a client
+    RecentPair mRecentTarget;   ///< written as a back-pointer
 };
 
 }

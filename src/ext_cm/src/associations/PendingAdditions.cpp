@@ -30,6 +30,7 @@ void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
     const Record record = mStore.emplace(targetDn, std::move(addition));
     try {
         mSources.insert(record);
+        count();
     } catch (...) {
         mStore.erase(record);
         throw;
@@ -39,6 +40,7 @@ void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
 void PendingAdditions::drop(Record record) {
     mSources.erase(record);
     mStore.erase(record);
+    count();
 }
 
 void PendingAdditions::drop(Sources::iterator first, Sources::iterator last) {
@@ -47,6 +49,7 @@ void PendingAdditions::drop(Sources::iterator first, Sources::iterator last) {
         first = mSources.erase(first);
         mStore.erase(record);
     }
+    count();
 }
 
 std::vector<PendingAdditions::Record> PendingAdditions::activeRecords(unsigned long txHandle,
@@ -62,6 +65,9 @@ std::vector<PendingAdditions::Record> PendingAdditions::activeRecords(unsigned l
 }
 
 void PendingAdditions::dropTransaction(unsigned long txHandle) {
+    if (mSources.empty()) {
+        return;
+    }
     const auto range = mSources.equal_range(Transaction{txHandle});
     drop(range.first, range.second);
 }

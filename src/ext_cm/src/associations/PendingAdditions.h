@@ -6,6 +6,8 @@
 
 #include "VekOamSpiModelRepository_4.h"
 
+#include <atomic>
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -34,7 +36,7 @@ struct BackPointerData {
 /// object adds and takes out, and no field changes that it orders by. Taking out needs no
 /// memory and so cannot fail.
 ///
-/// Threads: no lock of its own.
+/// Threads: no lock of its own, but isEmpty needs none.
 class PendingAdditions {
 public:
     /// By the DN of the target that is not there yet; under one key in order of insertion.
@@ -48,6 +50,9 @@ public:
     explicit PendingAdditions(Store& store) : mStore(store) {}
     PendingAdditions(const PendingAdditions&) = delete;
     PendingAdditions& operator=(const PendingAdditions&) = delete;
+
+    /// True if nothing waits. From any thread: an addition that this thread has made is seen.
+    bool isEmpty() const { return mCount.load(std::memory_order_acquire) == 0; }
 
     void add(const char* targetDn, BackPointerData addition);
     void drop(Record record);
@@ -91,9 +96,11 @@ private:
     static Source sourceOf(const Record& record);
     static Attribute attributeOf(const Record& record);
     void drop(Sources::iterator first, Sources::iterator last);
+    void count() { mCount.store(mSources.size(), std::memory_order_release); }
 
     Store& mStore;
     Sources mSources;
+    std::atomic<std::size_t> mCount{0}; ///< of the records
 };
 
 }
