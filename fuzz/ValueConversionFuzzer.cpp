@@ -8,6 +8,7 @@
 #include "life/TransactionData.h"
 #include "support/RecordMaker.h"
 #include "support/Require.h"
+#include "values/ConversionMemory.h"
 #include "values/ConvertedResultData.h"
 #include "values/IdMappings.h"
 #include "values/ValueConversion.h"
@@ -170,7 +171,7 @@ void convertNamed(OrvMoAttributeValueContainer_3* original, const IdMappings& ma
                   const ValueConversion& conversion) {
     OrvMoNamedAttributeValueContainer_3 named{"name", *original};
     OrvMoNamedAttributeValueContainer_3* const attributes[] = {&named, &named, nullptr};
-    Orv::AutoMemory memory;
+    ConversionMemory memory;
     auto** const converted =
         conversion.toInternal(attributes, memory, [](const auto& /*converted*/) {});
     const Judge<Version3> judge(mappings, IdMappings::ToInternal);

@@ -10,6 +10,7 @@
 #include "life/ComponentName.h"
 #include "life/OpeningSteps.h"
 #include "life/ServiceLife.h"
+#include "values/ConversionMemory.h"
 #include "values/ConvertedResultData.h"
 #include "values/KnownAttributes.h"
 #include "values/ValueCheck.h"
@@ -20,10 +21,9 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <memory>
-#include <optional>
+#include <new>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace OrvExtCmRouterService {
 
@@ -68,6 +68,10 @@ bool canBeCreatedWith(const OrvMoNamedAttributeValueContainer_3& attribute) {
     return isNamed && isReadable(attribute.value);
 }
 
+bool isNoReference(const OrvMoNamedAttributeValueContainer_3& attribute) {
+    return attribute.value.type != OrvMoAttributeTypeMoRef_3;
+}
+
 // Puts the view in the place of the value in result. The last step of every wrapping, since it
 // cannot fail: after an exception a result is still the producer's.
 ConvertedResultData* handOut(std::unique_ptr<ConvertedResultData> view,
@@ -78,6 +82,43 @@ ConvertedResultData* handOut(std::unique_ptr<ConvertedResultData> view,
 }
 
 }
+
+/// An MO that a client creates, and the internal DNs by which it will be known. They are made when
+/// somebody needs them: most new MOs have no reference, and nothing waits for them.
+///
+/// Back-pointers know an MO with a naming attribute of its own as Class.attr=value, the record of
+/// references as Class=value. Neither form is corrected where the parent is empty: both then begin
+/// with a comma.
+class MoImpl3::CreatedMo {
+public:
+    /// Keeps no copy of what it is given.
+    CreatedMo(const std::string& parentDn, const char* className, const char* attrName,
+              const char* attrValue)
+        : mParentDn(parentDn), mClassName(className), mAttrName(attrName), mAttrValue(attrValue) {}
+
+    void makeDns() {
+        if (mTreeDn.empty()) {
+            mTreeDn = joined({mParentDn, ",", mClassName, "=", mAttrValue});
+            if (!isDefaultNamingAttribute(mClassName, mAttrName)) {
+                mNamedDn = joined({mParentDn, ",", mClassName, ".", mAttrName, "=", mAttrValue});
+            }
+        }
+    }
+
+    const char* namingAttribute() const { return mAttrName; }
+
+    // These two after makeDns.
+    const std::string& treeDn() const { return mTreeDn; }
+    const std::string& backPointerDn() const { return mNamedDn.empty() ? mTreeDn : mNamedDn; }
+
+private:
+    const std::string& mParentDn;
+    const char* mClassName;
+    const char* mAttrName;
+    const char* mAttrValue;
+    std::string mTreeDn;
+    std::string mNamedDn; ///< empty if it is the same
+};
 
 MoImpl3::MoImpl3(IdMappings& ids, TransactionData& transactions, BiDirUtils& utils,
                  UniDirValidator& validator)
@@ -210,38 +251,41 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
         return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle); // for the join alone, here and in the other writes
-    const std::string& parentDn = opened.dn;
-    const std::string plainDn = joined({parentDn, ",", className, "=", attrValue});
-    Orv::AutoMemory memory;
+    ConversionMemory memory;
     OrvMoNamedAttributeValueContainer_3* const none = nullptr;
     OrvMoNamedAttributeValueContainer_3** const converted =
         ValueConversion(idMappings)
             .toInternal(attributes != nullptr ? attributes : &none, memory, doNothing);
+    CreatedMo created(opened.dn, className, attrName, attrValue);
+    if (!allOf(converted, isNoReference)) {
+        created.makeDns(); // so that less can fail once the MO is there
+    }
     const OrvReturnT code =
-        router->createMo(txHandle, parentDn.c_str(), className, attrName, attrValue, converted);
+        router->createMo(txHandle, opened.dn.c_str(), className, attrName, attrValue, converted);
     if (code == OrvOk) {
-        const bool isPlain = isDefaultNamingAttribute(className, attrName);
-        const std::string namedDn =
-            isPlain ? std::string()
-                    : joined({parentDn, ",", className, ".", attrName, "=", attrValue});
-        recordCreation({txHandle, isPlain ? plainDn : namedDn, plainDn, true}, attrName, converted);
+        recordCreation(txHandle, created, converted);
     }
     return ORV_TRACE_RESULT(code);
 }
 
-// Back-pointers know an MO with a naming attribute of its own as Class.attr=value, the record of
-// references as Class=value. Neither form is corrected where the parent is empty: both then begin
-// with a comma.
-void MoImpl3::recordCreation(const WrittenMo& created, const char* namingAttr,
+// Back-pointers that wait are looked for also if none do when the lookup is traced.
+void MoImpl3::recordCreation(unsigned long txHandle, CreatedMo& created,
                              OrvMoNamedAttributeValueContainer_3** attributes) {
     for (std::size_t index = 0; attributes[index] != nullptr; ++index) {
         const OrvMoNamedAttributeValueContainer_3& attribute = *attributes[index];
         // Asked once more: the router was given the array and may have written to it.
-        if (attribute.value.type == OrvMoAttributeTypeMoRef_3 && canBeCreatedWith(attribute)) {
-            recordReferences(biDirUtils, uniDirValidator, created, attribute.name, attribute.value);
+        if (!isNoReference(attribute) && canBeCreatedWith(attribute)) {
+            created.makeDns();
+            recordReferences(biDirUtils, uniDirValidator,
+                             {txHandle, created.backPointerDn(), created.treeDn(), true},
+                             attribute.name, attribute.value);
         }
     }
-    biDirUtils.updatePendingBackPointer(created.txHandle, created.backPointerDn, namingAttr);
+    if (biDirUtils.hasWaiting() || isTracing()) {
+        created.makeDns();
+        biDirUtils.updatePendingBackPointer(txHandle, created.backPointerDn(),
+                                            created.namingAttribute());
+    }
 }
 
 OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const char* attrName,
@@ -258,21 +302,33 @@ OrvReturnT MoImpl3::setMoAttribute(unsigned long txHandle, const char* dn, const
         ORV_TRACE("Validation of networkManagedElementId failed: %s", idSlotOf(value).shownText());
         return ORV_TRACE_RESULT(OrvValidationFailed);
     }
-    // Recorded before the change is passed on: what came and what went is found by comparing with
-    // the value that the router still holds.
-    std::optional<Orv::AutoMemory> memory; // most values need none
-    OrvMoAttributeValueContainer_3 converted =
-        value != nullptr ? *value : OrvMoAttributeValueContainer_3{};
-    if (mayHoldReferences(converted)) {
-        converted = ValueConversion(idMappings).toInternal(*value, memory.emplace());
-        recordReferences(biDirUtils, uniDirValidator, {txHandle, opened.dn, opened.dn, false},
-                         attrName, converted);
+    if (value != nullptr && mayHoldReferences(*value)) {
+        return ORV_TRACE_RESULT(setReferences(txHandle, opened.dn, attrName, *value));
     }
-    MoInterceptorBase* const interceptor = interceptorFor(opened.dn);
-    return ORV_TRACE_RESULT(
-        interceptor != nullptr
-            ? interceptor->setMoAttribute(txHandle, opened.dn.c_str(), attrName, &converted)
-            : router->setMoAttribute(txHandle, opened.dn.c_str(), attrName, &converted));
+    const OrvMoAttributeValueContainer_3 plain =
+        value != nullptr ? *value : OrvMoAttributeValueContainer_3{};
+    return ORV_TRACE_RESULT(passOn(txHandle, opened.dn, attrName, plain));
+}
+
+// Recorded before the change is passed on: what came and what went is found by comparing with the
+// value that the router still holds.
+OrvReturnT MoImpl3::setReferences(unsigned long txHandle, const std::string& internalDn,
+                                  const char* attrName,
+                                  const OrvMoAttributeValueContainer_3& value) {
+    ConversionMemory memory;
+    const OrvMoAttributeValueContainer_3 converted =
+        ValueConversion(idMappings).toInternal(value, memory);
+    recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},
+                     attrName, converted);
+    return passOn(txHandle, internalDn, attrName, converted);
+}
+
+OrvReturnT MoImpl3::passOn(unsigned long txHandle, const std::string& internalDn,
+                           const char* attrName, const OrvMoAttributeValueContainer_3& value) {
+    MoInterceptorBase* const interceptor = interceptorFor(internalDn);
+    return interceptor != nullptr
+               ? interceptor->setMoAttribute(txHandle, internalDn.c_str(), attrName, &value)
+               : router->setMoAttribute(txHandle, internalDn.c_str(), attrName, &value);
 }
 
 OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
@@ -284,7 +340,9 @@ OrvReturnT MoImpl3::deleteMo(unsigned long txHandle, const char* dn) {
     getTxData(txHandle);
     // All before the delete: the attributes that name the far sides can be read only until then.
     biDirUtils.updateBackPointersForDelete(txHandle, opened.dn.c_str());
-    biDirUtils.removePendingBackPointerUpdates(txHandle, opened.dn);
+    if (biDirUtils.hasWaiting()) {
+        biDirUtils.removePendingBackPointerUpdates(txHandle, opened.dn);
+    }
     uniDirValidator.deleteMo(txHandle, opened.dn);
     return ORV_TRACE_RESULT(router->deleteMo(txHandle, opened.dn.c_str()));
 }
@@ -299,7 +357,7 @@ OrvReturnT MoImpl3::action(unsigned long txHandle, const char* dn, const char* n
         return ORV_TRACE_RESULT(opened.code);
     }
     getTxData(txHandle);
-    Orv::AutoMemory memory;
+    ConversionMemory memory;
     OrvMoNamedAttributeValueContainer_3** const converted =
         ValueConversion(idMappings).toInternal(parameters, memory, doNothing);
     const OrvReturnT code = router->action(txHandle, opened.dn.c_str(), name, converted, result);
@@ -333,23 +391,25 @@ ConvertedResultData* MoImpl3::createConvertedData(const char* dn, const char* at
 // The first view answers for the producer's array: the others have nothing to release.
 void MoImpl3::wrapMany(const char* dn, const char** attrNames,
                        OrvMoAttributeValuesResult_3& result) {
-    std::vector<std::unique_ptr<ConvertedResultData>> views;
-    views.reserve(lengthOf(result.containers));
+    const std::size_t count = lengthOf(result.containers);
+    std::unique_ptr<OrvMoAttributeValueContainer_3*[], decltype(&ConvertedResultData::deleteViews)>
+        views(static_cast<OrvMoAttributeValueContainer_3**>(std::calloc(count + 1, sizeof(void*))),
+              &ConvertedResultData::deleteViews);
+    if (views == nullptr) {
+        throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
+    }
     const char** name = attrNames;
-    for (std::size_t index = 0; result.containers[index] != nullptr; ++index) {
+    ConvertedResultData* first = nullptr;
+    for (std::size_t index = 0; index < count; ++index) {
         OrvMoAttributeValueResult_3 single = {nullptr, result.containers[index]};
-        std::unique_ptr<ConvertedResultData> view(createConvertedData(dn, *name, single));
-        views.push_back(std::move(view));
+        ConvertedResultData* const view = createConvertedData(dn, *name, single);
+        views[index] = view;
+        first = first != nullptr ? first : view;
         name += *name != nullptr ? 1 : 0; // a producer may answer with more than it was asked for
     }
-    auto** const containers =
-        static_cast<OrvMoAttributeValueContainer_3**>(std::calloc(views.size() + 1, sizeof(void*)));
-    views.front()->setOriginalMany(result.release, result.containers);
-    for (std::size_t index = 0; index < views.size(); ++index) {
-        containers[index] = views[index].release();
-    }
+    first->setOriginalMany(result.release, result.containers);
     result.release = &ConvertedResultData::multiReleaseFunc;
-    result.containers = containers;
+    result.containers = views.release();
 }
 
 }

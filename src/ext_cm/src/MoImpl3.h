@@ -24,7 +24,6 @@ namespace OrvExtCmRouterService {
 
 class ConvertedResultData;
 class MoInterceptorBase;
-struct WrittenMo;
 
 /// The managed-object interface of version 3: translates DNs, also those in values, asks an
 /// interceptor or else the host's router, and keeps associations in step with what is written.
@@ -100,6 +99,13 @@ private:
     /// Null if no interceptor is registered for the class of \p internalDn. Not owned.
     MoInterceptorBase* interceptorFor(const std::string& internalDn);
 
+    /// The last steps of a set: for a value that may hold references, and for one in its internal
+    /// form. They give back what the router or the interceptor answers.
+    OrvReturnT setReferences(unsigned long txHandle, const std::string& internalDn,
+                             const char* attrName, const OrvMoAttributeValueContainer_3& value);
+    OrvReturnT passOn(unsigned long txHandle, const std::string& internalDn, const char* attrName,
+                      const OrvMoAttributeValueContainer_3& value);
+
     // These put a converted view in the place of a producer's \p result. The view belongs to the
     // result: it and the original end when the client releases that. After an exception the result
     // is still the producer's.
@@ -113,9 +119,11 @@ private:
     /// For the values of several attributes, at least one. \p dn is external.
     void wrapMany(const char* dn, const char** attrNames, OrvMoAttributeValuesResult_3& result);
 
+    class CreatedMo;
+
     /// Keeps associations in step with an MO that the router has taken. \p attributes are the
     /// converted ones.
-    void recordCreation(const WrittenMo& created, const char* namingAttr,
+    void recordCreation(unsigned long txHandle, CreatedMo& created,
                         OrvMoNamedAttributeValueContainer_3** attributes);
 
     Poco::Mutex mMutex;

@@ -11,6 +11,7 @@
 #include "life/OpeningSteps.h"
 #include "life/ServiceLife.h"
 #include "messages/Tracing.h"
+#include "values/ConversionMemory.h"
 #include "values/KnownAttributes.h"
 #include "values/ValueCheck.h"
 #include "values/ValueConversion.h"
@@ -113,7 +114,7 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                   idSlotOf(refusedId).shownText());
         return ORV_TRACE_RESULT(OrvInvalidArgument);
     }
-    Orv::AutoMemory memory;
+    ConversionMemory memory;
     VekMoNamedAttributeValueContainer_3** const converted =
         convertAndRecord(txHandle, opened.dn, attributes, memory);
     MoInterceptorBase* const interceptor =
@@ -128,7 +129,7 @@ OrvReturnT MoImpl3_1::setMoAttributes(unsigned long txHandle, const char* dn,
 VekMoNamedAttributeValueContainer_3**
 MoImpl3_1::convertAndRecord(unsigned long txHandle, const std::string& internalDn,
                             VekMoNamedAttributeValueContainer_3** attributes,
-                            Orv::AutoMemory& memory) {
+                            ConversionMemory& memory) {
     return ValueConversion(idMappings)
         .toInternal(attributes, memory, [&](const VekMoNamedAttributeValueContainer_3& converted) {
             recordReferences(biDirUtils, uniDirValidator, {txHandle, internalDn, internalDn, false},

@@ -21,6 +21,8 @@
 
 namespace OrvExtCmRouterService {
 
+class ConversionMemory;
+
 /// What version 3_1 of the managed-object interface adds to version 3: setting several attributes
 /// of one MO in one call. A client uses version 3 for everything else; the two services stand side
 /// by side, each with its own router table and life.
@@ -60,7 +62,7 @@ public:
 private:
     VekMoNamedAttributeValueContainer_3**
     convertAndRecord(unsigned long txHandle, const std::string& internalDn,
-                     VekMoNamedAttributeValueContainer_3** attributes, Orv::AutoMemory& memory);
+                     VekMoNamedAttributeValueContainer_3** attributes, ConversionMemory& memory);
 
     Poco::Mutex mMutex;
     VekOamSpiManagedObject_3_1* router = nullptr;       ///< the host's

@@ -18,19 +18,6 @@ ConvertedResultData* viewOf(OrvMoAttributeValueContainer_3* container) {
 
 }
 
-ConvertedResultData::ConvertedResultData(ReleaseFn release,
-                                         OrvMoAttributeValueContainer_3* container)
-    : OrvMoAttributeValueContainer_3(container != nullptr ? *container
-                                                          : OrvMoAttributeValueContainer_3{}),
-      _origRelease(release),
-      _origContainer(container) {}
-
-void ConvertedResultData::setOriginalMany(MultiReleaseFn release,
-                                          OrvMoAttributeValueContainer_3** containers) {
-    _origMultiRelease = release;
-    _origContainers = containers;
-}
-
 const OrvMoAttributeValue_3& ConvertedResultData::originalValue(std::uint32_t index) const {
     return _origContainer->values[index];
 }
@@ -67,6 +54,10 @@ void ConvertedResultData::multiReleaseFunc(OrvMoAttributeValueContainer_3** cont
     if (first->_origContainers != nullptr) {
         Orv::releaseQuietly(first->_origMultiRelease, first->_origContainers);
     }
+    deleteViews(containers);
+}
+
+void ConvertedResultData::deleteViews(OrvMoAttributeValueContainer_3** containers) {
     for (std::size_t index = 0; containers[index] != nullptr; ++index) {
         delete viewOf(containers[index]);
     }

@@ -27,10 +27,17 @@ public:
 
     /// \p release may be null, as for a value that came from a client. A null \p container gives an
     /// empty view of type 0. The original must outlive the view.
-    ConvertedResultData(ReleaseFn release, OrvMoAttributeValueContainer_3* container);
+    ConvertedResultData(ReleaseFn release, OrvMoAttributeValueContainer_3* container)
+        : OrvMoAttributeValueContainer_3(container != nullptr ? *container
+                                                              : OrvMoAttributeValueContainer_3{}),
+          _origRelease(release),
+          _origContainer(container) {}
 
     /// For the first view of a result of many values: what releases the whole original.
-    void setOriginalMany(MultiReleaseFn release, OrvMoAttributeValueContainer_3** containers);
+    void setOriginalMany(MultiReleaseFn release, OrvMoAttributeValueContainer_3** containers) {
+        _origMultiRelease = release;
+        _origContainers = containers;
+    }
 
     /// A slot of the original, \p index below `count`.
     const OrvMoAttributeValue_3& originalValue(std::uint32_t index) const;
@@ -47,6 +54,9 @@ public:
     /// Releases an array of views, the original's array first and once. \p containers came from
     /// calloc and is ended by a null pointer. Without a view there is nothing to release.
     static void multiReleaseFunc(OrvMoAttributeValueContainer_3** containers);
+
+    /// Ends such an array and its views, and leaves the originals alone.
+    static void deleteViews(OrvMoAttributeValueContainer_3** containers);
 
 private:
     ReleaseFn _origRelease;

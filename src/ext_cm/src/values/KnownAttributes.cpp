@@ -5,16 +5,7 @@
 
 #include "DnUtil.h"
 
-#include <cstring>
-#include <string_view>
-
 namespace OrvExtCmRouterService {
-
-namespace {
-
-constexpr std::string_view rootClass = "ManagedElement";
-
-}
 
 // An empty text is accepted in every version.
 bool IdSlot::isRefused() const {
@@ -22,13 +13,6 @@ bool IdSlot::isRefused() const {
         return isSet;
     }
     return *text != '\0' && !Orv::DnUtil::validateMoNamingAttr(text);
-}
-
-bool isRootId(const char* attrName, const char* dn) {
-    return attrName != nullptr && *attrName == 'm' &&
-           std::strcmp(attrName, "managedElementId") == 0 &&
-           std::strncmp(dn, rootClass.data(), rootClass.size()) == 0 &&
-           std::strchr(dn, ',') == nullptr;
 }
 
 std::string externalRootId(const IdMappings& mappings, const char* id) {

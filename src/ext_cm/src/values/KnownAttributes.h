@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 /// \file
 /// The two attributes that the component knows by name.
@@ -67,10 +68,17 @@ bool isReadableAs(const char* attrName, const Container* value) {
     return isReadable(*value);
 }
 
+inline constexpr std::string_view rootClass = "ManagedElement";
+
 /// True if \p attrName is "managedElementId" and \p dn, external, names the root alone. The class
 /// is tested as a prefix: any that begins with "ManagedElement" will do. A null \p attrName is
 /// none.
-bool isRootId(const char* attrName, const char* dn);
+inline bool isRootId(const char* attrName, const char* dn) {
+    return attrName != nullptr && *attrName == 'm' &&
+           std::strcmp(attrName, "managedElementId") == 0 &&
+           std::strncmp(dn, rootClass.data(), rootClass.size()) == 0 &&
+           std::strchr(dn, ',') == nullptr;
+}
 
 /// True if \p value, which may be null, is one text.
 template <class Container>

@@ -5,7 +5,11 @@
 
 #include "values/StructConversion.h"
 
+#include <cstddef>
+#include <cstring>
+#include <limits>
 #include <string>
+#include <vector>
 
 namespace OrvExtCmRouterService {
 
@@ -45,15 +49,8 @@ void ValueConversion::transformContainer(ConvertedResultData& view,
     }
 }
 
-// The call has been done, so its result belongs to the client even if it cannot be read here.
-void ValueConversion::toExternal(ConvertedResultData& view) const {
-    if (isReadable(view)) {
-        transformContainer(view, IdMappings::ToExternal);
-    }
-}
-
 ValueConversion::Slot* ValueConversion::internalSlots(const OrvMoAttributeValueContainer_3& value,
-                                                      Orv::AutoMemory& memory) const {
+                                                      ConversionMemory& memory) const {
     if (value.type == OrvMoAttributeTypeMoRef_3) {
         return value.count != 0
                    ? translatedSlots(value.values, value.count, IdMappings::ToInternal, memory)
@@ -65,21 +62,44 @@ ValueConversion::Slot* ValueConversion::internalSlots(const OrvMoAttributeValueC
     // The view does not write to the original.
     auto* const view =
         new ConvertedResultData(nullptr, const_cast<OrvMoAttributeValueContainer_3*>(&value));
-    memory.own(view);
+    memory.heap().own(view);
     transformStructContainer(*view, IdMappings::ToInternal);
     return view->values;
 }
 
-// A reference that cannot be translated stays the producer's text: it lives as long as the value
-// that it came with.
+// One block holds the slots and behind them the texts. A reference that cannot be translated stays
+// the producer's text: it lives as long as the value that it came with.
+template <class Memory>
 ValueConversion::Slot* ValueConversion::translatedSlots(const Slot* references, std::uint32_t count,
                                                         IdMappings::DnConversion direction,
-                                                        Orv::AutoMemory& memory) const {
-    Slot* const slots = memory.malloc<Slot>(count);
+                                                        Memory& memory) const {
+    std::string one; // most values have one reference
+    std::vector<std::string> several;
+    std::string* texts = &one;
+    if (count > 1) {
+        several.resize(count);
+        texts = several.data();
+    }
+    std::size_t length = 0; // of the texts, with their ends
     for (std::uint32_t index = 0; index < count; ++index) {
-        const char* const original = references[index].moRef;
-        const std::string text = mMappings.convertDn(original, direction);
-        slots[index].moRef = text.empty() ? original : memory.strdup(text.c_str());
+        texts[index] = mMappings.convertDn(references[index].moRef, direction);
+        length += texts[index].size() + 1;
+    }
+    const std::size_t size = count + (length + sizeof(Slot) - 1) / sizeof(Slot); // in slots
+    if (size > std::numeric_limits<unsigned int>::max()) {
+        throw std::bad_alloc(); // GCOVR_EXCL_LINE: texts of more than 32 GB
+    }
+    Slot* const slots = present(memory.template malloc<Slot>(static_cast<unsigned int>(size)));
+    char* next = static_cast<char*>(static_cast<void*>(slots + count));
+    for (std::uint32_t index = 0; index < count; ++index) {
+        const std::string& text = texts[index];
+        if (text.empty()) {
+            slots[index].moRef = references[index].moRef;
+        } else {
+            slots[index].moRef = next;
+            next = static_cast<char*>(std::memcpy(next, text.c_str(), text.size() + 1)) +
+                   text.size() + 1;
+        }
     }
     return slots;
 }

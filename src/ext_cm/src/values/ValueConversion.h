@@ -6,6 +6,7 @@
 
 #include "AutoMemory.h"
 #include "OrvMoAttributeValue.h"
+#include "values/ConversionMemory.h"
 #include "values/ConvertedResultData.h"
 #include "values/IdMappings.h"
 #include "values/ValueCheck.h"
@@ -33,13 +34,17 @@ public:
     void transformContainer(ConvertedResultData& view, IdMappings::DnConversion direction) const;
 
     /// Converts what a router or an interceptor has answered, unless it is not readable: that is
-    /// passed on as it is.
-    void toExternal(ConvertedResultData& view) const;
+    /// passed on as it is, since the call has been done and its result belongs to the client.
+    void toExternal(ConvertedResultData& view) const {
+        if (mayHoldReferences(view) && areReferencesReadable(view)) {
+            transformContainer(view, IdMappings::ToExternal);
+        }
+    }
 
     /// The internal form of \p value, which is readable. New slots belong to \p memory; a value
     /// without DNs keeps its own.
     OrvMoAttributeValueContainer_3 toInternal(const OrvMoAttributeValueContainer_3& value,
-                                              Orv::AutoMemory& memory) const {
+                                              ConversionMemory& memory) const {
         OrvMoAttributeValueContainer_3 converted = value;
         if (mayHoldReferences(value)) {
             converted.values = internalSlots(value, memory);
@@ -52,7 +57,7 @@ public:
     /// and for values without DNs, which are the client's own. \p onEach is called with each copy
     /// before the next attribute is converted.
     template <class OnEach>
-    NamedAttribute** toInternal(NamedAttribute* const* attributes, Orv::AutoMemory& memory,
+    NamedAttribute** toInternal(NamedAttribute* const* attributes, ConversionMemory& memory,
                                 const OnEach& onEach) const {
         const auto count = static_cast<unsigned int>(lengthOf(attributes));
         auto** const copies = present(memory.malloc<NamedAttribute*>(count + 1));
@@ -77,9 +82,11 @@ private:
         return block;
     }
 
-    Slot* internalSlots(const OrvMoAttributeValueContainer_3& value, Orv::AutoMemory& memory) const;
+    Slot* internalSlots(const OrvMoAttributeValueContainer_3& value,
+                        ConversionMemory& memory) const;
+    template <class Memory>
     Slot* translatedSlots(const Slot* references, std::uint32_t count,
-                          IdMappings::DnConversion direction, Orv::AutoMemory& memory) const;
+                          IdMappings::DnConversion direction, Memory& memory) const;
     void transformMoRefContainer(ConvertedResultData& view,
                                  IdMappings::DnConversion direction) const;
     void transformStructContainer(ConvertedResultData& view,
