@@ -60,6 +60,18 @@ public:
     private:
         static std::set<void*> _allIters; ///< of all transactions
         static Poco::FastMutex _mutex;
+        static void* _lastFound; ///< one of _allIters, or null: a walk asks for it at each step
+
+        [[gnu::noinline]] static bool search(void* address) {
+            const bool isThere = _allIters.count(address) != 0;
+            _lastFound = isThere ? address : _lastFound;
+            return isThere;
+        }
+
+        void leave() {
+            _allIters.erase(this);
+            _lastFound = nullptr;
+        }
     };
 
     explicit IterImpl(IdMappings& idMappings) : mappings(idMappings) {}
@@ -124,22 +136,26 @@ template <class Table, class Handle>
 Poco::FastMutex IterImpl<Table, Handle>::MoIterator::_mutex;
 
 template <class Table, class Handle>
+void* IterImpl<Table, Handle>::MoIterator::_lastFound = nullptr;
+
+template <class Table, class Handle>
 IterImpl<Table, Handle>::MoIterator::~MoIterator() {
     // Nothing may leave a destructor. If the lock fails the record goes from the set all the same:
     // a mutex that cannot be locked lets no other thread in, and an address that stayed there would
     // make a dead handle look living.
     try {
         Poco::ScopedLock<Poco::FastMutex> lock(_mutex); // drops a failure to unlock
-        _allIters.erase(this);
+        leave();
     } catch (const Poco::SystemException&) {
-        _allIters.erase(this);
+        leave();
     }
 }
 
 template <class Table, class Handle>
 void IterImpl<Table, Handle>::MoIterator::enter(bool opensRoot) {
     underLock(_mutex, [&] {
-        _allIters.insert(this);
+        _allIters.insert(_allIters.end(), this); // a new one often has the highest address
+        _lastFound = this;
         atRoot = opensRoot;
     });
 }
@@ -148,7 +164,8 @@ template <class Table, class Handle>
 typename IterImpl<Table, Handle>::MoIterator*
 IterImpl<Table, Handle>::MoIterator::find(Handle handle) {
     void* const address = std::bit_cast<void*>(handle);
-    const bool living = underLock(_mutex, [&] { return _allIters.count(address) != 0; });
+    const bool living = underLock(
+        _mutex, [address] { return address == _lastFound ? address != nullptr : search(address); });
     return living ? static_cast<MoIterator*>(address) : nullptr;
 }
 
