@@ -28,6 +28,7 @@ test_packages=(
   git reuse           # which files are ours, and their licences
   doxygen             # API reference
   abigail-tools       # binary interface against the last release
+  valgrind            # what calls of the component cost
 )
 bench_packages=(
   libbenchmark-dev

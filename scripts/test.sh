@@ -8,7 +8,8 @@
 #                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
 #                          threads under ThreadSanitizer; the linter on the parts that a host loads
 #                          and on what changed; the API reference; the binary interface against
-#                          its baseline; the build of packagers, with g++
+#                          its baseline; what calls of the component cost, against the kept
+#                          numbers; the build of packagers, with g++
 #                          (scripts/release-builds.sh has the other ones); the coverage of the
 #                          component by its own tests
 #
@@ -53,7 +54,8 @@ if [ "$mode" = all ]; then
   build --preset dev --target api_reference
   step "binary interface"
   quietly build/release/configure.log cmake --preset release
-  build --preset release --target abi_check
+  build --preset release --target abi_check --target call_cost
+  run_tests release -L cost --verbose
   scripts/release-builds.sh Release g++
   scripts/coverage.sh
 fi
