@@ -12,6 +12,13 @@ InstancePlan::InstancePlan(const Model& model) : mClasses(model.classes.size()) 
             plan.byName.emplace(attribute.name, plan.attributes.size());
             plan.attributes.push_back({&attribute, {}, attribute.isRequired()});
         }
+        const ClassDef& moc = model.classes[index];
+        for (const std::string& key : moc.keys) { // the own name of a single key
+            const auto position = moc.findAttributeIndex(key);
+            if (position) {
+                plan.byName.emplace(key, *position);
+            }
+        }
     }
     addEnds(model);
 }

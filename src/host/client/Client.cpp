@@ -6,6 +6,7 @@
 #include "NamedRecords.h"
 #include "OfferedTable.h"
 #include "OwnedResult.h"
+#include "model/DnForm.h"
 #include "runtime/Host.h"
 
 #include <exception>
@@ -50,22 +51,46 @@ Client::Client(Host& host)
     : mHost(host),
       mTable(requireOffered<OrvOamSpiManagedObject_3>(host, OrvOamSpiManagedObject_3_ExtCmId)) {}
 
-bool Client::exists(unsigned long txHandle, const std::string& dn) {
+std::string Client::shortForm(std::string dn) const {
+    return shortDn(mHost.model(), std::move(dn));
+}
+
+std::vector<NamedValue> Client::shortForm(std::vector<NamedValue> values) const {
+    shortenReferences(mHost.model(), values);
+    return values;
+}
+
+NewObject Client::shortForm(NewObject object) const {
+    const Model& model = mHost.model();
+    object.parentDn = shortDn(model, std::move(object.parentDn));
+    const auto moc = model.findClass(object.className);
+    const AttributeDef* naming =
+        moc ? model.classes[*moc].findAttribute(object.namingAttribute) : nullptr;
+    if (naming != nullptr && naming->isNaming) {
+        object.namingAttribute = naming->name;
+    }
+    return object;
+}
+
+bool Client::exists(unsigned long txHandle, const std::string& writtenDn) {
+    const std::string dn = shortForm(writtenDn);
     bool exists = false;
     check(mTable->existsMo(txHandle, dn.c_str(), &exists), {"existsMo", dn, {}, {}});
     return exists;
 }
 
-unsigned long long Client::count(unsigned long txHandle, const std::string& dn,
+unsigned long long Client::count(unsigned long txHandle, const std::string& writtenDn,
                                  const std::string& className) {
+    const std::string dn = shortForm(writtenDn);
     unsigned long long count = 0;
     check(mTable->countMoChildren(txHandle, dn.c_str(), className.c_str(), &count),
           {"countMoChildren", dn, className, {}});
     return count;
 }
 
-ReadValue Client::get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
-                      const ClassDef* moc) {
+ReadValue Client::get(unsigned long txHandle, const std::string& writtenDn,
+                      const std::string& attribute, const ClassDef* moc) {
+    const std::string dn = shortForm(writtenDn);
     OrvMoAttributeValueResult_3 result{nullptr, nullptr};
     check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
           {"getMoAttribute", dn, {}, {attribute}});
@@ -73,9 +98,10 @@ ReadValue Client::get(unsigned long txHandle, const std::string& dn, const std::
     return toReadValue(result.container, definitionOf(moc, attribute));
 }
 
-std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::string& dn,
+std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::string& writtenDn,
                                         const std::vector<std::string>& attributes,
                                         const ClassDef* moc) {
+    const std::string dn = shortForm(writtenDn);
     std::vector<const char*> names = nullTerminated(attributes);
     OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
     check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
@@ -107,8 +133,9 @@ void Client::forEachChild(unsigned long txHandle, const std::string& dn,
     }
 }
 
-ChildIterator Client::openChildren(unsigned long txHandle, const std::string& dn,
+ChildIterator Client::openChildren(unsigned long txHandle, const std::string& writtenDn,
                                    const std::string& className) {
+    const std::string dn = shortForm(writtenDn);
     unsigned long long handle = 0;
     check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
           {"newMoIterator", dn, className, {}});
@@ -127,16 +154,20 @@ void Client::closeChildren(const ChildIterator& iterator) {
           {"finalizeMoIterator", iterator.dn, iterator.className, {}});
 }
 
-void Client::create(unsigned long txHandle, const NewObject& object,
-                    const std::vector<NamedValue>& attributes) {
+void Client::create(unsigned long txHandle, const NewObject& writtenObject,
+                    const std::vector<NamedValue>& written) {
+    const NewObject object = shortForm(writtenObject);
+    const std::vector<NamedValue> attributes = shortForm(written);
     NamedRecords records(attributes);
     check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
                            object.namingAttribute.c_str(), object.name.c_str(), records.data()),
           {"createMo", object.parentDn, object.className, namesOf(attributes)});
 }
 
-void Client::set(unsigned long txHandle, const std::string& dn,
-                 const std::vector<NamedValue>& attributes) {
+void Client::set(unsigned long txHandle, const std::string& writtenDn,
+                 const std::vector<NamedValue>& written) {
+    const std::vector<NamedValue> attributes = shortForm(written);
+    const std::string dn = shortForm(writtenDn);
     NamedRecords records(attributes);
     std::vector<std::string> done;
     for (auto** record = records.data(); *record != nullptr; ++record) {
@@ -146,12 +177,16 @@ void Client::set(unsigned long txHandle, const std::string& dn,
     }
 }
 
-void Client::remove(unsigned long txHandle, const std::string& dn) {
+void Client::remove(unsigned long txHandle, const std::string& writtenDn) {
+    const std::string dn = shortForm(writtenDn);
     check(mTable->deleteMo(txHandle, dn.c_str()), {"deleteMo", dn, {}, {}});
 }
 
-ReadValue Client::action(unsigned long txHandle, const std::string& dn, const std::string& name,
-                         const std::vector<NamedValue>& parameters, const ActionDef* def) {
+ReadValue Client::action(unsigned long txHandle, const std::string& writtenDn,
+                         const std::string& name, const std::vector<NamedValue>& written,
+                         const ActionDef* def) {
+    const std::vector<NamedValue> parameters = shortForm(written);
+    const std::string dn = shortForm(writtenDn);
     NamedRecords records(parameters);
     OrvMoAttributeValueResult_3 result{nullptr, nullptr};
     check(mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result),

@@ -31,7 +31,9 @@ struct ChildIterator {
 };
 
 /// An MO client of interface version 3: calls the table that the component offers, looked up
-/// through the portal like any client. All DNs are external, in values too. A code that is not
+/// through the portal like any client. All DNs are external, in values too, and can have steps with
+/// the key: the component, which compares DNs as texts, gets them in the short form (see shortDn),
+/// and a new object gets its naming attribute by that name. A code that is not
 /// OrvOk becomes an OperationError with the messages that the call left in the thread context;
 /// results are released before the operation returns.
 ///
@@ -101,6 +103,10 @@ public:
     void cancelBy(const CancellationToken* token) { mToken = token; }
 
 protected:
+    std::string shortForm(std::string dn) const;
+    std::vector<NamedValue> shortForm(std::vector<NamedValue> values) const;
+    NewObject shortForm(NewObject object) const;
+
     /// Throws OperationError unless \p code is OrvOk.
     void check(OrvReturnT code, OperationSubject subject);
 

@@ -67,8 +67,9 @@ Client1::Client1(Host& host)
     : Client(host),
       mTable(requireOffered<OrvOamSpiManagedObject_1>(host, OrvOamSpiManagedObject_1_ExtCmId)) {}
 
-ReadValue Client1::get(unsigned long txHandle, const std::string& dn, const std::string& attribute,
-                       const ClassDef* moc) {
+ReadValue Client1::get(unsigned long txHandle, const std::string& writtenDn,
+                       const std::string& attribute, const ClassDef* moc) {
+    const std::string dn = shortForm(writtenDn);
     OrvMoAttributeValueContainer* result = nullptr;
     check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
           {"getMoAttribute", dn, {}, {attribute}});
@@ -79,14 +80,16 @@ std::vector<NamedReadValue> Client1::get(unsigned long txHandle, const std::stri
                                          const std::vector<std::string>& attributes,
                                          const ClassDef* moc) {
     std::vector<NamedReadValue> values;
+    values.reserve(attributes.size());
     for (const std::string& attribute : attributes) {
         values.emplace_back(attribute, get(txHandle, dn, attribute, moc));
     }
     return values;
 }
 
-ChildIterator Client1::openChildren(unsigned long txHandle, const std::string& dn,
+ChildIterator Client1::openChildren(unsigned long txHandle, const std::string& writtenDn,
                                     const std::string& className) {
+    const std::string dn = shortForm(writtenDn);
     void* handle = nullptr;
     check(mTable->newMoIterator(txHandle, dn.c_str(), className.c_str(), &handle),
           {"newMoIterator", dn, className, {}});
@@ -102,8 +105,10 @@ std::optional<std::string> Client1::nextChild(const ChildIterator& iterator) {
 
 void Client1::closeChildren(const ChildIterator&) {}
 
-void Client1::create(unsigned long txHandle, const NewObject& object,
-                     const std::vector<NamedValue>& attributes) {
+void Client1::create(unsigned long txHandle, const NewObject& writtenObject,
+                     const std::vector<NamedValue>& written) {
+    const NewObject object = shortForm(writtenObject);
+    const std::vector<NamedValue> attributes = shortForm(written);
     check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
                            object.namingAttribute.c_str(), object.name.c_str()),
           {"createMo", object.parentDn, object.className, {}});
@@ -111,8 +116,10 @@ void Client1::create(unsigned long txHandle, const NewObject& object,
            {"the object is created"});
 }
 
-void Client1::set(unsigned long txHandle, const std::string& dn,
-                  const std::vector<NamedValue>& attributes) {
+void Client1::set(unsigned long txHandle, const std::string& writtenDn,
+                  const std::vector<NamedValue>& written) {
+    const std::vector<NamedValue> attributes = shortForm(written);
+    const std::string dn = shortForm(writtenDn);
     setAll(txHandle, dn, attributes, {});
 }
 
@@ -128,12 +135,16 @@ void Client1::setAll(unsigned long txHandle, const std::string& dn,
     }
 }
 
-void Client1::remove(unsigned long txHandle, const std::string& dn) {
+void Client1::remove(unsigned long txHandle, const std::string& writtenDn) {
+    const std::string dn = shortForm(writtenDn);
     check(mTable->deleteMo(txHandle, dn.c_str()), {"deleteMo", dn, {}, {}});
 }
 
-ReadValue Client1::action(unsigned long txHandle, const std::string& dn, const std::string& name,
-                          const std::vector<NamedValue>& parameters, const ActionDef* def) {
+ReadValue Client1::action(unsigned long txHandle, const std::string& writtenDn,
+                          const std::string& name, const std::vector<NamedValue>& written,
+                          const ActionDef* def) {
+    const std::vector<NamedValue> parameters = shortForm(written);
+    const std::string dn = shortForm(writtenDn);
     const NamedValues ordered = def != nullptr ? inOrderOf(*def, parameters) : parameters;
     Orv::AutoMemory memory;
     std::vector<OrvMoAttributeValueContainer> records(ordered.size());

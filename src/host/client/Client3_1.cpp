@@ -13,8 +13,10 @@ Client3_1::Client3_1(Host& host)
       mTable(requireOffered<VekOamSpiManagedObject_3_1>(host, VekOamSpiManagedObject_3_1_ExtCmId)) {
 }
 
-void Client3_1::set(unsigned long txHandle, const std::string& dn,
-                    const std::vector<NamedValue>& attributes) {
+void Client3_1::set(unsigned long txHandle, const std::string& writtenDn,
+                    const std::vector<NamedValue>& written) {
+    const std::vector<NamedValue> attributes = shortForm(written);
+    const std::string dn = shortForm(writtenDn);
     NamedRecords records(attributes);
     check(mTable->setMoAttributes(txHandle, dn.c_str(), records.data()),
           {"setMoAttributes", dn, {}, namesOf(attributes)});

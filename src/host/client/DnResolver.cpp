@@ -6,6 +6,7 @@
 #include "DnUtil.h"
 #include "MeIdTranslator.h"
 #include "Suggestion.h"
+#include "model/DnForm.h"
 
 #include <algorithm>
 
@@ -31,7 +32,8 @@ std::string DnResolver::whyNoDn(const std::string& dn, const ClassDef** moc) con
     if (dn.empty()) {
         return noStep(dn);
     }
-    for (const DnStep step : DnView(dn).steps()) {
+    const std::string asKnown = shortDn(mModel, dn);
+    for (const DnStep step : DnView(asKnown).steps()) {
         if (!isNamingStep(step)) {
             return noStep(step.text());
         }

@@ -10,6 +10,7 @@
 #include "base/DnView.h"
 #include "base/HostReturn.h"
 #include "base/Join.h"
+#include "model/DnForm.h"
 
 #include <algorithm>
 #include <cstring>
@@ -43,7 +44,7 @@ std::string ErrorExplainer::explain(const OperationError& error) {
         if (!problem.empty()) {
             return problem;
         }
-        std::string missing = explainMissingObject(subject.dn);
+        std::string missing = explainMissingObject(shortDn(mSession.model(), subject.dn));
         if (!missing.empty()) {
             return missing;
         }

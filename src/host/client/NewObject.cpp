@@ -6,10 +6,12 @@
 #include "ClientErrors.h"
 #include "DnResolver.h"
 #include "MeIdTranslator.h"
+#include "model/DnForm.h"
 
 namespace OrvHost {
 
-NewObject parseNewObject(const Model& model, const std::string& dn) {
+NewObject parseNewObject(const Model& model, const std::string& asWritten) {
+    const std::string dn = shortDn(model, asWritten);
     const DnStep step = DnView(dn).last();
     const std::string type(step.type());
     if (type.empty() || !step.hasEquals()) {

@@ -19,7 +19,8 @@ struct NewObject {
 };
 
 /// What \p dn, external, says of the object to create: its last step is Class=value or
-/// Class.attribute=value. Classes that \p model does not have are left to the component. Throws
+/// Class.attribute=value, where the key's own name is the
+/// naming attribute, too. Classes that \p model does not have are left to the component. Throws
 /// RequestError if the step has another form.
 NewObject parseNewObject(const Model& model, const std::string& dn);
 

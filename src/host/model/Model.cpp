@@ -33,11 +33,14 @@ const AttributeDef* TypeDef::findMember(std::string_view memberName) const {
 }
 
 const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) const {
-    return findNamed(attributes, attributeName);
+    const AttributeDef* found = findNamed(attributes, attributeName);
+    const bool isKey = keys.size() == 1 && keys.front() == attributeName;
+    return found == nullptr && isKey ? findNamed(attributes, namingAttribute) : found;
 }
 
 bool AttributeDef::isRequired() const {
-    return multiplicity.lower > 0 && !defaultValue && !isNaming && isWritable && !isConditional;
+    return multiplicity.lower > 0 && !defaultValue && !isGivenByName() && isWritable &&
+           !isConditional;
 }
 
 const ActionDef* ClassDef::findAction(std::string_view actionName) const {

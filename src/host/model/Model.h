@@ -27,8 +27,8 @@ using AttributeIndex = std::uint32_t;
 /// name.
 constexpr std::string_view kAnyClassName = "ManagedObject";
 
-/// The name of a naming attribute that needs not be written in a DN: the class's name, its first
-/// letter small, and "Id".
+/// The name of every naming attribute: the class's name, its first letter small, and "Id". In DNs
+/// it is left out. \p className must not be empty.
 std::string defaultNamingAttribute(std::string className);
 
 struct AttributeDef;
@@ -84,7 +84,10 @@ struct AttributeDef {
     std::string name;
     TypeDef type;
     Bounds multiplicity{0, 1};
-    bool isNaming = false;  ///< the attribute whose value names the object among its siblings
+    bool isNaming = false; ///< the attribute whose value names the object among its siblings
+    /// The attribute is one of several keys, the one at this position: its value is a part of the
+    /// naming value (see KeyValues.h) and is not stored.
+    std::optional<std::size_t> keyPosition;
     bool isWritable = true; ///< false: set by the system only
     /// True: it can be absent although the multiplicity demands values, because it belongs to a
     /// case of a choice or depends on a condition.
@@ -96,6 +99,8 @@ struct AttributeDef {
     /// True if a new object, or a struct, without a value for it is incomplete. What only the
     /// system sets is not demanded of those who cannot set it.
     bool isRequired() const;
+    /// True if the object's name gives the value: a naming attribute, or one of several keys.
+    bool isGivenByName() const { return isNaming || keyPosition; }
 };
 
 /// An operation that clients may run on objects of a class.
@@ -109,7 +114,11 @@ struct ActionDef {
 /// A managed object class.
 struct ClassDef {
     std::string name;
-    std::string namingAttribute;
+    std::string namingAttribute; ///< always defaultNamingAttribute(name)
+    /// What the author of the model calls the key: one name, which can be that of the naming
+    /// attribute and otherwise is another name for it; or the attributes that are the keys, in
+    /// order, if there are several.
+    std::vector<std::string> keys;
     bool isTopLevel = false;              ///< may exist without a parent
     std::vector<AttributeDef> attributes; ///< in the order of their definition
     std::vector<ChoiceDef> choices;       ///< among the attributes
@@ -120,11 +129,12 @@ struct ClassDef {
     std::string description;
     SourcePosition source;
 
-    /// The attribute with that name, or null. Linear in the number of attributes.
+    /// The attribute with that name, or null; a single key's own name means the naming attribute.
+    /// Linear in the number of attributes.
     const AttributeDef* findAttribute(std::string_view attributeName) const;
     /// The action with that name, or null.
     const ActionDef* findAction(std::string_view actionName) const;
-    /// The position of the attribute with that name, or nothing.
+    /// The position of what findAttribute finds, or nothing.
     std::optional<AttributeIndex> findAttributeIndex(std::string_view attributeName) const;
     /// True if an object of this class may exist under one of class `parent`.
     bool mayStandUnder(ClassIndex parent) const;

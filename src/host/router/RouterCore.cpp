@@ -3,6 +3,7 @@
 
 #include "RouterCore.h"
 
+#include "ContainerConversion.h"
 #include "model/ValueCheck.h"
 #include "store/WriteCheck.h"
 
@@ -67,6 +68,10 @@ void completeParameters(const ActionDef& action, std::vector<NamedValue>& parame
 
 RouterCore::RouterCore(MoStore& store, ThreadContext& threadContext)
     : mStore(store), mThreadContext(threadContext) {}
+
+std::string RouterCore::requireDn(const char* dn) const {
+    return shortDn(mStore.model(), requireText(dn, "the DN"));
+}
 
 std::shared_ptr<RouterTransaction> RouterCore::transaction(unsigned long txHandle) const {
     const std::shared_lock<std::shared_mutex> guard(mMutex);

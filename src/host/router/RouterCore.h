@@ -8,6 +8,7 @@
 #include "AutoMemory.h"
 #include "IteratorTable.h"
 #include "base/HostError.h"
+#include "model/DnForm.h"
 #include "store/MoStore.h"
 #include "transactions/ThreadContext.h"
 
@@ -52,6 +53,16 @@ public:
             mThreadContext.addMessage(ThreadContext::Explanation, error.what());
             return error.code();
         }
+    }
+
+    /// The text of a DN that must not be null (OrvInvalidArgument), in the form that the store
+    /// knows: see shortDn.
+    std::string requireDn(const char* dn) const;
+    /// \p value with its references in that form, and the same for named values.
+    template <class Values>
+    Values withShortReferences(Values value) const {
+        shortenReferences(mStore.model(), value);
+        return value;
     }
 
     /// The router's data of a transaction. OrvNotActive if the transaction is not known.

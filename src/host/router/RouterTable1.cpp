@@ -33,8 +33,8 @@ OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(value, "the value");
         mCore.transaction(txHandle)->store->set(
-            requireText(dn, "the DN"),
-            {{requireText(attrName, "the attribute name"), Conversion::toValue(*value)}});
+            mCore.requireDn(dn), {{requireText(attrName, "the attribute name"),
+                                   mCore.withShortReferences(Conversion::toValue(*value))}});
     });
 }
 
@@ -44,8 +44,8 @@ OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(result, "the result");
         const auto current = mCore.transaction(txHandle);
-        const AttributeValue value = current->store->get(
-            requireText(dn, "the DN"), requireText(attrName, "the attribute name"));
+        const AttributeValue value =
+            current->store->get(mCore.requireDn(dn), requireText(attrName, "the attribute name"));
         *result = makeContainer(value, current->memory);
     });
 }
@@ -54,10 +54,10 @@ OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, void** iterator) {
     return mCore.answer([&] {
         requireGiven(iterator, "the place for the iterator");
-        const IteratorHandle handle = mCore.newIterator(txHandle, requireText(dn, "the DN"),
+        const IteratorHandle handle = mCore.newIterator(txHandle, mCore.requireDn(dn),
                                                         requireText(className, "the class name"));
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle in the form of a pointer, never
-        // dereferenced
+        // A handle in the form of a pointer, never dereferenced.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         *iterator = reinterpret_cast<void*>(static_cast<std::uintptr_t>(handle));
     });
 }
@@ -72,7 +72,7 @@ OrvReturnT RouterTable1::nextMo(void* iterator, char** result) {
 OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const char* className,
                                   const char* attrName, const char* attrValue) {
     return mCore.answer([&] {
-        mCore.transaction(txHandle)->store->create(requireText(dn, "the DN"),
+        mCore.transaction(txHandle)->store->create(mCore.requireDn(dn),
                                                    requireText(className, "the class name"),
                                                    requireText(attrName, "the naming attribute"),
                                                    requireText(attrValue, "the naming value"), {});
@@ -80,8 +80,7 @@ OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const 
 }
 
 OrvReturnT RouterTable1::deleteMo(unsigned long txHandle, const char* dn) {
-    return mCore.answer(
-        [&] { mCore.transaction(txHandle)->store->remove(requireText(dn, "the DN")); });
+    return mCore.answer([&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
 }
 
 OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const char* name,
@@ -91,9 +90,9 @@ OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const ch
         requireGiven(result, "the result");
         std::vector<AttributeValue> values;
         for (auto** next = parameters; next != nullptr && *next != nullptr; ++next) {
-            values.push_back(Conversion::toValue(**next));
+            values.push_back(mCore.withShortReferences(Conversion::toValue(**next)));
         }
-        const AttributeValue value = mCore.action(txHandle, requireText(dn, "the DN"),
+        const AttributeValue value = mCore.action(txHandle, mCore.requireDn(dn),
                                                   requireText(name, "the action name"), values);
         *result = makeContainer(value, mCore.transaction(txHandle)->memory);
     });

@@ -22,9 +22,10 @@ OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const OrvMoAttributeValueContainer_3* value) {
     return mCore.answer([&] {
         requireGiven(value, "the value");
-        mCore.transaction(txHandle)->store->set(requireText(dn, "the DN"),
-                                                {{requireText(attrName, "the attribute name"),
-                                                  ContainerConversion<Records3>::toValue(*value)}});
+        mCore.transaction(txHandle)->store->set(
+            mCore.requireDn(dn),
+            {{requireText(attrName, "the attribute name"),
+              mCore.withShortReferences(ContainerConversion<Records3>::toValue(*value))}});
     });
 }
 
@@ -33,7 +34,7 @@ OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(result, "the result");
         *result = makeResult(mCore.transaction(txHandle)->store->get(
-            requireText(dn, "the DN"), requireText(attrName, "the attribute name")));
+            mCore.requireDn(dn), requireText(attrName, "the attribute name")));
     });
 }
 
@@ -47,8 +48,7 @@ OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
         for (const char** next = attrNames; *next != nullptr; ++next) {
             names.emplace_back(*next);
         }
-        *result =
-            makeResult(mCore.transaction(txHandle)->store->get(requireText(dn, "the DN"), names));
+        *result = makeResult(mCore.transaction(txHandle)->store->get(mCore.requireDn(dn), names));
     });
 }
 
@@ -56,7 +56,7 @@ OrvReturnT RouterTable3::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, unsigned long long* iterator) {
     return mCore.answer([&] {
         requireGiven(iterator, "the place for the iterator");
-        *iterator = mCore.newIterator(txHandle, requireText(dn, "the DN"),
+        *iterator = mCore.newIterator(txHandle, mCore.requireDn(dn),
                                       requireText(className, "the class name"));
     });
 }
@@ -73,15 +73,15 @@ OrvReturnT RouterTable3::createMo(unsigned long txHandle, const char* dn, const 
                                   OrvMoNamedAttributeValueContainer_3** attributes) {
     return mCore.answer([&] {
         mCore.transaction(txHandle)->store->create(
-            requireText(dn, "the DN"), requireText(className, "the class name"),
+            mCore.requireDn(dn), requireText(className, "the class name"),
             requireText(attrName, "the naming attribute"),
-            requireText(attrValue, "the naming value"), toNamedValues(attributes));
+            requireText(attrValue, "the naming value"),
+            mCore.withShortReferences(toNamedValues(attributes)));
     });
 }
 
 OrvReturnT RouterTable3::deleteMo(unsigned long txHandle, const char* dn) {
-    return mCore.answer(
-        [&] { mCore.transaction(txHandle)->store->remove(requireText(dn, "the DN")); });
+    return mCore.answer([&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
 }
 
 OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const char* name,
@@ -89,9 +89,9 @@ OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const ch
                                 OrvMoAttributeValueResult_3* result) {
     return mCore.answer([&] {
         requireGiven(result, "the result");
-        *result = makeResult(mCore.action(txHandle, requireText(dn, "the DN"),
+        *result = makeResult(mCore.action(txHandle, mCore.requireDn(dn),
                                           requireText(name, "the action name"),
-                                          toNamedValues(parameters)));
+                                          mCore.withShortReferences(toNamedValues(parameters))));
     });
 }
 
@@ -102,7 +102,7 @@ OrvReturnT RouterTable3::finalizeMoIterator(unsigned long long iterator) {
 OrvReturnT RouterTable3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
     return mCore.answer([&] {
         requireGiven(exists, "the place for the answer");
-        *exists = mCore.transaction(txHandle)->store->exists(requireText(dn, "the DN"));
+        *exists = mCore.transaction(txHandle)->store->exists(mCore.requireDn(dn));
     });
 }
 
@@ -111,7 +111,7 @@ OrvReturnT RouterTable3::countMoChildren(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(count, "the place for the count");
         *count = mCore.transaction(txHandle)->store->count(
-            requireText(dn, "the DN"), requireText(className, "the class name"));
+            mCore.requireDn(dn), requireText(className, "the class name"));
     });
 }
 

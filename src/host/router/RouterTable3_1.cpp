@@ -13,8 +13,8 @@ RouterTable3_1::RouterTable3_1(RouterCore& core)
 OrvReturnT RouterTable3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                            VekMoNamedAttributeValueContainer_3** attributes) {
     return mCore.answer([&] {
-        mCore.transaction(txHandle)->store->set(requireText(dn, "the DN"),
-                                                toNamedValues(attributes));
+        mCore.transaction(txHandle)->store->set(
+            mCore.requireDn(dn), mCore.withShortReferences(toNamedValues(attributes)));
     });
 }
 

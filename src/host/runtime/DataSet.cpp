@@ -8,6 +8,7 @@
 #include "base/DnView.h"
 #include "base/HostError.h"
 #include "base/Join.h"
+#include "model/DnForm.h"
 #include "store/MoStore.h"
 
 #include <algorithm>
@@ -31,6 +32,8 @@ AttributeValue& valueOf(StartObject& object, const std::string& attribute) {
 }
 
 void DataSet::add(StartObject object) {
+    object.dn = shortDn(mModel, std::move(object.dn));
+    shortenReferences(mModel, object.attributes);
     const auto known = mByDn.find(object.dn);
     if (known == mByDn.end()) {
         mByDn.emplace(object.dn, mObjects.size());
@@ -46,7 +49,9 @@ bool DataSet::isMention(const StartObject& object) const {
     const auto moc = mModel.findClass(DnView(object.dn).last().className());
     return std::all_of(object.attributes.begin(), object.attributes.end(),
                        [&](const NamedValue& attribute) {
-                           return moc && mModel.classes[*moc].namingAttribute == attribute.first;
+                           const AttributeDef* def =
+                               moc ? mModel.classes[*moc].findAttribute(attribute.first) : nullptr;
+                           return def != nullptr && def->isGivenByName();
                        });
 }
 

@@ -20,7 +20,7 @@ class MoStore;
 
 /// One object as it was read.
 struct StartObject {
-    std::string dn; ///< internal
+    std::string dn; ///< internal; here and in values, steps can be Class.key=value, too
     std::vector<NamedValue> attributes;
     SourcePosition source;
 };

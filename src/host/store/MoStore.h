@@ -37,6 +37,7 @@ public:
     const Model& model() const { return mModel; }
 
     /// Adds an object directly to the committed state: for data at start. Its parent must exist.
+    /// DNs, in values too, have the form `Class=value` (DataSet brings others into it).
     /// The object is checked against the model as a client's write is, with two differences:
     /// attributes that only the system sets may be given, and mandatory attributes must be given
     /// (except references, which the checks of associations cover). Throws HostError with a text

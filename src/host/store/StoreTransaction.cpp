@@ -139,8 +139,8 @@ AttributeValue StoreTransaction::valueOf(const Mo& mo, const std::string& attrib
     const ClassDef& moc = *classOf(mo);
     const AttributeIndex index = WriteCheck::requireAttribute(moc, name);
     const AttributeDef& def = moc.attributes[index];
-    if (def.isNaming) {
-        return WriteCheck::nameValue(def, nameOf(mo));
+    if (def.isGivenByName()) {
+        return WriteCheck::nameValue(moc, def, nameOf(mo));
     }
     if (auto value = AttributeBytes::read(moc, attributes, index)) {
         return std::move(*value);
@@ -271,7 +271,8 @@ void StoreTransaction::create(const std::string& parentDn, const std::string& cl
     const Mo parent = requireParent(parentDn);
     const ClassIndex index = requireChildClass(parentDn, parent, className);
     const ClassDef& moc = mModel.classes[index];
-    if (namingAttribute != moc.namingAttribute) {
+    const AttributeDef* naming = moc.findAttribute(namingAttribute);
+    if (naming == nullptr || !naming->isNaming) {
         throw HostError(OrvInvalidArgument,
                         "objects of class '" + className + "' are named by the attribute '" +
                             moc.namingAttribute + "', not '" + namingAttribute + "'");

@@ -61,8 +61,8 @@ public:
     AttributeValue get(const std::string& dn, const std::string& attribute) const;
     std::vector<AttributeValue> get(const std::string& dn,
                                     const std::vector<std::string>& attributes) const;
-    /// The values that were set, in the order of the class's definition, without the naming
-    /// attribute and without defaults.
+    /// The values that were set, in the order of the class's definition, without those that the
+    /// name gives and without defaults.
     std::vector<NamedValue> stored(const std::string& dn) const;
     /// The number of children of one class; \p parentDn empty: at the top level. Constant time,
     /// unless these children have changed since the transaction began or it has deleted objects.
@@ -77,7 +77,8 @@ public:
     /// Sets attributes of one object, all or none. An attribute that is set to no values becomes
     /// unset.
     void set(const std::string& dn, const std::vector<NamedValue>& values);
-    /// Creates a child of \p parentDn (empty: at the top level) with its attributes.
+    /// Creates a child of \p parentDn (empty: at the top level) with its attributes. \p
+    /// namingAttribute can also be the own name of a single key.
     void create(const std::string& parentDn, const std::string& className,
                 const std::string& namingAttribute, const std::string& name,
                 const std::vector<NamedValue>& values);

@@ -7,6 +7,7 @@
 #include "DnUtil.h"
 #include "base/DnView.h"
 #include "model/ChoiceCheck.h"
+#include "model/KeyValues.h"
 #include "model/ValueCheck.h"
 
 #include <algorithm>
@@ -171,7 +172,7 @@ void WriteCheck::name(const ClassDef& moc, const std::string& name) {
 void WriteCheck::value(const ClassDef& moc, AttributeIndex index, const AttributeValue& value,
                        Writer writer) {
     const AttributeDef& def = moc.attributes[index];
-    if (def.isNaming) {
+    if (def.isGivenByName()) {
         throw HostError(OrvHostNotWritable,
                         nameOf(moc, def) + " names the object and cannot be set");
     }
@@ -206,14 +207,12 @@ std::string WriteCheck::initial(const ClassDef& moc, const std::string& name,
     refuseDoubles(values);
     std::string bytes;
     for (const NamedValue& named : values) {
-        if (named.first != moc.namingAttribute) {
+        const AttributeDef& def = moc.attributes[requireAttribute(moc, named.first)];
+        if (!def.isGivenByName()) {
             applyOne(moc, named, writer, bytes);
-            continue;
-        }
-        const AttributeDef& naming = moc.attributes[requireAttribute(moc, named.first)];
-        if (named.second != nameValue(naming, name)) {
+        } else if (named.second != nameValue(moc, def, name)) {
             throw HostError(OrvInvalidArgument,
-                            nameOf(moc, naming) + " differs from the name " + quoted(name));
+                            nameOf(moc, def) + " differs from the name " + quoted(name));
         }
     }
     return bytes;
@@ -238,8 +237,14 @@ std::vector<std::string> WriteCheck::wrongChoices(const ClassDef& moc, std::stri
     });
 }
 
-AttributeValue WriteCheck::nameValue(const AttributeDef& naming, std::string_view name) {
-    return {naming.type.kind, {Value(std::string(name))}};
+AttributeValue WriteCheck::nameValue(const ClassDef& moc, const AttributeDef& def,
+                                     std::string_view name) {
+    if (!def.keyPosition) {
+        return {def.type.kind, {Value(std::string(name))}};
+    }
+    const auto keys = splitKeys(name, moc.keys.size());
+    return {def.type.kind,
+            keys ? std::vector<Value>{(*keys)[*def.keyPosition]} : std::vector<Value>()};
 }
 
 }

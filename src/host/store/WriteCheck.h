@@ -43,7 +43,7 @@ public:
     static void apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
                       std::string& bytes);
 
-    /// The attributes of an object that gets the name \p name: as apply, but the naming attribute
+    /// The attributes of an object that gets the name \p name: as apply, but what the name gives
     /// may be given if it has the same value.
     static std::string initial(const ClassDef& moc, const std::string& name,
                                const std::vector<NamedValue>& values, Writer writer);
@@ -55,8 +55,10 @@ public:
     /// What is wrong with the choices among the attributes of an object, see OrvHost::wrongChoices.
     static std::vector<std::string> wrongChoices(const ClassDef& moc, std::string_view bytes);
 
-    /// The value of a naming attribute, which is a text or an enumeration, for the name \p name.
-    static AttributeValue nameValue(const AttributeDef& naming, std::string_view name);
+    /// The value that the name \p name, which must fit, gives to the attribute \p def of \p moc:
+    /// the naming attribute, or one of several keys.
+    static AttributeValue nameValue(const ClassDef& moc, const AttributeDef& def,
+                                    std::string_view name);
 
 private:
     static void applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,

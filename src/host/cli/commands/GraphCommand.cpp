@@ -33,14 +33,14 @@ struct GraphOptions {
     std::string from; ///< DN or class; empty: the top level
 };
 
-GraphOptions parse(Words& words) {
+GraphOptions parse(Words& words, const Model& model) {
     GraphOptions options;
     options.wantsClasses = words.takeFlag("--classes");
     options.wantsDot = words.takeFlag("--dot");
     options.file = words.takeText("-o");
     options.depth = words.takeNumber("--depth").value_or(kNoLimit);
     options.limit = words.takeNumber("--limit").value_or(kObjects);
-    options.from = words.takeDnOrTop();
+    options.from = words.takeDnOrTop(model);
     words.end();
     return options;
 }
@@ -138,7 +138,7 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
 }
 
 void runGraph(Session& session, Words words) {
-    const GraphOptions options = parse(words);
+    const GraphOptions options = parse(words, session.model());
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
     print(session, options, drawing, options.wantsDot ? drawing.dot : renderSvg(drawing.dot));

@@ -29,7 +29,7 @@ JsonValue readValues(Session& session, const std::string& dn, const std::vector<
 }
 
 void runExists(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     words.end();
     const bool exists =
         session.read([&](unsigned long txHandle) { return session.client().exists(txHandle, dn); });
@@ -41,7 +41,7 @@ void runExists(Session& session, Words words) {
 }
 
 void runCount(Session& session, Words words) {
-    const std::string dn = words.takeDnOrTop();
+    const std::string dn = words.takeDnOrTop(session.model());
     const auto oneClass = words.takeOptional();
     words.end();
     const ChildWalk walk(session, dn, oneClass);
@@ -61,7 +61,7 @@ void runCount(Session& session, Words words) {
 }
 
 void runGet(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     std::vector<std::string> names = words.takeRest();
     const ClassDef* moc = DnResolver(session.model()).classOf(dn);
     const bool isOne = names.size() == 1;
@@ -82,7 +82,7 @@ void runGet(Session& session, Words words) {
 }
 
 void runList(Session& session, Words words) {
-    const std::string dn = words.takeDnOrTop();
+    const std::string dn = words.takeDnOrTop(session.model());
     const auto oneClass = words.takeOptional();
     words.end();
     const ChildWalk walk(session, dn, oneClass);

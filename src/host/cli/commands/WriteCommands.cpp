@@ -30,7 +30,7 @@ const AttributeDef* parameterOf(const ActionDef* action, const std::string& name
 }
 
 void runCreate(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     const Model& model = session.model();
     const NewObject object = parseNewObject(model, dn);
     requireReachable(object);
@@ -45,7 +45,7 @@ void runCreate(Session& session, Words words) {
 }
 
 void runSet(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     const ClassDef* moc = DnResolver(session.model()).classOf(dn);
     const std::vector<NamedValue> attributes = parseAssignments(
         words.takeRest(), [&](const std::string& name) { return definitionOf(moc, name); });
@@ -59,7 +59,7 @@ void runSet(Session& session, Words words) {
 }
 
 void runDelete(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     words.end();
     const bool isCommitted =
         session.write([&](unsigned long txHandle) { session.client().remove(txHandle, dn); });
@@ -67,7 +67,7 @@ void runDelete(Session& session, Words words) {
 }
 
 void runAction(Session& session, Words words) {
-    const std::string dn = words.take("the DN");
+    const std::string dn = words.takeDn(session.model());
     const std::string name = words.take("the action");
     const ClassDef* moc = DnResolver(session.model()).classOf(dn);
     const ActionDef* action = moc != nullptr ? moc->findAction(name) : nullptr;

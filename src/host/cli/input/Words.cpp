@@ -4,6 +4,7 @@
 #include "Words.h"
 
 #include "cli/errors/CliErrors.h"
+#include "model/DnForm.h"
 
 #include <algorithm>
 #include <charconv>
@@ -54,9 +55,13 @@ std::optional<std::string> Words::takeOptional() {
     return mWords.empty() ? std::nullopt : std::optional(take({}));
 }
 
-std::string Words::takeDnOrTop() {
+std::string Words::takeDn(const Model& model) {
+    return shortDn(model, take("the DN"));
+}
+
+std::string Words::takeDnOrTop(const Model& model) {
     const std::string dn = takeOptional().value_or("");
-    return dn == "/" ? "" : dn;
+    return dn == "/" ? "" : shortDn(model, dn);
 }
 
 std::vector<std::string> Words::takeRest() {

@@ -4,6 +4,8 @@
 #ifndef ORV_HOST_CLI_INPUT_WORDS_H
 #define ORV_HOST_CLI_INPUT_WORDS_H
 
+#include "model/Model.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,8 +34,11 @@ public:
     std::string take(const std::string& what);
     /// The next word, if there is one.
     std::optional<std::string> takeOptional();
-    /// A DN; "/", an empty word and no word at all mean the top level.
-    std::string takeDnOrTop();
+    /// The next word as a DN in the form that all commands show (see shortDn); throws UsageError if
+    /// there is none.
+    std::string takeDn(const Model& model);
+    /// The same; "/", an empty word and no word at all mean the top level.
+    std::string takeDnOrTop(const Model& model);
     std::vector<std::string> takeRest();
 
     /// Throws UsageError if words are left, or if an option was not taken.

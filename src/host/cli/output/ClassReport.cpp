@@ -88,7 +88,18 @@ std::string writableText(const AttributeDef* def) {
     if (def == nullptr) {
         return {};
     }
-    return def->isNaming ? "naming" : (def->isWritable ? "" : "read-only");
+    if (def->isGivenByName()) {
+        return def->isNaming ? "naming" : "key";
+    }
+    return def->isWritable ? "" : "read-only";
+}
+
+/// What the model's author calls the key, if that is another name.
+std::string keysText(const ClassDef& moc) {
+    if (moc.keys.size() > 1) {
+        return ", of the keys " + enumerate(moc.keys);
+    }
+    return moc.keys.front() == moc.namingAttribute ? "" : ", the key " + moc.keys.front();
 }
 
 /// The cases of a choice; in each what a case requires is marked.
@@ -229,6 +240,7 @@ JsonValue ClassReport::json() const {
     }
     return {{"name", mClass.name},
             {"namingAttribute", mClass.namingAttribute},
+            {"keys", mClass.keys},
             {"topLevel", mClass.isTopLevel},
             {"parents", parentNames(mModel, mClass)},
             {"children", mDescription.children},
@@ -241,7 +253,8 @@ JsonValue ClassReport::json() const {
 }
 
 std::string ClassReport::text() const {
-    std::string text = mClass.name + ", named by " + mClass.namingAttribute + "\n";
+    std::string text =
+        mClass.name + ", named by " + mClass.namingAttribute + keysText(mClass) + "\n";
     if (!mClass.description.empty()) {
         text += mClass.description + "\n";
     }

@@ -8,6 +8,7 @@
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
 #include "client/ErrorExplainer.h"
+#include "model/DnForm.h"
 
 #include <algorithm>
 #include <exception>
@@ -27,6 +28,15 @@ std::vector<std::string> withPrefix(const std::string& prefix, std::vector<std::
         text.insert(0, prefix);
     }
     return texts;
+}
+
+// The key's own name, too, if the naming attribute has another one.
+std::vector<std::string> readableNames(const ClassDef& moc) {
+    std::vector<std::string> names = attributeNames(moc);
+    if (moc.keys.size() == 1 && moc.keys.front() != moc.namingAttribute) {
+        names.push_back(moc.keys.front());
+    }
+    return names;
 }
 
 // After the colon of an expectation comes a command like any other.
@@ -99,14 +109,14 @@ std::vector<std::string> Completer::candidates(std::vector<std::string> words) {
 std::vector<std::string> Completer::candidatesOf(WordKind kind,
                                                  const std::vector<std::string>& words) {
     const DnResolver resolver(mSession.model());
-    const ClassDef* moc = resolver.classOf(words[1]);
+    const ClassDef* moc = resolver.classOf(shortDn(mSession.model(), words[1]));
     switch (kind) {
     case WordKind::Dn:
         return dns(words.back());
     case WordKind::ChildClass:
         return resolver.childClasses(moc);
     case WordKind::Attribute:
-        return moc != nullptr ? attributeNames(*moc) : std::vector<std::string>();
+        return moc != nullptr ? readableNames(*moc) : std::vector<std::string>();
     case WordKind::Assignment:
         return moc != nullptr ? assignments(moc->attributes, words.back())
                               : std::vector<std::string>();
@@ -137,7 +147,7 @@ std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>&
     const std::size_t equals = word.find('=');
     std::vector<std::string> result;
     for (const AttributeDef& def : all) {
-        if (equals == std::string::npos && !def.isNaming && def.isWritable) {
+        if (equals == std::string::npos && !def.isGivenByName() && def.isWritable) {
             result.push_back(def.name + "=");
         } else if (def.name == word.substr(0, equals)) {
             result = withPrefix(def.name + "=", values(def, word.substr(equals + 1)));
@@ -162,8 +172,9 @@ std::vector<std::string> Completer::values(const AttributeDef& def, const std::s
 // First the class of the last step with its "=", then the objects of that class.
 std::vector<std::string> Completer::dns(const std::string& word) {
     const DnView dn(word);
-    const std::string parent(dn.parent().text());
-    const std::string type(dn.last().type());
+    // Asked in the short form, and offered in the form in which the word begins.
+    const std::string asked = shortDn(mSession.model(), word);
+    const std::string parent(DnView(asked).parent().text());
     std::vector<std::string> result;
     if (!dn.last().hasEquals()) {
         const DnResolver resolver(mSession.model());
@@ -175,9 +186,10 @@ std::vector<std::string> Completer::dns(const std::string& word) {
         }
         return result;
     }
+    const std::string type(DnView(asked).last().type());
     mSession.read([&](unsigned long txHandle) {
         mSession.client().forEachChild(txHandle, parent, type, [&](const std::string& name) {
-            result.push_back(DnView(parent).child(type, name));
+            result.push_back(dn.parent().child(dn.last().type(), name));
             return result.size() < kMostObjects;
         });
     });

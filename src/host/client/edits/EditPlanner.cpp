@@ -9,6 +9,7 @@
 #include "ObjectChanges.h"
 #include "References.h"
 #include "base/DnView.h"
+#include "model/DnForm.h"
 
 #include <algorithm>
 #include <iterator>
@@ -51,7 +52,7 @@ private:
             const auto named = change.attributes.find(def.name);
             const bool isNamed = named != change.attributes.end();
             const bool isOpen = !isNamed && !change.isReplaced;
-            if (def.isNaming || isOpen || isAssociation(change, def) ||
+            if (def.isGivenByName() || isOpen || isAssociation(change, def) ||
                 change.contradicted.count(def.name) != 0) {
                 continue;
             }
@@ -188,15 +189,22 @@ private:
 
 }
 
-EditPlan applyWish(const Wish& wish, const Model& model, Clients& clients, unsigned long txHandle,
+EditPlan applyWish(Wish wish, const Model& model, Clients& clients, unsigned long txHandle,
                    const CancellationToken* token) {
     ClientState before(clients.version3(), txHandle);
-    EditPlan plan = EditPlanner(model, token).plan(wish, before);
+    EditPlan plan = EditPlanner(model, token).plan(std::move(wish), before);
     runPlan(plan, model, clients, txHandle, token);
     return plan;
 }
 
-EditPlan EditPlanner::plan(const Wish& wish, StateBefore& before) const {
+EditPlan EditPlanner::plan(Wish wish, StateBefore& before) const {
+    for (Edit& edit : wish.edits) {
+        edit.dn = shortDn(mModel, std::move(edit.dn));
+        for (WishedObject& object : edit.objects) {
+            object.dn = shortDn(mModel, std::move(object.dn));
+            shortenReferences(mModel, object.attributes);
+        }
+    }
     KnownState state(mModel, before, mToken);
     return PlanMaker(wish, state).take();
 }

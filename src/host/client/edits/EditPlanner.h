@@ -60,7 +60,7 @@ public:
 
     /// Throws EditRefusedError, CancelledError, what \p before throws, and RequestError if no calls
     /// bring an association into the wished state.
-    EditPlan plan(const Wish& wish, StateBefore& before) const;
+    EditPlan plan(Wish wish, StateBefore& before) const;
 
 private:
     const Model& mModel;
@@ -70,7 +70,7 @@ private:
 /// Plans \p wish for what the transaction \p txHandle sees and makes the calls. Returns what was
 /// done. Throws what EditPlanner::plan and runPlan throw; if it is not an EditRefusedError, a part
 /// may be written: abort the transaction.
-EditPlan applyWish(const Wish& wish, const Model& model, Clients& clients, unsigned long txHandle,
+EditPlan applyWish(Wish wish, const Model& model, Clients& clients, unsigned long txHandle,
                    const CancellationToken* token = nullptr);
 
 }

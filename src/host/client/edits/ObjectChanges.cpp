@@ -143,9 +143,9 @@ void ObjectChanges::checkValue(const ObjectChange& change, const NamedValue& nam
     if (isAsBefore) {
         return;
     }
-    if (def.isNaming) {
+    if (def.isGivenByName()) {
         const std::string name(DnView(change.dn).last().value());
-        if (named.second != WriteCheck::nameValue(def, name)) {
+        if (named.second != WriteCheck::nameValue(*change.moc, def, name)) {
             add(EditProblem::Kind::WrongValue, change.dn, def.name,
                 change.dn + "." + def.name + " names the object and cannot differ from " + name);
         }

@@ -14,7 +14,7 @@ namespace OrvHost {
 
 /// An object as somebody wants it, with the attributes that are named.
 struct WishedObject {
-    std::string dn; ///< external
+    std::string dn; ///< external; here and in values, steps can be Class.key=value, too
     /// References are external DNs. An attribute without values is named as empty.
     std::vector<NamedValue> attributes;
 };

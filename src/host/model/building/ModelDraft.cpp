@@ -122,6 +122,14 @@ ClassDraft& ClassDraft::key(std::string name) {
     return attribute(AttributeDraft::text(std::move(name)).naming());
 }
 
+ClassDraft& ClassDraft::keys(std::vector<AttributeDraft> drafts) {
+    for (std::size_t position = 0; position < drafts.size(); ++position) {
+        drafts[position].def.keyPosition = position;
+        attribute(std::move(drafts[position].mandatory()));
+    }
+    return *this;
+}
+
 ClassDraft& ClassDraft::attribute(AttributeDraft draft) {
     attributes.push_back(std::move(draft));
     return *this;

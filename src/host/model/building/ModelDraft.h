@@ -43,7 +43,8 @@ struct AttributeDraft {
     AttributeDraft& mandatory() { return multiplicity(1, 1); }
     /// Any number of values.
     AttributeDraft& many() { return multiplicity(0, kUnbounded); }
-    /// The attribute that names the object: one value, always there.
+    /// The attribute that names the object: one value, always there. The model calls it
+    /// defaultNamingAttribute(class); the name given here is another name for it.
     AttributeDraft& naming();
     AttributeDraft& readOnly();
     /// It can be absent even if it is mandatory: it belongs to a case of a choice.
@@ -80,8 +81,12 @@ struct ClassDraft {
 
     /// Objects of the class may exist without a parent.
     ClassDraft& topLevel();
-    /// Adds a text attribute of that name that names the object.
+    /// Adds a text attribute that names the object, see AttributeDraft::naming.
     ClassDraft& key(std::string name);
+    /// Adds attributes whose values together name the object, at least two, each a text or an
+    /// enumeration. The naming attribute, which holds all of them (see KeyValues.h), is added by
+    /// the builder.
+    ClassDraft& keys(std::vector<AttributeDraft> drafts);
     ClassDraft& attribute(AttributeDraft draft);
     ClassDraft& action(ActionDraft draft);
     /// Declares that an object has attributes of one of these cases only. Attributes in cases are

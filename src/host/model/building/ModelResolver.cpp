@@ -5,6 +5,7 @@
 
 #include "AssociationResolver.h"
 #include "AttributeResolver.h"
+#include "model/KeyValues.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -17,6 +18,10 @@ namespace {
 std::string subjectOf(const ClassDef& moc) {
     return "Class " + moc.name;
 }
+
+constexpr const char* kNameIsTaken =
+    ": this is the name of the naming attribute, which is the class's name and \"Id\"; expected "
+    "another name.";
 
 std::string firstPlace(const SourcePosition& source) {
     return source.file.empty() ? "" : ", first in " + toText(source);
@@ -72,6 +77,7 @@ void ModelResolver::resolveClass(const ClassDraft& draft, ClassDef& moc) {
     moc.attributes =
         attributes.resolveAll(draft.attributes, "Attribute " + moc.name + ".", moc.source);
     mProblems.checkBounds(moc.source, subjectOf(moc) + ", number of objects", moc.instances);
+    addNamingAttribute(moc);
     checkNamingAttribute(draft, moc);
     resolveActions(draft, moc);
     checkChoices(moc);
@@ -113,6 +119,44 @@ void ModelResolver::resolveActions(const ClassDraft& draft, ClassDef& moc) {
     }
 }
 
+// Several keys together name the object through one attribute that holds all of them.
+void ModelResolver::addNamingAttribute(ClassDef& moc) {
+    std::vector<AttributeDef> keys;
+    for (const AttributeDef& attribute : moc.attributes) {
+        if (!attribute.keyPosition) {
+            continue;
+        }
+        const ValueKind kind = attribute.type.kind;
+        if (kind != ValueKind::String && kind != ValueKind::Enumeration) {
+            mProblems.add(attribute.source,
+                          {"Attribute ", moc.name, ".", attribute.name,
+                           ": a key is a text or an enumeration, this is a ", kindName(kind), "."});
+        }
+        keys.push_back(attribute);
+    }
+    if (keys.empty()) {
+        return;
+    }
+    std::sort(keys.begin(), keys.end(), [](const AttributeDef& left, const AttributeDef& right) {
+        return left.keyPosition < right.keyPosition;
+    });
+    if (keys.size() == 1) {
+        mProblems.add(moc.source, {subjectOf(moc), " has one of several keys, ", keys[0].name,
+                                   ", and no other: a single key is declared with key()."});
+        return;
+    }
+    AttributeDef naming;
+    for (const AttributeDef& key : keys) {
+        moc.keys.push_back(key.name);
+        naming.type.description += (naming.type.description.empty() ? "" : "|") + key.name;
+    }
+    naming.isNaming = true;
+    naming.multiplicity = {1, 1};
+    naming.source = moc.source;
+    naming.type.check = [keys](const std::string& name) { return whyNoKeys(keys, name); };
+    moc.attributes.insert(moc.attributes.begin(), std::move(naming));
+}
+
 // The naming value is the text after "=" in a DN, so the attribute must be able to hold any single
 // text.
 void ModelResolver::checkNamingAttribute(const ClassDraft& draft, ClassDef& moc) {
@@ -124,8 +168,8 @@ void ModelResolver::checkNamingAttribute(const ClassDraft& draft, ClassDef& moc)
     }
     if (std::count_if(naming, moc.attributes.end(), isNaming) > 1) {
         mProblems.add(moc.source, {subjectOf(moc), " has more than one naming attribute."});
+        return;
     }
-    moc.namingAttribute = naming->name;
     const ValueKind kind = naming->type.kind;
     if (kind != ValueKind::String && kind != ValueKind::Enumeration) {
         mProblems.add(naming->source,
@@ -138,6 +182,23 @@ void ModelResolver::checkNamingAttribute(const ClassDraft& draft, ClassDef& moc)
                                        ": a naming attribute has exactly one value, not ",
                                        toText(naming->multiplicity), "."});
     }
+    nameNamingAttribute(moc, static_cast<std::size_t>(naming - moc.attributes.begin()));
+}
+
+// The component writes DNs of other forms if a naming attribute has another name.
+void ModelResolver::nameNamingAttribute(ClassDef& moc, std::size_t position) {
+    AttributeDef& naming = moc.attributes[position];
+    moc.namingAttribute = moc.name.empty() ? naming.name : defaultNamingAttribute(moc.name);
+    if (moc.keys.empty()) {
+        moc.keys.push_back(naming.name);
+    }
+    for (std::size_t other = 0; other < moc.attributes.size(); ++other) {
+        if (other != position && moc.attributes[other].name == moc.namingAttribute) {
+            mProblems.add(moc.attributes[other].source,
+                          {"Attribute ", moc.name, ".", moc.namingAttribute, kNameIsTaken});
+        }
+    }
+    naming.name = moc.namingAttribute;
 }
 
 void ModelResolver::resolveContainments() {

@@ -25,7 +25,9 @@ private:
     void resolveClass(const ClassDraft& draft, ClassDef& moc);
     void resolveActions(const ClassDraft& draft, ClassDef& moc);
     void checkChoices(const ClassDef& moc);
+    void addNamingAttribute(ClassDef& moc);
     void checkNamingAttribute(const ClassDraft& draft, ClassDef& moc);
+    void nameNamingAttribute(ClassDef& moc, std::size_t position);
     void resolveContainments();
     void resolveContainment(const ContainmentDraft& draft);
     void checkReachability();

@@ -127,7 +127,7 @@ TEST(WordsTest, Take_OptionsAnywhere_LeavesTheRest) {
     Words words({"a", "--depth", "3", "b"});
     EXPECT_EQ(words.takeNumber("--depth"), 3u);
     EXPECT_EQ(words.take("x"), "a");
-    EXPECT_EQ(words.takeDnOrTop(), "b");
+    EXPECT_EQ(words.takeDnOrTop(Model()), "b");
     EXPECT_NO_THROW(words.end());
     EXPECT_THROW(words.take("the DN"), UsageError);
 }
@@ -140,9 +140,9 @@ TEST(WordsTest, Take_WhatIsNoNumber_IsRefused) {
 }
 
 TEST(WordsTest, TopLevel_SlashEmptyOrNothing_AreTheSame) {
-    EXPECT_EQ(Words({"/"}).takeDnOrTop(), "");
-    EXPECT_EQ(Words({""}).takeDnOrTop(), "");
-    EXPECT_EQ(Words({}).takeDnOrTop(), "");
+    EXPECT_EQ(Words({"/"}).takeDnOrTop(Model()), "");
+    EXPECT_EQ(Words({""}).takeDnOrTop(Model()), "");
+    EXPECT_EQ(Words({}).takeDnOrTop(Model()), "");
 }
 
 TEST(WordsTest, End_WordLeft_IsRefused) {

@@ -26,7 +26,8 @@ TEST(Model, LookUpsByName_FindWhatIsThere) {
     ASSERT_TRUE(cell.has_value());
     const ClassDef& moc = model.classes[*cell];
     EXPECT_EQ(moc.name, "Cell");
-    EXPECT_EQ(moc.namingAttribute, "id");
+    EXPECT_EQ(moc.namingAttribute, "cellId");
+    EXPECT_EQ(moc.findAttribute("id")->name, "cellId");
     EXPECT_EQ(moc.findAttribute("offset")->name, "offset");
     EXPECT_EQ(moc.findAttributeIndex("locked"), 1U);
     EXPECT_EQ(moc.findAction("restart")->parameters.front().name, "delay");

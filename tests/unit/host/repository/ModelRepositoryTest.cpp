@@ -189,7 +189,7 @@ TEST_F(ModelRepositoryTest, Attributes_ComeInTheirOrderAndEnd) {
         code = mTable.attribute->getNextAttribute(handle, &handle);
     }
     EXPECT_EQ(code, OrvNotExist);
-    EXPECT_THAT(names, ElementsAre("id", "cell", "power"));
+    EXPECT_THAT(names, ElementsAre("antennaId", "cell", "power"));
 }
 
 TEST_F(ModelRepositoryTest, EndOfAList_LeavesTheOutVariableAlone) {
@@ -216,8 +216,8 @@ TEST_F(ModelRepositoryTest, Containments_GiveTheChildrenOfOneParent) {
 
 TEST_F(ModelRepositoryTest, TypeCodes_TellReferencesFromTheRest) {
     const std::vector<std::pair<const char*, int>> expected = {
-        {"id", 9},    {"locked", 1}, {"offset", 2}, {"load", 3},  {"gain", 4},
-        {"state", 5}, {"labels", 9}, {"place", 14}, {"next", 11}, {"any", 11}};
+        {"cellId", 9}, {"locked", 1}, {"offset", 2}, {"load", 3},  {"gain", 4},
+        {"state", 5},  {"labels", 9}, {"place", 14}, {"next", 11}, {"any", 11}};
     for (const auto& [name, expectedCode] : expected) {
         int code = 0;
         EXPECT_EQ(mTable.attributeType->getTypeCode(type(moc(kCell), name), &code), OrvOk);
@@ -233,8 +233,8 @@ TEST_F(ModelRepositoryTest, TypeBounds_AreThoseOfTheNumberOfValues) {
             OrvOk);
         return number;
     };
-    EXPECT_EQ(bound("id", 0), 1);
-    EXPECT_EQ(bound("id", 1), 1);
+    EXPECT_EQ(bound("cellId", 0), 1);
+    EXPECT_EQ(bound("cellId", 1), 1);
     EXPECT_EQ(bound("antennas", 0), 0);
     EXPECT_EQ(bound("antennas", 1), 4);
     EXPECT_EQ(bound("labels", 1), LLONG_MAX);
@@ -383,9 +383,9 @@ TEST_F(ModelRepositoryTest, UnknownProperties_AreInvalidArguments) {
                   OrvInvalidArgument);
         EXPECT_EQ(mTable.associationEnd->getEndIntProperty(anEnd, identifier, &number),
                   OrvInvalidArgument);
-        EXPECT_EQ(
-            mTable.attributeType->getTypeIntProperty(type(moc(kCell), "id"), identifier, &number),
-            OrvInvalidArgument);
+        EXPECT_EQ(mTable.attributeType->getTypeIntProperty(type(moc(kCell), "cellId"), identifier,
+                                                           &number),
+                  OrvInvalidArgument);
         EXPECT_EQ(text, nullptr);
         EXPECT_TRUE(flag);
         EXPECT_EQ(number, 3);

@@ -102,6 +102,53 @@ TEST_F(RouterTable3Test, GetMoAttribute_EachKind_HasItsCodeAndSlot) {
     result.release(result.containers);
 }
 
+// The key of these classes is `id`, their naming attributes are `networkId` and `nodeId`.
+TEST_F(RouterTable3Test, DnsWithTheKey_InEveryOperation_NameTheSameObject) {
+    for (const char* dn : {"Network.id=1,Node.id=a", "Network=1,Node.nodeId=a"}) {
+        bool exists = false;
+        EXPECT_EQ(v3.existsMo(tx, dn, &exists), OrvOk);
+        EXPECT_TRUE(exists) << dn;
+        EXPECT_EQ(getText(dn, "id"), "a");
+        EXPECT_EQ(getText(dn, "nodeId"), "a");
+        const char* names[] = {"label", "id", nullptr};
+        OrvMoAttributeValuesResult_3 result{};
+        ASSERT_EQ(v3.getMoAttributes(tx, dn, names, &result), OrvOk);
+        EXPECT_STREQ(result.containers[1]->values[0].string, "a");
+        result.release(result.containers);
+        EXPECT_EQ(set(dn, "label", OrvMoAttributeTypeString_3, {slotOf(dn)}), OrvOk);
+        EXPECT_EQ(getText(kA, "label"), dn);
+    }
+    unsigned long long number = 0;
+    EXPECT_EQ(v3.countMoChildren(tx, "Network.id=1", "Node", &number), OrvOk);
+    EXPECT_EQ(number, 2U);
+    ASSERT_EQ(v3.newMoIterator(tx, "Network.id=1", "Node", &number), OrvOk);
+    EXPECT_THAT(walk(number), ElementsAre("a", "b"));
+    EXPECT_EQ(v3.createMo(tx, "Network.id=1", "Node", "id", "c", nullptr), OrvOk);
+    EXPECT_EQ(v3.createMo(tx, "Network.id=1", "Node", "nodeId", "c", nullptr), OrvAlreadyExist);
+    EXPECT_EQ(v3.deleteMo(tx, "Network.id=1,Node.id=c"), OrvOk);
+    bool exists = true;
+    EXPECT_EQ(v3.existsMo(tx, "Network=1,Node=c", &exists), OrvOk);
+    EXPECT_FALSE(exists);
+    EXPECT_EQ(v3.existsMo(tx, "Network=1,Node.label=a", &exists), OrvOk);
+    EXPECT_FALSE(exists);
+    EXPECT_EQ(set(kA, "id", OrvMoAttributeTypeString_3, {slotOf("x")}), OrvHostNotWritable);
+}
+
+TEST_F(RouterTable3Test, ReferencesWithTheKey_AreKeptInTheShortForm) {
+    EXPECT_EQ(set(kA, "peers", OrvMoAttributeTypeMoRef_3, {slotOf("Network.id=1,Node.id=b")}),
+              OrvOk);
+    EXPECT_EQ(getText(kA, "peers"), kB);
+    OrvMoNamedAttributeValueContainer_3 peers{};
+    OrvMoAttributeValue_3 slot = slotOf("Network=1,Node.nodeId=b");
+    peers.name = "peers";
+    peers.value = {OrvMoAttributeTypeMoRef_3, 1, &slot};
+    OrvMoNamedAttributeValueContainer_3* all[] = {&peers, nullptr};
+    EXPECT_EQ(v3.createMo(tx, "Network=1", "Node", "nodeId", "c", all), OrvOk);
+    EXPECT_EQ(getText("Network=1,Node=c", "peers"), kB);
+    EXPECT_EQ(v3_1.setMoAttributes(tx, kA, all), OrvOk);
+    EXPECT_EQ(getText(kA, "peers"), kB);
+}
+
 TEST_F(RouterTable3Test, GetMoAttribute_Unset_IsAContainerWithoutValues) {
     OrvMoAttributeValueResult_3 result{};
     ASSERT_EQ(v3.getMoAttribute(tx, kB, "peers", &result), OrvOk);

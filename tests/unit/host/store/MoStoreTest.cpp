@@ -47,7 +47,7 @@ TEST_F(MoStoreTest, Load_WhatDoesNotFit_NamesDnAndWhatWasExpected) {
     expectRefused("Network=1,Node=a,Card=1", {}, OrvInvalidArgument,
                   "mandatory attribute 'kind' of class 'Card' is missing");
     expectRefused("Network=1,Node=c", {{"colour", text("x")}}, OrvNotExist,
-                  "has no attribute 'colour', expected one of: id, label");
+                  "has no attribute 'colour', expected one of: nodeId, label");
     expectRefused("Network=1,Node=c", {{"height", text("x")}}, OrvInvalidArgument,
                   "attribute 'height' of class 'Node'");
     expectRefused("Network=1,Node=c", {{"id", text("d")}}, OrvInvalidArgument,

@@ -15,6 +15,7 @@ namespace OrvHost {
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -67,6 +68,65 @@ TEST(ModelBuilder, SampleModel_KeepsWhatWasSaid) {
     ASSERT_EQ(place.type.members.size(), 2U);
     EXPECT_THAT(namesOf(model, place.type.members[1].type.targets), ElementsAre("Node"));
     EXPECT_EQ(cell.actions.front().result->name, "report");
+}
+
+TEST(ModelBuilder, Key_OfAnyName_MakesTheDefaultNamingAttribute) {
+    const Model model = ModelBuilder()
+                            .add(topClass("NRCellDU").attribute(AttributeDraft::text("label")))
+                            .add(ClassDraft("Mast").topLevel().key("mastId"))
+                            .build();
+    const ClassDef& cell = model.classes[0];
+    EXPECT_EQ(cell.namingAttribute, "nRCellDUId");
+    EXPECT_THAT(cell.keys, ElementsAre("id"));
+    EXPECT_EQ(cell.attributes[0].name, "nRCellDUId");
+    EXPECT_EQ(cell.findAttribute("id"), &cell.attributes[0]);
+    EXPECT_EQ(cell.findAttribute("nRCellDUId"), &cell.attributes[0]);
+    EXPECT_EQ(cell.findAttributeIndex("id"), 0U);
+    EXPECT_EQ(model.classes[1].namingAttribute, "mastId");
+    EXPECT_THAT(model.classes[1].keys, ElementsAre("mastId"));
+    EXPECT_EQ(model.classes[1].findAttribute("id"), nullptr);
+}
+
+TEST(ModelBuilder, AttributeWithTheNameOfTheNamingAttribute_IsRefused) {
+    EXPECT_THAT(problemsOf(withAttribute(AttributeDraft::text("topId"))),
+                ElementsAre("Attribute Top.topId: this is the name of the naming attribute, which "
+                            "is the class's name and \"Id\"; expected another name."));
+}
+
+TEST(ModelBuilder, SeveralKeys_NameObjectsThroughOneAttribute) {
+    const Model model =
+        ModelBuilder()
+            .add(ClassDraft("Route")
+                     .topLevel()
+                     .attribute(AttributeDraft::text("cost"))
+                     .keys({AttributeDraft::text("prefix"),
+                            AttributeDraft::enumeration("side", {"left", "right"})}))
+            .build();
+    const ClassDef& route = model.classes[0];
+    EXPECT_EQ(route.namingAttribute, "routeId");
+    EXPECT_THAT(route.keys, ElementsAre("prefix", "side"));
+    const AttributeDef& naming = *route.findAttribute("routeId");
+    EXPECT_TRUE(naming.isNaming);
+    EXPECT_EQ(naming.type.check("10.0.0.0/8|left"), "");
+    EXPECT_NE(naming.type.check("10.0.0.0/8|up"), "");
+    const AttributeDef& side = *route.findAttribute("side");
+    EXPECT_EQ(side.keyPosition, 1U);
+    EXPECT_FALSE(side.isRequired());
+}
+
+TEST(ModelBuilder, WrongKeys_AreRefused) {
+    const auto withKeys = [](std::vector<AttributeDraft> keys) {
+        return ModelBuilder().add(ClassDraft("Top").topLevel().keys(std::move(keys)));
+    };
+    EXPECT_THAT(problemsOf(withKeys({AttributeDraft::text("a")})),
+                Contains("Class Top has one of several keys, a, and no other: a single key is "
+                         "declared with key()."));
+    EXPECT_THAT(problemsOf(withKeys({AttributeDraft::text("a"), AttributeDraft::integer("b")})),
+                ElementsAre("Attribute Top.b: a key is a text or an enumeration, this is a whole "
+                            "number."));
+    EXPECT_THAT(problemsOf(withKeys({AttributeDraft::text("a"), AttributeDraft::text("topId")})),
+                ElementsAre("Attribute Top.topId: this is the name of the naming attribute, which "
+                            "is the class's name and \"Id\"; expected another name."));
 }
 
 TEST(ModelBuilder, EmptyModel_IsOne) {

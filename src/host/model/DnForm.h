@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_MODEL_DNFORM_H
+#define ORV_HOST_MODEL_DNFORM_H
+
+#include "Model.h"
+
+#include <string>
+#include <vector>
+
+/// \file
+/// A step of a DN can be written `Class=value` or `Class.attribute=value`, with the naming
+/// attribute or the key's own name. Both name the same object. The host keeps and shows the first
+/// form only; these functions bring what comes in into it. DNs can be internal or external. Any
+/// thread.
+
+namespace OrvHost {
+
+/// \p dn with all steps in the form `Class=value`. Steps with another attribute, with a class that
+/// the model does not have, or of another form are left as they are. Allocates nothing if there is
+/// nothing to change.
+std::string shortDn(const Model& model, std::string dn);
+
+/// The same for all references in a value, those in structs included.
+void shortenReferences(const Model& model, AttributeValue& value);
+void shortenReferences(const Model& model, std::vector<NamedValue>& values);
+
+}
+
+#endif
