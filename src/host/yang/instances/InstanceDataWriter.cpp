@@ -4,6 +4,7 @@
 #include "InstanceDataWriter.h"
 
 #include "base/DnView.h"
+#include "model/KeyValues.h"
 #include "yang/instances/ObjectWriter.h"
 #include "yang/source/YangContext.h"
 
@@ -26,6 +27,20 @@ DnStep lastStep(std::string_view dn) {
     return step;
 }
 
+std::vector<std::string> keysIn(std::string_view dn, const ObjectShape& shape) {
+    const std::string_view value = lastStep(dn).value();
+    if (shape.keys.size() == 1) {
+        return {std::string(value)};
+    }
+    auto keys = splitKeys(value, shape.keys.size());
+    if (!keys) {
+        refuse(dn, "the name \"" + std::string(value) + "\" does not consist of the " +
+                       std::to_string(shape.keys.size()) +
+                       " key values of its class; they were expected with | between them");
+    }
+    return std::move(*keys);
+}
+
 }
 
 InstanceDataWriter::InstanceDataWriter(std::shared_ptr<const YangSchema> schema, DataFormat format)
@@ -41,10 +56,10 @@ InstanceDataWriter& InstanceDataWriter::indent(bool on) {
 }
 
 void InstanceDataWriter::add(const DataObject& object) {
-    const std::string value(lastStep(object.dn).value());
+    const ObjectShape& shape = shapeFor(object.dn);
     std::string body;
     try {
-        body = mWriter->body(shapeFor(object.dn), value, object.attributes);
+        body = mWriter->body(shape, keysIn(object.dn, shape), object.attributes);
     } catch (const UnwritableValueError& error) {
         refuse(object.dn, error.what());
     }
@@ -84,7 +99,7 @@ InstanceDataWriter::Entry& InstanceDataWriter::enter(std::string_view dn) {
     TextNode& parent = parentDn.isEmpty() ? *mRoot : *enter(parentDn.text()).node;
     const ObjectShape& shape = shapeFor(dn);
     TextNode& node = place(shape, parent);
-    node.body = mWriter->body(shape, std::string(lastStep(dn).value()), {});
+    node.body = mWriter->body(shape, keysIn(dn, shape), {});
     return mEntries.emplace(std::string(dn), Entry{&shape, &node, false}).first->second;
 }
 

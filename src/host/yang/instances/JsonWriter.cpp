@@ -122,10 +122,13 @@ std::string jsonEscaped(const std::string& text) {
     return escaped;
 }
 
-std::string JsonWriter::body(const ObjectShape& shape, const std::string& namingValue,
+std::string JsonWriter::body(const ObjectShape& shape, const std::vector<std::string>& keys,
                              const std::vector<NamedValue>& attributes) const {
-    std::vector<std::string> members{nameOf(shape.key, shape.list) + ": " +
-                                     scalar(namingValue, shape.key)};
+    std::vector<std::string> members;
+    for (std::size_t at = 0; at < keys.size(); ++at) {
+        members.push_back(nameOf(shape.keys[at], shape.list) + ": " +
+                          scalar(keys[at], shape.keys[at]));
+    }
     const lysc_node* wrapper = nullptr;
     std::vector<std::string> wrapped;
     for (const NamedValue& value : attributes) {
@@ -138,7 +141,7 @@ std::string JsonWriter::body(const ObjectShape& shape, const std::string& naming
             (isWrapped ? wrapped : members).push_back(text);
         }
     }
-    if (!wrapped.empty()) {
+    if (wrapper != nullptr && !wrapped.empty()) {
         members.push_back(nameOf(wrapper, shape.list) + ": " + block(wrapped, "{", "}"));
     }
     return join(members, ",\n");

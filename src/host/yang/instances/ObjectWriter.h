@@ -47,9 +47,9 @@ public:
 
     static std::unique_ptr<ObjectWriter> make(DataFormat format, const YangContext& context);
 
-    /// The text of an object's key and attributes.
+    /// The text of an object's keys, one value for each in order, and attributes.
     /// \throws UnwritableValueError
-    virtual std::string body(const ObjectShape& shape, const std::string& namingValue,
+    virtual std::string body(const ObjectShape& shape, const std::vector<std::string>& keys,
                              const std::vector<NamedValue>& attributes) const = 0;
 
     /// The text of a whole tree: everything below `root`. `step` is the number of spaces for each

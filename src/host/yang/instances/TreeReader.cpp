@@ -5,6 +5,7 @@
 
 #include "DnUtil.h"
 #include "base/DnView.h"
+#include "model/KeyValues.h"
 #include "yang/instances/InstanceDataError.h"
 #include "yang/source/SourceLocator.h"
 #include "yang/types/ValueCodec.h"
@@ -62,7 +63,7 @@ void TreeReader::readObject(const lyd_node* node, const ObjectShape& shape,
 
 void TreeReader::gather(const lyd_node* first, const ObjectShape& shape, Contents& contents) {
     for (const lyd_node* node = first; node != nullptr; node = node->next) {
-        if (node->schema == shape.key) {
+        if (shape.isKey(node->schema)) {
             continue;
         }
         if (mSchema.objectAt(node->schema) != nullptr) {
@@ -111,15 +112,20 @@ Value TreeReader::valueOf(const lyd_node* node, const ValueShape& shape) {
 }
 
 std::string TreeReader::namingValueOf(const lyd_node* node, const ObjectShape& shape) {
-    const lyd_node* key = lyd_child(node);
-    const char* text = key != nullptr && key->schema == shape.key ? lyd_get_value(key) : nullptr;
-    if (!Orv::DnUtil::validateMoNamingAttr(text)) {
-        refuse(node, "\"" + std::string(text != nullptr ? text : "") +
+    std::vector<std::string> keys;
+    for (const lyd_node* key = lyd_child(node); key != nullptr && shape.isKey(key->schema);
+         key = key->next) {
+        keys.emplace_back(lyd_get_value(key));
+    }
+    const bool isWhole = keys.size() == shape.keys.size();
+    std::string name = !isWhole ? "" : keys.size() == 1 ? keys.front() : joinKeys(keys);
+    if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
+        refuse(node, "\"" + name +
                          "\" cannot be a value in a DN: a text was expected without control "
                          "characters and without , = + \" \\ < > ; that neither begins nor ends "
                          "with a space");
     }
-    return text != nullptr ? text : "";
+    return name;
 }
 
 /// A file can hold the same thing for every object: it is noted once, with the number.

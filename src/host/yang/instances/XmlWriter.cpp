@@ -81,9 +81,12 @@ void writeNode(std::ostream& out, const TextNode& node, const lysc_node* schema,
 
 }
 
-std::string XmlWriter::body(const ObjectShape& shape, const std::string& namingValue,
+std::string XmlWriter::body(const ObjectShape& shape, const std::vector<std::string>& keys,
                             const std::vector<NamedValue>& attributes) const {
-    std::string text = scalar(namingValue, shape.key, shape.list);
+    std::string text;
+    for (std::size_t at = 0; at < keys.size(); ++at) {
+        appendLine(text, scalar(keys[at], shape.keys[at], shape.list));
+    }
     const lysc_node* wrapper = nullptr;
     std::string wrapped;
     for (const NamedValue& value : attributes) {
@@ -95,7 +98,7 @@ std::string XmlWriter::body(const ObjectShape& shape, const std::string& namingV
             append(text, value, attribute, shape.list);
         }
     }
-    if (!wrapped.empty()) {
+    if (wrapper != nullptr && !wrapped.empty()) {
         appendLine(text, block(wrapper, shape.list, wrapped));
     }
     return text;

@@ -13,7 +13,7 @@ class XmlWriter : public ObjectWriter {
 public:
     using ObjectWriter::ObjectWriter;
 
-    std::string body(const ObjectShape& shape, const std::string& namingValue,
+    std::string body(const ObjectShape& shape, const std::vector<std::string>& keys,
                      const std::vector<NamedValue>& attributes) const override;
     void write(std::ostream& out, const TextNode& root, int step) const override;
 

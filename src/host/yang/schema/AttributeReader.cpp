@@ -4,6 +4,7 @@
 #include "AttributeReader.h"
 
 #include "yang/schema/ChoiceReader.h"
+#include "yang/schema/ClassNodes.h"
 #include "yang/source/StatementPlacement.h"
 #include "yang/types/TypeFacts.h"
 #include "yang/types/TypeReader.h"
@@ -94,6 +95,16 @@ AttributeReader::AttributeReader(std::shared_ptr<const YangContext> context,
       mIdentities(identities),
       mNotes(notes) {}
 
+// A single key names the objects; of several keys, all together do.
+void AttributeReader::describeKey(const lysc_node* node, AttributeDef& def) {
+    const std::vector<const lysc_node*> keys = keysOf(node->parent);
+    def.isNaming = keys.size() == 1;
+    if (!def.isNaming) {
+        const auto position = std::find(keys.begin(), keys.end(), node) - keys.begin();
+        def.keyPosition = static_cast<std::size_t>(position);
+    }
+}
+
 std::optional<AttributeReader::Attribute>
 AttributeReader::readAttribute(const lysc_node* node, const std::string& className, bool isFirst) {
     return read(node, className, isFirst);
@@ -130,11 +141,13 @@ AttributeReader::read(const lysc_node* node, const std::string& className, bool 
 AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
                                                      const std::string& className, bool isFirst) {
     noteOpenIdentities(node, followLeafrefs(typeOfLeaf(node)));
-    const bool isNaming = lysc_is_key(node) && !className.empty();
-    TypeDef type = isNaming ? readKeyType(node, mContext) : readType(node, mContext);
+    const bool isKey = lysc_is_key(node) && !className.empty();
+    TypeDef type = isKey ? readKeyType(node, mContext) : readType(node, mContext);
     Attribute attribute{AttributeDraft(node->name, type.kind), {}};
     attribute.draft.def.type = std::move(type);
-    attribute.draft.def.isNaming = isNaming;
+    if (isKey) {
+        describeKey(node, attribute.draft.def);
+    }
     if (isReferenceByType(node) || mAssociations.isReference(node, className)) {
         tellReference(node, className, isFirst, attribute);
     }

@@ -54,6 +54,7 @@ private:
     bool makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
                     AttributeDraft& draft);
     void noteOpenIdentities(const lysc_node* node, const lysc_type* type);
+    static void describeKey(const lysc_node* node, AttributeDef& def);
     void describe(const lysc_node* node, Attribute& attribute) const;
 
     std::shared_ptr<const YangContext> mContext;

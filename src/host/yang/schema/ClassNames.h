@@ -36,9 +36,6 @@ public:
     /// The name of the class that a list makes; \p list must be one of the collected modules.
     const std::string& of(const lysc_node* list) const;
 
-    /// True if the class that a list makes is not called as the list is.
-    bool isRenamed(const lysc_node* list) const { return of(list) != list->name; }
-
     /// The names of the classes that a text can mean: a class's own name, that of a list, or
     /// "module:list". A list's name means that of \p module if several modules have one.
     std::vector<std::string> find(const std::string& text, const std::string& module) const;

@@ -4,6 +4,7 @@
 #include "ClassNodes.h"
 
 #include "yang/schema/AssociationReader.h"
+#include "yang/types/TypeFacts.h"
 
 #include <string_view>
 
@@ -12,20 +13,50 @@ namespace {
 
 constexpr std::string_view kTransparent = "attributes";
 
-bool hasOneKey(const lysc_node* list) {
-    const lysc_node* key = keyOf(list);
-    return key != nullptr && (key->next == nullptr || !lysc_is_key(key->next));
+bool canBePath(const lysc_type* type) {
+    type = followLeafrefs(type);
+    if (type->basetype != LY_TYPE_UNION) {
+        return type->basetype == LY_TYPE_INST;
+    }
+    const auto* types = as<lysc_type_union>(type)->types;
+    LY_ARRAY_COUNT_TYPE i = 0;
+    for (i = 0; i < LY_ARRAY_COUNT(types); ++i) {
+        if (canBePath(types[i])) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }
 
-const lysc_node* keyOf(const lysc_node* list) {
-    const lysc_node* child = lysc_node_child(list);
-    return child != nullptr && lysc_is_key(child) ? child : nullptr;
+std::vector<const lysc_node*> keysOf(const lysc_node* list) {
+    std::vector<const lysc_node*> keys;
+    for (const lysc_node* child = lysc_node_child(list); child != nullptr && lysc_is_key(child);
+         child = child->next) {
+        keys.push_back(child);
+    }
+    return keys;
 }
 
 bool isClass(const lysc_node* node) {
-    return node->nodetype == LYS_LIST && hasOneKey(node) && !hasStatement(node, "struct");
+    return node->nodetype == LYS_LIST && !keysOf(node).empty() && !hasStatement(node, "struct") &&
+           whyNoClass(node).empty();
+}
+
+// A reference in a name would be neither translated nor updated. What an instance-identifier is
+// written like depends on the format of the data.
+std::string whyNoClass(const lysc_node* list) {
+    const std::vector<const lysc_node*> keys = keysOf(list);
+    for (const lysc_node* key : keys) {
+        if (isReferenceByType(key)) {
+            return std::string("its key \"") + key->name + "\" is a reference";
+        }
+        if (keys.size() > 1 && canBePath(typeOfLeaf(key))) {
+            return std::string("its key \"") + key->name + "\" can be an instance-identifier";
+        }
+    }
+    return "";
 }
 
 bool isTransparentInClass(const lysc_node* node) {

@@ -6,14 +6,20 @@
 
 #include <libyang/libyang.h>
 
+#include <string>
+#include <vector>
+
 namespace OrvHost {
 
-/// The first key of a list, or null.
-const lysc_node* keyOf(const lysc_node* list);
+/// The keys of a list, in the order in which they identify its entries. Empty if it has none.
+std::vector<const lysc_node*> keysOf(const lysc_node* list);
 
-/// True for a list whose entries are objects. A list with several keys has no single attribute that
-/// names its entries, so these are not objects.
+/// True for a list whose entries are objects.
 bool isClass(const lysc_node* node);
+
+/// Why the entries of a list with keys cannot be objects although nothing says that they are
+/// structs; empty if they can.
+std::string whyNoClass(const lysc_node* list);
 
 /// True for the container in a class whose contents are attributes of the class.
 bool isTransparentInClass(const lysc_node* node);

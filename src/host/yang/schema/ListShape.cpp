@@ -43,6 +43,15 @@ std::string typeText(const lysc_type* leafType) {
     return text;
 }
 
+/// The keys in their order, which is that in the names of objects.
+std::string keysText(const lysc_node* list) {
+    std::string text;
+    for (const lysc_node* key : keysOf(list)) {
+        text += std::string(key->name) + " ";
+    }
+    return text;
+}
+
 /// What the node's kind has besides the flags that all nodes have.
 std::string detailsText(const lysc_node* node, bool isInClass) {
     const auto boundsText = [](std::uint32_t min, std::uint32_t max) {
@@ -57,7 +66,7 @@ std::string detailsText(const lysc_node* node, bool isInClass) {
     }
     case LYS_LIST: {
         if (isInClass && isClass(node)) {
-            return "class" + contentsText(node, true);
+            return "class " + keysText(node) + contentsText(node, true);
         }
         const auto* list = reinterpret_cast<const lysc_node_list*>(node);
         return boundsText(list->min, list->max) + contentsText(node, false);
@@ -103,7 +112,7 @@ std::string contentsText(const lysc_node* parent, bool isInClass) {
 }
 
 std::string shapeTextOf(const lysc_node* list) {
-    return contentsText(list, true);
+    return keysText(list) + contentsText(list, true);
 }
 
 }

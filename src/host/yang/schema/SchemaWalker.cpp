@@ -66,11 +66,24 @@ void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
             std::vector<const lysc_node*> inner = wrappers;
             inner.push_back(node);
             walkTop(node, module, inner);
-        } else {
+        } else if (!noteList(node, "are not part of the model")) {
             mNotes.count("what stands outside of any class is not part of the model",
                          mLocator.of(node), pathOf(node));
         }
     }
+}
+
+/// Notes why a list has no objects although it has keys; false if it is no such list.
+bool SchemaWalker::noteList(const lysc_node* node, const char* whatEntriesAre) {
+    const std::string reason = node->nodetype == LYS_LIST && !hasStatement(node, "struct")
+                                   ? whyNoClass(node)
+                                   : std::string();
+    if (reason.empty()) {
+        return false;
+    }
+    mNotes.count(std::string("the entries of this list ") + whatEntriesAre + ", since " + reason,
+                 mLocator.of(node), pathOf(node));
+    return true;
 }
 
 SchemaWalker::Class& SchemaWalker::enterClass(const lysc_node* list) {
@@ -92,8 +105,7 @@ SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
     draft.instances(instances.lower, instances.upper)
         .described(list->dsc != nullptr ? list->dsc : "")
         .at(mLocator.of(list));
-    draft.def.namingAttribute =
-        mNames.isRenamed(list) ? defaultNamingAttribute(name) : keyOf(list)->name;
+    draft.def.namingAttribute = defaultNamingAttribute(name);
     mClasses.push_back(std::make_unique<Class>(Class{std::move(draft), {}}));
     mClassByName.emplace(name, mClasses.back().get());
     return *mClasses.back();
@@ -111,7 +123,7 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     ObjectShape shape;
     shape.className = moc.draft.def.name;
     shape.list = list;
-    shape.key = keyOf(list);
+    shape.keys = keysOf(list);
     shape.wrappers = wrappers;
     moc.places.push_back({list, {}});
     ObjectShape& added = mSchema.addObject(parent, std::move(shape));
@@ -133,6 +145,9 @@ void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrappe
             mAttributes.noteConditions(node);
             walkContents(node, node, moc, shape);
         } else {
+            if (wrapper == nullptr) {
+                noteList(node, "are values and not objects");
+            }
             addAttribute(node, wrapper, moc, shape);
         }
     }
@@ -145,26 +160,47 @@ void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper,
                      [node](const AttributeDraft& known) { return known.def.name == node->name; });
     std::optional<AttributeReader::Attribute> attribute =
         mAttributes.readAttribute(node, moc.draft.def.name, isFirst);
-    if (attribute && node == shape.key) {
-        attribute->draft.def.name = moc.draft.def.namingAttribute;
-    }
     if (attribute) {
         uniteAttribute(std::move(*attribute), wrapper, moc, shape);
     }
 }
 
+/// The naming attribute has a name that the module does not choose, and is known by that of the
+/// key, too. Another attribute with one of these names is called "module:name", as in JSON.
+void SchemaWalker::avoidNamesOfKeys(AttributeReader::Attribute& attribute, const Class& moc,
+                                    const ObjectShape& shape) {
+    const lysc_node* node = attribute.shape.node;
+    const std::string& naming = moc.draft.def.namingAttribute;
+    const bool isKey = shape.isKey(node);
+    const bool isNameOfKey =
+        std::any_of(shape.keys.begin(), shape.keys.end(),
+                    [&](const lysc_node* key) { return key->name == attribute.draft.def.name; });
+    const bool isNamesake = attribute.draft.def.name == naming;
+    if (isKey ? !isNamesake || shape.keys.size() == 1 : !isNamesake && !isNameOfKey) {
+        return;
+    }
+    std::string name = std::string(node->module->name) + ":" + node->name;
+    mNotes.add(attribute.draft.def.source, "attribute \"" + attribute.draft.def.name +
+                                               "\" of class \"" + moc.draft.def.name +
+                                               "\" is called \"" + name + "\", since \"" +
+                                               attribute.draft.def.name + "\" names the objects");
+    attribute.draft.def.name = name;
+    attribute.shape.name = std::move(name);
+}
+
 void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper,
                                   Class& moc, ObjectShape& shape) {
     std::vector<AttributeDraft>& attributes = moc.draft.attributes;
+    const bool isKey = shape.isKey(attribute.shape.node);
+    avoidNamesOfKeys(attribute, moc, shape);
     const std::string& name = attribute.draft.def.name;
     const auto known =
         std::find_if(attributes.begin(), attributes.end(),
                      [&name](const AttributeDraft& other) { return other.def.name == name; });
-    const bool isHere = name == moc.draft.def.namingAttribute && attribute.shape.node != shape.key;
     const auto twice =
         std::find_if(shape.attributes.begin(), shape.attributes.end(),
                      [&name](const ValueShape& other) { return other.name == name; });
-    if (isHere || twice != shape.attributes.end()) {
+    if (twice != shape.attributes.end()) {
         mNotes.add(attribute.draft.def.source,
                    "class \"" + moc.draft.def.name + "\" has an attribute \"" + name +
                        "\" already; the second one, at " + pathOf(attribute.shape.node) +
@@ -188,7 +224,7 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
     } else {
         known->def.isConditional = known->def.isConditional || def.isConditional;
     }
-    if (attribute.shape.node != shape.key) {
+    if (!isKey) {
         attribute.shape.wrapper = wrapper;
         shape.attributes.push_back(std::move(attribute.shape));
     }

@@ -53,11 +53,14 @@ private:
     void walkContents(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
     void walkActions(const lysc_node* list, Class& moc);
+    bool noteList(const lysc_node* node, const char* whatEntriesAre);
     Class& enterClass(const lysc_node* list);
     Class& addClass(const lysc_node* list);
     std::vector<ChoiceDef> choicesOf(Class& moc);
     void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
+    void avoidNamesOfKeys(AttributeReader::Attribute& attribute, const Class& moc,
+                          const ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
                         ObjectShape& shape);
     ActionDraft readAction(const lysc_node_action* action);

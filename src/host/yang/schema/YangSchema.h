@@ -6,6 +6,7 @@
 
 #include "model/Model.h"
 
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <string>
@@ -35,12 +36,16 @@ struct ObjectShape {
     std::string className;
     ClassIndex moc = 0;
     const lysc_node* list = nullptr;
-    const lysc_node* key = nullptr;
+    std::vector<const lysc_node*> keys; ///< at least one, in the order of the naming value
     /// Containers around a top-level list, outermost first; they contain objects but are not
     /// objects.
     std::vector<const lysc_node*> wrappers;
-    std::vector<ValueShape> attributes; ///< without the key
+    std::vector<ValueShape> attributes; ///< without the keys
     std::vector<const ObjectShape*> children;
+
+    bool isKey(const lysc_node* node) const {
+        return std::find(keys.begin(), keys.end(), node) != keys.end();
+    }
 };
 
 /// How objects and their attributes are placed in the trees of instance data. The model, which

@@ -46,9 +46,10 @@ std::vector<std::string> dnsOf(const std::vector<DataObject>& objects) {
 
 TEST(InstanceDataReader, Objects_ComeParentsFirstAndInTheOrderOfTheText) {
     const std::vector<DataObject> objects = readObjectsOf(siteModel(), kSite);
-    EXPECT_THAT(dnsOf(objects), ElementsAre("Site=a", "Site=a,Mast=m", "Site=a,Mast=b",
-                                            "Site=a,Antenna=7", "Site=b", "Truck=T1"));
-    EXPECT_EQ(siteModel().model.classes[objects[3].moc].name, "Antenna");
+    EXPECT_THAT(dnsOf(objects),
+                ElementsAre("Site=a", "Site=a,route=x|y", "Site=a,Mast=m", "Site=a,Mast=b",
+                            "Site=a,Antenna=7", "Site=b", "Truck=T1"));
+    EXPECT_EQ(siteModel().model.classes[objects[4].moc].name, "Antenna");
 }
 
 TEST(InstanceDataReader, Values_AreOfTheirKinds) {

@@ -66,7 +66,7 @@ std::string listOf(const std::string& name, const std::string& contents = "") {
 TEST(ClassNames, OneNameInTwoModules_IsPrecededByTheModule) {
     const YangModel model = modelOfAll({{"radio", kRadio}, {"core", kCore}});
     EXPECT_THAT(classesOf(model), ElementsAre("Site", "radio:Cell", "core:Cell"));
-    EXPECT_EQ(classOf(model, "Site").namingAttribute, "id");
+    EXPECT_EQ(classOf(model, "Site").namingAttribute, "siteId");
     EXPECT_EQ(classOf(model, "radio:Cell").namingAttribute, "radio:CellId");
     EXPECT_EQ(classOf(model, "core:Cell").namingAttribute, "core:CellId");
     EXPECT_TRUE(attributeOf(model, "core:Cell", "core:CellId").isNaming);
