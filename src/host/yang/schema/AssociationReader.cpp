@@ -65,12 +65,34 @@ std::string associationsText(const lysc_node* node) {
     return text;
 }
 
+namespace {
+
+bool isForeignReference(const std::string& typedefName) {
+    return withoutPrefix(typedefName) == kForeignReference;
+}
+
+}
+
 bool isReferenceByType(const lysc_node* node) {
     const std::vector<std::string> names = typedefsOf(node);
     return std::any_of(names.begin(), names.end(), [](const std::string& name) {
-        return name == std::string(kAssociationsModule) + ":reference" ||
-               withoutPrefix(name) == kForeignReference;
+        return name == std::string(kAssociationsModule) + ":reference" || isForeignReference(name);
     });
+}
+
+void ignorePatternsOfReferences(YangContext& context) {
+    const auto visit = [](lysc_node* node, void* data, ly_bool*) {
+        const bool isLeaf = (node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0;
+        const std::vector<std::string> names =
+            isLeaf ? typedefsOf(node) : std::vector<std::string>();
+        if (std::any_of(names.begin(), names.end(), isForeignReference)) {
+            static_cast<YangContext*>(data)->ignorePatterns(node);
+        }
+        return LY_SUCCESS;
+    };
+    for (const lys_module* module : context.implementedModules()) {
+        lysc_module_dfs_full(module, visit, &context);
+    }
 }
 
 void AssociationReader::refuse(const SourcePosition& source, const std::string& keyword,

@@ -8,6 +8,7 @@
 #include "yang/schema/AssociationStatement.h"
 #include "yang/schema/ClassNames.h"
 #include "yang/source/SourceLocator.h"
+#include "yang/source/YangContext.h"
 
 #include <libyang/libyang.h>
 
@@ -81,6 +82,11 @@ std::string associationsText(const lysc_node* node);
 
 /// True if the type of the leaf or leaf-list says that its values are DNs.
 bool isReferenceByType(const lysc_node* node);
+
+/// Models in the public style have their own type for DNs, whose pattern is that of another
+/// notation: it permits no "_" in the name of a class, which many of their classes have. So values
+/// of these types are checked as references only. Call it before the types are read.
+void ignorePatternsOfReferences(YangContext& context);
 
 }
 

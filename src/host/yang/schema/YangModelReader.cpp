@@ -3,6 +3,7 @@
 
 #include "YangModelReader.h"
 
+#include "yang/schema/AssociationReader.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/SchemaWalker.h"
 #include "yang/source/ModuleFinder.h"
@@ -79,6 +80,7 @@ YangModel YangModelReader::read() const {
     const std::vector<std::string> names = resolve(mModules, finder);
     auto context = std::make_shared<YangContext>();
     context->load(names, {mFeatures, mHasOtherFeatures}, finder);
+    ignorePatternsOfReferences(*context);
 
     auto schema = std::make_shared<YangSchema>(context);
     ModelNotes notes;

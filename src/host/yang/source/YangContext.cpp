@@ -123,6 +123,9 @@ YangContext::YangContext() {
 }
 
 YangContext::~YangContext() {
+    for (const auto& [type, patterns] : mIgnoredPatterns) {
+        type->patterns = patterns;
+    }
     ly_ctx_destroy(mContext);
 }
 
@@ -195,6 +198,17 @@ std::vector<Problem> YangContext::compileProblems(const ModuleFinder& finder) co
         problems.push_back({{}, "the modules do not fit together"});
     }
     return problems;
+}
+
+void YangContext::ignorePatterns(const lysc_node* leaf) {
+    lysc_type* type = leaf->nodetype == LYS_LEAF
+                          ? reinterpret_cast<const lysc_node_leaf*>(leaf)->type
+                          : reinterpret_cast<const lysc_node_leaflist*>(leaf)->type;
+    auto* text = reinterpret_cast<lysc_type_str*>(type);
+    if (type->basetype == LY_TYPE_STRING && text->patterns != nullptr) {
+        mIgnoredPatterns.emplace_back(text, text->patterns);
+        text->patterns = nullptr;
+    }
 }
 
 std::vector<const lys_module*> YangContext::implementedModules() const {

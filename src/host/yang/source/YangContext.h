@@ -44,6 +44,10 @@ public:
 
     ly_ctx* get() const { return mContext; }
 
+    /// From now on texts that the patterns of this leaf or leaf-list refuse are values of it, and
+    /// of all others that share its type. Call it before other threads use the context.
+    void ignorePatterns(const lysc_node* leaf);
+
     /// The loaded modules that define data, in the order of loading.
     std::vector<const lys_module*> implementedModules() const;
 
@@ -68,6 +72,9 @@ private:
 
     ly_ctx* mContext = nullptr;
     std::set<std::string> mBorrowed; ///< modules that are there for their features only
+    /// The patterns that were taken out of types; the types get them back at the end, because they
+    /// own them.
+    std::vector<std::pair<lysc_type_str*, lysc_pattern**>> mIgnoredPatterns;
     /// The library does not promise that values can be checked on several threads at once.
     mutable std::mutex mValidation;
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "YangTestSupport.h"
+#include "model/ValueCheck.h"
 
 #include <gmock/gmock.h>
 
@@ -46,6 +47,23 @@ TEST(ForeignModel, AttributesContainer_IsTransparent) {
 TEST(ForeignModel, ListsInIt_AreStructs) {
     EXPECT_EQ(attributeOf(foreignModel(), "Cell", "area").type.kind, ValueKind::Struct);
     EXPECT_FALSE(foreignModel().model.findClass("area"));
+}
+
+// The pattern of the public type permits no "_" in the name of a class, and classes have it.
+TEST(ForeignModel, PatternOfDistinguishedName_DoesNotCount) {
+    const YangModel model = modelOfBody(R"(
+      typedef DistinguishedName { type string { pattern "[a-zA-Z][a-zA-Z0-9-]*=[^,]*"; } }
+      list EP_N6 {
+        key id;
+        leaf id { type string; }
+        leaf endRef { type DistinguishedName; }
+        leaf code { type string { pattern "[a-z]"; } }
+      })");
+    EXPECT_EQ(whyRefused(attributeOf(model, "EP_N6", "endRef").type, Value(std::string("EP_N6=1"))),
+              "");
+    EXPECT_NE(whyRefused(attributeOf(model, "EP_N6", "code").type, Value(std::string("A"))), "");
+    const auto objects = readObjectsOf(model, R"({"m:EP_N6": [{"id": "1", "endRef": "EP_N6=1"}]})");
+    EXPECT_EQ(valueOf(objects.at(0), "endRef"), "[EP_N6=1]");
 }
 
 TEST(ForeignModel, DistinguishedName_IsAReference) {
