@@ -4,7 +4,8 @@
 """Loads every module of public sets of YANG modules as a model, each in a process of its own.
 
 Prints for each set how many modules there are, how many orvhost takes, why it refuses the others,
-and how many end it in any other way than an answer. The sets are directories in
+how many end it in any other way than an answer, and how many lists with keys became classes, structs
+and nothing, if all modules that are taken are read as one model. The sets are directories in
 ORV_PUBLIC_MODULES; without it the script ends with status 77, which CTest shows as "not run".
 
 With --check the status is 1 if one process crashed or did not end in time, or if a set has fewer
@@ -98,6 +99,19 @@ def parser_takes(options, search, module):
                for extra in ([], ["-i"]))
 
 
+def report_lists(options, search, modules):
+    """Prints what became of the lists with keys of all modules that are taken, read as one model.
+    Returns what is wrong."""
+    done = subprocess.run([options.list_fates] + modules + ["--"] + search, check=False,
+                          stdin=subprocess.DEVNULL, capture_output=True, timeout=options.seconds,
+                          text=True, errors="replace")
+    if done.returncode != 0:
+        return [f"the modules that are taken cannot be read together: {done.stderr.strip()}"]
+    for line in done.stdout.splitlines():
+        print("  lists with " + line)
+    return []
+
+
 def report_set(options, pool, name, root):
     """Prints the table of one set; returns what is wrong with it."""
     others, least_share = KNOWN_SETS[name]
@@ -123,6 +137,9 @@ def report_set(options, pool, name, root):
             print(f"         {module}: " + text.replace("\n", "\n             "))
     problems = [f"{name}: {module} {fate}: {text}" for module, fate, text in fates
                 if fate in ("crashed", "too slow")]
+    if options.list_fates:
+        taken = [module for module, fate, _ in fates if fate == "taken"]
+        problems += [f"{name}: {problem}" for problem in report_lists(options, search, taken)]
     if options.every == 1 and counts["taken"] < least_share * len(modules):
         problems.append(f"{name}: {counts['taken']} of {len(modules)} modules are taken, "
                         f"expected at least {least_share:.0%}")
@@ -133,6 +150,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("orvhost", help="the program orvhost")
     parser.add_argument("--yanglint", help="the program yanglint, to compare with")
+    parser.add_argument("--list-fates", help="the program list_fates, to count what becomes of lists")
     parser.add_argument("--set", action="append", help="only this set",
                         choices=list(KNOWN_SETS))
     parser.add_argument("--option", action="append", default=[], help="an option for orvhost")
