@@ -25,7 +25,8 @@ namespace OrvHost {
 /// The referenced MOC of a reference attribute with exactly one permitted class is that class. For
 /// every other reference attribute it is the class "ManagedObject", which means any class: it has
 /// only a name, and no DN leads to it. The bounds of a type are the bounds of the number of values.
-/// An open upper bound is kUnbounded, a large positive number.
+/// An open upper bound is kUnbounded, a large positive number. What belongs to a case of a choice
+/// or depends on a condition has the lower bound 0; the store demands it when it is due.
 ///
 /// A table function gets no object argument, so only one repository at a time can exist in a
 /// process. Nothing changes after construction: the functions take no lock, and any number of

@@ -95,11 +95,14 @@ inline OrvReturnT propertiesOf(Handle owner, KindTest isAccepted, Handle* proper
                   [owner](const auto&, auto) { return Answer(owner | kPropertiesBit); });
 }
 
-/// A bound by its property identifier.
-inline std::optional<long long> boundOf(const Bounds& bounds, int identifier) {
+/// A bound of an attribute's values, or of the objects at the end that the attribute is named
+/// after, by its property identifier. What depends on a condition has no lower bound here: a reader
+/// of the model cannot know whether it is due (see ConditionalReferences.h).
+inline std::optional<long long> boundOf(const AttributeDef& attribute, const Bounds& bounds,
+                                        int identifier) {
     switch (identifier) {
     case VekOamSpiMrLowerBound_4:
-        return bounds.lower;
+        return attribute.isConditional ? 0 : bounds.lower;
     case VekOamSpiMrUpperBound_4:
         return bounds.upper;
     default:

@@ -52,7 +52,8 @@ OrvReturnT getEndBoolProperty(Handle end, int identifier, bool* flag) {
 OrvReturnT getEndIntProperty(Handle end, int identifier, long long* number) {
     return answerProperty(end, &isEnd, number,
                           [identifier](const RepositoryIndex& index, RepositoryHandle parts) {
-                              return boundOf(index.end(parts).cardinality, identifier);
+                              return boundOf(index.attribute(index.attributeOfEnd(parts)),
+                                             index.end(parts).cardinality, identifier);
                           });
 }
 

@@ -20,7 +20,8 @@ OrvReturnT getTypeCode(Handle type, int* code) {
 OrvReturnT getTypeIntProperty(Handle type, int identifier, long long* number) {
     return answerProperty(type, &isOne<HandleKind::Type>, number,
                           [identifier](const RepositoryIndex& index, RepositoryHandle parts) {
-                              return boundOf(index.attribute(parts).multiplicity, identifier);
+                              const AttributeDef& attribute = index.attribute(parts);
+                              return boundOf(attribute, attribute.multiplicity, identifier);
                           });
 }
 

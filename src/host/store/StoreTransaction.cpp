@@ -6,6 +6,7 @@
 #include "AttributeBytes.h"
 #include "WriteCheck.h"
 #include "base/DnView.h"
+#include "model/ConditionalReferences.h"
 
 #include <algorithm>
 #include <utility>
@@ -394,7 +395,7 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
         violations.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" +
                              moc.name + "' has no value");
     }
-    checkChoices({kNoNode, &mo}, mo.attributes, violations);
+    checkConditions({kNoNode, &mo}, mo.attributes, violations);
     for (const ClassIndex child : moc.children) {
         if (mModel.classes[child].instances.lower > 0) {
             checkMembers(mo.dn, child, violations);
@@ -404,9 +405,18 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
 
 // Only here and never at a single set: the way from one case to another leads through none, or
 // through both.
-void StoreTransaction::checkChoices(const Mo& mo, const std::string& attributes,
-                                    std::vector<std::string>& violations) const {
-    for (const std::string& wrong : WriteCheck::wrongChoices(*classOf(mo), attributes)) {
+void StoreTransaction::checkConditions(const Mo& mo, const std::string& attributes,
+                                       std::vector<std::string>& violations) const {
+    const ClassIndex index = classIndexOf(mo);
+    const ClassDef& moc = mModel.classes[index];
+    for (const std::string& wrong : WriteCheck::wrongChoices(moc, attributes)) {
+        violations.push_back(dnOf(mo) + ": " + wrong);
+    }
+    const auto valuesOf = [&](const std::string& name) {
+        const auto found = AttributeBytes::read(moc, attributes, *moc.findAttributeIndex(name));
+        return found.value_or(AttributeValue{ValueKind::MoRef, {}});
+    };
+    for (const std::string& wrong : tooFewReferences(mModel, index, valuesOf)) {
         violations.push_back(dnOf(mo) + ": " + wrong);
     }
 }
@@ -438,7 +448,7 @@ std::vector<std::string> StoreTransaction::check() const {
         }
     }
     for (const auto& [node, attributes] : mOverlay.modified()) {
-        checkChoices({node, nullptr}, attributes, violations);
+        checkConditions({node, nullptr}, attributes, violations);
     }
     for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
         checkMembers(parentDn, moc, violations);

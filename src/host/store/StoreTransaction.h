@@ -129,8 +129,8 @@ private:
     void appendCommittedChildren(const Mo& mo, ClassIndex moc, std::vector<Mo>& all) const;
 
     void checkCreated(const CreatedMo& mo, std::vector<std::string>& violations) const;
-    void checkChoices(const Mo& mo, const std::string& attributes,
-                      std::vector<std::string>& violations) const;
+    void checkConditions(const Mo& mo, const std::string& attributes,
+                         std::vector<std::string>& violations) const;
     void checkMembers(const std::string& parentDn, ClassIndex moc,
                       std::vector<std::string>& violations) const;
     TreeChange makeChange() const;

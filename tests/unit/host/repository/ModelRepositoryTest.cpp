@@ -4,6 +4,7 @@
 #include "repository/ModelRepository.h"
 
 #include "SampleModel.h"
+#include "model/building/ModelBuilder.h"
 #include "repository/RepositoryHandle.h"
 
 #include <gmock/gmock.h>
@@ -556,6 +557,39 @@ TEST_F(ModelRepositoryTest, Handles_OfDifferentThingsNeverMeet) {
     }
     EXPECT_EQ(handles.size(), count);
     EXPECT_EQ(handles.count(0), 0U);
+}
+
+// Otherwise the component would demand at validate what a client must not give.
+TEST(ModelRepositoryConditions, ConditionalReference_HasNoLowerBound) {
+    const Model model = ModelBuilder()
+                            .add(ClassDraft("Site").topLevel().key("id").attribute(
+                                AttributeDraft::reference("mast").multiplicity(1, 2).conditional()))
+                            .add(ClassDraft("Mast").topLevel().key("id"))
+                            .add(ReferenceDraft("Site", "mast").to("Mast").counts(1, 2))
+                            .build();
+    ModelRepository repository(model);
+    const VekOamSpiModelRepository_4& table = *repository.getInterface();
+    Handle moc = 0;
+    ASSERT_EQ(table.dnLookup->getMocFromDn("Site=1", 1, &moc), OrvOk);
+    Handle id = 0;
+    Handle attribute = 0;
+    Handle type = 0;
+    ASSERT_EQ(table.mocQueries->getFirstAttribute(moc, &id), OrvOk);
+    ASSERT_EQ(table.attribute->getNextAttribute(id, &attribute), OrvOk);
+    ASSERT_EQ(table.attribute->getAttributeType(attribute, &type), OrvOk);
+    long long lower = -1;
+    long long upper = -1;
+    EXPECT_EQ(table.attributeType->getTypeIntProperty(type, VekOamSpiMrLowerBound_4, &lower),
+              OrvOk);
+    EXPECT_EQ(lower, 0);
+    Handle association = 0;
+    Handle end = 0;
+    ASSERT_EQ(table.mocQueries->getFirstUniDirAssociation(moc, &association), OrvOk);
+    ASSERT_EQ(table.uniDirAssociation->getUniDirEnd(association, &end), OrvOk);
+    EXPECT_EQ(table.associationEnd->getEndIntProperty(end, VekOamSpiMrLowerBound_4, &lower), OrvOk);
+    EXPECT_EQ(table.associationEnd->getEndIntProperty(end, VekOamSpiMrUpperBound_4, &upper), OrvOk);
+    EXPECT_EQ(lower, 0);
+    EXPECT_EQ(upper, 2);
 }
 
 TEST(ModelRepositoryLife, TableAfterwards_IsNotActive) {

@@ -66,5 +66,33 @@ TEST_F(StoreChoiceTest, Set_FromOneCaseToTheOther_IsJudgedAtTheEnd) {
     EXPECT_THAT(tx->check(), IsEmpty());
 }
 
+// The repository gives the component no lower bound for these, so the store counts them.
+TEST(StoreConditionalReferences, TooFew_AreAViolation_NoneAreNot) {
+    const Model model =
+        ModelBuilder()
+            .add(ClassDraft("Mast").topLevel().key("id"))
+            .add(ClassDraft("Site").topLevel().key("id"))
+            .add(ClassDraft("Port")
+                     .topLevel()
+                     .key("id")
+                     .attribute(AttributeDraft::reference("pair").multiplicity(2, 3).conditional())
+                     .attribute(AttributeDraft::reference("mixed").many().conditional()))
+            .add(ReferenceDraft("Port", "pair").to("Mast").counts(0, 3))
+            .add(ReferenceDraft("Port", "mixed").to("Mast").counts(1, 2))
+            .add(ReferenceDraft("Port", "mixed").to("Site").counts(0, 9))
+            .build();
+    MoStore store(model);
+    const auto tx = store.begin(1);
+    tx->create("", "Port", "id", "1", {});
+    EXPECT_THAT(tx->check(), IsEmpty());
+    tx->set("Port=1", {{"pair", refs({"Mast=1"})}, {"mixed", refs({"Site=1"})}});
+    EXPECT_THAT(tx->check(),
+                ElementsAre("Port=1: attribute 'pair': 1 value, expected none at all or 2..3",
+                            "Port=1: attribute 'mixed': 0 of class Mast, expected none at all or "
+                            "1..2"));
+    tx->set("Port=1", {{"pair", refs({"Mast=1", "Mast=2"})}, {"mixed", refs({"Mast=1"})}});
+    EXPECT_THAT(tx->check(), IsEmpty());
+}
+
 }
 }
