@@ -48,6 +48,9 @@ HOST_ROOMS = {
     "src/host/yang/instances": [
         "src/host/base", "src/host/model", "src/host/yang/source", "src/host/yang/types",
         "src/host/yang/schema"],
+    "src/host/yang/rules": [
+        "src/host/base", "src/host/model", "src/host/yang/source", "src/host/yang/types",
+        "src/host/yang/schema", "src/host/yang/instances"],
 }
 
 # What stands above the component: the client library, and the rooms of orvhost, lowest first.

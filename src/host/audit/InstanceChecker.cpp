@@ -60,6 +60,7 @@ private:
         mHolder = *entry;
         mDn = instance.dn;
         mIsSeen.assign(plan.attributes.size(), false);
+        mIsPresent.assign(plan.attributes.size(), false);
         examineParent();
         for (const NamedValue& attribute : instance.attributes) {
             examineNamed(plan, attribute);
@@ -100,6 +101,8 @@ private:
             return;
         }
         mIsSeen[position->second] = true;
+        mIsPresent[position->second] =
+            isPresent(plan.attributes[position->second].def->type, attribute.second);
         examineValues(plan.attributes[position->second], attribute.second.values);
     }
 
@@ -114,7 +117,7 @@ private:
     void examineChoices(const InstancePlan::Class& plan) {
         const auto hasValue = [&](const std::string& name) {
             const auto position = plan.byName.find(name);
-            return position != plan.byName.end() && mIsSeen[position->second];
+            return position != plan.byName.end() && mIsPresent[position->second];
         };
         for (const std::string& wrong :
              wrongChoices(mModel.classes[mHolder.moc].choices, hasValue)) {
@@ -244,7 +247,8 @@ private:
     // The object that is being examined.
     InstanceTable::Entry mHolder;
     std::string_view mDn;
-    std::vector<bool> mIsSeen;        ///< by attribute
+    std::vector<bool> mIsSeen;        ///< by attribute: it is given
+    std::vector<bool> mIsPresent;     ///< by attribute: it has a value
     std::vector<std::size_t> mCounts; ///< by end of the attribute that is being examined
 };
 

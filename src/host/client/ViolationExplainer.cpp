@@ -101,11 +101,14 @@ Violation ViolationExplainer::explain(const std::string& message) {
             return violation;
         }
     }
+    static const std::regex rule(R"((.+?): attribute '([^']+)': (?:.|\n)+)");
     static const std::regex unknown(R"((.+) does not correspond to a valid MO type\.)");
     static const std::regex members(
         R"(there are (\d+) objects of class '(\S+)'(?: under (.+)| at the top level), expected (\S+))");
     static const std::regex conflict("the transaction met a conflict: (.+)");
-    if (std::regex_match(message, parts, unknown)) {
+    if (std::regex_match(message, parts, rule)) {
+        explainRule(toExternal(parts[1]), parts[2], violation);
+    } else if (std::regex_match(message, parts, unknown)) {
         explainClass(toExternal(parts[1]), violation);
     } else if (std::regex_match(message, parts, members)) {
         violation.object = parts[3].matched ? toExternal(parts[3]) : "/";
@@ -133,6 +136,14 @@ void ViolationExplainer::explainAttribute(const std::string& dn, const std::stri
     if (!allowed.empty()) {
         violation.allowed = std::move(allowed);
     }
+}
+
+// What a rule allows is in its message. It can be about a member of a struct: "box/member".
+void ViolationExplainer::explainRule(const std::string& dn, const std::string& attribute,
+                                     Violation& violation) {
+    violation.object = dn;
+    violation.attribute = attribute;
+    violation.found = valuesOf(dn, attribute.substr(0, attribute.find_first_of("/[")));
 }
 
 void ViolationExplainer::explainClass(const std::string& dn, Violation& violation) const {

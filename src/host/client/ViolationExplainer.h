@@ -33,6 +33,7 @@ public:
 private:
     void explainAttribute(const std::string& dn, const std::string& attribute,
                           Violation& violation);
+    void explainRule(const std::string& dn, const std::string& attribute, Violation& violation);
     void explainClass(const std::string& dn, Violation& violation) const;
     ReadValue valuesOf(const std::string& dn, const std::string& attribute);
 

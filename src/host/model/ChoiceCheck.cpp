@@ -74,4 +74,28 @@ std::vector<std::string> wrongChoices(const std::vector<ChoiceDef>& choices,
     return wrong;
 }
 
+bool isDefaultInUse(const std::vector<ChoiceDef>& choices, const std::string& name,
+                    const HasValue& hasValue) {
+    const auto isTaken = [&](const ChoiceCase& one) {
+        return firstOf(one.attributes, hasValue) != nullptr;
+    };
+    const auto isOf = [&](const ChoiceCase& one) {
+        return std::find(one.attributes.begin(), one.attributes.end(), name) !=
+               one.attributes.end();
+    };
+    return std::all_of(choices.begin(), choices.end(), [&](const ChoiceDef& choice) {
+        const auto own = std::find_if(choice.cases.begin(), choice.cases.end(), isOf);
+        return own == choice.cases.end() || isTaken(*own) ||
+               (own->isDefault && std::none_of(choice.cases.begin(), choice.cases.end(), isTaken));
+    });
+}
+
+bool isPresent(const TypeDef& type, const AttributeValue& value) {
+    const auto isAbsent = [&](const Value& one) {
+        const bool* flag = std::get_if<bool>(&one);
+        return type.isFalseAbsent && flag != nullptr && !*flag;
+    };
+    return !std::all_of(value.values.begin(), value.values.end(), isAbsent);
+}
+
 }

@@ -19,6 +19,15 @@ namespace OrvHost {
 std::vector<std::string> wrongChoices(const std::vector<ChoiceDef>& choices,
                                       const std::function<bool(const std::string&)>& hasValue);
 
+/// True if the default of that attribute or member applies: it is in no case of a choice, or in one
+/// that is taken, or in the default case of a choice without a case that is taken. `hasValue` as
+/// above. Any thread.
+bool isDefaultInUse(const std::vector<ChoiceDef>& choices, const std::string& name,
+                    const std::function<bool(const std::string&)>& hasValue);
+
+/// True if values make an attribute of that type present. Any thread.
+bool isPresent(const TypeDef& type, const AttributeValue& value);
+
 }
 
 #endif

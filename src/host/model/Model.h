@@ -41,6 +41,8 @@ struct ChoiceCase {
     std::vector<std::string> attributes;
     /// Those that must have a value if the case is taken.
     std::vector<std::string> required;
+    /// Its defaults apply even if no case is taken.
+    bool isDefault = false;
 
     bool operator==(const ChoiceCase&) const = default;
 };
@@ -66,6 +68,8 @@ struct TypeDef {
     std::vector<AttributeDef> members;
     /// Struct: the choices among its members.
     std::vector<ChoiceDef> choices;
+    /// Bool: false says the same as no value.
+    bool isFalseAbsent = false;
     /// MoRef: the permitted target classes; empty means any class.
     std::vector<ClassIndex> targets;
     /// A further check of one value in its text form, such as a range, a length or a pattern:

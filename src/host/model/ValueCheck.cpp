@@ -68,8 +68,14 @@ std::string whyWrongStruct(const TypeDef& type, const StructValue& value) {
             return reason;
         }
     }
-    const std::vector<std::string> wrong = wrongChoices(
-        type.choices, [&](const std::string& name) { return countOf(value, name) > 0; });
+    const auto hasValue = [&](const std::string& name) {
+        return std::any_of(value.members.begin(), value.members.end(),
+                           [&](const NamedValue& member) {
+                               return member.first == name &&
+                                      isPresent(type.findMember(name)->type, member.second);
+                           });
+    };
+    const std::vector<std::string> wrong = wrongChoices(type.choices, hasValue);
     return wrong.empty() ? std::string() : wrong.front();
 }
 

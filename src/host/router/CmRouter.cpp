@@ -24,6 +24,14 @@ void CmRouter::setActionHandler(ActionHandler handler) {
     mCore.setActionHandler(std::move(handler));
 }
 
+void CmRouter::setRules(const RuleCheck* rules) {
+    mCore.setRules(rules);
+}
+
+std::optional<RuleCost> CmRouter::ruleCostOf(unsigned long txHandle) const {
+    return mCore.transaction(txHandle)->ruleCost;
+}
+
 void CmRouter::setAuthorLookup(AuthorLookup lookup) {
     mCore.setAuthorLookup(std::move(lookup));
 }

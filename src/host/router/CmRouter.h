@@ -24,8 +24,9 @@ namespace OrvHost {
 /// OrvNotActive. Reads see the committed state as it was at join, and the transaction's own writes.
 /// Every write is checked against the model; the reason for a refusal goes to the thread context as
 /// a message of the kind Explanation. At validate the router checks what can be seen only in the
-/// whole transaction: mandatory attributes of created objects, the number of objects under one
-/// parent, and conflicts with other transactions; these messages are of the kind Verdict.
+/// whole transaction: mandatory attributes of created objects, choices, the number of objects under
+/// one parent, further rules (setRules), and conflicts with other transactions; these messages are
+/// of the kind Verdict.
 ///
 /// The router does not check how many references an attribute holds: while back-pointers are
 /// updated, the number can be one that the model does not allow. The component checks it at
@@ -47,6 +48,13 @@ public:
     /// Sets who is asked for the author of a transaction that joins; without it none has one. Do
     /// not call it while operations run.
     void setAuthorLookup(AuthorLookup lookup);
+
+    /// Sets what is checked at validate besides the model's own rules; null: nothing. \p rules must
+    /// outlive the router. Do not call it while operations run.
+    void setRules(const RuleCheck* rules);
+    /// What the check of these rules has cost at the latest validation of an open transaction;
+    /// nothing if there was none. Throws HostError for an unknown transaction.
+    std::optional<RuleCost> ruleCostOf(unsigned long txHandle) const;
 
     /// OrvOamSpiManagedObject_1_RouterId.
     OrvOamSpiManagedObject_1* getInterface1() { return mTable1.getInterface(); }

@@ -5,6 +5,7 @@
 
 #include "ContainerConversion.h"
 #include "model/ValueCheck.h"
+#include "store/TransactionView.h"
 #include "store/WriteCheck.h"
 
 #include <algorithm>
@@ -160,9 +161,23 @@ OrvReturnT RouterCore::join(unsigned long txHandle) {
     return mTransactions.emplace(txHandle, std::move(joined)).second ? OrvOk : OrvAlreadyExist;
 }
 
+void RouterCore::checkRules(RouterTransaction& current,
+                            std::vector<std::string>& violations) const {
+    const RuleReport report =
+        mRules->check(TransactionView(*current.store), touchedBy(*current.store));
+    current.ruleCost = report.cost;
+    for (const RuleViolation& violation : report.violations) {
+        violations.push_back(toText(violation));
+    }
+}
+
 OrvReturnT RouterCore::validate(unsigned long txHandle, bool* result) {
     return answer([&] {
-        const std::vector<std::string> violations = transaction(txHandle)->store->check();
+        const auto current = transaction(txHandle);
+        std::vector<std::string> violations = current->store->check();
+        if (mRules != nullptr) {
+            checkRules(*current, violations);
+        }
         for (const std::string& violation : violations) {
             mThreadContext.addMessage(ThreadContext::Verdict, violation);
         }

@@ -9,10 +9,12 @@
 #include "IteratorTable.h"
 #include "base/HostError.h"
 #include "model/DnForm.h"
+#include "model/RuleCheck.h"
 #include "store/MoStore.h"
 #include "transactions/ThreadContext.h"
 
 #include <memory>
+#include <optional>
 #include <shared_mutex>
 #include <string>
 #include <unordered_map>
@@ -29,6 +31,7 @@ struct RouterTransaction {
     std::unique_ptr<StoreTransaction> store;
     Orv::AutoMemory memory;                ///< the values of version 1
     std::vector<IteratorHandle> iterators; ///< all that the transaction has opened
+    std::optional<RuleCost> ruleCost;      ///< of the latest validation
 };
 
 /// The router without its tables: the open transactions, the operations that need more than one
@@ -82,6 +85,7 @@ public:
                           const std::vector<AttributeValue>& parameters);
     void setActionHandler(ActionHandler handler) { mActionHandler = std::move(handler); }
     void setAuthorLookup(AuthorLookup lookup) { mAuthorOf = std::move(lookup); }
+    void setRules(const RuleCheck* rules) { mRules = rules; }
 
     // The participant; see OrvOamSpiTransactionalResource_2.
     OrvReturnT join(unsigned long txHandle);
@@ -92,6 +96,7 @@ public:
     OrvReturnT validate(unsigned long txHandle, bool* result);
 
 private:
+    void checkRules(RouterTransaction& current, std::vector<std::string>& violations) const;
     const ActionDef& requireAction(const ClassDef& moc, const std::string& dn,
                                    const std::string& name) const;
 
@@ -99,6 +104,7 @@ private:
     ThreadContext& mThreadContext;
     ActionHandler mActionHandler;
     AuthorLookup mAuthorOf;
+    const RuleCheck* mRules = nullptr;
     IteratorTable mIterators;
 
     mutable std::shared_mutex mMutex; ///< guards mTransactions

@@ -19,6 +19,34 @@ namespace OrvHost {
 
 namespace {
 
+/// The objects of a data set, by the DN of their parent and class.
+class DataSetView : public ObjectView {
+public:
+    explicit DataSetView(const std::vector<StartObject>& objects) {
+        for (const StartObject& object : objects) {
+            const DnView dn(object.dn);
+            mObjects.emplace(object.dn, &object);
+            mNames[std::string(dn.siblingPrefix())].emplace_back(dn.last().value());
+        }
+    }
+
+    bool exists(const std::string& dn) const override { return mObjects.count(dn) > 0; }
+
+    std::vector<NamedValue> valuesOf(const std::string& dn) const override {
+        return mObjects.at(dn)->attributes;
+    }
+
+    std::vector<std::string> namesOf(const std::string& parentDn,
+                                     const std::string& className) const override {
+        const auto found = mNames.find(DnView(parentDn).childPrefix(className));
+        return found == mNames.end() ? std::vector<std::string>() : found->second;
+    }
+
+private:
+    std::unordered_map<std::string, const StartObject*> mObjects;
+    std::unordered_map<std::string, std::vector<std::string>> mNames;
+};
+
 AttributeValue& valueOf(StartObject& object, const std::string& attribute) {
     for (auto& [name, value] : object.attributes) {
         if (name == attribute) {
@@ -65,6 +93,14 @@ std::vector<std::string> DataSet::check() const {
     std::vector<std::string> texts;
     for (const InstanceProblem& problem : InstanceChecker(mModel).check(*this).problems) {
         texts.push_back(place(problem.dn) + problem.text);
+    }
+    return texts;
+}
+
+std::vector<std::string> DataSet::checkRules(const RuleCheck& rules) const {
+    std::vector<std::string> texts;
+    for (const RuleViolation& violation : rules.checkAll(DataSetView(mObjects)).violations) {
+        texts.push_back(place(violation.dn) + toText(violation));
     }
     return texts;
 }

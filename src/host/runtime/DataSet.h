@@ -7,6 +7,7 @@
 #include "audit/InstanceReport.h"
 #include "audit/InstanceSource.h"
 #include "model/Model.h"
+#include "model/RuleCheck.h"
 
 #include <cstddef>
 #include <functional>
@@ -49,6 +50,10 @@ public:
     /// Everything that is wrong, one text each, with file and line of the object if they are known.
     /// Empty if the data is as the component would have left it.
     std::vector<std::string> check() const;
+
+    /// What does not follow \p rules, one text each, with the file of the object if it is known.
+    /// Call it if check() finds nothing: the objects must have their parents.
+    std::vector<std::string> checkRules(const RuleCheck& rules) const;
 
     /// The objects at the top level that no client can name. The DN translator knows one
     /// ManagedElement at the root, which is 1 in internal DNs; all objects below another one are

@@ -17,6 +17,7 @@ Host::Host(const Model& model, const HostOptions& options)
     Orv::MeIdTranslator::instance()->configure(options.preferredIdentity, options.fallbackIdentity);
     mRouter.setAuthorLookup(
         [this](unsigned long txHandle) { return mTransactions.authorOf(txHandle); });
+    mRouter.setRules(options.rules);
     mTransactions.enrolInEach(mRouter.getResource());
     offerTables();
 }

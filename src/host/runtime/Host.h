@@ -26,6 +26,10 @@ struct HostOptions {
     std::string preferredIdentity;
     std::string fallbackIdentity = "1";
     PortalVersions portals;
+    /// What is checked at the validation of transactions besides the model's own rules; null:
+    /// nothing. It must outlive the host. Data that is put into the store is not checked: see
+    /// DataSet.
+    const RuleCheck* rules = nullptr;
 };
 
 /// A small management framework: model, objects, router, transactions, portal and components in one

@@ -146,7 +146,10 @@ AttributeValue StoreTransaction::valueOf(const Mo& mo, const std::string& attrib
     if (auto value = AttributeBytes::read(moc, attributes, index)) {
         return std::move(*value);
     }
-    return def.defaultValue ? *def.defaultValue : AttributeValue{def.type.kind, {}};
+    const bool isDefault =
+        def.defaultValue &&
+        (!def.isConditional || WriteCheck::isDefaultInUse(moc, def.name, attributes));
+    return isDefault ? *def.defaultValue : AttributeValue{def.type.kind, {}};
 }
 
 AttributeValue StoreTransaction::get(const std::string& dn, const std::string& attribute) const {

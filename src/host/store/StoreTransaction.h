@@ -57,7 +57,8 @@ public:
     bool exists(const std::string& dn) const;
     /// The class of an object.
     const ClassDef& classOf(const std::string& dn) const;
-    /// The value of an attribute: what was set, or else the default, or else no values.
+    /// The value of an attribute: what was set, or else the default, or else no values. A default
+    /// in a case of a choice applies if the case is taken.
     AttributeValue get(const std::string& dn, const std::string& attribute) const;
     std::vector<AttributeValue> get(const std::string& dn,
                                     const std::vector<std::string>& attributes) const;

@@ -231,10 +231,24 @@ std::vector<std::string> WriteCheck::missing(const ClassDef& moc, std::string_vi
 }
 
 std::vector<std::string> WriteCheck::wrongChoices(const ClassDef& moc, std::string_view bytes) {
-    return OrvHost::wrongChoices(moc.choices, [&](const std::string& name) {
-        const auto index = moc.findAttributeIndex(name);
-        return index && AttributeBytes::has(bytes, *index);
-    });
+    return OrvHost::wrongChoices(
+        moc.choices, [&](const std::string& name) { return isPresent(moc, name, bytes); });
+}
+
+bool WriteCheck::isDefaultInUse(const ClassDef& moc, const std::string& name,
+                                std::string_view bytes) {
+    return OrvHost::isDefaultInUse(
+        moc.choices, name, [&](const std::string& other) { return isPresent(moc, other, bytes); });
+}
+
+bool WriteCheck::isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes) {
+    const auto index = moc.findAttributeIndex(name);
+    if (!index || !AttributeBytes::has(bytes, *index)) {
+        return false;
+    }
+    const TypeDef& type = moc.attributes[*index].type;
+    return !type.isFalseAbsent ||
+           OrvHost::isPresent(type, *AttributeBytes::read(moc, bytes, *index));
 }
 
 AttributeValue WriteCheck::nameValue(const ClassDef& moc, const AttributeDef& def,

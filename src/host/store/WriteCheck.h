@@ -60,7 +60,12 @@ public:
     static AttributeValue nameValue(const ClassDef& moc, const AttributeDef& def,
                                     std::string_view name);
 
+    /// Whether the default of an attribute applies, see OrvHost::isDefaultInUse.
+    static bool isDefaultInUse(const ClassDef& moc, const std::string& name,
+                               std::string_view bytes);
+
 private:
+    static bool isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes);
     static void applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,
                          std::string& bytes);
 };

@@ -69,12 +69,26 @@ void runInterface(Session& session, Words words) {
     }
 }
 
+namespace {
+
+/// What the check of the modules' rules has cost; empty if there are none.
+std::string ruleCostText(Session& session, const OpenTransactions::Entry& transaction) {
+    const auto cost = session.host().router().ruleCostOf(transaction.handle);
+    if (!cost) {
+        return {};
+    }
+    return "rules of the modules: " + std::to_string(cost->objects) + " objects looked at in " +
+           std::to_string(cost->time.count()) + " us";
+}
+
+}
+
 void runValidate(Session& session, Words words) {
     const auto given = words.takeOptional();
     words.end();
     const OpenTransactions::Entry& transaction = session.transactions().require(given);
     session.validate(transaction);
-    reportEnd(session, "validate", transaction.name, "valid", "");
+    reportEnd(session, "validate", transaction.name, "valid", ruleCostText(session, transaction));
 }
 
 void runCommit(Session& session, Words words) {

@@ -10,6 +10,7 @@
 #include "cli/output/ProgressBar.h"
 #include "runtime/DataSet.h"
 #include "yang/instances/InstanceDataReader.h"
+#include "yang/rules/YangRules.h"
 
 #include <algorithm>
 #include <iostream>
@@ -52,6 +53,7 @@ HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(err
     HostOptions hostOptions;
     hostOptions.preferredIdentity = options.meId;
     hostOptions.fallbackIdentity = options.meIdFallback;
+    hostOptions.rules = mRules.get();
     mHost = std::make_unique<Host>(mModel.model, hostOptions);
     loadData(options);
     loadComponents(options);
@@ -99,8 +101,12 @@ void HostSetup::readModel(const Options& options) {
     if (options.noFeatures) {
         reader.withoutFeatures();
     }
+    if (options.yangRules) {
+        reader.withAllRules();
+    }
     try {
         mModel = reader.read();
+        mRules = rulesOf(mModel.schema);
     } catch (const ModelError& failure) {
         throw LoadError(failure.what());
     }
@@ -168,6 +174,10 @@ void HostSetup::checkAndRepair(const Options& options, DataSet& data, ProgressBa
         problems.push_back(std::move(problem));
     }
     failIfAny(problems);
+    if (mRules) {
+        bar.update("checking rules", data.size(), 0);
+        failIfAny(data.checkRules(*mRules));
+    }
     for (const std::string& note : data.misnamedInLists()) {
         bar.print("note: " + note);
     }

@@ -51,6 +51,7 @@ private:
     std::ostream& mErrors;
     std::unique_ptr<LogSink> mLog;
     YangModel mModel;
+    std::shared_ptr<const RuleCheck> mRules; ///< of the modules; null if there are none
     std::unique_ptr<Host> mHost;
     std::unique_ptr<Clients> mClients;
 };

@@ -57,6 +57,8 @@ void addLoading(CLI::App& app, Options& options) {
                  "Features of modules without --feature are off");
     app.add_flag("--strict", options.strict,
                  "Refuse a model that leaves something of the modules out");
+    app.add_flag("--yang-rules", options.yangRules,
+                 "Check must, unique and the targets of leafrefs at validate and in data");
     app.add_option("-d,--data", options.data,
                    "Instance data, JSON or XML: a file, or a directory of them; repeatable")
         ->allow_extra_args(false);

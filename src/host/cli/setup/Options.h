@@ -21,6 +21,7 @@ struct Options {
     bool noFeatures = false;
     bool skipUnknown = false; ///< in data
     bool strict = false;      ///< refuse a model with notes
+    bool yangRules = false;   ///< check the rules of the modules, not only `when`
     std::vector<std::filesystem::path> data;
     std::string extCm; ///< the component; empty: the one that belongs to this program
     std::vector<std::string> components; ///< other components

@@ -22,6 +22,16 @@ std::string dataPathOf(const lyd_node* node) {
     return path ? path.get() : "";
 }
 
+std::string nameOfEntry(const lyd_node* entry, const ObjectShape& shape) {
+    std::vector<std::string> keys;
+    for (const lyd_node* key = lyd_child(entry); key != nullptr && shape.isKey(key->schema);
+         key = key->next) {
+        keys.emplace_back(lyd_get_value(key));
+    }
+    const bool isWhole = keys.size() == shape.keys.size();
+    return !isWhole ? "" : keys.size() == 1 ? keys.front() : joinKeys(keys);
+}
+
 TreeReader::TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes)
     : mSchema(schema), mLabel(std::move(label)), mNotes(notes) {}
 
@@ -112,13 +122,7 @@ Value TreeReader::valueOf(const lyd_node* node, const ValueShape& shape) {
 }
 
 std::string TreeReader::namingValueOf(const lyd_node* node, const ObjectShape& shape) {
-    std::vector<std::string> keys;
-    for (const lyd_node* key = lyd_child(node); key != nullptr && shape.isKey(key->schema);
-         key = key->next) {
-        keys.emplace_back(lyd_get_value(key));
-    }
-    const bool isWhole = keys.size() == shape.keys.size();
-    std::string name = !isWhole ? "" : keys.size() == 1 ? keys.front() : joinKeys(keys);
+    std::string name = nameOfEntry(node, shape);
     if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
         refuse(node, "\"" + name +
                          "\" cannot be a value in a DN: a text was expected without control "

@@ -20,6 +20,10 @@ namespace OrvHost {
 /// "/module:list[key='a']/leaf".
 std::string dataPathOf(const lyd_node* node);
 
+/// The value that names an object, from its entry in a list: its key, or all of them joined. Empty
+/// if the entry lacks one.
+std::string nameOfEntry(const lyd_node* entry, const ObjectShape& shape);
+
 /// Turns a tree of instance data into objects.
 class TreeReader {
 public:

@@ -43,21 +43,6 @@ bool needsContainer(const lysc_node* container) {
     return false;
 }
 
-Bounds boundsOf(const lysc_node* node) {
-    if (node->nodetype == LYS_LEAFLIST) {
-        const auto* list = reinterpret_cast<const lysc_node_leaflist*>(node);
-        return {list->min, upperOf(list->max)};
-    }
-    if (node->nodetype == LYS_LIST) {
-        const auto* list = reinterpret_cast<const lysc_node_list*>(node);
-        return {list->min, upperOf(list->max)};
-    }
-    const bool isMandatory = node->nodetype == LYS_CONTAINER
-                                 ? needsContainer(node)
-                                 : (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
-    return {isMandatory ? 1 : 0, 1};
-}
-
 std::vector<Value> defaultsOf(const lysc_node* node, ValueKind kind) {
     std::vector<Value> values;
     const ly_ctx* context = node->module->ctx;
@@ -76,23 +61,31 @@ std::vector<Value> defaultsOf(const lysc_node* node, ValueKind kind) {
     return values;
 }
 
-bool hasRequiredInstance(const lysc_node* node) {
-    const lysc_type* type = typeOfLeaf(node);
-    return (type->basetype == LY_TYPE_LEAFREF &&
-            reinterpret_cast<const lysc_type_leafref*>(type)->require_instance != 0) ||
-           (type->basetype == LY_TYPE_INST &&
-            reinterpret_cast<const lysc_type_instanceid*>(type)->require_instance != 0);
 }
 
+Bounds multiplicityOf(const lysc_node* node) {
+    if (node->nodetype == LYS_LEAFLIST) {
+        const auto* list = reinterpret_cast<const lysc_node_leaflist*>(node);
+        return {list->min, upperOf(list->max)};
+    }
+    if (node->nodetype == LYS_LIST) {
+        const auto* list = reinterpret_cast<const lysc_node_list*>(node);
+        return {list->min, upperOf(list->max)};
+    }
+    const bool isMandatory = node->nodetype == LYS_CONTAINER
+                                 ? needsContainer(node)
+                                 : (node->flags & LYS_MAND_TRUE) != 0 || lysc_is_key(node);
+    return {isMandatory ? 1 : 0, 1};
 }
 
 AttributeReader::AttributeReader(std::shared_ptr<const YangContext> context,
                                  const SourceLocator& locator, AssociationReader& associations,
-                                 IdentitySearch& identities, ModelNotes& notes)
+                                 IdentitySearch& identities, RuleReader& rules, ModelNotes& notes)
     : mContext(std::move(context)),
       mLocator(locator),
       mAssociations(associations),
       mIdentities(identities),
+      mRules(rules),
       mNotes(notes) {}
 
 // A single key names the objects; of several keys, all together do.
@@ -122,7 +115,7 @@ AttributeReader::readParameter(const lysc_node* node, const std::vector<Attribut
 /// An empty class name means a member of a struct or a parameter.
 std::optional<AttributeReader::Attribute>
 AttributeReader::read(const lysc_node* node, const std::string& className, bool isFirst) {
-    noteConditions(node);
+    mRules.see(node);
     switch (node->nodetype) {
     case LYS_LEAF:
     case LYS_LEAFLIST:
@@ -247,7 +240,7 @@ AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
 
 void AttributeReader::describe(const lysc_node* node, Attribute& attribute) const {
     AttributeDef& def = attribute.draft.def;
-    def.multiplicity = boundsOf(node);
+    def.multiplicity = multiplicityOf(node);
     // A key is written once, when the object is created.
     def.isWritable = !isState(node);
     def.isConditional = isConditional(node);
@@ -258,28 +251,6 @@ void AttributeReader::describe(const lysc_node* node, Attribute& attribute) cons
     shape.kind = def.type.kind;
     shape.isMultiple = (node->nodetype & (LYS_LIST | LYS_LEAFLIST)) != 0;
     shape.node = node;
-}
-
-void AttributeReader::noteConditions(const lysc_node* node) {
-    const auto note = [this, node](const std::string& what) {
-        mNotes.count(what, mLocator.of(node), pathOf(node));
-    };
-    if (lysc_node_musts(node) != nullptr) {
-        note("`must` statements are not evaluated");
-    }
-    if (lysc_node_when(node) != nullptr) {
-        note(
-            "`when` statements are not evaluated: what they guard can always be there and is never "
-            "demanded");
-    }
-    if (node->nodetype == LYS_LIST &&
-        reinterpret_cast<const lysc_node_list*>(node)->uniques != nullptr) {
-        note("`unique` statements are not evaluated");
-    }
-    if ((node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0 && hasRequiredInstance(node)) {
-        note("leafrefs and instance-identifiers are values like others: that what they name exists "
-             "is not checked");
-    }
 }
 
 }

@@ -7,6 +7,7 @@
 #include "model/building/ModelDraft.h"
 #include "yang/schema/AssociationReader.h"
 #include "yang/schema/ModelNotes.h"
+#include "yang/schema/RuleReader.h"
 #include "yang/schema/YangSchema.h"
 #include "yang/source/IdentitySearch.h"
 #include "yang/source/SourceLocator.h"
@@ -28,7 +29,8 @@ public:
     };
 
     AttributeReader(std::shared_ptr<const YangContext> context, const SourceLocator& locator,
-                    AssociationReader& associations, IdentitySearch& identities, ModelNotes& notes);
+                    AssociationReader& associations, IdentitySearch& identities, RuleReader& rules,
+                    ModelNotes& notes);
 
     /// Reads an attribute of that class; nothing if the node cannot be an attribute, which is
     /// noted. With `isFirst`, the node's statements on associations go to the association reader:
@@ -40,9 +42,6 @@ public:
     /// cannot be one, which is noted.
     std::optional<AttributeDraft> readParameter(const lysc_node* node,
                                                 const std::vector<AttributeDraft>& others);
-
-    /// Counts statements of the node that the model does not represent.
-    void noteConditions(const lysc_node* node);
 
 private:
     std::optional<Attribute> read(const lysc_node* node, const std::string& className,
@@ -61,8 +60,12 @@ private:
     const SourceLocator& mLocator;
     AssociationReader& mAssociations;
     IdentitySearch& mIdentities;
+    RuleReader& mRules;
     ModelNotes& mNotes;
 };
+
+/// How many values the attribute or member that a node becomes must have, and can have.
+Bounds multiplicityOf(const lysc_node* node);
 
 }
 

@@ -3,6 +3,8 @@
 
 #include "ChoiceReader.h"
 
+#include "yang/schema/ClassNodes.h"
+
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -14,13 +16,19 @@ bool isChoiceOrCase(const lysc_node* node) {
     return (node->nodetype & (LYS_CHOICE | LYS_CASE)) != 0;
 }
 
-template <class Named>
-Named* findNamed(std::vector<Named>& all, const std::string& name) {
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const Named& one) { return one.name == name; });
-    return found == all.end() ? nullptr : &*found;
 }
 
+std::vector<const lysc_node*> nodesOfCases(const lysc_node* choice) {
+    std::vector<const lysc_node*> nodes;
+    for (const lysc_node* child = lysc_node_child(choice); child != nullptr; child = child->next) {
+        if (isChoiceOrCase(child)) {
+            const std::vector<const lysc_node*> inner = nodesOfCases(child);
+            nodes.insert(nodes.end(), inner.begin(), inner.end());
+        } else {
+            nodes.push_back(child);
+        }
+    }
+    return nodes;
 }
 
 bool isConditional(const lysc_node* node) {
@@ -57,33 +65,47 @@ ChoiceCase& ChoiceReader::caseOf(const lysc_node* oneCase) {
     auto choice = std::find_if(mChoices.begin(), mChoices.end(),
                                [node](const Choice& known) { return known.node == node; });
     if (choice == mChoices.end()) {
-        choice = mChoices.insert(mChoices.end(), Choice{node, {}});
+        choice = mChoices.insert(mChoices.end(), Choice{node, {}, {}});
         choice->def.name = node->name;
     }
-    if (ChoiceCase* known = findNamed(choice->def.cases, oneCase->name)) {
-        return *known;
+    std::vector<ChoiceCase>& cases = choice->def.cases;
+    const auto known = std::find(choice->cases.begin(), choice->cases.end(), oneCase);
+    if (known != choice->cases.end()) {
+        return cases[static_cast<std::size_t>(known - choice->cases.begin())];
     }
-    choice->def.cases.push_back({oneCase->name, {}, {}});
-    return choice->def.cases.back();
+    // Two modules can each add a case of one name.
+    const bool isTaken = std::any_of(cases.begin(), cases.end(), [&](const ChoiceCase& other) {
+        return other.name == oneCase->name;
+    });
+    const bool isDefault = reinterpret_cast<const lysc_node_choice*>(node)->dflt ==
+                           reinterpret_cast<const lysc_node_case*>(oneCase);
+    choice->cases.push_back(oneCase);
+    cases.push_back({(isTaken ? std::string(oneCase->module->name) + ":" : "") + oneCase->name,
+                     {},
+                     {},
+                     isDefault});
+    return cases.back();
 }
 
-/// True if every node of data in the cases was added.
-bool ChoiceReader::isComplete(const lysc_node* parent) const {
-    for (const lysc_node* child = lysc_node_child(parent); child != nullptr; child = child->next) {
-        if (isChoiceOrCase(child) ? !isComplete(child) : mAdded.count(child) == 0) {
-            return false;
-        }
-    }
-    return true;
+/// One of the cases must be taken, whatever the conditions are, and a client can take it.
+bool ChoiceReader::isMandatory(const lysc_node* choice) const {
+    const lysc_node* parent = lysc_data_parent(choice);
+    const bool isConditional =
+        lysc_node_when(choice) != nullptr ||
+        (parent != nullptr && isTransparentInClass(parent) && lysc_node_when(parent) != nullptr);
+    const std::vector<const lysc_node*> nodes = nodesOfCases(choice);
+    const auto isAdded = [this](const lysc_node* node) { return mAdded.count(node) > 0; };
+    const auto isState = [](const lysc_node* node) { return (node->flags & LYS_CONFIG_R) != 0; };
+    return (choice->flags & LYS_MAND_TRUE) != 0 && !isConditional &&
+           std::all_of(nodes.begin(), nodes.end(), isAdded) &&
+           !std::all_of(nodes.begin(), nodes.end(), isState);
 }
 
 std::vector<ChoiceDef> ChoiceReader::take() && {
     std::vector<ChoiceDef> all;
     for (Choice& choice : mChoices) {
         const lysc_node* node = choice.node;
-        choice.def.isMandatory = (node->flags & LYS_MAND_TRUE) != 0 &&
-                                 (node->flags & LYS_CONFIG_R) == 0 &&
-                                 lysc_node_when(node) == nullptr && isComplete(node);
+        choice.def.isMandatory = isMandatory(node);
         if (node->parent != nullptr && node->parent->nodetype == LYS_CASE) {
             choice.def.around = caseOf(node->parent).attributes;
         }

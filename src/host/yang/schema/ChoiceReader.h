@@ -18,6 +18,9 @@ namespace OrvHost {
 /// on it or on a container around it that is not an attribute itself.
 bool isConditional(const lysc_node* node);
 
+/// The nodes of data in the cases of a choice, those of choices inside it included.
+std::vector<const lysc_node*> nodesOfCases(const lysc_node* choice);
+
 /// Collects the choices among the attributes of one class or the members of one struct.
 class ChoiceReader {
 public:
@@ -33,11 +36,12 @@ private:
     struct Choice {
         const lysc_node* node = nullptr;
         ChoiceDef def;
+        std::vector<const lysc_node*> cases; ///< of def.cases
     };
 
     void addTo(const lysc_node* oneCase, const std::string& name, bool isRequired);
     ChoiceCase& caseOf(const lysc_node* oneCase);
-    bool isComplete(const lysc_node* parent) const;
+    bool isMandatory(const lysc_node* choice) const;
 
     std::vector<Choice> mChoices;
     std::set<const lysc_node*> mAdded;

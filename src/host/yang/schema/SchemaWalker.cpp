@@ -14,6 +14,14 @@
 namespace OrvHost {
 namespace {
 
+/// The choice directly below a node, around another node.
+const lysc_node* outermostChoice(const lysc_node* node, const lysc_node* below) {
+    while (node->parent != below) {
+        node = node->parent;
+    }
+    return node;
+}
+
 Bounds instancesOf(const lysc_node* list) {
     const auto* node = reinterpret_cast<const lysc_node_list*>(list);
     // What only the system makes is not demanded of clients.
@@ -34,7 +42,8 @@ SchemaWalker::SchemaWalker(std::shared_ptr<const YangContext> context, ModuleFin
       mNames(mLocator, notes),
       mAssociations(mLocator, mNames),
       mIdentities(finder),
-      mAttributes(mContext, mLocator, mAssociations, mIdentities, mNotes) {}
+      mRules(mLocator, mNotes),
+      mAttributes(mContext, mLocator, mAssociations, mIdentities, mRules, mNotes) {}
 
 void SchemaWalker::walk() {
     const std::vector<const lys_module*> modules = mContext->implementedModules();
@@ -62,7 +71,7 @@ void SchemaWalker::walkTop(const lysc_node* parent, const lys_module* module,
             walkObject(node, nullptr, wrappers);
         } else if (node->nodetype == LYS_CONTAINER) {
             mSchema.addTransparent(node);
-            mAttributes.noteConditions(node);
+            mRules.see(node);
             std::vector<const lysc_node*> inner = wrappers;
             inner.push_back(node);
             walkTop(node, module, inner);
@@ -113,7 +122,7 @@ SchemaWalker::Class& SchemaWalker::addClass(const lysc_node* list) {
 
 void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
                               const std::vector<const lysc_node*>& wrappers) {
-    mAttributes.noteConditions(list);
+    mRules.see(list);
     Class& moc = enterClass(list);
     if (parent == nullptr) {
         moc.draft.topLevel();
@@ -142,7 +151,7 @@ void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrappe
             walkObject(node, &shape, {});
         } else if (wrapper == nullptr && isTransparentInClass(node)) {
             mSchema.addTransparent(node);
-            mAttributes.noteConditions(node);
+            mRules.see(node);
             walkContents(node, node, moc, shape);
         } else {
             if (wrapper == nullptr) {
@@ -266,6 +275,10 @@ std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout)
     const lysc_node* node = nullptr;
     while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
         std::optional<AttributeDraft> parameter = mAttributes.readParameter(node, parameters);
+        if (node->parent != inout) {
+            mNotes.count("choices among the parameters of an action are not checked",
+                         mLocator.of(outermostChoice(node, inout)), pathOf(node));
+        }
         if (parameter) {
             parameters.push_back(std::move(*parameter));
         }
@@ -307,6 +320,7 @@ Model SchemaWalker::build() {
         Model model = builder.build();
         if (mProblems.empty()) {
             mSchema.complete(model);
+            mSchema.setRules(mRules.read(mSchema));
             return model;
         }
     } catch (const ModelError& error) {

@@ -10,6 +10,7 @@
 #include "yang/schema/ChoiceReader.h"
 #include "yang/schema/ClassNames.h"
 #include "yang/schema/ModelNotes.h"
+#include "yang/schema/RuleReader.h"
 #include "yang/schema/YangSchema.h"
 #include "yang/source/IdentitySearch.h"
 #include "yang/source/SourceLocator.h"
@@ -34,6 +35,9 @@ public:
     /// Makes the model of everything that was found; completes the schema.
     /// \throws ModelError with all problems
     Model build();
+
+    /// Makes build() read all rules, not only conditions.
+    void readAllRules() { mRules.readAll(); }
 
 private:
     struct Place {
@@ -75,6 +79,7 @@ private:
     ClassNames mNames;
     AssociationReader mAssociations;
     IdentitySearch mIdentities;
+    RuleReader mRules;
     AttributeReader mAttributes;
     std::vector<std::unique_ptr<Class>> mClasses;
     std::map<std::string, Class*> mClassByName;

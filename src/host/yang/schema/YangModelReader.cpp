@@ -65,6 +65,11 @@ YangModelReader& YangModelReader::withoutFeatures() {
     return *this;
 }
 
+YangModelReader& YangModelReader::withAllRules() {
+    mHasAllRules = true;
+    return *this;
+}
+
 YangModelReader& YangModelReader::offerText(std::string name, std::string label, std::string text) {
     mTexts.push_back({std::move(name), std::move(label), std::move(text)});
     return *this;
@@ -85,6 +90,9 @@ YangModel YangModelReader::read() const {
     auto schema = std::make_shared<YangSchema>(context);
     ModelNotes notes;
     SchemaWalker walker(context, finder, *schema, notes);
+    if (mHasAllRules) {
+        walker.readAllRules();
+    }
     walker.walk();
     YangModel result{walker.build(), schema, {}};
     result.notes = std::move(notes).take();

@@ -49,6 +49,11 @@ public:
     /// The features of all modules without a selection are off.
     YangModelReader& withoutFeatures();
 
+    /// Reads `must`, `unique`, what leafrefs and instance-identifiers refer to, and what YANG says
+    /// of equal entries of lists and leaf-lists, as rules (see rulesOf). Without this call only
+    /// `when` is read.
+    YangModelReader& withAllRules();
+
     /// Offers a module that has no file. Imports can use it, and it is loaded if load() names it.
     /// `label` is used as its file name in messages.
     YangModelReader& offerText(std::string name, std::string label, std::string text);
@@ -70,6 +75,7 @@ private:
     std::vector<Text> mTexts;
     std::map<std::string, std::vector<std::string>> mFeatures;
     bool mHasOtherFeatures = true;
+    bool mHasAllRules = false;
 };
 
 }

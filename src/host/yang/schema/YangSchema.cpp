@@ -3,6 +3,9 @@
 
 #include "YangSchema.h"
 
+#include "base/DnView.h"
+#include "yang/schema/Rule.h"
+
 #include <utility>
 
 namespace OrvHost {
@@ -12,12 +15,23 @@ YangSchema::YangSchema(std::shared_ptr<const YangContext> context) : mContext(st
 YangSchema::~YangSchema() = default;
 
 const ObjectShape* YangSchema::find(const ObjectShape* parent, std::string_view className) const {
-    for (const ObjectShape* shape : parent != nullptr ? parent->children : mTop) {
+    for (const ObjectShape* shape : childrenOf(parent)) {
         if (shape->className == className) {
             return shape;
         }
     }
     return nullptr;
+}
+
+const ObjectShape* YangSchema::findByDn(std::string_view dn) const {
+    const ObjectShape* shape = nullptr;
+    for (const DnStep step : DnView(dn).steps()) {
+        shape = find(shape, step.className());
+        if (shape == nullptr) {
+            return nullptr;
+        }
+    }
+    return shape;
 }
 
 const ObjectShape* YangSchema::objectAt(const lysc_node* node) const {
@@ -44,6 +58,10 @@ void YangSchema::complete(const Model& model) {
             index(attribute);
         }
     }
+}
+
+void YangSchema::setRules(std::vector<Rule> rules) {
+    mRules = std::move(rules);
 }
 
 void YangSchema::index(const ValueShape& shape) {

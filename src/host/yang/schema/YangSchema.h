@@ -20,6 +20,7 @@ struct lysc_node;
 namespace OrvHost {
 
 class YangContext;
+struct Rule;
 
 /// An attribute, or a member of a struct, at one place in the modules.
 struct ValueShape {
@@ -65,11 +66,22 @@ public:
     /// the class is not at that place.
     const ObjectShape* find(const ObjectShape* parent, std::string_view className) const;
 
+    /// The places directly below one, or at the top if `parent` is null.
+    const std::vector<const ObjectShape*>& childrenOf(const ObjectShape* parent) const {
+        return parent != nullptr ? parent->children : mTop;
+    }
+
+    /// The place of the object that an internal DN names. Null if the DN is no path of the model.
+    const ObjectShape* findByDn(std::string_view dn) const;
+
     /// The object that a node of the modules defines. Null if it defines none.
     const ObjectShape* objectAt(const lysc_node* node) const;
     const ValueShape* valueAt(const lysc_node* node) const;
     /// True for a container that has no counterpart in the model.
     bool isTransparent(const lysc_node* node) const { return mTransparent.count(node) > 0; }
+
+    /// The rules of the modules that the model does not represent: see rulesOf().
+    const std::vector<Rule>& rules() const { return mRules; }
 
     /// For YangModelReader, while it makes the schema.
     ObjectShape& addObject(ObjectShape* parent, ObjectShape shape);
@@ -77,6 +89,7 @@ public:
     /// Call it after everything is added: takes the class indices from the model and makes the
     /// nodes findable.
     void complete(const Model& model);
+    void setRules(std::vector<Rule> rules);
 
 private:
     void index(const ValueShape& shape);
@@ -87,6 +100,7 @@ private:
     std::unordered_set<const lysc_node*> mTransparent;
     std::unordered_map<const lysc_node*, const ObjectShape*> mObjectAt;
     std::unordered_map<const lysc_node*, const ValueShape*> mValueAt;
+    std::vector<Rule> mRules;
 };
 
 }

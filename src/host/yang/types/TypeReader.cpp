@@ -90,6 +90,7 @@ TypeDef readType(const lysc_node* node, const std::shared_ptr<const YangContext>
     const lysc_type* type = followLeafrefs(typeOfLeaf(node));
     TypeDef result;
     result.kind = kindOf(type);
+    result.isFalseAbsent = type->basetype == LY_TYPE_EMPTY;
     result.check = checkOf(node, type, context);
     result.description = describeType(type);
     if (result.kind == ValueKind::Enumeration) {

@@ -176,5 +176,34 @@ TEST_F(DataSetTest, MoveInto_Progress_ComesForEachObject) {
     EXPECT_THAT(seen, ElementsAre(1u, 2u));
 }
 
+/// Names the objects that it finds below the top.
+class NamingRules : public RuleCheck {
+public:
+    RuleReport check(const ObjectView&, const std::vector<TouchedObject>&) const override {
+        return {};
+    }
+    RuleReport checkAll(const ObjectView& view) const override {
+        RuleReport report;
+        for (const std::string& name : view.namesOf("", "Site")) {
+            const std::string dn = "Site=" + name;
+            report.violations.push_back(
+                {dn, "label",
+                 std::to_string(view.valuesOf(dn).size()) + " values, " +
+                     std::to_string(view.namesOf(dn, "Mast").size()) + " masts" +
+                     (view.exists(dn) && !view.exists(dn + ",Mast=z") ? "" : ", wrong"),
+                 ""});
+        }
+        return report;
+    }
+};
+
+TEST_F(DataSetTest, CheckRules_ShowsTheObjectsAndNamesTheirFile) {
+    add("Site=1", {{"label", text("one")}}, 3);
+    add("Site=1,Mast=a");
+    add("Site=1,Mast=b");
+    EXPECT_THAT(mData.checkRules(NamingRules()),
+                ElementsAre("data.json:3: Site=1: attribute 'label': 1 values, 2 masts"));
+}
+
 }
 }

@@ -14,6 +14,12 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+AttributeDraft flag() {
+    AttributeDraft draft = AttributeDraft::boolean("flag").conditional();
+    draft.def.type.isFalseAbsent = true;
+    return draft;
+}
+
 Model buildModel() {
     return ModelBuilder()
         .add(ClassDraft("Port")
@@ -23,11 +29,22 @@ Model buildModel() {
                  .attribute(AttributeDraft::text("name").mandatory().conditional())
                  .attribute(AttributeDraft::text("number").mandatory().conditional())
                  .attribute(AttributeDraft::text("zone").conditional())
+                 .attribute(AttributeDraft::text("colour").conditional().defaultsTo(
+                     Value(std::string("red"))))
+                 .attribute(AttributeDraft::text("weight").conditional().defaultsTo(
+                     Value(std::string("light"))))
+                 .attribute(AttributeDraft::text("way").conditional().defaultsTo(
+                     Value(std::string("road"))))
+                 .attribute(AttributeDraft::text("rail").conditional())
+                 .attribute(flag())
                  .choice({"address",
-                          {{"by-name", {"name"}, {"name"}},
-                           {"by-number", {"number", "zone"}, {"number"}}},
+                          {{"by-name", {"name", "colour"}, {"name"}},
+                           {"by-number", {"number", "zone", "weight"}, {"number"}},
+                           {"by-flag", {"flag"}, {}}},
                           true,
-                          {}}))
+                          {}})
+                 .choice(
+                     {"travel", {{"road", {"way"}, {}, true}, {"rail", {"rail"}, {}}}, false, {}}))
         .build();
 }
 
@@ -64,6 +81,28 @@ TEST_F(StoreChoiceTest, Set_FromOneCaseToTheOther_IsJudgedAtTheEnd) {
     set("number", text("7"));
     set("name", none(ValueKind::String));
     EXPECT_THAT(tx->check(), IsEmpty());
+}
+
+TEST_F(StoreChoiceTest, Default_OfACaseThatIsNotTaken_IsNoValue) {
+    create({{"name", text("x")}});
+    EXPECT_TRUE(tx->get("Port=1", "weight").values.empty());
+    EXPECT_EQ(tx->get("Port=1", "colour"), text("red"));
+    set("number", text("7"));
+    EXPECT_EQ(tx->get("Port=1", "weight"), text("light"));
+}
+
+TEST_F(StoreChoiceTest, Default_OfTheDefaultCase_AppliesUntilAnotherIsTaken) {
+    create({{"name", text("x")}});
+    EXPECT_EQ(tx->get("Port=1", "way"), text("road"));
+    set("rail", text("r"));
+    EXPECT_TRUE(tx->get("Port=1", "way").values.empty());
+}
+
+TEST_F(StoreChoiceTest, FalseThatIsAbsent_TakesNoCase) {
+    create({{"name", text("x")}, {"flag", {ValueKind::Bool, {Value(false)}}}});
+    EXPECT_THAT(tx->check(), IsEmpty());
+    set("flag", {ValueKind::Bool, {Value(true)}});
+    EXPECT_THAT(tx->check(), ElementsAre(HasSubstr("'name' and 'flag' are of two cases")));
 }
 
 // The repository gives the component no lower bound for these, so the store counts them.

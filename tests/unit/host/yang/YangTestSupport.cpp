@@ -6,6 +6,7 @@
 #include <stdlib.h>
 
 #include "audit/InstanceChecker.h"
+#include "base/DnView.h"
 #include "yang/instances/InstanceDataReader.h"
 #include "yang/instances/InstanceDataWriter.h"
 
@@ -146,6 +147,28 @@ std::string problemsOf(const YangModel& model, const std::vector<DataObject>& ob
         text += problem.text + "\n";
     }
     return text;
+}
+
+DataView::DataView(const YangModel& model, const std::string& data) {
+    for (DataObject& object : readObjectsOf(model, data)) {
+        const DnView dn(object.dn);
+        mNames[std::string(dn.siblingPrefix())].emplace_back(dn.last().value());
+        mValues.emplace(object.dn, std::move(object.attributes));
+    }
+}
+
+bool DataView::exists(const std::string& dn) const {
+    return mValues.count(dn) > 0;
+}
+
+std::vector<NamedValue> DataView::valuesOf(const std::string& dn) const {
+    return mValues.at(dn);
+}
+
+std::vector<std::string> DataView::namesOf(const std::string& parentDn,
+                                           const std::string& className) const {
+    const auto found = mNames.find(DnView(parentDn).childPrefix(className));
+    return found == mNames.end() ? std::vector<std::string>() : found->second;
 }
 
 const ClassDef& classOf(const YangModel& model, std::string_view name) {

@@ -5,11 +5,13 @@
 #define ORV_TESTS_UNIT_HOST_YANG_YANGTESTSUPPORT_H
 
 #include "audit/InstanceReport.h"
+#include "model/RuleCheck.h"
 #include "yang/instances/DataObject.h"
 #include "yang/schema/YangModelReader.h"
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,6 +64,21 @@ std::string writeObjects(const YangModel& model, DataFormat format,
 InstanceReport checkObjects(const YangModel& model, const std::vector<DataObject>& objects);
 /// The problems in it, one on each line.
 std::string problemsOf(const YangModel& model, const std::vector<DataObject>& objects);
+
+/// The objects of instance data, for a check of rules.
+class DataView : public ObjectView {
+public:
+    DataView(const YangModel& model, const std::string& data);
+
+    bool exists(const std::string& dn) const override;
+    std::vector<NamedValue> valuesOf(const std::string& dn) const override;
+    std::vector<std::string> namesOf(const std::string& parentDn,
+                                     const std::string& className) const override;
+
+private:
+    std::map<std::string, std::vector<NamedValue>> mValues;
+    std::map<std::string, std::vector<std::string>> mNames;
+};
 
 const ClassDef& classOf(const YangModel& model, std::string_view name);
 const AttributeDef& attributeOf(const YangModel& model, std::string_view className,

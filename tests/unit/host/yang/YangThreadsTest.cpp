@@ -3,6 +3,7 @@
 
 #include "YangTestSupport.h"
 #include "yang/instances/InstanceDataReader.h"
+#include "yang/rules/YangRules.h"
 
 #include <gtest/gtest.h>
 
@@ -73,6 +74,32 @@ TEST(YangThreads, ChecksBesideReaders_DoNotDisturbEachOther) {
                              ? 0
                              : 1;
             }
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST(YangThreads, Rules_OfOneModel_AreCheckedAtOnce) {
+    const YangModel model = YangModelReader()
+                                .offerText("m", "m.yang", R"(
+        module m { yang-version 1.1; namespace "urn:m"; prefix m;
+          list A { key id; leaf id { type string; } leaf kind { type string; default "x"; }
+            leaf n { when "../kind = 'x'"; type int32; must ". > 5"; }
+            leaf next { type leafref { path "../../A/id"; } } } })")
+                                .load("m")
+                                .withAllRules()
+                                .read();
+    const auto rules = rulesOf(model.schema);
+    std::atomic<int> wrong{0};
+    together([&](int thread) {
+        const std::string id = std::to_string(thread);
+        const DataView good(model, R"({"m:A": [{"id": ")" + id + R"(", "n": 7, "next": ")" + id +
+                                       R"("}]})");
+        const DataView bad(model, R"({"m:A": [{"id": ")" + id + R"(", "n": )" + id +
+                                      R"(, "kind": "y", "next": "z"}]})");
+        for (int round = 0; round < kRounds / 10; ++round) {
+            wrong += rules->checkAll(good).violations.empty() ? 0 : 1;
+            wrong += rules->checkAll(bad).violations.size() == 3U ? 0 : 1;
         }
     });
     EXPECT_EQ(wrong, 0);

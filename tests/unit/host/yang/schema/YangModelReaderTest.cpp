@@ -185,6 +185,56 @@ TEST(YangModelReader, Choices_AreKnownWithTheirCases) {
     EXPECT_FALSE(member(box, "full").isRequired());
 }
 
+TEST(YangModelReader, CasesOfOneName_FromTwoModules_AreTwo) {
+    const TemporaryDirectory directory;
+    directory.write("m.yang", "module m { namespace 'urn:m'; prefix m; list A { key id;"
+                              " leaf id { type string; } choice way { default none; leaf none {"
+                              " type string; } case more { leaf a { type string; } } } } }");
+    directory.write("o.yang", "module o { namespace 'urn:o'; prefix o; import m { prefix m; }"
+                              " augment /m:A/m:way { case more { leaf b { type string; } } } }");
+    const YangModel model = YangModelReader().searchIn(directory.path()).load("m").load("o").read();
+    const ClassDef& moc = classOf(model, "A");
+    ASSERT_EQ(moc.choices.size(), 1U);
+    std::vector<std::string> cases;
+    for (const ChoiceCase& one : moc.choices[0].cases) {
+        cases.push_back(one.name + ":" + one.attributes[0] + (one.isDefault ? " default" : ""));
+    }
+    EXPECT_THAT(cases, ElementsAre("none:none default", "more:a", "o:more:b"));
+    EXPECT_THAT(problemsOf(model, readObjectsOf(model, R"({"m:A": [{"id": "1", "a": "x",
+                                                                    "o:b": "y"}]})")),
+                HasSubstr("'a' and 'b' are of two cases"));
+}
+
+TEST(YangModelReader, MandatoryChoice_UnderAConditionOrOfState_IsNotDemanded) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; }
+          container attributes { when "../id = 'x'";
+            choice way { mandatory true; leaf road { type string; } leaf rail { type string; } } }
+          choice seen { mandatory true; leaf up { config false; type string; }
+            leaf down { config false; type string; } } })");
+    const ClassDef& moc = classOf(model, "A");
+    ASSERT_EQ(moc.choices.size(), 2U);
+    EXPECT_FALSE(moc.choices[0].isMandatory);
+    EXPECT_FALSE(moc.choices[1].isMandatory);
+}
+
+TEST(YangModelReader, ChoicesAmongParameters_AreNoted) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; } action go { input {
+          choice way { leaf road { type string; } leaf rail { type string; } } } } })");
+    ASSERT_EQ(model.notes.size(), 1U);
+    EXPECT_EQ(toText(model.notes[0]),
+              "m.yang:4: choices among the parameters of an action are not checked: at "
+              "/m:A/go/input/road and at 1 more place");
+}
+
+TEST(YangModelReader, Empty_IsAbsentIfFalse) {
+    const YangModel model = modelOfBody(R"(list A { key id; leaf id { type string; }
+        leaf e { type empty; } leaf b { type boolean; } })");
+    EXPECT_TRUE(attributeOf(model, "A", "e").type.isFalseAbsent);
+    EXPECT_FALSE(attributeOf(model, "A", "b").type.isFalseAbsent);
+}
+
 TEST(YangModelReader, MandatoryLeaf_UnderAWhen_IsNotDemanded) {
     const YangModel model = modelOfBody(R"(
         list A { key id; leaf id { type string; } leaf kind { type string; }
@@ -469,7 +519,6 @@ TEST(YangModelReader, WhatIsLeftOut_IsNoted) {
     EXPECT_THAT(notes, HasSubstr("`anydata` nodes are not part of the model"));
     EXPECT_THAT(notes, HasSubstr("`notification` nodes are not part of the model"));
     EXPECT_THAT(notes, HasSubstr("`must` statements are not evaluated"));
-    EXPECT_THAT(notes, HasSubstr("`when` statements are not evaluated"));
     EXPECT_THAT(notes, HasSubstr("outside of any class is not part of the model: at "
                                  "/site-extension:motto"));
 }
