@@ -359,11 +359,11 @@ TEST(YangModelReader, FeatureThatDependsOnOneThatIsOff_StaysOff) {
     directory.write("other.yang", "module other { namespace 'urn:o'; prefix o; feature far; }");
     YangModelReader reader;
     reader.searchIn(directory.path()).load("m");
-    EXPECT_EQ(attributesOf(reader.read()), "id a d g ");
+    EXPECT_EQ(attributesOf(reader.read()), "bId a d g ");
     reader.load("other");
-    EXPECT_EQ(attributesOf(reader.read()), "id a d f ");
+    EXPECT_EQ(attributesOf(reader.read()), "bId a d f ");
     reader.selectFeatures("other", {});
-    EXPECT_EQ(attributesOf(reader.read()), "id a d g ");
+    EXPECT_EQ(attributesOf(reader.read()), "bId a d g ");
 }
 
 TEST(YangModelReader, ChosenFeatureWhoseConditionIsFalse_IsRefused) {
@@ -387,7 +387,7 @@ TEST(YangModelReader, FeaturesOfAnImportedModule_DoNotBringItsData) {
     YangModelReader reader;
     reader.searchIn(directory.path()).load("m").selectFeatures("base", {"deep"});
     const YangModel model = reader.read();
-    EXPECT_EQ(attributesOf(model), "id deep ");
+    EXPECT_EQ(attributesOf(model), "bId deep ");
     EXPECT_EQ(model.model.classes.size(), 1U);
 }
 
