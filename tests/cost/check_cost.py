@@ -64,6 +64,17 @@ def read_profile(lines, program):
     return name, own, allocations
 
 
+def environment():
+    """That of the measured program: what would make the C library choose other code is taken out.
+
+    It has string functions for several generations of processors, of different lengths.
+    """
+    kept = {name: value for name, value in os.environ.items() if not name.startswith("MALLOC_")}
+    return {**kept, "LD_BIND_NOW": "1",
+            "GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX512F,-AVX512VL,-AVX512BW,-AVX2,-AVX,-BMI2,"
+                              "-ERMS,-FSRM,-SSE4_2,-SSE4_1,-SSSE3"}
+
+
 def measure(valgrind, program, component):
     """Operation -> length of DN -> [instructions, allocations] of one call."""
     costs = collections.defaultdict(dict)
@@ -71,7 +82,7 @@ def measure(valgrind, program, component):
         done = subprocess.run(
             [valgrind, "--quiet", "--tool=callgrind", "--compress-strings=no", "--compress-pos=no",
              f"--callgrind-out-file={directory}/profile", program, component],
-            env={**os.environ, "LD_BIND_NOW": "1"}, stdin=subprocess.DEVNULL, text=True,
+            env=environment(), stdin=subprocess.DEVNULL, text=True,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         if done.returncode != 0:
             sys.exit(f"{program} ended with {done.returncode}:\n{done.stdout}")
@@ -168,7 +179,7 @@ def main():
         return
     libc = os.confstr("CS_GNU_LIBC_VERSION")
     here = f"{arguments.compiler}, {libc}, {platform.machine()}"
-    all_kept = json.loads(arguments.kept.read_text()) if arguments.kept.exists() else {}
+    all_kept = json.loads(arguments.kept.read_text())
     if here not in all_kept and not arguments.keep:
         print(f"not run: no costs are kept for {here}, only for: {'; '.join(sorted(all_kept))}. "
               "To keep what calls cost now: cmake --build --preset release --target cost_baseline")

@@ -221,7 +221,7 @@ OrvReturnT BiDirUtils::writeBackPointer(const TracePoint& operation, unsigned lo
                                         const char* attributeName) {
     ConversionMemory memory;
     const auto count = static_cast<std::uint32_t>(values.size());
-    auto* const slots = memory.malloc<OrvMoAttributeValue_3>(std::max(count, 1U)); // never null
+    auto* const slots = memory.malloc<OrvMoAttributeValue_3>(std::max(count, 1U)); // of none, too
     for (std::size_t i = 0; i < values.size(); ++i) {
         slots[i].moRef = values[i].c_str();
     }

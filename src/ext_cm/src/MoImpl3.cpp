@@ -257,7 +257,7 @@ OrvReturnT MoImpl3::createMo(unsigned long txHandle, const char* dn, const char*
         ValueConversion(idMappings)
             .toInternal(attributes != nullptr ? attributes : &none, memory, doNothing);
     CreatedMo created(opened.dn, className, attrName, attrValue);
-    if (!allOf(converted, isNoReference)) {
+    if (!allOf(converted, isNoReference) || biDirUtils.hasWaiting()) {
         created.makeDns(); // so that less can fail once the MO is there
     }
     const OrvReturnT code =

@@ -8,8 +8,18 @@
 
 #include <cstddef>
 #include <cstring>
+#include <new>
 
 namespace OrvExtCmRouterService {
+
+/// \p block, which is memory for something. \throws std::bad_alloc if it is null.
+template <class Element>
+Element* present(Element* block) {
+    if (block == nullptr) {
+        throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
+    }
+    return block;
+}
 
 /// The memory of what an operation converts for the call that it makes. Most conversions are small
 /// and fit into this object, which stands on the stack; the others come from the heap. All goes
@@ -23,14 +33,14 @@ public:
     ConversionMemory& operator=(const ConversionMemory&) = delete;
     ~ConversionMemory() = default;
 
-    /// A zeroed array of \p count elements, as Orv::AutoMemory::malloc gives it.
+    /// A zeroed array of \p count elements. \throws std::bad_alloc if there is no memory left.
     template <class T>
     T* malloc(unsigned int count) {
         // NOLINTNEXTLINE(bugprone-sizeof-expression): the elements may be pointers.
         constexpr std::size_t size = sizeof(T);
         static_assert(size % alignment == 0 && alignof(T) <= alignment);
         if (count > (sizeof(mSpace) - mUsed) / size) {
-            return mHeap.malloc<T>(count);
+            return present(mHeap.malloc<T>(count));
         }
         void* const block = mSpace + mUsed;
         mUsed += count * size;

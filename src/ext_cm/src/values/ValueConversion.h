@@ -60,8 +60,8 @@ public:
     NamedAttribute** toInternal(NamedAttribute* const* attributes, ConversionMemory& memory,
                                 const OnEach& onEach) const {
         const auto count = static_cast<unsigned int>(lengthOf(attributes));
-        auto** const copies = present(memory.malloc<NamedAttribute*>(count + 1));
-        auto* const records = count != 0 ? present(memory.malloc<NamedAttribute>(count)) : nullptr;
+        auto** const copies = memory.malloc<NamedAttribute*>(count + 1);
+        auto* const records = count != 0 ? memory.malloc<NamedAttribute>(count) : nullptr;
         for (unsigned int index = 0; index < count; ++index) {
             records[index].name = attributes[index]->name;
             records[index].value = toInternal(attributes[index]->value, memory);
@@ -73,14 +73,6 @@ public:
 
 private:
     class NestedMaker;
-
-    template <class Element>
-    static Element* present(Element* block) {
-        if (block == nullptr) {
-            throw std::bad_alloc(); // GCOVR_EXCL_LINE: only when the C library has no memory left
-        }
-        return block;
-    }
 
     Slot* internalSlots(const OrvMoAttributeValueContainer_3& value,
                         ConversionMemory& memory) const;
