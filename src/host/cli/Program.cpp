@@ -153,6 +153,7 @@ int runWithOptions(const Options& options) {
         HostSetup setup(options, std::cerr);
         const CommandTable commands;
         Session session(setup.host(), setup.clients(), setup.log(), std::cout, options.json);
+        session.showRuleCost(options.yangRules);
         session.setModelNotes(setup.modelNotes());
         return Run(options, session, commands).run();
     } catch (const std::exception& failure) {

@@ -71,13 +71,17 @@ void runInterface(Session& session, Words words) {
 
 namespace {
 
-/// What the check of the modules' rules has cost; empty if there are none.
+/// What the check of the modules' rules has cost; empty if that is not to be shown.
 std::string ruleCostText(Session& session, const OpenTransactions::Entry& transaction) {
+    if (!session.showsRuleCost()) {
+        return {};
+    }
     const auto cost = session.host().router().ruleCostOf(transaction.handle);
     if (!cost) {
         return {};
     }
-    return "rules of the modules: " + std::to_string(cost->objects) + " objects looked at in " +
+    return "rules of the modules: " + std::to_string(cost->objects) +
+           (cost->objects == 1 ? " object" : " objects") + " looked at in " +
            std::to_string(cost->time.count()) + " us";
 }
 

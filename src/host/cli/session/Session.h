@@ -31,6 +31,10 @@ public:
     /// Null if there are no modules.
     const std::vector<Problem>* modelNotes() const { return mModelNotes; }
 
+    /// Whether a validation says what the check of the modules' rules has cost.
+    void showRuleCost(bool isShown) { mShowsRuleCost = isShown; }
+    bool showsRuleCost() const { return mShowsRuleCost; }
+
     /// True: each command prints one JSON document, in one line, and nothing else.
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
@@ -46,6 +50,7 @@ private:
     const std::vector<Problem>* mModelNotes = nullptr;
     std::ostream* mOut;
     bool mWantsJson;
+    bool mShowsRuleCost = false;
     bool mIsEnded = false;
 };
 

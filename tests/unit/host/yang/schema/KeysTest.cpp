@@ -176,7 +176,9 @@ TEST(Keys, ReferencesAndPathsAsKeys_MakeStructs) {
                     "the entries of this list are values and not objects, since its key \"a\" is a "
                     "reference: at /m:Site/One",
                     "the entries of this list are values and not objects, since its key \"b\" can "
-                    "be an instance-identifier: at /m:Site/Two"));
+                    "be an instance-identifier: at /m:Site/Two",
+                    "leafrefs and instance-identifiers in a union are values like others: that "
+                    "what they name exists is not checked: at /m:Site/Two/b"));
 }
 
 TEST(Keys, ListsWithTheSameKeysInAnotherOrder_AreTwoClasses) {
