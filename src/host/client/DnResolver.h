@@ -5,6 +5,7 @@
 #define ORV_HOST_CLIENT_DNRESOLVER_H
 
 #include "base/DnView.h"
+#include "base/RootObject.h"
 #include "model/Model.h"
 
 #include <string>
@@ -49,11 +50,6 @@ std::vector<std::string> classNames(const Model& model);
 
 /// True for Class=value with a value that can name an object.
 bool isNamingStep(const DnStep& step);
-
-/// The class of the element at the root, the only one whose name clients know differently.
-constexpr const char* kRootClass = "ManagedElement";
-/// The name of the element at the root in internal DNs.
-constexpr const char* kRootName = "1";
 
 }
 

@@ -6,6 +6,7 @@
 #include "ComponentFinder.h"
 #include "LoggingWrapper.h"
 #include "base/Join.h"
+#include "base/RootObject.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/ProgressBar.h"
 #include "runtime/DataSet.h"
@@ -141,6 +142,7 @@ void HostSetup::loadData(const Options& options) {
 
 void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) {
     InstanceDataReader reader(mModel.schema);
+    reader.nameRoot(kRootName);
     reader.onProgress([&](const DataProgress& progress) {
         bar.update("reading", progress.bytesDone, progress.bytesInAll);
     });

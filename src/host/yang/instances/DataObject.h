@@ -15,7 +15,8 @@ namespace OrvHost {
 /// The two encodings of instance data: JSON of RFC 7951, and XML.
 enum class DataFormat : std::uint8_t { Json, Xml };
 
-/// A managed object as instance data holds it. All DNs in it are internal ones.
+/// A managed object as instance data holds it. Its DNs are internal or external, as the data has
+/// them.
 struct DataObject {
     std::string dn;
     ClassIndex moc = 0;

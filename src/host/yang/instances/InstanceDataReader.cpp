@@ -3,9 +3,11 @@
 
 #include "InstanceDataReader.h"
 
+#include "base/RootObject.h"
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/Operations.h"
 #include "yang/instances/ParsedData.h"
+#include "yang/instances/RootRenaming.h"
 #include "yang/instances/TreeReader.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/source/SourceLocator.h"
@@ -241,10 +243,16 @@ InstanceDataReader& InstanceDataReader::skipUnknown() {
     return *this;
 }
 
+InstanceDataReader& InstanceDataReader::nameRoot(std::string name) {
+    mRootName = std::move(name);
+    return *this;
+}
+
 std::size_t InstanceDataReader::read(const std::vector<fs::path>& paths, const Sink& sink) {
     const std::vector<fs::path> files = expand(paths);
     mState = {};
     mNotes.clear();
+    mRootInFiles.clear();
     mState.filesInAll = files.size();
     for (const fs::path& file : files) {
         mState.bytesInAll += sizeOf(file);
@@ -267,6 +275,7 @@ std::size_t InstanceDataReader::readText(const std::string& text, const std::str
                                          const Sink& sink) {
     mState = {};
     mNotes.clear();
+    mRootInFiles.clear();
     mState.filesInAll = 1;
     mState.bytesInAll = text.size();
     parseAndDeliver(text, label, &sink);
@@ -304,15 +313,40 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
             return withoutLines([&] { return parseData(*rest); });
         }
     }();
-    TreeReader(*mSchema, label, notes).read(tree.get(), [this, sink, &label](DataObject&& object) {
+    const std::string root = mRootName ? rootNameIn(tree.get(), *mSchema, label) : std::string();
+    noteRoot(root, label);
+    const RootRenaming renaming(root, mRootName.value_or(root));
+    std::vector<Problem> problems;
+    TreeReader(*mSchema, label, notes).read(tree.get(), [&](DataObject&& object) {
+        for (std::string& problem : renaming.rename(object)) {
+            problems.push_back({{label, 0}, std::move(problem)});
+        }
         if (sink != nullptr) {
             (*sink)(std::move(object), label);
             ++mState.objects;
             report(false);
         }
     });
+    if (!problems.empty()) {
+        throw InstanceDataError(std::move(problems));
+    }
     std::vector<Problem> more = std::move(notes).take();
     mNotes.insert(mNotes.end(), more.begin(), more.end());
+}
+
+/// Two networks must not become one only because each of them calls its root as it likes.
+void InstanceDataReader::noteRoot(const std::string& name, const std::string& label) {
+    if (name.empty() || name == kRootName) {
+        return;
+    }
+    if (mRootInFiles.empty()) {
+        mRootInFiles = name;
+        mRootFile = label;
+    } else if (mRootInFiles != name) {
+        refuse(label, 0,
+               "the element at the root is called " + name + " here, but " + mRootInFiles + " in " +
+                   mRootFile + "; one name was expected, or " + kRootName);
+    }
 }
 
 void InstanceDataReader::report(bool always) {

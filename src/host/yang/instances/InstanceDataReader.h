@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,12 @@ public:
     /// Data that no loaded module knows is skipped with a note. Without this call it is an error.
     InstanceDataReader& skipUnknown();
 
+    /// The element at the root (see base/RootObject.h) is delivered under that name, and so is
+    /// every DN in references that begins with its name in the file: a host knows it by another
+    /// name inside, and other hosts give it other names. One name is expected in all files of a
+    /// read(), kRootName excepted. Without this call DNs are delivered as the files have them.
+    InstanceDataReader& nameRoot(std::string name);
+
     /// What the latest read() or readText() has skipped, for people: data that the modules know but
     /// that has no place in the model, and unknown data.
     const std::vector<Problem>& notes() const { return mNotes; }
@@ -70,10 +77,14 @@ public:
 private:
     void readFile(const std::filesystem::path& file, const Sink* sink);
     void parseAndDeliver(const std::string& text, const std::string& label, const Sink* sink);
+    void noteRoot(const std::string& name, const std::string& label);
     void report(bool always);
 
     std::shared_ptr<const YangSchema> mSchema;
     bool mSkipsUnknown = false;
+    std::optional<std::string> mRootName;
+    std::string mRootInFiles; ///< its name in the files so far, if it is not kRootName
+    std::string mRootFile;    ///< the first file that has it
     std::vector<Problem> mNotes;
     Progress mProgress;
     DataProgress mState;

@@ -4,7 +4,6 @@
 #include "InstanceDataWriter.h"
 
 #include "base/DnView.h"
-#include "model/KeyValues.h"
 #include "yang/instances/ObjectWriter.h"
 #include "yang/source/YangContext.h"
 
@@ -28,17 +27,11 @@ DnStep lastStep(std::string_view dn) {
 }
 
 std::vector<std::string> keysIn(std::string_view dn, const ObjectShape& shape) {
-    const std::string_view value = lastStep(dn).value();
-    if (shape.keys.size() == 1) {
-        return {std::string(value)};
+    try {
+        return keysOf(shape, lastStep(dn).value());
+    } catch (const UnwritableValueError& error) {
+        refuse(dn, error.what());
     }
-    auto keys = splitKeys(value, shape.keys.size());
-    if (!keys) {
-        refuse(dn, "the name \"" + std::string(value) + "\" does not consist of the " +
-                       std::to_string(shape.keys.size()) +
-                       " key values of its class; they were expected with | between them");
-    }
-    return std::move(*keys);
 }
 
 }
@@ -80,13 +73,11 @@ const ObjectShape& InstanceDataWriter::shapeFor(std::string_view dn) const {
     const DnStep step = lastStep(dn);
     const DnView parentDn = DnView(dn).parent();
     const ObjectShape* parent = parentDn.isEmpty() ? nullptr : &shapeFor(parentDn.text());
-    const ObjectShape* shape = mSchema->find(parent, step.type());
-    if (shape == nullptr) {
-        const std::string where =
-            parent != nullptr ? "under class \"" + parent->className + "\"" : "at the top";
-        refuse(dn, "no class \"" + std::string(step.type()) + "\" stands " + where);
+    try {
+        return requireShape(*mSchema, parent, step.type());
+    } catch (const UnwritableValueError& error) {
+        refuse(dn, error.what());
     }
-    return *shape;
 }
 
 /// The DN has a class of the model, since shapeFor() has found it.

@@ -73,43 +73,76 @@ std::string block(const std::vector<std::string>& parts, const char* open, const
     return std::string(open) + "\n" + kStep + indent(join(parts, ",\n")) + "\n" + close;
 }
 
-/// Writes a tree of text nodes, with commas between the nodes of a level.
-class TreeWriter {
-public:
-    TreeWriter(std::ostream& out, int step) : mOut(out), mStep(step) {}
+std::string spaces(int count) {
+    std::string text;
+    text.resize(static_cast<std::size_t>(count), ' ');
+    return text;
+}
 
-    void writeNode(const TextNode& node, const lysc_node* schema, int indent) {
+/// Writes nodes, with commas between those of a level.
+class JsonStream : public NodeStream {
+public:
+    JsonStream(std::ostream& out, int step) : mOut(out), mStep(step) {
         mOut << "{\n";
-        writeIndented(mOut, node.body, indent + mStep);
-        const char* separator = node.body.empty() ? "" : ",\n";
-        for (const TextNode::Group& group : node.groups) {
-            mOut << separator;
-            writeGroup(group, schema, indent + mStep);
-            separator = ",\n";
-        }
-        mOut << "\n" << std::string(static_cast<std::size_t>(indent), ' ') << "}";
+        mLevels.push_back({nullptr, 0, "", nullptr});
+    }
+
+    void open(const lysc_node* schema, const std::string& body) override {
+        const int indent = beginEntry(mLevels.back(), schema);
+        mOut << "{\n";
+        writeIndented(mOut, body, indent + mStep);
+        mLevels.push_back({schema, indent, body.empty() ? "" : ",\n", nullptr});
+    }
+
+    void close() override {
+        endGroup(mLevels.back());
+        mOut << "\n" << spaces(mLevels.back().indent) << "}";
+        mLevels.pop_back();
+    }
+
+    void finish() override {
+        close();
+        mOut << "\n";
     }
 
 private:
-    void writeGroup(const TextNode::Group& group, const lysc_node* parent, int indent) {
-        const std::string spaces(static_cast<std::size_t>(indent), ' ');
-        mOut << spaces << nameOf(group.schema, parent) << ": ";
-        if (group.schema->nodetype != LYS_LIST) {
-            writeNode(*group.nodes.front(), group.schema, indent);
-            return;
+    /// An open node.
+    struct Level {
+        const lysc_node* schema;
+        int indent;
+        const char* separator;  ///< before its next member
+        const lysc_node* group; ///< the list or container that was written last, or null
+    };
+
+    /// Writes what stands before the entry, and returns the indentation of the entry.
+    int beginEntry(Level& level, const lysc_node* schema) {
+        const int groupIndent = level.indent + mStep;
+        const bool isList = schema->nodetype == LYS_LIST;
+        const bool isFirst = level.group != schema;
+        if (isFirst) {
+            endGroup(level);
+            mOut << level.separator << spaces(groupIndent) << nameOf(schema, level.schema) << ": "
+                 << (isList ? "[\n" : "");
+            level.separator = ",\n";
+            level.group = schema;
         }
-        mOut << "[\n";
-        const char* separator = "";
-        for (const std::unique_ptr<TextNode>& node : group.nodes) {
-            mOut << separator << spaces << std::string(static_cast<std::size_t>(mStep), ' ');
-            writeNode(*node, group.schema, indent + mStep);
-            separator = ",\n";
+        if (!isList) {
+            return groupIndent;
         }
-        mOut << "\n" << spaces << "]";
+        mOut << (isFirst ? "" : ",\n") << spaces(groupIndent + mStep);
+        return groupIndent + mStep;
+    }
+
+    void endGroup(Level& level) {
+        if (level.group != nullptr && level.group->nodetype == LYS_LIST) {
+            mOut << "\n" << spaces(level.indent + mStep) << "]";
+        }
+        level.group = nullptr;
     }
 
     std::ostream& mOut;
     int mStep;
+    std::vector<Level> mLevels;
 };
 
 }
@@ -196,9 +229,8 @@ std::string JsonWriter::structure(const StructValue& value, const ValueShape& sh
     return block(parts, "{", "}");
 }
 
-void JsonWriter::write(std::ostream& out, const TextNode& root, int step) const {
-    TreeWriter(out, step).writeNode(root, nullptr, 0);
-    out << "\n";
+std::unique_ptr<NodeStream> JsonWriter::stream(std::ostream& out, int step) const {
+    return std::make_unique<JsonStream>(out, step);
 }
 
 }

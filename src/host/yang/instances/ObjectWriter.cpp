@@ -3,12 +3,27 @@
 
 #include "ObjectWriter.h"
 
+#include "model/KeyValues.h"
 #include "yang/instances/JsonWriter.h"
 #include "yang/instances/XmlWriter.h"
 
 #include <algorithm>
 
 namespace OrvHost {
+
+namespace {
+
+void writeBelow(NodeStream& stream, const TextNode& node) {
+    for (const TextNode::Group& group : node.groups) {
+        for (const std::unique_ptr<TextNode>& child : group.nodes) {
+            stream.open(group.schema, child->body);
+            writeBelow(stream, *child);
+            stream.close();
+        }
+    }
+}
+
+}
 
 TextNode::Group& TextNode::group(const lysc_node* schema) {
     const auto found = std::find_if(groups.begin(), groups.end(),
@@ -25,6 +40,37 @@ std::unique_ptr<ObjectWriter> ObjectWriter::make(DataFormat format, const YangCo
         return std::make_unique<JsonWriter>(context);
     }
     return std::make_unique<XmlWriter>(context);
+}
+
+void ObjectWriter::write(std::ostream& out, const TextNode& root, int step) const {
+    const std::unique_ptr<NodeStream> text = stream(out, step);
+    writeBelow(*text, root);
+    text->finish();
+}
+
+const ObjectShape& requireShape(const YangSchema& schema, const ObjectShape* parent,
+                                std::string_view className) {
+    const ObjectShape* shape = schema.find(parent, className);
+    if (shape == nullptr) {
+        const std::string where =
+            parent != nullptr ? "under class \"" + parent->className + "\"" : "at the top";
+        throw UnwritableValueError("no class \"" + std::string(className) + "\" stands " + where);
+    }
+    return *shape;
+}
+
+std::vector<std::string> keysOf(const ObjectShape& shape, std::string_view name) {
+    if (shape.keys.size() == 1) {
+        return {std::string(name)};
+    }
+    auto keys = splitKeys(name, shape.keys.size());
+    if (!keys) {
+        throw UnwritableValueError(
+            "the name \"" + std::string(name) + "\" does not consist of the " +
+            std::to_string(shape.keys.size()) +
+            " key values of its class; they were expected with | between them");
+    }
+    return std::move(*keys);
 }
 
 const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes) {

@@ -12,6 +12,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace OrvHost {
@@ -37,6 +38,23 @@ struct TextNode {
     Group& group(const lysc_node* schema);
 };
 
+/// Writes nested nodes one after the other, and keeps only the path to the open one. The entries of
+/// one list must follow each other.
+class NodeStream {
+public:
+    NodeStream() = default;
+    virtual ~NodeStream() = default;
+    NodeStream(const NodeStream&) = delete;
+    NodeStream& operator=(const NodeStream&) = delete;
+
+    /// Begins an entry of a list, or a container, in the open node. \p body: see TextNode::body.
+    virtual void open(const lysc_node* schema, const std::string& body) = 0;
+    /// Ends the open node.
+    virtual void close() = 0;
+    /// Ends the text. Every node must be closed.
+    virtual void finish() = 0;
+};
+
 /// Writes objects in one of the two formats.
 class ObjectWriter {
 public:
@@ -52,9 +70,11 @@ public:
     virtual std::string body(const ObjectShape& shape, const std::vector<std::string>& keys,
                              const std::vector<NamedValue>& attributes) const = 0;
 
-    /// The text of a whole tree: everything below `root`. `step` is the number of spaces for each
-    /// level.
-    virtual void write(std::ostream& out, const TextNode& root, int step) const = 0;
+    /// Begins a text. `step` is the number of spaces for each level; `out` is borrowed.
+    virtual std::unique_ptr<NodeStream> stream(std::ostream& out, int step) const = 0;
+
+    /// The text of a whole tree: everything below `root`.
+    void write(std::ostream& out, const TextNode& root, int step) const;
 
 protected:
     const YangContext& context() const { return mContext; }
@@ -66,6 +86,15 @@ private:
 /// The shape with that name. The value must have its kind, and must be single if the shape is.
 /// \throws UnwritableValueError
 const ValueShape& shapeOf(const NamedValue& value, const std::vector<ValueShape>& shapes);
+
+/// The place of a class below a place of its parent, or at the top if `parent` is null.
+/// \throws UnwritableValueError if the class is not at that place
+const ObjectShape& requireShape(const YangSchema& schema, const ObjectShape* parent,
+                                std::string_view className);
+
+/// The values of the keys of an object with that naming value.
+/// \throws UnwritableValueError if it does not consist of them
+std::vector<std::string> keysOf(const ObjectShape& shape, std::string_view name);
 
 /// Writes `text`, which can have several lines, with `indent` spaces before each line.
 void writeIndented(std::ostream& out, const std::string& text, int indent);

@@ -65,19 +65,40 @@ std::string declarationFor(const std::string& identity, const YangContext& conte
     return found == nullptr ? "" : " xmlns:" + module + "=\"" + escape(found->ns) + "\"";
 }
 
-void writeNode(std::ostream& out, const TextNode& node, const lysc_node* schema,
-               const lysc_node* parent, int indent, int step) {
-    const std::string spaces(static_cast<std::size_t>(indent), ' ');
-    out << spaces << "<" << startTag(schema, parent) << ">\n";
-    writeIndented(out, node.body, indent + step);
-    out << (node.body.empty() ? "" : "\n");
-    for (const TextNode::Group& group : node.groups) {
-        for (const std::unique_ptr<TextNode>& child : group.nodes) {
-            writeNode(out, *child, group.schema, schema, indent + step, step);
-        }
+class XmlStream : public NodeStream {
+public:
+    XmlStream(std::ostream& out, int step) : mOut(out), mStep(step) {}
+
+    void open(const lysc_node* schema, const std::string& body) override {
+        const lysc_node* parent = mOpen.empty() ? nullptr : mOpen.back();
+        mOut << indentation() << "<" << startTag(schema, parent) << ">\n";
+        mOpen.push_back(schema);
+        writeIndented(mOut, body, static_cast<int>(indentation().size()));
+        mOut << (body.empty() ? "" : "\n");
+        mIsEmpty = false;
     }
-    out << spaces << "</" << schema->name << ">\n";
-}
+
+    void close() override {
+        const lysc_node* schema = mOpen.back();
+        mOpen.pop_back();
+        mOut << indentation() << "</" << schema->name << ">\n";
+    }
+
+    // A text without anything would not be known as XML.
+    void finish() override { mOut << (mIsEmpty ? "<!-- no objects -->\n" : ""); }
+
+private:
+    std::string indentation() const {
+        std::string spaces;
+        spaces.resize(mOpen.size() * static_cast<std::size_t>(mStep), ' ');
+        return spaces;
+    }
+
+    std::ostream& mOut;
+    int mStep;
+    std::vector<const lysc_node*> mOpen;
+    bool mIsEmpty = true;
+};
 
 }
 
@@ -140,12 +161,8 @@ std::string XmlWriter::scalar(const Value& value, const lysc_node* node,
     return element(node, parent, escape(encoded.text));
 }
 
-void XmlWriter::write(std::ostream& out, const TextNode& root, int step) const {
-    for (const TextNode::Group& group : root.groups) {
-        for (const std::unique_ptr<TextNode>& node : group.nodes) {
-            writeNode(out, *node, group.schema, nullptr, 0, step);
-        }
-    }
+std::unique_ptr<NodeStream> XmlWriter::stream(std::ostream& out, int step) const {
+    return std::make_unique<XmlStream>(out, step);
 }
 
 }

@@ -15,7 +15,7 @@ public:
 
     std::string body(const ObjectShape& shape, const std::vector<std::string>& keys,
                      const std::vector<NamedValue>& attributes) const override;
-    void write(std::ostream& out, const TextNode& root, int step) const override;
+    std::unique_ptr<NodeStream> stream(std::ostream& out, int step) const override;
 
 private:
     void append(std::string& text, const NamedValue& value, const ValueShape& shape,
