@@ -5,7 +5,9 @@
 
 #include "runtime/Host.h"
 
+#include "client/ClientSession.h"
 #include "client/Clients.h"
+#include "client/SubtreeReader.h"
 #include "model/building/ModelBuilder.h"
 #include "runtime/DataSet.h"
 
@@ -102,6 +104,41 @@ TEST_F(HostTest, Children_InSingleSteps_ComeInEachVersion) {
         EXPECT_EQ(clients.chosen().nextChild(iterator), std::nullopt) << version;
         EXPECT_NO_THROW(clients.chosen().closeChildren(iterator)) << version;
     }
+}
+
+TEST_F(HostTest, Subtree_Read_ComesFromTheTopWithItsValuesAndEnds) {
+    Host host(mModel, knownAs("east"));
+    startWithData(host);
+    Clients clients(host);
+    ClientSession session(host, clients);
+    std::vector<std::string> steps;
+    const Host::ReadTransaction transaction(host);
+    SubtreeReader(session, transaction.handle())
+        .read(
+            "",
+            [&](const ObjectState& object) {
+                steps.push_back(object.dn + "=" + std::to_string(object.values.size()));
+            },
+            [&] { steps.emplace_back("end"); });
+    EXPECT_THAT(steps, testing::ElementsAre("ManagedElement=east=1", "ManagedElement=east,Mast=a=2",
+                                            "end", "end"));
+}
+
+TEST_F(HostTest, Subtree_MissingOrCancelled_Throws) {
+    Host host(mModel, knownAs("east"));
+    startWithData(host);
+    Clients clients(host);
+    ClientSession session(host, clients);
+    const Host::ReadTransaction transaction(host);
+    SubtreeReader reader(session, transaction.handle());
+    const auto read = [&](const std::string& dn) {
+        reader.read(
+            dn, [](const ObjectState&) {}, [] {});
+    };
+    EXPECT_THAT([&] { read("ManagedElement=east,Mast=x"); }, throwsCode(OrvNotExist));
+    EXPECT_THAT([&] { read("ManagedElement=west"); }, throwsCode(OrvNotExist));
+    session.cancellation().cancel();
+    EXPECT_THROW(read(""), CancelledError);
 }
 
 TEST_F(HostTest, Iterator_Closed_IsUnknown) {

@@ -7,6 +7,14 @@
 
 namespace OrvHost {
 
+void requireNoneAtTop(Client& client, unsigned long txHandle, const std::string& className) {
+    if (client.count(txHandle, "", className) > 0) {
+        throw RequestError("the objects of class " + className +
+                           " at the top level cannot be listed, so the whole tree cannot be read "
+                           "or replaced; name each of them by its own DN");
+    }
+}
+
 bool ClientState::exists(const std::string& dn) {
     return mClient.exists(mTxHandle, dn);
 }
@@ -34,11 +42,7 @@ std::vector<AttributeValue> ClientState::attributes(const std::string& dn, const
 std::vector<std::string> ClientState::children(const std::string& dn,
                                                const std::string& className) {
     if (dn.empty() && className != kRootClass) {
-        if (mClient.count(mTxHandle, dn, className) > 0) {
-            throw RequestError("the objects of class " + className +
-                               " at the top level cannot be listed, so the whole tree cannot be "
-                               "replaced; name each of them by its own DN");
-        }
+        requireNoneAtTop(mClient, mTxHandle, className);
         return {};
     }
     std::vector<std::string> names;

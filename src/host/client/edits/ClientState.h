@@ -9,6 +9,11 @@
 
 namespace OrvHost {
 
+/// Throws RequestError if there are objects of a class at the top level that is not that of the
+/// element at the root: their names cannot be read, since clients see all objects there under the
+/// name of that element.
+void requireNoneAtTop(Client& client, unsigned long txHandle, const std::string& className);
+
 /// The objects as a transaction sees them, read through the component.
 class ClientState : public StateBefore {
 public:
@@ -19,8 +24,7 @@ public:
     bool exists(const std::string& dn) override;
     /// Throws RequestError for an answer that no attribute can hold.
     std::vector<AttributeValue> attributes(const std::string& dn, const ClassDef& moc) override;
-    /// Throws RequestError for objects at the top level whose names cannot be read: clients see all
-    /// objects there under the name of the element at the root.
+    /// Throws what requireNoneAtTop throws.
     std::vector<std::string> children(const std::string& dn, const std::string& className) override;
 
 private:
