@@ -60,7 +60,7 @@ AssociationChanges::AssociationChanges(const AssociationSides& sides, const Obje
 }
 
 void AssociationChanges::collect() {
-    for (const ObjectChange& change : mObjects.all()) {
+    for (const ObjectWish& change : mObjects.all()) {
         for (const AttributeDef& def : change.moc->attributes) {
             if (mSides.of(mState.indexOf(*change.moc), def.name).empty()) {
                 continue;
@@ -81,13 +81,13 @@ void AssociationChanges::collect() {
 }
 
 // A value that the wish repeats is new for an object that it refers to and that the wish creates.
-void AssociationChanges::collectRevived(const Slot& slot, const ObjectChange& change) {
+void AssociationChanges::collectRevived(const Slot& slot, const ObjectWish& change) {
     const auto named = change.attributes.find(slot.second);
     if (named == change.attributes.end() || change.contradicted.count(slot.second) != 0) {
         return;
     }
     for (const std::string& target : dnsIn(named->second)) {
-        const ObjectChange* far = mObjects.find(target);
+        const ObjectWish* far = mObjects.find(target);
         if (far != nullptr && far->isCreated && sideTo(slot, target) != nullptr) {
             mRevived.emplace(slot, target);
         }
@@ -116,7 +116,7 @@ AssociationChanges::Standing AssociationChanges::standingOf(const Slot& slot) {
 }
 
 AssociationChanges::Standing AssociationChanges::findStanding(const Slot& slot) {
-    const ObjectChange* change = mObjects.find(slot.first);
+    const ObjectWish* change = mObjects.find(slot.first);
     if (change == nullptr || change->contradicted.count(slot.second) != 0) {
         return Standing::Open;
     }

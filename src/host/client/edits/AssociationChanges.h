@@ -53,7 +53,7 @@ private:
     };
 
     void collect();
-    void collectRevived(const Slot& slot, const ObjectChange& change);
+    void collectRevived(const Slot& slot, const ObjectWish& change);
     void enter(const Slot& slot, Standing standing, ReferenceList values);
     Future& future(const Slot& slot);
     Standing standingOf(const Slot& slot);

@@ -40,14 +40,14 @@ public:
     EditPlan take() { return std::move(mPlan); }
 
 private:
-    bool isAssociation(const ObjectChange& change, const AttributeDef& def) const {
+    bool isAssociation(const ObjectWish& change, const AttributeDef& def) const {
         return !mSides.of(mState.indexOf(*change.moc), def.name).empty();
     }
 
     // Calls visit with the definition and the wished value of each attribute whose value must
     // change, without associations.
     template <class Visit>
-    void forEachNewValue(const ObjectChange& change, const Visit& visit) {
+    void forEachNewValue(const ObjectWish& change, const Visit& visit) {
         for (const AttributeDef& def : change.moc->attributes) {
             const auto named = change.attributes.find(def.name);
             const bool isNamed = named != change.attributes.end();
@@ -70,7 +70,7 @@ private:
     }
 
     void checkMandatory() {
-        for (const ObjectChange& change : mObjects.all()) {
+        for (const ObjectWish& change : mObjects.all()) {
             forEachNewValue(change, [&](const AttributeDef& def, const AttributeValue& value) {
                 const bool isNamed = change.attributes.count(def.name) != 0;
                 const bool isMissing = !isNamed && value.values.empty() &&
@@ -86,7 +86,7 @@ private:
 
     // References of associations are checked with them.
     void checkReferences() {
-        for (const ObjectChange& change : mObjects.all()) {
+        for (const ObjectWish& change : mObjects.all()) {
             for (const auto& named : change.attributes) {
                 if (mSides.of(mState.indexOf(*change.moc), named.first).empty() &&
                     change.contradicted.count(named.first) == 0) {
@@ -134,35 +134,34 @@ private:
     }
 
     void addCreates() {
-        std::vector<const ObjectChange*> created;
-        for (const ObjectChange& change : mObjects.all()) {
+        std::vector<const ObjectWish*> created;
+        for (const ObjectWish& change : mObjects.all()) {
             if (change.isCreated) {
                 created.push_back(&change);
             }
         }
-        const auto depth = [](const ObjectChange* change) { return DnView(change->dn).depth(); };
+        const auto depth = [](const ObjectWish* change) { return DnView(change->dn).depth(); };
         std::stable_sort(created.begin(), created.end(),
-                         [&](const ObjectChange* left, const ObjectChange* right) {
+                         [&](const ObjectWish* left, const ObjectWish* right) {
                              return depth(left) < depth(right);
                          });
-        for (const ObjectChange* change : created) {
+        for (const ObjectWish* change : created) {
             mPlan.calls.push_back(
                 {PlannedCall::Kind::Create, change->dn, newValues(*change, false)});
         }
     }
 
     void addSets(bool ofReferences) {
-        std::vector<const ObjectChange*> changes;
-        for (const ObjectChange& change : mObjects.all()) {
+        std::vector<const ObjectWish*> changes;
+        for (const ObjectWish& change : mObjects.all()) {
             if (ofReferences || !change.isCreated) {
                 changes.push_back(&change);
             }
         }
-        std::sort(changes.begin(), changes.end(),
-                  [](const ObjectChange* left, const ObjectChange* right) {
-                      return left->dn < right->dn;
-                  });
-        for (const ObjectChange* change : changes) {
+        std::sort(
+            changes.begin(), changes.end(),
+            [](const ObjectWish* left, const ObjectWish* right) { return left->dn < right->dn; });
+        for (const ObjectWish* change : changes) {
             std::vector<NamedValue> values = newValues(*change, ofReferences);
             if (!values.empty()) {
                 mPlan.calls.push_back({PlannedCall::Kind::Set, change->dn, std::move(values)});
@@ -170,7 +169,7 @@ private:
         }
     }
 
-    std::vector<NamedValue> newValues(const ObjectChange& change, bool ofReferences) {
+    std::vector<NamedValue> newValues(const ObjectWish& change, bool ofReferences) {
         std::vector<NamedValue> values;
         forEachNewValue(change, [&](const AttributeDef& def, const AttributeValue& value) {
             if ((def.type.kind == ValueKind::MoRef) == ofReferences) {

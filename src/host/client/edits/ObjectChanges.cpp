@@ -71,13 +71,13 @@ void ObjectChanges::readObject(const Edit& edit, const WishedObject& object) {
     if (isNew) {
         mChanges.push_back({object.dn, moc, false, false, {}, {}});
     }
-    ObjectChange& change = mChanges[place->second];
+    ObjectWish& change = mChanges[place->second];
     checkExistence(edit, object, change);
     readAttributes(object, change);
 }
 
 void ObjectChanges::checkExistence(const Edit& edit, const WishedObject& object,
-                                   ObjectChange& change) {
+                                   ObjectWish& change) {
     const bool exists = mState.exists(object.dn);
     if (edit.kind == EditKind::Create && exists) {
         add(EditProblem::Kind::AlreadyThere, object.dn, {},
@@ -102,7 +102,7 @@ void ObjectChanges::checkName(const std::string& dn, const ClassDef& moc) {
     }
 }
 
-void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& change) {
+void ObjectChanges::readAttributes(const WishedObject& object, ObjectWish& change) {
     for (const NamedValue& named : object.attributes) {
         const AttributeDef* def = change.moc->findAttribute(named.first);
         if (def == nullptr) {
@@ -124,7 +124,7 @@ void ObjectChanges::readAttributes(const WishedObject& object, ObjectChange& cha
 }
 
 // The component would write such a reference, but it would not be the one that was meant.
-void ObjectChanges::checkReferences(const ObjectChange& change, const NamedValue& named) {
+void ObjectChanges::checkReferences(const ObjectWish& change, const NamedValue& named) {
     forEachReference(named.second, [&](const std::string& target) {
         const std::string problem = DnResolver(mState.model()).whyOtherRoot(target);
         if (!problem.empty()) {
@@ -135,7 +135,7 @@ void ObjectChanges::checkReferences(const ObjectChange& change, const NamedValue
 }
 
 // What an attribute has already may be named, though no client could set it.
-void ObjectChanges::checkValue(const ObjectChange& change, const NamedValue& named) {
+void ObjectChanges::checkValue(const ObjectWish& change, const NamedValue& named) {
     const AttributeDef& def = *change.moc->findAttribute(named.first);
     const bool exists = mState.exists(change.dn);
     const bool isAsBefore =
@@ -176,7 +176,7 @@ void ObjectChanges::findWhatGoes(const std::string& dn) {
 }
 
 void ObjectChanges::checkParents() {
-    for (const ObjectChange& change : mChanges) {
+    for (const ObjectWish& change : mChanges) {
         if (mSet.count(change.dn) != 0 && !change.isCreated && !mState.exists(change.dn)) {
             add(EditProblem::Kind::NotThere, change.dn, {},
                 "there is no object " + change.dn + " to be set");
@@ -195,7 +195,7 @@ void ObjectChanges::checkParents() {
     }
 }
 
-const ObjectChange* ObjectChanges::find(const std::string& dn) const {
+const ObjectWish* ObjectChanges::find(const std::string& dn) const {
     const auto found = mPositions.find(dn);
     return found != mPositions.end() ? &mChanges[found->second] : nullptr;
 }

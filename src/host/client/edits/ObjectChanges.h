@@ -17,7 +17,7 @@
 namespace OrvHost {
 
 /// What a wish says of one object, all its edits together.
-struct ObjectChange {
+struct ObjectWish {
     std::string dn;
     const ClassDef* moc = nullptr;
     bool isCreated = false;
@@ -35,9 +35,9 @@ public:
     ObjectChanges(const Wish& wish, KnownState& state, std::vector<EditProblem>& problems);
 
     /// The named objects whose class is known, in the order of the wish.
-    const std::vector<ObjectChange>& all() const { return mChanges; }
+    const std::vector<ObjectWish>& all() const { return mChanges; }
     /// What the wish says of an object; null: nothing.
-    const ObjectChange* find(const std::string& dn) const;
+    const ObjectWish* find(const std::string& dn) const;
 
     /// The tops of the subtrees that go.
     const std::set<std::string>& deletedTops() const { return mDeletedTops; }
@@ -51,11 +51,11 @@ private:
     void readDelete(const Edit& edit);
     void readObjects(const Edit& edit);
     void readObject(const Edit& edit, const WishedObject& object);
-    void checkExistence(const Edit& edit, const WishedObject& object, ObjectChange& change);
+    void checkExistence(const Edit& edit, const WishedObject& object, ObjectWish& change);
     void checkName(const std::string& dn, const ClassDef& moc);
-    void readAttributes(const WishedObject& object, ObjectChange& change);
-    void checkReferences(const ObjectChange& change, const NamedValue& named);
-    void checkValue(const ObjectChange& change, const NamedValue& named);
+    void readAttributes(const WishedObject& object, ObjectWish& change);
+    void checkReferences(const ObjectWish& change, const NamedValue& named);
+    void checkValue(const ObjectWish& change, const NamedValue& named);
     void findWhatGoes(const std::string& dn);
     void checkParents();
     const std::string* deletedTopOf(const std::string& dn) const;
@@ -65,7 +65,7 @@ private:
 
     KnownState& mState;
     std::vector<EditProblem>& mProblems;
-    std::vector<ObjectChange> mChanges;
+    std::vector<ObjectWish> mChanges;
     std::unordered_map<std::string, std::size_t> mPositions;
     std::set<std::string> mDeletedTops;
     std::set<std::string> mSet; ///< those that must exist or be created
