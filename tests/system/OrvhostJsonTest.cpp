@@ -58,6 +58,8 @@ TEST(OrvhostJsonTest, EachCommand_Answered_IsOneDocument) {
                                             "abort",
                                             "interface 3",
                                             "expect : exists ManagedElement=east",
+                                            "diff committed committed",
+                                            "load network",
                                             "help",
                                             "quit"};
     const auto result = runCommands(commands, {"--json"});

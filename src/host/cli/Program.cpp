@@ -155,6 +155,7 @@ int runWithOptions(const Options& options) {
         Session session(setup.host(), setup.clients(), setup.log(), std::cout, options.json);
         session.showRuleCost(options.yangRules);
         session.setModelNotes(setup.modelNotes());
+        session.setSchema(setup.schema());
         return Run(options, session, commands).run();
     } catch (const std::exception& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

@@ -60,6 +60,7 @@ ScenarioResult runScenario(const Options& options, const std::string& file,
         std::ostream nowhere(nullptr);
         Session session(setup.host(), setup.clients(), setup.log(), nowhere, false);
         session.setModelNotes(setup.modelNotes());
+        session.setSchema(setup.schema());
         runLines(options, session, script, atLine, result);
     } catch (const std::exception& failure) {
         result.isBroken = true;

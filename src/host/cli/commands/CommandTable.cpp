@@ -151,6 +151,37 @@ it is aborted, and nothing of it is left.
            .words = {WordKind::Other},
            .run = [this](Session& session,
                          Words words) { runExpect(*this, session, std::move(words)); }},
+          {.name = "save",
+           .synopsis = "FILE [DN] [--format json|xml] [--config]",
+           .summary = "write the objects to a file of instance data",
+           .details =
+               R"(Writes what the current transaction sees, or else what is committed: all objects, or
+the subtree of the DN. A file ending in .xml becomes XML, others JSON. --config leaves out what
+only the system sets. If anything fails, an old file of that name stays as it is.
+)",
+           .words = {WordKind::File, WordKind::Dn},
+           .options = {"--format", "--config"},
+           .run = runSave},
+          {.name = "load",
+           .synopsis = "FILE [merge | replace [DN]]",
+           .summary = "bring the objects of a file into the network",
+           .details =
+               R"(merge (default) creates what is not there and sets the attributes that the file gives.
+replace also takes away what the file does not give: of the whole network, or of the subtree of
+the DN. Values that only the system sets are left out. A directory means all its files.
+)",
+           .words = {WordKind::File, WordKind::LoadMode, WordKind::Dn},
+           .run = runLoad},
+          {.name = "diff",
+           .synopsis = "A B [DN]",
+           .summary = "show how B differs from A",
+           .details =
+               R"(A and B are each a file, the name of an open transaction, or committed. Objects of A that
+B lacks have a -, those that only B has a +, changed ones a ~ with the values of both. Prints
+nothing if there is no difference. With a DN only its subtree is compared.
+)",
+           .words = {WordKind::State, WordKind::State, WordKind::Dn},
+           .run = runDiff},
           {.name = "graph",
            .synopsis = "[DN] [--depth N] [--limit N] [--dot] [-o FILE] | --classes [CLASS] [...]",
            .summary = "draw objects with their references, or the classes",

@@ -26,6 +26,9 @@ enum class WordKind {
     Parameter,   ///< PARAMETER=VALUE for the action named earlier
     Transaction, ///< name of an open transaction
     Version,     ///< version of the MO interface
+    File,        ///< name of a file
+    State,       ///< what diff compares: committed, an open transaction, or a file
+    LoadMode,    ///< merge or replace
     Other
 };
 

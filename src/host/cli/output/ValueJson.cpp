@@ -27,6 +27,24 @@ JsonValue slotJson(const ReadSlot& slot) {
         slot);
 }
 
+JsonValue valueJson(const Value& value, const AttributeDef& def) {
+    return std::visit(
+        [&](const auto& held) -> JsonValue {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, StructValue>) {
+                JsonValue object = JsonValue::object();
+                for (const NamedValue& member : held.members) {
+                    const AttributeDef* known = def.type.findMember(member.first);
+                    object[member.first] =
+                        toJson(member.second, known != nullptr ? *known : AttributeDef{});
+                }
+                return object;
+            } else {
+                return held;
+            }
+        },
+        value);
+}
+
 }
 
 JsonValue toJson(const ReadValue& value) {
@@ -46,6 +64,17 @@ JsonValue toJson(const std::vector<NamedReadValue>& values) {
         object[value.first] = toJson(value.second);
     }
     return object;
+}
+
+JsonValue toJson(const AttributeValue& value, const AttributeDef& def) {
+    JsonValue values = JsonValue::array();
+    for (const Value& one : value.values) {
+        values.push_back(valueJson(one, def));
+    }
+    if (def.multiplicity.upper > 1) {
+        return values;
+    }
+    return values.empty() ? JsonValue() : values.front();
 }
 
 std::string toLine(const JsonValue& document) {

@@ -23,6 +23,9 @@ JsonValue toJson(const ReadValue& value);
 /// An object with a member for each attribute.
 JsonValue toJson(const std::vector<NamedReadValue>& values);
 
+/// The same for a value in the model's form. \p def defines it.
+JsonValue toJson(const AttributeValue& value, const AttributeDef& def);
+
 /// The document as text in one line. In texts that are not UTF-8, replacement characters stand for
 /// the wrong bytes.
 std::string toLine(const JsonValue& document);

@@ -9,10 +9,13 @@
 #include "client/ClientSession.h"
 #include "runtime/LogSink.h"
 
+#include <memory>
 #include <ostream>
 #include <utility>
 
 namespace OrvHost {
+
+class YangSchema;
 
 /// What commands work with: where they read and write, and where they print.
 ///
@@ -35,6 +38,11 @@ public:
     void showRuleCost(bool isShown) { mShowsRuleCost = isShown; }
     bool showsRuleCost() const { return mShowsRuleCost; }
 
+    /// How files hold the objects of the model.
+    void setSchema(std::shared_ptr<const YangSchema> schema) { mSchema = std::move(schema); }
+    /// Null if there are no modules.
+    const std::shared_ptr<const YangSchema>& schema() const { return mSchema; }
+
     /// True: each command prints one JSON document, in one line, and nothing else.
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
@@ -48,6 +56,7 @@ public:
 private:
     LogSink& mLog;
     const std::vector<Problem>* mModelNotes = nullptr;
+    std::shared_ptr<const YangSchema> mSchema;
     std::ostream* mOut;
     bool mWantsJson;
     bool mShowsRuleCost = false;

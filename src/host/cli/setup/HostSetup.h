@@ -37,6 +37,8 @@ public:
     LogSink& log() { return *mLog; }
     /// What the modules say but the model does not represent.
     const std::vector<Problem>& modelNotes() const { return mModel.notes; }
+    /// How files hold the objects of the model.
+    const std::shared_ptr<const YangSchema>& schema() const { return mModel.schema; }
 
 private:
     void openLog(const Options& options);

@@ -26,6 +26,10 @@ from the prompt or standard input. 'orvhost help' lists them. Put -- before a co
 
   orvhost -I models -m ran-element -d network.json check --report junit scenarios/*.orv
 
+'export FILE [DN]' in place of a command saves the data, as the command 'save' does:
+
+  orvhost -I models -m ran-element -d network.json export network.xml
+
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
 // An identity becomes a part of DNs. Empty means that there is none.
@@ -129,6 +133,13 @@ void takeScenarios(Options& options) {
     }
 }
 
+// In place of a command, saving is called as other programs call it.
+void takeExport(Options& options) {
+    if (!options.words.empty() && options.words.front() == "export") {
+        options.words.front() = "save";
+    }
+}
+
 void addCommands(CLI::App& app, Options& options) {
     app.add_option("-c,--command", options.commandLines, "A command to run; repeatable")
         ->allow_extra_args(false);
@@ -166,6 +177,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     try {
         app.parse(count, arguments);
         takeScenarios(options);
+        takeExport(options);
     } catch (const CLI::ExtrasError& unknown) {
         app.exit(unknown);
         std::cerr

@@ -4,6 +4,7 @@
 #include "Completer.h"
 
 #include "base/DnView.h"
+#include "cli/commands/DataFile.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 
 namespace OrvHost {
 
@@ -135,10 +137,34 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
         return mSession.transactions().names();
     case WordKind::Version:
         return Clients::versions();
+    case WordKind::File:
+        return files(words.back());
+    case WordKind::State: {
+        std::vector<std::string> result = mSession.transactions().names();
+        result.insert(result.begin(), kCommitted);
+        const std::vector<std::string> found = files(words.back());
+        result.insert(result.end(), found.begin(), found.end());
+        return result;
+    }
+    case WordKind::LoadMode:
+        return {"merge", "replace"};
     case WordKind::Other:
         break;
     }
     return {};
+}
+
+// The files of a directory, and its directories with a "/" at the end.
+std::vector<std::string> Completer::files(const std::string& word) {
+    const std::string directory = word.substr(0, word.rfind('/') + 1);
+    std::vector<std::string> result;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(directory.empty() ? "." : directory)) {
+        const std::string name = directory + entry.path().filename().string();
+        result.push_back(name + (entry.is_directory() ? "/" : ""));
+    }
+    std::sort(result.begin(), result.end());
+    return result;
 }
 
 // First the name with its "=", then the values that are known.

@@ -20,8 +20,9 @@ struct Completion {
     std::vector<std::string> candidates; ///< whole words, in order, unquoted
 };
 
-/// Completes commands, DNs, classes, attributes, their values, actions, transactions and options.
-/// Objects are looked up through the component, as a command does it. One thread at a time.
+/// Completes commands, DNs, classes, attributes, their values, actions, transactions, files and
+/// options. Objects are looked up through the component, as a command does it. One thread at a
+/// time.
 class Completer {
 public:
     /// Both must outlive this object.
@@ -38,6 +39,7 @@ private:
                                          const std::string& word);
     std::vector<std::string> values(const AttributeDef& def, const std::string& typed);
     std::vector<std::string> dns(const std::string& word);
+    static std::vector<std::string> files(const std::string& word);
 
     Session& mSession;
     const CommandTable& mCommands;

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DataFile.h"
+
+#include "MeIdTranslator.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/session/Session.h"
+#include "model/DnForm.h"
+#include "yang/instances/InstanceDataReader.h"
+
+#include <unordered_map>
+
+namespace OrvHost {
+namespace {
+
+/// Objects by DN, with what several files say of one.
+class ObjectList {
+public:
+    void add(DataObject&& object, const std::string& file) {
+        const auto [place, isNew] = mByDn.try_emplace(object.dn, mObjects.size());
+        if (isNew) {
+            mObjects.push_back(std::move(object));
+            return;
+        }
+        DataObject& known = mObjects[place->second];
+        if (known.isBare) {
+            known = std::move(object);
+        } else if (!object.isBare) {
+            mProblems.push_back(
+                {{file, 0}, object.dn + ": the attributes of this object are given before"});
+        }
+    }
+
+    std::vector<DataObject> take() {
+        if (!mProblems.empty()) {
+            throw InstanceDataError(std::move(mProblems));
+        }
+        return std::move(mObjects);
+    }
+
+private:
+    std::vector<DataObject> mObjects;
+    std::unordered_map<std::string, std::size_t> mByDn;
+    std::vector<Problem> mProblems;
+};
+
+}
+
+DataFile readDataFile(Session& session, const std::string& file) {
+    InstanceDataReader reader(requireSchema(session));
+    reader.nameRoot(Orv::MeIdTranslator::instance()->identity());
+    ObjectList objects;
+    reader.read({file}, [&](DataObject&& object, const std::string& from) {
+        session.cancellation().throwIfCancelled();
+        shortenReferences(session.model(), object.attributes);
+        objects.add(std::move(object), from);
+    });
+    DataFile data;
+    data.objects = objects.take();
+    for (const Problem& note : reader.notes()) {
+        data.notes.push_back(toText(note));
+    }
+    return data;
+}
+
+std::shared_ptr<const YangSchema> requireSchema(const Session& session) {
+    if (session.schema() == nullptr) {
+        throw AnswerError("there is no model; files of instance data need one");
+    }
+    return session.schema();
+}
+
+}

@@ -1,0 +1,180 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Commands.h"
+
+#include "DataFile.h"
+#include "base/DnView.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/output/ValueJson.h"
+#include "cli/session/Session.h"
+#include "client/StateComparison.h"
+#include "client/SubtreeReader.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+namespace OrvHost {
+
+namespace {
+
+using Visit = std::function<void(ObjectState&& object)>;
+
+/// Reads one side of a comparison.
+class SideReader {
+public:
+    SideReader(Session& session, std::string dn) : mSession(session), mDn(std::move(dn)) {}
+
+    /// \p side: see the command's help. Returns the number of objects.
+    std::size_t read(const std::string& side, const Visit& visit) {
+        mCount = 0;
+        const auto names = mSession.transactions().names();
+        if (side == kCommitted) {
+            const Host::ReadTransaction transaction(mSession.host());
+            readState(transaction.handle(), visit);
+        } else if (std::find(names.begin(), names.end(), side) != names.end()) {
+            readState(mSession.transactions().require(side).handle, visit);
+        } else {
+            readFile(side, visit);
+        }
+        return mCount;
+    }
+
+private:
+    void readState(unsigned long txHandle, const Visit& visit) {
+        if (!mDn.empty() && !mSession.clients().version3().exists(txHandle, mDn)) {
+            return;
+        }
+        SubtreeReader(mSession, txHandle)
+            .read(
+                mDn,
+                [&](const ObjectState& object) {
+                    ++mCount;
+                    visit(ObjectState(object));
+                },
+                [] {});
+    }
+
+    void readFile(const std::string& file, const Visit& visit) {
+        std::error_code ignored;
+        if (!std::filesystem::exists(file, ignored)) {
+            throw AnswerError("'" + file + "' is neither a file nor an open transaction nor '" +
+                              kCommitted + "'");
+        }
+        for (DataObject& object : readDataFile(mSession, file).objects) {
+            if (DnView(object.dn).isAtOrBelow(DnView(mDn))) {
+                ++mCount;
+                visit(stateOf(std::move(object)));
+            }
+        }
+    }
+
+    ObjectState stateOf(DataObject object) const {
+        const ClassDef& moc = mSession.model().classes[object.moc];
+        ObjectState state{std::move(object.dn), &moc, {}};
+        for (const AttributeDef& def : moc.attributes) {
+            state.values.push_back(def.defaultValue.value_or(AttributeValue{def.type.kind, {}}));
+        }
+        for (NamedValue& given : object.attributes) {
+            if (const auto index = moc.findAttributeIndex(given.first)) {
+                state.values[*index] = std::move(given.second);
+            }
+        }
+        return state;
+    }
+
+    Session& mSession;
+    std::string mDn;
+    std::size_t mCount = 0;
+};
+
+const char* wordOf(ObjectDifference::Kind kind) {
+    switch (kind) {
+    case ObjectDifference::Kind::Deleted:
+        return "deleted";
+    case ObjectDifference::Kind::Created:
+        return "created";
+    case ObjectDifference::Kind::Changed:
+        break;
+    }
+    return "changed";
+}
+
+const char* signOf(ObjectDifference::Kind kind) {
+    switch (kind) {
+    case ObjectDifference::Kind::Deleted:
+        return "- ";
+    case ObjectDifference::Kind::Created:
+        return "+ ";
+    case ObjectDifference::Kind::Changed:
+        break;
+    }
+    return "~ ";
+}
+
+JsonValue toJson(const ObjectDifference& object) {
+    JsonValue attributes = JsonValue::object();
+    for (const AttributeDifference& each : object.attributes) {
+        attributes[each.def->name] = {{"before", OrvHost::toJson(each.before, *each.def)},
+                                      {"after", OrvHost::toJson(each.after, *each.def)}};
+    }
+    return {{"change", wordOf(object.kind)}, {"dn", object.dn}, {"attributes", attributes}};
+}
+
+std::string toText(const AttributeDifference& attribute, ObjectDifference::Kind kind) {
+    const std::string before = toLine(OrvHost::toJson(attribute.before, *attribute.def));
+    const std::string after = toLine(OrvHost::toJson(attribute.after, *attribute.def));
+    switch (kind) {
+    case ObjectDifference::Kind::Deleted:
+        return before;
+    case ObjectDifference::Kind::Created:
+        return after;
+    case ObjectDifference::Kind::Changed:
+        break;
+    }
+    return before + " -> " + after;
+}
+
+void print(Session& session, const std::vector<ObjectDifference>& differences) {
+    for (const ObjectDifference& object : differences) {
+        session.out() << signOf(object.kind) << object.dn << '\n';
+        for (const AttributeDifference& attribute : object.attributes) {
+            session.out() << "    " << attribute.def->name << ": " << toText(attribute, object.kind)
+                          << '\n';
+        }
+    }
+}
+
+}
+
+void runDiff(Session& session, Words words) {
+    const std::string before = words.take("A");
+    const std::string after = words.take("B");
+    const std::string dn = words.takeDnOrTop(session.model());
+    words.end();
+    SideReader reader(session, dn);
+    StateComparison comparison;
+    std::size_t objects =
+        reader.read(before, [&](ObjectState&& object) { comparison.addBefore(std::move(object)); });
+    objects += reader.read(after, [&](ObjectState&& object) { comparison.addAfter(object); });
+    if (objects == 0 && !dn.empty()) {
+        throw OperationError(OrvNotExist, {"existsMo", dn, {}, {}}, {});
+    }
+    const std::vector<ObjectDifference> differences = comparison.take();
+    if (!session.wantsJson()) {
+        print(session, differences);
+        return;
+    }
+    JsonValue documents = JsonValue::array();
+    for (const ObjectDifference& object : differences) {
+        documents.push_back(toJson(object));
+    }
+    session.print({{"command", "diff"},
+                   {"before", before},
+                   {"after", after},
+                   {"dn", dn},
+                   {"differences", documents}});
+}
+
+}

@@ -1,0 +1,140 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Commands.h"
+
+#include "DataFile.h"
+#include "base/AtomicFile.h"
+#include "base/DnView.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/session/Session.h"
+#include "cli/session/TerminationGuard.h"
+#include "client/DnResolver.h"
+#include "client/SubtreeReader.h"
+#include "yang/instances/InstanceDataStream.h"
+
+#include <filesystem>
+
+namespace OrvHost {
+
+namespace {
+
+struct SaveOptions {
+    std::string file;
+    std::string dn; ///< empty: all objects
+    DataFormat format = DataFormat::Json;
+    bool onlyConfig = false;
+};
+
+DataFormat formatNamed(const std::string& name) {
+    if (name != "json" && name != "xml") {
+        throw UsageError("--format is json or xml, not '" + name + "'");
+    }
+    return name == "xml" ? DataFormat::Xml : DataFormat::Json;
+}
+
+SaveOptions parse(Words& words, const Model& model) {
+    SaveOptions options;
+    const auto format = words.takeText("--format");
+    options.onlyConfig = words.takeFlag("--config");
+    options.file = words.take("the FILE");
+    options.dn = words.takeDnOrTop(model);
+    words.end();
+    const bool isXml = std::filesystem::path(options.file).extension() == ".xml";
+    options.format = format ? formatNamed(*format) : (isXml ? DataFormat::Xml : DataFormat::Json);
+    return options;
+}
+
+// A value that is the default is not written: reads do not tell it from one that is not set, and if
+// it belongs to a choice, writing it would take its case.
+std::vector<NamedValue> valuesToWrite(const ObjectState& object, bool onlyConfig) {
+    std::vector<NamedValue> values;
+    for (std::size_t at = 0; at < object.values.size(); ++at) {
+        const AttributeDef& def = object.moc->attributes[at];
+        const AttributeValue& value = object.values[at];
+        const bool isDefault = def.defaultValue && def.defaultValue->values == value.values;
+        const bool isWanted = def.isWritable || !onlyConfig;
+        if (!def.isGivenByName() && isWanted && !isDefault && !value.values.empty()) {
+            values.emplace_back(def.name, value);
+        }
+    }
+    return values;
+}
+
+/// Writes a subtree, with what is above it.
+class Saver {
+public:
+    Saver(Session& session, const SaveOptions& options, AtomicFile& file)
+        : mSession(session),
+          mOptions(options),
+          mFile(file),
+          mStream(requireSchema(session), options.format, file.out()) {}
+
+    /// Returns the number of objects, without those above the subtree.
+    std::uint64_t save(unsigned long txHandle) {
+        if (!mOptions.dn.empty()) {
+            openAbove(DnView(mOptions.dn).parent());
+        }
+        SubtreeReader(mSession, txHandle)
+            .read(
+                mOptions.dn, [this](const ObjectState& object) { open(object); },
+                [this] { mStream.close(); });
+        for (std::size_t above = DnView(mOptions.dn).depth(); above > 1; --above) {
+            mStream.close();
+        }
+        mStream.finish();
+        return mObjects;
+    }
+
+private:
+    void openAbove(DnView dn) {
+        for (const DnStep step : dn.steps()) {
+            mStream.open(step.className(), std::string(step.value()), {});
+        }
+    }
+
+    void open(const ObjectState& object) {
+        const DnStep step = DnView(object.dn).last();
+        mStream.open(step.className(), std::string(step.value()),
+                     valuesToWrite(object, mOptions.onlyConfig));
+        mFile.throwIfFailed();
+        ++mObjects;
+    }
+
+    Session& mSession;
+    const SaveOptions& mOptions;
+    AtomicFile& mFile;
+    InstanceDataStream mStream;
+    std::uint64_t mObjects = 0;
+};
+
+std::string objectsText(std::uint64_t number) {
+    return std::to_string(number) + (number == 1 ? " object" : " objects");
+}
+
+}
+
+void runSave(Session& session, Words words) {
+    const SaveOptions options = parse(words, session.model());
+    requireSchema(session);
+    if (!options.dn.empty()) {
+        session.requireObject(options.dn);
+    }
+    const TerminationGuard guard(session.cancellation());
+    AtomicFile file(options.file);
+    const std::uint64_t objects = session.read(
+        [&](unsigned long txHandle) { return Saver(session, options, file).save(txHandle); });
+    session.cancellation().throwIfCancelled();
+    file.replace();
+    if (session.wantsJson()) {
+        session.print({{"command", "save"},
+                       {"file", options.file},
+                       {"format", options.format == DataFormat::Xml ? "xml" : "json"},
+                       {"dn", options.dn},
+                       {"objects", objects}});
+    } else {
+        session.out() << options.file << ": " << objectsText(objects) << '\n';
+    }
+}
+
+}
