@@ -84,7 +84,7 @@ protected:
 };
 
 TEST_F(OrvhostRulesTest, Condition_IsJudgedAtValidateAndNotAtASet) {
-    const ProgramResult demanded = run(commands({"begin", "create Site=1 kind=tower", "validate"}));
+    const ProgramResult demanded = run(commands({"begin", "create Site=1 kind=hut", "validate"}));
     EXPECT_EQ(demanded.status, 1);
     EXPECT_THAT(
         demanded.out + demanded.err,
