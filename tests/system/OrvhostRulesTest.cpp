@@ -84,7 +84,7 @@ protected:
 };
 
 TEST_F(OrvhostRulesTest, Condition_IsJudgedAtValidateAndNotAtASet) {
-    const ProgramResult demanded = run(commands({"begin", "create Site=1 kind=hut", "validate"}));
+    const ProgramResult demanded = run(commands({"begin", "create Site=1 kind=tower", "validate"}));
     EXPECT_EQ(demanded.status, 1);
     EXPECT_THAT(
         demanded.out + demanded.err,
@@ -146,7 +146,7 @@ TEST_F(OrvhostRulesTest, Violations_ComeAllAtOnceWithTheStatementsMessage) {
 
 TEST_F(OrvhostRulesTest, Cost_IsShownIfAllRulesAreWanted) {
     const ProgramResult result =
-        run(with({"--yang-rules"}, commands({"begin", "create Site=1 kind=tower", "validate"})));
+        run(with({"--yang-rules"}, commands({"begin", "create Site=1 kind=hut", "validate"})));
     EXPECT_THAT(result.out + result.err, HasSubstr("rules of the modules: "));
 }
 
