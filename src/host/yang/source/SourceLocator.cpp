@@ -34,10 +34,22 @@ std::string keywordOf(std::uint16_t nodetype) {
     return "output";
 }
 
+/// The definition of a node. For a case that is written without its statement the library makes one
+/// and frees it again, so a case is found from what is in it.
+const lysp_node* definitionOf(const lysc_node* node) {
+    if (node->nodetype != LYS_CASE) {
+        return static_cast<const lysp_node*>(node->priv);
+    }
+    const lysc_node* child = lysc_node_child(node);
+    const lysp_node* inside = definitionOf(child != nullptr ? child : node->parent);
+    const bool isCase = inside->parent != nullptr && inside->parent->nodetype == LYS_CASE;
+    return isCase ? inside->parent : inside;
+}
+
 /// The path by which ModuleStatements knows the definition.
-std::string definitionPath(const lysp_node* node) {
+std::string definitionPath(const lysc_node* compiled) {
     std::string path;
-    for (; node != nullptr; node = node->parent) {
+    for (const lysp_node* node = definitionOf(compiled); node != nullptr; node = node->parent) {
         std::string own = keywordOf(node->nodetype);
         if ((node->nodetype & (LYS_INPUT | LYS_OUTPUT)) == 0) {
             own += std::string(" ") + node->name;
@@ -70,12 +82,12 @@ SourcePosition SourceLocator::find(const std::string& module, const std::string&
 }
 
 SourcePosition SourceLocator::of(const lysc_node* node) const {
-    return find(node->module->name, definitionPath(static_cast<const lysp_node*>(node->priv)));
+    return find(node->module->name, definitionPath(node));
 }
 
 SourcePosition SourceLocator::of(const lysc_node* node, const std::string& statement,
                                  const std::string& argument) const {
-    const std::string path = definitionPath(static_cast<const lysp_node*>(node->priv));
+    const std::string path = definitionPath(node);
     const SourcePosition exact = find(node->module->name, path + "/" + statement + " " + argument);
     return exact.line > 0 ? exact : of(node);
 }

@@ -391,6 +391,17 @@ TEST(YangModelReader, FeaturesOfAnImportedModule_DoNotBringItsData) {
     EXPECT_EQ(model.model.classes.size(), 1U);
 }
 
+TEST(YangModelReader, ConditionOnACaseWithoutItsStatement_IsNotedWithItsLine) {
+    const YangModel model = modelOf("module m { yang-version 1.1; namespace 'urn:m'; prefix m;\n"
+                                    " list A { key id; leaf id { type string; }\n"
+                                    "  choice x { leaf p { type string; } } }\n"
+                                    " augment '/m:A/m:x' { when '/m:A';\n"
+                                    "  leaf r { type string; } } }");
+    ASSERT_EQ(model.notes.size(), 1U);
+    EXPECT_EQ(model.notes[0].source.line, 5);
+    EXPECT_THAT(model.notes[0].text, HasSubstr("at /m:A/r"));
+}
+
 TEST(YangModelReader, PipeOnTheSearchPath_IsNotOpened) {
     const TemporaryDirectory directory;
     ASSERT_EQ(mkfifo((directory.path() / "m.yang").c_str(), 0600), 0);
