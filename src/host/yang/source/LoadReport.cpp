@@ -5,7 +5,41 @@
 
 #include "yang/source/MissingModules.h"
 
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
 namespace OrvHost {
+namespace {
+
+/// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
+/// definition that came from a grouping is not found.
+int lineOfNode(const ModuleStatements& text, const std::string& path) {
+    const std::size_t augment = path.find("{augment='");
+    if (augment != std::string::npos) {
+        const std::size_t start = augment + std::strlen("{augment='");
+        return text.lineOfFirst("augment", path.substr(start, path.find('\'', start) - start));
+    }
+    const std::string name(withoutPrefix(path.substr(path.rfind('/') + 1)));
+    for (const char* keyword : {"leaf", "leaf-list", "list", "container", "choice", "action"}) {
+        if (const int line = text.lineOfFirst(keyword, name); line > 0) {
+            return line;
+        }
+    }
+    return 0;
+}
+
+}
+
+SourcePosition positionOf(const std::string& path, const ModuleFinder& finder) {
+    const std::string module =
+        path.substr(std::min<std::size_t>(1, path.size()), path.find(':') - 1);
+    const auto text = finder.found().find(module);
+    if (text == finder.found().end()) {
+        return {};
+    }
+    return {text->second.file, lineOfNode(text->second.statements, path)};
+}
 
 void LoadReport::take(const YangMessage& message) {
     std::smatch match;
@@ -16,7 +50,18 @@ void LoadReport::take(const YangMessage& message) {
     } else {
         const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
         mProblems.push_back({{"", message.line}, message.text + place});
+        mPaths[mProblems.back().text] = message.path;
     }
+}
+
+std::vector<Problem> LoadReport::problems() && {
+    for (Problem& problem : mProblems) {
+        const auto path = mPaths.find(problem.text);
+        if (problem.source.file.empty() && path != mPaths.end()) {
+            problem.source = positionOf(path->second, mFinder);
+        }
+    }
+    return std::move(mProblems);
 }
 
 void LoadReport::takeFailedModule(const std::string& module, const std::string& text) {

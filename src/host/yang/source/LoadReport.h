@@ -8,12 +8,16 @@
 #include "yang/source/ModuleFinder.h"
 #include "yang/source/YangContext.h"
 
+#include <map>
 #include <regex>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace OrvHost {
+
+/// Where the definition stands that a schema path such as "/module:list/leaf" ends with; without a
+/// line if it came from a grouping, empty if the module is not known.
+SourcePosition positionOf(const std::string& path, const ModuleFinder& finder);
 
 /// Sorts the YANG library's messages about one failed load. The library reports the cause first,
 /// with a line but without the file, then the modules around it from the inside out.
@@ -25,7 +29,7 @@ public:
     /// Takes the messages one by one, in their order.
     void take(const YangMessage& message);
 
-    std::vector<Problem> problems() && { return std::move(mProblems); }
+    std::vector<Problem> problems() &&;
 
 private:
     void takeFailedModule(const std::string& module, const std::string& text);
@@ -36,6 +40,7 @@ private:
     const std::regex mParsing{R"(^Parsing (?:sub)?module "([^"]*)\" failed)"};
     const std::regex mLoading{R"(^(?:Loading "([^"]*)\" module|Including "([^"]*)\" submodule))"};
     std::string mMissing;
+    std::map<std::string, std::string> mPaths; ///< of messages that have one, by the text
     std::vector<Problem> mProblems;
 };
 

@@ -79,23 +79,6 @@ std::string fileOf(const std::string& module, const ModuleFinder& finder) {
     return found == finder.found().end() ? "" : found->second.file;
 }
 
-/// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
-/// definition that came from a grouping is not found.
-int lineOfNode(const ModuleStatements& text, const std::string& path) {
-    const std::size_t augment = path.find("{augment='");
-    if (augment != std::string::npos) {
-        const std::size_t start = augment + std::strlen("{augment='");
-        return text.lineOfFirst("augment", path.substr(start, path.find('\'', start) - start));
-    }
-    const std::string name(withoutPrefix(path.substr(path.rfind('/') + 1)));
-    for (const char* keyword : {"leaf", "leaf-list", "list", "container", "choice", "action"}) {
-        if (const int line = text.lineOfFirst(keyword, name); line > 0) {
-            return line;
-        }
-    }
-    return 0;
-}
-
 void appendNew(std::vector<Problem>& all, std::vector<Problem> more) {
     for (Problem& problem : more) {
         const auto isSame = [&problem](const Problem& other) {
@@ -184,15 +167,8 @@ std::vector<Problem> YangContext::loadProblems(const std::string& module,
 std::vector<Problem> YangContext::compileProblems(const ModuleFinder& finder) const {
     std::vector<Problem> problems;
     for (const YangMessage& message : takeMessages()) {
-        const std::string module = message.path.substr(
-            std::min<std::size_t>(1, message.path.size()), message.path.find(':') - 1);
-        const auto text = finder.found().find(module);
-        SourcePosition source;
-        if (text != finder.found().end()) {
-            source = {text->second.file, lineOfNode(text->second.statements, message.path)};
-        }
         const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
-        problems.push_back({source, message.text + place});
+        problems.push_back({positionOf(message.path, finder), message.text + place});
     }
     if (problems.empty()) {
         problems.push_back({{}, "the modules do not fit together"});

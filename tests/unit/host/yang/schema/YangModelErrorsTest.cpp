@@ -135,6 +135,14 @@ TEST(YangModelErrors, UnknownAugmentTarget_IsReportedWithLine) {
     EXPECT_THAT(errorOf({"unknown-augment"}), HasSubstr("unknown-augment.yang:9: "));
 }
 
+TEST(YangModelErrors, AugmentWithAnUnknownPrefix_IsReportedWithItsPlace) {
+    EXPECT_THAT(modelErrorOf([] {
+                    modelOf("module m { yang-version 1.1; namespace 'urn:m'; prefix m;\n"
+                            " augment '/nothing:here' { leaf x { type string; } } }");
+                }),
+                testing::MatchesRegex("m.yang:2: .*prefix \"nothing\" not defined.*"));
+}
+
 TEST(YangModelErrors, SeveralModules_TellAllTheirErrors) {
     const std::string error =
         errorOf({"malformed", "plain", "missing-import", "imports-malformed"});
