@@ -100,6 +100,20 @@ TEST_F(OrvhostModelsTest, Choices_AreShownWithTheClass) {
                           R"({"name":"name","attributes":["name"],"required":[]})"));
 }
 
+TEST_F(OrvhostModelsTest, KeyOfTheRoot_IsItsIdentityByBothNames) {
+    const std::string module = mDirectory.file(
+        "root.yang", "module root { namespace 'urn:r'; prefix r; list ManagedElement {"
+                     " key id; leaf id { type string; } } }");
+    const std::string data =
+        mDirectory.file("root.json", R"({"root:ManagedElement": [{"id": "1"}]})");
+    for (const char* version : {"1", "3", "3_1"}) {
+        const ProgramResult result =
+            runOrvhost({"-m", module, "-d", data, "--me-id", "H", "--interface", version, "-c",
+                        "get ManagedElement=H id", "-c", "get ManagedElement=H managedElementId"});
+        EXPECT_EQ(result.out, "H\nH\n") << version;
+    }
+}
+
 TEST_F(OrvhostModelsTest, State_IsNotAskedOfAClient) {
     const ProgramResult result =
         run({"-c", "begin", "-c", "create Mast=1 name=x", "-c", "validate", "-c", "commit"});

@@ -92,7 +92,7 @@ ReadValue Client::get(unsigned long txHandle, const std::string& writtenDn,
                       const std::string& attribute, const ClassDef* moc) {
     const std::string dn = shortForm(writtenDn);
     OrvMoAttributeValueResult_3 result{nullptr, nullptr};
-    check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
+    check(mTable->getMoAttribute(txHandle, dn.c_str(), tableName(moc, attribute).c_str(), &result),
           {"getMoAttribute", dn, {}, {attribute}});
     const Orv::OwnedResult owned(result);
     return toReadValue(result.container, definitionOf(moc, attribute));
@@ -102,7 +102,12 @@ std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::strin
                                         const std::vector<std::string>& attributes,
                                         const ClassDef* moc) {
     const std::string dn = shortForm(writtenDn);
-    std::vector<const char*> names = nullTerminated(attributes);
+    std::vector<std::string> known;
+    known.reserve(attributes.size());
+    for (const std::string& attribute : attributes) {
+        known.push_back(tableName(moc, attribute));
+    }
+    std::vector<const char*> names = nullTerminated(known);
     OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
     check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
           {"getMoAttributes", dn, {}, attributes});
@@ -214,6 +219,11 @@ std::vector<std::string> attributeNames(const ClassDef& moc) {
 
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute) {
     return moc != nullptr ? moc->findAttribute(attribute) : nullptr;
+}
+
+std::string tableName(const ClassDef* moc, const std::string& attribute) {
+    const AttributeDef* def = definitionOf(moc, attribute);
+    return def != nullptr && def->isNaming ? def->name : attribute;
 }
 
 const AttributeDef* resultOf(const ActionDef* action) {

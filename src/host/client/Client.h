@@ -121,6 +121,9 @@ std::vector<std::string> attributeNames(const ClassDef& moc);
 
 /// The definition of an attribute, or null; also null if the class is null.
 const AttributeDef* definitionOf(const ClassDef* moc, const std::string& attribute);
+/// The name by which the component is asked for an attribute of \p moc, which may be null: it gives
+/// the external identity for the naming attribute only by its own name, not by that of the key.
+std::string tableName(const ClassDef* moc, const std::string& attribute);
 
 /// The definition of an action's result, or null.
 const AttributeDef* resultOf(const ActionDef* action);

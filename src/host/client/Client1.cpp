@@ -71,7 +71,7 @@ ReadValue Client1::get(unsigned long txHandle, const std::string& writtenDn,
                        const std::string& attribute, const ClassDef* moc) {
     const std::string dn = shortForm(writtenDn);
     OrvMoAttributeValueContainer* result = nullptr;
-    check(mTable->getMoAttribute(txHandle, dn.c_str(), attribute.c_str(), &result),
+    check(mTable->getMoAttribute(txHandle, dn.c_str(), tableName(moc, attribute).c_str(), &result),
           {"getMoAttribute", dn, {}, {attribute}});
     return toReadValue(result, definitionOf(moc, attribute));
 }

@@ -184,13 +184,31 @@ void ClassNames::makeUnique() {
             byName[moc.name()].push_back(&moc);
         }
         for (const auto& [name, classes] : byName) {
-            for (Class* moc : classes) {
-                if (classes.size() > 1 && moc->chosen + 1 < moc->candidates.size()) {
-                    ++moc->chosen;
-                    isChanged = true;
-                }
+            if (classes.size() > 1) {
+                tellApart(classes);
+                isChanged = true;
             }
         }
+    }
+}
+
+/// Names with all ancestors can still be equal, since "." has become "_" in them.
+void ClassNames::tellApart(const std::vector<Class*>& classes) {
+    bool isLonger = false;
+    for (Class* moc : classes) {
+        if (moc->chosen + 1 < moc->candidates.size()) {
+            ++moc->chosen;
+            isLonger = true;
+        }
+    }
+    for (std::size_t i = 1; i < classes.size() && !isLonger; ++i) {
+        Class& moc = *classes[i];
+        moc.candidates.push_back(moc.candidates.back() + "_" + std::to_string(i + 1));
+        ++moc.chosen;
+        const lysc_node* list = moc.first();
+        mNotes.count("only a \".\" makes the name of this class another one than that of a second "
+                     "class, so it has a number at its end",
+                     mLocator.of(list), pathOf(list));
     }
 }
 

@@ -65,6 +65,7 @@ private:
     const std::string& shapeOf(const lysc_node* list);
     void findCandidates();
     void makeUnique();
+    void tellApart(const std::vector<Class*>& classes);
 
     const SourceLocator& mLocator;
     ModelNotes& mNotes;

@@ -12,6 +12,7 @@
 namespace OrvHost {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -213,6 +214,17 @@ TEST(ClassNames, Dots_BecomeUnderscoresWithANote) {
     EXPECT_EQ(objectOf(readObjectsOf(model, R"({"m.n:a.b": [{"id": "1"}]})"), "a_b=1").moc, 0U);
     EXPECT_THAT(classesOf(modelOfAll({{"m.n", listOf("a.b")}, {"o", listOf("a_b")}})),
                 ElementsAre("m_n:a_b", "o:a_b"));
+}
+
+TEST(ClassNames, NamesThatDifferInADotOnly_AreNumberedWithANote) {
+    const YangModel model = modelOfAll(
+        {{"m", listOf("Top", "\n" + listOf("a.b") + listOf("a_b", "leaf y { type uint8; }"))}});
+    EXPECT_THAT(classesOf(model), ElementsAre("Top", "m:Top:m:a_b", "m:Top:m:a_b_2"));
+    EXPECT_THAT(notesOf(model), Contains(HasSubstr("m.yang:3: only a \".\" makes the name")));
+    const auto objects = readObjectsOf(
+        model, R"({"m:Top": [{"id": "1", "a.b": [{"id": "1"}], "a_b": [{"id": "1", "y": 2}]}]})");
+    EXPECT_EQ(objectOf(objects, "Top=1,m:Top:m:a_b_2=1").attributes.size(), 1U);
+    EXPECT_EQ(objectOf(objects, "Top=1,m:Top:m:a_b=1").attributes.size(), 0U);
 }
 
 TEST(ClassNames, NameForAnyClass_IsPrecededByTheModule) {
