@@ -66,11 +66,13 @@ void DataTree::build() {
 
 void DataTree::addDefaults() {
     // Conditions are judged elsewhere. Here they only decide which defaults there are, and for that
-    // all that was set counts.
+    // all that was set counts. Of nodes that it has just read the library thinks that it has made
+    // them itself, with the defaults in them: containers without contents.
     for (lyd_node* root = mFirst; root != nullptr; root = root->next) {
         lyd_node* node = nullptr;
         LYD_TREE_DFS_BEGIN(root, node) {
             node->flags |= LYD_WHEN_TRUE;
+            node->flags &= ~static_cast<std::uint32_t>(LYD_NEW);
             LYD_TREE_DFS_END(root, node);
         }
     }

@@ -81,6 +81,20 @@ private:
 
 }
 
+namespace {
+
+/// True for a node in a case of a choice, or under a condition, within its object.
+bool isConditional(const lysc_node* node, const ObjectShape& object) {
+    for (; node != nullptr && node != object.list; node = node->parent) {
+        if (node->nodetype == LYS_CASE || lysc_node_when(node) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}
+
 void Reach::addReads(const Reach& other) {
     for (const auto& [object, attributes] : other.reads) {
         reads[object].insert(attributes.begin(), attributes.end());
@@ -92,6 +106,18 @@ void Reach::addReadOf(const YangSchema& schema, const lysc_node* node) {
     std::set<std::string>& attributes = reads[object];
     if (const ValueShape* attribute = attributeAt(schema, node, *object)) {
         attributes.insert(attribute->name);
+    }
+    if (isConditional(node, *object)) {
+        addAllReads(schema, object);
+    }
+}
+
+/// Whether a node is there, if only as a default, can change with any attribute.
+void Reach::addAllReads(const YangSchema& schema, const ObjectShape* object) {
+    for (; object != nullptr; object = enclosingObject(schema, object->list->parent)) {
+        for (const ValueShape& attribute : object->attributes) {
+            reads[object].insert(attribute.name);
+        }
     }
 }
 

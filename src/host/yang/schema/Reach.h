@@ -41,6 +41,9 @@ struct Reach {
     void addReads(const Reach& other);
     /// \p node: in an object.
     void addReadOf(const YangSchema& schema, const lysc_node* node);
+
+private:
+    void addAllReads(const YangSchema& schema, const ObjectShape* object);
 };
 
 /// The object that a node belongs to; null if it is outside of all.

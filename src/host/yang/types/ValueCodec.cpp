@@ -3,12 +3,14 @@
 
 #include "ValueCodec.h"
 
+#include "yang/types/TypeCheck.h"
 #include "yang/types/TypeFacts.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace OrvHost {
 namespace {
@@ -53,16 +55,29 @@ double readDecimal(const lyd_value& value) {
     return static_cast<double>(value.dec64) / std::pow(10, type->fraction_digits);
 }
 
+/// The number with a point and at most so many digits behind it: the shortest text that reads back
+/// as the same number. At the bounds of decimal64 a number can be a little beyond them.
 std::string decimalText(double number, int fractionDigits) {
-    std::array<char, 64> buffer{};
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                      std::chars_format::fixed, fractionDigits);
-    std::string text(buffer.data(), result.ptr);
-    // The canonical form has no unnecessary zeros, but at least one digit after the point.
-    const std::size_t point = text.find('.');
-    if (point != std::string::npos) {
-        text.erase(std::max(text.find_last_not_of('0') + 1, point + 2));
+    const double units = number * std::pow(10, fractionDigits);
+    constexpr double kBeyond = 9223372036854775808.0; // 2 to the power of 63
+    if (units >= kBeyond || units <= -kBeyond) {
+        const std::int64_t bound = units > 0 ? INT64_MAX : INT64_MIN;
+        return TypeCheck::describe({{bound, bound}}, fractionDigits);
     }
+    std::array<char, 64> buffer{};
+    char* const end = buffer.data() + buffer.size();
+    auto result = std::to_chars(buffer.data(), end, number, std::chars_format::fixed);
+    const char* const point = std::find(buffer.data(), result.ptr, '.');
+    if (result.ec != std::errc() || result.ptr - point > fractionDigits + 1) {
+        result =
+            std::to_chars(buffer.data(), end, number, std::chars_format::fixed, fractionDigits);
+    }
+    std::string text(buffer.data(), result.ptr);
+    if (text.find('.') == std::string::npos) {
+        return text + ".0";
+    }
+    // The canonical form has no unnecessary zeros, but at least one digit after the point.
+    text.erase(std::max(text.find_last_not_of('0') + 1, text.find('.') + 2));
     return text;
 }
 

@@ -207,5 +207,21 @@ TEST(InstanceDataWriter, File_ThatCannotBeWritten_IsReported) {
                 HasSubstr("x.json: cannot be written"));
 }
 
+TEST(InstanceDataWriter, DecimalNumbers_ReadBackAsTheSame) {
+    const YangModel model = modelOfBody("list A { key id; leaf id { type string; }"
+                                        " leaf-list d { type decimal64 { fraction-digits 18; } }"
+                                        " leaf-list e { type decimal64 { fraction-digits 2; } } }");
+    const std::string data =
+        R"({"m:A": [{"id": "1", "d": ["0.1", "-9.223372036854775808", "9.223372036854775807",
+            "0.000000000000000001", "1.0"], "e": ["0.07", "-3.5", "100.0", "12345678901234.56"]}]})";
+    const std::string written = writeObjects(model, DataFormat::Json, readObjectsOf(model, data));
+    for (const char* text : {"\"0.1\"", "\"-9.223372036854775808\"", "\"9.223372036854775807\"",
+                             "\"0.000000000000000001\"", "\"1.0\"", "\"0.07\"", "\"-3.5\"",
+                             "\"100.0\"", "\"12345678901234.56\""}) {
+        EXPECT_THAT(written, HasSubstr(text));
+    }
+    EXPECT_EQ(writeObjects(model, DataFormat::Json, readObjectsOf(model, written)), written);
+}
+
 }
 }

@@ -100,6 +100,39 @@ TEST(YangRulesWhen, TrueCondition_DemandsWhatIsMandatory) {
                 IsEmpty());
 }
 
+// The default goes, or another case is taken, by a change of an attribute that the rule does not
+// name.
+TEST(YangRulesWhen, DefaultThatDependsOnAnotherAttribute_IsJudgedAgain) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; } leaf mode { type string; default a; }
+          leaf x { when "../mode = 'a'"; type uint8; default 5; }
+          leaf y { when "../x = 5"; type string; }
+          choice c { default one; leaf one { type string; default d; } leaf two { type string; } }
+          leaf z { when "../one"; type string; } })");
+    EXPECT_THAT(violationsOf(model, R"({"m:A": [{"id": "1", "mode": "b", "y": "v"}]})",
+                             {{"A=1", Kind::Changed, {"mode"}}}),
+                ElementsAre(HasSubstr("attribute 'y': it has a value although")));
+    EXPECT_THAT(violationsOf(model, R"({"m:A": [{"id": "1", "two": "t", "z": "v"}]})",
+                             {{"A=1", Kind::Changed, {"two"}}}),
+                ElementsAre(HasSubstr("attribute 'z': it has a value although")));
+    EXPECT_THAT(violationsOf(model, R"({"m:A": [{"id": "1", "mode": "a", "y": "v", "z": "v"}]})",
+                             {{"A=1", Kind::Changed, {"mode", "two"}}}),
+                IsEmpty());
+}
+
+TEST(YangRulesWhen, ContainerWithoutContents_HasTheDefaultsInIt) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; }
+          container s { leaf o { type string; }
+            container in { leaf d { type uint8; default 3; }
+                           leaf m { when "../d = 3"; type string; mandatory true; } } } })");
+    for (const char* s : {R"({"o": "1"})", R"({"in": {}})", R"({"o": "1", "in": {}})"}) {
+        EXPECT_THAT(violationsIn(model, R"({"m:A": [{"id": "1", "s": )" + std::string(s) + "}]}"),
+                    ElementsAre(HasSubstr("attribute 's/in/m': it is mandatory")))
+            << s;
+    }
+}
+
 TEST(YangRulesWhen, OnChoiceCaseUsesAndAugment) {
     const YangModel model = modelOfBody(R"(
         grouping g { leaf used { type string; mandatory true; } }
