@@ -50,6 +50,23 @@ std::size_t filesIn(const fs::path& directory) {
         std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
 }
 
+/// Defaults that depend on the case that is taken, and what is false and absent at once.
+TEST(OrvhostFiles, Diff_OfAFileThatWasJustSaved_IsEmpty) {
+    const TemporaryDirectory directory;
+    const std::string module =
+        directory.file("m.yang", "module m { namespace 'urn:m'; prefix m; list ManagedElement {"
+                                 " key id; leaf id { type string; } leaf bare { type empty; }"
+                                 " choice c { default one; leaf one { type string; default d; }"
+                                 " leaf two { type string; } } } }");
+    const std::string file = (directory.path() / "saved.json").string();
+    const ProgramResult result =
+        runOrvhost({"-m", module, "--me-id", "H", "-c", "create ManagedElement=1 two=t bare=false",
+                    "-c", "save " + file, "-c", "expect output '' : diff " + file + " committed",
+                    "-c", "set ManagedElement=H two=null", "-c", "diff " + file + " committed"});
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+    EXPECT_THAT(result.out, HasSubstr("~ ManagedElement=H\n    one: null -> \"d\"\n    two: "));
+}
+
 class OrvhostFilesTest : public testing::TestWithParam<std::string> {
 protected:
     std::string path(const std::string& name) const { return (mDirectory.path() / name).string(); }

@@ -10,10 +10,12 @@
 #include "cli/session/Session.h"
 #include "client/StateComparison.h"
 #include "client/SubtreeReader.h"
+#include "model/ChoiceCheck.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <set>
 
 namespace OrvHost {
 
@@ -51,7 +53,7 @@ private:
                 mDn,
                 [&](const ObjectState& object) {
                     ++mCount;
-                    visit(ObjectState(object));
+                    visit(withoutAbsent(ObjectState(object)));
                 },
                 [] {});
     }
@@ -70,15 +72,39 @@ private:
         }
     }
 
+    /// The object as it is read once it is loaded: with the defaults that apply.
     ObjectState stateOf(DataObject object) const {
         const ClassDef& moc = mSession.model().classes[object.moc];
         ObjectState state{std::move(object.dn), &moc, {}};
         for (const AttributeDef& def : moc.attributes) {
-            state.values.push_back(def.defaultValue.value_or(AttributeValue{def.type.kind, {}}));
+            state.values.push_back({def.type.kind, {}});
         }
-        for (NamedValue& given : object.attributes) {
-            if (const auto index = moc.findAttributeIndex(given.first)) {
-                state.values[*index] = std::move(given.second);
+        std::set<std::string> given;
+        for (NamedValue& value : object.attributes) {
+            if (const auto index = moc.findAttributeIndex(value.first)) {
+                const AttributeDef& def = moc.attributes[*index];
+                if (isPresent(def.type, value.second)) {
+                    given.insert(def.name);
+                }
+                state.values[*index] = std::move(value.second);
+            }
+        }
+        const auto isGiven = [&given](const std::string& name) { return given.count(name) > 0; };
+        for (std::size_t at = 0; at < moc.attributes.size(); ++at) {
+            const AttributeDef& def = moc.attributes[at];
+            if (state.values[at].values.empty() && def.defaultValue &&
+                isDefaultInUse(moc.choices, def.name, isGiven)) {
+                state.values[at] = *def.defaultValue;
+            }
+        }
+        return withoutAbsent(std::move(state));
+    }
+
+    /// An empty leaf that is false is one without a value.
+    static ObjectState withoutAbsent(ObjectState state) {
+        for (std::size_t at = 0; at < state.values.size(); ++at) {
+            if (!isPresent(state.moc->attributes[at].type, state.values[at])) {
+                state.values[at].values.clear();
             }
         }
         return state;
