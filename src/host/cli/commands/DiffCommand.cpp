@@ -149,8 +149,8 @@ JsonValue toJson(const ObjectDifference& object) {
 }
 
 std::string toText(const AttributeDifference& attribute, ObjectDifference::Kind kind) {
-    const std::string before = toLine(OrvHost::toJson(attribute.before, *attribute.def));
-    const std::string after = toLine(OrvHost::toJson(attribute.after, *attribute.def));
+    std::string before = toLine(OrvHost::toJson(attribute.before, *attribute.def));
+    std::string after = toLine(OrvHost::toJson(attribute.after, *attribute.def));
     switch (kind) {
     case ObjectDifference::Kind::Deleted:
         return before;
