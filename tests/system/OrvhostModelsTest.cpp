@@ -39,10 +39,7 @@ constexpr const char* kModule = R"(module m {
 class OrvhostModelsTest : public testing::Test {
 protected:
     ProgramResult run(const std::vector<std::string>& options, const std::string& data = "{}") {
-        std::vector<std::string> all = {"-m", mDirectory.file("m.yang", kModule), "-d",
-                                        mDirectory.file("m.json", data)};
-        all.insert(all.end(), options.begin(), options.end());
-        return runOrvhost(all);
+        return runOrvhostOn(mDirectory, kModule, data, options);
     }
 
     const TemporaryDirectory mDirectory;

@@ -60,10 +60,7 @@ constexpr const char* kModule = R"yang(module m {
 class OrvhostRulesTest : public testing::Test {
 protected:
     ProgramResult run(const std::vector<std::string>& options, const std::string& data = "{}") {
-        std::vector<std::string> all = {"-m", mDirectory.file("m.yang", kModule), "-d",
-                                        mDirectory.file("m.json", data)};
-        all.insert(all.end(), options.begin(), options.end());
-        return runOrvhost(all);
+        return runOrvhostOn(mDirectory, kModule, data, options);
     }
 
     static std::vector<std::string> commands(const std::vector<std::string>& lines) {

@@ -108,6 +108,14 @@ ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::stri
     return {status, "", readFile(err)};
 }
 
+ProgramResult runOrvhostOn(const TemporaryDirectory& directory, const std::string& module,
+                           const std::string& data, const std::vector<std::string>& options) {
+    std::vector<std::string> arguments{"-m", directory.file("m.yang", module), "-d",
+                                       directory.file("m.json", data)};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return runOrvhost(arguments);
+}
+
 std::vector<std::string> withSite(const std::vector<std::string>& more) {
     std::vector<std::string> arguments{"-I",    "models", "-m",      "site",    "-m",
                                        "power", "-d",     "network", "--me-id", "east"};

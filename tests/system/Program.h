@@ -40,6 +40,10 @@ ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::s
 /// the path is empty. The output in the result stays empty.
 ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::string>& arguments);
 
+/// The same with one module, and data for it, which are written into \p directory.
+ProgramResult runOrvhostOn(const TemporaryDirectory& directory, const std::string& module,
+                           const std::string& data, const std::vector<std::string>& options);
+
 /// The options that load the small model and its data, followed by \p more.
 std::vector<std::string> withSite(const std::vector<std::string>& more);
 
