@@ -111,12 +111,12 @@ void runLoad(Session& session, Words words) {
     DataFile file = readDataFile(session, options.file);
     const std::size_t objects = file.objects.size();
     WishMaker maker(session.model(), options);
-    const Wish wish = maker.make(std::move(file.objects));
+    Wish wish = maker.make(std::move(file.objects));
     EditPlan plan;
     bool isCommitted = false;
     try {
         isCommitted = session.write([&](unsigned long txHandle) {
-            plan = applyWish(wish, session.model(), session.clients(), txHandle,
+            plan = applyWish(std::move(wish), session.model(), session.clients(), txHandle,
                              &session.cancellation());
         });
     } catch (const PlanRefusedError& refusal) {
