@@ -35,7 +35,7 @@ public:
 
     struct Class {
         std::vector<Attribute> attributes; ///< as in ClassDef
-        std::unordered_map<std::string, std::size_t, NameHash, std::equal_to<>> byName;
+        std::unordered_map<std::string, std::size_t, TextHash, std::equal_to<>> byName;
     };
 
     /// `model` must outlive the plan.

@@ -47,7 +47,7 @@ public:
     ClassIndex moc(Index index) const { return mObjects[index]->second.moc; }
 
 private:
-    using Entries = std::unordered_map<std::string, Entry, NameHash, std::equal_to<>>;
+    using Entries = std::unordered_map<std::string, Entry, TextHash, std::equal_to<>>;
 
     Entries mEntries;
     std::vector<const Entries::value_type*> mObjects; ///< in mEntries, which never moves them

@@ -12,11 +12,6 @@ std::string_view DnStep::className() const {
     return whole.substr(0, whole.find('.'));
 }
 
-std::string_view DnStep::value() const {
-    const std::size_t equals = mText.find('=');
-    return equals == std::string_view::npos ? std::string_view() : mText.substr(equals + 1);
-}
-
 const char* DnStep::whyInvalidReason() const {
     if (mText.empty()) {
         return "is empty";
@@ -39,13 +34,6 @@ const char* DnStep::whyInvalidReason() const {
 std::string DnStep::whyInvalid() const {
     const char* const reason = whyInvalidReason();
     return reason == nullptr ? std::string() : reason;
-}
-
-DnView::Iterator& DnView::Iterator::operator++() {
-    const std::size_t comma = mRest.find(',');
-    mIsAtEnd = comma == std::string_view::npos;
-    mRest.remove_prefix(mIsAtEnd ? mRest.size() : comma + 1);
-    return *this;
 }
 
 DnView DnView::parent() const {
@@ -96,7 +84,9 @@ bool DnView::isValid() const {
 }
 
 std::string DnView::child(std::string_view className, std::string_view value) const {
-    std::string dn(mText);
+    std::string dn;
+    dn.reserve(mText.size() + className.size() + value.size() + 2);
+    dn = mText;
     appendStep(dn, className, value);
     return dn;
 }

@@ -17,18 +17,20 @@ namespace OrvHost {
 /// A view: the text must live as long as it is used.
 class DnStep {
 public:
-    explicit constexpr DnStep(std::string_view text) : mText(text) {}
+    explicit constexpr DnStep(std::string_view text) : mText(text), mTypeSize(text.find('=')) {}
 
     std::string_view text() const { return mText; }
     /// False while only a type, or a part of one, is written.
-    bool hasEquals() const { return mText.find('=') != std::string_view::npos; }
+    bool hasEquals() const { return mTypeSize != std::string_view::npos; }
     /// Everything before the first "=": `Class` or `Class.attribute`. The whole text if it has
     /// none.
-    std::string_view type() const { return mText.substr(0, mText.find('=')); }
+    std::string_view type() const { return mText.substr(0, mTypeSize); }
     /// The type without a naming attribute.
     std::string_view className() const;
     /// The naming value: everything after the first "=". Empty if there is no "=".
-    std::string_view value() const;
+    std::string_view value() const {
+        return hasEquals() ? mText.substr(mTypeSize + 1) : std::string_view();
+    }
 
     /// What is wrong with the step, to be put after its text: "has no value". Empty if it has a
     /// type, one "=" and a value. The value itself is not checked (see DnUtil in the helper
@@ -40,6 +42,7 @@ private:
     const char* whyInvalidReason() const;
 
     std::string_view mText;
+    std::size_t mTypeSize; ///< the position of the first "=", or npos
 };
 
 /// The text of a DN, to be taken apart: `Class=value` steps with commas between, the object at the
@@ -92,14 +95,23 @@ private:
 
 class DnView::Iterator {
 public:
-    explicit Iterator(std::string_view rest) : mRest(rest), mIsAtEnd(rest.empty()) {}
+    explicit Iterator(std::string_view rest)
+        : mRest(rest), mStepSize(rest.find(',')), mIsAtEnd(rest.empty()) {}
 
-    DnStep operator*() const { return DnStep(mRest.substr(0, mRest.find(','))); }
-    Iterator& operator++();
+    DnStep operator*() const { return DnStep(mRest.substr(0, mStepSize)); }
+    Iterator& operator++() {
+        mIsAtEnd = mStepSize == std::string_view::npos;
+        if (!mIsAtEnd) {
+            mRest.remove_prefix(mStepSize + 1);
+            mStepSize = mRest.find(',');
+        }
+        return *this;
+    }
     bool operator==(std::default_sentinel_t) const { return mIsAtEnd; }
 
 private:
     std::string_view mRest; ///< from the current step on
+    std::size_t mStepSize;  ///< the position of the first comma in it, or npos
     bool mIsAtEnd;          ///< an empty rest can also be the empty step after the last comma
 };
 

@@ -33,9 +33,8 @@ const AttributeDef* TypeDef::findMember(std::string_view memberName) const {
 }
 
 const AttributeDef* ClassDef::findAttribute(std::string_view attributeName) const {
-    const AttributeDef* found = findNamed(attributes, attributeName);
-    const bool isKey = keys.size() == 1 && keys.front() == attributeName;
-    return found == nullptr && isKey ? findNamed(attributes, namingAttribute) : found;
+    const auto index = findAttributeIndex(attributeName);
+    return index ? &attributes[*index] : nullptr;
 }
 
 bool AttributeDef::isRequired() const {
@@ -48,15 +47,18 @@ const ActionDef* ClassDef::findAction(std::string_view actionName) const {
 }
 
 std::optional<AttributeIndex> ClassDef::findAttributeIndex(std::string_view attributeName) const {
-    const AttributeDef* found = findAttribute(attributeName);
-    if (!found) {
-        return std::nullopt;
+    for (std::size_t index = 0; index < attributes.size(); ++index) {
+        if (attributes[index].name == attributeName) {
+            return static_cast<AttributeIndex>(index);
+        }
     }
-    return static_cast<AttributeIndex>(found - attributes.data());
+    const bool isKey =
+        keys.size() == 1 && keys.front() == attributeName && attributeName != namingAttribute;
+    return isKey ? findAttributeIndex(namingAttribute) : std::nullopt;
 }
 
 bool ClassDef::mayStandUnder(ClassIndex parent) const {
-    return std::find(parents.begin(), parents.end(), parent) != parents.end();
+    return std::binary_search(sortedParents.begin(), sortedParents.end(), parent);
 }
 
 std::optional<ClassIndex> Model::findClass(std::string_view name) const {
@@ -68,19 +70,26 @@ std::optional<ClassIndex> Model::findClass(std::string_view name) const {
 }
 
 std::optional<ClassIndex> Model::findClassOfDn(std::string_view dn) const {
-    std::optional<ClassIndex> reached;
-    for (const DnStep step : DnView(dn).steps()) {
-        const auto next = step.value().empty() ? std::nullopt : findClass(step.className());
-        if (!next) {
-            return std::nullopt;
+    ClassIndex reached = ChildClassTable::topLevel;
+    for (std::string_view rest = dn;;) {
+        const auto* child = childClasses.findAtStart(reached, rest);
+        std::size_t value = child == nullptr ? 0 : child->name.size() + 1;
+        if (child == nullptr) {
+            // With an attribute, or there is no such child.
+            const DnStep step = *DnView(rest).steps().begin();
+            child = step.hasEquals() ? childClasses.find(reached, step.className()) : nullptr;
+            value = step.type().size() + 1;
         }
-        const ClassDef& moc = classes[*next];
-        if (reached ? !moc.mayStandUnder(*reached) : !moc.isTopLevel) {
-            return std::nullopt;
+        const std::size_t end = rest.find(',', value);
+        if (child == nullptr || value == std::min(end, rest.size())) {
+            return std::nullopt; // without a class, or without a value
         }
-        reached = next;
+        reached = child->moc;
+        if (end == std::string_view::npos) {
+            return reached;
+        }
+        rest.remove_prefix(end + 1);
     }
-    return reached;
 }
 
 }

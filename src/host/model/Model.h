@@ -5,8 +5,10 @@
 #define ORV_HOST_MODEL_MODEL_H
 
 #include "Bounds.h"
+#include "ChildClassTable.h"
 #include "Value.h"
 #include "base/Problem.h"
+#include "base/TextHash.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +21,7 @@
 
 namespace OrvHost {
 
-/// Positions in the vectors of a Model; they never change.
-using ClassIndex = std::uint32_t;
+/// Position in the attributes of a class; it never changes.
 using AttributeIndex = std::uint32_t;
 
 /// The class name that means "any class" as the target of a reference. No class of a model has this
@@ -129,7 +130,8 @@ struct ClassDef {
     std::vector<ActionDef> actions;
     std::vector<ClassIndex> children; ///< permitted child classes, in the order of their definition
     std::vector<ClassIndex> parents;
-    Bounds instances; ///< how many may exist under one parent
+    std::vector<ClassIndex> sortedParents; ///< the same, for look-ups
+    Bounds instances;                      ///< how many may exist under one parent
     std::string description;
     SourcePosition source;
 
@@ -140,7 +142,8 @@ struct ClassDef {
     const ActionDef* findAction(std::string_view actionName) const;
     /// The position of what findAttribute finds, or nothing.
     std::optional<AttributeIndex> findAttributeIndex(std::string_view attributeName) const;
-    /// True if an object of this class may exist under one of class `parent`.
+    /// True if an object of this class may exist under one of class `parent`. Logarithmic in the
+    /// number of its parents.
     bool mayStandUnder(ClassIndex parent) const;
 };
 
@@ -172,14 +175,6 @@ struct UniDirAssociation {
     SourcePosition source;
 };
 
-/// Hash of names for look-ups by std::string_view.
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const {
-        return std::hash<std::string_view>()(name);
-    }
-};
-
 /// What the management framework knows about its classes: plain data, built once (see ModelBuilder)
 /// and then read by any number of threads.
 struct Model {
@@ -197,8 +192,10 @@ struct Model {
     /// allocation.
     std::optional<ClassIndex> findClassOfDn(std::string_view dn) const;
 
+    /// What may stand where, for findClassOfDn. Filled by ModelBuilder.
+    ChildClassTable childClasses;
     /// The position of each class in `classes`. Filled by ModelBuilder.
-    std::unordered_map<std::string, ClassIndex, NameHash, std::equal_to<>> classByName;
+    std::unordered_map<std::string, ClassIndex, TextHash, std::equal_to<>> classByName;
 };
 
 }

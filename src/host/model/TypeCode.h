@@ -37,14 +37,26 @@ constexpr OrvMoAttributeType_3 typeCodeOf(ValueKind kind) {
 
 /// The kind of values with a type code; nothing for a code that this host does not use.
 constexpr std::optional<ValueKind> kindOfTypeCode(std::int32_t code) {
-    for (const ValueKind kind :
-         {ValueKind::Bool, ValueKind::Int, ValueKind::Uint, ValueKind::Double,
-          ValueKind::Enumeration, ValueKind::String, ValueKind::MoRef, ValueKind::Struct}) {
-        if (typeCodeOf(kind) == code) {
-            return kind;
-        }
+    switch (code) {
+    case OrvMoAttributeTypeBool_3:
+        return ValueKind::Bool;
+    case OrvMoAttributeTypeInt64_3:
+        return ValueKind::Int;
+    case OrvMoAttributeTypeUint64_3:
+        return ValueKind::Uint;
+    case OrvMoAttributeTypeDouble_3:
+        return ValueKind::Double;
+    case OrvMoAttributeTypeEnumeration_3:
+        return ValueKind::Enumeration;
+    case OrvMoAttributeTypeString_3:
+        return ValueKind::String;
+    case OrvMoAttributeTypeMoRef_3:
+        return ValueKind::MoRef;
+    case OrvMoAttributeTypeStruct_3:
+        return ValueKind::Struct;
+    default:
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 }

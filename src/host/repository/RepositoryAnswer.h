@@ -10,13 +10,9 @@
 #include "VekOamSpiModelRepository_4.h"
 #include "model/Model.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-
 /// \file
 /// The common frame of the repository's functions: each checks its arguments in the same way and
-/// then looks one thing up. The return codes that ModelRepository documents are made here.
+/// then reads one row of the index. The return codes that ModelRepository documents are made here.
 
 namespace OrvHost {
 
@@ -24,89 +20,55 @@ namespace OrvHost {
 /// writes it, in its constructor and destructor, while nobody uses the table.
 inline const RepositoryIndex* currentRepositoryIndex = nullptr;
 
-using Handle = unsigned long long;
-/// A handle as a result; nothing means "not there".
-using Answer = std::optional<Handle>;
-/// A test that a handle's kind must pass to be accepted by a function.
-using KindTest = bool (*)(HandleKind kind);
-
-template <HandleKind Expected>
-bool isOne(HandleKind kind) {
-    return kind == Expected;
-}
-
-inline bool isEnd(HandleKind kind) {
-    return kind == HandleKind::BiDirEnd || kind == HandleKind::UniDirEnd;
-}
-
-/// OrvOk if there is a repository and `handle` names something in it of an accepted kind.
-inline OrvReturnT judge(Handle handle, KindTest isAccepted) {
-    if (!currentRepositoryIndex) {
+/// Checks the arguments, then lets `read(row, result)` write the result and return the code. `Find`
+/// is the function of RepositoryIndex that finds the row of `handle`.
+template <auto Find, class Out, class Read>
+OrvReturnT answer(Handle handle, Out* out, const Read& read) {
+    if (currentRepositoryIndex == nullptr) {
         return OrvNotActive;
     }
     if (handle == 0) {
         return OrvNotExist;
     }
-    const RepositoryHandle parts = decode(handle);
-    const bool isKnown = isAccepted(parts.kind) && currentRepositoryIndex->exists(parts);
-    return isKnown ? OrvOk : OrvInvalidArgument;
-}
-
-/// Checks the arguments, then writes the result of `lookUp(index, parts of the handle)` to `out`;
-/// if there is no result, returns `otherwise`.
-template <class Out, class LookUp>
-OrvReturnT answer(Handle handle, KindTest isAccepted, Out* out, LookUp lookUp,
-                  OrvReturnT otherwise = OrvNotExist) {
-    const OrvReturnT code = judge(handle, isAccepted);
-    if (code != OrvOk) {
-        return code;
-    }
-    if (!out) {
+    const auto* const row = (currentRepositoryIndex->*Find)(handle);
+    if (row == nullptr || out == nullptr) {
         return OrvInvalidArgument;
     }
-    const std::optional<Out> found = lookUp(*currentRepositoryIndex, decode(handle));
-    if (!found) {
-        return otherwise;
-    }
-    *out = *found;
-    return OrvOk;
+    return read(*row, *out);
 }
 
-/// The same for properties that every object of that kind has: no result means that there is no
-/// such property.
-template <class Out, class LookUp>
-OrvReturnT answerProperty(Handle handle, KindTest isAccepted, Out* out, LookUp lookUp) {
-    return answer(handle, isAccepted, out, lookUp, OrvInvalidArgument);
-}
-
-inline Answer handleAt(HandleKind kind, std::optional<std::uint32_t> position) {
-    return position ? Answer(encode({kind, *position})) : std::nullopt;
-}
-
-/// The list element at position `next` of a list with `size` elements.
-inline Answer elementAt(HandleKind kind, std::uint32_t owner, std::uint32_t next,
-                        std::size_t size) {
-    return next < size ? Answer(encode({kind, owner, next})) : std::nullopt;
+/// The result is a member of the row, a handle; 0 in it means "not there" or "end of the list".
+template <auto Find, auto Member>
+OrvReturnT answerHandle(Handle handle, Handle* out) {
+    return answer<Find>(handle, out, [](const auto& row, Handle& result) -> OrvReturnT {
+        if (row.*Member == 0) {
+            return OrvNotExist;
+        }
+        result = row.*Member;
+        return OrvOk;
+    });
 }
 
 /// The handle of a block of general properties is the handle of its owner with one bit set.
-inline OrvReturnT propertiesOf(Handle owner, KindTest isAccepted, Handle* properties) {
-    return answer(owner, isAccepted, properties,
-                  [owner](const auto&, auto) { return Answer(owner | kPropertiesBit); });
+template <auto Find>
+OrvReturnT answerProperties(Handle owner, Handle* properties) {
+    return answer<Find>(owner, properties, [owner](const auto&, Handle& result) -> OrvReturnT {
+        result = owner | kPropertiesBit;
+        return OrvOk;
+    });
 }
 
-/// A bound of an attribute's values, or of the objects at the end that the attribute is named
-/// after, by its property identifier. What depends on a condition has no lower bound here: a reader
-/// of the model cannot know whether it is due (see ConditionalReferences.h).
-inline std::optional<long long> boundOf(const AttributeDef& attribute, const Bounds& bounds,
-                                        int identifier) {
+/// Writes a bound by its property identifier.
+inline OrvReturnT answerBound(const Bounds& bounds, int identifier, long long& result) {
     switch (identifier) {
     case VekOamSpiMrLowerBound_4:
-        return attribute.isConditional ? 0 : bounds.lower;
+        result = bounds.lower;
+        return OrvOk;
     case VekOamSpiMrUpperBound_4:
-        return bounds.upper;
+        result = bounds.upper;
+        return OrvOk;
     default:
-        return std::nullopt;
+        return OrvInvalidArgument;
     }
 }
 

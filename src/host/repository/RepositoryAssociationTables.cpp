@@ -9,59 +9,56 @@ namespace OrvHost {
 
 namespace {
 
+using Index = RepositoryIndex;
+
 OrvReturnT getEndMoc(Handle end, Handle* moc) {
-    return answer(end, &isEnd, moc, [](const RepositoryIndex& index, RepositoryHandle parts) {
-        return handleAt(HandleKind::Moc, index.end(parts).moc);
-    });
+    return answerHandle<&Index::end, &Index::EndRow::moc>(end, moc);
 }
 
 OrvReturnT getEndAttribute(Handle end, Handle* attribute) {
-    return answer(end, &isEnd, attribute, [](const RepositoryIndex& index, RepositoryHandle parts) {
-        return Answer(encode(index.attributeOfEnd(parts)));
-    });
+    return answerHandle<&Index::end, &Index::EndRow::attribute>(end, attribute);
 }
 
 OrvReturnT getEndGeneralProperties(Handle end, Handle* properties) {
-    return propertiesOf(end, &isEnd, properties);
+    return answerProperties<&Index::end>(end, properties);
 }
 
 OrvReturnT getEndStringProperty(Handle end, int identifier, const char** text) {
-    return answerProperty(end, &isEnd, text,
-                          [identifier](const RepositoryIndex& index,
-                                       RepositoryHandle parts) -> std::optional<const char*> {
-                              switch (identifier) {
-                              case VekOamSpiMrEndName_4:
-                                  return index.end(parts).name.c_str();
-                              case VekOamSpiMrEndRole_4:
-                                  return index.end(parts).role.c_str();
-                              default:
-                                  return std::nullopt;
-                              }
-                          });
+    return answer<&Index::end>(end, text, [identifier](const auto& row, const char*& result) {
+        switch (identifier) {
+        case VekOamSpiMrEndName_4:
+            result = row.name;
+            return OrvOk;
+        case VekOamSpiMrEndRole_4:
+            result = row.role;
+            return OrvOk;
+        default:
+            return OrvInvalidArgument;
+        }
+    });
 }
 
 OrvReturnT getEndBoolProperty(Handle end, int identifier, bool* flag) {
-    return answerProperty(end, &isEnd, flag,
-                          [identifier](const RepositoryIndex& index, RepositoryHandle parts) {
-                              return identifier == VekOamSpiMrEndKeepAtDelete_4
-                                         ? std::optional(index.end(parts).keepAtDelete)
-                                         : std::nullopt;
-                          });
+    return answer<&Index::end>(end, flag, [identifier](const auto& row, bool& result) {
+        if (identifier != VekOamSpiMrEndKeepAtDelete_4) {
+            return OrvInvalidArgument;
+        }
+        result = row.keepAtDelete;
+        return OrvOk;
+    });
 }
 
 OrvReturnT getEndIntProperty(Handle end, int identifier, long long* number) {
-    return answerProperty(end, &isEnd, number,
-                          [identifier](const RepositoryIndex& index, RepositoryHandle parts) {
-                              return boundOf(index.attribute(index.attributeOfEnd(parts)),
-                                             index.end(parts).cardinality, identifier);
-                          });
+    return answer<&Index::end>(end, number, [identifier](const auto& row, long long& result) {
+        return answerBound(row.cardinality, identifier, result);
+    });
 }
 
 OrvReturnT getEnd(Handle association, std::uint32_t which, Handle* end) {
-    return answer(association, &isOne<HandleKind::BiDir>, end,
-                  [which](const auto&, RepositoryHandle parts) {
-                      return Answer(encode({HandleKind::BiDirEnd, parts.first, which}));
-                  });
+    return answer<&Index::biDir>(association, end, [=](const auto&, Handle& result) {
+        result = encode({HandleKind::BiDirEnd, decode(association).first, which});
+        return OrvOk;
+    });
 }
 
 OrvReturnT getFirstEnd(Handle association, Handle* end) {
@@ -74,35 +71,32 @@ OrvReturnT getSecondEnd(Handle association, Handle* end) {
 
 /// The class says whose list is walked: it must have a part in the current association.
 OrvReturnT getNextBiDirAssociation(Handle current, Handle moc, Handle* next) {
-    const RepositoryHandle walker = decode(moc);
-    const OrvReturnT code = judge(moc, &isOne<HandleKind::Moc>);
-    if (code != OrvOk) {
-        return code;
-    }
-    const RepositoryHandle walked = decode(current);
-    if (walked.kind == HandleKind::BiDir &&
-        !currentRepositoryIndex->takesPart(walker.first, walked.first)) {
-        return OrvInvalidArgument;
-    }
-    return answer(current, &isOne<HandleKind::BiDir>, next,
-                  [walker](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return handleAt(HandleKind::BiDir,
-                                      index.nextBiDir(parts.first, walker.first));
-                  });
+    const auto step = [moc](const auto& row, Handle& result) {
+        const std::size_t side = moc == row.ends[0].moc ? 0 : 1;
+        if (moc != row.ends[side].moc) {
+            return OrvInvalidArgument;
+        }
+        const Handle after = row.next[side];
+        if (after == 0) {
+            return OrvNotExist;
+        }
+        result = after;
+        return OrvOk;
+    };
+    return answer<&Index::moc>(moc, &moc, [&](const auto&, const Handle&) {
+        return answer<&Index::biDir>(current, next, step);
+    });
 }
 
 OrvReturnT getUniDirEnd(Handle association, Handle* end) {
-    return answer(association, &isOne<HandleKind::UniDir>, end,
-                  [](const auto&, RepositoryHandle parts) {
-                      return Answer(encode({HandleKind::UniDirEnd, parts.first}));
-                  });
+    return answer<&Index::uniDir>(association, end, [=](const auto&, Handle& result) {
+        result = encode({HandleKind::UniDirEnd, decode(association).first});
+        return OrvOk;
+    });
 }
 
 OrvReturnT getNextUniDirAssociation(Handle association, Handle* next) {
-    return answer(association, &isOne<HandleKind::UniDir>, next,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return handleAt(HandleKind::UniDir, index.nextUniDir(parts.first));
-                  });
+    return answerHandle<&Index::uniDir, &Index::UniDirRow::next>(association, next);
 }
 
 }

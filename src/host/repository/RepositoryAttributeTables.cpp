@@ -4,64 +4,53 @@
 #include "RepositoryTables.h"
 
 #include "RepositoryAnswer.h"
-#include "model/TypeCode.h"
 
 namespace OrvHost {
 
 namespace {
 
+using Index = RepositoryIndex;
+
 OrvReturnT getTypeCode(Handle type, int* code) {
-    return answer(type, &isOne<HandleKind::Type>, code,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return std::optional<int>(typeCodeOf(index.attribute(parts).type.kind));
-                  });
+    return answer<&Index::type>(type, code, [](const auto& row, int& result) {
+        result = row.typeCode;
+        return OrvOk;
+    });
 }
 
 OrvReturnT getTypeIntProperty(Handle type, int identifier, long long* number) {
-    return answerProperty(type, &isOne<HandleKind::Type>, number,
-                          [identifier](const RepositoryIndex& index, RepositoryHandle parts) {
-                              const AttributeDef& attribute = index.attribute(parts);
-                              return boundOf(attribute, attribute.multiplicity, identifier);
-                          });
+    return answer<&Index::type>(type, number, [identifier](const auto& row, long long& result) {
+        return answerBound(row.multiplicity, identifier, result);
+    });
 }
 
 OrvReturnT getAttributeGeneralProperties(Handle attribute, Handle* properties) {
-    return propertiesOf(attribute, &isOne<HandleKind::Attribute>, properties);
+    return answerProperties<&Index::attribute>(attribute, properties);
 }
 
 OrvReturnT getAttributeMoc(Handle attribute, Handle* moc) {
-    return answer(attribute, &isOne<HandleKind::Attribute>, moc,
-                  [](const auto&, RepositoryHandle parts) {
-                      return Answer(encode({HandleKind::Moc, parts.first}));
-                  });
+    return answerHandle<&Index::attribute, &Index::AttributeRow::moc>(attribute, moc);
 }
 
 OrvReturnT getAttributeType(Handle attribute, Handle* type) {
-    return answer(attribute, &isOne<HandleKind::Attribute>, type,
-                  [](const auto&, RepositoryHandle parts) {
-                      return Answer(encode({HandleKind::Type, parts.first, parts.second}));
-                  });
+    return answer<&Index::attribute>(attribute, type, [attribute](const auto&, Handle& result) {
+        result = encode({HandleKind::Type, decode(attribute).first});
+        return OrvOk;
+    });
 }
 
 OrvReturnT getNextAttribute(Handle attribute, Handle* next) {
-    return answer(attribute, &isOne<HandleKind::Attribute>, next,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return elementAt(HandleKind::Attribute, parts.first, parts.second + 1,
-                                       index.model().classes[parts.first].attributes.size());
-                  });
+    return answerHandle<&Index::attribute, &Index::AttributeRow::next>(attribute, next);
 }
 
 OrvReturnT getReferencedMoc(Handle type, Handle* moc) {
-    return answerProperty(
-        type, &isOne<HandleKind::Type>, moc,
-        [](const RepositoryIndex& index, RepositoryHandle parts) -> Answer {
-            const TypeDef& def = index.attribute(parts).type;
-            if (def.kind != ValueKind::MoRef) {
-                return std::nullopt;
-            }
-            const bool isOneClass = def.targets.size() == 1;
-            return encode({HandleKind::Moc, isOneClass ? def.targets.front() : kAnyClassPosition});
-        });
+    return answer<&Index::type>(type, moc, [](const auto& row, Handle& result) {
+        if (row.referencedMoc == 0) {
+            return OrvInvalidArgument;
+        }
+        result = row.referencedMoc;
+        return OrvOk;
+    });
 }
 
 }

@@ -12,14 +12,16 @@ namespace OrvHost {
 /// handle is zero.
 enum class HandleKind : std::uint8_t {
     Moc = 1,     ///< first: the class, or kAnyClassPosition
-    Attribute,   ///< first: the class, second: the attribute
+    Attribute,   ///< first: its number among the attributes of all classes
     Type,        ///< as Attribute
-    Containment, ///< first: the parent, second: position among its children
+    Containment, ///< first: its number among the containments of all classes
     BiDir,       ///< first: the association
     UniDir,      ///< first: the association
     BiDirEnd,    ///< first: the association, second: 0 or 1
     UniDirEnd    ///< first: the association
 };
+
+// `second` is 0 where nothing is said about it.
 
 /// The position of the class that means "any class".
 constexpr std::uint32_t kAnyClassPosition = (1U << 28U) - 1;

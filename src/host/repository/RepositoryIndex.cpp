@@ -3,117 +3,106 @@
 
 #include "RepositoryIndex.h"
 
-#include <algorithm>
+#include "model/TypeCode.h"
 
 namespace OrvHost {
 
 namespace {
 
-RepositoryHandle findAttribute(const Model& model, ClassIndex owner, const std::string& name) {
-    return {HandleKind::Attribute, owner, model.classes[owner].findAttributeIndex(name).value()};
+Handle mocHandle(ClassIndex moc) {
+    return encode({HandleKind::Moc, moc});
 }
 
-std::optional<std::uint32_t> firstOf(const std::vector<std::uint32_t>& list) {
-    return list.empty() ? std::nullopt : std::optional(list.front());
+Handle attributeHandle(std::size_t position) {
+    return encode({HandleKind::Attribute, static_cast<std::uint32_t>(position)});
 }
 
+Handle containmentHandle(std::size_t position) {
+    return encode({HandleKind::Containment, static_cast<std::uint32_t>(position)});
 }
 
-RepositoryIndex::RepositoryIndex(const Model& model)
-    : mModel(model),
-      mBiDirs(model.classes.size()),
-      mUniDirs(model.classes.size()),
-      mNextUniDir(model.uniDirAssociations.size()) {
-    for (std::uint32_t index = 0; index < model.biDirAssociations.size(); ++index) {
-        const AssociationEnd& first = model.biDirAssociations[index].ends[0];
-        const AssociationEnd& second = model.biDirAssociations[index].ends[1];
-        mBiDirs[first.moc].push_back(index);
-        if (second.moc != first.moc) {
-            mBiDirs[second.moc].push_back(index);
-        }
-        mAttributesOfBiDirEnds.push_back({findAttribute(model, second.moc, first.name),
-                                          findAttribute(model, first.moc, second.name)});
+// 0 unless values of that type are references.
+Handle referencedMoc(const TypeDef& type) {
+    if (type.kind != ValueKind::MoRef) {
+        return 0;
     }
-    for (std::uint32_t index = 0; index < model.uniDirAssociations.size(); ++index) {
-        const UniDirAssociation& association = model.uniDirAssociations[index];
-        std::vector<std::uint32_t>& ofOwner = mUniDirs[association.owner];
-        if (!ofOwner.empty()) {
-            mNextUniDir[ofOwner.back()] = index;
-        }
-        ofOwner.push_back(index);
-        mAttributesOfUniDirEnds.push_back(
-            findAttribute(model, association.owner, association.end.name));
+    return mocHandle(type.targets.size() == 1 ? type.targets.front() : kAnyClassPosition);
+}
+
+// The bounds of an attribute's values, or of the objects at the end that the attribute is named
+// after. What depends on a condition has no lower bound here: a reader of the model cannot know
+// whether it is due (see ConditionalReferences.h).
+Bounds boundsOf(const AttributeDef& attribute, Bounds bounds) {
+    if (attribute.isConditional) {
+        bounds.lower = 0;
+    }
+    return bounds;
+}
+
+}
+
+RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model) {
+    for (ClassIndex index = 0; index < model.classes.size(); ++index) {
+        addClass(index);
+    }
+    mBiDirs.resize(model.biDirAssociations.size());
+    mUniDirs.resize(model.uniDirAssociations.size());
+    mUniDirEnds.resize(model.uniDirAssociations.size());
+    // From the last to the first, since each one links to the next of the same class.
+    for (std::size_t index = mBiDirs.size(); index > 0; --index) {
+        addBiDir(static_cast<std::uint32_t>(index - 1));
+    }
+    for (std::size_t index = mUniDirs.size(); index > 0; --index) {
+        addUniDir(static_cast<std::uint32_t>(index - 1));
     }
 }
 
-bool RepositoryIndex::exists(RepositoryHandle handle) const {
-    switch (handle.kind) {
-    case HandleKind::Moc:
-        return handle.second == 0 &&
-               (handle.first < mModel.classes.size() || handle.first == kAnyClassPosition);
-    case HandleKind::Attribute:
-    case HandleKind::Type:
-        return isAttribute(handle);
-    case HandleKind::Containment:
-        return isContainment(handle);
-    case HandleKind::BiDir:
-        return handle.first < mModel.biDirAssociations.size() && handle.second == 0;
-    case HandleKind::BiDirEnd:
-        return handle.first < mModel.biDirAssociations.size() && handle.second < 2;
-    case HandleKind::UniDir:
-    case HandleKind::UniDirEnd:
-        return handle.first < mModel.uniDirAssociations.size() && handle.second == 0;
+void RepositoryIndex::addClass(ClassIndex index) {
+    const ClassDef& moc = mModel.classes[index];
+    mMocs.push_back({moc.name.c_str(),
+                     moc.attributes.empty() ? 0 : attributeHandle(mAttributes.size()),
+                     moc.children.empty() ? 0 : containmentHandle(mContainments.size()), 0, 0});
+    for (const AttributeDef& def : moc.attributes) {
+        const bool isLast = &def == &moc.attributes.back();
+        mAttributes.push_back({def.name.c_str(), mocHandle(index),
+                               isLast ? 0 : attributeHandle(mAttributes.size() + 1),
+                               referencedMoc(def.type), boundsOf(def, def.multiplicity),
+                               typeCodeOf(def.type.kind)});
     }
-    return false;
+    for (const ClassIndex& child : moc.children) {
+        const bool isLast = &child == &moc.children.back();
+        mContainments.push_back(
+            {mocHandle(child), isLast ? 0 : containmentHandle(mContainments.size() + 1)});
+    }
 }
 
-bool RepositoryIndex::isAttribute(RepositoryHandle handle) const {
-    return handle.first < mModel.classes.size() &&
-           handle.second < mModel.classes[handle.first].attributes.size();
+void RepositoryIndex::addBiDir(std::uint32_t index) {
+    const AssociationEnd(&ends)[2] = mModel.biDirAssociations[index].ends;
+    MocRow& first = mMocs[ends[0].moc];
+    MocRow& second = mMocs[ends[1].moc];
+    mBiDirs[index] = {{rowOf(ends[0], ends[1].moc), rowOf(ends[1], ends[0].moc)},
+                      {first.firstBiDir, second.firstBiDir}};
+    first.firstBiDir = second.firstBiDir = encode({HandleKind::BiDir, index});
 }
 
-bool RepositoryIndex::isContainment(RepositoryHandle handle) const {
-    return handle.first < mModel.classes.size() &&
-           handle.second < mModel.classes[handle.first].children.size();
+void RepositoryIndex::addUniDir(std::uint32_t index) {
+    const UniDirAssociation& association = mModel.uniDirAssociations[index];
+    MocRow& owner = mMocs[association.owner];
+    mUniDirs[index] = {owner.firstUniDir};
+    mUniDirEnds[index] = rowOf(association.end, association.owner);
+    owner.firstUniDir = encode({HandleKind::UniDir, index});
 }
 
-std::optional<std::uint32_t> RepositoryIndex::firstBiDir(ClassIndex moc) const {
-    return moc < mBiDirs.size() ? firstOf(mBiDirs[moc]) : std::nullopt;
-}
-
-std::optional<std::uint32_t> RepositoryIndex::nextBiDir(std::uint32_t current,
-                                                        ClassIndex moc) const {
-    const std::vector<std::uint32_t>& list = mBiDirs[moc];
-    const auto next = std::upper_bound(list.begin(), list.end(), current);
-    return next == list.end() ? std::nullopt : std::optional(*next);
-}
-
-bool RepositoryIndex::takesPart(ClassIndex moc, std::uint32_t biDir) const {
-    return moc < mBiDirs.size() &&
-           std::binary_search(mBiDirs[moc].begin(), mBiDirs[moc].end(), biDir);
-}
-
-std::optional<std::uint32_t> RepositoryIndex::firstUniDir(ClassIndex moc) const {
-    return moc < mUniDirs.size() ? firstOf(mUniDirs[moc]) : std::nullopt;
-}
-
-std::optional<std::uint32_t> RepositoryIndex::nextUniDir(std::uint32_t current) const {
-    return mNextUniDir[current];
-}
-
-const AssociationEnd& RepositoryIndex::end(RepositoryHandle handle) const {
-    return handle.kind == HandleKind::BiDirEnd
-               ? mModel.biDirAssociations[handle.first].ends[handle.second]
-               : mModel.uniDirAssociations[handle.first].end;
-}
-
-RepositoryHandle RepositoryIndex::attributeOfEnd(RepositoryHandle handle) const {
-    return handle.kind == HandleKind::BiDirEnd ? mAttributesOfBiDirEnds[handle.first][handle.second]
-                                               : mAttributesOfUniDirEnds[handle.first];
-}
-
-const AttributeDef& RepositoryIndex::attribute(RepositoryHandle handle) const {
-    return mModel.classes[handle.first].attributes[handle.second];
+RepositoryIndex::EndRow RepositoryIndex::rowOf(const AssociationEnd& end, ClassIndex owner) const {
+    const ClassDef& moc = mModel.classes[owner];
+    const AttributeIndex attribute = moc.findAttributeIndex(end.name).value();
+    const Handle firstAttribute = mMocs[owner].firstAttribute;
+    return {end.name.c_str(),
+            end.role.c_str(),
+            mocHandle(end.moc),
+            attributeHandle(decode(firstAttribute).first + attribute),
+            boundsOf(moc.attributes[attribute], end.cardinality),
+            end.keepAtDelete};
 }
 
 }

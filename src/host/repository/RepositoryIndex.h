@@ -7,48 +7,135 @@
 #include "RepositoryHandle.h"
 #include "model/Model.h"
 
+#include <array>
+#include <bit>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace OrvHost {
 
-/// Answers the repository's questions about a Model in constant time (the step to the next
-/// bidirectional association: logarithmic). Immutable: any number of threads.
+/// A handle as the functions of the repository take and give it. 0 stands for nothing.
+using Handle = unsigned long long;
+
+/// The repository's answers, made once from a Model: a row for each object that a handle can name,
+/// found by the positions in the handle. Immutable: any number of threads.
 class RepositoryIndex {
 public:
+    struct MocRow {
+        const char* name;
+        Handle firstAttribute;
+        Handle firstContainment;
+        Handle firstBiDir;
+        Handle firstUniDir;
+    };
+    struct AttributeRow {
+        const char* name;
+        Handle moc;
+        Handle next;
+        Handle referencedMoc; ///< 0 unless it is a reference
+        Bounds multiplicity;  ///< 0 as its lower bound if the attribute depends on a condition
+        int typeCode;
+    };
+    struct ContainmentRow {
+        Handle moc;
+        Handle next;
+    };
+    struct EndRow {
+        const char* name;
+        const char* role;
+        Handle moc;
+        Handle attribute;   ///< that is named after this end, in the class at the other end
+        Bounds cardinality; ///< 0 as its lower bound if the attribute depends on a condition
+        bool keepAtDelete;
+    };
+    struct BiDirRow {
+        std::array<EndRow, 2> ends;
+        /// next[n] is the association of the class at ends[n] with the next higher position.
+        std::array<Handle, 2> next;
+    };
+    struct UniDirRow {
+        Handle next;
+    };
+
     /// `model` must outlive the index and must not move.
     explicit RepositoryIndex(const Model& model);
 
     const Model& model() const { return mModel; }
 
-    /// True if the handle names something in the model.
-    bool exists(RepositoryHandle handle) const;
+    // The row that a handle names; null if the handle is of another kind or not of this model.
 
-    std::optional<std::uint32_t> firstBiDir(ClassIndex moc) const;
-    /// The association of `moc` with the next higher position.
-    std::optional<std::uint32_t> nextBiDir(std::uint32_t current, ClassIndex moc) const;
-    bool takesPart(ClassIndex moc, std::uint32_t biDir) const;
-    std::optional<std::uint32_t> firstUniDir(ClassIndex moc) const;
-    std::optional<std::uint32_t> nextUniDir(std::uint32_t current) const;
-
-    /// The end that a handle of kind BiDirEnd or UniDirEnd names.
-    const AssociationEnd& end(RepositoryHandle handle) const;
-    /// The attribute that is named after that end, in the class at the other end.
-    RepositoryHandle attributeOfEnd(RepositoryHandle handle) const;
-    /// The attribute that a handle of kind Attribute or Type names.
-    const AttributeDef& attribute(RepositoryHandle handle) const;
+    const MocRow* moc(Handle handle) const {
+        if (handle == encode({HandleKind::Moc, kAnyClassPosition})) {
+            return &mAnyMoc;
+        }
+        return rowAt(mMocs, handle, HandleKind::Moc);
+    }
+    const AttributeRow* attribute(Handle handle) const {
+        return rowAt(mAttributes, handle, HandleKind::Attribute);
+    }
+    /// The type of an attribute has the row of the attribute.
+    const AttributeRow* type(Handle handle) const {
+        return rowAt(mAttributes, handle, HandleKind::Type);
+    }
+    const ContainmentRow* containment(Handle handle) const {
+        return rowAt(mContainments, handle, HandleKind::Containment);
+    }
+    /// An end of an association of either kind.
+    const EndRow* end(Handle handle) const {
+        const Handle second = handle & 1U;
+        if (const BiDirRow* const row = rowAt(mBiDirs, handle - second, HandleKind::BiDirEnd)) {
+            return &row->ends[second];
+        }
+        return rowAt(mUniDirEnds, handle, HandleKind::UniDirEnd);
+    }
+    const BiDirRow* biDir(Handle handle) const { return rowAt(mBiDirs, handle, HandleKind::BiDir); }
+    const UniDirRow* uniDir(Handle handle) const {
+        return rowAt(mUniDirs, handle, HandleKind::UniDir);
+    }
+    /// The name of what owns a block of general properties, or null.
+    const char* nameOfOwner(Handle properties) const {
+        const Handle owner = properties & ~kPropertiesBit;
+        switch (decode(owner).kind) {
+        case HandleKind::Attribute:
+            return nameOf(attribute(owner));
+        case HandleKind::Moc:
+            return nameOf(moc(owner));
+        case HandleKind::BiDirEnd:
+        case HandleKind::UniDirEnd:
+            return nameOf(end(owner));
+        default:
+            return nullptr;
+        }
+    }
 
 private:
-    bool isAttribute(RepositoryHandle handle) const;
-    bool isContainment(RepositoryHandle handle) const;
+    /// The row at the position `first` of the handle, whose `second` must be 0.
+    template <class Row>
+    static const Row* rowAt(const std::vector<Row>& rows, Handle handle, HandleKind kind) {
+        // What does not belong there makes a number that is too large: the bits of another kind,
+        // and those of `second`, which move to the top.
+        const std::uint64_t position = std::rotr(std::uint64_t{handle} - encode({kind}), 28);
+        return position < rows.size() ? &rows[position] : nullptr;
+    }
+
+    template <class Row>
+    static const char* nameOf(const Row* row) {
+        return row == nullptr ? nullptr : row->name;
+    }
+
+    void addClass(ClassIndex index);
+    void addBiDir(std::uint32_t index);
+    void addUniDir(std::uint32_t index);
+    EndRow rowOf(const AssociationEnd& end, ClassIndex owner) const;
 
     const Model& mModel;
-    std::vector<std::vector<std::uint32_t>> mBiDirs; ///< by class, in ascending order
-    std::vector<std::vector<std::uint32_t>> mUniDirs;
-    std::vector<std::optional<std::uint32_t>> mNextUniDir;             ///< by association
-    std::vector<std::vector<RepositoryHandle>> mAttributesOfBiDirEnds; ///< by association and end
-    std::vector<RepositoryHandle> mAttributesOfUniDirEnds;             ///< by association
+    std::vector<MocRow> mMocs; ///< by class
+    MocRow mAnyMoc{kAnyClassName.data(), 0, 0, 0, 0};
+    std::vector<AttributeRow> mAttributes;
+    std::vector<ContainmentRow> mContainments;
+    std::vector<BiDirRow> mBiDirs;
+    std::vector<UniDirRow> mUniDirs;
+    std::vector<EndRow> mUniDirEnds;
 };
 
 }

@@ -9,26 +9,7 @@ namespace OrvHost {
 
 namespace {
 
-bool hasName(HandleKind kind) {
-    return kind == HandleKind::Moc || kind == HandleKind::Attribute || isEnd(kind);
-}
-
-/// Returns nothing for the class that means "any class", since it is not in the model.
-const ClassDef* classAt(const RepositoryIndex& index, RepositoryHandle moc) {
-    const bool isAny = moc.first == kAnyClassPosition;
-    return isAny ? nullptr : &index.model().classes[moc.first];
-}
-
-std::optional<const char*> nameOf(const RepositoryIndex& index, RepositoryHandle owner) {
-    if (owner.kind == HandleKind::Attribute) {
-        return index.attribute(owner).name.c_str();
-    }
-    if (isEnd(owner.kind)) {
-        return index.end(owner).name.c_str();
-    }
-    const ClassDef* moc = classAt(index, owner);
-    return moc ? moc->name.c_str() : kAnyClassName.data();
-}
+using Index = RepositoryIndex;
 
 /// The flag has no meaning in this host.
 OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
@@ -47,66 +28,48 @@ OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
 }
 
 OrvReturnT getGeneralStringProperty(Handle properties, int identifier, const char** text) {
-    if (properties != 0 && !(properties & kPropertiesBit)) {
-        return currentRepositoryIndex ? OrvInvalidArgument : OrvNotActive;
+    if (currentRepositoryIndex == nullptr) {
+        return OrvNotActive;
     }
-    return answerProperty(properties & ~kPropertiesBit, &hasName, text,
-                          [identifier](const RepositoryIndex& index, RepositoryHandle owner) {
-                              return identifier == VekOamSpiMrGeneralName_4 ? nameOf(index, owner)
-                                                                            : std::nullopt;
-                          });
+    if ((properties & ~kPropertiesBit) == 0) {
+        return OrvNotExist;
+    }
+    const char* const name = (properties & kPropertiesBit) != 0
+                                 ? currentRepositoryIndex->nameOfOwner(properties)
+                                 : nullptr;
+    if (name == nullptr || text == nullptr || identifier != VekOamSpiMrGeneralName_4) {
+        return OrvInvalidArgument;
+    }
+    *text = name;
+    return OrvOk;
 }
 
 OrvReturnT getMocGeneralProperties(Handle moc, Handle* properties) {
-    return propertiesOf(moc, &isOne<HandleKind::Moc>, properties);
+    return answerProperties<&Index::moc>(moc, properties);
 }
 
 OrvReturnT getFirstAttribute(Handle moc, Handle* attribute) {
-    return answer(moc, &isOne<HandleKind::Moc>, attribute,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      const ClassDef* owner = classAt(index, parts);
-                      return elementAt(HandleKind::Attribute, parts.first, 0,
-                                       owner ? owner->attributes.size() : 0);
-                  });
+    return answerHandle<&Index::moc, &Index::MocRow::firstAttribute>(moc, attribute);
 }
 
 OrvReturnT getFirstContainment(Handle moc, Handle* containment) {
-    return answer(moc, &isOne<HandleKind::Moc>, containment,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      const ClassDef* parent = classAt(index, parts);
-                      return elementAt(HandleKind::Containment, parts.first, 0,
-                                       parent ? parent->children.size() : 0);
-                  });
+    return answerHandle<&Index::moc, &Index::MocRow::firstContainment>(moc, containment);
 }
 
 OrvReturnT getFirstBiDirAssociation(Handle moc, Handle* association) {
-    return answer(moc, &isOne<HandleKind::Moc>, association,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return handleAt(HandleKind::BiDir, index.firstBiDir(parts.first));
-                  });
+    return answerHandle<&Index::moc, &Index::MocRow::firstBiDir>(moc, association);
 }
 
 OrvReturnT getFirstUniDirAssociation(Handle moc, Handle* association) {
-    return answer(moc, &isOne<HandleKind::Moc>, association,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return handleAt(HandleKind::UniDir, index.firstUniDir(parts.first));
-                  });
+    return answerHandle<&Index::moc, &Index::MocRow::firstUniDir>(moc, association);
 }
 
 OrvReturnT getContainedMoc(Handle containment, Handle* moc) {
-    return answer(containment, &isOne<HandleKind::Containment>, moc,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      const ClassDef& parent = index.model().classes[parts.first];
-                      return handleAt(HandleKind::Moc, parent.children[parts.second]);
-                  });
+    return answerHandle<&Index::containment, &Index::ContainmentRow::moc>(containment, moc);
 }
 
 OrvReturnT getNextContainment(Handle containment, Handle* next) {
-    return answer(containment, &isOne<HandleKind::Containment>, next,
-                  [](const RepositoryIndex& index, RepositoryHandle parts) {
-                      return elementAt(HandleKind::Containment, parts.first, parts.second + 1,
-                                       index.model().classes[parts.first].children.size());
-                  });
+    return answerHandle<&Index::containment, &Index::ContainmentRow::next>(containment, next);
 }
 
 }

@@ -56,6 +56,9 @@ void ModelResolver::enterClasses() {
         const auto [known, isNew] = mModel.classByName.emplace(moc.name, index);
         if (isNew) {
             mModel.classes.push_back(moc);
+            if (moc.isTopLevel) {
+                mModel.childClasses.add(ChildClassTable::topLevel, moc.name, index);
+            }
         } else {
             mProblems.add(moc.source, {subjectOf(moc), " is defined more than once",
                                        firstPlace(mModel.classes[known->second].source), "."});
@@ -219,7 +222,11 @@ void ModelResolver::resolveContainment(const ContainmentDraft& draft) {
     }
     if (parent && child && !mModel.classes[*child].mayStandUnder(*parent)) {
         mModel.classes[*parent].children.push_back(*child);
-        mModel.classes[*child].parents.push_back(*parent);
+        ClassDef& moc = mModel.classes[*child];
+        moc.parents.push_back(*parent);
+        auto& sorted = moc.sortedParents;
+        sorted.insert(std::upper_bound(sorted.begin(), sorted.end(), *parent), *parent);
+        mModel.childClasses.add(*parent, moc.name, *child);
     }
 }
 
