@@ -23,9 +23,9 @@ bool namesItsAttribute(const Model& model, const DnStep& step) {
     return def != nullptr && def->isNaming;
 }
 
-bool isShort(const Model& model, const std::string& dn) {
+bool isShort(const Model& model, std::string_view dn) {
     // Most DNs have no "." at all, and those that have one mostly have it in a value.
-    if (dn.find('.') == std::string::npos) {
+    if (dn.find('.') == std::string_view::npos) {
         return true;
     }
     for (const DnStep step : DnView(dn).steps()) {
@@ -36,12 +36,7 @@ bool isShort(const Model& model, const std::string& dn) {
     return true;
 }
 
-}
-
-std::string shortDn(const Model& model, std::string dn) {
-    if (isShort(model, dn)) {
-        return dn;
-    }
+std::string shortened(const Model& model, std::string_view dn) {
     std::string result;
     bool isFirst = true;
     for (const DnStep step : DnView(dn).steps()) {
@@ -56,11 +51,24 @@ std::string shortDn(const Model& model, std::string dn) {
     return result;
 }
 
+}
+
+std::string shortDn(const Model& model, std::string dn) {
+    return isShort(model, dn) ? std::move(dn) : shortened(model, dn);
+}
+
+ShortDn::ShortDn(const Model& model, std::string_view dn)
+    : mGiven(dn), mChanged(isShort(model, dn) ? std::string() : shortened(model, dn)) {}
+
 void shortenReferences(const Model& model, AttributeValue& value) {
+    if (value.kind != ValueKind::MoRef && value.kind != ValueKind::Struct) {
+        return;
+    }
     for (Value& one : value.values) {
         if (value.kind == ValueKind::MoRef) {
-            if (auto* dn = std::get_if<std::string>(&one)) {
-                *dn = shortDn(model, std::move(*dn));
+            auto* dn = std::get_if<std::string>(&one);
+            if (dn != nullptr && !isShort(model, *dn)) {
+                *dn = shortened(model, *dn);
             }
         } else if (auto* whole = std::get_if<StructValue>(&one)) {
             shortenReferences(model, whole->members);

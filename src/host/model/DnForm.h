@@ -7,6 +7,7 @@
 #include "Model.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// \file
@@ -21,6 +22,19 @@ namespace OrvHost {
 /// the model does not have, or of another form are left as they are. Allocates nothing if there is
 /// nothing to change.
 std::string shortDn(const Model& model, std::string dn);
+
+/// The same for a text of somebody else: a view of that text, which is copied only if it has to
+/// change. The text must outlive the object.
+class ShortDn {
+public:
+    ShortDn(const Model& model, std::string_view dn);
+
+    operator std::string_view() const { return mChanged.empty() ? mGiven : mChanged; }
+
+private:
+    std::string_view mGiven;
+    std::string mChanged; ///< empty: the text is short as it was given
+};
 
 /// The same for all references in a value, those in structs included.
 void shortenReferences(const Model& model, AttributeValue& value);

@@ -5,9 +5,7 @@
 
 #include "model/TypeCode.h"
 
-#include <algorithm>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -56,47 +54,61 @@ const char* copyText(Orv::AutoMemory& memory, const std::string& text) {
     return copy;
 }
 
+// Into the memory that a text of the same place had before.
+void assignText(Value& value, std::string_view text) {
+    if (auto* const former = std::get_if<std::string>(&value)) {
+        former->assign(text);
+    } else {
+        value.emplace<std::string>(text);
+    }
+}
+
 }
 
 template <class Records>
-AttributeValue ContainerConversion<Records>::toValue(const Container& container) {
-    return toValue(container, 0);
+void ContainerConversion<Records>::read(const Container& container, AttributeValue& value) {
+    read(container, value, 0);
 }
 
 template <class Records>
-AttributeValue ContainerConversion<Records>::toValue(const Container& container, int depth) {
-    AttributeValue result;
-    result.kind = requireKind(container.type);
+void ContainerConversion<Records>::read(const Container& container, AttributeValue& value,
+                                        int depth) {
+    value.kind = requireKind(container.type);
     if (container.count > 0) {
         requireGiven(container.values, "an array of values");
     }
-    result.values.reserve(container.count);
+    value.values.resize(container.count);
     for (std::uint32_t at = 0; at < container.count; ++at) {
-        result.values.push_back(toValue(container.values[at], result.kind, depth));
+        read(container.values[at], value.kind, value.values[at], depth);
     }
-    return result;
 }
 
 template <class Records>
-Value ContainerConversion<Records>::toValue(const Slot& slot, ValueKind kind, int depth) {
+void ContainerConversion<Records>::read(const Slot& slot, ValueKind kind, Value& value, int depth) {
     switch (kind) {
     case ValueKind::Bool:
-        return isTrue(slot);
+        value = isTrue(slot);
+        return;
     case ValueKind::Int:
-        return slot.int64;
+        value = slot.int64;
+        return;
     case ValueKind::Uint:
-        return slot.uint64;
+        value = slot.uint64;
+        return;
     case ValueKind::Double:
-        return slot.real;
+        value = slot.real;
+        return;
     case ValueKind::MoRef:
-        return requireText(slot.moRef, "a reference");
+        assignText(value, requireText(slot.moRef, "a reference"));
+        return;
     case ValueKind::Struct:
-        return toStruct(slot.structValue, depth + 1);
+        value = toStruct(slot.structValue, depth + 1);
+        return;
     case ValueKind::Enumeration:
     case ValueKind::String:
-        break;
+        assignText(value, requireText(slot.string, "the text of a value"));
+        return;
     }
-    return requireText(slot.string, "the text of a value");
 }
 
 template <class Records>
@@ -112,11 +124,12 @@ StructValue ContainerConversion<Records>::toStruct(const Member* first, int dept
             throw HostError(OrvInvalidArgument,
                             "a struct has more than " + std::to_string(kMostMembers) + " members");
         }
-        std::string name = requireText(member->name, "the name of a struct member");
+        std::string name(requireText(member->name, "the name of a struct member"));
         const bool isGiven =
             member->value != nullptr && (member->value->type != 0 || member->value->count > 0);
         if (isGiven) {
-            result.members.emplace_back(std::move(name), toValue(*member->value, depth));
+            read(*member->value,
+                 result.members.emplace_back(std::move(name), AttributeValue()).second, depth);
         }
     }
     return result;
@@ -188,7 +201,7 @@ template class ContainerConversion<Records3>;
 std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attributes) {
     std::vector<NamedValue> values;
     for (auto** next = attributes; next != nullptr && *next != nullptr; ++next) {
-        const std::string name = requireText((*next)->name, "the name of an attribute");
+        const std::string name(requireText((*next)->name, "the name of an attribute"));
         try {
             values.emplace_back(name, ContainerConversion<Records3>::toValue((*next)->value));
         } catch (const HostError& error) {
@@ -198,56 +211,13 @@ std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attr
     return values;
 }
 
-namespace {
-
-/// A record that owns the memory of its values.
-struct OwnedContainer : OrvMoAttributeValueContainer_3 {
-    Orv::AutoMemory memory;
-};
-
-void releaseContainer(OrvMoAttributeValueContainer_3* container) {
-    delete static_cast<OwnedContainer*>(container);
-}
-
-/// The array ends with a null pointer; each record in it is an OwnedContainer.
-void releaseContainers(OrvMoAttributeValueContainer_3** containers) {
-    const std::unique_ptr<OrvMoAttributeValueContainer_3*[]> array(containers);
-    for (auto** next = containers; *next != nullptr; ++next) {
-        releaseContainer(*next);
-    }
-}
-
-std::unique_ptr<OwnedContainer> makeContainer(const AttributeValue& value) {
-    auto owned = std::make_unique<OwnedContainer>();
-    ContainerConversion<Records3>::fill(*owned, value, owned->memory);
-    return owned;
-}
-
-}
-
-OrvMoAttributeValueResult_3 makeResult(const AttributeValue& value) {
-    return {&releaseContainer, makeContainer(value).release()};
-}
-
-OrvMoAttributeValuesResult_3 makeResult(const std::vector<AttributeValue>& values) {
-    std::vector<std::unique_ptr<OwnedContainer>> owned;
-    owned.reserve(values.size());
-    for (const AttributeValue& value : values) {
-        owned.push_back(makeContainer(value));
-    }
-    auto array = std::make_unique<OrvMoAttributeValueContainer_3*[]>(values.size() + 1);
-    std::transform(owned.begin(), owned.end(), array.get(),
-                   [](std::unique_ptr<OwnedContainer>& one) { return one.release(); });
-    return {&releaseContainers, array.release()};
-}
-
 void requireGiven(const void* argument, const char* what) {
     if (argument == nullptr) {
         throw HostError(OrvInvalidArgument, std::string(what) + " is null");
     }
 }
 
-std::string requireText(const char* text, const char* what) {
+std::string_view requireText(const char* text, const char* what) {
     requireGiven(text, what);
     return text;
 }

@@ -9,7 +9,7 @@
 #include "base/HostError.h"
 #include "model/Value.h"
 
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace OrvHost {
@@ -39,14 +39,20 @@ public:
     /// The values of a record. A struct member without a record, or with type code 0 and no values,
     /// counts as not given. Throws HostError with OrvInvalidArgument for a null text or array, a
     /// type code that the host does not use, or structs nested too deep.
-    static AttributeValue toValue(const Container& container);
+    static AttributeValue toValue(const Container& container) {
+        AttributeValue value;
+        read(container, value);
+        return value;
+    }
+    /// The same; \p value keeps the memory that it has. It is in an unknown state after an error.
+    static void read(const Container& container, AttributeValue& value);
 
     /// Fills \p container; \p memory owns everything that the container points at.
     static void fill(Container& container, const AttributeValue& value, Orv::AutoMemory& memory);
 
 private:
-    static AttributeValue toValue(const Container& container, int depth);
-    static Value toValue(const Slot& slot, ValueKind kind, int depth);
+    static void read(const Container& container, AttributeValue& value, int depth);
+    static void read(const Slot& slot, ValueKind kind, Value& value, int depth);
     static StructValue toStruct(const Member* first, int depth);
     static void fill(Slot& slot, const Value& value, ValueKind kind, Orv::AutoMemory& memory);
     static Member* makeMembers(const StructValue& value, Orv::AutoMemory& memory);
@@ -55,12 +61,8 @@ private:
 /// The named values of an array that ends with a null pointer. The array itself may be null.
 std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attributes);
 
-/// Makes a result that the receiver releases.
-OrvMoAttributeValueResult_3 makeResult(const AttributeValue& value);
-OrvMoAttributeValuesResult_3 makeResult(const std::vector<AttributeValue>& values);
-
 /// The text of a pointer that must not be null; \p what names it in the error (OrvInvalidArgument).
-std::string requireText(const char* text, const char* what);
+std::string_view requireText(const char* text, const char* what);
 
 /// Refuses a null argument; \p what names it in the error (OrvInvalidArgument).
 void requireGiven(const void* argument, const char* what);

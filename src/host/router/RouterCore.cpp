@@ -3,13 +3,13 @@
 
 #include "RouterCore.h"
 
-#include "ContainerConversion.h"
 #include "model/ValueCheck.h"
 #include "store/TransactionView.h"
 #include "store/WriteCheck.h"
 
 #include <algorithm>
 #include <mutex>
+#include <shared_mutex>
 
 namespace OrvHost {
 
@@ -70,12 +70,8 @@ void completeParameters(const ActionDef& action, std::vector<NamedValue>& parame
 RouterCore::RouterCore(MoStore& store, ThreadContext& threadContext)
     : mStore(store), mThreadContext(threadContext) {}
 
-std::string RouterCore::requireDn(const char* dn) const {
-    return shortDn(mStore.model(), requireText(dn, "the DN"));
-}
-
 std::shared_ptr<RouterTransaction> RouterCore::transaction(unsigned long txHandle) const {
-    const std::shared_lock<std::shared_mutex> guard(mMutex);
+    const std::shared_lock<ReaderLock> guard(mLock);
     const auto found = mTransactions.find(txHandle);
     if (found == mTransactions.end()) {
         throw HostError(OrvNotActive,
@@ -84,8 +80,8 @@ std::shared_ptr<RouterTransaction> RouterCore::transaction(unsigned long txHandl
     return found->second;
 }
 
-IteratorHandle RouterCore::newIterator(unsigned long txHandle, const std::string& parentDn,
-                                       const std::string& className) {
+IteratorHandle RouterCore::newIterator(unsigned long txHandle, std::string_view parentDn,
+                                       std::string_view className) {
     auto iterator = std::make_shared<RouterIterator>();
     iterator->transaction = transaction(txHandle);
     iterator->cursor = iterator->transaction->store->children(parentDn, className);
@@ -157,7 +153,7 @@ AttributeValue RouterCore::action(unsigned long txHandle, const std::string& dn,
 OrvReturnT RouterCore::join(unsigned long txHandle) {
     auto joined = std::make_shared<RouterTransaction>();
     joined->store = mStore.begin(txHandle, mAuthorOf ? mAuthorOf(txHandle) : std::string());
-    const std::unique_lock<std::shared_mutex> guard(mMutex);
+    const std::unique_lock<ReaderLock> guard(mLock);
     return mTransactions.emplace(txHandle, std::move(joined)).second ? OrvOk : OrvAlreadyExist;
 }
 
@@ -205,7 +201,7 @@ OrvReturnT RouterCore::abort(unsigned long txHandle) {
 OrvReturnT RouterCore::finish(unsigned long txHandle) {
     std::shared_ptr<RouterTransaction> finished;
     {
-        const std::unique_lock<std::shared_mutex> guard(mMutex);
+        const std::unique_lock<ReaderLock> guard(mLock);
         const auto found = mTransactions.find(txHandle);
         if (found == mTransactions.end()) {
             return OrvOk; // already finished, or never joined: there is nothing to drop

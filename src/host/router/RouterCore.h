@@ -6,8 +6,10 @@
 
 #include "ActionHandler.h"
 #include "AutoMemory.h"
+#include "ContainerConversion.h"
 #include "IteratorTable.h"
 #include "base/HostError.h"
+#include "base/ReaderLock.h"
 #include "model/DnForm.h"
 #include "model/RuleCheck.h"
 #include "store/MoStore.h"
@@ -15,8 +17,8 @@
 
 #include <memory>
 #include <optional>
-#include <shared_mutex>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -26,12 +28,14 @@ namespace OrvHost {
 /// Who began a transaction, for people; empty if nobody said.
 using AuthorLookup = std::function<std::string(unsigned long txHandle)>;
 
-/// What the router keeps for one transaction, from its join to its finish.
-struct RouterTransaction {
+/// What the router keeps for one transaction, from its join to its finish. On cache lines of its
+/// own, since another thread may work in another transaction.
+struct alignas(64) RouterTransaction {
     std::unique_ptr<StoreTransaction> store;
     Orv::AutoMemory memory;                ///< the values of version 1
     std::vector<IteratorHandle> iterators; ///< all that the transaction has opened
     std::optional<RuleCost> ruleCost;      ///< of the latest validation
+    AttributeValue written;                ///< the value of the latest write: memory for the next
 };
 
 /// The router without its tables: the open transactions, the operations that need more than one
@@ -58,9 +62,10 @@ public:
         }
     }
 
-    /// The text of a DN that must not be null (OrvInvalidArgument), in the form that the store
-    /// knows: see shortDn.
-    std::string requireDn(const char* dn) const;
+    /// A DN that must not be null (OrvInvalidArgument), in the form that the store knows.
+    ShortDn requireDn(const char* dn) const {
+        return ShortDn(mStore.model(), requireText(dn, "the DN"));
+    }
     /// \p value with its references in that form, and the same for named values.
     template <class Values>
     Values withShortReferences(Values value) const {
@@ -71,8 +76,19 @@ public:
     /// The router's data of a transaction. OrvNotActive if the transaction is not known.
     std::shared_ptr<RouterTransaction> transaction(unsigned long txHandle) const;
 
-    IteratorHandle newIterator(unsigned long txHandle, const std::string& parentDn,
-                               const std::string& className);
+    /// Sets an attribute to the values of a record; \p Records: see ContainerConversion.
+    template <class Records>
+    void set(unsigned long txHandle, const char* dn, const char* attribute,
+             const typename Records::Container& value) {
+        const auto current = transaction(txHandle);
+        const std::string_view name = requireText(attribute, "the attribute name");
+        ContainerConversion<Records>::read(value, current->written);
+        shortenReferences(mStore.model(), current->written);
+        current->store->set(requireDn(dn), name, current->written);
+    }
+
+    IteratorHandle newIterator(unsigned long txHandle, std::string_view parentDn,
+                               std::string_view className);
     /// The next name, or null at the end. Valid until the next call with the same iterator.
     char* next(IteratorHandle handle);
     void finalize(IteratorHandle handle);
@@ -107,7 +123,7 @@ private:
     const RuleCheck* mRules = nullptr;
     IteratorTable mIterators;
 
-    mutable std::shared_mutex mMutex; ///< guards mTransactions
+    mutable ReaderLock mLock; ///< guards mTransactions
     std::unordered_map<unsigned long, std::shared_ptr<RouterTransaction>> mTransactions;
 };
 

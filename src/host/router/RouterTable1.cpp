@@ -4,6 +4,7 @@
 #include "RouterTable1.h"
 
 #include "ContainerConversion.h"
+#include "ResultBlock.h"
 
 #include <cstdint>
 #include <string>
@@ -32,9 +33,7 @@ OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const OrvMoAttributeValueContainer* value) {
     return mCore.answer([&] {
         requireGiven(value, "the value");
-        mCore.transaction(txHandle)->store->set(
-            mCore.requireDn(dn), {{requireText(attrName, "the attribute name"),
-                                   mCore.withShortReferences(Conversion::toValue(*value))}});
+        mCore.set<Records1>(txHandle, dn, attrName, *value);
     });
 }
 
@@ -44,9 +43,9 @@ OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(result, "the result");
         const auto current = mCore.transaction(txHandle);
-        const AttributeValue value =
-            current->store->get(mCore.requireDn(dn), requireText(attrName, "the attribute name"));
-        *result = makeContainer(value, current->memory);
+        *result = makeResult(
+            current->store->look(mCore.requireDn(dn), requireText(attrName, "the attribute name")),
+            current->memory);
     });
 }
 
@@ -92,8 +91,9 @@ OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const ch
         for (auto** next = parameters; next != nullptr && *next != nullptr; ++next) {
             values.push_back(mCore.withShortReferences(Conversion::toValue(**next)));
         }
-        const AttributeValue value = mCore.action(txHandle, mCore.requireDn(dn),
-                                                  requireText(name, "the action name"), values);
+        const AttributeValue value =
+            mCore.action(txHandle, std::string(mCore.requireDn(dn)),
+                         std::string(requireText(name, "the action name")), values);
         *result = makeContainer(value, mCore.transaction(txHandle)->memory);
     });
 }

@@ -4,8 +4,10 @@
 #include "RouterTable3.h"
 
 #include "ContainerConversion.h"
+#include "ResultBlock.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace OrvHost {
@@ -22,10 +24,7 @@ OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const OrvMoAttributeValueContainer_3* value) {
     return mCore.answer([&] {
         requireGiven(value, "the value");
-        mCore.transaction(txHandle)->store->set(
-            mCore.requireDn(dn),
-            {{requireText(attrName, "the attribute name"),
-              mCore.withShortReferences(ContainerConversion<Records3>::toValue(*value))}});
+        mCore.set<Records3>(txHandle, dn, attrName, *value);
     });
 }
 
@@ -33,7 +32,7 @@ OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName, OrvMoAttributeValueResult_3* result) {
     return mCore.answer([&] {
         requireGiven(result, "the result");
-        *result = makeResult(mCore.transaction(txHandle)->store->get(
+        *result = makeResult(mCore.transaction(txHandle)->store->look(
             mCore.requireDn(dn), requireText(attrName, "the attribute name")));
     });
 }
@@ -44,11 +43,11 @@ OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
     return mCore.answer([&] {
         requireGiven(result, "the result");
         requireGiven(attrNames, "the array of attribute names");
-        std::vector<std::string> names;
+        std::vector<std::string_view> names;
         for (const char** next = attrNames; *next != nullptr; ++next) {
             names.emplace_back(*next);
         }
-        *result = makeResult(mCore.transaction(txHandle)->store->get(mCore.requireDn(dn), names));
+        *result = makeResult(mCore.transaction(txHandle)->store->look(mCore.requireDn(dn), names));
     });
 }
 
@@ -89,8 +88,8 @@ OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const ch
                                 OrvMoAttributeValueResult_3* result) {
     return mCore.answer([&] {
         requireGiven(result, "the result");
-        *result = makeResult(mCore.action(txHandle, mCore.requireDn(dn),
-                                          requireText(name, "the action name"),
+        *result = makeResult(mCore.action(txHandle, std::string(mCore.requireDn(dn)),
+                                          std::string(requireText(name, "the action name")),
                                           mCore.withShortReferences(toNamedValues(parameters))));
     });
 }

@@ -20,6 +20,14 @@ void putNumber(std::string& out, std::uint64_t number) {
     out += static_cast<char>(number);
 }
 
+std::size_t sizeOfNumber(std::uint64_t number) {
+    std::size_t size = 1;
+    for (; number >= 0x80U; number >>= 7U) {
+        ++size;
+    }
+    return size;
+}
+
 void putText(std::string& out, std::string_view text) {
     putNumber(out, text.size());
     out += text;
@@ -31,47 +39,17 @@ std::uint64_t foldSign(std::int64_t number) {
     return (bits << 1U) ^ (number < 0 ? UINT64_MAX : 0);
 }
 
-std::int64_t unfoldSign(std::uint64_t folded) {
-    return static_cast<std::int64_t>((folded >> 1U) ^ ((folded & 1U) != 0 ? UINT64_MAX : 0));
+void putValues(std::string& out, const TypeDef& type, const AttributeValue& value);
+std::size_t sizeOf(const TypeDef& type, const AttributeValue& value);
+AttributeValue getValues(BytesReader& reader, const TypeDef& type);
+
+std::size_t positionOf(const std::vector<std::string>& all, const std::string& name) {
+    return static_cast<std::size_t>(std::find(all.begin(), all.end(), name) - all.begin());
 }
 
-/// Reads bytes from front to back.
-class Reader {
-public:
-    explicit Reader(std::string_view bytes) : mRest(bytes) {}
-
-    bool atEnd() const { return mRest.empty(); }
-    std::string_view rest() const { return mRest; }
-
-    std::uint64_t number() {
-        std::uint64_t result = 0;
-        for (unsigned shift = 0;; shift += 7) {
-            const auto byte = static_cast<unsigned char>(mRest.front());
-            mRest.remove_prefix(1);
-            result |= std::uint64_t{byte & 0x7FU} << shift;
-            if (byte < 0x80U) {
-                return result;
-            }
-        }
-    }
-    std::string_view bytes(std::size_t length) {
-        const std::string_view result = mRest.substr(0, length);
-        mRest.remove_prefix(length);
-        return result;
-    }
-    std::string_view text() { return bytes(number()); }
-
-private:
-    std::string_view mRest;
-};
-
-void putValues(std::string& out, const TypeDef& type, const AttributeValue& value);
-AttributeValue getValues(Reader& reader, const TypeDef& type);
-
-template <class Named>
-std::size_t positionOf(const std::vector<Named>& all, const std::string& name) {
+std::size_t positionOf(const std::vector<AttributeDef>& all, const std::string& name) {
     const auto found = std::find_if(all.begin(), all.end(),
-                                    [&](const Named& candidate) { return candidate.name == name; });
+                                    [&](const AttributeDef& one) { return one.name == name; });
     return static_cast<std::size_t>(found - all.begin());
 }
 
@@ -90,9 +68,7 @@ struct ValueWriter {
     }
     void operator()(const std::string& text) const {
         if (type.kind == ValueKind::Enumeration) {
-            const auto& known = type.enumerators;
-            const auto found = std::find(known.begin(), known.end(), text);
-            putNumber(out, static_cast<std::uint64_t>(found - known.begin()));
+            putNumber(out, positionOf(type.enumerators, text));
         } else {
             putText(out, text);
         }
@@ -114,13 +90,38 @@ void putValues(std::string& out, const TypeDef& type, const AttributeValue& valu
     }
 }
 
-double getDouble(Reader& reader) {
-    double number = 0;
-    std::memcpy(&number, reader.bytes(sizeof number).data(), sizeof number);
-    return number;
+/// Returns how many bytes ValueWriter writes.
+struct ValueSizer {
+    const TypeDef& type;
+
+    std::size_t operator()(bool) const { return 1; }
+    std::size_t operator()(std::int64_t number) const { return sizeOfNumber(foldSign(number)); }
+    std::size_t operator()(std::uint64_t number) const { return sizeOfNumber(number); }
+    std::size_t operator()(double) const { return sizeof(double); }
+    std::size_t operator()(const std::string& text) const {
+        return type.kind == ValueKind::Enumeration
+                   ? sizeOfNumber(positionOf(type.enumerators, text))
+                   : sizeOfNumber(text.size()) + text.size();
+    }
+    std::size_t operator()(const StructValue& value) const {
+        std::size_t sum = sizeOfNumber(value.members.size());
+        for (const NamedValue& member : value.members) {
+            const std::size_t index = positionOf(type.members, member.first);
+            sum += sizeOfNumber(index) + sizeOf(type.members[index].type, member.second);
+        }
+        return sum;
+    }
+};
+
+std::size_t sizeOf(const TypeDef& type, const AttributeValue& value) {
+    std::size_t sum = sizeOfNumber(value.values.size());
+    for (const Value& one : value.values) {
+        sum += std::visit(ValueSizer{type}, one);
+    }
+    return sum;
 }
 
-StructValue getStruct(Reader& reader, const TypeDef& type) {
+StructValue getStruct(BytesReader& reader, const TypeDef& type) {
     StructValue value;
     for (std::uint64_t count = reader.number(); count > 0; --count) {
         const AttributeDef& member = type.members[reader.number()];
@@ -129,16 +130,16 @@ StructValue getStruct(Reader& reader, const TypeDef& type) {
     return value;
 }
 
-Value getValue(Reader& reader, const TypeDef& type) {
+Value getValue(BytesReader& reader, const TypeDef& type) {
     switch (type.kind) {
     case ValueKind::Bool:
-        return reader.bytes(1).front() != 0;
+        return reader.flag();
     case ValueKind::Int:
-        return unfoldSign(reader.number());
+        return reader.signedNumber();
     case ValueKind::Uint:
         return reader.number();
     case ValueKind::Double:
-        return getDouble(reader);
+        return reader.real();
     case ValueKind::Enumeration:
         return type.enumerators[reader.number()];
     case ValueKind::Struct:
@@ -150,7 +151,7 @@ Value getValue(Reader& reader, const TypeDef& type) {
     return std::string(reader.text());
 }
 
-AttributeValue getValues(Reader& reader, const TypeDef& type) {
+AttributeValue getValues(BytesReader& reader, const TypeDef& type) {
     AttributeValue result;
     result.kind = type.kind;
     const std::uint64_t count = reader.number();
@@ -163,52 +164,116 @@ AttributeValue getValues(Reader& reader, const TypeDef& type) {
 
 /// The bytes of one attribute: those of its values, and those of the whole entry.
 struct Entry {
+    AttributeIndex index;
     std::string_view values;
     std::size_t begin;
     std::size_t end;
+
+    bool hasValues() const { return values.front() != 0; }
 };
 
-std::optional<Entry> findEntry(std::string_view bytes, AttributeIndex index) {
-    Reader reader(bytes);
+/// Calls \p take with each entry until it returns true; the entry for which it did, or nothing.
+template <class Take>
+std::optional<Entry> firstEntry(std::string_view bytes, const Take& take) {
+    BytesReader reader(bytes);
     while (!reader.atEnd()) {
         const std::size_t begin = bytes.size() - reader.rest().size();
-        const bool found = reader.number() == index;
+        const auto index = static_cast<AttributeIndex>(reader.number());
         const std::string_view values = reader.text();
-        if (found) {
-            return Entry{values, begin, bytes.size() - reader.rest().size()};
+        const Entry entry{index, values, begin, bytes.size() - reader.rest().size()};
+        if (take(entry)) {
+            return entry;
         }
     }
     return std::nullopt;
+}
+
+std::optional<Entry> findEntry(std::string_view bytes, AttributeIndex index) {
+    return firstEntry(bytes, [index](const Entry& entry) { return entry.index == index; });
+}
+
+// Adds an entry at the end.
+void putEntry(std::string& bytes, AttributeIndex index, const TypeDef& type,
+              const AttributeValue& value) {
+    const std::size_t size = sizeOf(type, value);
+    bytes.reserve(bytes.size() + sizeOfNumber(index) + sizeOfNumber(size) + size);
+    putNumber(bytes, index);
+    putNumber(bytes, size);
+    putValues(bytes, type, value);
 }
 
 }
 
 std::optional<AttributeValue> AttributeBytes::read(const ClassDef& moc, std::string_view bytes,
                                                    AttributeIndex index) {
-    const auto entry = findEntry(bytes, index);
-    if (!entry) {
-        return std::nullopt;
-    }
-    Reader reader(entry->values);
-    return getValues(reader, moc.attributes[index].type);
+    const auto values = find(bytes, index);
+    return values ? std::optional(valuesOf(moc.attributes[index].type, *values)) : std::nullopt;
+}
+
+AttributeValue AttributeBytes::valuesOf(const TypeDef& type, std::string_view values) {
+    BytesReader reader(values);
+    return getValues(reader, type);
 }
 
 void AttributeBytes::write(const ClassDef& moc, std::string& bytes, AttributeIndex index,
                            const AttributeValue& value) {
-    if (const auto entry = findEntry(bytes, index)) {
-        bytes.erase(entry->begin, entry->end - entry->begin);
+    replace(moc, bytes, index, value, false);
+}
+
+void AttributeBytes::writeChange(const ClassDef& moc, std::string& changes, AttributeIndex index,
+                                 const AttributeValue& value) {
+    replace(moc, changes, index, value, true);
+}
+
+void AttributeBytes::replace(const ClassDef& moc, std::string& bytes, AttributeIndex index,
+                             const AttributeValue& value, bool keepsEmpty) {
+    const auto former = findEntry(bytes, index);
+    const std::size_t size = bytes.size();
+    if (keepsEmpty || !value.values.empty()) {
+        try {
+            putEntry(bytes, index, moc.attributes[index].type, value);
+        } catch (...) {
+            bytes.resize(size);
+            throw;
+        }
     }
-    if (value.values.empty()) {
-        return;
+    if (former) {
+        bytes.erase(former->begin, former->end - former->begin);
     }
-    std::string values;
-    putValues(values, moc.attributes[index].type, value);
-    putNumber(bytes, index);
-    putText(bytes, values);
 }
 
 bool AttributeBytes::has(std::string_view bytes, AttributeIndex index) {
     return findEntry(bytes, index).has_value();
+}
+
+std::optional<std::string_view> AttributeBytes::find(std::string_view bytes, AttributeIndex index) {
+    const auto entry = findEntry(bytes, index);
+    return entry ? std::optional(entry->values) : std::nullopt;
+}
+
+std::optional<std::string_view>
+AttributeBytes::find(std::string_view bytes, std::string_view changes, AttributeIndex index) {
+    if (const auto changed = findEntry(changes, index)) {
+        return changed->hasValues() ? std::optional(changed->values) : std::nullopt;
+    }
+    return find(bytes, index);
+}
+
+void AttributeBytes::merge(std::string_view bytes, std::string_view changes, std::string& merged) {
+    merged.clear();
+    merged.reserve(bytes.size() + changes.size());
+    firstEntry(bytes, [&](const Entry& entry) {
+        if (!findEntry(changes, entry.index)) {
+            merged += bytes.substr(entry.begin, entry.end - entry.begin);
+        }
+        return false;
+    });
+    firstEntry(changes, [&](const Entry& entry) {
+        if (entry.hasValues()) {
+            merged += changes.substr(entry.begin, entry.end - entry.begin);
+        }
+        return false;
+    });
 }
 
 }

@@ -10,27 +10,22 @@ namespace OrvHost {
 
 namespace {
 
-std::uint64_t membershipKey(NodeId parent, ClassIndex moc) {
-    return (std::uint64_t{parent} << 32U) | moc;
-}
-
 // Claims a key that one transaction can hold. A key is either both held and listed, or neither,
-// also if memory runs out.
-template <class Key, class Listed>
+// also if memory runs out. `listedAs` says how a key that the table keeps is listed.
+template <class Key, class Listed, class ListedAs>
 std::optional<ClaimTable::Rival> claimKey(std::unordered_map<Key, TransactionId>& held,
                                           const Key& key, TransactionId transaction,
-                                          std::vector<Listed>& list, const Listed& listed) {
-    const auto found = held.find(key);
-    if (found != held.end()) {
-        return found->second == transaction
+                                          std::vector<Listed>& list, const ListedAs& listedAs) {
+    const auto [entry, isNew] = held.try_emplace(key, transaction);
+    if (!isNew) {
+        return entry->second == transaction
                    ? std::nullopt
-                   : std::optional<ClaimTable::Rival>({{found->second}, ClaimTable::Kind::Write});
+                   : std::optional<ClaimTable::Rival>({{entry->second}, ClaimTable::Kind::Write});
     }
-    list.push_back(listed);
     try {
-        held.emplace(key, transaction);
+        list.push_back(listedAs(entry->first));
     } catch (...) {
-        list.pop_back();
+        held.erase(entry);
         throw;
     }
     return std::nullopt;
@@ -103,14 +98,15 @@ std::optional<ClaimTable::Rival> ClaimTable::claimNode(ClaimSet& claims, NodeId 
 
 std::optional<ClaimTable::Rival> ClaimTable::claimName(ClaimSet& claims, const std::string& dn) {
     const std::lock_guard<std::mutex> guard(mMutex);
-    return named(claimKey(mNames, dn, claims.owner, claims.names, dn));
+    return named(claimKey(mNames, dn, claims.owner, claims.names,
+                          [](const std::string& kept) { return &kept; }));
 }
 
 std::optional<ClaimTable::Rival> ClaimTable::claimMembership(ClaimSet& claims, NodeId parent,
                                                              ClassIndex moc) {
     const std::lock_guard<std::mutex> guard(mMutex);
-    return named(claimKey(mMemberships, membershipKey(parent, moc), claims.owner,
-                          claims.memberships, std::make_pair(parent, moc)));
+    return named(claimKey(mMemberships, groupKey(parent, moc), claims.owner, claims.memberships,
+                          [](std::uint64_t kept) { return kept; }));
 }
 
 void ClaimTable::releaseNode(NodeId node, TransactionId transaction) noexcept {
@@ -135,11 +131,11 @@ void ClaimTable::release(ClaimSet& claims) noexcept {
     for (const NodeId node : claims.nodes) {
         releaseNode(node, claims.owner);
     }
-    for (const std::string& name : claims.names) {
-        mNames.erase(name);
+    for (const std::string* name : claims.names) {
+        mNames.erase(mNames.find(*name));
     }
-    for (const auto& membership : claims.memberships) {
-        mMemberships.erase(membershipKey(membership.first, membership.second));
+    for (const std::uint64_t membership : claims.memberships) {
+        mMemberships.erase(membership);
     }
     mAuthors.erase(claims.owner);
     claims.nodes.clear();

@@ -7,6 +7,7 @@
 #include "StoreTypes.h"
 #include "model/Model.h"
 
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -22,8 +23,8 @@ struct ClaimSet {
     TransactionId owner = kNoTransaction;
     std::string author; ///< who began the owner, for people; may be empty
     std::vector<NodeId> nodes;
-    std::vector<std::string> names;
-    std::vector<std::pair<NodeId, ClassIndex>> memberships;
+    std::vector<const std::string*> names;  ///< those that the table keeps
+    std::vector<std::uint64_t> memberships; ///< see groupKey
 };
 
 /// Which transaction may write what while transactions are open. A claim is refused at once if

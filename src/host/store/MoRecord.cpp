@@ -21,29 +21,4 @@ MoRecord::MoRecord(std::string_view name, std::string_view attributes) {
     attributes.copy(mBlock.get() + sizeof(Head) + name.size(), attributes.size());
 }
 
-MoRecord::Head MoRecord::head() const {
-    Head head{};
-    if (mBlock) {
-        std::memcpy(&head, mBlock.get(), sizeof(Head));
-    }
-    return head;
-}
-
-std::string_view MoRecord::name() const {
-    return mBlock ? std::string_view(mBlock.get() + sizeof(Head), head().nameLength)
-                  : std::string_view();
-}
-
-std::string_view MoRecord::attributes() const {
-    const Head sizes = head();
-    return mBlock ? std::string_view(mBlock.get() + sizeof(Head) + sizes.nameLength,
-                                     sizes.attributesLength)
-                  : std::string_view();
-}
-
-std::size_t MoRecord::size() const {
-    const Head sizes = head();
-    return mBlock ? sizeof(Head) + sizes.nameLength + sizes.attributesLength : 0;
-}
-
 }

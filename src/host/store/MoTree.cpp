@@ -11,8 +11,29 @@
 
 namespace OrvHost {
 
+namespace {
+
+// Takes `end` off the end of `text`; false if the text does not end with it.
+bool takeLast(std::string_view& text, std::string_view end) {
+    if (!text.ends_with(end)) {
+        return false;
+    }
+    text.remove_suffix(end.size());
+    return true;
+}
+
+bool takeLast(std::string_view& text, char end) {
+    if (!text.ends_with(end)) {
+        return false;
+    }
+    text.remove_suffix(1);
+    return true;
+}
+
+}
+
 MoTree::MoTree(const Model& model) : mModel(model) {
-    mNodes.emplace_back();
+    mNodes.add();
 }
 
 std::uint32_t MoTree::hashOf(std::string_view dn) {
@@ -20,23 +41,21 @@ std::uint32_t MoTree::hashOf(std::string_view dn) {
     return static_cast<std::uint32_t>(hash ^ (hash >> 32U));
 }
 
-bool MoTree::isVisible(NodeId id, CommitNumber at) const {
-    const MoNode& one = mNodes[id];
-    return one.createdAt <= at && at < one.deletedAt;
-}
-
-// Compares from the last step to the first, since nodes link to their parents.
+// Takes the steps off the end of the text, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
-    for (DnView rest(dn);; rest = rest.parent()) {
+    for (;;) {
         const MoNode& one = mNodes[id];
-        const DnStep step = rest.last();
-        if (step.value() != one.record.name() || step.type() != mModel.classes[one.moc].name) {
+        if (!takeLast(dn, one.record.name()) || !takeLast(dn, '=') ||
+            !takeLast(dn, mModel.classes[one.moc].name)) {
             return false;
         }
-        if (one.parent == kRootNode || !rest.hasParent()) {
-            return one.parent == kRootNode && !rest.hasParent();
-        }
         id = one.parent;
+        if (id == kRootNode || dn.empty()) {
+            return id == kRootNode && dn.empty();
+        }
+        if (!takeLast(dn, ',')) {
+            return false;
+        }
     }
 }
 
@@ -44,16 +63,10 @@ NodeId MoTree::find(std::string_view dn, CommitNumber at) const {
     return mIndex.find(hashOf(dn), [&](NodeId id) { return isVisible(id, at) && hasDn(id, dn); });
 }
 
-const MoRecord& MoTree::recordAt(NodeId id, CommitNumber at) const {
-    const MoNode& one = mNodes[id];
-    if (one.changedAt <= at) {
-        return one.record;
-    }
-    // Oldest first: the first record that was replaced after the snapshot is the one that it shows.
-    const std::vector<OldRecord>& older = mHistory.at(id);
-    return std::find_if(older.begin(), older.end(),
-                        [at](const OldRecord& old) { return old.replacedAt > at; })
-        ->record;
+const MoRecord& MoTree::oldRecordAt(NodeId id, CommitNumber at) const {
+    const auto history = mHistory.find(id);
+    const MoRecord* const old = history == mHistory.end() ? nullptr : history->second.find(at);
+    return old == nullptr ? mNodes[id].record : *old;
 }
 
 const ChildGroup* MoTree::findGroup(NodeId parent, ClassIndex moc) const {
@@ -125,7 +138,7 @@ void MoTree::ensureGroup(NodeId parent, ClassIndex moc) {
 
 NodeId MoTree::allocate() {
     if (mFirstFree == kNoNode) {
-        mNodes.emplace_back();
+        mNodes.add();
         return static_cast<NodeId>(mNodes.size() - 1);
     }
     const NodeId id = mFirstFree;
@@ -162,22 +175,22 @@ void MoTree::add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord r
     created.moc = moc;
     created.dnHash = dnHash;
     created.record = std::move(record);
-    apply(change, number);
+    apply(change, number, OldRecords::Drop);
 }
 
 // Everything that can fail when memory runs out happens here, before any change is visible.
-void MoTree::stage(TreeChange& change) {
+void MoTree::stage(TreeChange& change, OldRecords old) {
     stageCreated(change);
-    for (const auto& modified : change.modified) {
-        auto& older = mHistory[modified.first];
-        older.reserve(older.size() + 1);
+    const std::size_t kept = old == OldRecords::Keep ? change.modified.size() : 0;
+    for (std::size_t at = 0; at < kept; ++at) {
+        mHistory[change.modified[at].first].reserveOne();
     }
-    if (change.modified.empty() && change.deleted.empty()) {
+    if (kept == 0 && change.deleted.empty()) {
         return;
     }
     // With this memory reserved, replace and bury cannot fail.
     Garbage garbage;
-    garbage.replaced.reserve(change.modified.size());
+    garbage.replaced.reserve(kept);
     garbage.deleted.reserve(change.deleted.size());
     mGarbage.push_back(std::move(garbage));
 }
@@ -205,12 +218,14 @@ void MoTree::unstage(TreeChange& change) noexcept {
     }
 }
 
-void MoTree::replace(NodeId id, MoRecord& record, CommitNumber number) noexcept {
+void MoTree::replace(NodeId id, MoRecord& record, CommitNumber number, OldRecords old) noexcept {
     MoNode& one = mNodes[id];
-    mHistory.find(id)->second.push_back({number, std::move(one.record)});
-    one.record = std::move(record);
+    std::swap(one.record, record);
     one.changedAt = number;
-    mGarbage.back().replaced.push_back(id);
+    if (old == OldRecords::Keep) {
+        mHistory.find(id)->second.add(number, std::move(record));
+        mGarbage.back().replaced.push_back(id);
+    }
 }
 
 void MoTree::bury(NodeId id, CommitNumber number) noexcept {
@@ -224,9 +239,10 @@ void MoTree::bury(NodeId id, CommitNumber number) noexcept {
     mGarbage.back().deleted.push_back(id);
 }
 
-void MoTree::apply(TreeChange& change, CommitNumber number) {
+void MoTree::apply(TreeChange& change, CommitNumber number, OldRecords old) {
+    const std::size_t garbage = mGarbage.size();
     try {
-        stage(change);
+        stage(change, old);
     } catch (...) {
         unstage(change);
         throw;
@@ -235,12 +251,12 @@ void MoTree::apply(TreeChange& change, CommitNumber number) {
         link(created.node, number);
     }
     for (auto& modified : change.modified) {
-        replace(modified.first, modified.second, number);
+        replace(modified.first, modified.second, number, old);
     }
     for (const NodeId deleted : change.deleted) {
         bury(deleted, number);
     }
-    if (!change.modified.empty() || !change.deleted.empty()) {
+    if (mGarbage.size() > garbage) {
         mGarbage.back().number = number;
     }
 }
@@ -254,11 +270,8 @@ void MoTree::dropOldRecord(NodeId id, CommitNumber number) noexcept {
     if (found == mHistory.end()) {
         return;
     }
-    std::vector<OldRecord>& older = found->second;
-    older.erase(std::remove_if(older.begin(), older.end(),
-                               [=](const OldRecord& old) { return old.replacedAt <= number; }),
-                older.end());
-    if (older.empty()) {
+    found->second.dropUntil(number);
+    if (found->second.isEmpty()) {
         mHistory.erase(found);
     }
 }
@@ -295,7 +308,8 @@ StoreMemory MoTree::memory() const {
     sum.objects = mNodes.size() - 1 - mFreeCount;
     sum.nodes = mNodes.size() * sizeof(MoNode);
     sum.index = mIndex.bytes();
-    for (const MoNode& one : mNodes) {
+    for (std::size_t id = 0; id < mNodes.size(); ++id) {
+        const MoNode& one = mNodes[static_cast<NodeId>(id)];
         sum.records += one.record.size();
         if (one.groups) {
             // NOLINTNEXTLINE(bugprone-sizeof-container): the vector object itself takes memory, too
@@ -303,9 +317,7 @@ StoreMemory MoTree::memory() const {
         }
     }
     for (const auto& older : mHistory) {
-        for (const OldRecord& old : older.second) {
-            sum.history += sizeof(OldRecord) + old.record.size();
-        }
+        sum.history += older.second.bytes();
     }
     return sum;
 }

@@ -6,6 +6,8 @@
 
 #include "DnIndex.h"
 #include "MoRecord.h"
+#include "NodeTable.h"
+#include "RecordHistory.h"
 #include "StoreTypes.h"
 #include "model/Model.h"
 
@@ -66,7 +68,7 @@ struct TreeChange {
 /// the node, older records are in a separate history, and deleted objects keep their nodes until
 /// they are reclaimed.
 ///
-/// No lock of its own: many threads may read, or one may write (see VersionedTree). Texts that it
+/// No lock of its own: many threads may read, or one may write (see VersionedTree). Objects that it
 /// returns are valid until the next write.
 class MoTree {
 public:
@@ -77,9 +79,16 @@ public:
     /// The object with that DN in the snapshot \p at, or kNoNode. Constant time.
     NodeId find(std::string_view dn, CommitNumber at) const;
     const MoNode& node(NodeId id) const { return mNodes[id]; }
-    bool isVisible(NodeId id, CommitNumber at) const;
-    /// The record that a visible object has in the snapshot.
-    const MoRecord& recordAt(NodeId id, CommitNumber at) const;
+    bool isVisible(NodeId id, CommitNumber at) const {
+        const MoNode& one = mNodes[id];
+        return one.createdAt <= at && at < one.deletedAt;
+    }
+    /// The record that a visible object has in the snapshot. Its texts stay valid as long as a
+    /// snapshot is open that is not newer than \p at.
+    const MoRecord& recordAt(NodeId id, CommitNumber at) const {
+        const MoNode& one = mNodes[id];
+        return one.changedAt <= at ? one.record : oldRecordAt(id, at);
+    }
     /// The first visible child, or kNoNode.
     NodeId firstChild(NodeId parent, ClassIndex moc, CommitNumber at) const;
     /// The next visible sibling of the same class, or kNoNode.
@@ -92,10 +101,13 @@ public:
     /// Adds an object under \p parent. All or nothing if memory runs out.
     void add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
              CommitNumber number);
-    /// Applies a commit. All or nothing if memory runs out.
-    void apply(TreeChange& change, CommitNumber number);
+    /// Whether older snapshots will be read after a commit.
+    enum class OldRecords { Keep, Drop };
+    /// Applies a commit. All or nothing if memory runs out. Records that are to be dropped are in
+    /// \p change afterwards.
+    void apply(TreeChange& change, CommitNumber number, OldRecords old);
 
-    /// Frees what no snapshot from \p oldest on can read, but at most \p limit deleted objects.
+    /// The oldest commit that left something to reclaim; kNever if there is none.
     CommitNumber oldestGarbage() const;
     /// Frees what no snapshot from \p oldest on can read, at most about \p limit records and
     /// objects.
@@ -105,11 +117,6 @@ public:
     StoreMemory memory() const;
 
 private:
-    /// A record that was replaced, and the commit that replaced it.
-    struct OldRecord {
-        CommitNumber replacedAt;
-        MoRecord record;
-    };
     /// What is no longer needed after one commit.
     struct Garbage {
         CommitNumber number = 0;
@@ -119,29 +126,30 @@ private:
     };
 
     bool hasDn(NodeId id, std::string_view dn) const;
+    const MoRecord& oldRecordAt(NodeId id, CommitNumber at) const;
     NodeId skipInvisible(NodeId id, CommitNumber at) const;
     ChildGroup* group(NodeId parent, ClassIndex moc);
     void ensureGroup(NodeId parent, ClassIndex moc);
     NodeId allocate();
     void release(NodeId id) noexcept;
 
-    void stage(TreeChange& change);
+    void stage(TreeChange& change, OldRecords old);
     void stageCreated(TreeChange& change);
     void unstage(TreeChange& change) noexcept;
     void link(NodeId id, CommitNumber number) noexcept;
-    void replace(NodeId id, MoRecord& record, CommitNumber number) noexcept;
+    void replace(NodeId id, MoRecord& record, CommitNumber number, OldRecords old) noexcept;
     void bury(NodeId id, CommitNumber number) noexcept;
 
     void dropOldRecord(NodeId id, CommitNumber number) noexcept;
     void unlink(NodeId id) noexcept;
 
     const Model& mModel;
-    std::deque<MoNode> mNodes;   ///< a node never moves
+    NodeTable<MoNode> mNodes;
     NodeId mFirstFree = kNoNode; ///< free nodes are linked through `next`
     std::uint64_t mFreeCount = 0;
     DnIndex mIndex;
-    std::unordered_map<NodeId, std::vector<OldRecord>> mHistory; ///< oldest first
-    std::deque<Garbage> mGarbage;                                ///< oldest first
+    std::unordered_map<NodeId, RecordHistory> mHistory;
+    std::deque<Garbage> mGarbage; ///< oldest first
     std::uint64_t mLiveCount = 0;
 };
 

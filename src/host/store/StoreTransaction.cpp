@@ -15,10 +15,28 @@ namespace OrvHost {
 
 namespace {
 
-std::string placeOf(const std::string& parentDn) {
-    return parentDn.empty() ? " at the top level" : " under " + parentDn;
+// The position of an attribute that a client may set to these values.
+AttributeIndex requireSettable(const ClassDef& moc, std::string_view attribute,
+                               const AttributeValue& value) {
+    const AttributeIndex index = WriteCheck::requireAttribute(moc, attribute);
+    WriteCheck::value(moc, index, value, WriteCheck::Writer::Client);
+    return index;
 }
 
+std::string placeOf(std::string_view parentDn) {
+    return parentDn.empty() ? " at the top level" : " under " + std::string(parentDn);
+}
+
+}
+
+AttributeValue AttributeView::value() const {
+    if (def->isGivenByName()) {
+        return WriteCheck::nameValue(*moc, *def, name);
+    }
+    if (stored) {
+        return AttributeBytes::valuesOf(def->type, *stored);
+    }
+    return fallback != nullptr ? *fallback : AttributeValue{def->type.kind, {}};
 }
 
 StoreTransaction::StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims,
@@ -38,6 +56,7 @@ void StoreTransaction::end() noexcept {
     mGuard.release();
     mTree.closeSnapshot(mSnapshot);
     mOverlay.clear();
+    mFoundLast.clear();
 }
 
 void StoreTransaction::rollback() noexcept {
@@ -52,48 +71,69 @@ void StoreTransaction::requireOpen() const {
     }
 }
 
-StoreTransaction::Mo StoreTransaction::find(std::string_view dn) const {
-    if (const CreatedMo* created = mOverlay.findCreated(dn)) {
-        return {kNoNode, created};
-    }
-    const NodeId node = mTree.read([&](const MoTree& tree) { return tree.find(dn, mSnapshot); });
-    return {node == kNoNode || mOverlay.isDeleted(node) ? kNoNode : node, nullptr};
+StoreTransaction::Mo StoreTransaction::moOf(const CreatedMo& created) {
+    return {kNoNode, &created, created.moc, created.name, created.attributes};
 }
 
-StoreTransaction::Mo StoreTransaction::require(const std::string& dn) const {
+// The open snapshot keeps the record, and so the texts, when the lock on the tree is released.
+StoreTransaction::Mo StoreTransaction::moOf(const MoTree& tree, NodeId node) const {
+    const MoRecord& record = tree.recordAt(node, mSnapshot);
+    return {node, nullptr, tree.node(node).moc, record.name(), record.attributes()};
+}
+
+StoreTransaction::Mo StoreTransaction::moOf(NodeId node) const {
+    return mTree.read([&](const MoTree& tree) { return moOf(tree, node); });
+}
+
+StoreTransaction::Mo StoreTransaction::find(std::string_view dn) const {
+    if (const CreatedMo* created = mOverlay.findCreated(dn)) {
+        return moOf(*created);
+    }
+    if (dn.empty()) {
+        return {};
+    }
+    if (const Mo* found = mFoundLast.find(dn)) {
+        return *found;
+    }
+    const Mo mo = mTree.read([&](const MoTree& tree) {
+        const NodeId node = tree.find(dn, mSnapshot);
+        return node == kNoNode ? Mo() : moOf(tree, node);
+    });
+    if (!mo || mOverlay.isDeleted(mo.node)) {
+        return {};
+    }
+    mFoundLast.note(dn, mo);
+    return mo;
+}
+
+StoreTransaction::Mo StoreTransaction::require(std::string_view dn) const {
     requireOpen();
     const Mo mo = find(dn);
     if (!mo) {
-        throw HostError(OrvNotExist, "there is no object '" + dn + "'");
+        throw HostError(OrvNotExist, "there is no object '" + std::string(dn) + "'");
     }
     return mo;
 }
 
-StoreTransaction::Mo StoreTransaction::requireParent(const std::string& dn) const {
+StoreTransaction::Mo StoreTransaction::requireParent(std::string_view dn) const {
     if (dn.empty()) {
         requireOpen();
-        return {kRootNode, nullptr};
+        return {kRootNode};
     }
     return require(dn);
 }
 
-ClassIndex StoreTransaction::requireChildClass(const std::string& parentDn, const Mo& parent,
-                                               const std::string& className) const {
+ClassIndex StoreTransaction::requireChildClass(std::string_view parentDn, const Mo& parent,
+                                               std::string_view className) const {
     const ClassIndex moc = WriteCheck::requireClass(mModel, className);
     withDn(parentDn.empty() ? "top level" : parentDn,
            [&] { WriteCheck::containment(mModel, classOf(parent), moc); });
     return moc;
 }
 
-ClassIndex StoreTransaction::classIndexOf(const Mo& mo) const {
-    return mo.created != nullptr
-               ? mo.created->moc
-               : mTree.read([&](const MoTree& tree) { return tree.node(mo.node).moc; });
-}
-
 // Null for the top level.
 const ClassDef* StoreTransaction::classOf(const Mo& mo) const {
-    return mo.node == kRootNode ? nullptr : &mModel.classes[classIndexOf(mo)];
+    return mo.node == kRootNode ? nullptr : &mModel.classes[mo.moc];
 }
 
 std::string StoreTransaction::dnOf(const Mo& mo) const {
@@ -102,115 +142,99 @@ std::string StoreTransaction::dnOf(const Mo& mo) const {
                : mTree.read([&](const MoTree& tree) { return tree.dnOf(mo.node); });
 }
 
-std::string StoreTransaction::nameOf(const Mo& mo) const {
-    if (mo.created != nullptr) {
-        return mo.created->name;
-    }
-    return mTree.read(
-        [&](const MoTree& tree) { return std::string(tree.node(mo.node).record.name()); });
+std::string_view StoreTransaction::changesOf(const Mo& mo) const {
+    const std::string* const changes = mOverlay.findModified(mo.node);
+    return changes == nullptr ? std::string_view() : std::string_view(*changes);
 }
 
-std::string StoreTransaction::attributesOf(const Mo& mo) const {
-    if (mo.created != nullptr) {
-        return mo.created->attributes;
-    }
-    if (const std::string* modified = mOverlay.findModified(mo.node)) {
-        return *modified;
-    }
-    return committedAttributes(mo.node);
-}
-
-std::string StoreTransaction::committedAttributes(NodeId node) const {
-    return mTree.read([&](const MoTree& tree) {
-        return std::string(tree.recordAt(node, mSnapshot).attributes());
-    });
-}
-
-bool StoreTransaction::exists(const std::string& dn) const {
+bool StoreTransaction::exists(std::string_view dn) const {
     requireOpen();
     return static_cast<bool>(find(dn));
 }
 
-const ClassDef& StoreTransaction::classOf(const std::string& dn) const {
+const ClassDef& StoreTransaction::classOf(std::string_view dn) const {
     return *classOf(require(dn));
 }
 
-AttributeValue StoreTransaction::valueOf(const Mo& mo, const std::string& attributes,
-                                         const std::string& name) const {
-    const ClassDef& moc = *classOf(mo);
-    const AttributeIndex index = WriteCheck::requireAttribute(moc, name);
-    const AttributeDef& def = moc.attributes[index];
-    if (def.isGivenByName()) {
-        return WriteCheck::nameValue(moc, def, nameOf(mo));
-    }
-    if (auto value = AttributeBytes::read(moc, attributes, index)) {
-        return std::move(*value);
-    }
-    const bool isDefault =
-        def.defaultValue &&
-        (!def.isConditional || WriteCheck::isDefaultInUse(moc, def.name, attributes));
-    return isDefault ? *def.defaultValue : AttributeValue{def.type.kind, {}};
+bool StoreTransaction::isDefaultInUse(const Mo& mo, const AttributeDef& def) const {
+    return !def.isConditional ||
+           WriteCheck::isDefaultInUse(*classOf(mo), def.name, mo.attributes, changesOf(mo));
 }
 
-AttributeValue StoreTransaction::get(const std::string& dn, const std::string& attribute) const {
+AttributeView StoreTransaction::look(const Mo& mo, std::string_view attribute) const {
+    const ClassDef& moc = *classOf(mo);
+    const AttributeIndex index = WriteCheck::requireAttribute(moc, attribute);
+    const AttributeDef& def = moc.attributes[index];
+    const auto stored = AttributeBytes::find(mo.attributes, changesOf(mo), index);
+    const bool hasFallback = !stored && def.defaultValue && isDefaultInUse(mo, def);
+    return {&moc, &def, stored, mo.name, hasFallback ? &*def.defaultValue : nullptr};
+}
+
+AttributeView StoreTransaction::look(std::string_view dn, std::string_view attribute) const {
     const Mo mo = require(dn);
-    return withDn(dn, [&] { return valueOf(mo, attributesOf(mo), attribute); });
+    return withDn(dn, [&] { return look(mo, attribute); });
+}
+
+std::vector<AttributeView>
+StoreTransaction::look(std::string_view dn, const std::vector<std::string_view>& attributes) const {
+    const Mo mo = require(dn);
+    std::vector<AttributeView> views;
+    views.reserve(attributes.size());
+    for (const std::string_view attribute : attributes) {
+        views.push_back(withDn(dn, [&] { return look(mo, attribute); }));
+    }
+    return views;
 }
 
 std::vector<AttributeValue>
-StoreTransaction::get(const std::string& dn, const std::vector<std::string>& attributes) const {
-    const Mo mo = require(dn);
-    const std::string bytes = attributesOf(mo);
+StoreTransaction::get(std::string_view dn, const std::vector<std::string>& attributes) const {
     std::vector<AttributeValue> values;
-    values.reserve(attributes.size());
-    for (const std::string& attribute : attributes) {
-        values.push_back(withDn(dn, [&] { return valueOf(mo, bytes, attribute); }));
+    for (const AttributeView& view : look(dn, {attributes.begin(), attributes.end()})) {
+        values.push_back(view.value());
     }
     return values;
 }
 
-std::vector<NamedValue> StoreTransaction::stored(const std::string& dn) const {
+std::vector<NamedValue> StoreTransaction::stored(std::string_view dn) const {
     const Mo mo = require(dn);
     const ClassDef& moc = *classOf(mo);
-    const std::string bytes = attributesOf(mo);
     std::vector<NamedValue> values;
     for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
-        if (auto value = AttributeBytes::read(moc, bytes, index)) {
-            values.emplace_back(moc.attributes[index].name, std::move(*value));
+        if (const auto value = AttributeBytes::find(mo.attributes, changesOf(mo), index)) {
+            const AttributeDef& def = moc.attributes[index];
+            values.emplace_back(def.name, AttributeBytes::valuesOf(def.type, *value));
         }
     }
     return values;
 }
 
-std::uint64_t StoreTransaction::count(const std::string& parentDn,
-                                      const std::string& className) const {
+std::uint64_t StoreTransaction::count(std::string_view parentDn, std::string_view className) const {
     const Mo parent = requireParent(parentDn);
     return countOf(parentDn, parent, requireChildClass(parentDn, parent, className));
 }
 
-std::uint64_t StoreTransaction::countOf(const std::string& parentDn, const Mo& parent,
+// The children of one class that the transaction created, or null.
+const TransactionOverlay::Group* StoreTransaction::createdChildren(std::string_view parentDn,
+                                                                   ClassIndex moc) const {
+    return mOverlay.created().empty()
+               ? nullptr
+               : mOverlay.findGroup(DnView(parentDn).childPrefix(mModel.classes[moc].name));
+}
+
+std::uint64_t StoreTransaction::countOf(std::string_view parentDn, const Mo& parent,
                                         ClassIndex moc) const {
-    const auto* created =
-        mOverlay.findGroup(DnView(parentDn).childPrefix(mModel.classes[moc].name));
-    std::uint64_t count = created == nullptr ? 0 : created->count;
+    const auto* created = createdChildren(parentDn, moc);
+    const std::uint64_t count = created == nullptr ? 0 : created->count;
     if (parent.node == kNoNode) {
         return count;
     }
-    mTree.read([&](const MoTree& tree) {
-        if (mOverlay.deleted().empty()) {
-            count += tree.countChildren(parent.node, moc, mSnapshot);
-            return;
-        }
-        for (NodeId id = tree.firstChild(parent.node, moc, mSnapshot); id != kNoNode;
-             id = tree.nextSibling(id, mSnapshot)) {
-            count += mOverlay.isDeleted(id) ? 0 : 1;
-        }
-    });
-    return count;
+    const std::uint64_t committed = mTree.read(
+        [&](const MoTree& tree) { return tree.countChildren(parent.node, moc, mSnapshot); });
+    return count + committed - mOverlay.deletedCount(parent.node, moc);
 }
 
-ChildCursor StoreTransaction::children(const std::string& parentDn,
-                                       const std::string& className) const {
+ChildCursor StoreTransaction::children(std::string_view parentDn,
+                                       std::string_view className) const {
     const Mo parent = requireParent(parentDn);
     ChildCursor cursor;
     cursor.mMoc = requireChildClass(parentDn, parent, className);
@@ -231,12 +255,11 @@ bool StoreTransaction::nextCommitted(ChildCursor& cursor, std::string& name) con
         return false;
     }
     return mTree.read([&](const MoTree& tree) {
-        NodeId id = cursor.mPosition == kNoNode
-                        ? tree.firstChild(cursor.mParent, cursor.mMoc, mSnapshot)
-                        : tree.nextSibling(cursor.mPosition, mSnapshot);
-        while (id != kNoNode && mOverlay.isDeleted(id)) {
-            id = tree.nextSibling(id, mSnapshot);
-        }
+        const auto nextOf = [&](NodeId node) { return tree.nextSibling(node, mSnapshot); };
+        const NodeId id = mOverlay.skipDeleted(
+            cursor.mPosition == kNoNode ? tree.firstChild(cursor.mParent, cursor.mMoc, mSnapshot)
+                                        : nextOf(cursor.mPosition),
+            nextOf);
         cursor.mCommittedDone = id == kNoNode;
         cursor.mPosition = id;
         if (id != kNoNode) {
@@ -257,20 +280,54 @@ bool StoreTransaction::nextCreated(ChildCursor& cursor, std::string& name) const
     return false;
 }
 
-void StoreTransaction::set(const std::string& dn, const std::vector<NamedValue>& values) {
-    const Mo mo = require(dn);
-    std::string bytes = attributesOf(mo);
-    withDn(dn, [&] { WriteCheck::apply(*classOf(mo), values, WriteCheck::Writer::Client, bytes); });
+void StoreTransaction::write(const Mo& mo, AttributeIndex index, const AttributeValue& value) {
+    const ClassDef& moc = *classOf(mo);
     if (mo.created != nullptr) {
-        mOverlay.findCreated(dn)->attributes = std::move(bytes);
-        return;
+        AttributeBytes::write(moc, mOverlay.attributesOf(*mo.created), index, value);
+    } else {
+        AttributeBytes::writeChange(moc, mOverlay.modify(mo.node), index, value);
     }
-    mGuard.claimWrite(mo.node);
-    mOverlay.setModified(mo.node, std::move(bytes));
 }
 
-void StoreTransaction::create(const std::string& parentDn, const std::string& className,
-                              const std::string& namingAttribute, const std::string& name,
+// A committed object that this transaction has changed is claimed already.
+void StoreTransaction::claimWrite(const Mo& mo) {
+    if (mo.created == nullptr && mOverlay.findModified(mo.node) == nullptr) {
+        mGuard.claimWrite(mo.node);
+    }
+}
+
+void StoreTransaction::set(std::string_view dn, std::string_view attribute,
+                           const AttributeValue& value) {
+    const Mo mo = require(dn);
+    const AttributeIndex index =
+        withDn(dn, [&] { return requireSettable(*classOf(mo), attribute, value); });
+    claimWrite(mo);
+    write(mo, index, value);
+}
+
+void StoreTransaction::set(std::string_view dn, const std::vector<NamedValue>& values) {
+    const Mo mo = require(dn);
+    std::vector<AttributeIndex> indexes;
+    withDn(dn, [&] {
+        WriteCheck::noDoubles(values);
+        for (const NamedValue& named : values) {
+            indexes.push_back(requireSettable(*classOf(mo), named.first, named.second));
+        }
+    });
+    claimWrite(mo);
+    // On a copy, so that all are set or none.
+    std::string bytes(mo.created != nullptr ? mo.attributes : changesOf(mo));
+    const auto put = mo.created != nullptr ? &AttributeBytes::write : &AttributeBytes::writeChange;
+    for (std::size_t at = 0; at < values.size(); ++at) {
+        put(*classOf(mo), bytes, indexes[at], values[at].second);
+    }
+    std::string& place =
+        mo.created != nullptr ? mOverlay.attributesOf(*mo.created) : mOverlay.modify(mo.node);
+    place = std::move(bytes);
+}
+
+void StoreTransaction::create(std::string_view parentDn, std::string_view className,
+                              std::string_view namingAttribute, std::string_view name,
                               const std::vector<NamedValue>& values) {
     const Mo parent = requireParent(parentDn);
     const ClassIndex index = requireChildClass(parentDn, parent, className);
@@ -278,23 +335,21 @@ void StoreTransaction::create(const std::string& parentDn, const std::string& cl
     const AttributeDef* naming = moc.findAttribute(namingAttribute);
     if (naming == nullptr || !naming->isNaming) {
         throw HostError(OrvInvalidArgument,
-                        "objects of class '" + className + "' are named by the attribute '" +
-                            moc.namingAttribute + "', not '" + namingAttribute + "'");
+                        "objects of class '" + moc.name + "' are named by the attribute '" +
+                            moc.namingAttribute + "', not '" + std::string(namingAttribute) + "'");
     }
-    WriteCheck::name(moc, name);
-    const std::string dn = DnView(parentDn).child(className, name);
-    if (find(dn)) {
-        throw HostError(OrvAlreadyExist, "there is an object '" + dn + "' already");
-    }
-    std::string bytes = withDn(
-        dn, [&] { return WriteCheck::initial(moc, name, values, WriteCheck::Writer::Client); });
-    claimPlace(parentDn, parent, index, dn);
-
     CreatedMo created;
-    created.dn = dn;
-    created.moc = index;
     created.name = name;
-    created.attributes = std::move(bytes);
+    WriteCheck::name(moc, created.name);
+    created.dn = DnView(parentDn).child(className, name);
+    if (find(created.dn)) {
+        throw HostError(OrvAlreadyExist, "there is an object '" + created.dn + "' already");
+    }
+    created.attributes = withDn(created.dn, [&] {
+        return WriteCheck::initial(moc, created.name, values, WriteCheck::Writer::Client);
+    });
+    claimPlace(parentDn, parent, index, created.dn);
+    created.moc = index;
     created.parentNode = parent.node;
     created.parentCreated = parent.created;
     mOverlay.addCreated(std::move(created));
@@ -302,7 +357,7 @@ void StoreTransaction::create(const std::string& parentDn, const std::string& cl
 
 // No other transaction can create objects under a parent that this transaction created, so nothing
 // needs to be claimed there.
-void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent, ClassIndex moc,
+void StoreTransaction::claimPlace(std::string_view parentDn, const Mo& parent, ClassIndex moc,
                                   const std::string& dn) {
     claimMembership(parentDn, parent, moc);
     if (parent.created != nullptr) {
@@ -316,7 +371,7 @@ void StoreTransaction::claimPlace(const std::string& parentDn, const Mo& parent,
 
 // A bound on the number of children applies to the result of all transactions together, so two
 // transactions must not change the number at the same time.
-void StoreTransaction::claimMembership(const std::string& parentDn, const Mo& parent,
+void StoreTransaction::claimMembership(std::string_view parentDn, const Mo& parent,
                                        ClassIndex moc) {
     if (mModel.classes[moc].instances.containAll()) {
         return;
@@ -325,50 +380,56 @@ void StoreTransaction::claimMembership(const std::string& parentDn, const Mo& pa
         mGuard.claimMembership(parent.node, moc,
                                "'" + mModel.classes[moc].name + "' objects" + placeOf(parentDn));
     }
-    mOverlay.noteMembers(parentDn, moc);
+    mOverlay.noteMembers(std::string(parentDn), moc);
 }
 
 bool StoreTransaction::isDeletedHere(const std::string& dn) const {
+    if (mOverlay.deleted().empty()) {
+        return false;
+    }
     const NodeId node = mTree.read([&](const MoTree& tree) { return tree.find(dn, mSnapshot); });
     return node != kNoNode && mOverlay.isDeleted(node);
 }
 
-void StoreTransaction::remove(const std::string& dn) {
+void StoreTransaction::remove(std::string_view dn) {
     const Mo mo = require(dn);
-    const std::string parentDn(DnView(dn).parent().text());
-    claimMembership(parentDn, requireParent(parentDn), classIndexOf(mo));
+    const std::string_view parentDn = DnView(dn).parent().text();
+    const Mo parent = requireParent(parentDn);
+    claimMembership(parentDn, parent, mo.moc);
 
-    std::vector<Mo> all{mo};
+    std::vector<Doomed> all{{mo.node, mo.created, parent.node, mo.moc}};
     for (std::size_t at = 0; at < all.size(); ++at) {
-        const Mo next = all[at];
+        const Doomed next = all[at];
         if (next.created == nullptr) {
             mGuard.claimDelete(next.node);
         }
         appendChildren(next, all);
     }
+    mFoundLast.clear();
     // Children before their parents.
     for (auto next = all.rbegin(); next != all.rend(); ++next) {
         if (next->created == nullptr) {
-            mOverlay.markDeleted(next->node);
+            mOverlay.markDeleted(next->node, next->parent, next->moc);
         } else {
-            mOverlay.dropCreated(mOverlay.findCreated(next->created->dn));
+            mOverlay.dropCreated(*next->created);
         }
     }
 }
 
-void StoreTransaction::appendChildren(const Mo& mo, std::vector<Mo>& all) const {
-    const std::string dn = mOverlay.created().empty() ? std::string() : dnOf(mo);
-    for (const ClassIndex moc : classOf(mo)->children) {
+void StoreTransaction::appendChildren(const Doomed& mo, std::vector<Doomed>& all) const {
+    const bool hasCreated = !mOverlay.created().empty();
+    const std::string dn = hasCreated ? dnOf({mo.node, mo.created}) : std::string();
+    for (const ClassIndex moc : mModel.classes[mo.moc].children) {
         if (mo.created == nullptr) {
-            appendCommittedChildren(mo, moc, all);
+            appendCommittedChildren(mo.node, moc, all);
         }
-        const auto* created = mOverlay.findGroup(DnView(dn).childPrefix(mModel.classes[moc].name));
+        const auto* created = createdChildren(dn, moc);
         if (created == nullptr) {
             continue;
         }
         for (const CreatedMo* child : created->members) {
             if (child != nullptr) {
-                all.push_back({kNoNode, child});
+                all.push_back({kNoNode, child, kNoNode, moc});
             }
         }
     }
@@ -377,15 +438,15 @@ void StoreTransaction::appendChildren(const Mo& mo, std::vector<Mo>& all) const 
 // All children that exist in the snapshot or in the latest commit. A child that was committed later
 // is not visible here, but would lose its parent; a child that was deleted later is still visible
 // here. Claiming either of them reports the conflict.
-void StoreTransaction::appendCommittedChildren(const Mo& mo, ClassIndex moc,
-                                               std::vector<Mo>& all) const {
+void StoreTransaction::appendCommittedChildren(NodeId parent, ClassIndex moc,
+                                               std::vector<Doomed>& all) const {
     mTree.read([&](const MoTree& tree) {
-        const ChildGroup* group = tree.findGroup(mo.node, moc);
+        const ChildGroup* group = tree.findGroup(parent, moc);
         for (NodeId id = group == nullptr ? kNoNode : group->first; id != kNoNode;
              id = tree.node(id).next) {
             const bool counts = tree.isVisible(id, mSnapshot) || tree.isVisible(id, kLatest);
             if (counts && !mOverlay.isDeleted(id)) {
-                all.push_back({id, nullptr});
+                all.push_back({id, nullptr, parent, moc});
             }
         }
     });
@@ -398,7 +459,7 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
         violations.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" +
                              moc.name + "' has no value");
     }
-    checkConditions({kNoNode, &mo}, mo.attributes, violations);
+    checkConditions(moOf(mo), violations);
     for (const ClassIndex child : moc.children) {
         if (mModel.classes[child].instances.lower > 0) {
             checkMembers(mo.dn, child, violations);
@@ -408,25 +469,26 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
 
 // Only here and never at a single set: the way from one case to another leads through none, or
 // through both.
-void StoreTransaction::checkConditions(const Mo& mo, const std::string& attributes,
-                                       std::vector<std::string>& violations) const {
-    const ClassIndex index = classIndexOf(mo);
-    const ClassDef& moc = mModel.classes[index];
-    for (const std::string& wrong : WriteCheck::wrongChoices(moc, attributes)) {
+void StoreTransaction::checkConditions(const Mo& mo, std::vector<std::string>& violations) const {
+    const ClassDef& moc = *classOf(mo);
+    const std::string_view changes = changesOf(mo);
+    for (const std::string& wrong : WriteCheck::wrongChoices(moc, mo.attributes, changes)) {
         violations.push_back(dnOf(mo) + ": " + wrong);
     }
     const auto valuesOf = [&](const std::string& name) {
-        const auto found = AttributeBytes::read(moc, attributes, *moc.findAttributeIndex(name));
-        return found.value_or(AttributeValue{ValueKind::MoRef, {}});
+        const AttributeIndex index = *moc.findAttributeIndex(name);
+        const auto found = AttributeBytes::find(mo.attributes, changes, index);
+        return found ? AttributeBytes::valuesOf(moc.attributes[index].type, *found)
+                     : AttributeValue{ValueKind::MoRef, {}};
     };
-    for (const std::string& wrong : tooFewReferences(mModel, index, valuesOf)) {
+    for (const std::string& wrong : tooFewReferences(mModel, mo.moc, valuesOf)) {
         violations.push_back(dnOf(mo) + ": " + wrong);
     }
 }
 
-void StoreTransaction::checkMembers(const std::string& parentDn, ClassIndex moc,
+void StoreTransaction::checkMembers(std::string_view parentDn, ClassIndex moc,
                                     std::vector<std::string>& violations) const {
-    const Mo parent = parentDn.empty() ? Mo{kRootNode, nullptr} : find(parentDn);
+    const Mo parent = parentDn.empty() ? Mo{kRootNode} : find(parentDn);
     if (!parent) {
         return; // deleted by this transaction, together with its children
     }
@@ -450,8 +512,8 @@ std::vector<std::string> StoreTransaction::check() const {
             checkCreated(*mo, violations);
         }
     }
-    for (const auto& [node, attributes] : mOverlay.modified()) {
-        checkConditions({node, nullptr}, attributes, violations);
+    for (const auto& [node, changes] : mOverlay.modified()) {
+        checkConditions(moOf(node), violations);
     }
     for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
         checkMembers(parentDn, moc, violations);
@@ -479,18 +541,20 @@ ChangeSet StoreTransaction::changes() const {
     all.transaction = id();
     all.author = author();
     for (const NodeId node : mOverlay.deleted()) {
-        all.objects.push_back(
-            describe(Kind::Deleted, {node, nullptr}, committedAttributes(node), {}));
+        const Mo mo = moOf(node);
+        all.objects.push_back(describe(Kind::Deleted, mo, mo.attributes, {}));
     }
     for (const CreatedMo* mo : mOverlay.created()) {
         if (mo != nullptr) {
-            all.objects.push_back(describe(Kind::Created, {kNoNode, mo}, {}, mo->attributes));
+            all.objects.push_back(describe(Kind::Created, moOf(*mo), {}, mo->attributes));
         }
     }
     const std::size_t firstChanged = all.objects.size();
-    for (const auto& [node, attributes] : mOverlay.modified()) {
-        ObjectChange changed =
-            describe(Kind::Changed, {node, nullptr}, committedAttributes(node), attributes);
+    std::string merged;
+    for (const auto& [node, changes] : mOverlay.modified()) {
+        const Mo mo = moOf(node);
+        AttributeBytes::merge(mo.attributes, changes, merged);
+        ObjectChange changed = describe(Kind::Changed, mo, mo.attributes, merged);
         if (!changed.attributes.empty()) {
             all.objects.push_back(std::move(changed));
         }
@@ -502,7 +566,7 @@ ChangeSet StoreTransaction::changes() const {
 
 // `before` and `after` as AttributeBytes.
 ObjectChange StoreTransaction::describe(ObjectChange::Kind kind, const Mo& mo,
-                                        const std::string& before, const std::string& after) const {
+                                        std::string_view before, std::string_view after) const {
     const ClassDef& moc = *classOf(mo);
     ObjectChange change{kind, dnOf(mo), moc.name, {}};
     for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
@@ -533,9 +597,12 @@ TreeChange StoreTransaction::makeChange() const {
         created.dnHash = MoTree::hashOf(mo->dn);
         created.record = MoRecord(mo->name, mo->attributes);
     }
-    for (const auto& modified : mOverlay.modified()) {
-        change.modified.emplace_back(modified.first,
-                                     MoRecord(nameOf({modified.first, nullptr}), modified.second));
+    change.modified.reserve(mOverlay.modified().size());
+    std::string merged;
+    for (const auto& [node, changes] : mOverlay.modified()) {
+        const Mo mo = moOf(node);
+        AttributeBytes::merge(mo.attributes, changes, merged);
+        change.modified.emplace_back(node, MoRecord(mo.name, merged));
     }
     change.deleted = mOverlay.deleted();
     return change;

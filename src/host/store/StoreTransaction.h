@@ -12,7 +12,10 @@
 #include "base/HostError.h"
 #include "model/Model.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +31,22 @@ class ChildCursor {
     bool mCommittedDone = false;
     std::string mPrefix; ///< prefix of the DNs of the children that the transaction created
     std::size_t mCreatedIndex = 0;
+};
+
+/// What a transaction sees in one attribute of an object, without a copy. Valid until the
+/// transaction writes or ends.
+struct AttributeView {
+    const ClassDef* moc = nullptr;
+    const AttributeDef* def = nullptr;
+    /// The values that were set, to be read with AttributeBytes or BytesReader; nothing if none.
+    std::optional<std::string_view> stored{};
+    std::string_view name{}; ///< the name of the object
+    /// The values that apply if none were set; null if there are none.
+    const AttributeValue* fallback = nullptr;
+
+    /// The values of the attribute: what the object's name gives, or what was set, or else the
+    /// default, or else no values. A default in a case of a choice applies if the case is taken.
+    AttributeValue value() const;
 };
 
 /// One transaction over an MoStore. All DNs are internal.
@@ -54,37 +73,42 @@ public:
     const std::string& conflict() const { return mGuard.conflict(); }
 
     /// False also for a text that is not a DN.
-    bool exists(const std::string& dn) const;
+    bool exists(std::string_view dn) const;
     /// The class of an object.
-    const ClassDef& classOf(const std::string& dn) const;
-    /// The value of an attribute: what was set, or else the default, or else no values. A default
-    /// in a case of a choice applies if the case is taken.
-    AttributeValue get(const std::string& dn, const std::string& attribute) const;
-    std::vector<AttributeValue> get(const std::string& dn,
+    const ClassDef& classOf(std::string_view dn) const;
+    AttributeView look(std::string_view dn, std::string_view attribute) const;
+    std::vector<AttributeView> look(std::string_view dn,
+                                    const std::vector<std::string_view>& attributes) const;
+    /// The value of an attribute, see AttributeView::value.
+    AttributeValue get(std::string_view dn, std::string_view attribute) const {
+        return look(dn, attribute).value();
+    }
+    std::vector<AttributeValue> get(std::string_view dn,
                                     const std::vector<std::string>& attributes) const;
     /// The values that were set, in the order of the class's definition, without those that the
     /// name gives and without defaults.
-    std::vector<NamedValue> stored(const std::string& dn) const;
+    std::vector<NamedValue> stored(std::string_view dn) const;
     /// The number of children of one class; \p parentDn empty: at the top level. Constant time,
-    /// unless these children have changed since the transaction began or it has deleted objects.
-    std::uint64_t count(const std::string& parentDn, const std::string& className) const;
+    /// unless these children have changed since the transaction began.
+    std::uint64_t count(std::string_view parentDn, std::string_view className) const;
     /// Opens a walk over the children of one class; \p parentDn empty: at the top level.
-    ChildCursor children(const std::string& parentDn, const std::string& className) const;
+    ChildCursor children(std::string_view parentDn, std::string_view className) const;
     /// Writes the naming value of the next child to \p name; false at the end. The transaction may
     /// write during the walk: children that are deleted before the walk reaches them are left out,
     /// children that are created during the walk come at the end, each once.
     bool next(ChildCursor& cursor, std::string& name) const;
 
-    /// Sets attributes of one object, all or none. An attribute that is set to no values becomes
-    /// unset.
-    void set(const std::string& dn, const std::vector<NamedValue>& values);
+    /// Sets an attribute of an object. An attribute that is set to no values becomes unset.
+    void set(std::string_view dn, std::string_view attribute, const AttributeValue& value);
+    /// Sets attributes of one object, all or none.
+    void set(std::string_view dn, const std::vector<NamedValue>& values);
     /// Creates a child of \p parentDn (empty: at the top level) with its attributes. \p
     /// namingAttribute can also be the own name of a single key.
-    void create(const std::string& parentDn, const std::string& className,
-                const std::string& namingAttribute, const std::string& name,
+    void create(std::string_view parentDn, std::string_view className,
+                std::string_view namingAttribute, std::string_view name,
                 const std::vector<NamedValue>& values);
     /// Deletes an object with its subtree.
-    void remove(const std::string& dn);
+    void remove(std::string_view dn);
 
     /// What a commit would change.
     ChangeSet changes() const;
@@ -98,46 +122,92 @@ public:
 
 private:
     /// An object as this transaction sees it: a committed one, or one that this transaction
-    /// created.
+    /// created. The texts are valid until the transaction writes or ends.
     struct Mo {
         NodeId node = kNoNode;
         const CreatedMo* created = nullptr;
+        ClassIndex moc = 0;
+        std::string_view name{};
+        /// As AttributeBytes; of a committed object without the changes of this transaction.
+        std::string_view attributes{};
+
         explicit operator bool() const { return node != kNoNode || created != nullptr; }
     };
 
+    /// The committed objects that were found last: a client asks for the same ones again and again.
+    class FoundLast {
+    public:
+        /// Null if it is not among them.
+        const Mo* find(std::string_view dn) const {
+            const Entry& entry = mEntries[placeOf(dn)];
+            return entry.dn == dn ? &entry.mo : nullptr;
+        }
+        void note(std::string_view dn, const Mo& mo) {
+            Entry& entry = mEntries[placeOf(dn)];
+            entry.dn.clear(); // matches nothing, should there be no memory
+            entry.mo = mo;
+            entry.dn = dn;
+        }
+        void clear() { mEntries = {}; }
+
+    private:
+        struct Entry {
+            std::string dn; ///< empty: none
+            Mo mo;
+        };
+        static constexpr std::size_t kPlaces = 8;
+        /// DNs of neighbours differ in their last characters and in their length.
+        static std::size_t placeOf(std::string_view dn) {
+            return (dn.size() + static_cast<unsigned char>(dn.back())) % kPlaces;
+        }
+
+        std::array<Entry, kPlaces> mEntries;
+    };
+
     void requireOpen() const;
+    static Mo moOf(const CreatedMo& created);
+    Mo moOf(const MoTree& tree, NodeId node) const;
+    /// A committed object.
+    Mo moOf(NodeId node) const;
     Mo find(std::string_view dn) const;
-    Mo require(const std::string& dn) const;
-    Mo requireParent(const std::string& dn) const;
-    ClassIndex requireChildClass(const std::string& parentDn, const Mo& parent,
-                                 const std::string& className) const;
-    ClassIndex classIndexOf(const Mo& mo) const;
+    Mo require(std::string_view dn) const;
+    Mo requireParent(std::string_view dn) const;
+    ClassIndex requireChildClass(std::string_view parentDn, const Mo& parent,
+                                 std::string_view className) const;
     const ClassDef* classOf(const Mo& mo) const;
     std::string dnOf(const Mo& mo) const;
-    std::string nameOf(const Mo& mo) const;
-    std::string attributesOf(const Mo& mo) const;
-    AttributeValue valueOf(const Mo& mo, const std::string& attributes,
-                           const std::string& name) const;
-    std::uint64_t countOf(const std::string& parentDn, const Mo& parent, ClassIndex moc) const;
+    std::string_view changesOf(const Mo& mo) const;
+    AttributeView look(const Mo& mo, std::string_view attribute) const;
+    bool isDefaultInUse(const Mo& mo, const AttributeDef& def) const;
+    void claimWrite(const Mo& mo);
+    void write(const Mo& mo, AttributeIndex index, const AttributeValue& value);
+    std::uint64_t countOf(std::string_view parentDn, const Mo& parent, ClassIndex moc) const;
+    const TransactionOverlay::Group* createdChildren(std::string_view parentDn,
+                                                     ClassIndex moc) const;
     bool nextCommitted(ChildCursor& cursor, std::string& name) const;
     bool nextCreated(ChildCursor& cursor, std::string& name) const;
 
-    void claimPlace(const std::string& parentDn, const Mo& parent, ClassIndex moc,
+    /// An object that is to be deleted.
+    struct Doomed {
+        NodeId node = kNoNode;
+        const CreatedMo* created = nullptr;
+        NodeId parent = kNoNode; ///< of a committed object
+        ClassIndex moc = 0;
+    };
+    void claimPlace(std::string_view parentDn, const Mo& parent, ClassIndex moc,
                     const std::string& dn);
-    void claimMembership(const std::string& parentDn, const Mo& parent, ClassIndex moc);
+    void claimMembership(std::string_view parentDn, const Mo& parent, ClassIndex moc);
     bool isDeletedHere(const std::string& dn) const;
-    void appendChildren(const Mo& mo, std::vector<Mo>& all) const;
-    void appendCommittedChildren(const Mo& mo, ClassIndex moc, std::vector<Mo>& all) const;
+    void appendChildren(const Doomed& mo, std::vector<Doomed>& all) const;
+    void appendCommittedChildren(NodeId parent, ClassIndex moc, std::vector<Doomed>& all) const;
 
     void checkCreated(const CreatedMo& mo, std::vector<std::string>& violations) const;
-    void checkConditions(const Mo& mo, const std::string& attributes,
-                         std::vector<std::string>& violations) const;
-    void checkMembers(const std::string& parentDn, ClassIndex moc,
+    void checkConditions(const Mo& mo, std::vector<std::string>& violations) const;
+    void checkMembers(std::string_view parentDn, ClassIndex moc,
                       std::vector<std::string>& violations) const;
     TreeChange makeChange() const;
-    std::string committedAttributes(NodeId node) const;
-    ObjectChange describe(ObjectChange::Kind kind, const Mo& mo, const std::string& before,
-                          const std::string& after) const;
+    ObjectChange describe(ObjectChange::Kind kind, const Mo& mo, std::string_view before,
+                          std::string_view after) const;
     void end() noexcept;
 
     const Model& mModel;
@@ -146,6 +216,7 @@ private:
     CommitFeed& mFeed;
     WriteGuard mGuard;
     TransactionOverlay mOverlay;
+    mutable FoundLast mFoundLast;
     bool mOpen = true;
 };
 

@@ -29,6 +29,11 @@ using NodeId = std::uint32_t;
 constexpr NodeId kRootNode = 0;
 constexpr NodeId kNoNode = UINT32_MAX;
 
+/// The children of the class at the position \p moc of the model under one parent, as a key.
+constexpr std::uint64_t groupKey(NodeId parent, std::uint32_t moc) {
+    return std::uint64_t{parent} << 32U | moc;
+}
+
 /// Commits are numbered; data loaded at start has number 0. A snapshot is the number of the last
 /// commit that it shows.
 using CommitNumber = std::uint64_t;

@@ -7,14 +7,6 @@
 
 namespace OrvHost {
 
-namespace {
-
-std::string prefixOf(const std::string& dn) {
-    return std::string(DnView(dn).siblingPrefix());
-}
-
-}
-
 const CreatedMo* TransactionOverlay::findCreated(std::string_view dn) const {
     if (mCreated.empty()) {
         return nullptr;
@@ -23,17 +15,20 @@ const CreatedMo* TransactionOverlay::findCreated(std::string_view dn) const {
     return found == mCreated.end() ? nullptr : &found->second;
 }
 
-CreatedMo* TransactionOverlay::findCreated(std::string_view dn) {
-    return const_cast<CreatedMo*>(std::as_const(*this).findCreated(dn));
-}
-
-const TransactionOverlay::Group* TransactionOverlay::findGroup(const std::string& prefix) const {
+const TransactionOverlay::Group* TransactionOverlay::findGroup(std::string_view prefix) const {
     const auto found = mGroups.find(prefix);
     return found == mGroups.end() ? nullptr : &found->second;
 }
 
+// The group of an object and its siblings.
+TransactionOverlay::Group& TransactionOverlay::groupOf(std::string_view dn) {
+    const std::string_view prefix = DnView(dn).siblingPrefix();
+    const auto found = mGroups.find(prefix);
+    return found != mGroups.end() ? found->second : mGroups[std::string(prefix)];
+}
+
 void TransactionOverlay::addCreated(CreatedMo mo) {
-    Group& group = mGroups[prefixOf(mo.dn)];
+    Group& group = groupOf(mo.dn);
     mo.positionInAll = mAll.size();
     mo.positionInGroup = group.members.size();
     std::string key = mo.dn;
@@ -43,12 +38,12 @@ void TransactionOverlay::addCreated(CreatedMo mo) {
     ++group.count;
 }
 
-void TransactionOverlay::dropCreated(CreatedMo* mo) {
-    Group& group = mGroups[prefixOf(mo->dn)];
-    group.members[mo->positionInGroup] = nullptr;
+void TransactionOverlay::dropCreated(const CreatedMo& mo) {
+    Group& group = groupOf(mo.dn);
+    group.members[mo.positionInGroup] = nullptr;
     --group.count;
-    mAll[mo->positionInAll] = nullptr;
-    const std::string dn = mo->dn;
+    mAll[mo.positionInAll] = nullptr;
+    const std::string dn = mo.dn;
     mCreated.erase(dn);
 }
 
@@ -60,14 +55,16 @@ const std::string* TransactionOverlay::findModified(NodeId node) const {
     return found == mModified.end() ? nullptr : &found->second;
 }
 
-void TransactionOverlay::setModified(NodeId node, std::string attributes) {
-    mModified[node] = std::move(attributes);
+void TransactionOverlay::markDeleted(NodeId node, NodeId parent, ClassIndex moc) {
+    mDeletionOrder.push_back(node);
+    mDeleted.emplace(node, node);
+    ++mDeletedCounts[groupKey(parent, moc)];
+    mModified.erase(node);
 }
 
-void TransactionOverlay::markDeleted(NodeId node) {
-    mDeletionOrder.push_back(node);
-    mDeleted.insert(node);
-    mModified.erase(node);
+std::uint64_t TransactionOverlay::deletedCount(NodeId parent, ClassIndex moc) const {
+    const auto found = mDeletedCounts.find(groupKey(parent, moc));
+    return found == mDeletedCounts.end() ? 0 : found->second;
 }
 
 void TransactionOverlay::noteMembers(const std::string& parentDn, ClassIndex moc) {

@@ -5,6 +5,7 @@
 #define ORV_HOST_STORE_TRANSACTIONOVERLAY_H
 
 #include "StoreTypes.h"
+#include "base/TextHash.h"
 #include "model/Model.h"
 
 #include <cstddef>
@@ -14,7 +15,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -45,25 +45,47 @@ public:
 
     bool isEmpty() const { return mAll.empty() && mModified.empty() && mDeleted.empty(); }
 
-    CreatedMo* findCreated(std::string_view dn);
     const CreatedMo* findCreated(std::string_view dn) const;
+    /// The attributes of a created object, to be written.
+    std::string& attributesOf(const CreatedMo& mo) { return mAll[mo.positionInAll]->attributes; }
     /// The group with that prefix (see DnView::childPrefix), or null.
-    const Group* findGroup(const std::string& prefix) const;
+    const Group* findGroup(std::string_view prefix) const;
     /// Adds \p mo, whose DN must be free. The object keeps its address.
     void addCreated(CreatedMo mo);
     /// Removes a created object; \p mo is invalid afterwards.
-    void dropCreated(CreatedMo* mo);
+    void dropCreated(const CreatedMo& mo);
     /// All created objects, parents before their children; null in place of one that was deleted
     /// again.
     const std::vector<CreatedMo*>& created() const { return mAll; }
 
-    /// The attributes that the transaction has written for a committed object, or null.
+    /// What the transaction has written to a committed object, as the changes of AttributeBytes;
+    /// null if nothing.
     const std::string* findModified(NodeId node) const;
-    void setModified(NodeId node, std::string attributes);
+    /// The same, to be written.
+    std::string& modify(NodeId node) { return mModified[node]; }
     const std::unordered_map<NodeId, std::string>& modified() const { return mModified; }
 
     bool isDeleted(NodeId node) const { return !mDeleted.empty() && mDeleted.count(node) > 0; }
-    void markDeleted(NodeId node);
+    /// \p parent and \p moc: the parent and the class of the committed object \p node.
+    void markDeleted(NodeId node, NodeId parent, ClassIndex moc);
+    /// How many children of one class under one parent are deleted.
+    std::uint64_t deletedCount(NodeId parent, ClassIndex moc) const;
+    /// \p node, or the first of its later siblings that is not deleted; \p nextOf returns the next
+    /// sibling of a node. On average over many calls no walk goes the same way twice.
+    template <class NextOf>
+    NodeId skipDeleted(NodeId node, const NextOf& nextOf) const {
+        NodeId end = node;
+        while (end != kNoNode && isDeleted(end)) {
+            const NodeId after = mDeleted.find(end)->second;
+            end = after == end ? nextOf(end) : after;
+        }
+        while (node != end) {
+            NodeId& after = mDeleted.find(node)->second;
+            node = after == node ? nextOf(node) : after;
+            after = end;
+        }
+        return end;
+    }
     /// The deleted objects in the order in which they were marked.
     const std::vector<NodeId>& deleted() const { return mDeletionOrder; }
 
@@ -75,18 +97,16 @@ public:
     void clear();
 
 private:
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const {
-            return std::hash<std::string_view>()(text);
-        }
-    };
+    Group& groupOf(std::string_view dn);
 
     std::unordered_map<std::string, CreatedMo, TextHash, std::equal_to<>> mCreated;
-    std::unordered_map<std::string, Group> mGroups;
+    std::unordered_map<std::string, Group, TextHash, std::equal_to<>> mGroups;
     std::vector<CreatedMo*> mAll;
     std::unordered_map<NodeId, std::string> mModified;
-    std::unordered_set<NodeId> mDeleted;
+    /// The deleted objects. Each has a later sibling, or none, with only deleted objects between;
+    /// itself if that is not known. A walk over siblings makes it known, so it changes in reads.
+    mutable std::unordered_map<NodeId, NodeId> mDeleted;
+    std::unordered_map<std::uint64_t, std::uint64_t> mDeletedCounts; ///< by parent and class
     std::vector<NodeId> mDeletionOrder;
     std::set<std::pair<std::string, ClassIndex>> mMembers;
 };

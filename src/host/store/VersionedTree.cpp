@@ -42,23 +42,23 @@ void VersionedTree::closeSnapshot(CommitNumber snapshot) noexcept {
 // A snapshot that is opened meanwhile is not older than `oldest`.
 void VersionedTree::reclaim(CommitNumber oldest) noexcept {
     while (mOldestGarbage.load() <= oldest) {
-        const std::unique_lock<TreeLock> guard(mLock);
+        const std::unique_lock<ReaderLock> guard(mLock);
         mTree.reclaim(oldest, kReclaimPortion);
         mOldestGarbage = mTree.oldestGarbage();
     }
 }
 
 CommitNumber VersionedTree::commit(TreeChange& change, TransactionName committer) {
-    const std::unique_lock<TreeLock> guard(mLock);
-    CommitNumber number = 0;
-    {
-        const std::lock_guard<std::mutex> inner(mMutex);
-        number = mLast + 1;
+    const std::unique_lock<ReaderLock> guard(mLock);
+    // Held until the end, so that nobody opens a snapshot of what is replaced meanwhile.
+    const std::lock_guard<std::mutex> inner(mMutex);
+    const CommitNumber number = mLast + 1;
+    const bool hasReaders = mOpen.size() > 1; // the one is that of the committer
+    if (hasReaders) {
         mCommitters[number] = std::move(committer);
     }
-    mTree.apply(change, number);
+    mTree.apply(change, number, hasReaders ? MoTree::OldRecords::Keep : MoTree::OldRecords::Drop);
     mOldestGarbage = mTree.oldestGarbage();
-    const std::lock_guard<std::mutex> inner(mMutex);
     mLast = number;
     return number;
 }

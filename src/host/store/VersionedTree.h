@@ -6,7 +6,7 @@
 
 #include "MoTree.h"
 #include "StoreTypes.h"
-#include "TreeLock.h"
+#include "base/ReaderLock.h"
 
 #include <atomic>
 #include <cstdint>
@@ -35,11 +35,12 @@ public:
     /// not call this object.
     template <class Look>
     auto read(Look&& look) const {
-        const std::shared_lock<TreeLock> guard(mLock);
+        const std::shared_lock<ReaderLock> guard(mLock);
         return look(static_cast<const MoTree&>(mTree));
     }
 
-    /// Applies \p change for \p committer, all or nothing. Returns the number of the commit.
+    /// Applies \p change for \p committer, all or nothing. Returns the number of the commit. The
+    /// snapshot of the transaction that commits is not read any more after that, only closed.
     CommitNumber commit(TreeChange& change, TransactionName committer);
     /// Who made a commit; kNoTransaction if no open snapshot is older.
     TransactionName committer(CommitNumber number) const;
@@ -48,7 +49,7 @@ public:
     template <class Change>
     void load(Change&& change) {
         refuseOpenSnapshots();
-        const std::unique_lock<TreeLock> guard(mLock);
+        const std::unique_lock<ReaderLock> guard(mLock);
         change(mTree);
     }
 
@@ -57,7 +58,7 @@ private:
     CommitNumber oldestNeeded() const;
     void reclaim(CommitNumber oldest) noexcept;
 
-    mutable TreeLock mLock;
+    mutable ReaderLock mLock;
     MoTree mTree; ///< guarded by mLock
     std::atomic<CommitNumber> mOldestGarbage{kNever};
 

@@ -58,11 +58,11 @@ std::string whyBadReference(const AttributeValue& value);
 std::string whyBadReference(const Value& value, ValueKind kind) {
     if (kind == ValueKind::MoRef) {
         const std::string& dn = std::get<std::string>(value);
-        const std::string reason = DnView(dn).whyInvalid();
-        return reason.empty()
-                   ? reason
+        const DnView parts(dn);
+        return parts.isValid()
+                   ? std::string()
                    : quoted(dn) + " is no DN, expected steps Class=value with commas between; " +
-                         reason;
+                         parts.whyInvalid();
     }
     if (kind == ValueKind::Struct) {
         for (const NamedValue& member : std::get<StructValue>(value).members) {
@@ -105,20 +105,6 @@ std::string whyRefusedValue(const AttributeDef& def, const AttributeValue& value
     return reason.empty() ? whyBadReference(value) : reason;
 }
 
-void refuseDoubles(const std::vector<NamedValue>& values) {
-    std::vector<std::string_view> names;
-    names.reserve(values.size());
-    for (const NamedValue& value : values) {
-        names.emplace_back(value.first);
-    }
-    std::sort(names.begin(), names.end());
-    const auto twice = std::adjacent_find(names.begin(), names.end());
-    if (twice != names.end()) {
-        throw HostError(OrvInvalidArgument,
-                        "attribute " + quoted(*twice) + " is given more than once");
-    }
-}
-
 bool isMissing(const AttributeDef& def, bool withReferences) {
     const bool counts = withReferences || def.type.kind != ValueKind::MoRef;
     return counts && def.isRequired();
@@ -126,7 +112,7 @@ bool isMissing(const AttributeDef& def, bool withReferences) {
 
 }
 
-AttributeIndex WriteCheck::requireAttribute(const ClassDef& moc, const std::string& name) {
+AttributeIndex WriteCheck::requireAttribute(const ClassDef& moc, std::string_view name) {
     const auto index = moc.findAttributeIndex(name);
     if (!index) {
         throw HostError(OrvNotExist, "class " + quoted(moc.name) + " has no attribute " +
@@ -136,7 +122,7 @@ AttributeIndex WriteCheck::requireAttribute(const ClassDef& moc, const std::stri
     return *index;
 }
 
-ClassIndex WriteCheck::requireClass(const Model& model, const std::string& name) {
+ClassIndex WriteCheck::requireClass(const Model& model, std::string_view name) {
     const auto moc = model.findClass(name);
     if (!moc) {
         throw HostError(OrvNotExist, "there is no class " + quoted(name));
@@ -187,29 +173,33 @@ void WriteCheck::value(const ClassDef& moc, AttributeIndex index, const Attribut
     }
 }
 
-void WriteCheck::applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,
-                          std::string& bytes) {
-    const AttributeIndex index = requireAttribute(moc, named.first);
-    value(moc, index, named.second, writer);
-    AttributeBytes::write(moc, bytes, index, named.second);
-}
-
-void WriteCheck::apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
-                       std::string& bytes) {
-    refuseDoubles(values);
-    for (const NamedValue& named : values) {
-        applyOne(moc, named, writer, bytes);
+void WriteCheck::noDoubles(const std::vector<NamedValue>& values) {
+    if (values.size() < 2) {
+        return;
+    }
+    std::vector<std::string_view> names;
+    names.reserve(values.size());
+    for (const NamedValue& value : values) {
+        names.emplace_back(value.first);
+    }
+    std::sort(names.begin(), names.end());
+    const auto twice = std::adjacent_find(names.begin(), names.end());
+    if (twice != names.end()) {
+        throw HostError(OrvInvalidArgument,
+                        "attribute " + quoted(*twice) + " is given more than once");
     }
 }
 
 std::string WriteCheck::initial(const ClassDef& moc, const std::string& name,
                                 const std::vector<NamedValue>& values, Writer writer) {
-    refuseDoubles(values);
+    noDoubles(values);
     std::string bytes;
     for (const NamedValue& named : values) {
-        const AttributeDef& def = moc.attributes[requireAttribute(moc, named.first)];
+        const AttributeIndex index = requireAttribute(moc, named.first);
+        const AttributeDef& def = moc.attributes[index];
         if (!def.isGivenByName()) {
-            applyOne(moc, named, writer, bytes);
+            value(moc, index, named.second, writer);
+            AttributeBytes::write(moc, bytes, index, named.second);
         } else if (named.second != nameValue(moc, def, name)) {
             throw HostError(OrvInvalidArgument,
                             nameOf(moc, def) + " differs from the name " + quoted(name));
@@ -230,25 +220,28 @@ std::vector<std::string> WriteCheck::missing(const ClassDef& moc, std::string_vi
     return names;
 }
 
-std::vector<std::string> WriteCheck::wrongChoices(const ClassDef& moc, std::string_view bytes) {
+std::vector<std::string> WriteCheck::wrongChoices(const ClassDef& moc, std::string_view bytes,
+                                                  std::string_view changes) {
     return OrvHost::wrongChoices(
-        moc.choices, [&](const std::string& name) { return isPresent(moc, name, bytes); });
+        moc.choices, [&](const std::string& name) { return isPresent(moc, name, bytes, changes); });
 }
 
 bool WriteCheck::isDefaultInUse(const ClassDef& moc, const std::string& name,
-                                std::string_view bytes) {
-    return OrvHost::isDefaultInUse(
-        moc.choices, name, [&](const std::string& other) { return isPresent(moc, other, bytes); });
+                                std::string_view bytes, std::string_view changes) {
+    return OrvHost::isDefaultInUse(moc.choices, name, [&](const std::string& other) {
+        return isPresent(moc, other, bytes, changes);
+    });
 }
 
-bool WriteCheck::isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes) {
+bool WriteCheck::isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes,
+                           std::string_view changes) {
     const auto index = moc.findAttributeIndex(name);
-    if (!index || !AttributeBytes::has(bytes, *index)) {
+    const auto values = index ? AttributeBytes::find(bytes, changes, *index) : std::nullopt;
+    if (!values) {
         return false;
     }
     const TypeDef& type = moc.attributes[*index].type;
-    return !type.isFalseAbsent ||
-           OrvHost::isPresent(type, *AttributeBytes::read(moc, bytes, *index));
+    return !type.isFalseAbsent || OrvHost::isPresent(type, AttributeBytes::valuesOf(type, *values));
 }
 
 AttributeValue WriteCheck::nameValue(const ClassDef& moc, const AttributeDef& def,

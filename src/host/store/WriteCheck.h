@@ -22,8 +22,8 @@ public:
     enum class Writer { Client, System };
 
     /// The position of an attribute. OrvNotExist.
-    static AttributeIndex requireAttribute(const ClassDef& moc, const std::string& name);
-    static ClassIndex requireClass(const Model& model, const std::string& name);
+    static AttributeIndex requireAttribute(const ClassDef& moc, std::string_view name);
+    static ClassIndex requireClass(const Model& model, std::string_view name);
 
     /// Whether objects of class \p moc are allowed under one of class \p parent, or at the top
     /// level if \p parent is null. OrvHostNotContained.
@@ -38,13 +38,11 @@ public:
     static void value(const ClassDef& moc, AttributeIndex index, const AttributeValue& value,
                       Writer writer);
 
-    /// Writes all of \p values into \p bytes (see AttributeBytes). They must fit, and no attribute
-    /// may be given twice.
-    static void apply(const ClassDef& moc, const std::vector<NamedValue>& values, Writer writer,
-                      std::string& bytes);
+    /// Whether no attribute is given twice. OrvInvalidArgument.
+    static void noDoubles(const std::vector<NamedValue>& values);
 
-    /// The attributes of an object that gets the name \p name: as apply, but what the name gives
-    /// may be given if it has the same value.
+    /// The attributes (see AttributeBytes) of an object that gets the name \p name. All values must
+    /// fit, and none may be given twice; what the name gives may be given if it has the same value.
     static std::string initial(const ClassDef& moc, const std::string& name,
                                const std::vector<NamedValue>& values, Writer writer);
 
@@ -52,31 +50,33 @@ public:
     static std::vector<std::string> missing(const ClassDef& moc, std::string_view bytes,
                                             bool withReferences);
 
-    /// What is wrong with the choices among the attributes of an object, see OrvHost::wrongChoices.
-    static std::vector<std::string> wrongChoices(const ClassDef& moc, std::string_view bytes);
+    /// What is wrong with the choices among the attributes of an object with changes (see
+    /// AttributeBytes), see OrvHost::wrongChoices.
+    static std::vector<std::string> wrongChoices(const ClassDef& moc, std::string_view bytes,
+                                                 std::string_view changes);
 
     /// The value that the name \p name, which must fit, gives to the attribute \p def of \p moc:
     /// the naming attribute, or one of several keys.
     static AttributeValue nameValue(const ClassDef& moc, const AttributeDef& def,
                                     std::string_view name);
 
-    /// Whether the default of an attribute applies, see OrvHost::isDefaultInUse.
-    static bool isDefaultInUse(const ClassDef& moc, const std::string& name,
-                               std::string_view bytes);
+    /// Whether the default of an attribute applies in an object with changes, see
+    /// OrvHost::isDefaultInUse.
+    static bool isDefaultInUse(const ClassDef& moc, const std::string& name, std::string_view bytes,
+                               std::string_view changes);
 
 private:
-    static bool isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes);
-    static void applyOne(const ClassDef& moc, const NamedValue& named, Writer writer,
-                         std::string& bytes);
+    static bool isPresent(const ClassDef& moc, const std::string& name, std::string_view bytes,
+                          std::string_view changes);
 };
 
 /// Runs \p check and puts \p dn before the text of a HostError that it throws.
 template <class Check>
-auto withDn(const std::string& dn, Check&& check) {
+auto withDn(std::string_view dn, Check&& check) {
     try {
         return check();
     } catch (const HostError& error) {
-        throw HostError(error.code(), dn + ": " + error.what());
+        throw HostError(error.code(), std::string(dn) + ": " + error.what());
     }
 }
 

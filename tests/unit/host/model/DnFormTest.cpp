@@ -44,6 +44,21 @@ TEST(DnForm, OtherTexts_StayAsTheyAre) {
     EXPECT_EQ(shortOf("Site.id="), "Site=");
 }
 
+TEST(DnForm, ShortDn_OfAShortText_IsThatText) {
+    for (const char* dn : {"", "Site=1", "Site=1.2", "Site.label=1"}) {
+        const std::string_view text = ShortDn(model(), dn);
+        EXPECT_EQ(text.data(), dn);
+        EXPECT_EQ(text, dn);
+    }
+}
+
+TEST(DnForm, ShortDn_OfAnotherText_HasItsShortForm) {
+    const ShortDn dn(model(), "Site.id=1,Route.routeId=a|b");
+    const ShortDn copy = dn;
+    EXPECT_EQ(std::string_view(dn), "Site=1,Route=a|b");
+    EXPECT_EQ(std::string_view(copy), "Site=1,Route=a|b");
+}
+
 TEST(DnForm, References_InValuesAndStructs_BecomeShort) {
     const AttributeValue inner{ValueKind::MoRef, {std::string("Site.id=1")}};
     const AttributeValue text{ValueKind::String, {std::string("Site.id=1")}};

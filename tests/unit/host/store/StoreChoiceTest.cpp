@@ -98,6 +98,21 @@ TEST_F(StoreChoiceTest, Default_OfTheDefaultCase_AppliesUntilAnotherIsTaken) {
     EXPECT_TRUE(tx->get("Port=1", "way").values.empty());
 }
 
+TEST_F(StoreChoiceTest, Default_InACaseOfACommittedObject_FollowsTheTransaction) {
+    create({{"name", text("x")}});
+    tx->commit();
+    tx = store.begin(2);
+    EXPECT_EQ(tx->get("Port=1", "colour"), text("red"));
+    set("name", none(ValueKind::String));
+    EXPECT_TRUE(tx->get("Port=1", "colour").values.empty());
+    set("number", text("7"));
+    EXPECT_EQ(tx->get("Port=1", "weight"), text("light"));
+    set("rail", text("r"));
+    EXPECT_TRUE(tx->get("Port=1", "way").values.empty());
+    set("rail", none(ValueKind::String));
+    EXPECT_EQ(tx->get("Port=1", "way"), text("road"));
+}
+
 TEST_F(StoreChoiceTest, FalseThatIsAbsent_TakesNoCase) {
     create({{"name", text("x")}, {"flag", {ValueKind::Bool, {Value(false)}}}});
     EXPECT_THAT(tx->check(), IsEmpty());
