@@ -122,6 +122,10 @@ IS_HOST = "replaces functions of the host's tables, on the other side of the com
 WITH_TABLES = {
     "bench/BenchHost.cpp": MEASURES_CALLS,
     "bench/BenchHost.h": MEASURES_CALLS,
+    "bench/ClientWorkloads.cpp": MEASURES_CALLS,
+    "bench/HostThreads.cpp": MEASURES_CALLS,
+    "bench/HostWorld.cpp": MEASURES_CALLS,
+    "bench/HostWorld.h": MEASURES_CALLS,
     "bench/ResourceWorkloads.cpp": MEASURES_CALLS,
     "bench/ThreadWorkloads.cpp": MEASURES_CALLS,
     "bench/Values.h": MEASURES_CALLS,
