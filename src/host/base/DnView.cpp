@@ -74,13 +74,24 @@ std::string DnView::whyInvalid() const {
     return {};
 }
 
+// As whyInvalid: each step has a type, one "=" and a value.
 bool DnView::isValid() const {
-    for (const DnStep step : steps()) {
-        if (!step.isValid()) {
+    std::size_t equals = mText.find('=');
+    for (std::size_t begin = 0;;) {
+        const std::size_t end = std::min(mText.find(',', begin), mText.size());
+        if (equals == begin || equals >= end || equals + 1 == end) {
             return false;
         }
+        const std::size_t next = mText.find('=', equals + 1);
+        if (next < end) {
+            return false;
+        }
+        if (end == mText.size()) {
+            return true;
+        }
+        begin = end + 1;
+        equals = next;
     }
-    return !mText.empty();
 }
 
 std::string DnView::child(std::string_view className, std::string_view value) const {

@@ -29,6 +29,8 @@ class ShortDn {
 public:
     ShortDn(const Model& model, std::string_view dn);
 
+    // It stands wherever a text is taken.
+    // NOLINTNEXTLINE(google-explicit-constructor)
     operator std::string_view() const { return mChanged.empty() ? mGiven : mChanged; }
 
 private:

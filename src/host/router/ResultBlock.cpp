@@ -186,6 +186,10 @@ OwnedPointer allocate(std::size_t more) {
 
 OwnedPointer makeContainer(const AttributeValue& value) {
     OwnedPointer owned = allocate(0);
+    if (value.values.empty()) {
+        owned->type = typeCodeOf(value.kind);
+        return owned;
+    }
     owned->memory = std::make_unique<Orv::AutoMemory>();
     ContainerConversion<Records3>::fill(*owned, value, *owned->memory);
     return owned;

@@ -6,6 +6,7 @@
 #include "base/DnView.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <utility>
 
@@ -36,9 +37,28 @@ MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.add();
 }
 
+// Eight bytes at a time; the last eight overlap those before them. DNs are longer than that, but
+// for those at the top.
 std::uint32_t MoTree::hashOf(std::string_view dn) {
-    const std::uint64_t hash = std::hash<std::string_view>()(dn);
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32U));
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15U;
+    constexpr std::size_t kStep = sizeof(std::uint64_t);
+    if (dn.size() < kStep) {
+        return static_cast<std::uint32_t>(std::hash<std::string_view>()(dn));
+    }
+    std::uint64_t hash = dn.size();
+    const auto mix = [&hash](const char* at) {
+        std::uint64_t part = 0;
+        std::memcpy(&part, at, kStep);
+        hash ^= part;
+        // A product carries what differs to the left only, and the last characters are at the left.
+        hash = (hash ^ hash >> 32U) * kSpread;
+        hash ^= hash >> 32U;
+    };
+    for (std::size_t at = 0; at + kStep < dn.size(); at += kStep) {
+        mix(dn.data() + at);
+    }
+    mix(dn.data() + dn.size() - kStep);
+    return static_cast<std::uint32_t>(hash);
 }
 
 // Takes the steps off the end of the text, since nodes link to their parents.

@@ -125,6 +125,10 @@ StoreTransaction::Mo StoreTransaction::requireParent(std::string_view dn) const 
 
 ClassIndex StoreTransaction::requireChildClass(std::string_view parentDn, const Mo& parent,
                                                std::string_view className) const {
+    const ClassIndex above = parent.node == kRootNode ? ChildClassTable::topLevel : parent.moc;
+    if (const auto* child = mModel.childClasses.find(above, className)) {
+        return child->moc;
+    }
     const ClassIndex moc = WriteCheck::requireClass(mModel, className);
     withDn(parentDn.empty() ? "top level" : parentDn,
            [&] { WriteCheck::containment(mModel, classOf(parent), moc); });

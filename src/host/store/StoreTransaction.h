@@ -158,7 +158,8 @@ private:
         static constexpr std::size_t kPlaces = 8;
         /// DNs of neighbours differ in their last characters and in their length.
         static std::size_t placeOf(std::string_view dn) {
-            return (dn.size() + static_cast<unsigned char>(dn.back())) % kPlaces;
+            return (dn.size() + dn.size() / kPlaces + static_cast<unsigned char>(dn.back())) %
+                   kPlaces;
         }
 
         std::array<Entry, kPlaces> mEntries;
