@@ -30,6 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kObjectsPerReport = 4096;
+constexpr std::size_t kFirstPortion = 65536; ///< of a file whose size is not known
 
 [[noreturn]] void refuse(const std::string& file, int line, std::string text) {
     throw InstanceDataError({{{file, line}, std::move(text)}});
@@ -79,7 +80,14 @@ std::string contentsOf(const fs::path& file) {
     if (!input || fs::is_directory(file, error)) {
         refuse(file.string(), 0, "cannot be read; a file with instance data was expected");
     }
-    std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    // One byte more than the size, to find the end at once; a pipe has no size.
+    std::string text(sizeOf(file) + 1, '\0');
+    std::size_t size = 0;
+    while (input.read(text.data() + size, static_cast<std::streamsize>(text.size() - size))) {
+        size = text.size();
+        text.resize(std::max(kFirstPortion, size * 2));
+    }
+    text.resize(size + static_cast<std::size_t>(input.gcount()));
     if (input.bad()) {
         refuse(file.string(), 0, "cannot be read to its end");
     }
@@ -102,6 +110,11 @@ void refuseRest(const std::string& text, std::size_t parsed, const std::string& 
 void refuseMalformed(std::string_view text, const std::string& label) {
     int line = 1;
     for (std::size_t at = 0; at < text.size();) {
+        const std::size_t plain = plainPrefix(text.substr(at));
+        if (plain > 0) {
+            at += plain;
+            continue;
+        }
         const std::size_t length = lengthOfCharacter(text.substr(at));
         if (length == 0) {
             refuse(label, line, "text in UTF-8 was expected, without control characters");

@@ -3,7 +3,37 @@
 
 #include "Utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace OrvHost {
+
+namespace {
+
+constexpr std::uint64_t kEach = 0x0101010101010101U;
+constexpr std::uint64_t kTopBits = 0x80U * kEach;
+
+// True if each of the eight bytes is from 0x20 to 0x7F. A borrow can only come from a byte
+// that is below 0x20 itself.
+bool arePlain(std::uint64_t bytes) {
+    return ((bytes | (bytes - 0x20U * kEach)) & kTopBits) == 0;
+}
+
+}
+
+std::size_t plainPrefix(std::string_view text) {
+    std::size_t at = 0;
+    for (std::uint64_t bytes = 0; at + sizeof bytes <= text.size(); at += sizeof bytes) {
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        if (!arePlain(bytes)) {
+            break;
+        }
+    }
+    while (at < text.size() && arePlain(kEach * static_cast<unsigned char>(text[at]))) {
+        ++at;
+    }
+    return at;
+}
 
 std::size_t lengthOfCharacter(std::string_view text) {
     const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };

@@ -14,6 +14,10 @@ namespace OrvHost {
 /// text in YANG, JSON or XML must not contain. Any thread.
 std::size_t lengthOfCharacter(std::string_view text);
 
+/// The number of bytes, from the beginning, from 0x20 to 0x7F: each of them is a character, and it
+/// takes no look at each one to find that out. Any thread.
+std::size_t plainPrefix(std::string_view text);
+
 }
 
 #endif

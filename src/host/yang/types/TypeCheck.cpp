@@ -65,6 +65,12 @@ std::string join(const std::vector<Part>& parts, const ToText& toText) {
 std::optional<std::uint64_t> countCharacters(std::string_view text) {
     std::uint64_t count = 0;
     while (!text.empty()) {
+        const std::size_t plain = plainPrefix(text);
+        if (plain > 0) {
+            text.remove_prefix(plain);
+            count += plain;
+            continue;
+        }
         const std::size_t length = lengthOfCharacter(text);
         if (length == 0) {
             return std::nullopt;
