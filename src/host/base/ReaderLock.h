@@ -15,7 +15,8 @@ namespace OrvHost {
 ///
 /// Readers on different threads count themselves at different places, so that they do not slow
 /// each other down; a writer visits all places. A writer that waits comes before readers that
-/// arrive later. No thread may lock it twice.
+/// arrive later, and readers that waited for a writer come before the next one: so writers that
+/// follow each other without a pause keep nobody out. No thread may lock it twice.
 ///
 /// The function names are those that std::shared_lock and std::unique_lock need.
 class ReaderLock {
@@ -63,6 +64,7 @@ private:
 
     std::array<Place, kPlaces> mPlaces;
     alignas(64) std::atomic<bool> mHasWriter{false}; ///< one waits or is inside
+    alignas(64) std::atomic<int> mWaitingReaders{0}; ///< for that writer to leave
     std::mutex mWriters;                             ///< held by that writer
 };
 

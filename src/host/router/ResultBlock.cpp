@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -95,7 +96,7 @@ private:
     void fill(Container& container, const TypeDef& type, BytesReader& reader) {
         container.type = static_cast<decltype(container.type)>(typeCodeOf(type.kind));
         container.count = static_cast<std::uint32_t>(reader.number());
-        container.values = take<Slot>(container.count);
+        container.values = container.count == 0 ? nullptr : take<Slot>(container.count);
         for (std::uint32_t at = 0; at < container.count; ++at) {
             fill(container.values[at], type, reader);
         }
@@ -235,9 +236,14 @@ OrvMoAttributeValueContainer* makeResult(const AttributeView& view, Orv::AutoMem
         return container;
     }
     StoredValues<Records1> values(view.def->type, *view.stored);
-    char* const block = memory.malloc<char>(static_cast<unsigned int>(values.size()));
+    // Counted in units of eight bytes: a count of bytes might not fit the parameter.
+    const std::size_t units = values.size() / sizeof(std::uint64_t) + 1;
+    std::uint64_t* const block =
+        units <= std::numeric_limits<unsigned int>::max()
+            ? memory.malloc<std::uint64_t>(static_cast<unsigned int>(units))
+            : nullptr;
     requireGiven(block, "memory for a value");
-    values.fill(*container, block);
+    values.fill(*container, reinterpret_cast<char*>(block));
     return container;
 }
 

@@ -37,8 +37,8 @@ MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.add();
 }
 
-// Eight bytes at a time; the last eight overlap those before them. DNs are longer than that, but
-// for those at the top.
+// Eight bytes at a time; the last eight overlap those before them. Only DNs of objects at the top
+// can be shorter than eight.
 std::uint32_t MoTree::hashOf(std::string_view dn) {
     constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15U;
     constexpr std::size_t kStep = sizeof(std::uint64_t);
@@ -58,6 +58,9 @@ std::uint32_t MoTree::hashOf(std::string_view dn) {
         mix(dn.data() + at);
     }
     mix(dn.data() + dn.size() - kStep);
+    // Once more, so that DNs that differ in their last characters only do not lie close together.
+    hash *= 0xBF58476D1CE4E5B9U;
+    hash ^= hash >> 32U;
     return static_cast<std::uint32_t>(hash);
 }
 
@@ -309,15 +312,15 @@ void MoTree::unlink(NodeId id) noexcept {
 void MoTree::reclaim(CommitNumber oldest, std::size_t limit) noexcept {
     while (limit > 0 && oldestGarbage() <= oldest) {
         Garbage& garbage = mGarbage.front();
-        for (const NodeId id : garbage.replaced) {
-            dropOldRecord(id, garbage.number);
+        // The next call comes back to this commit if the limit leaves something of it.
+        for (; limit > 0 && !garbage.replaced.empty(); --limit) {
+            dropOldRecord(garbage.replaced.back(), garbage.number);
+            garbage.replaced.pop_back();
         }
-        // The next call comes back to this commit if the limit leaves some of its deleted objects.
-        garbage.replaced.clear();
         for (; limit > 0 && garbage.done < garbage.deleted.size(); --limit) {
             unlink(garbage.deleted[garbage.done++]);
         }
-        if (garbage.done == garbage.deleted.size()) {
+        if (garbage.replaced.empty() && garbage.done == garbage.deleted.size()) {
             mGarbage.pop_front();
         }
     }

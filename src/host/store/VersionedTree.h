@@ -40,7 +40,8 @@ public:
     }
 
     /// Applies \p change for \p committer, all or nothing. Returns the number of the commit. The
-    /// snapshot of the transaction that commits is not read any more after that, only closed.
+    /// transaction that commits has one snapshot open, which is not read any more after that, only
+    /// closed: what only this snapshot could still see is not kept.
     CommitNumber commit(TreeChange& change, TransactionName committer);
     /// Who made a commit; kNoTransaction if no open snapshot is older.
     TransactionName committer(CommitNumber number) const;

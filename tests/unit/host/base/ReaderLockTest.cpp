@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <shared_mutex>
 #include <thread>
@@ -46,6 +47,48 @@ TEST(ReaderLock, ReadersAndWriters_NeverMeet) {
     }
     EXPECT_EQ(torn, 0);
     EXPECT_EQ(one, 2 * kTurns);
+}
+
+TEST(ReaderLock, WritersWithoutAPause_LetReadersIn) {
+    constexpr int kReads = 500;
+    ReaderLock lock;
+    std::atomic<int> reads{0};
+    std::atomic<bool> isOver{false};
+    std::atomic<int> writes{0};
+    std::vector<std::thread> writers;
+    for (int writer = 0; writer < 2; ++writer) {
+        writers.emplace_back([&] {
+            while (!isOver) {
+                const std::unique_lock<ReaderLock> guard(lock);
+                ++writes;
+                const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(200);
+                while (std::chrono::steady_clock::now() < end) {
+                }
+            }
+        });
+    }
+    // Each read comes while a writer is inside or about to be.
+    std::thread reader([&] {
+        for (int seen = 0; !isOver && reads < kReads; ++reads) {
+            while (!isOver && writes == seen) {
+                std::this_thread::yield();
+            }
+            seen = writes;
+            const std::shared_lock<ReaderLock> guard(lock);
+        }
+        isOver = true;
+    });
+    // This takes two seconds. Readers that are kept out do some dozens in this time.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!isOver && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    isOver = true;
+    reader.join();
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    EXPECT_EQ(reads, kReads);
 }
 
 TEST(ReaderLock, Readers_AreInsideTogether) {

@@ -33,7 +33,7 @@ TEST_F(RouterTable1Test, GetMoAttribute_Unset_IsNeverNull) {
     EXPECT_EQ(value->count, 0U);
 }
 
-TEST_F(RouterTable1Test, SetMoAttribute_Struct_IsReadBackByVersion3) {
+TEST_F(RouterTable1Test, SetMoAttribute_Struct_IsReadBackByBothVersions) {
     OrvMoAttributeValue latitude{};
     latitude.real = 2.5;
     OrvMoAttributeValueContainer latitudeValue{OrvMoAttributeTypeDouble_3, 1, &latitude};
@@ -46,6 +46,11 @@ TEST_F(RouterTable1Test, SetMoAttribute_Struct_IsReadBackByVersion3) {
     ASSERT_EQ(v3.getMoAttribute(tx, kA, "position", &result), OrvOk);
     EXPECT_EQ(result.container->values[0].structValue->value->values[0].real, 2.5);
     result.release(result.container);
+    OrvMoAttributeValueContainer* again = nullptr;
+    ASSERT_EQ(v1.getMoAttribute(tx, kA, "position", &again), OrvOk);
+    EXPECT_STREQ(again->values[0].structValue->name, "latitude");
+    EXPECT_EQ(again->values[0].structValue->value->values[0].real, 2.5);
+    EXPECT_EQ(again->values[0].structValue->next, nullptr);
     EXPECT_EQ(v1.setMoAttribute(tx, kA, "position", nullptr), OrvInvalidArgument);
 }
 

@@ -208,6 +208,27 @@ TEST_F(RouterTable3Test, SetMoAttribute_Struct_ComesBackWithNestedMembers) {
     result.release(result.container);
 }
 
+TEST_F(RouterTable3Test, GetMoAttribute_MembersWithEmptyLists_HaveNoValues) {
+    const OrvMoAttributeValueContainer_3 none{OrvMoAttributeTypeString_3, 0, nullptr};
+    OrvMoStructMember_3 names{"names", const_cast<OrvMoAttributeValueContainer_3*>(&none), nullptr};
+    OrvMoAttributeValue_3 latitude{};
+    latitude.real = 1.5;
+    OrvMoAttributeValueContainer_3 latitudeValue{OrvMoAttributeTypeDouble_3, 1, &latitude};
+    OrvMoStructMember_3 first{"latitude", &latitudeValue, &names};
+    OrvMoAttributeValue_3 whole{};
+    whole.structValue = &first;
+    ASSERT_EQ(set(kA, "position", OrvMoAttributeTypeStruct_3, {whole}), OrvOk) << lastMessage();
+
+    OrvMoAttributeValueResult_3 result{};
+    ASSERT_EQ(v3.getMoAttribute(tx, kA, "position", &result), OrvOk);
+    const OrvMoStructMember_3* second = result.container->values[0].structValue->next;
+    ASSERT_NE(second, nullptr);
+    EXPECT_STREQ(second->name, "names");
+    EXPECT_EQ(second->value->count, 0U);
+    EXPECT_EQ(second->value->values, nullptr);
+    result.release(result.container);
+}
+
 TEST_F(RouterTable3Test, SecondRouterOrService_IsRefusedAndLeavesTheFirstInPlace) {
     EXPECT_THROW(CmRouter second(model, store, context), std::logic_error);
     EXPECT_THROW(TransactionService second(context), std::logic_error);
