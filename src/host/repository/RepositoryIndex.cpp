@@ -5,9 +5,16 @@
 
 #include "model/TypeCode.h"
 
+#include <atomic>
+
 namespace OrvHost {
 
 namespace {
+
+std::uint64_t nextNumber() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
 
 Handle mocHandle(ClassIndex moc) {
     return encode({HandleKind::Moc, moc});
@@ -41,7 +48,7 @@ Bounds boundsOf(const AttributeDef& attribute, Bounds bounds) {
 
 }
 
-RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model) {
+RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model), mNumber(nextNumber()) {
     for (ClassIndex index = 0; index < model.classes.size(); ++index) {
         addClass(index);
     }
@@ -59,19 +66,18 @@ RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model) {
 
 void RepositoryIndex::addClass(ClassIndex index) {
     const ClassDef& moc = mModel.classes[index];
-    mMocs.push_back({moc.name.c_str(),
-                     moc.attributes.empty() ? 0 : attributeHandle(mAttributes.size()),
-                     moc.children.empty() ? 0 : containmentHandle(mContainments.size()), 0, 0});
+    mMocs.add({moc.name.c_str(), moc.attributes.empty() ? 0 : attributeHandle(mAttributes.size()),
+               moc.children.empty() ? 0 : containmentHandle(mContainments.size()), 0, 0});
     for (const AttributeDef& def : moc.attributes) {
         const bool isLast = &def == &moc.attributes.back();
-        mAttributes.push_back({def.name.c_str(), mocHandle(index),
-                               isLast ? 0 : attributeHandle(mAttributes.size() + 1),
-                               referencedMoc(def.type), boundsOf(def, def.multiplicity),
-                               typeCodeOf(def.type.kind)});
+        mAttributes.add({def.name.c_str(), mocHandle(index),
+                         isLast ? 0 : attributeHandle(mAttributes.size() + 1),
+                         referencedMoc(def.type), boundsOf(def, def.multiplicity),
+                         typeCodeOf(def.type.kind)});
     }
     for (const ClassIndex& child : moc.children) {
         const bool isLast = &child == &moc.children.back();
-        mContainments.push_back(
+        mContainments.add(
             {mocHandle(child), isLast ? 0 : containmentHandle(mContainments.size() + 1)});
     }
 }

@@ -9,7 +9,9 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace OrvHost {
@@ -28,7 +30,7 @@ public:
         Handle firstBiDir;
         Handle firstUniDir;
     };
-    struct AttributeRow {
+    struct alignas(64) AttributeRow { // a size by which positions are multiplied at no cost
         const char* name;
         Handle moc;
         Handle next;
@@ -61,6 +63,8 @@ public:
     explicit RepositoryIndex(const Model& model);
 
     const Model& model() const { return mModel; }
+    /// Different for each index that this process has made; not 0.
+    std::uint64_t number() const { return mNumber; }
 
     // The row that a handle names; null if the handle is of another kind or not of this model.
 
@@ -109,13 +113,44 @@ public:
     }
 
 private:
+    /// An array whose end is known without a division by the size of a row.
+    template <class Row>
+    class Rows {
+    public:
+        Rows() = default;
+        Rows(const Rows&) = delete;
+        Rows& operator=(const Rows&) = delete;
+
+        Row& operator[](std::size_t position) { return mFirst[position]; }
+        const Row& operator[](std::size_t position) const { return mFirst[position]; }
+        const Row* at(std::uint64_t position) const {
+            return position < mSize ? mFirst + position : nullptr;
+        }
+        std::size_t size() const { return mSize; }
+        void add(Row row) {
+            mAll.push_back(std::move(row));
+            mFirst = mAll.data();
+            mSize = mAll.size();
+        }
+        void resize(std::size_t size) {
+            mAll.resize(size);
+            mFirst = mAll.data();
+            mSize = size;
+        }
+
+    private:
+        std::vector<Row> mAll;
+        Row* mFirst = nullptr;
+        std::size_t mSize = 0;
+    };
+
     /// The row at the position `first` of the handle, whose `second` must be 0.
     template <class Row>
-    static const Row* rowAt(const std::vector<Row>& rows, Handle handle, HandleKind kind) {
+    static const Row* rowAt(const Rows<Row>& rows, Handle handle, HandleKind kind) {
         // What does not belong there makes a number that is too large: the bits of another kind,
         // and those of `second`, which move to the top.
         const std::uint64_t position = std::rotr(std::uint64_t{handle} - encode({kind}), 28);
-        return position < rows.size() ? &rows[position] : nullptr;
+        return rows.at(position);
     }
 
     template <class Row>
@@ -129,13 +164,14 @@ private:
     EndRow rowOf(const AssociationEnd& end, ClassIndex owner) const;
 
     const Model& mModel;
-    std::vector<MocRow> mMocs; ///< by class
+    std::uint64_t mNumber;
+    Rows<MocRow> mMocs; ///< by class
     MocRow mAnyMoc{kAnyClassName.data(), 0, 0, 0, 0};
-    std::vector<AttributeRow> mAttributes;
-    std::vector<ContainmentRow> mContainments;
-    std::vector<BiDirRow> mBiDirs;
-    std::vector<UniDirRow> mUniDirs;
-    std::vector<EndRow> mUniDirEnds;
+    Rows<AttributeRow> mAttributes;
+    Rows<ContainmentRow> mContainments;
+    Rows<BiDirRow> mBiDirs;
+    Rows<UniDirRow> mUniDirs;
+    Rows<EndRow> mUniDirEnds;
 };
 
 }

@@ -3,13 +3,30 @@
 
 #include "RepositoryTables.h"
 
+#include "RecentClassPaths.h"
 #include "RepositoryAnswer.h"
+
+#include <optional>
+#include <string_view>
 
 namespace OrvHost {
 
 namespace {
 
 using Index = RepositoryIndex;
+
+std::optional<ClassIndex> findClassOfDn(const Index& index, std::string_view dn) {
+    constinit thread_local RecentClassPaths recent;
+    const std::string_view path = RecentClassPaths::pathOf(dn);
+    if (const auto known = recent.find(index.number(), path)) {
+        return known;
+    }
+    const auto found = index.model().findClassOfDn(dn);
+    if (found && !path.empty()) {
+        recent.note(index.number(), path, *found);
+    }
+    return found;
+}
 
 /// The flag has no meaning in this host.
 OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
@@ -19,7 +36,7 @@ OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
     if (!dn || !moc) {
         return OrvInvalidArgument;
     }
-    const auto found = currentRepositoryIndex->model().findClassOfDn(dn);
+    const auto found = findClassOfDn(*currentRepositoryIndex, dn);
     if (!found) {
         return OrvNotExist;
     }

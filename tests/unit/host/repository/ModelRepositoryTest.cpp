@@ -172,6 +172,40 @@ TEST_F(ModelRepositoryTest, GetMocFromDn_IllegalPath_IsNotThereAndWritesNothing)
     }
 }
 
+// Answers are kept for DNs that differ in their last value only.
+TEST_F(ModelRepositoryTest, GetMocFromDn_AskedAgain_AnswersAsTheModelDoes) {
+    const std::string manyLetters(300, 'x');
+    const std::vector<std::string> dns = {kNetwork,
+                                          kCell,
+                                          "Network=1,Node=2,Cell=9",
+                                          "Network=1,Node=2,Cell=",
+                                          "Network=1,Node=2,Cell=9,",
+                                          "Network=1,Node=2,Cell=9,Cell=1",
+                                          "Network=1,Node=2,Cell=9,x",
+                                          "Network=1,Node=2,Cell",
+                                          "Network=1,Node=2,Cell=1=2",
+                                          "Network=1,Node=2,Cell=1=",
+                                          "Network=1,Node=2,Cell.id=9",
+                                          "Network=" + manyLetters + ",Node=2",
+                                          "Network=" + manyLetters + ",Node=3",
+                                          "Network=1,Node=",
+                                          "Network=1",
+                                          "=1",
+                                          "=",
+                                          "1",
+                                          "",
+                                          ","};
+    for (int round = 0; round < 3; ++round) {
+        for (const std::string& dn : dns) {
+            Handle handle = 0;
+            const OrvReturnT code = mTable.dnLookup->getMocFromDn(dn.c_str(), 1, &handle);
+            const auto expected = mModel.findClassOfDn(dn);
+            ASSERT_EQ(code, expected ? OrvOk : OrvNotExist) << dn;
+            ASSERT_EQ(handle, expected ? encode({HandleKind::Moc, *expected}) : 0) << dn;
+        }
+    }
+}
+
 TEST_F(ModelRepositoryTest, GetMocFromDn_Null_IsAnInvalidArgument) {
     Handle handle = 0;
     EXPECT_EQ(mTable.dnLookup->getMocFromDn(nullptr, 1, &handle), OrvInvalidArgument);
@@ -616,6 +650,22 @@ TEST(ModelRepositoryLife, AnotherModelAfterwards_IsServed) {
     const auto& table = *second.getInterface();
     EXPECT_EQ(table.dnLookup->getMocFromDn("Only=1", 1, &handle), OrvOk);
     EXPECT_EQ(table.dnLookup->getMocFromDn("Network=1", 1, &handle), OrvNotExist);
+}
+
+TEST(ModelRepositoryLife, ClassOfADnInAnotherModel_IsNotThatOfTheModelBefore) {
+    const Model model = ModelBuilder().add(ClassDraft("Only").topLevel().key("id")).build();
+    const Model other = ModelBuilder()
+                            .add(ClassDraft("First").topLevel().key("id"))
+                            .add(ClassDraft("Only").topLevel().key("id"))
+                            .build();
+    std::vector<Handle> handles;
+    for (const Model* each : {&model, &other}) {
+        ModelRepository repository(*each);
+        handles.push_back(0);
+        repository.getInterface()->dnLookup->getMocFromDn("Only=1", 1, &handles.back());
+    }
+    EXPECT_EQ(handles[0], encode({HandleKind::Moc, 0}));
+    EXPECT_EQ(handles[1], encode({HandleKind::Moc, 1}));
 }
 
 }
