@@ -76,22 +76,20 @@ std::string DnView::whyInvalid() const {
 
 // As whyInvalid: each step has a type, one "=" and a value.
 bool DnView::isValid() const {
-    std::size_t equals = mText.find('=');
-    for (std::size_t begin = 0;;) {
-        const std::size_t end = std::min(mText.find(',', begin), mText.size());
-        if (equals == begin || equals >= end || equals + 1 == end) {
+    bool isInValue = false;
+    bool isPartEmpty = true; // of the type or the value so far
+    for (const char letter : mText) {
+        if (letter > '=' || (letter != '=' && letter != ',')) { // most are above both
+            isPartEmpty = false;
+            continue;
+        }
+        if (isPartEmpty || isInValue == (letter == '=')) {
             return false;
         }
-        const std::size_t next = mText.find('=', equals + 1);
-        if (next < end) {
-            return false;
-        }
-        if (end == mText.size()) {
-            return true;
-        }
-        begin = end + 1;
-        equals = next;
+        isInValue = letter == '=';
+        isPartEmpty = true;
     }
+    return isInValue && !isPartEmpty;
 }
 
 std::string DnView::child(std::string_view className, std::string_view value) const {

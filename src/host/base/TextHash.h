@@ -5,16 +5,45 @@
 #define ORV_HOST_BASE_TEXTHASH_H
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace OrvHost {
+
+/// A hash for tables of texts such as DNs. It depends on the machine: it is not to be kept.
+///
+/// Eight bytes at a time; the last eight overlap those before them.
+inline std::uint64_t hashOf(std::string_view text) {
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15U;
+    constexpr std::size_t kStep = sizeof(std::uint64_t);
+    std::uint64_t hash = text.size();
+    const auto mix = [&hash](const char* at, std::size_t size) {
+        std::uint64_t part = 0;
+        std::memcpy(&part, at, size);
+        hash ^= part;
+        // A product carries what differs to the left only, and the last characters are at the left.
+        hash = (hash ^ hash >> 32U) * kSpread;
+        hash ^= hash >> 32U;
+    };
+    if (text.size() < kStep) {
+        if (!text.empty()) {
+            mix(text.data(), text.size());
+        }
+        return hash;
+    }
+    for (std::size_t at = 0; at + kStep < text.size(); at += kStep) {
+        mix(text.data() + at, kStep);
+    }
+    mix(text.data() + text.size() - kStep, kStep);
+    return hash;
+}
 
 /// Hash of texts for tables of std::string in which one looks up by std::string_view, too.
 struct TextHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const {
-        return std::hash<std::string_view>()(text);
+        return static_cast<std::size_t>(hashOf(text));
     }
 };
 

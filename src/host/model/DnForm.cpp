@@ -24,8 +24,7 @@ bool namesItsAttribute(const Model& model, const DnStep& step) {
 }
 
 bool isShort(const Model& model, std::string_view dn) {
-    // Most DNs have no "." at all, and those that have one mostly have it in a value.
-    if (dn.find('.') == std::string_view::npos) {
+    if (!ShortDn::mayBeLong(dn)) {
         return true;
     }
     for (const DnStep step : DnView(dn).steps()) {
@@ -57,8 +56,11 @@ std::string shortDn(const Model& model, std::string dn) {
     return isShort(model, dn) ? std::move(dn) : shortened(model, dn);
 }
 
-ShortDn::ShortDn(const Model& model, std::string_view dn)
-    : mGiven(dn), mChanged(isShort(model, dn) ? std::string() : shortened(model, dn)) {}
+void ShortDn::shorten(const Model& model) {
+    if (!isShort(model, mGiven)) {
+        mChanged = shortened(model, mGiven);
+    }
+}
 
 void shortenReferences(const Model& model, AttributeValue& value) {
     if (value.kind != ValueKind::MoRef && value.kind != ValueKind::Struct) {

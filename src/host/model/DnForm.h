@@ -27,13 +27,22 @@ std::string shortDn(const Model& model, std::string dn);
 /// change. The text must outlive the object.
 class ShortDn {
 public:
-    ShortDn(const Model& model, std::string_view dn);
+    ShortDn(const Model& model, std::string_view dn) : mGiven(dn) {
+        if (mayBeLong(dn)) {
+            shorten(model);
+        }
+    }
 
     // It stands wherever a text is taken.
     // NOLINTNEXTLINE(google-explicit-constructor)
     operator std::string_view() const { return mChanged.empty() ? mGiven : mChanged; }
 
+    /// False for almost all DNs, which have no "." at all.
+    static bool mayBeLong(std::string_view dn) { return dn.find('.') != std::string_view::npos; }
+
 private:
+    void shorten(const Model& model);
+
     std::string_view mGiven;
     std::string mChanged; ///< empty: the text is short as it was given
 };
