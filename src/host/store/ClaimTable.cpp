@@ -12,9 +12,8 @@ namespace {
 
 // Claims a key that one transaction can hold. A key is either both held and listed, or neither,
 // also if memory runs out. `listedAs` says how a key that the table keeps is listed.
-template <class Key, class Listed, class ListedAs>
-std::optional<ClaimTable::Rival> claimKey(std::unordered_map<Key, TransactionId>& held,
-                                          const Key& key, TransactionId transaction,
+template <class Held, class Key, class Listed, class ListedAs>
+std::optional<ClaimTable::Rival> claimKey(Held& held, const Key& key, TransactionId transaction,
                                           std::vector<Listed>& list, const ListedAs& listedAs) {
     const auto [entry, isNew] = held.try_emplace(key, transaction);
     if (!isNew) {
@@ -110,19 +109,18 @@ std::optional<ClaimTable::Rival> ClaimTable::claimMembership(ClaimSet& claims, N
 }
 
 void ClaimTable::releaseNode(NodeId node, TransactionId transaction) noexcept {
-    const auto found = mNodes.find(node);
-    if (found == mNodes.end()) {
+    NodeClaim* const claim = mNodes.find(node);
+    if (claim == nullptr) {
         return;
     }
-    NodeClaim& claim = found->second;
-    if (claim.writer == transaction) {
-        claim.writer = kNoTransaction;
-        claim.deleting = false;
+    if (claim->writer == transaction) {
+        claim->writer = kNoTransaction;
+        claim->deleting = false;
     }
-    auto& creators = claim.creators;
+    auto& creators = claim->creators;
     creators.erase(std::remove(creators.begin(), creators.end(), transaction), creators.end());
-    if (claim.isFree()) {
-        mNodes.erase(found);
+    if (claim->isFree()) {
+        mNodes.erase(node);
     }
 }
 

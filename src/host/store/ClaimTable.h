@@ -5,6 +5,8 @@
 #define ORV_HOST_STORE_CLAIMTABLE_H
 
 #include "StoreTypes.h"
+#include "base/NumberMap.h"
+#include "base/TextHash.h"
 #include "model/Model.h"
 
 #include <cstdint>
@@ -12,7 +14,6 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -72,8 +73,8 @@ private:
     void releaseNode(NodeId node, TransactionId transaction) noexcept;
 
     std::mutex mMutex; ///< guards all below
-    std::unordered_map<NodeId, NodeClaim> mNodes;
-    std::unordered_map<std::string, TransactionId> mNames;
+    NumberMap<NodeId, NodeClaim> mNodes;
+    std::unordered_map<std::string, TransactionId, TextHash> mNames;
     std::unordered_map<std::uint64_t, TransactionId> mMemberships;
     std::unordered_map<TransactionId, std::string> mAuthors; ///< of those that have one
 };

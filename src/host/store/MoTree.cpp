@@ -4,30 +4,42 @@
 #include "MoTree.h"
 
 #include "base/DnView.h"
+#include "base/TextHash.h"
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <utility>
 
 namespace OrvHost {
 
 namespace {
 
-// Takes `end` off the end of `text`; false if the text does not end with it.
-bool takeLast(std::string_view& text, std::string_view end) {
-    if (!text.ends_with(end)) {
-        return false;
+// Texts as short as names mostly are: a call of a function would take longer than the comparison.
+bool isSameText(const char* one, const char* other, std::size_t size) {
+    const auto differ = [&]<class Part>(Part, std::size_t at) {
+        Part left = 0;
+        Part right = 0;
+        std::memcpy(&left, one + at, sizeof(Part));
+        std::memcpy(&right, other + at, sizeof(Part));
+        return left != right;
+    };
+    if (size >= sizeof(std::uint64_t)) {
+        for (std::size_t at = 0; at + sizeof(std::uint64_t) < size; at += sizeof(std::uint64_t)) {
+            if (differ(std::uint64_t{}, at)) {
+                return false;
+            }
+        }
+        return !differ(std::uint64_t{}, size - sizeof(std::uint64_t)); // overlaps those before
     }
-    text.remove_suffix(end.size());
-    return true;
-}
-
-bool takeLast(std::string_view& text, char end) {
-    if (!text.ends_with(end)) {
-        return false;
+    if (size >= sizeof(std::uint32_t)) {
+        return !differ(std::uint32_t{}, 0) &&
+               !differ(std::uint32_t{}, size - sizeof(std::uint32_t));
     }
-    text.remove_suffix(1);
+    for (; size > 0; --size) {
+        if (one[size - 1] != other[size - 1]) {
+            return false;
+        }
+    }
     return true;
 }
 
@@ -37,46 +49,32 @@ MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.add();
 }
 
-// Eight bytes at a time; the last eight overlap those before them. Only DNs of objects at the top
-// can be shorter than eight.
 std::uint32_t MoTree::hashOf(std::string_view dn) {
-    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15U;
-    constexpr std::size_t kStep = sizeof(std::uint64_t);
-    if (dn.size() < kStep) {
-        return static_cast<std::uint32_t>(std::hash<std::string_view>()(dn));
-    }
-    std::uint64_t hash = dn.size();
-    const auto mix = [&hash](const char* at) {
-        std::uint64_t part = 0;
-        std::memcpy(&part, at, kStep);
-        hash ^= part;
-        // A product carries what differs to the left only, and the last characters are at the left.
-        hash = (hash ^ hash >> 32U) * kSpread;
-        hash ^= hash >> 32U;
-    };
-    for (std::size_t at = 0; at + kStep < dn.size(); at += kStep) {
-        mix(dn.data() + at);
-    }
-    mix(dn.data() + dn.size() - kStep);
-    // Once more, so that DNs that differ in their last characters only do not lie close together.
-    hash *= 0xBF58476D1CE4E5B9U;
-    hash ^= hash >> 32U;
-    return static_cast<std::uint32_t>(hash);
+    return static_cast<std::uint32_t>(OrvHost::hashOf(dn));
 }
 
-// Takes the steps off the end of the text, since nodes link to their parents.
+// Step by step from the end, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
-    for (;;) {
+    for (std::size_t left = dn.size();;) {
         const MoNode& one = mNodes[id];
-        if (!takeLast(dn, one.record.name()) || !takeLast(dn, '=') ||
-            !takeLast(dn, mModel.classes[one.moc].name)) {
+        const std::string_view name = one.record.name();
+        const std::string& type = mModel.classes[one.moc].name;
+        const std::size_t size = type.size() + 1 + name.size();
+        if (left < size) {
+            return false;
+        }
+        left -= size;
+        const char* const step = dn.data() + left;
+        if (step[type.size()] != '=' ||
+            !isSameText(step + type.size() + 1, name.data(), name.size()) ||
+            !isSameText(step, type.data(), type.size())) {
             return false;
         }
         id = one.parent;
-        if (id == kRootNode || dn.empty()) {
-            return id == kRootNode && dn.empty();
+        if (id == kRootNode || left == 0) {
+            return id == kRootNode && left == 0;
         }
-        if (!takeLast(dn, ',')) {
+        if (dn[--left] != ',') {
             return false;
         }
     }

@@ -23,6 +23,14 @@ AttributeIndex requireSettable(const ClassDef& moc, std::string_view attribute,
     return index;
 }
 
+// Whether objects of the class can break a rule that only the whole transaction shows: see
+// StoreTransaction::checkConditions.
+bool hasConditions(const ClassDef& moc) {
+    return !moc.choices.empty() ||
+           std::any_of(moc.attributes.begin(), moc.attributes.end(),
+                       [](const AttributeDef& attribute) { return attribute.isConditional; });
+}
+
 std::string placeOf(std::string_view parentDn) {
     return parentDn.empty() ? " at the top level" : " under " + std::string(parentDn);
 }
@@ -475,6 +483,9 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
 // through both.
 void StoreTransaction::checkConditions(const Mo& mo, std::vector<std::string>& violations) const {
     const ClassDef& moc = *classOf(mo);
+    if (!hasConditions(moc)) {
+        return;
+    }
     const std::string_view changes = changesOf(mo);
     for (const std::string& wrong : WriteCheck::wrongChoices(moc, mo.attributes, changes)) {
         violations.push_back(dnOf(mo) + ": " + wrong);

@@ -47,24 +47,16 @@ void TransactionOverlay::dropCreated(const CreatedMo& mo) {
     mCreated.erase(dn);
 }
 
-const std::string* TransactionOverlay::findModified(NodeId node) const {
-    if (mModified.empty()) {
-        return nullptr;
-    }
-    const auto found = mModified.find(node);
-    return found == mModified.end() ? nullptr : &found->second;
-}
-
 void TransactionOverlay::markDeleted(NodeId node, NodeId parent, ClassIndex moc) {
     mDeletionOrder.push_back(node);
-    mDeleted.emplace(node, node);
+    mDeleted[node] = node;
     ++mDeletedCounts[groupKey(parent, moc)];
     mModified.erase(node);
 }
 
 std::uint64_t TransactionOverlay::deletedCount(NodeId parent, ClassIndex moc) const {
-    const auto found = mDeletedCounts.find(groupKey(parent, moc));
-    return found == mDeletedCounts.end() ? 0 : found->second;
+    const std::uint64_t* const count = mDeletedCounts.find(groupKey(parent, moc));
+    return count == nullptr ? 0 : *count;
 }
 
 void TransactionOverlay::noteMembers(const std::string& parentDn, ClassIndex moc) {

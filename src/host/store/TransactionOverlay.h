@@ -5,6 +5,7 @@
 #define ORV_HOST_STORE_TRANSACTIONOVERLAY_H
 
 #include "StoreTypes.h"
+#include "base/NumberMap.h"
 #include "base/TextHash.h"
 #include "model/Model.h"
 
@@ -60,12 +61,14 @@ public:
 
     /// What the transaction has written to a committed object, as the changes of AttributeBytes;
     /// null if nothing.
-    const std::string* findModified(NodeId node) const;
+    const std::string* findModified(NodeId node) const { return mModified.find(node); }
     /// The same, to be written.
     std::string& modify(NodeId node) { return mModified[node]; }
-    const std::unordered_map<NodeId, std::string>& modified() const { return mModified; }
+    /// All of these, by node; in the order in which they were written first, as long as no object
+    /// was deleted.
+    const NumberMap<NodeId, std::string>& modified() const { return mModified; }
 
-    bool isDeleted(NodeId node) const { return !mDeleted.empty() && mDeleted.count(node) > 0; }
+    bool isDeleted(NodeId node) const { return mDeleted.find(node) != nullptr; }
     /// \p parent and \p moc: the parent and the class of the committed object \p node.
     void markDeleted(NodeId node, NodeId parent, ClassIndex moc);
     /// How many children of one class under one parent are deleted.
@@ -76,11 +79,11 @@ public:
     NodeId skipDeleted(NodeId node, const NextOf& nextOf) const {
         NodeId end = node;
         while (end != kNoNode && isDeleted(end)) {
-            const NodeId after = mDeleted.find(end)->second;
+            const NodeId after = *mDeleted.find(end);
             end = after == end ? nextOf(end) : after;
         }
         while (node != end) {
-            NodeId& after = mDeleted.find(node)->second;
+            NodeId& after = *mDeleted.find(node);
             node = after == node ? nextOf(node) : after;
             after = end;
         }
@@ -102,11 +105,11 @@ private:
     std::unordered_map<std::string, CreatedMo, TextHash, std::equal_to<>> mCreated;
     std::unordered_map<std::string, Group, TextHash, std::equal_to<>> mGroups;
     std::vector<CreatedMo*> mAll;
-    std::unordered_map<NodeId, std::string> mModified;
+    NumberMap<NodeId, std::string> mModified;
     /// The deleted objects. Each has a later sibling, or none, with only deleted objects between;
     /// itself if that is not known. A walk over siblings makes it known, so it changes in reads.
-    mutable std::unordered_map<NodeId, NodeId> mDeleted;
-    std::unordered_map<std::uint64_t, std::uint64_t> mDeletedCounts; ///< by parent and class
+    mutable NumberMap<NodeId, NodeId> mDeleted;
+    NumberMap<std::uint64_t, std::uint64_t> mDeletedCounts; ///< by parent and class
     std::vector<NodeId> mDeletionOrder;
     std::set<std::pair<std::string, ClassIndex>> mMembers;
 };
