@@ -279,12 +279,21 @@ OrvReturnT BiDirValidator::checkValueTypes(const VekMoAttributeValueContainer_3&
     return code;
 }
 
-bool BiDirValidator::PermittedTypes::permits(VekOamSpiMrMocHandle_4T moc) const {
-    if (!any) {
-        return moc == declared;
+// Sorted, since an attribute of many associations may hold many values.
+BiDirValidator::PermittedTypes::PermittedTypes(VekOamSpiMrMocHandle_4T declared, bool any,
+                                               const std::list<VekOamSpiMrMocHandle_4T>& associated)
+    : mDeclared(declared), mAny(any) {
+    if (mAny) {
+        mAssociated.assign(associated.begin(), associated.end());
+        std::sort(mAssociated.begin(), mAssociated.end());
     }
-    return associated.empty() ||
-           std::find(associated.begin(), associated.end(), moc) != associated.end();
+}
+
+bool BiDirValidator::PermittedTypes::permits(VekOamSpiMrMocHandle_4T moc) const {
+    if (!mAny) {
+        return moc == mDeclared;
+    }
+    return mAssociated.empty() || std::binary_search(mAssociated.begin(), mAssociated.end(), moc);
 }
 
 void BiDirValidator::getAttributeFromMoc(VekOamSpiMrMocHandle_4T moc, const char* name,

@@ -13,6 +13,7 @@
 
 #include <list>
 #include <string>
+#include <vector>
 
 namespace OrvExtCmRouterService {
 
@@ -87,12 +88,19 @@ private:
     };
 
     /// The classes that a value may be of.
-    struct PermittedTypes {
-        VekOamSpiMrMocHandle_4T declared; ///< what the attribute's type names
-        bool any;                         ///< the type names any class: the associations decide
-        const std::list<VekOamSpiMrMocHandle_4T>& associated;
+    class PermittedTypes {
+    public:
+        /// \p declared: what the attribute's type names; \p any: that is any class, and the
+        /// associations decide, if there are some.
+        PermittedTypes(VekOamSpiMrMocHandle_4T declared, bool any,
+                       const std::list<VekOamSpiMrMocHandle_4T>& associated);
 
         bool permits(VekOamSpiMrMocHandle_4T moc) const;
+
+    private:
+        VekOamSpiMrMocHandle_4T mDeclared;
+        bool mAny;
+        std::vector<VekOamSpiMrMocHandle_4T> mAssociated; ///< sorted; only if they decide
     };
 
     bool canJudge(const TracePoint& operation, unsigned long txHandle) const;

@@ -3,6 +3,7 @@
 
 #include "associations/PendingAdditions.h"
 
+#include <compare>
 #include <functional>
 #include <utility>
 
@@ -10,10 +11,8 @@ namespace OrvExtCmRouterService {
 
 // Records of one source, one for each target, stand side by side in any order.
 bool PendingAdditions::SourceOrder::operator()(const Record& left, const Record& right) const {
-    const Source leftSource = sourceOf(left);
-    const Source rightSource = sourceOf(right);
-    return leftSource != rightSource ? leftSource < rightSource
-                                     : std::less<const void*>()(&*left, &*right);
+    const std::strong_ordering order = sourceOf(left) <=> sourceOf(right);
+    return order != 0 ? order < 0 : std::less<const void*>()(&*left, &*right);
 }
 
 PendingAdditions::Source PendingAdditions::sourceOf(const Record& record) {
@@ -38,7 +37,8 @@ void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
 }
 
 void PendingAdditions::drop(Record record) {
-    mSources.erase(record);
+    const auto source = mSources.find(record);
+    mSources.erase(source); // by its place: a key would be looked for twice
     mStore.erase(record);
     count();
 }
