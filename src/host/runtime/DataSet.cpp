@@ -17,23 +17,20 @@
 
 namespace OrvHost {
 
-namespace {
-
 /// The objects of a data set, by the DN of their parent and class.
-class DataSetView : public ObjectView {
+class DataSet::View : public ObjectView {
 public:
-    explicit DataSetView(const std::vector<StartObject>& objects) {
-        for (const StartObject& object : objects) {
+    explicit View(const DataSet& data) : mData(data) {
+        for (const Entry& object : data.mObjects) {
             const DnView dn(object.dn);
-            mObjects.emplace(object.dn, &object);
             mNames[std::string(dn.siblingPrefix())].emplace_back(dn.last().value());
         }
     }
 
-    bool exists(const std::string& dn) const override { return mObjects.count(dn) > 0; }
+    bool exists(const std::string& dn) const override { return mData.mByDn.count(dn) > 0; }
 
     std::vector<NamedValue> valuesOf(const std::string& dn) const override {
-        return mObjects.at(dn)->attributes;
+        return mData.mValues.unpack(mData.mObjects[mData.mByDn.at(dn)].attributes);
     }
 
     std::vector<std::string> namesOf(const std::string& parentDn,
@@ -43,33 +40,48 @@ public:
     }
 
 private:
-    std::unordered_map<std::string, const StartObject*> mObjects;
+    const DataSet& mData;
     std::unordered_map<std::string, std::vector<std::string>> mNames;
 };
 
-AttributeValue& valueOf(StartObject& object, const std::string& attribute) {
-    for (auto& [name, value] : object.attributes) {
+namespace {
+
+AttributeValue& valueOf(std::vector<NamedValue>& attributes, const std::string& attribute) {
+    for (auto& [name, value] : attributes) {
         if (name == attribute) {
             return value;
         }
     }
-    object.attributes.emplace_back(attribute, AttributeValue{ValueKind::MoRef, {}});
-    return object.attributes.back().second;
+    attributes.emplace_back(attribute, AttributeValue{ValueKind::MoRef, {}});
+    return attributes.back().second;
 }
 
+}
+
+DataSet::Entry DataSet::entryOf(StartObject object) {
+    shortenReferences(mModel, object.attributes);
+    Entry entry;
+    entry.isMention = isMention(object);
+    entry.attributes = mValues.pack(object.attributes);
+    entry.file = &*mFiles.insert(std::move(object.source.file)).first;
+    entry.line = object.source.line;
+    entry.dn = std::move(object.dn);
+    return entry;
 }
 
 void DataSet::add(StartObject object) {
     object.dn = shortDn(mModel, std::move(object.dn));
-    shortenReferences(mModel, object.attributes);
-    const auto known = mByDn.find(object.dn);
+    Entry entry = entryOf(std::move(object));
+    const auto known = mByDn.find(entry.dn);
     if (known == mByDn.end()) {
-        mByDn.emplace(object.dn, mObjects.size());
-        mObjects.push_back(std::move(object));
-    } else if (isMention(mObjects[known->second])) {
-        mObjects[known->second] = std::move(object);
-    } else if (!isMention(object)) {
-        mObjects.push_back(std::move(object));
+        mObjects.push_back(std::move(entry));
+        mByDn.emplace(mObjects.back().dn, mObjects.size() - 1);
+    } else if (mObjects[known->second].isMention) {
+        Entry& mention = mObjects[known->second];
+        entry.dn.swap(mention.dn); // the text that is the key stays, with its memory
+        mention = std::move(entry);
+    } else if (!entry.isMention) {
+        mObjects.push_back(std::move(entry));
     }
 }
 
@@ -84,8 +96,10 @@ bool DataSet::isMention(const StartObject& object) const {
 }
 
 void DataSet::visit(const Visitor& visitor) const {
-    for (const StartObject& object : mObjects) {
-        visitor({object.dn, object.attributes});
+    std::vector<NamedValue> attributes;
+    for (const Entry& object : mObjects) {
+        mValues.unpack(object.attributes, attributes);
+        visitor({object.dn, attributes});
     }
 }
 
@@ -99,7 +113,7 @@ std::vector<std::string> DataSet::check() const {
 
 std::vector<std::string> DataSet::checkRules(const RuleCheck& rules) const {
     std::vector<std::string> texts;
-    for (const RuleViolation& violation : rules.checkAll(DataSetView(mObjects)).violations) {
+    for (const RuleViolation& violation : rules.checkAll(View(*this)).violations) {
         texts.push_back(place(violation.dn) + toText(violation));
     }
     return texts;
@@ -134,7 +148,7 @@ std::vector<std::string> DataSet::misnamedInLists() const {
 
 std::vector<std::string> DataSet::topLevelDns() const {
     std::vector<std::string> dns;
-    for (const StartObject& object : mObjects) {
+    for (const Entry& object : mObjects) {
         if (!DnView(object.dn).hasParent()) {
             dns.push_back(object.dn);
         }
@@ -146,8 +160,11 @@ std::vector<std::string> DataSet::repair() {
     const InstanceReport report = InstanceChecker(mModel).check(*this);
     std::vector<std::string> texts;
     for (const MissingReference& missing : report.repairs) {
-        StartObject& object = mObjects[mByDn.at(missing.dn)];
-        valueOf(object, missing.attribute).values.emplace_back(missing.value);
+        Entry& object = mObjects[mByDn.at(missing.dn)];
+        std::vector<NamedValue> attributes = mValues.unpack(object.attributes);
+        valueOf(attributes, missing.attribute).values.emplace_back(missing.value);
+        object.attributes = mValues.pack(attributes);
+        object.isMention = false;
         texts.push_back(place(missing.dn) + missing.dn + ": added " + missing.value + " to " +
                         missing.attribute);
     }
@@ -157,35 +174,38 @@ std::vector<std::string> DataSet::repair() {
 std::vector<std::string> DataSet::moveInto(MoStore& store, const Progress& progress) {
     std::vector<std::string> problems;
     std::unordered_set<std::string> refused;
+    std::vector<NamedValue> attributes;
     std::size_t done = 0;
     for (const std::size_t position : parentsFirst()) {
-        StartObject& object = mObjects[position];
+        Entry& object = mObjects[position];
         if (refused.count(std::string(DnView(object.dn).parent().text())) > 0) {
             refused.insert(object.dn);
         } else {
             try {
-                store.load(object.dn, object.attributes);
+                mValues.unpack(object.attributes, attributes);
+                store.load(object.dn, attributes);
             } catch (const HostError& error) {
                 problems.push_back(place(object.dn) + error.what());
                 refused.insert(object.dn);
             }
         }
-        object.attributes = {};
+        object.attributes = std::string();
         if (progress) {
             progress(++done, mObjects.size());
         }
     }
-    mObjects.clear();
     mByDn.clear();
+    mObjects.clear();
     return problems;
 }
 
-std::string DataSet::place(const std::string& dn) const {
+std::string DataSet::place(std::string_view dn) const {
     const auto found = mByDn.find(dn);
-    if (found == mByDn.end() || mObjects[found->second].source.file.empty()) {
+    if (found == mByDn.end() || mObjects[found->second].file->empty()) {
         return {};
     }
-    return toText(mObjects[found->second].source) + ": ";
+    const Entry& object = mObjects[found->second];
+    return toText(SourcePosition{*object.file, object.line}) + ": ";
 }
 
 std::vector<std::size_t> DataSet::parentsFirst() const {
@@ -193,7 +213,7 @@ std::vector<std::size_t> DataSet::parentsFirst() const {
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::vector<std::size_t> depths;
     depths.reserve(mObjects.size());
-    for (const StartObject& object : mObjects) {
+    for (const Entry& object : mObjects) {
         depths.push_back(DnView(object.dn).depth());
     }
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {

@@ -4,14 +4,18 @@
 #ifndef ORV_HOST_RUNTIME_DATASET_H
 #define ORV_HOST_RUNTIME_DATASET_H
 
+#include "PackedValues.h"
 #include "audit/InstanceReport.h"
 #include "audit/InstanceSource.h"
 #include "model/Model.h"
 #include "model/RuleCheck.h"
 
 #include <cstddef>
+#include <deque>
 #include <functional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -76,14 +80,29 @@ public:
     std::vector<std::string> moveInto(MoStore& store, const Progress& progress = {});
 
 private:
+    class View;
+
+    /// An object, in few bytes.
+    struct Entry {
+        std::string dn;
+        std::string attributes; ///< see PackedValues
+        const std::string* file = nullptr;
+        int line = 0;
+        bool isMention = false;
+    };
+
     bool isMention(const StartObject& object) const;
-    std::string place(const std::string& dn) const;
+    Entry entryOf(StartObject object);
+    std::string place(std::string_view dn) const;
     std::vector<std::string> topLevelDns() const;
     std::vector<std::size_t> parentsFirst() const;
 
     const Model& mModel;
-    std::vector<StartObject> mObjects;
-    std::unordered_map<std::string, std::size_t> mByDn; ///< the first object with each DN
+    PackedValues mValues;
+    std::set<std::string> mFiles;
+    std::deque<Entry> mObjects; ///< which never move
+    /// The first object with each DN; the keys are their texts.
+    std::unordered_map<std::string_view, std::size_t, TextHash> mByDn;
 };
 
 }

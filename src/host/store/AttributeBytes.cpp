@@ -3,6 +3,8 @@
 
 #include "AttributeBytes.h"
 
+#include "BytesWriter.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -12,14 +14,6 @@ namespace OrvHost {
 
 namespace {
 
-void putNumber(std::string& out, std::uint64_t number) {
-    while (number >= 0x80U) {
-        out += static_cast<char>(number | 0x80U);
-        number >>= 7U;
-    }
-    out += static_cast<char>(number);
-}
-
 std::size_t sizeOfNumber(std::uint64_t number) {
     std::size_t size = 1;
     for (; number >= 0x80U; number >>= 7U) {
@@ -28,18 +22,7 @@ std::size_t sizeOfNumber(std::uint64_t number) {
     return size;
 }
 
-void putText(std::string& out, std::string_view text) {
-    putNumber(out, text.size());
-    out += text;
-}
-
-// Maps small numbers of either sign to small unsigned numbers, which take few bytes.
-std::uint64_t foldSign(std::int64_t number) {
-    const auto bits = static_cast<std::uint64_t>(number);
-    return (bits << 1U) ^ (number < 0 ? UINT64_MAX : 0);
-}
-
-void putValues(std::string& out, const TypeDef& type, const AttributeValue& value);
+void putValues(BytesWriter& out, const TypeDef& type, const AttributeValue& value);
 std::size_t sizeOf(const TypeDef& type, const AttributeValue& value);
 AttributeValue getValues(BytesReader& reader, const TypeDef& type);
 
@@ -55,36 +38,32 @@ std::size_t positionOf(const std::vector<AttributeDef>& all, const std::string& 
 
 /// Writes one value of a type.
 struct ValueWriter {
-    std::string& out;
+    BytesWriter& out;
     const TypeDef& type;
 
-    void operator()(bool flag) const { out += static_cast<char>(flag ? 1 : 0); }
-    void operator()(std::int64_t number) const { putNumber(out, foldSign(number)); }
-    void operator()(std::uint64_t number) const { putNumber(out, number); }
-    void operator()(double number) const {
-        char raw[sizeof number];
-        std::memcpy(raw, &number, sizeof number);
-        out.append(raw, sizeof number);
-    }
+    void operator()(bool flag) const { out.flag(flag); }
+    void operator()(std::int64_t number) const { out.signedNumber(number); }
+    void operator()(std::uint64_t number) const { out.number(number); }
+    void operator()(double number) const { out.real(number); }
     void operator()(const std::string& text) const {
         if (type.kind == ValueKind::Enumeration) {
-            putNumber(out, positionOf(type.enumerators, text));
+            out.number(positionOf(type.enumerators, text));
         } else {
-            putText(out, text);
+            out.text(text);
         }
     }
     void operator()(const StructValue& value) const {
-        putNumber(out, value.members.size());
+        out.number(value.members.size());
         for (const NamedValue& member : value.members) {
             const std::size_t index = positionOf(type.members, member.first);
-            putNumber(out, index);
+            out.number(index);
             putValues(out, type.members[index].type, member.second);
         }
     }
 };
 
-void putValues(std::string& out, const TypeDef& type, const AttributeValue& value) {
-    putNumber(out, value.values.size());
+void putValues(BytesWriter& out, const TypeDef& type, const AttributeValue& value) {
+    out.number(value.values.size());
     for (const Value& one : value.values) {
         std::visit(ValueWriter{out, type}, one);
     }
@@ -95,7 +74,9 @@ struct ValueSizer {
     const TypeDef& type;
 
     std::size_t operator()(bool) const { return 1; }
-    std::size_t operator()(std::int64_t number) const { return sizeOfNumber(foldSign(number)); }
+    std::size_t operator()(std::int64_t number) const {
+        return sizeOfNumber(BytesWriter::foldSign(number));
+    }
     std::size_t operator()(std::uint64_t number) const { return sizeOfNumber(number); }
     std::size_t operator()(double) const { return sizeof(double); }
     std::size_t operator()(const std::string& text) const {
@@ -197,9 +178,10 @@ void putEntry(std::string& bytes, AttributeIndex index, const TypeDef& type,
               const AttributeValue& value) {
     const std::size_t size = sizeOf(type, value);
     bytes.reserve(bytes.size() + sizeOfNumber(index) + sizeOfNumber(size) + size);
-    putNumber(bytes, index);
-    putNumber(bytes, size);
-    putValues(bytes, type, value);
+    BytesWriter out(bytes);
+    out.number(index);
+    out.number(size);
+    putValues(out, type, value);
 }
 
 }
