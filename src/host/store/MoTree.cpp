@@ -133,6 +133,16 @@ std::uint64_t MoTree::countChildren(NodeId parent, ClassIndex moc, CommitNumber 
     return count;
 }
 
+CommitNumber MoTree::childrenChangedAt(NodeId parent) const {
+    CommitNumber latest = 0;
+    if (const auto& groups = mNodes[parent].groups) {
+        for (const ChildGroup& group : *groups) {
+            latest = std::max(latest, group.changedAt);
+        }
+    }
+    return latest;
+}
+
 std::string MoTree::dnOf(NodeId id) const {
     std::vector<NodeId> path;
     for (; id != kRootNode; id = mNodes[id].parent) {

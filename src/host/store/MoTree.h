@@ -96,6 +96,8 @@ public:
     std::uint64_t countChildren(NodeId parent, ClassIndex moc, CommitNumber at) const;
     /// The list of children of one class, or null if there have never been any.
     const ChildGroup* findGroup(NodeId parent, ClassIndex moc) const;
+    /// The commit in which a child of any class was last added or deleted; 0 if never.
+    CommitNumber childrenChangedAt(NodeId parent) const;
     std::string dnOf(NodeId id) const;
 
     /// Adds an object under \p parent. All or nothing if memory runs out.

@@ -417,6 +417,11 @@ void StoreTransaction::remove(std::string_view dn) {
         }
         appendChildren(next, all);
     }
+    for (const Doomed& next : all) {
+        if (next.created == nullptr) {
+            mGuard.requireSameChildren(next.node);
+        }
+    }
     mFoundLast.clear();
     // Children before their parents.
     for (auto next = all.rbegin(); next != all.rend(); ++next) {

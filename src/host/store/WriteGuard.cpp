@@ -115,6 +115,14 @@ void WriteGuard::requireUnchanged(NodeId node, ClaimTable::Kind kind) {
     }
 }
 
+void WriteGuard::requireSameChildren(NodeId node) {
+    const CommitNumber changedAt =
+        mTree.read([&](const MoTree& tree) { return tree.childrenChangedAt(node); });
+    if (changedAt > mSnapshot) {
+        failForCommit("the children of " + dnOf(node) + " were changed", changedAt);
+    }
+}
+
 void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
     if (const auto rival = mClaims.claimName(mClaimed, dn)) {
         fail(dn + " is being created", nameOf(*rival));

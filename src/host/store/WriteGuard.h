@@ -37,6 +37,9 @@ public:
     void claimWrite(NodeId node);
     /// Before a deletion. The descendants are claimed one by one.
     void claimDelete(NodeId node);
+    /// After claimDelete of \p node and its children: no child has come or gone since the snapshot,
+    /// such as one that was created and deleted again, for which there is nothing to claim.
+    void requireSameChildren(NodeId node);
     /// Before children are created under it.
     void claimCreateUnder(NodeId node);
     /// Before an object with that DN is created. \p deletedByOwner: the snapshot shows such an

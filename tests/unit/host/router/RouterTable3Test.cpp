@@ -506,5 +506,21 @@ TEST_F(RouterTable3_1Test, SetMoAttributes_OneIsWrong_SetsNone) {
     EXPECT_EQ(getText(kA, "label"), "first");
 }
 
+TEST_F(RouterTable3Test, DeleteMo_WhoseNewChildIsGoneAgain_IsAConflict) {
+    const unsigned long other = service.begin();
+    ASSERT_EQ(v3.createMo(other, "Network=1", "Node", "id", "c", nullptr), OrvOk);
+    ASSERT_EQ(service.commit(other).code, OrvOk);
+    const unsigned long third = service.begin();
+    ASSERT_EQ(v3.deleteMo(third, "Network=1,Node=c"), OrvOk);
+    ASSERT_EQ(service.commit(third).code, OrvOk);
+
+    EXPECT_EQ(v3.deleteMo(tx, "Network=1"), OrvHostWriteConflict);
+    EXPECT_EQ(lastMessage(), "the children of Network=1 were changed since this transaction "
+                             "began, by transaction " +
+                                 std::to_string(third));
+    EXPECT_EQ(service.commit(tx).code, OrvValidationFailed);
+    EXPECT_EQ(v3.createMo(service.begin(), "Network=1", "Node", "id", "d", nullptr), OrvOk);
+}
+
 }
 }

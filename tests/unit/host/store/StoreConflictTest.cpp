@@ -107,6 +107,41 @@ TEST_F(StoreConflictTest, Remove_ObjectBelowWhichAnotherHasDeleted_IsRefused) {
                    kA + ",Rack=r was deleted since this transaction began, by transaction 33");
 }
 
+TEST_F(StoreConflictTest, Remove_ObjectWhoseNewChildIsGoneAgain_IsRefused) {
+    createUnder(*one, kA, "r");
+    one->commit();
+    one = store.begin(33);
+    one->remove(kA + ",Rack=r");
+    one->commit();
+    expectConflict([&] { two->remove(kA); },
+                   "the children of " + kA +
+                       " were changed since this transaction began, by transaction 33");
+    EXPECT_TRUE(two->exists(kA));
+}
+
+TEST_F(StoreConflictTest, Remove_SubtreeInWhichANewChildIsGoneAgain_IsRefused) {
+    createUnder(*one, kA, "r");
+    one->commit();
+    one = store.begin(33);
+    one->remove(kA + ",Rack=r");
+    one->commit();
+    expectConflict([&] { two->remove("Network=1"); },
+                   "the children of " + kA +
+                       " were changed since this transaction began, by transaction 33");
+}
+
+TEST_F(StoreConflictTest, Remove_ObjectWithOwnChanges_Succeeds) {
+    createUnder(*one, kA, "r");
+    one->commit();
+    two = store.begin(22);
+    two->remove(kA + ",Rack=r");
+    createUnder(*two, kA, "s");
+    two->remove(kA);
+    EXPECT_THAT(two->check(), IsEmpty());
+    two->commit();
+    EXPECT_FALSE(store.begin(33)->exists(kA));
+}
+
 TEST_F(StoreConflictTest, Set_ObjectThatAnotherDeletes_IsRefused) {
     one->remove("Network=1");
     expectConflict([&] { setLabel(*two, kA, "two"); }, kA + " is being deleted by transaction 11");
