@@ -3,9 +3,14 @@
 
 // Instance data: any text is read, or refused with a reason. What is read can be
 // written in both formats, and reads the same again.
+//
+// FUZZ_YANG_MODULES: modules, separated by ":", whose data the text is, instead of the example
+// model. They are searched in the directories of FUZZ_YANG_PATH, which are separated in the same
+// way.
 
 #include "RanModel.h"
 #include "support/ByteSource.h"
+#include "support/ChosenModules.h"
 #include "support/Require.h"
 #include "yang/instances/InstanceDataReader.h"
 #include "yang/instances/InstanceDataWriter.h"
@@ -21,14 +26,26 @@ namespace {
 
 using Objects = std::vector<DataObject>;
 
-const YangModel& ranModel() {
-    static const YangModel theModel = RanGenerator::readRanModel();
-    return theModel;
+YangModel readModel() {
+    const std::vector<std::string> modules = wordsOf("FUZZ_YANG_MODULES");
+    if (modules.empty()) {
+        return RanGenerator::readRanModel();
+    }
+    YangModelReader reader = chosenModelReader();
+    for (const std::string& module : modules) {
+        reader.load(module);
+    }
+    return reader.read();
+}
+
+const YangModel& theModel() {
+    static const YangModel model = readModel();
+    return model;
 }
 
 std::optional<Objects> read(const std::string& text) {
     Objects objects;
-    InstanceDataReader reader(ranModel().schema);
+    InstanceDataReader reader(theModel().schema);
     try {
         reader.readText(text, "input", [&](DataObject&& object, const std::string&) {
             objects.push_back(std::move(object));
@@ -53,7 +70,7 @@ bool areDistinct(const Objects& objects) {
 }
 
 std::string write(const Objects& objects, DataFormat format) {
-    InstanceDataWriter writer(ranModel().schema, format);
+    InstanceDataWriter writer(theModel().schema, format);
     for (const DataObject& object : objects) {
         writer.add(object);
     }

@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Whole modules: a model comes out, or an error that says what is wrong.
+//
+// FUZZ_YANG_PATH: directories, separated by ":", in which imported modules are searched.
 
 #include "model/ModelError.h"
 #include "support/ByteSource.h"
+#include "support/ChosenModules.h"
 #include "support/Require.h"
-#include "yang/schema/YangModelReader.h"
+#include "yang/source/ModuleStatements.h"
 
 using namespace Fuzz;
 using namespace OrvHost;
@@ -27,14 +30,21 @@ void checkModel(const Model& model) {
     }
 }
 
+/// The name that the text gives its module, which the library compares with the name that it asked
+/// for. One with "/" or "." could be read as the path of a file.
+std::string nameOf(const std::string& text) {
+    const std::string name = ModuleStatements(text).top().argument;
+    return name.empty() || name.find_first_of("/.") != std::string::npos ? "m" : name;
+}
+
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
-        const YangModel read = YangModelReader()
-                                   .offerText("m", "m.yang", ByteSource(data, size).rest())
-                                   .load("m")
-                                   .read();
+        const std::string text = ByteSource(data, size).rest();
+        const std::string name = nameOf(text);
+        const YangModel read =
+            chosenModelReader().offerText(name, "m.yang", text).load(name).withAllRules().read();
         checkModel(read.model);
     } catch (const ModelError& error) {
         require(error.what()[0] != '\0', "refused without a reason");
