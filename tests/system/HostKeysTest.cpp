@@ -163,6 +163,25 @@ TEST_F(HostKeysTest, Client_WritesWithTheKey_AreThoseWithTheShortForm) {
     }
 }
 
+TEST_F(HostKeysTest, Client_CreationWithTheKeyAsAValue_IsTheSameInAllVersions) {
+    Clients clients(mHost);
+    for (const char* version : {"1", "3", "3_1"}) {
+        clients.choose(version);
+        Client& client = clients.chosen();
+        const unsigned long txHandle = begin();
+        client.create(txHandle, {"Site=1", "Mast", "id", "5"}, {{"id", name("5")}});
+        client.create(txHandle, {"Site=1", "Mast", "mastId", "6"}, {{"mastId", name("6")}});
+        client.create(txHandle, {"Site=1", "Route", "routeId", "a|b"},
+                      {{"next", name("b")}, {"prefix", name("a")}});
+        EXPECT_THAT(read(txHandle, "Site=1,Mast=5", "id"), ElementsAre("5")) << version;
+        EXPECT_THAT(read(txHandle, "Site=1,Route=a|b", "next"), ElementsAre("b")) << version;
+        EXPECT_THROW(client.create(txHandle, {"Site=1", "Mast", "id", "7"}, {{"id", name("8")}}),
+                     OperationError)
+            << version;
+        mHost.transactions().abort(txHandle);
+    }
+}
+
 TEST_F(HostKeysTest, SeveralKeys_AreReadOutOfTheName) {
     const unsigned long txHandle = begin();
     const std::string dn = "Site=1,Route=10.0.0.0/8|a%2Cb";

@@ -51,21 +51,24 @@ Client::Client(Host& host)
     : mHost(host),
       mTable(requireOffered<OrvOamSpiManagedObject_3>(host, OrvOamSpiManagedObject_3_ExtCmId)) {}
 
+const Model& Client::model() const {
+    return mHost.model();
+}
+
 std::string Client::shortForm(std::string dn) const {
-    return shortDn(mHost.model(), std::move(dn));
+    return shortDn(model(), std::move(dn));
 }
 
 std::vector<NamedValue> Client::shortForm(std::vector<NamedValue> values) const {
-    shortenReferences(mHost.model(), values);
+    shortenReferences(model(), values);
     return values;
 }
 
 NewObject Client::shortForm(NewObject object) const {
-    const Model& model = mHost.model();
-    object.parentDn = shortDn(model, std::move(object.parentDn));
-    const auto moc = model.findClass(object.className);
+    object.parentDn = shortDn(model(), std::move(object.parentDn));
+    const auto moc = model().findClass(object.className);
     const AttributeDef* naming =
-        moc ? model.classes[*moc].findAttribute(object.namingAttribute) : nullptr;
+        moc ? model().classes[*moc].findAttribute(object.namingAttribute) : nullptr;
     if (naming != nullptr && naming->isNaming) {
         object.namingAttribute = naming->name;
     }

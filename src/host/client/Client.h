@@ -103,6 +103,7 @@ public:
     void cancelBy(const CancellationToken* token) { mToken = token; }
 
 protected:
+    const Model& model() const;
     std::string shortForm(std::string dn) const;
     std::vector<NamedValue> shortForm(std::vector<NamedValue> values) const;
     NewObject shortForm(NewObject object) const;

@@ -7,6 +7,7 @@
 #include "OfferedTable.h"
 #include "base/DnView.h"
 #include "router/ContainerConversion.h"
+#include "store/WriteCheck.h"
 
 #include <algorithm>
 
@@ -47,6 +48,23 @@ AttributeValue valueOf(const AttributeDef& parameter, const NamedValues& paramet
                            parameter.name + " cannot be left out before the others");
     }
     return *parameter.defaultValue;
+}
+
+/// The values that the name of a new object does not give it already. The other versions take them
+/// in the creation; in this one each would be a set of its own, which a name does not permit.
+NamedValues withoutName(const Model& model, const NewObject& object, NamedValues values) {
+    const auto moc = model.findClass(object.className);
+    if (!moc) {
+        return values;
+    }
+    const ClassDef& def = model.classes[*moc];
+    const auto isGiven = [&](const NamedValue& value) {
+        const AttributeDef* attribute = def.findAttribute(value.first);
+        return attribute != nullptr && attribute->isGivenByName() &&
+               value.second == WriteCheck::nameValue(def, *attribute, object.name);
+    };
+    values.erase(std::remove_if(values.begin(), values.end(), isGiven), values.end());
+    return values;
 }
 
 }
@@ -112,8 +130,8 @@ void Client1::create(unsigned long txHandle, const NewObject& writtenObject,
     check(mTable->createMo(txHandle, object.parentDn.c_str(), object.className.c_str(),
                            object.namingAttribute.c_str(), object.name.c_str()),
           {"createMo", object.parentDn, object.className, {}});
-    setAll(txHandle, DnView(object.parentDn).child(object.className, object.name), attributes,
-           {"the object is created"});
+    setAll(txHandle, DnView(object.parentDn).child(object.className, object.name),
+           withoutName(model(), object, attributes), {"the object is created"});
 }
 
 void Client1::set(unsigned long txHandle, const std::string& writtenDn,

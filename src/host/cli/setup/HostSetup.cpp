@@ -9,6 +9,7 @@
 #include "base/RootObject.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/ProgressBar.h"
+#include "model/ValueCheck.h"
 #include "runtime/DataSet.h"
 #include "yang/instances/InstanceDataReader.h"
 #include "yang/rules/YangRules.h"
@@ -46,11 +47,27 @@ std::vector<std::string> namesIn(const std::string& text) {
     return names;
 }
 
+// Data that is saved gives the element at the root this name.
+void checkIdentity(const Model& model, const std::string& identity) {
+    const auto moc = model.findClass(kRootClass);
+    if (!moc || !model.classes[*moc].isTopLevel) {
+        return;
+    }
+    const ClassDef& root = model.classes[*moc];
+    const std::string reason =
+        whyRefused(root.findAttribute(root.namingAttribute)->type, Value(identity));
+    if (!reason.empty()) {
+        throw LoadError("--me-id: the key of " + root.name + " (" + toText(root.source) +
+                        ") does not permit the identity '" + identity + "': " + reason);
+    }
+}
+
 }
 
 HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(errors) {
     openLog(options);
     readModel(options);
+    checkIdentity(mModel.model, options.meId.empty() ? options.meIdFallback : options.meId);
     HostOptions hostOptions;
     hostOptions.preferredIdentity = options.meId;
     hostOptions.fallbackIdentity = options.meIdFallback;

@@ -5,7 +5,9 @@
 
 #include "AssociationResolver.h"
 #include "AttributeResolver.h"
+#include "base/RootObject.h"
 #include "model/KeyValues.h"
+#include "model/ValueCheck.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -82,6 +84,7 @@ void ModelResolver::resolveClass(const ClassDraft& draft, ClassDef& moc) {
     mProblems.checkBounds(moc.source, subjectOf(moc) + ", number of objects", moc.instances);
     addNamingAttribute(moc);
     checkNamingAttribute(draft, moc);
+    checkRoot(moc);
     resolveActions(draft, moc);
     checkChoices(moc);
 }
@@ -202,6 +205,22 @@ void ModelResolver::nameNamingAttribute(ClassDef& moc, std::size_t position) {
         }
     }
     naming.name = moc.namingAttribute;
+}
+
+// No client could create or name the element at the root if its key did not permit the name that it
+// has in the host.
+void ModelResolver::checkRoot(const ClassDef& moc) {
+    const AttributeDef* naming = moc.findAttribute(moc.namingAttribute);
+    if (moc.name != kRootClass || !moc.isTopLevel || naming == nullptr) {
+        return;
+    }
+    const std::string reason = whyRefused(naming->type, Value(std::string(kRootName)));
+    if (!reason.empty()) {
+        mProblems.add(naming->source,
+                      {subjectOf(moc), ": this is the element at the root, which every host calls ",
+                       kRootClass, "=", kRootName, " inside; expected a single key that permits ",
+                       kRootName, ": ", reason});
+    }
 }
 
 void ModelResolver::resolveContainments() {

@@ -26,6 +26,7 @@ private:
     void resolveActions(const ClassDraft& draft, ClassDef& moc);
     void checkChoices(const ClassDef& moc);
     void addNamingAttribute(ClassDef& moc);
+    void checkRoot(const ClassDef& moc);
     void checkNamingAttribute(const ClassDraft& draft, ClassDef& moc);
     void nameNamingAttribute(ClassDef& moc, std::size_t position);
     void resolveContainments();

@@ -43,6 +43,10 @@ std::vector<Statement> associationsIn(const lysc_ext_instance* extensions) {
     return statements;
 }
 
+std::string toText(const Statement& statement) {
+    return statement.name + " \"" + statement.argument + "\"";
+}
+
 void apply(const ReferenceTerms& terms, ReferenceDraft& draft) {
     draft.cardinality = terms.bounds;
     draft.roleText = terms.role;
@@ -95,9 +99,15 @@ void ignorePatternsOfReferences(YangContext& context) {
     }
 }
 
-void AssociationReader::refuse(const SourcePosition& source, const std::string& keyword,
-                               const std::string& argument, const std::string& reason) {
-    mProblems.push_back({source, keyword + " \"" + argument + "\": " + reason});
+void AssociationReader::refuse(const Place& place, const std::string& reason) {
+    const Problem problem{place.source, place.statement + ": " + reason};
+    const auto isSame = [&problem](const Problem& other) {
+        return toText(other) == toText(problem);
+    };
+    // The statement is read at each place where its leaf is found.
+    if (std::none_of(mProblems.begin(), mProblems.end(), isSame)) {
+        mProblems.push_back(problem);
+    }
 }
 
 /// The name in the model of the class that a statement means. A class that does not exist is
@@ -128,9 +138,9 @@ std::string AssociationReader::use(const ClassName& name, const Place& place) {
 
 void AssociationReader::readModule(const lys_module* module) {
     for (const Statement& statement : associationsIn(module->compiled->exts)) {
-        readModuleStatement(
-            statement.name, statement.argument,
-            {module->name, mLocator.of(module, statement.name, statement.argument)});
+        readModuleStatement(statement.name, statement.argument,
+                            {module->name, mLocator.of(module, statement.name, statement.argument),
+                             toText(statement)});
     }
 }
 
@@ -143,7 +153,7 @@ void AssociationReader::readModuleStatement(const std::string& keyword, const st
             add(parseBiDirInModule(argument), place);
         }
     } catch (const StatementError& error) {
-        refuse(place.source, keyword, argument, error.what());
+        refuse(place, error.what());
     }
 }
 
@@ -151,7 +161,11 @@ void AssociationReader::add(const UniDirInModule& statement, const Place& place)
     ReferenceDraft draft(use(statement.owner.moc, place), statement.owner.attribute);
     draft.to(use(statement.target, place)).at(place.source);
     apply(statement.terms, draft);
-    mFromModules.insert({draft.owner, draft.attribute});
+    enterFromModule(std::move(draft), place);
+}
+
+void AssociationReader::enterFromModule(ReferenceDraft draft, const Place& place) {
+    mFromModules[{draft.owner, draft.attribute}].push_back(place);
     mReferences.push_back(std::move(draft));
 }
 
@@ -166,22 +180,46 @@ void AssociationReader::add(const BiDirInModule& statement, const Place& place) 
         ReferenceDraft draft(classes[i], near.attribute);
         draft.to(classes[1 - i]).pointedBackBy(far.attribute).at(place.source);
         apply(terms, draft);
-        mFromModules.insert({draft.owner, draft.attribute});
-        mReferences.push_back(std::move(draft));
+        enterFromModule(std::move(draft), place);
     }
 }
 
-void AssociationReader::readAttribute(const lysc_node* node, const std::string& className) {
+void AssociationReader::readAttribute(const lysc_node* node, const std::string& className,
+                                      const std::string& name) {
     for (const Statement& statement : associationsIn(node->exts)) {
-        ReferenceDraft draft(className, node->name);
-        draft.at(mLocator.of(node, statement.name, statement.argument));
-        readInAttribute(statement.name, statement.argument, std::move(draft), node->module->name);
+        const Place place{node->module->name, mLocator.of(node, statement.name, statement.argument),
+                          toText(statement)};
+        ReferenceDraft draft(className, name);
+        draft.at(place.source);
+        readInAttribute(statement.name, statement.argument, std::move(draft), place);
+    }
+}
+
+void AssociationReader::refuseKey(const lysc_node* node, const std::string& className,
+                                  const std::string& name) {
+    std::vector<Place> places;
+    for (const Statement& statement : associationsIn(node->exts)) {
+        places.push_back({node->module->name, mLocator.of(node, statement.name, statement.argument),
+                          toText(statement)});
+    }
+    if (const auto known = mFromModules.find({className, name}); known != mFromModules.end()) {
+        places.insert(places.end(), known->second.begin(), known->second.end());
+        mFromModules.erase(known); // the class can be found at further places
+    }
+    for (const Place& place : places) {
+        refuse(place, "\"" + name + "\" is a key of class \"" + className +
+                          "\" and names its objects; another attribute was expected");
+        // The other end of the same statement must not be reported, too.
+        const auto isOfStatement = [&place](const ReferenceDraft& draft) {
+            return draft.source.file == place.source.file && draft.source.line == place.source.line;
+        };
+        mReferences.erase(std::remove_if(mReferences.begin(), mReferences.end(), isOfStatement),
+                          mReferences.end());
     }
 }
 
 void AssociationReader::readInAttribute(const std::string& keyword, const std::string& argument,
-                                        ReferenceDraft draft, const std::string& module) {
-    const Place place{module, draft.source};
+                                        ReferenceDraft draft, const Place& place) {
     try {
         if (keyword == kUniDir) {
             const UniDirInLeaf statement = parseUniDirInLeaf(argument);
@@ -195,7 +233,7 @@ void AssociationReader::readInAttribute(const std::string& keyword, const std::s
         }
         mReferences.push_back(std::move(draft));
     } catch (const StatementError& error) {
-        refuse(draft.source, keyword, argument, error.what());
+        refuse(place, error.what());
     }
 }
 
@@ -203,8 +241,8 @@ std::vector<std::string> AssociationReader::readMember(const lysc_node* node) {
     std::vector<std::string> targets;
     for (const Statement& statement : associationsIn(node->exts)) {
         const SourcePosition source = mLocator.of(node, statement.name, statement.argument);
-        targets.push_back(
-            readInMember(statement.name, statement.argument, {node->module->name, source}));
+        targets.push_back(readInMember(statement.name, statement.argument,
+                                       {node->module->name, source, toText(statement)}));
     }
     targets.erase(std::remove(targets.begin(), targets.end(), ""), targets.end());
     return targets;
@@ -226,13 +264,14 @@ std::string AssociationReader::readInMember(const std::string& keyword, const st
         }
         return use(statement.target, place);
     } catch (const StatementError& error) {
-        refuse(place.source, keyword, argument, error.what());
+        refuse(place, error.what());
         return "";
     }
 }
 
-bool AssociationReader::isReference(const lysc_node* node, const std::string& className) const {
-    return mFromModules.count({className, node->name}) > 0 || !associationsIn(node->exts).empty();
+bool AssociationReader::isReference(const lysc_node* node, const std::string& className,
+                                    const std::string& name) const {
+    return mFromModules.count({className, name}) > 0 || !associationsIn(node->exts).empty();
 }
 
 void AssociationReader::addTo(ModelBuilder& builder) {

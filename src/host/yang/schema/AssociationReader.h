@@ -12,7 +12,7 @@
 
 #include <libyang/libyang.h>
 
-#include <set>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,15 +29,22 @@ public:
     /// Reads the statements at the level of a module.
     void readModule(const lys_module* module);
 
-    /// Reads the statements in a leaf or leaf-list that is an attribute of a class.
-    void readAttribute(const lysc_node* node, const std::string& className);
+    /// Reads the statements in a leaf or leaf-list that is the attribute \p name of a class. The
+    /// name can be another one than that of the node.
+    void readAttribute(const lysc_node* node, const std::string& className,
+                       const std::string& name);
+
+    /// Refuses the statements that make the attribute \p name a reference although it is a key.
+    void refuseKey(const lysc_node* node, const std::string& className, const std::string& name);
 
     /// The classes that a reference in a struct or a parameter may refer to. Associations are not
     /// allowed there, because the component updates only attributes.
     std::vector<std::string> readMember(const lysc_node* node);
 
-    /// True if a statement in the leaf or in a module makes the leaf a reference.
-    bool isReference(const lysc_node* node, const std::string& className) const;
+    /// True if a statement in the leaf or in a module makes the leaf, which is the attribute \p
+    /// name of a class, a reference.
+    bool isReference(const lysc_node* node, const std::string& className,
+                     const std::string& name) const;
 
     void addTo(ModelBuilder& builder);
 
@@ -53,6 +60,7 @@ private:
     struct Place {
         std::string module;
         SourcePosition source;
+        std::string statement; ///< keyword and argument
     };
 
     void readModuleStatement(const std::string& keyword, const std::string& argument,
@@ -60,17 +68,18 @@ private:
     void add(const UniDirInModule& statement, const Place& place);
     void add(const BiDirInModule& statement, const Place& place);
     void readInAttribute(const std::string& keyword, const std::string& argument,
-                         ReferenceDraft draft, const std::string& module);
+                         ReferenceDraft draft, const Place& place);
     std::string readInMember(const std::string& keyword, const std::string& argument,
                              const Place& place);
+    void enterFromModule(ReferenceDraft draft, const Place& place);
     std::string use(const ClassName& name, const Place& place);
-    void refuse(const SourcePosition& source, const std::string& keyword,
-                const std::string& argument, const std::string& reason);
+    void refuse(const Place& place, const std::string& reason);
 
     const SourceLocator& mLocator;
     const ClassNames& mNames;
     std::vector<ReferenceDraft> mReferences;
-    std::set<std::pair<std::string, std::string>> mFromModules; // class and attribute
+    /// The modules' statements, by class and attribute.
+    std::map<std::pair<std::string, std::string>, std::vector<Place>> mFromModules;
     std::vector<Problem> mProblems;
 };
 

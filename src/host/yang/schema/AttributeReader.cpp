@@ -98,31 +98,30 @@ void AttributeReader::describeKey(const lysc_node* node, AttributeDef& def) {
     }
 }
 
-std::optional<AttributeReader::Attribute>
-AttributeReader::readAttribute(const lysc_node* node, const std::string& className, bool isFirst) {
-    return read(node, className, isFirst);
+std::optional<AttributeReader::Attribute> AttributeReader::readAttribute(const lysc_node* node,
+                                                                         const Purpose& purpose) {
+    return read(node, purpose);
 }
 
 std::optional<AttributeDraft>
 AttributeReader::readParameter(const lysc_node* node, const std::vector<AttributeDraft>& others) {
-    std::optional<Attribute> read = this->read(node, "", true);
+    std::optional<Attribute> read = this->read(node, {"", node->name});
     if (!read || !makeUnique(node, others, read->draft)) {
         return std::nullopt;
     }
     return std::move(read->draft);
 }
 
-/// An empty class name means a member of a struct or a parameter.
-std::optional<AttributeReader::Attribute>
-AttributeReader::read(const lysc_node* node, const std::string& className, bool isFirst) {
+std::optional<AttributeReader::Attribute> AttributeReader::read(const lysc_node* node,
+                                                                const Purpose& purpose) {
     mRules.see(node);
     switch (node->nodetype) {
     case LYS_LEAF:
     case LYS_LEAFLIST:
-        return readLeaf(node, className, isFirst);
+        return readLeaf(node, purpose);
     case LYS_CONTAINER:
     case LYS_LIST:
-        return readStruct(node);
+        return readStruct(node, purpose.name);
     default:
         mNotes.count(std::string("`") + lys_nodetype2str(node->nodetype) +
                          "` nodes are not part of the model",
@@ -132,17 +131,19 @@ AttributeReader::read(const lysc_node* node, const std::string& className, bool 
 }
 
 AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
-                                                     const std::string& className, bool isFirst) {
+                                                     const Purpose& purpose) {
     noteOpenIdentities(node, followLeafrefs(typeOfLeaf(node)));
+    const std::string& className = purpose.className;
     const bool isKey = lysc_is_key(node) && !className.empty();
     TypeDef type = isKey ? readKeyType(node, mContext) : readType(node, mContext);
-    Attribute attribute{AttributeDraft(node->name, type.kind), {}};
+    Attribute attribute{AttributeDraft(purpose.name, type.kind), {}};
     attribute.draft.def.type = std::move(type);
     if (isKey) {
         describeKey(node, attribute.draft.def);
-    }
-    if (isReferenceByType(node) || mAssociations.isReference(node, className)) {
-        tellReference(node, className, isFirst, attribute);
+        mAssociations.refuseKey(node, className, purpose.name);
+    } else if (isReferenceByType(node) ||
+               mAssociations.isReference(node, className, purpose.name)) {
+        tellReference(node, purpose, attribute);
     }
     describe(node, attribute);
     const std::vector<Value> defaults = defaultsOf(node, attribute.draft.def.type.kind);
@@ -198,8 +199,8 @@ void AttributeReader::noteOpenIdentities(const lysc_node* node, const lysc_type*
     }
 }
 
-void AttributeReader::tellReference(const lysc_node* node, const std::string& className,
-                                    bool isFirst, Attribute& attribute) {
+void AttributeReader::tellReference(const lysc_node* node, const Purpose& purpose,
+                                    Attribute& attribute) {
     TypeDef& type = attribute.draft.def.type;
     if (type.kind != ValueKind::String) {
         mAssociations.refuse(mLocator.of(node),
@@ -209,23 +210,24 @@ void AttributeReader::tellReference(const lysc_node* node, const std::string& cl
     }
     type.kind = ValueKind::MoRef;
     type.description = "reference";
-    if (className.empty()) {
+    if (purpose.className.empty()) {
         attribute.draft.targets = mAssociations.readMember(node);
         return;
     }
-    if (isFirst) {
+    if (purpose.isFirst) {
         // The permitted classes come from the associations.
-        mAssociations.readAttribute(node, className);
+        mAssociations.readAttribute(node, purpose.className, purpose.name);
     }
 }
 
-AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node) {
-    Attribute attribute{AttributeDraft(node->name, ValueKind::Struct), {}};
+AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node,
+                                                       const std::string& name) {
+    Attribute attribute{AttributeDraft(name, ValueKind::Struct), {}};
     attribute.draft.def.type.description = "struct";
     ChoiceReader choices;
     const lysc_node* child = nullptr;
     while ((child = lys_getnext(child, node, nullptr, 0)) != nullptr) {
-        std::optional<Attribute> member = read(child, "", true);
+        std::optional<Attribute> member = read(child, {"", child->name});
         if (member && makeUnique(child, attribute.draft.members, member->draft)) {
             member->shape.name = member->draft.def.name;
             choices.add(child, member->draft.def);
@@ -247,7 +249,7 @@ void AttributeReader::describe(const lysc_node* node, Attribute& attribute) cons
     def.description = node->dsc != nullptr ? node->dsc : "";
     def.source = mLocator.of(node);
     ValueShape& shape = attribute.shape;
-    shape.name = node->name;
+    shape.name = def.name;
     shape.kind = def.type.kind;
     shape.isMultiple = (node->nodetype & (LYS_LIST | LYS_LEAFLIST)) != 0;
     shape.node = node;

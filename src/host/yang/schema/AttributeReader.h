@@ -32,11 +32,17 @@ public:
                     AssociationReader& associations, IdentitySearch& identities, RuleReader& rules,
                     ModelNotes& notes);
 
-    /// Reads an attribute of that class; nothing if the node cannot be an attribute, which is
-    /// noted. With `isFirst`, the node's statements on associations go to the association reader:
-    /// the same attribute can be found at several places.
-    std::optional<Attribute> readAttribute(const lysc_node* node, const std::string& className,
-                                           bool isFirst);
+    /// What a node becomes.
+    struct Purpose {
+        std::string className; ///< of the attribute; empty: a member of a struct, or a parameter
+        std::string name;      ///< in the model
+        /// The node's statements on associations go to the association reader. The same attribute
+        /// can be found at several places.
+        bool isFirst = true;
+    };
+
+    /// Reads an attribute of a class; nothing if the node cannot be an attribute, which is noted.
+    std::optional<Attribute> readAttribute(const lysc_node* node, const Purpose& purpose);
 
     /// Reads a parameter or a result of an action, which has `others` already; nothing if the node
     /// cannot be one, which is noted.
@@ -44,12 +50,10 @@ public:
                                                 const std::vector<AttributeDraft>& others);
 
 private:
-    std::optional<Attribute> read(const lysc_node* node, const std::string& className,
-                                  bool isFirst);
-    Attribute readLeaf(const lysc_node* node, const std::string& className, bool isFirst);
-    Attribute readStruct(const lysc_node* node);
-    void tellReference(const lysc_node* node, const std::string& className, bool isFirst,
-                       Attribute& attribute);
+    std::optional<Attribute> read(const lysc_node* node, const Purpose& purpose);
+    Attribute readLeaf(const lysc_node* node, const Purpose& purpose);
+    Attribute readStruct(const lysc_node* node, const std::string& name);
+    void tellReference(const lysc_node* node, const Purpose& purpose, Attribute& attribute);
     bool makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
                     AttributeDraft& draft);
     void noteOpenIdentities(const lysc_node* node, const lysc_type* type);

@@ -60,6 +60,7 @@ void ClassNames::collect(const std::vector<const lys_module*>& modules) {
     }
     findCandidates();
     makeUnique();
+    noteChangedNames();
 }
 
 void ClassNames::collectTop(const lys_module* module, const lysc_node* parent) {
@@ -169,6 +170,7 @@ void ClassNames::findCandidates() {
             }
             moc.candidates.push_back(module + (byParents.empty() ? list->name : byParents.back()));
             moc.candidates.push_back(wholeName(list));
+            moc.written = moc.candidates;
             std::transform(moc.candidates.begin(), moc.candidates.end(), moc.candidates.begin(),
                            usable);
         }
@@ -209,6 +211,26 @@ void ClassNames::tellApart(const std::vector<Class*>& classes) {
         mNotes.count("only a \".\" makes the name of this class another one than that of a second "
                      "class, so it has a number at its end",
                      mLocator.of(list), pathOf(list));
+    }
+}
+
+/// That the list's own name is changed is noted before; here it is about what is put in front of
+/// it.
+void ClassNames::noteChangedNames() {
+    for (const Class& moc : mClasses) {
+        const lysc_node* list = moc.first();
+        if (moc.chosen >= moc.written.size()) {
+            continue;
+        }
+        const std::string& written = moc.written[moc.chosen];
+        const std::string front =
+            written.substr(0, written.size() - std::string(list->name).size());
+        if (front != usable(front)) {
+            mNotes.count("a class cannot have a \".\" in its name, which ends there in a DN, so "
+                         "this one is called \"" +
+                             moc.name() + "\" and not \"" + written + "\"",
+                         mLocator.of(list), pathOf(list));
+        }
     }
 }
 

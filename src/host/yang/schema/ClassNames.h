@@ -51,6 +51,7 @@ private:
         std::set<const void*> statements;    ///< the parsed lists
         std::vector<std::string> candidates; ///< for the name, the shortest first
         std::size_t chosen = 0;              ///< in candidates
+        std::vector<std::string> written;    ///< the candidates as the modules have the names
 
         const lysc_node* first() const { return places.front(); }
         const std::string& name() const { return candidates[chosen]; }
@@ -66,6 +67,7 @@ private:
     void findCandidates();
     void makeUnique();
     void tellApart(const std::vector<Class*>& classes);
+    void noteChangedNames();
 
     const SourceLocator& mLocator;
     ModelNotes& mNotes;

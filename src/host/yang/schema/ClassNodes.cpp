@@ -44,13 +44,17 @@ bool isClass(const lysc_node* node) {
            whyNoClass(node).empty();
 }
 
-// A reference in a name would be neither translated nor updated. What an instance-identifier is
-// written like depends on the format of the data.
+// A reference in a name would be neither translated nor updated. An instance-identifier names an
+// entry with "=", which cannot be in a name, and how it is written depends on the format of the
+// data.
 std::string whyNoClass(const lysc_node* list) {
     const std::vector<const lysc_node*> keys = keysOf(list);
     for (const lysc_node* key : keys) {
         if (isReferenceByType(key)) {
             return std::string("its key \"") + key->name + "\" is a reference";
+        }
+        if (followLeafrefs(typeOfLeaf(key))->basetype == LY_TYPE_INST) {
+            return std::string("its key \"") + key->name + "\" is an instance-identifier";
         }
         if (keys.size() > 1 && canBePath(typeOfLeaf(key))) {
             return std::string("its key \"") + key->name + "\" can be an instance-identifier";

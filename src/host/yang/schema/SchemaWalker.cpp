@@ -164,11 +164,12 @@ void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrappe
 
 void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                                 ObjectShape& shape) {
+    const std::string name = attributeName(node, moc, shape);
     const bool isFirst =
         std::none_of(moc.draft.attributes.begin(), moc.draft.attributes.end(),
-                     [node](const AttributeDraft& known) { return known.def.name == node->name; });
+                     [&name](const AttributeDraft& known) { return known.def.name == name; });
     std::optional<AttributeReader::Attribute> attribute =
-        mAttributes.readAttribute(node, moc.draft.def.name, isFirst);
+        mAttributes.readAttribute(node, {moc.draft.def.name, name, isFirst});
     if (attribute) {
         uniteAttribute(std::move(*attribute), wrapper, moc, shape);
     }
@@ -176,32 +177,31 @@ void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper,
 
 /// The naming attribute has a name that the module does not choose, and is known by that of the
 /// key, too. Another attribute with one of these names is called "module:name", as in JSON.
-void SchemaWalker::avoidNamesOfKeys(AttributeReader::Attribute& attribute, const Class& moc,
-                                    const ObjectShape& shape) {
-    const lysc_node* node = attribute.shape.node;
+std::string SchemaWalker::attributeName(const lysc_node* node, const Class& moc,
+                                        const ObjectShape& shape) {
+    const std::string plain = node->name;
     const std::string& naming = moc.draft.def.namingAttribute;
     const bool isKey = shape.isKey(node);
     const bool isNameOfKey =
         std::any_of(shape.keys.begin(), shape.keys.end(),
-                    [&](const lysc_node* key) { return key->name == attribute.draft.def.name; });
-    const bool isNamesake = attribute.draft.def.name == naming;
+                    [&plain](const lysc_node* key) { return key->name == plain; });
+    const bool isNamesake = plain == naming;
     if (isKey ? !isNamesake || shape.keys.size() == 1 : !isNamesake && !isNameOfKey) {
-        return;
+        return plain;
     }
-    std::string name = std::string(node->module->name) + ":" + node->name;
-    mNotes.add(attribute.draft.def.source, "attribute \"" + attribute.draft.def.name +
-                                               "\" of class \"" + moc.draft.def.name +
-                                               "\" is called \"" + name + "\", since \"" +
-                                               attribute.draft.def.name + "\" names the objects");
-    attribute.draft.def.name = name;
-    attribute.shape.name = std::move(name);
+    std::string name = std::string(node->module->name) + ":" + plain;
+    // The naming attribute of a class "module:List" has such a name itself.
+    name += name == naming ? "_2" : "";
+    mNotes.add(mLocator.of(node), "attribute \"" + plain + "\" of class \"" + moc.draft.def.name +
+                                      "\" is called \"" + name + "\", since \"" + plain +
+                                      "\" names the objects");
+    return name;
 }
 
 void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper,
                                   Class& moc, ObjectShape& shape) {
     std::vector<AttributeDraft>& attributes = moc.draft.attributes;
     const bool isKey = shape.isKey(attribute.shape.node);
-    avoidNamesOfKeys(attribute, moc, shape);
     const std::string& name = attribute.draft.def.name;
     const auto known =
         std::find_if(attributes.begin(), attributes.end(),

@@ -63,8 +63,7 @@ private:
     std::vector<ChoiceDef> choicesOf(Class& moc);
     void addAttribute(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
-    void avoidNamesOfKeys(AttributeReader::Attribute& attribute, const Class& moc,
-                          const ObjectShape& shape);
+    std::string attributeName(const lysc_node* node, const Class& moc, const ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
                         ObjectShape& shape);
     ActionDraft readAction(const lysc_node_action* action);

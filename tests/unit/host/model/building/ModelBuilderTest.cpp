@@ -15,8 +15,10 @@ namespace OrvHost {
 
 namespace {
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// The messages of a builder; none if it succeeds.
@@ -49,6 +51,34 @@ std::vector<std::string> namesOf(const Model& model, const std::vector<ClassInde
     return names;
 }
 
+}
+
+TEST(ModelBuilder, ElementAtTheRoot_MustPermitItsNameInTheHost) {
+    const auto rootWith = [](const AttributeDraft& key) {
+        return problemsOf(
+            ModelBuilder().add(ClassDraft("ManagedElement").topLevel().attribute(key)));
+    };
+    EXPECT_THAT(rootWith(AttributeDraft::enumeration("id", {"0", "1"}).naming()), IsEmpty());
+    EXPECT_THAT(
+        rootWith(AttributeDraft::enumeration("id", {"a", "b"}).naming()),
+        ElementsAre(AllOf(HasSubstr("Class ManagedElement: this is the element at the root"),
+                          HasSubstr("expected a single key that permits 1: "),
+                          HasSubstr("permitted names: a, b"))));
+    EXPECT_THAT(problemsOf(ModelBuilder().add(
+                    ClassDraft("ManagedElement")
+                        .topLevel()
+                        .keys({AttributeDraft::text("a"), AttributeDraft::text("b")}))),
+                ElementsAre(HasSubstr("the 2 key values a|b")));
+}
+
+TEST(ModelBuilder, ElementThatIsNotAtTheRoot_MayHaveAnyKey) {
+    EXPECT_THAT(
+        problemsOf(ModelBuilder()
+                       .add(topClass("Network"))
+                       .add(ClassDraft("ManagedElement")
+                                .attribute(AttributeDraft::enumeration("id", {"a"}).naming()))
+                       .contain("Network", "ManagedElement")),
+        IsEmpty());
 }
 
 TEST(ModelBuilder, SampleModel_KeepsWhatWasSaid) {

@@ -216,6 +216,15 @@ TEST(ClassNames, Dots_BecomeUnderscoresWithANote) {
                 ElementsAre("m_n:a_b", "o:a_b"));
 }
 
+TEST(ClassNames, DotsInTheNameOfAModule_BecomeUnderscoresWithANote) {
+    const YangModel model = modelOfAll({{"m.n", "\n" + listOf("c")}, {"o", listOf("c")}});
+    EXPECT_THAT(classesOf(model), ElementsAre("m_n:c", "o:c"));
+    EXPECT_THAT(
+        notesOf(model),
+        ElementsAre("m.n.yang:2: a class cannot have a \".\" in its name, which ends there "
+                    "in a DN, so this one is called \"m_n:c\" and not \"m.n:c\": at /m.n:c"));
+}
+
 TEST(ClassNames, NamesThatDifferInADotOnly_AreNumberedWithANote) {
     const YangModel model = modelOfAll(
         {{"m", listOf("Top", "\n" + listOf("a.b") + listOf("a_b", "leaf y { type uint8; }"))}});

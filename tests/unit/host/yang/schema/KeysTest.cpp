@@ -95,6 +95,72 @@ TEST(Keys, AttributesWithTheNamesOfTheKey_AreCalledWithTheirModule) {
         "");
 }
 
+TEST(Keys, AttributeWithTheNameOfTheKey_InAClassWithItsModule_GetsANumber) {
+    const std::string head = "yang-version 1.1; prefix p; namespace ";
+    const auto read = [&](const std::string& attribute) {
+        return YangModelReader()
+            .offerText("m", "m.yang",
+                       "module m {" + head +
+                           "\"m\"; list Cell { key CellId; "
+                           "leaf CellId { type string; } container attributes { leaf " +
+                           attribute + " { type string; } } } }")
+            .offerText("n", "n.yang",
+                       "module n {" + head +
+                           "\"n\"; list Cell { key id; "
+                           "leaf id { type string; } } }")
+            .load("m")
+            .load("n")
+            .read();
+    };
+    const YangModel model = read("CellId");
+    EXPECT_THAT(attributesOf(model, "m:Cell"), ElementsAre("m:CellId", "m:CellId_2"));
+    EXPECT_THAT(notesOf(model), ElementsAre(HasSubstr("is called \"m:CellId_2\"")));
+    const auto objects =
+        readObjectsOf(model, R"({"m:Cell": [{"CellId": "a", "attributes": {"CellId": "b"}}]})");
+    EXPECT_EQ(valueOf(objectOf(objects, "m:Cell=a"), "m:CellId_2"), "[b]");
+}
+
+const char* const kIdTwice = R"(
+  list Site { key id; leaf id { type string; } leaf cell { type orv:reference; } }
+  list Cell {
+    key id;
+    leaf id { type string; }
+    container attributes { leaf id { type orv:reference;
+      STATEMENT } }
+  })";
+
+std::string withStatement(const std::string& inLeaf, const std::string& inModule = "") {
+    std::string body = kIdTwice;
+    const std::string word = "STATEMENT";
+    return body.replace(body.find(word), word.size(), inLeaf) + inModule;
+}
+
+TEST(Keys, StatementInAnAttributeThatIsCalledWithItsModule_IsAboutThatAttribute) {
+    const YangModel uni = modelOfBody(withStatement("orv:unidirectional Site;"));
+    ASSERT_EQ(uni.model.uniDirAssociations.size(), 1U);
+    EXPECT_EQ(uni.model.uniDirAssociations[0].end.name, "m:id");
+    const YangModel far =
+        modelOfBody(withStatement("", "orv:unidirectional \"Cell.m:id -> Site\";"));
+    EXPECT_EQ(far.model.uniDirAssociations.size(), 1U);
+    const YangModel both =
+        modelOfBody(withStatement("", "orv:bidirectional \"Cell.m:id 0..1 <-> Site.cell 0..1\";"));
+    EXPECT_EQ(both.model.biDirAssociations.size(), 1U);
+}
+
+TEST(Keys, StatementsAboutAKey_AreRefusedWhereTheyStand) {
+    const auto errorOf = [](const std::string& body) {
+        return modelErrorOf([&] { modelOfBody(body); });
+    };
+    EXPECT_THAT(
+        errorOf(withStatement("", "\n\norv:bidirectional \"Cell.id <-> Site.cell\";")),
+        testing::MatchesRegex("m.yang:[0-9]+: bidirectional \"Cell.id <-> Site.cell\": \"id\" "
+                              "is a key of class \"Cell\" and names its objects; another "
+                              "attribute was expected"));
+    EXPECT_THAT(
+        errorOf("list Site { key id;\nleaf id { type string;\norv:unidirectional Site; } }"),
+        HasSubstr("unidirectional \"Site\": \"id\" is a key of class \"Site\""));
+}
+
 TEST(Keys, SeveralKeys_MakeAClass) {
     const YangModel model = modelOfBody(kRoutes);
     const ClassDef& route = classOf(model, "Route");
@@ -154,6 +220,7 @@ TEST(Keys, ReferencesAndPathsAsKeys_MakeStructs) {
         key id;
         leaf id { type string; }
         list One { key a; leaf a { type orv:reference; } }
+        list Path { key a; leaf a { type instance-identifier { require-instance false; } } }
         list Two {
           key "a b";
           leaf a { type string; }
@@ -167,18 +234,21 @@ TEST(Keys, ReferencesAndPathsAsKeys_MakeStructs) {
         }
       })");
     EXPECT_EQ(model.model.classes.size(), 1U);
-    EXPECT_THAT(attributesOf(model, "Site"), ElementsAre("siteId", "One", "Two", "Three"));
+    EXPECT_THAT(attributesOf(model, "Site"), ElementsAre("siteId", "One", "Path", "Two", "Three"));
     EXPECT_EQ(attributeOf(model, "Site", "Two").type.kind, ValueKind::Struct);
-    EXPECT_THAT(notesOf(model),
-                testing::UnorderedElementsAre(
-                    "the entries of this list are not part of the model, since its key \"a\" is a "
-                    "reference: at /m:Top",
-                    "the entries of this list are values and not objects, since its key \"a\" is a "
-                    "reference: at /m:Site/One",
-                    "the entries of this list are values and not objects, since its key \"b\" can "
-                    "be an instance-identifier: at /m:Site/Two",
-                    "leafrefs and instance-identifiers in a union are values like others: that "
-                    "what they name exists is not checked: at /m:Site/Two/b"));
+    EXPECT_THAT(
+        notesOf(model),
+        testing::UnorderedElementsAre(
+            "the entries of this list are not part of the model, since its key \"a\" is a "
+            "reference: at /m:Top",
+            "the entries of this list are values and not objects, since its key \"a\" is a "
+            "reference: at /m:Site/One",
+            "the entries of this list are values and not objects, since its key \"a\" is an "
+            "instance-identifier: at /m:Site/Path",
+            "the entries of this list are values and not objects, since its key \"b\" can "
+            "be an instance-identifier: at /m:Site/Two",
+            "leafrefs and instance-identifiers in a union are values like others: that "
+            "what they name exists is not checked: at /m:Site/Two/b"));
 }
 
 TEST(Keys, ListsWithTheSameKeysInAnotherOrder_AreTwoClasses) {
