@@ -5,6 +5,7 @@
 
 #include "AttributeBytes.h"
 #include "WriteCheck.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "model/ConditionalReferences.h"
 
@@ -515,8 +516,8 @@ void StoreTransaction::checkMembers(std::string_view parentDn, ClassIndex moc,
     const ClassDef& child = mModel.classes[moc];
     const std::uint64_t count = countOf(parentDn, parent, moc);
     if (!child.instances.contain(count)) {
-        violations.push_back("there are " + std::to_string(count) + " objects of class '" +
-                             child.name + "'" + placeOf(parentDn) + ", expected " +
+        violations.push_back((count == 1 ? "there is " : "there are ") + counted(count, "object") +
+                             " of class '" + child.name + "'" + placeOf(parentDn) + ", expected " +
                              toText(child.instances));
     }
 }

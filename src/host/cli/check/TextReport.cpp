@@ -3,15 +3,13 @@
 
 #include "TextReport.h"
 
+#include "base/Counted.h"
+
 #include <cstdio>
 
 namespace OrvHost {
 
 namespace {
-
-std::string counted(std::size_t number, const std::string& what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
-}
 
 std::string secondsText(double seconds) {
     char text[32];

@@ -17,7 +17,7 @@ void runList(Session& session, Words words);
 void runTree(Session& session, Words words);
 void runBegin(Session& session, Words words);
 void runUse(Session& session, Words words);
-void runTransactions(Session& session, Words words);
+void runTransactions(Session& session, const Words& words);
 void runInterface(Session& session, Words words);
 void runCreate(Session& session, Words words);
 void runSet(Session& session, Words words);
@@ -32,10 +32,10 @@ void runLoad(Session& session, Words words);
 void runDiff(Session& session, Words words);
 void runGraph(Session& session, Words words);
 void runModel(Session& session, Words words);
-void runComponents(Session& session, Words words);
+void runComponents(Session& session, const Words& words);
 void runLog(Session& session, Words words);
 void runHelp(const CommandTable& table, Session& session, Words words);
-void runQuit(Session& session, Words words);
+void runQuit(Session& session, const Words& words);
 
 }
 

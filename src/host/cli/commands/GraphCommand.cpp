@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 
+#include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/errors/UnknownClass.h"
 #include "cli/graph/ClassGraph.h"
@@ -63,9 +64,9 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     drawing.violations = violationsIn(session.model(), picture);
     const ReferenceLines lines(classes, picture, drawing.violations);
     drawing.dot = ObjectGraph(picture, lines, drawing.violations).dot();
-    drawing.summary = std::to_string(picture.objects.size()) + " objects, " +
-                      std::to_string(lines.all().size()) + " lines of references, " +
-                      std::to_string(drawing.violations.size()) + " violations";
+    drawing.summary = counted(picture.objects.size(), "object") + ", " +
+                      counted(lines.all().size(), "line") + " of references, " +
+                      counted(drawing.violations.size(), "violation");
     drawing.json = {{"objects", picture.objects.size()}, {"references", lines.all().size()}};
     drawing.json["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : drawing.violations) {

@@ -63,7 +63,7 @@ JsonValue toJson(const Command& command) {
 
 }
 
-void runComponents(Session& session, Words words) {
+void runComponents(Session& session, const Words& words) {
     words.end();
     JsonValue documents = JsonValue::array();
     std::vector<std::vector<std::string>> rows;
@@ -122,7 +122,7 @@ void runHelp(const CommandTable& table, Session& session, Words words) {
     }
 }
 
-void runQuit(Session& session, Words words) {
+void runQuit(Session& session, const Words& words) {
     words.end();
     session.end();
     if (session.wantsJson()) {

@@ -5,6 +5,7 @@
 
 #include "DataFile.h"
 #include "WriteReport.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
@@ -91,8 +92,7 @@ std::size_t callsOf(const EditPlan& plan, PlannedCall::Kind kind) {
 OperationError withWhatIsDone(const PlanRefusedError& refusal) {
     OperationSubject subject = refusal.subject();
     if (refusal.done() > 0) {
-        subject.done.push_back(std::to_string(refusal.done()) +
-                               (refusal.done() == 1 ? " change" : " changes") + " of the file");
+        subject.done.push_back(counted(refusal.done(), "change") + " of the file");
     }
     return {refusal.code(), std::move(subject), refusal.messages()};
 }
@@ -126,9 +126,9 @@ void runLoad(Session& session, Words words) {
     const std::size_t created = callsOf(plan, PlannedCall::Kind::Create);
     const std::size_t set = callsOf(plan, PlannedCall::Kind::Set);
     if (!session.wantsJson()) {
-        session.out() << options.file << ": " << objects << " objects; " << deleted << " deleted, "
-                      << created << " created, " << set << " set, " << maker.leftOut()
-                      << " values of the system left out\n";
+        session.out() << options.file << ": " << counted(objects, "object") << "; " << deleted
+                      << " deleted, " << created << " created, " << set << " set, "
+                      << counted(maker.leftOut(), "value") << " of the system left out\n";
         for (const std::string& note : file.notes) {
             session.out() << "note: " << note << '\n';
         }

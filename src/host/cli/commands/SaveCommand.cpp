@@ -5,6 +5,7 @@
 
 #include "DataFile.h"
 #include "base/AtomicFile.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
@@ -108,10 +109,6 @@ private:
     std::uint64_t mObjects = 0;
 };
 
-std::string objectsText(std::uint64_t number) {
-    return std::to_string(number) + (number == 1 ? " object" : " objects");
-}
-
 }
 
 void runSave(Session& session, Words words) {
@@ -133,7 +130,7 @@ void runSave(Session& session, Words words) {
                        {"dn", options.dn},
                        {"objects", objects}});
     } else {
-        session.out() << options.file << ": " << objectsText(objects) << '\n';
+        session.out() << options.file << ": " << counted(objects, "object") << '\n';
     }
 }
 

@@ -4,6 +4,7 @@
 #include "Commands.h"
 
 #include "WriteReport.h"
+#include "base/Counted.h"
 #include "cli/output/AlignedText.h"
 #include "cli/session/Session.h"
 
@@ -36,7 +37,7 @@ void runUse(Session& session, Words words) {
     }
 }
 
-void runTransactions(Session& session, Words words) {
+void runTransactions(Session& session, const Words& words) {
     words.end();
     const OpenTransactions::Entry* current = session.transactions().current();
     JsonValue documents = JsonValue::array();
@@ -80,8 +81,7 @@ std::string ruleCostText(Session& session, const OpenTransactions::Entry& transa
     if (!cost) {
         return {};
     }
-    return "rules of the modules: " + std::to_string(cost->objects) +
-           (cost->objects == 1 ? " object" : " objects") + " looked at in " +
+    return "rules of the modules: " + counted(cost->objects, "object") + " looked at in " +
            std::to_string(cost->time.count()) + " us";
 }
 

@@ -4,6 +4,7 @@
 #include "ObjectGraph.h"
 
 #include "GraphLook.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 
 namespace OrvHost {
@@ -53,10 +54,9 @@ std::string ObjectGraph::draw() {
 }
 
 std::string ObjectGraph::caption() const {
-    std::string text = mPicture.title + ": " + std::to_string(mPicture.objects.size()) +
-                       " objects, " + std::to_string(mLines.all().size()) +
-                       " lines of references, " + std::to_string(mViolations.size()) +
-                       " violations";
+    std::string text = mPicture.title + ": " + counted(mPicture.objects.size(), "object") + ", " +
+                       counted(mLines.all().size(), "line") + " of references, " +
+                       counted(mViolations.size(), "violation");
     if (mLines.unread() > 0) {
         text += "\n" + std::to_string(mLines.unread()) +
                 " references to further objects outside are not drawn";

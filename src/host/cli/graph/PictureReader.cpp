@@ -3,6 +3,7 @@
 
 #include "PictureReader.h"
 
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "client/ClientSession.h"
@@ -81,8 +82,8 @@ public:
         mText += (mText.empty() ? "" : " + ") + std::to_string(objects);
         mTaken += objects;
         if (mTaken > mExtent.objects) {
-            throw AnswerError("that is more than " + std::to_string(mExtent.objects) +
-                              " objects; level by level: " + mText +
+            throw AnswerError("that is more than " + counted(mExtent.objects, "object") +
+                              "; level by level: " + mText +
                               ". Draw less with --depth or from another DN, or raise --limit");
         }
     }

@@ -189,7 +189,7 @@ JsonValue ClassReport::attributeJson(const AttributeDescription& description) co
     if (def != nullptr) {
         document["type"] = typeText(def);
         document["naming"] = def->isNaming;
-        document["writable"] = def->isWritable;
+        document["writable"] = def->isWritable && !def->isGivenByName();
         document["default"] = def->defaultValue ? valueJson(*def->defaultValue) : JsonValue();
         document["description"] = def->description;
     }

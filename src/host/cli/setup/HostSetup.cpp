@@ -5,6 +5,7 @@
 
 #include "ComponentFinder.h"
 #include "LoggingWrapper.h"
+#include "base/Counted.h"
 #include "base/Join.h"
 #include "base/RootObject.h"
 #include "cli/errors/CliErrors.h"
@@ -141,8 +142,7 @@ void HostSetup::reportNotes(const Options& options) {
         throw LoadError("the model leaves out what follows, and --strict permits nothing of it\n" +
                         joinedLines(mModel.notes, toLine));
     }
-    mErrors << "orvhost: note: the model leaves out " << count
-            << (count == 1 ? " statement" : " statements")
+    mErrors << "orvhost: note: the model leaves out " << counted(count, "statement")
             << " of the modules; 'model --notes' lists " << (count == 1 ? "it" : "them") << '\n';
 }
 

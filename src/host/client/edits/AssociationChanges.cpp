@@ -4,6 +4,7 @@
 #include "AssociationChanges.h"
 
 #include "References.h"
+#include "base/Join.h"
 
 #include <algorithm>
 #include <set>
@@ -198,7 +199,7 @@ void AssociationChanges::checkNamed(const Slot& slot, const Dns& values) {
     for (const std::string& target : std::set<std::string>(values.begin(), values.end())) {
         if (list.count(target) > 1) {
             mProblems.push_back({EditProblem::Kind::WrongValue, slot.first, slot.second,
-                                 name + " names " + target + " more than once"});
+                                 joined({name, " names ", target, " more than once"})});
         }
     }
     for (const std::string& target : values) {

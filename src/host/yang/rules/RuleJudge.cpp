@@ -3,6 +3,7 @@
 
 #include "RuleJudge.h"
 
+#include "base/Counted.h"
 #include "yang/schema/AttributeReader.h"
 #include "yang/schema/ClassNodes.h"
 #include "yang/source/YangContext.h"
@@ -186,9 +187,9 @@ void RuleJudge::judgeCount(const Rule& rule, lyd_node* parent) {
     if (static_cast<std::int64_t>(count) < bounds.lower &&
         firstFalse(rule, parent, nullptr) == nullptr) {
         addAbsent(parent, "",
-                  "there are " + std::to_string(count) + " objects of class '" +
-                      rule.counted->className + "' under it, expected " + toText(bounds) + "; " +
-                      conditionsOf(rule));
+                  (count == 1 ? "there is " : "there are ") + counted(count, "object") +
+                      " of class '" + rule.counted->className + "' under it, expected " +
+                      toText(bounds) + "; " + conditionsOf(rule));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "AssociationReader.h"
 
 #include "yang/source/StatementPlacement.h"
+#include "yang/types/TypeFacts.h"
 #include "yang/types/TypedefChain.h"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ void ignorePatternsOfReferences(YangContext& context) {
         const std::vector<std::string> names =
             isLeaf ? typedefsOf(node) : std::vector<std::string>();
         if (std::any_of(names.begin(), names.end(), isForeignReference)) {
-            static_cast<YangContext*>(data)->ignorePatterns(node);
+            static_cast<YangContext*>(data)->ignorePatterns(typeOfLeaf(node));
         }
         return LY_SUCCESS;
     };

@@ -176,12 +176,13 @@ std::vector<Problem> YangContext::compileProblems(const ModuleFinder& finder) co
     return problems;
 }
 
-void YangContext::ignorePatterns(const lysc_node* leaf) {
-    lysc_type* type = leaf->nodetype == LYS_LEAF
-                          ? reinterpret_cast<const lysc_node_leaf*>(leaf)->type
-                          : reinterpret_cast<const lysc_node_leaflist*>(leaf)->type;
-    auto* text = reinterpret_cast<lysc_type_str*>(type);
-    if (type->basetype == LY_TYPE_STRING && text->patterns != nullptr) {
+void YangContext::ignorePatterns(const lysc_type* type) {
+    if (type->basetype != LY_TYPE_STRING) {
+        return;
+    }
+    // The types belong to the context, which this object owns.
+    auto* text = reinterpret_cast<lysc_type_str*>(const_cast<lysc_type*>(type)); // NOLINT
+    if (text->patterns != nullptr) {
         mIgnoredPatterns.emplace_back(text, text->patterns);
         text->patterns = nullptr;
     }

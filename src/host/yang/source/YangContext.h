@@ -44,9 +44,10 @@ public:
 
     ly_ctx* get() const { return mContext; }
 
-    /// From now on texts that the patterns of this leaf or leaf-list refuse are values of it, and
-    /// of all others that share its type. Call it before other threads use the context.
-    void ignorePatterns(const lysc_node* leaf);
+    /// From now on texts that the patterns of this type refuse are values of it. It must be a type
+    /// of this context's modules; leaves can share it. Call it before other threads use the
+    /// context.
+    void ignorePatterns(const lysc_type* type);
 
     /// The loaded modules that define data, in the order of loading.
     std::vector<const lys_module*> implementedModules() const;
