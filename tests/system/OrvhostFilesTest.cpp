@@ -12,6 +12,9 @@
 #include <fstream>
 #include <iterator>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+
 namespace SystemTest {
 namespace {
 
@@ -326,6 +329,43 @@ TEST(OrvhostLoadTest, OtherModelOrNoFile_IsRefused) {
                       HasSubstr("load: nofile: cannot be read; a file with instance data was"),
                       HasSubstr("'replac' is no way to load; merge or replace was expected"),
                       HasSubstr("there is no class Ship")));
+}
+
+TEST(OrvhostLoadTest, PipeOrDevice_IsRefusedAtOnce) {
+    const TemporaryDirectory directory;
+    const std::string pipe = (directory.path() / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto result = runCommands(
+        {"load " + pipe, "load /dev/zero", "diff " + pipe + " committed"}, {"--keep-going"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, AllOf(HasSubstr("load: " + pipe +
+                                            ": is a pipe, a socket or a device; a "
+                                            "file or a directory with instance"),
+                                  HasSubstr("load: /dev/zero: is a pipe"),
+                                  HasSubstr("diff: " + pipe + ": is a pipe")));
+}
+
+TEST(OrvhostLoadTest, StandardInput_IsRead) {
+    const auto result =
+        runOrvhost(withSite({"-c", "load /dev/stdin", "-c", "get ManagedElement=east label"}),
+                   R"({"site:ManagedElement": [{"managedElementId": "1", "label": "new"}]})");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nnew\n"));
+}
+
+TEST(OrvhostSaveTest, FileOverTheLimitOfItsSize_IsRefusedAndNothingStays) {
+    const TemporaryDirectory directory;
+    const std::string file = directory.file("a.json", "old");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{1024, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto result = runRan("H", kHarbour, {"save " + file});
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr(file + ": cannot be written to its end"));
+    EXPECT_EQ(readFile(file), "old");
+    EXPECT_EQ(filesIn(directory.path()), 1U);
 }
 
 TEST(OrvhostLoadTest, SeveralThingsWrong_AreAllNamedAndNothingIsWritten) {

@@ -111,6 +111,41 @@ TEST_F(OrvhostModelsTest, KeyOfTheRoot_IsItsIdentityByBothNames) {
     }
 }
 
+TEST_F(OrvhostModelsTest, IdentityThatTheKeyOfTheRootForbids_IsRefused) {
+    const std::string module = mDirectory.file(
+        "root.yang", "module root { namespace 'urn:r'; prefix r;\nlist ManagedElement {"
+                     " key id; leaf id { type uint8 { range 1..9; } } } }");
+    const ProgramResult good =
+        runOrvhost({"-m", module, "--me-id", "7", "-c", "create ManagedElement=1", "-c",
+                    "get ManagedElement=7 id"});
+    EXPECT_THAT(good.out, HasSubstr("\n7\n")) << good.err;
+    const ProgramResult bad = runOrvhost({"-m", module, "--me-id", "north", "-c", "tree"});
+    EXPECT_EQ(bad.status, kLoad);
+    EXPECT_THAT(bad.err, HasSubstr("root.yang:2) does not permit the identity 'north': "));
+    EXPECT_THAT(bad.err, HasSubstr("orvhost: --me-id: the key of ManagedElement ("));
+}
+
+TEST_F(OrvhostModelsTest, References_ToObjectsThatNoModelKnows_AreSavedAndLoad) {
+    const std::string module = mDirectory.file(
+        "root.yang",
+        "module root { namespace 'urn:r'; prefix r; import orv-associations { prefix o; }"
+        " list ManagedElement { key id; leaf id { type string; }"
+        " leaf any { type o:reference; } } }");
+    const std::string file = (mDirectory.path() / "saved.json").string();
+    const ProgramResult saved =
+        runOrvhost({"-m", module, "--me-id", "H", "-c",
+                    "create ManagedElement=1 any=SubNetwork=1,Foo=2", "-c", "save " + file});
+    EXPECT_EQ(saved.status, 0) << saved.err;
+    EXPECT_EQ(runOrvhost({"-m", module, "-d", file, "-c", "get ManagedElement=1 any"}).out,
+              "SubNetwork=1,Foo=2\n");
+}
+
+TEST_F(OrvhostModelsTest, KeysAreNotWritable_InTheJsonOfAClass) {
+    const std::string text = run({"--json", "-c", "model Mast"}).out;
+    EXPECT_THAT(text, HasSubstr(R"("type":"string","naming":true,"writable":false)"));
+    EXPECT_THAT(text, HasSubstr(R"("type":"uint8","naming":false,"writable":true)"));
+}
+
 TEST_F(OrvhostModelsTest, State_IsNotAskedOfAClient) {
     const ProgramResult result =
         run({"-c", "begin", "-c", "create Mast=1 name=x", "-c", "validate", "-c", "commit"});

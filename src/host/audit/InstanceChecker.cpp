@@ -172,6 +172,9 @@ private:
         }
         const InstanceTable::Entry* entry = mTable.find(*target);
         const auto moc = entry ? std::optional(entry->moc) : mModel.findClassOfDn(*target);
+        if (!moc && type.targets.empty() && DnView(*target).isValid()) {
+            return; // a client may write it, too: an object of another network, for example
+        }
         if (!moc) {
             report(Kind::NoTargetClass, mDn, name, *target,
                    {mDn, ": attribute ", name, " names ", *target,

@@ -21,11 +21,22 @@ constexpr int kMostNames = 100;
 constexpr mode_t kMode = 0666; // the process's mask takes its part away
 constexpr mode_t kPermissions = 07777;
 
-/// The file that a link leads to.
+constexpr int kMostLinks = 40; // as the system follows them
+
+/// The file that a link leads to, which need not exist.
 fs::path followed(const fs::path& file) {
     std::error_code error;
-    const fs::path target = fs::canonical(file, error);
-    return error ? file : target;
+    fs::path target = file;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(target, error)); ++links) {
+        const fs::path next = fs::read_symlink(target, error);
+        if (error || links == kMostLinks) {
+            throw FileError(file.string() +
+                            ": the link leads to no file; a new file, a regular one or a link to "
+                            "one was expected");
+        }
+        target = target.parent_path() / next;
+    }
+    return target;
 }
 
 }

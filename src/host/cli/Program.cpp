@@ -14,6 +14,7 @@
 #include "cli/shell/Interpreter.h"
 #include "cli/shell/Prompt.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -167,6 +168,8 @@ int runWithOptions(const Options& options) {
 
 int runProgram(int count, const char* const* arguments) {
     keepStandardStreams();
+    // A file that grows over its limit fails to be written, like one on a full disk.
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     const ParsedArguments parsed = parseArguments(count, arguments, reportFormats());
     return statusWithOutput(parsed.options ? runWithOptions(*parsed.options) : parsed.exitStatus);
 }

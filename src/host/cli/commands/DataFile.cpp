@@ -9,6 +9,7 @@
 #include "model/DnForm.h"
 #include "yang/instances/InstanceDataReader.h"
 
+#include <filesystem>
 #include <unordered_map>
 
 namespace OrvHost {
@@ -47,7 +48,25 @@ private:
 
 }
 
+namespace {
+
+/// A pipe whose other end nobody has would stop the prompt for ever, and some devices have no end.
+/// What this process has open already is another matter: what the shell gave it.
+void refuseEndless(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    const bool isOpen = file == "/dev/stdin" || file.rfind("/dev/fd/", 0) == 0;
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+        !std::filesystem::is_directory(status) && !isOpen) {
+        throw AnswerError(file + ": is a pipe, a socket or a device; a file or a directory with "
+                                 "instance data was expected");
+    }
+}
+
+}
+
 DataFile readDataFile(Session& session, const std::string& file) {
+    refuseEndless(file);
     InstanceDataReader reader(requireSchema(session));
     reader.nameRoot(Orv::MeIdTranslator::instance()->identity());
     ObjectList objects;

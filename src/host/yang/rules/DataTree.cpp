@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace OrvHost {
@@ -44,10 +46,38 @@ void DataTree::need(const std::string& dn) {
     }
 }
 
+std::vector<std::string> DataTree::inOrder() const {
+    if (!mKeepsOrder) {
+        return {mNeeded.begin(), mNeeded.end()};
+    }
+    std::vector<std::string> ordered;
+    std::unordered_set<std::string_view> seen;
+    for (const std::string& dn : mNeeded) {
+        const DnView view(dn);
+        if (!seen.insert(view.siblingPrefix()).second) {
+            continue;
+        }
+        const std::string parent(view.parent().text());
+        const std::string className(view.last().className());
+        for (const std::string& name : mView.namesOf(parent, className)) {
+            std::string sibling = DnView(parent).child(className, name);
+            if (mNeeded.count(sibling) > 0) {
+                ordered.push_back(std::move(sibling));
+            }
+        }
+    }
+    // The writer places an object with the first that it gets of what is below it.
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const std::string& left, const std::string& right) {
+                         return DnView(left).depth() < DnView(right).depth();
+                     });
+    return ordered;
+}
+
 void DataTree::build() {
     InstanceDataWriter writer(mSchema, DataFormat::Json);
     writer.indent(false);
-    for (const std::string& dn : mNeeded) {
+    for (const std::string& dn : inOrder()) {
         const ObjectShape* shape = mSchema->findByDn(dn);
         if (shape != nullptr) {
             writer.add({dn, shape->moc, valuesAt(*shape, mView.valuesOf(dn)), false});

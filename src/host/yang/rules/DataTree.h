@@ -13,6 +13,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace OrvHost {
 
@@ -30,6 +31,10 @@ public:
     void need(const std::string& dn);
     const std::set<std::string>& needed() const { return mNeeded; }
 
+    /// Siblings of one class come in the order of the view, of which expressions can ask. It costs
+    /// a look at the names of all siblings. Without this call their order is not defined.
+    void keepOrder() { mKeepsOrder = true; }
+
     /// \throws InstanceDataError if the values do not fit the modules' types
     void build();
 
@@ -41,12 +46,14 @@ public:
     std::string dnOf(const lyd_node* node) const;
 
 private:
+    std::vector<std::string> inOrder() const;
     void addDefaults();
     void index(lyd_node* first, const std::string& parentDn);
 
     std::shared_ptr<const YangSchema> mSchema;
     const ObjectView& mView;
     std::set<std::string> mNeeded;
+    bool mKeepsOrder = false;
     lyd_node* mFirst = nullptr;
     std::unordered_map<std::string, lyd_node*> mNodes;
     std::unordered_map<const lyd_node*, std::string> mDns;

@@ -72,6 +72,7 @@ public:
     RuleReport take() && {
         judgeOwn();
         judgeFar();
+        leaveOutRepetitions();
         mReport.cost.objects = mLookedAt.size();
         const auto end = std::chrono::steady_clock::now();
         mReport.cost.time = std::chrono::duration_cast<std::chrono::microseconds>(end - mBegin);
@@ -246,6 +247,7 @@ private:
             return;
         }
         DataTree tree(mRules.mSchema, mView);
+        tree.keepOrder();
         for (const auto& [dn, rules] : mFar) {
             if (!dn.empty()) {
                 tree.need(dn);
@@ -286,6 +288,16 @@ private:
                 needAll(child, childDn, tree);
             }
         }
+    }
+
+    /// A `must` in a leaf-list is judged for each of its values, with the same text for all.
+    void leaveOutRepetitions() {
+        std::set<std::string> known;
+        const auto isKnown = [&known](const RuleViolation& violation) {
+            return !known.insert(toText(violation)).second;
+        };
+        std::vector<RuleViolation>& all = mReport.violations;
+        all.erase(std::remove_if(all.begin(), all.end(), isKnown), all.end());
     }
 
     using Due = std::map<std::string, std::set<const Rule*>>;

@@ -228,6 +228,11 @@ AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node,
     const lysc_node* child = nullptr;
     while ((child = lys_getnext(child, node, nullptr, 0)) != nullptr) {
         std::optional<Attribute> member = read(child, {"", child->name});
+        if (isState(child) && !isState(node)) {
+            mNotes.count("state in a struct is not protected: clients set a struct as a whole, and "
+                         "what is in it with it",
+                         mLocator.of(child), pathOf(child));
+        }
         if (member && makeUnique(child, attribute.draft.members, member->draft)) {
             member->shape.name = member->draft.def.name;
             choices.add(child, member->draft.def);

@@ -243,12 +243,19 @@ TEST(InstanceChecker, TargetOfAnotherClass_IsReportedWithThoseExpected) {
 
 TEST(InstanceChecker, TargetThatTheModelDoesNotKnow_IsReported) {
     Data data;
-    data.add(cell("1"), {refs("any", {"Cell=1"}), refs("next", {"nonsense"})});
+    data.add(cell("1"), {refs("any", {"nonsense"}), refs("next", {"Foreign=1"})});
     EXPECT_THAT(textsOf(check(data)),
-                ElementsAre("Network=1,Node=1,Cell=1: attribute any names Cell=1, but the model "
+                ElementsAre("Network=1,Node=1,Cell=1: attribute any names nonsense, but the model "
                             "has no such path of classes.",
-                            "Network=1,Node=1,Cell=1: attribute next names nonsense, but the model "
-                            "has no such path of classes."));
+                            "Network=1,Node=1,Cell=1: attribute next names Foreign=1, but the "
+                            "model has no such path of classes."));
+}
+
+// What clients can write must be data, too.
+TEST(InstanceChecker, TargetThatTheModelDoesNotKnow_OfAReferenceToAnyClass_IsPermitted) {
+    Data data;
+    data.add(cell("1"), {refs("any", {"Foreign=1,Other=2"})});
+    EXPECT_THAT(textsOf(check(data)), IsEmpty());
 }
 
 TEST(InstanceChecker, ReferencesInStructs_AreJudgedByTheirClass) {

@@ -99,6 +99,24 @@ TEST_F(AtomicFileTest, Replace_Link_ReplacesTheFileThatItLeadsTo) {
     EXPECT_EQ(textOf(path("a")), "new");
 }
 
+TEST_F(AtomicFileTest, Replace_LinkToNothing_MakesTheFileThatItLeadsTo) {
+    fs::create_symlink("b", path("link"));
+    fs::create_symlink(path("link"), path("further"));
+    AtomicFile file(path("further"));
+    file.out() << "new";
+    file.replace();
+    EXPECT_TRUE(fs::is_symlink(path("link")));
+    EXPECT_EQ(textOf(path("b")), "new");
+}
+
+TEST_F(AtomicFileTest, Constructor_LinksInACircle_AreRefusedAndStay) {
+    fs::create_symlink("b", path("a"));
+    fs::create_symlink("a", path("b"));
+    EXPECT_THAT(errorOf(path("a")), HasSubstr("the link leads to no file; a new file"));
+    EXPECT_TRUE(fs::is_symlink(path("a")));
+    EXPECT_EQ(files(), 2U);
+}
+
 TEST_F(AtomicFileTest, TwoAtOnce_LastReplaceCounts) {
     AtomicFile first(path("a"));
     AtomicFile second(path("a"));

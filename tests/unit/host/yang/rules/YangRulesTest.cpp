@@ -309,6 +309,41 @@ TEST(YangRulesAll, Entries_MustDiffer) {
             "data-not-unique)"));
 }
 
+TEST(YangRulesAll, Must_OfALeafList_IsReportedOnceForOneText) {
+    const YangModel model = modelWithRules(R"(
+      list A { key id; leaf id { type string; }
+        leaf-list tag { type string; must "../tag = 'x'" { error-message "one tag is x"; } }
+        list part { key k; orv:struct; leaf k { type int8; }
+          leaf-list n { type int8; must ". > 3"; } } })");
+    EXPECT_THAT(violationsIn(model, R"({"m:A": [{"id": "1", "tag": ["a", "b", "c"],
+                    "part": [{"k": 1, "n": [1, 2]}, {"k": 2, "n": [1, 7]}]},
+                    {"id": "2", "tag": ["a", "b"]}]})"),
+                UnorderedElementsAre(
+                    "A=1: attribute 'tag': one tag is x (error-app-tag must-violation)",
+                    "A=1: attribute 'part[1]/n': the condition \". > 3\" is false (error-app-tag "
+                    "must-violation)",
+                    "A=1: attribute 'part[2]/n': the condition \". > 3\" is false (error-app-tag "
+                    "must-violation)",
+                    "A=2: attribute 'tag': one tag is x (error-app-tag must-violation)"));
+}
+
+TEST(YangRulesAll, Expressions_SeeSiblingsInTheirOrder) {
+    const YangModel model = modelWithRules(R"(
+      list A { key id; leaf id { type string; }
+        list B { key id; leaf id { type string; } unique n;
+          leaf n { type uint8; must "not(../preceding-sibling::B[1]) or . >= ../preceding-sibling::B[1]/n"; }
+          leaf first { type string; must ". = ../../B[1]/id"; }
+          list C { key id; leaf id { type string; must "../../../B[2]/id = 'b'"; } } } })");
+    const std::string data = R"({"m:A": [{"id": "1", "B": [
+        {"id": "z", "n": 1}, {"id": "b", "n": 2, "first": "z"},
+        {"id": "a", "n": 3, "C": [{"id": "c"}]}]}]})";
+    EXPECT_THAT(violationsIn(model, data), IsEmpty());
+    EXPECT_THAT(violationsOf(model, data, {{"A=1,B=a", Kind::Changed, {"n"}}}), IsEmpty());
+    EXPECT_THAT(violationsIn(model, R"({"m:A": [{"id": "1", "B": [
+                    {"id": "z", "n": 1}, {"id": "a", "n": 1}]}]})"),
+                ElementsAre(HasSubstr("A=1,B=a: its 'n' must differ from that of A=1,B=z")));
+}
+
 TEST(YangRulesAll, Targets_MustExist) {
     const YangModel model = modelWithRules(kRules);
     const std::string data = R"({"m:A": [{"id": "1", "B": [

@@ -279,6 +279,16 @@ TEST(YangModelReader, State_IsNotDemanded) {
     EXPECT_EQ(problemsOf(model, readObjectsOf(model, R"({"m:A": [{"id": "1"}]})")), "");
 }
 
+TEST(YangModelReader, State_InAStructOfConfiguration_IsNoted) {
+    const YangModel model = modelOfBody(R"(
+        list A { key id; leaf id { type string; }
+          container state { config false; leaf up { type string; } }
+          container mixed { leaf set { type string; } leaf up { config false; type string; } } })");
+    ASSERT_EQ(model.notes.size(), 1U);
+    EXPECT_EQ(model.notes[0].text, "state in a struct is not protected: clients set a struct as a "
+                                   "whole, and what is in it with it: at /m:A/mixed/up");
+}
+
 TEST(YangModelReader, Identityref_WithoutIdentities_IsATextAndToldWhereTheyMayBe) {
     const TemporaryDirectory directory;
     directory.write("kinds.yang", "module kinds { namespace 'urn:k'; prefix k; identity kind; }");
