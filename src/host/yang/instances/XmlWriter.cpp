@@ -6,6 +6,10 @@
 #include "yang/instances/XmlEntity.h"
 #include "yang/types/ValueCodec.h"
 
+#include <algorithm>
+#include <cctype>
+#include <set>
+
 namespace OrvHost {
 namespace {
 
@@ -64,6 +68,73 @@ std::string declarationFor(const std::string& identity, const YangContext& conte
     const lys_module* found = ly_ctx_get_module_implemented(context.get(), module.c_str());
     return found == nullptr ? "" : " xmlns:" + module + "=\"" + escape(found->ns) + "\"";
 }
+
+bool isOfName(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-' || c == '.';
+}
+
+/// An instance-identifier as XML has it. There every name has a prefix, in JSON only one whose
+/// module is not that of the name before it. Module names serve as prefixes.
+class XmlPath {
+public:
+    explicit XmlPath(const std::string& jsonPath) {
+        for (std::size_t at = 0; at < jsonPath.size();) {
+            const char c = jsonPath[at];
+            if (c == '\'' || c == '"') {
+                const std::size_t end = std::min(jsonPath.find(c, at + 1), jsonPath.size() - 1);
+                addValue(jsonPath.substr(at, end + 1 - at));
+                at = end + 1;
+            } else if (isOfName(c) && !std::isdigit(static_cast<unsigned char>(c)) && c != '.') {
+                at = addName(jsonPath, at);
+            } else {
+                mText += c;
+                ++at;
+            }
+        }
+    }
+
+    const std::string& text() const { return mText; }
+    /// All prefixes, some of which may be none: values in it can look as if they had one.
+    const std::set<std::string>& prefixes() const { return mPrefixes; }
+
+private:
+    std::size_t addName(const std::string& path, std::size_t at) {
+        const bool isNode = at > 0 && path[at - 1] == '/';
+        std::string module = mModule;
+        std::size_t end = endOfName(path, at);
+        if (end < path.size() && path[end] == ':') {
+            module = path.substr(at, end - at);
+            at = end + 1;
+            end = endOfName(path, at);
+        }
+        if (isNode) {
+            mModule = module;
+        }
+        mPrefixes.insert(module);
+        mText += module + ":" + path.substr(at, end - at);
+        return end;
+    }
+
+    /// A key can be an identity, whose prefix must be known, too.
+    void addValue(const std::string& quoted) {
+        const std::size_t colon = quoted.find(':');
+        if (colon != std::string::npos) {
+            mPrefixes.insert(quoted.substr(1, colon - 1));
+        }
+        mText += quoted;
+    }
+
+    static std::size_t endOfName(const std::string& path, std::size_t at) {
+        while (at < path.size() && isOfName(path[at])) {
+            ++at;
+        }
+        return at;
+    }
+
+    std::string mText;
+    std::set<std::string> mPrefixes;
+    std::string mModule; ///< of the latest node
+};
 
 class XmlStream : public NodeStream {
 public:
@@ -151,8 +222,13 @@ std::string XmlWriter::scalar(const Value& value, const lysc_node* node,
         return encoded.text == "false" ? "" : "<" + startTag(node, parent) + "/>";
     }
     if (encoded.isPath) {
-        throw UnwritableValueError("\"" + std::string(node->name) +
-                                   "\" is an instance-identifier, which only JSON can hold here");
+        const XmlPath path(encoded.text);
+        std::string declarations;
+        for (const std::string& prefix : path.prefixes()) {
+            declarations += declarationFor(prefix, context());
+        }
+        return "<" + startTag(node, parent) + declarations + ">" + escape(path.text()) + "</" +
+               node->name + ">";
     }
     if (encoded.isIdentity) {
         return "<" + startTag(node, parent) + declarationFor(encoded.text, context()) + ">" +

@@ -189,8 +189,36 @@ TEST(InstanceDataWriter, WhatCannotBeWritten_IsRefusedWithTheDn) {
     }
     EXPECT_EQ(refusalOf(DataFormat::Xml, {object("Site=a", {text("label", "\x01")})}),
               "Site=a: a text with a control character cannot be written as XML");
-    EXPECT_THAT(refusalOf(DataFormat::Xml, {object("Site=a", {text("where", "/site:Site")})}),
-                HasSubstr("instance-identifier"));
+}
+
+TEST(InstanceDataWriter, InstanceIdentifiers_ReadTheSameFromBothFormats) {
+    const std::string head = " yang-version 1.1; namespace 'urn:";
+    const YangModel model =
+        YangModelReader()
+            .offerText("m", "m.yang",
+                       "module m {" + head +
+                           R"(m'; prefix p; identity kind; identity one { base kind; }
+              list A { key id; leaf id { type string; }
+                leaf-list any { type instance-identifier { require-instance false; } }
+                leaf either { type union { type uint8; type instance-identifier { require-instance false; } } }
+                list B { key "k t"; leaf k { type identityref { base kind; } } leaf t { type string; }
+                         leaf-list x { type string; } } } })")
+            .offerText("n", "n.yang", "module n {" + head + R"(n'; prefix q; import m { prefix m; }
+              augment /m:A/m:B { leaf far { type string; } container in { leaf deep { type string; } } } })")
+            .load("m")
+            .load("n")
+            .read();
+    const auto objects = readObjectsOf(model, R"yang({"m:A": [{"id": "a", "either": "/m:A[id='a']",
+        "any": ["/m:A[id='x:y <z>']", "/m:A[id=\"it's\"]/B[k='m:one'][t='/q/r']/n:far",
+                "/m:A[id='1']/B[k='m:one'][t='n:']/x[.='m:v']",
+                "/m:A[id='1']/B[k='m:one'][t='t']/n:in/deep"]}]})yang");
+    ASSERT_EQ(objects.size(), 1U);
+    const std::string xml = writeObjects(model, DataFormat::Xml, objects);
+    EXPECT_THAT(xml, HasSubstr("/m:A[m:id='1']/m:B[m:k='m:one'][m:t='t']/n:in/n:deep<"));
+    EXPECT_EQ(differenceOf(objects, readObjectsOf(model, xml)), "") << xml;
+    EXPECT_EQ(
+        differenceOf(objects, readObjectsOf(model, writeObjects(model, DataFormat::Json, objects))),
+        "");
 }
 
 TEST(InstanceDataWriter, RefusedObject_IsNotWritten) {
