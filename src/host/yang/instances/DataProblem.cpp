@@ -3,6 +3,7 @@
 
 #include "DataProblem.h"
 
+#include "yang/source/Hints.h"
 #include "yang/source/ModuleStatements.h"
 #include "yang/types/TypeDescription.h"
 
@@ -11,11 +12,6 @@
 
 namespace OrvHost {
 namespace {
-
-struct Hint {
-    const char* sign; ///< a part of the library's message
-    const char* text;
-};
 
 constexpr Hint kHints[] = {
     {"must be namespace-qualified",
@@ -36,15 +32,6 @@ constexpr Hint kHints[] = {
     {"not found as a child of", "such data can be skipped, see --skip-unknown"},
     {"missing its key", "every entry of a list has its key; it is the last part of the DN"},
     {"to be represented as JSON", "lists are written as [...], containers as {...}"}};
-
-std::string hintFor(const std::string& message) {
-    for (const Hint& hint : kHints) {
-        if (message.find(hint.sign) != std::string::npos) {
-            return std::string(" (") + hint.text + ")";
-        }
-    }
-    return "";
-}
 
 /// A path in data without the parts that identify the entries of lists.
 std::string schemaPath(const std::string& dataPath) {
@@ -95,7 +82,8 @@ Problem takeDataProblem(const YangContext& context, const std::string& label) {
     const YangMessage& message = messages.front();
     const std::string place = message.path.empty() ? "" : " at " + message.path;
     return {{label, message.line},
-            wordingOf(message) + hintFor(message.text) + place + expectedAt(context, message.path)};
+            wordingOf(message) + hintFor(kHints, message.text) + place +
+                expectedAt(context, message.path)};
 }
 
 }

@@ -146,7 +146,8 @@ FeatureResult switchFeatures(ly_ctx* context, const std::vector<std::string>& mo
         if (module == nullptr) {
             result.problems.push_back({{},
                                        "features of the module \"" + name +
-                                           "\" are chosen, but no such module is loaded"});
+                                           "\" are chosen, but no such module is loaded; "
+                                           "load it with -m, or import it"});
             continue;
         }
         if (module->implemented == 0) {

@@ -3,22 +3,36 @@
 
 #include "LoadReport.h"
 
+#include "yang/source/Hints.h"
 #include "yang/source/MissingModules.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace OrvHost {
 namespace {
 
+constexpr Hint kHints[] = {
+    {"Referenced type",
+     "a built-in type, a typedef of this module or, with its prefix, one of an imported module was "
+     "expected"},
+    {"Grouping \"",
+     "a grouping of this module or, with its prefix, one of an imported module was expected"},
+    {"target node",
+     "every name in the path has the prefix under which this module imports its module, and the "
+     "node must exist there"},
+    {"does not fit the type limitations",
+     "a range or length can only be narrower than that of its type"},
+    {"The list's key", "a key is a leaf directly in the list"},
+    {"XPath", "look at the expressions of this node: must, when, or the path of a leafref"}};
+
 /// The line of the definition that a schema path such as "/module:list/leaf" ends with. A
 /// definition that came from a grouping is not found.
 int lineOfNode(const ModuleStatements& text, const std::string& path) {
-    const std::size_t augment = path.find("{augment='");
-    if (augment != std::string::npos) {
-        const std::size_t start = augment + std::strlen("{augment='");
-        return text.lineOfFirst("augment", path.substr(start, path.find('\'', start) - start));
+    static const std::regex statement(R"(\{([a-z-]+)='([^']*)'\})");
+    std::smatch match;
+    if (std::regex_search(path, match, statement)) {
+        return text.lineOfFirst(match[1].str(), match[2].str());
     }
     const std::string name(withoutPrefix(path.substr(path.rfind('/') + 1)));
     for (const char* keyword : {"leaf", "leaf-list", "list", "container", "choice", "action"}) {
@@ -29,6 +43,11 @@ int lineOfNode(const ModuleStatements& text, const std::string& path) {
     return 0;
 }
 
+}
+
+std::string describe(const YangMessage& message) {
+    const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
+    return message.text + hintFor(kHints, message.text) + place;
 }
 
 SourcePosition positionOf(const std::string& path, const ModuleFinder& finder) {
@@ -48,8 +67,7 @@ void LoadReport::take(const YangMessage& message) {
     } else if (std::regex_search(message.text, match, mLoading)) {
         takeFailedModule(match[1].matched ? match[1] : match[2], message.text);
     } else {
-        const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
-        mProblems.push_back({{"", message.line}, message.text + place});
+        mProblems.push_back({{"", message.line}, describe(message)});
         mPaths[mProblems.back().text] = message.path;
     }
 }

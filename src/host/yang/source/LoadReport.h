@@ -19,6 +19,9 @@ namespace OrvHost {
 /// line if it came from a grouping, empty if the module is not known.
 SourcePosition positionOf(const std::string& path, const ModuleFinder& finder);
 
+/// A message about modules, with what to do and the place in the tree.
+std::string describe(const YangMessage& message);
+
 /// Sorts the YANG library's messages about one failed load. The library reports the cause first,
 /// with a line but without the file, then the modules around it from the inside out.
 class LoadReport {

@@ -167,8 +167,7 @@ std::vector<Problem> YangContext::loadProblems(const std::string& module,
 std::vector<Problem> YangContext::compileProblems(const ModuleFinder& finder) const {
     std::vector<Problem> problems;
     for (const YangMessage& message : takeMessages()) {
-        const std::string place = message.path.empty() ? "" : " (at " + message.path + ")";
-        problems.push_back({positionOf(message.path, finder), message.text + place});
+        problems.push_back({positionOf(message.path, finder), describe(message)});
     }
     if (problems.empty()) {
         problems.push_back({{}, "the modules do not fit together"});

@@ -41,6 +41,24 @@ TEST(YangModelErrors, MissingImport_TellsTheImportAndWhereItWasLookedFor) {
     EXPECT_THAT(error, HasSubstr("broken-models"));
 }
 
+TEST(YangModelErrors, StatementsThatNameWhatIsNotThere_AreReportedWithTheirLines) {
+    const auto errorAt = [](const std::string& body) {
+        return modelErrorOf(
+            [&] { modelOfBody("list A { key id; leaf id { type string; }\n" + body); });
+    };
+    EXPECT_THAT(errorAt("uses none; }"),
+                AllOf(testing::ContainsRegex("m.yang:[0-9]+: Grouping \"none\""),
+                      HasSubstr("a grouping of this module or, with its prefix")));
+    EXPECT_THAT(errorAt("}\ndeviation /m:A/m:none { deviate not-supported; }"),
+                AllOf(testing::ContainsRegex("m.yang:[0-9]+: Deviation"),
+                      HasSubstr("the node must exist there")));
+    EXPECT_THAT(errorAt("}\naugment /m:B { leaf x { type string; } }"),
+                testing::ContainsRegex("m.yang:[0-9]+: Augment target node"));
+    EXPECT_THAT(errorAt("leaf x { type strin; } }"), HasSubstr("a built-in type, a typedef of"));
+    EXPECT_THAT(errorAt("leaf x { type uint8 { range 1..300; } } }"),
+                HasSubstr("can only be narrower than that of its type"));
+}
+
 TEST(YangModelErrors, SeveralMissingImports_AreReportedTogether) {
     const TemporaryDirectory directory;
     directory.write("m.yang", "module m { namespace 'urn:m'; prefix m;\n"

@@ -437,7 +437,8 @@ TEST(YangModelReader, Features_ThatDoNotExist_AreRefused) {
     EXPECT_EQ(modelErrorOf([&] { featuredModel(directory).selectFeatures("m", {"c"}).read(); }),
               "the module \"m\" has no feature \"c\"; it has a, b");
     EXPECT_EQ(modelErrorOf([&] { featuredModel(directory).selectFeatures("n", {"c"}).read(); }),
-              "features of the module \"n\" are chosen, but no such module is loaded");
+              "features of the module \"n\" are chosen, but no such module is loaded; "
+              "load it with -m, or import it");
 }
 
 TEST(YangModelReader, Deviations_AreHonoured) {
