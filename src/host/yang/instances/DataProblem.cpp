@@ -69,7 +69,9 @@ bool endsWith(std::string_view text, std::string_view end) {
 /// At the end of the text the library quotes the missing character.
 std::string wordingOf(const YangMessage& message) {
     const std::string text = withSingleSpaces(message.text);
-    return endsWith(text, "character \"") ? "the text ends too early" : text;
+    const bool isAtEnd =
+        endsWith(text, "character \"") || text.find("character sequence \"\"") != std::string::npos;
+    return isAtEnd ? "the text ends too early" : text;
 }
 
 }

@@ -3,6 +3,7 @@
 
 #include "AssociationReader.h"
 
+#include "base/Join.h"
 #include "yang/source/StatementPlacement.h"
 #include "yang/types/TypeFacts.h"
 #include "yang/types/TypedefChain.h"
@@ -208,8 +209,8 @@ void AssociationReader::refuseKey(const lysc_node* node, const std::string& clas
         mFromModules.erase(known); // the class can be found at further places
     }
     for (const Place& place : places) {
-        refuse(place, "\"" + name + "\" is a key of class \"" + className +
-                          "\" and names its objects; another attribute was expected");
+        refuse(place, joined({"\"", name, "\" is a key of class \"", className,
+                              "\" and names its objects; another attribute was expected"}));
         // The other end of the same statement must not be reported, too.
         const auto isOfStatement = [&place](const ReferenceDraft& draft) {
             return draft.source.file == place.source.file && draft.source.line == place.source.line;

@@ -179,7 +179,7 @@ void SchemaWalker::addAttribute(const lysc_node* node, const lysc_node* wrapper,
 /// key, too. Another attribute with one of these names is called "module:name", as in JSON.
 std::string SchemaWalker::attributeName(const lysc_node* node, const Class& moc,
                                         const ObjectShape& shape) {
-    const std::string plain = node->name;
+    std::string plain = node->name;
     const std::string& naming = moc.draft.def.namingAttribute;
     const bool isKey = shape.isKey(node);
     const bool isNameOfKey =

@@ -55,7 +55,7 @@ TEST_F(ObjectGraphTest, Violation_IsRedAndListedBelow) {
                       HasSubstr("n0 -> n1 [label=\"seen\", tooltip=\"Site=1,Antenna=1: attribute "
                                 "seen names Site=1,Mast=gone, which does not exist.\", "
                                 "style=\"dashed\", constraint=\"false\", color=\"#d00000\""),
-                      HasSubstr("1 violations\\nSite=1,Antenna=1: attribute seen")));
+                      HasSubstr("1 violation\\nSite=1,Antenna=1: attribute seen")));
 }
 
 TEST_F(ObjectGraphTest, WrongNumber_ReddensTheObject) {

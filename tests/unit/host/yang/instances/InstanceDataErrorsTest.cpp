@@ -25,6 +25,7 @@ constexpr Broken kBroken[] = {
     {"comma.json", "comma.json:3: ", "expected a JSON object's member"},
     {"comma-separated.json", "comma-separated.json:1: ", "JSON that begins with \"{\""},
     {"cut-off.json", "cut-off.json:4: ", "the text ends too early"},
+    {"cut-off-between.json", "cut-off-between.json:5: ", "the text ends too early"},
     {"empty.json", "empty.json:1: ", "was expected"},
     {"given-twice.json", "given-twice.json: ", "Site[id='a']/label: is given twice"},
     {"list-as-object.json", "list-as-object.json:2: ", "lists are written as [...]"},
