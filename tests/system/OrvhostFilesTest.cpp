@@ -354,13 +354,20 @@ TEST(OrvhostLoadTest, StandardInput_IsRead) {
 }
 
 TEST(OrvhostSaveTest, FileOverTheLimitOfItsSize_IsRefusedAndNothingStays) {
+    constexpr rlim_t kLimit = 64 * 1024; // above what programs under test write besides
+    const TemporaryDirectory input;
     const TemporaryDirectory directory;
+    const std::string module =
+        input.file("m.yang", "module m { namespace 'urn:m'; prefix m; list ManagedElement {"
+                             " key id; leaf id { type string; } leaf text { type string; } } }");
+    const std::string data = input.file("m.json", R"({"m:ManagedElement": [{"id": "1", "text": ")" +
+                                                      std::string(4 * kLimit, 'x') + "\"}]}");
     const std::string file = directory.file("a.json", "old");
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{1024, before.rlim_max};
+    const rlimit small{kLimit, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
-    const auto result = runRan("H", kHarbour, {"save " + file});
+    const auto result = runOrvhost({"-m", module, "-d", data, "-c", "save " + file});
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr(file + ": cannot be written to its end"));
