@@ -7,6 +7,7 @@
 #include "cli/check/CheckReport.h"
 #include "cli/commands/CommandTable.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/serve/Serve.h"
 #include "cli/session/Session.h"
 #include "cli/setup/HostSetup.h"
 #include "cli/setup/Options.h"
@@ -150,6 +151,9 @@ int runWithOptions(const Options& options) {
     try {
         if (!options.scenarios.empty()) {
             return checkScenarios(options, std::cout);
+        }
+        if (options.isServer) {
+            return serve(options, std::cout);
         }
         HostSetup setup(options, std::cerr);
         const CommandTable commands;

@@ -20,6 +20,15 @@ struct ObjectState {
     std::vector<AttributeValue> values;
 };
 
+/// True if an attribute with that value holds nothing that saved data must name: no values, or its
+/// default, which reads do not tell from an attribute that is not set.
+bool isUnsetOrDefault(const AttributeDef& def, const AttributeValue& value);
+
+/// The values that saved data names: without what the DN gives, and without those that are not set
+/// or have their default. If a default belonged to a choice, writing it would take its case. With
+/// \p onlyConfig only what clients can set.
+std::vector<NamedValue> valuesToSave(const ObjectState& object, bool onlyConfig);
+
 }
 
 #endif

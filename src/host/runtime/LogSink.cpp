@@ -106,7 +106,7 @@ LogSink::LogSink(std::ostream& stream, LogFormat format) : mStream(stream), mFor
 }
 
 LogSink::LogSink(const std::string& path, LogFormat format)
-    : mFile(openForAppending(path)), mStream(mFile), mFormat(format) {
+    : mPath(path), mFile(openForAppending(path)), mStream(mFile), mFormat(format) {
     install();
 }
 
@@ -130,6 +130,19 @@ void LogSink::write(const Orv::LogRecord& record) {
     if (mRecent.size() > kKept) {
         mRecent.pop_front();
     }
+}
+
+bool LogSink::reopen() {
+    if (mPath.empty()) {
+        return true;
+    }
+    std::ofstream again(mPath, std::ios::app);
+    if (!again) {
+        return false;
+    }
+    const std::lock_guard lock(mMutex);
+    mFile = std::move(again);
+    return true;
 }
 
 bool LogSink::isComplete() const {

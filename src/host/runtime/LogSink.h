@@ -53,9 +53,14 @@ public:
 
     LogFormat format() const { return mFormat; }
 
+    /// Opens the file again by its name, after somebody has moved the old one away; does nothing
+    /// for a stream. False if it cannot be opened: the old one is used on.
+    bool reopen();
+
 private:
     void install();
 
+    const std::string mPath; ///< empty: a stream of somebody else
     std::ofstream mFile;
     std::ostream& mStream;
     const LogFormat mFormat;

@@ -46,22 +46,6 @@ SaveOptions parse(Words& words, const Model& model) {
     return options;
 }
 
-// A value that is the default is not written: reads do not tell it from one that is not set, and if
-// it belongs to a choice, writing it would take its case.
-std::vector<NamedValue> valuesToWrite(const ObjectState& object, bool onlyConfig) {
-    std::vector<NamedValue> values;
-    for (std::size_t at = 0; at < object.values.size(); ++at) {
-        const AttributeDef& def = object.moc->attributes[at];
-        const AttributeValue& value = object.values[at];
-        const bool isDefault = def.defaultValue && def.defaultValue->values == value.values;
-        const bool isWanted = def.isWritable || !onlyConfig;
-        if (!def.isGivenByName() && isWanted && !isDefault && !value.values.empty()) {
-            values.emplace_back(def.name, value);
-        }
-    }
-    return values;
-}
-
 /// Writes a subtree, with what is above it.
 class Saver {
 public:
@@ -97,7 +81,7 @@ private:
     void open(const ObjectState& object) {
         const DnStep step = DnView(object.dn).last();
         mStream.open(step.className(), std::string(step.value()),
-                     valuesToWrite(object, mOptions.onlyConfig));
+                     valuesToSave(object, mOptions.onlyConfig));
         mFile.throwIfFailed();
         ++mObjects;
     }

@@ -105,26 +105,25 @@ void HostSetup::openLog(const Options& options) {
 }
 
 void HostSetup::readModel(const Options& options) {
-    YangModelReader reader;
     for (const auto& directory : options.searchPath) {
-        reader.searchIn(directory);
+        mReader.searchIn(directory);
     }
     for (const std::string& module : options.models) {
-        reader.load(module);
+        mReader.load(module);
     }
     for (const std::string& features : options.features) {
         const std::size_t colon = features.find(':');
-        reader.selectFeatures(withoutBlanks(features.substr(0, colon)),
+        mReader.selectFeatures(withoutBlanks(features.substr(0, colon)),
                               namesIn(features.substr(colon + 1)));
     }
     if (options.noFeatures) {
-        reader.withoutFeatures();
+        mReader.withoutFeatures();
     }
     if (options.yangRules) {
-        reader.withAllRules();
+        mReader.withAllRules();
     }
     try {
-        mModel = reader.read();
+        mModel = mReader.read();
         mRules = rulesOf(mModel.schema);
     } catch (const ModelError& failure) {
         throw LoadError(failure.what());

@@ -39,6 +39,8 @@ public:
     const std::vector<Problem>& modelNotes() const { return mModel.notes; }
     /// How files hold the objects of the model.
     const std::shared_ptr<const YangSchema>& schema() const { return mModel.schema; }
+    /// What has read the model.
+    const YangModelReader& modelReader() const { return mReader; }
 
 private:
     void openLog(const Options& options);
@@ -52,6 +54,7 @@ private:
 
     std::ostream& mErrors;
     std::unique_ptr<LogSink> mLog;
+    YangModelReader mReader;
     YangModel mModel;
     std::shared_ptr<const RuleCheck> mRules; ///< of the modules; null if there are none
     std::unique_ptr<Host> mHost;

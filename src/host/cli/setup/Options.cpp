@@ -30,6 +30,10 @@ from the prompt or standard input. 'orvhost help' lists them. Put -- before a co
 
   orvhost -I models -m ran-element -d network.json export network.xml
 
+'serve' in place of a command runs a NETCONF server until a signal ends it:
+
+  orvhost -I models -m ran-element -d network.json serve --netconf-user alice=alice.pub
+
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
 // An identity becomes a part of DNs. Empty means that there is none.
@@ -133,6 +137,59 @@ void takeScenarios(Options& options) {
     }
 }
 
+constexpr const char* kServerGroup = "Server (with serve)";
+
+std::string whyNoUser(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    return equals != std::string::npos && equals > 0 && equals + 1 < text.size()
+               ? std::string()
+               : "'" + text + "' names no user and file; NAME=KEYFILE was expected";
+}
+
+void addServer(CLI::App& app, Options& options) {
+    app.add_option("--netconf-ssh", options.netconfSsh,
+                   "ADDRESS:PORT for NETCONF over SSH; 127.0.0.1:8300 if somebody can log in")
+        ->group(kServerGroup);
+    app.add_option("--netconf-unix", options.netconfUnix,
+                   "Path of a socket for NETCONF; only its owner can connect")
+        ->group(kServerGroup);
+    app.add_option("--netconf-user", options.netconfUsers,
+                   "NAME=KEYFILE: a user with a file of public keys; repeatable")
+        ->allow_extra_args(false)
+        ->check(whyNoUser)
+        ->group(kServerGroup);
+    app.add_option("--netconf-passwords", options.passwordFile,
+                   "File of lines NAME:HASH, hashed as 'openssl passwd -6' does")
+        ->group(kServerGroup);
+    app.add_option("--netconf-read-only", options.readOnlyUsers,
+                   "A user who may only read; repeatable")
+        ->allow_extra_args(false)
+        ->group(kServerGroup);
+    app.add_option("--host-key", options.hostKey,
+                   "File of the server's SSH key, made if there is none; ~/.orvhost_host_key")
+        ->group(kServerGroup);
+}
+
+// `serve` is used in the place of a command, but it runs none.
+void takeServer(const CLI::App& app, Options& options) {
+    options.isServer = !options.words.empty() && options.words.front() == "serve";
+    if (!options.isServer) {
+        if (options.netconfSsh || options.netconfUnix || !options.netconfUsers.empty() ||
+            !options.readOnlyUsers.empty() || !options.passwordFile.empty() || options.hostKey) {
+            throw CLI::ValidationError("the options of the server can only be used with serve");
+        }
+        return;
+    }
+    if (options.words.size() > 1 || !options.commandLines.empty() || !options.scripts.empty()) {
+        throw CLI::ValidationError("serve cannot be combined with commands");
+    }
+    options.words.clear();
+    // A server's log says who did what.
+    if (app.get_option("--log-level")->count() == 0) {
+        options.logLevel = parseLogLevel("info");
+    }
+}
+
 // In place of a command, saving is called as other programs call it.
 void takeExport(Options& options) {
     if (!options.words.empty() && options.words.front() == "export") {
@@ -174,10 +231,12 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addLogging(app, options);
     addCommands(app, options);
     addCheck(app, reportFormats, options);
+    addServer(app, options);
     try {
         app.parse(count, arguments);
         takeScenarios(options);
         takeExport(options);
+        takeServer(app, options);
     } catch (const CLI::ExtrasError& unknown) {
         app.exit(unknown);
         std::cerr

@@ -46,6 +46,14 @@ struct Options {
     std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands
     std::string reportFormat;           ///< of `check`; empty: not given
     std::string reportFile;             ///< empty: standard output
+
+    bool isServer = false; ///< `serve`, which cannot be combined with commands
+    std::optional<std::string> netconfSsh;  ///< ADDRESS:PORT
+    std::optional<std::string> netconfUnix; ///< a path
+    std::vector<std::string> netconfUsers;  ///< "NAME=KEYFILE"
+    std::vector<std::string> readOnlyUsers;
+    std::string passwordFile;
+    std::optional<std::string> hostKey; ///< a file
 };
 
 /// The result of reading the program's arguments: options, or a reason to end at once.

@@ -75,13 +75,26 @@ YangModelReader& YangModelReader::offerText(std::string name, std::string label,
     return *this;
 }
 
-YangModel YangModelReader::read() const {
+ModuleFinder YangModelReader::finder() const {
     ModuleFinder finder(mSearchPath);
     finder.addText(kAssociationsModule, "orv-associations.yang (built in)",
                    kEmbedded_orv_associations_yang);
     for (const Text& text : mTexts) {
         finder.addText(text.name, text.label, text.text);
     }
+    return finder;
+}
+
+std::shared_ptr<YangContext> YangModelReader::readForProtocol() const {
+    ModuleFinder finder = this->finder();
+    const std::vector<std::string> names = resolve(mModules, finder);
+    auto context = std::make_shared<YangContext>(ContextUse::Protocol);
+    context->load(names, {mFeatures, mHasOtherFeatures}, finder);
+    return context;
+}
+
+YangModel YangModelReader::read() const {
+    ModuleFinder finder = this->finder();
     const std::vector<std::string> names = resolve(mModules, finder);
     auto context = std::make_shared<YangContext>();
     context->load(names, {mFeatures, mHasOtherFeatures}, finder);

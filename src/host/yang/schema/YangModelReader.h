@@ -16,6 +16,8 @@
 
 namespace OrvHost {
 
+class ModuleFinder;
+
 /// The result of reading YANG modules.
 struct YangModel {
     Model model;
@@ -63,12 +65,18 @@ public:
     /// agree.
     YangModel read() const;
 
+    /// The same modules with the same features in a context of its own, to speak a protocol in
+    /// their terms. \throws ModelError as read() does, but for what only a model can have wrong.
+    std::shared_ptr<YangContext> readForProtocol() const;
+
 private:
     struct Text {
         std::string name;
         std::string label;
         std::string text;
     };
+
+    ModuleFinder finder() const;
 
     std::vector<std::filesystem::path> mSearchPath;
     std::vector<std::string> mModules;

@@ -18,9 +18,9 @@
 namespace OrvHost {
 namespace {
 
-constexpr std::uint16_t kOptions = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS |
-                                   LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_EXPLICIT_COMPILE |
-                                   LY_CTX_SET_PRIV_PARSED | LY_CTX_REF_IMPLEMENTED;
+constexpr std::uint16_t kOptions = LY_CTX_DISABLE_SEARCHDIRS | LY_CTX_DISABLE_SEARCHDIR_CWD |
+                                   LY_CTX_EXPLICIT_COMPILE | LY_CTX_REF_IMPLEMENTED;
+constexpr std::uint16_t kModelOptions = LY_CTX_NO_YANGLIBRARY | LY_CTX_SET_PRIV_PARSED;
 
 void freeText(void* text, void*) {
     std::free(text); // NOLINT(cppcoreguidelines-no-malloc)
@@ -92,11 +92,12 @@ void appendNew(std::vector<Problem>& all, std::vector<Problem> more) {
 
 }
 
-YangContext::YangContext() {
+YangContext::YangContext(ContextUse use) {
     // A setting of the whole process: store messages in the context and print none.
     static const std::uint32_t previous = ly_log_options(LY_LOSTORE);
     static_cast<void>(previous);
-    const LY_ERR code = ly_ctx_new(nullptr, kOptions, &mContext);
+    const int options = kOptions | (use == ContextUse::Model ? kModelOptions : 0);
+    const LY_ERR code = ly_ctx_new(nullptr, static_cast<std::uint16_t>(options), &mContext);
     if (code == LY_EMEM) {
         throw std::bad_alloc();
     }

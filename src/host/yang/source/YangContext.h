@@ -10,6 +10,7 @@
 
 #include <libyang/libyang.h>
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -25,13 +26,21 @@ struct YangMessage {
     int line = 0;     ///< in the text that was read, or 0
 };
 
+/// What a context is for.
+enum class ContextUse : std::uint8_t {
+    Model, ///< a model is read from its modules
+    /// A protocol is spoken in its terms. It has the modules' list as data (ietf-yang-library), and
+    /// leaves the private pointers of nodes to the protocol's library.
+    Protocol
+};
+
 /// A context of the YANG library, with the modules that were loaded into it.
 ///
 /// Call load() and compile() first, on one thread. After that the context does not change, and any
 /// number of threads may use it.
 class YangContext {
 public:
-    YangContext();
+    explicit YangContext(ContextUse use = ContextUse::Model);
     ~YangContext();
     YangContext(const YangContext&) = delete;
     YangContext& operator=(const YangContext&) = delete;

@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Serve.h"
+
+#include "cli/errors/CliErrors.h"
+#include "cli/setup/HostSetup.h"
+
+#ifdef ORVHOST_NETCONF
+
+#include "netconf/server/NetconfServer.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+
+namespace OrvHost {
+
+namespace {
+
+std::string hostKeyFile(const Options& options) {
+    if (options.hostKey) {
+        return *options.hostKey;
+    }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nothing sets variables.
+    const char* home = std::getenv("HOME");
+    return std::string(home != nullptr ? home : ".") + "/.orvhost_host_key";
+}
+
+ServerOptions serverOptions(const Options& options) {
+    ServerOptions server;
+    server.unixPath = options.netconfUnix;
+    server.hostKey = hostKeyFile(options);
+    server.passwordFile = options.passwordFile;
+    server.readOnlyUsers = options.readOnlyUsers;
+    for (const std::string& user : options.netconfUsers) {
+        const std::size_t equals = user.find('=');
+        server.userKeys.emplace_back(user.substr(0, equals), user.substr(equals + 1));
+    }
+    server.sshAddress = options.netconfSsh;
+    const bool hasUsers = !server.userKeys.empty() || !server.passwordFile.empty();
+    if (!server.sshAddress && (hasUsers || !server.unixPath)) {
+        server.sshAddress = "127.0.0.1:8300";
+    }
+    return server;
+}
+
+/// Signals that wait until the program takes them. Threads that begin later leave them to it.
+class WaitingSignals {
+public:
+    WaitingSignals() {
+        sigemptyset(&mSignals);
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+            sigaddset(&mSignals, signal);
+        }
+        pthread_sigmask(SIG_BLOCK, &mSignals, nullptr);
+    }
+
+    int next() {
+        int signal = 0;
+        sigwait(&mSignals, &signal);
+        return signal;
+    }
+
+private:
+    sigset_t mSignals{};
+};
+
+}
+
+int serve(const Options& options, std::ostream& out) {
+    WaitingSignals signals;
+    HostSetup setup(options, std::cerr);
+    const NetconfServer server(setup.host(), setup.modelReader(), setup.schema(),
+                               serverOptions(options));
+    for (const std::string& line : server.addresses()) {
+        out << line << '\n';
+    }
+    out << std::flush;
+    while (signals.next() == SIGHUP) {
+        if (!setup.log().reopen()) {
+            std::cerr << "orvhost: the log's file cannot be opened again\n";
+        }
+    }
+    return ExitOk;
+}
+
+}
+
+#else
+
+namespace OrvHost {
+
+int serve(const Options&, std::ostream&) {
+    throw LoadError("this orvhost was built without its server (see ORV_NETCONF in the README)");
+}
+
+}
+
+#endif

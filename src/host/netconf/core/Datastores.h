@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_NETCONF_CORE_DATASTORES_H
+#define ORV_HOST_NETCONF_CORE_DATASTORES_H
+
+#include "client/edits/StateBefore.h"
+#include "client/edits/Wish.h"
+#include "netconf/core/NetconfSession.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+enum class Datastore : std::uint8_t { Running, Candidate };
+
+/// "running" or "candidate".
+std::string datastoreName(Datastore store);
+
+/// What an edit does besides checking the edit itself.
+enum class EditMode : std::uint8_t {
+    Write,   ///< writes; into running only what is valid
+    OnlyTest ///< writes nothing
+};
+
+/// The two datastores over the host's transactions.
+///
+/// *Running* is the committed state. A read takes a transaction of its own, and so does an edit,
+/// which is validated and committed.
+///
+/// *Candidate* is one transaction of the host that all sessions share. It begins with the first
+/// edit, so it shows running as it was then with the edits made since, and ends with a commit, with
+/// discard, or with the session that has locked it. Without one, reads show running. If a write is
+/// refused half-way or a commit is refused, the transaction is of no use any more: it is aborted
+/// and the edits that it had accepted are made again in a new one, so the candidate keeps them.
+///
+/// Locks are for the sessions of the protocol; other clients of the host meet conflicts instead.
+///
+/// The calls throw RpcErrors for what the protocol forbids, and what the client library throws for
+/// what the component or the planner refuses: see errorsOf. Any thread, each session on one.
+class Datastores {
+public:
+    /// \p host is borrowed; its components stay started while this object lives.
+    explicit Datastores(Host& host);
+    /// Aborts the candidate.
+    ~Datastores();
+    Datastores(const Datastores&) = delete;
+    Datastores& operator=(const Datastores&) = delete;
+
+    using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
+    /// Runs \p read on a state that does not change meanwhile.
+    void read(NetconfSession& session, Datastore store, const Read& read);
+
+    /// Says what is wished, given the state before.
+    using MakeWish = std::function<Wish(StateBefore& before)>;
+    /// Makes an edit whole or not at all.
+    void edit(NetconfSession& session, Datastore target, EditMode mode, const MakeWish& wish);
+
+    /// Throws RefusalError with all violations.
+    void validate(NetconfSession& session, Datastore store);
+
+    /// Makes the candidate the running state; nothing if nobody has edited it.
+    void commit(NetconfSession& session);
+    void discard(NetconfSession& session);
+
+    void lock(NetconfSession& session, Datastore store);
+    void unlock(NetconfSession& session, Datastore store);
+    /// Releases what the session has locked. A candidate that it had locked is discarded.
+    void end(NetconfSession& session);
+
+    /// The session that has locked a datastore, or nothing.
+    std::optional<std::uint32_t> lockedBy(Datastore store) const;
+
+private:
+    void requireUnlocked(const NetconfSession& session, Datastore store) const;
+    void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
+    void editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish);
+    void beginCandidate(const std::string& author);
+    void dropCandidate();
+    void replay(const std::string& author);
+
+    Host& mHost;
+
+    mutable std::mutex mLockMutex; ///< guards mLocks
+    std::map<Datastore, std::uint32_t> mLocks;
+
+    std::mutex mRunningMutex; ///< one edit of running at a time
+
+    std::mutex mCandidateMutex; ///< guards all below
+    Clients mCandidateClients;
+    ClientSession mCandidate;
+    std::optional<unsigned long> mHandle; ///< the candidate's transaction
+    std::vector<Wish> mAccepted;          ///< its edits
+};
+
+}
+
+#endif

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_NETCONF_CORE_DISPATCHER_H
+#define ORV_HOST_NETCONF_CORE_DISPATCHER_H
+
+#include "netconf/core/DataReader.h"
+#include "netconf/core/Datastores.h"
+#include "netconf/wire/RpcError.h"
+#include "netconf/wire/WireModel.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct lyd_node;
+
+namespace OrvHost {
+
+/// The answer to a request.
+struct RpcReply {
+    std::vector<RpcError> errors{};    ///< if there are some, nothing was done
+    std::optional<std::string> data{}; ///< the content of the data element, in XML; none: ok
+};
+
+/// Answers the requests of RFC 6241 that are not the transport's own (close-session): get,
+/// get-config, edit-config, copy-config, delete-config, lock, unlock, commit, discard-changes,
+/// validate, kill-session, and get-schema of RFC 6022.
+///
+/// It knows no transport: a request is a tree of the wire's context, as a parser makes it from XML.
+///
+/// Any thread, each session on one.
+class Dispatcher {
+public:
+    /// Ends another session and says whether there was one. \p by is the session that wants it.
+    using Kill = std::function<bool(std::uint32_t session, const NetconfSession& by)>;
+
+    /// All is borrowed.
+    Dispatcher(Host& host, const WireModel& model, Kill kill);
+
+    /// \p request is the operation's node. Defaults are added to it. Throws nothing but
+    /// std::bad_alloc: all other failures are errors of the reply.
+    RpcReply answer(NetconfSession& session, lyd_node* request);
+
+    /// Call it when a session ends, however it does.
+    void end(NetconfSession& session) { mStores.end(session); }
+
+    const WireModel& model() const { return mModel; }
+
+private:
+    RpcReply dispatch(NetconfSession& session, lyd_node* request);
+    void check(lyd_node* request) const;
+    RpcReply get(NetconfSession& session, const lyd_node* request);
+    RpcReply editConfig(NetconfSession& session, const lyd_node* request);
+    RpcReply copyConfig(NetconfSession& session, const lyd_node* request);
+    RpcReply validate(NetconfSession& session, const lyd_node* request);
+    RpcReply getSchema(const lyd_node* request) const;
+    RpcReply kill(NetconfSession& session, const lyd_node* request) const;
+    void replaceAll(NetconfSession& session, Datastore target, EditMode mode,
+                    const lyd_node* config);
+
+    Host& mHost;
+    const WireModel& mModel;
+    Datastores mStores;
+    DataReader mReader;
+    Kill mKill;
+};
+
+}
+
+#endif

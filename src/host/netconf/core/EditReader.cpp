@@ -1,0 +1,415 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "EditReader.h"
+
+#include "DnUtil.h"
+#include "base/DnView.h"
+#include "base/Join.h"
+#include "client/ObjectState.h"
+#include "model/DnForm.h"
+#include "netconf/core/UnknownData.h"
+#include "netconf/wire/XmlText.h"
+#include "yang/instances/TreeReader.h"
+#include "yang/types/ValueCodec.h"
+
+#include <libyang/libyang.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+namespace OrvHost {
+
+/// An object of the edit, while its attributes are read.
+struct EditReader::Object {
+    std::string dn;
+    const ClassDef* moc = nullptr;
+    bool startsEmpty = false; ///< attributes do not go on from what the object has
+    std::optional<std::vector<AttributeValue>> before;
+    std::vector<NamedValue> attributes;
+    std::map<std::string, std::size_t> places; ///< in attributes
+    std::vector<const lyd_node*> children;
+};
+
+namespace {
+
+/// The members that identify an entry of a list of structs.
+std::vector<std::string> keyNames(const ValueShape& shape) {
+    std::vector<std::string> names;
+    for (const ValueShape& member : shape.members) {
+        if (lysc_is_key(member.node)) {
+            names.push_back(member.name);
+        }
+    }
+    return names;
+}
+
+const AttributeValue* memberOf(const Value& value, const std::string& name) {
+    for (const NamedValue& member : std::get<StructValue>(value).members) {
+        if (member.first == name) {
+            return &member.second;
+        }
+    }
+    return nullptr;
+}
+
+bool hasSameKeys(const Value& left, const Value& right, const std::vector<std::string>& keys) {
+    return std::all_of(keys.begin(), keys.end(), [&](const std::string& key) {
+        const AttributeValue* one = memberOf(left, key);
+        const AttributeValue* other = memberOf(right, key);
+        return one != nullptr && other != nullptr && *one == *other;
+    });
+}
+
+std::string nodeName(const lyd_node* node) {
+    return LYD_NAME(node);
+}
+
+}
+
+Wish EditReader::read(const lyd_node* first, EditOperation defaultOperation) {
+    const bool isReplaced = defaultOperation == EditOperation::Replace;
+    if (isReplaced) {
+        mWish.edits.push_back({EditKind::Replace, "", {}});
+    }
+    readSiblings(first, "", defaultOperation, isReplaced);
+    if (!mErrors.empty()) {
+        throw RpcErrors(std::move(mErrors));
+    }
+    return std::move(mWish);
+}
+
+/// \p isReplaced: the nodes are in the subtree of the last edit, which replaces it.
+void EditReader::readSiblings(const lyd_node* first, const std::string& parentDn,
+                              EditOperation inherited, bool isReplaced) {
+    for (const lyd_node* node = first; node != nullptr; node = node->next) {
+        if (!isUsable(node)) {
+            continue;
+        }
+        if (const ObjectShape* shape = mModel.objectAt(node->schema)) {
+            readObject(node, *shape, parentDn, inherited, isReplaced);
+        } else if (!mModel.isTransparent(node->schema)) {
+            refuse(node, "operation-not-supported",
+                   "<" + nodeName(node) + "> has no place among the objects of this server");
+        } else if (ownOperation(node).value_or(EditOperation::Merge) != EditOperation::Merge) {
+            refuse(node, "operation-not-supported",
+                   "<" + nodeName(node) +
+                       "> only contains objects; give the operation to each of them");
+        } else {
+            readSiblings(lyd_child(node), parentDn, inherited, isReplaced);
+        }
+    }
+}
+
+bool EditReader::isUsable(const lyd_node* node) {
+    if (node->schema == nullptr) {
+        std::vector<RpcError> errors = whyUnknown(mModel, node);
+        mErrors.insert(mErrors.end(), errors.begin(), errors.end());
+        return false;
+    }
+    if ((node->schema->flags & LYS_CONFIG_W) == 0) {
+        refuse(node, "invalid-value",
+               "<" + nodeName(node) + "> is not configuration: only the system sets it");
+        return false;
+    }
+    return true;
+}
+
+void EditReader::readObject(const lyd_node* node, const ObjectShape& shape,
+                            const std::string& parentDn, EditOperation inherited,
+                            bool isReplaced) {
+    const std::optional<EditOperation> own = ownOperation(node);
+    const EditOperation operation = own.value_or(inherited);
+    Object object;
+    object.dn = DnView(parentDn).child(shape.className, nameOf(node, shape));
+    object.moc = &mClasses.classes[shape.moc];
+    if (takesAway(operation)) {
+        mWish.edits.push_back(
+            {operation == EditOperation::Delete ? EditKind::Delete : EditKind::Remove, object.dn,
+             {}});
+        return;
+    }
+    object.startsEmpty =
+        operation == EditOperation::Replace || operation == EditOperation::Create;
+    // Inside a replaced subtree an operation of its own makes an edit of its own.
+    const bool isPart = isReplaced && operation == EditOperation::Replace;
+    const std::size_t place = mWish.edits.size();
+    if (operation == EditOperation::Replace && !isPart) {
+        mWish.edits.push_back({EditKind::Replace, object.dn, {}});
+    }
+    readContents(lyd_child(node), object, operation);
+    const std::string dn = object.dn;
+    const std::vector<const lyd_node*> children = std::move(object.children);
+    if (operation == EditOperation::Replace) {
+        // The edit of the subtree stands where it began; others may have come after it.
+        auto edit = isPart ? std::find_if(mWish.edits.rbegin(), mWish.edits.rend(),
+                                          [&](const Edit& one) {
+                                              return one.kind == EditKind::Replace &&
+                                                     DnView(dn).isAtOrBelow(DnView(one.dn));
+                                          })
+                           : std::make_reverse_iterator(mWish.edits.begin() +
+                                                        static_cast<std::ptrdiff_t>(place) + 1);
+        edit->objects.push_back({dn, std::move(object.attributes)});
+    } else {
+        addObject(object, operation);
+    }
+    for (const lyd_node* child : children) {
+        readObject(child, *mModel.objectAt(child->schema), dn, operation,
+                   operation == EditOperation::Replace);
+    }
+}
+
+void EditReader::addObject(Object& object, EditOperation operation) {
+    const EditKind kind = operation == EditOperation::Create ? EditKind::Create
+                          : operation == EditOperation::None ? EditKind::Set
+                                                             : EditKind::Merge;
+    mWish.edits.push_back({kind, object.dn, {{object.dn, std::move(object.attributes)}}});
+}
+
+void EditReader::readContents(const lyd_node* first, Object& object, EditOperation operation) {
+    for (const lyd_node* node = first; node != nullptr; node = node->next) {
+        if (node->schema != nullptr && lysc_is_key(node->schema)) {
+            continue;
+        }
+        if (node->schema == nullptr &&
+            takesAway(ownOperation(node).value_or(EditOperation::Merge))) {
+            applyUnknown(object, node, *ownOperation(node));
+            continue;
+        }
+        if (!isUsable(node)) {
+            continue;
+        }
+        if (mModel.objectAt(node->schema) != nullptr) {
+            object.children.push_back(node);
+        } else if (const ValueShape* shape = mModel.valueAt(node->schema)) {
+            apply(attributeOf(object, *shape), node, *shape, operation);
+        } else if (!mModel.isTransparent(node->schema)) {
+            refuse(node, "operation-not-supported",
+                   "<" + nodeName(node) + "> has no place in the objects of this server");
+        } else if (ownOperation(node).value_or(EditOperation::Merge) != EditOperation::Merge) {
+            refuse(node, "operation-not-supported",
+                   "<" + nodeName(node) +
+                       "> only contains attributes; give the operation to each of them");
+        } else {
+            readContents(lyd_child(node), object, operation);
+        }
+    }
+}
+
+std::string EditReader::nameOf(const lyd_node* node, const ObjectShape& shape) {
+    std::string name = nameOfEntry(node, shape);
+    if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
+        refuse(node, "invalid-value",
+               "\"" + name +
+                   "\" cannot name an object: a text was expected without control characters and "
+                   "without , = + \" \\ < > ; that neither begins nor ends with a space");
+    }
+    return name;
+}
+
+/// The wished value of an attribute, which begins with what the object has.
+AttributeValue& EditReader::attributeOf(Object& object, const ValueShape& shape) {
+    const auto [place, isNew] = object.places.try_emplace(shape.name, object.attributes.size());
+    if (isNew) {
+        object.attributes.emplace_back(shape.name, AttributeValue{shape.kind, {}});
+        const auto at = object.moc->findAttributeIndex(shape.name);
+        if (!object.startsEmpty && at && !object.before) {
+            object.before = mBefore.exists(object.dn)
+                                ? mBefore.attributes(object.dn, *object.moc)
+                                : std::vector<AttributeValue>(object.moc->attributes.size());
+        }
+        if (!object.startsEmpty && at &&
+            !isUnsetOrDefault(object.moc->attributes[*at], (*object.before)[*at])) {
+            object.attributes.back().second = (*object.before)[*at];
+        }
+    }
+    return object.attributes[place->second].second;
+}
+
+/// An element without a usable value, to be taken away: a leaf's value is not needed for that.
+void EditReader::applyUnknown(Object& object, const lyd_node* node, EditOperation operation) {
+    const lysc_node* meant = meantNode(mModel, node);
+    const ValueShape* shape = meant != nullptr ? mModel.valueAt(meant) : nullptr;
+    if (shape == nullptr || meant->nodetype != LYS_LEAF) {
+        isUsable(node);
+        return;
+    }
+    applyToLeaf(attributeOf(object, *shape), node, *shape, operation);
+}
+
+void EditReader::apply(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
+                       EditOperation inherited) {
+    const EditOperation operation = ownOperation(node).value_or(inherited);
+    if (shape.kind == ValueKind::Struct) {
+        applyToStruct(values, node, shape, operation);
+    } else if (shape.isMultiple) {
+        applyToEntry(values, node, shape, operation);
+    } else {
+        applyToLeaf(values, node, shape, operation);
+    }
+}
+
+void EditReader::applyToLeaf(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
+                             EditOperation operation) {
+    const bool isSet = !values.values.empty();
+    if (operation == EditOperation::None) {
+        return;
+    }
+    if (operation == EditOperation::Create && isSet) {
+        refuse(node, "data-exists", "<" + nodeName(node) + "> has a value already");
+    } else if (operation == EditOperation::Delete && !isSet) {
+        refuse(node, "data-missing", "<" + nodeName(node) + "> has no value, or its default");
+    }
+    values.values.clear();
+    if (!takesAway(operation)) {
+        const auto* leaf = reinterpret_cast<const lyd_node_term*>(node);
+        values.values.push_back(decodeValue(LYD_CTX(node), leaf->value, shape.kind));
+        shortenReferences(mClasses, values);
+    }
+}
+
+void EditReader::applyToEntry(AttributeValue& values, const lyd_node* node,
+                              const ValueShape& shape, EditOperation operation) {
+    const auto* leaf = reinterpret_cast<const lyd_node_term*>(node);
+    AttributeValue one{shape.kind, {decodeValue(LYD_CTX(node), leaf->value, shape.kind)}};
+    shortenReferences(mClasses, one);
+    auto& list = values.values;
+    const auto found = std::find(list.begin(), list.end(), one.values.front());
+    const bool isThere = found != list.end();
+    if (operation == EditOperation::None) {
+        return;
+    }
+    if (operation == EditOperation::Create && isThere) {
+        refuse(node, "data-exists", "<" + nodeName(node) + "> has this entry already");
+    } else if (operation == EditOperation::Delete && !isThere) {
+        refuse(node, "data-missing", "<" + nodeName(node) + "> has no such entry");
+    } else if (takesAway(operation)) {
+        if (isThere) {
+            list.erase(found);
+        }
+    } else {
+        const bool isMoved = lyd_find_meta(node->meta, nullptr, "yang:insert") != nullptr;
+        if (isThere && isMoved) {
+            list.erase(found);
+        }
+        if (!isThere || isMoved) {
+            insert(values, node, std::move(one.values.front()));
+        }
+    }
+}
+
+/// At the end, or where yang:insert says.
+void EditReader::insert(AttributeValue& values, const lyd_node* node, Value value) {
+    const lyd_meta* meta = lyd_find_meta(node->meta, nullptr, "yang:insert");
+    const std::string place = meta != nullptr ? lyd_get_meta_value(meta) : "last";
+    auto& list = values.values;
+    if (place == "first") {
+        list.insert(list.begin(), std::move(value));
+        return;
+    }
+    if (place == "last") {
+        list.push_back(std::move(value));
+        return;
+    }
+    const lyd_meta* neighbour = lyd_find_meta(node->meta, nullptr, "yang:value");
+    const std::string text = neighbour != nullptr ? lyd_get_meta_value(neighbour) : "";
+    const auto found = std::find_if(list.begin(), list.end(),
+                                    [&](const Value& one) { return toText(one) == text; });
+    if (found == list.end()) {
+        refuse(node, "bad-attribute",
+               "<" + nodeName(node) + "> has no entry \"" + text + "\" to be placed " + place);
+        mErrors.back().appTag = "missing-instance";
+        mErrors.back().info = errorInfo("bad-attribute", "value") +
+                              errorInfo("bad-element", nodeName(node));
+        return;
+    }
+    list.insert(place == "after" ? found + 1 : found, std::move(value));
+}
+
+void EditReader::applyToStruct(AttributeValue& values, const lyd_node* node,
+                               const ValueShape& shape, EditOperation operation) {
+    auto& list = values.values;
+    Value given{StructValue{}};
+    const std::vector<std::string> keys = shape.isMultiple ? keyNames(shape)
+                                                           : std::vector<std::string>();
+    for (const lyd_node* key = lyd_child(node); shape.isMultiple && key != nullptr;
+         key = key->next) {
+        const ValueShape* member =
+            key->schema != nullptr && lysc_is_key(key->schema) ? mModel.valueAt(key->schema)
+                                                               : nullptr;
+        if (member != nullptr) {
+            AttributeValue text{member->kind, {}};
+            applyToLeaf(text, key, *member, EditOperation::Merge);
+            std::get<StructValue>(given).members.emplace_back(member->name, std::move(text));
+        }
+    }
+    const auto found =
+        shape.isMultiple
+            ? std::find_if(list.begin(), list.end(),
+                           [&](const Value& one) { return hasSameKeys(one, given, keys); })
+            : list.begin();
+    const bool isThere = found != list.end();
+    if (operation == EditOperation::Create && isThere) {
+        refuse(node, "data-exists", "<" + nodeName(node) + "> exists already");
+        return;
+    }
+    if (operation == EditOperation::Delete && !isThere) {
+        refuse(node, "data-missing", "<" + nodeName(node) + "> does not exist");
+        return;
+    }
+    if (takesAway(operation)) {
+        if (isThere) {
+            list.erase(found);
+        }
+        return;
+    }
+    const bool goesOn = isThere && operation != EditOperation::Replace;
+    StructValue value = std::get<StructValue>(goesOn ? *found : given);
+    readMembers(value, node, shape, operation);
+    if (isThere) {
+        *found = std::move(value);
+    } else if (operation != EditOperation::None || !value.members.empty()) {
+        list.emplace_back(std::move(value));
+    }
+}
+
+void EditReader::readMembers(StructValue& value, const lyd_node* node, const ValueShape& shape,
+                             EditOperation operation) {
+    for (const lyd_node* child = lyd_child(node); child != nullptr; child = child->next) {
+        const bool isKey =
+            shape.isMultiple && child->schema != nullptr && lysc_is_key(child->schema);
+        if (isKey || !isUsable(child)) {
+            continue;
+        }
+        const ValueShape* member = mModel.valueAt(child->schema);
+        if (member == nullptr) {
+            refuse(child, "operation-not-supported",
+                   "<" + nodeName(child) + "> has no place in the objects of this server");
+            continue;
+        }
+        auto& members = value.members;
+        auto place = std::find_if(members.begin(), members.end(), [&](const NamedValue& one) {
+            return one.first == member->name;
+        });
+        if (place == members.end()) {
+            members.emplace_back(member->name, AttributeValue{member->kind, {}});
+            place = members.end() - 1;
+        }
+        apply(place->second, child, *member, operation);
+    }
+    value.members.erase(
+        std::remove_if(value.members.begin(), value.members.end(),
+                       [](const NamedValue& one) { return one.second.values.empty(); }),
+        value.members.end());
+}
+
+void EditReader::refuse(const lyd_node* node, const std::string& tag, const std::string& message) {
+    RpcError error;
+    error.tag = tag;
+    error.path = instancePathOf(node);
+    error.message = message;
+    mErrors.push_back(std::move(error));
+}
+
+}

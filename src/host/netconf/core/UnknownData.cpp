@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "UnknownData.h"
+
+#include "netconf/wire/XmlText.h"
+
+#include <libyang/libyang.h>
+
+namespace OrvHost {
+
+namespace {
+
+const lyd_node_opaq& opaque(const lyd_node* node) {
+    return *reinterpret_cast<const lyd_node_opaq*>(node);
+}
+
+std::string nameOf(const lyd_node* node) {
+    return node->schema != nullptr ? node->schema->name : opaque(node).name.name;
+}
+
+const lys_module* moduleOf(const WireModel& model, const lyd_node* node) {
+    const char* const place = opaque(node).name.module_ns;
+    return place != nullptr ? ly_ctx_get_module_implemented_ns(model.context().get(), place)
+                            : nullptr;
+}
+
+class Search {
+public:
+    explicit Search(const WireModel& model) : mModel(model) {}
+
+    std::vector<RpcError> take() { return std::move(mErrors); }
+
+    void look(const lyd_node* node) {
+        const std::string name = nameOf(node);
+        if (moduleOf(mModel, node) == nullptr) {
+            const char* const place = opaque(node).name.module_ns;
+            const std::string known = place != nullptr ? place : "";
+            add(node, "unknown-namespace",
+                "<" + name + "> is in the namespace \"" + known +
+                    "\", which no module of this server has",
+                errorInfo("bad-element", name) + errorInfo("bad-namespace", known));
+            return;
+        }
+        const lysc_node* meant = meantNode(mModel, node);
+        if (meant == nullptr) {
+            const lyd_node* above = lyd_parent(node);
+            add(node, "unknown-element",
+                "<" + name + "> is not known " +
+                    (above != nullptr ? "in <" + nameOf(above) + ">" : "at the top"),
+                errorInfo("bad-element", name));
+        } else if ((meant->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0) {
+            lookAtValue(node, meant);
+        } else {
+            lookInside(node, meant);
+        }
+    }
+
+private:
+    void lookAtValue(const lyd_node* node, const lysc_node* meant) {
+        const std::string refusal = mModel.context().refusal(meant, opaque(node).value);
+        if (!refusal.empty()) {
+            add(node, "invalid-value", "<" + nameOf(node) + ">: " + refusal,
+                errorInfo("bad-element", nameOf(node)));
+        }
+    }
+
+    void lookInside(const lyd_node* node, const lysc_node* meant) {
+        for (const lysc_node* key = lysc_node_child(meant);
+             meant->nodetype == LYS_LIST && key != nullptr && lysc_is_key(key); key = key->next) {
+            if (!has(node, key)) {
+                add(node, "missing-element",
+                    "<" + nameOf(node) + "> lacks its key <" + key->name + ">",
+                    errorInfo("bad-element", key->name));
+            }
+        }
+        for (const lyd_node* child = lyd_child(node); child != nullptr; child = child->next) {
+            if (child->schema == nullptr) {
+                look(child);
+            }
+        }
+    }
+
+    static bool has(const lyd_node* node, const lysc_node* key) {
+        for (const lyd_node* child = lyd_child(node); child != nullptr; child = child->next) {
+            if (nameOf(child) == key->name) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void add(const lyd_node* node, const std::string& tag, const std::string& message,
+             const std::string& info) {
+        RpcError error;
+        error.tag = tag;
+        error.path = instancePathOf(node);
+        error.message = message;
+        error.info = info;
+        mErrors.push_back(std::move(error));
+    }
+
+    const WireModel& mModel;
+    std::vector<RpcError> mErrors;
+};
+
+}
+
+const lysc_node* meantNode(const WireModel& model, const lyd_node* node) {
+    const lys_module* module = moduleOf(model, node);
+    const lyd_node* above = lyd_parent(node);
+    const lysc_node* parent = nullptr;
+    if (above != nullptr) {
+        parent = above->schema != nullptr ? above->schema : meantNode(model, above);
+    }
+    if (module == nullptr || (above != nullptr && parent == nullptr)) {
+        return nullptr;
+    }
+    return lys_find_child(parent, module, opaque(node).name.name, 0, 0, 0);
+}
+
+std::vector<RpcError> whyUnknown(const WireModel& model, const lyd_node* node) {
+    Search search(model);
+    search.look(node);
+    std::vector<RpcError> errors = search.take();
+    if (errors.empty()) {
+        RpcError error;
+        error.tag = "bad-element";
+        error.path = instancePathOf(node);
+        error.message = "<" + nameOf(node) + "> does not fit the modules";
+        error.info = errorInfo("bad-element", nameOf(node));
+        errors.push_back(std::move(error));
+    }
+    return errors;
+}
+
+}

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_NETCONF_SERVER_CONNECTIONS_H
+#define ORV_HOST_NETCONF_SERVER_CONNECTIONS_H
+
+#include "netconf/server/Descriptor.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <set>
+
+namespace OrvHost {
+
+/// The connections of clients, each served on a thread of its own.
+///
+/// Any thread.
+class Connections {
+public:
+    explicit Connections(std::size_t limit) : mLimit(limit) {}
+    /// As endAll().
+    ~Connections();
+    Connections(const Connections&) = delete;
+    Connections& operator=(const Connections&) = delete;
+
+    /// Runs \p serve on a thread. It takes over the socket, and must end soon after its connection
+    /// is shut down. False, with the socket closed, if there are too many connections, or all are
+    /// ended.
+    bool start(Descriptor socket, std::function<void(Descriptor socket)> serve);
+
+    /// Shuts all connections down and waits for their threads.
+    void endAll();
+
+private:
+
+    const std::size_t mLimit;
+    std::mutex mMutex; ///< guards all below
+    std::condition_variable mChanged;
+    std::multiset<int> mSockets; ///< duplicates of the connections', so that they stay valid
+    bool mIsEnding = false;
+};
+
+}
+
+#endif

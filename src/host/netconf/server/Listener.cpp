@@ -1,0 +1,194 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Listener.h"
+
+#include "ServerError.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <system_error>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/tcp.h>
+#include <pwd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr int kBacklog = 64;
+
+[[noreturn]] void fail(const std::string& what) {
+    throw ServerError(what + ": " + std::generic_category().message(errno));
+}
+
+std::string textOf(const sockaddr_storage& address, socklen_t size) {
+    std::array<char, NI_MAXHOST> host{};
+    std::array<char, NI_MAXSERV> port{};
+    if (address.ss_family == AF_UNIX ||
+        getnameinfo(reinterpret_cast<const sockaddr*>(&address), size, host.data(), host.size(),
+                    port.data(), port.size(), NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
+        return "this machine";
+    }
+    const bool isSix = address.ss_family == AF_INET6;
+    return (isSix ? "[" : "") + std::string(host.data()) + (isSix ? "]:" : ":") + port.data();
+}
+
+sockaddr_un unixAddress(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address.sun_path)) {
+        throw ServerError(path + ": is too long for a socket");
+    }
+    std::memcpy(address.sun_path, path.c_str(), path.size());
+    return address;
+}
+
+bool isServed(const sockaddr_un& address) {
+    const Descriptor probe(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+}
+
+void removeLeftOver(const std::string& path, const sockaddr_un& address) {
+    struct stat known {};
+    if (lstat(path.c_str(), &known) != 0) {
+        return;
+    }
+    if (!S_ISSOCK(known.st_mode) || isServed(address)) {
+        throw ServerError(path + ": exists already");
+    }
+    unlink(path.c_str());
+}
+
+}
+
+NetAddress NetAddress::parse(const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    std::string host = text.substr(0, colon);
+    const std::string port = colon != std::string::npos ? text.substr(colon + 1) : "";
+    if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
+        host = host.substr(1, host.size() - 2);
+    }
+    const bool isPort = !port.empty() && port.size() <= 5 &&
+                        port.find_first_not_of("0123456789") == std::string::npos &&
+                        std::stoul(port) <= 65535;
+    if (host.empty() || !isPort) {
+        throw ServerError("'" + text + "': ADDRESS:PORT was expected, such as 127.0.0.1:8300");
+    }
+    return {host, port};
+}
+
+bool NetAddress::isLoopback() const {
+    return host.compare(0, 4, "127.") == 0 || host == "::1";
+}
+
+Descriptor listenAt(const NetAddress& address) {
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
+    wanted.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
+    addrinfo* found = nullptr;
+    const std::string name = address.host + " port " + address.port;
+    if (getaddrinfo(address.host.c_str(), address.port.c_str(), &wanted, &found) != 0) {
+        throw ServerError(name + ": a numeric address was expected");
+    }
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owned(found, freeaddrinfo);
+    Descriptor listening(socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const int on = 1;
+    setsockopt(listening.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    if (bind(listening.get(), found->ai_addr, found->ai_addrlen) != 0 ||
+        listen(listening.get(), kBacklog) != 0) {
+        fail(name);
+    }
+    return listening;
+}
+
+Descriptor listenAt(const std::string& path) {
+    const sockaddr_un address = unixAddress(path);
+    removeLeftOver(path, address);
+    Descriptor listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    // Nobody can connect before listen(), so the mode is right in time.
+    if (bind(listening.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+        chmod(path.c_str(), 0600) != 0 || listen(listening.get(), kBacklog) != 0) {
+        fail(path);
+    }
+    return listening;
+}
+
+std::string peerName(int socket) {
+    ucred peer{};
+    socklen_t size = sizeof(peer);
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
+        return "unknown";
+    }
+    std::vector<char> buffer(16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    getpwuid_r(peer.uid, &entry, buffer.data(), buffer.size(), &found);
+    return found != nullptr ? found->pw_name : std::to_string(peer.uid);
+}
+
+Listener::Listener(Descriptor socket, std::size_t limit, Serve serve)
+    : mSocket(std::move(socket)),
+      mServe(std::move(serve)),
+      mConnections(limit),
+      mThread([this] { acceptAll(); }) {}
+
+Listener::~Listener() {
+    end();
+}
+
+void Listener::end() {
+    shutdown(mSocket.get(), SHUT_RDWR);
+    if (mThread.joinable()) {
+        mThread.join();
+    }
+    mConnections.endAll();
+}
+
+void Listener::acceptAll() {
+    while (true) {
+        sockaddr_storage address{};
+        socklen_t size = sizeof(address);
+        Descriptor accepted(accept4(mSocket.get(), reinterpret_cast<sockaddr*>(&address), &size,
+                                    SOCK_CLOEXEC));
+        if (accepted.get() < 0) {
+            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+                // Other connections end; meanwhile this one waits in the queue.
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                continue;
+            }
+            if (errno == EINTR || errno == ECONNABORTED) {
+                continue;
+            }
+            return;
+        }
+        const int on = 1;
+        setsockopt(accepted.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+        const std::string from = textOf(address, size);
+        const bool isStarted =
+            mConnections.start(std::move(accepted), [this, from](Descriptor socket) {
+                mServe(std::move(socket), from);
+            });
+        if (!isStarted) {
+            logServer(4, "a connection from " + from + " is refused: too many are open");
+        }
+    }
+}
+
+std::string Listener::address() const {
+    sockaddr_storage address{};
+    socklen_t size = sizeof(address);
+    getsockname(mSocket.get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return textOf(address, size);
+}
+
+}

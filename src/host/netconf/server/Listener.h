@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_NETCONF_SERVER_LISTENER_H
+#define ORV_HOST_NETCONF_SERVER_LISTENER_H
+
+#include "netconf/server/Connections.h"
+#include "netconf/server/Descriptor.h"
+
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace OrvHost {
+
+/// Where a listener listens.
+struct NetAddress {
+    std::string host; ///< a number: "127.0.0.1", "::1"
+    std::string port; ///< "0": any free one
+
+    /// "127.0.0.1:8300" or "[::1]:8300". Throws ServerError if the text has another form.
+    static NetAddress parse(const std::string& text);
+    bool isLoopback() const;
+};
+
+/// Accepts connections on a thread of its own and gives each to a function on another thread.
+class Listener {
+public:
+    using Serve = std::function<void(Descriptor socket, const std::string& from)>;
+
+    /// \p socket listens.
+    Listener(Descriptor socket, std::size_t limit, Serve serve);
+    /// As end().
+    ~Listener();
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    /// Ends the listening and all connections, and waits for them.
+    void end();
+
+    /// The address with the port that was taken.
+    std::string address() const;
+
+private:
+    void acceptAll();
+
+    Descriptor mSocket;
+    Serve mServe;
+    Connections mConnections;
+    std::thread mThread;
+};
+
+/// A socket that listens at an address. Throws ServerError.
+Descriptor listenAt(const NetAddress& address);
+/// A socket that listens at a path; only its owner can connect. A socket that is left there from a
+/// server that does not run any more is replaced. Throws ServerError.
+Descriptor listenAt(const std::string& path);
+
+/// The name of the user at the other end of a UNIX socket, or its number if it has no name.
+std::string peerName(int socket);
+
+}
+
+#endif

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "NetconfServer.h"
+
+#include "HostKey.h"
+#include "Listener.h"
+#include "ServerError.h"
+#include "SessionHub.h"
+#include "SshFront.h"
+
+#include <csignal>
+
+#include <sys/socket.h>
+
+namespace OrvHost {
+
+namespace {
+
+/// Connections of one listener at a time, those included whose user is not known yet.
+constexpr std::size_t kConnections = 256;
+
+UserTable usersOf(const ServerOptions& options) {
+    UserTable users;
+    for (const auto& [name, file] : options.userKeys) {
+        users.addKeys(name, file);
+    }
+    if (!options.passwordFile.empty()) {
+        users.addPasswords(options.passwordFile);
+    }
+    for (const std::string& name : options.readOnlyUsers) {
+        users.setReadOnly(name);
+    }
+    return users;
+}
+
+}
+
+struct NetconfServer::Parts {
+    Parts(Host& host, const YangModelReader& reader, std::shared_ptr<const YangSchema> schema,
+          const ServerOptions& options)
+        : users(usersOf(options)), model(reader, std::move(schema)), hub(host, model) {}
+
+    UserTable users;
+    WireModel model;
+    SessionHub hub;
+    std::unique_ptr<SshFront> front;
+    std::unique_ptr<Listener> ssh;
+    std::unique_ptr<Listener> local;
+    std::string localPath;
+};
+
+NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
+                             std::shared_ptr<const YangSchema> schema,
+                             const ServerOptions& options) {
+    // A client that is gone is seen where it is written to.
+    std::signal(SIGPIPE, SIG_IGN);
+    mParts = std::make_unique<Parts>(host, reader, std::move(schema), options);
+    Parts& parts = *mParts;
+    if (options.sshAddress) {
+        if (parts.users.isEmpty()) {
+            throw ServerError("nobody can log in by SSH: name a user and a file of public keys, or "
+                              "a file of passwords");
+        }
+        const NetAddress address = NetAddress::parse(*options.sshAddress);
+        if (!address.isLoopback()) {
+            logServer(4, address.host + " is no loopback address: others than this machine can "
+                                        "reach the server");
+        }
+        ensureHostKey(options.hostKey);
+        parts.front = std::make_unique<SshFront>(
+            options.hostKey, parts.users, SshLimits(),
+            [&parts](Descriptor channel, const NetconfUser& user, const std::string& from) {
+                parts.hub.serve(std::move(channel), user, from);
+            });
+        parts.ssh = std::make_unique<Listener>(
+            listenAt(address), kConnections, [&parts](Descriptor socket, const std::string& from) {
+                parts.front->serve(std::move(socket), from);
+            });
+    }
+    if (options.unixPath) {
+        parts.localPath = *options.unixPath;
+        parts.local = std::make_unique<Listener>(
+            listenAt(parts.localPath), kConnections,
+            [&parts](Descriptor socket, const std::string& from) {
+                const std::string name = peerName(socket.get());
+                parts.hub.serve(std::move(socket), parts.users.named(name), from);
+            });
+    }
+}
+
+NetconfServer::~NetconfServer() {
+    mParts->hub.endAll();
+    mParts->ssh.reset();
+    mParts->local.reset();
+    if (!mParts->localPath.empty()) {
+        unlink(mParts->localPath.c_str());
+    }
+}
+
+std::vector<std::string> NetconfServer::addresses() const {
+    std::vector<std::string> lines;
+    if (mParts->ssh) {
+        lines.push_back("NETCONF over SSH at " + mParts->ssh->address());
+    }
+    if (mParts->local) {
+        lines.push_back("NETCONF at the socket " + mParts->localPath);
+    }
+    return lines;
+}
+
+}

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_NETCONF_SERVER_NETCONFSERVER_H
+#define ORV_HOST_NETCONF_SERVER_NETCONFSERVER_H
+
+#include "netconf/server/UserTable.h"
+#include "yang/schema/YangModelReader.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace OrvHost {
+
+class Host;
+
+/// How the server is reached and by whom.
+struct ServerOptions {
+    std::optional<std::string> sshAddress; ///< ADDRESS:PORT; none: no SSH
+    std::optional<std::string> unixPath;   ///< none: no socket
+    std::string hostKey;                   ///< a file, made if there is none
+    std::vector<std::pair<std::string, std::string>> userKeys; ///< name, file of public keys
+    std::string passwordFile;                                  ///< empty: none
+    std::vector<std::string> readOnlyUsers;
+};
+
+/// The server: the listeners and the sessions over them.
+class NetconfServer {
+public:
+    /// Listens from now on. \p host is borrowed, with its components started; \p reader has read
+    /// its model, \p schema. Throws ServerError and ModelError.
+    NetconfServer(Host& host, const YangModelReader& reader,
+                  std::shared_ptr<const YangSchema> schema, const ServerOptions& options);
+    /// Ends all sessions and waits for them: what is not committed is aborted.
+    ~NetconfServer();
+    NetconfServer(const NetconfServer&) = delete;
+    NetconfServer& operator=(const NetconfServer&) = delete;
+
+    /// Where clients find it, for people: a line for each way.
+    std::vector<std::string> addresses() const;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> mParts;
+};
+
+}
+
+#endif

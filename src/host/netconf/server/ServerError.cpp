@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ServerError.h"
+
+#include "LoggingWrapper.h"
+
+namespace OrvHost {
+
+void logServer(int level, const std::string& text) {
+    Orv::LoggingWrapper& log = *Orv::LoggingWrapper::instance();
+    if (static_cast<int>(log.get_level()) >= level) {
+        log.trace_v2_printf(Orv::Trace::Common, static_cast<VekMwSpiTraceLevelT>(level), "netconf",
+                            "server", 0, "%s", text.c_str());
+    }
+}
+
+}

@@ -1,0 +1,212 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SessionHub.h"
+
+#include "ServerError.h"
+
+#include <libyang/libyang.h>
+#include <nc_server.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include <poll.h>
+#include <sys/socket.h>
+
+namespace OrvHost {
+
+namespace {
+
+/// How long a client may take for its hello, in seconds.
+constexpr std::uint16_t kHelloSeconds = 10;
+
+// The library's callbacks get no object of ours.
+SessionHub* theHub = nullptr;
+
+struct SessionDeleter {
+    void operator()(nc_session* session) const { nc_session_free(session, nullptr); }
+};
+
+nc_server_reply* errorReply(const std::vector<RpcError>& errors, ly_ctx* context) {
+    nc_server_reply* reply = nullptr;
+    for (const RpcError& error : errors) {
+        const std::string text = error.toXml();
+        lyd_node* node = nullptr;
+        lyd_parse_data_mem(context, text.c_str(), LYD_XML, LYD_PARSE_ONLY | LYD_PARSE_OPAQ, 0,
+                           &node);
+        if (node == nullptr) {
+            continue;
+        }
+        if (reply == nullptr) {
+            reply = nc_server_reply_err(node);
+        } else {
+            nc_server_reply_add_err(reply, node);
+        }
+    }
+    return reply;
+}
+
+nc_server_reply* dataReply(const std::string& text, const lyd_node* request) {
+    lyd_node* output = nullptr;
+    char* const owned = strdup(text.c_str());
+    if (owned == nullptr ||
+        lyd_new_inner(nullptr, request->schema->module, request->schema->name, 0, &output) !=
+            LY_SUCCESS) {
+        std::free(owned);
+        return nullptr;
+    }
+    if (lyd_new_any(output, nullptr, "data", owned, 1, LYD_ANYDATA_XML, 1, nullptr) !=
+        LY_SUCCESS) {
+        lyd_free_tree(output);
+        return nullptr;
+    }
+    return nc_server_reply_data(output, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
+}
+
+std::string operationText(const lyd_node* request) {
+    return LYD_NAME(request);
+}
+
+nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
+    auto& own = *static_cast<NetconfSession*>(nc_session_get_data(session));
+    ly_ctx* const context = theHub->dispatcher().model().context().get();
+    RpcReply reply;
+    try {
+        reply = theHub->dispatcher().answer(own, request);
+    } catch (const std::exception& failure) {
+        RpcError error;
+        error.tag = "resource-denied";
+        error.message = failure.what();
+        reply.errors = {error};
+    }
+    logServer(6, own.author() + ": " + operationText(request) + ": " +
+                     (reply.errors.empty() ? "done" : reply.errors.front().tag));
+    // Messages of the library about the request have been read, or are of no use.
+    ly_err_clean(context, nullptr);
+    if (!reply.errors.empty()) {
+        return errorReply(reply.errors, context);
+    }
+    return reply.data ? dataReply(*reply.data, request) : nc_server_reply_ok();
+}
+
+void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) {
+    if (level == NC_VERB_ERROR || level == NC_VERB_WARNING) {
+        logServer(6, std::string("protocol: ") + text);
+    }
+}
+
+/// Waits until there is something to read; false if the connection is at its end.
+bool waitFor(int fd) {
+    pollfd wanted{fd, POLLIN, 0};
+    while (poll(&wanted, 1, -1) < 0) {
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return (wanted.revents & POLLIN) != 0;
+}
+
+/// Answers requests until the session ends.
+void answerAll(nc_session* session, int fd) {
+    nc_pollsession* const one = nc_ps_new();
+    constexpr int kEnd = NC_PSPOLL_NOSESSIONS | NC_PSPOLL_SESSION_TERM | NC_PSPOLL_ERROR;
+    if (one != nullptr && nc_ps_add_session(one, session) == 0) {
+        while (waitFor(fd) && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0) {
+        }
+        nc_ps_del_session(one, session);
+    }
+    nc_ps_free(one);
+}
+
+}
+
+SessionHub::SessionHub(Host& host, const WireModel& model)
+    : mHost(host),
+      mDispatcher(host, model, [this](std::uint32_t id, const NetconfSession& by) {
+          return kill(id, by);
+      }) {
+    theHub = this;
+    nc_set_print_clb_session(onLibraryMessage);
+    ly_ctx* const context = model.context().get();
+    nc_set_global_rpc_clb(onRequest);
+    // The library's own get-schema frees a text twice with this version of libyang.
+    auto* const getSchema = const_cast<lysc_node*>(
+        lys_find_path(context, nullptr, "/ietf-netconf-monitoring:get-schema", 0));
+    nc_set_rpc_callback(getSchema, reinterpret_cast<void*>(onRequest));
+    if (nc_server_init(context) != 0) {
+        theHub = nullptr;
+        throw ServerError("the NETCONF library cannot be set up");
+    }
+    nc_server_set_hello_timeout(kHelloSeconds);
+}
+
+SessionHub::~SessionHub() {
+    nc_server_destroy();
+    theHub = nullptr;
+}
+
+void SessionHub::serve(Descriptor channel, const NetconfUser& user, const std::string& from) {
+    nc_session* accepted = nullptr;
+    const NC_MSG_TYPE greeting =
+        nc_accept_inout(channel.get(), channel.get(), user.name.c_str(), &accepted);
+    std::unique_ptr<nc_session, SessionDeleter> session(accepted);
+    if (greeting != NC_MSG_HELLO) {
+        logServer(4, user.name + " from " + from + ": no hello that can be used");
+        session.reset();
+        nc_thread_destroy();
+        return;
+    }
+    const std::uint32_t id = nc_session_get_id(accepted);
+    {
+        NetconfSession own(mHost, id, user);
+        nc_session_set_data(accepted, &own);
+        if (enter(id, {channel.get(), &own})) {
+            logServer(6, own.author() + ": begins, from " + from);
+            answerAll(accepted, channel.get());
+            leave(id);
+            mDispatcher.end(own);
+            logServer(6, own.author() + ": ends");
+        }
+        nc_session_set_data(accepted, nullptr);
+    }
+    session.reset();
+    nc_thread_destroy();
+}
+
+bool SessionHub::enter(std::uint32_t id, const Entry& entry) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (!mIsEnding) {
+        mSessions.emplace(id, entry);
+    }
+    return !mIsEnding;
+}
+
+void SessionHub::leave(std::uint32_t id) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSessions.erase(id);
+}
+
+bool SessionHub::kill(std::uint32_t id, const NetconfSession& by) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto found = mSessions.find(id);
+    if (found == mSessions.end()) {
+        return false;
+    }
+    logServer(6, by.author() + ": kills " + found->second.session->author());
+    found->second.session->client().cancellation().cancel();
+    shutdown(found->second.fd, SHUT_RDWR);
+    return true;
+}
+
+void SessionHub::endAll() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIsEnding = true;
+    for (const auto& [id, entry] : mSessions) {
+        entry.session->client().cancellation().cancel();
+        shutdown(entry.fd, SHUT_RDWR);
+    }
+}
+
+}

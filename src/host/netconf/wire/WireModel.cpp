@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "WireModel.h"
+
+#include <libyang/libyang.h>
+
+#include <cstdlib>
+
+extern const char kEmbedded_ietf_netconf_yang[];
+extern const char kEmbedded_ietf_netconf_monitoring_yang[];
+
+namespace OrvHost {
+
+namespace {
+
+/// What the server can do beyond the base; the others are refused where a request uses them.
+const std::vector<std::string> kFeatures{"writable-running", "candidate", "rollback-on-error",
+                                         "validate", "xpath"};
+
+void addProtocol(YangModelReader& reader) {
+    reader.offerText(kNetconfModule, "ietf-netconf.yang (built in)", kEmbedded_ietf_netconf_yang);
+    reader.load(kNetconfModule);
+    reader.selectFeatures(kNetconfModule, kFeatures);
+    const std::string monitoring = "ietf-netconf-monitoring";
+    reader.offerText(monitoring, monitoring + ".yang (built in)",
+                     kEmbedded_ietf_netconf_monitoring_yang);
+    reader.load(monitoring);
+}
+
+using Text = std::unique_ptr<char, void (*)(void*)>;
+
+}
+
+WireModel::WireModel(YangModelReader reader, std::shared_ptr<const YangSchema> schema)
+    : mSchema(std::move(schema)) {
+    addProtocol(reader);
+    mContext = reader.readForProtocol();
+    for (const ObjectShape* top : mSchema->childrenOf(nullptr)) {
+        add(*top);
+    }
+}
+
+const lysc_node* WireModel::wireNode(const lysc_node* node) const {
+    const Text path(lysc_path(node, LYSC_PATH_DATA, nullptr, 0), std::free);
+    const lysc_node* found =
+        path != nullptr ? lys_find_path(mContext->get(), nullptr, path.get(), 0) : nullptr;
+    if (found == nullptr) {
+        mContext->takeMessages();
+        throw ModelError({{{}, std::string(path != nullptr ? path.get() : node->name) +
+                                   " is not found among the modules of the protocol"}});
+    }
+    return found;
+}
+
+void WireModel::add(const ObjectShape& shape) {
+    mObjects.emplace(wireNode(shape.list), &shape);
+    for (const lysc_node* wrapper : shape.wrappers) {
+        mTransparent.insert(wireNode(wrapper));
+    }
+    for (const ValueShape& value : shape.attributes) {
+        if (value.wrapper != nullptr) {
+            mTransparent.insert(wireNode(value.wrapper));
+        }
+        add(value);
+    }
+    for (const ObjectShape* child : shape.children) {
+        add(*child);
+    }
+}
+
+// A reference holds a DN, whatever pattern its author meant for another form of it.
+void WireModel::add(const ValueShape& shape) {
+    const lysc_node* node = wireNode(shape.node);
+    mValues.emplace(node, &shape);
+    if (shape.kind == ValueKind::MoRef) {
+        mContext->ignorePatterns(node);
+    }
+    for (const ValueShape& member : shape.members) {
+        add(member);
+    }
+}
+
+std::optional<std::string> WireModel::moduleText(const std::string& name,
+                                                 const std::string& revision) const {
+    const char* const wanted = revision.empty() ? nullptr : revision.c_str();
+    const ly_ctx* context = mContext->get();
+    char* text = nullptr;
+    const lys_module* module = wanted != nullptr
+                                   ? ly_ctx_get_module(context, name.c_str(), wanted)
+                                   : ly_ctx_get_module_implemented(context, name.c_str());
+    if (module == nullptr && wanted == nullptr) {
+        module = ly_ctx_get_module_latest(context, name.c_str());
+    }
+    if (module != nullptr) {
+        lys_print_mem(&text, module, LYS_OUT_YANG, 0);
+    } else if (const lysp_submodule* part =
+                   wanted != nullptr ? ly_ctx_get_submodule(context, name.c_str(), wanted)
+                                     : ly_ctx_get_submodule_latest(context, name.c_str())) {
+        ly_out* out = nullptr;
+        if (ly_out_new_memory(&text, 0, &out) == LY_SUCCESS) {
+            lys_print_submodule(out, part, LYS_OUT_YANG, 0, 0);
+            ly_out_free(out, nullptr, 0);
+        }
+    }
+    const Text owned(text, std::free);
+    return owned != nullptr ? std::optional<std::string>(owned.get()) : std::nullopt;
+}
+
+}
