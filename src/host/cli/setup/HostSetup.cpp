@@ -114,7 +114,7 @@ void HostSetup::readModel(const Options& options) {
     for (const std::string& features : options.features) {
         const std::size_t colon = features.find(':');
         mReader.selectFeatures(withoutBlanks(features.substr(0, colon)),
-                              namesIn(features.substr(colon + 1)));
+                               namesIn(features.substr(colon + 1)));
     }
     if (options.noFeatures) {
         mReader.withoutFeatures();

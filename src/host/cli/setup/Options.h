@@ -47,7 +47,7 @@ struct Options {
     std::string reportFormat;           ///< of `check`; empty: not given
     std::string reportFile;             ///< empty: standard output
 
-    bool isServer = false; ///< `serve`, which cannot be combined with commands
+    bool isServer = false;                  ///< `serve`, which cannot be combined with commands
     std::optional<std::string> netconfSsh;  ///< ADDRESS:PORT
     std::optional<std::string> netconfUnix; ///< a path
     std::vector<std::string> netconfUsers;  ///< "NAME=KEYFILE"

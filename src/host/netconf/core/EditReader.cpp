@@ -117,8 +117,7 @@ bool EditReader::isUsable(const lyd_node* node) {
 }
 
 void EditReader::readObject(const lyd_node* node, const ObjectShape& shape,
-                            const std::string& parentDn, EditOperation inherited,
-                            bool isReplaced) {
+                            const std::string& parentDn, EditOperation inherited, bool isReplaced) {
     const std::optional<EditOperation> own = ownOperation(node);
     const EditOperation operation = own.value_or(inherited);
     Object object;
@@ -126,12 +125,12 @@ void EditReader::readObject(const lyd_node* node, const ObjectShape& shape,
     object.moc = &mClasses.classes[shape.moc];
     if (takesAway(operation)) {
         mWish.edits.push_back(
-            {operation == EditOperation::Delete ? EditKind::Delete : EditKind::Remove, object.dn,
+            {operation == EditOperation::Delete ? EditKind::Delete : EditKind::Remove,
+             object.dn,
              {}});
         return;
     }
-    object.startsEmpty =
-        operation == EditOperation::Replace || operation == EditOperation::Create;
+    object.startsEmpty = operation == EditOperation::Replace || operation == EditOperation::Create;
     // Inside a replaced subtree an operation of its own makes an edit of its own.
     const bool isPart = isReplaced && operation == EditOperation::Replace;
     const std::size_t place = mWish.edits.size();
@@ -172,9 +171,8 @@ void EditReader::readContents(const lyd_node* first, Object& object, EditOperati
         if (node->schema != nullptr && lysc_is_key(node->schema)) {
             continue;
         }
-        if (node->schema == nullptr &&
-            takesAway(ownOperation(node).value_or(EditOperation::Merge))) {
-            applyUnknown(object, node, *ownOperation(node));
+        if (const ValueShape* shape = valueTakenAwayBy(node)) {
+            applyToLeaf(attributeOf(object, *shape), node, *shape, *ownOperation(node));
             continue;
         }
         if (!isUsable(node)) {
@@ -227,15 +225,14 @@ AttributeValue& EditReader::attributeOf(Object& object, const ValueShape& shape)
     return object.attributes[place->second].second;
 }
 
-/// An element without a usable value, to be taken away: a leaf's value is not needed for that.
-void EditReader::applyUnknown(Object& object, const lyd_node* node, EditOperation operation) {
-    const lysc_node* meant = meantNode(mModel, node);
-    const ValueShape* shape = meant != nullptr ? mModel.valueAt(meant) : nullptr;
-    if (shape == nullptr || meant->nodetype != LYS_LEAF) {
-        isUsable(node);
-        return;
+/// The leaf that an element without a usable value is to take away: its value is not needed for
+/// that. Null for every other element.
+const ValueShape* EditReader::valueTakenAwayBy(const lyd_node* node) const {
+    if (node->schema != nullptr || !takesAway(ownOperation(node).value_or(EditOperation::Merge))) {
+        return nullptr;
     }
-    applyToLeaf(attributeOf(object, *shape), node, *shape, operation);
+    const lysc_node* meant = meantNode(mModel, node);
+    return meant != nullptr && meant->nodetype == LYS_LEAF ? mModel.valueAt(meant) : nullptr;
 }
 
 void EditReader::apply(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
@@ -269,8 +266,8 @@ void EditReader::applyToLeaf(AttributeValue& values, const lyd_node* node, const
     }
 }
 
-void EditReader::applyToEntry(AttributeValue& values, const lyd_node* node,
-                              const ValueShape& shape, EditOperation operation) {
+void EditReader::applyToEntry(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
+                              EditOperation operation) {
     const auto* leaf = reinterpret_cast<const lyd_node_term*>(node);
     AttributeValue one{shape.kind, {decodeValue(LYD_CTX(node), leaf->value, shape.kind)}};
     shortenReferences(mClasses, one);
@@ -320,8 +317,8 @@ void EditReader::insert(AttributeValue& values, const lyd_node* node, Value valu
         refuse(node, "bad-attribute",
                "<" + nodeName(node) + "> has no entry \"" + text + "\" to be placed " + place);
         mErrors.back().appTag = "missing-instance";
-        mErrors.back().info = errorInfo("bad-attribute", "value") +
-                              errorInfo("bad-element", nodeName(node));
+        mErrors.back().info =
+            errorInfo("bad-attribute", "value") + errorInfo("bad-element", nodeName(node));
         return;
     }
     list.insert(place == "after" ? found + 1 : found, std::move(value));
@@ -331,13 +328,13 @@ void EditReader::applyToStruct(AttributeValue& values, const lyd_node* node,
                                const ValueShape& shape, EditOperation operation) {
     auto& list = values.values;
     Value given{StructValue{}};
-    const std::vector<std::string> keys = shape.isMultiple ? keyNames(shape)
-                                                           : std::vector<std::string>();
+    const std::vector<std::string> keys =
+        shape.isMultiple ? keyNames(shape) : std::vector<std::string>();
     for (const lyd_node* key = lyd_child(node); shape.isMultiple && key != nullptr;
          key = key->next) {
-        const ValueShape* member =
-            key->schema != nullptr && lysc_is_key(key->schema) ? mModel.valueAt(key->schema)
-                                                               : nullptr;
+        const ValueShape* member = key->schema != nullptr && lysc_is_key(key->schema)
+                                       ? mModel.valueAt(key->schema)
+                                       : nullptr;
         if (member != nullptr) {
             AttributeValue text{member->kind, {}};
             applyToLeaf(text, key, *member, EditOperation::Merge);
@@ -379,24 +376,29 @@ void EditReader::readMembers(StructValue& value, const lyd_node* node, const Val
     for (const lyd_node* child = lyd_child(node); child != nullptr; child = child->next) {
         const bool isKey =
             shape.isMultiple && child->schema != nullptr && lysc_is_key(child->schema);
-        if (isKey || !isUsable(child)) {
+        const ValueShape* member = isKey ? nullptr : valueTakenAwayBy(child);
+        const bool isWithoutValue = member != nullptr;
+        if (isKey || (!isWithoutValue && !isUsable(child))) {
             continue;
         }
-        const ValueShape* member = mModel.valueAt(child->schema);
+        member = isWithoutValue ? member : mModel.valueAt(child->schema);
         if (member == nullptr) {
             refuse(child, "operation-not-supported",
                    "<" + nodeName(child) + "> has no place in the objects of this server");
             continue;
         }
         auto& members = value.members;
-        auto place = std::find_if(members.begin(), members.end(), [&](const NamedValue& one) {
-            return one.first == member->name;
-        });
+        auto place = std::find_if(members.begin(), members.end(),
+                                  [&](const NamedValue& one) { return one.first == member->name; });
         if (place == members.end()) {
             members.emplace_back(member->name, AttributeValue{member->kind, {}});
             place = members.end() - 1;
         }
-        apply(place->second, child, *member, operation);
+        if (isWithoutValue) {
+            applyToLeaf(place->second, child, *member, *ownOperation(child));
+        } else {
+            apply(place->second, child, *member, operation);
+        }
     }
     value.members.erase(
         std::remove_if(value.members.begin(), value.members.end(),

@@ -54,7 +54,7 @@ private:
                       EditOperation operation);
     void applyToStruct(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
                        EditOperation operation);
-    void applyUnknown(Object& object, const lyd_node* node, EditOperation operation);
+    const ValueShape* valueTakenAwayBy(const lyd_node* node) const;
     void readMembers(StructValue& value, const lyd_node* node, const ValueShape& shape,
                      EditOperation operation);
     void insert(AttributeValue& values, const lyd_node* node, Value value);

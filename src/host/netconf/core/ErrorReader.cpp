@@ -118,9 +118,8 @@ public:
             error.path = instancePathOf(mSchema, problem.dn, problem.attribute);
             error.message = problem.text;
             if (error.tag == "unknown-element") {
-                error.info = errorInfo("bad-element", problem.attribute.empty()
-                                                          ? problem.dn
-                                                          : problem.attribute);
+                error.info = errorInfo("bad-element",
+                                       problem.attribute.empty() ? problem.dn : problem.attribute);
             }
             errors.push_back(std::move(error));
         }

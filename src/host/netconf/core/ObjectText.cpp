@@ -44,8 +44,8 @@ std::optional<std::string> nameIn(const FilterNode& filter, const ObjectShape& s
 /// What of one object the filters select.
 class ObjectMatch {
 public:
-    ObjectMatch(const WireModel& model, const ObjectShape& shape,
-                std::vector<std::string> keys, std::vector<NamedValue> values)
+    ObjectMatch(const WireModel& model, const ObjectShape& shape, std::vector<std::string> keys,
+                std::vector<NamedValue> values)
         : mModel(model), mShape(shape), mKeys(std::move(keys)), mValues(std::move(values)) {}
 
     void apply(const FilterNode& filter) {
@@ -187,8 +187,8 @@ private:
         AttributeValue result{value.kind, {}};
         for (const Value& one : value.values) {
             Value part = one;
-            bool isWanted = std::find(known.values.begin(), known.values.end(), one) !=
-                            known.values.end();
+            bool isWanted =
+                std::find(known.values.begin(), known.values.end(), one) != known.values.end();
             for (const FilterNode& node : level) {
                 isWanted = isWanted || (node.isAbout(shape.node) && keep(part, shape, node));
             }
@@ -303,10 +303,10 @@ private:
             }
             filters = std::move(inside);
         }
-        filters.erase(std::remove_if(
-                          filters.begin(), filters.end(),
-                          [&](const FilterNode* one) { return !one->isAbout(shape.list); }),
-                      filters.end());
+        filters.erase(
+            std::remove_if(filters.begin(), filters.end(),
+                           [&](const FilterNode* one) { return !one->isAbout(shape.list); }),
+            filters.end());
         return filters;
     }
 

@@ -66,8 +66,8 @@ bool reduce(lyd_node* node, const std::vector<FilterNode>& filter) {
         if (one.children.empty()) {
             return true;
         }
-        const bool isMatched = std::all_of(
-            one.children.begin(), one.children.end(), [&](const FilterNode& child) {
+        const bool isMatched =
+            std::all_of(one.children.begin(), one.children.end(), [&](const FilterNode& child) {
                 return !child.isContentMatch() || holdsMatch(lyd_child(node), child);
             });
         const bool selectsAll =

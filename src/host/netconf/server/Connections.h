@@ -34,7 +34,6 @@ public:
     void endAll();
 
 private:
-
     const std::size_t mLimit;
     std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;

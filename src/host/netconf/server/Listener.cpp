@@ -158,8 +158,8 @@ void Listener::acceptAll() {
     while (true) {
         sockaddr_storage address{};
         socklen_t size = sizeof(address);
-        Descriptor accepted(accept4(mSocket.get(), reinterpret_cast<sockaddr*>(&address), &size,
-                                    SOCK_CLOEXEC));
+        Descriptor accepted(
+            accept4(mSocket.get(), reinterpret_cast<sockaddr*>(&address), &size, SOCK_CLOEXEC));
         if (accepted.get() < 0) {
             if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
                 // Other connections end; meanwhile this one waits in the queue.

@@ -19,9 +19,9 @@ class Host;
 
 /// How the server is reached and by whom.
 struct ServerOptions {
-    std::optional<std::string> sshAddress; ///< ADDRESS:PORT; none: no SSH
-    std::optional<std::string> unixPath;   ///< none: no socket
-    std::string hostKey;                   ///< a file, made if there is none
+    std::optional<std::string> sshAddress;                     ///< ADDRESS:PORT; none: no SSH
+    std::optional<std::string> unixPath;                       ///< none: no socket
+    std::string hostKey;                                       ///< a file, made if there is none
     std::vector<std::pair<std::string, std::string>> userKeys; ///< name, file of public keys
     std::string passwordFile;                                  ///< empty: none
     std::vector<std::string> readOnlyUsers;

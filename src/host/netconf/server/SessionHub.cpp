@@ -51,14 +51,12 @@ nc_server_reply* errorReply(const std::vector<RpcError>& errors, ly_ctx* context
 nc_server_reply* dataReply(const std::string& text, const lyd_node* request) {
     lyd_node* output = nullptr;
     char* const owned = strdup(text.c_str());
-    if (owned == nullptr ||
-        lyd_new_inner(nullptr, request->schema->module, request->schema->name, 0, &output) !=
-            LY_SUCCESS) {
+    if (owned == nullptr || lyd_new_inner(nullptr, request->schema->module, request->schema->name,
+                                          0, &output) != LY_SUCCESS) {
         std::free(owned);
         return nullptr;
     }
-    if (lyd_new_any(output, nullptr, "data", owned, 1, LYD_ANYDATA_XML, 1, nullptr) !=
-        LY_SUCCESS) {
+    if (lyd_new_any(output, nullptr, "data", owned, 1, LYD_ANYDATA_XML, 1, nullptr) != LY_SUCCESS) {
         lyd_free_tree(output);
         return nullptr;
     }
@@ -123,8 +121,7 @@ void answerAll(nc_session* session, int fd) {
 }
 
 SessionHub::SessionHub(Host& host, const WireModel& model)
-    : mHost(host),
-      mDispatcher(host, model, [this](std::uint32_t id, const NetconfSession& by) {
+    : mHost(host), mDispatcher(host, model, [this](std::uint32_t id, const NetconfSession& by) {
           return kill(id, by);
       }) {
     theHub = this;

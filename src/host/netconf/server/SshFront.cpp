@@ -133,8 +133,8 @@ private:
              {inner, wanted, 0}}};
         int milliseconds = -1;
         if (mDeadline != Clock::time_point::max()) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                mDeadline - Clock::now());
+            const auto left =
+                std::chrono::duration_cast<std::chrono::milliseconds>(mDeadline - Clock::now());
             milliseconds = static_cast<int>(std::max<long long>(left.count(), 0));
         }
         if (poll(both.data(), inner >= 0 ? 2 : 1, milliseconds) < 0 && errno != EINTR) {
@@ -202,8 +202,8 @@ private:
             return SSH_AUTH_SUCCESS;
         }
         ++mFailed;
-        logServer(4, std::string("log-in refused: user ") + user + " by " + how + ", from " +
-                         mFrom);
+        logServer(4,
+                  std::string("log-in refused: user ") + user + " by " + how + ", from " + mFrom);
         return SSH_AUTH_DENIED;
     }
 
@@ -305,10 +305,9 @@ void SshFront::serve(Descriptor socket, const std::string& from) {
     }
     Descriptor inner(ends[0]);
     fcntl(inner.get(), F_SETFL, O_NONBLOCK);
-    std::thread protocol(
-        [this, from, user = mUsers.named(connection->user()), outer = ends[1]] {
-            mProtocol(Descriptor(outer), user, from);
-        });
+    std::thread protocol([this, from, user = mUsers.named(connection->user()), outer = ends[1]] {
+        mProtocol(Descriptor(outer), user, from);
+    });
     connection->pass(inner.get());
     shutdown(inner.get(), SHUT_RDWR);
     protocol.join();

@@ -19,8 +19,8 @@ namespace OrvHost {
 
 /// What an SSH connection may cost before and after its user is known.
 struct SshLimits {
-    int loginSeconds = 30;    ///< from the connection to the start of the subsystem
-    int failedLogins = 5;     ///< then the connection ends
+    int loginSeconds = 30; ///< from the connection to the start of the subsystem
+    int failedLogins = 5;  ///< then the connection ends
     std::size_t unanswered = 64 * 1024 * 1024; ///< bytes of requests without any byte of an answer
 };
 

@@ -34,9 +34,7 @@ public:
     bool hasKey(const std::string& user, ssh_key key) const;
     /// Takes the same time whether there is such a user or not.
     bool hasPassword(const std::string& user, const std::string& password) const;
-    NetconfUser named(const std::string& user) const {
-        return {user, mReadOnly.count(user) != 0};
-    }
+    NetconfUser named(const std::string& user) const { return {user, mReadOnly.count(user) != 0}; }
 
 private:
     struct KeyDeleter {

@@ -47,8 +47,9 @@ const lysc_node* WireModel::wireNode(const lysc_node* node) const {
         path != nullptr ? lys_find_path(mContext->get(), nullptr, path.get(), 0) : nullptr;
     if (found == nullptr) {
         mContext->takeMessages();
-        throw ModelError({{{}, std::string(path != nullptr ? path.get() : node->name) +
-                                   " is not found among the modules of the protocol"}});
+        throw ModelError({{{},
+                           std::string(path != nullptr ? path.get() : node->name) +
+                               " is not found among the modules of the protocol"}});
     }
     return found;
 }

@@ -25,8 +25,7 @@ std::string dataPathOf(const lyd_node* node) {
 std::string nameOfEntry(const lyd_node* entry, const ObjectShape& shape) {
     std::vector<std::string> keys;
     for (const lyd_node* key = lyd_child(entry);
-         key != nullptr && key->schema != nullptr && lysc_is_key(key->schema);
-         key = key->next) {
+         key != nullptr && key->schema != nullptr && lysc_is_key(key->schema); key = key->next) {
         keys.emplace_back(lyd_get_value(key));
     }
     const bool isWhole = keys.size() == shape.keys.size();

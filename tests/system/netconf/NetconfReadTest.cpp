@@ -1,0 +1,129 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// What clients read: filters and XPath.
+
+#include "DispatcherScene.h"
+
+namespace OrvHost {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class NetconfReadTest : public DispatcherScene {};
+
+TEST_F(NetconfReadTest, GetConfig_WithoutAFilter_HasAllConfigurationAndNoState) {
+    const std::string all = ask("<get-config><source><running/></source></get-config>");
+    EXPECT_THAT(all, AllOf(HasSubstr("<managedElementId>Harbour</managedElementId>"),
+                           HasSubstr("<userLabel>Terminal roof</userLabel>"),
+                           HasSubstr("<GNBCUCPFunction xmlns="), Not(HasSubstr("serialNumber")),
+                           Not(HasSubstr("yang-library"))));
+}
+
+TEST_F(NetconfReadTest, GetConfig_OfADefault_DoesNotShowIt) {
+    EXPECT_THAT(getConfig(element("")), Not(HasSubstr("elementType")));
+}
+
+TEST_F(NetconfReadTest, Get_HasStateAndTheListOfModules) {
+    const std::string all = ask("<get/>");
+    EXPECT_THAT(all, AllOf(HasSubstr("<serialNumber>R70011</serialNumber>"),
+                           HasSubstr("<name>ran-equipment</name>")));
+}
+
+TEST_F(NetconfReadTest, Filter_WithKeys_SelectsThatObjectWhole) {
+    EXPECT_THAT(
+        getConfig(radioUnit("2")),
+        AllOf(HasSubstr("<userLabel>Terminal roof</userLabel>"),
+              HasSubstr("<sectorRef>ManagedElement=Harbour,Equipment=1,Sector=2</sectorRef>"),
+              Not(HasSubstr("Crane mast")), Not(HasSubstr("<Sector>"))));
+}
+
+TEST_F(NetconfReadTest, Filter_WithAValue_SelectsTheObjectsThatHaveIt) {
+    const std::string filter =
+        equipment("<RadioUnit><userLabel>Terminal roof</userLabel><antennaRef/></RadioUnit>");
+    EXPECT_EQ(getConfig(filter), equipment("<RadioUnit><radioUnitId>2</radioUnitId>"
+                                           "<userLabel>Terminal roof</userLabel>"
+                                           "<antennaRef>" +
+                                           antenna(1, 2) +
+                                           "</antennaRef>"
+                                           "<antennaRef>" +
+                                           antenna(2, 1) + "</antennaRef></RadioUnit>") +
+                                     "\n");
+}
+
+TEST_F(NetconfReadTest, Filter_WithTwoElements_GivesBoth) {
+    const std::string filter =
+        equipment("<RadioUnit><radioUnitId>1</radioUnitId><userLabel/></RadioUnit>"
+                  "<Sector><sectorId>2</sectorId><azimuth/></Sector>");
+    EXPECT_THAT(getConfig(filter), AllOf(HasSubstr("Crane mast"), HasSubstr("210"),
+                                         Not(HasSubstr("sectorRef")), Not(HasSubstr("Quays"))));
+}
+
+TEST_F(NetconfReadTest, Filter_OfAMemberOfAStruct_GivesThatMember) {
+    EXPECT_EQ(getConfig(element("<location><altitude/></location>")),
+              element("<location><altitude>24</altitude></location>") + "\n");
+}
+
+TEST_F(NetconfReadTest, Filter_ThatNothingMatches_GivesNoMoreThanTheKeysAboveIt) {
+    for (const std::string& filter :
+         {std::string(), radioUnit("9"),
+          equipment("<RadioUnit><userLabel>x</userLabel></RadioUnit>"),
+          std::string(R"(<ManagedElement xmlns="urn:other"/>)"), element("<unknown/>")}) {
+        EXPECT_THAT(getConfig(filter),
+                    AllOf(Not(HasSubstr("RadioUnit")), Not(HasSubstr("userLabel")),
+                          Not(HasSubstr("unknown"))))
+            << filter;
+    }
+    for (const char* filter : {"", R"(<ManagedElement xmlns="urn:other"/>)"}) {
+        EXPECT_THAT(getConfig(filter), Not(HasSubstr("ManagedElement"))) << filter;
+    }
+}
+
+TEST_F(NetconfReadTest, Filter_WithoutANamespace_MeansAny) {
+    EXPECT_THAT(
+        getConfig(R"(<ManagedElement xmlns=""><networkManagedElementId/></ManagedElement>)"),
+        AllOf(HasSubstr("harbour-gnb"), Not(HasSubstr("location"))));
+}
+
+TEST_F(NetconfReadTest, Filter_OfTheListOfModules_SelectsInIt) {
+    const std::string filter =
+        R"(<yang-library xmlns="urn:ietf:params:xml:ns:yang:ietf-yang-library"><module-set>)"
+        "<module><name>ran-equipment</name><revision/></module></module-set></yang-library>";
+    EXPECT_THAT(get(filter), AllOf(HasSubstr("<name>ran-equipment</name><revision>2024-01-15"),
+                                   Not(HasSubstr("<name>ran-element</name>")),
+                                   Not(HasSubstr("ManagedElement"))));
+}
+
+TEST_F(NetconfReadTest, XPath_SelectsNodesWithTheirKeys) {
+    const std::string answer = ask(
+        R"(<get-config><source><running/></source><filter type="xpath")"
+        R"( xmlns:q="urn:orv:example:ran-equipment" select="//q:RadioUnit[count(q:antennaRef)=2)"
+        R"( and q:radioUnitId>1]/q:userLabel"/></get-config>)");
+    EXPECT_EQ(answer, equipment("<RadioUnit><radioUnitId>2</radioUnitId>"
+                                "<userLabel>Terminal roof</userLabel></RadioUnit>") +
+                          "\n");
+}
+
+TEST_F(NetconfReadTest, XPath_WithoutAnExpression_IsRefused) {
+    EXPECT_THAT(ask(R"(<get><filter type="xpath"/></get>)"),
+                HasSubstr("<error-tag>missing-attribute</error-tag>"));
+}
+
+TEST_F(NetconfReadTest, GetSchema_GivesTheModule) {
+    const std::string ask1 =
+        R"(<get-schema xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"><identifier>)";
+    EXPECT_THAT(ask(ask1 + "ran-equipment</identifier><version>2024-01-15</version></get-schema>"),
+                AllOf(HasSubstr("module ran-equipment {"), HasSubstr("orv:bidirectional &quot;"),
+                      Not(HasSubstr("orv:bidirectional \""))));
+    EXPECT_THAT(ask(ask1 + "orv-associations</identifier></get-schema>"),
+                HasSubstr("module orv-associations {"));
+    EXPECT_THAT(ask(ask1 + "other</identifier></get-schema>"),
+                HasSubstr("<error-tag>invalid-value</error-tag>"));
+    EXPECT_THAT(ask(ask1 + "ran-equipment</identifier><format>yin</format></get-schema>"),
+                HasSubstr("<error-tag>invalid-value</error-tag>"));
+}
+
+}
+}
