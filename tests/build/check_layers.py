@@ -53,8 +53,10 @@ HOST_ROOMS = {
         "src/host/yang/schema", "src/host/yang/instances"],
 }
 
-# What stands above the component: the client library, and the rooms of orvhost, lowest first.
+# What stands above the component: the client library, and the rooms of the server and of orvhost,
+# lowest first.
 CLIENT = "src/host/client"
+NETCONF_ROOMS = ["src/host/netconf/wire", "src/host/netconf/core", "src/host/netconf/server"]
 CLI_ROOMS = [
     "src/host/cli/output",
     "src/host/cli/errors",
@@ -65,6 +67,7 @@ CLI_ROOMS = [
     "src/host/cli/commands",
     "src/host/cli/shell",
     "src/host/cli/check",
+    "src/host/cli/serve",
 ]
 
 # Each layer with the layers that it may include besides itself. The deepest directory counts.
@@ -77,9 +80,16 @@ LAYERS = {
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in HOST_ROOMS.items()},
     CLIENT: [*BELOW_COMPONENT, *HOST_ROOMS],
     **{
+        room: [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *NETCONF_ROOMS[:at]]
+        for at, room in enumerate(NETCONF_ROOMS)
+    },
+    **{
         room: [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *CLI_ROOMS[:at]]
         for at, room in enumerate(CLI_ROOMS)
     },
+    # Only the program that serves knows the server.
+    "src/host/cli/serve": [
+        *BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *NETCONF_ROOMS, *CLI_ROOMS[:-1]],
     "src/host/cli": [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *CLI_ROOMS],
     "examples/interceptor": ["src/spi", "src/common/inc", "src/orv_common"],
 }
@@ -94,12 +104,17 @@ PUBLIC_FOLDER = "orv/"
 # Where the sources of any layer might look for a header.
 INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/src", "src/host"]
 
-# Headers of other projects that stay at one place.
-KEPT_APART = {"libyang/": "src/host/yang"}
+# Headers of other projects that stay at one place, or at two.
+KEPT_APART = {
+    "libyang/": ["src/host/yang", "src/host/netconf"],
+    "nc_server.h": ["src/host/netconf/server"],
+    "libssh/": ["src/host/netconf/server"],
+}
 
 # What stands above the component. It goes through the client library and knows no table.
 ABOVE_CLIENT = [
     "src/host/cli",
+    "src/host/netconf",
     "bench",
     "examples/embedding",
     "tests/property/edits",
@@ -161,9 +176,10 @@ def is_open(root, source, header):
 
 
 def violation(root, source, name):
-    for prefix, home in KEPT_APART.items():
-        if name.startswith(prefix) and not (layer_of(root, source) + "/").startswith(home + "/"):
-            return f"{name} belongs to {home}"
+    for prefix, homes in KEPT_APART.items():
+        place = layer_of(root, source) + "/"
+        if name.startswith(prefix) and not any(place.startswith(home + "/") for home in homes):
+            return f"{name} belongs to {' and '.join(homes)}"
     found = list(candidates(root, source, name))
     if not found or any(is_open(root, source, header) for header in found):
         return None
@@ -267,6 +283,13 @@ SELF_TEST = [
     ("src/host/cli/Command.h", '#include "yang/schema/Reader.h"\n#include "store/Store.h"\n', 0),
     ("src/host/client/Calls.h", '#include "OrvOamSpiTable.h"\n#include "store/Store.h"\n', 0),
     ("src/host/client/Upward.h", '#include "cli/Command.h"\n', 1),
+    ("src/host/netconf/wire/Error.h", '#include <libyang/libyang.h>\n#include "client/Calls.h"\n', 0),
+    ("src/host/netconf/wire/Upward.h", '#include "netconf/server/Hub.h"\n', 1),
+    ("src/host/netconf/core/Aside.h", "#include <nc_server.h>\n", 1),
+    ("src/host/netconf/core/Found.cpp", "auto* table = host.find<OrvOamSpiTable_3>(id);\n", 1),
+    ("src/host/netconf/server/Hub.h", '#include <libssh/server.h>\n#include "netconf/wire/Error.h"\n', 0),
+    ("src/host/cli/serve/Serve.h", '#include "netconf/server/Hub.h"\n', 0),
+    ("src/host/cli/shell/Aside.h", '#include "netconf/server/Hub.h"\n', 1),
     ("src/host/cli/output/Json.h", '#include "client/Calls.h"\n', 0),
     ("src/host/cli/output/Table.h", '#include "OrvOamSpiTable.h"\n#include "Table.h"\n', 1),
     ("src/host/cli/output/Found.cpp", "auto* table = host.find<OrvOamSpiTable_3>(id);\n", 1),

@@ -1,0 +1,597 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+"""The server as its clients use it: ncclient, OpenSSH, and clients that mean no good.
+
+usage: netconf_server_test.py ORVHOST EXT_CM EXAMPLES [unittest arguments]
+"""
+
+import json
+import os
+import pathlib
+import select
+import signal
+import socket
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from ncclient import manager
+from ncclient.operations import RaiseMode
+from ncclient.transport.errors import AuthenticationError
+
+ORVHOST, EXT_CM, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+
+BASE = "urn:ietf:params:xml:ns:netconf:base:1.0"
+END = "]]>]]>"
+HELLO = (
+    f'<hello xmlns="{BASE}"><capabilities><capability>urn:ietf:params:netconf:base:1.0'
+    f"</capability></capabilities></hello>{END}"
+)
+CHUNKED_HELLO = HELLO.replace("base:1.0</", "base:1.1</")
+ELEMENT = "urn:orv:example:ran-element"
+EQUIPMENT = "urn:orv:example:ran-equipment"
+FUNCTION = "urn:orv:example:ran-function"
+DELETE = f'xmlns:nc="{BASE}" nc:operation="delete"'
+
+
+def rpc(content):
+    return f'<rpc xmlns="{BASE}" message-id="7">{content}</rpc>{END}'
+
+
+def element(content):
+    key = "<managedElementId>Harbour</managedElementId>"
+    return f'<ManagedElement xmlns="{ELEMENT}">{key}{content}</ManagedElement>'
+
+
+def equipment(content):
+    return element(
+        f'<Equipment xmlns="{EQUIPMENT}"><equipmentId>1</equipmentId>{content}</Equipment>'
+    )
+
+
+def radio_unit(name, content=""):
+    return equipment(f"<RadioUnit><radioUnitId>{name}</radioUnitId>{content}</RadioUnit>")
+
+
+def config(content):
+    return f'<config xmlns="{BASE}">{content}</config>'
+
+
+def antenna(unit, number):
+    return f"ManagedElement=Harbour,Equipment=1,AntennaUnit={unit},Antenna={number}"
+
+
+LABEL = element("<userLabel/>")
+GET_LABEL = rpc(
+    f"<get-config><source><running/></source><filter>{LABEL}</filter></get-config>"
+)
+
+
+def run(*words):
+    subprocess.run(words, check=True, stdout=subprocess.DEVNULL)
+
+
+class Server:
+    """orvhost serve with keys and files in a folder of its own."""
+
+    def __init__(self, folder, *options, stderr=subprocess.DEVNULL):
+        self.folder = pathlib.Path(folder)
+        self.key = self.folder / "key"
+        if not self.key.exists():
+            run("ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.key)
+        self.socket = self.folder / "socket"
+        words = [ORVHOST, "-I", EXAMPLES / "models"]
+        for module in ("ran-element", "ran-equipment", "ran-function"):
+            words += ["-m", module]
+        words += ["-d", EXAMPLES / "data/harbour.json", "--me-id", "Harbour", "--ext-cm", EXT_CM]
+        words += ["serve", "--netconf-ssh", "127.0.0.1:0", "--netconf-unix", self.socket]
+        words += ["--netconf-user", f"alice={self.key}.pub", "--host-key", self.folder / "host_key"]
+        words += ["--netconf-user", f"reader={self.key}.pub", "--netconf-read-only", "reader"]
+        self.process = subprocess.Popen(
+            [str(word) for word in [*words, *options]],
+            stdout=subprocess.PIPE, stderr=stderr, text=True,
+        )
+        self.lines = [self.process.stdout.readline() for _ in range(2)]
+        if not self.lines[1]:
+            raise RuntimeError("the server did not start")
+        self.port = int(self.lines[0].rsplit(":", 1)[1])
+
+    def connect(self, user="alice", **options):
+        if not options:
+            options = {"key_filename": str(self.key)}
+        client = manager.connect(
+            host="127.0.0.1", port=self.port, username=user, hostkey_verify=False,
+            allow_agent=False, look_for_keys=False, timeout=30, **options,
+        )
+        client.raise_mode = RaiseMode.NONE
+        return client
+
+    def tcp(self):
+        return socket.create_connection(("127.0.0.1", self.port), timeout=30)
+
+    def stop(self, number=signal.SIGTERM):
+        """The seconds until it ended, and its status."""
+        begin = time.monotonic()
+        self.process.send_signal(number)
+        status = self.process.wait(30)
+        self.process.stdout.close()
+        return time.monotonic() - begin, status
+
+
+class LocalClient:
+    """Hand-made messages over the UNIX socket."""
+
+    def __init__(self, server, greet=True):
+        self.socket = socket.socket(socket.AF_UNIX)
+        self.socket.settimeout(30)
+        self.socket.connect(str(server.socket))
+        self.rest = b""
+        if greet:
+            self.send(HELLO)
+            self.hello = self.receive()
+
+    def send(self, text):
+        self.socket.sendall(text.encode())
+
+    def receive(self):
+        while END.encode() not in self.rest:
+            more = self.socket.recv(65536)
+            if not more:
+                raise EOFError
+            self.rest += more
+        message, self.rest = self.rest.split(END.encode(), 1)
+        return message.decode()
+
+    def receive_chunks(self):
+        answer = b""
+        while not answer.endswith(b"\n##\n"):
+            more = self.socket.recv(65536)
+            if not more:
+                raise EOFError
+            answer += more
+        return answer.decode()
+
+    def ask(self, text):
+        self.send(text)
+        return self.receive()
+
+    def close(self):
+        self.socket.close()
+
+
+class SshClient(LocalClient):
+    """The same over OpenSSH's client."""
+
+    def __init__(self, server, hello=HELLO):
+        self.process = subprocess.Popen(
+            ["ssh", "-F", "none", "-p", str(server.port), "-i", server.key, "-s",
+             "-o", "StrictHostKeyChecking=no", "-o", "UserKnownHostsFile=/dev/null",
+             "-o", "IdentitiesOnly=yes", "-o", "LogLevel=ERROR", "alice@127.0.0.1", "netconf"],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0,
+        )
+        self.rest = b""
+        self.send(hello)
+        self.hello = self.receive()
+
+    def send(self, text):
+        data = text.encode()
+        while data:
+            data = data[self.process.stdin.write(data):]
+
+    def receive(self):
+        self.socket = self
+        return super().receive()
+
+    def recv(self, size):
+        ready, _, _ = select.select([self.process.stdout], [], [], 30)
+        if not ready:
+            raise TimeoutError
+        return os.read(self.process.stdout.fileno(), size)
+
+    def close(self):
+        self.process.terminate()
+        self.process.wait(30)
+        self.process.stdin.close()
+        self.process.stdout.close()
+
+
+class ServerCase(unittest.TestCase):
+    """Each case has a fresh server."""
+
+    options = ()
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.server = Server(self.folder, *self.options)
+        self.addCleanup(self.end)
+
+    def end(self):
+        if self.server.process.returncode is None:
+            seconds, status = self.server.stop()
+            self.assertEqual(status, 0)
+            self.assertLess(seconds, 3)
+
+    def connect(self, *arguments, **options):
+        client = self.server.connect(*arguments, **options)
+        self.addCleanup(self.leave, client)
+        return client
+
+    @staticmethod
+    def leave(client):
+        if client.connected:
+            client.close_session()
+
+    def local(self, **options):
+        client = LocalClient(self.server, **options)
+        self.addCleanup(client.close)
+        return client
+
+    def ssh(self, **options):
+        client = SshClient(self.server, **options)
+        self.addCleanup(client.close)
+        return client
+
+    def assert_serves(self):
+        self.assertIn("<userLabel>Harbour</userLabel>", self.local().ask(GET_LABEL))
+        self.assertIn("<userLabel>Harbour</userLabel>", self.ssh().ask(GET_LABEL))
+
+    def assert_ok(self, reply):
+        self.assertTrue(reply.ok, str(reply))
+
+
+class ScenarioTest(ServerCase):
+    """Scenarios of the examples that are an edit and a validation, with the same messages."""
+
+    def setUp(self):
+        super().setUp()
+        self.client = self.connect()
+
+    def edit(self, content, target="candidate"):
+        return self.client.edit_config(target=target, config=config(content))
+
+    def units(self, unit, number, store="candidate"):
+        wanted = equipment(
+            f"<AntennaUnit><antennaUnitId>{unit}</antennaUnitId><Antenna><antennaId>{number}"
+            "</antennaId><radioUnitRef/></Antenna></AntennaUnit>"
+        )
+        found = self.client.get_config(store, filter=("subtree", wanted)).data_ele
+        return [one.text[-1] for one in found.iter(f"{{{EQUIPMENT}}}radioUnitRef")]
+
+    def exists(self, name, store="candidate"):
+        found = self.client.get_config(store, filter=("subtree", radio_unit(name)))
+        return f"<radioUnitId>{name}<" in found.data_xml
+
+    def move(self):
+        old = "".join(f"<antennaRef {DELETE}>{antenna(1, at)}</antennaRef>" for at in (1, 2))
+        return self.edit(radio_unit(1, f"{old}<antennaRef>{antenna(2, 1)}</antennaRef>"))
+
+    def test_move_antenna(self):
+        self.assert_ok(self.move())
+        self.assertEqual(self.units(1, 1), [])
+        self.assertEqual(self.units(1, 2), ["2"])
+        self.assertEqual(sorted(self.units(2, 1)), ["1", "2"])
+        self.assertEqual(self.units(1, 1, "running"), ["1"])
+        self.assert_ok(self.client.validate("candidate"))
+        self.assert_ok(self.client.commit())
+        self.assertEqual(self.units(1, 1, "running"), [])
+
+    def test_demo(self):
+        self.assert_ok(self.move())
+        self.assert_ok(self.client.commit())
+        third = f"<antennaRef>{antenna(2, 1)}</antennaRef>"
+        self.assert_ok(self.edit(radio_unit(3, third)))
+        refused = self.client.validate("candidate")
+        self.assertEqual(
+            [error.message for error in refused.errors],
+            ["Multiplicity of attribute radioUnitRef in ManagedElement=1,Equipment=1,"
+             "AntennaUnit=2,Antenna=1 is not in range (0..2)."],
+        )
+        self.assert_ok(self.client.discard_changes())
+        self.assertFalse(self.exists(3))
+        self.assertEqual(sorted(self.units(2, 1)), ["1", "2"])
+
+    def test_too_many_radio_units(self):
+        label = "<userLabel>Lighthouse</userLabel>"
+        self.assert_ok(
+            self.edit(radio_unit(3, f"{label}<antennaRef>{antenna(1, 2)}</antennaRef>"))
+        )
+        self.assertIn("3", self.units(1, 2))
+        refused = self.client.validate("candidate")
+        self.assertEqual(len(refused.errors), 1)
+        error = refused.errors[0]
+        self.assertEqual(
+            error.message,
+            "Multiplicity of attribute radioUnitRef in ManagedElement=1,Equipment=1,"
+            "AntennaUnit=1,Antenna=2 is not in range (0..2).",
+        )
+        self.assertEqual(error.tag, "operation-failed")
+        self.assertEqual(error.app_tag, "too-many-elements")
+        self.assertIn("ManagedElement=Harbour,Equipment=1,RadioUnit=3", error.info)
+        self.assert_ok(self.client.discard_changes())
+        self.assertFalse(self.exists(3))
+        self.assertEqual(self.units(1, 2), ["1", "2"])
+
+    def test_frequency_needed(self):
+        relation = (
+            f'<GNBCUCPFunction xmlns="{FUNCTION}"><gNBCUCPFunctionId>1</gNBCUCPFunctionId>'
+            "<NRCellCU><nRCellCUId>1</nRCellCUId><NRFreqRelation><nRFreqRelationId>1"
+            f"</nRFreqRelationId><nRFrequencyRef {DELETE}/></NRFreqRelation></NRCellCU>"
+            "</GNBCUCPFunction>"
+        )
+        self.assert_ok(self.edit(element(relation)))
+        of_candidate = self.client.commit()
+        self.assert_ok(self.client.discard_changes())
+        for refused in (of_candidate, self.edit(element(relation), "running")):
+            self.assertEqual(
+                [error.message for error in refused.errors],
+                ["Attribute nRFrequencyRef in ManagedElement=1,GNBCUCPFunction=1,NRCellCU=1,"
+                 "NRFreqRelation=1 contains 0 NRFrequency which is not within cardinality range "
+                 "(1..1)."],
+            )
+            self.assertIn("1 value, 1 of class NRFrequency", refused.errors[0].info)
+        self.assertIn(
+            "NRFrequency=634000",
+            self.client.get_config("running", filter=("xpath", (
+                {"f": FUNCTION}, "//f:NRFreqRelation/f:nRFrequencyRef"))).data_xml,
+        )
+
+
+class ProtocolTest(ServerCase):
+    """What ncclient sees of the protocol."""
+
+    def test_capabilities_are_those_that_there_are(self):
+        names = [name.rsplit(":capability:", 1)[1] for name in self.connect().server_capabilities
+                 if ":netconf:capability:" in name]
+        names = sorted(name.split("?")[0] for name in names)
+        self.assertEqual(names, ["candidate:1.0", "rollback-on-error:1.0", "validate:1.1",
+                                 "writable-running:1.0", "xpath:1.0", "yang-library:1.1"])
+
+    def test_get_schema_gives_every_module_of_the_library(self):
+        client = self.connect()
+        library = "urn:ietf:params:xml:ns:yang:ietf-yang-library"
+        found = client.get(filter=("subtree", f'<yang-library xmlns="{library}"/>')).data_ele
+        kinds = ("module", "import-only-module", "submodule")
+        names = [
+            (one.findtext(f"{{{library}}}name"), one.findtext(f"{{{library}}}revision"))
+            for kind in kinds for one in found.iter(f"{{{library}}}{kind}")
+        ]
+        self.assertIn(("ran-equipment", "2024-01-15"), names)
+        for name, revision in names:
+            text = client.get_schema(name, revision).data
+            self.assertTrue(text.startswith(f"module {name} {{"), name)
+
+    def test_what_is_not_supported_is_refused(self):
+        client = self.local()
+        startup = "<startup/>"
+        for operation in (
+            "<commit><confirmed/></commit>",
+            f"<delete-config><target>{startup}</target></delete-config>",
+            f"<copy-config><target>{startup}</target><source><running/></source></copy-config>",
+            "<copy-config><target><running/></target><source><url>file:///x</url></source>"
+            "</copy-config>",
+            '<create-subscription xmlns="urn:ietf:params:xml:ns:netconf:notification:1.0"/>',
+        ):
+            self.assertIn("<rpc-error>", client.ask(rpc(operation)))
+        self.assertIn("Harbour", client.ask(GET_LABEL))
+
+    def test_read_only_user(self):
+        client = self.connect("reader")
+        self.assertIn("Crane mast", client.get_config("running").data_xml)
+        refused = client.edit_config(target="running", config=config(radio_unit(4)))
+        self.assertEqual([error.tag for error in refused.errors], ["access-denied"])
+
+    def test_kill_session(self):
+        first, second = self.connect(), self.connect()
+        self.assert_ok(second.lock("running"))
+        refused = first.edit_config(target="running", config=config(radio_unit(4)))
+        self.assertEqual([error.tag for error in refused.errors], ["in-use"])
+        self.assert_ok(first.kill_session(second.session_id))
+        for _ in range(100):
+            done = first.edit_config(target="running", config=config(radio_unit(4)))
+            if done.ok:
+                break
+            time.sleep(0.05)
+        self.assert_ok(done)
+        with self.assertRaises(Exception):
+            second.get_config("running")
+
+    def test_messages_by_hand_in_chunks_and_without(self):
+        for client in (self.local(), self.ssh()):
+            self.assertIn("urn:ietf:params:netconf:base:1.1", client.hello)
+            self.assertIn("<userLabel>Harbour</userLabel>", client.ask(GET_LABEL))
+            self.assertIn("<userLabel>Harbour</userLabel>", client.ask(GET_LABEL))
+        chunked = self.local(greet=False)
+        chunked.send(CHUNKED_HELLO)
+        chunked.receive()
+        message = GET_LABEL[: -len(END)]
+        for part in (message[:50], message[50:]):
+            chunked.send(f"\n#{len(part)}\n{part}")
+        chunked.send("\n##\n")
+        self.assertIn("<userLabel>Harbour</userLabel>", chunked.receive_chunks())
+        chunked.send("\n#4\n<rpc\n##\n")
+        self.assertIn("malformed-message", chunked.receive_chunks())
+        chunked.send(f"\n#{len(message)}\n{message}\n##\n")
+        self.assertIn("<userLabel>Harbour</userLabel>", chunked.receive_chunks())
+
+
+class LogInTest(ServerCase):
+    """Keys, passwords and files."""
+
+    def setUp(self):
+        self.hashed = tempfile.NamedTemporaryFile("w", suffix=".passwords")
+        self.addCleanup(self.hashed.close)
+        known = subprocess.run(["openssl", "passwd", "-6", "open sesame"], check=True,
+                               capture_output=True, text=True).stdout
+        self.hashed.write(f"# users\ncarol:{known}")
+        self.hashed.flush()
+        self.options = ("--netconf-passwords", self.hashed.name)
+        super().setUp()
+
+    def test_the_host_key_is_made_once_and_for_the_owner_only(self):
+        key = self.folder / "host_key"
+        self.assertEqual(stat.S_IMODE(key.stat().st_mode), 0o600)
+        made = key.read_bytes()
+        self.end()
+        self.server = Server(self.folder, *self.options)
+        self.assertEqual(key.read_bytes(), made)
+        self.assert_serves()
+        self.end()
+        key.chmod(0o644)
+        with self.assertRaises(RuntimeError):
+            Server(self.folder, *self.options)
+
+    def test_the_socket_is_for_its_owner_only_and_goes_with_the_server(self):
+        self.assertEqual(stat.S_IMODE(self.server.socket.stat().st_mode), 0o600)
+        self.server.process.kill()
+        self.server.process.wait()
+        self.server.process.stdout.close()
+        self.assertTrue(self.server.socket.exists())
+        self.server = Server(self.folder, *self.options)
+        self.assert_serves()
+        self.end()
+        self.assertFalse(self.server.socket.exists())
+
+    def test_a_password(self):
+        self.assertIn("Harbour", self.connect("carol", password="open sesame")
+                      .get_config("running", filter=("subtree", LABEL)).data_xml)
+        for user, password in (("carol", "open"), ("carol", ""), ("alice", "open sesame"),
+                               ("nobody", "open sesame")):
+            with self.assertRaises(AuthenticationError):
+                self.connect(user, password=password)
+
+    def test_another_key(self):
+        other = self.folder / "other"
+        run("ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", other)
+        with self.assertRaises(AuthenticationError):
+            self.connect(key_filename=str(other))
+        with self.assertRaises(AuthenticationError):
+            self.connect("nobody", key_filename=str(self.server.key))
+
+    def test_no_other_service(self):
+        client = subprocess.run(
+            ["ssh", "-F", "none", "-p", str(self.server.port), "-i", self.server.key,
+             "-o", "StrictHostKeyChecking=no", "-o", "UserKnownHostsFile=/dev/null",
+             "-o", "LogLevel=ERROR", "alice@127.0.0.1", "echo", "hello"],
+            stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
+        )
+        self.assertNotEqual(client.returncode, 0)
+        self.assertEqual(client.stdout, "")
+
+
+class StopTest(ServerCase):
+    """The end of the server, and its log."""
+
+    def test_signals_end_it_with_sessions_open(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            with self.subTest(number):
+                self.local().send(GET_LABEL[:50])
+                self.local(greet=False)
+                self.addCleanup(self.server.tcp().close)
+                client = self.server.connect()
+                edited = client.edit_config(target="candidate", config=config(radio_unit(4)))
+                self.assert_ok(edited)
+                seconds, status = self.server.stop(number)
+                self.assertEqual(status, 0)
+                self.assertLess(seconds, 3)
+                with self.assertRaises(Exception):
+                    client.get_config("running")
+                self.server = Server(self.folder)
+
+    def test_the_log_says_who_did_what_and_is_opened_again(self):
+        self.end()
+        log = self.folder / "log"
+        self.server = Server(self.folder, "--log-file", log, "--log-format", "json")
+        self.connect().edit_config(target="running", config=config(radio_unit(4)))
+        texts = [json.loads(line)["text"] for line in log.read_text().splitlines()]
+        self.assertTrue(any(text.startswith("alice, session ") and text.endswith("edit-config: done")
+                            for text in texts), texts)
+        log.rename(self.folder / "old")
+        self.server.process.send_signal(signal.SIGHUP)
+        for _ in range(100):
+            if log.exists():
+                break
+            time.sleep(0.02)
+        self.assert_serves()
+        self.assertIn("get-config: done", log.read_text())
+
+
+class HostileTest(ServerCase):
+    """Clients that mean no good: the server serves the next one."""
+
+    def test_silent_clients_and_half_messages_keep_nobody_waiting(self):
+        silent = [self.server.tcp() for _ in range(20)]
+        mute = [self.local(greet=False) for _ in range(5)]
+        halves = [self.local() for _ in range(5)] + [self.ssh()]
+        for half in halves:
+            half.send(GET_LABEL[:60])
+        begin = time.monotonic()
+        self.assert_serves()
+        self.assertLess(time.monotonic() - begin, 5)
+        for half in halves:
+            half.send(GET_LABEL[60:])
+            self.assertIn("<userLabel>Harbour</userLabel>", half.receive())
+        for one in [*silent, *mute]:
+            one.close()
+
+    def test_clients_that_vanish(self):
+        for text in ("", HELLO, HELLO + GET_LABEL, HELLO + GET_LABEL[:70],
+                     HELLO + rpc("<lock><target><running/></target></lock>")):
+            for _ in range(5):
+                client = self.local(greet=False)
+                client.send(text)
+                client.close()
+        killed = self.ssh()
+        killed.ask(rpc("<lock><target><candidate/></target></lock>"))
+        killed.process.kill()
+        client = self.connect()
+        for store in ("running", "candidate"):
+            for _ in range(100):
+                reply = client.lock(store)
+                if reply.ok:
+                    break
+                time.sleep(0.05)
+            self.assert_ok(reply)
+
+    def test_garbage(self):
+        for size in (1, 200, 5000):
+            for _ in range(60):
+                garbage = self.server.tcp()
+                try:
+                    garbage.sendall(b"SSH-2.0-x\r\n" * (size % 2) + os.urandom(size))
+                except OSError:
+                    pass
+                garbage.close()
+        for text in ("\0", "<" * 1000, "</hello>" + END, "<hello/>" + END, "\n#99999999999\n"):
+            client = self.local(greet=False)
+            client.send(text)
+            client.close()
+        deep = self.local()
+        deep.send(f'<rpc xmlns="{BASE}" message-id="1">' + "<a>" * 20000 + END)
+        deep.close()
+        self.assert_serves()
+
+    def test_a_message_without_an_end_is_cut_off(self):
+        client = self.ssh(hello=CHUNKED_HELLO)
+        chunk = f"\n#{1 << 20}\n" + " " * (1 << 20)
+        with self.assertRaises((BrokenPipeError, EOFError)):
+            for _ in range(80):
+                client.send(chunk)
+            client.receive()
+        self.assert_serves()
+
+    def test_a_reply_that_nobody_reads(self):
+        whole = rpc("<get-config><source><running/></source></get-config>")
+        for client in (self.local(), self.ssh()):
+            client.send(whole * 40)
+        self.assert_serves()
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
