@@ -17,6 +17,7 @@ build_packages=(
   nlohmann-json3-dev  # orvhost: JSON output
   libedit-dev         # orvhost: line editing, history, completion
   graphviz            # orvhost: pictures
+  libnetconf2-dev libssh-dev # orvhost: its NETCONF server; without them it is built without one
 )
 test_packages=(
   libgtest-dev libgmock-dev
@@ -29,6 +30,7 @@ test_packages=(
   doxygen             # API reference
   abigail-tools       # binary interface against the last release
   valgrind            # what calls of the component cost
+  python3-ncclient openssh-client openssl # clients of the server
 )
 bench_packages=(
   libbenchmark-dev
