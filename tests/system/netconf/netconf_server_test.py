@@ -504,6 +504,15 @@ class StopTest(ServerCase):
                     client.get_config("running")
                 self.server = Server(self.folder)
 
+    def test_a_search_that_takes_long_does_not_delay_the_end(self):
+        client = self.local()
+        client.send(rpc('<get><filter type="xpath" select="//*[//*[//*[//*]]]"/></get>'))
+        time.sleep(1)
+        self.assert_serves()
+        seconds, status = self.server.stop()
+        self.assertEqual(status, 0)
+        self.assertLess(seconds, 3)
+
     def test_the_log_says_who_did_what_and_is_opened_again(self):
         self.end()
         log = self.folder / "log"
@@ -572,9 +581,9 @@ class HostileTest(ServerCase):
             client = self.local(greet=False)
             client.send(text)
             client.close()
-        deep = self.local()
-        deep.send(f'<rpc xmlns="{BASE}" message-id="1">' + "<a>" * 20000 + END)
-        deep.close()
+        nested = "<a>" * 20000 + "</a>" * 20000
+        deep = rpc(f"<get><filter>{nested}</filter></get>")
+        self.assertIn("<rpc-error>", self.local().ask(deep))
         self.assert_serves()
 
     def test_a_message_without_an_end_is_cut_off(self):

@@ -10,6 +10,7 @@
 
 #include "netconf/server/NetconfServer.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -17,6 +18,9 @@
 namespace OrvHost {
 
 namespace {
+
+/// How long the end of the program waits for requests that are at work.
+constexpr std::chrono::milliseconds kPatience{1500};
 
 std::string hostKeyFile(const Options& options) {
     if (options.hostKey) {
@@ -71,8 +75,7 @@ private:
 int serve(const Options& options, std::ostream& out) {
     WaitingSignals signals;
     HostSetup setup(options, std::cerr);
-    const NetconfServer server(setup.host(), setup.modelReader(), setup.schema(),
-                               serverOptions(options));
+    NetconfServer server(setup.host(), setup.modelReader(), setup.schema(), serverOptions(options));
     for (const std::string& line : server.addresses()) {
         out << line << '\n';
     }
@@ -81,6 +84,12 @@ int serve(const Options& options, std::ostream& out) {
         if (!setup.log().reopen()) {
             std::cerr << "orvhost: the log's file cannot be opened again\n";
         }
+    }
+    // The program must end in time, and nothing that is still at work has written anything that
+    // lasts.
+    if (!server.end(kPatience)) {
+        std::cerr << "orvhost: a request is still at work; the program ends without it\n";
+        std::_Exit(ExitOk);
     }
     return ExitOk;
 }

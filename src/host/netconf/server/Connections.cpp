@@ -15,7 +15,7 @@
 namespace OrvHost {
 
 Connections::~Connections() {
-    endAll();
+    endAll(Deadline::max());
 }
 
 bool Connections::start(Descriptor socket, std::function<void(Descriptor socket)> serve) {
@@ -52,13 +52,18 @@ bool Connections::start(Descriptor socket, std::function<void(Descriptor socket)
     return true;
 }
 
-void Connections::endAll() {
+bool Connections::endAll(Deadline deadline) {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsEnding = true;
     for (const int socket : mSockets) {
         shutdown(socket, SHUT_RDWR);
     }
-    mChanged.wait(lock, [this] { return mSockets.empty(); });
+    const auto isDone = [this] { return mSockets.empty(); };
+    if (deadline == Deadline::max()) {
+        mChanged.wait(lock, isDone); // wait_until would add to the end of time
+        return true;
+    }
+    return mChanged.wait_until(lock, deadline, isDone);
 }
 
 }

@@ -6,6 +6,7 @@
 
 #include "netconf/server/Descriptor.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -14,13 +15,15 @@
 
 namespace OrvHost {
 
+using Deadline = std::chrono::steady_clock::time_point;
+
 /// The connections of clients, each served on a thread of its own.
 ///
 /// Any thread.
 class Connections {
 public:
     explicit Connections(std::size_t limit) : mLimit(limit) {}
-    /// As endAll().
+    /// As endAll(), and waits as long as it takes.
     ~Connections();
     Connections(const Connections&) = delete;
     Connections& operator=(const Connections&) = delete;
@@ -30,8 +33,9 @@ public:
     /// ended.
     bool start(Descriptor socket, std::function<void(Descriptor socket)> serve);
 
-    /// Shuts all connections down and waits for their threads.
-    void endAll();
+    /// Shuts all connections down and waits for their threads, until \p deadline at most. False if
+    /// some are still at work then; they are still served, and this object must stay.
+    bool endAll(Deadline deadline);
 
 private:
     const std::size_t mLimit;

@@ -143,15 +143,15 @@ Listener::Listener(Descriptor socket, std::size_t limit, Serve serve)
       mThread([this] { acceptAll(); }) {}
 
 Listener::~Listener() {
-    end();
+    end(Deadline::max());
 }
 
-void Listener::end() {
+bool Listener::end(Deadline deadline) {
     shutdown(mSocket.get(), SHUT_RDWR);
     if (mThread.joinable()) {
         mThread.join();
     }
-    mConnections.endAll();
+    return mConnections.endAll(deadline);
 }
 
 void Listener::acceptAll() {

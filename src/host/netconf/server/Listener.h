@@ -30,13 +30,13 @@ public:
 
     /// \p socket listens.
     Listener(Descriptor socket, std::size_t limit, Serve serve);
-    /// As end().
+    /// As end(), and waits as long as it takes.
     ~Listener();
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    /// Ends the listening and all connections, and waits for them.
-    void end();
+    /// Ends the listening and all connections, and waits for them. See Connections::endAll.
+    bool end(Deadline deadline);
 
     /// The address with the port that was taken.
     std::string address() const;

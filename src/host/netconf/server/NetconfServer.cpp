@@ -41,6 +41,17 @@ struct NetconfServer::Parts {
           const ServerOptions& options)
         : users(usersOf(options)), model(reader, std::move(schema)), hub(host, model) {}
 
+    /// True if nothing is at work any more.
+    bool end(Deadline deadline) {
+        hub.endAll();
+        if (!localPath.empty()) {
+            unlink(localPath.c_str());
+            localPath.clear();
+        }
+        const bool isSshDone = ssh == nullptr || ssh->end(deadline);
+        return (local == nullptr || local->end(deadline)) && isSshDone;
+    }
+
     UserTable users;
     WireModel model;
     SessionHub hub;
@@ -90,12 +101,13 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
 }
 
 NetconfServer::~NetconfServer() {
-    mParts->hub.endAll();
+    mParts->end(Deadline::max());
     mParts->ssh.reset();
     mParts->local.reset();
-    if (!mParts->localPath.empty()) {
-        unlink(mParts->localPath.c_str());
-    }
+}
+
+bool NetconfServer::end(std::chrono::milliseconds patience) {
+    return mParts->end(std::chrono::steady_clock::now() + patience);
 }
 
 std::vector<std::string> NetconfServer::addresses() const {

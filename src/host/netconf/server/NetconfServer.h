@@ -7,6 +7,7 @@
 #include "netconf/server/UserTable.h"
 #include "yang/schema/YangModelReader.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,10 +35,15 @@ public:
     /// its model, \p schema. Throws ServerError and ModelError.
     NetconfServer(Host& host, const YangModelReader& reader,
                   std::shared_ptr<const YangSchema> schema, const ServerOptions& options);
-    /// Ends all sessions and waits for them: what is not committed is aborted.
+    /// As end(), and waits as long as it takes.
     ~NetconfServer();
     NetconfServer(const NetconfServer&) = delete;
     NetconfServer& operator=(const NetconfServer&) = delete;
+
+    /// Ends all sessions; what is not committed is aborted. Waits for \p patience at most: a search
+    /// by XPath cannot be interrupted. False if a request is still at work then. The server must
+    /// not be destroyed as long as it is.
+    bool end(std::chrono::milliseconds patience);
 
     /// Where clients find it, for people: a line for each way.
     std::vector<std::string> addresses() const;
