@@ -421,6 +421,15 @@ class ProtocolTest(ServerCase):
         self.assertIn("<userLabel>Harbour</userLabel>", chunked.receive_chunks())
 
 
+    def test_a_client_that_has_sent_all_gets_all_replies(self):
+        client = self.ssh()
+        client.send(3 * GET_LABEL)
+        client.process.stdin.close()
+        for _ in range(3):
+            self.assertIn("<userLabel>Harbour</userLabel>", client.receive())
+        self.assertEqual(client.process.wait(30), 0)
+
+
 class LogInTest(ServerCase):
     """Keys, passwords and files."""
 
@@ -483,6 +492,55 @@ class LogInTest(ServerCase):
         )
         self.assertNotEqual(client.returncode, 0)
         self.assertEqual(client.stdout, "")
+
+
+class OptionsTest(unittest.TestCase):
+    """Options that cannot be used are refused, with the reason."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.open = self.folder / "open"
+        self.open.write_text("carol:$6$salt$hash\n")
+        self.open.chmod(0o644)
+        self.plain = self.folder / "plain"
+        self.plain.write_text("carol:secret\n")
+        self.plain.chmod(0o600)
+
+    def refusal(self, *options):
+        words = [ORVHOST, "-I", EXAMPLES / "models", "-m", "ran-element", "--ext-cm", EXT_CM]
+        words += ["--log-level", "off", *options]
+        ended = subprocess.run([str(word) for word in words], stdin=subprocess.DEVNULL,
+                               capture_output=True, text=True, timeout=120)
+        self.assertNotEqual(ended.returncode, 0)
+        self.assertEqual(ended.stdout, "")
+        return ended.stderr
+
+    def test_refusals(self):
+        key = ("--host-key", self.folder / "host_key")
+        for options, reason in (
+            (("serve",), "nobody can log in by SSH"),
+            (("serve", "--netconf-user", "alice"), "NAME=KEYFILE was expected"),
+            (("serve", "--netconf-user", "alice=/missing"), "/missing: cannot be read"),
+            (("serve", "--netconf-user", f"alice={self.plain}"), "a public key was expected"),
+            (("serve", "--netconf-passwords", self.open), "mode 0600 was expected"),
+            (("serve", "--netconf-passwords", self.plain), "NAME:HASH was expected"),
+            (("serve", "--netconf-unix", self.plain), "exists already"),
+            (("--netconf-unix", self.folder / "socket"), "can only be used with serve"),
+            (("serve", "tree"), "serve cannot be combined with commands"),
+        ):
+            with self.subTest(options):
+                self.assertIn(reason, self.refusal(*options, *(key if options[0] == "serve" else ())))
+
+    def test_addresses(self):
+        run("ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / "key")
+        user = ("--netconf-user", f"alice={self.folder / 'key'}.pub")
+        for address in ("8300", "localhost:8300", "127.0.0.1:", "127.0.0.1:99999", "192.0.2.1:1"):
+            with self.subTest(address):
+                said = self.refusal("serve", *user, "--netconf-ssh", address,
+                                    "--host-key", self.folder / "host_key")
+                self.assertIn(address.split(":")[0], said)
 
 
 class StopTest(ServerCase):

@@ -48,9 +48,11 @@ nc_server_reply* errorReply(const std::vector<RpcError>& errors, ly_ctx* context
     return reply;
 }
 
-nc_server_reply* dataReply(const std::string& text, const lyd_node* request) {
+/// The library frees a text of C. Of a large one there are two only while it is copied.
+nc_server_reply* dataReply(std::string text, const lyd_node* request) {
     lyd_node* output = nullptr;
     char* const owned = strdup(text.c_str());
+    text = std::string();
     if (owned == nullptr || lyd_new_inner(nullptr, request->schema->module, request->schema->name,
                                           0, &output) != LY_SUCCESS) {
         std::free(owned);
@@ -86,7 +88,7 @@ nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
     if (!reply.errors.empty()) {
         return errorReply(reply.errors, context);
     }
-    return reply.data ? dataReply(*reply.data, request) : nc_server_reply_ok();
+    return reply.data ? dataReply(std::move(*reply.data), request) : nc_server_reply_ok();
 }
 
 void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) {

@@ -71,7 +71,8 @@ public:
         ssh_event_add_session(mEvent, mSession);
         while (!mIsStarted) {
             if (mFailed >= mLimits.failedLogins || Clock::now() >= mDeadline ||
-                ssh_get_status(mSession) != 0 || !step(-1, 0, nullptr)) {
+                (ssh_get_status(mSession) & (SSH_CLOSED | SSH_CLOSED_ERROR)) != 0 ||
+                !step(-1, 0, nullptr)) {
                 return false;
             }
         }
@@ -86,8 +87,7 @@ public:
     void pass(int inner) {
         mDeadline = Clock::time_point::max();
         while (true) {
-            const bool isMore = readChannel();
-            if (!writeInner(inner) || !isMore || !writeChannel(inner) ||
+            if (!readChannel() || !writeInner(inner) || !writeChannel(inner) ||
                 mUnanswered > mLimits.unanswered) {
                 break;
             }
@@ -146,21 +146,20 @@ private:
         return (both[0].revents & (POLLERR | POLLNVAL)) == 0;
     }
 
-    /// False if the client sends nothing more.
+    /// False if the channel is closed. A client that sends nothing more may still want its replies.
     bool readChannel() {
-        while (mToInner.size() < kBuffer) {
+        while (!mIsInputOver && mToInner.size() < kBuffer) {
             const int got = ssh_channel_read_nonblocking(mChannel, mBuffer.data(),
                                                          static_cast<uint32_t>(mBuffer.size()), 0);
-            if (got < 0) {
-                return ssh_channel_is_open(mChannel) != 0 && got == SSH_AGAIN;
-            }
-            if (got == 0) {
-                return ssh_channel_is_eof(mChannel) == 0;
+            if (got <= 0) {
+                mIsInputOver = ssh_channel_is_eof(mChannel) != 0;
+                return ssh_channel_is_open(mChannel) != 0 &&
+                       (got == 0 || got == SSH_AGAIN || mIsInputOver);
             }
             mToInner.insert(mToInner.end(), mBuffer.begin(), mBuffer.begin() + got);
             mUnanswered += static_cast<std::size_t>(got);
         }
-        return true;
+        return ssh_channel_is_open(mChannel) != 0;
     }
 
     bool writeInner(int inner) {
@@ -170,6 +169,9 @@ private:
                 return errno == EAGAIN || errno == EINTR;
             }
             mToInner.erase(mToInner.begin(), mToInner.begin() + sent);
+        }
+        if (mIsInputOver) {
+            shutdown(inner, SHUT_WR);
         }
         return true;
     }
@@ -250,6 +252,7 @@ private:
     std::string mUser; ///< empty: not authenticated
     int mFailed = 0;
     bool mIsStarted = false;
+    bool mIsInputOver = false;
     short mInnerEvents = 0;
     std::vector<char> mToInner;
     std::size_t mUnanswered = 0;
