@@ -21,6 +21,8 @@ namespace OrvHost {
 namespace {
 
 constexpr std::size_t kBuffer = 65536;
+/// How long the rest of the replies waits for a client that does not read, after its session ended.
+constexpr std::chrono::seconds kDrainTime{10};
 
 using Clock = std::chrono::steady_clock;
 
@@ -80,7 +82,6 @@ public:
     }
 
     const std::string& user() const { return mUser; }
-    int failedLogins() const { return mFailed; }
 
     /// Passes bytes between the channel and \p inner, a socket that does not block, until one of
     /// them ends.
@@ -94,14 +95,23 @@ public:
             const bool hasRoom = ssh_channel_window_size(mChannel) > 0;
             const short wanted =
                 static_cast<short>((hasRoom ? POLLIN : 0) | (mToInner.empty() ? 0 : POLLOUT));
-            if (!step(inner, wanted, &mInnerEvents)) {
+            // After the end of its session, a client that does not read the rest has only a while.
+            const bool isStuck = mIsInnerOver && !hasRoom;
+            if (!isStuck) {
+                mDeadline = Clock::time_point::max();
+            } else if (mDeadline == Clock::time_point::max()) {
+                mDeadline = Clock::now() + kDrainTime;
+            }
+            if (Clock::now() >= mDeadline || !step(isStuck ? -1 : inner, wanted, &mInnerEvents)) {
                 break;
             }
+            mIsInnerOver = mIsInnerOver || (mInnerEvents & POLLHUP) != 0;
         }
         if (mUnanswered > mLimits.unanswered) {
             logServer(4, mUser + " from " + mFrom + ": " + std::to_string(mUnanswered) +
                              " bytes of requests without an answer, which is too many");
         }
+        ssh_channel_request_send_exit_status(mChannel, 0);
         ssh_channel_send_eof(mChannel);
         ssh_channel_close(mChannel);
         ssh_blocking_flush(mSession, 200);
@@ -253,6 +263,7 @@ private:
     int mFailed = 0;
     bool mIsStarted = false;
     bool mIsInputOver = false;
+    bool mIsInnerOver = false;
     short mInnerEvents = 0;
     std::vector<char> mToInner;
     std::size_t mUnanswered = 0;
