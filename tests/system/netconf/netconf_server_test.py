@@ -138,9 +138,12 @@ class LocalClient:
     def send(self, text):
         self.socket.sendall(text.encode())
 
+    def recv(self, size):
+        return self.socket.recv(size)
+
     def receive(self):
         while END.encode() not in self.rest:
-            more = self.socket.recv(65536)
+            more = self.recv(65536)
             if not more:
                 raise EOFError
             self.rest += more
@@ -150,7 +153,7 @@ class LocalClient:
     def receive_chunks(self):
         answer = b""
         while not answer.endswith(b"\n##\n"):
-            more = self.socket.recv(65536)
+            more = self.recv(65536)
             if not more:
                 raise EOFError
             answer += more
@@ -182,10 +185,6 @@ class SshClient(LocalClient):
         data = text.encode()
         while data:
             data = data[self.process.stdin.write(data):]
-
-    def receive(self):
-        self.socket = self
-        return super().receive()
 
     def recv(self, size):
         ready, _, _ = select.select([self.process.stdout], [], [], 30)
@@ -420,6 +419,17 @@ class ProtocolTest(ServerCase):
         chunked.send(f"\n#{len(message)}\n{message}\n##\n")
         self.assertIn("<userLabel>Harbour</userLabel>", chunked.receive_chunks())
 
+
+    def test_a_large_request_over_ssh(self):
+        client = self.ssh(hello=CHUNKED_HELLO)
+        message = GET_LABEL[: -len(END)]
+        head, tail = message.split("><", 1)
+        parts = [f"{head}>", *([" " * (1 << 20)] * 16), f"<{tail}"]
+        for _ in range(2):
+            for part in parts:
+                client.send(f"\n#{len(part)}\n{part}")
+            client.send("\n##\n")
+            self.assertIn("<userLabel>Harbour</userLabel>", client.receive_chunks())
 
     def test_a_client_that_has_sent_all_gets_all_replies(self):
         client = self.ssh()

@@ -102,6 +102,7 @@ public:
             } else if (mDeadline == Clock::time_point::max()) {
                 mDeadline = Clock::now() + kDrainTime;
             }
+            mIsReady = hasUnread();
             if (Clock::now() >= mDeadline || !step(isStuck ? -1 : inner, wanted, &mInnerEvents)) {
                 break;
             }
@@ -142,7 +143,9 @@ private:
             {{ssh_get_fd(mSession), static_cast<short>(POLLIN | (isWriting ? POLLOUT : 0)), 0},
              {inner, wanted, 0}}};
         int milliseconds = -1;
-        if (mDeadline != Clock::time_point::max()) {
+        if (mIsReady) {
+            milliseconds = 0;
+        } else if (mDeadline != Clock::time_point::max()) {
             const auto left =
                 std::chrono::duration_cast<std::chrono::milliseconds>(mDeadline - Clock::now());
             milliseconds = static_cast<int>(std::max<long long>(left.count(), 0));
@@ -170,6 +173,12 @@ private:
             mUnanswered += static_cast<std::size_t>(got);
         }
         return ssh_channel_is_open(mChannel) != 0;
+    }
+
+    /// True if the channel holds what came before, or its end, and there is room for it. No event
+    /// announces that.
+    bool hasUnread() {
+        return mToInner.empty() && !mIsInputOver && ssh_channel_poll(mChannel, 0) != 0;
     }
 
     bool writeInner(int inner) {
@@ -264,6 +273,7 @@ private:
     bool mIsStarted = false;
     bool mIsInputOver = false;
     bool mIsInnerOver = false;
+    bool mIsReady = false; ///< nothing need happen before the next step
     short mInnerEvents = 0;
     std::vector<char> mToInner;
     std::size_t mUnanswered = 0;
