@@ -180,7 +180,7 @@ TEST(OrvhostCommandsTest, Quit_InTheMiddle_LeavesTheRest) {
 
 TEST(OrvhostCommandsTest, Words_AfterTheOptions_AreOneCommand) {
     const auto result =
-        runOrvhost(withSite({"--", "tree", "ManagedElement=east,Mast=a", "--depth", "0"}));
+        runOrvhost(withSite({"tree", "ManagedElement=east,Mast=a", "--depth", "0"}));
     EXPECT_EQ(result.out, "ManagedElement=east,Mast=a (2 below)\n");
     const auto blank = runOrvhost(withSite({"exists", "ManagedElement=east,Mast=a,Lamp=half way"}));
     EXPECT_EQ(blank.out, "yes\n");

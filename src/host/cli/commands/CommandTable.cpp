@@ -7,6 +7,7 @@
 #include "cli/errors/CliErrors.h"
 #include "client/Suggestion.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace OrvHost {
@@ -149,6 +150,7 @@ it is aborted, and nothing of it is left.
   explanation containing TEXT     what the explanation of a failure contains
 )",
            .words = {WordKind::Other},
+           .takesCommand = true,
            .run = [this](Session& session,
                          Words words) { runExpect(*this, session, std::move(words)); }},
           {.name = "save",
@@ -219,8 +221,16 @@ refused. --dot gives the text that Graphviz draws. -o writes to a file.
                          Words words) { runHelp(*this, session, std::move(words)); }},
           {.name = "quit",
            .summary = "end the session",
-           .details = "So does Ctrl-D.\n",
+           .details = "So do exit and Ctrl-D.\n",
+           .alias = "exit",
            .run = runQuit}} {}
+
+void Command::requireKnown(const std::string& word) const {
+    const bool isOption = word.compare(0, 2, "--") == 0;
+    if (isOption && std::find(options.begin(), options.end(), word) == options.end()) {
+        throw UsageError("there is no option '" + word + "'." + didYouMean(word, options));
+    }
+}
 
 std::vector<std::string> CommandTable::names() const {
     std::vector<std::string> names;
@@ -232,7 +242,7 @@ std::vector<std::string> CommandTable::names() const {
 
 const Command* CommandTable::find(const std::string& name) const {
     for (const Command& command : mCommands) {
-        if (command.name == name) {
+        if (command.name == name || (!name.empty() && command.alias == name)) {
             return &command;
         }
     }
@@ -246,6 +256,16 @@ const Command& CommandTable::require(const std::string& name) const {
                          " 'help' lists all");
     }
     return *command;
+}
+
+void CommandTable::run(Session& session, const std::vector<std::string>& words) const {
+    const Command& command = require(words.front());
+    if (!command.takesCommand) {
+        for (const std::string& word : words) {
+            command.requireKnown(word);
+        }
+    }
+    command.run(session, Words({words.begin() + 1, words.end()}));
 }
 
 std::string CommandTable::usageOf(const std::string& name) const {

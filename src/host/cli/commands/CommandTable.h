@@ -40,6 +40,8 @@ struct Command {
     std::string details{};              ///< more of it, lines ended; may be empty
     std::vector<WordKind> words{};      ///< the kinds of its words; the last one may repeat
     std::vector<std::string> options{}; ///< "--depth" and the like
+    std::string alias{};                ///< another name, not shown in lists; may be empty
+    bool takesCommand = false;          ///< its words are another command with its options
 
     /// Runs the command and prints its answer. `words` are the words after the command's name.
     /// Throws RequestError (UsageError is one) for words that it does not understand, AnswerError
@@ -47,6 +49,9 @@ struct Command {
     /// the session is cancelled; in JSON mode nothing has been printed then. What each means for
     /// the exit status stands in errors/Failure.cpp.
     std::function<void(Session& session, Words words)> run;
+
+    /// Throws UsageError if \p word is written as an option and is none of this command.
+    void requireKnown(const std::string& word) const;
 
     /// Name and synopsis.
     std::string usage() const { return name + (synopsis.empty() ? "" : " ") + synopsis; }
@@ -63,7 +68,11 @@ public:
     const std::vector<Command>& all() const { return mCommands; }
     std::vector<std::string> names() const;
 
-    /// The command with that name, or null.
+    /// Runs the command that \p words, which are not empty, begin with. Throws what Command::run
+    /// throws, and UsageError if there is no such command or it has no such option.
+    void run(Session& session, const std::vector<std::string>& words) const;
+
+    /// The command with that name or alias, or null.
     const Command* find(const std::string& name) const;
 
     /// The same, but throws UsageError with a suggestion.

@@ -46,7 +46,7 @@ Answer answerOf(const CommandTable& table, Session& session,
     const Capture capture(session);
     Answer answer;
     try {
-        table.require(words.front()).run(session, Words({words.begin() + 1, words.end()}));
+        table.run(session, words);
     } catch (...) {
         answer.failure =
             FailureReader(session).read(table.usageOf(words.front()), std::current_exception());

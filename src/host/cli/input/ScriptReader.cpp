@@ -3,6 +3,8 @@
 
 #include "ScriptReader.h"
 
+#include "base/ByteOrderMark.h"
+
 namespace OrvHost {
 
 namespace {
@@ -35,6 +37,9 @@ bool ScriptReader::next() {
 bool ScriptReader::takeLine(std::string& line) {
     if (!std::getline(mScript, line)) {
         return false;
+    }
+    if (mLinesTaken == 0) {
+        removeByteOrderMark(line);
     }
     if (!line.empty() && line.back() == '\r') {
         line.pop_back();

@@ -3,6 +3,7 @@
 
 #include "Options.h"
 
+#include "CommandSplit.h"
 #include "DnUtil.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
@@ -10,7 +11,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace OrvHost {
 
@@ -18,9 +21,10 @@ namespace {
 
 constexpr const char* kFooter = R"(
 Commands come from -c, from scripts (-f), from the words after the options, or, if there are none,
-from the prompt or standard input. 'orvhost help' lists them. Put -- before a command's own options:
+from the prompt or standard input. 'orvhost help' lists them. Options of orvhost come before the
+command, its own options after it:
 
-  orvhost -I models -m ran-element -d network.json -- tree / --depth 2
+  orvhost -I models -m ran-element -d network.json tree / --depth 2
 
 'check FILE...' in place of a command runs scenarios, each on fresh data, and reports on them:
 
@@ -233,16 +237,13 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addCheck(app, reportFormats, options);
     addServer(app, options);
     try {
-        app.parse(count, arguments);
+        std::vector<std::string> words =
+            withCommandApart(app, {arguments + 1, arguments + count}, {"check", "serve"});
+        std::reverse(words.begin(), words.end()); // as the parser wants them
+        app.parse(std::move(words));
         takeScenarios(options);
         takeExport(options);
         takeServer(app, options);
-    } catch (const CLI::ExtrasError& unknown) {
-        app.exit(unknown);
-        std::cerr
-            << "If that belongs to a command, put -- before the command: orvhost ... -- graph "
-               "-o FILE\n";
-        return {std::nullopt, ExitUsage};
     } catch (const CLI::ParseError& end) {
         const int status = app.exit(end);
         return {std::nullopt, status == 0 ? ExitOk : ExitUsage};

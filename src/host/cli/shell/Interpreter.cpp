@@ -29,8 +29,7 @@ ExitStatus Interpreter::runLine(const std::string& line, const std::string& plac
 ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const std::string& place) {
     const std::string& name = words.front();
     try {
-        const Command& command = mCommands.require(name);
-        command.run(mSession, Words({words.begin() + 1, words.end()}));
+        mCommands.run(mSession, words);
         mSession.out().flush();
         return ExitOk;
     } catch (...) {

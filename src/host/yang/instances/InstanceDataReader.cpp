@@ -3,6 +3,7 @@
 
 #include "InstanceDataReader.h"
 
+#include "base/ByteOrderMark.h"
 #include "base/RootObject.h"
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/Operations.h"
@@ -91,6 +92,7 @@ std::string contentsOf(const fs::path& file) {
     if (input.bad()) {
         refuse(file.string(), 0, "cannot be read to its end");
     }
+    removeByteOrderMark(text);
     return text;
 }
 

@@ -3,6 +3,8 @@
 
 #include "ModuleFinder.h"
 
+#include "base/ByteOrderMark.h"
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -20,6 +22,7 @@ std::optional<std::string> readFile(const fs::path& file) {
         return std::nullopt;
     }
     std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    removeByteOrderMark(text);
     return input.bad() ? std::nullopt : std::optional(std::move(text));
 }
 

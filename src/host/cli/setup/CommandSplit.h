@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SETUP_COMMANDSPLIT_H
+#define ORV_HOST_CLI_SETUP_COMMANDSPLIT_H
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace OrvHost {
+
+/// Separates the options of the program from the command: puts `--` before the first word that is
+/// neither an option of \p app nor the value of one, so that all words after it belong to the
+/// command. Only `--json` may stand after the command, too. Nothing is separated if that word is
+/// one of \p verbs: those take options of the program.
+///
+/// Throws CLI::ExtrasError if another option of the program stands after the command. It would be
+/// taken for a word of the command.
+std::vector<std::string> withCommandApart(const CLI::App& app,
+                                          const std::vector<std::string>& arguments,
+                                          const std::vector<std::string>& verbs);
+
+}
+
+#endif

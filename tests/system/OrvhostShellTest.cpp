@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// orvhost called from a shell: its options, and those of its commands.
+
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+namespace SystemTest {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kMark = "\xEF\xBB\xBF";
+
+TEST(OrvhostShellTest, OptionsOfACommand_AfterIt_AreItsOwn) {
+    const auto result =
+        runOrvhost(withSite({"tree", "--depth", "0", "ManagedElement=east,Mast=a"}));
+    EXPECT_EQ(result.out, "ManagedElement=east,Mast=a (2 below)\n");
+    const auto unknown = runOrvhost(withSite({"tree", "--dept", "0"}));
+    EXPECT_THAT(unknown.err, HasSubstr("tree: there is no option '--dept'. Did you mean --depth?"));
+    EXPECT_EQ(unknown.status, 2);
+}
+
+TEST(OrvhostShellTest, Json_AfterTheCommand_IsUnderstood) {
+    const auto result = runOrvhost(withSite({"exists", "ManagedElement=east", "--json"}));
+    EXPECT_EQ(result.out,
+              "{\"command\":\"exists\",\"dn\":\"ManagedElement=east\",\"exists\":true}\n");
+}
+
+TEST(OrvhostShellTest, OptionOfTheProgram_AfterTheCommand_IsRefused) {
+    const auto result = runOrvhost({"-I", "models", "-m", "site", "ls", "-d", "network"});
+    EXPECT_THAT(result.err, HasSubstr("-d (it must come before the command 'ls')"));
+    EXPECT_EQ(result.status, 2);
+}
+
+TEST(OrvhostShellTest, TwoDashes_BeforeTheCommand_MakeAllWordsItsOwn) {
+    const auto result = runOrvhost(withSite({"--", "expect", "output", "--json", ":", "ls"}));
+    EXPECT_THAT(result.err, HasSubstr("expected: output \"--json\""));
+    EXPECT_EQ(runOrvhost(withSite({"--", "tree", "--depth", "0"})).out, "/ (1 below)\n");
+}
+
+TEST(OrvhostShellTest, UnknownOption_BeforeTheCommand_IsNamed) {
+    const auto result = runOrvhost(withSite({"--bogus", "ls"}));
+    EXPECT_THAT(result.err, HasSubstr("--bogus"));
+    EXPECT_EQ(result.status, 2);
+}
+
+TEST(OrvhostShellTest, EmptyValue_WithEquals_IsTheValue) {
+    const auto result = runOrvhost(withSite({"--history=", "exists", "ManagedElement=east"}));
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "yes\n");
+}
+
+TEST(OrvhostShellTest, Exit_InTheMiddle_IsQuit) {
+    const auto result = runCommands({"exit", "exists ManagedElement=east"});
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(OrvhostShellTest, ByteOrderMark_InEveryFile_IsSkipped) {
+    const TemporaryDirectory directory;
+    const std::string module = directory.file(
+        "marked.yang", std::string(kMark) + "module marked { namespace \"urn:marked\"; prefix m;\n"
+                                            "  list Site { key \"id\"; leaf id { type string; }\n"
+                                            "    leaf label { type string; } } }\n");
+    const std::string json = directory.file(
+        "a.json", std::string(kMark) + R"({"marked:Site": [{"id": "1", "label": "one"}]})");
+    const std::string xml = directory.file(
+        "b.xml", std::string(kMark) + "<Site xmlns=\"urn:marked\"><id>2</id></Site>");
+    const std::string script =
+        directory.file("script", std::string(kMark) + "exists Site=1\nexists Site=2\n");
+    const auto result = runOrvhost({"-m", module, "-d", json, "-d", xml, "-f", script});
+    EXPECT_EQ(result.out, "yes\nyes\n");
+    EXPECT_EQ(result.status, 0) << result.err;
+}
+
+}
+}
