@@ -8,6 +8,7 @@
 #include "cli/commands/CommandTable.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/serve/Serve.h"
+#include "cli/session/InterruptGuard.h"
 #include "cli/session/Session.h"
 #include "cli/setup/HostSetup.h"
 #include "cli/setup/Options.h"
@@ -15,6 +16,7 @@
 #include "cli/shell/Interpreter.h"
 #include "cli/shell/Prompt.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -112,12 +114,40 @@ private:
         while (!mSession.isEnded()) {
             const std::optional<std::string> line =
                 prompt.readLine(mSession.transactions().prompt());
-            if (!line) {
-                break;
+            if (prompt.wasInterrupted()) {
+                endAtSecondInterrupt(prompt);
+            } else if (line) {
+                const InterruptGuard interrupts(mSession.cancellation());
+                mInterpreter.runLine(*line);
+            } else {
+                mSession.end();
             }
-            mInterpreter.runLine(*line);
+            if (mSession.isEnded() && !isEndWanted(prompt)) {
+                mSession.goOn();
+            }
         }
         return ExitOk;
+    }
+
+    // At an empty line, Ctrl-C has nothing to cancel; twice means that somebody wants to leave.
+    void endAtSecondInterrupt(Prompt& prompt) {
+        const auto now = std::chrono::steady_clock::now();
+        const bool isSecond = mLastInterrupt && now - *mLastInterrupt < std::chrono::seconds(1);
+        mLastInterrupt = now;
+        if (isSecond && prompt.ask("End orvhost? [y/N] ")) {
+            mSession.end();
+        }
+    }
+
+    bool isEndWanted(Prompt& prompt) {
+        std::string question;
+        for (const OpenTransactions::Entry& open : mSession.transactions().all()) {
+            if (open.writes > 0) {
+                question += (question.empty() ? "" : ", ") + open.name;
+            }
+        }
+        return question.empty() ||
+               prompt.ask("Not committed, and lost at the end: " + question + ". End? [y/N] ");
     }
 
     const Options& mOptions;
@@ -125,6 +155,7 @@ private:
     const CommandTable& mCommands;
     Interpreter mInterpreter;
     ExitStatus mStatus = ExitOk;
+    std::optional<std::chrono::steady_clock::time_point> mLastInterrupt;
 };
 
 // If a standard stream is closed, the next file that is opened gets its number, and output would be

@@ -40,6 +40,7 @@ bool ClientSession::write(const std::function<void(unsigned long txHandle)>& wor
     mTransactions.addUnnamed(own.handle);
     try {
         work(own.handle);
+        mCancellation.throwIfCancelled();
     } catch (...) {
         mHost.transactions().abort(own.handle);
         throw;

@@ -54,10 +54,10 @@ public:
     void requireObject(const std::string& dn);
 
     /// Runs \p work, which writes, with the handle of the current transaction. If there is none, \p
-    /// work gets its own transaction, which is committed, or aborted if \p work throws. True if the
-    /// write is committed. Throws RefusalError. If \p work throws after a part of its writes (see
-    /// PartlyWritten and OperationSubject::done), that part stays in the current transaction and
-    /// counts as a write.
+    /// work gets its own transaction, which is committed, or aborted if \p work throws or the
+    /// session was cancelled. True if the write is committed. Throws RefusalError, CancelledError.
+    /// If \p work throws after a part of its writes (see PartlyWritten and OperationSubject::done),
+    /// that part stays in the current transaction and counts as a write.
     bool write(const std::function<void(unsigned long txHandle)>& work);
 
     const OpenTransactions::Entry& begin(const std::string& name);

@@ -115,6 +115,16 @@ void write(const std::string& file, const std::string& text) {
     }
 }
 
+// Ctrl-C at a terminal reaches the program that draws, too.
+std::string render(Session& session, const std::string& dot) {
+    try {
+        return renderSvg(dot);
+    } catch (const AnswerError&) {
+        session.cancellation().throwIfCancelled();
+        throw;
+    }
+}
+
 void print(Session& session, const GraphOptions& options, const Drawing& drawing,
            const std::string& text) {
     if (options.file) {
@@ -142,7 +152,7 @@ void runGraph(Session& session, Words words) {
     const GraphOptions options = parse(words, session.model());
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
-    print(session, options, drawing, options.wantsDot ? drawing.dot : renderSvg(drawing.dot));
+    print(session, options, drawing, options.wantsDot ? drawing.dot : render(session, drawing.dot));
 }
 
 }

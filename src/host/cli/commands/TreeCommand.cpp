@@ -32,6 +32,7 @@ public:
     void printBelow(const std::string& dn, const std::string& indent, std::uint64_t level) {
         const std::vector<Child> all = children(dn);
         for (std::size_t position = 0; position < all.size(); ++position) {
+            mSession.cancellation().throwIfCancelled();
             const bool isLast = position + 1 == all.size();
             const Child& child = all[position];
             const std::string childDn = DnView(dn).child(child.className, child.name);

@@ -9,6 +9,7 @@
 #include "client/ErrorExplainer.h"
 #include "client/RefusalError.h"
 #include "client/RefusedWrite.h"
+#include "client/edits/EditPlan.h"
 
 namespace OrvHost {
 
@@ -139,6 +140,8 @@ Failure FailureReader::read(const std::string& usage, const std::exception_ptr& 
         return read(failure);
     } catch (const RefusalError& failure) {
         return OrvHost::read(failure);
+    } catch (const PlanCancelledError& cancelled) {
+        return plain(ExitCommandError, whatStays(cancelled));
     } catch (const RequestError& failure) {
         return plain(ExitUsage, usage.empty() ? failure.what() : withUsage(failure.what(), usage));
     } catch (const std::exception& failure) {
@@ -170,6 +173,14 @@ Failure FailureReader::read(const OperationError& error) {
         failure.document["aftermath"] = remains;
     }
     return failure;
+}
+
+std::string FailureReader::whatStays(const PlanCancelledError& cancelled) {
+    const std::size_t done = cancelled.done();
+    const std::string changes = std::to_string(done) + (done == 1 ? " change" : " changes");
+    return mSession.transactions().current() == nullptr
+               ? std::string(cancelled.what()) + "; nothing is changed"
+               : cancelled.what() + ("; " + changes) + " of it stay in the transaction";
 }
 
 // The explanation calls the component again; if that fails too, it must not hide the first error.

@@ -26,6 +26,8 @@ struct Failure {
     JsonValue document;                ///< all of these
 };
 
+class PlanCancelledError;
+
 /// Turns what a command threw into a Failure. One thread at a time.
 class FailureReader {
 public:
@@ -39,6 +41,7 @@ public:
 private:
     Failure read(const OperationError& error);
     std::string explain(const OperationError& error);
+    std::string whatStays(const PlanCancelledError& cancelled);
 
     ClientSession& mSession;
 };

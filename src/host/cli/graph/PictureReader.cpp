@@ -124,6 +124,7 @@ PictureReader::Level PictureReader::begin(const TreeExtent& extent) {
 std::uint64_t PictureReader::countBelow(const Level& level) {
     std::uint64_t sum = 0;
     for (const Parent& parent : level) {
+        mSession.cancellation().throwIfCancelled();
         const std::uint64_t count = countChildren(parent.dn);
         if (parent.position) {
             mPicture.objects[*parent.position].hiddenBelow = count;
@@ -159,6 +160,7 @@ void PictureReader::readOutside(std::uint64_t limit) {
         known.insert(object.dn);
     }
     for (const PicturedObject& object : mPicture.objects) {
+        mSession.cancellation().throwIfCancelled();
         for (const PicturedLink& link : object.links) {
             if (!known.insert(link.target).second) {
                 continue;

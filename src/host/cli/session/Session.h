@@ -52,6 +52,8 @@ public:
 
     bool isEnded() const { return mIsEnded; }
     void end() { mIsEnded = true; }
+    /// Takes end() back.
+    void goOn() { mIsEnded = false; }
 
 private:
     LogSink& mLog;

@@ -26,7 +26,7 @@ TerminationGuard::TerminationGuard(CancellationToken& token) {
     theToken = &token;
     for (std::size_t at = 0; at < kSignals.size(); ++at) {
         sigaction(kSignals[at], nullptr, &mBefore[at]);
-        if (mBefore[at].sa_handler != SIG_IGN) {
+        if (mBefore[at].sa_handler == SIG_DFL) {
             struct sigaction action {};
             action.sa_handler = cancelWork;
             action.sa_flags = SA_RESTART;

@@ -14,7 +14,8 @@ namespace OrvHost {
 
 /// For work that must put something in order before the program ends. While it lives, a signal that
 /// asks the program to end (Ctrl-C, SIGTERM, the end of the terminal) cancels the token instead;
-/// the destructor sends the signal again, which then does what it did before.
+/// the destructor sends the signal again, which then ends the program. A signal that is ignored or
+/// has a handler, such as Ctrl-C at the prompt, stays as it is.
 ///
 /// Only one at a time, on one thread.
 class TerminationGuard {

@@ -29,6 +29,7 @@ ExitStatus Interpreter::runLine(const std::string& line, const std::string& plac
 ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const std::string& place) {
     const std::string& name = words.front();
     try {
+        mSession.cancellation().throwIfCancelled();
         mCommands.run(mSession, words);
         mSession.out().flush();
         return ExitOk;

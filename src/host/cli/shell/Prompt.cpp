@@ -29,9 +29,9 @@ void interruptReading(int) {}
 
 /// While it lives, Ctrl-C is blocked until the reading of a key waits with waitingMask. Then it
 /// interrupts that waiting instead of ending the process. So no Ctrl-C between two keys is lost.
-class InterruptGuard {
+class KeyWait {
 public:
-    InterruptGuard() {
+    KeyWait() {
         struct sigaction action {};
         action.sa_handler = &interruptReading;
         sigaction(SIGINT, &action, &mPreviousAction);
@@ -40,12 +40,12 @@ public:
         sigaddset(&blocked, SIGINT);
         pthread_sigmask(SIG_BLOCK, &blocked, &mWaitingMask);
     }
-    ~InterruptGuard() {
+    ~KeyWait() {
         pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr);
         sigaction(SIGINT, &mPreviousAction, nullptr);
     }
-    InterruptGuard(const InterruptGuard&) = delete;
-    InterruptGuard& operator=(const InterruptGuard&) = delete;
+    KeyWait(const KeyWait&) = delete;
+    KeyWait& operator=(const KeyWait&) = delete;
 
     const sigset_t& waitingMask() const { return mWaitingMask; }
 
@@ -118,9 +118,9 @@ public:
         el_end(mEditLine);
     }
 
-    std::optional<std::string> readLine(const std::string& prompt) {
+    std::optional<std::string> readLine(const std::string& prompt, bool isRemembered) {
         mPromptText = prompt;
-        const InterruptGuard guard;
+        const KeyWait guard;
         mGuard = &guard;
         mIsInterrupted = false;
         // Before the prompt is printed, so that keys go to the editor, not to the terminal, as soon
@@ -132,12 +132,14 @@ public:
             return atNoLine();
         }
         std::string line = withoutLineEnd(text, length);
-        if (!line.empty()) {
+        if (isRemembered && !line.empty()) {
             HistEvent event;
             history(mHistory, &event, H_ENTER, line.c_str());
         }
         return line;
     }
+
+    bool wasInterrupted() const { return mIsInterrupted; }
 
 private:
     static char* promptText(EditLine* editLine) {
@@ -244,7 +246,7 @@ private:
     std::string mPromptText;
     EditLine* mEditLine;
     History* mHistory;
-    const InterruptGuard* mGuard = nullptr; ///< while a line is read
+    const KeyWait* mGuard = nullptr; ///< while a line is read
     bool mIsInterrupted = false;
 };
 
@@ -254,7 +256,16 @@ Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
 Prompt::~Prompt() = default;
 
 std::optional<std::string> Prompt::readLine(const std::string& prompt) {
-    return mEditor->readLine(prompt);
+    return mEditor->readLine(prompt, true);
+}
+
+bool Prompt::wasInterrupted() const {
+    return mEditor->wasInterrupted();
+}
+
+bool Prompt::ask(const std::string& question) {
+    const std::optional<std::string> answer = mEditor->readLine(question, false);
+    return !answer || (!answer->empty() && (answer->front() == 'y' || answer->front() == 'Y'));
 }
 
 }

@@ -29,6 +29,13 @@ public:
     /// one if Ctrl-C cancels it. Nothing at the end of input (Ctrl-D).
     std::optional<std::string> readLine(const std::string& prompt);
 
+    /// Whether Ctrl-C cancelled the latest line.
+    bool wasInterrupted() const;
+
+    /// Shows \p question, and waits for a line. True if it begins with y or Y, or at the end of
+    /// input. Ctrl-C means no. Nothing of it is kept in the history.
+    bool ask(const std::string& question);
+
 private:
     class Editor;
     std::unique_ptr<Editor> mEditor;

@@ -1,0 +1,189 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Ctrl-C, and the end of a session, at a terminal.
+
+#include "Program.h"
+#include "Terminal.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace SystemTest {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kPrompt = "orvhost> ";
+constexpr const char* kControlC = "\x03";
+constexpr const char* kControlD = "\x04";
+constexpr int kMasts = 20000;
+
+/// Data whose listing takes much longer than a key press.
+std::string manyMasts() {
+    std::string text = R"({"site:ManagedElement": [{"managedElementId": "1", "Mast": [)";
+    for (int mast = 0; mast < kMasts; ++mast) {
+        text +=
+            (mast == 0 ? "" : ",") + std::string(R"({"mastId": "m)") + std::to_string(mast) + "\"}";
+    }
+    return text + "]}]}";
+}
+
+/// The pause keeps the two signals apart.
+void interruptTwice(Terminal& terminal) {
+    terminal.type(kControlC);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    terminal.type(kControlC);
+}
+
+class OrvhostInterruptTest : public testing::Test {
+protected:
+    std::vector<std::string> withMany() const {
+        return {"-I",        "models", "-m",
+                "site",      "-d",     mDirectory.file("many.json", manyMasts()),
+                "--history", ""};
+    }
+
+    /// A file whose reader waits until somebody writes.
+    std::string pipe() const {
+        std::string path = (mDirectory.path() / "pipe").string();
+        EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+        return path;
+    }
+
+    /// Waits until a file is being written.
+    bool waitForTemporary() const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (std::chrono::steady_clock::now() < deadline) {
+            for (const auto& entry : std::filesystem::directory_iterator(mDirectory.path())) {
+                if (entry.path().extension() == ".tmp") {
+                    return true;
+                }
+            }
+            std::this_thread::yield();
+        }
+        return false;
+    }
+
+    TemporaryDirectory mDirectory;
+};
+
+TEST_F(OrvhostInterruptTest, LongListing_Interrupted_StopsAndTransactionsStay) {
+    for (const std::string command : {"tree", "ls ManagedElement=1"}) {
+        Terminal terminal(withMany());
+        ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+        terminal.type("begin work\r");
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+        terminal.type("create ManagedElement=1,Mast=new\r");
+        ASSERT_TRUE(terminal.waitFor("created")) << terminal.seen();
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> "));
+        terminal.type(command + "\r");
+        ASSERT_TRUE(terminal.waitFor("Mast=m10")) << terminal.seen();
+        terminal.type(kControlC);
+        ASSERT_TRUE(terminal.waitFor(": cancelled")) << command;
+        EXPECT_THAT(terminal.seen(), testing::Not(HasSubstr("Mast=m19999"))) << command;
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+        terminal.type("exists ManagedElement=1,Mast=new\r");
+        EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> "));
+        terminal.type("abort\r");
+        ASSERT_TRUE(terminal.waitFor(kPrompt));
+        terminal.type("quit\r");
+        EXPECT_EQ(terminal.finish(), 0);
+    }
+}
+
+TEST_F(OrvhostInterruptTest, Save_Interrupted_KeepsTheOldFileAndTheSession) {
+    const std::string file = mDirectory.file("out.json", "old");
+    Terminal terminal(withMany());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("save " + file + "\r");
+    ASSERT_TRUE(waitForTemporary());
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor("save: cancelled")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    EXPECT_EQ(readFile(file), "old");
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptTest, SecondInterrupt_WhileACommandCannotStop_Asks) {
+    const std::string file = pipe();
+    Terminal terminal(withMany());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("load " + file + "\r");
+    ASSERT_TRUE(terminal.waitFor("\r\n"));
+    const int writer = open(file.c_str(), O_WRONLY); // waits until it is read
+    interruptTwice(terminal);
+    ASSERT_TRUE(terminal.waitFor("End orvhost?")) << terminal.seen();
+    terminal.type("n\r");
+    ASSERT_EQ(write(writer, "{}", 2), 2);
+    close(writer);
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("load " + file + "\r");
+    ASSERT_TRUE(terminal.waitFor("\r\n"));
+    const int again = open(file.c_str(), O_WRONLY);
+    interruptTwice(terminal);
+    ASSERT_TRUE(terminal.waitFor("End orvhost?")) << terminal.seen();
+    terminal.type("y\r");
+    EXPECT_EQ(terminal.finish(), -1); // by the signal
+    close(again);
+}
+
+TEST_F(OrvhostInterruptTest, SecondInterrupt_AtAnEmptyLine_Asks) {
+    Terminal terminal(withSite({"--history", ""}));
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor("End orvhost? [y/N] ")) << terminal.seen();
+    terminal.type("y\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptTest, Quit_WithOpenWrites_Asks) {
+    for (const std::string end : {"quit\r", "exit\r", kControlD}) {
+        Terminal terminal(withSite({"--history", ""}));
+        ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+        terminal.type("begin move\r");
+        ASSERT_TRUE(terminal.waitFor("orvhost[move]> ")) << terminal.seen();
+        terminal.type("delete ManagedElement=east,Mast=a\r");
+        ASSERT_TRUE(terminal.waitFor("deleted")) << terminal.seen();
+        ASSERT_TRUE(terminal.waitFor("orvhost[move]> "));
+        terminal.type(end);
+        ASSERT_TRUE(terminal.waitFor("lost at the end: move. End? [y/N] ")) << terminal.seen();
+        terminal.type("n\r");
+        ASSERT_TRUE(terminal.waitFor("orvhost[move]> ")) << terminal.seen();
+        terminal.type(end);
+        ASSERT_TRUE(terminal.waitFor("End? [y/N] ")) << terminal.seen();
+        terminal.type("y\r");
+        EXPECT_EQ(terminal.finish(), 0);
+    }
+}
+
+TEST_F(OrvhostInterruptTest, Command_OfTheShell_EndsByTheSignal) {
+    const std::string file = pipe();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        becomeOrvhost(withSite({"load", file}));
+    }
+    const int writer = open(file.c_str(), O_WRONLY);
+    kill(child, SIGINT);
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(writer);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
+}
+
+}
+}
