@@ -38,7 +38,7 @@ TEST(OrvhostShellTest, OptionOfTheProgram_AfterTheCommand_IsRefused) {
 TEST(OrvhostShellTest, TwoDashes_BeforeTheCommand_MakeAllWordsItsOwn) {
     const auto result = runOrvhost(withSite({"--", "expect", "output", "--json", ":", "ls"}));
     EXPECT_THAT(result.err, HasSubstr("expected: output \"--json\""));
-    EXPECT_EQ(runOrvhost(withSite({"--", "tree", "--depth", "0"})).out, "/ (1 below)\n");
+    EXPECT_EQ(runOrvhost(withSite({"--", "tree", "--depth", "0"})).out, "/ (8 below)\n");
 }
 
 TEST(OrvhostShellTest, UnknownOption_BeforeTheCommand_IsNamed) {

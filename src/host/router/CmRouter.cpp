@@ -32,6 +32,10 @@ std::optional<RuleCost> CmRouter::ruleCostOf(unsigned long txHandle) const {
     return mCore.transaction(txHandle)->ruleCost;
 }
 
+ChangeSet CmRouter::changesOf(unsigned long txHandle) const {
+    return mCore.transaction(txHandle)->store->changes();
+}
+
 void CmRouter::setAuthorLookup(AuthorLookup lookup) {
     mCore.setAuthorLookup(std::move(lookup));
 }

@@ -56,6 +56,10 @@ public:
     /// nothing if there was none. Throws HostError for an unknown transaction.
     std::optional<RuleCost> ruleCostOf(unsigned long txHandle) const;
 
+    /// What a commit of an open transaction would change. Throws HostError for an unknown
+    /// transaction.
+    ChangeSet changesOf(unsigned long txHandle) const;
+
     /// OrvOamSpiManagedObject_1_RouterId.
     OrvOamSpiManagedObject_1* getInterface1() { return mTable1.getInterface(); }
     /// OrvOamSpiManagedObject_3_RouterId.

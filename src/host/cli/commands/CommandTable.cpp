@@ -48,7 +48,7 @@ printed with their names. What is not set shows as -.
            .summary = "show an object with all that is below it",
            .details =
                R"(Without a DN, or with /, the whole tree is shown. --depth cuts it off below so many
-levels; what is below the cut is counted.
+levels; all that is below the cut is counted.
 )",
            .words = {WordKind::Dn},
            .options = {"--depth"},
@@ -197,6 +197,21 @@ refused. --dot gives the text that Graphviz draws. -o writes to a file.
            .words = {WordKind::Dn},
            .options = {"--classes", "--depth", "--limit", "--dot", "-o"},
            .run = runGraph},
+          {.name = "who",
+           .synopsis = "DN",
+           .summary = "list what refers to an object",
+           .details = "Prints the DN of each object that refers to it, and the attribute.\n",
+           .words = {WordKind::Dn},
+           .run = runWho},
+          {.name = "audit",
+           .synopsis = "[DN]",
+           .summary = "list references to objects that do not exist",
+           .details =
+               R"(Looks at the object and all below it; without a DN, or with /, at all objects. Prints
+the object, its attribute, and what it refers to; nothing if all is there.
+)",
+           .words = {WordKind::Dn},
+           .run = runAudit},
           {.name = "model",
            .synopsis = "[CLASS | --associations | --notes]",
            .summary = "show the classes, one class, all associations, or what the model leaves out",

@@ -31,6 +31,8 @@ void runSave(Session& session, Words words);
 void runLoad(Session& session, Words words);
 void runDiff(Session& session, Words words);
 void runGraph(Session& session, Words words);
+void runAudit(Session& session, Words words);
+void runWho(Session& session, Words words);
 void runModel(Session& session, Words words);
 void runComponents(Session& session, const Words& words);
 void runLog(Session& session, Words words);

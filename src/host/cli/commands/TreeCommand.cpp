@@ -88,9 +88,22 @@ private:
     unsigned long long countBelow(const std::string& dn) {
         unsigned long long below = 0;
         for (const std::string& className : childClasses(dn)) {
-            below += mSession.client().count(mTxHandle, dn, className);
+            if (childClassesOf(className).empty()) {
+                below += mSession.client().count(mTxHandle, dn, className);
+                continue;
+            }
+            mSession.client().forEachChild(mTxHandle, dn, className, [&](const std::string& name) {
+                below += 1 + countBelow(DnView(dn).child(className, name));
+                return true;
+            });
         }
         return below;
+    }
+
+    std::vector<std::string> childClassesOf(const std::string& className) const {
+        const auto moc = mSession.model().findClass(className);
+        return moc ? DnResolver(mSession.model()).childClasses(&mSession.model().classes[*moc])
+                   : std::vector<std::string>();
     }
 
     Session& mSession;

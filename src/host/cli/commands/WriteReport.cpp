@@ -3,6 +3,7 @@
 
 #include "WriteReport.h"
 
+#include "ReferenceReport.h"
 #include "cli/session/Session.h"
 
 namespace OrvHost {
@@ -18,13 +19,17 @@ void reportWrite(Session& session, JsonValue document, const std::string& word, 
 
 void reportEnd(Session& session, const std::string& command, const std::string& name,
                const std::string& word, const std::string& note) {
+    const std::vector<FoundReference> missing = session.takeMissing();
     if (!session.wantsJson()) {
-        session.out() << word << (note.empty() ? "" : "; ") << note << '\n';
+        session.out() << word << (note.empty() ? "" : "; ") << note << '\n' << hintOn(missing);
         return;
     }
     JsonValue document{{"command", command}, {"transaction", name}, {"outcome", word}};
     if (!note.empty()) {
         document["note"] = note;
+    }
+    if (!missing.empty()) {
+        document["missing"] = toJson(missing);
     }
     session.print(document);
 }

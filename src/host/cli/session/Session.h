@@ -7,11 +7,14 @@
 #include "base/Problem.h"
 #include "cli/output/ValueJson.h"
 #include "client/ClientSession.h"
+#include "client/ReferenceSearch.h"
 #include "runtime/LogSink.h"
 
 #include <memory>
 #include <ostream>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace OrvHost {
 
@@ -27,6 +30,13 @@ public:
         : ClientSession(host, clients), mLog(log), mOut(&out), mWantsJson(wantsJson) {}
 
     LogSink& log() { return mLog; }
+
+    /// As in ClientSession. Afterwards takeMissing() has the references to objects that do not
+    /// exist that the transaction brings.
+    void validate(const OpenTransactions::Entry& transaction);
+    std::string commit(const OpenTransactions::Entry& transaction);
+    /// Those of the latest validate or commit, once.
+    std::vector<FoundReference> takeMissing() { return std::exchange(mMissing, {}); }
 
     /// What the modules say but the model does not represent. Borrowed, as the constructor's
     /// arguments.
@@ -57,6 +67,7 @@ public:
 
 private:
     LogSink& mLog;
+    std::vector<FoundReference> mMissing;
     const std::vector<Problem>* mModelNotes = nullptr;
     std::shared_ptr<const YangSchema> mSchema;
     std::ostream* mOut;

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Session.h"
+
+namespace OrvHost {
+
+namespace {
+
+// A hint must not turn the answer of a transaction into a failure.
+std::vector<FoundReference> missingBy(Session& session, unsigned long txHandle,
+                                      const ChangeSet& changes) {
+    try {
+        return ReferenceSearch(session, txHandle).missingBy(changes);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+}
+
+void Session::validate(const OpenTransactions::Entry& transaction) {
+    ClientSession::validate(transaction);
+    mMissing = missingBy(*this, transaction.handle, host().router().changesOf(transaction.handle));
+}
+
+std::string Session::commit(const OpenTransactions::Entry& transaction) {
+    const ChangeSet changes = host().router().changesOf(transaction.handle);
+    std::string problems = ClientSession::commit(transaction);
+    const Host::ReadTransaction after(host());
+    mMissing = missingBy(*this, after.handle(), changes);
+    return problems;
+}
+
+}
