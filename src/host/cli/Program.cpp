@@ -112,8 +112,7 @@ private:
         Prompt prompt(completer, historyFile(mOptions));
         mInterpreter.echo(false); // the line is on the screen
         while (!mSession.isEnded()) {
-            const std::optional<std::string> line =
-                prompt.readLine(mSession.transactions().prompt());
+            const std::optional<std::string> line = prompt.readLine(mSession.prompt());
             if (prompt.wasInterrupted()) {
                 endAtSecondInterrupt(prompt);
             } else if (line) {

@@ -5,6 +5,7 @@
 
 #include "Commands.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/session/Session.h"
 #include "client/Suggestion.h"
 
 #include <algorithm>
@@ -53,6 +54,28 @@ levels; all that is below the cut is counted.
            .words = {WordKind::Dn},
            .options = {"--depth"},
            .run = runTree},
+          {.name = "find",
+           .synopsis = "[DN] CLASS[.ATTRIBUTE OP VALUE]",
+           .summary = "list objects of a class, or those with a value",
+           .details =
+               R"(Looks at the object and all below it; without a DN, where the session stands. OP is =, !=,
+<, <=, > or >=. In CLASS, and in VALUE after = and !=, * is any text and ? one character:
+  find Mast.height >= 30
+  find / *.userLabel = *pier*
+Of several values one must fit; for != none may be equal.
+)",
+           .words = {WordKind::DnOrClass, WordKind::AnyClass},
+           .run = runFind},
+          {.name = "cd",
+           .synopsis = "[DN]",
+           .summary = "go to an object; DNs can begin below it",
+           .details =
+               R"(Afterwards a DN whose first class can be below the object is below it. Others begin at
+the top level, and so does a DN with a / in front. A point is the object itself, .. the one
+above it: cd .., get ..,Mast=b height. Without a DN, or with /, cd goes to the top level.
+)",
+           .words = {WordKind::Dn},
+           .run = runGoTo},
           {.name = "begin",
            .synopsis = "[NAME]",
            .summary = "open a transaction and work in it",
@@ -153,6 +176,12 @@ it is aborted, and nothing of it is left.
            .takesCommand = true,
            .run = [this](Session& session,
                          Words words) { runExpect(*this, session, std::move(words)); }},
+          {.name = "source",
+           .synopsis = "FILE",
+           .summary = "run the commands of a script",
+           .details = "Stops at the first command that fails.\n",
+           .words = {WordKind::File},
+           .run = runSource},
           {.name = "save",
            .synopsis = "FILE [DN] [--format json|xml] [--config]",
            .summary = "write the objects to a file of instance data",
@@ -280,7 +309,7 @@ void CommandTable::run(Session& session, const std::vector<std::string>& words) 
             command.requireKnown(word);
         }
     }
-    command.run(session, Words({words.begin() + 1, words.end()}));
+    command.run(session, Words({words.begin() + 1, words.end()}, session.here()));
 }
 
 std::string CommandTable::usageOf(const std::string& name) const {

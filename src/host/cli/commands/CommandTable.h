@@ -20,6 +20,7 @@ enum class WordKind {
     ChildClass,  ///< class of children of the object named earlier
     Attribute,   ///< attribute of the object named earlier
     AnyClass,    ///< class of the model
+    DnOrClass,   ///< external DN of an object, or class of the model
     Command,     ///< name of a command
     Assignment,  ///< ATTRIBUTE=VALUE for the object named earlier
     Action,      ///< action of the object named earlier

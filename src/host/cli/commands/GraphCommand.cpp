@@ -41,7 +41,8 @@ GraphOptions parse(Words& words, const Model& model) {
     options.file = words.takeText("-o");
     options.depth = words.takeNumber("--depth").value_or(kNoLimit);
     options.limit = words.takeNumber("--limit").value_or(kObjects);
-    options.from = words.takeDnOrTop(model);
+    options.from =
+        options.wantsClasses ? words.takeOptional().value_or("") : words.takeDnOrHere(model);
     words.end();
     return options;
 }

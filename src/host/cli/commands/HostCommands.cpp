@@ -122,6 +122,25 @@ void runHelp(const CommandTable& table, Session& session, Words words) {
     }
 }
 
+void runGoTo(Session& session, Words words) {
+    const std::string dn = words.takeDnOrTop(session.model());
+    words.end();
+    if (!dn.empty()) {
+        session.requireObject(dn);
+    }
+    session.goTo(dn);
+    if (session.wantsJson()) {
+        session.print({{"command", "cd"}, {"dn", dn}});
+    } else {
+        session.out() << (dn.empty() ? "/" : dn) << '\n';
+    }
+}
+
+// The interpreter runs it: a script has lines, places and errors of its own.
+void runSource(Session&, Words) {
+    throw UsageError("a script cannot be a part of another command");
+}
+
 void runQuit(Session& session, const Words& words) {
     words.end();
     session.end();

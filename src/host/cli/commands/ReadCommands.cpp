@@ -41,7 +41,7 @@ void runExists(Session& session, Words words) {
 }
 
 void runCount(Session& session, Words words) {
-    const std::string dn = words.takeDnOrTop(session.model());
+    const std::string dn = words.takeDnOrHere(session.model());
     const auto oneClass = words.takeOptional();
     words.end();
     const ChildWalk walk(session, dn, oneClass);
@@ -82,7 +82,7 @@ void runGet(Session& session, Words words) {
 }
 
 void runList(Session& session, Words words) {
-    const std::string dn = words.takeDnOrTop(session.model());
+    const std::string dn = words.takeDnOrHere(session.model());
     const auto oneClass = words.takeOptional();
     words.end();
     const ChildWalk walk(session, dn, oneClass);

@@ -9,7 +9,7 @@
 namespace OrvHost {
 
 void runAudit(Session& session, Words words) {
-    const std::string dn = words.takeDnOrTop(session.model());
+    const std::string dn = words.takeDnOrHere(session.model());
     words.end();
     const std::vector<FoundReference> found = session.read(
         [&](unsigned long txHandle) { return ReferenceSearch(session, txHandle).missing(dn); });

@@ -115,7 +115,7 @@ private:
 
 void runTree(Session& session, Words words) {
     const std::uint64_t depth = words.takeNumber("--depth").value_or(kNoLimit);
-    const std::string dn = words.takeDnOrTop(session.model());
+    const std::string dn = words.takeDnOrHere(session.model());
     words.end();
     if (!dn.empty()) {
         session.requireObject(dn);

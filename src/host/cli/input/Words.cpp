@@ -3,8 +3,8 @@
 
 #include "Words.h"
 
+#include "Place.h"
 #include "cli/errors/CliErrors.h"
-#include "model/DnForm.h"
 
 #include <algorithm>
 #include <charconv>
@@ -56,12 +56,16 @@ std::optional<std::string> Words::takeOptional() {
 }
 
 std::string Words::takeDn(const Model& model) {
-    return shortDn(model, take("the DN"));
+    return fromTop(model, mHere, take("the DN"));
 }
 
 std::string Words::takeDnOrTop(const Model& model) {
     const std::string dn = takeOptional().value_or("");
-    return dn == "/" ? "" : shortDn(model, dn);
+    return dn.empty() ? dn : fromTop(model, mHere, dn);
+}
+
+std::string Words::takeDnOrHere(const Model& model) {
+    return mWords.empty() ? mHere : takeDnOrTop(model);
 }
 
 std::vector<std::string> Words::takeRest() {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace OrvHost {
@@ -17,7 +18,9 @@ namespace OrvHost {
 /// first.
 class Words {
 public:
-    explicit Words(std::vector<std::string> words) : mWords(std::move(words)) {}
+    /// \p here is the object at which the session stands: see fromTop.
+    explicit Words(std::vector<std::string> words, std::string here = {})
+        : mWords(std::move(words)), mHere(std::move(here)) {}
 
     /// True, the first time, if the option \p name is given.
     bool takeFlag(const std::string& name);
@@ -34,11 +37,15 @@ public:
     std::string take(const std::string& what);
     /// The next word, if there is one.
     std::optional<std::string> takeOptional();
-    /// The next word as a DN in the form that all commands show (see shortDn); throws UsageError if
-    /// there is none.
+    /// The next word without taking it; empty if there is none.
+    std::string peek() const { return mWords.empty() ? std::string() : mWords.front(); }
+    /// The next word as a DN from the top level, in the form that all commands show (see fromTop);
+    /// throws UsageError if there is none.
     std::string takeDn(const Model& model);
     /// The same; "/", an empty word and no word at all mean the top level.
     std::string takeDnOrTop(const Model& model);
+    /// The same, but no word at all means the object at which the session stands.
+    std::string takeDnOrHere(const Model& model);
     std::vector<std::string> takeRest();
 
     /// Throws UsageError if words are left, or if an option was not taken.
@@ -48,6 +55,7 @@ private:
     std::optional<std::string> takeAfter(const std::string& name, const std::string& what);
 
     std::vector<std::string> mWords;
+    std::string mHere;
 };
 
 /// \p text as a number; throws UsageError with \p what if it is not a number, or negative.

@@ -3,6 +3,8 @@
 
 #include "Session.h"
 
+#include "base/DnView.h"
+
 namespace OrvHost {
 
 namespace {
@@ -17,6 +19,15 @@ std::vector<FoundReference> missingBy(Session& session, unsigned long txHandle,
     }
 }
 
+}
+
+std::string Session::prompt() {
+    const std::string prompt = transactions().prompt();
+    if (mHere.empty()) {
+        return prompt;
+    }
+    return prompt.substr(0, prompt.rfind('>')) + " " + std::string(DnView(mHere).last().text()) +
+           "> ";
 }
 
 void Session::validate(const OpenTransactions::Entry& transaction) {

@@ -60,6 +60,13 @@ public:
     /// Commands print to \p out from now on. Returns where they printed before.
     std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
 
+    /// The object at which the session stands: an external DN from the top level; empty: at the top
+    /// level.
+    const std::string& here() const { return mHere; }
+    void goTo(const std::string& dn) { mHere = dn; }
+    /// The text before the user's input: shows the current transaction and that object's name.
+    std::string prompt();
+
     bool isEnded() const { return mIsEnded; }
     void end() { mIsEnded = true; }
     /// Takes end() back.
@@ -71,6 +78,7 @@ private:
     const std::vector<Problem>* mModelNotes = nullptr;
     std::shared_ptr<const YangSchema> mSchema;
     std::ostream* mOut;
+    std::string mHere;
     bool mWantsJson;
     bool mShowsRuleCost = false;
     bool mIsEnded = false;

@@ -5,11 +5,11 @@
 
 #include "base/DnView.h"
 #include "cli/commands/DataFile.h"
+#include "cli/input/Place.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
 #include "client/ErrorExplainer.h"
-#include "model/DnForm.h"
 
 #include <algorithm>
 #include <exception>
@@ -111,7 +111,7 @@ std::vector<std::string> Completer::candidates(std::vector<std::string> words) {
 std::vector<std::string> Completer::candidatesOf(WordKind kind,
                                                  const std::vector<std::string>& words) {
     const DnResolver resolver(mSession.model());
-    const ClassDef* moc = resolver.classOf(shortDn(mSession.model(), words[1]));
+    const ClassDef* moc = resolver.classOf(fromTop(mSession.model(), mSession.here(), words[1]));
     switch (kind) {
     case WordKind::Dn:
         return dns(words.back());
@@ -128,6 +128,12 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
         const ActionDef* action = moc != nullptr ? moc->findAction(words[2]) : nullptr;
         return action != nullptr ? assignments(action->parameters, words.back())
                                  : std::vector<std::string>();
+    }
+    case WordKind::DnOrClass: {
+        std::vector<std::string> result = dns(words.back());
+        const std::vector<std::string> classes = classNames(mSession.model());
+        result.insert(result.end(), classes.begin(), classes.end());
+        return result;
     }
     case WordKind::AnyClass:
         return classNames(mSession.model());
@@ -195,23 +201,38 @@ std::vector<std::string> Completer::values(const AttributeDef& def, const std::s
     }
 }
 
+// From the top level.
+std::string Completer::parentOf(DnView dn) const {
+    return dn.hasParent()
+               ? fromTop(mSession.model(), mSession.here(), std::string(dn.parent().text()))
+               : mSession.here();
+}
+
+void Completer::addClasses(DnView dn, const std::string& parent,
+                           std::vector<std::string>& result) const {
+    const DnResolver resolver(mSession.model());
+    const ClassDef* moc = resolver.classOf(parent);
+    if (parent.empty() || moc != nullptr) {
+        for (const std::string& className : resolver.childClasses(moc)) {
+            result.push_back(dn.parent().childPrefix(className));
+        }
+    }
+}
+
 // First the class of the last step with its "=", then the objects of that class.
 std::vector<std::string> Completer::dns(const std::string& word) {
     const DnView dn(word);
     // Asked in the short form, and offered in the form in which the word begins.
-    const std::string asked = shortDn(mSession.model(), word);
-    const std::string parent(DnView(asked).parent().text());
     std::vector<std::string> result;
     if (!dn.last().hasEquals()) {
-        const DnResolver resolver(mSession.model());
-        const ClassDef* moc = resolver.classOf(parent);
-        if (parent.empty() || moc != nullptr) {
-            for (const std::string& className : resolver.childClasses(moc)) {
-                result.push_back(dn.parent().childPrefix(className));
-            }
+        addClasses(dn, parentOf(dn), result);
+        if (!dn.hasParent() && !mSession.here().empty()) {
+            addClasses(dn, {}, result); // a DN can begin at the top level, too
         }
         return result;
     }
+    const std::string asked = fromTop(mSession.model(), mSession.here(), word);
+    const std::string parent(DnView(asked).parent().text());
     const std::string type(DnView(asked).last().type());
     mSession.read([&](unsigned long txHandle) {
         mSession.client().forEachChild(txHandle, parent, type, [&](const std::string& name) {

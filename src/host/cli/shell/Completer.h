@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_CLI_SHELL_COMPLETER_H
 #define ORV_HOST_CLI_SHELL_COMPLETER_H
 
+#include "base/DnView.h"
 #include "cli/commands/CommandTable.h"
 #include "model/Model.h"
 
@@ -38,6 +39,8 @@ private:
     std::vector<std::string> assignments(const std::vector<AttributeDef>& all,
                                          const std::string& word);
     std::vector<std::string> values(const AttributeDef& def, const std::string& typed);
+    std::string parentOf(DnView dn) const;
+    void addClasses(DnView dn, const std::string& parent, std::vector<std::string>& result) const;
     std::vector<std::string> dns(const std::string& word);
     static std::vector<std::string> files(const std::string& word);
 

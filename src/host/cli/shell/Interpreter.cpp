@@ -7,7 +7,16 @@
 #include "cli/input/ScriptReader.h"
 #include "cli/input/WordSplitter.h"
 
+#include <filesystem>
+#include <fstream>
+
 namespace OrvHost {
+
+namespace {
+
+constexpr int kMostScripts = 20;
+
+}
 
 ExitStatus Interpreter::runLine(const std::string& line, const std::string& place) {
     const SplitLine split = splitWords(line);
@@ -30,6 +39,9 @@ ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const st
     const std::string& name = words.front();
     try {
         mSession.cancellation().throwIfCancelled();
+        if (name == "source") {
+            return runSource(Words({words.begin() + 1, words.end()}));
+        }
         mCommands.run(mSession, words);
         mSession.out().flush();
         return ExitOk;
@@ -52,8 +64,26 @@ ExitStatus Interpreter::runScript(std::istream& script, const std::string& name,
     return first;
 }
 
+ExitStatus Interpreter::runSource(Words words) {
+    const std::string file = words.take("the FILE");
+    words.end();
+    if (mDepth == kMostScripts) {
+        throw AnswerError(file + ": more than " + std::to_string(kMostScripts) +
+                          " scripts run one another");
+    }
+    std::ifstream script(file);
+    std::error_code unknown;
+    if (!script || std::filesystem::is_directory(file, unknown)) {
+        throw AnswerError(file + ": cannot be read");
+    }
+    ++mDepth;
+    const ExitStatus status = runScript(script, file, false);
+    --mDepth;
+    return status;
+}
+
 void Interpreter::show(const std::string& line, bool isCommand) {
-    mSession.out() << (isCommand ? mSession.transactions().prompt() : "") << line << std::endl;
+    mSession.out() << (isCommand ? mSession.prompt() : "") << line << std::endl;
 }
 
 ExitStatus Interpreter::report(const std::string& command, const std::string& place,

@@ -42,6 +42,7 @@ public:
     ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing);
 
 private:
+    ExitStatus runSource(Words words);
     void show(const std::string& line, bool isCommand);
     ExitStatus report(const std::string& command, const std::string& place,
                       const std::exception_ptr& error);
@@ -50,6 +51,7 @@ private:
     const CommandTable& mCommands;
     std::ostream& mErrors;
     bool mEchoes = false;
+    int mDepth = 0; ///< of scripts that run scripts
 };
 
 }
