@@ -6,7 +6,9 @@
 #include "Program.h"
 
 #include <gmock/gmock.h>
+
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
 
 namespace SystemTest {
 namespace {
@@ -177,6 +179,32 @@ TEST_F(OrvhostCheckTest, Echo_OfAScript_ShowsLinesAsAtThePrompt) {
         runOnHarbour("# look\nbegin a\nexists ManagedElement=Harbour\n", {"--echo"});
     EXPECT_EQ(result.out, "# look\norvhost> begin a\ntransaction a\n"
                           "orvhost[a]> exists ManagedElement=Harbour\nyes\n");
+}
+
+TEST_F(OrvhostCheckTest, Quit_BeforeTheLastCommand_IsAFailure) {
+    const TemporaryDirectory directory;
+    const std::string early =
+        directory.file("early.orv", "exists ManagedElement=Harbour\nquit\n# end\nnonsense\n");
+    const std::string late = directory.file("late.orv", "exists ManagedElement=Harbour\nquit\n");
+    const auto result = runOrvhost(withHarbour({"check", early, late}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out,
+                testing::HasSubstr("early.orv:2: the scenario ends here, before the command in "
+                                   "line 4"));
+    EXPECT_THAT(result.out, testing::HasSubstr("2 scenarios, 1 failed"));
+}
+
+TEST_F(OrvhostCheckTest, Timeout_Exceeded_EndsTheScenarioAndOthersRun) {
+    const TemporaryDirectory directory;
+    const std::string pipe = (directory.path() / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string endless = directory.file("endless.orv", "log\nload " + pipe + "\n");
+    const std::string good = directory.file("good.orv", "exists ManagedElement=Harbour\n");
+    const auto result = runOrvhost(withHarbour({"check", "--timeout", "1", endless, good}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out,
+                testing::HasSubstr("endless.orv:2: not done after 1 seconds, the limit of"));
+    EXPECT_THAT(result.out, testing::HasSubstr("2 scenarios, 1 failed"));
 }
 
 /// The output of the demo in the README.

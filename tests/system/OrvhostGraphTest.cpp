@@ -142,7 +142,7 @@ TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph -o", 2), HasSubstr("-o needs a text"));
     EXPECT_THAT(errorOf("graph / more", 2), HasSubstr("one word too many"));
     EXPECT_THAT(errorOf("graph -o no/such/directory/x.svg", 1),
-                HasSubstr("x.svg: cannot be written"));
+                HasSubstr("x.svg: no file can be made in this directory: No such file"));
 }
 
 TEST(OrvhostGraphTest, DotMissing_IsReportedWithAWorkaround) {

@@ -64,7 +64,8 @@ TEST(OrvhostLossTest, ReportFile_DiskFull_IsAnError) {
     const auto result =
         runOrvhost(withHarbour({"--report", "junit", "--report-file", kFull, "check", scenario}));
     EXPECT_EQ(result.status, 3);
-    EXPECT_EQ(result.err, "orvhost: /dev/full: cannot be written to its end\n");
+    EXPECT_EQ(result.err,
+              "orvhost: /dev/full: cannot be written to its end: No space left on device\n");
 }
 
 TEST(OrvhostLossTest, LogFile_DiskFull_IsReported) {

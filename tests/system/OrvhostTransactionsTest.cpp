@@ -49,6 +49,19 @@ TEST(OrvhostTransactionsTest, Abort_AfterWrites_LeavesNothing) {
     EXPECT_EQ(after.status, 0) << after.err;
 }
 
+TEST(OrvhostTransactionsTest, Validate_VeryManyValues_TellsTheFirstAndTheNumber) {
+    std::string script = "begin\n";
+    for (int unit = 11; unit < 23; ++unit) {
+        script += "create ManagedElement=Harbour,Equipment=1,RadioUnit=" + std::to_string(unit) +
+                  " antennaRef=ManagedElement=Harbour,Equipment=1,AntennaUnit=1,Antenna=2\n";
+    }
+    const auto result = runOnHarbour(script + "validate\n");
+    EXPECT_THAT(result.err, HasSubstr("RadioUnit=18\n               ... and 4 more\n"));
+    EXPECT_THAT(result.err, Not(HasSubstr("RadioUnit=19")));
+    const auto document = runOnHarbour(script + "validate\n", {"--json"});
+    EXPECT_THAT(document.out, HasSubstr("RadioUnit=22\""));
+}
+
 TEST(OrvhostTransactionsTest, Validate_Violation_TellsObjectValueAndBounds) {
     const auto result = runOnHarbour("begin break\n" + overload() + "validate\nabort\n");
     EXPECT_EQ(result.err,

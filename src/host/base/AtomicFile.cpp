@@ -112,8 +112,32 @@ void AtomicFile::replace() {
 }
 
 void AtomicFile::fail(const char* what, int error) const {
-    throw FileError(mFile.string() + ": " + what +
-                    (error != 0 ? ": " + std::generic_category().message(error) : ""));
+    errno = error;
+    throw FileError(fileErrorText(mFile, what));
+}
+
+void writeWholeFile(const fs::path& file, const std::string& text) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(file, ignored);
+    if (!fs::exists(status) || fs::is_regular_file(status)) {
+        AtomicFile whole(file);
+        whole.out() << text;
+        whole.replace();
+        return;
+    }
+    errno = 0;
+    std::ofstream out(file, std::ios::binary);
+    out << text;
+    out.close();
+    if (!out) {
+        throw FileError(fileErrorText(file, "cannot be written"));
+    }
+}
+
+std::string fileErrorText(const fs::path& file, const std::string& what) {
+    const int error = errno;
+    return file.string() + ": " + what +
+           (error != 0 ? ": " + std::generic_category().message(error) : "");
 }
 
 }

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <ostream>
 #include <stdexcept>
+#include <string>
 
 namespace OrvHost {
 
@@ -51,6 +52,13 @@ private:
     int mDescriptor = -1;             ///< of the temporary file, beside that of mOut
     std::ofstream mOut;
 };
+
+/// Writes \p text to \p file, as AtomicFile does it; to something that is no regular file, such as
+/// a pipe or a device, directly. Throws FileError.
+void writeWholeFile(const std::filesystem::path& file, const std::string& text);
+
+/// "FILE: WHAT: the reason", with the reason of the latest call of the system that failed.
+std::string fileErrorText(const std::filesystem::path& file, const std::string& what);
 
 }
 

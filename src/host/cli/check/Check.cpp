@@ -5,8 +5,10 @@
 
 #include "CheckReport.h"
 #include "ScenarioProcess.h"
+#include "base/AtomicFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 
 namespace OrvHost {
@@ -24,9 +26,10 @@ public:
             mReports.push_back(makeReport(format, out));
             return;
         }
+        errno = 0;
         mFile.open(options.reportFile);
         if (!mFile) {
-            throw LoadError(options.reportFile + ": cannot be opened for writing");
+            throw LoadError(fileErrorText(options.reportFile, "cannot be opened for writing"));
         }
         mReports.push_back(makeReport(format, mFile));
         mReports.push_back(makeReport(options.json ? "json" : "text", out));
@@ -40,9 +43,10 @@ public:
     }
 
     void end() {
+        errno = 0;
         forEach([](CheckReport& report) { report.end(); });
         if (mFile.is_open() && !mFile.flush()) {
-            throw LoadError(mFileName + ": cannot be written to its end");
+            throw LoadError(fileErrorText(mFileName, "cannot be written to its end"));
         }
     }
 

@@ -26,16 +26,20 @@ std::string attribute(const std::string& name, const std::string& value) {
     return " " + name + "=\"" + escapeXml(value) + "\"";
 }
 
+// Readers of the format expect at most one for each case.
 std::string failuresXml(const ScenarioResult& result) {
     const std::string element = result.isBroken ? "error" : "failure";
-    std::string text;
-    for (const ScenarioFailure& failure : result.failures) {
-        const std::string place = result.placeOf(failure) + ": ";
-        text.append("      <").append(element);
-        text.append(attribute("message", place + firstLine(failure.text))).append(">");
-        text.append(escapeXml(place + failure.text)).append("</").append(element).append(">\n");
+    std::string message =
+        result.placeOf(result.failures.front()) + ": " + firstLine(result.failures.front().text);
+    if (result.failures.size() > 1) {
+        message += " (and " + std::to_string(result.failures.size() - 1) + " more)";
     }
-    return text;
+    std::string all;
+    for (const ScenarioFailure& failure : result.failures) {
+        all += (all.empty() ? "" : "\n") + result.placeOf(failure) + ": " + failure.text;
+    }
+    return "      <" + element + attribute("message", message) + ">" + escapeXml(all) + "</" +
+           element + ">\n";
 }
 
 std::string caseXml(const ScenarioResult& result) {

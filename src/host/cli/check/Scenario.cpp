@@ -28,8 +28,10 @@ void runLines(const Options& options, Session& session, std::istream& script,
     std::ostringstream errors;
     Interpreter interpreter(session, commands, errors);
     ScriptReader reader(script);
+    int last = 0;
     while (!session.isEnded() && reader.next()) {
         atLine(reader.number());
+        last = reader.number();
         result.commands += splitWords(reader.line()).words.empty() ? 0 : 1;
         errors.str({});
         if (interpreter.runLine(reader.line()) == ExitOk) {
@@ -38,6 +40,13 @@ void runLines(const Options& options, Session& session, std::istream& script,
         result.failures.push_back({reader.number(), withoutLineEnd(errors.str())});
         if (!options.keepGoing) {
             return;
+        }
+    }
+    // What comes after a quit would be left out, and nobody would notice.
+    while (session.isEnded() && result.isPassed() && reader.next()) {
+        if (!splitWords(reader.line()).words.empty()) {
+            result.failures.push_back({last, "the scenario ends here, before the command in line " +
+                                                 std::to_string(reader.number())});
         }
     }
     if (result.commands == 0 && result.isPassed()) {

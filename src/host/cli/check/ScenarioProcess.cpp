@@ -7,6 +7,7 @@
 #include "cli/errors/CliErrors.h"
 #include "cli/output/ValueJson.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -15,6 +16,7 @@
 #include <iostream>
 #include <system_error>
 
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,6 +24,8 @@
 namespace OrvHost {
 
 namespace {
+
+constexpr std::chrono::milliseconds kLongestWait{60000};
 
 [[noreturn]] void failWith(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -56,10 +60,17 @@ public:
         }
     }
 
-    std::string readAll() const {
+    using Clock = std::chrono::steady_clock;
+
+    /// All that is written until the end, or until \p deadline; \p isInTime receives which.
+    std::string readUntil(Clock::time_point deadline, bool& isInTime) const {
         std::string text;
         char buffer[4096];
         for (;;) {
+            isInTime = waitUntil(deadline);
+            if (!isInTime) {
+                return text;
+            }
             const ssize_t count = ::read(mEnds[0], buffer, sizeof buffer);
             if (count == 0) {
                 return text;
@@ -73,6 +84,27 @@ public:
     }
 
 private:
+    /// True as soon as there is something to read.
+    bool waitUntil(Clock::time_point deadline) const {
+        for (;;) {
+            const auto rest =
+                std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+            const bool isLong = rest > kLongestWait;
+            const auto wait = isLong ? kLongestWait : std::max(rest, std::chrono::milliseconds(0));
+            pollfd waiting{mEnds[0], POLLIN, 0};
+            const int count = poll(&waiting, 1, static_cast<int>(wait.count()));
+            if (count < 0 && errno != EINTR) {
+                failWith("poll");
+            }
+            if (count != 0) {
+                return true;
+            }
+            if (!isLong) {
+                return false;
+            }
+        }
+    }
+
     void closeEnd(int end) {
         if (mEnds[end] >= 0) {
             close(mEnds[end]);
@@ -177,6 +209,16 @@ ScenarioResult resultOf(const std::string& file, const ProcessReport& report, in
 
 }
 
+namespace {
+
+std::chrono::steady_clock::time_point deadlineOf(const Options& options,
+                                                 std::chrono::steady_clock::time_point start) {
+    return options.checkSeconds == 0 ? std::chrono::steady_clock::time_point::max()
+                                     : start + std::chrono::seconds(options.checkSeconds);
+}
+
+}
+
 ScenarioResult runScenarioProcess(const Options& options, const std::string& file) {
     const auto start = std::chrono::steady_clock::now();
     // Otherwise both processes would print the text that is still in the buffer.
@@ -193,8 +235,19 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
     // Reading ends when the last writer has closed its end. It must come before waiting, because a
     // child that writes into a full pipe does not end.
     pipe.closeWriter();
-    const ProcessReport report = parseReport(pipe.readAll());
-    ScenarioResult result = resultOf(file, report, waitFor(child));
+    bool isInTime = true;
+    const ProcessReport report = parseReport(pipe.readUntil(deadlineOf(options, start), isInTime));
+    ScenarioResult result;
+    if (isInTime) {
+        result = resultOf(file, report, waitFor(child));
+    } else {
+        kill(child, SIGKILL);
+        waitFor(child);
+        result.name = file;
+        result.failures.push_back({report.lastLine, "not done after " +
+                                                        std::to_string(options.checkSeconds) +
+                                                        " seconds, the limit of --timeout"});
+    }
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return result;

@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 
+#include "base/AtomicFile.h"
 #include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/errors/UnknownClass.h"
@@ -14,7 +15,6 @@
 #include "client/OfferedModel.h"
 
 #include <cstdint>
-#include <fstream>
 #include <limits>
 #include <optional>
 
@@ -107,15 +107,6 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
             {{"classes", graph.classes()}, {"associations", graph.associations()}}};
 }
 
-void write(const std::string& file, const std::string& text) {
-    std::ofstream out(file, std::ios::binary);
-    out << text;
-    out.close();
-    if (!out) {
-        throw AnswerError(file + ": cannot be written");
-    }
-}
-
 // Ctrl-C at a terminal reaches the program that draws, too.
 std::string render(Session& session, const std::string& dot) {
     try {
@@ -129,7 +120,7 @@ std::string render(Session& session, const std::string& dot) {
 void print(Session& session, const GraphOptions& options, const Drawing& drawing,
            const std::string& text) {
     if (options.file) {
-        write(*options.file, text);
+        writeWholeFile(*options.file, text);
     }
     if (session.wantsJson()) {
         JsonValue document{{"command", "graph"}};

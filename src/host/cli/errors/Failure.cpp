@@ -15,6 +15,8 @@ namespace OrvHost {
 
 namespace {
 
+constexpr std::size_t kMostValues = 10;
+
 constexpr OrvReturnT kCodes[] = {OrvOk,
                                  OrvNotActive,
                                  OrvFailure,
@@ -66,6 +68,17 @@ JsonValue foundJson(const Violation& violation) {
     return values != nullptr ? toJson(*values) : JsonValue(std::get<std::string>(violation.found));
 }
 
+/// For people: the first of many values, and how many more there are.
+JsonValue shortened(JsonValue details) {
+    const auto found = details.find("found");
+    if (found != details.end() && found->is_array() && found->size() > kMostValues) {
+        const std::size_t more = found->size() - kMostValues;
+        found->erase(found->begin() + static_cast<std::ptrdiff_t>(kMostValues), found->end());
+        found->push_back("... and " + std::to_string(more) + " more");
+    }
+    return details;
+}
+
 JsonValue detailsOf(const Violation& violation) {
     JsonValue details = JsonValue::object();
     if (violation.object) {
@@ -88,7 +101,8 @@ std::string toText(const RefusalError& refusal) {
     std::string text = (name.empty() ? "not committed: " : "transaction " + name + ": ") +
                        codeText(refusal.outcome().code);
     for (const Violation& violation : refusal.violations()) {
-        text += "\n  host: " + violation.message + "\n" + layOut(detailsOf(violation), 4);
+        text +=
+            "\n  host: " + violation.message + "\n" + layOut(shortened(detailsOf(violation)), 4);
         text.erase(text.find_last_not_of('\n') + 1);
     }
     const bool isCommit = refusal.what() == std::string("commit");

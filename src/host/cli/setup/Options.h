@@ -46,6 +46,7 @@ struct Options {
     std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands
     std::string reportFormat;           ///< of `check`; empty: not given
     std::string reportFile;             ///< empty: standard output
+    unsigned int checkSeconds = 600;    ///< the limit of each scenario; 0: none
 
     bool isServer = false;                  ///< `serve`, which cannot be combined with commands
     std::optional<std::string> netconfSsh;  ///< ADDRESS:PORT

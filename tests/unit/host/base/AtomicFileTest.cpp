@@ -153,6 +153,20 @@ TEST_F(AtomicFileTest, Replace_NoMoreSpace_FailsAndLeavesTheOldFile) {
     EXPECT_EQ(files(), 1U);
 }
 
+TEST_F(AtomicFileTest, WriteWhole_FileOrDevice_IsWrittenOrSaysWhy) {
+    existing("a");
+    writeWholeFile(path("a"), "new");
+    EXPECT_EQ(textOf(path("a")), "new");
+    EXPECT_EQ(files(), 1U);
+    EXPECT_NO_THROW(writeWholeFile("/dev/null", "text"));
+    try {
+        writeWholeFile("/dev/full", "text");
+        ADD_FAILURE() << "/dev/full was written";
+    } catch (const FileError& failure) {
+        EXPECT_STREQ(failure.what(), "/dev/full: cannot be written: No space left on device");
+    }
+}
+
 TEST_F(AtomicFileTest, Constructor_PlaceThatCannotBeWritten_SaysWhy) {
     EXPECT_THAT(errorOf(path("none") / "a"),
                 StartsWith((path("none") / "a").string() + ": no file can be made in this"));

@@ -89,6 +89,15 @@ TEST(CheckReportTest, JUnit_PassedFailedAndBroken_AreCountedAndEscaped) {
         "</testsuites>\n");
 }
 
+TEST(CheckReportTest, JUnit_SeveralFailures_AreOneElement) {
+    ScenarioResult result = failed();
+    result.failures.push_back({9, "get: no"});
+    const std::string report = reported("junit", {result});
+    EXPECT_THAT(report, testing::HasSubstr("expect: &lt;get&gt; (and 1 more)\">"));
+    EXPECT_THAT(report, testing::HasSubstr("&#10;bad#1.orv:9: get: no</failure>"));
+    EXPECT_EQ(report.find("<failure "), report.rfind("<failure "));
+}
+
 TEST(CheckReportTest, Json_EachScenario_IsADocument) {
     const JsonValue document = JsonValue::parse(reported("json", {failed()}));
     EXPECT_EQ(document["scenario"], "bad#1.orv");
