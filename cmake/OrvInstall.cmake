@@ -3,7 +3,8 @@
 
 # What is installed: the component and the helper library; in one directory, the headers that an
 # interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
-# reference host also orvhost and the models of the examples.
+# reference host also orvhost and the generator of data with their manual pages and completions, and
+# the models of the examples.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
@@ -45,8 +46,17 @@ install(FILES "${PROJECT_BINARY_DIR}/orv_ext_cm.pc"
 
 if(TARGET orvhost)
   file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-  set_target_properties(orvhost PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-  install(TARGETS orvhost RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  set_target_properties(orvhost orv-ran-generate PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  install(TARGETS orvhost orv-ran-generate RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.1"
+    "${PROJECT_SOURCE_DIR}/examples/generator/orv-ran-generate.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+  install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.bash"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME orvhost)
+  install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/_orvhost"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+  install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.fish"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
   foreach(directory IN ITEMS examples/models src/host/yang/modules)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${data_dir}/models"
       FILES_MATCHING PATTERN "*.yang")

@@ -168,7 +168,8 @@ TEST(OrvhostCommandsTest, Log_ToAFileInJson_LeavesStandardErrorAlone) {
 
 TEST(OrvhostCommandsTest, Help_AllAndOne_TellUsage) {
     const auto result = runCommands({"help", "help tree"});
-    EXPECT_THAT(result.out, AllOf(HasSubstr("get DN [ATTRIBUTE...]"), HasSubstr("tree [DN]")));
+    EXPECT_THAT(result.out,
+                AllOf(HasSubstr("\nget           read attributes"), HasSubstr("tree [DN]")));
     EXPECT_THAT(result.out, HasSubstr("--depth cuts it off"));
 }
 

@@ -102,8 +102,8 @@ TEST_F(OrvhostKeysTest, Tab_AfterADnWithTheKey_CompletesAndOffersTheKey) {
     terminal.type("get Site.id=1,An\t");
     ASSERT_TRUE(terminal.waitFor("tenna=")) << terminal.seen();
     terminal.type("\t");
-    ASSERT_TRUE(terminal.waitFor("1 ")) << terminal.seen();
-    terminal.type("i\t");
+    ASSERT_TRUE(terminal.waitFor("1")) << terminal.seen();
+    terminal.type(" i\t");
     ASSERT_TRUE(terminal.waitFor("d ")) << terminal.seen();
     terminal.type("\r");
     EXPECT_TRUE(terminal.waitFor("\n1\r\n")) << terminal.seen();

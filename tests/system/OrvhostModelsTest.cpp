@@ -282,8 +282,8 @@ TEST_F(OrvhostClassNamesTest, Tab_CompletesTheNames) {
     terminal.type("get ManagedElement=east,co\t");
     ASSERT_TRUE(terminal.waitFor("re:Cell=")) << terminal.seen();
     terminal.type("\t");
-    ASSERT_TRUE(terminal.waitFor("a ")) << terminal.seen();
-    terminal.type("core:\t");
+    ASSERT_TRUE(terminal.waitFor("a")) << terminal.seen();
+    terminal.type(" core:\t");
     ASSERT_TRUE(terminal.waitFor("CellId")) << terminal.seen();
     terminal.type("\r");
     EXPECT_TRUE(terminal.waitFor("\na\r\n")) << terminal.seen();

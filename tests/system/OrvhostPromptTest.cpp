@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 namespace SystemTest {
 namespace {
 
@@ -58,7 +60,7 @@ TEST_F(OrvhostPromptTest, Tab_OneCandidate_CompletesTheWord) {
     terminal.type("Man\t");
     ASSERT_TRUE(terminal.waitFor("agedElement=")) << terminal.seen();
     terminal.type("\t");
-    ASSERT_TRUE(terminal.waitFor("east ")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("east")) << terminal.seen();
     terminal.type("\r");
     EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
     ASSERT_TRUE(terminal.waitFor(kPrompt));
@@ -141,6 +143,88 @@ TEST_F(OrvhostPromptTest, ControlC_OnALine_GivesItUpAndGoesOn) {
     ASSERT_TRUE(terminal.waitFor(kPrompt));
     terminal.type(kControlD);
     EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Greeting_AtTheStart_TellsWhatIsLoaded) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    EXPECT_THAT(terminal.seen(), HasSubstr(" classes of site, power; "));
+    EXPECT_THAT(terminal.seen(), HasSubstr("components: OrvOamSpiExtCmRouterService; 'help'"));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Paste_WithTabs_CompletesNothing) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("\x1b[200~count\tManagedElement=east\tMast\x1b[201~");
+    ASSERT_TRUE(terminal.waitFor("Mast")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("\n2\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("exi\t"); // completion is back
+    ASSERT_TRUE(terminal.waitFor("sts ")) << terminal.seen();
+    terminal.type("/\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_MoreNamesThanFit_TellsHowMany) {
+    std::string data = R"({"site:ManagedElement": [{"managedElementId": "1", "Mast": [)";
+    for (int mast = 0; mast < 300; ++mast) {
+        data +=
+            (mast == 0 ? "" : ",") + std::string(R"({"mastId": "m)") + std::to_string(mast) + "\"}";
+    }
+    Terminal terminal({"-I", "models", "-m", "site", "-d",
+                       mDirectory.file("many.json", data + "]}]}"), "--history", ""});
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("exists ManagedElement=1,Mast=m\t");
+    ASSERT_TRUE(terminal.waitFor("and 100 more")) << terminal.seen();
+    terminal.type("299\t\r"); // one of those that are not shown
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Pager_OutputLongerThanTheScreen_GetsIt) {
+    Terminal terminal(arguments(), "sed 's/^/paged: /'");
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("help\r");
+    ASSERT_TRUE(terminal.waitFor("paged: tree ")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("exists ManagedElement=east\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("nonsense\r");
+    EXPECT_TRUE(terminal.waitFor("nonsense: there is no command")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Pager_LeftAtOnce_KeepsTheSession) {
+    Terminal terminal(arguments(), "true");
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("help\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("exists ManagedElement=east\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+}
+
+TEST_F(OrvhostPromptTest, Error_OnATerminal_IsRedUnlessNoColourIsWanted) {
+    {
+        Terminal terminal(arguments());
+        ASSERT_TRUE(terminal.waitFor(kPrompt));
+        terminal.type("nonsense\r");
+        EXPECT_TRUE(terminal.waitFor("\x1b[31mnonsense: ")) << terminal.seen();
+    }
+    setenv("NO_COLOR", "1", 1);
+    Terminal terminal(arguments());
+    unsetenv("NO_COLOR");
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("nonsense\r");
+    EXPECT_TRUE(terminal.waitFor("\nnonsense: ")) << terminal.seen();
 }
 
 }

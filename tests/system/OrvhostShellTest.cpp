@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 namespace SystemTest {
 namespace {
 
@@ -74,6 +76,33 @@ TEST(OrvhostShellTest, ByteOrderMark_InEveryFile_IsSkipped) {
     const auto result = runOrvhost({"-m", module, "-d", json, "-d", xml, "-f", script});
     EXPECT_EQ(result.out, "yes\nyes\n");
     EXPECT_EQ(result.status, 0) << result.err;
+}
+
+TEST(OrvhostShellTest, Help_WithoutAModel_IsGiven) {
+    EXPECT_THAT(runOrvhost({"help"}).out, HasSubstr("\ntree  "));
+    EXPECT_THAT(runOrvhost({"help", "tree"}).out, HasSubstr("tree [DN] [--depth N]\n"));
+    const auto unknown = runOrvhost({"help", "tee"});
+    EXPECT_THAT(unknown.err, HasSubstr("Did you mean tree?"));
+    EXPECT_EQ(unknown.status, 2);
+}
+
+TEST(OrvhostShellTest, Help_OfAllCommands_FitsEightyColumns) {
+    const auto all = runCommands({"help"});
+    std::istringstream lines(all.out);
+    std::vector<std::string> each;
+    for (std::string line; std::getline(lines, line);) {
+        each.push_back("help " + line.substr(0, line.find(' ')));
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+    each.erase(each.begin());
+    each.pop_back(); // the heading, and the line below the table
+    ASSERT_GT(each.size(), 20U);
+    const auto result = runCommands(each);
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::istringstream details(result.out);
+    for (std::string line; std::getline(details, line);) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
 }
 
 }

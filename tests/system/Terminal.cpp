@@ -24,7 +24,7 @@ constexpr int kPollMilliseconds = 100;
 
 }
 
-Terminal::Terminal(const std::vector<std::string>& arguments) {
+Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& pager) {
     winsize size{};
     size.ws_row = 24;
     size.ws_col = 200;
@@ -34,6 +34,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments) {
     }
     if (mChild == 0) {
         setenv("TERM", "vt100", 1);
+        setenv("PAGER", pager.c_str(), 1);
         becomeOrvhost(arguments);
     }
 }

@@ -14,7 +14,8 @@ namespace SystemTest {
 /// orvhost on a pseudo-terminal; the test types.
 class Terminal {
 public:
-    explicit Terminal(const std::vector<std::string>& arguments);
+    /// \p pager is the value of the variable PAGER; empty: there is none.
+    explicit Terminal(const std::vector<std::string>& arguments, const std::string& pager = {});
     /// Ends the program if it is still running.
     ~Terminal();
     Terminal(const Terminal&) = delete;

@@ -6,6 +6,7 @@
 #include "cli/check/Check.h"
 #include "cli/check/CheckReport.h"
 #include "cli/commands/CommandTable.h"
+#include "cli/commands/Commands.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/serve/Serve.h"
 #include "cli/session/InterruptGuard.h"
@@ -14,6 +15,7 @@
 #include "cli/setup/Options.h"
 #include "cli/shell/Completer.h"
 #include "cli/shell/Interpreter.h"
+#include "cli/shell/Pager.h"
 #include "cli/shell/Prompt.h"
 
 #include <chrono>
@@ -37,6 +39,15 @@ std::filesystem::path historyFile(const Options& options) {
     const char* home = std::getenv("HOME");
     return home != nullptr ? std::filesystem::path(home) / ".orvhost_history"
                            : std::filesystem::path();
+}
+
+template <class Items, class ToText>
+std::string listed(const Items& items, const ToText& toText) {
+    std::string text;
+    for (const auto& item : items) {
+        text += (text.empty() ? "" : ", ") + toText(item);
+    }
+    return text;
 }
 
 /// Runs what the options ask for, and keeps the first status that is not ExitOk.
@@ -111,12 +122,15 @@ private:
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
         mInterpreter.echo(false); // the line is on the screen
+        mInterpreter.colourErrors(wantsColour());
+        greet();
         while (!mSession.isEnded()) {
             const std::optional<std::string> line = prompt.readLine(mSession.prompt());
             if (prompt.wasInterrupted()) {
                 endAtSecondInterrupt(prompt);
             } else if (line) {
                 const InterruptGuard interrupts(mSession.cancellation());
+                const Pager pager(mSession);
                 mInterpreter.runLine(*line);
             } else {
                 mSession.end();
@@ -126,6 +140,32 @@ private:
             }
         }
         return ExitOk;
+    }
+
+    static bool wantsColour() {
+        // NOLINTBEGIN(concurrency-mt-unsafe): nothing sets variables
+        const char* no = std::getenv("NO_COLOR");
+        const char* terminal = std::getenv("TERM");
+        // NOLINTEND(concurrency-mt-unsafe)
+        const bool isPermitted = no == nullptr || *no == '\0';
+        return isPermitted && terminal != nullptr && std::string(terminal) != "dumb" &&
+               isatty(STDERR_FILENO) == 1;
+    }
+
+    // What is loaded, in two lines.
+    void greet() {
+        if (mSession.wantsJson()) {
+            return;
+        }
+        const auto name = [](const auto& one) { return one.name; };
+        const auto itself = [](const std::string& one) { return one; };
+        const std::size_t objects = mSession.host().store().size();
+        mSession.out() << "orvhost " ORVHOST_VERSION ": " << mSession.model().classes.size()
+                       << " classes" << (mOptions.models.empty() ? "" : " of ")
+                       << listed(mOptions.models, itself) << "; " << objects
+                       << (objects == 1 ? " object" : " objects") << "\ncomponents: "
+                       << listed(mSession.host().components().components(), name)
+                       << "; 'help' lists the commands\n";
     }
 
     // At an empty line, Ctrl-C has nothing to cancel; twice means that somebody wants to leave.
@@ -177,6 +217,12 @@ int statusWithOutput(int status) {
     return status == ExitOk ? ExitCommandError : status;
 }
 
+// Help needs no model.
+bool isHelpAlone(const Options& options) {
+    return options.models.empty() && options.commandLines.empty() && options.scripts.empty() &&
+           !options.words.empty() && options.words.size() <= 2 && options.words.front() == "help";
+}
+
 int runWithOptions(const Options& options) {
     try {
         if (!options.scenarios.empty()) {
@@ -185,13 +231,22 @@ int runWithOptions(const Options& options) {
         if (options.isServer) {
             return serve(options, std::cout);
         }
-        HostSetup setup(options, std::cerr);
         const CommandTable commands;
+        if (isHelpAlone(options)) {
+            const bool hasName = options.words.size() > 1;
+            printHelp(commands, hasName ? std::optional(options.words[1]) : std::nullopt,
+                      options.json, std::cout);
+            return ExitOk;
+        }
+        HostSetup setup(options, std::cerr);
         Session session(setup.host(), setup.clients(), setup.log(), std::cout, options.json);
         session.showRuleCost(options.yangRules);
         session.setModelNotes(setup.modelNotes());
         session.setSchema(setup.schema());
         return Run(options, session, commands).run();
+    } catch (const UsageError& failure) {
+        std::cerr << "orvhost: " << failure.what() << '\n';
+        return ExitUsage;
     } catch (const std::exception& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';
         return ExitLoad;

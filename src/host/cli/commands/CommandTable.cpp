@@ -243,7 +243,7 @@ the object, its attribute, and what it refers to; nothing if all is there.
            .run = runAudit},
           {.name = "model",
            .synopsis = "[CLASS | --associations | --notes]",
-           .summary = "show the classes, one class, all associations, or what the model leaves out",
+           .summary = "show classes, associations, or what the model leaves out",
            .details = "Attributes and associations are shown as the model repository has them.\n",
            .words = {WordKind::AnyClass},
            .options = {"--associations", "--notes"},

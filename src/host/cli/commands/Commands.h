@@ -6,6 +6,10 @@
 
 #include "CommandTable.h"
 
+#include <optional>
+#include <ostream>
+#include <string>
+
 namespace OrvHost {
 
 // The functions of the commands. CommandTable.cpp says what each does and how it is written.
@@ -41,6 +45,10 @@ void runComponents(Session& session, const Words& words);
 void runLog(Session& session, Words words);
 void runHelp(const CommandTable& table, Session& session, Words words);
 void runQuit(Session& session, const Words& words);
+
+/// The help on all commands, or on the one with that name; throws UsageError if there is none.
+void printHelp(const CommandTable& table, const std::optional<std::string>& name, bool wantsJson,
+               std::ostream& out);
 
 }
 

@@ -31,6 +31,7 @@ const char* stateText(ComponentState state) {
 }
 
 constexpr std::size_t kTailDefault = 20;
+constexpr std::size_t kHelpColumns = 80;
 
 void showLevel(Session& session) {
     const unsigned int level = Orv::LoggingWrapper::instance()->get_level();
@@ -98,28 +99,34 @@ void runLog(Session& session, Words words) {
     showLevel(session);
 }
 
+void printHelp(const CommandTable& table, const std::optional<std::string>& name, bool wantsJson,
+               std::ostream& out) {
+    JsonValue documents = JsonValue::array();
+    std::string text;
+    if (name) {
+        const Command& one = table.require(*name);
+        documents.push_back(toJson(one));
+        text = wrapped(one.usage(), kHelpColumns, 2) + one.summary + "\n" +
+               wrapped(one.details, kHelpColumns);
+    } else {
+        std::vector<std::vector<std::string>> rows;
+        for (const Command& command : table.all()) {
+            documents.push_back(toJson(command));
+            rows.push_back({command.name, command.summary});
+        }
+        text = layOutTable({"COMMAND", ""}, rows) + "'help COMMAND' shows how one is written.\n";
+    }
+    if (wantsJson) {
+        out << toLine({{"command", "help"}, {"commands", documents}}) << '\n';
+    } else {
+        out << text;
+    }
+}
+
 void runHelp(const CommandTable& table, Session& session, Words words) {
     const auto name = words.takeOptional();
     words.end();
-    JsonValue documents = JsonValue::array();
-    std::vector<std::vector<std::string>> rows;
-    for (const Command& command : table.all()) {
-        documents.push_back(toJson(command));
-        rows.push_back({command.usage(), command.summary});
-    }
-    if (name) {
-        const Command& one = table.require(*name);
-        documents = JsonValue::array({toJson(one)});
-        rows = {{one.usage(), one.summary}};
-    }
-    if (session.wantsJson()) {
-        session.print({{"command", "help"}, {"commands", documents}});
-        return;
-    }
-    session.out() << layOutTable({"COMMAND", ""}, rows);
-    if (name) {
-        session.out() << table.require(*name).details;
-    }
+    printHelp(table, name, session.wantsJson(), session.out());
 }
 
 void runGoTo(Session& session, Words words) {

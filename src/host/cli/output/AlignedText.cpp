@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 namespace OrvHost {
 
@@ -150,6 +151,34 @@ std::string layOutTable(const std::vector<std::string>& headings,
         text += line(row);
     }
     return text;
+}
+
+std::string wrapped(const std::string& text, std::size_t columns, std::size_t indent) {
+    std::string result;
+    std::string line; // of the paragraph, not ended yet
+    const auto endLine = [&] {
+        result += line.empty() ? "" : line + "\n";
+        line.clear();
+    };
+    std::istringstream lines(text);
+    for (std::string given; std::getline(lines, given);) {
+        if (given.empty() || given.front() == ' ') {
+            endLine();
+            result += given + "\n";
+            continue;
+        }
+        std::istringstream words(given);
+        for (std::string word; words >> word;) {
+            if (!line.empty() && width(line) + 1 + width(word) > columns) {
+                endLine();
+                line = std::string(indent, ' ') + word;
+            } else {
+                line += (line.empty() ? "" : " ") + word;
+            }
+        }
+    }
+    endLine();
+    return result;
 }
 
 }

@@ -26,6 +26,11 @@ std::string scalarText(const JsonValue& scalar);
 std::string layOutTable(const std::vector<std::string>& headings,
                         const std::vector<std::vector<std::string>>& rows);
 
+/// \p text in lines of at most \p columns, broken at blanks. Lines that begin with a blank stay as
+/// they are; others are joined to paragraphs first. Lines of a paragraph after its first one are
+/// indented by \p indent.
+std::string wrapped(const std::string& text, std::size_t columns, std::size_t indent = 0);
+
 }
 
 #endif

@@ -21,6 +21,8 @@ constexpr const char* kQuestion =
 std::atomic<CancellationToken*> theToken{nullptr};
 std::atomic<long long> theLastTime{-kNanosecondsPerSecond};
 
+std::atomic<bool> theQuestionIsWanted{true};
+
 long long now() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
@@ -56,7 +58,7 @@ extern "C" void cancelCommand(int) {
     }
     const long long time = now();
     const bool isSecond = time - theLastTime.exchange(time) < kNanosecondsPerSecond;
-    if (isSecond) {
+    if (isSecond && theQuestionIsWanted.load()) {
         if (isEndWanted()) {
             endProcess();
         }
@@ -74,6 +76,10 @@ InterruptGuard::InterruptGuard(CancellationToken& token) : mToken(token) {
     action.sa_handler = cancelCommand;
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, &mBefore);
+}
+
+void InterruptGuard::ask(bool wanted) {
+    theQuestionIsWanted = wanted;
 }
 
 InterruptGuard::~InterruptGuard() {

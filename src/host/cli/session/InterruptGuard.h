@@ -23,6 +23,10 @@ public:
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
+    /// Whether the second Ctrl-C asks, as it does at first. Not while another program has the
+    /// keyboard.
+    static void ask(bool wanted);
+
 private:
     CancellationToken& mToken;
     struct sigaction mBefore {};

@@ -19,8 +19,6 @@ namespace OrvHost {
 
 namespace {
 
-constexpr std::size_t kMostObjects = 200;
-
 bool beginsWith(const std::string& text, const std::string& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
@@ -75,11 +73,13 @@ Completion Completer::complete(const std::string& line) {
         split.starts.push_back(line.size());
     }
     Completion completion{split.starts.back(), {}};
+    mCanGoOn = false;
     try {
         completion.candidates = candidates(split.words);
     } catch (const std::exception&) {
         return {split.starts.back(), {}};
     }
+    completion.canGoOn = mCanGoOn;
     auto& all = completion.candidates;
     all.erase(std::remove_if(all.begin(), all.end(),
                              [&](const std::string& candidate) {
@@ -162,6 +162,7 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
 
 // The files of a directory, and its directories with a "/" at the end.
 std::vector<std::string> Completer::files(const std::string& word) {
+    mCanGoOn = true;
     const std::string directory = word.substr(0, word.rfind('/') + 1);
     std::vector<std::string> result;
     for (const auto& entry :
@@ -221,6 +222,7 @@ void Completer::addClasses(DnView dn, const std::string& parent,
 
 // First the class of the last step with its "=", then the objects of that class.
 std::vector<std::string> Completer::dns(const std::string& word) {
+    mCanGoOn = true;
     const DnView dn(word);
     // Asked in the short form, and offered in the form in which the word begins.
     std::vector<std::string> result;
@@ -234,10 +236,13 @@ std::vector<std::string> Completer::dns(const std::string& word) {
     const std::string asked = fromTop(mSession.model(), mSession.here(), word);
     const std::string parent(DnView(asked).parent().text());
     const std::string type(DnView(asked).last().type());
+    const std::string beginning(dn.last().value());
     mSession.read([&](unsigned long txHandle) {
         mSession.client().forEachChild(txHandle, parent, type, [&](const std::string& name) {
-            result.push_back(dn.parent().child(dn.last().type(), name));
-            return result.size() < kMostObjects;
+            if (beginsWith(name, beginning)) {
+                result.push_back(dn.parent().child(dn.last().type(), name));
+            }
+            return true;
         });
     });
     return result;

@@ -19,6 +19,7 @@ class Session;
 struct Completion {
     std::size_t start = 0;               ///< where the last word begins
     std::vector<std::string> candidates; ///< whole words, in order, unquoted
+    bool canGoOn = false;                ///< a candidate can be the beginning of a longer word
 };
 
 /// Completes commands, DNs, classes, attributes, their values, actions, transactions, files and
@@ -42,10 +43,11 @@ private:
     std::string parentOf(DnView dn) const;
     void addClasses(DnView dn, const std::string& parent, std::vector<std::string>& result) const;
     std::vector<std::string> dns(const std::string& word);
-    static std::vector<std::string> files(const std::string& word);
+    std::vector<std::string> files(const std::string& word);
 
     Session& mSession;
     const CommandTable& mCommands;
+    bool mCanGoOn = false;
 };
 
 /// The longest common prefix of \p words.

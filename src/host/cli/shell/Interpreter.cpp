@@ -15,6 +15,8 @@ namespace OrvHost {
 namespace {
 
 constexpr int kMostScripts = 20;
+constexpr const char* kRed = "\x1b[31m";
+constexpr const char* kPlain = "\x1b[0m";
 
 }
 
@@ -91,8 +93,9 @@ ExitStatus Interpreter::report(const std::string& command, const std::string& pl
     mSession.out().flush();
     Failure failure = FailureReader(mSession).read(mCommands.usageOf(command), error);
     if (!mSession.wantsJson()) {
-        mErrors << (place.empty() ? "" : place + ": ") << (command.empty() ? "" : command + ": ")
-                << failure.text << std::endl;
+        mErrors << (mColours ? kRed : "") << (place.empty() ? "" : place + ": ")
+                << (command.empty() ? "" : command + ": ") << failure.text
+                << (mColours ? kPlain : "") << std::endl;
         return failure.status;
     }
     if (!place.empty()) {

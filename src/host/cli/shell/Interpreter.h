@@ -30,6 +30,9 @@ public:
     /// comment are printed as they are. Not in JSON mode.
     void echo(bool wanted) { mEchoes = wanted && !mSession.wantsJson(); }
 
+    /// Whether errors in text are red.
+    void colourErrors(bool wanted) { mColours = wanted; }
+
     /// Runs one line; an empty one, or one with only a comment, gives ExitOk. \p place comes before
     /// errors, for example "file:12"; it may be empty.
     ExitStatus runLine(const std::string& line, const std::string& place = {});
@@ -51,6 +54,7 @@ private:
     const CommandTable& mCommands;
     std::ostream& mErrors;
     bool mEchoes = false;
+    bool mColours = false;
     int mDepth = 0; ///< of scripts that run scripts
 };
 

@@ -7,10 +7,12 @@
 #include "cli/input/WordSplitter.h"
 #include "cli/output/AlignedText.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cwchar>
 #include <system_error>
 
@@ -24,6 +26,13 @@ namespace OrvHost {
 namespace {
 
 constexpr int kHistoryLines = 1000;
+constexpr std::size_t kMostShown = 200;
+
+// A terminal that is asked for it marks what is pasted, between kPasteBegin and kPasteEnd.
+constexpr const char* kMarkPastes = "\x1b[?2004h";
+constexpr const char* kMarkNoPastes = "\x1b[?2004l";
+constexpr const char* kPasteBegin = "\\e[200~";
+constexpr const char* kPasteEnd = "\x1b[201~";
 
 void interruptReading(int) {}
 
@@ -108,11 +117,15 @@ public:
         // never free those.
         el_wset(mEditLine, EL_ADDFN, L"orv-complete", L"complete the word", &completeWord);
         el_set(mEditLine, EL_BIND, "^I", "orv-complete", nullptr);
+        el_wset(mEditLine, EL_ADDFN, L"orv-paste", L"take what is pasted", &beginPaste);
+        el_set(mEditLine, EL_BIND, kPasteBegin, "orv-paste", nullptr);
+        writeMark(kMarkPastes);
         loadHistory();
     }
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
     ~Editor() {
+        writeMark(kMarkNoPastes);
         saveHistory();
         history_end(mHistory);
         el_end(mEditLine);
@@ -165,7 +178,39 @@ private:
         return static_cast<Editor*>(self)->nextCharacter(*character);
     }
 
+    static void writeMark(const char* mark) {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing sets variables
+        const char* terminal = std::getenv("TERM");
+        if (terminal != nullptr && std::string(terminal) != "dumb") {
+            std::fputs(mark, stdout);
+            std::fflush(stdout);
+        }
+    }
+
+    static unsigned char beginPaste(EditLine* editLine, int) {
+        void* self = nullptr;
+        el_get(editLine, EL_CLIENTDATA, &self);
+        static_cast<Editor*>(self)->mIsPasting = true;
+        return CC_NORM;
+    }
+
+    // A tab that is pasted separates words, and completes nothing.
     int nextCharacter(wchar_t& character) {
+        int count = readWide(character);
+        if (mIsPasting && count == 1 && character == *kPasteEnd) {
+            for (const char* rest = kPasteEnd + 1; *rest != '\0' && count == 1; ++rest) {
+                count = readWide(character);
+            }
+            mIsPasting = false;
+            count = count == 1 ? readWide(character) : count;
+        }
+        if (mIsPasting && count == 1 && character == L'\t') {
+            character = L' ';
+        }
+        return count;
+    }
+
+    int readWide(wchar_t& character) {
         std::mbstate_t state{};
         for (;;) {
             char byte = 0;
@@ -203,7 +248,8 @@ private:
                                       ? ""
                                       : splitWords(line.substr(completion.start)).words.front();
         if (isOne || common.size() > typed.size()) {
-            replaceWord(line.size() - completion.start, common, isOne && common.back() != '=');
+            replaceWord(line.size() - completion.start, common,
+                        isOne && !completion.canGoOn && common.back() != '=');
             return CC_REFRESH;
         }
         showAll(completion.candidates);
@@ -217,8 +263,13 @@ private:
 
     static void showAll(const std::vector<std::string>& candidates) {
         std::fputs("\n", stdout);
-        for (const std::string& candidate : candidates) {
+        const std::size_t shown = std::min(candidates.size(), kMostShown);
+        for (std::size_t at = 0; at < shown; ++at) {
+            const std::string& candidate = candidates[at];
             std::fprintf(stdout, "%s  ", scalarText(JsonValue(shortForm(candidate))).c_str());
+        }
+        if (shown < candidates.size()) {
+            std::fprintf(stdout, "and %zu more", candidates.size() - shown);
         }
         std::fputs("\n", stdout);
         std::fflush(stdout);
@@ -248,6 +299,7 @@ private:
     History* mHistory;
     const KeyWait* mGuard = nullptr; ///< while a line is read
     bool mIsInterrupted = false;
+    bool mIsPasting = false;
 };
 
 Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
