@@ -16,6 +16,7 @@ build_packages=(
   libcli11-dev        # orvhost: options
   nlohmann-json3-dev  # orvhost: JSON output
   libedit-dev         # orvhost: line editing, history, completion
+  libtomlplusplus-dev # orvhost: project files
   graphviz            # orvhost: pictures
   libnetconf2-dev libssh-dev # orvhost: its NETCONF server; without them it is built without one
 )

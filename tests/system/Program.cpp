@@ -33,7 +33,7 @@ int waitFor(pid_t child) {
 }
 
 int run(const std::vector<std::string>& arguments, const std::string& in, const std::string& out,
-        const std::string& err) {
+        const std::string& err, const std::string& home = {}) {
     const pid_t child = fork();
     if (child < 0) {
         throw std::runtime_error("fork failed");
@@ -46,7 +46,11 @@ int run(const std::vector<std::string>& arguments, const std::string& in, const 
         } else {
             redirect(STDOUT_FILENO, out, O_WRONLY | O_TRUNC);
         }
-        becomeOrvhost(arguments);
+        if (home.empty()) {
+            becomeOrvhost(arguments);
+        }
+        setenv("HOME", home.c_str(), 1);
+        becomeOrvhost(arguments, home);
     }
     return waitFor(child);
 }
@@ -77,7 +81,8 @@ std::string readFile(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments) {
+[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments,
+                                const std::string& directory) {
     std::vector<std::string> words{ORVHOST_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
@@ -85,7 +90,7 @@ std::string readFile(const std::filesystem::path& path) {
         pointers.push_back(word.data());
     }
     pointers.push_back(nullptr);
-    if (chdir(TEST_DATA_DIR) == 0) {
+    if (chdir(directory.c_str()) == 0) {
         execv(ORVHOST_PROGRAM, pointers.data());
     }
     _exit(127);
@@ -97,6 +102,17 @@ ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::s
     const std::string out = directory.file("out", "");
     const std::string err = directory.file("err", "");
     const int status = run(arguments, in, out, err);
+    return {status, readFile(out), readFile(err)};
+}
+
+ProgramResult runOrvhostIn(const TemporaryDirectory& directory,
+                           const std::vector<std::string>& arguments) {
+    const TemporaryDirectory streams;
+    const std::string in = streams.file("in", "");
+    const std::string out = streams.file("out", "");
+    const std::string err = streams.file("err", "");
+    const std::string home = directory.path().string();
+    const int status = run(arguments, in, out, err, home);
     return {status, readFile(out), readFile(err)};
 }
 

@@ -36,6 +36,10 @@ private:
 /// Runs orvhost in the directory of test data until it ends.
 ProgramResult runOrvhost(const std::vector<std::string>& arguments, const std::string& input = {});
 
+/// The same in the folder of \p directory, which is also the home directory.
+ProgramResult runOrvhostIn(const TemporaryDirectory& directory,
+                           const std::vector<std::string>& arguments);
+
 /// The same, but its standard output goes to \p out, an existing file or device, or is closed if
 /// the path is empty. The output in the result stays empty.
 ProgramResult runOrvhostInto(const std::string& out, const std::vector<std::string>& arguments);
@@ -58,7 +62,8 @@ std::vector<std::string> withHarbour(const std::vector<std::string>& more);
 ProgramResult runOnHarbour(const std::string& script, const std::vector<std::string>& options = {});
 
 /// For the child process after fork: replaces the process by orvhost. Does not return.
-[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments);
+[[noreturn]] void becomeOrvhost(const std::vector<std::string>& arguments,
+                                const std::string& directory = TEST_DATA_DIR);
 
 std::string readFile(const std::filesystem::path& path);
 

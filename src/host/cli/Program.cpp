@@ -13,6 +13,7 @@
 #include "cli/session/Session.h"
 #include "cli/setup/HostSetup.h"
 #include "cli/setup/Options.h"
+#include "cli/setup/ProjectFile.h"
 #include "cli/shell/Completer.h"
 #include "cli/shell/Interpreter.h"
 #include "cli/shell/Pager.h"
@@ -223,8 +224,20 @@ bool isHelpAlone(const Options& options) {
            !options.words.empty() && options.words.size() <= 2 && options.words.front() == "help";
 }
 
+bool isInit(const Options& options) {
+    return options.words.size() == 1 && options.words.front() == "init";
+}
+
 int runWithOptions(const Options& options) {
     try {
+        if (isInit(options)) {
+            writeProjectTemplate();
+            std::cout << kProjectFile << " is written\n";
+            return ExitOk;
+        }
+        for (const std::string& note : options.notes) {
+            std::cerr << "orvhost: note: " << note << '\n';
+        }
         if (!options.scenarios.empty()) {
             return checkScenarios(options, std::cout);
         }

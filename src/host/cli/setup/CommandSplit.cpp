@@ -90,4 +90,24 @@ std::vector<std::string> withCommandApart(const CLI::App& app,
     return result;
 }
 
+GivenOptions givenOptions(const CLI::App& app, const std::vector<std::string>& arguments) {
+    GivenOptions given;
+    for (auto at = arguments.begin(); at != arguments.end() && isOptionWord(*at) && *at != "--";
+         ++at) {
+        const WrittenOption written = readOption(app, *at);
+        if (written.option == nullptr || written.option->get_lnames().empty()) {
+            continue;
+        }
+        std::string value;
+        if (written.hasValue) {
+            value = at->substr(written.name.size());
+            value.erase(0, value.front() == '=' ? 1 : 0);
+        } else if (takesValue(*written.option) && at + 1 != arguments.end()) {
+            value = *++at;
+        }
+        given["--" + written.option->get_lnames().front()] = value;
+    }
+    return given;
+}
+
 }

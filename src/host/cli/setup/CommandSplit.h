@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_CLI_SETUP_COMMANDSPLIT_H
 #define ORV_HOST_CLI_SETUP_COMMANDSPLIT_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,13 @@ namespace OrvHost {
 std::vector<std::string> withCommandApart(const CLI::App& app,
                                           const std::vector<std::string>& arguments,
                                           const std::vector<std::string>& verbs);
+
+/// Options with their values; that of a flag is empty.
+using GivenOptions = std::map<std::string, std::string>;
+
+/// The options of the program in \p arguments, before a command, under their long names. Of a
+/// repeated one the last value.
+GivenOptions givenOptions(const CLI::App& app, const std::vector<std::string>& arguments);
 
 }
 

@@ -5,6 +5,7 @@
 
 #include "CommandSplit.h"
 #include "DnUtil.h"
+#include "ProjectFile.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
 #include "client/Clients.h"
@@ -30,6 +31,8 @@ command, its own options after it:
 
   orvhost -I models -m ran-element -d network.json check --report junit scenarios/*.orv
 
+'init' in place of a command writes a template of a project file, orvhost.toml.
+
 'export FILE [DN]' in place of a command saves the data, as the command 'save' does:
 
   orvhost -I models -m ran-element -d network.json export network.xml
@@ -54,6 +57,15 @@ std::string whyNoFeatures(const std::string& text) {
     return colon != std::string::npos && colon > 0
                ? std::string()
                : "'" + text + "' names no module; MODULE:NAME,... was expected";
+}
+
+// projectSettings reads these two itself, before the others are parsed.
+void addProject(CLI::App& app, Options& options) {
+    app.add_option("--project", options.projectFile,
+                   "Project file, with options; empty for none. Without it, orvhost.toml in the "
+                   "working folder");
+    app.add_flag("--trust", options.trustsProject,
+                 "Let this orvhost.toml load components, now and later");
 }
 
 void addLoading(CLI::App& app, Options& options) {
@@ -235,6 +247,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         "orvhost");
     app.set_version_flag("--version", "orvhost " ORVHOST_VERSION);
     app.footer(kFooter);
+    addProject(app, options);
     addLoading(app, options);
     addLogging(app, options);
     addCommands(app, options);
@@ -243,11 +256,17 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     try {
         std::vector<std::string> words =
             withCommandApart(app, {arguments + 1, arguments + count}, {"check", "serve"});
+        ProjectSettings project = projectSettings(app, words);
+        words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
+        options.notes = std::move(project.notes);
         std::reverse(words.begin(), words.end()); // as the parser wants them
         app.parse(std::move(words));
         takeScenarios(options);
         takeExport(options);
         takeServer(app, options);
+    } catch (const ProjectError& failure) {
+        std::cerr << "orvhost: " << failure.what() << '\n';
+        return {std::nullopt, ExitUsage};
     } catch (const CLI::ParseError& end) {
         const int status = app.exit(end);
         return {std::nullopt, status == 0 ? ExitOk : ExitUsage};

@@ -15,6 +15,9 @@ namespace OrvHost {
 
 /// The options of orvhost.
 struct Options {
+    std::string projectFile;
+    bool trustsProject = false;
+    std::vector<std::string> notes;  ///< on where options came from, for people
     std::vector<std::string> models; ///< module names or files
     std::vector<std::filesystem::path> searchPath;
     std::vector<std::string> features; ///< "MODULE:NAME,..."

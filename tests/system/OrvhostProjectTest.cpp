@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Project files, and options from the environment.
+
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+namespace SystemTest {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kModel = "path = [\n  \"" TEST_DATA_DIR "/models\", # all\n]\n"
+                               "model = [\"site\", \"power\"]\n"
+                               "data = \"" TEST_DATA_DIR "/network\"\n";
+
+class OrvhostProjectTest : public testing::Test {
+protected:
+    void project(const std::string& more) { mDirectory.file("orvhost.toml", kModel + more); }
+
+    ProgramResult runIn(const std::vector<std::string>& arguments) const {
+        return runOrvhostIn(mDirectory, arguments);
+    }
+
+    TemporaryDirectory mDirectory;
+};
+
+TEST_F(OrvhostProjectTest, File_InTheFolder_IsReadAndReported) {
+    project("me-id = \"west\"\nyang-rules = false\n");
+    const auto result = runIn({"ls"});
+    EXPECT_EQ(result.out, "ManagedElement=west\n");
+    EXPECT_EQ(result.err,
+              "orvhost: note: read orvhost.toml: data, me-id, model, path, yang-rules\n");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(OrvhostProjectTest, CommandLineAndVariable_WinInThatOrder) {
+    project("me-id = \"west\"\n");
+    EXPECT_EQ(runIn({"--me-id", "north", "ls"}).out, "ManagedElement=north\n");
+    setenv("ORVHOST_ME_ID", "south", 1);
+    const auto byVariable = runIn({"ls"});
+    const auto byLine = runIn({"--me-id=north", "ls"});
+    unsetenv("ORVHOST_ME_ID");
+    EXPECT_EQ(byVariable.out, "ManagedElement=south\n");
+    EXPECT_THAT(byVariable.err, HasSubstr("read the variable ORVHOST_ME_ID\n"));
+    EXPECT_EQ(byLine.out, "ManagedElement=north\n");
+}
+
+TEST_F(OrvhostProjectTest, Variables_Lists_AreSeparatedByColons) {
+    setenv("ORVHOST_MODEL", "site:power", 1);
+    setenv("ORVHOST_PATH", TEST_DATA_DIR "/models", 1);
+    setenv("ORVHOST_STRICT", "yes", 1);
+    const auto wrong = runIn({"ls"});
+    setenv("ORVHOST_STRICT", "0", 1);
+    const auto right = runIn({"model", "Battery"});
+    unsetenv("ORVHOST_MODEL");
+    unsetenv("ORVHOST_PATH");
+    unsetenv("ORVHOST_STRICT");
+    EXPECT_EQ(wrong.err, "orvhost: the variable ORVHOST_STRICT: 0 or 1 was expected, not 'yes'\n");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_THAT(right.out, HasSubstr("capacity"));
+}
+
+TEST_F(OrvhostProjectTest, Named_PathsAreRelativeToIt) {
+    mDirectory.file("here.yang",
+                    "module here { namespace \"urn:here\"; prefix h; list Site { key id; leaf id "
+                    "{ type string; } } }");
+    const std::string file = mDirectory.file("other.toml", "model = \"./here.yang\"\n");
+    EXPECT_THAT(runOrvhost({"--project", file, "model"}).out, HasSubstr("Site"));
+    project("");
+    const auto none = runIn({"--project", "", "ls"});
+    EXPECT_THAT(none.err, HasSubstr("no module"));
+    EXPECT_THAT(none.err, Not(HasSubstr("orvhost.toml")));
+}
+
+TEST_F(OrvhostProjectTest, Found_LoadsNoSharedObjectUntilItIsTrusted) {
+    project("component = [\"none.so\"]\n");
+    const auto found = runIn({"ls"});
+    EXPECT_EQ(found.status, 0);
+    EXPECT_THAT(found.err, AllOf(HasSubstr("names components, which are not loaded"),
+                                 Not(HasSubstr("none.so"))));
+    const auto named = runIn({"--project", "orvhost.toml", "ls"});
+    EXPECT_EQ(named.status, 3);
+    EXPECT_THAT(named.err, HasSubstr("none.so"));
+    EXPECT_EQ(runIn({"ls"}).status, 0); // naming is for once
+    EXPECT_EQ(runIn({"--trust", "ls"}).status, 3);
+    EXPECT_EQ(runIn({"ls"}).status, 3); // trust lasts
+    project("component = [\"none.so\", \"more.so\"]\n");
+    EXPECT_EQ(runIn({"ls"}).status, 0); // until the file is changed
+}
+
+TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
+    const auto errorOf = [&](const std::string& text) {
+        mDirectory.file("orvhost.toml", text);
+        const auto result = runIn({"ls"});
+        EXPECT_EQ(result.status, 2) << text;
+        return result.err;
+    };
+    EXPECT_THAT(errorOf("\nmodle = \"site\"\n"),
+                AllOf(HasSubstr("orvhost.toml:2: a project has no 'modle'"),
+                      HasSubstr("Did you mean model?")));
+    EXPECT_THAT(errorOf("model = 5\n"),
+                HasSubstr("orvhost.toml:1: model: a text, or a list of texts was expected"));
+    EXPECT_THAT(errorOf("strict = \"yes\"\n"), HasSubstr("strict: true or false was expected"));
+    EXPECT_THAT(errorOf("model = [\"a\"\n"), HasSubstr("orvhost.toml:"));
+    EXPECT_THAT(runIn({"--project", "none.toml", "ls"}).err,
+                HasSubstr("none.toml: cannot be read"));
+}
+
+TEST_F(OrvhostProjectTest, Init_WritesATemplateThatCanBeRead) {
+    EXPECT_EQ(runIn({"init"}).out, "orvhost.toml is written\n");
+    const auto again = runIn({"init"});
+    EXPECT_THAT(again.err, HasSubstr("orvhost.toml is there already"));
+    EXPECT_EQ(again.status, 3);
+    EXPECT_THAT(runIn({"ls"}).err, HasSubstr("my-module"));
+}
+
+}
+}
