@@ -12,7 +12,7 @@ namespace OrvExtCmRouterService {
 // Records of one source, one for each target, stand side by side in any order.
 bool PendingAdditions::SourceOrder::operator()(const Record& left, const Record& right) const {
     const std::strong_ordering order = sourceOf(left) <=> sourceOf(right);
-    return order != 0 ? order < 0 : std::less<const void*>()(&*left, &*right);
+    return std::is_neq(order) ? std::is_lt(order) : std::less<const void*>()(&*left, &*right);
 }
 
 PendingAdditions::Source PendingAdditions::sourceOf(const Record& record) {
