@@ -109,7 +109,8 @@ RpcReply Dispatcher::dispatch(NetconfSession& session, lyd_node* request) {
         check(request);
         return getSchema(request);
     }
-    if (module != kNetconfModule || request->schema->nodetype != LYS_RPC) {
+    if (request->schema == nullptr || module != kNetconfModule ||
+        request->schema->nodetype != LYS_RPC) {
         refuse("protocol", "operation-not-supported",
                "<" + operation + "> of " + module + " is not an operation of this server");
     }

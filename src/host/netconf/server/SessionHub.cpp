@@ -50,18 +50,19 @@ nc_server_reply* errorReply(const std::vector<RpcError>& errors, ly_ctx* context
 
 /// The library frees a text of C. Of a large one there are two only while it is copied.
 nc_server_reply* dataReply(std::string text, const lyd_node* request) {
-    lyd_node* output = nullptr;
-    char* const owned = strdup(text.c_str());
+    std::unique_ptr<char, void (*)(void*)> owned(strdup(text.c_str()), std::free);
     text = std::string();
+    lyd_node* output = nullptr;
     if (owned == nullptr || lyd_new_inner(nullptr, request->schema->module, request->schema->name,
                                           0, &output) != LY_SUCCESS) {
-        std::free(owned);
         return nullptr;
     }
-    if (lyd_new_any(output, nullptr, "data", owned, 1, LYD_ANYDATA_XML, 1, nullptr) != LY_SUCCESS) {
+    if (lyd_new_any(output, nullptr, "data", owned.get(), 1, LYD_ANYDATA_XML, 1, nullptr) !=
+        LY_SUCCESS) {
         lyd_free_tree(output);
         return nullptr;
     }
+    static_cast<void>(owned.release()); // the node has it
     return nc_server_reply_data(output, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
 }
 

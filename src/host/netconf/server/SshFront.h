@@ -21,7 +21,8 @@ namespace OrvHost {
 struct SshLimits {
     int loginSeconds = 30; ///< from the connection to the start of the subsystem
     int failedLogins = 5;  ///< then the connection ends
-    std::size_t unanswered = 64 * 1024 * 1024; ///< bytes of requests without any byte of an answer
+    std::size_t unanswered =
+        std::size_t{64} * 1024 * 1024; ///< bytes of requests without any byte of an answer
 };
 
 /// SSH in front of the protocol: exchanges keys, authenticates the user, and passes the bytes of
