@@ -3,6 +3,8 @@
 
 #include "WireModel.h"
 
+#include "yang/types/TypeFacts.h"
+
 #include <libyang/libyang.h>
 
 #include <cstdlib>
@@ -75,7 +77,7 @@ void WireModel::add(const ValueShape& shape) {
     const lysc_node* node = wireNode(shape.node);
     mValues.emplace(node, &shape);
     if (shape.kind == ValueKind::MoRef) {
-        mContext->ignorePatterns(node);
+        mContext->ignorePatterns(typeOfLeaf(node));
     }
     for (const ValueShape& member : shape.members) {
         add(member);
