@@ -4,6 +4,7 @@
 // What refers to an object, what refers to nothing, and how much is below a cut.
 
 #include "Program.h"
+#include "Terminal.h"
 
 #include <gmock/gmock.h>
 
@@ -11,8 +12,11 @@ namespace SystemTest {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
-constexpr const char* kHint = "hint: references to objects that do not exist:\n";
+constexpr const char* kNote = "note: references to objects that do not exist:\r\n";
+constexpr const char* kLost =
+    "  ManagedElement=east,Antenna=2 seen -> ManagedElement=east,Mast=z\r\n";
 
 TEST(OrvhostReferencesTest, Who_AnObject_ListsObjectsAndAttributes) {
     const auto result = runCommands({"who ManagedElement=east,Mast=b"});
@@ -33,23 +37,54 @@ TEST(OrvhostReferencesTest, Audit_AfterADeletion_ListsWhatRefersToIt) {
     EXPECT_THAT(result.out, testing::StartsWith("transaction t1\n"));
 }
 
-TEST(OrvhostReferencesTest, ValidateAndCommit_MissingTarget_GiveAHint) {
-    const std::string lost = "  ManagedElement=east,Antenna=2 seen -> ManagedElement=east,Mast=z\n";
+TEST(OrvhostReferencesTest, MissingTarget_InAScript_ChangesNoAnswer) {
     const auto result =
         runCommands({"begin", "set ManagedElement=east,Antenna=2 seen=ManagedElement=east,Mast=z",
-                     "validate", "commit", "begin", "set ManagedElement=east label=x", "commit"});
-    EXPECT_EQ(result.out, "transaction t1\nset\nvalid\n" + (kHint + lost) + "committed\n" + kHint +
-                              lost + "transaction t2\nset\ncommitted\n")
-        << result.err;
+                     "expect output valid : validate", "expect output committed : commit",
+                     "delete ManagedElement=east,Antenna=2"});
+    EXPECT_EQ(result.out, "transaction t1\nset\nvalid\ncommitted\ndeleted and committed\n");
+    EXPECT_EQ(result.err, "");
 }
 
-TEST(OrvhostReferencesTest, Commit_DeletedTarget_GivesAHint) {
-    const auto result =
-        runCommands({"begin", "delete ManagedElement=east,Antenna=2", "commit"}, {"--json"});
-    EXPECT_THAT(result.out,
-                HasSubstr(R"("missing":[{"dn":"ManagedElement=east,Antenna=1","attribute":"seen",)"
-                          R"("target":"ManagedElement=east,Antenna=2"}])"))
-        << result.err;
+TEST(OrvhostReferencesTest, MissingTarget_AtThePrompt_IsNotedOnceForATransaction) {
+    Terminal terminal(withSite({"--history", ""}));
+    ASSERT_TRUE(terminal.waitFor("orvhost> ")) << terminal.seen();
+    terminal.type("begin\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[t1]> ")) << terminal.seen();
+    terminal.type("set ManagedElement=east,Antenna=2 seen=ManagedElement=east,Mast=z\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[t1]> ")) << terminal.seen();
+    terminal.type("validate\r");
+    ASSERT_TRUE(terminal.waitFor("valid\r\n" + std::string(kNote) + kLost)) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("orvhost[t1]> ")) << terminal.seen();
+    terminal.type("set ManagedElement=east label=x\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[t1]> ")) << terminal.seen();
+    terminal.type("validate\r");
+    ASSERT_TRUE(terminal.waitFor(kLost)) << terminal.seen(); // there are new writes
+    ASSERT_TRUE(terminal.waitFor("orvhost[t1]> ")) << terminal.seen();
+    terminal.type("commit\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost> ")) << terminal.seen();
+    EXPECT_THAT(terminal.seen(), HasSubstr("committed\r\n"));
+    EXPECT_THAT(terminal.seen(), Not(HasSubstr("note:")));
+}
+
+TEST(OrvhostReferencesTest, DeletedTarget_AtThePrompt_IsNotedAtTheWrite) {
+    Terminal terminal(withSite({"--history", ""}));
+    ASSERT_TRUE(terminal.waitFor("orvhost> ")) << terminal.seen();
+    terminal.type("delete ManagedElement=east,Antenna=2\r");
+    EXPECT_TRUE(terminal.waitFor("deleted and committed\r\n" + std::string(kNote) +
+                                 "  ManagedElement=east,Antenna=1 seen -> "
+                                 "ManagedElement=east,Antenna=2\r\n"))
+        << terminal.seen();
+}
+
+TEST(OrvhostReferencesTest, DeletedTarget_AtThePromptInJson_IsInTheDocument) {
+    Terminal terminal(withSite({"--history", "", "--json"}));
+    ASSERT_TRUE(terminal.waitFor("orvhost> ")) << terminal.seen();
+    terminal.type("delete ManagedElement=east,Antenna=2\r");
+    EXPECT_TRUE(
+        terminal.waitFor(R"("missing":[{"dn":"ManagedElement=east,Antenna=1",)"
+                         R"("attribute":"seen","target":"ManagedElement=east,Antenna=2"}])"))
+        << terminal.seen();
 }
 
 TEST(OrvhostReferencesTest, TreeDepth_Below_CountsAllLevels) {

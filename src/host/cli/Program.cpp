@@ -124,6 +124,7 @@ private:
         Prompt prompt(completer, historyFile(mOptions));
         mInterpreter.echo(false); // the line is on the screen
         mInterpreter.colourErrors(wantsColour());
+        mSession.giveHints(true);
         greet();
         while (!mSession.isEnded()) {
             const std::optional<std::string> line = prompt.readLine(mSession.prompt());

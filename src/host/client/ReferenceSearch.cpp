@@ -9,8 +9,8 @@
 #include "SubtreeReader.h"
 #include "edits/ClientState.h"
 
-#include <algorithm>
 #include <set>
+#include <tuple>
 #include <unordered_set>
 
 namespace OrvHost {
@@ -93,13 +93,13 @@ std::vector<FoundReference> ReferenceSearch::missingBy(const ChangeSet& changes)
                         });
     }
     if (!deleted.empty()) {
+        std::set<std::tuple<std::string, std::string, std::string>> known;
+        for (const FoundReference& one : found) {
+            known.emplace(one.dn, one.attribute, one.target);
+        }
         const auto isLost = [&](const FoundReference& one) {
-            const auto isSame = [&](const FoundReference& other) {
-                return one.dn == other.dn && one.attribute == other.attribute &&
-                       one.target == other.target;
-            };
             return deleted.count(one.target) > 0 && isMissing(one.target) &&
-                   std::none_of(found.begin(), found.end(), isSame);
+                   known.count({one.dn, one.attribute, one.target}) == 0;
         };
         const std::vector<FoundReference> lost = inSubtree({}, isLost);
         found.insert(found.end(), lost.begin(), lost.end());

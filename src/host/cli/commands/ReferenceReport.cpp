@@ -26,11 +26,15 @@ JsonValue toJson(const std::vector<FoundReference>& references) {
     return documents;
 }
 
-std::string hintOn(const std::vector<FoundReference>& missing) {
+std::string noteOn(const ReferenceHint& hint) {
+    if (!hint.problem.empty()) {
+        return "note: the references were not looked through: " + hint.problem + "\n";
+    }
+    const std::vector<FoundReference>& missing = hint.missing;
     if (missing.empty()) {
         return {};
     }
-    std::string text = "hint: references to objects that do not exist:\n";
+    std::string text = "note: references to objects that do not exist:\n";
     const std::size_t shown = std::min(missing.size(), kMostShown);
     for (std::size_t at = 0; at < shown; ++at) {
         text += "  " + toText(missing[at]) + "\n";
@@ -39,6 +43,14 @@ std::string hintOn(const std::vector<FoundReference>& missing) {
         text += "  and " + std::to_string(missing.size() - shown) + " more; 'audit' lists all\n";
     }
     return text;
+}
+
+void addHint(JsonValue& document, const ReferenceHint& hint) {
+    if (!hint.problem.empty()) {
+        document["missing"] = nullptr;
+    } else if (!hint.missing.empty()) {
+        document["missing"] = toJson(hint.missing);
+    }
 }
 
 }

@@ -5,7 +5,7 @@
 #define ORV_HOST_CLI_COMMANDS_REFERENCEREPORT_H
 
 #include "cli/output/ValueJson.h"
-#include "client/ReferenceSearch.h"
+#include "cli/session/Session.h"
 
 #include <string>
 #include <vector>
@@ -18,8 +18,12 @@ std::string toText(const FoundReference& reference);
 /// A list of documents with "dn", "attribute" and "target".
 JsonValue toJson(const std::vector<FoundReference>& references);
 
-/// Lines of a hint for people, about references to objects that do not exist; empty without any.
-std::string hintOn(const std::vector<FoundReference>& missing);
+/// Lines for people; empty if there is nothing to say.
+std::string noteOn(const ReferenceHint& hint);
+
+/// Adds "missing" to the answer of a command, if there is something to say: the list, or null if it
+/// is not known.
+void addHint(JsonValue& document, const ReferenceHint& hint);
 
 }
 

@@ -6,32 +6,43 @@
 #include "ReferenceReport.h"
 #include "cli/session/Session.h"
 
+#include <iostream>
+#include <utility>
+
 namespace OrvHost {
 
-void reportWrite(Session& session, JsonValue document, const std::string& word, bool isCommitted) {
+namespace {
+
+// The answer itself stays as it is without a hint.
+void printWithHint(Session& session, JsonValue document, const std::string& answer) {
+    const ReferenceHint hint = session.takeHint();
     if (session.wantsJson()) {
-        document["committed"] = isCommitted;
+        addHint(document, hint);
         session.print(document);
-    } else {
-        session.out() << word << (isCommitted ? " and committed" : "") << '\n';
+        return;
     }
+    session.out() << answer << '\n';
+    const std::string note = noteOn(hint);
+    if (!note.empty()) {
+        session.out().flush();
+        std::cerr << note;
+    }
+}
+
+}
+
+void reportWrite(Session& session, JsonValue document, const std::string& word, bool isCommitted) {
+    document["committed"] = isCommitted;
+    printWithHint(session, std::move(document), word + (isCommitted ? " and committed" : ""));
 }
 
 void reportEnd(Session& session, const std::string& command, const std::string& name,
                const std::string& word, const std::string& note) {
-    const std::vector<FoundReference> missing = session.takeMissing();
-    if (!session.wantsJson()) {
-        session.out() << word << (note.empty() ? "" : "; ") << note << '\n' << hintOn(missing);
-        return;
-    }
     JsonValue document{{"command", command}, {"transaction", name}, {"outcome", word}};
     if (!note.empty()) {
         document["note"] = note;
     }
-    if (!missing.empty()) {
-        document["missing"] = toJson(missing);
-    }
-    session.print(document);
+    printWithHint(session, std::move(document), word + (note.empty() ? "" : "; ") + note);
 }
 
 }

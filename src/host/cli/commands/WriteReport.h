@@ -12,6 +12,8 @@ namespace OrvHost {
 
 class Session;
 
+// Both print the session's hint, too: as a note to standard error, in JSON mode in "missing".
+
 /// Prints the result of a write: \p word, or in JSON mode \p document with "committed" added. \p
 /// isCommitted: the write ran outside a transaction of the user and is already committed.
 void reportWrite(Session& session, JsonValue document, const std::string& word, bool isCommitted);

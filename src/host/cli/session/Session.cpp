@@ -10,12 +10,12 @@ namespace OrvHost {
 namespace {
 
 // A hint must not turn the answer of a transaction into a failure.
-std::vector<FoundReference> missingBy(Session& session, unsigned long txHandle,
-                                      const ChangeSet& changes) {
+template <class Look>
+ReferenceHint hintBy(const Look& look) {
     try {
-        return ReferenceSearch(session, txHandle).missingBy(changes);
-    } catch (const std::exception&) {
-        return {};
+        return {look(), {}};
+    } catch (const std::exception& error) {
+        return {{}, error.what()};
     }
 }
 
@@ -30,17 +30,51 @@ std::string Session::prompt() {
            "> ";
 }
 
+bool Session::write(const std::function<void(unsigned long txHandle)>& work) {
+    ChangeSet changes;
+    const bool isCommitted = ClientSession::write([&](unsigned long txHandle) {
+        work(txHandle);
+        if (mGivesHints && transactions().current() == nullptr) {
+            changes = host().router().changesOf(txHandle);
+        }
+    });
+    if (mGivesHints && isCommitted) {
+        lookAtCommitted(changes);
+    }
+    return isCommitted;
+}
+
 void Session::validate(const OpenTransactions::Entry& transaction) {
     ClientSession::validate(transaction);
-    mMissing = missingBy(*this, transaction.handle, host().router().changesOf(transaction.handle));
+    if (mGivesHints) {
+        mHint = hintBy([&] {
+            return ReferenceSearch(*this, transaction.handle)
+                .missingBy(host().router().changesOf(transaction.handle));
+        });
+        mHinted = transaction;
+    }
 }
 
 std::string Session::commit(const OpenTransactions::Entry& transaction) {
-    const ChangeSet changes = host().router().changesOf(transaction.handle);
+    const bool isHinted = mHinted && mHinted->handle == transaction.handle &&
+                          mHinted->name == transaction.name &&
+                          mHinted->writes == transaction.writes;
+    const bool wantsHint = mGivesHints && !isHinted;
+    const ChangeSet changes =
+        wantsHint ? host().router().changesOf(transaction.handle) : ChangeSet();
+    mHinted.reset();
     std::string problems = ClientSession::commit(transaction);
-    const Host::ReadTransaction after(host());
-    mMissing = missingBy(*this, after.handle(), changes);
+    if (wantsHint) {
+        lookAtCommitted(changes);
+    }
     return problems;
+}
+
+void Session::lookAtCommitted(const ChangeSet& changes) {
+    mHint = hintBy([&] {
+        const Host::ReadTransaction after(host());
+        return ReferenceSearch(*this, after.handle()).missingBy(changes);
+    });
 }
 
 }

@@ -10,7 +10,9 @@
 #include "client/ReferenceSearch.h"
 #include "runtime/LogSink.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -19,6 +21,12 @@
 namespace OrvHost {
 
 class YangSchema;
+
+/// References to objects that do not exist, which a transaction brings. They are permitted.
+struct ReferenceHint {
+    std::vector<FoundReference> missing;
+    std::string problem; ///< why they could not be looked for; else empty
+};
 
 /// What commands work with: where they read and write, and where they print.
 ///
@@ -31,12 +39,17 @@ public:
 
     LogSink& log() { return mLog; }
 
-    /// As in ClientSession. Afterwards takeMissing() has the references to objects that do not
-    /// exist that the transaction brings.
+    /// Whether there are hints: each costs a look at what the transaction wrote, and at all objects
+    /// if it deleted something. At first there are none. Returns what was before.
+    bool giveHints(bool areGiven) { return std::exchange(mGivesHints, areGiven); }
+    /// The hint on the latest validate, commit or committed write, once. The same writes of a
+    /// transaction bring it only once.
+    ReferenceHint takeHint() { return std::exchange(mHint, {}); }
+
+    /// As in ClientSession.
+    bool write(const std::function<void(unsigned long txHandle)>& work);
     void validate(const OpenTransactions::Entry& transaction);
     std::string commit(const OpenTransactions::Entry& transaction);
-    /// Those of the latest validate or commit, once.
-    std::vector<FoundReference> takeMissing() { return std::exchange(mMissing, {}); }
 
     /// What the modules say but the model does not represent. Borrowed, as the constructor's
     /// arguments.
@@ -73,8 +86,11 @@ public:
     void goOn() { mIsEnded = false; }
 
 private:
+    void lookAtCommitted(const ChangeSet& changes);
+
     LogSink& mLog;
-    std::vector<FoundReference> mMissing;
+    ReferenceHint mHint;
+    std::optional<OpenTransactions::Entry> mHinted; ///< as it was at its latest hint
     const std::vector<Problem>* mModelNotes = nullptr;
     std::shared_ptr<const YangSchema> mSchema;
     std::ostream* mOut;
@@ -82,6 +98,7 @@ private:
     bool mWantsJson;
     bool mShowsRuleCost = false;
     bool mIsEnded = false;
+    bool mGivesHints = false;
 };
 
 }

@@ -79,7 +79,9 @@ ExitStatus Interpreter::runSource(Words words) {
         throw AnswerError(file + ": cannot be read");
     }
     ++mDepth;
+    const bool gaveHints = mSession.giveHints(false); // they would make a long script slow
     const ExitStatus status = runScript(script, file, false);
+    mSession.giveHints(gaveHints);
     --mDepth;
     return status;
 }
