@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 
 #include <fcntl.h>
@@ -115,11 +116,80 @@ TEST_F(OrvhostInterruptTest, Save_Interrupted_KeepsTheOldFileAndTheSession) {
     EXPECT_EQ(terminal.finish(), 0);
 }
 
+/// Waits until the process has written its number into \p file.
+pid_t numberIn(const std::filesystem::path& file) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < deadline) {
+        const std::string text = std::filesystem::exists(file) ? readFile(file) : std::string();
+        if (!text.empty() && text.back() == '\n') {
+            return std::stoi(text);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return -1;
+}
+
+/// Lets a stand-in be found in PATH as the program that draws. At Ctrl-C it does what dot does: it
+/// writes a part of a picture and succeeds. It writes its number into the file "drawer".
+class StandInForDot {
+public:
+    explicit StandInForDot(const TemporaryDirectory& directory) : mBefore(getenv("PATH")) {
+        const std::string program =
+            directory.file("dot", "#!/bin/sh\ntrap 'echo \"<svg/>\"; exit 0' INT\necho $$ > '" +
+                                      (directory.path() / "drawer").string() +
+                                      "'\nfor step in 1 2 3 4 5 6 7 8 9; do sleep 10; done\n");
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        setenv("PATH", (directory.path().string() + ":" + mBefore).c_str(), 1);
+    }
+    ~StandInForDot() { setenv("PATH", mBefore.c_str(), 1); }
+    StandInForDot(const StandInForDot&) = delete;
+    StandInForDot& operator=(const StandInForDot&) = delete;
+
+private:
+    std::string mBefore;
+};
+
+TEST_F(OrvhostInterruptTest, Drawing_Interrupted_KeepsTheOldPictureAndEndsTheDrawer) {
+    const StandInForDot dot(mDirectory);
+    const std::string picture = mDirectory.file("picture.svg", "old");
+    Terminal terminal(withSite({"--history", ""}));
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("graph -o " + picture + "\r");
+    const pid_t drawer = numberIn(mDirectory.path() / "drawer");
+    ASSERT_GT(drawer, 0);
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor("graph: cancelled")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    EXPECT_EQ(readFile(picture), "old");
+    EXPECT_EQ(kill(drawer, 0), -1);
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptTest, Drawing_OfACommandOfTheShell_EndsWithIt) {
+    const StandInForDot dot(mDirectory);
+    const std::string picture = mDirectory.file("picture.svg", "old");
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        becomeOrvhost(withSite({"graph", "-o", picture}));
+    }
+    const pid_t drawer = numberIn(mDirectory.path() / "drawer");
+    kill(child, SIGTERM);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_GT(drawer, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+    EXPECT_EQ(readFile(picture), "old");
+    EXPECT_EQ(kill(drawer, 0), -1);
+}
+
 TEST_F(OrvhostInterruptTest, SecondInterrupt_WhileACommandCannotStop_Asks) {
     const std::string file = pipe();
     Terminal terminal(withMany());
     ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
-    terminal.type("load " + file + "\r");
+    terminal.type("source " + file + "\r");
     ASSERT_TRUE(terminal.waitFor("\r\n"));
     const int writer = open(file.c_str(), O_WRONLY); // waits until it is read
     interruptTwice(terminal);
@@ -128,7 +198,7 @@ TEST_F(OrvhostInterruptTest, SecondInterrupt_WhileACommandCannotStop_Asks) {
     ASSERT_EQ(write(writer, "{}", 2), 2);
     close(writer);
     ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
-    terminal.type("load " + file + "\r");
+    terminal.type("source " + file + "\r");
     ASSERT_TRUE(terminal.waitFor("\r\n"));
     const int again = open(file.c_str(), O_WRONLY);
     interruptTwice(terminal);
@@ -174,7 +244,7 @@ TEST_F(OrvhostInterruptTest, Command_OfTheShell_EndsByTheSignal) {
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        becomeOrvhost(withSite({"load", file}));
+        becomeOrvhost(withSite({"source", file}));
     }
     const int writer = open(file.c_str(), O_WRONLY);
     kill(child, SIGINT);

@@ -12,6 +12,7 @@
 #include "cli/graph/ObjectGraph.h"
 #include "cli/graph/PictureReader.h"
 #include "cli/session/Session.h"
+#include "cli/session/TerminationGuard.h"
 #include "client/OfferedModel.h"
 
 #include <cstdint>
@@ -107,14 +108,10 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
             {{"classes", graph.classes()}, {"associations", graph.associations()}}};
 }
 
-// Ctrl-C at a terminal reaches the program that draws, too.
+// The program that draws would go on after a signal that ends this one.
 std::string render(Session& session, const std::string& dot) {
-    try {
-        return renderSvg(dot);
-    } catch (const AnswerError&) {
-        session.cancellation().throwIfCancelled();
-        throw;
-    }
+    const TerminationGuard guard(session.cancellation());
+    return renderSvg(dot, session.cancellation());
 }
 
 void print(Session& session, const GraphOptions& options, const Drawing& drawing,

@@ -6,9 +6,14 @@
 #include "cli/errors/CliErrors.h"
 
 #include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <thread>
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -19,6 +24,9 @@ extern char** environ;
 namespace OrvHost {
 
 namespace {
+
+constexpr std::chrono::milliseconds kPause{10};
+constexpr std::chrono::seconds kTimeToEnd{2};
 
 [[noreturn]] void failAt(const std::string& step, int error) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): only one thread draws.
@@ -78,12 +86,32 @@ private:
     posix_spawn_file_actions_t mActions{};
 };
 
+/// Gives a child process a process group of its own.
+class OwnGroup {
+public:
+    OwnGroup() {
+        posix_spawnattr_init(&mAttributes);
+        posix_spawnattr_setflags(&mAttributes, POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setpgroup(&mAttributes, 0);
+    }
+    OwnGroup(const OwnGroup&) = delete;
+    OwnGroup& operator=(const OwnGroup&) = delete;
+    ~OwnGroup() { posix_spawnattr_destroy(&mAttributes); }
+
+    const posix_spawnattr_t* get() const { return &mAttributes; }
+
+private:
+    posix_spawnattr_t mAttributes{};
+};
+
 pid_t startDot(const StandardFiles& files) {
     std::string program = "dot";
     std::string format = "-Tsvg";
     char* const words[] = {program.data(), format.data(), nullptr};
     pid_t child = 0;
-    const int error = posix_spawnp(&child, program.c_str(), files.get(), nullptr, words, environ);
+    const OwnGroup group;
+    const int error =
+        posix_spawnp(&child, program.c_str(), files.get(), group.get(), words, environ);
     if (error == ENOENT) {
         throw AnswerError("the program dot is not in PATH. It comes with Graphviz (package "
                           "graphviz); --dot gives the text that it would draw");
@@ -94,14 +122,46 @@ pid_t startDot(const StandardFiles& files) {
     return child;
 }
 
-/// Why the child failed, for people; empty if it succeeded.
-std::string waitFor(pid_t child) {
+/// Its status as soon as it has ended; without \p waits, nothing if it still runs.
+std::optional<int> statusOf(pid_t child, bool waits) {
     int status = 0;
-    while (waitpid(child, &status, 0) != child) {
+    for (;;) {
+        const pid_t ended = waitpid(child, &status, waits ? 0 : WNOHANG);
+        if (ended >= 0) {
+            return ended == child ? std::optional(status) : std::nullopt;
+        }
         if (errno != EINTR) {
             failAt("cannot be waited for", errno);
         }
     }
+}
+
+std::optional<int> statusUntil(pid_t child, const std::function<bool()>& isEnough) {
+    std::optional<int> status = statusOf(child, false);
+    while (!status && !isEnough()) {
+        std::this_thread::sleep_for(kPause);
+        status = statusOf(child, false);
+    }
+    return status;
+}
+
+void end(pid_t child) {
+    kill(-child, SIGTERM);
+    const auto deadline = std::chrono::steady_clock::now() + kTimeToEnd;
+    if (!statusUntil(child, [&] { return std::chrono::steady_clock::now() > deadline; })) {
+        kill(-child, SIGKILL);
+        statusOf(child, true);
+    }
+}
+
+/// Why the child failed, for people; empty if it succeeded.
+std::string waitFor(pid_t child, const CancellationToken& cancellation) {
+    const std::optional<int> ended = statusUntil(child, [&] { return cancellation.isCancelled(); });
+    if (!ended) {
+        end(child);
+        throw CancelledError();
+    }
+    const int status = *ended;
     if (WIFSIGNALED(status)) {
         return "was ended by signal " + std::to_string(WTERMSIG(status));
     }
@@ -111,12 +171,14 @@ std::string waitFor(pid_t child) {
 
 }
 
-std::string renderSvg(const std::string& dot) {
+std::string renderSvg(const std::string& dot, const CancellationToken& cancellation) {
     ScratchFile in;
     ScratchFile out;
     ScratchFile err;
     in.write(dot);
-    const std::string failure = waitFor(startDot({in, out, err}));
+    cancellation.throwIfCancelled();
+    const std::string failure = waitFor(startDot({in, out, err}), cancellation);
+    cancellation.throwIfCancelled();
     std::string svg = out.read();
     if (!failure.empty() || svg.empty()) {
         const std::string said = err.read();

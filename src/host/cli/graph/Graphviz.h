@@ -4,14 +4,18 @@
 #ifndef ORV_HOST_CLI_GRAPH_GRAPHVIZ_H
 #define ORV_HOST_CLI_GRAPH_GRAPHVIZ_H
 
+#include "client/CancellationToken.h"
+
 #include <string>
 
 namespace OrvHost {
 
 /// Converts a DOT text into an SVG picture with the program dot of Graphviz, which is found in PATH
 /// and run as a child process. Throws AnswerError if it is missing or fails, with its error output.
-/// Waits until it has ended.
-std::string renderSvg(const std::string& dot);
+/// Waits until it has ended. If \p cancellation is cancelled, before or meanwhile, ends it and
+/// throws CancelledError. Signals of the terminal, such as Ctrl-C, do not reach it: at Ctrl-C, it
+/// would draw a part of the picture, and report success.
+std::string renderSvg(const std::string& dot, const CancellationToken& cancellation);
 
 }
 
