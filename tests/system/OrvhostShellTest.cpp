@@ -49,6 +49,41 @@ TEST(OrvhostShellTest, UnknownOption_BeforeTheCommand_IsNamed) {
     EXPECT_EQ(result.status, 2);
 }
 
+TEST(OrvhostShellTest, UnknownOption_BeforeTheCommand_IsNamedAlone) {
+    const auto result = runOrvhost(withSite({"--jsn", "get"}));
+    EXPECT_THAT(result.err, HasSubstr("not expected: --jsn. Did you mean --json?"));
+    EXPECT_THAT(runOrvhost(withSite({"-x", "get"})).err, HasSubstr("not expected: -x\n"));
+}
+
+TEST(OrvhostShellTest, Help_AfterACommand_IsThatOfTheCommand) {
+    const std::string help = runOrvhost({"help", "tree"}).out;
+    EXPECT_THAT(help, HasSubstr("--depth"));
+    for (const std::string option : {"--help", "-h"}) {
+        const auto result = runOrvhost(withSite({"tree", "/", option}));
+        EXPECT_EQ(result.out, help) << result.err;
+        EXPECT_EQ(result.status, 0);
+    }
+    EXPECT_EQ(runOrvhost({"export", "--help"}).out, runOrvhost({"help", "save"}).out);
+}
+
+TEST(OrvhostShellTest, OptionWithEquals_OfACommand_HasThatValue) {
+    EXPECT_EQ(runOrvhost(withSite({"tree", "--depth=0"})).out, "/ (8 below)\n");
+    EXPECT_EQ(runCommands({"tree --depth=0"}).out, "/ (8 below)\n");
+    EXPECT_THAT(runOrvhost(withSite({"ls", "--model=x"})).err,
+                HasSubstr("--model=x (it must come before the command 'ls')"));
+}
+
+TEST(OrvhostShellTest, ValueThatBeginsLikeAnOption_IsAValueAfterTwoDashes) {
+    EXPECT_EQ(runCommands({"begin --x.1"}).out, "transaction --x.1\n");
+    EXPECT_EQ(runCommands({"begin -- --x"}).out, "transaction --x\n");
+    EXPECT_EQ(runOrvhost(withSite({"begin", "--", "--json"})).out, "transaction --json\n");
+    EXPECT_EQ(runCommands({"begin", "set ManagedElement=east label=--x",
+                           "find -- ManagedElement.label = --x"})
+                  .out,
+              "transaction t1\nset\nManagedElement=east\n");
+    EXPECT_EQ(runCommands({"tree -- --depth 0"}).status, 2);
+}
+
 TEST(OrvhostShellTest, EmptyValue_WithEquals_IsTheValue) {
     const auto result = runOrvhost(withSite({"--history=", "exists", "ManagedElement=east"}));
     EXPECT_EQ(result.err, "");

@@ -221,8 +221,8 @@ int statusWithOutput(int status) {
 
 // Help needs no model.
 bool isHelpAlone(const Options& options) {
-    return options.models.empty() && options.commandLines.empty() && options.scripts.empty() &&
-           !options.words.empty() && options.words.size() <= 2 && options.words.front() == "help";
+    return options.commandLines.empty() && options.scripts.empty() && !options.words.empty() &&
+           options.words.size() <= 2 && options.words.front() == "help";
 }
 
 bool isInit(const Options& options) {

@@ -269,11 +269,39 @@ the object, its attribute, and what it refers to; nothing if all is there.
            .alias = "exit",
            .run = runQuit}} {}
 
-void Command::requireKnown(const std::string& word) const {
-    const bool isOption = word.compare(0, 2, "--") == 0;
-    if (isOption && std::find(options.begin(), options.end(), word) == options.end()) {
-        throw UsageError("there is no option '" + word + "'." + didYouMean(word, options));
+namespace {
+
+constexpr const char* kEndOfOptions = "--";
+
+// "--depth", but not "--new.json": that is rather a value.
+bool looksLikeOption(const std::string& name) {
+    return name.size() > 2 && name.compare(0, 2, "--") == 0 &&
+           name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") == std::string::npos;
+}
+
+}
+
+Words Command::read(const std::vector<std::string>& given, const std::string& here) const {
+    const auto end = std::find(given.begin(), given.end(), kEndOfOptions);
+    std::vector<std::string> result;
+    for (auto word = given.begin(); word != end; ++word) {
+        const std::size_t equals = std::min(word->find('='), word->size());
+        const std::string option = word->substr(0, equals);
+        if (!looksLikeOption(option)) {
+            result.push_back(*word);
+            continue;
+        }
+        if (std::find(options.begin(), options.end(), option) == options.end()) {
+            throw UsageError("there is no option '" + option + "'." + didYouMean(option, options));
+        }
+        result.push_back(option);
+        if (equals < word->size()) {
+            result.push_back(word->substr(equals + 1));
+        }
     }
+    const auto values = end == given.end() ? end : end + 1;
+    result.insert(result.end(), values, given.end());
+    return Words(std::move(result), here, static_cast<std::size_t>(given.end() - values));
 }
 
 std::vector<std::string> CommandTable::names() const {
@@ -304,12 +332,9 @@ const Command& CommandTable::require(const std::string& name) const {
 
 void CommandTable::run(Session& session, const std::vector<std::string>& words) const {
     const Command& command = require(words.front());
-    if (!command.takesCommand) {
-        for (const std::string& word : words) {
-            command.requireKnown(word);
-        }
-    }
-    command.run(session, Words({words.begin() + 1, words.end()}, session.here()));
+    const std::vector<std::string> rest(words.begin() + 1, words.end());
+    command.run(session, command.takesCommand ? Words(rest, session.here())
+                                              : command.read(rest, session.here()));
 }
 
 std::string CommandTable::usageOf(const std::string& name) const {

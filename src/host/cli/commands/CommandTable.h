@@ -51,8 +51,11 @@ struct Command {
     /// the exit status stands in errors/Failure.cpp.
     std::function<void(Session& session, Words words)> run;
 
-    /// Throws UsageError if \p word is written as an option and is none of this command.
-    void requireKnown(const std::string& word) const;
+    /// \p given are the words after the command's name; returns those for run(). The value of an
+    /// option can be the next word or come after a "=". Words after "--" are no options. Throws
+    /// UsageError for a word before it that is written as an option, in small letters and hyphens,
+    /// and is none of this command.
+    Words read(const std::vector<std::string>& given, const std::string& here) const;
 
     /// Name and synopsis.
     std::string usage() const { return name + (synopsis.empty() ? "" : " ") + synopsis; }

@@ -12,8 +12,9 @@
 namespace OrvHost {
 
 bool Words::takeFlag(const std::string& name) {
-    const auto found = std::find(mWords.begin(), mWords.end(), name);
-    if (found == mWords.end()) {
+    const auto end = optionsEnd();
+    const auto found = std::find(mWords.begin(), end, name);
+    if (found == end) {
         return false;
     }
     mWords.erase(found);
@@ -29,12 +30,17 @@ std::optional<std::string> Words::takeText(const std::string& name) {
     return takeAfter(name, "a text");
 }
 
+std::vector<std::string>::iterator Words::optionsEnd() {
+    return mWords.end() - static_cast<std::ptrdiff_t>(std::min(mValues, mWords.size()));
+}
+
 std::optional<std::string> Words::takeAfter(const std::string& name, const std::string& what) {
-    const auto found = std::find(mWords.begin(), mWords.end(), name);
-    if (found == mWords.end()) {
+    const auto end = optionsEnd();
+    const auto found = std::find(mWords.begin(), end, name);
+    if (found == end) {
         return std::nullopt;
     }
-    if (found + 1 == mWords.end()) {
+    if (found + 1 == end) {
         throw UsageError(name + " needs " + what);
     }
     std::string text = *(found + 1);

@@ -18,9 +18,10 @@ namespace OrvHost {
 /// first.
 class Words {
 public:
-    /// \p here is the object at which the session stands: see fromTop.
-    explicit Words(std::vector<std::string> words, std::string here = {})
-        : mWords(std::move(words)), mHere(std::move(here)) {}
+    /// \p here is the object at which the session stands: see fromTop. The last \p values words are
+    /// no options.
+    explicit Words(std::vector<std::string> words, std::string here = {}, std::size_t values = 0)
+        : mWords(std::move(words)), mHere(std::move(here)), mValues(values) {}
 
     /// True, the first time, if the option \p name is given.
     bool takeFlag(const std::string& name);
@@ -52,10 +53,12 @@ public:
     void end() const;
 
 private:
+    std::vector<std::string>::iterator optionsEnd();
     std::optional<std::string> takeAfter(const std::string& name, const std::string& what);
 
     std::vector<std::string> mWords;
     std::string mHere;
+    std::size_t mValues;
 };
 
 /// \p text as a number; throws UsageError with \p what if it is not a number, or negative.

@@ -3,6 +3,8 @@
 
 #include "CommandSplit.h"
 
+#include "client/Suggestion.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -12,6 +14,7 @@ namespace OrvHost {
 namespace {
 
 constexpr const char* kJson = "--json";
+constexpr const char* kEndOfOptions = "--";
 
 bool isOptionWord(const std::string& word) {
     return word.size() > 1 && word.front() == '-';
@@ -40,22 +43,49 @@ bool takesValue(const CLI::Option& option) {
     return option.get_expected_max() > 0;
 }
 
-// The command's words, with --json in front of them if it was among them.
-void addCommand(const CLI::App& app, std::vector<std::string> words,
-                std::vector<std::string>& result) {
-    const auto json = std::remove(words.begin(), words.end(), kJson);
-    if (json != words.end()) {
-        words.erase(json, words.end());
-        result.emplace_back(kJson);
-    }
-    for (const std::string& word : words) {
-        if (isOptionWord(word) && app.get_option_no_throw(word) != nullptr) {
-            throw CLI::ExtrasError(
-                "orvhost", {word + " (it must come before the command '" + words.front() + "')"});
+CLI::ExtrasError unknownOption(const CLI::App& app, const std::string& word,
+                               const std::string& name) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& one : option->get_lnames()) {
+            names.push_back("--" + one);
         }
     }
-    result.emplace_back("--");
-    result.insert(result.end(), words.begin(), words.end());
+    const std::string guess = didYouMean(name, names);
+    return {"orvhost", {word + (guess.empty() ? "" : "." + guess)}};
+}
+
+bool asksForHelp(const std::string& word) {
+    return word == "--help" || word == "-h";
+}
+
+// The command's words, with --json in front of them if it was among them. What comes after the
+// user's own "--" stays as it is.
+void addCommand(const CLI::App& app, const std::vector<std::string>& words,
+                std::vector<std::string>& result) {
+    const auto end = std::find(words.begin(), words.end(), kEndOfOptions);
+    std::vector<std::string> command;
+    if (std::any_of(words.begin(), end, asksForHelp)) {
+        command = {"help", words.front()};
+    }
+    const bool isHelp = !command.empty();
+    for (auto word = words.begin(); word != end; ++word) {
+        if (*word == kJson) {
+            result.emplace_back(kJson);
+        } else if (isHelp) {
+            continue;
+        } else if (isOptionWord(*word) && readOption(app, *word).option != nullptr) {
+            throw CLI::ExtrasError(
+                "orvhost", {*word + " (it must come before the command '" + words.front() + "')"});
+        } else {
+            command.push_back(*word);
+        }
+    }
+    if (!isHelp) {
+        command.insert(command.end(), end, words.end());
+    }
+    result.emplace_back(kEndOfOptions);
+    result.insert(result.end(), command.begin(), command.end());
 }
 
 }
@@ -66,7 +96,7 @@ std::vector<std::string> withCommandApart(const CLI::App& app,
     std::vector<std::string> result;
     for (auto at = arguments.begin(); at != arguments.end(); ++at) {
         const bool isVerb = std::find(verbs.begin(), verbs.end(), *at) != verbs.end();
-        if (*at == "--" || isVerb) {
+        if (*at == kEndOfOptions || isVerb) {
             result.insert(result.end(), at, arguments.end());
             return result;
         }
@@ -75,7 +105,10 @@ std::vector<std::string> withCommandApart(const CLI::App& app,
             return result;
         }
         const WrittenOption written = readOption(app, *at);
-        const bool takes = written.option != nullptr && takesValue(*written.option);
+        if (written.option == nullptr) {
+            throw unknownOption(app, *at, written.name);
+        }
+        const bool takes = takesValue(*written.option);
         if (takes && written.isEmptyValue) {
             // The parser of options takes "--name=" for an option without a value.
             result.push_back(written.name);
@@ -92,8 +125,8 @@ std::vector<std::string> withCommandApart(const CLI::App& app,
 
 GivenOptions givenOptions(const CLI::App& app, const std::vector<std::string>& arguments) {
     GivenOptions given;
-    for (auto at = arguments.begin(); at != arguments.end() && isOptionWord(*at) && *at != "--";
-         ++at) {
+    for (auto at = arguments.begin();
+         at != arguments.end() && isOptionWord(*at) && *at != kEndOfOptions; ++at) {
         const WrittenOption written = readOption(app, *at);
         if (written.option == nullptr || written.option->get_lnames().empty()) {
             continue;

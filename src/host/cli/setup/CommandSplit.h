@@ -16,11 +16,12 @@ namespace OrvHost {
 
 /// Separates the options of the program from the command: puts `--` before the first word that is
 /// neither an option of \p app nor the value of one, so that all words after it belong to the
-/// command. Only `--json` may stand after the command, too. Nothing is separated if that word is
-/// one of \p verbs: those take options of the program.
+/// command. Only `--json` may stand after the command, too; `--help` or `-h` there makes it
+/// `help COMMAND`. Nothing is separated if that word is one of \p verbs: those take options of the
+/// program.
 ///
-/// Throws CLI::ExtrasError if another option of the program stands after the command. It would be
-/// taken for a word of the command.
+/// Throws CLI::ExtrasError for a word before the command that is no option, and if another option
+/// of the program stands after the command. It would be taken for a word of the command.
 std::vector<std::string> withCommandApart(const CLI::App& app,
                                           const std::vector<std::string>& arguments,
                                           const std::vector<std::string>& verbs);

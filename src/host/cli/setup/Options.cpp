@@ -212,8 +212,9 @@ void takeServer(const CLI::App& app, Options& options) {
 
 // In place of a command, saving is called as other programs call it.
 void takeExport(Options& options) {
-    if (!options.words.empty() && options.words.front() == "export") {
-        options.words.front() = "save";
+    const std::size_t name = !options.words.empty() && options.words.front() == "help" ? 1 : 0;
+    if (options.words.size() > name && options.words[name] == "export") {
+        options.words[name] = "save";
     }
 }
 
@@ -255,7 +256,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addServer(app, options);
     try {
         std::vector<std::string> words =
-            withCommandApart(app, {arguments + 1, arguments + count}, {"check", "serve"});
+            withCommandApart(app, {arguments + 1, arguments + count}, {"check", "init", "serve"});
         ProjectSettings project = projectSettings(app, words);
         words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
         options.notes = std::move(project.notes);
