@@ -47,6 +47,8 @@ Answer answerOf(const CommandTable& table, Session& session,
     Answer answer;
     try {
         table.run(session, words);
+    } catch (const CancelledError&) {
+        throw; // Ctrl-C is no answer
     } catch (...) {
         answer.failure =
             FailureReader(session).read(table.usageOf(words.front()), std::current_exception());

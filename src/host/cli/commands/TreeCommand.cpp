@@ -36,8 +36,9 @@ public:
             const bool isLast = position + 1 == all.size();
             const Child& child = all[position];
             const std::string childDn = DnView(dn).child(child.className, child.name);
+            const std::string mark = cutMark(childDn, level + 1); // can end by Ctrl-C
             mSession.out() << indent << (isLast ? "└── " : "├── ") << child.className << '='
-                           << child.name << cutMark(childDn, level + 1) << '\n';
+                           << child.name << mark << '\n';
             if (level + 1 < mDepth) {
                 printBelow(childDn, indent + (isLast ? "    " : "│   "), level + 1);
             }
@@ -126,7 +127,8 @@ void runTree(Session& session, Words words) {
             session.print({{"command", "tree"}, {"tree", printer.nodeJson(dn, 0)}});
             return;
         }
-        session.out() << (dn.empty() ? "/" : dn) << printer.cutMark(dn, 0) << '\n';
+        const std::string mark = printer.cutMark(dn, 0);
+        session.out() << (dn.empty() ? "/" : dn) << mark << '\n';
         if (depth > 0) {
             printer.printBelow(dn, "", 0);
         }

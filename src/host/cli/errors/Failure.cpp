@@ -3,6 +3,7 @@
 
 #include "Failure.h"
 
+#include "base/Counted.h"
 #include "base/HostReturn.h"
 #include "cli/output/AlignedText.h"
 #include "client/ClientSession.h"
@@ -191,10 +192,10 @@ Failure FailureReader::read(const OperationError& error) {
 
 std::string FailureReader::whatStays(const PlanCancelledError& cancelled) {
     const std::size_t done = cancelled.done();
-    const std::string changes = std::to_string(done) + (done == 1 ? " change" : " changes");
     return mSession.transactions().current() == nullptr
                ? std::string(cancelled.what()) + "; nothing is changed"
-               : cancelled.what() + ("; " + changes) + " of it stay in the transaction";
+               : cancelled.what() + ("; " + counted(done, "change")) +
+                     (done == 1 ? " stays in the transaction" : " stay in the transaction");
 }
 
 // The explanation calls the component again; if that fails too, it must not hide the first error.
