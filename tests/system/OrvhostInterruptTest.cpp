@@ -195,7 +195,7 @@ TEST_F(OrvhostInterruptTest, SecondInterrupt_WhileACommandCannotStop_Asks) {
     interruptTwice(terminal);
     ASSERT_TRUE(terminal.waitFor("End orvhost?")) << terminal.seen();
     terminal.type("n\r");
-    ASSERT_EQ(write(writer, "{}", 2), 2);
+    ASSERT_EQ(write(writer, "\n", 1), 1);
     close(writer);
     ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
     terminal.type("source " + file + "\r");
@@ -216,6 +216,24 @@ TEST_F(OrvhostInterruptTest, SecondInterrupt_AtAnEmptyLine_Asks) {
     terminal.type(kControlC);
     ASSERT_TRUE(terminal.waitFor("End orvhost? [y/N] ")) << terminal.seen();
     terminal.type("y\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptTest, SecondInterrupt_AfterTheFirstEndedACommand_Asks) {
+    Terminal terminal(withMany());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("tree\r");
+    ASSERT_TRUE(terminal.waitFor("Mast=m10")) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor(": cancelled"));
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor("End orvhost? [y/N] ")) << terminal.seen();
+    terminal.type("n\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlC); // a first one again
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("quit\r");
     EXPECT_EQ(terminal.finish(), 0);
 }
 

@@ -19,7 +19,6 @@
 #include "cli/shell/Pager.h"
 #include "cli/shell/Prompt.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -120,6 +119,7 @@ private:
     // Somebody who types sees each answer, so errors during the session do not make its exit status
     // a failure.
     ExitStatus runPrompt() {
+        InterruptGuard interrupts;
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
         mInterpreter.echo(false); // the line is on the screen
@@ -129,9 +129,9 @@ private:
         while (!mSession.isEnded()) {
             const std::optional<std::string> line = prompt.readLine(mSession.prompt());
             if (prompt.wasInterrupted()) {
-                endAtSecondInterrupt(prompt);
+                endAtSecondInterrupt(prompt, interrupts);
             } else if (line) {
-                const InterruptGuard interrupts(mSession.cancellation());
+                const InterruptGuard::Command running(mSession.cancellation());
                 const Pager pager(mSession);
                 mInterpreter.runLine(*line);
             } else {
@@ -170,14 +170,15 @@ private:
                        << "; 'help' lists the commands\n";
     }
 
-    // At an empty line, Ctrl-C has nothing to cancel; twice means that somebody wants to leave.
-    void endAtSecondInterrupt(Prompt& prompt) {
-        const auto now = std::chrono::steady_clock::now();
-        const bool isSecond = mLastInterrupt && now - *mLastInterrupt < std::chrono::seconds(1);
-        mLastInterrupt = now;
-        if (isSecond && prompt.ask("End orvhost? [y/N] ")) {
+    // In a line, Ctrl-C drops it; twice means that somebody wants to leave.
+    void endAtSecondInterrupt(Prompt& prompt, InterruptGuard& interrupts) {
+        if (!interrupts.takeSecond()) {
+            return;
+        }
+        if (prompt.ask("End orvhost? [y/N] ")) {
             mSession.end();
         }
+        interrupts.forget();
     }
 
     bool isEndWanted(Prompt& prompt) {
@@ -196,7 +197,6 @@ private:
     const CommandTable& mCommands;
     Interpreter mInterpreter;
     ExitStatus mStatus = ExitOk;
-    std::optional<std::chrono::steady_clock::time_point> mLastInterrupt;
 };
 
 // If a standard stream is closed, the next file that is opened gets its number, and output would be

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -17,10 +18,12 @@ constexpr long long kNanosecondsPerSecond = 1'000'000'000;
 constexpr const char* kQuestion =
     "\nThe command has not stopped yet. End orvhost? What is not committed is lost. [y/N] ";
 
-// What the handler can reach.
-std::atomic<CancellationToken*> theToken{nullptr};
-std::atomic<long long> theLastTime{-kNanosecondsPerSecond};
+constexpr long long kNever = -kNanosecondsPerSecond;
 
+// What the handler can reach.
+std::atomic<CancellationToken*> theToken{nullptr}; // null: no command runs
+std::atomic<long long> theLastTime{kNever};
+std::atomic<bool> theSecondCame{false};
 std::atomic<bool> theQuestionIsWanted{true};
 
 long long now() {
@@ -29,9 +32,16 @@ long long now() {
     return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
 }
 
-// Only calls that a signal handler may make.
+// Only calls that a signal handler may make. Standard output can be a file; the question is for
+// the terminal.
 bool isEndWanted() {
-    if (write(STDOUT_FILENO, kQuestion, std::strlen(kQuestion)) < 0) {
+    const int terminal = open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    const int out = terminal < 0 ? STDERR_FILENO : terminal;
+    const bool isAsked = write(out, kQuestion, std::strlen(kQuestion)) >= 0;
+    if (terminal >= 0) {
+        close(terminal);
+    }
+    if (!isAsked) {
         return true;
     }
     char first = '\n';
@@ -51,41 +61,63 @@ void endProcess() {
     raise(SIGINT);
 }
 
-extern "C" void cancelCommand(int) {
-    const int error = errno;
-    if (CancellationToken* token = theToken.load()) {
-        token->cancel();
+void askToEnd() {
+    if (isEndWanted()) {
+        endProcess();
     }
+    theLastTime = kNever;
+}
+
+extern "C" void takeInterrupt(int) {
+    const int error = errno;
     const long long time = now();
     const bool isSecond = time - theLastTime.exchange(time) < kNanosecondsPerSecond;
-    if (isSecond && theQuestionIsWanted.load()) {
-        if (isEndWanted()) {
-            endProcess();
+    CancellationToken* token = theToken.load();
+    if (token == nullptr) {
+        theSecondCame = isSecond;
+    } else {
+        token->cancel();
+        if (isSecond && theQuestionIsWanted.load()) {
+            askToEnd();
         }
-        theLastTime = now() - kNanosecondsPerSecond;
     }
     errno = error;
 }
 
 }
 
-InterruptGuard::InterruptGuard(CancellationToken& token) : mToken(token) {
-    theToken = &token;
-    theLastTime = now() - kNanosecondsPerSecond;
+InterruptGuard::InterruptGuard() {
+    forget();
     struct sigaction action {};
-    action.sa_handler = cancelCommand;
+    action.sa_handler = takeInterrupt;
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, &mBefore);
+}
+
+InterruptGuard::~InterruptGuard() {
+    sigaction(SIGINT, &mBefore, nullptr);
+}
+
+InterruptGuard::Command::Command(CancellationToken& token) : mToken(token) {
+    theToken = &token;
+}
+
+InterruptGuard::Command::~Command() {
+    theToken = nullptr;
+    mToken.renew();
 }
 
 void InterruptGuard::ask(bool wanted) {
     theQuestionIsWanted = wanted;
 }
 
-InterruptGuard::~InterruptGuard() {
-    sigaction(SIGINT, &mBefore, nullptr);
-    theToken = nullptr;
-    mToken.renew();
+bool InterruptGuard::takeSecond() {
+    return theSecondCame.exchange(false);
+}
+
+void InterruptGuard::forget() {
+    theLastTime = kNever;
+    theSecondCame = false;
 }
 
 }

@@ -34,32 +34,23 @@ constexpr const char* kMarkNoPastes = "\x1b[?2004l";
 constexpr const char* kPasteBegin = "\\e[200~";
 constexpr const char* kPasteEnd = "\x1b[201~";
 
-void interruptReading(int) {}
-
 /// While it lives, Ctrl-C is blocked until the reading of a key waits with waitingMask. Then it
-/// interrupts that waiting instead of ending the process. So no Ctrl-C between two keys is lost.
+/// interrupts that waiting, since SIGINT has a handler. So no Ctrl-C between two keys is lost.
 class KeyWait {
 public:
     KeyWait() {
-        struct sigaction action {};
-        action.sa_handler = &interruptReading;
-        sigaction(SIGINT, &action, &mPreviousAction);
         sigset_t blocked;
         sigemptyset(&blocked);
         sigaddset(&blocked, SIGINT);
         pthread_sigmask(SIG_BLOCK, &blocked, &mWaitingMask);
     }
-    ~KeyWait() {
-        pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr);
-        sigaction(SIGINT, &mPreviousAction, nullptr);
-    }
+    ~KeyWait() { pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr); }
     KeyWait(const KeyWait&) = delete;
     KeyWait& operator=(const KeyWait&) = delete;
 
     const sigset_t& waitingMask() const { return mWaitingMask; }
 
 private:
-    struct sigaction mPreviousAction {};
     sigset_t mWaitingMask{};
 };
 

@@ -15,7 +15,8 @@ namespace OrvHost {
 
 /// A line editor on the terminal, with a history in a file and completion with the tab key.
 ///
-/// One object at a time, on the thread that starts and ends it; standard input is a terminal.
+/// One object at a time, on the thread that starts and ends it; standard input is a terminal, and
+/// SIGINT has a handler that returns (see InterruptGuard).
 class Prompt {
 public:
     /// \p completer must outlive this object. \p historyFile may be empty: then no history is kept.
