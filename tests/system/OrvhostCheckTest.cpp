@@ -198,7 +198,7 @@ TEST_F(OrvhostCheckTest, Timeout_Exceeded_EndsTheScenarioAndOthersRun) {
     const TemporaryDirectory directory;
     const std::string pipe = (directory.path() / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const std::string endless = directory.file("endless.orv", "log\nload " + pipe + "\n");
+    const std::string endless = directory.file("endless.orv", "log\nsource " + pipe + "\n");
     const std::string good = directory.file("good.orv", "exists ManagedElement=Harbour\n");
     const auto result = runOrvhost(withHarbour({"check", "--timeout", "1", endless, good}));
     EXPECT_EQ(result.status, 1);
