@@ -183,6 +183,7 @@ TEST_F(OrvhostPromptTest, Tab_MoreNamesThanFit_TellsHowMany) {
     ASSERT_TRUE(terminal.waitFor("and 100 more")) << terminal.seen();
     terminal.type("299\t\r"); // one of those that are not shown
     EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)); // before it, Ctrl-D would get lost
     terminal.type(kControlD);
     EXPECT_EQ(terminal.finish(), 0);
 }
