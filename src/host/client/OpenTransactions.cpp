@@ -5,11 +5,20 @@
 
 #include "ClientErrors.h"
 #include "Suggestion.h"
+#include "base/TextScanner.h"
 
 #include <algorithm>
-#include <regex>
+#include <cctype>
 
 namespace OrvHost {
+
+namespace {
+
+bool isOfWord(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
+}
 
 void OpenTransactions::requireFree(const std::string& name) const {
     if (name.empty() || name.find_first_of(" \t\r\n") != std::string::npos) {
@@ -92,17 +101,23 @@ std::string OpenTransactions::prompt() {
 }
 
 std::string OpenTransactions::withNames(const std::string& text) const {
-    static const std::regex pattern(R"(\btransaction (\d{1,18})\b)");
+    static const std::string word = "transaction ";
     std::string result;
-    auto rest = text.cbegin();
-    for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end;
-         ++match) {
-        const auto phrase = mPhrases.find(std::stoul((*match)[1].str()));
-        result.append(rest, (*match)[0].first);
-        result += phrase != mPhrases.end() ? phrase->second : (*match)[0].str();
-        rest = (*match)[0].second;
+    std::size_t from = 0;
+    for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) {
+        const std::size_t number = at + word.size();
+        const std::size_t end = std::min(text.find_first_not_of("0123456789", number), text.size());
+        const auto handle = numberIn(std::string_view(text).substr(number, end - number));
+        const bool isWhole =
+            (at == 0 || !isOfWord(text[at - 1])) && (end == text.size() || !isOfWord(text[end]));
+        const auto phrase =
+            isWhole && handle ? mPhrases.find(static_cast<unsigned long>(*handle)) : mPhrases.end();
+        if (phrase != mPhrases.end()) {
+            result.append(text, from, at - from).append(phrase->second);
+            from = end;
+        }
     }
-    return result.append(rest, text.cend());
+    return result.append(text, from, std::string::npos);
 }
 
 }

@@ -7,6 +7,7 @@
 #include "ReadValue.h"
 #include "transactions/TransactionService.h"
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,9 @@
 #include <vector>
 
 namespace OrvHost {
+
+/// What is wrong with a number of values or references.
+enum class CountProblem : std::uint8_t { TooFew, TooMany };
 
 /// One message of a refusal, with the facts that a person needs to act on it. Facts that are not
 /// known are left out.
@@ -25,6 +29,7 @@ struct Violation {
     /// In words, or the values of the attribute; std::monostate: not known.
     std::variant<std::monostate, std::string, ReadValue> found;
     std::optional<std::string> allowed; ///< in words
+    std::optional<CountProblem> count;  ///< if it is about a number of values or references
 };
 
 /// A transaction that is not valid, or was not committed.

@@ -7,37 +7,166 @@
 #include "DnResolver.h"
 #include "ErrorExplainer.h"
 #include "MeIdTranslator.h"
+#include "base/TextScanner.h"
 
-#include <regex>
+#include <optional>
+#include <string_view>
 
 namespace OrvHost {
 
 namespace {
 
-/// The form of a message: the numbers of the parts that name the object and the attribute, 0 for
-/// none.
-struct MessageForm {
-    std::regex pattern;
-    std::size_t dn;
-    std::size_t attribute;
+/// What a message about an attribute of an object says.
+struct AttributeMessage {
+    std::string_view dn; ///< internal
+    std::string_view attribute;
+    std::optional<CountProblem> count{};
+    bool isAboutValues = false; ///< the count is that of the attribute's values
+    std::optional<long long> lower{};
 };
 
-// The component's messages about an attribute of an object; the last one is the router's.
-const std::vector<MessageForm>& attributeForms() {
-    static const std::vector<MessageForm> forms{
-        {std::regex(R"(Multiplicity of attribute (\S+) in (.+) is not in range \(.*\)\.)"), 2, 1},
-        {std::regex(R"(Attribute (\S+) in (.+) contains -?\d+ .* which is not within cardinality)"
-                    R"( range \(.*\)\.)"),
-         2, 1},
-        {std::regex(R"(Attribute (\S+) in (.+) is not a MO ref\.)"), 2, 1},
-        {std::regex(R"(\S+ is not a valid type for attribute (\S+) in (.*[^.])\.?)"), 2, 1},
-        {std::regex(R"((.+): the mandatory attribute '(\S+)' of class '\S+' has no value)"), 1, 2},
-    };
-    return forms;
+bool isWord(std::string_view text) {
+    return !text.empty() && text.find_first_of(" \t\r\n") == std::string_view::npos;
 }
 
-std::string toExternal(const std::string& dn) {
-    const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
+/// "(<lower>..<upper>)." at the end.
+std::optional<long long> takeLowerBound(TextScanner& text) {
+    if (!text.takeEnd(").")) {
+        return std::nullopt;
+    }
+    const auto bounds = text.afterLast("(");
+    return bounds ? numberIn(TextScanner(*bounds).before("..").value_or("")) : std::nullopt;
+}
+
+/// "Multiplicity of attribute <attribute> in <DN> is not in range (<lower>..<upper>)."
+std::optional<AttributeMessage> readMultiplicity(std::string_view message) {
+    TextScanner text(message);
+    if (!text.take("Multiplicity of attribute ")) {
+        return std::nullopt;
+    }
+    const auto lower = takeLowerBound(text);
+    const auto attribute = text.before(" in ");
+    if (!lower || !text.takeEnd(" is not in range ") || !attribute || !isWord(*attribute)) {
+        return std::nullopt;
+    }
+    return AttributeMessage{text.rest(), *attribute, {}, true, lower};
+}
+
+/// "Attribute <attribute> in <DN> contains <count> <class> which is not within cardinality range
+/// (<lower>..<upper>)."
+std::optional<AttributeMessage> readCardinality(std::string_view message) {
+    TextScanner text(message);
+    if (!text.take("Attribute ")) {
+        return std::nullopt;
+    }
+    const auto lower = takeLowerBound(text);
+    const auto attribute = text.before(" in ");
+    if (!lower || !text.takeEnd(" which is not within cardinality range ") || !attribute ||
+        !isWord(*attribute)) {
+        return std::nullopt;
+    }
+    TextScanner counted(text.afterLast(" contains ").value_or(""));
+    const auto count = numberIn(counted.before(" ").value_or(""));
+    if (!count) {
+        return std::nullopt;
+    }
+    return AttributeMessage{text.rest(), *attribute,
+                            *count < *lower ? CountProblem::TooFew : CountProblem::TooMany};
+}
+
+/// "Attribute <attribute> in <DN> is not a MO ref."
+std::optional<AttributeMessage> readNoReference(std::string_view message) {
+    TextScanner text(message);
+    if (!text.take("Attribute ") || !text.takeEnd(" is not a MO ref.")) {
+        return std::nullopt;
+    }
+    const auto attribute = text.before(" in ");
+    return attribute && isWord(*attribute)
+               ? std::optional(AttributeMessage{text.rest(), *attribute})
+               : std::nullopt;
+}
+
+/// "<class or reference> is not a valid type for attribute <attribute> in <DN>", with or without a
+/// full stop.
+std::optional<AttributeMessage> readWrongType(std::string_view message) {
+    TextScanner text(message);
+    if (!text.beforeLast(" is not a valid type for attribute ")) {
+        return std::nullopt;
+    }
+    const auto attribute = text.before(" in ");
+    text.takeEnd(".");
+    return attribute && isWord(*attribute) && !text.rest().empty()
+               ? std::optional(AttributeMessage{text.rest(), *attribute})
+               : std::nullopt;
+}
+
+/// The router's: "<DN>: the mandatory attribute '<attribute>' of class '<class>' has no value"
+std::optional<AttributeMessage> readMandatory(std::string_view message) {
+    TextScanner text(message);
+    if (!text.takeEnd("' has no value")) {
+        return std::nullopt;
+    }
+    const auto dn = text.beforeLast(": the mandatory attribute '");
+    const auto attribute = text.before("' of class '");
+    return dn && attribute && isWord(*attribute) ? std::optional(AttributeMessage{*dn, *attribute})
+                                                 : std::nullopt;
+}
+
+std::optional<AttributeMessage> readAttributeMessage(std::string_view message) {
+    for (const auto read :
+         {readMultiplicity, readCardinality, readNoReference, readWrongType, readMandatory}) {
+        if (auto found = read(message)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+struct MembersMessage {
+    std::string_view count;
+    std::string_view className;
+    std::string_view parent; ///< empty: the top level
+    std::string_view expected;
+};
+
+/// The router's: "there are <count> objects of class '<class>' under <DN>, expected <range>", or
+/// "at the top level".
+std::optional<MembersMessage> readMembers(std::string_view message) {
+    TextScanner text(message);
+    if (!text.take("there are ")) {
+        return std::nullopt;
+    }
+    MembersMessage found;
+    found.expected = text.afterLast(", expected ").value_or("");
+    found.count = text.before(" objects of class '").value_or("");
+    found.className = text.before("'").value_or("");
+    const bool isAtTop = text.rest() == " at the top level";
+    if (!isAtTop && text.take(" under ")) {
+        found.parent = text.rest();
+    }
+    return numberIn(found.count) && !found.expected.empty() && (isAtTop || !found.parent.empty())
+               ? std::optional(found)
+               : std::nullopt;
+}
+
+struct RuleMessage {
+    std::string_view dn;
+    std::string_view attribute;
+};
+
+/// "<DN>: attribute '<attribute>': <what the rule says>"
+std::optional<RuleMessage> readRule(std::string_view message) {
+    TextScanner text(message);
+    const auto dn = text.before(": attribute '");
+    const auto attribute = text.before("': ");
+    return dn && !dn->empty() && attribute && !attribute->empty() && !text.rest().empty()
+               ? std::optional(RuleMessage{*dn, *attribute})
+               : std::nullopt;
+}
+
+std::string toExternal(std::string_view internal) {
+    std::string dn(internal);
+    std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
     return external.empty() ? dn : external;
 }
 
@@ -94,28 +223,30 @@ ViolationExplainer::explain(const std::vector<ThreadContext::Message>& messages)
 Violation ViolationExplainer::explain(const std::string& message) {
     Violation violation;
     violation.message = message;
-    std::smatch parts;
-    for (const MessageForm& form : attributeForms()) {
-        if (std::regex_match(message, parts, form.pattern)) {
-            explainAttribute(toExternal(parts[form.dn]), parts[form.attribute], violation);
-            return violation;
+    if (const auto read = readAttributeMessage(message)) {
+        violation.count = read->count;
+        explainAttribute(toExternal(read->dn), std::string(read->attribute), violation);
+        const auto* found = std::get_if<ReadValue>(&violation.found);
+        if (read->isAboutValues && found != nullptr) {
+            violation.count = static_cast<long long>(found->slots.size()) < *read->lower
+                                  ? CountProblem::TooFew
+                                  : CountProblem::TooMany;
         }
+        return violation;
     }
-    static const std::regex rule(R"((.+?): attribute '([^']+)': (?:.|\n)+)");
-    static const std::regex unknown(R"((.+) does not correspond to a valid MO type\.)");
-    static const std::regex members(
-        R"(there are (\d+) objects of class '(\S+)'(?: under (.+)| at the top level), expected (\S+))");
-    static const std::regex conflict("the transaction met a conflict: (.+)");
-    if (std::regex_match(message, parts, rule)) {
-        explainRule(toExternal(parts[1]), parts[2], violation);
-    } else if (std::regex_match(message, parts, unknown)) {
-        explainClass(toExternal(parts[1]), violation);
-    } else if (std::regex_match(message, parts, members)) {
-        violation.object = parts[3].matched ? toExternal(parts[3]) : "/";
-        violation.found = parts[1].str() + " of class " + parts[2].str();
-        violation.allowed = parts[4].str();
-    } else if (std::regex_match(message, parts, conflict)) {
-        violation.found = ErrorExplainer(mSession).inClientsWords(parts[1]);
+    TextScanner unknown(message);
+    TextScanner conflict(message);
+    if (const auto rule = readRule(message)) {
+        explainRule(toExternal(rule->dn), std::string(rule->attribute), violation);
+    } else if (unknown.takeEnd(" does not correspond to a valid MO type.")) {
+        explainClass(toExternal(unknown.rest()), violation);
+    } else if (const auto members = readMembers(message)) {
+        violation.object = members->parent.empty() ? "/" : toExternal(members->parent);
+        violation.found =
+            std::string(members->count) + " of class " + std::string(members->className);
+        violation.allowed = std::string(members->expected);
+    } else if (conflict.take("the transaction met a conflict: ")) {
+        violation.found = ErrorExplainer(mSession).inClientsWords(std::string(conflict.rest()));
         violation.allowed = "nothing but to abort, and to do the same again in a new transaction";
     }
     return violation;

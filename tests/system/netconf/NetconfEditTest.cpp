@@ -79,6 +79,19 @@ TEST_F(NetconfEditTest, BothSides_InAnyOrder_GiveTheSame) {
     }
 }
 
+TEST_F(NetconfEditTest, LongNameThatLooksLikeANumberOfValues_IsNoneAndEndsNothing) {
+    const std::string name = "range (1.." + std::string(200000, 'x');
+    ASSERT_EQ(edit(equipment(tagged("Sector", tagged("sectorId", name)))), "ok");
+    EXPECT_THAT(ask(kValidate), AllOf(hasTag("operation-failed"), HasSubstr("the mandatory"),
+                                      HasSubstr("<attribute>azimuth</attribute>"),
+                                      Not(HasSubstr("error-app-tag"))));
+    ASSERT_EQ(ask("<discard-changes/>"), "ok");
+    const std::string number = "range (99999999999999999999..2)";
+    ASSERT_EQ(edit(equipment(tagged("Sector", tagged("sectorId", number)))), "ok");
+    EXPECT_THAT(ask(kValidate), AllOf(hasTag("operation-failed"), HasSubstr("the mandatory"),
+                                      Not(HasSubstr("error-app-tag"))));
+}
+
 TEST_F(NetconfEditTest, Validate_OfTooManyReferences_NamesThemToTheLetter) {
     ASSERT_EQ(edit(thirdUnit()), "ok");
     const std::string answer = ask(kValidate);

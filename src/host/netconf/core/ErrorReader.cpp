@@ -12,7 +12,6 @@
 #include "netconf/wire/XmlText.h"
 
 #include <new>
-#include <regex>
 
 namespace OrvHost {
 
@@ -55,24 +54,12 @@ std::string tagOf(OrvReturnT code, bool isAboutAttribute) {
     }
 }
 
-/// Too few or too many, if the message is about a number; otherwise empty.
+/// Empty if it is not about a number.
 std::string appTagOf(const Violation& violation) {
-    static const std::regex range(R"(range \((\d+)\.\.(\S+)\))");
-    static const std::regex contains(R"( contains (-?\d+) )");
-    std::smatch bounds;
-    if (!std::regex_search(violation.message, bounds, range)) {
+    if (!violation.count) {
         return "";
     }
-    std::smatch counted;
-    long long count = 0;
-    if (std::regex_search(violation.message, counted, contains)) {
-        count = std::stoll(counted[1]);
-    } else if (const auto* found = std::get_if<ReadValue>(&violation.found)) {
-        count = static_cast<long long>(found->slots.size());
-    } else {
-        return "";
-    }
-    return count < std::stoll(bounds[1]) ? "too-few-elements" : "too-many-elements";
+    return *violation.count == CountProblem::TooFew ? "too-few-elements" : "too-many-elements";
 }
 
 std::vector<std::string> foundTexts(const Violation& violation) {
@@ -147,9 +134,13 @@ public:
         RpcError error;
         error.tag = tagOf(refused.code(), !attribute.empty());
         error.path = instancePathOf(mSchema, dn, attribute);
-        error.message = codeText(refused.code()) + explanation(refused);
+        const std::string explained = explanation(refused);
+        error.message = codeText(refused.code()) + (explained.empty() ? "" : ": ") + explained;
         for (const ThreadContext::Message& message : refused.messages()) {
-            error.message += "\n" + ErrorExplainer(mSession).inClientsWords(message.text);
+            const std::string text = ErrorExplainer(mSession).inClientsWords(message.text);
+            if (text != explained) {
+                error.message += "\n" + text;
+            }
         }
         if (error.tag == "unknown-element") {
             error.info = errorInfo("bad-element", attribute);
@@ -176,8 +167,7 @@ private:
     // The explanation calls the component again; that must not hide the first error.
     std::string explanation(const OperationError& refused) {
         try {
-            const std::string text = ErrorExplainer(mSession).explain(refused);
-            return text.empty() ? "" : ": " + text;
+            return ErrorExplainer(mSession).explain(refused);
         } catch (const std::exception&) {
             return "";
         }

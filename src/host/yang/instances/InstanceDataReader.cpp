@@ -5,6 +5,7 @@
 
 #include "base/ByteOrderMark.h"
 #include "base/RootObject.h"
+#include "base/TextScanner.h"
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/Operations.h"
 #include "yang/instances/ParsedData.h"
@@ -21,7 +22,6 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <regex>
 #include <system_error>
 #include <utility>
 
@@ -214,8 +214,12 @@ ParsedData parseKnown(const std::string& text, LYD_FORMAT format, const YangCont
 
 /// The library's message for an operation in data.
 bool isAboutAnOperation(const Problem& problem) {
-    static const std::regex pattern("^Unexpected [^ ]+ element ");
-    return std::regex_search(problem.text, pattern);
+    TextScanner text(problem.text);
+    if (!text.take("Unexpected ")) {
+        return false;
+    }
+    const auto what = text.before(" ");
+    return what && !what->empty() && text.take("element ");
 }
 
 /// The lines of a text that was made from a file are not those of the file.

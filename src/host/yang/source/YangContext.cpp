@@ -3,6 +3,7 @@
 
 #include "YangContext.h"
 
+#include "base/TextScanner.h"
 #include "yang/source/Includes.h"
 #include "yang/source/LoadReport.h"
 #include "yang/source/MissingModules.h"
@@ -12,8 +13,8 @@
 #include <cstring>
 #include <new>
 #include <optional>
-#include <regex>
 #include <stdexcept>
+#include <string_view>
 
 namespace OrvHost {
 namespace {
@@ -60,18 +61,19 @@ LY_ERR provideModule(const char* module, const char* revision, const char* submo
 }
 
 int lineIn(const std::string& path) {
-    static const std::regex pattern("[Ll]ine number ([0-9]+)");
-    std::smatch match;
-    return std::regex_search(path, match, pattern) ? std::stoi(match[1]) : 0;
+    const std::string_view rest = TextScanner(path).afterLast("ine number ").value_or("");
+    const auto digits = rest.substr(0, rest.find_first_not_of("0123456789"));
+    return static_cast<int>(numberIn(digits).value_or(0));
 }
 
 std::string nodeIn(const std::string& path) {
-    static const std::regex pattern("(?:location \"([^\"]*)\")|^(/.*)$");
-    std::smatch match;
-    if (!std::regex_search(path, match, pattern)) {
-        return "";
+    TextScanner text(path);
+    if (text.before("location \"")) {
+        if (const auto node = text.before("\"")) {
+            return std::string(*node);
+        }
     }
-    return match[1].matched ? match[1].str() : match[2].str();
+    return path.compare(0, 1, "/") == 0 ? path : "";
 }
 
 std::string fileOf(const std::string& module, const ModuleFinder& finder) {
