@@ -517,6 +517,9 @@ class OptionsTest(unittest.TestCase):
         self.plain = self.folder / "plain"
         self.plain.write_text("carol:secret\n")
         self.plain.chmod(0o600)
+        self.setting = self.folder / "setting"
+        self.setting.write_text("carol:$6$abc\n")
+        self.setting.chmod(0o600)
 
     def refusal(self, *options):
         words = [ORVHOST, "-I", EXAMPLES / "models", "-m", "ran-element", "--ext-cm", EXT_CM]
@@ -537,6 +540,9 @@ class OptionsTest(unittest.TestCase):
             (("serve", "--netconf-passwords", self.open), "mode 0600 was expected"),
             (("serve", "--netconf-passwords", self.plain), "NAME:HASH was expected"),
             (("serve", "--netconf-unix", self.plain), "exists already"),
+            (("serve", "--netconf-passwords", self.setting), "NAME:HASH was expected"),
+            (("serve", "--netconf-unix", self.folder / "socket", "--netconf-read-only", "no one"),
+             "user no one, who may only read, cannot log in"),
             (("--netconf-unix", self.folder / "socket"), "can only be used with serve"),
             (("serve", "tree"), "serve cannot be combined with commands"),
         ):
@@ -616,6 +622,23 @@ class HostileTest(ServerCase):
             self.assertIn("<userLabel>Harbour</userLabel>", half.receive())
         for one in [*silent, *mute]:
             one.close()
+
+    def test_more_silent_clients_than_there_may_be_lock_nobody_out(self):
+        silent = [self.server.tcp() for _ in range(300)]
+        self.assert_serves()
+        for one in silent:
+            one.close()
+
+    def test_a_long_name_in_a_violation(self):
+        sector = "range (1.." + "x" * 300000
+        config = ('<ManagedElement xmlns="urn:orv:example:ran-element"><managedElementId>Harbour'
+                  '</managedElementId><Equipment xmlns="urn:orv:example:ran-equipment"><equipmentId>1'
+                  f'</equipmentId><Sector><sectorId>{sector}</sectorId></Sector></Equipment>'
+                  '</ManagedElement>')
+        reply = self.ssh().ask(rpc(f"<validate><source><config>{config}</config></source></validate>"))
+        self.assertIn("the mandatory attribute", reply)
+        self.assertNotIn("error-app-tag", reply)
+        self.assert_serves()
 
     def test_clients_that_vanish(self):
         for text in ("", HELLO, HELLO + GET_LABEL, HELLO + GET_LABEL[:70],

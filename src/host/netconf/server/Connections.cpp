@@ -5,6 +5,7 @@
 
 #include "ServerError.h"
 
+#include <algorithm>
 #include <exception>
 #include <system_error>
 #include <thread>
@@ -18,35 +19,68 @@ Connections::~Connections() {
     endAll(Deadline::max());
 }
 
-bool Connections::start(Descriptor socket, std::function<void(Descriptor socket)> serve) {
+std::size_t Connections::countOf(State state) const {
+    return static_cast<std::size_t>(
+        std::count_if(mConnections.begin(), mConnections.end(),
+                      [state](const Connection& one) { return one.state == state; }));
+}
+
+/// Clients that do not log in must not keep out those who do.
+void Connections::makeRoom() {
+    if (countOf(State::Waiting) < mLimits.waiting) {
+        return;
+    }
+    const auto oldest =
+        std::find_if(mConnections.begin(), mConnections.end(),
+                     [](const Connection& one) { return one.state == State::Waiting; });
+    shutdown(oldest->socket, SHUT_RDWR);
+    oldest->state = State::ShutDown;
+}
+
+bool Connections::enter(Connection& connection) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mIsEnding || connection.state == State::ShutDown ||
+        countOf(State::Entered) >= mLimits.entered) {
+        return false;
+    }
+    connection.state = State::Entered;
+    return true;
+}
+
+bool Connections::start(Descriptor socket, Serve serve) {
     const int known = fcntl(socket.get(), F_DUPFD_CLOEXEC, 0);
+    std::list<Connection>::iterator place;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        if (known < 0 || mIsEnding || mSockets.size() >= mLimit) {
+        // Those that were shut down end soon, but not at once.
+        const std::size_t threads = mLimits.entered + 2 * mLimits.waiting;
+        if (known < 0 || mIsEnding || mConnections.size() >= threads) {
             if (known >= 0) {
                 close(known);
             }
             return false;
         }
-        mSockets.insert(known);
+        makeRoom();
+        place = mConnections.insert(mConnections.end(), {known, State::Waiting});
     }
-    const auto forget = [this](int one) {
+    const auto forget = [this, place] {
         const std::lock_guard<std::mutex> lock(mMutex);
-        close(one);
-        mSockets.erase(mSockets.find(one));
+        close(place->socket);
+        mConnections.erase(place);
         mChanged.notify_all();
     };
     try {
-        std::thread([forget, known, serve = std::move(serve), own = std::move(socket)]() mutable {
+        std::thread([this, place, forget, serve = std::move(serve),
+                     own = std::move(socket)]() mutable {
             try {
-                serve(std::move(own));
+                serve(std::move(own), [this, place] { return enter(*place); });
             } catch (const std::exception& failure) {
                 logServer(3, std::string("a connection ends: ") + failure.what());
             }
-            forget(known);
+            forget();
         }).detach();
     } catch (const std::system_error&) {
-        forget(known);
+        forget();
         return false;
     }
     return true;
@@ -55,10 +89,10 @@ bool Connections::start(Descriptor socket, std::function<void(Descriptor socket)
 bool Connections::endAll(Deadline deadline) {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsEnding = true;
-    for (const int socket : mSockets) {
-        shutdown(socket, SHUT_RDWR);
+    for (const Connection& one : mConnections) {
+        shutdown(one.socket, SHUT_RDWR);
     }
-    const auto isDone = [this] { return mSockets.empty(); };
+    const auto isDone = [this] { return mConnections.empty(); };
     if (deadline == Deadline::max()) {
         mChanged.wait(lock, isDone); // wait_until would add to the end of time
         return true;

@@ -9,39 +9,61 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <list>
 #include <mutex>
-#include <set>
 
 namespace OrvHost {
 
 using Deadline = std::chrono::steady_clock::time_point;
+
+/// How many connections there may be at a time.
+struct ConnectionLimits {
+    std::size_t entered; ///< whose user is known; more are refused
+    std::size_t waiting; ///< whose user is not known; for one more the oldest of them is shut down
+};
 
 /// The connections of clients, each served on a thread of its own.
 ///
 /// Any thread.
 class Connections {
 public:
-    explicit Connections(std::size_t limit) : mLimit(limit) {}
+    explicit Connections(ConnectionLimits limits) : mLimits(limits) {}
     /// As endAll(), and waits as long as it takes.
     ~Connections();
     Connections(const Connections&) = delete;
     Connections& operator=(const Connections&) = delete;
 
+    /// To be called when the user of a connection is known. If it is false, the connection must
+    /// end: there are too many, or it was shut down.
+    using Enter = std::function<bool()>;
+    using Serve = std::function<void(Descriptor socket, const Enter& enter)>;
+
     /// Runs \p serve on a thread. It takes over the socket, and must end soon after its connection
-    /// is shut down. False, with the socket closed, if there are too many connections, or all are
-    /// ended.
-    bool start(Descriptor socket, std::function<void(Descriptor socket)> serve);
+    /// is shut down. False, with the socket closed, if there are too many threads, or all
+    /// connections are ended.
+    bool start(Descriptor socket, Serve serve);
 
     /// Shuts all connections down and waits for their threads, until \p deadline at most. False if
     /// some are still at work then; they are still served, and this object must stay.
     bool endAll(Deadline deadline);
 
 private:
-    const std::size_t mLimit;
+    enum class State : std::uint8_t { Waiting, Entered, ShutDown };
+    struct Connection {
+        int socket; ///< a duplicate of the connection's, so that it stays valid
+        State state;
+    };
+
+    std::size_t countOf(State state) const;
+    void makeRoom();
+    bool enter(Connection& connection);
+
+    const ConnectionLimits mLimits;
     std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;
-    std::multiset<int> mSockets; ///< duplicates of the connections', so that they stay valid
+    std::list<Connection> mConnections; ///< the oldest first
     bool mIsEnding = false;
 };
 

@@ -6,6 +6,7 @@
 #include "ServerError.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -19,9 +20,11 @@ namespace OrvHost {
 namespace {
 
 // The file is made with its mode before the key is written into it, so that nobody can open it
-// meanwhile.
+// meanwhile; and it gets its name when it is complete, because a server that finds half a key
+// cannot start.
 void makeKey(const std::string& path) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const std::string unfinished = path + "." + std::to_string(getpid()) + ".tmp";
+    const int fd = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd < 0) {
         throw ServerError(path + ": the server's key cannot be written: " +
                           std::generic_category().message(errno));
@@ -30,10 +33,11 @@ void makeKey(const std::string& path) {
     ssh_key key = nullptr;
     const bool isMade =
         ssh_pki_generate(SSH_KEYTYPE_ECDSA_P256, 256, &key) == SSH_OK &&
-        ssh_pki_export_privkey_file(key, nullptr, nullptr, nullptr, path.c_str()) == SSH_OK;
+        ssh_pki_export_privkey_file(key, nullptr, nullptr, nullptr, unfinished.c_str()) == SSH_OK &&
+        rename(unfinished.c_str(), path.c_str()) == 0;
     ssh_key_free(key);
     if (!isMade) {
-        unlink(path.c_str());
+        unlink(unfinished.c_str());
         throw ServerError(path + ": the server's key cannot be made");
     }
     logServer(6, "made a new key of the server: " + path);

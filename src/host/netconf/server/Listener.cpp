@@ -136,10 +136,20 @@ std::string peerName(int socket) {
     return found != nullptr ? found->pw_name : std::to_string(peer.uid);
 }
 
-Listener::Listener(Descriptor socket, std::size_t limit, Serve serve)
+bool isSystemUser(const std::string& name) {
+    std::vector<char> buffer(16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    getpwnam_r(name.c_str(), &entry, buffer.data(), buffer.size(), &found);
+    const bool isNumber =
+        !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
+    return found != nullptr || isNumber;
+}
+
+Listener::Listener(Descriptor socket, ConnectionLimits limits, Serve serve)
     : mSocket(std::move(socket)),
       mServe(std::move(serve)),
-      mConnections(limit),
+      mConnections(limits),
       mThread([this] { acceptAll(); }) {}
 
 Listener::~Listener() {
@@ -174,9 +184,9 @@ void Listener::acceptAll() {
         const int on = 1;
         setsockopt(accepted.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
         const std::string from = textOf(address, size);
-        const bool isStarted =
-            mConnections.start(std::move(accepted), [this, from](Descriptor socket) {
-                mServe(std::move(socket), from);
+        const bool isStarted = mConnections.start(
+            std::move(accepted), [this, from](Descriptor socket, const Connections::Enter& enter) {
+                mServe(std::move(socket), from, enter);
             });
         if (!isStarted) {
             logServer(4, "a connection from " + from + " is refused: too many are open");

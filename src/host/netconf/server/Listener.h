@@ -26,10 +26,12 @@ struct NetAddress {
 /// Accepts connections on a thread of its own and gives each to a function on another thread.
 class Listener {
 public:
-    using Serve = std::function<void(Descriptor socket, const std::string& from)>;
+    /// See Connections::start.
+    using Serve = std::function<void(Descriptor socket, const std::string& from,
+                                     const Connections::Enter& enter)>;
 
     /// \p socket listens.
-    Listener(Descriptor socket, std::size_t limit, Serve serve);
+    Listener(Descriptor socket, ConnectionLimits limits, Serve serve);
     /// As end(), and waits as long as it takes.
     ~Listener();
     Listener(const Listener&) = delete;
@@ -55,6 +57,9 @@ Descriptor listenAt(const NetAddress& address);
 /// A socket that listens at a path; only its owner can connect. A socket that is left there from a
 /// server that does not run any more is replaced. Throws ServerError.
 Descriptor listenAt(const std::string& path);
+
+/// True if a peer can have that name: see peerName.
+bool isSystemUser(const std::string& name);
 
 /// The name of the user at the other end of a UNIX socket, or its number if it has no name.
 std::string peerName(int socket);

@@ -17,8 +17,8 @@ namespace OrvHost {
 
 namespace {
 
-/// Connections of one listener at a time, those included whose user is not known yet.
-constexpr std::size_t kConnections = 256;
+/// Of one listener.
+constexpr ConnectionLimits kConnections{256, 64};
 
 UserTable usersOf(const ServerOptions& options) {
     UserTable users;
@@ -29,6 +29,12 @@ UserTable usersOf(const ServerOptions& options) {
         users.addPasswords(options.passwordFile);
     }
     for (const std::string& name : options.readOnlyUsers) {
+        if (!users.isKnown(name) && !(options.unixPath && isSystemUser(name))) {
+            throw ServerError("user " + name +
+                              ", who may only read, cannot log in: a name was "
+                              "expected that has a key or a password" +
+                              (options.unixPath ? ", or a user of this machine" : ""));
+        }
         users.setReadOnly(name);
     }
     return users;
@@ -74,6 +80,7 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
                               "a file of passwords");
         }
         const NetAddress address = NetAddress::parse(*options.sshAddress);
+        Descriptor listening = listenAt(address);
         if (!address.isLoopback()) {
             logServer(4, address.host + " is no loopback address: others than this machine can "
                                         "reach the server");
@@ -85,15 +92,20 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
                 parts.hub.serve(std::move(channel), user, from);
             });
         parts.ssh = std::make_unique<Listener>(
-            listenAt(address), kConnections, [&parts](Descriptor socket, const std::string& from) {
-                parts.front->serve(std::move(socket), from);
+            std::move(listening), kConnections,
+            [&parts](Descriptor socket, const std::string& from, const Connections::Enter& enter) {
+                parts.front->serve(std::move(socket), from, enter);
             });
     }
     if (options.unixPath) {
         parts.localPath = *options.unixPath;
         parts.local = std::make_unique<Listener>(
             listenAt(parts.localPath), kConnections,
-            [&parts](Descriptor socket, const std::string& from) {
+            [&parts](Descriptor socket, const std::string& from, const Connections::Enter& enter) {
+                if (!enter()) {
+                    logServer(4, "a connection from " + from + " is refused: too many are open");
+                    return;
+                }
                 const std::string name = peerName(socket.get());
                 parts.hub.serve(std::move(socket), parts.users.named(name), from);
             });

@@ -89,7 +89,7 @@ public:
         mDeadline = Clock::time_point::max();
         while (true) {
             if (!readChannel() || !writeInner(inner) || !writeChannel(inner) ||
-                mUnanswered > mLimits.unanswered) {
+                unanswered() > mLimits.unanswered) {
                 break;
             }
             const bool hasRoom = ssh_channel_window_size(mChannel) > 0;
@@ -108,8 +108,8 @@ public:
             }
             mIsInnerOver = mIsInnerOver || (mInnerEvents & POLLHUP) != 0;
         }
-        if (mUnanswered > mLimits.unanswered) {
-            logServer(4, mUser + " from " + mFrom + ": " + std::to_string(mUnanswered) +
+        if (unanswered() > mLimits.unanswered) {
+            logServer(4, mUser + " from " + mFrom + ": " + std::to_string(unanswered()) +
                              " bytes of requests without an answer, which is too many");
         }
         ssh_channel_request_send_exit_status(mChannel, 0);
@@ -173,6 +173,13 @@ private:
             mUnanswered += static_cast<std::size_t>(got);
         }
         return ssh_channel_is_open(mChannel) != 0;
+    }
+
+    /// The bytes of requests since the last reply. libssh also takes what a client sends without
+    /// room in the window.
+    std::size_t unanswered() const {
+        const int waiting = ssh_channel_poll(mChannel, 0);
+        return mUnanswered + (waiting > 0 ? static_cast<std::size_t>(waiting) : 0);
     }
 
     /// True if the channel holds what came before, or its end, and there is room for it. No event
@@ -312,7 +319,7 @@ ssh_session SshFront::accept(Descriptor socket) {
     return session;
 }
 
-void SshFront::serve(Descriptor socket, const std::string& from) {
+void SshFront::serve(Descriptor socket, const std::string& from, const Connections::Enter& enter) {
     ssh_session session = accept(std::move(socket));
     if (session == nullptr) {
         return;
@@ -320,6 +327,11 @@ void SshFront::serve(Descriptor socket, const std::string& from) {
     const auto connection = std::make_unique<Connection>(session, mUsers, mLimits, from);
     if (!connection->login()) {
         logServer(6, "a connection from " + from + " ends without a session");
+        return;
+    }
+    if (!enter()) {
+        logServer(4, "a session of " + connection->user() + " from " + from +
+                         " is refused: too many are open");
         return;
     }
     std::array<int, 2> ends{};

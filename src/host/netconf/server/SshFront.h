@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_NETCONF_SERVER_SSHFRONT_H
 #define ORV_HOST_NETCONF_SERVER_SSHFRONT_H
 
+#include "netconf/server/Connections.h"
 #include "netconf/server/Descriptor.h"
 #include "netconf/server/UserTable.h"
 
@@ -43,8 +44,8 @@ public:
     SshFront(const SshFront&) = delete;
     SshFront& operator=(const SshFront&) = delete;
 
-    /// Serves a connection until it ends.
-    void serve(Descriptor socket, const std::string& from);
+    /// Serves a connection until it ends. \p enter: see Connections.
+    void serve(Descriptor socket, const std::string& from, const Connections::Enter& enter);
 
 private:
     ssh_session accept(Descriptor socket);

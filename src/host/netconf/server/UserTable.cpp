@@ -83,7 +83,8 @@ void UserTable::addPasswords(const std::string& file) {
             continue;
         }
         const std::string hash = colon != std::string::npos ? line.substr(colon + 1) : "";
-        if (colon == 0 || hash.size() < 3 || hash.front() != '$' || hashOf("", hash).empty()) {
+        if (colon == 0 || hash.size() < 3 || hash.front() != '$' ||
+            hashOf("", hash).size() != hash.size()) {
             throw ServerError(file + ": NAME:HASH was expected, with a hash of crypt(3) as "
                                      "'openssl passwd -6' prints it");
         }

@@ -30,6 +30,10 @@ public:
     void addPasswords(const std::string& file);
     void setReadOnly(const std::string& user) { mReadOnly.insert(user); }
 
+    /// True if that user can log in by a key or a password.
+    bool isKnown(const std::string& user) const {
+        return mKeys.count(user) != 0 || mHashes.count(user) != 0;
+    }
     bool isEmpty() const { return mKeys.empty() && mHashes.empty(); }
     bool hasKey(const std::string& user, ssh_key key) const;
     /// Takes the same time whether there is such a user or not.
