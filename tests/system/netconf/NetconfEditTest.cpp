@@ -79,6 +79,46 @@ TEST_F(NetconfEditTest, BothSides_InAnyOrder_GiveTheSame) {
     }
 }
 
+TEST_F(NetconfEditTest, KilledSession_HasNoLockWhenTheAnswerComes) {
+    for (const char* store : {"running", "candidate"}) {
+        const std::string lock = tagged("lock", tagged("target", "<" + std::string(store) + "/>"));
+        ASSERT_EQ(ask(bob, lock), "ok");
+        ASSERT_THAT(ask(lock), hasTag("lock-denied"));
+    }
+    ASSERT_EQ(ask("<kill-session><session-id>2</session-id></kill-session>"), "ok");
+    EXPECT_EQ(ask("<lock><target><running/></target></lock>"), "ok");
+    EXPECT_EQ(ask("<lock><target><candidate/></target></lock>"), "ok");
+}
+
+TEST_F(NetconfEditTest, CancelledSession_GetsNoLockAndEditsNothing) {
+    bob.client().cancellation().cancel();
+    EXPECT_THAT(ask(bob, "<lock><target><running/></target></lock>"), hasTag("operation-failed"));
+    for (const char* store : {"running", "candidate"}) {
+        const std::string config = radioUnit("9", tagged("antennaRef", antenna(2, 1)));
+        EXPECT_THAT(ask(bob, "<edit-config>" + tagged("target", "<" + std::string(store) + "/>") +
+                                 tagged("config", config) + "</edit-config>"),
+                    hasTag("operation-failed"));
+    }
+    EXPECT_EQ(ask("<lock><target><candidate/></target></lock>"), "ok") << "it has no changes";
+}
+
+TEST_F(NetconfEditTest, EditThatChangesNothing_LeavesTheCandidateUnchanged) {
+    ASSERT_EQ(edit(element("")), "ok");
+    EXPECT_EQ(ask("<lock><target><candidate/></target></lock>"), "ok");
+}
+
+TEST_F(NetconfEditTest, WhatOnlyTests_NeedsNoLock) {
+    ASSERT_EQ(ask(bob, "<lock><target><running/></target></lock>"), "ok");
+    const std::string unit = element("<userLabel>Old harbour</userLabel>");
+    EXPECT_EQ(edit(unit, "running", "<test-option>test-only</test-option>"), "ok");
+    EXPECT_THAT(edit(unit, "running"), hasTag("in-use"));
+}
+
+TEST_F(NetconfEditTest, SameLeafTwice_IsRefused) {
+    EXPECT_THAT(edit(element("<userLabel>a</userLabel><userLabel>b</userLabel>")),
+                AllOf(hasTag("bad-element"), HasSubstr("userLabel")));
+}
+
 TEST_F(NetconfEditTest, LongNameThatLooksLikeANumberOfValues_IsNoneAndEndsNothing) {
     const std::string name = "range (1.." + std::string(200000, 'x');
     ASSERT_EQ(edit(equipment(tagged("Sector", tagged("sectorId", name)))), "ok");

@@ -85,7 +85,7 @@ void Datastores::edit(NetconfSession& session, Datastore target, EditMode mode,
 
 void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish) {
     const std::lock_guard<std::mutex> lock(mRunningMutex);
-    requireUnlocked(session, Datastore::Running);
+    requireMayEdit(session, Datastore::Running, mode);
     ClientSession& client = session.client();
     OwnTransaction transaction(mHost, session.author());
     const unsigned long handle = transaction.handle();
@@ -100,15 +100,17 @@ void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeW
 }
 
 void Datastores::editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish) {
-    const std::lock_guard<std::mutex> lock(mCandidateMutex);
-    requireUnlocked(session, Datastore::Candidate);
+    // If the write is refused half-way, the edits before are made again. An edit of running must
+    // not get between that.
+    const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
+    requireMayEdit(session, Datastore::Candidate, mode);
     beginCandidate(session.author());
     ClientState before(mCandidateClients.version3(), *mHandle);
     bool isWriting = false;
     try {
         const Wish made = wish(before);
         const EditPlan plan = EditPlanner(mHost.model()).plan(made, before);
-        if (mode == EditMode::Write) {
+        if (mode == EditMode::Write && !plan.calls.empty()) {
             isWriting = true;
             runPlan(plan, mHost.model(), mCandidateClients, *mHandle);
             mAccepted.push_back(made);
@@ -203,6 +205,7 @@ void Datastores::replay(const std::string& author) {
 void Datastores::lock(NetconfSession& session, Datastore store) {
     // A lock is not given while an edit of the datastore is at work.
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex, mLockMutex);
+    session.client().cancellation().throwIfCancelled();
     const auto found = mLocks.find(store);
     if (found != mLocks.end()) {
         RpcError error = protocolError("lock-denied", "session " + std::to_string(found->second) +
@@ -229,11 +232,11 @@ void Datastores::unlock(NetconfSession& session, Datastore store) {
     mLocks.erase(found);
 }
 
-void Datastores::end(NetconfSession& session) {
+void Datastores::end(std::uint32_t sessionId) {
     const std::lock_guard<std::mutex> candidate(mCandidateMutex);
     const std::lock_guard<std::mutex> lock(mLockMutex);
     for (auto one = mLocks.begin(); one != mLocks.end();) {
-        if (one->second != session.id()) {
+        if (one->second != sessionId) {
             ++one;
             continue;
         }
@@ -250,7 +253,15 @@ std::optional<std::uint32_t> Datastores::lockedBy(Datastore store) const {
     return found != mLocks.end() ? std::optional(found->second) : std::nullopt;
 }
 
-void Datastores::requireUnlocked(const NetconfSession& session, Datastore store) const {
+void Datastores::requireMayEdit(NetconfSession& session, Datastore store, EditMode mode) const {
+    if (mode == EditMode::Write) {
+        requireUnlocked(session, store);
+    }
+}
+
+void Datastores::requireUnlocked(NetconfSession& session, Datastore store) const {
+    // The locks of a killed session are released while it may still be at work.
+    session.client().cancellation().throwIfCancelled();
     const auto owner = lockedBy(store);
     if (owner && *owner != session.id()) {
         throw RpcErrors(protocolError("in-use", "session " + std::to_string(*owner) +

@@ -71,14 +71,17 @@ public:
 
     void lock(NetconfSession& session, Datastore store);
     void unlock(NetconfSession& session, Datastore store);
-    /// Releases what the session has locked. A candidate that it had locked is discarded.
-    void end(NetconfSession& session);
+    /// Releases what the session has locked. A candidate that it had locked is discarded. A session
+    /// that was cancelled before gets no lock any more.
+    void end(std::uint32_t sessionId);
 
     /// The session that has locked a datastore, or nothing.
     std::optional<std::uint32_t> lockedBy(Datastore store) const;
 
 private:
-    void requireUnlocked(const NetconfSession& session, Datastore store) const;
+    /// What only tests an edit needs no lock.
+    void requireMayEdit(NetconfSession& session, Datastore store, EditMode mode) const;
+    void requireUnlocked(NetconfSession& session, Datastore store) const;
     void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void beginCandidate(const std::string& author);
@@ -90,7 +93,7 @@ private:
     mutable std::mutex mLockMutex; ///< guards mLocks
     std::map<Datastore, std::uint32_t> mLocks;
 
-    std::mutex mRunningMutex; ///< one edit of running at a time
+    std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
 
     std::mutex mCandidateMutex; ///< guards all below
     Clients mCandidateClients;

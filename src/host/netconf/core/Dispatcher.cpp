@@ -94,6 +94,8 @@ Dispatcher::Dispatcher(Host& host, const WireModel& model, Kill kill)
     : mHost(host), mModel(model), mStores(host), mReader(model, mStores), mKill(std::move(kill)) {}
 
 RpcReply Dispatcher::answer(NetconfSession& session, lyd_node* request) {
+    // What the library said of requests that did not come here is not about this one.
+    static_cast<void>(mModel.context().takeMessages());
     try {
         return dispatch(session, request);
     } catch (const std::exception&) {
@@ -244,13 +246,15 @@ RpcReply Dispatcher::getSchema(const lyd_node* request) const {
     return {{}, xmlEscaped(*text)};
 }
 
-RpcReply Dispatcher::kill(NetconfSession& session, const lyd_node* request) const {
+RpcReply Dispatcher::kill(NetconfSession& session, const lyd_node* request) {
     const auto id = static_cast<std::uint32_t>(std::stoul(textOf(request, "session-id")));
     if (id == session.id() || !mKill(id, session)) {
         refuse("protocol", "invalid-value",
                id == session.id() ? "a session ends itself with close-session"
                                   : "there is no session " + std::to_string(id));
     }
+    // Its own thread can still be at work for long.
+    mStores.end(id);
     return {};
 }
 

@@ -33,7 +33,7 @@ struct RpcReply {
 /// Any thread, each session on one.
 class Dispatcher {
 public:
-    /// Ends another session and says whether there was one. \p by is the session that wants it.
+    /// Cancels another session and says whether there was one. \p by is the session that wants it.
     using Kill = std::function<bool(std::uint32_t session, const NetconfSession& by)>;
 
     /// All is borrowed.
@@ -44,7 +44,7 @@ public:
     RpcReply answer(NetconfSession& session, lyd_node* request);
 
     /// Call it when a session ends, however it does.
-    void end(NetconfSession& session) { mStores.end(session); }
+    void end(NetconfSession& session) { mStores.end(session.id()); }
 
     const WireModel& model() const { return mModel; }
 
@@ -56,7 +56,7 @@ private:
     RpcReply copyConfig(NetconfSession& session, const lyd_node* request);
     RpcReply validate(NetconfSession& session, const lyd_node* request);
     RpcReply getSchema(const lyd_node* request) const;
-    RpcReply kill(NetconfSession& session, const lyd_node* request) const;
+    RpcReply kill(NetconfSession& session, const lyd_node* request);
     void replaceAll(NetconfSession& session, Datastore target, EditMode mode,
                     const lyd_node* config);
 

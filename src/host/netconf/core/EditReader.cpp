@@ -181,6 +181,7 @@ void EditReader::readContents(const lyd_node* first, Object& object, EditOperati
         if (mModel.objectAt(node->schema) != nullptr) {
             object.children.push_back(node);
         } else if (const ValueShape* shape = mModel.valueAt(node->schema)) {
+            refuseSecond(node, *shape);
             apply(attributeOf(object, *shape), node, *shape, operation);
         } else if (!mModel.isTransparent(node->schema)) {
             refuse(node, "operation-not-supported",
@@ -355,6 +356,10 @@ void EditReader::applyToStruct(AttributeValue& values, const lyd_node* node,
         refuse(node, "data-missing", "<" + nodeName(node) + "> does not exist");
         return;
     }
+    if (operation == EditOperation::None && shape.isMultiple && !isThere) {
+        refuse(node, "data-missing", "<" + nodeName(node) + "> does not exist");
+        return;
+    }
     if (takesAway(operation)) {
         if (isThere) {
             list.erase(found);
@@ -397,6 +402,7 @@ void EditReader::readMembers(StructValue& value, const lyd_node* node, const Val
         if (isWithoutValue) {
             applyToLeaf(place->second, child, *member, *ownOperation(child));
         } else {
+            refuseSecond(child, *member);
             apply(place->second, child, *member, operation);
         }
     }
@@ -404,6 +410,13 @@ void EditReader::readMembers(StructValue& value, const lyd_node* node, const Val
         std::remove_if(value.members.begin(), value.members.end(),
                        [](const NamedValue& one) { return one.second.values.empty(); }),
         value.members.end());
+}
+
+void EditReader::refuseSecond(const lyd_node* node, const ValueShape& shape) {
+    if (!shape.isMultiple && !mSeen.insert({node->parent, node->schema}).second) {
+        refuse(node, "bad-element", "<" + nodeName(node) + "> stands here twice");
+        mErrors.back().info = errorInfo("bad-element", nodeName(node));
+    }
 }
 
 void EditReader::refuse(const lyd_node* node, const std::string& tag, const std::string& message) {

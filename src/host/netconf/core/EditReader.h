@@ -10,10 +10,13 @@
 #include "netconf/wire/RpcError.h"
 #include "netconf/wire/WireModel.h"
 
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct lyd_node;
+struct lysc_node;
 
 namespace OrvHost {
 
@@ -59,6 +62,8 @@ private:
                      EditOperation operation);
     void insert(AttributeValue& values, const lyd_node* node, Value value);
 
+    /// Refuses a second element of what there can be only one of.
+    void refuseSecond(const lyd_node* node, const ValueShape& shape);
     void refuse(const lyd_node* node, const std::string& tag, const std::string& message);
 
     const WireModel& mModel;
@@ -66,6 +71,8 @@ private:
     StateBefore& mBefore;
     Wish mWish;
     std::vector<RpcError> mErrors;
+    /// Elements that can stand once in their parent.
+    std::set<std::pair<const void*, const lysc_node*>> mSeen;
 };
 
 }
