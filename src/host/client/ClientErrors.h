@@ -67,6 +67,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Objects at the top level that clients cannot list: they see all objects there under the name of
+/// the element at the root.
+class UnlistedTopError : public RequestError {
+public:
+    using RequestError::RequestError;
+};
+
 /// No started component offers a table that the client needs.
 class NotOfferedError : public std::runtime_error {
 public:

@@ -9,9 +9,10 @@ namespace OrvHost {
 
 void requireNoneAtTop(Client& client, unsigned long txHandle, const std::string& className) {
     if (client.count(txHandle, "", className) > 0) {
-        throw RequestError("the objects of class " + className +
-                           " at the top level cannot be listed, so the whole tree cannot be read "
-                           "or replaced; name each of them by its own DN");
+        throw UnlistedTopError(
+            "the objects of class " + className +
+            " at the top level cannot be listed, so the whole tree cannot be read "
+            "or replaced; name each of them by its own DN");
     }
 }
 

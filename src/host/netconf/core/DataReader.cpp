@@ -92,7 +92,10 @@ std::string DataReader::select(const std::string& objects, const DataRequest& re
     if (tree == nullptr) {
         return "";
     }
-    if (lyd_find_xpath(tree.get(), request.xpath.c_str(), &set) != LY_SUCCESS) {
+    if (request.xpath == "/") { // the root is no node of the library
+        return print(tree.get());
+    }
+    if (lyd_find_xpath3(nullptr, tree.get(), request.xpath.c_str(), nullptr, &set) != LY_SUCCESS) {
         fail(context, "the expression cannot be evaluated");
     }
     const std::unique_ptr<ly_set, SetDeleter> found(set);

@@ -201,6 +201,8 @@ std::vector<RpcError> errorsOf(const std::exception_ptr& error, const YangSchema
         return reader.read(failure, failure.call().dn);
     } catch (const OperationError& failure) {
         return reader.read(failure, failure.subject().dn);
+    } catch (const UnlistedTopError& failure) {
+        return {plain("operation-not-supported", failure.what())};
     } catch (const CancelledError&) {
         return {plain("operation-failed", "the session or the server is ending")};
     } catch (const std::bad_alloc&) {

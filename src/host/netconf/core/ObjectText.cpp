@@ -170,8 +170,11 @@ private:
     }
 
     bool isText(const Value& value, const ValueShape& shape, const FilterNode& node) const {
-        return shape.kind != ValueKind::Struct &&
-               encodeValue(value, shape.node, mModel.schema().context()).text == node.text;
+        if (shape.kind == ValueKind::Struct) {
+            return false;
+        }
+        const EncodedValue encoded = encodeValue(value, shape.node, mModel.schema().context());
+        return encoded.text == (encoded.isIdentity ? node.identity : node.text);
     }
 
     bool holds(const AttributeValue& value, const ValueShape& shape, const FilterNode& node) const {
@@ -261,15 +264,25 @@ public:
             .read(
                 dn,
                 [this](const ObjectState& object) {
-                    open(object.dn, valuesToSave(object, mOnlyConfig));
+                    if (mLeftOut > 0 || isLeftOut(object.dn)) {
+                        ++mLeftOut;
+                    } else {
+                        open(object.dn, valuesToSave(object, mOnlyConfig));
+                    }
                 },
-                [this] { mStream.close(); });
+                [this] {
+                    if (mLeftOut > 0) {
+                        --mLeftOut;
+                    } else {
+                        mStream.close();
+                    }
+                });
     }
 
     void writeSelected(const std::string& dn, const ObjectShape* shape, const Filters& filters) {
         for (const ObjectShape* child : mModel.schema().childrenOf(shape)) {
             const Filters about = filtersAbout(*child, filters);
-            if (about.empty()) {
+            if (about.empty() || isLeftOut(*child)) {
                 continue;
             }
             for (const std::string& name : namesOf(dn, *child, about)) {
@@ -282,6 +295,15 @@ public:
     void finish() { mStream.finish(); }
 
 private:
+    bool isLeftOut(const ObjectShape& shape) const {
+        return mOnlyConfig && (shape.list->flags & LYS_CONFIG_W) == 0;
+    }
+
+    bool isLeftOut(const std::string& dn) const {
+        const ObjectShape* shape = mOnlyConfig ? mModel.schema().findByDn(dn) : nullptr;
+        return shape != nullptr && isLeftOut(*shape);
+    }
+
     /// The filters for the objects of a class, from inside the containers around them.
     static Filters filtersAbout(const ObjectShape& shape, Filters filters) {
         for (const lysc_node* wrapper : shape.wrappers) {
@@ -381,6 +403,7 @@ private:
     bool mOnlyConfig;
     InstanceDataStream mStream;
     std::vector<Waiting> mWaiting;
+    std::size_t mLeftOut = 0; ///< open objects that are not written: the first one and those below
 };
 
 }

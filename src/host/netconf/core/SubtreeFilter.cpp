@@ -4,6 +4,7 @@
 #include "SubtreeFilter.h"
 
 #include <libyang/libyang.h>
+#include <libyang/plugins_types.h>
 
 #include <algorithm>
 
@@ -15,6 +16,18 @@ std::string withoutBlanks(const std::string& text) {
     const std::size_t begin = text.find_first_not_of(" \t\r\n");
     const std::size_t end = text.find_last_not_of(" \t\r\n");
     return begin == std::string::npos ? "" : text.substr(begin, end - begin + 1);
+}
+
+/// A prefix that the client has declared, as the modules write it. Other texts stay as they are.
+std::string withModule(const std::string& text, const lyd_node* node) {
+    const std::size_t colon = text.find(':');
+    if (node->schema != nullptr || colon == std::string::npos) {
+        return text;
+    }
+    const auto* opaque = reinterpret_cast<const lyd_node_opaq*>(node);
+    const lys_module* module = lyplg_type_identity_module(opaque->ctx, nullptr, text.c_str(), colon,
+                                                          opaque->format, opaque->val_prefix_data);
+    return module != nullptr ? module->name + text.substr(colon) : text;
 }
 
 FilterNode readNode(const lyd_node* node) {
@@ -33,6 +46,7 @@ FilterNode readNode(const lyd_node* node) {
     if (read.children.empty() && !isInner) {
         const char* const value = lyd_get_value(node);
         read.text = withoutBlanks(value != nullptr ? value : "");
+        read.identity = withModule(read.text, node);
     }
     return read;
 }

@@ -18,6 +18,9 @@ struct FilterNode {
     std::string nameSpace; ///< empty: any
     std::string name;
     std::string text; ///< of an element without children: the value that is wanted; empty: any
+    /// The text with the name of the module in place of the prefix, if it can be an identity. Nodes
+    /// of the library have it so in any case.
+    std::string identity;
     std::vector<FilterNode> children;
 
     /// True if the node of the modules can be the one that is meant.
