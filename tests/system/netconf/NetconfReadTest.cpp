@@ -5,6 +5,8 @@
 
 #include "DispatcherScene.h"
 
+#include <libyang/libyang.h>
+
 namespace OrvHost {
 namespace {
 
@@ -104,6 +106,29 @@ TEST_F(NetconfReadTest, XPath_SelectsNodesWithTheirKeys) {
     EXPECT_EQ(answer, equipment("<RadioUnit><radioUnitId>2</radioUnitId>"
                                 "<userLabel>Terminal roof</userLabel></RadioUnit>") +
                           "\n");
+}
+
+TEST_F(NetconfReadTest, XPath_BeginsAtTheRoot) {
+    const auto select = [this](const std::string& path) {
+        return ask(R"(<get-config><source><running/></source><filter type="xpath")"
+                   R"( xmlns:m="urn:orv:example:ran-element" select=")" +
+                   path + R"("/></get-config>)");
+    };
+    EXPECT_THAT(select("m:ManagedElement/m:userLabel"), HasSubstr("<userLabel>Harbour<"));
+    EXPECT_EQ(select("m:ManagedElement"), select("/m:ManagedElement"));
+    EXPECT_EQ(select("/"), select("/m:ManagedElement"));
+    EXPECT_THAT(select("count(//*)"), HasSubstr("<error-tag>operation-failed<"));
+}
+
+TEST_F(NetconfReadTest, Errors_SayNothingOfEarlierRequests) {
+    lyd_node* none = nullptr;
+    ASSERT_NE(lyd_parse_data_mem(dispatcher.model().context().get(), R"(<foo xmlns="urn:stale"/>)",
+                                 LYD_XML, LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &none),
+              LY_SUCCESS);
+    const std::string answer = ask("<get-config><source><running/></source>"
+                                   "<filter type=\"xpath\" select=\"count(//*)\"/></get-config>");
+    EXPECT_THAT(answer, AllOf(HasSubstr("the expression cannot be evaluated"),
+                              Not(HasSubstr("urn:stale"))));
 }
 
 TEST_F(NetconfReadTest, XPath_WithoutAnExpression_IsRefused) {
