@@ -71,7 +71,8 @@ Round runRound(HostWorld& world, int threads, int calls, const Call& call) {
         thread.join();
     }
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    return {threads * calls / taken.count(), 1000.0 * static_cast<double>(waits) / (threads * calls)};
+    return {threads * calls / taken.count(),
+            1000.0 * static_cast<double>(waits) / (threads * calls)};
 }
 
 void compare(HostWorld& world, const char* name, int calls, const Call& call) {

@@ -127,8 +127,8 @@ private:
             return position < mSize ? mFirst + position : nullptr;
         }
         std::size_t size() const { return mSize; }
-        void add(Row row) {
-            mAll.push_back(std::move(row));
+        void add(const Row& row) {
+            mAll.push_back(row);
             mFirst = mAll.data();
             mSize = mAll.size();
         }

@@ -14,8 +14,8 @@
 namespace OrvHost {
 
 /// Makes results of version 3, which the receiver releases. Values that the store keeps are written
-/// straight into one block of memory. Names of struct members and texts of enumerations are those of
-/// the model, which must outlive every result.
+/// straight into one block of memory. Names of struct members and texts of enumerations are those
+/// of the model, which must outlive every result.
 OrvMoAttributeValueResult_3 makeResult(const AttributeView& view);
 OrvMoAttributeValuesResult_3 makeResult(const std::vector<AttributeView>& views);
 OrvMoAttributeValueResult_3 makeResult(const AttributeValue& value);
