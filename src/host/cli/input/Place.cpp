@@ -9,6 +9,7 @@
 #include "model/DnForm.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace OrvHost {
 
@@ -28,7 +29,7 @@ std::string withoutStep(const std::string& dn, const std::string& step) {
 }
 
 bool canBeBelow(const Model& model, const std::string& here, const std::string& dn) {
-    const DnStep first(dn.substr(0, dn.find(',')));
+    const DnStep first(std::string_view(dn).substr(0, dn.find(',')));
     const DnResolver resolver(model);
     const ClassDef* moc = resolver.classOf(here);
     if (!first.hasEquals() || moc == nullptr) {
