@@ -79,7 +79,7 @@ def run(*words):
 class Server:
     """orvhost serve with keys and files in a folder of its own."""
 
-    def __init__(self, folder, *options, stderr=subprocess.DEVNULL):
+    def __init__(self, folder, *options):
         self.folder = pathlib.Path(folder)
         self.key = self.folder / "key"
         if not self.key.exists():
@@ -92,13 +92,15 @@ class Server:
         words += ["serve", "--netconf-ssh", "127.0.0.1:0", "--netconf-unix", self.socket]
         words += ["--netconf-user", f"alice={self.key}.pub", "--host-key", self.folder / "host_key"]
         words += ["--netconf-user", f"reader={self.key}.pub", "--netconf-read-only", "reader"]
-        self.process = subprocess.Popen(
-            [str(word) for word in [*words, *options]],
-            stdout=subprocess.PIPE, stderr=stderr, text=True,
-        )
+        self.messages = self.folder / "messages"
+        with self.messages.open("w") as messages:
+            self.process = subprocess.Popen(
+                [str(word) for word in [*words, *options]],
+                stdout=subprocess.PIPE, stderr=messages, text=True,
+            )
         self.lines = [self.process.stdout.readline() for _ in range(2)]
         if not self.lines[1]:
-            raise RuntimeError("the server did not start")
+            raise RuntimeError("the server did not start: " + self.last_messages())
         self.port = int(self.lines[0].rsplit(":", 1)[1])
 
     def connect(self, user="alice", **options):
@@ -113,6 +115,9 @@ class Server:
 
     def tcp(self):
         return socket.create_connection(("127.0.0.1", self.port), timeout=30)
+
+    def last_messages(self):
+        return self.messages.read_text()[-5000:]
 
     def stop(self, number=signal.SIGTERM):
         """The seconds until it ended, and its status."""
@@ -214,7 +219,7 @@ class ServerCase(unittest.TestCase):
     def end(self):
         if self.server.process.returncode is None:
             seconds, status = self.server.stop()
-            self.assertEqual(status, 0)
+            self.assertEqual(status, 0, self.server.last_messages())
             self.assertLess(seconds, 3)
 
     def connect(self, *arguments, **options):

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <system_error>
-#include <thread>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -33,7 +33,7 @@ void Connections::makeRoom() {
     const auto oldest =
         std::find_if(mConnections.begin(), mConnections.end(),
                      [](const Connection& one) { return one.state == State::Waiting; });
-    shutdown(oldest->socket, SHUT_RDWR);
+    shutdown(oldest->socket.get(), SHUT_RDWR);
     oldest->state = State::ShutDown;
 }
 
@@ -47,57 +47,69 @@ bool Connections::enter(Connection& connection) {
     return true;
 }
 
-bool Connections::start(Descriptor socket, Serve serve) {
-    const int known = fcntl(socket.get(), F_DUPFD_CLOEXEC, 0);
-    std::list<Connection>::iterator place;
+void Connections::forget(std::list<Connection>::iterator connection) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    connection->socket = Descriptor();
+    mEnded.splice(mEnded.end(), mConnections, connection);
+    mChanged.notify_all();
+}
+
+void Connections::joinEnded() {
+    std::list<Connection> ended;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        // Those that were shut down end soon, but not at once.
-        const std::size_t threads = mLimits.entered + 2 * mLimits.waiting;
-        if (known < 0 || mIsEnding || mConnections.size() >= threads) {
-            if (known >= 0) {
-                close(known);
-            }
-            return false;
-        }
-        makeRoom();
-        place = mConnections.insert(mConnections.end(), {known, State::Waiting});
+        ended.swap(mEnded);
     }
-    const auto forget = [this, place] {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        close(place->socket);
-        mConnections.erase(place);
-        mChanged.notify_all();
-    };
+    for (Connection& one : ended) {
+        one.thread.join();
+    }
+}
+
+bool Connections::start(Descriptor socket, Serve serve) {
+    joinEnded();
+    Descriptor known(fcntl(socket.get(), F_DUPFD_CLOEXEC, 0));
+    const std::lock_guard<std::mutex> lock(mMutex);
+    // Those that were shut down end soon, but not at once.
+    const std::size_t threads = mLimits.entered + 2 * mLimits.waiting;
+    if (known.get() < 0 || mIsEnding || mConnections.size() >= threads) {
+        return false;
+    }
+    makeRoom();
+    mConnections.push_back({std::move(known), State::Waiting, {}});
+    const auto place = std::prev(mConnections.end());
     try {
-        std::thread([this, place, forget, serve = std::move(serve),
-                     own = std::move(socket)]() mutable {
-            try {
-                serve(std::move(own), [this, place] { return enter(*place); });
-            } catch (const std::exception& failure) {
-                logServer(3, std::string("a connection ends: ") + failure.what());
-            }
-            forget();
-        }).detach();
+        place->thread =
+            std::thread([this, place, serve = std::move(serve), own = std::move(socket)]() mutable {
+                try {
+                    serve(std::move(own), [this, place] { return enter(*place); });
+                } catch (const std::exception& failure) {
+                    logServer(3, std::string("a connection ends: ") + failure.what());
+                }
+                forget(place);
+            });
     } catch (const std::system_error&) {
-        forget();
+        mConnections.erase(place);
         return false;
     }
     return true;
 }
 
 bool Connections::endAll(Deadline deadline) {
-    std::unique_lock<std::mutex> lock(mMutex);
-    mIsEnding = true;
-    for (const Connection& one : mConnections) {
-        shutdown(one.socket, SHUT_RDWR);
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        mIsEnding = true;
+        for (const Connection& one : mConnections) {
+            shutdown(one.socket.get(), SHUT_RDWR);
+        }
+        const auto isDone = [this] { return mConnections.empty(); };
+        if (deadline == Deadline::max()) {
+            mChanged.wait(lock, isDone); // wait_until would add to the end of time
+        } else if (!mChanged.wait_until(lock, deadline, isDone)) {
+            return false;
+        }
     }
-    const auto isDone = [this] { return mConnections.empty(); };
-    if (deadline == Deadline::max()) {
-        mChanged.wait(lock, isDone); // wait_until would add to the end of time
-        return true;
-    }
-    return mChanged.wait_until(lock, deadline, isDone);
+    joinEnded();
+    return true;
 }
 
 }

@@ -13,6 +13,7 @@
 #include <functional>
 #include <list>
 #include <mutex>
+#include <thread>
 
 namespace OrvHost {
 
@@ -52,18 +53,24 @@ public:
 private:
     enum class State : std::uint8_t { Waiting, Entered, ShutDown };
     struct Connection {
-        int socket; ///< a duplicate of the connection's, so that it stays valid
+        Descriptor socket; ///< a duplicate of the connection's, so that it stays valid
         State state;
+        std::thread thread;
     };
 
     std::size_t countOf(State state) const;
     void makeRoom();
     bool enter(Connection& connection);
+    void forget(std::list<Connection>::iterator connection);
+    void joinEnded();
 
     const ConnectionLimits mLimits;
     std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;
     std::list<Connection> mConnections; ///< the oldest first
+    /// Those that are over. Their threads are joined, as libraries free what they keep for a thread
+    /// at its very end.
+    std::list<Connection> mEnded;
     bool mIsEnding = false;
 };
 
