@@ -25,22 +25,19 @@ bool TextScanner::takeEnd(std::string_view text) {
 }
 
 std::optional<std::string_view> TextScanner::before(std::string_view mark) {
-    const std::size_t at = mRest.find(mark);
-    if (at == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const std::string_view found = mRest.substr(0, at);
-    mRest.remove_prefix(at + mark.size());
-    return found;
+    return takeUntil(mRest.find(mark), mark.size());
 }
 
 std::optional<std::string_view> TextScanner::beforeLast(std::string_view mark) {
-    const std::size_t at = mRest.rfind(mark);
+    return takeUntil(mRest.rfind(mark), mark.size());
+}
+
+std::optional<std::string_view> TextScanner::takeUntil(std::size_t at, std::size_t markSize) {
     if (at == std::string_view::npos) {
         return std::nullopt;
     }
     const std::string_view found = mRest.substr(0, at);
-    mRest.remove_prefix(at + mark.size());
+    mRest.remove_prefix(at + markSize);
     return found;
 }
 

@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_BASE_TEXTSCANNER_H
 #define ORV_HOST_BASE_TEXTSCANNER_H
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -33,6 +34,9 @@ public:
     std::optional<std::string_view> afterLast(std::string_view mark);
 
 private:
+    /// \p at is the place of a mark, or npos if it is not there.
+    std::optional<std::string_view> takeUntil(std::size_t at, std::size_t markSize);
+
     std::string_view mRest;
 };
 

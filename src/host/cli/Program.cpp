@@ -3,6 +3,7 @@
 
 #include "Program.h"
 
+#include "base/Environment.h"
 #include "cli/check/Check.h"
 #include "cli/check/CheckReport.h"
 #include "cli/commands/CommandTable.h"
@@ -20,7 +21,6 @@
 #include "cli/shell/Prompt.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 
@@ -35,10 +35,8 @@ std::filesystem::path historyFile(const Options& options) {
     if (options.historyFile) {
         return *options.historyFile;
     }
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nothing sets variables.
-    const char* home = std::getenv("HOME");
-    return home != nullptr ? std::filesystem::path(home) / ".orvhost_history"
-                           : std::filesystem::path();
+    const auto home = environmentVariable("HOME");
+    return home ? std::filesystem::path(*home) / ".orvhost_history" : std::filesystem::path();
 }
 
 template <class Items, class ToText>
@@ -145,13 +143,8 @@ private:
     }
 
     static bool wantsColour() {
-        // NOLINTBEGIN(concurrency-mt-unsafe): nothing sets variables
-        const char* no = std::getenv("NO_COLOR");
-        const char* terminal = std::getenv("TERM");
-        // NOLINTEND(concurrency-mt-unsafe)
-        const bool isPermitted = no == nullptr || *no == '\0';
-        return isPermitted && terminal != nullptr && std::string(terminal) != "dumb" &&
-               isatty(STDERR_FILENO) == 1;
+        const bool isPermitted = environmentVariable("NO_COLOR").value_or("").empty();
+        return isPermitted && hasCapableTerminal() && isatty(STDERR_FILENO) == 1;
     }
 
     // What is loaded, in two lines.

@@ -8,6 +8,7 @@
 
 #ifdef ORVHOST_NETCONF
 
+#include "base/Environment.h"
 #include "netconf/server/NetconfServer.h"
 
 #include <chrono>
@@ -26,9 +27,7 @@ std::string hostKeyFile(const Options& options) {
     if (options.hostKey) {
         return *options.hostKey;
     }
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nothing sets variables.
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : ".") + "/.orvhost_host_key";
+    return environmentVariable("HOME").value_or(".") + "/.orvhost_host_key";
 }
 
 ServerOptions serverOptions(const Options& options) {

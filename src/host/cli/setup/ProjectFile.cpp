@@ -5,7 +5,8 @@
 
 #include "CommandSplit.h"
 #include "base/AtomicFile.h"
-#include "base/ByteOrderMark.h"
+#include "base/Environment.h"
+#include "base/TextFile.h"
 #include "client/Suggestion.h"
 
 #include <CLI/CLI.hpp>
@@ -13,9 +14,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 
@@ -85,12 +84,6 @@ std::string variableOf(const Setting& setting) {
     return name;
 }
 
-std::string environment(const std::string& name) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread runs yet, and nothing sets variables.
-    const char* value = std::getenv(name.c_str());
-    return value != nullptr ? value : "";
-}
-
 void add(std::vector<std::string>& arguments, const Setting& setting,
          const std::vector<std::string>& values) {
     for (const std::string& value : values) {
@@ -127,21 +120,18 @@ std::vector<std::string> valuesOf(const Setting& setting, const std::string& var
 }
 
 std::string contentsOf(const fs::path& file) {
-    std::ifstream input(file, std::ios::binary);
-    std::error_code error;
-    if (!input || fs::is_directory(file, error)) {
+    TextFile read = readTextFile(file);
+    if (!read.isRead()) {
         throw ProjectError(file.string() + ": cannot be read; a project file was expected");
     }
-    std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
-    removeByteOrderMark(text);
-    return text;
+    return std::move(read.text);
 }
 
 /// The files that were trusted, with a mark of what was in them.
 class TrustedFiles {
 public:
     TrustedFiles() {
-        const std::string home = environment("HOME");
+        const std::string home = environmentVariable("HOME").value_or("");
         mList = home.empty() ? fs::path() : fs::path(home) / ".orvhost_trusted";
     }
 
@@ -301,7 +291,7 @@ ProjectSettings projectSettings(const CLI::App& app, const std::vector<std::stri
     const auto isGiven = [&](const std::string& name) { return given.count(name) > 0; };
     for (const Setting& setting : kSettings) {
         const std::string variable = variableOf(setting);
-        const std::string text = environment(variable);
+        const std::string text = environmentVariable(variable).value_or("");
         if (isOffered(app, setting) && !isGiven(optionOf(setting)) && !text.empty()) {
             add(settings.arguments, setting, valuesOf(setting, variable, text));
             settings.notes.push_back("read the variable " + variable);

@@ -3,11 +3,11 @@
 
 #include "Pager.h"
 
+#include "base/Environment.h"
 #include "cli/session/InterruptGuard.h"
 #include "cli/session/Session.h"
 
 #include <csignal>
-#include <cstdlib>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -19,15 +19,10 @@ namespace {
 // Without less, everything is simply shown.
 constexpr const char* kUsual = "command -v less >/dev/null 2>&1 && exec less -R; exec cat";
 
-std::string pagerProgram() {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing sets variables
-    const char* program = std::getenv("PAGER");
-    return program != nullptr ? program : kUsual;
 }
 
-}
-
-Pager::Pager(Session& session) : mSession(session), mStream(this), mProgram(pagerProgram()) {
+Pager::Pager(Session& session)
+    : mSession(session), mStream(this), mProgram(environmentVariable("PAGER").value_or(kUsual)) {
     winsize size{};
     if (mProgram.empty() || session.wantsJson() || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
         size.ws_row == 0 || size.ws_col == 0) {

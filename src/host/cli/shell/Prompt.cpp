@@ -4,6 +4,7 @@
 #include "Prompt.h"
 
 #include "base/DnView.h"
+#include "base/Environment.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/output/AlignedText.h"
 
@@ -170,9 +171,7 @@ private:
     }
 
     static void writeMark(const char* mark) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing sets variables
-        const char* terminal = std::getenv("TERM");
-        if (terminal != nullptr && std::string(terminal) != "dumb") {
+        if (hasCapableTerminal()) {
             std::fputs(mark, stdout);
             std::fflush(stdout);
         }

@@ -3,8 +3,8 @@
 
 #include "InstanceDataReader.h"
 
-#include "base/ByteOrderMark.h"
 #include "base/RootObject.h"
+#include "base/TextFile.h"
 #include "base/TextScanner.h"
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/Operations.h"
@@ -19,8 +19,6 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -31,7 +29,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kObjectsPerReport = 4096;
-constexpr std::size_t kFirstPortion = 65536; ///< of a file whose size is not known
 
 [[noreturn]] void refuse(const std::string& file, int line, std::string text) {
     throw InstanceDataError({{{file, line}, std::move(text)}});
@@ -76,24 +73,14 @@ std::uint64_t sizeOf(const fs::path& file) {
 }
 
 std::string contentsOf(const fs::path& file) {
-    std::ifstream input(file, std::ios::binary);
-    std::error_code error;
-    if (!input || fs::is_directory(file, error)) {
-        refuse(file.string(), 0, "cannot be read; a file with instance data was expected");
+    TextFile read = readTextFile(file);
+    if (!read.isRead()) {
+        refuse(file.string(), 0,
+               read.state == TextFile::State::CutOff
+                   ? "cannot be read to its end"
+                   : "cannot be read; a file with instance data was expected");
     }
-    // One byte more than the size, to find the end at once; a pipe has no size.
-    std::string text(sizeOf(file) + 1, '\0');
-    std::size_t size = 0;
-    while (input.read(text.data() + size, static_cast<std::streamsize>(text.size() - size))) {
-        size = text.size();
-        text.resize(std::max(kFirstPortion, size * 2));
-    }
-    text.resize(size + static_cast<std::size_t>(input.gcount()));
-    if (input.bad()) {
-        refuse(file.string(), 0, "cannot be read to its end");
-    }
-    removeByteOrderMark(text);
-    return text;
+    return std::move(read.text);
 }
 
 // The parser stops without an error at the end of a JSON document or, at a zero byte, at the end of

@@ -3,11 +3,9 @@
 
 #include "ModuleFinder.h"
 
-#include "base/ByteOrderMark.h"
+#include "base/TextFile.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -15,16 +13,6 @@ namespace OrvHost {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::optional<std::string> readFile(const fs::path& file) {
-    std::ifstream input(file, std::ios::binary);
-    if (!input || fs::is_directory(file)) {
-        return std::nullopt;
-    }
-    std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
-    removeByteOrderMark(text);
-    return input.bad() ? std::nullopt : std::optional(std::move(text));
-}
 
 /// Reading a pipe or a device would wait for ever. A link to nothing counts, so that it is
 /// reported.
@@ -40,11 +28,11 @@ bool mayBeModule(const fs::directory_entry& entry) {
 }
 
 ModuleSource readModule(const fs::path& file) {
-    std::optional<std::string> text = readFile(file);
-    if (!text) {
+    TextFile read = readTextFile(file);
+    if (!read.isRead()) {
         refuse(file, 0, "cannot be read; the file of a YANG module was expected");
     }
-    ModuleStatements statements(*text);
+    ModuleStatements statements(read.text);
     const ModuleStatements::Statement top = statements.top();
     if (top.keyword == "submodule") {
         refuse(file, top.line,
@@ -54,7 +42,7 @@ ModuleSource readModule(const fs::path& file) {
     if (top.keyword != "module") {
         refuse(file, top.line, "is not a YANG module; \"module NAME {\" was expected");
     }
-    return {top.argument, file.string(), std::move(*text), std::move(statements)};
+    return {top.argument, file.string(), std::move(read.text), std::move(statements)};
 }
 
 }
@@ -90,15 +78,15 @@ const ModuleSource* ModuleFinder::find(const std::string& name, const std::strin
         return &known->second;
     }
     const std::optional<fs::path> file = locate(name, revision);
-    std::optional<std::string> text = file ? readFile(*file) : std::nullopt;
-    if (!text) {
+    TextFile read = file ? readTextFile(*file) : TextFile();
+    if (!read.isRead()) {
         if (file) {
             mProblems.push_back({{file->string(), 0}, "cannot be read"});
         }
         mMissed.push_back(name);
         return nullptr;
     }
-    addText(name, file->string(), std::move(*text));
+    addText(name, file->string(), std::move(read.text));
     return &mFound.at(name);
 }
 
