@@ -23,9 +23,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr const char* kPrompt = "orvhost> ";
-constexpr const char* kControlC = "\x03";
-constexpr const char* kControlD = "\x04";
 constexpr int kMasts = 20000;
 
 /// Data whose listing takes much longer than a key press.

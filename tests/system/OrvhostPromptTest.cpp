@@ -15,9 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr const char* kPrompt = "orvhost> ";
-constexpr const char* kControlC = "\x03";
-constexpr const char* kControlD = "\x04";
 constexpr const char* kUp = "\x1b[A";
 
 class OrvhostPromptTest : public testing::Test {

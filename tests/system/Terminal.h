@@ -11,6 +11,11 @@
 
 namespace SystemTest {
 
+/// What the program shows when it waits for a command outside of transactions.
+constexpr const char* kPrompt = "orvhost> ";
+constexpr const char* kControlC = "\x03";
+constexpr const char* kControlD = "\x04";
+
 /// orvhost on a pseudo-terminal; the test types.
 class Terminal {
 public:

@@ -3,6 +3,8 @@
 
 #include "ReadValue.h"
 
+#include "model/TypeCode.h"
+
 namespace OrvHost {
 
 namespace {
@@ -63,29 +65,6 @@ ReadValue readContainer(const Container* container, const AttributeDef* def) {
     return value;
 }
 
-std::optional<ValueKind> kindOf(std::int32_t type) {
-    switch (type) {
-    case OrvMoAttributeTypeBool_3:
-        return ValueKind::Bool;
-    case OrvMoAttributeTypeInt64_3:
-        return ValueKind::Int;
-    case OrvMoAttributeTypeUint64_3:
-        return ValueKind::Uint;
-    case OrvMoAttributeTypeDouble_3:
-        return ValueKind::Double;
-    case OrvMoAttributeTypeEnumeration_3:
-        return ValueKind::Enumeration;
-    case OrvMoAttributeTypeString_3:
-        return ValueKind::String;
-    case OrvMoAttributeTypeMoRef_3:
-        return ValueKind::MoRef;
-    case OrvMoAttributeTypeStruct_3:
-        return ValueKind::Struct;
-    default:
-        return std::nullopt;
-    }
-}
-
 std::optional<StructValue> toStruct(const ReadStruct& read) {
     StructValue result;
     for (const NamedReadValue& member : read.members) {
@@ -137,7 +116,7 @@ ReadValue toReadValue(const OrvMoAttributeValueContainer* container, const Attri
 }
 
 std::optional<AttributeValue> toAttributeValue(const ReadValue& value, ValueKind kind) {
-    AttributeValue result{kindOf(value.type).value_or(kind), {}};
+    AttributeValue result{kindOfTypeCode(value.type).value_or(kind), {}};
     if (value.slots.empty()) {
         result.kind = kind;
     }

@@ -8,6 +8,7 @@
 #include "MeIdTranslator.h"
 #include "SubtreeReader.h"
 #include "edits/ClientState.h"
+#include "edits/References.h"
 
 #include <set>
 #include <tuple>
@@ -42,7 +43,7 @@ void visitReferences(const ObjectState& object, const Visit& visit) {
 
 bool holdsReferences(const AttributeValue& value) {
     bool found = false;
-    visitReferences({}, value, [&](const std::string&, const std::string&) { found = true; });
+    forEachReference(value, [&](const std::string&) { found = true; });
     return found;
 }
 

@@ -56,6 +56,15 @@ StructValue& StructValue::operator=(const StructValue& other) = default;
 StructValue& StructValue::operator=(StructValue&& other) noexcept = default;
 StructValue::~StructValue() = default;
 
+const AttributeValue* StructValue::find(std::string_view name) const {
+    for (const auto& [member, value] : members) {
+        if (member == name) {
+            return &value;
+        }
+    }
+    return nullptr;
+}
+
 bool operator==(const StructValue& left, const StructValue& right) {
     return left.members == right.members;
 }

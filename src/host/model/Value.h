@@ -33,6 +33,9 @@ struct StructValue {
     StructValue& operator=(StructValue&& other) noexcept;
     ~StructValue();
 
+    /// Null if there is no member of that name.
+    const AttributeValue* find(std::string_view name) const;
+
     Members members;
 };
 

@@ -42,19 +42,6 @@ std::string withoutBlanks(const std::string& text) {
                                       : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-const AttributeValue* memberOf(const Value& value, const std::string& name) {
-    const auto* whole = std::get_if<StructValue>(&value);
-    if (whole == nullptr) {
-        return nullptr;
-    }
-    for (const auto& [member, inner] : whole->members) {
-        if (member == name) {
-            return &inner;
-        }
-    }
-    return nullptr;
-}
-
 }
 
 ObjectFilter::ObjectFilter(const Model& model, const std::vector<std::string>& words) {
@@ -133,7 +120,9 @@ bool ObjectFilter::fitsAny(const AttributeValue& value, const std::string& membe
             return fits(one);
         }
         const std::size_t dot = std::min(members.find('.'), members.size());
-        const AttributeValue* inner = memberOf(one, members.substr(0, dot));
+        const auto* whole = std::get_if<StructValue>(&one);
+        const AttributeValue* inner =
+            whole != nullptr ? whole->find(members.substr(0, dot)) : nullptr;
         return inner != nullptr &&
                fitsAny(*inner, members.substr(std::min(dot + 1, members.size())));
     });

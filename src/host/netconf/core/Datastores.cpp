@@ -129,15 +129,8 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
 }
 
 void Datastores::validate(NetconfSession& session, Datastore store) {
-    if (store == Datastore::Candidate) {
-        const std::lock_guard<std::mutex> lock(mCandidateMutex);
-        if (mHandle) {
-            mCandidate.validate(entryOf(*mHandle));
-            return;
-        }
-    }
-    const Host::ReadTransaction transaction(mHost);
-    session.client().validate(entryOf(transaction.handle()));
+    read(session, store,
+         [](ClientSession& client, unsigned long txHandle) { client.validate(entryOf(txHandle)); });
 }
 
 void Datastores::commit(NetconfSession& session) {

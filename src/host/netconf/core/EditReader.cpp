@@ -45,19 +45,10 @@ std::vector<std::string> keyNames(const ValueShape& shape) {
     return names;
 }
 
-const AttributeValue* memberOf(const Value& value, const std::string& name) {
-    for (const NamedValue& member : std::get<StructValue>(value).members) {
-        if (member.first == name) {
-            return &member.second;
-        }
-    }
-    return nullptr;
-}
-
 bool hasSameKeys(const Value& left, const Value& right, const std::vector<std::string>& keys) {
     return std::all_of(keys.begin(), keys.end(), [&](const std::string& key) {
-        const AttributeValue* one = memberOf(left, key);
-        const AttributeValue* other = memberOf(right, key);
+        const AttributeValue* one = std::get<StructValue>(left).find(key);
+        const AttributeValue* other = std::get<StructValue>(right).find(key);
         return one != nullptr && other != nullptr && *one == *other;
     });
 }
