@@ -241,6 +241,17 @@ the object, its attribute, and what it refers to; nothing if all is there.
 )",
            .words = {WordKind::Dn},
            .run = runAudit},
+          {.name = "watch",
+           .synopsis = "[DN | --off [DN]]",
+           .summary = "show the commits that touch an object",
+           .details =
+               R"(From now on, after each command, what was committed meanwhile in the object or below it is
+shown, back-pointers included; / means all objects. Several objects can be watched; --off ends
+it, for all without a DN. Prints what is watched.
+)",
+           .words = {WordKind::Dn},
+           .options = {"--off"},
+           .run = runWatch},
           {.name = "model",
            .synopsis = "[CLASS | --associations | --notes]",
            .summary = "show classes, associations, or what the model leaves out",

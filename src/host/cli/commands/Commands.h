@@ -40,6 +40,7 @@ void runDiff(Session& session, Words words);
 void runGraph(Session& session, Words words);
 void runAudit(Session& session, Words words);
 void runWho(Session& session, Words words);
+void runWatch(Session& session, Words words);
 void runModel(Session& session, Words words);
 void runComponents(Session& session, const Words& words);
 void runLog(Session& session, Words words);

@@ -6,7 +6,7 @@
 #include "DataFile.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
-#include "cli/output/ValueJson.h"
+#include "cli/output/DifferenceReport.h"
 #include "cli/session/Session.h"
 #include "client/StateComparison.h"
 #include "client/SubtreeReader.h"
@@ -115,63 +115,6 @@ private:
     std::size_t mCount = 0;
 };
 
-const char* wordOf(ObjectDifference::Kind kind) {
-    switch (kind) {
-    case ObjectDifference::Kind::Deleted:
-        return "deleted";
-    case ObjectDifference::Kind::Created:
-        return "created";
-    case ObjectDifference::Kind::Changed:
-        break;
-    }
-    return "changed";
-}
-
-const char* signOf(ObjectDifference::Kind kind) {
-    switch (kind) {
-    case ObjectDifference::Kind::Deleted:
-        return "- ";
-    case ObjectDifference::Kind::Created:
-        return "+ ";
-    case ObjectDifference::Kind::Changed:
-        break;
-    }
-    return "~ ";
-}
-
-JsonValue toJson(const ObjectDifference& object) {
-    JsonValue attributes = JsonValue::object();
-    for (const AttributeDifference& each : object.attributes) {
-        attributes[each.def->name] = {{"before", OrvHost::toJson(each.before, *each.def)},
-                                      {"after", OrvHost::toJson(each.after, *each.def)}};
-    }
-    return {{"change", wordOf(object.kind)}, {"dn", object.dn}, {"attributes", attributes}};
-}
-
-std::string toText(const AttributeDifference& attribute, ObjectDifference::Kind kind) {
-    std::string before = toLine(OrvHost::toJson(attribute.before, *attribute.def));
-    std::string after = toLine(OrvHost::toJson(attribute.after, *attribute.def));
-    switch (kind) {
-    case ObjectDifference::Kind::Deleted:
-        return before;
-    case ObjectDifference::Kind::Created:
-        return after;
-    case ObjectDifference::Kind::Changed:
-        break;
-    }
-    return before + " -> " + after;
-}
-
-void print(Session& session, const std::vector<ObjectDifference>& differences) {
-    for (const ObjectDifference& object : differences) {
-        session.out() << signOf(object.kind) << object.dn << '\n';
-        for (const AttributeDifference& attribute : object.attributes) {
-            session.out() << "    " << attribute.def->name << ": " << toText(attribute, object.kind)
-                          << '\n';
-        }
-    }
-}
-
 }
 
 void runDiff(Session& session, Words words) {
@@ -189,18 +132,14 @@ void runDiff(Session& session, Words words) {
     }
     const std::vector<ObjectDifference> differences = comparison.take();
     if (!session.wantsJson()) {
-        print(session, differences);
+        session.out() << toText(differences);
         return;
-    }
-    JsonValue documents = JsonValue::array();
-    for (const ObjectDifference& object : differences) {
-        documents.push_back(toJson(object));
     }
     session.print({{"command", "diff"},
                    {"before", before},
                    {"after", after},
                    {"dn", dn},
-                   {"differences", documents}});
+                   {"differences", toJson(differences)}});
 }
 
 }

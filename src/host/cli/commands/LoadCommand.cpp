@@ -8,8 +8,8 @@
 #include "base/Counted.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/input/Place.h"
 #include "cli/session/Session.h"
-#include "client/DnResolver.h"
 #include "client/edits/EditPlanner.h"
 
 #include <algorithm>
@@ -101,13 +101,7 @@ OperationError withWhatIsDone(const PlanRefusedError& refusal) {
 
 void runLoad(Session& session, Words words) {
     const LoadOptions options = parse(words, session.model());
-    if (!options.dn.empty()) {
-        const ClassDef* moc = nullptr;
-        const std::string problem = DnResolver(session.model()).whyNoDn(options.dn, &moc);
-        if (!problem.empty()) {
-            throw UsageError(problem);
-        }
-    }
+    requirePlace(session.model(), options.dn);
     DataFile file = readDataFile(session, options.file);
     const std::size_t objects = file.objects.size();
     WishMaker maker(session.model(), options);

@@ -65,4 +65,12 @@ std::string fromTop(const Model& model, const std::string& here, const std::stri
     return shortDn(model, joined(above, rest));
 }
 
+void requirePlace(const Model& model, const std::string& dn) {
+    const ClassDef* moc = nullptr;
+    const std::string problem = dn.empty() ? "" : DnResolver(model).whyNoDn(dn, &moc);
+    if (!problem.empty()) {
+        throw UsageError(problem);
+    }
+}
+
 }

@@ -18,6 +18,10 @@ namespace OrvHost {
 /// UsageError for a ".." that leads above the top level. External DNs. Any thread.
 std::string fromTop(const Model& model, const std::string& here, const std::string& dn);
 
+/// Throws UsageError if the model has no place for an object \p dn, external. The top level (empty)
+/// is one. Any thread.
+void requirePlace(const Model& model, const std::string& dn);
+
 }
 
 #endif

@@ -6,6 +6,7 @@
 
 #include "base/Problem.h"
 #include "cli/output/ValueJson.h"
+#include "cli/session/WatchList.h"
 #include "client/ClientSession.h"
 #include "client/ReferenceSearch.h"
 #include "runtime/LogSink.h"
@@ -35,9 +36,14 @@ class Session : public ClientSession {
 public:
     /// All arguments are borrowed and must outlive the session.
     Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson)
-        : ClientSession(host, clients), mLog(log), mOut(&out), mWantsJson(wantsJson) {}
+        : ClientSession(host, clients),
+          mLog(log),
+          mWatches(host),
+          mOut(&out),
+          mWantsJson(wantsJson) {}
 
     LogSink& log() { return mLog; }
+    WatchList& watches() { return mWatches; }
 
     /// Whether there are hints: each costs a look at what the transaction wrote, and at all objects
     /// if it deleted something. At first there are none. Returns what was before.
@@ -89,6 +95,7 @@ private:
     void lookAtCommitted(const ChangeSet& changes);
 
     LogSink& mLog;
+    WatchList mWatches;
     ReferenceHint mHint;
     std::optional<OpenTransactions::Entry> mHinted; ///< as it was at its latest hint
     const std::vector<Problem>* mModelNotes = nullptr;

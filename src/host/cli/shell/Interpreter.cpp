@@ -3,6 +3,7 @@
 
 #include "Interpreter.h"
 
+#include "cli/commands/WatchReport.h"
 #include "cli/errors/Failure.h"
 #include "cli/input/ScriptReader.h"
 #include "cli/input/WordSplitter.h"
@@ -46,6 +47,7 @@ ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const st
         }
         mCommands.run(mSession, words);
         mSession.out().flush();
+        reportWatched(mSession);
         return ExitOk;
     } catch (...) {
         return report(name, place, std::current_exception());

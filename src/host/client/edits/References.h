@@ -11,15 +11,16 @@
 
 namespace OrvHost {
 
-/// Calls \p visit with each DN in \p value, in order, those in the members of structs included.
-template <class Visit>
-void forEachReference(const AttributeValue& value, const Visit& visit) {
-    for (const Value& one : value.values) {
-        if (const auto* members = std::get_if<StructValue>(&one)) {
-            for (const NamedValue& member : members->members) {
+/// Calls \p visit with each DN in \p value, an AttributeValue, in order, those in the members of
+/// structs included. It may change them if the value is not const.
+template <class Attribute, class Visit>
+void forEachReference(Attribute& value, const Visit& visit) {
+    for (auto& one : value.values) {
+        if (auto* whole = std::get_if<StructValue>(&one)) {
+            for (auto& member : whole->members) {
                 forEachReference(member.second, visit);
             }
-        } else if (const auto* dn = std::get_if<std::string>(&one);
+        } else if (auto* dn = std::get_if<std::string>(&one);
                    dn != nullptr && value.kind == ValueKind::MoRef) {
             visit(*dn);
         }
