@@ -42,7 +42,7 @@ bool loadData(Host& host) {
               {{"mast", {ValueKind::MoRef, {std::string("ManagedElement=1,Mast=a")}}}},
               {}});
     data.repair();
-    return data.check().empty() && data.moveInto(host.store()).empty();
+    return data.check().problems.empty() && data.moveInto(host.store()).empty();
 }
 // [/data]
 

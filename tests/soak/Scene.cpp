@@ -57,7 +57,7 @@ void Scene::loadNetwork() {
     network.generate([&](const DataObject& object) {
         data.add({object.dn, object.attributes, {}});
     });
-    require(data.check().empty(), "the network is not consistent");
+    require(data.check().problems.empty(), "the network is not consistent");
     require(data.moveInto(mHost->store()).empty(), "the store refuses the network");
 }
 

@@ -45,7 +45,7 @@ protected:
         data.add({"Site=1,Antenna.id=1", {{"mast", refs({"Site.id=1,Mast.mastId=1"})}}, {}});
         data.add(
             {"Site=1,Mast=1", {{"antennas", refs({"Site=1,Antenna=1"})}, {"id", name("1")}}, {}});
-        EXPECT_THAT(data.check(), IsEmpty());
+        EXPECT_THAT(data.check().problems, IsEmpty());
         EXPECT_THAT(data.moveInto(mHost.store()), IsEmpty());
         mHost.loadComponent(EXT_CM_PATH);
         mHost.start();

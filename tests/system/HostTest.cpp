@@ -43,7 +43,7 @@ protected:
         data.add({"ManagedElement=1", {}, {}});
         data.add(
             {"ManagedElement=1,Mast=a", {{"height", {ValueKind::Int, {std::int64_t{30}}}}}, {}});
-        ASSERT_THAT(data.check(), IsEmpty());
+        ASSERT_THAT(data.check().problems, IsEmpty());
         ASSERT_THAT(data.moveInto(host.store()), IsEmpty());
     }
 

@@ -128,6 +128,31 @@ TEST_P(OrvhostFilesTest, SavedFile_AsDataUnderAnotherName_GivesTheSameNetwork) {
               readFile(file));
 }
 
+TEST_P(OrvhostFilesTest, SavedFile_WithReferencesToNothing_IsTakenWithNotes) {
+    const std::string file = path("saved." + GetParam());
+    const std::string unit = "ManagedElement=Harbour,Equipment=1,RadioUnit=";
+    runRan("Harbour", kHarbour, {"delete " + unit + "2", "save " + file});
+    const auto result =
+        runRan("Harbour", {"-d", file}, {"diff " + file + " committed", "exists " + unit + "2"});
+    EXPECT_EQ(result.out, "no\n");
+    EXPECT_THAT(result.err, HasSubstr("note: " + file + ": "));
+    EXPECT_THAT(result.err, HasSubstr("Sector=2: attribute radioUnitRef names "));
+}
+
+TEST_P(OrvhostFilesTest, SavedFile_WithOneSideMissing_NeedsAsIs) {
+    const std::string file = path("saved." + GetParam());
+    const std::string unit = "ManagedElement=Harbour,Equipment=1,RadioUnit=2";
+    runRan("Harbour", kHarbour, {"delete " + unit, "create " + unit, "save " + file});
+    const auto refused = runRan("Harbour", {"-d", file}, {"count"});
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_THAT(refused.err, HasSubstr("does not name it back"));
+    EXPECT_THAT(refused.err, HasSubstr("--as-is takes associations as they are"));
+    const auto taken = runRan("Harbour", {"-d", file, "--as-is"},
+                              {"expect output '' : diff " + file + " committed"});
+    EXPECT_EQ(taken.status, 0) << taken.err;
+    EXPECT_THAT(taken.err, HasSubstr("note: " + file + ": "));
+}
+
 // Each back-pointer would come twice if both sides of an association were written.
 TEST_P(OrvhostFilesTest, Load_ConfigIntoAnEmptyNetwork_GivesEachReferenceOnce) {
     const std::string file = saved({"--config"});

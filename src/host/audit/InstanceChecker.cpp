@@ -135,7 +135,7 @@ private:
         }
         mCounts.assign(attribute.ends.size(), 0);
         examineReferences(def.name, def.type, values, &attribute);
-        examineCardinalities(attribute);
+        examineCardinalities(attribute, values.empty());
     }
 
     /// `attribute` is null for a member of a struct, because members belong to no association.
@@ -206,11 +206,11 @@ private:
         }
     }
 
-    void examineCardinalities(const InstancePlan::Attribute& attribute) {
+    void examineCardinalities(const InstancePlan::Attribute& attribute, bool isEmpty) {
         for (std::size_t position = 0; position < attribute.ends.size(); ++position) {
             const AssociationEnd& end = *attribute.ends[position].end;
             if (!end.cardinality.contain(mCounts[position])) {
-                report(Kind::WrongCardinality, mDn, end.name, {},
+                report(isEmpty ? Kind::NoReference : Kind::WrongCardinality, mDn, end.name, {},
                        {mDn, ": attribute ", end.name, " names ", std::to_string(mCounts[position]),
                         " of class ", mModel.classes[end.moc].name, ", expected ",
                         toText(end.cardinality), "."});

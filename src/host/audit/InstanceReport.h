@@ -19,6 +19,8 @@ enum class InstanceProblemKind : std::uint8_t {
     NoAttribute,        ///< the class has no such attribute
     WrongCount,         ///< the number of values does not fit the attribute
     WrongChoice,        ///< the values do not fit a choice among the attributes
+    NoReference,        ///< an association end without references that needs some; a client may
+                        ///< leave it so by never writing it
     WrongCardinality,   ///< the number of references does not fit an association end
     NoTargetClass,      ///< a reference is not a legal path of the model
     ForbiddenClass,     ///< a reference to a class that the attribute does not permit
@@ -27,6 +29,9 @@ enum class InstanceProblemKind : std::uint8_t {
     MissingBackPointer, ///< the object at the far side of a bidirectional association lacks the
                         ///< reference back; what repair can cure
 };
+
+/// Whether it is about references, and not about an object, or the values of attributes.
+bool isOfAssociation(InstanceProblemKind kind);
 
 /// One problem of the data.
 struct InstanceProblem {

@@ -103,12 +103,17 @@ void DataSet::visit(const Visitor& visitor) const {
     }
 }
 
-std::vector<std::string> DataSet::check() const {
-    std::vector<std::string> texts;
+DataReport DataSet::check(Associations associations) const {
+    DataReport report;
     for (const InstanceProblem& problem : InstanceChecker(mModel).check(*this).problems) {
-        texts.push_back(place(problem.dn) + problem.text);
+        const bool isOfAssociations = isOfAssociation(problem.kind);
+        const bool isNote = problem.kind == InstanceProblemKind::NoReference ||
+                            problem.kind == InstanceProblemKind::NoTarget ||
+                            (isOfAssociations && associations == Associations::AsTheyAre);
+        report.isAboutAssociations |= isOfAssociations && !isNote;
+        (isNote ? report.notes : report.problems).push_back(place(problem.dn) + problem.text);
     }
-    return texts;
+    return report;
 }
 
 std::vector<std::string> DataSet::checkRules(const RuleCheck& rules) const {

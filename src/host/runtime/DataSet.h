@@ -30,6 +30,19 @@ struct StartObject {
     SourcePosition source;
 };
 
+/// What a check of data found: texts, each with file and line of the object if they are known.
+struct DataReport {
+    std::vector<std::string> problems;
+    /// References that a client may leave as they are: to objects that do not exist, and ends of
+    /// associations that were never written.
+    std::vector<std::string> notes;
+    /// Some problems are about associations: they would be notes if these are taken as they are.
+    bool isAboutAssociations = false;
+};
+
+/// How data must keep associations.
+enum class Associations { InStep, AsTheyAre };
+
 /// Data for the start of a host: collected from any number of files, checked as a whole, completed
 /// on request, and put into a store.
 ///
@@ -51,9 +64,9 @@ public:
 
     void visit(const Visitor& visitor) const override;
 
-    /// Everything that is wrong, one text each, with file and line of the object if they are known.
-    /// Empty if the data is as the component would have left it.
-    std::vector<std::string> check() const;
+    /// Everything that is wrong. AsTheyAre is for data that came out of a network: clients can
+    /// leave one side of an association without the other, for example by interface version 1.
+    DataReport check(Associations associations = Associations::InStep) const;
 
     /// What does not follow \p rules, one text each, with the file of the object if it is known.
     /// Call it if check() finds nothing: the objects must have their parents.

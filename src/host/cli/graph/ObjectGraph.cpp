@@ -73,7 +73,8 @@ std::string ObjectGraph::caption() const {
 void ObjectGraph::drawObjects(DotText& dot) {
     std::unordered_map<std::string, std::string> wrongCounts;
     for (const InstanceProblem& problem : mViolations) {
-        if (problem.kind == InstanceProblemKind::WrongCardinality) {
+        if (problem.kind == InstanceProblemKind::NoReference ||
+            problem.kind == InstanceProblemKind::WrongCardinality) {
             wrongCounts[problem.dn] += "\n" + withoutDn(problem);
         }
     }

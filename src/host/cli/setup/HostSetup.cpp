@@ -31,6 +31,17 @@ void failIfAny(const std::vector<std::string>& problems) {
     }
 }
 
+void printNotes(const std::vector<std::string>& notes, ProgressBar& bar) {
+    constexpr std::size_t kMostNotes = 20;
+    const std::size_t shown = std::min(notes.size(), kMostNotes);
+    for (std::size_t at = 0; at < shown; ++at) {
+        bar.print("note: " + notes[at]);
+    }
+    if (shown < notes.size()) {
+        bar.print("note: and " + std::to_string(notes.size() - shown) + " more of this kind");
+    }
+}
+
 std::string withoutBlanks(std::string text) {
     text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
     return text;
@@ -188,10 +199,15 @@ void HostSetup::checkAndRepair(const Options& options, DataSet& data, ProgressBa
     for (std::string& problem : problems) {
         problem += " See --me-id.";
     }
-    for (std::string& problem : data.check()) {
-        problems.push_back(std::move(problem));
+    const DataReport report =
+        data.check(options.asIs ? Associations::AsTheyAre : Associations::InStep);
+    problems.insert(problems.end(), report.problems.begin(), report.problems.end());
+    if (report.isAboutAssociations) {
+        problems.emplace_back("--repair adds the missing sides of associations; --as-is takes "
+                              "associations as they are.");
     }
     failIfAny(problems);
+    printNotes(report.notes, bar);
     if (mRules) {
         bar.update("checking rules", data.size(), 0);
         failIfAny(data.checkRules(*mRules));

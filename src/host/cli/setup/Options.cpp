@@ -90,6 +90,8 @@ void addLoading(CLI::App& app, Options& options) {
                  "Leave out data that no loaded module knows");
     app.add_flag("--repair", options.repair,
                  "Add the missing sides of bidirectional associations to the data");
+    app.add_flag("--as-is", options.asIs,
+                 "Take data that violates associations, with notes: as it was saved");
     app.add_option("--ext-cm", options.extCm,
                    "The component libext_cm.so, if not the one of this installation");
     app.add_option("-C,--component", options.components,

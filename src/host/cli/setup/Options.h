@@ -31,6 +31,7 @@ struct Options {
     std::string meId;
     std::string meIdFallback = "1";
     bool repair = false;
+    bool asIs = false; ///< take associations in data as they are
     std::string interfaceVersion = "3_1";
 
     unsigned int logLevel = 4;

@@ -60,6 +60,7 @@ constexpr Setting kSettings[]{
     {"store", Kind::Text, true},
     {"skip-unknown", Kind::Flag},
     {"repair", Kind::Flag},
+    {"as-is", Kind::Flag},
     {"ext-cm", Kind::Text, true, true},
     {"component", Kind::List, true, true},
     {"me-id", Kind::Text},

@@ -58,7 +58,7 @@ protected:
 TEST_F(DataSetTest, MoveInto_ChildrenGivenFirst_ParentsAreStoredFirst) {
     add("Site=1,Mast=a");
     add("Site=1", {{"label", text("one")}});
-    EXPECT_THAT(mData.check(), IsEmpty());
+    EXPECT_THAT(mData.check().problems, IsEmpty());
     EXPECT_THAT(mData.moveInto(mStore), IsEmpty());
     EXPECT_EQ(mStore.size(), 2u);
     EXPECT_EQ(mData.size(), 0u);
@@ -68,7 +68,7 @@ TEST_F(DataSetTest, Add_MentionsOfAnObject_AreOneObjectWithTheAttributesGiven) {
     add("Site=1");
     add("Site=1", {{"id", text("1")}, {"label", text("one")}});
     add("Site=1");
-    EXPECT_THAT(mData.check(), IsEmpty());
+    EXPECT_THAT(mData.check().problems, IsEmpty());
     mData.moveInto(mStore);
     EXPECT_EQ(mStore.size(), 1u);
     EXPECT_EQ(mStore.begin(1)->get("Site=1", "label"), text("one"));
@@ -77,7 +77,7 @@ TEST_F(DataSetTest, Add_MentionsOfAnObject_AreOneObjectWithTheAttributesGiven) {
 TEST_F(DataSetTest, Check_ObjectGivenTwice_IsAProblem) {
     add("Site=1", {{"label", text("one")}}, 3);
     add("Site=1", {{"label", text("two")}}, 9);
-    EXPECT_THAT(mData.check(),
+    EXPECT_THAT(mData.check().problems,
                 ElementsAre(AllOf(StartsWith("data.json:3: "), HasSubstr("Site=1"))));
 }
 
@@ -85,9 +85,29 @@ TEST_F(DataSetTest, Check_OneSidedAssociation_NamesBothObjectsAndTheAttribute) {
     add("Site=1");
     add("Site=1,Mast=a", {{"antennas", references({"Site=1,Antenna=1"})}});
     add("Site=1,Antenna=1", {}, 7);
-    EXPECT_THAT(mData.check(),
+    EXPECT_THAT(mData.check().problems,
                 ElementsAre(AllOf(HasSubstr("Site=1,Mast=a"), HasSubstr("Site=1,Antenna=1"),
                                   HasSubstr("antennas"))));
+}
+
+TEST_F(DataSetTest, Check_OneSidedAssociationAsItIs_IsANote) {
+    add("Site=1");
+    add("Site=1,Mast=a", {{"antennas", references({"Site=1,Antenna=1"})}});
+    add("Site=1,Antenna=1", {}, 7);
+    EXPECT_TRUE(mData.check().isAboutAssociations);
+    const DataReport report = mData.check(Associations::AsTheyAre);
+    EXPECT_THAT(report.problems, IsEmpty());
+    EXPECT_THAT(report.notes, ElementsAre(HasSubstr("Site=1,Antenna=1")));
+    EXPECT_FALSE(report.isAboutAssociations);
+}
+
+TEST_F(DataSetTest, Check_WhatClientsCanLeave_IsANote) {
+    add("Site=1");
+    add("Site=1,Mast=a", {{"antennas", references({"Site=1,Antenna=9"})}}, 4);
+    const DataReport report = mData.check();
+    EXPECT_THAT(report.problems, IsEmpty());
+    EXPECT_THAT(report.notes,
+                ElementsAre(AllOf(StartsWith("data.json:4: "), HasSubstr("Site=1,Antenna=9"))));
 }
 
 TEST_F(DataSetTest, Repair_OneSidedAssociations_CompletesBothDirections) {
@@ -97,7 +117,7 @@ TEST_F(DataSetTest, Repair_OneSidedAssociations_CompletesBothDirections) {
     add("Site=1,Antenna=2", {{"mast", references({"Site=1,Mast=a"})}});
     EXPECT_THAT(mData.repair(),
                 Contains("data.json:7: Site=1,Antenna=1: added Site=1,Mast=a to mast"));
-    EXPECT_THAT(mData.check(), IsEmpty());
+    EXPECT_THAT(mData.check().problems, IsEmpty());
     EXPECT_THAT(mData.moveInto(mStore), IsEmpty());
     const auto transaction = mStore.begin(1);
     EXPECT_EQ(transaction->get("Site=1,Antenna=1", "mast"), references({"Site=1,Mast=a"}));
@@ -111,7 +131,7 @@ TEST_F(DataSetTest, Repair_WouldExceedTheBound_IsReportedByCheck) {
     add("Site=1,Mast=b", {{"antennas", references({"Site=1,Antenna=1"})}});
     add("Site=1,Antenna=1");
     EXPECT_THAT(mData.repair(), SizeIs(2));
-    EXPECT_THAT(mData.check(), Contains(HasSubstr("Site=1,Antenna=1")));
+    EXPECT_THAT(mData.check().problems, Contains(HasSubstr("Site=1,Antenna=1")));
 }
 
 class DataSetAtTheTopTest : public testing::Test {
