@@ -17,6 +17,10 @@ std::string returnText(OrvReturnT code) {
         return "OrvHostNotContained: objects of this class do not stand there";
     case OrvHostWrongState:
         return "OrvHostWrongState: not possible in this phase of the transaction";
+    case OrvHostStoreUnavailable:
+        return "OrvHostStoreUnavailable: nothing can be committed now";
+    case OrvHostOutcomeUnknown:
+        return "OrvHostOutcomeUnknown: it is not known whether the transaction is committed";
     default:
         return Orv::OrvReturn::strerror(code);
     }

@@ -24,6 +24,11 @@ constexpr OrvReturnT OrvHostNotWritable = -102;
 constexpr OrvReturnT OrvHostNotContained = -103;
 /// The request is not possible in the current phase of the transaction.
 constexpr OrvReturnT OrvHostWrongState = -104;
+/// Nothing can be committed now: the disk or the server that keeps the commits does not take them.
+/// Nothing of the transaction has happened.
+constexpr OrvReturnT OrvHostStoreUnavailable = -105;
+/// What keeps the commits did not answer, so it is not known whether the transaction is committed.
+constexpr OrvReturnT OrvHostOutcomeUnknown = -106;
 
 /// The name and the meaning of a code, for people: of the codes in this file and of those that
 /// every table has. Any thread.

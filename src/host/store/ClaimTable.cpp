@@ -108,6 +108,18 @@ std::optional<ClaimTable::Rival> ClaimTable::claimMembership(ClaimSet& claims, N
                           [](std::uint64_t kept) { return kept; }));
 }
 
+std::vector<std::pair<NodeId, ClaimTable::Kind>> ClaimTable::held(const ClaimSet& claims) {
+    std::vector<std::pair<NodeId, Kind>> result;
+    result.reserve(claims.nodes.size());
+    const std::lock_guard<std::mutex> guard(mMutex);
+    for (const NodeId node : claims.nodes) {
+        const NodeClaim& claim = mNodes[node]; // it is there
+        const Kind written = claim.deleting ? Kind::Delete : Kind::Write;
+        result.emplace_back(node, claim.writer == claims.owner ? written : Kind::CreateUnder);
+    }
+    return result;
+}
+
 void ClaimTable::releaseNode(NodeId node, TransactionId transaction) noexcept {
     NodeClaim* const claim = mNodes.find(node);
     if (claim == nullptr) {

@@ -55,6 +55,9 @@ public:
     /// Claims to change how many objects of one class stand under one parent.
     std::optional<Rival> claimMembership(ClaimSet& claims, NodeId parent, ClassIndex moc);
 
+    /// The committed objects that are claimed, each with the strongest kind of its claims.
+    std::vector<std::pair<NodeId, Kind>> held(const ClaimSet& claims);
+
     /// Gives back all of \p claims and empties it.
     void release(ClaimSet& claims) noexcept;
 

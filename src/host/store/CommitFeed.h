@@ -16,9 +16,12 @@
 
 namespace OrvHost {
 
-/// Called with the changes of one commit, on the thread that committed, after the commit can be
-/// read. It may read and begin transactions, but must not commit one, nor subscribe or unsubscribe.
-/// What it throws is dropped: the commit has happened.
+/// Called with the changes of one commit after the commit can be read, on the thread that
+/// committed; with a commit log, on a thread that commits at the same time or, for the commits of
+/// other hosts, on one that commits or calls MoStore::catchUp, and these may have happened shortly
+/// before the watcher came. It may read and begin
+/// transactions, but must not commit one, nor subscribe or unsubscribe. What it throws is dropped:
+/// the commit has happened.
 using CommitWatcher = std::function<void(const ChangeSet& changes)>;
 
 /// Who is called for each commit that changes something.
@@ -53,6 +56,8 @@ public:
     /// \p watcher, which is not empty, is called for each commit that begins after this call.
     [[nodiscard]] Subscription watch(CommitWatcher watcher);
 
+    bool isWatched() const { return mCount.load() != 0; }
+
     /// Runs \p commit, which returns the commit's number. If somebody watches, \p describe is
     /// called before it, for the changes, and the watchers after it.
     template <class Describe, class Commit>
@@ -67,12 +72,18 @@ public:
         call(changes);
     }
 
+    /// Calls the watchers with the changes of a commit that has happened already.
+    void report(const ChangeSet& changes) const {
+        const std::lock_guard<std::mutex> guard(mMutex);
+        call(changes);
+    }
+
 private:
     void call(const ChangeSet& changes) const noexcept;
     void remove(const std::shared_ptr<const CommitWatcher>& watcher) noexcept;
 
     std::atomic<std::size_t> mCount{0}; ///< of mWatchers; read without the lock
-    std::mutex mMutex;                  ///< guards mWatchers; held while they are called
+    mutable std::mutex mMutex;          ///< guards mWatchers; held while they are called
     Watchers mWatchers;
 };
 

@@ -3,6 +3,7 @@
 
 #include "MoStore.h"
 
+#include "TreeLoader.h"
 #include "WriteCheck.h"
 #include "base/DnView.h"
 
@@ -59,16 +60,76 @@ void add(const Model& model, MoTree& tree, const std::string& dn,
     tree.add(parent, moc, MoTree::hashOf(dn), MoRecord(name, bytes), 0);
 }
 
+// Objects that were loaded at start have no commit, so their place is that in the tree.
+void visitLoaded(const MoTree& tree, const CommitLog::ObjectVisitor& take) {
+    tree.eachAdded([&](NodeId id, const MoNode& node) {
+        if (id >= kMaxPlaces) {
+            throw HostError(OrvInvalidArgument, "a store cannot be filled with more than " +
+                                                    std::to_string(kMaxPlaces - 1) + " objects");
+        }
+        take({objectId(0, id), objectId(0, node.parent), node.moc, node.record.name(),
+              node.record.attributes(), 0});
+    });
 }
 
-MoStore::MoStore(const Model& model) : mModel(model), mTree(model) {}
+}
+
+MoStore::MoStore(const Model& model) : mTree(model), mModel(model) {}
 
 void MoStore::load(const std::string& dn, const std::vector<NamedValue>& attributes) {
+    if (mLog) {
+        throw HostError(OrvHostWrongState, "data is loaded before the commits go into a log, and "
+                                           "they do already");
+    }
     withDn(dn, [&] { mTree.load([&](MoTree& tree) { add(mModel, tree, dn, attributes); }); });
 }
 
 std::unique_ptr<StoreTransaction> MoStore::begin(TransactionId id, std::string author) {
-    return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, mFeed, id, std::move(author));
+    return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, mFeed, mLog.get(), id,
+                                              std::move(author));
+}
+
+LogMark MoStore::takeFrom(CommitLog& log) {
+    MoTree loaded(mModel);
+    const TreeLoader loader(mModel, loaded);
+    LogMark mark = log.load(loader);
+    loader.requireCommitsUntil(mark.position);
+    mTree.replace(loaded, mark.position);
+    return mark;
+}
+
+void MoStore::attach(CommitLog& log, std::string host) {
+    if (mLog || mTree.last() > 0) {
+        throw HostError(OrvHostWrongState,
+                        mLog ? "the commits go into a log already"
+                             : "a transaction has committed already, and a log must have all "
+                               "commits");
+    }
+    LogMark mark;
+    if (size() == 0) {
+        mark = takeFrom(log);
+    } else {
+        mTree.load([&](MoTree& tree) {
+            mark = log.fill([&](const CommitLog::ObjectVisitor& take) { visitLoaded(tree, take); });
+        });
+    }
+    mLog =
+        std::make_unique<LogCommitter>(mModel, mTree, mFeed, log, std::move(host), std::move(mark));
+}
+
+LogCommitter& MoStore::requireLog() const {
+    if (!mLog) {
+        throw HostError(OrvHostWrongState, "the commits of this store go into no log");
+    }
+    return *mLog;
+}
+
+void MoStore::catchUp() {
+    requireLog().catchUp();
+}
+
+void MoStore::reload() {
+    requireLog().restart([this](CommitLog& log) { return takeFrom(log); });
 }
 
 std::uint64_t MoStore::size() const {

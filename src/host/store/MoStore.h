@@ -5,6 +5,8 @@
 #define ORV_HOST_STORE_MOSTORE_H
 
 #include "ClaimTable.h"
+#include "CommitLog.h"
+#include "LogCommitter.h"
 #include "StoreTransaction.h"
 #include "VersionedTree.h"
 #include "model/Model.h"
@@ -28,7 +30,7 @@ namespace OrvHost {
 /// Children of one class under one parent are kept in the order in which they were added: by load,
 /// then by commit, and within a transaction by creation.
 ///
-/// Threads: any, but load may be called only before the first transaction.
+/// Threads: any, but load, attach and reload may be called only while there is no transaction.
 class MoStore {
 public:
     /// \p model must outlive the store.
@@ -42,7 +44,7 @@ public:
     /// attributes that only the system sets may be given, and mandatory attributes must be given
     /// (except references, which the checks of associations cover). Throws HostError with a text
     /// that names \p dn (internal) and what was expected; the store is then unchanged. Constant
-    /// time.
+    /// time. OrvHostWrongState after attach: the log would not know the object.
     void load(const std::string& dn, const std::vector<NamedValue>& attributes);
 
     /// Begins a transaction. \p id and \p author name it in messages to other transactions; \p id
@@ -55,15 +57,38 @@ public:
         return mFeed.watch(std::move(watcher));
     }
 
+    /// Lets all commits go through \p log, which must outlive the store. A store with objects fills
+    /// a log that has never had any; an empty store takes what the log holds. \p host: how messages
+    /// on other hosts name this one; may be empty. Call it once, before the first transaction.
+    ///
+    /// Throws HostError with OrvHostWrongState if both hold objects, a transaction is open or one
+    /// has committed, and what the log throws; with OrvHostStoreUnavailable if the log holds
+    /// something else than objects of the model. The store is then as before.
+    void attach(CommitLog& log, std::string host = {});
+    /// Applies what other stores have appended to the log. Throws HostError with OrvHostWrongState
+    /// without a log, LogUnavailable or LogDiverged.
+    void catchUp();
+    /// Drops all objects and takes those that the log holds now: the way out of a fault. Watchers
+    /// do not hear of what differs. Throws as attach; OrvHostWrongState also without a log.
+    void reload();
+    /// How many commits wait for their turn to go into the log.
+    std::size_t commitsWaiting() const { return mLog ? mLog->waiting() : 0; }
+    /// Why nothing can be committed any more, for people; empty if it can.
+    std::string logFault() const { return mLog ? mLog->fault() : std::string(); }
+
     /// Number of committed objects.
     std::uint64_t size() const;
     StoreMemory memory() const;
 
 private:
+    LogCommitter& requireLog() const;
+    LogMark takeFrom(CommitLog& log);
+
+    VersionedTree mTree; // first, since its lock is aligned to more than the others
     const Model& mModel;
-    VersionedTree mTree;
     ClaimTable mClaims;
     CommitFeed mFeed;
+    std::unique_ptr<LogCommitter> mLog; ///< null: commits are in memory only
 };
 
 }

@@ -49,6 +49,16 @@ MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.add();
 }
 
+void MoTree::swap(MoTree& other) noexcept {
+    std::swap(mNodes, other.mNodes);
+    std::swap(mFirstFree, other.mFirstFree);
+    std::swap(mFreeCount, other.mFreeCount);
+    std::swap(mIndex, other.mIndex);
+    std::swap(mHistory, other.mHistory);
+    std::swap(mGarbage, other.mGarbage);
+    std::swap(mLiveCount, other.mLiveCount);
+}
+
 std::uint32_t MoTree::hashOf(std::string_view dn) {
     return static_cast<std::uint32_t>(OrvHost::hashOf(dn));
 }
@@ -156,6 +166,11 @@ std::string MoTree::dnOf(NodeId id) const {
     return dn;
 }
 
+std::string MoTree::groupText(NodeId parent, ClassIndex moc) const {
+    return "'" + mModel.classes[moc].name + "' objects" +
+           (parent == kRootNode ? " at the top level" : " under " + dnOf(parent));
+}
+
 void MoTree::ensureGroup(NodeId parent, ClassIndex moc) {
     auto& groups = mNodes[parent].groups;
     if (!groups) {
@@ -198,8 +213,8 @@ void MoTree::link(NodeId id, CommitNumber number) noexcept {
     ++mLiveCount;
 }
 
-void MoTree::add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
-                 CommitNumber number) {
+NodeId MoTree::add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
+                   CommitNumber number) {
     TreeChange change;
     NewMo& created = change.created.emplace_back();
     created.parent = parent;
@@ -207,6 +222,16 @@ void MoTree::add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord r
     created.dnHash = dnHash;
     created.record = std::move(record);
     apply(change, number, OldRecords::Drop);
+    mNodes[created.node].place = created.node; // each has a place of its own
+    return created.node;
+}
+
+NodeId MoTree::restore(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
+                       CommitNumber createdAt, std::uint32_t place, CommitNumber changedAt) {
+    const NodeId id = add(parent, moc, dnHash, std::move(record), createdAt);
+    mNodes[id].place = place;
+    mNodes[id].changedAt = changedAt;
+    return id;
 }
 
 // Everything that can fail when memory runs out happens here, before any change is visible.
@@ -235,6 +260,7 @@ void MoTree::stageCreated(TreeChange& change) {
             created.parent != kNoNode ? created.parent : change.created[created.parentIndex].node;
         one.moc = created.moc;
         one.dnHash = created.dnHash;
+        one.place = static_cast<std::uint32_t>(&created - change.created.data());
         one.record = std::move(created.record);
         ensureGroup(one.parent, one.moc);
     }

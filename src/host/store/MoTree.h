@@ -44,6 +44,7 @@ struct MoNode {
     NodeId previous = kNoNode; ///< also of the same class
     ClassIndex moc = 0;
     std::uint32_t dnHash = 0;
+    std::uint32_t place = 0; ///< among the objects that the same commit created
 };
 
 /// An object that a commit creates. Its parent is a committed object, or one that comes before it
@@ -74,6 +75,9 @@ class MoTree {
 public:
     explicit MoTree(const Model& model);
 
+    /// Exchanges all objects with \p other, which must have the same model.
+    void swap(MoTree& other) noexcept;
+
     static std::uint32_t hashOf(std::string_view dn);
 
     /// The object with that DN in the snapshot \p at, or kNoNode. Constant time.
@@ -99,10 +103,24 @@ public:
     /// The commit in which a child of any class was last added or deleted; 0 if never.
     CommitNumber childrenChangedAt(NodeId parent) const;
     std::string dnOf(NodeId id) const;
+    /// The children of one class, for people: "'Fan' objects under Network=1".
+    std::string groupText(NodeId parent, ClassIndex moc) const;
 
-    /// Adds an object under \p parent. All or nothing if memory runs out.
-    void add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
-             CommitNumber number);
+    /// Adds an object under \p parent and returns it. All or nothing if memory runs out.
+    NodeId add(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
+               CommitNumber number);
+    /// Adds an object with the stamps and the place that it had in another process; its parent and
+    /// its older siblings must be there. No snapshot may be open.
+    NodeId restore(NodeId parent, ClassIndex moc, std::uint32_t dnHash, MoRecord record,
+                   CommitNumber createdAt, std::uint32_t place, CommitNumber changedAt);
+    /// Calls \p visit with the number and the node of each object, in the order in which they were
+    /// added, if none was ever deleted.
+    template <class Visit>
+    void eachAdded(const Visit& visit) const {
+        for (std::size_t id = kRootNode + 1; id < mNodes.size(); ++id) {
+            visit(static_cast<NodeId>(id), mNodes[static_cast<NodeId>(id)]);
+        }
+    }
     /// Whether older snapshots will be read after a commit.
     enum class OldRecords { Keep, Drop };
     /// Applies a commit. All or nothing if memory runs out. Records that are to be dropped are in

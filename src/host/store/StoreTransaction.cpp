@@ -49,11 +49,13 @@ AttributeValue AttributeView::value() const {
 }
 
 StoreTransaction::StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims,
-                                   CommitFeed& feed, TransactionId id, std::string author)
+                                   CommitFeed& feed, LogCommitter* log, TransactionId id,
+                                   std::string author)
     : mModel(model),
       mTree(tree),
       mSnapshot(tree.openSnapshot()),
       mFeed(feed),
+      mLog(log),
       mGuard(tree, claims, id, std::move(author), mSnapshot) {}
 
 StoreTransaction::~StoreTransaction() {
@@ -390,8 +392,7 @@ void StoreTransaction::claimMembership(std::string_view parentDn, const Mo& pare
         return;
     }
     if (parent.created == nullptr) {
-        mGuard.claimMembership(parent.node, moc,
-                               "'" + mModel.classes[moc].name + "' objects" + placeOf(parentDn));
+        mGuard.claimMembership(parent.node, moc);
     }
     mOverlay.noteMembers(std::string(parentDn), moc);
 }
@@ -527,6 +528,11 @@ std::vector<std::string> StoreTransaction::check() const {
     std::vector<std::string> violations;
     if (!conflict().empty()) {
         violations.push_back("the transaction met a conflict: " + conflict());
+    } else if (mLog != nullptr && mLog->hasForeignAfter(mSnapshot)) {
+        const std::string changed = mGuard.whatChanged();
+        if (!changed.empty()) {
+            violations.push_back("the transaction met a conflict: " + changed);
+        }
     }
     for (const CreatedMo* mo : mOverlay.created()) {
         if (mo != nullptr) {
@@ -545,7 +551,9 @@ std::vector<std::string> StoreTransaction::check() const {
 void StoreTransaction::commit() {
     requireOpen();
     mGuard.requireNoConflict();
-    if (!mOverlay.isEmpty()) {
+    if (mLog != nullptr) {
+        commitThroughLog();
+    } else if (!mOverlay.isEmpty()) {
         TreeChange change = makeChange();
         mFeed.publish([&] { return changes(); },
                       [&] {
@@ -553,6 +561,34 @@ void StoreTransaction::commit() {
                       });
     }
     end();
+}
+
+// What is created and deleted again leaves nothing, and no entry in the log.
+void StoreTransaction::commitThroughLog() {
+    TreeChange change = makeChange();
+    if (!change.created.empty() || !change.modified.empty() || !change.deleted.empty()) {
+        mLog->commit({change, mGuard, makeLogChange().encoded(), [&] { return changes(); }});
+    }
+}
+
+LogChange StoreTransaction::makeLogChange() const {
+    LogChange change;
+    mTree.read([&](const MoTree& tree) {
+        for (const NodeId node : mOverlay.deleted()) {
+            change.deleted.push_back(tree.dnOf(node));
+        }
+        for (const auto& [node, changes] : mOverlay.modified()) {
+            change.changed.push_back({tree.dnOf(node), changes});
+        }
+    });
+    std::sort(change.changed.begin(), change.changed.end(),
+              [](const auto& one, const auto& two) { return one.dn < two.dn; });
+    for (const CreatedMo* mo : mOverlay.created()) {
+        if (mo != nullptr) {
+            change.created.push_back({mo->dn, mo->attributes});
+        }
+    }
+    return change;
 }
 
 ChangeSet StoreTransaction::changes() const {
@@ -588,18 +624,7 @@ ChangeSet StoreTransaction::changes() const {
 // `before` and `after` as AttributeBytes.
 ObjectChange StoreTransaction::describe(ObjectChange::Kind kind, const Mo& mo,
                                         std::string_view before, std::string_view after) const {
-    const ClassDef& moc = *classOf(mo);
-    ObjectChange change{kind, dnOf(mo), moc.name, {}};
-    for (AttributeIndex index = 0; index < moc.attributes.size(); ++index) {
-        const AttributeDef& def = moc.attributes[index];
-        const AttributeValue none{def.type.kind, {}};
-        AttributeValue old = AttributeBytes::read(moc, before, index).value_or(none);
-        AttributeValue now = AttributeBytes::read(moc, after, index).value_or(none);
-        if (!(old == now)) {
-            change.attributes.push_back({def.name, std::move(old), std::move(now)});
-        }
-    }
-    return change;
+    return describeChange(kind, dnOf(mo), *classOf(mo), before, after);
 }
 
 TreeChange StoreTransaction::makeChange() const {

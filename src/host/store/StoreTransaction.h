@@ -5,6 +5,8 @@
 #define ORV_HOST_STORE_STORETRANSACTION_H
 
 #include "CommitFeed.h"
+#include "LogChange.h"
+#include "LogCommitter.h"
 #include "StoreTypes.h"
 #include "TransactionOverlay.h"
 #include "VersionedTree.h"
@@ -60,7 +62,7 @@ class StoreTransaction {
 public:
     /// For MoStore::begin only.
     StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims, CommitFeed& feed,
-                     TransactionId id, std::string author);
+                     LogCommitter* log, TransactionId id, std::string author);
     ~StoreTransaction();
     StoreTransaction(const StoreTransaction&) = delete;
     StoreTransaction& operator=(const StoreTransaction&) = delete;
@@ -207,6 +209,8 @@ private:
     void checkMembers(std::string_view parentDn, ClassIndex moc,
                       std::vector<std::string>& violations) const;
     TreeChange makeChange() const;
+    LogChange makeLogChange() const;
+    void commitThroughLog();
     ObjectChange describe(ObjectChange::Kind kind, const Mo& mo, std::string_view before,
                           std::string_view after) const;
     void end() noexcept;
@@ -215,6 +219,7 @@ private:
     VersionedTree& mTree;
     CommitNumber mSnapshot;
     CommitFeed& mFeed;
+    LogCommitter* mLog; ///< null: commits are in memory only
     WriteGuard mGuard;
     TransactionOverlay mOverlay;
     mutable FoundLast mFoundLast;

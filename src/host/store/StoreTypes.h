@@ -21,6 +21,9 @@ struct TransactionName {
     TransactionId transaction = kNoTransaction;
     std::string author{}; ///< who began it, for people; may be empty
 };
+/// "transaction 11 of alice", or "another transaction". Without a number the author is the whole
+/// text: so is a transaction of another host.
+std::string toText(const TransactionName& name);
 
 /// The place of an object in the committed tree. It is used again when no snapshot can show the
 /// object any more.
@@ -32,6 +35,13 @@ constexpr NodeId kNoNode = UINT32_MAX;
 /// The children of the class at the position \p moc of the model under one parent, as a key.
 constexpr std::uint64_t groupKey(NodeId parent, std::uint32_t moc) {
     return std::uint64_t{parent} << 32U | moc;
+}
+
+constexpr NodeId parentOf(std::uint64_t groupKey) {
+    return static_cast<NodeId>(groupKey >> 32U);
+}
+constexpr std::uint32_t classOf(std::uint64_t groupKey) {
+    return static_cast<std::uint32_t>(groupKey);
 }
 
 /// Commits are numbered; data loaded at start has number 0. A snapshot is the number of the last

@@ -28,13 +28,19 @@ CommitNumber VersionedTree::oldestNeeded() const {
     return mOpen.empty() ? mLast : *mOpen.begin();
 }
 
+// Returns the oldest commit that somebody can still read.
+CommitNumber VersionedTree::forgetOldCommitters() {
+    const CommitNumber oldest = oldestNeeded();
+    mCommitters.erase(mCommitters.begin(), mCommitters.upper_bound(oldest));
+    return oldest;
+}
+
 void VersionedTree::closeSnapshot(CommitNumber snapshot) noexcept {
     CommitNumber oldest = 0;
     {
         const std::lock_guard<std::mutex> guard(mMutex);
         mOpen.erase(mOpen.find(snapshot));
-        oldest = oldestNeeded();
-        mCommitters.erase(mCommitters.begin(), mCommitters.upper_bound(oldest));
+        oldest = forgetOldCommitters();
     }
     reclaim(oldest);
 }
@@ -52,8 +58,47 @@ CommitNumber VersionedTree::commit(TreeChange& change, TransactionName committer
     const std::unique_lock<ReaderLock> guard(mLock);
     // Held until the end, so that nobody opens a snapshot of what is replaced meanwhile.
     const std::lock_guard<std::mutex> inner(mMutex);
+    return apply(change, std::move(committer), 1);
+}
+
+void VersionedTree::commitEntry(CommitNumber number, TreeChange& change, TransactionName committer,
+                                Origin origin) {
+    CommitNumber oldest = 0;
+    {
+        const std::unique_lock<ReaderLock> guard(mLock);
+        const std::lock_guard<std::mutex> inner(mMutex);
+        if (number != mLast + 1) {
+            throw HostError(OrvHostWrongState, "commit " + std::to_string(mLast + 1) +
+                                                   " was expected, and this is " +
+                                                   std::to_string(number));
+        }
+        apply(change, std::move(committer), origin == Origin::Here ? 1 : 0);
+        oldest = forgetOldCommitters();
+    }
+    // No snapshot may ever be closed here, if all that is done is to follow others.
+    if (origin == Origin::Elsewhere) {
+        reclaim(oldest);
+    }
+}
+
+CommitNumber VersionedTree::last() const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    return mLast;
+}
+
+void VersionedTree::replace(MoTree& tree, CommitNumber last) {
+    refuseOpenSnapshots();
+    const std::unique_lock<ReaderLock> guard(mLock);
+    const std::lock_guard<std::mutex> inner(mMutex);
+    mTree.swap(tree);
+    mOldestGarbage = mTree.oldestGarbage();
+    mLast = last;
+}
+
+CommitNumber VersionedTree::apply(TreeChange& change, TransactionName committer,
+                                  std::size_t ownSnapshots) {
     const CommitNumber number = mLast + 1;
-    const bool hasReaders = mOpen.size() > 1; // the one is that of the committer
+    const bool hasReaders = mOpen.size() > ownSnapshots;
     if (hasReaders) {
         mCommitters[number] = std::move(committer);
     }

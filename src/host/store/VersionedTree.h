@@ -31,8 +31,8 @@ public:
     CommitNumber openSnapshot();
     void closeSnapshot(CommitNumber snapshot) noexcept;
 
-    /// Runs \p look on the tree while no commit changes it, and returns its result. \p look must
-    /// not call this object.
+    /// Runs \p look on the tree while no commit changes it, and returns its result. Of this object
+    /// \p look may call nothing but committer.
     template <class Look>
     auto read(Look&& look) const {
         const std::shared_lock<ReaderLock> guard(mLock);
@@ -43,6 +43,15 @@ public:
     /// transaction that commits has one snapshot open, which is not read any more after that, only
     /// closed: what only this snapshot could still see is not kept.
     CommitNumber commit(TreeChange& change, TransactionName committer);
+    /// Where the transaction of an entry of a commit log was: one of this store has a snapshot
+    /// here.
+    enum class Origin { Here, Elsewhere };
+    /// The same for the entry of a commit log at the position \p number. OrvHostWrongState if that
+    /// is not the number of the next commit.
+    void commitEntry(CommitNumber number, TreeChange& change, TransactionName committer,
+                     Origin origin);
+    /// The number of the last commit.
+    CommitNumber last() const;
     /// Who made a commit; kNoTransaction if no open snapshot is older.
     TransactionName committer(CommitNumber number) const;
 
@@ -53,10 +62,16 @@ public:
         const std::unique_lock<ReaderLock> guard(mLock);
         change(mTree);
     }
+    /// Puts \p tree, of the same model, in the place of all objects; what was there is in \p tree
+    /// then. Commits are numbered after \p last from now on. OrvHostWrongState if a snapshot is
+    /// open.
+    void replace(MoTree& tree, CommitNumber last);
 
 private:
+    CommitNumber apply(TreeChange& change, TransactionName committer, std::size_t ownSnapshots);
     void refuseOpenSnapshots() const;
     CommitNumber oldestNeeded() const;
+    CommitNumber forgetOldCommitters();
     void reclaim(CommitNumber oldest) noexcept;
 
     mutable ReaderLock mLock;

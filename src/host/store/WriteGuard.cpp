@@ -30,14 +30,6 @@ const char* actionOf(ClaimTable::Kind kind) {
     return " is being changed";
 }
 
-std::string nameOf(const TransactionName& other) {
-    if (other.transaction == kNoTransaction) {
-        return "another transaction";
-    }
-    const std::string name = "transaction " + std::to_string(other.transaction);
-    return other.author.empty() ? name : name + " of " + other.author;
-}
-
 }
 
 WriteGuard::WriteGuard(VersionedTree& tree, ClaimTable& claims, TransactionId owner,
@@ -56,6 +48,10 @@ void WriteGuard::release() noexcept {
     mClaims.release(mClaimed);
 }
 
+std::string WriteGuard::textOf(const std::string& what, CommitNumber number) const {
+    return what + " since this transaction began, by " + toText(mTree.committer(number));
+}
+
 void WriteGuard::fail(const std::string& what, const std::string& other) {
     const std::string text = what + " by " + other;
     if (mConflict.empty()) {
@@ -65,7 +61,10 @@ void WriteGuard::fail(const std::string& what, const std::string& other) {
 }
 
 void WriteGuard::failForCommit(const std::string& what, CommitNumber number) {
-    fail(what + " since this transaction began,", nameOf(mTree.committer(number)));
+    if (mConflict.empty()) {
+        mConflict = textOf(what, number);
+    }
+    throw HostError(OrvHostWriteConflict, textOf(what, number));
 }
 
 void WriteGuard::requireNoConflict() const {
@@ -74,8 +73,64 @@ void WriteGuard::requireNoConflict() const {
     }
 }
 
+// What requireUnchanged, requireSameChildren, claimName and claimMembership compare, for all
+// claims. An object that was created since the snapshot cannot be among them: its claim was
+// refused.
+std::string WriteGuard::whatChanged() const {
+    const auto held = mClaims.held(mClaimed);
+    return mTree.read([&](const MoTree& tree) {
+        for (const auto& [node, kind] : held) {
+            std::string text = whatChanged(tree, node, kind);
+            if (!text.empty()) {
+                return text;
+            }
+        }
+        for (const std::string* const dn : mClaimed.names) {
+            const NodeId latest = tree.find(*dn, kLatest);
+            if (latest != kNoNode && tree.node(latest).createdAt > mSnapshot) {
+                return textOf(*dn + " was created", tree.node(latest).createdAt);
+            }
+        }
+        for (const std::uint64_t key : mClaimed.memberships) {
+            const NodeId parent = parentOf(key);
+            const ClassIndex moc = classOf(key);
+            const ChildGroup* const group = tree.findGroup(parent, moc);
+            if (group != nullptr && group->changedAt > mSnapshot) {
+                return textOf("the number of " + tree.groupText(parent, moc) + " was changed",
+                              group->changedAt);
+            }
+        }
+        return std::string();
+    });
+}
+
+std::string WriteGuard::whatChanged(const MoTree& tree, NodeId node, ClaimTable::Kind kind) const {
+    const MoNode& one = tree.node(node);
+    if (one.deletedAt != kNever) {
+        return textOf(tree.dnOf(node) + " was deleted", one.deletedAt);
+    }
+    if (kind != ClaimTable::Kind::CreateUnder && one.changedAt > mSnapshot) {
+        return textOf(tree.dnOf(node) + " was changed", one.changedAt);
+    }
+    const CommitNumber children = tree.childrenChangedAt(node);
+    if (kind == ClaimTable::Kind::Delete && children > mSnapshot) {
+        return textOf("the children of " + tree.dnOf(node) + " were changed", children);
+    }
+    return {};
+}
+
+void WriteGuard::recheck() {
+    requireNoConflict();
+    mConflict = whatChanged();
+    requireNoConflict();
+}
+
 std::string WriteGuard::dnOf(NodeId node) const {
     return mTree.read([&](const MoTree& tree) { return tree.dnOf(node); });
+}
+
+std::string WriteGuard::groupText(NodeId parent, ClassIndex moc) const {
+    return mTree.read([&](const MoTree& tree) { return tree.groupText(parent, moc); });
 }
 
 void WriteGuard::claimWrite(NodeId node) {
@@ -92,7 +147,7 @@ void WriteGuard::claimCreateUnder(NodeId node) {
 
 void WriteGuard::claimNode(NodeId node, ClaimTable::Kind kind) {
     if (const auto rival = mClaims.claimNode(mClaimed, node, kind)) {
-        fail(dnOf(node) + actionOf(rival->kind), nameOf(*rival));
+        fail(dnOf(node) + actionOf(rival->kind), toText(*rival));
     }
     requireUnchanged(node, kind);
 }
@@ -125,7 +180,7 @@ void WriteGuard::requireSameChildren(NodeId node) {
 
 void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
     if (const auto rival = mClaims.claimName(mClaimed, dn)) {
-        fail(dn + " is being created", nameOf(*rival));
+        fail(dn + " is being created", toText(*rival));
     }
     if (deletedByOwner) {
         return; // the latest object with that DN is the one that this transaction deletes
@@ -139,16 +194,16 @@ void WriteGuard::claimName(const std::string& dn, bool deletedByOwner) {
     }
 }
 
-void WriteGuard::claimMembership(NodeId parent, ClassIndex moc, const std::string& what) {
+void WriteGuard::claimMembership(NodeId parent, ClassIndex moc) {
     if (const auto rival = mClaims.claimMembership(mClaimed, parent, moc)) {
-        fail("the number of " + what + " is being changed", nameOf(*rival));
+        fail("the number of " + groupText(parent, moc) + " is being changed", toText(*rival));
     }
     const CommitNumber changedAt = mTree.read([&](const MoTree& tree) {
         const ChildGroup* group = tree.findGroup(parent, moc);
         return group == nullptr ? 0 : group->changedAt;
     });
     if (changedAt > mSnapshot) {
-        failForCommit("the number of " + what + " was changed", changedAt);
+        failForCommit("the number of " + groupText(parent, moc) + " was changed", changedAt);
     }
 }
 

@@ -32,6 +32,7 @@ public:
 
     TransactionId owner() const { return mClaimed.owner; }
     const std::string& author() const { return mClaimed.author; }
+    CommitNumber snapshot() const { return mSnapshot; }
 
     /// Before a change of attributes of the committed object \p node.
     void claimWrite(NodeId node);
@@ -47,7 +48,14 @@ public:
     void claimName(const std::string& dn, bool deletedByOwner);
     /// Before the number of objects of a class under \p parent changes (kRootNode: at the top
     /// level).
-    void claimMembership(NodeId parent, ClassIndex moc, const std::string& what);
+    void claimMembership(NodeId parent, ClassIndex moc);
+
+    /// What of all that is claimed is not any more as at the snapshot, for people; empty if
+    /// nothing. Claims keep others in this store away, so it can only be what came through a commit
+    /// log.
+    std::string whatChanged() const;
+    /// Throws a conflict if there is something of that kind, or has been one.
+    void recheck();
 
     /// The first conflict, for people; empty if there was none.
     const std::string& conflict() const { return mConflict; }
@@ -59,7 +67,10 @@ public:
 private:
     void claimNode(NodeId node, ClaimTable::Kind kind);
     void requireUnchanged(NodeId node, ClaimTable::Kind kind);
+    std::string whatChanged(const MoTree& tree, NodeId node, ClaimTable::Kind kind) const;
+    std::string textOf(const std::string& what, CommitNumber number) const;
     std::string dnOf(NodeId node) const;
+    std::string groupText(NodeId parent, ClassIndex moc) const;
     [[noreturn]] void fail(const std::string& what, const std::string& other);
     [[noreturn]] void failForCommit(const std::string& what, CommitNumber number);
 
