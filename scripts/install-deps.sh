@@ -15,6 +15,7 @@ build_packages=(
   libyang2-dev        # reads YANG models and instance data
   libcli11-dev        # orvhost: options
   nlohmann-json3-dev  # orvhost: JSON output
+  libsqlite3-dev      # orvhost: stores on disk
   libedit-dev         # orvhost: line editing, history, completion
   libtomlplusplus-dev # orvhost: project files
   graphviz            # orvhost: pictures

@@ -34,6 +34,7 @@ HOST_ROOMS = {
     "src/host/repository": ["src/host/base", "src/host/model"],
     "src/host/audit": ["src/host/base", "src/host/model"],
     "src/host/store": ["src/host/base", "src/host/model"],
+    "src/host/store_sqlite": ["src/host/base", "src/host/model", "src/host/store"],
     "src/host/transactions": ["src/host/base"],
     "src/host/router": [
         "src/host/base", "src/host/model", "src/host/store", "src/host/transactions"],
@@ -109,6 +110,7 @@ KEPT_APART = {
     "libyang/": ["src/host/yang", "src/host/netconf"],
     "nc_server.h": ["src/host/netconf/server"],
     "libssh/": ["src/host/netconf/server"],
+    "sqlite3.h": ["src/host/store_sqlite"],
 }
 
 # What stands above the component. It goes through the client library and knows no table.
@@ -265,6 +267,9 @@ SELF_TEST = [
     ("src/host/store/Store.h", '#include "Helper.h"\n#include "base/Error.h"\n', 0),
     ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
      1),
+    ("src/host/store/Engine.cpp", "#include <sqlite3.h>\n", 1),
+    ("src/host/store/Upward.h", '#include "store_sqlite/Log.h"\n', 1),
+    ("src/host/store_sqlite/Log.h", '#include "store/Store.h"\n#include <sqlite3.h>\n', 0),
     ("src/host/store/Aside.h", '#include "transactions/Service2.h"\n', 1),
     ("src/host/transactions/Service2.h", '#include "base/Error.h"\n', 0),
     ("src/host/transactions/Aside.h", '#include "../store/Store.h"\n', 1),

@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Writers of a store that are killed, again and again, at random and at named points of a commit.
+// Each is two hosts on one log, with several threads each. After each kill the store is opened, and
+// must hold what was acknowledged, whole transactions only, and the same as the replay of its log
+// from the beginning.
+//
+// usage: store_kill_test [KILLS [SEED]]
+
+#include "Mixture.h"
+#include "SampleStore.h"
+#include "store_sqlite/SqliteConnection.h"
+#include "store_sqlite/SqliteLog.h"
+#include "store_sqlite/StoreTools.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace OrvHost {
+namespace {
+
+namespace fs = std::filesystem;
+using Stage = SqliteLog::Stage;
+
+constexpr std::uint64_t kKeepAll = UINT64_MAX / 2;
+constexpr unsigned kThreads = 4;
+
+/// Where a writer is to die.
+struct Death {
+    int stage = -1; ///< a Stage, or -1: when its parent kills it
+    unsigned times = 0;
+};
+
+/// The state at the start, then the entries of another log.
+class Replay : public CommitLog {
+public:
+    Replay(SqliteLog& log, LogMark start) : mLog(log), mStart(std::move(start)) {}
+
+    LogMark load(const ObjectVisitor&) override { return mStart; }
+    LogMark fill(const ObjectSource&) override { return mStart; }
+    void append(const LogMark&, const CatchUp&, const Decide&) override {
+        throw LogUnavailable("this log is only read");
+    }
+    void follow(const LogMark& seen, const CatchUp& catchUp,
+                std::chrono::milliseconds patience) override {
+        mLog.follow(seen, catchUp, patience);
+    }
+    std::optional<CommitNumber> find(const std::string& id) override { return mLog.find(id); }
+
+private:
+    SqliteLog& mLog;
+    const LogMark mStart;
+};
+
+/// The mark in front of the first entry.
+LogMark startOf(const fs::path& file) {
+    SqliteConnection connection(file, SqliteConnection::Mode::Existing);
+    return {static_cast<CommitNumber>(connection.number("SELECT first - 1 FROM head")),
+            connection.text("SELECT before FROM head")};
+}
+
+// A line in a file that is written when the commit has returned: one write, so it is whole.
+void acknowledge(int file, const std::string& mark) {
+    const std::string line = mark + "\n";
+    if (write(file, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
+        _exit(2);
+    }
+}
+
+/// Works until it is killed.
+[[noreturn]] void write(const fs::path& store, const fs::path& acknowledged, unsigned seed,
+                        Death death) {
+    SqliteLog log(store, sampleStoreModel());
+    log.keepEntries(kKeepAll);
+    if (death.stage >= 0) {
+        auto left = std::make_shared<unsigned>(death.times);
+        log.setStageHook([left, death](Stage stage) {
+            if (static_cast<int>(stage) == death.stage && --*left == 0) {
+                raise(SIGKILL);
+            }
+        });
+    }
+    MoStore objects(sampleStoreModel());
+    if (log.isNew()) {
+        Mixture::load(objects);
+    }
+    objects.attach(log, "one");
+    MoStore others(sampleStoreModel());
+    others.attach(log, "two");
+    const int file = open(acknowledged.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    std::vector<std::thread> threads;
+    for (unsigned at = 0; at < kThreads; ++at) {
+        threads.emplace_back([&, at] {
+            Mixture mixture(at % 2 == 0 ? objects : others,
+                            std::to_string(seed) + "." + std::to_string(at), seed * kThreads + at);
+            for (;;) {
+                mixture.step([&](const std::string& mark) { acknowledge(file, mark); });
+            }
+        });
+    }
+    for (;;) {
+        pause();
+    }
+}
+
+std::vector<std::string> linesOf(const fs::path& path) {
+    std::vector<std::string> lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// What is wrong after a kill, one text each.
+std::vector<std::string> check(const fs::path& file, const std::vector<std::string>& acknowledged,
+                               std::size_t& commits) {
+    // The first writer may not have come so far.
+    if (SqliteLog(file, sampleStoreModel()).isNew()) {
+        return acknowledged.empty()
+                   ? std::vector<std::string>()
+                   : std::vector<std::string>{"commits were acknowledged, and the store is new"};
+    }
+    std::vector<std::string> problems = checkStore(file);
+    commits = readStoreInfo(file).position;
+    const LogMark start = startOf(file);
+    SqliteLog log(file, sampleStoreModel());
+    MoStore loaded(sampleStoreModel());
+    loaded.attach(log);
+    MoStore replayed(sampleStoreModel());
+    Mixture::load(replayed);
+    Replay replay(log, start);
+    replayed.attach(replay);
+    replayed.catchUp();
+    if (contentOf(loaded) != contentOf(replayed)) {
+        problems.emplace_back("the objects are not those that the entries lead to");
+    }
+    for (std::string& violation : Mixture::violations(loaded, acknowledged)) {
+        problems.push_back(std::move(violation));
+    }
+    return problems;
+}
+
+/// True if the writer has died as it should.
+bool letDie(pid_t writer, Death death, unsigned milliseconds) {
+    if (death.stage < 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        kill(writer, SIGKILL);
+    }
+    int status = 0;
+    waitpid(writer, &status, 0);
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+int run(unsigned kills, unsigned seed) {
+    std::string name = fs::temp_directory_path() / "store_kill_XXXXXX";
+    const fs::path directory = mkdtemp(name.data());
+    const fs::path store = directory / "store";
+    const fs::path acknowledged = directory / "acknowledged";
+    std::mt19937 random(seed);
+    const auto between = [&random](unsigned low, unsigned high) {
+        return std::uniform_int_distribution<unsigned>(low, high)(random);
+    };
+    std::size_t commits = 0;
+    for (unsigned at = 0; at < kills; ++at) {
+        // Every second one at a point of a commit, each point in turn.
+        const Death death =
+            at % 2 == 0 || at < 4 ? Death{} : Death{static_cast<int>(at / 2 % 4), between(1, 40)};
+        // The first ones while the store is created.
+        const unsigned milliseconds = at < 4 ? between(0, 20) : between(20, 220);
+        const pid_t writer = fork();
+        if (writer == 0) {
+            write(store, acknowledged, seed * 100000 + at, death);
+        }
+        if (!letDie(writer, death, milliseconds)) {
+            std::cerr << "kill " << at << ": the writer ended by itself\n";
+            return 1;
+        }
+        std::vector<std::string> problems;
+        try {
+            problems = check(store, linesOf(acknowledged), commits);
+        } catch (const HostError& error) {
+            problems.emplace_back(error.what());
+        }
+        for (const std::string& problem : problems) {
+            std::cerr << "kill " << at << ": " << problem << '\n';
+        }
+        if (!problems.empty()) {
+            std::cerr << "seed " << seed << ", left in " << directory << '\n';
+            return 1;
+        }
+    }
+    const std::size_t acknowledgedCommits = linesOf(acknowledged).size();
+    std::cout << kills << " kills, " << acknowledgedCommits
+              << " commits acknowledged, none missing, " << commits - acknowledgedCommits
+              << " more committed without word\n";
+    fs::remove_all(directory);
+    // A test in which nothing was committed would see nothing.
+    return acknowledgedCommits > kills ? 0 : 1;
+}
+
+}
+}
+
+int main(int count, char** arguments) {
+    const unsigned kills = count > 1 ? static_cast<unsigned>(std::atoi(arguments[1])) : 16;
+    const unsigned seed = count > 2 ? static_cast<unsigned>(std::atoi(arguments[2])) : 1;
+    return OrvHost::run(kills, seed);
+}
