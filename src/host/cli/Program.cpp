@@ -15,6 +15,7 @@
 #include "cli/setup/HostSetup.h"
 #include "cli/setup/Options.h"
 #include "cli/setup/ProjectFile.h"
+#include "cli/setup/StoreCommand.h"
 #include "cli/shell/Completer.h"
 #include "cli/shell/Interpreter.h"
 #include "cli/shell/Pager.h"
@@ -238,6 +239,9 @@ int runWithOptions(const Options& options) {
         if (options.isServer) {
             return serve(options, std::cout);
         }
+        if (!options.storeWords.empty()) {
+            return runStoreCommand(options.storeWords, options.json, std::cout);
+        }
         const CommandTable commands;
         if (isHelpAlone(options)) {
             const bool hasName = options.words.size() > 1;
@@ -250,6 +254,9 @@ int runWithOptions(const Options& options) {
         session.showRuleCost(options.yangRules);
         session.setModelNotes(setup.modelNotes());
         session.setSchema(setup.schema());
+        if (SqliteLog* const store = setup.store()) {
+            session.setBackup([store](const auto& target) { store->backup(target); });
+        }
         return Run(options, session, commands).run();
     } catch (const UsageError& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

@@ -24,7 +24,7 @@ struct OrvHostTransactionMaster_1 {
     OrvReturnT (*validate)(unsigned long txHandle, bool* result);
     /// Slot 3. Validates, prepares, commits and finishes. Any other code than OrvOk means that the
     /// transaction has been aborted and finished instead, or that the handle is unknown
-    /// (OrvNotActive).
+    /// (OrvNotActive). After OrvHostOutcomeUnknown (-106) it may be committed nevertheless.
     OrvReturnT (*commit)(unsigned long txHandle);
     /// Slot 4. Aborts and finishes.
     OrvReturnT (*abort)(unsigned long txHandle);

@@ -257,7 +257,8 @@ void TransactionService::commitAll(const Transaction& transaction,
         if (code == OrvOk) {
             continue;
         }
-        // Nothing is committed yet, so the whole transaction can still be aborted.
+        // The others have not committed, so they can still abort. Nothing is committed then, but
+        // for OrvHostOutcomeUnknown, where nobody knows.
         if (at == 0) {
             refuse(outcome, code, answered(*next, "commit", code));
             return;

@@ -152,7 +152,8 @@ words of the component, with the objects and values that they are about.
            .summary = "end a transaction so that its writes hold",
            .details =
                R"(Without a name, the current one. It is validated first; if that or the commit is refused,
-it is aborted, and nothing of it is left.
+it is aborted, and nothing of it is left. If a store does not say what became of the commit, that is
+reported.
 )",
            .words = {WordKind::Transaction},
            .run = runCommit},
@@ -193,6 +194,15 @@ only the system sets. If anything fails, an old file of that name stays as it is
            .words = {WordKind::File, WordKind::Dn},
            .options = {"--format", "--config"},
            .run = runSave},
+          {.name = "backup",
+           .synopsis = "FILE",
+           .summary = "copy the store to a new file",
+           .details =
+               R"(For a host with --store; clients go on meanwhile, and what they commit is copied as well.
+The copy is the file of a store itself.
+)",
+           .words = {WordKind::File},
+           .run = runBackup},
           {.name = "load",
            .synopsis = "FILE [merge | replace [DN]]",
            .summary = "bring the objects of a file into the network",

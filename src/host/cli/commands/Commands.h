@@ -35,6 +35,7 @@ void runCommit(Session& session, Words words);
 void runAbort(Session& session, Words words);
 void runExpect(const CommandTable& table, Session& session, Words words);
 void runSave(Session& session, Words words);
+void runBackup(Session& session, Words words);
 void runLoad(Session& session, Words words);
 void runDiff(Session& session, Words words);
 void runGraph(Session& session, Words words);

@@ -28,7 +28,9 @@ constexpr OrvReturnT kCodes[] = {OrvOk,
                                  OrvHostWriteConflict,
                                  OrvHostNotWritable,
                                  OrvHostNotContained,
-                                 OrvHostWrongState};
+                                 OrvHostWrongState,
+                                 OrvHostStoreUnavailable,
+                                 OrvHostOutcomeUnknown};
 
 std::string subjectText(const OperationSubject& subject) {
     std::string text = subject.operation + " " + (subject.dn.empty() ? "/" : subject.dn);
@@ -97,6 +99,12 @@ JsonValue detailsOf(const Violation& violation) {
     return details;
 }
 
+const char* whatIsLeft(OrvReturnT commitCode) {
+    return commitCode == OrvHostOutcomeUnknown
+               ? "; it has ended, and whether it is committed is not known"
+               : "; it is aborted, nothing of it is left";
+}
+
 std::string toText(const RefusalError& refusal) {
     const std::string& name = refusal.transaction();
     std::string text = (name.empty() ? "not committed: " : "transaction " + name + ": ") +
@@ -108,7 +116,7 @@ std::string toText(const RefusalError& refusal) {
     }
     const bool isCommit = refusal.what() == std::string("commit");
     return text + "\n  " + refusal.outcome().reason +
-           (isCommit ? "; it is aborted, nothing of it is left" : "");
+           (isCommit ? whatIsLeft(refusal.outcome().code) : "");
 }
 
 Failure read(const RefusalError& refusal) {

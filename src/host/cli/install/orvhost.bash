@@ -11,7 +11,7 @@ _orvhost() {
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         return
         ;;
-    -d | --data | -f | --script | -C | --component | --ext-cm | --log-file | --history | --report-file | \
+    -d | --data | -f | --script | -C | --component | --ext-cm | --log-file | --history | --report-file | --store | \
         --netconf-unix | --netconf-passwords | --host-key)
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
@@ -22,7 +22,7 @@ _orvhost() {
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     else
         words=$("$program" help 2>/dev/null | sed -n '2,$s/^\([a-z]*\)  .*/\1/p')
-        mapfile -t COMPREPLY < <(compgen -W "$words check export serve" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "$words check export serve store" -- "$current")
         mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
     fi
 }

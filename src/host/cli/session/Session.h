@@ -11,6 +11,7 @@
 #include "client/ReferenceSearch.h"
 #include "runtime/LogSink.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -72,6 +73,11 @@ public:
     /// Null if there are no modules.
     const std::shared_ptr<const YangSchema>& schema() const { return mSchema; }
 
+    /// Copies the store of the host to a file; throws HostError. Empty if the host keeps none.
+    using Backup = std::function<void(const std::filesystem::path& target)>;
+    void setBackup(Backup backup) { mBackup = std::move(backup); }
+    const Backup& backup() const { return mBackup; }
+
     /// True: each command prints one JSON document, in one line, and nothing else.
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
@@ -100,6 +106,7 @@ private:
     std::optional<OpenTransactions::Entry> mHinted; ///< as it was at its latest hint
     const std::vector<Problem>* mModelNotes = nullptr;
     std::shared_ptr<const YangSchema> mSchema;
+    Backup mBackup;
     std::ostream* mOut;
     std::string mHere;
     bool mWantsJson;

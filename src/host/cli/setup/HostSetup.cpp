@@ -12,6 +12,7 @@
 #include "cli/output/ProgressBar.h"
 #include "model/ValueCheck.h"
 #include "runtime/DataSet.h"
+#include "store_sqlite/StoreTools.h"
 #include "yang/instances/InstanceDataReader.h"
 #include "yang/rules/YangRules.h"
 
@@ -80,12 +81,14 @@ HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(err
     openLog(options);
     readModel(options);
     checkIdentity(mModel.model, options.meId.empty() ? options.meIdFallback : options.meId);
+    openStore(options);
     HostOptions hostOptions;
     hostOptions.preferredIdentity = options.meId;
     hostOptions.fallbackIdentity = options.meIdFallback;
     hostOptions.rules = mRules.get();
     mHost = std::make_unique<Host>(mModel.model, hostOptions);
     loadData(options);
+    useStore();
     loadComponents(options);
     startComponents();
     mClients = std::make_unique<Clients>(*mHost);
@@ -156,15 +159,63 @@ void HostSetup::reportNotes(const Options& options) {
             << " of the modules; 'model --notes' lists " << (count == 1 ? "it" : "them") << '\n';
 }
 
+// Before data is read, which may take long.
+void HostSetup::openStore(const Options& options) {
+    if (options.store.empty()) {
+        return;
+    }
+    try {
+        mStore = std::make_unique<SqliteLog>(
+            options.store, mModel.model,
+            options.storeSyncsEachCommit ? SqliteLog::Sync::Full : SqliteLog::Sync::Normal);
+        const bool hasData = !options.data.empty() || !options.migrateFrom.empty();
+        if (hasData && !mStore->isNew()) {
+            throw LoadError("the store " + options.store.string() +
+                            " has objects already, and data (-d) goes into a new one only; leave "
+                            "out -d, or use the command load");
+        }
+    } catch (const HostError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
+void HostSetup::useStore() {
+    if (!mStore) {
+        return;
+    }
+    try {
+        mHost->store().attach(*mStore);
+    } catch (const HostError& failure) {
+        throw LoadError(failure.what());
+    }
+}
+
 void HostSetup::loadData(const Options& options) {
     DataSet data(mModel.model);
     ProgressBar bar(mErrors, isatty(STDERR_FILENO) == 1);
     gather(options, data, bar);
+    gatherOld(options, data, bar);
     bar.update("checking", data.size(), 0);
     checkAndRepair(options, data, bar);
     failIfAny(data.moveInto(mHost->store(), [&](std::size_t done, std::size_t all) {
         bar.update("storing", done, all);
     }));
+}
+
+// What the other model calls differently is found by the check of the data.
+void HostSetup::gatherOld(const Options& options, DataSet& data, ProgressBar& bar) {
+    if (options.migrateFrom.empty()) {
+        return;
+    }
+    bar.update("reading", 0, 0);
+    try {
+        readObjects(options.migrateFrom,
+                    [&](const std::string& dn, std::vector<NamedValue> values) {
+                        data.add({dn, std::move(values), {options.migrateFrom, 0}});
+                    });
+    } catch (const HostError& failure) {
+        throw LoadError(failure.what());
+    }
 }
 
 void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) {

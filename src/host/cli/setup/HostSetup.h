@@ -8,6 +8,7 @@
 #include "client/Clients.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
+#include "store_sqlite/SqliteLog.h"
 #include "yang/schema/YangModelReader.h"
 
 #include <memory>
@@ -35,6 +36,8 @@ public:
     Host& host() { return *mHost; }
     Clients& clients() { return *mClients; }
     LogSink& log() { return *mLog; }
+    /// Null without --store.
+    SqliteLog* store() { return mStore.get(); }
     /// What the modules say but the model does not represent.
     const std::vector<Problem>& modelNotes() const { return mModel.notes; }
     /// How files hold the objects of the model.
@@ -46,7 +49,10 @@ private:
     void openLog(const Options& options);
     void readModel(const Options& options);
     void reportNotes(const Options& options);
+    void openStore(const Options& options);
     void loadData(const Options& options);
+    void useStore();
+    void gatherOld(const Options& options, DataSet& data, ProgressBar& bar);
     void gather(const Options& options, DataSet& data, ProgressBar& bar);
     void checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar);
     void loadComponents(const Options& options);
@@ -57,6 +63,7 @@ private:
     YangModelReader mReader;
     YangModel mModel;
     std::shared_ptr<const RuleCheck> mRules; ///< of the modules; null if there are none
+    std::unique_ptr<SqliteLog> mStore;       ///< null without --store
     std::unique_ptr<Host> mHost;
     std::unique_ptr<Clients> mClients;
 };

@@ -41,6 +41,15 @@ command, its own options after it:
 
   orvhost -I models -m ran-element -d network.json serve --netconf-user alice=alice.pub
 
+--store FILE keeps all commits in a file, which is created if there is none; data (-d)
+goes into a new one only. 'store' in place of a command works on such a file while no host uses it:
+
+  orvhost store info FILE       what it holds
+  orvhost store check FILE      whether it is whole
+  orvhost store compact FILE    gives back the space of what was deleted
+  orvhost -I models -m ran-element store export FILE network.xml
+  orvhost -I models -m ran-element store migrate FILE NEW    into a store of another model
+
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
 // An identity becomes a part of DNs. Empty means that there is none.
@@ -92,6 +101,13 @@ void addLoading(CLI::App& app, Options& options) {
                  "Add the missing sides of bidirectional associations to the data");
     app.add_flag("--as-is", options.asIs,
                  "Take data that violates associations, with notes: as it was saved");
+    app.add_option("--store", options.store, "File that keeps all commits; created if it is new");
+    app.add_option_function<std::string>(
+           "--store-sync",
+           [&options](const std::string& text) { options.storeSyncsEachCommit = text == "full"; },
+           "full (default): a commit is on the disk when it is answered; normal: the last commits "
+           "may be lost when the power fails")
+        ->check(CLI::IsMember({"full", "normal"}));
     app.add_option("--ext-cm", options.extCm,
                    "The component libext_cm.so, if not the one of this installation");
     app.add_option("-C,--component", options.components,
@@ -151,6 +167,9 @@ void takeScenarios(Options& options) {
     }
     if (!options.commandLines.empty() || !options.scripts.empty()) {
         throw CLI::ValidationError("check cannot be combined with -c or -f");
+    }
+    if (!options.store.empty()) {
+        throw CLI::ValidationError("check runs each scenario on fresh data, without --store");
     }
     options.scenarios.assign(options.words.begin() + 1, options.words.end());
     options.words.clear();
@@ -212,6 +231,42 @@ void takeServer(const CLI::App& app, Options& options) {
     }
 }
 
+// `store` works on the file of a store. An export is a host that saves and ends.
+void takeStore(Options& options) {
+    if (options.words.empty() || options.words.front() != "store") {
+        return;
+    }
+    if (!options.commandLines.empty() || !options.scripts.empty() || !options.store.empty()) {
+        throw CLI::ValidationError("store cannot be combined with -c, -f or --store");
+    }
+    const std::vector<std::string> words(options.words.begin() + 1, options.words.end());
+    const std::string what = words.empty() ? "" : words.front();
+    if (what == "export" && words.size() >= 3) {
+        std::error_code error;
+        if (!std::filesystem::exists(words[1], error)) {
+            throw CLI::ValidationError("there is no store " + words[1]);
+        }
+        options.store = words[1];
+        options.words.assign(words.begin() + 2, words.end());
+        options.words.insert(options.words.begin(), "save");
+        return;
+    }
+    if (what == "migrate" && words.size() == 3 && options.data.empty()) {
+        options.migrateFrom = words[1];
+        options.store = words[2];
+        options.words = {"count"};
+        return;
+    }
+    const bool isKnown = what == "info" || what == "check" || what == "compact";
+    if (!isKnown || words.size() != 2) {
+        throw CLI::ValidationError(
+            "store needs info FILE, check FILE, compact FILE, export FILE TARGET, or, without -d, "
+            "migrate FILE NEW");
+    }
+    options.words.clear();
+    options.storeWords = words;
+}
+
 // In place of a command, saving is called as other programs call it.
 void takeExport(Options& options) {
     const std::size_t name = !options.words.empty() && options.words.front() == "help" ? 1 : 0;
@@ -257,8 +312,8 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addCheck(app, reportFormats, options);
     addServer(app, options);
     try {
-        std::vector<std::string> words =
-            withCommandApart(app, {arguments + 1, arguments + count}, {"check", "init", "serve"});
+        std::vector<std::string> words = withCommandApart(app, {arguments + 1, arguments + count},
+                                                          {"check", "init", "serve", "store"});
         ProjectSettings project = projectSettings(app, words);
         words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
         options.notes = std::move(project.notes);
@@ -266,6 +321,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         app.parse(std::move(words));
         takeScenarios(options);
         takeExport(options);
+        takeStore(options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

@@ -32,6 +32,9 @@ struct Options {
     std::string meIdFallback = "1";
     bool repair = false;
     bool asIs = false; ///< take associations in data as they are
+    std::filesystem::path store;       ///< the file that keeps all commits; empty: none
+    std::filesystem::path migrateFrom; ///< a store whose objects go into a new one; empty: none
+    bool storeSyncsEachCommit = true;  ///< or else the last ones may be lost when the power fails
     std::string interfaceVersion = "3_1";
 
     unsigned int logLevel = 4;
@@ -46,6 +49,8 @@ struct Options {
     std::vector<std::string> commandLines; ///< from -c
     std::vector<std::string> scripts;      ///< from -f; "-" is standard input
     std::vector<std::string> words;        ///< one command, split into words
+
+    std::vector<std::string> storeWords; ///< of `store`, which cannot be combined with commands
 
     std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands
     std::string reportFormat;           ///< of `check`; empty: not given
