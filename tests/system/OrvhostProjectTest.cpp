@@ -40,6 +40,21 @@ TEST_F(OrvhostProjectTest, File_InTheFolder_IsReadAndReported) {
     EXPECT_EQ(result.status, 0);
 }
 
+TEST_F(OrvhostProjectTest, Store_IsUsedWhereItIsOfUse) {
+    project("me-id = \"west\"\nstore = \"net.store\"\n");
+    EXPECT_EQ(runIn({"set", "ManagedElement=west", "label=kept"}).status, 0);
+    const auto again = runIn({"get", "ManagedElement=west", "label"});
+    EXPECT_EQ(again.out, "kept\n");
+    EXPECT_THAT(again.err, HasSubstr("the data is left out: the store has objects already"));
+    const auto info = runIn({"store", "info", "net.store"});
+    EXPECT_THAT(info.out, HasSubstr("commits      1\n")) << info.err;
+    const auto exported = runIn({"store", "export", "net.store", "out.json"});
+    EXPECT_EQ(exported.status, 0) << exported.err;
+    mDirectory.file("fresh", "get ManagedElement=west label\n");
+    const auto check = runIn({"check", "fresh"});
+    EXPECT_EQ(check.status, 0) << check.out << check.err;
+}
+
 TEST_F(OrvhostProjectTest, CommandLineAndVariable_WinInThatOrder) {
     project("me-id = \"west\"\n");
     EXPECT_EQ(runIn({"--me-id", "north", "ls"}).out, "ManagedElement=north\n");

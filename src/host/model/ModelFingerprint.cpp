@@ -115,9 +115,10 @@ private:
         text += def.isWritable ? "" : ", set by the system";
         text += def.isConditional ? ", conditional" : "";
         text += type.isFalseAbsent ? ", false is absent" : "";
-        text += type.enumerators.empty() ? "" : ", one of: " + listOf(type.enumerators, itself);
+        text += type.enumerators.empty() ? "" : ", one of: " + listOf(type.enumerators, quoted);
         text += type.targets.empty() ? "" : ", to: " + classNames(type.targets);
         text += listOf(type.choices, [](const ChoiceDef& choice) { return textOf(choice); });
+        text += def.defaultValue ? ", by default: " + textOf(*def.defaultValue) : "";
         const std::string subject = "attribute " + quoted(def.name) + of;
         add(subject, std::move(text));
         for (std::size_t at = 0; at < type.members.size(); ++at) {
@@ -130,6 +131,9 @@ private:
                toText(end.cardinality) + (end.keepAtDelete ? ", kept at deletion)" : ")");
     }
     static std::string textOf(const ChoiceDef& choice) { return OrvHost::textOf(choice); }
+    static std::string textOf(const AttributeValue& value) {
+        return listOf(value.values, [](const Value& one) { return quoted(toText(one)); });
+    }
 
     const Model& mModel;
     std::vector<ModelFact> mFacts;

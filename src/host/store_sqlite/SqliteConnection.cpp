@@ -55,8 +55,9 @@ bool SqliteError::isTooLarge() const {
     return mCode == SQLITE_TOOBIG;
 }
 
-bool SqliteError::isInputOutput() const {
-    return mCode == SQLITE_IOERR;
+bool SqliteError::isBeforeWriting() const {
+    return mCode == SQLITE_FULL || mCode == SQLITE_TOOBIG || mCode == SQLITE_BUSY ||
+           mCode == SQLITE_READONLY;
 }
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode) {
@@ -100,6 +101,22 @@ std::string SqliteConnection::text(const std::string& query) {
 
 std::int64_t SqliteConnection::changes() const {
     return sqlite3_changes64(mHandle);
+}
+
+bool SqliteConnection::hasMoved() const {
+    int moved = 0;
+    require(sqlite3_file_control(mHandle, "main", SQLITE_FCNTL_HAS_MOVED, &moved));
+    return moved != 0;
+}
+
+void SqliteConnection::endLeftTransaction() {
+    if (sqlite3_get_autocommit(mHandle) == 0) {
+        run("ROLLBACK");
+    }
+}
+
+void SqliteConnection::freezeMemory(bool isFrozen) {
+    sqlite3_hard_heap_limit64(isFrozen ? sqlite3_memory_used() : 0);
 }
 
 void SqliteConnection::limitLength(int bytes) {
@@ -200,7 +217,8 @@ SqliteTransaction::~SqliteTransaction() {
     if (mIsOpen) {
         try {
             mConnection.run("ROLLBACK");
-        } catch (const SqliteError&) { // NOLINT(bugprone-empty-catch): the engine has done it
+        } catch (
+            const SqliteError&) { // NOLINT(bugprone-empty-catch): endLeftTransaction tries again
         }
     }
 }

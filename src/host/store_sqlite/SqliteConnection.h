@@ -25,7 +25,8 @@ public:
     // What it is about.
     bool isDiskFull() const;
     bool isTooLarge() const; ///< for the engine, whatever room there is
-    bool isInputOutput() const;
+    /// At the end of a transaction: the engine has not begun to write it.
+    bool isBeforeWriting() const;
 
 private:
     int mCode;
@@ -48,8 +49,15 @@ public:
     std::string text(const std::string& query);
     /// The number of rows that the last statement has changed.
     std::int64_t changes() const;
+    /// Whether the file has been removed, or has another name, since it was opened.
+    bool hasMoved() const;
+    /// Ends what a transaction has left that could not be rolled back for lack of memory.
+    void endLeftTransaction();
     /// No text and no row gets longer than so many bytes.
     void limitLength(int bytes);
+
+    /// All connections together get no more memory than they have now, or as much as they need.
+    static void freezeMemory(bool isFrozen);
 
     sqlite3* handle() const { return mHandle; }
     [[noreturn]] void fail(int code) const;

@@ -118,6 +118,7 @@ template <class Work>
 auto SqliteLog::guarded(const Work& work) {
     const std::lock_guard<std::mutex> guard(mMutex);
     try {
+        mConnection->endLeftTransaction();
         return work();
     } catch (const SqliteError& error) {
         const std::string text = mFile.string() + ": " + error.what();
@@ -211,6 +212,7 @@ void SqliteLog::deliver(const LogMark& seen, const Head& head, const CatchUp& ca
 
 void SqliteLog::append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) {
     guarded([&] {
+        requireInPlace();
         SqliteTransaction transaction(*mConnection);
         reached(Stage::Begun);
         const Head before = head();
@@ -228,6 +230,13 @@ void SqliteLog::append(const LogMark& seen, const CatchUp& catchUp, const Decide
         commit(transaction);
         reached(Stage::Committed);
     });
+}
+
+// What is written to a file without a name is gone when the process ends.
+void SqliteLog::requireInPlace() const {
+    if (mConnection->hasMoved()) {
+        throw LogUnavailable(mFile.string() + " was removed or replaced while it was in use");
+    }
 }
 
 // Drops the oldest entries, if there are too many now. Those that were dropped before, when fewer
@@ -251,12 +260,12 @@ void SqliteLog::setHead(const Head& head) {
         .run();
 }
 
-// When the disk fails here, what it has kept is read at the next start only.
+// When the disk fails here, or memory runs out, what was written is read at the next start only.
 void SqliteLog::commit(SqliteTransaction& transaction) {
     try {
         transaction.commit();
     } catch (const SqliteError& error) {
-        if (!error.isInputOutput()) {
+        if (error.isBeforeWriting()) {
             throw;
         }
         throw LogInDoubt(mFile.string() + ": " + error.what() +
@@ -335,7 +344,10 @@ void SqliteLog::backup(const std::filesystem::path& target) {
     close(descriptor);
     try {
         copyTo(temporary);
-        std::filesystem::permissions(temporary, std::filesystem::status(mFile).permissions());
+        const std::filesystem::file_status own = std::filesystem::status(mFile);
+        if (own.type() == std::filesystem::file_type::regular) {
+            std::filesystem::permissions(temporary, own.permissions());
+        }
         std::filesystem::rename(temporary, target);
     } catch (const SqliteError& failure) {
         std::filesystem::remove(temporary, error);
@@ -352,6 +364,7 @@ void SqliteLog::copyTo(const std::filesystem::path& file) {
     constexpr int kPages = 256;
     constexpr std::chrono::milliseconds kPause{1};
     std::unique_lock<std::mutex> guard(mMutex);
+    mConnection->endLeftTransaction();
     SqliteBackup copy(*mConnection, file);
     while (copy.step(kPages)) {
         guard.unlock();

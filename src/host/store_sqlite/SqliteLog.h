@@ -84,6 +84,7 @@ private:
     void write(const LogEntry& entry);
     void setHead(const Head& head);
     void endWith(const LogMark& last, const Head& before);
+    void requireInPlace() const;
     void commit(SqliteTransaction& transaction);
     void copyTo(const std::filesystem::path& file);
     void putObject(const ObjectRow& row);

@@ -67,13 +67,11 @@ bool isStillThere(const std::filesystem::path& file, int descriptor) {
 StoreHolder::StoreHolder(const std::filesystem::path& file) : mFile(holderFileOf(file)) {
     while (!tryLock(file)) {
     }
+    // The lock counts. The text is for people, and a disk that is full has no room for it.
     const std::string text =
         "process " + std::to_string(getpid()) + " on " + hostName() + ", since " + now();
-    if (ftruncate(mDescriptor, 0) != 0 ||
-        pwrite(mDescriptor, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
-        const std::string why = reason();
-        close(mDescriptor);
-        throw LogUnavailable(mFile.string() + " cannot be written: " + why);
+    if (ftruncate(mDescriptor, 0) == 0) {
+        static_cast<void>(pwrite(mDescriptor, text.data(), text.size(), 0));
     }
 }
 

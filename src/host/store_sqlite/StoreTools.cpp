@@ -24,6 +24,8 @@ class HeldStore {
 public:
     explicit HeldStore(const std::filesystem::path& file)
         : mHolder(requireExisting(file)), mConnection(file, SqliteConnection::Mode::Existing) {
+        // Otherwise the engine needs a further file beside it, for which there may be no room.
+        mConnection.run("PRAGMA locking_mode=EXCLUSIVE");
         requireStore(mConnection);
     }
 

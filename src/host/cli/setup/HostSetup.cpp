@@ -168,8 +168,9 @@ void HostSetup::openStore(const Options& options) {
         mStore = std::make_unique<SqliteLog>(
             options.store, mModel.model,
             options.storeSyncsEachCommit ? SqliteLog::Sync::Full : SqliteLog::Sync::Normal);
-        const bool hasData = !options.data.empty() || !options.migrateFrom.empty();
-        if (hasData && !mStore->isNew()) {
+        mIsStoreNew = mStore->isNew();
+        const bool hasData = options.isDataGiven || !options.migrateFrom.empty();
+        if (hasData && !mIsStoreNew) {
             throw LoadError("the store " + options.store.string() +
                             " has objects already, and data (-d) goes into a new one only; leave "
                             "out -d, or use the command load");
@@ -191,6 +192,12 @@ void HostSetup::useStore() {
 }
 
 void HostSetup::loadData(const Options& options) {
+    if (mStore && !mIsStoreNew) {
+        if (!options.data.empty()) {
+            mErrors << "orvhost: note: the data is left out: the store has objects already\n";
+        }
+        return; // what the store holds was checked when it came in
+    }
     DataSet data(mModel.model);
     ProgressBar bar(mErrors, isatty(STDERR_FILENO) == 1);
     gather(options, data, bar);

@@ -64,6 +64,7 @@ private:
     YangModel mModel;
     std::shared_ptr<const RuleCheck> mRules; ///< of the modules; null if there are none
     std::unique_ptr<SqliteLog> mStore;       ///< null without --store
+    bool mIsStoreNew = false;
     std::unique_ptr<Host> mHost;
     std::unique_ptr<Clients> mClients;
 };

@@ -155,9 +155,15 @@ void addCheck(CLI::App& app, const std::vector<std::string>& reportFormats, Opti
         ->capture_default_str();
 }
 
+// On the command line. What only a project or a variable sets does not concern commands that do not
+// use it.
+bool isGiven(const GivenOptions& given, const char* option) {
+    return given.count(option) > 0;
+}
+
 // `check FILE...` is used in the place of a command, but it runs scripts and cannot be combined
 // with commands.
-void takeScenarios(Options& options) {
+void takeScenarios(const GivenOptions& given, Options& options) {
     const bool isCheck = !options.words.empty() && options.words.front() == "check";
     if (!isCheck) {
         if (!options.reportFormat.empty() || !options.reportFile.empty()) {
@@ -168,9 +174,10 @@ void takeScenarios(Options& options) {
     if (!options.commandLines.empty() || !options.scripts.empty()) {
         throw CLI::ValidationError("check cannot be combined with -c or -f");
     }
-    if (!options.store.empty()) {
+    if (isGiven(given, "--store")) {
         throw CLI::ValidationError("check runs each scenario on fresh data, without --store");
     }
+    options.store.clear();
     options.scenarios.assign(options.words.begin() + 1, options.words.end());
     options.words.clear();
     if (options.scenarios.empty()) {
@@ -232,13 +239,18 @@ void takeServer(const CLI::App& app, Options& options) {
 }
 
 // `store` works on the file of a store. An export is a host that saves and ends.
-void takeStore(Options& options) {
+void takeStore(const GivenOptions& given, Options& options) {
     if (options.words.empty() || options.words.front() != "store") {
         return;
     }
-    if (!options.commandLines.empty() || !options.scripts.empty() || !options.store.empty()) {
+    if (!options.commandLines.empty() || !options.scripts.empty() || isGiven(given, "--store")) {
         throw CLI::ValidationError("store cannot be combined with -c, -f or --store");
     }
+    if (isGiven(given, "--data")) {
+        throw CLI::ValidationError("store cannot be combined with -d");
+    }
+    options.store.clear();
+    options.data.clear();
     const std::vector<std::string> words(options.words.begin() + 1, options.words.end());
     const std::string what = words.empty() ? "" : words.front();
     if (what == "export" && words.size() >= 3) {
@@ -251,7 +263,7 @@ void takeStore(Options& options) {
         options.words.insert(options.words.begin(), "save");
         return;
     }
-    if (what == "migrate" && words.size() == 3 && options.data.empty()) {
+    if (what == "migrate" && words.size() == 3) {
         options.migrateFrom = words[1];
         options.store = words[2];
         options.words = {"count"};
@@ -259,9 +271,8 @@ void takeStore(Options& options) {
     }
     const bool isKnown = what == "info" || what == "check" || what == "compact";
     if (!isKnown || words.size() != 2) {
-        throw CLI::ValidationError(
-            "store needs info FILE, check FILE, compact FILE, export FILE TARGET, or, without -d, "
-            "migrate FILE NEW");
+        throw CLI::ValidationError("store needs info FILE, check FILE, compact FILE, export FILE "
+                                   "TARGET, or migrate FILE NEW");
     }
     options.words.clear();
     options.storeWords = words;
@@ -314,14 +325,16 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     try {
         std::vector<std::string> words = withCommandApart(app, {arguments + 1, arguments + count},
                                                           {"check", "init", "serve", "store"});
+        const GivenOptions given = givenOptions(app, words);
         ProjectSettings project = projectSettings(app, words);
         words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
         options.notes = std::move(project.notes);
         std::reverse(words.begin(), words.end()); // as the parser wants them
         app.parse(std::move(words));
-        takeScenarios(options);
+        options.isDataGiven = isGiven(given, "--data");
+        takeScenarios(given, options);
         takeExport(options);
-        takeStore(options);
+        takeStore(given, options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

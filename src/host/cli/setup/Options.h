@@ -26,7 +26,8 @@ struct Options {
     bool strict = false;      ///< refuse a model with notes
     bool yangRules = false;   ///< check the rules of the modules, not only `when`
     std::vector<std::filesystem::path> data;
-    std::string extCm; ///< the component; empty: the one that belongs to this program
+    bool isDataGiven = false; ///< on the command line; other data is left out if a store is not new
+    std::string extCm;        ///< the component; empty: the one that belongs to this program
     std::vector<std::string> components; ///< other components
     std::string meId;
     std::string meIdFallback = "1";

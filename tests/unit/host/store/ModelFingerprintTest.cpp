@@ -44,8 +44,12 @@ TEST(ModelFingerprint, Differences_AreNamed) {
               "attribute 'more' of class 'Node' is new");
     EXPECT_THAT(
         difference([&](Model& model) { attribute(model, "mode").type.enumerators.pop_back(); }),
-        AllOf(StartsWith("attribute 'mode' of class 'Node' was: "), HasSubstr("red green blue"),
-              EndsWith("one of: red green")));
+        AllOf(StartsWith("attribute 'mode' of class 'Node' was: "),
+              HasSubstr("'red' 'green' 'blue'"),
+              EndsWith("one of: 'red' 'green', by default: 'green'")));
+    EXPECT_THAT(
+        difference([&](Model& model) { attribute(model, "height").defaultValue = integer(9); }),
+        AllOf(StartsWith("attribute 'height' of class 'Node' was: "), EndsWith("by default: '9'")));
     EXPECT_THAT(difference([&](Model& model) {
                     attribute(model, "tags").multiplicity = Bounds{0, 4};
                 }),
@@ -58,6 +62,16 @@ TEST(ModelFingerprint, Differences_AreNamed) {
                     node(model).instances = Bounds{0, 7};
                 }),
                 StartsWith("class 'Node' was: "));
+}
+
+TEST(ModelFingerprint, NamesWithBlanks_AreNotMixedUp) {
+    const auto fingerprintWith = [](const std::vector<std::string>& enumerators) {
+        Model model = sampleStoreModel();
+        ClassDef& node = model.classes[*model.findClass("Node")];
+        node.attributes[*node.findAttributeIndex("mode")].type.enumerators = enumerators;
+        return fingerprintOf(modelFacts(model));
+    };
+    EXPECT_NE(fingerprintWith({"a b", "c"}), fingerprintWith({"a", "b c"}));
 }
 
 }

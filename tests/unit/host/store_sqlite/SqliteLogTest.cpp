@@ -371,6 +371,51 @@ TEST_F(SqliteLogTest, Commit_DiskFailsAtTheEnd_IsUnknown) {
     EXPECT_EQ(Kept(file).store.begin(1)->get(kA, "label"), text("after"));
 }
 
+TEST_F(SqliteLogTest, Open_NothingCanBeWritten_CanBeRead) {
+    fill();
+    std::ofstream(directory / "empty").flush();
+    const NoGrowth noGrowth(directory / "empty");
+    EXPECT_EQ(Kept(file).store.size(), 3U);
+    EXPECT_EQ(readStoreInfo(file).objects, 3U);
+}
+
+TEST_F(SqliteLogTest, Commit_MemoryRunsOutAtTheEnd_IsUnknownAndTheStoreGoesOn) {
+    fill();
+    {
+        Kept kept(file);
+        setLabel(kept.store, "before");
+        kept.log.setStageHook([&](SqliteLog::Stage stage) {
+            if (stage == SqliteLog::Stage::Written) {
+                SqliteConnection::freezeMemory(true);
+            }
+        });
+        const OrvReturnT code = codeOf([&] { setLabel(kept.store, "doubtful"); });
+        EXPECT_EQ(codeOf([&] { kept.store.catchUp(); }), OrvHostStoreUnavailable);
+        SqliteConnection::freezeMemory(false);
+        kept.log.setStageHook({});
+        EXPECT_EQ(code, OrvHostOutcomeUnknown);
+        kept.store.catchUp();
+        EXPECT_EQ(kept.store.begin(1)->get(kA, "label"), text("before"));
+        setLabel(kept.store, "after");
+    }
+    EXPECT_THAT(checkStore(file), IsEmpty());
+    EXPECT_EQ(Kept(file).store.begin(1)->get(kA, "label"), text("after"));
+}
+
+TEST_F(SqliteLogTest, Commit_FileWasRemoved_IsRefused) {
+    fill();
+    Kept kept(file);
+    fs::rename(file, directory / "elsewhere");
+    const HostError error = errorOf([&] { setLabel(kept.store, "lost"); });
+    EXPECT_EQ(error.code(), OrvHostStoreUnavailable);
+    EXPECT_EQ(error.what(), file.string() + " was removed or replaced while it was in use");
+    kept.log.backup(directory / "copy");
+    EXPECT_EQ(fs::status(directory / "copy").permissions() & ~fs::perms(0600), fs::perms::none);
+    fs::rename(directory / "elsewhere", file);
+    setLabel(kept.store, "kept");
+    EXPECT_EQ(kept.store.begin(1)->get(kA, "label"), text("kept"));
+}
+
 TEST_F(SqliteLogTest, Backup_WhileCommitsGoOn_DoesNotHoldThemUp) {
     for (int at = 0; at < 3000; ++at) {
         store.load("Network=1,Node=n" + std::to_string(at),
