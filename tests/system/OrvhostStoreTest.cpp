@@ -130,6 +130,16 @@ TEST_F(OrvhostStore, Migrate_ToAModelWithLess_SaysWhatDoesNotFit) {
     EXPECT_THAT(runOrvhost({"store", "info", next}).out, StartsWith("objects      0\n"));
 }
 
+TEST_F(OrvhostStore, Migrate_OfNothing_CreatesNothing) {
+    const std::string next = mDirectory.path() / "next.store";
+    EXPECT_EQ(run({"store", "migrate", mStore, next}).status, 3);
+    EXPECT_FALSE(std::filesystem::exists(next));
+    std::ofstream(mStore).flush();
+    const ProgramResult result = run({"store", "export", mStore, "out.json"});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.err, HasSubstr("there is nothing in it"));
+}
+
 TEST_F(OrvhostStore, FileThatIsNoStore_IsRefusedAndStays) {
     const std::string text(2000, 'x');
     std::ofstream(mStore) << text;

@@ -119,16 +119,16 @@ void LogCommitter::catchUp() {
         requireNoFault();
         const LogMark seen = mMark;
         try {
-            mLog.follow(seen,
-                        [&](const LogEntry& entry) {
-                            applyForeign(entry);
-                            reportForeign();
-                        },
-                        {});
+            mLog.follow(seen, [&](const LogEntry& entry) { applyForeign(entry); }, {});
         } catch (const LogDiverged& error) {
+            reportForeign();
             setFault(error.what());
             throw;
+        } catch (...) {
+            reportForeign();
+            throw;
         }
+        reportForeign();
     });
 }
 

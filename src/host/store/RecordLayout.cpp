@@ -10,6 +10,8 @@ namespace OrvHost {
 
 namespace {
 
+// How deep structs may be in structs: far more than any model has.
+constexpr unsigned kMaxDepth = 64;
 constexpr auto kKinds = static_cast<std::uint64_t>(ValueKind::Struct) + 1;
 
 void putAttributes(BytesWriter& out, const std::vector<AttributeDef>& attributes) {
@@ -25,7 +27,11 @@ void putAttributes(BytesWriter& out, const std::vector<AttributeDef>& attributes
     }
 }
 
-std::vector<AttributeDef> getAttributes(CheckedReader& reader) {
+std::vector<AttributeDef> getAttributes(CheckedReader& reader, unsigned depth) {
+    if (depth > kMaxDepth) {
+        throw BytesError("structs are in structs more than " + std::to_string(kMaxDepth) +
+                         " times");
+    }
     std::vector<AttributeDef> attributes;
     for (std::uint64_t count = reader.number(); count > 0; --count) {
         AttributeDef& def = attributes.emplace_back();
@@ -34,7 +40,7 @@ std::vector<AttributeDef> getAttributes(CheckedReader& reader) {
         for (std::uint64_t left = reader.number(); left > 0; --left) {
             def.type.enumerators.emplace_back(reader.text());
         }
-        def.type.members = getAttributes(reader);
+        def.type.members = getAttributes(reader, depth + 1);
     }
     return attributes;
 }
@@ -58,7 +64,10 @@ Model decodedLayout(std::string_view bytes) {
     for (std::uint64_t count = reader.number(); count > 0; --count) {
         ClassDef& moc = model.classes.emplace_back();
         moc.name = reader.text();
-        moc.attributes = getAttributes(reader);
+        moc.attributes = getAttributes(reader, 0);
+    }
+    if (!reader.atEnd()) {
+        throw BytesError("there are more bytes than those of the layout");
     }
     return model;
 }

@@ -87,9 +87,9 @@ CommitNumber VersionedTree::last() const {
 }
 
 void VersionedTree::replace(MoTree& tree, CommitNumber last) {
-    refuseOpenSnapshots();
     const std::unique_lock<ReaderLock> guard(mLock);
     const std::lock_guard<std::mutex> inner(mMutex);
+    requireNoSnapshot();
     mTree.swap(tree);
     mOldestGarbage = mTree.oldestGarbage();
     mLast = last;
@@ -116,6 +116,10 @@ TransactionName VersionedTree::committer(CommitNumber number) const {
 
 void VersionedTree::refuseOpenSnapshots() const {
     const std::lock_guard<std::mutex> guard(mMutex);
+    requireNoSnapshot();
+}
+
+void VersionedTree::requireNoSnapshot() const {
     if (!mOpen.empty()) {
         throw HostError(OrvHostWrongState, "data is loaded before the first transaction begins, "
                                            "and there are " +

@@ -70,6 +70,7 @@ public:
 private:
     CommitNumber apply(TreeChange& change, TransactionName committer, std::size_t ownSnapshots);
     void refuseOpenSnapshots() const;
+    void requireNoSnapshot() const; ///< mMutex is held
     CommitNumber oldestNeeded() const;
     CommitNumber forgetOldCommitters();
     void reclaim(CommitNumber oldest) noexcept;

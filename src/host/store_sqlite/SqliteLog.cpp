@@ -52,6 +52,9 @@ struct SqliteLog::Statements {
 
 namespace {
 
+// What the file beside the store keeps when it is written from its start again.
+constexpr std::uint64_t kMaxJournal = 16U << 20U;
+
 [[noreturn]] void refuse(const std::filesystem::path& file, const std::string& why) {
     throw LogUnavailable("the store " + file.string() + " cannot be used: " + why);
 }
@@ -67,6 +70,18 @@ void syncDirectoryOf(const std::filesystem::path& file) {
     if (!isSynced) {
         refuse(file, "its directory cannot be written to the disk");
     }
+}
+
+// Never in the place of a file that has come meanwhile, where the file system can say so.
+void renameToNew(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        throw std::filesystem::filesystem_error("rename", from, to,
+                                                std::error_code(errno, std::generic_category()));
+    }
+    std::filesystem::rename(from, to);
 }
 
 // Whether the model has the class is checked by the one who loads.
@@ -94,6 +109,7 @@ std::unique_ptr<SqliteConnection> openStore(const std::filesystem::path& file, c
                              "engine chose '" +
                                  mode + "')");
     }
+    connection->run("PRAGMA journal_size_limit=" + std::to_string(kMaxJournal));
     connection->run(sync == SqliteLog::Sync::Full ? "PRAGMA synchronous=FULL"
                                                   : "PRAGMA synchronous=NORMAL");
     return connection;
@@ -174,6 +190,8 @@ LogMark SqliteLog::fill(const ObjectSource& objects) {
         LogMark mark{0, "filled-" + std::to_string(std::random_device()())};
         setHead({mark, 1, mark.id});
         transaction.commit();
+        // Otherwise the file beside it would keep the size of all objects.
+        mConnection->run("PRAGMA wal_checkpoint(TRUNCATE)");
         return mark;
     });
 }
@@ -348,7 +366,7 @@ void SqliteLog::backup(const std::filesystem::path& target) {
         if (own.type() == std::filesystem::file_type::regular) {
             std::filesystem::permissions(temporary, own.permissions());
         }
-        std::filesystem::rename(temporary, target);
+        renameToNew(temporary, target);
     } catch (const SqliteError& failure) {
         std::filesystem::remove(temporary, error);
         throw refuseCopy(failure.what());

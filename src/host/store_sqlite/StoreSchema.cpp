@@ -26,15 +26,6 @@ CREATE TABLE objects(oid INTEGER PRIMARY KEY, parent INTEGER NOT NULL, class INT
 CREATE TABLE model(place INTEGER PRIMARY KEY, subject TEXT NOT NULL, fact TEXT NOT NULL);
 )";
 
-std::vector<ModelFact> storedFacts(SqliteConnection& connection) {
-    std::vector<ModelFact> facts;
-    SqliteStatement rows(connection, "SELECT subject, fact FROM model ORDER BY place");
-    while (rows.step()) {
-        facts.push_back({std::string(rows.text(0)), std::string(rows.text(1))});
-    }
-    return facts;
-}
-
 }
 
 bool isEmptyDatabase(SqliteConnection& connection) {
@@ -73,6 +64,15 @@ void requireStore(SqliteConnection& connection) {
                                  ", and this version knows format " + std::to_string(kFormat) +
                                  " only");
     }
+}
+
+std::vector<ModelFact> storedFacts(SqliteConnection& connection) {
+    std::vector<ModelFact> facts;
+    SqliteStatement rows(connection, "SELECT subject, fact FROM model ORDER BY place");
+    while (rows.step()) {
+        facts.push_back({std::string(rows.text(0)), std::string(rows.text(1))});
+    }
+    return facts;
 }
 
 void requireModel(SqliteConnection& connection, const std::vector<ModelFact>& model) {

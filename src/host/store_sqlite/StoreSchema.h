@@ -17,6 +17,8 @@ void createStore(SqliteConnection& connection, const Model& model);
 bool isEmptyDatabase(SqliteConnection& connection);
 /// Throws SqliteError with a text if the database is no store, or one of a newer format.
 void requireStore(SqliteConnection& connection);
+/// What the model of the store says.
+std::vector<ModelFact> storedFacts(SqliteConnection& connection);
 /// Throws SqliteError with the first difference if the store is of another model.
 void requireModel(SqliteConnection& connection, const std::vector<ModelFact>& model);
 

@@ -10,6 +10,7 @@
 #include "store/AttributeBytes.h"
 #include "store/CheckedBytes.h"
 #include "store/CommitLog.h"
+#include "store/LogChange.h"
 #include "store/RecordLayout.h"
 
 #include <unordered_map>
@@ -140,9 +141,37 @@ void readRows(SqliteConnection& connection, const StoredObject& take) {
         const ClassDef& moc = model.classes[rows.number(2)];
         std::string dn = parent->second;
         appendStep(dn, moc.name, rows.text(3));
-        take(dn, valuesOf(moc, rows.bytes(4)));
+        try {
+            take(dn, valuesOf(moc, rows.bytes(4)));
+        } catch (const BytesError& error) {
+            throw SqliteError(0, dn + " cannot be read: " + error.what());
+        }
         dns.emplace(rows.number(0), std::move(dn));
     }
+}
+
+// What a host would find.
+std::vector<std::string> unreadableOf(SqliteConnection& connection) {
+    std::vector<std::string> problems;
+    if (fingerprintOf(storedFacts(connection)) != connection.text("SELECT model FROM head")) {
+        problems.emplace_back("the fingerprint is not that of the model in it");
+    }
+    try {
+        readRows(connection, [](const std::string&, const std::vector<NamedValue>&) {});
+    } catch (const SqliteError& error) {
+        problems.emplace_back(error.what());
+    } catch (const BytesError& error) {
+        problems.push_back(std::string("what its model says of records: ") + error.what());
+    }
+    SqliteStatement entries(connection, "SELECT pos, change FROM log ORDER BY pos");
+    while (entries.step()) {
+        try {
+            LogChange::decoded(entries.bytes(1));
+        } catch (const BytesError& error) {
+            problems.push_back("entry " + std::to_string(entries.number(0)) + ": " + error.what());
+        }
+    }
+    return problems;
 }
 
 std::uint64_t sizeOf(const std::filesystem::path& file) {
@@ -175,7 +204,10 @@ StoreInfo readStoreInfo(const std::filesystem::path& file) {
 }
 
 std::vector<std::string> checkStore(const std::filesystem::path& file) {
-    return withStore(file, [](SqliteConnection& connection) { return problemsOf(connection); });
+    return withStore(file, [](SqliteConnection& connection) {
+        std::vector<std::string> problems = problemsOf(connection);
+        return problems.empty() ? unreadableOf(connection) : problems;
+    });
 }
 
 std::pair<std::uint64_t, std::uint64_t> compactStore(const std::filesystem::path& file) {

@@ -30,8 +30,9 @@ struct StoreInfo {
 // file: if a process uses it, that process.
 
 StoreInfo readStoreInfo(const std::filesystem::path& file);
-/// What is wrong in the file, one text each: in the engine's pages, and in what the rows say
-/// together. Whether each object follows the model is checked when a host loads it.
+/// What is wrong in the file, one text each: in the engine's pages, in what the rows say together,
+/// and in the form of records and entries. Whether each object follows the rules of the model is
+/// checked when a host loads it.
 std::vector<std::string> checkStore(const std::filesystem::path& file);
 /// Gives the space of what was deleted back to the file system. Returns the bytes of the file
 /// before and after.

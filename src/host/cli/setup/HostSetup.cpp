@@ -75,6 +75,16 @@ void checkIdentity(const Model& model, const std::string& identity) {
     }
 }
 
+// Before another one is created.
+void requireOldStore(const Options& options) {
+    if (!options.migrateFrom.empty()) {
+        readStoreInfo(options.migrateFrom);
+    }
+    if (options.isStoreOld) {
+        readStoreInfo(options.store);
+    }
+}
+
 }
 
 HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(errors) {
@@ -165,12 +175,16 @@ void HostSetup::openStore(const Options& options) {
         return;
     }
     try {
+        requireOldStore(options);
         mStore = std::make_unique<SqliteLog>(
             options.store, mModel.model,
             options.storeSyncsEachCommit ? SqliteLog::Sync::Full : SqliteLog::Sync::Normal);
         mIsStoreNew = mStore->isNew();
-        const bool hasData = options.isDataGiven || !options.migrateFrom.empty();
-        if (hasData && !mIsStoreNew) {
+        if (!options.migrateFrom.empty() && !mIsStoreNew) {
+            throw LoadError("the store " + options.store.string() +
+                            " has had objects already; a new file was expected");
+        }
+        if (options.isDataGiven && !mIsStoreNew) {
             throw LoadError("the store " + options.store.string() +
                             " has objects already, and data (-d) goes into a new one only; leave "
                             "out -d, or use the command load");

@@ -259,6 +259,7 @@ void takeStore(const GivenOptions& given, Options& options) {
             throw CLI::ValidationError("there is no store " + words[1]);
         }
         options.store = words[1];
+        options.isStoreOld = true;
         options.words.assign(words.begin() + 2, words.end());
         options.words.insert(options.words.begin(), "save");
         return;

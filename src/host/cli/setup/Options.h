@@ -34,6 +34,7 @@ struct Options {
     bool repair = false;
     bool asIs = false; ///< take associations in data as they are
     std::filesystem::path store;       ///< the file that keeps all commits; empty: none
+    bool isStoreOld = false;           ///< none is created
     std::filesystem::path migrateFrom; ///< a store whose objects go into a new one; empty: none
     bool storeSyncsEachCommit = true;  ///< or else the last ones may be lost when the power fails
     std::string interfaceVersion = "3_1";

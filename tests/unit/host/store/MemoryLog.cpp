@@ -113,6 +113,7 @@ void MemoryLog::take(LogEntry entry) {
 
 void MemoryLog::follow(const LogMark& seen, const CatchUp& catchUp, std::chrono::milliseconds) {
     const std::lock_guard<std::mutex> turn(mTurn);
+    const InTurn inTurn(mIsInTurn);
     deliver(seen, catchUp);
 }
 

@@ -528,6 +528,45 @@ TEST_F(SqliteLogTest, Check_FindsWhatCannotBe) {
     EXPECT_THAT(checkStore(file), ElementsAre("the table 'head' has not exactly one row"));
 }
 
+TEST_F(SqliteLogTest, Check_FindsWhatAHostCannotRead) {
+    fill();
+    {
+        Kept kept(file);
+        setLabel(kept.store, "1");
+    }
+    SqliteConnection(file, SqliteConnection::Mode::Existing)
+        .run("UPDATE objects SET attributes = x'0142' WHERE name = 'a'; UPDATE log SET change = "
+             "x'01'; UPDATE head SET model = 'x'");
+    EXPECT_THAT(checkStore(file),
+                ElementsAre("the fingerprint is not that of the model in it",
+                            "Network=1,Node=a cannot be read: the bytes end too early",
+                            "entry 1: the bytes end too early"));
+}
+
+TEST_F(SqliteLogTest, Check_LayoutThatIsNone_IsReported) {
+    fill();
+    const auto checkLayout = [&](const std::string& bytes) {
+        SqliteConnection(file, SqliteConnection::Mode::Existing)
+            .run("UPDATE head SET layout = " + bytes);
+        return checkStore(file);
+    };
+    EXPECT_THAT(checkLayout("CAST(x'0100' || replace(hex(zeroblob(20000)), '00', '01000700') AS "
+                            "BLOB)"),
+                ElementsAre(HasSubstr("what its model says of records: ")));
+    EXPECT_THAT(checkLayout("CAST(layout || x'00' AS BLOB)"),
+                ElementsAre(HasSubstr("what its model says of records: ")));
+}
+
+TEST_F(SqliteLogTest, Fill_LeavesNoLargeFileBeside) {
+    for (int at = 0; at < 2000; ++at) {
+        store.load("Network=1,Node=n" + std::to_string(at),
+                   {{"label", text(std::string(2000, 'y'))}});
+    }
+    SqliteLog log(file, model);
+    store.attach(log);
+    EXPECT_LT(fs::file_size(file.string() + "-wal"), 100000U);
+}
+
 TEST_F(SqliteLogTest, Compact_GivesSpaceBack) {
     fill();
     {
