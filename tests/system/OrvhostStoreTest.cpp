@@ -194,9 +194,11 @@ TEST_F(OrvhostStore, Commit_DiskFails_DoesNotPromiseThatNothingIsLeft) {
     const FileLimit limit(65536);
     const ProgramResult result = runKept(commands);
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.err, AllOf(HasSubstr("OrvHostOutcomeUnknown"),
-                                  HasSubstr("whether it is committed is not known"),
-                                  Not(HasSubstr("nothing of it is left"))));
+    EXPECT_THAT(result.err,
+                AllOf(HasSubstr("OrvHostOutcomeUnknown"),
+                      HasSubstr("whether it is committed is not known"),
+                      HasSubstr("it cannot be read or written"), HasSubstr("the entry would be "),
+                      Not(HasSubstr("nothing of it is left"))));
 }
 
 TEST_F(OrvhostStore, StoreCommands_WorkOnTheFile) {

@@ -3,9 +3,29 @@
 
 #include "ClientSession.h"
 
+#include "ErrorExplainer.h"
 #include "ViolationExplainer.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace OrvHost {
+
+namespace {
+
+// Who refused says why in a message, if the transaction was valid.
+TransactionOutcome withExplanation(ClientSession& session, TransactionOutcome outcome) {
+    const auto last = std::find_if(outcome.messages.rbegin(), outcome.messages.rend(),
+                                   [](const ThreadContext::Message& message) {
+                                       return message.kind == ThreadContext::Explanation;
+                                   });
+    if (last != outcome.messages.rend()) {
+        outcome.reason = ErrorExplainer(session).inClientsWords(last->text) + "; " + outcome.reason;
+    }
+    return outcome;
+}
+
+}
 
 ClientSession::ClientSession(Host& host, Clients& clients) : mHost(host), mClients(clients) {
     mClients.cancelBy(&mCancellation);
@@ -73,7 +93,9 @@ std::string ClientSession::commit(const OpenTransactions::Entry& transaction) {
         });
     mTransactions.remove(ended.handle);
     if (!outcome.accepted) {
-        throw RefusalError("commit", ended.name, outcome, violations);
+        throw RefusalError("commit", ended.name,
+                           violations.empty() ? withExplanation(*this, outcome) : outcome,
+                           violations);
     }
     return outcome.reason;
 }
