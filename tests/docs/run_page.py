@@ -9,8 +9,8 @@ usage: run_page.py PAGE --root ROOT --programs FOLDER [--needs NAME=VARIABLE]
        run_page.py --self-test
 
 The blocks of a page share one folder, which is empty but for links to what stands in ROOT, the
-project; so both "in an empty folder" and "in the root of the project" hold, and nothing is written
-into the project. FOLDER stands first in PATH. A block is one of these:
+project, and to its build, FOLDER/.. as build/dev; so both "in an empty folder" and "in the root of
+the project" hold, and nothing is written into the project. FOLDER stands first in PATH. A block is one of these:
 
 - a session: its first line begins with "$ ". Each such line, with those that it continues in by a
   backslash, is run by bash. What it prints must be the lines below it. "..." stands for any text in
@@ -177,8 +177,6 @@ class Page:
         blocks = BLOCK.findall(text)
         if len(re.findall(r"^ *```", text, re.MULTILINE)) != 2 * len(blocks):
             raise Wrong("a fence that opens or closes no block")
-        if not blocks:
-            raise Wrong("the page has no blocks")
         for comment, indent, language, block in blocks:
             if indent:
                 block = textwrap.dedent(block)
@@ -186,10 +184,13 @@ class Page:
         return len(blocks), self.reasons
 
 
-def link_all(root, folder):
+def link_all(root, programs, folder):
+    """What a reader sees in the root of the project after the build with the preset `dev`."""
     for entry in root.iterdir():
         if entry.name not in ("build", ".git"):
             (folder / entry.name).symlink_to(entry)
+    (folder / "build").mkdir()
+    (folder / "build/dev").symlink_to(programs.parent)
 
 
 def self_test():
@@ -204,8 +205,7 @@ def self_test():
             "<!-- prompt: sed 's/^/orvhost> /' # -->\n```\norvhost> x\n```\n"
             "```mermaid\nsequenceDiagram\n  participant A\n  A->>A: x\n```\n"
             "<!-- not run: no net -->\n```\n$ false\n```\n")
-    bad = ["no block at all",
-           "```\na block of no kind\n```\n",
+    bad = ["```\na block of no kind\n```\n",
            "```cpp\nint a;\n```\n",
            "<!-- unknown a -->\n```\na\n```\n",
            "<!-- prompt: cat -->\n```\nno prompt\n```\n",
@@ -240,7 +240,8 @@ def self_test():
 
 
 def list_reasons(root):
-    for page in sorted([root / "README.md", *(root / "docs").glob("*.md")]):
+    pages = [page for place in ("*.md", "docs/*.md", "examples/*/*.md") for page in root.glob(place)]
+    for page in sorted(pages):
         comments = [comment for comment, *_ in BLOCK.findall(page.read_text())]
         reasons = [comment for comment in comments if comment.startswith("not run: ")]
         print(f"{page.relative_to(root)}: {len(comments)} blocks, {len(reasons)} of them not run")
@@ -273,7 +274,7 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name, "page")
         folder.mkdir()
-        link_all(options.root, folder)
+        link_all(options.root, options.programs, folder)
         environment.update(HOME=name, PATH=f"{options.programs}:{environment['PATH']}")
         try:
             count, reasons = Page(options.root, folder, environment).run(options.page.read_text())
