@@ -14,8 +14,6 @@ draws them itself:
     S->>T: a call
     S-->>T: an answer
     Note over S: one participant, or two with a comma between
-
-`on_page_markdown` is a hook of mkdocs: it puts pictures in the place of blocks.
 """
 
 import html
@@ -23,7 +21,6 @@ import re
 import sys
 
 GAP, STEP, MARGIN, LETTER = 170, 34, 20, 6.6
-BLOCK = re.compile(r"^```mermaid\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 ARROW = re.compile(r"(\w+)(--?>>)(\w+): (.+)")
 STYLE = """text{font:12px sans-serif;fill:#222}.line{stroke:#335;fill:none}
 .life{stroke:#aab;stroke-dasharray:3 4}.box{fill:#eef2fa;stroke:#335}
@@ -37,6 +34,8 @@ def parse(text):
         raise ValueError("the first line must be sequenceDiagram")
     names, events = {}, []
     for line in lines[1:]:
+        if re.search("[;#]", line):
+            raise ValueError(f"; and # have a meaning of their own for a forge: {line}")
         if match := re.fullmatch(r"participant (\w+)(?: as (.+))?", line):
             names[match[1]] = match[2] or match[1]
         elif match := re.fullmatch(r"Note over (\w+)(?:,(\w+))?: (.+)", line):
@@ -111,11 +110,6 @@ def draw(text):
             f'width="{width:g}" role="img"><style>{STYLE}</style><defs><marker id="tip" '
             'viewBox="0 0 8 8" refX="8" refY="4" markerWidth="8" markerHeight="8" orient="auto">'
             '<path d="M0 0 L8 4 L0 8 z" fill="#335"/></marker></defs>' + "".join(parts) + "</svg>")
-
-
-def on_page_markdown(markdown, **_):
-    """Called by mkdocs for each page."""
-    return BLOCK.sub(lambda block: f'<div style="overflow-x:auto">{draw(block[1])}</div>', markdown)
 
 
 if __name__ == "__main__":
