@@ -16,6 +16,7 @@ import argparse
 import html.parser
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -24,12 +25,13 @@ import urllib.parse
 
 # Everything that pages link to. Folders of code are no pages; scripts/site_hooks.py handles them.
 CONTENT = ["README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "docs", "examples"]
+REFERENCE = "api/index.html"
 MENU = [
     ("Start", ["README.md", "docs/tutorial.md", "docs/glossary.md"]),
     ("Use", ["docs/orvhost.md", "docs/models-in-yang.md", "docs/vendor-modules.md",
              "docs/netconf.md", "docs/performance.md"]),
     ("Build on it", ["docs/embedding.md", "docs/writing-an-interceptor.md", "docs/client.md",
-                     "docs/model.md", "docs/api.md", "api/index.html"]),
+                     "docs/model.md", "docs/api.md", REFERENCE]),
     ("Change it", ["CONTRIBUTING.md", "docs/architecture.md", "docs/store.md", "docs/testing.md",
                    "docs/decisions/README.md", "docs/releasing.md", "SECURITY.md", "CHANGELOG.md"]),
 ]
@@ -94,15 +96,21 @@ def broken_links(site, is_checked):
                 yield f"{path.relative_to(site)}: {link}: no such heading"
 
 
-def menu(has_reference):
+def title_of(page):
+    """The first heading, without marks."""
+    heading = re.search(r"^# (.+)$", page.read_text(), re.MULTILINE)[1]
+    return heading.replace("`", "")
+
+
+def menu(root, has_reference):
     lines = []
     for title, pages in MENU:
         lines.append(f"  - {title}:")
         for page in pages:
-            if page == "api/index.html":
-                lines += [f"    - API reference: {page}"] if has_reference else []
-            else:
-                lines.append(f"    - {page}")
+            if page != REFERENCE:
+                lines.append(f'    - "{title_of(root / page)}": {page}')
+            elif has_reference:
+                lines.append(f"    - All headers and classes: {page}")
     return "\n".join(lines)
 
 
@@ -118,7 +126,7 @@ def make(root, site, reference):
         settings = pathlib.Path(name, "mkdocs.yml")
         hooks = root / "scripts/site_hooks.py"
         settings.write_text(SETTINGS.format(content=content, site=site, hooks=hooks,
-                                            menu=menu(reference)))
+                                            menu=menu(root, reference is not None)))
         subprocess.run(["mkdocs", "build", "--quiet", "--clean", "--config-file", settings],
                        check=True, env={**os.environ, "PYTHONPATH": str(hooks.parent)})
 

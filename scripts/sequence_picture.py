@@ -107,8 +107,8 @@ def draw(text):
     width = x + 90 + max([0] + [len(words) * LETTER for kind, left, right, words in events
                                 if left == right == last])
     return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width:g} {bottom + 10:g}" '
-            f'width="{width:g}" role="img"><style>{STYLE}</style><defs><marker id="tip" '
-            'viewBox="0 0 8 8" refX="8" refY="4" markerWidth="8" markerHeight="8" orient="auto">'
+            f'width="{width:g}" style="max-width:none" role="img"><style>{STYLE}</style>'
+            '<defs><marker id="tip" viewBox="0 0 8 8" refX="8" refY="4" markerWidth="8" markerHeight="8" orient="auto">'
             '<path d="M0 0 L8 4 L0 8 z" fill="#335"/></marker></defs>' + "".join(parts) + "</svg>")
 
 
