@@ -30,6 +30,7 @@ test_packages=(
   gcovr               # coverage
   git reuse           # which files are ours, and their licences
   doxygen             # API reference
+  mkdocs mkdocs-material # the site of the documents
   abigail-tools       # binary interface against the last release
   valgrind            # what calls of the component cost
   python3-ncclient openssh-client openssl # clients of the server

@@ -7,7 +7,7 @@
 #   scripts/test.sh all    then also all tests and a short run of each fuzzer under AddressSanitizer
 #                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
 #                          threads under ThreadSanitizer; the linter on the parts that a host loads
-#                          and on what changed; the API reference; the binary interface against
+#                          and on what changed; the site of the documents; the binary interface against
 #                          its baseline; what calls of the component cost, against the kept
 #                          numbers; the build of packagers, with g++
 #                          (scripts/release-builds.sh has the other ones); the coverage of the
@@ -50,8 +50,8 @@ if [ "$mode" = all ]; then
   step "lint"
   build --preset asan --target tidy_component
   scripts/lint.py build/asan --changed "${ORV_LINT_BASE:-}"
-  step "API reference"
-  build --preset dev --target api_reference
+  step "site of the documents, API reference"
+  build --preset dev --target docs_site
   step "binary interface"
   quietly build/release/configure.log cmake --preset release
   build --preset release --target abi_check --target call_cost

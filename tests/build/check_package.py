@@ -52,8 +52,9 @@ class Package:
     def install(self):
         run("cmake", "--install", self.options.build, "--prefix", self.prefix)
 
-    def configure_and_build(self, source, *settings, targets=("cell_state_interceptor",)):
-        build = self.directory / "build"
+    def configure_and_build(self, source, *settings, targets=("cell_state_interceptor",),
+                            folder="build"):
+        build = self.directory / folder
         run("cmake", "-G", "Ninja", "-S", source, "-B", build,
             f"-DCMAKE_CXX_COMPILER={self.options.compiler}", *settings)
         run("cmake", "--build", build, "--target", *targets)
@@ -84,6 +85,21 @@ class Package:
         build = self.configure_and_build(self.sample, f"-DCMAKE_PREFIX_PATH={self.prefix}")
         self.try_out(only(build, "libcell_state_interceptor.so"),
                      only(self.prefix, "libext_cm.so"))
+        self.use_as_shown()
+
+    def use_as_shown(self):
+        """Builds with the lines of the pages what the examples are made of."""
+        consumer = self.directory / "consumer"
+        shutil.copytree(self.options.source / "tests/build/consumers/find_package", consumer)
+        shutil.copy(self.examples / "embedding/MinimalHost.cpp", consumer / "my_host.cpp")
+        sources = sorted(self.sample.glob("src/*.cpp"))
+        (consumer / "my_interceptor.cpp").write_text(
+            "".join(f'#include "{source}"\n' for source in sources))
+        build = self.configure_and_build(consumer, f"-DCMAKE_PREFIX_PATH={self.prefix}",
+                                         targets=("my_host", "my_interceptor"), folder="shown")
+        component = only(self.prefix, "libext_cm.so")
+        run(only(build, "my_host"), component)
+        self.try_out(only(build, "libmy_interceptor.so"), component)
 
     def pkg_config(self):
         self.install()

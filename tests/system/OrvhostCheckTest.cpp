@@ -207,28 +207,5 @@ TEST_F(OrvhostCheckTest, Timeout_Exceeded_EndsTheScenarioAndOthersRun) {
     EXPECT_THAT(result.out, testing::HasSubstr("2 scenarios, 1 failed"));
 }
 
-/// The output of the demo in the README.
-std::string demoOfReadme() {
-    const std::string readme = readFile(README);
-    const std::string opening = "<!-- demo -->\n```\n";
-    const std::size_t begin = readme.find(opening);
-    const std::size_t end = readme.find("```", begin + opening.size());
-    return begin == std::string::npos
-               ? "the README shows no demo"
-               : readme.substr(begin + opening.size(), end - begin - opening.size());
-}
-
-/// The script without the lines of its licence, as the demo runs it.
-std::string demoScript() {
-    const std::string script = readFile(EXAMPLES_DIR "/scenarios/demo.orv");
-    return script.substr(script.find("\n\n") + 2);
-}
-
-TEST_F(OrvhostCheckTest, Demo_OfTheReadme_IsWhatTheDemoPrints) {
-    const auto result = runOnHarbour(demoScript(), {"--echo"});
-    EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out, demoOfReadme());
-}
-
 }
 }
