@@ -87,7 +87,8 @@ void run(const Options& options) {
     const RanNetwork network(plan, options.seed);
     const std::size_t files =
         options.slice > 0 ? writeSlices(options, network) : writeOne(options, network);
-    std::cout << plan.size() << " objects with " << plan.cells << " cells written to "
+    std::cout << plan.size() << " objects with " << plan.cells
+              << (plan.cells == 1 ? " cell" : " cells") << " written to "
               << options.output.string() << (files > 1 ? " in " : "")
               << (files > 1 ? std::to_string(files) + " files" : "") << "\n";
 }

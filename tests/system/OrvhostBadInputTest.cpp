@@ -106,6 +106,19 @@ TEST(OrvhostBadInputTest, Command_Unknown_SuggestsTheNearest) {
                 StartsWith("gte: there is no command 'gte'. Did you mean get?"));
 }
 
+TEST(OrvhostBadInputTest, Command_ThatIsAFile_SaysHowToRunIt) {
+    const TemporaryDirectory directory;
+    const std::string script = directory.file("script.orv", "count\n");
+    EXPECT_THAT(errorOf(script, kUsage), HasSubstr("It is a file: 'source' runs it"));
+}
+
+TEST(OrvhostBadInputTest, NoModel_SaysHowToNameOne) {
+    const auto result = runOrvhost({"count"});
+    EXPECT_EQ(result.err,
+              "orvhost: no model was named: -m MODULE, or a project file (orvhost init)\n");
+    EXPECT_EQ(result.status, 3);
+}
+
 TEST(OrvhostBadInputTest, Words_TooFewOrTooMany_TellTheUsage) {
     EXPECT_THAT(errorOf("exists", kUsage), StartsWith("exists: the DN is missing. Usage: exists"));
     EXPECT_THAT(errorOf("exists a b", kUsage), HasSubstr("'b' is one word too many"));
@@ -123,7 +136,7 @@ TEST(OrvhostBadInputTest, Options_Unknown_IsUsage) {
 
 TEST(OrvhostBadInputTest, Script_Missing_IsUsage) {
     const auto result = runOrvhost(withSite({"-f", "no-such-script"}));
-    EXPECT_EQ(result.err, "orvhost: no-such-script: cannot be read\n");
+    EXPECT_EQ(result.err, "orvhost: no-such-script: cannot be read: there is no such file\n");
     EXPECT_EQ(result.status, kUsage);
 }
 

@@ -122,8 +122,9 @@ TEST_F(OrvhostCheckTest, Check_EmptyOrMissingScenario_FailsWithoutStoppingTheOth
     const auto result = check({empty, "no-such.orv", mDirectory.path().string(), mGood});
     EXPECT_THAT(result.out,
                 AllOf(HasSubstr("  " + empty + ": there is no command in it\n"),
-                      HasSubstr("  no-such.orv: cannot be read\n"),
-                      HasSubstr("  " + mDirectory.path().string() + ": cannot be read\n"),
+                      HasSubstr("  no-such.orv: cannot be read: there is no such file\n"),
+                      HasSubstr("  " + mDirectory.path().string() +
+                                ": cannot be read: it is a directory\n"),
                       HasSubstr("ok      " + mGood), HasSubstr("4 scenarios, 3 failed\n")));
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(check({empty}).status, 1);

@@ -351,7 +351,8 @@ TEST(OrvhostLoadTest, OtherModelOrNoFile_IsRefused) {
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err,
                 AllOf(HasSubstr("/data/harbour.json:2: No module named \"ran-element\""),
-                      HasSubstr("load: nofile: cannot be read; a file with instance data was"),
+                      HasSubstr("load: nofile: cannot be read: there is no such file; a file with "
+                                "instance data was"),
                       HasSubstr("'replac' is no way to load; merge or replace was expected"),
                       HasSubstr("there is no class Ship")));
 }

@@ -140,6 +140,7 @@ TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph --classes Mst", 1), HasSubstr("Did you mean Mast?"));
     EXPECT_THAT(errorOf("graph --depth deep", 2), HasSubstr("--depth needs a number"));
     EXPECT_THAT(errorOf("graph -o", 2), HasSubstr("-o needs a text"));
+    EXPECT_THAT(errorOf("graph -o x.png", 2), HasSubstr("x.png: the picture is SVG"));
     EXPECT_THAT(errorOf("graph / more", 2), HasSubstr("one word too many"));
     EXPECT_THAT(errorOf("graph -o no/such/directory/x.svg", 1),
                 HasSubstr("x.svg: no file can be made in this directory: No such file"));

@@ -79,7 +79,8 @@ TEST(OrvhostLossTest, Script_ADirectory_IsNoEmptyScript) {
     const TemporaryDirectory directory;
     const auto result = runOrvhost(withSite({"-f", directory.path().string()}));
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "orvhost: " + directory.path().string() + ": cannot be read\n");
+    EXPECT_EQ(result.err,
+              "orvhost: " + directory.path().string() + ": cannot be read: it is a directory\n");
 }
 
 // The tables would read a DN only up to its first zero byte.

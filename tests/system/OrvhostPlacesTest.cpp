@@ -102,7 +102,8 @@ TEST(OrvhostPlacesTest, Source_AScript_RunsItAndStopsAtItsError) {
     const std::string endless = directory.file("endless", "");
     directory.file("endless", "source " + endless + "\n");
     EXPECT_THAT(runCommands({"source " + endless}).err, HasSubstr("scripts run one another"));
-    EXPECT_THAT(runCommands({"source /nowhere"}).err, HasSubstr("/nowhere: cannot be read"));
+    EXPECT_THAT(runCommands({"source /nowhere"}).err,
+                HasSubstr("/nowhere: cannot be read: there is no such file"));
 }
 
 }

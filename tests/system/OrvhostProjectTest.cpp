@@ -125,7 +125,7 @@ TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
     EXPECT_THAT(errorOf("strict = \"yes\"\n"), HasSubstr("strict: true or false was expected"));
     EXPECT_THAT(errorOf("model = [\"a\"\n"), HasSubstr("orvhost.toml:"));
     EXPECT_THAT(runIn({"--project", "none.toml", "ls"}).err,
-                HasSubstr("none.toml: cannot be read"));
+                HasSubstr("none.toml: cannot be read: there is no such file"));
 }
 
 TEST_F(OrvhostProjectTest, Init_WritesATemplateThatCanBeRead) {

@@ -107,6 +107,31 @@ TEST_F(OrvhostPromptTest, Tab_SeveralCandidates_ShowsThem) {
     EXPECT_EQ(terminal.finish(), 0);
 }
 
+TEST_F(OrvhostPromptTest, Tab_OfAValue_ShowsValuesWithoutTheName) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("set ManagedElement=east,Mast=a kind=\t");
+    EXPECT_TRUE(terminal.waitFor("\nPOLE")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_OfAReference_BeginsAtTheTopLevel) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("cd ManagedElement=east\r");
+    ASSERT_TRUE(terminal.waitFor("east> ")) << terminal.seen();
+    terminal.type("set Antenna=1 seen=\t");
+    EXPECT_TRUE(terminal.waitFor("seen=ManagedElement=")) << terminal.seen();
+    terminal.type(kControlC);
+    ASSERT_TRUE(terminal.waitFor("east> ")) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
 TEST_F(OrvhostPromptTest, History_OfAnEarlierSession_ComesWithTheUpKey) {
     {
         Terminal first(arguments());

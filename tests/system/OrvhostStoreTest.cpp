@@ -119,6 +119,21 @@ TEST_F(OrvhostStore, Migrate_ToAModelWithMore_KeepsAllObjects) {
     EXPECT_EQ(run({"store", "migrate", mStore, next}).status, 3);
 }
 
+TEST_F(OrvhostStore, Migrate_OfAssociationsOutOfStep_TakesThemAsTheyAre) {
+    const std::string unit = "ManagedElement=Harbour,Equipment=1,RadioUnit=2";
+    EXPECT_EQ(
+        runOrvhost(withHarbour({"--store", mStore, "-c", "delete " + unit, "-c", "create " + unit}))
+            .status,
+        0);
+    const std::string next = mDirectory.path() / "next.store";
+    const ProgramResult result =
+        runOrvhost({"-I", EXAMPLES_DIR "/models", "-m", "ran-element", "-m", "ran-equipment", "-m",
+                    "ran-function", "store", "migrate", mStore, next});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("does not name it back"));
+    EXPECT_THAT(runOrvhost({"store", "info", next}).out, StartsWith("objects      37\n"));
+}
+
 TEST_F(OrvhostStore, Migrate_ToAModelWithLess_SaysWhatDoesNotFit) {
     fill();
     mDirectory.file("m.yang", moduleText("title"));

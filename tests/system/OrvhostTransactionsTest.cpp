@@ -122,6 +122,27 @@ TEST(OrvhostTransactionsTest, Missing_MandatoryAttributeAndWrongClass_AreExplain
               HasSubstr("    allowed    0..1 values, 0..1 of class Cabinet\n")));
 }
 
+TEST(OrvhostTransactionsTest, Reference_ToNoPlaceOfTheModel_TellsWhoHoldsIt) {
+    const auto result =
+        runCommands({"begin", "set ManagedElement=east,Antenna=2 mast=Mast=b", "validate"});
+    EXPECT_THAT(result.err, HasSubstr("Mast=b does not correspond to a valid MO type.\n"
+                                      "    object     ManagedElement=east,Antenna=2\n"
+                                      "    attribute  mast\n"
+                                      "    found      Mast=b\n"));
+}
+
+TEST(OrvhostTransactionsTest, Choice_OfTwoCases_TellsTheObject) {
+    const TemporaryDirectory directory;
+    const std::string module =
+        directory.file("m.yang", "module m { namespace 'urn:m'; prefix m; list ManagedElement {"
+                                 " key id; leaf id { type string; } choice c {"
+                                 " leaf one { type string; } leaf two { type string; } } } }");
+    const auto result = runOrvhost({"-m", module, "--me-id", "H", "-c", "begin", "-c",
+                                    "create ManagedElement=H one=a two=b", "-c", "validate"});
+    EXPECT_THAT(result.err, HasSubstr("are of two cases"));
+    EXPECT_THAT(result.err, HasSubstr("\n    object     ManagedElement=H\n"));
+}
+
 TEST(OrvhostTransactionsTest, Bounds_OfChildren_AreExplained) {
     const auto result =
         runOnHarbour("begin\ncreate ManagedElement=Harbour,Equipment=2\nvalidate\n");

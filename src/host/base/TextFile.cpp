@@ -6,8 +6,12 @@
 #include "ByteOrderMark.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <fstream>
+#include <system_error>
+
+#include <unistd.h>
 
 namespace OrvHost {
 
@@ -19,13 +23,29 @@ constexpr std::size_t kFirstPortion = 65536;
 
 }
 
+std::string whyNotReadable(const fs::path& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (fs::is_directory(status)) {
+        return "cannot be read: it is a directory";
+    }
+    if (status.type() == fs::file_type::not_found) {
+        return "cannot be read: there is no such file";
+    }
+    if (access(file.c_str(), R_OK) != 0) {
+        return "cannot be read: " + std::generic_category().message(errno);
+    }
+    return {};
+}
+
 TextFile readTextFile(const fs::path& file) {
     TextFile result;
-    std::ifstream input(file, std::ios::binary);
-    std::error_code error;
-    if (!input || fs::is_directory(file, error)) {
+    result.problem = whyNotReadable(file);
+    if (!result.isRead()) {
         return result;
     }
+    std::ifstream input(file, std::ios::binary);
+    std::error_code error;
     // One byte more than the size, to find the end at once; a pipe has no size.
     const std::uintmax_t expected = fs::file_size(file, error);
     std::string text(error ? 1 : static_cast<std::size_t>(expected) + 1, '\0');
@@ -35,12 +55,11 @@ TextFile readTextFile(const fs::path& file) {
         text.resize(std::max(kFirstPortion, size * 2));
     }
     text.resize(size + static_cast<std::size_t>(input.gcount()));
-    if (input.bad()) {
-        result.state = TextFile::State::CutOff;
+    if (!input.is_open() || input.bad()) {
+        result.problem = input.is_open() ? "cannot be read to its end" : "cannot be read";
         return result;
     }
     removeByteOrderMark(text);
-    result.state = TextFile::State::Read;
     result.text = std::move(text);
     return result;
 }

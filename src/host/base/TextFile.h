@@ -11,17 +11,18 @@ namespace OrvHost {
 
 /// A file in UTF-8, as a whole, or why it could not be had.
 struct TextFile {
-    enum class State { Read, NotOpened, CutOff };
+    std::string text;    ///< without a byte order mark; empty if there is a problem
+    std::string problem; ///< "cannot be read: there is no such file"; empty if it was read
 
-    State state = State::NotOpened;
-    std::string text; ///< without a byte order mark; empty unless Read
-
-    bool isRead() const { return state == State::Read; }
+    bool isRead() const { return problem.empty(); }
 };
 
-/// Reads \p file, which can also be a pipe. A directory is NotOpened; CutOff means that reading
-/// failed before the end.
+/// Reads \p file, which can also be a pipe, but no directory.
 TextFile readTextFile(const std::filesystem::path& file);
+
+/// "cannot be read: there is no such file", if \p file cannot be opened, or is a directory; empty
+/// if it can be read.
+std::string whyNotReadable(const std::filesystem::path& file);
 
 }
 

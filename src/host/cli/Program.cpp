@@ -4,6 +4,7 @@
 #include "Program.h"
 
 #include "base/Environment.h"
+#include "base/TextFile.h"
 #include "cli/check/Check.h"
 #include "cli/check/CheckReport.h"
 #include "cli/commands/CommandTable.h"
@@ -106,12 +107,11 @@ private:
         if (name == "-") {
             return mInterpreter.runScript(std::cin, "stdin", mOptions.keepGoing);
         }
-        std::ifstream script(name);
-        std::error_code unknown;
-        if (!script || std::filesystem::is_directory(name, unknown)) {
-            std::cerr << "orvhost: " << name << ": cannot be read\n";
+        if (const std::string problem = whyNotReadable(name); !problem.empty()) {
+            std::cerr << "orvhost: " << name << ": " << problem << '\n';
             return ExitUsage;
         }
+        std::ifstream script(name);
         return mInterpreter.runScript(script, name, mOptions.keepGoing);
     }
 

@@ -8,6 +8,7 @@
 #include "ErrorExplainer.h"
 #include "MeIdTranslator.h"
 #include "base/TextScanner.h"
+#include "edits/References.h"
 
 #include <optional>
 #include <string_view>
@@ -239,7 +240,7 @@ Violation ViolationExplainer::explain(const std::string& message) {
     if (const auto rule = readRule(message)) {
         explainRule(toExternal(rule->dn), std::string(rule->attribute), violation);
     } else if (unknown.takeEnd(" does not correspond to a valid MO type.")) {
-        explainClass(toExternal(unknown.rest()), violation);
+        explainClass(std::string(unknown.rest()), violation);
     } else if (const auto members = readMembers(message)) {
         violation.object = members->parent.empty() ? "/" : toExternal(members->parent);
         violation.found =
@@ -248,8 +249,17 @@ Violation ViolationExplainer::explain(const std::string& message) {
     } else if (conflict.take("the transaction met a conflict: ")) {
         violation.found = ErrorExplainer(mSession).inClientsWords(std::string(conflict.rest()));
         violation.allowed = "nothing but to abort, and to do the same again in a new transaction";
+    } else if (const auto dn = TextScanner(message).before(": ")) {
+        explainObject(toExternal(*dn), violation);
     }
     return violation;
+}
+
+// Other messages of the router begin with the object.
+void ViolationExplainer::explainObject(const std::string& dn, Violation& violation) const {
+    if (DnResolver(mSession.model()).classOf(dn) != nullptr) {
+        violation.object = dn;
+    }
 }
 
 void ViolationExplainer::explainAttribute(const std::string& dn, const std::string& attribute,
@@ -277,11 +287,24 @@ void ViolationExplainer::explainRule(const std::string& dn, const std::string& a
     violation.found = valuesOf(dn, attribute.substr(0, attribute.find_first_of("/[")));
 }
 
-void ViolationExplainer::explainClass(const std::string& dn, Violation& violation) const {
+// The message does not say which attribute holds the DN, but the transaction wrote it.
+void ViolationExplainer::explainClass(const std::string& internal, Violation& violation) const {
+    const std::string dn = toExternal(internal);
     const ClassDef* moc = nullptr;
     const std::string reason = DnResolver(mSession.model()).whyNoDn(dn, &moc);
     violation.found = dn;
     violation.allowed = reason.empty() ? "the DN of an object of the model" : reason;
+    const ChangeSet changes = mSession.host().router().changesOf(mTxHandle);
+    for (const ObjectChange& object : changes.objects) {
+        for (const AttributeChange& attribute : object.attributes) {
+            forEachReference(attribute.after, [&](const std::string& target) {
+                if (target == internal) {
+                    violation.object = toExternal(object.dn);
+                    violation.attribute = attribute.name;
+                }
+            });
+        }
+    }
 }
 
 // The violation itself can make the read fail, too. Always version 3: with other versions a read

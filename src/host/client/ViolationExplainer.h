@@ -34,7 +34,8 @@ private:
     void explainAttribute(const std::string& dn, const std::string& attribute,
                           Violation& violation);
     void explainRule(const std::string& dn, const std::string& attribute, Violation& violation);
-    void explainClass(const std::string& dn, Violation& violation) const;
+    void explainClass(const std::string& internal, Violation& violation) const;
+    void explainObject(const std::string& dn, Violation& violation) const;
     ReadValue valuesOf(const std::string& dn, const std::string& attribute);
 
     ClientSession& mSession;

@@ -540,7 +540,7 @@ class OptionsTest(unittest.TestCase):
         for options, reason in (
             (("serve",), "nobody can log in by SSH"),
             (("serve", "--netconf-user", "alice"), "NAME=KEYFILE was expected"),
-            (("serve", "--netconf-user", "alice=/missing"), "/missing: cannot be read"),
+            (("serve", "--netconf-user", "alice=/missing"), "/missing: cannot be read: there is no such file"),
             (("serve", "--netconf-user", f"alice={self.plain}"), "a public key was expected"),
             (("serve", "--netconf-passwords", self.open), "mode 0600 was expected"),
             (("serve", "--netconf-passwords", self.plain), "NAME:HASH was expected"),

@@ -3,6 +3,7 @@
 
 #include "Scenario.h"
 
+#include "base/TextFile.h"
 #include "cli/input/ScriptReader.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
@@ -61,10 +62,13 @@ ScenarioResult runScenario(const Options& options, const std::string& file,
     ScenarioResult result;
     result.name = file;
     try {
-        std::ifstream script(file);
-        if (!script || !std::filesystem::is_regular_file(file)) {
-            throw LoadError("cannot be read");
+        if (const std::string problem = whyNotReadable(file); !problem.empty()) {
+            throw LoadError(problem);
         }
+        if (!std::filesystem::is_regular_file(file)) {
+            throw LoadError("cannot be read: it is not a plain file");
+        }
+        std::ifstream script(file);
         HostSetup setup(options, std::cerr);
         std::ostream nowhere(nullptr);
         Session session(setup.host(), setup.clients(), setup.log(), nowhere, false);

@@ -9,6 +9,7 @@
 #include "client/Suggestion.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace OrvHost {
@@ -345,8 +346,11 @@ const Command* CommandTable::find(const std::string& name) const {
 const Command& CommandTable::require(const std::string& name) const {
     const Command* command = find(name);
     if (command == nullptr) {
+        std::error_code error;
         throw UsageError("there is no command '" + name + "'." + didYouMean(name, names()) +
-                         " 'help' lists all");
+                         (std::filesystem::is_regular_file(name, error)
+                              ? " It is a file: 'source' runs it, and so does the option -f"
+                              : " 'help' lists all"));
     }
     return *command;
 }

@@ -16,8 +16,10 @@
 #include "client/OfferedModel.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <limits>
 #include <optional>
+#include <set>
 
 namespace OrvHost {
 
@@ -46,6 +48,16 @@ GraphOptions parse(Words& words, const Model& model) {
         options.wantsClasses ? words.takeOptional().value_or("") : words.takeDnOrHere(model);
     words.end();
     return options;
+}
+
+/// A name that promises another kind of picture is rather a mistake.
+void requireSvgName(const GraphOptions& options) {
+    static const std::set<std::string> others{".png", ".jpg", ".jpeg", ".gif", ".pdf", ".ps"};
+    const std::string ending = std::filesystem::path(options.file.value_or("")).extension();
+    if (others.count(ending) > 0) {
+        throw UsageError(*options.file +
+                         ": the picture is SVG; a name ending in .svg was expected");
+    }
 }
 
 /// What was drawn, and the facts that are printed about it.
@@ -102,8 +114,7 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
                           ". Draw less with --depth or from a class, or raise --limit");
     }
     return {graph.dot(),
-            std::to_string(graph.classes()) + " classes, " + std::to_string(graph.associations()) +
-                " associations",
+            graph.summary(),
             {},
             {{"classes", graph.classes()}, {"associations", graph.associations()}}};
 }
@@ -139,6 +150,7 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
 
 void runGraph(Session& session, Words words) {
     const GraphOptions options = parse(words, session.model());
+    requireSvgName(options);
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
     print(session, options, drawing, options.wantsDot ? drawing.dot : render(session, drawing.dot));

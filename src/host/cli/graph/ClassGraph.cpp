@@ -4,6 +4,7 @@
 #include "ClassGraph.h"
 
 #include "GraphLook.h"
+#include "base/Counted.h"
 
 #include <algorithm>
 
@@ -60,9 +61,13 @@ std::string ClassGraph::draw() {
             drawAssociation(dot, reference);
         }
     }
-    setCaption(dot, std::to_string(classes()) + " classes, " + std::to_string(mAssociations) +
-                        " associations");
+    setCaption(dot, summary());
     return dot.text();
+}
+
+std::string ClassGraph::summary() const {
+    return (classes() == 1 ? "1 class" : std::to_string(classes()) + " classes") + ", " +
+           counted(mAssociations, "association");
 }
 
 void ClassGraph::drawContainment(DotText& dot, const ClassDescription& moc) {

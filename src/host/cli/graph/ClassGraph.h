@@ -31,6 +31,8 @@ public:
     std::size_t classes() const { return mChosen.size(); }
     /// The number of lines that show associations.
     std::size_t associations() const { return mAssociations; }
+    /// "4 classes, 1 association".
+    std::string summary() const;
     const std::string& dot() const { return mDot; }
 
 private:

@@ -11,15 +11,8 @@ namespace OrvHost {
 
 namespace {
 
-// Counts characters, not bytes: continuation bytes of UTF-8 have no width.
-std::size_t width(const std::string& text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
-    }));
-}
-
 std::string padded(const std::string& text, std::size_t columns) {
-    const std::size_t taken = width(text);
+    const std::size_t taken = shownColumns(text);
     return text + std::string(columns > taken ? columns - taken : 0, ' ');
 }
 
@@ -31,7 +24,7 @@ std::size_t nameColumns(const JsonValue& object) {
     std::size_t columns = 0;
     for (const auto& member : object.items()) {
         if (!member.value().is_object() && !holdsStructs(member.value())) {
-            columns = std::max(columns, width(member.key()));
+            columns = std::max(columns, shownColumns(member.key()));
         }
     }
     return columns;
@@ -90,6 +83,27 @@ std::string escaped(const std::string& text) {
 
 }
 
+// Continuation bytes of UTF-8 have no width.
+std::size_t shownColumns(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
+    }));
+}
+
+std::string layOutColumns(const std::vector<std::string>& texts, std::size_t columns) {
+    std::size_t widest = 0;
+    for (const std::string& text : texts) {
+        widest = std::max(widest, shownColumns(text));
+    }
+    const std::size_t perLine = std::max<std::size_t>(1, (columns + 2) / (widest + 2));
+    std::string result;
+    for (std::size_t at = 0; at < texts.size(); ++at) {
+        const bool isLast = (at + 1) % perLine == 0 || at + 1 == texts.size();
+        result += isLast ? texts[at] + "\n" : padded(texts[at], widest + 2);
+    }
+    return result;
+}
+
 std::string scalarText(const JsonValue& scalar) {
     if (scalar.is_null()) {
         return "-";
@@ -132,9 +146,9 @@ std::string layOutTable(const std::vector<std::string>& headings,
                         const std::vector<std::vector<std::string>>& rows) {
     std::vector<std::size_t> columns(headings.size());
     for (std::size_t column = 0; column < headings.size(); ++column) {
-        columns[column] = width(headings[column]);
+        columns[column] = shownColumns(headings[column]);
         for (const auto& row : rows) {
-            columns[column] = std::max(columns[column], width(row[column]));
+            columns[column] = std::max(columns[column], shownColumns(row[column]));
         }
     }
     const auto line = [&](const std::vector<std::string>& cells) {
@@ -169,7 +183,7 @@ std::string wrapped(const std::string& text, std::size_t columns, std::size_t in
         }
         std::istringstream words(given);
         for (std::string word; words >> word;) {
-            if (!line.empty() && width(line) + 1 + width(word) > columns) {
+            if (!line.empty() && shownColumns(line) + 1 + shownColumns(word) > columns) {
                 endLine();
                 line = std::string(indent, ' ') + word;
             } else {

@@ -7,6 +7,7 @@
 #include "ValueJson.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace OrvHost {
@@ -25,6 +26,13 @@ std::string scalarText(const JsonValue& scalar);
 /// Rows of texts as aligned columns, with a line of headings. The last column is not padded.
 std::string layOutTable(const std::vector<std::string>& headings,
                         const std::vector<std::vector<std::string>>& rows);
+
+/// Texts in columns of one width, row by row, in lines of at most \p columns where they fit. A
+/// single one that does not has a line of its own.
+std::string layOutColumns(const std::vector<std::string>& texts, std::size_t columns);
+
+/// How many columns of a terminal \p text, UTF-8, takes.
+std::size_t shownColumns(std::string_view text);
 
 /// \p text in lines of at most \p columns, broken at blanks. Lines that begin with a blank stay as
 /// they are; others are joined to paragraphs first. Lines of a paragraph after its first one are

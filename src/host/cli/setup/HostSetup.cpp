@@ -129,6 +129,9 @@ void HostSetup::openLog(const Options& options) {
 }
 
 void HostSetup::readModel(const Options& options) {
+    if (options.models.empty()) {
+        throw LoadError("no model was named: -m MODULE, or a project file (orvhost init)");
+    }
     for (const auto& directory : options.searchPath) {
         mReader.searchIn(directory);
     }
@@ -271,8 +274,9 @@ void HostSetup::checkAndRepair(const Options& options, DataSet& data, ProgressBa
     for (std::string& problem : problems) {
         problem += " See --me-id.";
     }
-    const DataReport report =
-        data.check(options.asIs ? Associations::AsTheyAre : Associations::InStep);
+    // What an old store holds was left so by its clients.
+    const bool isAsIs = options.asIs || !options.migrateFrom.empty();
+    const DataReport report = data.check(isAsIs ? Associations::AsTheyAre : Associations::InStep);
     problems.insert(problems.end(), report.problems.begin(), report.problems.end());
     if (report.isAboutAssociations) {
         problems.emplace_back("--repair adds the missing sides of associations; --as-is takes "

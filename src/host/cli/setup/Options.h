@@ -32,7 +32,7 @@ struct Options {
     std::string meId;
     std::string meIdFallback = "1";
     bool repair = false;
-    bool asIs = false; ///< take associations in data as they are
+    bool asIs = false;                 ///< take associations in data as they are
     std::filesystem::path store;       ///< the file that keeps all commits; empty: none
     bool isStoreOld = false;           ///< none is created
     std::filesystem::path migrateFrom; ///< a store whose objects go into a new one; empty: none

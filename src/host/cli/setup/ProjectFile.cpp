@@ -123,7 +123,7 @@ std::vector<std::string> valuesOf(const Setting& setting, const std::string& var
 std::string contentsOf(const fs::path& file) {
     TextFile read = readTextFile(file);
     if (!read.isRead()) {
-        throw ProjectError(file.string() + ": cannot be read; a project file was expected");
+        throw ProjectError(file.string() + ": " + read.problem + "; a project file was expected");
     }
     return std::move(read.text);
 }

@@ -74,12 +74,14 @@ Completion Completer::complete(const std::string& line) {
     }
     Completion completion{split.starts.back(), {}};
     mCanGoOn = false;
+    mShownFrom = 0;
     try {
         completion.candidates = candidates(split.words);
     } catch (const std::exception&) {
         return {split.starts.back(), {}};
     }
     completion.canGoOn = mCanGoOn;
+    completion.shownFrom = mShownFrom;
     auto& all = completion.candidates;
     all.erase(std::remove_if(all.begin(), all.end(),
                              [&](const std::string& candidate) {
@@ -114,7 +116,7 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
     const ClassDef* moc = resolver.classOf(fromTop(mSession.model(), mSession.here(), words[1]));
     switch (kind) {
     case WordKind::Dn:
-        return dns(words.back());
+        return dns(words.back(), mSession.here());
     case WordKind::ChildClass:
         return resolver.childClasses(moc);
     case WordKind::Attribute:
@@ -130,7 +132,7 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
                                  : std::vector<std::string>();
     }
     case WordKind::DnOrClass: {
-        std::vector<std::string> result = dns(words.back());
+        std::vector<std::string> result = dns(words.back(), mSession.here());
         const std::vector<std::string> classes = classNames(mSession.model());
         result.insert(result.end(), classes.begin(), classes.end());
         return result;
@@ -184,6 +186,7 @@ std::vector<std::string> Completer::assignments(const std::vector<AttributeDef>&
             result.push_back(def.name + "=");
         } else if (def.name == word.substr(0, equals)) {
             result = withPrefix(def.name + "=", values(def, word.substr(equals + 1)));
+            mShownFrom = equals + 1;
         }
     }
     return result;
@@ -196,17 +199,15 @@ std::vector<std::string> Completer::values(const AttributeDef& def, const std::s
     case ValueKind::Enumeration:
         return def.type.enumerators;
     case ValueKind::MoRef:
-        return dns(typed);
+        return dns(typed, {}); // references begin at the top level
     default:
         return {};
     }
 }
 
 // From the top level.
-std::string Completer::parentOf(DnView dn) const {
-    return dn.hasParent()
-               ? fromTop(mSession.model(), mSession.here(), std::string(dn.parent().text()))
-               : mSession.here();
+std::string Completer::parentOf(DnView dn, const std::string& here) const {
+    return dn.hasParent() ? fromTop(mSession.model(), here, std::string(dn.parent().text())) : here;
 }
 
 void Completer::addClasses(DnView dn, const std::string& parent,
@@ -221,19 +222,19 @@ void Completer::addClasses(DnView dn, const std::string& parent,
 }
 
 // First the class of the last step with its "=", then the objects of that class.
-std::vector<std::string> Completer::dns(const std::string& word) {
+std::vector<std::string> Completer::dns(const std::string& word, const std::string& here) {
     mCanGoOn = true;
     const DnView dn(word);
     // Asked in the short form, and offered in the form in which the word begins.
     std::vector<std::string> result;
     if (!dn.last().hasEquals()) {
-        addClasses(dn, parentOf(dn), result);
-        if (!dn.hasParent() && !mSession.here().empty()) {
+        addClasses(dn, parentOf(dn, here), result);
+        if (!dn.hasParent() && !here.empty()) {
             addClasses(dn, {}, result); // a DN can begin at the top level, too
         }
         return result;
     }
-    const std::string asked = fromTop(mSession.model(), mSession.here(), word);
+    const std::string asked = fromTop(mSession.model(), here, word);
     const std::string parent(DnView(asked).parent().text());
     const std::string type(DnView(asked).last().type());
     const std::string beginning(dn.last().value());

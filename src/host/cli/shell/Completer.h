@@ -20,6 +20,7 @@ struct Completion {
     std::size_t start = 0;               ///< where the last word begins
     std::vector<std::string> candidates; ///< whole words, in order, unquoted
     bool canGoOn = false;                ///< a candidate can be the beginning of a longer word
+    std::size_t shownFrom = 0;           ///< a list of candidates need not repeat what is before it
 };
 
 /// Completes commands, DNs, classes, attributes, their values, actions, transactions, files and
@@ -40,14 +41,15 @@ private:
     std::vector<std::string> assignments(const std::vector<AttributeDef>& all,
                                          const std::string& word);
     std::vector<std::string> values(const AttributeDef& def, const std::string& typed);
-    std::string parentOf(DnView dn) const;
+    std::string parentOf(DnView dn, const std::string& here) const;
     void addClasses(DnView dn, const std::string& parent, std::vector<std::string>& result) const;
-    std::vector<std::string> dns(const std::string& word);
+    std::vector<std::string> dns(const std::string& word, const std::string& here);
     std::vector<std::string> files(const std::string& word);
 
     Session& mSession;
     const CommandTable& mCommands;
     bool mCanGoOn = false;
+    std::size_t mShownFrom = 0;
 };
 
 /// The longest common prefix of \p words.

@@ -3,6 +3,7 @@
 
 #include "Interpreter.h"
 
+#include "base/TextFile.h"
 #include "cli/commands/WatchReport.h"
 #include "cli/errors/Failure.h"
 #include "cli/input/ScriptReader.h"
@@ -75,11 +76,10 @@ ExitStatus Interpreter::runSource(Words words) {
         throw AnswerError(file + ": more than " + std::to_string(kMostScripts) +
                           " scripts run one another");
     }
-    std::ifstream script(file);
-    std::error_code unknown;
-    if (!script || std::filesystem::is_directory(file, unknown)) {
-        throw AnswerError(file + ": cannot be read");
+    if (const std::string problem = whyNotReadable(file); !problem.empty()) {
+        throw AnswerError(file + ": " + problem);
     }
+    std::ifstream script(file);
     ++mDepth;
     const bool gaveHints = mSession.giveHints(false); // they would make a long script slow
     const ExitStatus status = runScript(script, file, false);

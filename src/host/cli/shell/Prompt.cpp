@@ -20,6 +20,7 @@
 #include <histedit.h>
 #include <langinfo.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace OrvHost {
@@ -242,7 +243,7 @@ private:
                         isOne && !completion.canGoOn && common.back() != '=');
             return CC_REFRESH;
         }
-        showAll(completion.candidates);
+        showAll(completion);
         return CC_REDISPLAY;
     }
 
@@ -251,18 +252,36 @@ private:
         el_insertstr(mEditLine, (quoteWord(word) + (isComplete ? " " : "")).c_str());
     }
 
-    static void showAll(const std::vector<std::string>& candidates) {
-        std::fputs("\n", stdout);
-        const std::size_t shown = std::min(candidates.size(), kMostShown);
+    void showAll(const Completion& completion) const {
+        const LineInfo* info = el_line(mEditLine);
+        const std::size_t columns = screenColumns();
+        const std::size_t row = rowsOf({info->buffer, info->cursor}, columns);
+        const std::size_t lastRow = rowsOf({info->buffer, info->lastchar}, columns);
+        std::vector<std::string> texts;
+        const std::size_t shown = std::min(completion.candidates.size(), kMostShown);
         for (std::size_t at = 0; at < shown; ++at) {
-            const std::string& candidate = candidates[at];
-            std::fprintf(stdout, "%s  ", scalarText(JsonValue(shortForm(candidate))).c_str());
+            const std::string text = completion.candidates[at].substr(completion.shownFrom);
+            texts.push_back(scalarText(JsonValue(shortForm(text))));
         }
-        if (shown < candidates.size()) {
-            std::fprintf(stdout, "and %zu more", candidates.size() - shown);
+        std::string list = layOutColumns(texts, columns);
+        if (shown < completion.candidates.size()) {
+            list += "and " + std::to_string(completion.candidates.size() - shown) + " more\n";
         }
-        std::fputs("\n", stdout);
+        // The editor draws the line again as many rows higher as the cursor was in it.
+        std::fputs((std::string(lastRow - row + 1, '\n') + list + std::string(row, '\n')).c_str(),
+                   stdout);
         std::fflush(stdout);
+    }
+
+    /// The row of the character after \p text, with the prompt before it.
+    std::size_t rowsOf(std::string_view text, std::size_t columns) const {
+        return shownColumns(mPromptText + std::string(text)) / columns;
+    }
+
+    static std::size_t screenColumns() {
+        winsize size{};
+        const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+        return isKnown ? size.ws_col : 80;
     }
 
     void loadHistory() {

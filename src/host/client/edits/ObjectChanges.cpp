@@ -4,6 +4,7 @@
 #include "ObjectChanges.h"
 
 #include "References.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "client/DnResolver.h"
 #include "store/WriteCheck.h"
@@ -51,13 +52,21 @@ void ObjectChanges::readObjects(const Edit& edit) {
     if (!edit.dn.empty() && mState.classOf(edit.dn) == nullptr) {
         addNoSuchClass(edit.dn);
     }
+    const WishedObject* firstOutside = nullptr;
+    std::size_t outside = 0;
     for (const WishedObject& object : edit.objects) {
-        if (!DnView(object.dn).isAtOrBelow(DnView(edit.dn))) {
-            add(EditProblem::Kind::OutsideEdit, object.dn, {},
-                object.dn + " is not in the subtree of " + edit.dn + ", which the edit is about");
+        if (DnView(object.dn).isAtOrBelow(DnView(edit.dn))) {
+            readObject(edit, object);
             continue;
         }
-        readObject(edit, object);
+        firstOutside = firstOutside == nullptr ? &object : firstOutside;
+        ++outside;
+    }
+    if (outside > 0) {
+        add(EditProblem::Kind::OutsideEdit, firstOutside->dn, {},
+            firstOutside->dn + " is not in the subtree of " + edit.dn +
+                ", which the edit is about" +
+                (outside > 1 ? "; of all, " + counted(outside, "object") + " are not" : ""));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "UserTable.h"
 
 #include "ServerError.h"
+#include "base/TextFile.h"
 
 #include <fstream>
 #include <sstream>
@@ -16,11 +17,10 @@ namespace OrvHost {
 namespace {
 
 std::ifstream openToRead(const std::string& file) {
-    std::ifstream in(file);
-    if (!in) {
-        throw ServerError(file + ": cannot be read");
+    if (const std::string problem = whyNotReadable(file); !problem.empty()) {
+        throw ServerError(file + ": " + problem);
     }
-    return in;
+    return std::ifstream(file);
 }
 
 bool saysSomething(const std::string& line) {

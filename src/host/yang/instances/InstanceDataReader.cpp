@@ -75,10 +75,7 @@ std::uint64_t sizeOf(const fs::path& file) {
 std::string contentsOf(const fs::path& file) {
     TextFile read = readTextFile(file);
     if (!read.isRead()) {
-        refuse(file.string(), 0,
-               read.state == TextFile::State::CutOff
-                   ? "cannot be read to its end"
-                   : "cannot be read; a file with instance data was expected");
+        refuse(file.string(), 0, read.problem + "; a file with instance data was expected");
     }
     return std::move(read.text);
 }

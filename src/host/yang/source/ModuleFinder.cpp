@@ -30,7 +30,7 @@ bool mayBeModule(const fs::directory_entry& entry) {
 ModuleSource readModule(const fs::path& file) {
     TextFile read = readTextFile(file);
     if (!read.isRead()) {
-        refuse(file, 0, "cannot be read; the file of a YANG module was expected");
+        refuse(file, 0, read.problem + "; the file of a YANG module was expected");
     }
     ModuleStatements statements(read.text);
     const ModuleStatements::Statement top = statements.top();
@@ -78,11 +78,13 @@ const ModuleSource* ModuleFinder::find(const std::string& name, const std::strin
         return &known->second;
     }
     const std::optional<fs::path> file = locate(name, revision);
-    TextFile read = file ? readTextFile(*file) : TextFile();
+    if (!file) {
+        mMissed.push_back(name);
+        return nullptr;
+    }
+    TextFile read = readTextFile(*file);
     if (!read.isRead()) {
-        if (file) {
-            mProblems.push_back({{file->string(), 0}, "cannot be read"});
-        }
+        mProblems.push_back({{file->string(), 0}, read.problem});
         mMissed.push_back(name);
         return nullptr;
     }
@@ -96,7 +98,10 @@ bool ModuleFinder::wasMissed(const std::string& name) const {
 
 std::string ModuleFinder::describeSearch(const std::string& name) const {
     if (mDirectories.empty()) {
-        return "there is no search path";
+        std::error_code error;
+        const std::string here = "./" + name + ".yang";
+        return "there is no search path" +
+               (fs::exists(here, error) ? "; a file is named with its path: " + here : "");
     }
     std::string text = "looked for " + name + ".yang in ";
     for (const Directory& directory : mDirectories) {

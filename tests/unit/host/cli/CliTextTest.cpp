@@ -54,6 +54,14 @@ TEST(WordSplitterTest, Split_Positions_TellWhereWordsBegin) {
     EXPECT_TRUE(splitWords("get  A=1").endsInWord);
 }
 
+TEST(AlignedTextTest, Columns_HaveOneWidthAndFillLines) {
+    const std::vector<std::string> texts{"a", "bcd", "\u00e9", "f", "g"};
+    EXPECT_EQ(layOutColumns(texts, 13), "a    bcd  \u00e9\nf    g\n");
+    EXPECT_EQ(layOutColumns(texts, 12), "a    bcd\n\u00e9    f\ng\n");
+    EXPECT_EQ(layOutColumns(texts, 1), "a\nbcd\n\u00e9\nf\ng\n");
+    EXPECT_EQ(layOutColumns({}, 80), "");
+}
+
 TEST(WordSplitterTest, Quote_AnyWord_ComesBackAsOneWord) {
     for (const std::string word : {"plain", "two words", "", "#x", "a'b", "q\"q", "back\\slash"}) {
         EXPECT_THAT(wordsOf(quoteWord(word)), ElementsAre(word));

@@ -257,6 +257,13 @@ TEST_F(EditPlannerTest, Problems_OfAllKinds_AreNamedInOneRefusal) {
             "Site=t is not in the subtree of Site=s, which the edit is about"));
 }
 
+TEST_F(EditPlannerTest, Objects_OutsideTheSubtree_AreOneProblem) {
+    const Wish wish{{{EditKind::Merge, kSite, {{"Site=t", {}}, {kSite, {}}, {"Site=u", {}}}}}};
+    EXPECT_THAT(problems(wish),
+                ElementsAre("Site=t is not in the subtree of Site=s, which the edit "
+                            "is about; of all, 2 objects are not"));
+}
+
 TEST_F(EditPlannerTest, References_WithAnotherNameOfTheRoot_AreRefusedInEveryValue) {
     Orv::MeIdTranslator::instance()->configure("east", "");
     const std::string internal = "ManagedElement=1,Mast=m";

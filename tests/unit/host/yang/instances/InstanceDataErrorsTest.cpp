@@ -250,7 +250,8 @@ TEST(InstanceDataErrors, UnknownDataOfAnyForm_LosesNothingOfWhatStandsBesideIt) 
 
 TEST(InstanceDataErrors, MissingFileAndEmptyDirectory_AreReported) {
     EXPECT_EQ(dataErrorOf([] { readObjects(siteModel(), {"no/such/file.json"}); }),
-              "no/such/file.json: cannot be read; a file with instance data was expected");
+              "no/such/file.json: cannot be read: there is no such file; a file with instance data "
+              "was expected");
     const TemporaryDirectory directory;
     EXPECT_THAT(dataErrorOf([&directory] { readObjects(siteModel(), {directory.path()}); }),
                 HasSubstr("the directory holds no .json or .xml file"));

@@ -84,7 +84,8 @@ TEST(YangModelErrors, MissingModule_TellsWhereItWasLookedFor) {
 
 TEST(YangModelErrors, MissingFile_IsReported) {
     EXPECT_EQ(modelErrorOf([] { YangModelReader().load("./no-such.yang").read(); }),
-              "./no-such.yang: cannot be read; the file of a YANG module was expected");
+              "./no-such.yang: cannot be read: there is no such file; the file of a YANG module "
+              "was expected");
 }
 
 TEST(YangModelErrors, MissingDirectory_IsReported) {
