@@ -9,6 +9,7 @@
 #include "yang/instances/DataProblem.h"
 #include "yang/instances/Operations.h"
 #include "yang/instances/ParsedData.h"
+#include "yang/instances/PlainJsonReader.h"
 #include "yang/instances/RootRenaming.h"
 #include "yang/instances/TreeReader.h"
 #include "yang/schema/ModelNotes.h"
@@ -220,6 +221,26 @@ ParsedData withoutLines(const Parse& parseText) {
     }
 }
 
+/// The tree of a text. Actions and notifications in it are left out with a note.
+ParsedData parseByLibrary(const std::string& text, LYD_FORMAT format, const YangContext& context,
+                          const std::string& label, bool skipsUnknown, ModelNotes& notes) {
+    const auto parseData = [&](const std::string& data) {
+        return skipsUnknown ? parseKnown(data, format, context, label, notes)
+                            : parse(data, format, LYD_PARSE_STRICT, context, label);
+    };
+    try {
+        return parseData(text);
+    } catch (const InstanceDataError& error) {
+        const auto rest = isAboutAnOperation(error.problems().front())
+                              ? withoutOperations(text, format, context, label, notes)
+                              : std::nullopt;
+        if (!rest) {
+            throw;
+        }
+        return withoutLines([&] { return parseData(*rest); });
+    }
+}
+
 LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     if (first != std::string::npos && text[first] == '{') {
@@ -234,7 +255,9 @@ LYD_FORMAT formatOf(const std::string& text, const std::string& label) {
 }
 
 InstanceDataReader::InstanceDataReader(std::shared_ptr<const YangSchema> schema)
-    : mSchema(std::move(schema)) {}
+    : mSchema(std::move(schema)), mPlainReader(std::make_unique<PlainJsonReader>(*mSchema)) {}
+
+InstanceDataReader::~InstanceDataReader() = default;
 
 InstanceDataReader& InstanceDataReader::onProgress(Progress progress) {
     mProgress = std::move(progress);
@@ -297,30 +320,27 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
                                          const Sink* sink) {
     const LYD_FORMAT format = formatOf(text, label);
     refuseMalformed(text, label);
-    const YangContext& context = mSchema->context();
     ModelNotes notes;
-    const auto parseData = [&](const std::string& data) {
-        return mSkipsUnknown ? parseKnown(data, format, context, label, notes)
-                             : parse(data, format, LYD_PARSE_STRICT, context, label);
-    };
-    const ParsedData tree = [&] {
-        try {
-            return parseData(text);
-        } catch (const InstanceDataError& error) {
-            const auto rest = isAboutAnOperation(error.problems().front())
-                                  ? withoutOperations(text, format, context, label, notes)
-                                  : std::nullopt;
-            if (!rest) {
-                throw;
-            }
-            return withoutLines([&] { return parseData(*rest); });
+    auto plain = format == LYD_JSON ? mPlainReader->read(text) : std::nullopt;
+    const ParsedData tree =
+        plain ? nullptr
+              : parseByLibrary(text, format, mSchema->context(), label, mSkipsUnknown, notes);
+    const auto readObjects = [&](const TreeReader::Sink& take) {
+        if (plain) {
+            std::for_each(plain->begin(), plain->end(),
+                          [&](DataObject& object) { take(std::move(object)); });
+        } else {
+            TreeReader(*mSchema, label, notes).read(tree.get(), take);
         }
-    }();
-    const std::string root = mRootName ? rootNameIn(tree.get(), *mSchema, label) : std::string();
+    };
+    std::string root;
+    if (mRootName) {
+        root = onlyRootOf(plain ? rootNamesIn(*plain) : rootNamesIn(tree.get(), *mSchema), label);
+    }
     noteRoot(root, label);
     const RootRenaming renaming(root, mRootName.value_or(root));
     std::vector<Problem> problems;
-    TreeReader(*mSchema, label, notes).read(tree.get(), [&](DataObject&& object) {
+    readObjects([&](DataObject&& object) {
         for (std::string& problem : renaming.rename(object)) {
             problems.push_back({{label, 0}, std::move(problem)});
         }

@@ -17,9 +17,9 @@
 #include <string>
 #include <vector>
 
-struct lyd_node;
-
 namespace OrvHost {
+
+class PlainJsonReader;
 
 /// How far reading has come.
 struct DataProgress {
@@ -37,8 +37,9 @@ struct DataProgress {
 /// check how objects fit together: multiplicities, associations, repeated objects (see
 /// InstanceChecker).
 ///
-/// Memory is that of the largest file's tree (1.7 kB for an object of nine values), which is freed
-/// before the next file is read. Several readers may share a schema and run at the same time.
+/// Memory is that of the largest file: of its objects if it is plain JSON (see PlainJsonReader), or
+/// else of the YANG library's tree (1.7 kB for an object of nine values). It is freed before the
+/// next file is read. Several readers may share a schema and run at the same time.
 class InstanceDataReader {
 public:
     /// Receives the object. `file` is the file it was read from, valid during the call. An
@@ -47,6 +48,9 @@ public:
     using Progress = std::function<void(const DataProgress& progress)>;
 
     explicit InstanceDataReader(std::shared_ptr<const YangSchema> schema);
+    ~InstanceDataReader();
+    InstanceDataReader(const InstanceDataReader&) = delete;
+    InstanceDataReader& operator=(const InstanceDataReader&) = delete;
 
     /// Called after each file, and after every 4096 objects.
     InstanceDataReader& onProgress(Progress progress);
@@ -81,6 +85,7 @@ private:
     void report(bool always);
 
     std::shared_ptr<const YangSchema> mSchema;
+    std::unique_ptr<PlainJsonReader> mPlainReader;
     bool mSkipsUnknown = false;
     std::optional<std::string> mRootName;
     std::string mRootInFiles; ///< its name in the files so far, if it is not kRootName

@@ -9,7 +9,6 @@
 
 #include <libyang/libyang.h>
 
-#include <set>
 #include <utility>
 
 namespace OrvHost {
@@ -45,9 +44,24 @@ void forEachReference(AttributeValue& value, const Visit& visit) {
 
 }
 
-std::string rootNameIn(const lyd_node* first, const YangSchema& schema, const std::string& label) {
+std::set<std::string> rootNamesIn(const lyd_node* first, const YangSchema& schema) {
     std::set<std::string> names;
     findRoots(first, schema, names);
+    return names;
+}
+
+std::set<std::string> rootNamesIn(const std::vector<DataObject>& objects) {
+    std::set<std::string> names;
+    for (const DataObject& object : objects) {
+        const DnView dn(object.dn);
+        if (!dn.hasParent() && dn.last().className() == kRootClass) {
+            names.emplace(dn.last().value());
+        }
+    }
+    return names;
+}
+
+std::string onlyRootOf(const std::set<std::string>& names, const std::string& label) {
     if (names.size() > 1) {
         std::string all;
         for (const std::string& name : names) {

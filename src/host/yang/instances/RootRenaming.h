@@ -7,6 +7,7 @@
 #include "yang/instances/DataObject.h"
 #include "yang/schema/YangSchema.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,14 @@ struct lyd_node;
 
 namespace OrvHost {
 
-/// The name of the element at the root in a tree of instance data, whose first node may be null;
-/// empty if the tree has none. `label` is used as the name of the data's file in messages.
-/// \throws InstanceDataError if there are several elements
-std::string rootNameIn(const lyd_node* first, const YangSchema& schema, const std::string& label);
+/// The names that the element at the root has in a tree of instance data, whose first node may be
+/// null, or among objects.
+std::set<std::string> rootNamesIn(const lyd_node* first, const YangSchema& schema);
+std::set<std::string> rootNamesIn(const std::vector<DataObject>& objects);
+
+/// The one name; empty if there is none. `label` is used as the name of the data's file in
+/// messages. \throws InstanceDataError if there are several
+std::string onlyRootOf(const std::set<std::string>& names, const std::string& label);
 
 /// Gives the element at the root another name, in the DNs of objects and in references. Other DNs
 /// stay as they are.

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_YANG_INSTANCES_JSONCURSOR_H
+#define ORV_HOST_YANG_INSTANCES_JSONCURSOR_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace OrvHost {
+
+/// Goes through a JSON text once, from its beginning. Each function skips blanks and takes what it
+/// names, or takes nothing that the caller could still use: a caller who does not find what it
+/// needs gives the text up.
+///
+/// The text is well-formed UTF-8 and must outlive the cursor.
+class JsonCursor {
+public:
+    explicit JsonCursor(std::string_view text) : mAt(text.data()), mEnd(mAt + text.size()) {}
+
+    /// Takes the mark if it comes next.
+    bool take(char mark) {
+        skipBlanks();
+        if (mAt == mEnd || *mAt != mark) {
+            return false;
+        }
+        ++mAt;
+        return true;
+    }
+    /// Takes a word such as "null" if the text goes on with it.
+    bool takeWord(std::string_view word);
+    bool isAtEnd() {
+        skipBlanks();
+        return mAt == mEnd;
+    }
+    /// True if a string comes next.
+    bool isAtString() {
+        skipBlanks();
+        return mAt != mEnd && *mAt == '"';
+    }
+
+    /// A string without its quotes; a view of the text, or of memory that the next string uses
+    /// again. Nothing for a string that is not closed, or that has an escape with a number or a
+    /// character that parsers judge differently.
+    std::optional<std::string_view> string();
+    /// A whole number as it is written; nothing for one with a fraction or an exponent.
+    std::optional<std::string_view> wholeNumber();
+
+private:
+    void skipBlanks() {
+        while (mAt != mEnd && (*mAt == ' ' || *mAt == '\n' || *mAt == '\t' || *mAt == '\r')) {
+            ++mAt;
+        }
+    }
+    std::optional<std::string_view> byCharacters();
+
+    const char* mAt;
+    const char* mEnd;
+    std::string mUnescaped;
+};
+
+}
+
+#endif
