@@ -19,6 +19,7 @@ build_packages=(
   libedit-dev         # orvhost: line editing, history, completion
   libtomlplusplus-dev # orvhost: project files
   graphviz            # orvhost: pictures
+  libmimalloc-dev     # orvhost: its allocator; without it that of the C library is used
   libnetconf2-dev libssh-dev # orvhost: its NETCONF server; without them it is built without one
 )
 test_packages=(
