@@ -74,22 +74,26 @@ std::string DnView::whyInvalid() const {
     return {};
 }
 
-// As whyInvalid: each step has a type, one "=" and a value.
+// As whyInvalid: each step has a type, one "=" and a value. The signs are searched for, not the
+// letters gone through: a DN has few of them.
 bool DnView::isValid() const {
-    bool isInValue = false;
-    bool isPartEmpty = true; // of the type or the value so far
-    for (const char letter : mText) {
-        if (letter > '=' || (letter != '=' && letter != ',')) { // most are above both
-            isPartEmpty = false;
-            continue;
+    std::size_t begin = 0;
+    for (std::size_t equals = mText.find('='); equals != std::string_view::npos;) {
+        const std::size_t comma = mText.find(',', begin);
+        const std::size_t end = std::min(comma, mText.size());
+        if (equals == begin || end <= equals + 1) {
+            return false; // without a type, without "=" before the comma, or without a value
         }
-        if (isPartEmpty || isInValue == (letter == '=')) {
+        equals = mText.find('=', equals + 1);
+        if (comma == std::string_view::npos) {
+            return equals == std::string_view::npos;
+        }
+        if (equals < comma) {
             return false;
         }
-        isInValue = letter == '=';
-        isPartEmpty = true;
+        begin = comma + 1;
     }
-    return isInValue && !isPartEmpty;
+    return false;
 }
 
 std::string DnView::child(std::string_view className, std::string_view value) const {

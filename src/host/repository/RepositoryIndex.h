@@ -99,17 +99,15 @@ public:
     /// The name of what owns a block of general properties, or null.
     const char* nameOfOwner(Handle properties) const {
         const Handle owner = properties & ~kPropertiesBit;
-        switch (decode(owner).kind) {
-        case HandleKind::Attribute:
-            return nameOf(attribute(owner));
-        case HandleKind::Moc:
-            return nameOf(moc(owner));
-        case HandleKind::BiDirEnd:
-        case HandleKind::UniDirEnd:
-            return nameOf(end(owner));
-        default:
-            return nullptr;
+        // Attributes first: they are asked for most, and a row is found in a few steps.
+        if (const AttributeRow* const row = attribute(owner)) {
+            return row->name;
         }
+        if (const MocRow* const row = moc(owner)) {
+            return row->name;
+        }
+        const EndRow* const row = end(owner);
+        return row == nullptr ? nullptr : row->name;
     }
 
 private:
@@ -151,11 +149,6 @@ private:
         // and those of `second`, which move to the top.
         const std::uint64_t position = std::rotr(std::uint64_t{handle} - encode({kind}), 28);
         return rows.at(position);
-    }
-
-    template <class Row>
-    static const char* nameOf(const Row* row) {
-        return row == nullptr ? nullptr : row->name;
     }
 
     void addClass(ClassIndex index);

@@ -54,9 +54,10 @@ inline VekOamSpiMrAssociationEndHandle_4T farEnd(const Orv::ModelReader& model,
     return first == near ? model.secondEnd(association).value : first;
 }
 
-/// True if both texts are there and equal: what has no name matches nothing.
+/// True if both texts are there and equal: what has no name matches nothing. Most differ in their
+/// first letter, and a call to find that out would take longer.
 inline bool sameText(const char* one, const char* other) {
-    return one != nullptr && other != nullptr && std::strcmp(one, other) == 0;
+    return one != nullptr && other != nullptr && *one == *other && std::strcmp(one, other) == 0;
 }
 
 /// \p text where a text must stand, also if the model has none.

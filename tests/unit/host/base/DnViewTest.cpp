@@ -119,6 +119,19 @@ TEST(DnView, MalformedTexts_SayWhatIsWrong) {
     }
 }
 
+TEST(DnView, EveryShortText_IsValidIfNothingIsWrongWithIt) {
+    std::vector<std::string> texts{""};
+    for (std::size_t at = 0; at < texts.size(); ++at) {
+        const std::string text = texts[at];
+        EXPECT_EQ(DnView(text).isValid(), DnView(text).whyInvalid().empty()) << text;
+        for (const char letter : {'A', '=', ','}) {
+            if (text.size() < 9) {
+                texts.push_back(text + letter);
+            }
+        }
+    }
+}
+
 TEST(DnView, AtOrBelow_EndsAtAComma) {
     EXPECT_TRUE(DnView("A=1").isAtOrBelow(DnView("A=1")));
     EXPECT_TRUE(DnView("A=1,B=2").isAtOrBelow(DnView("A=1")));
