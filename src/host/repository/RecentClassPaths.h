@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <string_view>
 
 namespace OrvHost {
@@ -33,12 +32,13 @@ public:
         return hasValue ? dn.substr(0, size) : std::string_view();
     }
 
-    /// The class of all DNs with that path in the model with that number, if it is known here.
-    std::optional<ClassIndex> find(std::uint64_t model, std::string_view path) const {
+    /// The class of all DNs with that path in the model with that number; null if it is not known
+    /// here.
+    const ClassIndex* find(std::uint64_t model, std::string_view path) const {
         const Entry& entry = mEntries[placeOf(path)];
         const bool isKnown = entry.model == model && entry.size == path.size() &&
                              std::memcmp(entry.path.data(), path.data(), path.size()) == 0;
-        return isKnown ? std::optional(entry.moc) : std::nullopt;
+        return isKnown ? &entry.moc : nullptr;
     }
 
     /// Takes the place of an older one. \p model is not 0. A path that is too long is not kept.

@@ -6,7 +6,6 @@
 #include "RecentClassPaths.h"
 #include "RepositoryAnswer.h"
 
-#include <optional>
 #include <string_view>
 
 namespace OrvHost {
@@ -15,17 +14,24 @@ namespace {
 
 using Index = RepositoryIndex;
 
-std::optional<ClassIndex> findClassOfDn(const Index& index, std::string_view dn) {
-    constinit thread_local RecentClassPaths recent;
-    const std::string_view path = RecentClassPaths::pathOf(dn);
-    if (const auto known = recent.find(index.number(), path)) {
-        return known;
-    }
+Handle mocHandle(ClassIndex moc) {
+    return encode({HandleKind::Moc, moc});
+}
+
+constinit thread_local RecentClassPaths recentPaths;
+
+// Seldom: not a part of the function below, which would have to keep more.
+[[gnu::noinline]] OrvReturnT searchMoc(std::string_view dn, std::string_view path, Handle& moc) {
+    const Index& index = *currentRepositoryIndex;
     const auto found = index.model().findClassOfDn(dn);
-    if (found && !path.empty()) {
-        recent.note(index.number(), path, *found);
+    if (!found) {
+        return OrvNotExist;
     }
-    return found;
+    if (!path.empty()) {
+        recentPaths.note(index.number(), path, *found);
+    }
+    moc = mocHandle(*found);
+    return OrvOk;
 }
 
 /// The flag has no meaning in this host.
@@ -36,12 +42,13 @@ OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
     if (!dn || !moc) {
         return OrvInvalidArgument;
     }
-    const auto found = findClassOfDn(*currentRepositoryIndex, dn);
-    if (!found) {
-        return OrvNotExist;
+    const std::string_view text = dn;
+    const std::string_view path = RecentClassPaths::pathOf(text);
+    if (const auto* const known = recentPaths.find(currentRepositoryIndex->number(), path)) {
+        *moc = mocHandle(*known);
+        return OrvOk;
     }
-    *moc = encode({HandleKind::Moc, *found});
-    return OrvOk;
+    return searchMoc(text, path, *moc);
 }
 
 OrvReturnT getGeneralStringProperty(Handle properties, int identifier, const char** text) {
