@@ -18,7 +18,8 @@ namespace {
 YangModelReader exampleReader() {
     YangModelReader reader;
     reader.searchIn(EXAMPLES_DIR "/models");
-    for (const char* module : {"ran-element", "ran-equipment", "ran-function"}) {
+    reader.searchIn(NETCONF_MODELS_DIR);
+    for (const char* module : {"ran-element", "ran-equipment", "ran-function", "plant"}) {
         reader.load(module);
     }
     return reader;

@@ -10,6 +10,7 @@
 #include "model/DnForm.h"
 #include "netconf/core/UnknownData.h"
 #include "netconf/wire/XmlText.h"
+#include "yang/instances/ObjectWriter.h"
 #include "yang/instances/TreeReader.h"
 #include "yang/types/ValueCodec.h"
 
@@ -24,12 +25,14 @@ namespace OrvHost {
 /// An object of the edit, while its attributes are read.
 struct EditReader::Object {
     std::string dn;
+    const ObjectShape* shape = nullptr;
     const ClassDef* moc = nullptr;
     bool startsEmpty = false; ///< attributes do not go on from what the object has
     std::optional<std::vector<AttributeValue>> before;
     std::vector<NamedValue> attributes;
     std::map<std::string, std::size_t> places; ///< in attributes
     std::vector<const lyd_node*> children;
+    TakenCases cases;
 };
 
 namespace {
@@ -113,6 +116,7 @@ void EditReader::readObject(const lyd_node* node, const ObjectShape& shape,
     const EditOperation operation = own.value_or(inherited);
     Object object;
     object.dn = DnView(parentDn).child(shape.className, nameOf(node, shape));
+    object.shape = &shape;
     object.moc = &mClasses.classes[shape.moc];
     if (takesAway(operation)) {
         mWish.edits.push_back(
@@ -129,6 +133,7 @@ void EditReader::readObject(const lyd_node* node, const ObjectShape& shape,
         mWish.edits.push_back({EditKind::Replace, object.dn, {}});
     }
     readContents(lyd_child(node), object, operation);
+    takeAwayOtherCases(object);
     const std::string dn = object.dn;
     const std::vector<const lyd_node*> children = std::move(object.children);
     if (operation == EditOperation::Replace) {
@@ -169,10 +174,13 @@ void EditReader::readContents(const lyd_node* first, Object& object, EditOperati
         if (!isUsable(node)) {
             continue;
         }
-        if (mModel.objectAt(node->schema) != nullptr) {
+        const EditOperation own = ownOperation(node).value_or(operation);
+        if (const ObjectShape* child = mModel.objectAt(node->schema)) {
             object.children.push_back(node);
+            object.cases.add(node, own, child->list);
         } else if (const ValueShape* shape = mModel.valueAt(node->schema)) {
             refuseSecond(node, *shape);
+            object.cases.add(node, own, shape->node);
             apply(attributeOf(object, *shape), node, *shape, operation);
         } else if (!mModel.isTransparent(node->schema)) {
             refuse(node, "operation-not-supported",
@@ -187,6 +195,38 @@ void EditReader::readContents(const lyd_node* first, Object& object, EditOperati
     }
 }
 
+/// Who sets a node of one case of a choice takes away the nodes of its other cases.
+void EditReader::takeAwayOtherCases(Object& object) {
+    refuseTwoCases(object.cases);
+    if (object.cases.isEmpty() || !mBefore.exists(object.dn)) {
+        return;
+    }
+    for (const ValueShape& shape : object.shape->attributes) {
+        const auto at = object.moc->findAttributeIndex(shape.name);
+        if (at && object.moc->attributes[*at].isWritable && object.cases.exclude(shape.node) &&
+            !valuesBefore(object)[*at].values.empty()) {
+            attributeOf(object, shape).values.clear();
+        }
+    }
+    for (const ObjectShape* child : object.shape->children) {
+        if ((child->list->flags & LYS_CONFIG_W) == 0 || !object.cases.exclude(child->list)) {
+            continue;
+        }
+        for (const std::string& name : mBefore.children(object.dn, child->className)) {
+            mWish.edits.push_back(
+                {EditKind::Remove, DnView(object.dn).child(child->className, name), {}});
+        }
+    }
+}
+
+void EditReader::refuseTwoCases(const TakenCases& taken) {
+    if (const lyd_node* second = taken.secondCase()) {
+        refuse(second, "bad-element",
+               "<" + nodeName(second) + "> and others here are of two cases of one choice");
+        mErrors.back().info = errorInfo("bad-element", nodeName(second));
+    }
+}
+
 std::string EditReader::nameOf(const lyd_node* node, const ObjectShape& shape) {
     std::string name = nameOfEntry(node, shape);
     if (!Orv::DnUtil::validateMoNamingAttr(name.c_str())) {
@@ -198,20 +238,25 @@ std::string EditReader::nameOf(const lyd_node* node, const ObjectShape& shape) {
     return name;
 }
 
+/// The values of the object's attributes before the edit; none of them has one if it is new.
+const std::vector<AttributeValue>& EditReader::valuesBefore(Object& object) {
+    if (!object.before) {
+        object.before = mBefore.exists(object.dn)
+                            ? mBefore.attributes(object.dn, *object.moc)
+                            : std::vector<AttributeValue>(object.moc->attributes.size());
+    }
+    return *object.before;
+}
+
 /// The wished value of an attribute, which begins with what the object has.
 AttributeValue& EditReader::attributeOf(Object& object, const ValueShape& shape) {
     const auto [place, isNew] = object.places.try_emplace(shape.name, object.attributes.size());
     if (isNew) {
         object.attributes.emplace_back(shape.name, AttributeValue{shape.kind, {}});
         const auto at = object.moc->findAttributeIndex(shape.name);
-        if (!object.startsEmpty && at && !object.before) {
-            object.before = mBefore.exists(object.dn)
-                                ? mBefore.attributes(object.dn, *object.moc)
-                                : std::vector<AttributeValue>(object.moc->attributes.size());
-        }
         if (!object.startsEmpty && at &&
-            !isUnsetOrDefault(object.moc->attributes[*at], (*object.before)[*at])) {
-            object.attributes.back().second = (*object.before)[*at];
+            !isUnsetOrDefault(object.moc->attributes[*at], valuesBefore(object)[*at])) {
+            object.attributes.back().second = valuesBefore(object)[*at];
         }
     }
     return object.attributes[place->second].second;
@@ -369,6 +414,7 @@ void EditReader::applyToStruct(AttributeValue& values, const lyd_node* node,
 
 void EditReader::readMembers(StructValue& value, const lyd_node* node, const ValueShape& shape,
                              EditOperation operation) {
+    TakenCases cases;
     for (const lyd_node* child = lyd_child(node); child != nullptr; child = child->next) {
         const bool isKey =
             shape.isMultiple && child->schema != nullptr && lysc_is_key(child->schema);
@@ -394,13 +440,17 @@ void EditReader::readMembers(StructValue& value, const lyd_node* node, const Val
             applyToLeaf(place->second, child, *member, *ownOperation(child));
         } else {
             refuseSecond(child, *member);
+            cases.add(child, ownOperation(child).value_or(operation), member->node);
             apply(place->second, child, *member, operation);
         }
     }
-    value.members.erase(
-        std::remove_if(value.members.begin(), value.members.end(),
-                       [](const NamedValue& one) { return one.second.values.empty(); }),
-        value.members.end());
+    refuseTwoCases(cases);
+    value.members.erase(std::remove_if(value.members.begin(), value.members.end(),
+                                       [&](const NamedValue& one) {
+                                           return one.second.values.empty() ||
+                                                  cases.exclude(shapeOf(one, shape.members).node);
+                                       }),
+                        value.members.end());
 }
 
 void EditReader::refuseSecond(const lyd_node* node, const ValueShape& shape) {

@@ -6,6 +6,7 @@
 
 #include "client/edits/StateBefore.h"
 #include "client/edits/Wish.h"
+#include "netconf/core/ChoiceCases.h"
 #include "netconf/core/EditOperation.h"
 #include "netconf/wire/RpcError.h"
 #include "netconf/wire/WireModel.h"
@@ -38,16 +39,18 @@ public:
 
 private:
     struct Object;
-
     void readSiblings(const lyd_node* first, const std::string& parentDn, EditOperation inherited,
                       bool isReplaced);
     void readObject(const lyd_node* node, const ObjectShape& shape, const std::string& parentDn,
                     EditOperation inherited, bool isReplaced);
     void readContents(const lyd_node* first, Object& object, EditOperation operation);
     void addObject(Object& object, EditOperation operation);
+    void takeAwayOtherCases(Object& object);
+    void refuseTwoCases(const TakenCases& taken);
     bool isUsable(const lyd_node* node);
     std::string nameOf(const lyd_node* node, const ObjectShape& shape);
 
+    const std::vector<AttributeValue>& valuesBefore(Object& object);
     AttributeValue& attributeOf(Object& object, const ValueShape& shape);
     void apply(AttributeValue& values, const lyd_node* node, const ValueShape& shape,
                EditOperation inherited);
