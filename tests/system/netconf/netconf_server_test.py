@@ -354,8 +354,9 @@ class ProtocolTest(ServerCase):
         names = [name.rsplit(":capability:", 1)[1] for name in self.connect().server_capabilities
                  if ":netconf:capability:" in name]
         names = sorted(name.split("?")[0] for name in names)
-        self.assertEqual(names, ["candidate:1.0", "rollback-on-error:1.0", "validate:1.1",
-                                 "writable-running:1.0", "xpath:1.0", "yang-library:1.1"])
+        self.assertEqual(names, ["candidate:1.0", "confirmed-commit:1.1", "rollback-on-error:1.0",
+                                 "validate:1.1", "writable-running:1.0", "xpath:1.0",
+                                 "yang-library:1.1"])
 
     def test_get_schema_gives_every_module_of_the_library(self):
         client = self.connect()
@@ -375,7 +376,6 @@ class ProtocolTest(ServerCase):
         client = self.local()
         startup = "<startup/>"
         for operation in (
-            "<commit><confirmed/></commit>",
             f"<delete-config><target>{startup}</target></delete-config>",
             f"<copy-config><target>{startup}</target><source><running/></source></copy-config>",
             "<copy-config><target><running/></target><source><url>file:///x</url></source>"
@@ -390,6 +390,30 @@ class ProtocolTest(ServerCase):
         self.assertIn("Crane mast", client.get_config("running").data_xml)
         refused = client.edit_config(target="running", config=config(radio_unit(4)))
         self.assertEqual([error.tag for error in refused.errors], ["access-denied"])
+
+    def label(self, client):
+        found = client.get_config("running", filter=("subtree", LABEL)).data_ele
+        return [one.text for one in found.iter(f"{{{ELEMENT}}}userLabel")]
+
+    def test_confirmed_commit(self):
+        first, second = self.connect(), self.connect()
+        self.assertIn(":confirmed-commit:1.1", first.server_capabilities)
+        change = config(element("<userLabel>Old harbour</userLabel>"))
+        self.assert_ok(first.edit_config(target="candidate", config=change))
+        self.assert_ok(first.commit(confirmed=True, timeout="600"))
+        self.assertEqual(self.label(second), ["Old harbour"])
+        self.assertEqual([error.tag for error in second.commit().errors], ["in-use"])
+        first.close_session()
+        for _ in range(600):
+            if self.label(second) == ["Harbour"]:
+                break
+            time.sleep(0.05)
+        self.assertEqual(self.label(second), ["Harbour"])
+        self.assert_ok(second.edit_config(target="candidate", config=change))
+        self.assert_ok(second.commit(confirmed=True, timeout="600", persist="x7"))
+        third = self.connect()
+        self.assert_ok(third.commit(persist_id="x7"))
+        self.assertEqual(self.label(third), ["Old harbour"])
 
     def test_kill_session(self):
         first, second = self.connect(), self.connect()

@@ -5,6 +5,8 @@
 
 #include "client/edits/ClientState.h"
 #include "client/edits/EditPlanner.h"
+#include "netconf/core/ServerLog.h"
+#include "netconf/core/Undoing.h"
 #include "netconf/wire/RpcError.h"
 
 #include <exception>
@@ -13,12 +15,9 @@ namespace OrvHost {
 
 namespace {
 
-RpcError protocolError(const std::string& tag, const std::string& message) {
-    RpcError error;
-    error.type = "protocol";
-    error.tag = tag;
-    error.message = message;
-    return error;
+RpcError noConfirmedCommit(bool isNamed) {
+    return protocolError(isNamed ? "invalid-value" : "operation-failed",
+                         "no confirmed commit waits for its confirmation");
 }
 
 OpenTransactions::Entry entryOf(unsigned long handle) {
@@ -55,9 +54,13 @@ std::string datastoreName(Datastore store) {
 }
 
 Datastores::Datastores(Host& host)
-    : mHost(host), mCandidateClients(host), mCandidate(host, mCandidateClients) {}
+    : mHost(host),
+      mCandidateClients(host),
+      mCandidate(host, mCandidateClients),
+      mTimeOver([this] { onTimeOver(); }) {}
 
 Datastores::~Datastores() {
+    mTimeOver.stop();
     const std::lock_guard<std::mutex> lock(mCandidateMutex);
     dropCandidate();
 }
@@ -65,6 +68,7 @@ Datastores::~Datastores() {
 void Datastores::read(NetconfSession& session, Datastore store, const Read& read) {
     if (store == Datastore::Candidate) {
         const std::lock_guard<std::mutex> lock(mCandidateMutex);
+        throwIfLost(session);
         if (mHandle) {
             read(mCandidate, *mHandle);
             return;
@@ -86,6 +90,10 @@ void Datastores::edit(NetconfSession& session, Datastore target, EditMode mode,
 void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish) {
     const std::lock_guard<std::mutex> lock(mRunningMutex);
     requireMayEdit(session, Datastore::Running, mode);
+    if (mode == EditMode::Write && mUnconfirmed && mUnconfirmed->owner() != session.id()) {
+        throw RpcErrors(protocolError("in-use", "a confirmed commit of " + mUnconfirmed->author() +
+                                                    " waits for its confirmation"));
+    }
     ClientSession& client = session.client();
     OwnTransaction transaction(mHost, session.author());
     const unsigned long handle = transaction.handle();
@@ -104,6 +112,7 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
     // not get between that.
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     requireMayEdit(session, Datastore::Candidate, mode);
+    throwIfLost(session);
     beginCandidate(session.author());
     ClientState before(mCandidateClients.version3(), *mHandle);
     bool isWriting = false;
@@ -114,10 +123,11 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
             isWriting = true;
             runPlan(plan, mHost.model(), mCandidateClients, *mHandle);
             mAccepted.push_back(made);
+            mEditors.insert(session.id());
         }
     } catch (...) {
         if (isWriting) {
-            replay(session.author());
+            replay(&session);
         } else if (mAccepted.empty()) {
             dropCandidate();
         }
@@ -133,10 +143,34 @@ void Datastores::validate(NetconfSession& session, Datastore store) {
          [](ClientSession& client, unsigned long txHandle) { client.validate(entryOf(txHandle)); });
 }
 
-void Datastores::commit(NetconfSession& session) {
+void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     requireUnlocked(session, Datastore::Running);
     requireUnlocked(session, Datastore::Candidate);
+    throwIfLost(session);
+    if (mUnconfirmed) {
+        mUnconfirmed->requireMayEnd(session, request.persistId);
+    } else if (request.persistId) {
+        throw RpcErrors(noConfirmedCommit(true));
+    }
+    std::unique_ptr<ConfirmedCommit> begun;
+    if (request.isConfirmed && !mUnconfirmed) {
+        begun = std::make_unique<ConfirmedCommit>(mHost, session);
+    }
+    commitCandidate(session);
+    if (!request.isConfirmed) {
+        mUnconfirmed.reset();
+        mTimeOver.off();
+        return;
+    }
+    if (begun) {
+        mUnconfirmed = std::move(begun);
+    }
+    mUnconfirmed->wait(request);
+    mTimeOver.set(mUnconfirmed->deadline());
+}
+
+void Datastores::commitCandidate(const NetconfSession& session) {
     if (!mHandle) {
         return;
     }
@@ -145,53 +179,146 @@ void Datastores::commit(NetconfSession& session) {
     try {
         mCandidate.commit(entryOf(handle));
     } catch (...) {
-        replay(session.author());
+        replay(&session);
         throw;
     }
     mAccepted.clear();
+    mEditors.clear();
+}
+
+void Datastores::cancelCommit(NetconfSession& session,
+                              const std::optional<std::string>& persistId) {
+    const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
+    session.client().cancellation().throwIfCancelled();
+    if (!mUnconfirmed) {
+        throw RpcErrors(noConfirmedCommit(persistId.has_value()));
+    }
+    mUnconfirmed->requireMayEnd(session, persistId);
+    takeBack();
+}
+
+/// Brings running back to what it was before the confirmed commit. The candidate gives way, since
+/// it may have written to the same objects, and its edits are made again afterwards.
+void Datastores::takeBack() {
+    const std::unique_ptr<ConfirmedCommit> taken = std::move(mUnconfirmed);
+    mTimeOver.off();
+    const std::vector<ChangeSet> changes = taken->end();
+    if (changes.empty()) {
+        return;
+    }
+    abortCandidate();
+    std::exception_ptr refusal;
+    try {
+        undo(changes, taken->author() + ", confirmed commit");
+    } catch (...) {
+        refusal = std::current_exception();
+    }
+    replay(nullptr);
+    if (refusal) {
+        std::rethrow_exception(refusal);
+    }
+}
+
+/// Nobody waits for an answer.
+void Datastores::takeBackUnasked(const std::string& reason) {
+    const std::string what = "the confirmed commit of " + mUnconfirmed->author();
+    try {
+        takeBack();
+        logServer(4, what + " is taken back: " + reason);
+    } catch (const std::exception& failure) {
+        logServer(3,
+                  what + " is to be taken back (" + reason + "), with errors: " + failure.what());
+    }
+}
+
+void Datastores::undo(const std::vector<ChangeSet>& changes, const std::string& author) {
+    OwnTransaction transaction(mHost, author);
+    for (auto one = changes.rbegin(); one != changes.rend(); ++one) {
+        applyWish(undoing(*one, mHost.model()), mHost.model(), mCandidateClients,
+                  transaction.handle());
+    }
+    transaction.leave();
+    mCandidate.commit(entryOf(transaction.handle()));
+}
+
+void Datastores::onTimeOver() {
+    const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
+    if (mUnconfirmed && Alarm::Clock::now() >= mUnconfirmed->deadline()) {
+        takeBackUnasked("it was not confirmed in time");
+    }
 }
 
 void Datastores::discard(NetconfSession& session) {
     const std::lock_guard<std::mutex> lock(mCandidateMutex);
     requireUnlocked(session, Datastore::Candidate);
+    mLost.erase(session.id());
     dropCandidate();
 }
 
 void Datastores::beginCandidate(const std::string& author) {
     if (!mHandle) {
+        mAuthor = author;
         mHandle = mHost.transactions().begin(author + ", candidate");
+    }
+}
+
+void Datastores::abortCandidate() {
+    if (mHandle) {
+        mCandidate.abort(entryOf(*mHandle));
+        mHandle.reset();
     }
 }
 
 void Datastores::dropCandidate() {
     mAccepted.clear();
-    if (mHandle) {
-        mCandidate.abort(entryOf(*mHandle));
-        mHandle.reset();
+    mEditors.clear();
+    abortCandidate();
+}
+
+/// Discards the candidate although nobody has asked for that: those who have edited it get to know
+/// it by the next answer.
+void Datastores::loseCandidate(const std::string& reason) {
+    for (const std::uint32_t editor : mEditors) {
+        mLost[editor] = reason;
+    }
+    logServer(4, "the candidate is discarded: " + reason);
+    dropCandidate();
+}
+
+void Datastores::throwIfLost(const NetconfSession& session) {
+    const auto found = mLost.find(session.id());
+    if (found != mLost.end()) {
+        const std::string reason = found->second;
+        mLost.erase(found);
+        throw RpcErrors(protocolError("operation-failed",
+                                      "the request was refused, since the candidate was discarded "
+                                      "before it: " +
+                                          reason));
     }
 }
 
-/// Makes the accepted edits again in a new transaction.
-void Datastores::replay(const std::string& author) {
-    if (mHandle) {
-        mCandidate.abort(entryOf(*mHandle));
-        mHandle.reset();
-    }
+/// Makes the accepted edits again in a new transaction. If that is not possible, \p asking, which
+/// may be null, gets to know it at once.
+void Datastores::replay(const NetconfSession* asking) {
+    abortCandidate();
     if (mAccepted.empty()) {
         return;
     }
-    beginCandidate(author);
+    beginCandidate(mAuthor);
     try {
         for (const Wish& wish : mAccepted) {
             applyWish(wish, mHost.model(), mCandidateClients, *mHandle);
         }
     } catch (const std::exception& failure) {
-        dropCandidate();
-        throw RpcErrors(protocolError(
-            "operation-failed",
-            std::string("the request was refused, and the candidate is discarded: its edits "
-                        "cannot be made again on what is running now: ") +
-                failure.what()));
+        const std::string reason =
+            std::string("its edits cannot be made again on what is running now: ") + failure.what();
+        loseCandidate(reason);
+        if (asking != nullptr) {
+            mLost.erase(asking->id());
+            throw RpcErrors(protocolError(
+                "operation-failed",
+                "the request was refused, and the candidate is discarded: " + reason));
+        }
     }
 }
 
@@ -212,6 +339,13 @@ void Datastores::lock(NetconfSession& session, Datastore store) {
         error.info = errorInfo("session-id", "0");
         throw RpcErrors(error);
     }
+    if (store == Datastore::Running && mUnconfirmed && mUnconfirmed->owner() != session.id()) {
+        RpcError error =
+            protocolError("lock-denied", "a confirmed commit of " + mUnconfirmed->author() +
+                                             " waits for its confirmation");
+        error.info = errorInfo("session-id", std::to_string(mUnconfirmed->owner()));
+        throw RpcErrors(error);
+    }
     mLocks[store] = session.id();
 }
 
@@ -226,7 +360,12 @@ void Datastores::unlock(NetconfSession& session, Datastore store) {
 }
 
 void Datastores::end(std::uint32_t sessionId) {
-    const std::lock_guard<std::mutex> candidate(mCandidateMutex);
+    const std::scoped_lock stores(mRunningMutex, mCandidateMutex);
+    if (mUnconfirmed && !mUnconfirmed->isPersistent() && mUnconfirmed->owner() == sessionId) {
+        takeBackUnasked("its session has ended");
+    }
+    mEditors.erase(sessionId);
+    mLost.erase(sessionId);
     const std::lock_guard<std::mutex> lock(mLockMutex);
     for (auto one = mLocks.begin(); one != mLocks.end();) {
         if (one->second != sessionId) {

@@ -6,13 +6,17 @@
 
 #include "client/edits/StateBefore.h"
 #include "client/edits/Wish.h"
+#include "netconf/core/Alarm.h"
+#include "netconf/core/ConfirmedCommit.h"
 #include "netconf/core/NetconfSession.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,6 +44,9 @@ enum class EditMode : std::uint8_t {
 /// refused half-way or a commit is refused, the transaction is of no use any more: it is aborted
 /// and the edits that it had accepted are made again in a new one, so the candidate keeps them.
 ///
+/// A commit can be *confirmed*: it is taken back unless a second commit follows in time. Until then
+/// other sessions change nothing in running. See ConfirmedCommit.
+///
 /// Locks are for the sessions of the protocol; other clients of the host meet conflicts instead.
 ///
 /// The calls throw RpcErrors for what the protocol forbids, and what the client library throws for
@@ -65,14 +72,18 @@ public:
     /// Throws RefusalError with all violations.
     void validate(NetconfSession& session, Datastore store);
 
-    /// Makes the candidate the running state; nothing if nobody has edited it.
-    void commit(NetconfSession& session);
+    /// Makes the candidate the running state; nothing if nobody has edited it. Confirms a confirmed
+    /// commit that is waiting, or, if it is one itself, makes it wait anew.
+    void commit(NetconfSession& session, const CommitRequest& request = {});
+    /// Takes back the confirmed commit that is waiting.
+    void cancelCommit(NetconfSession& session, const std::optional<std::string>& persistId);
     void discard(NetconfSession& session);
 
     void lock(NetconfSession& session, Datastore store);
     void unlock(NetconfSession& session, Datastore store);
-    /// Releases what the session has locked. A candidate that it had locked is discarded. A session
-    /// that was cancelled before gets no lock any more.
+    /// Releases what the session has locked. A candidate that it had locked is discarded; a
+    /// confirmed commit that waits for this session is taken back. A session that was cancelled
+    /// before gets no lock any more.
     void end(std::uint32_t sessionId);
 
     /// The session that has locked a datastore, or nothing.
@@ -82,11 +93,19 @@ private:
     /// What only tests an edit needs no lock.
     void requireMayEdit(NetconfSession& session, Datastore store, EditMode mode) const;
     void requireUnlocked(NetconfSession& session, Datastore store) const;
+    void commitCandidate(const NetconfSession& session);
+    void takeBack();
+    void takeBackUnasked(const std::string& reason);
+    void undo(const std::vector<ChangeSet>& changes, const std::string& author);
+    void onTimeOver();
     void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void beginCandidate(const std::string& author);
+    void abortCandidate();
     void dropCandidate();
-    void replay(const std::string& author);
+    void loseCandidate(const std::string& reason);
+    void throwIfLost(const NetconfSession& session);
+    void replay(const NetconfSession* asking);
 
     Host& mHost;
 
@@ -94,12 +113,19 @@ private:
     std::map<Datastore, std::uint32_t> mLocks;
 
     std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
+    std::unique_ptr<ConfirmedCommit> mUnconfirmed; ///< guarded by it; null: none waits
 
     std::mutex mCandidateMutex; ///< guards all below
     Clients mCandidateClients;
     ClientSession mCandidate;
     std::optional<unsigned long> mHandle; ///< the candidate's transaction
+    std::string mAuthor;                  ///< who began it
     std::vector<Wish> mAccepted;          ///< its edits
+    std::set<std::uint32_t> mEditors;     ///< the sessions that have made them
+    /// Why a candidate was discarded, for those of its editors who do not know it yet.
+    std::map<std::uint32_t, std::string> mLost;
+
+    Alarm mTimeOver; ///< of a confirmed commit; it must end before the rest does
 };
 
 }

@@ -40,6 +40,19 @@ std::string textOf(const lyd_node* node, const std::string& name) {
     return value != nullptr ? value : "";
 }
 
+std::optional<std::string> optionalTextOf(const lyd_node* node, const std::string& name) {
+    return childOf(node, name) != nullptr ? std::optional(textOf(node, name)) : std::nullopt;
+}
+
+CommitRequest commitRequestOf(const lyd_node* request) {
+    CommitRequest commit;
+    commit.isConfirmed = childOf(request, "confirmed") != nullptr;
+    commit.timeout = std::chrono::seconds(std::stoul(textOf(request, "confirm-timeout")));
+    commit.persist = optionalTextOf(request, "persist");
+    commit.persistId = optionalTextOf(request, "persist-id");
+    return commit;
+}
+
 /// The datastore that is named in the source or target; nothing if that names something else.
 std::optional<Datastore> storeIn(const lyd_node* request, const std::string& place) {
     const lyd_node* parent = childOf(request, place);
@@ -82,9 +95,9 @@ std::string metaOf(const lyd_node* node, const char* name) {
 }
 
 bool writes(const std::string& operation) {
-    static const std::set<std::string> known{"edit-config",     "copy-config", "delete-config",
-                                             "discard-changes", "commit",      "lock",
-                                             "unlock",          "kill-session"};
+    static const std::set<std::string> known{
+        "edit-config",   "copy-config", "delete-config", "discard-changes", "commit",
+        "cancel-commit", "lock",        "unlock",        "kill-session"};
     return known.count(operation) != 0;
 }
 
@@ -134,7 +147,9 @@ RpcReply Dispatcher::dispatch(NetconfSession& session, lyd_node* request) {
         return validate(session, request);
     }
     if (operation == "commit") {
-        mStores.commit(session);
+        mStores.commit(session, commitRequestOf(request));
+    } else if (operation == "cancel-commit") {
+        mStores.cancelCommit(session, optionalTextOf(request, "persist-id"));
     } else if (operation == "discard-changes") {
         mStores.discard(session);
     } else if (operation == "lock") {

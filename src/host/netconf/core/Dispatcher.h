@@ -25,7 +25,7 @@ struct RpcReply {
 };
 
 /// Answers the requests of RFC 6241 that are not the transport's own (close-session): get,
-/// get-config, edit-config, copy-config, delete-config, lock, unlock, commit, discard-changes,
+/// get-config, edit-config, copy-config, lock, unlock, commit, cancel-commit, discard-changes,
 /// validate, kill-session, and get-schema of RFC 6022.
 ///
 /// It knows no transport: a request is a tree of the wire's context, as a parser makes it from XML.

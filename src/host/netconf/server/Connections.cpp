@@ -3,7 +3,7 @@
 
 #include "Connections.h"
 
-#include "ServerError.h"
+#include "netconf/core/ServerLog.h"
 
 #include <algorithm>
 #include <exception>

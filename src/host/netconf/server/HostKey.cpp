@@ -4,6 +4,7 @@
 #include "HostKey.h"
 
 #include "ServerError.h"
+#include "netconf/core/ServerLog.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -4,6 +4,7 @@
 #include "Listener.h"
 
 #include "ServerError.h"
+#include "netconf/core/ServerLog.h"
 
 #include <array>
 #include <cerrno>

@@ -8,6 +8,7 @@
 #include "ServerError.h"
 #include "SessionHub.h"
 #include "SshFront.h"
+#include "netconf/core/ServerLog.h"
 
 #include <csignal>
 

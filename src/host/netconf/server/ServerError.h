@@ -5,7 +5,6 @@
 #define ORV_HOST_NETCONF_SERVER_SERVERERROR_H
 
 #include <stdexcept>
-#include <string>
 
 namespace OrvHost {
 
@@ -14,10 +13,6 @@ class ServerError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-/// Writes a line about what the server does to the log: \p level is 3 (error), 4 (warning) or 6
-/// (information). No secrets. Any thread.
-void logServer(int level, const std::string& text);
 
 }
 

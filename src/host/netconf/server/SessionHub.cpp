@@ -4,6 +4,7 @@
 #include "SessionHub.h"
 
 #include "ServerError.h"
+#include "netconf/core/ServerLog.h"
 
 #include <libyang/libyang.h>
 #include <nc_server.h>

@@ -4,6 +4,7 @@
 #include "SshFront.h"
 
 #include "ServerError.h"
+#include "netconf/core/ServerLog.h"
 
 #include <array>
 #include <cerrno>

@@ -13,6 +13,14 @@ constexpr const char* kBase = "urn:ietf:params:xml:ns:netconf:base:1.0";
 
 }
 
+RpcError protocolError(const std::string& tag, const std::string& message) {
+    RpcError error;
+    error.type = "protocol";
+    error.tag = tag;
+    error.message = message;
+    return error;
+}
+
 std::string errorInfo(const std::string& element, const std::string& text) {
     return xmlElement(element, text);
 }

@@ -26,6 +26,9 @@ struct RpcError {
     std::string toXml() const;
 };
 
+/// An error of the type "protocol".
+RpcError protocolError(const std::string& tag, const std::string& message);
+
 /// `<bad-element>` or another of the RFC's elements of error-info.
 std::string errorInfo(const std::string& element, const std::string& text);
 

@@ -17,8 +17,8 @@ namespace OrvHost {
 namespace {
 
 /// What the server can do beyond the base; the others are refused where a request uses them.
-const std::vector<std::string> kFeatures{"writable-running", "candidate", "rollback-on-error",
-                                         "validate", "xpath"};
+const std::vector<std::string> kFeatures{"writable-running",  "candidate", "confirmed-commit",
+                                         "rollback-on-error", "validate",  "xpath"};
 
 void addProtocol(YangModelReader& reader) {
     reader.offerText(kNetconfModule, "ietf-netconf.yang (built in)", kEmbedded_ietf_netconf_yang);

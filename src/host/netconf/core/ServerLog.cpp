@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ServerError.h"
+#include "ServerLog.h"
 
 #include "LoggingWrapper.h"
 

@@ -1,0 +1,185 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Confirmed commits: confirmed, taken back, and who may do that.
+
+#include "DispatcherScene.h"
+
+#include <chrono>
+#include <thread>
+
+namespace OrvHost {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+auto hasTag(const std::string& tag) {
+    return HasSubstr("<error-tag>" + tag + "</error-tag>");
+}
+
+class NetconfConfirmedCommitTest : public DispatcherScene {
+protected:
+    std::string commit(NetconfSession& session, const std::string& parameters) {
+        return ask(session, tagged("commit", parameters));
+    }
+    std::string running() { return ask("<get-config><source><running/></source></get-config>"); }
+    std::string label(const std::string& text, const std::string& target = "candidate") {
+        return edit(element(tagged("userLabel", text)), target);
+    }
+    std::string label(NetconfSession& session, const std::string& text, const std::string& target) {
+        return ask(session, "<edit-config><target><" + target + "/></target>" +
+                                tagged("config", element(tagged("userLabel", text))) +
+                                "</edit-config>");
+    }
+    /// One edit that deletes, creates and changes objects on both sides of associations.
+    void editMuch() {
+        ASSERT_EQ(edit(radioUnit("1", {}, kDelete)), "ok");
+        ASSERT_EQ(edit(radioUnit("2", "<antennaRef " + kDelete + ">" + antenna(1, 2) +
+                                          "</antennaRef>" + tagged("userLabel", "Moved"))),
+                  "ok");
+        ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(1, 2)))), "ok");
+        ASSERT_EQ(label("Old harbour"), "ok");
+    }
+    /// Waits until \p isSo; the time is only a limit.
+    template <class IsSo>
+    static bool comesTrue(const IsSo& isSo) {
+        for (int time = 0; time < 600; ++time) {
+            if (isSo()) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return false;
+    }
+};
+
+TEST_F(NetconfConfirmedCommitTest, Cancelled_IsAsBefore) {
+    const std::vector<std::string> parts{radioUnit("1"), radioUnit("2"), radioUnit("9"),
+                                         element("<userLabel/>"),
+                                         equipment("<AntennaUnit/><Sector/><BasebandUnit/>")};
+    std::vector<std::string> before;
+    for (const std::string& part : parts) {
+        before.push_back(getConfig(part));
+    }
+    editMuch();
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    for (std::size_t at = 0; at < parts.size(); ++at) {
+        EXPECT_NE(getConfig(parts[at]), before[at]) << parts[at];
+    }
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    for (std::size_t at = 0; at < parts.size(); ++at) {
+        EXPECT_EQ(getConfig(parts[at]), before[at]) << parts[at];
+    }
+    EXPECT_THAT(ask("<cancel-commit/>"), hasTag("operation-failed")) << "none waits any more";
+}
+
+TEST_F(NetconfConfirmedCommitTest, Confirmed_Stays) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/><confirm-timeout>1</confirm-timeout>"), "ok");
+    ASSERT_EQ(commit(alice, ""), "ok");
+    dispatcher.end(alice);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1300));
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+}
+
+TEST_F(NetconfConfirmedCommitTest, TimeOver_TakesItBack) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/><confirm-timeout>1</confirm-timeout>"), "ok");
+    EXPECT_TRUE(comesTrue([&] { return running().find("Old harbour") == std::string::npos; }));
+    EXPECT_EQ(label(bob, "Quay", "running"), "ok") << "nothing is in use any more";
+}
+
+TEST_F(NetconfConfirmedCommitTest, EndOfItsSession_TakesItBack) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    dispatcher.end(bob);
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+    dispatcher.end(alice);
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+}
+
+TEST_F(NetconfConfirmedCommitTest, OtherSessions_MustWait) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT(commit(bob, ""), AllOf(hasTag("in-use"), HasSubstr("alice, session 1")));
+    EXPECT_THAT(commit(bob, "<confirmed/>"), hasTag("in-use"));
+    EXPECT_THAT(label(bob, "Quay", "running"), hasTag("in-use"));
+    EXPECT_THAT(ask(bob, "<cancel-commit/>"), hasTag("in-use"));
+    EXPECT_THAT(ask(bob, "<lock><target><running/></target></lock>"),
+                AllOf(hasTag("lock-denied"), HasSubstr("<session-id>1</session-id>")));
+    EXPECT_THAT(commit(reader, "<confirmed/>"), hasTag("access-denied"));
+    EXPECT_THAT(ask(reader, "<cancel-commit/>"), hasTag("access-denied"));
+    ASSERT_EQ(commit(alice, ""), "ok");
+    EXPECT_EQ(label(bob, "Quay", "running"), "ok");
+}
+
+TEST_F(NetconfConfirmedCommitTest, FurtherConfirmedCommit_IsTakenBackWithTheFirst) {
+    const std::string before = running();
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    ASSERT_EQ(label("Older harbour"), "ok");
+    ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(1, 1)))), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/><confirm-timeout>60</confirm-timeout>"), "ok");
+    ASSERT_EQ(label("Oldest harbour", "running"), "ok") << "its own session may edit running";
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_EQ(running(), before);
+}
+
+TEST_F(NetconfConfirmedCommitTest, Persistent_IsConfirmedByWhoKnowsItsToken) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/><persist>x7</persist>"), "ok");
+    dispatcher.end(alice);
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+    EXPECT_THAT(commit(bob, ""), hasTag("in-use"));
+    EXPECT_THAT(commit(bob, "<persist-id>x8</persist-id>"), hasTag("invalid-value"));
+    EXPECT_THAT(ask(bob, "<cancel-commit><persist-id>x8</persist-id></cancel-commit>"),
+                hasTag("invalid-value"));
+    EXPECT_EQ(commit(bob, "<confirmed/><persist-id>x7</persist-id>"), "ok") << "goes on";
+    EXPECT_EQ(commit(bob, "<persist-id>x7</persist-id>"), "ok");
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+    EXPECT_THAT(commit(bob, "<persist-id>x7</persist-id>"), hasTag("invalid-value"));
+}
+
+TEST_F(NetconfConfirmedCommitTest, Persistent_IsCancelledByWhoKnowsItsToken) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/><persist>x7</persist>"), "ok");
+    EXPECT_THAT(ask("<cancel-commit/>"), hasTag("in-use"));
+    EXPECT_EQ(ask(bob, "<cancel-commit><persist-id>x7</persist-id></cancel-commit>"), "ok");
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+}
+
+TEST_F(NetconfConfirmedCommitTest, TakenBack_TheCandidateKeepsItsEdits) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    ASSERT_EQ(label("Quay"), "ok") << "the same object";
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+    EXPECT_THAT(getConfig(element("<userLabel/>"), "candidate"), HasSubstr("Quay"));
+    EXPECT_EQ(commit(alice, ""), "ok");
+    EXPECT_THAT(running(), HasSubstr("Quay"));
+}
+
+TEST_F(NetconfConfirmedCommitTest, TakenBack_CandidateOnWhatIsGone_IsDiscardedAndItsEditorTold) {
+    ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(1, 1)))), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    ASSERT_EQ(ask("<edit-config><target><candidate/></target>"
+                  "<default-operation>none</default-operation>" +
+                  tagged("config", radioUnit("9", {}, kDelete)) + "</edit-config>"),
+              "ok");
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_THAT(commit(alice, ""), AllOf(hasTag("operation-failed"), HasSubstr("discarded")));
+    EXPECT_EQ(commit(alice, ""), "ok") << "it is said once";
+    EXPECT_EQ(commit(bob, ""), "ok");
+}
+
+TEST_F(NetconfConfirmedCommitTest, RefusedCommit_WaitsForNothing) {
+    ASSERT_EQ(edit(radioUnit("3", tagged("antennaRef", antenna(1, 2)))), "ok");
+    ASSERT_THAT(commit(alice, "<confirmed/>"), hasTag("operation-failed"));
+    EXPECT_THAT(ask("<cancel-commit/>"), hasTag("operation-failed"));
+    EXPECT_EQ(label(bob, "Quay", "running"), "ok");
+}
+
+}
+}
