@@ -114,6 +114,19 @@ TEST_F(NetconfEditTest, WhatOnlyTests_NeedsNoLock) {
     EXPECT_THAT(edit(unit, "running"), hasTag("in-use"));
 }
 
+TEST_F(NetconfEditTest, ValueThatIsSaidToBeTheDefault_IsUnset) {
+    const auto climate = [&](const std::string& attributes, const std::string& value) {
+        return edit(equipment("<Cabinet><cabinetId>1</cabinetId><climate " + attributes + ">" +
+                              value + "</climate></Cabinet>"));
+    };
+    const std::string isDefault =
+        R"(xmlns:wd="urn:ietf:params:xml:ns:netconf:default:1.0" wd:default="true")";
+    ASSERT_EQ(climate("", "OUTDOOR"), "ok");
+    EXPECT_THAT(climate(isDefault, "OUTDOOR"), hasTag("invalid-value"));
+    EXPECT_EQ(climate(isDefault, "INDOOR"), "ok");
+    EXPECT_THAT(getConfig(equipment("<Cabinet/>"), "candidate"), Not(HasSubstr("climate")));
+}
+
 TEST_F(NetconfEditTest, SameLeafTwice_IsRefused) {
     EXPECT_THAT(edit(element("<userLabel>a</userLabel><userLabel>b</userLabel>")),
                 AllOf(hasTag("bad-element"), HasSubstr("userLabel")));

@@ -28,6 +28,40 @@ TEST_F(NetconfReadTest, GetConfig_OfADefault_DoesNotShowIt) {
     EXPECT_THAT(getConfig(element("")), Not(HasSubstr("elementType")));
 }
 
+TEST_F(NetconfReadTest, WithDefaults_ShowsThoseInUse) {
+    const std::string feed = element(
+        R"(<Feed xmlns="urn:orv:test:plant"><feedId>1</feedId><fuse><breaker>B</breaker></fuse></Feed>)");
+    ASSERT_EQ(edit(feed, "running"), "ok");
+    const auto read = [&](const std::string& mode, const std::string& filter) {
+        return ask(
+            "<get-config><source><running/></source><filter>" + filter + "</filter>" +
+            R"(<with-defaults xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-with-defaults">)" +
+            mode + "</with-defaults></get-config>");
+    };
+    const std::string cabinets = equipment("<Cabinet/>");
+    EXPECT_EQ(read("trim", cabinets), getConfig(cabinets));
+    EXPECT_THAT(read("report-all", cabinets),
+                AllOf(HasSubstr("<climate>INDOOR</climate>"), HasSubstr("<cabinetId>1</cabinetId>"),
+                      Not(HasSubstr("RadioUnit")), Not(HasSubstr("elementType"))))
+        << "the filter selects among defaults, too";
+    EXPECT_THAT(read("report-all-tagged", cabinets),
+                AllOf(HasSubstr(R"(:default="true">INDOOR</climate>)"),
+                      HasSubstr("urn:ietf:params:xml:ns:netconf:default:1.0")));
+    EXPECT_THAT(read("report-all", equipment("<Cabinet><climate>INDOOR</climate></Cabinet>")),
+                HasSubstr("<cabinetId>1<"));
+    const std::string feeds = element(R"(<Feed xmlns="urn:orv:test:plant"/>)");
+    EXPECT_THAT(read("report-all", feeds), Not(HasSubstr("voltage"))) << "no case is taken";
+    EXPECT_THAT(read("explicit", feeds), HasSubstr("<error-tag>invalid-value</error-tag>"));
+}
+
+TEST_F(NetconfReadTest, WithDefaults_XPath_SelectsThem) {
+    EXPECT_THAT(
+        ask(R"(<get><filter type="xpath" xmlns:q="urn:orv:example:ran-equipment" select="//q:climate"/>)"
+            R"(<with-defaults xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-with-defaults">)"
+            "report-all-tagged</with-defaults></get>"),
+        AllOf(HasSubstr(R"(:default="true">INDOOR</climate>)"), Not(HasSubstr("RadioUnit"))));
+}
+
 TEST_F(NetconfReadTest, Get_HasStateAndTheListOfModules) {
     const std::string all = ask("<get/>");
     EXPECT_THAT(all, AllOf(HasSubstr("<serialNumber>R70011</serialNumber>"),

@@ -355,8 +355,8 @@ class ProtocolTest(ServerCase):
                  if ":netconf:capability:" in name]
         names = sorted(name.split("?")[0] for name in names)
         self.assertEqual(names, ["candidate:1.0", "confirmed-commit:1.1", "rollback-on-error:1.0",
-                                 "validate:1.1", "writable-running:1.0", "xpath:1.0",
-                                 "yang-library:1.1"])
+                                 "validate:1.1", "with-defaults:1.0", "writable-running:1.0",
+                                 "xpath:1.0", "yang-library:1.1"])
 
     def test_get_schema_gives_every_module_of_the_library(self):
         client = self.connect()
@@ -414,6 +414,18 @@ class ProtocolTest(ServerCase):
         third = self.connect()
         self.assert_ok(third.commit(persist_id="x7"))
         self.assertEqual(self.label(third), ["Old harbour"])
+
+    def test_defaults(self):
+        client = self.connect()
+        modes = [name for name in client.server_capabilities if "with-defaults" in name]
+        self.assertTrue(any("basic-mode=trim&also-supported=report-all,report-all-tagged" in mode
+                            for mode in modes), modes)
+        wanted = ("subtree", equipment("<Cabinet/>"))
+        for mode, shown in (("trim", ""), ("report-all", "<climate>INDOOR</climate>"),
+                            ("report-all-tagged", ':default="true">INDOOR</climate>')):
+            data = client.get_config("running", filter=wanted, with_defaults=mode).data_xml
+            self.assertIn(shown, data)
+            self.assertEqual(mode == "trim", "INDOOR" not in data)
 
     def test_kill_session(self):
         first, second = self.connect(), self.connect()

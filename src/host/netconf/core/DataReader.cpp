@@ -31,31 +31,100 @@ struct SetDeleter {
 }
 
 std::string DataReader::read(NetconfSession& session, const DataRequest& request) {
-    std::string objects = readObjects(session, request);
-    if (!request.xpath.empty()) {
-        return select(objects, request);
+    if (request.xpath.empty() && request.defaults == Defaults::Trim) {
+        return readText(session, request);
     }
+    OwnedTree tree = readTree(session, request);
+    // The root is no node of the library.
+    if (tree != nullptr && !request.xpath.empty() && request.xpath != "/") {
+        return print(select(tree, request.xpath).get(), request.defaults);
+    }
+    if (request.filter) {
+        tree = filtered(std::move(tree), *request.filter);
+    }
+    return print(tree.get(), request.defaults);
+}
+
+std::string DataReader::readText(NetconfSession& session, const DataRequest& request) {
+    std::string text = readObjects(session, request, request.filter);
     if (!request.onlyConfig) {
         OwnedTree modules = moduleList();
         if (request.filter) {
             modules = filtered(std::move(modules), *request.filter);
         }
-        objects += print(modules.get());
+        text += print(modules.get(), request.defaults);
     }
-    return objects;
+    return text;
 }
 
-std::string DataReader::readObjects(NetconfSession& session, const DataRequest& request) {
-    ObjectSelection selection;
-    selection.onlyConfig = request.onlyConfig;
-    if (request.xpath.empty()) {
-        selection.filter = request.filter;
+OwnedTree DataReader::readTree(NetconfSession& session, const DataRequest& request) {
+    const std::string text = readObjects(session, request, std::nullopt);
+    const YangContext& context = mModel.context();
+    lyd_node* parsed = nullptr;
+    if (lyd_parse_data_mem(context.get(), text.c_str(), LYD_XML, LYD_PARSE_ONLY, 0, &parsed) !=
+        LY_SUCCESS) {
+        fail(context, "the data cannot be searched");
     }
+    if (request.defaults != Defaults::Trim) {
+        addDefaults(parsed, request);
+    }
+    if (!request.onlyConfig) {
+        lyd_insert_sibling(parsed, moduleList().release(), &parsed);
+    }
+    return OwnedTree(parsed);
+}
+
+std::string DataReader::readObjects(NetconfSession& session, const DataRequest& request,
+                                    const std::optional<std::vector<FilterNode>>& filter) {
     std::ostringstream text;
     mStores.read(session, request.store, [&](ClientSession& client, unsigned long txHandle) {
-        writeObjects(client, txHandle, mModel, selection, text);
+        writeObjects(client, txHandle, mModel, {filter, request.onlyConfig}, text);
     });
     return std::move(text).str();
+}
+
+void DataReader::addDefaults(lyd_node* first, const DataRequest& request) const {
+    const std::uint32_t options = request.onlyConfig ? LYD_IMPLICIT_NO_STATE : 0;
+    for (lyd_node* top = first; top != nullptr; top = top->next) {
+        if (lyd_new_implicit_tree(top, options, nullptr) != LY_SUCCESS) {
+            lyd_free_all(first);
+            fail(mModel.context(), "the defaults cannot be added");
+        }
+        removeForeign(top);
+        if (request.defaults == Defaults::ReportAllTagged) {
+            tagDefaults(top);
+        }
+    }
+}
+
+/// The defaults of nodes that have no place in the objects of this server.
+void DataReader::removeForeign(lyd_node* top) const {
+    std::vector<lyd_node*> foreign;
+    lyd_node* node = nullptr;
+    LYD_TREE_DFS_BEGIN(top, node) {
+        if ((node->flags & LYD_DEFAULT) != 0 && mModel.valueAt(node->schema) == nullptr &&
+            !mModel.isTransparent(node->schema)) {
+            foreign.push_back(node);
+            LYD_TREE_DFS_continue = 1;
+        }
+        LYD_TREE_DFS_END(top, node);
+    }
+    for (lyd_node* one : foreign) {
+        lyd_free_tree(one);
+    }
+}
+
+void DataReader::tagDefaults(lyd_node* top) const {
+    const lys_module* module =
+        ly_ctx_get_module_implemented(mModel.context().get(), kDefaultsModule);
+    lyd_node* node = nullptr;
+    LYD_TREE_DFS_BEGIN(top, node) {
+        const bool isLeaf = (node->schema->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0;
+        if (isLeaf && lyd_is_default(node) != 0) {
+            lyd_new_meta(nullptr, node, module, "default", "true", 0, nullptr);
+        }
+        LYD_TREE_DFS_END(top, node);
+    }
 }
 
 OwnedTree DataReader::moduleList() const {
@@ -67,36 +136,22 @@ OwnedTree DataReader::moduleList() const {
     return OwnedTree(tree);
 }
 
-std::string DataReader::print(const lyd_node* tree) const {
+std::string DataReader::print(const lyd_node* tree, Defaults defaults) const {
+    const std::uint32_t shown =
+        defaults == Defaults::Trim ? LYD_PRINT_WD_EXPLICIT : LYD_PRINT_WD_ALL;
     char* text = nullptr;
     if (tree != nullptr &&
-        lyd_print_mem(&text, tree, LYD_XML, LYD_PRINT_WITHSIBLINGS) != LY_SUCCESS) {
+        lyd_print_mem(&text, tree, LYD_XML, LYD_PRINT_WITHSIBLINGS | shown) != LY_SUCCESS) {
         fail(mModel.context(), "the data cannot be printed");
     }
     const std::unique_ptr<char, void (*)(void*)> owned(text, std::free);
     return owned != nullptr ? owned.get() : "";
 }
 
-std::string DataReader::select(const std::string& objects, const DataRequest& request) const {
-    const YangContext& context = mModel.context();
-    lyd_node* parsed = nullptr;
-    if (lyd_parse_data_mem(context.get(), objects.c_str(), LYD_XML, LYD_PARSE_ONLY, 0, &parsed) !=
-        LY_SUCCESS) {
-        fail(context, "the data cannot be searched");
-    }
-    if (!request.onlyConfig) {
-        lyd_insert_sibling(parsed, moduleList().release(), &parsed);
-    }
-    const OwnedTree tree(parsed);
+OwnedTree DataReader::select(const OwnedTree& tree, const std::string& xpath) const {
     ly_set* set = nullptr;
-    if (tree == nullptr) {
-        return "";
-    }
-    if (request.xpath == "/") { // the root is no node of the library
-        return print(tree.get());
-    }
-    if (lyd_find_xpath3(nullptr, tree.get(), request.xpath.c_str(), nullptr, &set) != LY_SUCCESS) {
-        fail(context, "the expression cannot be evaluated");
+    if (lyd_find_xpath3(nullptr, tree.get(), xpath.c_str(), nullptr, &set) != LY_SUCCESS) {
+        fail(mModel.context(), "the expression cannot be evaluated");
     }
     const std::unique_ptr<ly_set, SetDeleter> found(set);
     lyd_node* selected = nullptr;
@@ -112,8 +167,7 @@ std::string DataReader::select(const std::string& objects, const DataRequest& re
         }
         lyd_merge_siblings(&selected, copy, LYD_MERGE_DESTRUCT);
     }
-    const OwnedTree result(selected);
-    return print(result.get());
+    return OwnedTree(selected);
 }
 
 }

@@ -8,11 +8,21 @@
 #include "netconf/core/SubtreeFilter.h"
 #include "netconf/wire/WireModel.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace OrvHost {
+
+/// What a reply shows of values that are the default: the modes of RFC 6243, without `explicit`.
+/// That cannot be told apart from trim here, as a value that was set to the default reads the same
+/// as one that is not set.
+enum class Defaults : std::uint8_t {
+    Trim,           ///< nothing
+    ReportAll,      ///< the default stands wherever there is no other value
+    ReportAllTagged ///< the same, with an attribute that says so
+};
 
 /// What a client wants to see.
 struct DataRequest {
@@ -20,10 +30,13 @@ struct DataRequest {
     bool onlyConfig = true; ///< without state: values of the system, and the list of modules
     std::optional<std::vector<FilterNode>> filter{}; ///< none: everything
     std::string xpath{};                             ///< instead of a filter; empty: none
+    Defaults defaults = Defaults::Trim;
 };
 
 /// Answers reads. The text of a reply is written while the objects are read; no tree of them is
-/// made, except for XPath: its expression is evaluated over a tree of all objects.
+/// made, with two exceptions: XPath and defaults. An expression is evaluated over a tree of all
+/// objects, and defaults are added to one, because what is in use depends on conditions and
+/// choices.
 ///
 /// Any thread, each session on one.
 class DataReader {
@@ -35,10 +48,16 @@ public:
     std::string read(NetconfSession& session, const DataRequest& request);
 
 private:
-    std::string readObjects(NetconfSession& session, const DataRequest& request);
+    std::string readText(NetconfSession& session, const DataRequest& request);
+    OwnedTree readTree(NetconfSession& session, const DataRequest& request);
+    std::string readObjects(NetconfSession& session, const DataRequest& request,
+                            const std::optional<std::vector<FilterNode>>& filter);
+    void addDefaults(lyd_node* first, const DataRequest& request) const;
+    void removeForeign(lyd_node* top) const;
+    void tagDefaults(lyd_node* top) const;
     OwnedTree moduleList() const;
-    std::string print(const lyd_node* tree) const;
-    std::string select(const std::string& objects, const DataRequest& request) const;
+    std::string print(const lyd_node* tree, Defaults defaults) const;
+    OwnedTree select(const OwnedTree& tree, const std::string& xpath) const;
 
     const WireModel& mModel;
     Datastores& mStores;

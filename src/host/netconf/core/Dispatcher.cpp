@@ -74,6 +74,23 @@ Datastore requireStore(const lyd_node* request, const std::string& place) {
     return *store;
 }
 
+Defaults defaultsIn(const lyd_node* request) {
+    const std::string mode = textOf(request, "with-defaults");
+    if (mode == "report-all") {
+        return Defaults::ReportAll;
+    }
+    if (mode == "report-all-tagged") {
+        return Defaults::ReportAllTagged;
+    }
+    if (!mode.empty() && mode != "trim") {
+        refuse("protocol", "invalid-value",
+               "with-defaults is " + mode +
+                   "; trim, report-all or report-all-tagged was expected: a value that was set to "
+                   "the default cannot be told from one that was not set");
+    }
+    return Defaults::Trim;
+}
+
 /// The first node in an element that can hold anything; null if it is empty. What is no tree is
 /// refused.
 const lyd_node* contentOf(const lyd_node* node) {
@@ -183,6 +200,7 @@ RpcReply Dispatcher::get(NetconfSession& session, const lyd_node* request) {
     if (wanted.onlyConfig) {
         wanted.store = requireStore(request, "source");
     }
+    wanted.defaults = defaultsIn(request);
     if (const lyd_node* filter = childOf(request, "filter")) {
         if (metaOf(filter, "ietf-netconf:type") == "xpath") {
             wanted.xpath = metaOf(filter, "ietf-netconf:select");
@@ -220,6 +238,8 @@ void Dispatcher::replaceAll(NetconfSession& session, Datastore target, EditMode 
 
 RpcReply Dispatcher::copyConfig(NetconfSession& session, const lyd_node* request) {
     const Datastore target = requireStore(request, "target");
+    // What is copied is the same in each mode that there is.
+    static_cast<void>(defaultsIn(request));
     if (const lyd_node* config = childOf(childOf(request, "source"), "config")) {
         replaceAll(session, target, EditMode::Write, config);
         return {};

@@ -60,6 +60,19 @@ std::string nodeName(const lyd_node* node) {
     return LYD_NAME(node);
 }
 
+/// True if the client says that the value is the default, as replies do (RFC 6243, section 4.5.2).
+bool saysDefault(const lyd_node* node) {
+    static const std::string name = std::string(kDefaultsModule) + ":default";
+    const lyd_meta* meta =
+        node->schema != nullptr ? lyd_find_meta(node->meta, nullptr, name.c_str()) : nullptr;
+    return meta != nullptr && std::string(lyd_get_meta_value(meta)) == "true";
+}
+
+/// What an element does to the choice that it belongs to.
+EditOperation operationInChoice(const lyd_node* node, EditOperation inherited) {
+    return saysDefault(node) ? EditOperation::Remove : ownOperation(node).value_or(inherited);
+}
+
 }
 
 Wish EditReader::read(const lyd_node* first, EditOperation defaultOperation) {
@@ -174,7 +187,7 @@ void EditReader::readContents(const lyd_node* first, Object& object, EditOperati
         if (!isUsable(node)) {
             continue;
         }
-        const EditOperation own = ownOperation(node).value_or(operation);
+        const EditOperation own = operationInChoice(node, operation);
         if (const ObjectShape* child = mModel.objectAt(node->schema)) {
             object.children.push_back(node);
             object.cases.add(node, own, child->list);
@@ -295,8 +308,13 @@ void EditReader::applyToLeaf(AttributeValue& values, const lyd_node* node, const
     } else if (operation == EditOperation::Delete && !isSet) {
         refuse(node, "data-missing", "<" + nodeName(node) + "> has no value, or its default");
     }
+    const bool isDefault = saysDefault(node);
+    if (isDefault && !lyd_is_default(node)) {
+        refuse(node, "invalid-value",
+               "<" + nodeName(node) + "> is said to be the default, which is another value");
+    }
     values.values.clear();
-    if (!takesAway(operation)) {
+    if (!takesAway(operation) && !isDefault) {
         const auto* leaf = reinterpret_cast<const lyd_node_term*>(node);
         values.values.push_back(decodeValue(LYD_CTX(node), leaf->value, shape.kind));
         shortenReferences(mClasses, values);
@@ -440,7 +458,7 @@ void EditReader::readMembers(StructValue& value, const lyd_node* node, const Val
             applyToLeaf(place->second, child, *member, *ownOperation(child));
         } else {
             refuseSecond(child, *member);
-            cases.add(child, ownOperation(child).value_or(operation), member->node);
+            cases.add(child, operationInChoice(child, operation), member->node);
             apply(place->second, child, *member, operation);
         }
     }

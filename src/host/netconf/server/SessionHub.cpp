@@ -140,6 +140,7 @@ SessionHub::SessionHub(Host& host, const WireModel& model)
         theHub = nullptr;
         throw ServerError("the NETCONF library cannot be set up");
     }
+    nc_server_set_capab_withdefaults(NC_WD_TRIM, NC_WD_ALL | NC_WD_ALL_TAG);
     nc_server_set_hello_timeout(kHelloSeconds);
 }
 

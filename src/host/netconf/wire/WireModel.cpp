@@ -11,6 +11,8 @@
 
 extern const char kEmbedded_ietf_netconf_yang[];
 extern const char kEmbedded_ietf_netconf_monitoring_yang[];
+extern const char kEmbedded_ietf_netconf_with_defaults_yang[];
+extern const char kEmbedded_orv_netconf_defaults_yang[];
 
 namespace OrvHost {
 
@@ -20,14 +22,17 @@ namespace {
 const std::vector<std::string> kFeatures{"writable-running",  "candidate", "confirmed-commit",
                                          "rollback-on-error", "validate",  "xpath"};
 
+void addModule(YangModelReader& reader, const std::string& name, const char* text) {
+    reader.offerText(name, name + ".yang (built in)", text);
+    reader.load(name);
+}
+
 void addProtocol(YangModelReader& reader) {
-    reader.offerText(kNetconfModule, "ietf-netconf.yang (built in)", kEmbedded_ietf_netconf_yang);
-    reader.load(kNetconfModule);
+    addModule(reader, kNetconfModule, kEmbedded_ietf_netconf_yang);
     reader.selectFeatures(kNetconfModule, kFeatures);
-    const std::string monitoring = "ietf-netconf-monitoring";
-    reader.offerText(monitoring, monitoring + ".yang (built in)",
-                     kEmbedded_ietf_netconf_monitoring_yang);
-    reader.load(monitoring);
+    addModule(reader, "ietf-netconf-monitoring", kEmbedded_ietf_netconf_monitoring_yang);
+    addModule(reader, "ietf-netconf-with-defaults", kEmbedded_ietf_netconf_with_defaults_yang);
+    addModule(reader, kDefaultsModule, kEmbedded_orv_netconf_defaults_yang);
 }
 
 using Text = std::unique_ptr<char, void (*)(void*)>;

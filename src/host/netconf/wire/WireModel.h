@@ -20,6 +20,9 @@ constexpr const char* kNetconfNamespace = "urn:ietf:params:xml:ns:netconf:base:1
 /// The name of its module.
 constexpr const char* kNetconfModule = "ietf-netconf";
 
+/// Our module with the attribute `default` of RFC 6243, which tells values that are the default.
+constexpr const char* kDefaultsModule = "orv-netconf-defaults";
+
 /// What requests and replies are made of: the modules of the model and those of the protocol in one
 /// context, and which of its nodes are objects and attributes of the model.
 ///
