@@ -10,7 +10,9 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 namespace OrvHost {
 
@@ -40,6 +42,18 @@ protected:
     static std::string antenna(int unit, int antenna);
     static std::string radioUnit(const std::string& id, const std::string& content = {},
                                  const std::string& attributes = {});
+
+    /// Waits until \p isSo; the time is only a limit.
+    template <class IsSo>
+    static bool comesTrue(const IsSo& isSo) {
+        for (int time = 0; time < 600; ++time) {
+            if (isSo()) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return false;
+    }
 
     const std::string kNc = R"(xmlns:nc="urn:ietf:params:xml:ns:netconf:base:1.0" )";
     const std::string kDelete = kNc + R"(nc:operation="delete")";

@@ -42,17 +42,6 @@ protected:
         ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(1, 2)))), "ok");
         ASSERT_EQ(label("Old harbour"), "ok");
     }
-    /// Waits until \p isSo; the time is only a limit.
-    template <class IsSo>
-    static bool comesTrue(const IsSo& isSo) {
-        for (int time = 0; time < 600; ++time) {
-            if (isSo()) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        return false;
-    }
 };
 
 TEST_F(NetconfConfirmedCommitTest, Cancelled_IsAsBefore) {

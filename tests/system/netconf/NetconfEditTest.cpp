@@ -102,6 +102,29 @@ TEST_F(NetconfEditTest, CancelledSession_GetsNoLockAndEditsNothing) {
     EXPECT_EQ(ask("<lock><target><candidate/></target></lock>"), "ok") << "it has no changes";
 }
 
+TEST_F(NetconfEditTest, Candidate_IsDiscardedAfterAWhileAndItsEditorTold) {
+    dispatcher.limitCandidate(std::chrono::seconds(1));
+    ASSERT_EQ(moveUnit1(), "ok");
+    EXPECT_TRUE(
+        comesTrue([&] { return ask(bob, "<lock><target><candidate/></target></lock>") == "ok"; }));
+    ASSERT_EQ(ask(bob, "<unlock><target><candidate/></target></unlock>"), "ok");
+    EXPECT_THAT(ask("<commit/>"),
+                AllOf(hasTag("operation-failed"), HasSubstr("nobody has edited it for 1 s")));
+    EXPECT_EQ(ask("<commit/>"), "ok");
+    EXPECT_EQ(unitsOf(1, 1, "running"), "1");
+}
+
+TEST_F(NetconfEditTest, Candidate_ThatWasCommitted_HasNoTimeLeftOver) {
+    dispatcher.limitCandidate(std::chrono::seconds(1));
+    ASSERT_EQ(moveUnit1(), "ok");
+    ASSERT_EQ(ask("<commit/>"), "ok");
+    dispatcher.limitCandidate(std::chrono::seconds(600));
+    ASSERT_EQ(edit(element("<userLabel>Old harbour</userLabel>")), "ok");
+    std::this_thread::sleep_for(std::chrono::milliseconds(1300));
+    EXPECT_EQ(ask("<commit/>"), "ok");
+    EXPECT_THAT(getConfig(element("<userLabel/>")), HasSubstr("Old harbour"));
+}
+
 TEST_F(NetconfEditTest, EditThatChangesNothing_LeavesTheCandidateUnchanged) {
     ASSERT_EQ(edit(element("")), "ok");
     EXPECT_EQ(ask("<lock><target><candidate/></target></lock>"), "ok");

@@ -585,6 +585,7 @@ class OptionsTest(unittest.TestCase):
             (("serve", "--netconf-unix", self.folder / "socket", "--netconf-read-only", "no one"),
              "user no one, who may only read, cannot log in"),
             (("--netconf-unix", self.folder / "socket"), "can only be used with serve"),
+            (("--candidate-timeout", 5), "can only be used with serve"),
             (("serve", "tree"), "serve cannot be combined with commands"),
         ):
             with self.subTest(options):

@@ -36,6 +36,7 @@ ServerOptions serverOptions(const Options& options) {
     server.hostKey = hostKeyFile(options);
     server.passwordFile = options.passwordFile;
     server.readOnlyUsers = options.readOnlyUsers;
+    server.candidateLimit = std::chrono::seconds(options.candidateSeconds);
     for (const std::string& user : options.netconfUsers) {
         const std::size_t equals = user.find('=');
         server.userKeys.emplace_back(user.substr(0, equals), user.substr(equals + 1));

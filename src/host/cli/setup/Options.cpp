@@ -216,6 +216,10 @@ void addServer(CLI::App& app, Options& options) {
     app.add_option("--host-key", options.hostKey,
                    "File of the server's SSH key, made if there is none; ~/.orvhost_host_key")
         ->group(kServerGroup);
+    app.add_option("--candidate-timeout", options.candidateSeconds,
+                   "Seconds after its last edit when a candidate is discarded; 0: never")
+        ->capture_default_str()
+        ->group(kServerGroup);
 }
 
 // `serve` is used in the place of a command, but it runs none.
@@ -223,7 +227,8 @@ void takeServer(const CLI::App& app, Options& options) {
     options.isServer = !options.words.empty() && options.words.front() == "serve";
     if (!options.isServer) {
         if (options.netconfSsh || options.netconfUnix || !options.netconfUsers.empty() ||
-            !options.readOnlyUsers.empty() || !options.passwordFile.empty() || options.hostKey) {
+            !options.readOnlyUsers.empty() || !options.passwordFile.empty() || options.hostKey ||
+            app.get_option("--candidate-timeout")->count() > 0) {
             throw CLI::ValidationError("the options of the server can only be used with serve");
         }
         return;

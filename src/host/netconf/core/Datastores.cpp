@@ -124,6 +124,10 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
             runPlan(plan, mHost.model(), mCandidateClients, *mHandle);
             mAccepted.push_back(made);
             mEditors.insert(session.id());
+            if (mCandidateLimit.count() > 0) {
+                mCandidateDeadline = Alarm::Clock::now() + mCandidateLimit;
+                setAlarm();
+            }
         }
     } catch (...) {
         if (isWriting) {
@@ -160,14 +164,14 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     commitCandidate(session);
     if (!request.isConfirmed) {
         mUnconfirmed.reset();
-        mTimeOver.off();
+        setAlarm();
         return;
     }
     if (begun) {
         mUnconfirmed = std::move(begun);
     }
     mUnconfirmed->wait(request);
-    mTimeOver.set(mUnconfirmed->deadline());
+    setAlarm();
 }
 
 void Datastores::commitCandidate(const NetconfSession& session) {
@@ -182,8 +186,7 @@ void Datastores::commitCandidate(const NetconfSession& session) {
         replay(&session);
         throw;
     }
-    mAccepted.clear();
-    mEditors.clear();
+    forgetEdits();
 }
 
 void Datastores::cancelCommit(NetconfSession& session,
@@ -201,7 +204,7 @@ void Datastores::cancelCommit(NetconfSession& session,
 /// it may have written to the same objects, and its edits are made again afterwards.
 void Datastores::takeBack() {
     const std::unique_ptr<ConfirmedCommit> taken = std::move(mUnconfirmed);
-    mTimeOver.off();
+    setAlarm();
     const std::vector<ChangeSet> changes = taken->end();
     if (changes.empty()) {
         return;
@@ -243,8 +246,26 @@ void Datastores::undo(const std::vector<ChangeSet>& changes, const std::string& 
 
 void Datastores::onTimeOver() {
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
-    if (mUnconfirmed && Alarm::Clock::now() >= mUnconfirmed->deadline()) {
+    const Alarm::Clock::time_point now = Alarm::Clock::now();
+    if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
         takeBackUnasked("it was not confirmed in time");
+    }
+    if (mCandidateDeadline && now >= *mCandidateDeadline) {
+        loseCandidate("nobody has edited it for " + std::to_string(mCandidateLimit.count()) + " s");
+    }
+    setAlarm();
+}
+
+/// For what is due next.
+void Datastores::setAlarm() {
+    std::optional<Alarm::Clock::time_point> next = mCandidateDeadline;
+    if (mUnconfirmed && (!next || mUnconfirmed->deadline() < *next)) {
+        next = mUnconfirmed->deadline();
+    }
+    if (next) {
+        mTimeOver.set(*next);
+    } else {
+        mTimeOver.off();
     }
 }
 
@@ -269,9 +290,14 @@ void Datastores::abortCandidate() {
     }
 }
 
-void Datastores::dropCandidate() {
+void Datastores::forgetEdits() {
     mAccepted.clear();
     mEditors.clear();
+    mCandidateDeadline.reset();
+}
+
+void Datastores::dropCandidate() {
+    forgetEdits();
     abortCandidate();
 }
 

@@ -10,6 +10,7 @@
 #include "netconf/core/ConfirmedCommit.h"
 #include "netconf/core/NetconfSession.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -40,9 +41,10 @@ enum class EditMode : std::uint8_t {
 ///
 /// *Candidate* is one transaction of the host that all sessions share. It begins with the first
 /// edit, so it shows running as it was then with the edits made since, and ends with a commit, with
-/// discard, or with the session that has locked it. Without one, reads show running. If a write is
-/// refused half-way or a commit is refused, the transaction is of no use any more: it is aborted
-/// and the edits that it had accepted are made again in a new one, so the candidate keeps them.
+/// discard, with the session that has locked it, or a while after its last edit. Without one, reads
+/// show running. If a write is refused half-way or a commit is refused, the transaction is of no
+/// use any more: it is aborted and the edits that it had accepted are made again in a new one, so
+/// the candidate keeps them.
 ///
 /// A commit can be *confirmed*: it is taken back unless a second commit follows in time. Until then
 /// other sessions change nothing in running. See ConfirmedCommit.
@@ -59,6 +61,10 @@ public:
     ~Datastores();
     Datastores(const Datastores&) = delete;
     Datastores& operator=(const Datastores&) = delete;
+
+    /// From now on a candidate is discarded that long after its last edit; 0: never. Before the
+    /// sessions.
+    void limitCandidate(std::chrono::seconds limit) { mCandidateLimit = limit; }
 
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
     /// Runs \p read on a state that does not change meanwhile.
@@ -98,10 +104,12 @@ private:
     void takeBackUnasked(const std::string& reason);
     void undo(const std::vector<ChangeSet>& changes, const std::string& author);
     void onTimeOver();
+    void setAlarm();
     void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void beginCandidate(const std::string& author);
     void abortCandidate();
+    void forgetEdits();
     void dropCandidate();
     void loseCandidate(const std::string& reason);
     void throwIfLost(const NetconfSession& session);
@@ -125,7 +133,11 @@ private:
     /// Why a candidate was discarded, for those of its editors who do not know it yet.
     std::map<std::uint32_t, std::string> mLost;
 
-    Alarm mTimeOver; ///< of a confirmed commit; it must end before the rest does
+    std::chrono::seconds mCandidateLimit{0};
+    std::optional<Alarm::Clock::time_point> mCandidateDeadline;
+
+    /// For a confirmed commit and the candidate; it must end before the rest does.
+    Alarm mTimeOver;
 };
 
 }

@@ -43,6 +43,9 @@ public:
     /// std::bad_alloc: all other failures are errors of the reply.
     RpcReply answer(NetconfSession& session, lyd_node* request);
 
+    /// See Datastores::limitCandidate.
+    void limitCandidate(std::chrono::seconds limit) { mStores.limitCandidate(limit); }
+
     /// Call it when a session ends, however it does.
     void end(NetconfSession& session) { mStores.end(session.id()); }
 

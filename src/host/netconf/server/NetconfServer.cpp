@@ -46,7 +46,9 @@ UserTable usersOf(const ServerOptions& options) {
 struct NetconfServer::Parts {
     Parts(Host& host, const YangModelReader& reader, std::shared_ptr<const YangSchema> schema,
           const ServerOptions& options)
-        : users(usersOf(options)), model(reader, std::move(schema)), hub(host, model) {}
+        : users(usersOf(options)), model(reader, std::move(schema)), hub(host, model) {
+        hub.dispatcher().limitCandidate(options.candidateLimit);
+    }
 
     /// True if nothing is at work any more.
     bool end(Deadline deadline) {

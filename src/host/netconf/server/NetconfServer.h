@@ -26,6 +26,8 @@ struct ServerOptions {
     std::vector<std::pair<std::string, std::string>> userKeys; ///< name, file of public keys
     std::string passwordFile;                                  ///< empty: none
     std::vector<std::string> readOnlyUsers;
+    /// How long after its last edit a candidate is discarded; 0: never.
+    std::chrono::seconds candidateLimit{0};
 };
 
 /// The server: the listeners and the sessions over them.
