@@ -16,6 +16,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <malloc.h>
+
 namespace OrvHost {
 
 namespace {
@@ -49,6 +51,14 @@ ServerOptions serverOptions(const Options& options) {
     return server;
 }
 
+/// The text of a large reply is copied once or twice on its way. By default the C library soon
+/// takes such buffers from a heap that keeps what was freed.
+void keepNoLargeBuffers() {
+#ifdef M_MMAP_THRESHOLD
+    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+#endif
+}
+
 /// Signals that wait until the program takes them. Threads that begin later leave them to it.
 class WaitingSignals {
 public:
@@ -73,6 +83,7 @@ private:
 }
 
 int serve(const Options& options, std::ostream& out) {
+    keepNoLargeBuffers();
     WaitingSignals signals;
     HostSetup setup(options, std::cerr);
     NetconfServer server(setup.host(), setup.modelReader(), setup.schema(), serverOptions(options));

@@ -5,6 +5,7 @@
 
 #include "ServerError.h"
 #include "netconf/core/ServerLog.h"
+#include "netconf/wire/ChunkSplitter.h"
 
 #include <array>
 #include <cerrno>
@@ -24,6 +25,9 @@ namespace {
 constexpr std::size_t kBuffer = 65536;
 /// How long the rest of the replies waits for a client that does not read, after its session ended.
 constexpr std::chrono::seconds kDrainTime{10};
+
+/// Clients search the bytes that they have got for the end of a chunk, again and again.
+constexpr std::size_t kLargestChunk = 4096;
 
 using Clock = std::chrono::steady_clock;
 
@@ -209,19 +213,23 @@ private:
             if (room == 0) {
                 return true;
             }
-            const ssize_t got =
-                recv(inner, mBuffer.data(), std::min(room, mBuffer.size()), MSG_DONTWAIT);
-            if (got < 0) {
-                return errno == EAGAIN || errno == EINTR;
+            if (mToChannel.empty()) {
+                const ssize_t got = recv(inner, mBuffer.data(), mBuffer.size(), MSG_DONTWAIT);
+                if (got < 0) {
+                    return errno == EAGAIN || errno == EINTR;
+                }
+                if (got == 0) {
+                    return false;
+                }
+                mUnanswered = 0;
+                mSplitter.pass({mBuffer.data(), static_cast<std::size_t>(got)}, mToChannel);
             }
-            if (got == 0) {
-                return false;
-            }
-            mUnanswered = 0;
             // The window has room for all of it.
-            if (ssh_channel_write(mChannel, mBuffer.data(), static_cast<uint32_t>(got)) != got) {
+            const auto size = static_cast<uint32_t>(std::min(room, mToChannel.size()));
+            if (ssh_channel_write(mChannel, mToChannel.data(), size) != static_cast<int>(size)) {
                 return false;
             }
+            mToChannel.erase(0, size);
         }
     }
 
@@ -284,6 +292,8 @@ private:
     bool mIsReady = false; ///< nothing need happen before the next step
     short mInnerEvents = 0;
     std::vector<char> mToInner;
+    std::string mToChannel;
+    ChunkSplitter mSplitter{kLargestChunk};
     std::size_t mUnanswered = 0;
     std::array<char, kBuffer> mBuffer{};
 };
