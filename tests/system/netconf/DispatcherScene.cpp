@@ -46,11 +46,18 @@ DispatcherScene::DispatcherScene()
       mModel(mReader.read()),
       host(mModel.model, knownAsHarbour()),
       mWire((load(), mReader), mModel.schema),
-      dispatcher(host, mWire,
-                 [this](std::uint32_t id, const NetconfSession&) {
-                     killed = id;
-                     return id == 2;
-                 }),
+      dispatcher(
+          host, mWire,
+          [this](std::uint32_t id, const NetconfSession&) {
+              killed = id;
+              return id == 2;
+          },
+          [this](NetconfSession& session, std::optional<std::vector<FilterNode>>) {
+              return dispatcher.events().listen(session.id(),
+                                                [this](const std::shared_ptr<const Event>& event) {
+                                                    events.push_back(event->xml);
+                                                });
+          }),
       alice(host, 1, {"alice"}),
       bob(host, 2, {"bob"}),
       reader(host, 3, {"reader", true}) {}

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace OrvHost {
 
@@ -72,7 +73,8 @@ private:
     WireModel mWire;
 
 protected:
-    std::uint32_t killed = 0; ///< the session that was to be ended last
+    std::vector<std::string> events; ///< that were sent
+    std::uint32_t killed = 0;        ///< the session that was to be ended last
     Dispatcher dispatcher;
     NetconfSession alice;
     NetconfSession bob;

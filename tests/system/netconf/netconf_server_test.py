@@ -354,8 +354,8 @@ class ProtocolTest(ServerCase):
         names = [name.rsplit(":capability:", 1)[1] for name in self.connect().server_capabilities
                  if ":netconf:capability:" in name]
         names = sorted(name.split("?")[0] for name in names)
-        self.assertEqual(names, ["candidate:1.0", "confirmed-commit:1.1", "rollback-on-error:1.0",
-                                 "validate:1.1", "with-defaults:1.0", "writable-running:1.0",
+        self.assertEqual(names, ["candidate:1.0", "confirmed-commit:1.1", "interleave:1.0",
+                                 "notification:1.0", "rollback-on-error:1.0", "validate:1.1", "with-defaults:1.0", "writable-running:1.0",
                                  "xpath:1.0", "yang-library:1.1"])
 
     def test_get_schema_gives_every_module_of_the_library(self):
@@ -380,7 +380,6 @@ class ProtocolTest(ServerCase):
             f"<copy-config><target>{startup}</target><source><running/></source></copy-config>",
             "<copy-config><target><running/></target><source><url>file:///x</url></source>"
             "</copy-config>",
-            '<create-subscription xmlns="urn:ietf:params:xml:ns:netconf:notification:1.0"/>',
         ):
             self.assertIn("<rpc-error>", client.ask(rpc(operation)))
         self.assertIn("Harbour", client.ask(GET_LABEL))
@@ -426,6 +425,57 @@ class ProtocolTest(ServerCase):
             data = client.get_config("running", filter=wanted, with_defaults=mode).data_xml
             self.assertIn(shown, data)
             self.assertEqual(mode == "trim", "INDOOR" not in data)
+
+    def events_of(self, client, wanted):
+        """The next events with that text in them, without others."""
+        while True:
+            event = client.take_notification(timeout=30)
+            self.assertIsNotNone(event, wanted)
+            if wanted in event.notification_xml:
+                return event.notification_xml
+
+    def test_events(self):
+        listener, writer = self.connect(), self.connect()
+        self.assert_ok(listener.create_subscription())
+        moved = radio_unit(1, f"<antennaRef {DELETE}>{antenna(1, 1)}</antennaRef>"
+                              f"<antennaRef>{antenna(2, 1)}</antennaRef>")
+        self.assert_ok(writer.edit_config(target="running", config=config(moved)))
+        change = self.events_of(listener, "netconf-config-change")
+        self.assertIn("<username>alice</username>", change)
+        self.assertIn(f"<session-id>{writer.session_id}</session-id>", change)
+        self.assertIn("radioUnitRef[.=", change)
+        self.assertEqual(self.label(listener), ["Harbour"])  # requests are answered meanwhile
+        writer.close_session()
+        end = self.events_of(listener, "netconf-session-end")
+        self.assertIn("<termination-reason>closed</termination-reason>", end)
+        third = self.connect()
+        self.events_of(listener, f"<session-id>{third.session_id}</session-id>")
+        listener.kill_session(third.session_id)
+        end = self.events_of(listener, "netconf-session-end")
+        self.assertIn("<termination-reason>killed</termination-reason>", end)
+
+    def test_events_that_are_filtered_or_not_read(self):
+        name = "urn:ietf:params:xml:ns:yang:ietf-netconf-notifications"
+        subscribe = ('<create-subscription '
+                     'xmlns="urn:ietf:params:xml:ns:netconf:notification:1.0">'
+                     f'<filter><netconf-config-change xmlns="{name}"/></filter>'
+                     '</create-subscription>')
+        listener, deaf = self.local(), self.local()
+        for client in (listener, deaf):
+            self.assertIn("<ok/>", client.ask(rpc(subscribe)))
+        writer = self.local()
+        labels = [f"label {number}" for number in range(1800)] + ["Harbour"]
+        for label in labels:
+            writer.ask(rpc("<edit-config><target><running/></target>"
+                           + config(element(f"<userLabel>{label}</userLabel>"))
+                           + "</edit-config>"))
+            event = listener.receive()
+            self.assertIn("<netconf-config-change", event)
+            self.assertIn("userLabel</target>", event)
+        self.assert_serves()
+        with self.assertRaises(EOFError):
+            for _ in labels:
+                deaf.receive()
 
     def test_kill_session(self):
         first, second = self.connect(), self.connect()

@@ -5,6 +5,7 @@
 
 #include "client/edits/ClientState.h"
 #include "client/edits/EditPlanner.h"
+#include "netconf/core/Committer.h"
 #include "netconf/core/ServerLog.h"
 #include "netconf/core/Undoing.h"
 #include "netconf/wire/RpcError.h"
@@ -94,6 +95,7 @@ void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeW
         throw RpcErrors(protocolError("in-use", "a confirmed commit of " + mUnconfirmed->author() +
                                                     " waits for its confirmation"));
     }
+    const Committer committer(session);
     ClientSession& client = session.client();
     OwnTransaction transaction(mHost, session.author());
     const unsigned long handle = transaction.handle();
@@ -161,6 +163,7 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     if (request.isConfirmed && !mUnconfirmed) {
         begun = std::make_unique<ConfirmedCommit>(mHost, session);
     }
+    const Committer committer(session);
     commitCandidate(session);
     if (!request.isConfirmed) {
         mUnconfirmed.reset();
@@ -197,6 +200,7 @@ void Datastores::cancelCommit(NetconfSession& session,
         throw RpcErrors(noConfirmedCommit(persistId.has_value()));
     }
     mUnconfirmed->requireMayEnd(session, persistId);
+    const Committer committer(session);
     takeBack();
 }
 

@@ -120,8 +120,14 @@ bool writes(const std::string& operation) {
 
 }
 
-Dispatcher::Dispatcher(Host& host, const WireModel& model, Kill kill)
-    : mHost(host), mModel(model), mStores(host), mReader(model, mStores), mKill(std::move(kill)) {}
+Dispatcher::Dispatcher(Host& host, const WireModel& model, Kill kill, Subscribe subscribe)
+    : mHost(host),
+      mModel(model),
+      mStores(host),
+      mReader(model, mStores),
+      mKill(std::move(kill)),
+      mSubscribe(std::move(subscribe)),
+      mEvents(host, model.schema()) {}
 
 RpcReply Dispatcher::answer(NetconfSession& session, lyd_node* request) {
     // What the library said of requests that did not come here is not about this one.
@@ -140,6 +146,11 @@ RpcReply Dispatcher::dispatch(NetconfSession& session, lyd_node* request) {
     if (module == "ietf-netconf-monitoring" && operation == "get-schema") {
         check(request);
         return getSchema(request);
+    }
+    if (module == "notifications" && operation == "create-subscription") {
+        check(request);
+        subscribe(session, request);
+        return {};
     }
     if (request->schema == nullptr || module != kNetconfModule ||
         request->schema->nodetype != LYS_RPC) {
@@ -279,6 +290,33 @@ RpcReply Dispatcher::getSchema(const lyd_node* request) const {
                "there is no module " + name + (revision.empty() ? "" : " of " + revision));
     }
     return {{}, xmlEscaped(*text)};
+}
+
+void Dispatcher::subscribe(NetconfSession& session, const lyd_node* request) {
+    const std::string stream = textOf(request, "stream");
+    if (stream != "NETCONF") {
+        refuse("protocol", "invalid-value",
+               "there is no stream " + stream + "; NETCONF was expected");
+    }
+    if (childOf(request, "startTime") != nullptr) {
+        refuse("protocol", "operation-failed",
+               "past events are not kept, so they cannot be sent again");
+    }
+    if (childOf(request, "stopTime") != nullptr) {
+        refuse("protocol", "missing-element", "a stopTime needs a startTime",
+               errorInfo("bad-element", "startTime"));
+    }
+    std::optional<std::vector<FilterNode>> filter;
+    if (const lyd_node* given = childOf(request, "filter")) {
+        if (metaOf(given, "ietf-netconf:type") == "xpath") {
+            refuse("protocol", "operation-not-supported",
+                   "events are filtered by subtree filters only");
+        }
+        filter = readFilter(contentOf(given));
+    }
+    if (!mSubscribe(session, std::move(filter))) {
+        refuse("protocol", "operation-failed", "this session has a subscription already");
+    }
 }
 
 RpcReply Dispatcher::kill(NetconfSession& session, const lyd_node* request) {

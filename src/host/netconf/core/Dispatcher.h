@@ -6,6 +6,7 @@
 
 #include "netconf/core/DataReader.h"
 #include "netconf/core/Datastores.h"
+#include "netconf/core/EventStream.h"
 #include "netconf/wire/RpcError.h"
 #include "netconf/wire/WireModel.h"
 
@@ -26,7 +27,7 @@ struct RpcReply {
 
 /// Answers the requests of RFC 6241 that are not the transport's own (close-session): get,
 /// get-config, edit-config, copy-config, lock, unlock, commit, cancel-commit, discard-changes,
-/// validate, kill-session, and get-schema of RFC 6022.
+/// validate, kill-session, get-schema of RFC 6022, and create-subscription of RFC 5277.
 ///
 /// It knows no transport: a request is a tree of the wire's context, as a parser makes it from XML.
 ///
@@ -36,8 +37,12 @@ public:
     /// Cancels another session and says whether there was one. \p by is the session that wants it.
     using Kill = std::function<bool(std::uint32_t session, const NetconfSession& by)>;
 
+    /// Begins to send the events of events() to a session, filtered. False: it gets them already.
+    using Subscribe =
+        std::function<bool(NetconfSession& session, std::optional<std::vector<FilterNode>> filter)>;
+
     /// All is borrowed.
-    Dispatcher(Host& host, const WireModel& model, Kill kill);
+    Dispatcher(Host& host, const WireModel& model, Kill kill, Subscribe subscribe);
 
     /// \p request is the operation's node. Defaults are added to it. Throws nothing but
     /// std::bad_alloc: all other failures are errors of the reply.
@@ -50,6 +55,7 @@ public:
     void end(NetconfSession& session) { mStores.end(session.id()); }
 
     const WireModel& model() const { return mModel; }
+    EventStream& events() { return mEvents; }
 
 private:
     RpcReply dispatch(NetconfSession& session, lyd_node* request);
@@ -58,6 +64,7 @@ private:
     RpcReply editConfig(NetconfSession& session, const lyd_node* request);
     RpcReply copyConfig(NetconfSession& session, const lyd_node* request);
     RpcReply validate(NetconfSession& session, const lyd_node* request);
+    void subscribe(NetconfSession& session, const lyd_node* request);
     RpcReply getSchema(const lyd_node* request) const;
     RpcReply kill(NetconfSession& session, const lyd_node* request);
     void replaceAll(NetconfSession& session, Datastore target, EditMode mode,
@@ -68,6 +75,8 @@ private:
     Datastores mStores;
     DataReader mReader;
     Kill mKill;
+    Subscribe mSubscribe;
+    EventStream mEvents;
 };
 
 }

@@ -4,6 +4,7 @@
 #include "SessionHub.h"
 
 #include "ServerError.h"
+#include "Subscriber.h"
 #include "netconf/core/ServerLog.h"
 
 #include <libyang/libyang.h>
@@ -17,6 +18,16 @@
 #include <sys/socket.h>
 
 namespace OrvHost {
+
+/// A session with what belongs to it here.
+struct ServedSession {
+    ServedSession(Host& host, nc_session* ofLibrary, const NetconfUser& user)
+        : session(host, nc_session_get_id(ofLibrary), user), library(ofLibrary) {}
+
+    NetconfSession session;
+    nc_session* library;
+    std::unique_ptr<Subscriber> subscriber; ///< null: it has no subscription
+};
 
 namespace {
 
@@ -72,7 +83,7 @@ std::string operationText(const lyd_node* request) {
 }
 
 nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
-    auto& own = *static_cast<NetconfSession*>(nc_session_get_data(session));
+    NetconfSession& own = static_cast<ServedSession*>(nc_session_get_data(session))->session;
     ly_ctx* const context = theHub->dispatcher().model().context().get();
     RpcReply reply;
     try {
@@ -111,11 +122,15 @@ bool waitFor(int fd) {
 }
 
 /// Answers requests until the session ends.
-void answerAll(nc_session* session, int fd) {
+void answerAll(ServedSession& served, int fd) {
+    nc_session* const session = served.library;
     nc_pollsession* const one = nc_ps_new();
     constexpr int kEnd = NC_PSPOLL_NOSESSIONS | NC_PSPOLL_SESSION_TERM | NC_PSPOLL_ERROR;
     if (one != nullptr && nc_ps_add_session(one, session) == 0) {
         while (waitFor(fd) && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0) {
+            if (served.subscriber) {
+                served.subscriber->start();
+            }
         }
         nc_ps_del_session(one, session);
     }
@@ -125,9 +140,12 @@ void answerAll(nc_session* session, int fd) {
 }
 
 SessionHub::SessionHub(Host& host, const WireModel& model)
-    : mHost(host), mDispatcher(host, model, [this](std::uint32_t id, const NetconfSession& by) {
-          return kill(id, by);
-      }) {
+    : mHost(host),
+      mDispatcher(
+          host, model, [this](std::uint32_t id, const NetconfSession& by) { return kill(id, by); },
+          [this](NetconfSession& session, std::optional<std::vector<FilterNode>> filter) {
+              return subscribe(session, std::move(filter));
+          }) {
     theHub = this;
     nc_set_print_clb_session(onLibraryMessage);
     ly_ctx* const context = model.context().get();
@@ -141,6 +159,10 @@ SessionHub::SessionHub(Host& host, const WireModel& model)
         throw ServerError("the NETCONF library cannot be set up");
     }
     nc_server_set_capab_withdefaults(NC_WD_TRIM, NC_WD_ALL | NC_WD_ALL_TAG);
+    for (const char* name : {"notification", "interleave"}) {
+        nc_server_set_capability(
+            (std::string("urn:ietf:params:netconf:capability:") + name + ":1.0").c_str());
+    }
     nc_server_set_hello_timeout(kHelloSeconds);
 }
 
@@ -162,13 +184,20 @@ void SessionHub::serve(Descriptor channel, const NetconfUser& user, const std::s
     }
     const std::uint32_t id = nc_session_get_id(accepted);
     {
-        NetconfSession own(mHost, id, user);
-        nc_session_set_data(accepted, &own);
-        if (enter(id, {channel.get(), &own})) {
+        ServedSession served(mHost, accepted, user);
+        NetconfSession& own = served.session;
+        nc_session_set_data(accepted, &served);
+        if (enter(id, {channel.get(), &served})) {
             logServer(6, own.author() + ": begins, from " + from);
-            answerAll(accepted, channel.get());
-            leave(id);
+            mDispatcher.events().sessionBegins(own);
+            answerAll(served, channel.get());
+            SessionEnd end = leave(id);
+            end.isClosed = nc_session_get_term_reason(accepted) == NC_SESSION_TERM_CLOSED;
+            mDispatcher.events().leave(id);
+            shutdown(channel.get(), SHUT_RDWR);
+            served.subscriber.reset();
             mDispatcher.end(own);
+            mDispatcher.events().sessionEnds(own, end);
             logServer(6, own.author() + ": ends");
         }
         nc_session_set_data(accepted, nullptr);
@@ -185,9 +214,36 @@ bool SessionHub::enter(std::uint32_t id, const Entry& entry) {
     return !mIsEnding;
 }
 
-void SessionHub::leave(std::uint32_t id) {
+SessionEnd SessionHub::leave(std::uint32_t id) {
     const std::lock_guard<std::mutex> lock(mMutex);
+    SessionEnd end;
+    end.killedBy = mSessions.at(id).killedBy;
     mSessions.erase(id);
+    return end;
+}
+
+/// On the session's thread.
+bool SessionHub::subscribe(const NetconfSession& session,
+                           std::optional<std::vector<FilterNode>> filter) {
+    ServedSession* served = nullptr;
+    int fd = -1;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const Entry& entry = mSessions.at(session.id());
+        served = entry.served;
+        fd = entry.fd;
+    }
+    if (served->subscriber) {
+        return false;
+    }
+    served->subscriber = std::make_unique<Subscriber>(
+        served->library, mDispatcher.model(), std::move(filter), [fd, who = session.author()] {
+            logServer(4, who + ": does not read its events, and is ended");
+            shutdown(fd, SHUT_RDWR);
+        });
+    return mDispatcher.events().listen(
+        session.id(), [subscriber = served->subscriber.get()](
+                          const std::shared_ptr<const Event>& event) { subscriber->push(event); });
 }
 
 bool SessionHub::kill(std::uint32_t id, const NetconfSession& by) {
@@ -196,8 +252,10 @@ bool SessionHub::kill(std::uint32_t id, const NetconfSession& by) {
     if (found == mSessions.end()) {
         return false;
     }
-    logServer(6, by.author() + ": kills " + found->second.session->author());
-    found->second.session->client().cancellation().cancel();
+    NetconfSession& killed = found->second.served->session;
+    logServer(6, by.author() + ": kills " + killed.author());
+    found->second.killedBy = by.id();
+    killed.client().cancellation().cancel();
     shutdown(found->second.fd, SHUT_RDWR);
     return true;
 }
@@ -206,7 +264,7 @@ void SessionHub::endAll() {
     const std::lock_guard<std::mutex> lock(mMutex);
     mIsEnding = true;
     for (const auto& [id, entry] : mSessions) {
-        entry.session->client().cancellation().cancel();
+        entry.served->session.client().cancellation().cancel();
         shutdown(entry.fd, SHUT_RDWR);
     }
 }

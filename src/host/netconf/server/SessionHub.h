@@ -10,8 +10,12 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 namespace OrvHost {
+
+struct ServedSession;
 
 /// The sessions of the server: runs the protocol over descriptors that carry nothing else. Framing,
 /// hello and the envelopes of messages are the library's, the answers the dispatcher's.
@@ -44,11 +48,14 @@ public:
 private:
     struct Entry {
         int fd;
-        NetconfSession* session;
+        ServedSession* served;
+        std::optional<std::uint32_t> killedBy{};
     };
 
     bool enter(std::uint32_t id, const Entry& entry);
-    void leave(std::uint32_t id);
+    /// How it has ended, but for what the library knows.
+    SessionEnd leave(std::uint32_t id);
+    bool subscribe(const NetconfSession& session, std::optional<std::vector<FilterNode>> filter);
     bool kill(std::uint32_t id, const NetconfSession& by);
 
     Host& mHost;

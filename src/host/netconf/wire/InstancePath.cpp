@@ -71,6 +71,16 @@ void InstancePath::where(const lysc_node* key, const std::string& value) {
     text += "[" + qualified(key) + "=" + quote + value + quote + "]";
 }
 
+bool InstancePath::whereSelf(const std::string& value) {
+    const bool hasSingle = value.find('\'') != std::string::npos;
+    if (hasSingle && value.find('"') != std::string::npos) {
+        return false;
+    }
+    const char quote = hasSingle ? '"' : '\'';
+    text += std::string("[.=") + quote + value + quote + "]";
+    return true;
+}
+
 InstancePath instancePathOf(const lyd_node* node) {
     InstancePath path;
     appendData(node, path);

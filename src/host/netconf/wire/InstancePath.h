@@ -25,6 +25,9 @@ struct InstancePath {
     /// Adds a predicate to the last step. \p value holds not both kinds of quotation marks, as
     /// naming values never do.
     void where(const lysc_node* key, const std::string& value);
+    /// Names the entry of a leaf-list with that value. False, and nothing is added, if the value
+    /// holds both kinds of quotation marks.
+    bool whereSelf(const std::string& value);
 
 private:
     std::string qualified(const lysc_node* node);

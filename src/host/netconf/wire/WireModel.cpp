@@ -13,6 +13,8 @@ extern const char kEmbedded_ietf_netconf_yang[];
 extern const char kEmbedded_ietf_netconf_monitoring_yang[];
 extern const char kEmbedded_ietf_netconf_with_defaults_yang[];
 extern const char kEmbedded_orv_netconf_defaults_yang[];
+extern const char kEmbedded_notifications_yang[];
+extern const char kEmbedded_ietf_netconf_notifications_yang[];
 
 namespace OrvHost {
 
@@ -33,6 +35,8 @@ void addProtocol(YangModelReader& reader) {
     addModule(reader, "ietf-netconf-monitoring", kEmbedded_ietf_netconf_monitoring_yang);
     addModule(reader, "ietf-netconf-with-defaults", kEmbedded_ietf_netconf_with_defaults_yang);
     addModule(reader, kDefaultsModule, kEmbedded_orv_netconf_defaults_yang);
+    addModule(reader, "notifications", kEmbedded_notifications_yang);
+    addModule(reader, "ietf-netconf-notifications", kEmbedded_ietf_netconf_notifications_yang);
 }
 
 using Text = std::unique_ptr<char, void (*)(void*)>;
