@@ -3,8 +3,8 @@
 
 # What is installed: the component and the helper library; in one directory, the headers that an
 # interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
-# reference host also orvhost and the generator of data with their manual pages and completions, and
-# the models of the examples.
+# reference host also orvhost and the generator of data with their manual pages and completions, a
+# unit for systemd, and the models of the examples.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
@@ -57,6 +57,11 @@ if(TARGET orvhost)
     DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
   install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.fish"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
+  if(ORV_NETCONF)
+    configure_file("${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.service.in"
+      "${PROJECT_BINARY_DIR}/orvhost.service" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/orvhost.service" DESTINATION lib/systemd/system)
+  endif()
   foreach(directory IN ITEMS examples/models src/host/yang/modules)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${data_dir}/models"
       FILES_MATCHING PATTERN "*.yang")

@@ -79,7 +79,7 @@ def run(*words):
 class Server:
     """orvhost serve with keys and files in a folder of its own."""
 
-    def __init__(self, folder, *options):
+    def __init__(self, folder, *options, variables=None):
         self.folder = pathlib.Path(folder)
         self.key = self.folder / "key"
         if not self.key.exists():
@@ -97,6 +97,7 @@ class Server:
             self.process = subprocess.Popen(
                 [str(word) for word in [*words, *options]],
                 stdout=subprocess.PIPE, stderr=messages, text=True,
+                env={**os.environ, **(variables or {})},
             )
         self.lines = [self.process.stdout.readline() for _ in range(2)]
         if not self.lines[1]:
@@ -669,6 +670,19 @@ class StopTest(ServerCase):
                 with self.assertRaises(Exception):
                     client.get_config("running")
                 self.server = Server(self.folder)
+
+    def test_the_service_manager_is_told(self):
+        self.end()
+        for address in (str(self.folder / "notify"), f"\0orvhost-test-{os.getpid()}"):
+            with self.subTest(address), socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as told:
+                told.bind(address)
+                told.settimeout(30)
+                name = address.replace("\0", "@")
+                self.server = Server(self.folder, variables={"NOTIFY_SOCKET": name})
+                self.assertEqual(told.recv(100), b"READY=1")
+                self.assert_serves()
+                self.end()
+                self.assertEqual(told.recv(100), b"STOPPING=1")
 
     def test_a_search_that_takes_long_does_not_delay_the_end(self):
         client = self.local()

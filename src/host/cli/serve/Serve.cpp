@@ -9,6 +9,7 @@
 #ifdef ORVHOST_NETCONF
 
 #include "base/Environment.h"
+#include "cli/serve/ServiceManager.h"
 #include "netconf/server/NetconfServer.h"
 
 #include <chrono>
@@ -91,11 +92,13 @@ int serve(const Options& options, std::ostream& out) {
         out << line << '\n';
     }
     out << std::flush;
+    tellServiceManager("READY=1");
     while (signals.next() == SIGHUP) {
         if (!setup.log().reopen()) {
             std::cerr << "orvhost: the log's file cannot be opened again\n";
         }
     }
+    tellServiceManager("STOPPING=1");
     // The program must end in time, and nothing that is still at work has written anything that
     // lasts.
     if (!server.end(kPatience)) {
