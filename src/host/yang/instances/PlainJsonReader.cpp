@@ -29,7 +29,7 @@ struct PlainJsonReader::Member {
     bool isTransparent = false;
     const ObjectShape* object = nullptr;
     const ValueShape* value = nullptr;
-    const Place* inside = nullptr; ///< what may stand in it; null until it is needed
+    mutable const Place* inside = nullptr; ///< what may stand in it; null until it is needed
 
     bool isCalled(std::string_view text) const {
         return (isNameEnough && text == name) || text == qualifiedName;
@@ -119,7 +119,7 @@ private:
     }
     const Place& insideOf(const Member& member) {
         if (member.inside == nullptr) {
-            const_cast<Member&>(member).inside = &mReader.placeOf(member.node);
+            member.inside = &mReader.placeOf(member.node);
         }
         return *member.inside;
     }
