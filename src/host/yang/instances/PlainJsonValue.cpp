@@ -117,8 +117,9 @@ std::optional<Value> readWhole(std::string_view text, std::uint32_t form, const 
     if (!number || (bits == 64) != (form == kQuoted)) {
         return std::nullopt;
     }
-    const auto most = static_cast<Number>(std::numeric_limits<Number>::max() >> (64 - bits));
-    const auto least = static_cast<Number>(std::is_signed_v<Number> ? -1 - most : 0);
+    using Limits = std::numeric_limits<Number>;
+    const auto most = static_cast<Number>(Limits::max() >> (64 - bits));
+    const auto least = static_cast<Number>(Limits::min() >> (64 - bits));
     const bool fits = least <= *number && *number <= most && isWithin(*number, rangeOf(type));
     return fits ? std::optional<Value>(*number) : std::nullopt;
 }
