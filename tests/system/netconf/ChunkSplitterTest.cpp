@@ -22,7 +22,7 @@ std::string passed(const std::string& in, std::size_t size, std::size_t limit = 
 
 TEST(ChunkSplitterTest, WhatEndsWithAMark_IsUnchanged) {
     const std::string messages = "<hello/>]]>]]>\n<a>\n#9\n]]]>]]>]]>]]><b/>]]>]]>";
-    for (const std::size_t size : {1, 2, 3, 7, 100}) {
+    for (const std::size_t size : {1U, 2U, 3U, 7U, 100U}) {
         EXPECT_EQ(passed(messages, size), messages);
     }
 }
@@ -36,7 +36,7 @@ TEST(ChunkSplitterTest, LargeChunks_AreSplitAndSmallOnesStay) {
 
 TEST(ChunkSplitterTest, PiecesOfTheInput_DoNotChangeTheContent) {
     const std::string in = "<hello/>]]>]]>\n#9\nabcdefghi\n#4\n\n##\n\n##\n\n#2\nxy\n##\n";
-    for (const std::size_t size : {1, 2, 3, 5, 11}) {
+    for (const std::size_t size : {1U, 2U, 3U, 5U, 11U}) {
         const std::string out = passed(in, size);
         std::string content;
         for (std::size_t at = out.find("]]>]]>") + 6; at < out.size();) {

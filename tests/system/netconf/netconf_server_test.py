@@ -449,7 +449,7 @@ class ProtocolTest(ServerCase):
         writer.close_session()
         end = self.events_of(listener, "netconf-session-end")
         self.assertIn("<termination-reason>closed</termination-reason>", end)
-        third = self.connect()
+        third = self.server.connect()
         self.events_of(listener, f"<session-id>{third.session_id}</session-id>")
         listener.kill_session(third.session_id)
         end = self.events_of(listener, "netconf-session-end")
