@@ -17,6 +17,7 @@ import stat
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
@@ -477,6 +478,32 @@ class ProtocolTest(ServerCase):
         with self.assertRaises(EOFError):
             for _ in labels:
                 deaf.receive()
+
+    def test_events_between_requests(self):
+        listener, writer = self.local(), self.local()
+        self.assertIn("<ok/>", listener.ask(rpc('<create-subscription xmlns='
+                      '"urn:ietf:params:xml:ns:netconf:notification:1.0"/>')))
+
+        def commit():
+            for number in range(300):
+                self.assertIn("<ok/>", writer.ask(rpc(
+                    "<edit-config><target><running/></target>"
+                    + config(element(f"<userLabel>label {number}</userLabel>"))
+                    + "</edit-config>")))
+
+        committing = threading.Thread(target=commit)
+        committing.start()
+        events = 0
+        for _ in range(300):
+            message = listener.ask(GET_LABEL)
+            while "<netconf-config-change" in message:
+                events += 1
+                message = listener.receive()
+            self.assertIn("<userLabel>", message)
+        while events < 300:
+            self.assertIn("<netconf-config-change", listener.receive())
+            events += 1
+        committing.join()
 
     def test_kill_session(self):
         first, second = self.connect(), self.connect()

@@ -10,6 +10,8 @@
 #include <libyang/libyang.h>
 #include <nc_server.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -110,28 +112,29 @@ void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) 
     }
 }
 
-/// Waits until there is something to read; false if the connection is at its end.
-bool waitFor(int fd) {
-    pollfd wanted{fd, POLLIN, 0};
-    while (poll(&wanted, 1, -1) < 0) {
-        if (errno != EINTR) {
-            return false;
-        }
-    }
-    return (wanted.revents & POLLIN) != 0;
-}
-
-/// Answers requests until the session ends.
+/// Answers requests, and sends events, until the session ends.
 void answerAll(ServedSession& served, int fd) {
     nc_session* const session = served.library;
     nc_pollsession* const one = nc_ps_new();
     constexpr int kEnd = NC_PSPOLL_NOSESSIONS | NC_PSPOLL_SESSION_TERM | NC_PSPOLL_ERROR;
-    if (one != nullptr && nc_ps_add_session(one, session) == 0) {
-        while (waitFor(fd) && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0) {
-            if (served.subscriber) {
-                served.subscriber->start();
-            }
+    const bool isAdded = one != nullptr && nc_ps_add_session(one, session) == 0;
+    bool isOpen = isAdded;
+    while (isOpen) {
+        std::array<pollfd, 2> wanted{
+            {{fd, POLLIN, 0},
+             {served.subscriber ? served.subscriber->waitingFd() : -1, POLLIN, 0}}};
+        if (poll(wanted.data(), wanted.size(), -1) < 0) {
+            isOpen = errno == EINTR;
+            continue;
         }
+        if (wanted[1].revents != 0) {
+            served.subscriber->sendWaiting();
+        }
+        if (wanted[0].revents != 0) {
+            isOpen = (wanted[0].revents & POLLIN) != 0 && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0;
+        }
+    }
+    if (isAdded) {
         nc_ps_del_session(one, session);
     }
     nc_ps_free(one);

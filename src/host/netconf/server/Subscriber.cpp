@@ -8,8 +8,12 @@
 #include <libyang/libyang.h>
 #include <nc_server.h>
 
+#include <cerrno>
 #include <cstring>
+#include <system_error>
 #include <utility>
+
+#include <sys/eventfd.h>
 
 namespace OrvHost {
 
@@ -36,74 +40,65 @@ OwnedTree parsed(const WireModel& model, const std::string& xml) {
 
 Subscriber::Subscriber(nc_session* session, const WireModel& model, Filter filter,
                        std::function<void()> lose)
-    : mSession(session), mModel(model), mFilter(std::move(filter)), mLose(std::move(lose)) {
+    : mSession(session),
+      mModel(model),
+      mFilter(std::move(filter)),
+      mLose(std::move(lose)),
+      mSignal(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (mSignal.get() < 0) {
+        throw std::system_error(errno, std::generic_category(), "no descriptor for events");
+    }
     nc_session_inc_notif_status(session);
 }
 
 Subscriber::~Subscriber() {
-    {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mIsEnding = true;
-        mChanged.notify_one();
-    }
-    if (mThread.joinable()) {
-        mThread.join();
-    }
     nc_session_dec_notif_status(mSession);
 }
 
 void Subscriber::push(const std::shared_ptr<const Event>& event) {
     const std::lock_guard<std::mutex> lock(mMutex);
+    if (mIsLost) {
+        return;
+    }
     if (mWaiting.size() >= kMostWaiting) {
-        mIsEnding = true;
+        mIsLost = true;
+        mWaiting.clear();
         mLose();
-    } else if (!mIsEnding) {
-        mWaiting.push_back(event);
+        return;
     }
-    mChanged.notify_one();
+    mWaiting.push_back(event);
+    eventfd_write(mSignal.get(), 1);
 }
 
-void Subscriber::start() {
-    if (!mThread.joinable()) {
-        mThread = std::thread([this] { run(); });
+void Subscriber::sendWaiting() {
+    std::deque<std::shared_ptr<const Event>> events;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        eventfd_t count = 0;
+        eventfd_read(mSignal.get(), &count);
+        events.swap(mWaiting);
     }
-}
-
-void Subscriber::run() {
-    std::unique_lock<std::mutex> lock(mMutex);
-    while (!mIsEnding) {
-        if (mWaiting.empty()) {
-            mChanged.wait(lock);
-            continue;
+    for (const auto& event : events) {
+        if (!send(*event)) {
+            return;
         }
-        const std::shared_ptr<const Event> event = mWaiting.front();
-        mWaiting.pop_front();
-        lock.unlock();
-        send(*event);
-        lock.lock();
     }
-    lock.unlock();
-    nc_thread_destroy();
 }
 
-void Subscriber::send(const Event& event) {
+bool Subscriber::send(const Event& event) {
     OwnedTree tree = parsed(mModel, event.xml);
     if (mFilter && tree != nullptr) {
         tree = filtered(std::move(tree), *mFilter);
     }
     if (tree == nullptr) {
-        return;
+        return true;
     }
     nc_server_notif* notification =
         nc_server_notif_new(tree.release(), strdup(event.time.c_str()), NC_PARAMTYPE_FREE);
-    // The session may be busy with a reply.
-    while (nc_server_notif_send(mSession, notification, 200) == NC_MSG_WOULDBLOCK) {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        if (mIsEnding) {
-            break;
-        }
-    }
+    constexpr int kNoLimit = -1;
+    const bool isSent = nc_server_notif_send(mSession, notification, kNoLimit) == NC_MSG_NOTIF;
     nc_server_notif_free(notification);
+    return isSent;
 }
 
 }
