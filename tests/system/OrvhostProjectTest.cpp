@@ -90,7 +90,7 @@ TEST_F(OrvhostProjectTest, Named_PathsAreRelativeToIt) {
     EXPECT_THAT(runOrvhost({"--project", file, "model"}).out, HasSubstr("Site"));
     project("");
     const auto none = runIn({"--project", "", "ls"});
-    EXPECT_THAT(none.err, HasSubstr("no module"));
+    EXPECT_THAT(none.err, HasSubstr("no model was named"));
     EXPECT_THAT(none.err, Not(HasSubstr("orvhost.toml")));
 }
 

@@ -138,9 +138,9 @@ TEST(OrvhostTransactionsTest, Choice_OfTwoCases_TellsTheObject) {
                                  " key id; leaf id { type string; } choice c {"
                                  " leaf one { type string; } leaf two { type string; } } } }");
     const auto result = runOrvhost({"-m", module, "--me-id", "H", "-c", "begin", "-c",
-                                    "create ManagedElement=H one=a two=b", "-c", "validate"});
+                                    "create ManagedElement=1 one=a two=b", "-c", "validate"});
     EXPECT_THAT(result.err, HasSubstr("are of two cases"));
-    EXPECT_THAT(result.err, HasSubstr("\n    object     ManagedElement=H\n"));
+    EXPECT_THAT(result.err, HasSubstr("\n    object  ManagedElement=H\n"));
 }
 
 TEST(OrvhostTransactionsTest, Bounds_OfChildren_AreExplained) {

@@ -116,6 +116,25 @@ TEST_F(NetconfConfirmedCommitTest, FurtherConfirmedCommit_IsTakenBackWithTheFirs
     EXPECT_EQ(running(), before);
 }
 
+TEST_F(NetconfConfirmedCommitTest, Parameters_ThatCannotBe_AreRefused) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    EXPECT_THAT(commit(alice, "<confirmed/><confirm-timeout>86401</confirm-timeout>"),
+                hasTag("invalid-value"));
+    EXPECT_THAT(commit(alice, "<persist>x7</persist>"), hasTag("missing-element"));
+    EXPECT_THAT(commit(alice, "<confirmed/><persist/>"), hasTag("invalid-value"));
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour"))) << "nothing is committed";
+}
+
+TEST_F(NetconfConfirmedCommitTest, CopyToRunning_WhileOneWaits_ConfirmsNothing) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT(ask("<copy-config><target><running/></target><source><candidate/></source>"
+                    "</copy-config>"),
+                hasTag("in-use"));
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+}
+
 TEST_F(NetconfConfirmedCommitTest, Persistent_IsConfirmedByWhoKnowsItsToken) {
     ASSERT_EQ(label("Old harbour"), "ok");
     ASSERT_EQ(commit(alice, "<confirmed/><persist>x7</persist>"), "ok");

@@ -72,6 +72,18 @@ TEST_F(NetconfEventTest, ObjectsAndLeaves_HaveTheirOperations) {
                                     AllOf(hasEdit(unit, "delete"), Not(HasSubstr("Antenna[")))));
 }
 
+TEST_F(NetconfEventTest, AnotherOrder_NamesTheObject) {
+    ASSERT_EQ(subscribe(), "ok");
+    ASSERT_EQ(edit(element(R"(<GNBDUFunction xmlns="urn:orv:example:ran-function">)"
+                           "<gNBDUFunctionId>1</gNBDUFunctionId><NRCellDU><nRCellDUId>3"
+                           R"(</nRCellDUId><cellReservedFor yang:insert="first" xmlns:yang=)"
+                           R"("urn:ietf:params:xml:ns:yang:1">MAINTENANCE</cellReservedFor>)"
+                           "</NRCellDU></GNBDUFunction>"),
+                   "running"),
+              "ok");
+    EXPECT_THAT(events, ElementsAre(hasEdit("[ran-function:nRCellDUId='3']", "merge")));
+}
+
 TEST_F(NetconfEventTest, WhatIsTakenBackByItself_IsByTheServer) {
     ASSERT_EQ(edit(element("<userLabel>Old harbour</userLabel>")), "ok");
     ASSERT_EQ(ask(bob, "<commit><confirmed/></commit>"), "ok");

@@ -282,8 +282,8 @@ void HostSetup::checkAndRepair(const Options& options, DataSet& data, ProgressBa
         problems.emplace_back("--repair adds the missing sides of associations; --as-is takes "
                               "associations as they are.");
     }
-    failIfAny(problems);
     printNotes(report.notes, bar);
+    failIfAny(problems);
     if (mRules) {
         bar.update("checking rules", data.size(), 0);
         failIfAny(data.checkRules(*mRules));

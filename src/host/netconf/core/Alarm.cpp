@@ -13,9 +13,6 @@ void Alarm::set(Clock::time_point when) {
         return;
     }
     mWhen = when;
-    if (!mThread.joinable()) {
-        mThread = std::thread([this] { run(); });
-    }
     mChanged.notify_one();
 }
 

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace OrvHost {
 
@@ -23,7 +24,8 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// \p ring must not throw. It may set the alarm, and must not destroy it.
-    explicit Alarm(std::function<void()> ring) : mRing(std::move(ring)) {}
+    explicit Alarm(std::function<void()> ring)
+        : mRing(std::move(ring)), mThread([this] { run(); }) {}
     /// Waits for a call that is running. None comes any more.
     ~Alarm() { stop(); }
     Alarm(const Alarm&) = delete;

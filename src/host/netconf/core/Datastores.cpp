@@ -48,6 +48,11 @@ private:
     bool mIsEnded = false;
 };
 
+RpcError inUse(const ConfirmedCommit& waiting) {
+    return protocolError("in-use", "a confirmed commit of " + waiting.author() +
+                                       " waits for its confirmation");
+}
+
 }
 
 std::string datastoreName(Datastore store) {
@@ -92,8 +97,7 @@ void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeW
     const std::lock_guard<std::mutex> lock(mRunningMutex);
     requireMayEdit(session, Datastore::Running, mode);
     if (mode == EditMode::Write && mUnconfirmed && mUnconfirmed->owner() != session.id()) {
-        throw RpcErrors(protocolError("in-use", "a confirmed commit of " + mUnconfirmed->author() +
-                                                    " waits for its confirmation"));
+        throw RpcErrors(inUse(*mUnconfirmed));
     }
     const Committer committer(session);
     ClientSession& client = session.client();
@@ -175,6 +179,18 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     }
     mUnconfirmed->wait(request);
     setAlarm();
+}
+
+void Datastores::copyToRunning(NetconfSession& session) {
+    const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
+    requireUnlocked(session, Datastore::Running);
+    requireUnlocked(session, Datastore::Candidate);
+    throwIfLost(session);
+    if (mUnconfirmed) {
+        throw RpcErrors(inUse(*mUnconfirmed));
+    }
+    const Committer committer(session);
+    commitCandidate(session);
 }
 
 void Datastores::commitCandidate(const NetconfSession& session) {

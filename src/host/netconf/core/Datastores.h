@@ -81,6 +81,10 @@ public:
     /// Makes the candidate the running state; nothing if nobody has edited it. Confirms a confirmed
     /// commit that is waiting, or, if it is one itself, makes it wait anew.
     void commit(NetconfSession& session, const CommitRequest& request = {});
+
+    /// Makes the candidate the running state, too, but confirms nothing: while a confirmed commit
+    /// waits, it is refused.
+    void copyToRunning(NetconfSession& session);
     /// Takes back the confirmed commit that is waiting.
     void cancelCommit(NetconfSession& session, const std::optional<std::string>& persistId);
     void discard(NetconfSession& session);

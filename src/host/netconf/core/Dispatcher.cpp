@@ -44,12 +44,27 @@ std::optional<std::string> optionalTextOf(const lyd_node* node, const std::strin
     return childOf(node, name) != nullptr ? std::optional(textOf(node, name)) : std::nullopt;
 }
 
+/// Nobody can end a confirmed commit whose token is lost, so it must not wait for ever.
+constexpr std::chrono::hours kLongestConfirmation{24};
+
 CommitRequest commitRequestOf(const lyd_node* request) {
     CommitRequest commit;
     commit.isConfirmed = childOf(request, "confirmed") != nullptr;
     commit.timeout = std::chrono::seconds(std::stoul(textOf(request, "confirm-timeout")));
     commit.persist = optionalTextOf(request, "persist");
     commit.persistId = optionalTextOf(request, "persist-id");
+    if (commit.timeout > kLongestConfirmation) {
+        refuse("protocol", "invalid-value",
+               "a confirmed commit waits for a day (86400 seconds) at most");
+    }
+    if (commit.persist && !commit.isConfirmed) {
+        refuse("protocol", "missing-element", "<persist> belongs to a commit with <confirmed>",
+               errorInfo("bad-element", "confirmed"));
+    }
+    if (commit.persist && commit.persist->empty()) {
+        refuse("protocol", "invalid-value", "<persist> is empty; a token was expected",
+               errorInfo("bad-element", "persist"));
+    }
     return commit;
 }
 
@@ -262,7 +277,7 @@ RpcReply Dispatcher::copyConfig(NetconfSession& session, const lyd_node* request
     if (target == Datastore::Candidate) {
         mStores.discard(session);
     } else {
-        mStores.commit(session);
+        mStores.copyToRunning(session);
     }
     return {};
 }

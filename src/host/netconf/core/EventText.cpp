@@ -82,8 +82,12 @@ private:
                 // An entry without keys cannot be named.
                 add(instancePathOf(mSchema, dn), "merge");
             } else {
+                const std::size_t former = mXml.size();
                 addEntries(path, *value, attribute.before, attribute.after, "delete");
                 addEntries(path, *value, attribute.after, attribute.before, "create");
+                if (mXml.size() == former) { // only the order is another
+                    add(instancePathOf(mSchema, dn), "merge");
+                }
             }
         }
     }

@@ -112,6 +112,17 @@ void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) 
     }
 }
 
+/// False if that is not possible, for example without memory: the session must end.
+bool sendEvents(Subscriber& subscriber) {
+    try {
+        subscriber.sendWaiting();
+        return true;
+    } catch (const std::exception& failure) {
+        logServer(3, std::string("events cannot be sent: ") + failure.what());
+        return false;
+    }
+}
+
 /// Answers requests, and sends events, until the session ends.
 void answerAll(ServedSession& served, int fd) {
     nc_session* const session = served.library;
@@ -127,8 +138,8 @@ void answerAll(ServedSession& served, int fd) {
             isOpen = errno == EINTR;
             continue;
         }
-        if (wanted[1].revents != 0) {
-            served.subscriber->sendWaiting();
+        if (wanted[1].revents != 0 && !sendEvents(*served.subscriber)) {
+            break;
         }
         if (wanted[0].revents != 0) {
             isOpen = (wanted[0].revents & POLLIN) != 0 && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0;
@@ -161,10 +172,12 @@ SessionHub::SessionHub(Host& host, const WireModel& model)
         theHub = nullptr;
         throw ServerError("the NETCONF library cannot be set up");
     }
-    nc_server_set_capab_withdefaults(NC_WD_TRIM, NC_WD_ALL | NC_WD_ALL_TAG);
-    for (const char* name : {"notification", "interleave"}) {
+    // The library's own function for with-defaults names the basic mode among the others, too.
+    for (const char* capability : {"notification:1.0", "interleave:1.0",
+                                   "with-defaults:1.0?basic-mode=trim&also-supported=report-all,"
+                                   "report-all-tagged"}) {
         nc_server_set_capability(
-            (std::string("urn:ietf:params:netconf:capability:") + name + ":1.0").c_str());
+            (std::string("urn:ietf:params:netconf:capability:") + capability).c_str());
     }
     nc_server_set_hello_timeout(kHelloSeconds);
 }

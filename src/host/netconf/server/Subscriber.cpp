@@ -21,6 +21,7 @@ namespace {
 
 /// Events that wait for a client that does not read.
 constexpr std::size_t kMostWaiting = 1000;
+constexpr std::size_t kMostBytes = std::size_t{64} << 20U;
 
 OwnedTree parsed(const WireModel& model, const std::string& xml) {
     ly_in* in = nullptr;
@@ -60,7 +61,8 @@ void Subscriber::push(const std::shared_ptr<const Event>& event) {
     if (mIsLost) {
         return;
     }
-    if (mWaiting.size() >= kMostWaiting) {
+    mWaitingBytes += event->xml.size();
+    if (mWaiting.size() >= kMostWaiting || (mWaitingBytes > kMostBytes && !mWaiting.empty())) {
         mIsLost = true;
         mWaiting.clear();
         mLose();
@@ -77,6 +79,7 @@ void Subscriber::sendWaiting() {
         eventfd_t count = 0;
         eventfd_read(mSignal.get(), &count);
         events.swap(mWaiting);
+        mWaitingBytes = 0;
     }
     for (const auto& event : events) {
         if (!send(*event)) {

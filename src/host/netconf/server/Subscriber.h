@@ -56,6 +56,7 @@ private:
 
     std::mutex mMutex; ///< guards all below
     std::deque<std::shared_ptr<const Event>> mWaiting;
+    std::size_t mWaitingBytes = 0;
     bool mIsLost = false;
 };
 

@@ -113,6 +113,7 @@ void refuseMalformed(std::string_view text, const std::string& label) {
 
 ParsedData parse(const std::string& text, LYD_FORMAT format, std::uint32_t options,
                  const YangContext& context, const std::string& label) {
+    context.takeMessages(); // of other attempts, which would be taken for this one's
     const ParserInput input = parserInputOf(text);
     lyd_node* parsed = nullptr;
     // Parsing only: checks of whole trees take quadratic time for references, and would refuse the

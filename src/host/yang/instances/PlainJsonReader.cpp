@@ -46,22 +46,21 @@ PlainJsonReader::PlainJsonReader(const YangSchema& schema) : mSchema(schema) {}
 PlainJsonReader::~PlainJsonReader() = default;
 
 const PlainJsonReader::Place& PlainJsonReader::placeOf(const lysc_node* node) {
-    std::unique_ptr<Place>& place = mPlaces[node];
-    if (!place) {
-        place = std::make_unique<Place>();
-        if (node != nullptr) {
-            addMembers(*place, node, nullptr);
-        } else {
-            std::uint32_t index = 0;
-            while (const lys_module* module =
-                       ly_ctx_get_module_iter(mSchema.context().get(), &index)) {
-                if (module->implemented != 0) {
-                    addMembers(*place, nullptr, module->compiled);
-                }
+    if (const auto known = mPlaces.find(node); known != mPlaces.end()) {
+        return *known->second;
+    }
+    auto place = std::make_unique<Place>();
+    if (node != nullptr) {
+        addMembers(*place, node, nullptr);
+    } else {
+        std::uint32_t index = 0;
+        while (const lys_module* module = ly_ctx_get_module_iter(mSchema.context().get(), &index)) {
+            if (module->implemented != 0) {
+                addMembers(*place, nullptr, module->compiled);
             }
         }
     }
-    return *place;
+    return *mPlaces.emplace(node, std::move(place)).first->second;
 }
 
 void PlainJsonReader::addMembers(Place& place, const lysc_node* parent, const lysc_module* module) {
@@ -236,8 +235,10 @@ private:
     bool readKey(const Member& member, std::vector<std::string>& keys) {
         const auto value =
             PlainJsonValue::read(mText, mContext, member.node, kindOf(typeOfLeaf(member.node)));
-        if (!value || std::holds_alternative<double>(*value)) {
-            return false; // the text of a number with a point has a form of its own
+        // The text of a number with a point has a form of its own, and so has what is empty.
+        if (!value || std::holds_alternative<double>(*value) ||
+            typeOfLeaf(member.node)->basetype == LY_TYPE_EMPTY) {
+            return false;
         }
         keys.push_back(toText(*value));
         return true;

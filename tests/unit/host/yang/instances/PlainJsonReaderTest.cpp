@@ -160,6 +160,31 @@ TEST(PlainJsonReader, OddTexts_AreLeftToTheLibrary) {
     }
 }
 
+YangModel oddModel() {
+    return YangModelReader()
+        .offerText("m", "m.yang", R"(module m { yang-version 1.1; namespace 'urn:m'; prefix m;
+            list A { key id; leaf id { type string; }
+              leaf path { type instance-identifier { require-instance false; } }
+              list B { key "none number"; leaf none { type empty; } leaf number { type int32; } } } })")
+        .load("m")
+        .read();
+}
+
+TEST(PlainJsonReader, KeyWithoutAValue_IsLeftToTheLibrary) {
+    const YangModel model = oddModel();
+    const std::string text = R"({"m:A": [{"id": "a", "B": [{"none": [null], "number": 3}]}]})";
+    EXPECT_FALSE(PlainJsonReader(*model.schema).read(text));
+    EXPECT_EQ(readObjectsOf(model, text).size(), 2U);
+}
+
+TEST(PlainJsonReader, WrongValue_IsReportedByTheLibraryAlone) {
+    const YangModel model = oddModel();
+    EXPECT_THAT(
+        dataErrorOf(
+            [&] { readObjectsOf(model, "{\"m:A\": [{\"id\": \"a\",\n\"path\": \"bad\"}]}"); }),
+        testing::AllOf(testing::HasSubstr(":2: "), testing::HasSubstr("/m:A[id='a']/path")));
+}
+
 TEST(PlainJsonReader, EveryDataFile_IsReadAsByTheLibraryOrLeftToIt) {
     for (const auto& entry : std::filesystem::directory_iterator(testData("broken"))) {
         if (entry.path().extension() == ".json") {
