@@ -88,9 +88,9 @@ void run(const Options& options) {
     const std::size_t files =
         options.slice > 0 ? writeSlices(options, network) : writeOne(options, network);
     std::cout << plan.size() << " objects with " << plan.cells
-              << (plan.cells == 1 ? " cell" : " cells") << " written to "
-              << options.output.string() << (files > 1 ? " in " : "")
-              << (files > 1 ? std::to_string(files) + " files" : "") << "\n";
+              << (plan.cells == 1 ? " cell" : " cells") << " written to " << options.output.string()
+              << (files > 1 ? " in " : "") << (files > 1 ? std::to_string(files) + " files" : "")
+              << "\n";
 }
 
 }
