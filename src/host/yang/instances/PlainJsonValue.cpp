@@ -93,22 +93,6 @@ std::optional<Number> wholeNumber(std::string_view text) {
     return isWhole ? std::optional(number) : std::nullopt;
 }
 
-int bitsOf(LY_DATA_TYPE base) {
-    switch (base) {
-    case LY_TYPE_INT8:
-    case LY_TYPE_UINT8:
-        return 8;
-    case LY_TYPE_INT16:
-    case LY_TYPE_UINT16:
-        return 16;
-    case LY_TYPE_INT32:
-    case LY_TYPE_UINT32:
-        return 32;
-    default:
-        return 64;
-    }
-}
-
 /// The whole number, if the type permits it. Those of 64 bits are quoted in JSON, and others not.
 template <class Number>
 std::optional<Value> readWhole(std::string_view text, std::uint32_t form, const lysc_type* type) {

@@ -109,6 +109,22 @@ ValueKind kindOf(const lysc_type* leafType) {
     return first == ValueKind::Double || first == ValueKind::Bool ? ValueKind::String : first;
 }
 
+int bitsOf(LY_DATA_TYPE base) {
+    switch (base) {
+    case LY_TYPE_INT8:
+    case LY_TYPE_UINT8:
+        return 8;
+    case LY_TYPE_INT16:
+    case LY_TYPE_UINT16:
+        return 16;
+    case LY_TYPE_INT32:
+    case LY_TYPE_UINT32:
+        return 32;
+    default:
+        return 64;
+    }
+}
+
 const lysc_range* rangeOf(const lysc_type* type) {
     switch (type->basetype) {
     case LY_TYPE_DEC64:

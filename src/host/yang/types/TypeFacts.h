@@ -39,6 +39,9 @@ bool hasOpenIdentityref(const lysc_type* leafType);
 /// or text if there are none.
 ValueKind kindOf(const lysc_type* leafType);
 
+/// The size of values of an integer type.
+int bitsOf(LY_DATA_TYPE base);
+
 /// The range of a number or the length of a text; null if there is none.
 const lysc_range* rangeOf(const lysc_type* type);
 

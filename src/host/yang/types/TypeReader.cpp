@@ -12,22 +12,6 @@
 namespace OrvHost {
 namespace {
 
-int bitsOf(LY_DATA_TYPE base) {
-    switch (base) {
-    case LY_TYPE_INT8:
-    case LY_TYPE_UINT8:
-        return 8;
-    case LY_TYPE_INT16:
-    case LY_TYPE_UINT16:
-        return 16;
-    case LY_TYPE_INT32:
-    case LY_TYPE_UINT32:
-        return 32;
-    default:
-        return 64;
-    }
-}
-
 TypeCheck::Function signedCheck(const lysc_type* type) {
     std::vector<TypeCheck::SignedPart> parts = signedParts(rangeOf(type));
     if (parts.empty()) {
