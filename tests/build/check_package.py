@@ -6,6 +6,7 @@
 
 usage: check_package.py find_package|pkg_config|add_subdirectory|headers
            --source SOURCE --build BUILD --compiler COMPILER --run TEST-PROGRAM
+           [--sanitize SANITIZERS]
 
 The sample interceptor is built and then loaded into the test program's host, beside the installed
 component. `headers` compiles every installed header alone. `add_subdirectory` installs nothing: a
@@ -95,7 +96,10 @@ class Package:
         sources = sorted(self.sample.glob("src/*.cpp"))
         (consumer / "my_interceptor.cpp").write_text(
             "".join(f'#include "{source}"\n' for source in sources))
-        build = self.configure_and_build(consumer, f"-DCMAKE_PREFIX_PATH={self.prefix}",
+        settings = [f"-DCMAKE_PREFIX_PATH={self.prefix}"]
+        if self.options.sanitize:  # which a program must bring for the libraries that it loads
+            settings.append(f"-DCMAKE_EXE_LINKER_FLAGS=-fsanitize={self.options.sanitize}")
+        build = self.configure_and_build(consumer, *settings,
                                          targets=("my_host", "my_interceptor"), folder="shown")
         component = only(self.prefix, "libext_cm.so")
         run(only(build, "my_host"), component)
@@ -142,6 +146,7 @@ def main():
     parser.add_argument("--build", type=pathlib.Path, required=True)
     parser.add_argument("--compiler", required=True)
     parser.add_argument("--run", required=True)
+    parser.add_argument("--sanitize", default="", help="what the package was built with")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as directory:
         getattr(Package(options, pathlib.Path(directory)), options.way)()
