@@ -68,7 +68,7 @@ void readData(const std::string& examples, const YangModel& model, DataSet& data
         .nameRoot("1")
         .read({examples + "/data/harbour.json"}, [&](DataObject&& object, const std::string& file) {
             // Parents come before their children.
-            data.add({std::move(object.dn), std::move(object.attributes), {file, 0}});
+            data.add({std::move(object.dn), std::move(object.attributes), {file, object.line}});
         });
     // [/yang-data]
 }

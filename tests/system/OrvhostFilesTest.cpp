@@ -135,7 +135,7 @@ TEST_P(OrvhostFilesTest, SavedFile_WithReferencesToNothing_IsTakenWithNotes) {
     const auto result =
         runRan("Harbour", {"-d", file}, {"diff " + file + " committed", "exists " + unit + "2"});
     EXPECT_EQ(result.out, "no\n");
-    EXPECT_THAT(result.err, HasSubstr("note: " + file + ": "));
+    EXPECT_THAT(result.err, HasSubstr("note: " + file + ":"));
     EXPECT_THAT(result.err, HasSubstr("Sector=2: attribute radioUnitRef names "));
 }
 
@@ -150,7 +150,7 @@ TEST_P(OrvhostFilesTest, SavedFile_WithOneSideMissing_NeedsAsIs) {
     const auto taken = runRan("Harbour", {"-d", file, "--as-is"},
                               {"expect output '' : diff " + file + " committed"});
     EXPECT_EQ(taken.status, 0) << taken.err;
-    EXPECT_THAT(taken.err, HasSubstr("note: " + file + ": "));
+    EXPECT_THAT(taken.err, HasSubstr("note: " + file + ":"));
 }
 
 // Each back-pointer would come twice if both sides of an association were written.

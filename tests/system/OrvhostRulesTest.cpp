@@ -113,7 +113,7 @@ TEST_F(OrvhostRulesTest, Condition_IsJudgedInData) {
         run({"-c", "ls"}, R"({"m:Site": [{"id": "1", "mastRef": "Site=1,Mast=1",
                                            "Mast": [{"id": "1"}]}]})");
     EXPECT_EQ(result.status, kLoad);
-    EXPECT_THAT(result.err, HasSubstr("m.json: Site=1: attribute 'mastRef': it has a value "
+    EXPECT_THAT(result.err, HasSubstr("m.json:1: Site=1: attribute 'mastRef': it has a value "
                                       "although the condition \"../kind = 'tower'\" is false"));
 }
 
@@ -181,7 +181,7 @@ TEST_F(OrvhostRulesTest, Data_IsCheckedWithTheOption) {
     EXPECT_EQ(run({"-c", "ls"}, data).status, 0);
     const ProgramResult result = run({"--yang-rules", "-c", "ls"}, data);
     EXPECT_EQ(result.status, kLoad);
-    EXPECT_THAT(result.err, HasSubstr("m.json: Site=1,Mast=1: attribute 'height': higher"));
+    EXPECT_THAT(result.err, HasSubstr("m.json:1: Site=1,Mast=1: attribute 'height': higher"));
 }
 
 }

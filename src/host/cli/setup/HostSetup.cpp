@@ -254,7 +254,7 @@ void HostSetup::gather(const Options& options, DataSet& data, ProgressBar& bar) 
     bar.update("reading", 0, 0);
     try {
         reader.read(options.data, [&](DataObject&& object, const std::string& file) {
-            data.add({std::move(object.dn), std::move(object.attributes), {file, 0}});
+            data.add({std::move(object.dn), std::move(object.attributes), {file, object.line}});
         });
     } catch (const InstanceDataError& failure) {
         throw LoadError(failure.what());

@@ -27,6 +27,7 @@ struct DataObject {
     /// an object already exists, that one is meant, and nothing is to be done with it; otherwise it
     /// is a new object without attributes.
     bool isBare = false;
+    int line = 0; ///< where its name stands in a file; 0: not known
 };
 
 }

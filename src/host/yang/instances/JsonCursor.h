@@ -40,6 +40,9 @@ public:
         return mAt != mEnd && *mAt == '"';
     }
 
+    /// Of what was taken last, from 1.
+    int line() const { return mLine; }
+
     /// A string without its quotes; a view of the text, or of memory that the next string uses
     /// again. Nothing for a string that is not closed, or that has an escape with a number or a
     /// character that parsers judge differently.
@@ -50,6 +53,7 @@ public:
 private:
     void skipBlanks() {
         while (mAt != mEnd && (*mAt == ' ' || *mAt == '\n' || *mAt == '\t' || *mAt == '\r')) {
+            mLine += *mAt == '\n' ? 1 : 0; // strings have none
             ++mAt;
         }
     }
@@ -57,6 +61,7 @@ private:
 
     const char* mAt;
     const char* mEnd;
+    int mLine = 1;
     std::string mUnescaped;
 };
 

@@ -227,6 +227,7 @@ private:
             if (!readKey(inner, keys)) {
                 return false;
             }
+            mObjects[at].line = mText.line();
             return keys.size() < place.keys ||
                    nameObject(mObjects[at], *member.object, keys, parentDn);
         };

@@ -170,6 +170,14 @@ YangModel oddModel() {
         .read();
 }
 
+TEST(PlainJsonReader, Objects_HaveTheLinesOfTheirNames) {
+    const auto objects = PlainJsonReader(*siteModel().schema)
+                             .read("{\"site:Site\": [\n{\"id\": \"a\"},\r\n\n{\n\"id\":\n\"b\"}]}");
+    ASSERT_TRUE(objects && objects->size() == 2);
+    EXPECT_EQ(objects->at(0).line, 2);
+    EXPECT_EQ(objects->at(1).line, 6);
+}
+
 TEST(PlainJsonReader, KeyWithoutAValue_IsLeftToTheLibrary) {
     const YangModel model = oddModel();
     const std::string text = R"({"m:A": [{"id": "a", "B": [{"none": [null], "number": 3}]}]})";
