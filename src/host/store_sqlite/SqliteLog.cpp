@@ -55,10 +55,6 @@ namespace {
 // What the file beside the store keeps when it is written from its start again.
 constexpr std::uint64_t kMaxJournal = 16U << 20U;
 
-[[noreturn]] void refuse(const std::filesystem::path& file, const std::string& why) {
-    throw LogUnavailable("the store " + file.string() + " cannot be used: " + why);
-}
-
 // The name of a new file is on the disk only when its directory is.
 void syncDirectoryOf(const std::filesystem::path& file) {
     const std::filesystem::path directory = std::filesystem::absolute(file).parent_path();
@@ -68,7 +64,7 @@ void syncDirectoryOf(const std::filesystem::path& file) {
         close(descriptor);
     }
     if (!isSynced) {
-        refuse(file, "its directory cannot be written to the disk");
+        refuseStore(file, "its directory cannot be written to the disk");
     }
 }
 
@@ -87,7 +83,7 @@ void renameToNew(const std::filesystem::path& from, const std::filesystem::path&
 // Whether the model has the class is checked by the one who loads.
 ClassIndex classOf(const std::filesystem::path& file, std::uint64_t number) {
     if (number > std::numeric_limits<ClassIndex>::max()) {
-        refuse(file, "there is no class " + std::to_string(number));
+        refuseStore(file, "there is no class " + std::to_string(number));
     }
     return static_cast<ClassIndex>(number);
 }
@@ -123,7 +119,7 @@ SqliteLog::SqliteLog(const std::filesystem::path& file, const Model& model, Sync
         mConnection = openStore(file, model, sync);
         mStatements = std::make_unique<Statements>(*mConnection);
     } catch (const SqliteError& error) {
-        refuse(file, error.what());
+        refuseStore(file, error.what());
     }
 }
 

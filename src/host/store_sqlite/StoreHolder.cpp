@@ -3,6 +3,7 @@
 
 #include "StoreHolder.h"
 
+#include "base/UtcTime.h"
 #include "store/CommitLog.h"
 
 #include <array>
@@ -18,15 +19,6 @@
 namespace OrvHost {
 
 namespace {
-
-std::string now() {
-    const std::time_t seconds = std::time(nullptr);
-    std::tm parts{};
-    gmtime_r(&seconds, &parts);
-    std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return text.data();
-}
 
 std::string hostName() {
     std::array<char, 256> name{};
@@ -68,8 +60,8 @@ StoreHolder::StoreHolder(const std::filesystem::path& file) : mFile(holderFileOf
     while (!tryLock(file)) {
     }
     // The lock counts. The text is for people, and a disk that is full has no room for it.
-    const std::string text =
-        "process " + std::to_string(getpid()) + " on " + hostName() + ", since " + now();
+    const std::string text = "process " + std::to_string(getpid()) + " on " + hostName() +
+                             ", since " + utcText(std::time(nullptr));
     if (ftruncate(mDescriptor, 0) == 0) {
         static_cast<void>(pwrite(mDescriptor, text.data(), text.size(), 0));
     }

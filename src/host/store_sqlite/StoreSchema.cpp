@@ -3,6 +3,7 @@
 
 #include "StoreSchema.h"
 
+#include "store/CommitLog.h"
 #include "store/RecordLayout.h"
 
 #include <string>
@@ -30,6 +31,10 @@ CREATE TABLE model(place INTEGER PRIMARY KEY, subject TEXT NOT NULL, fact TEXT N
 
 bool isEmptyDatabase(SqliteConnection& connection) {
     return connection.number("SELECT count(*) FROM sqlite_master") == 0;
+}
+
+void refuseStore(const std::filesystem::path& file, const std::string& why) {
+    throw LogUnavailable("the store " + file.string() + " cannot be used: " + why);
 }
 
 void createStore(SqliteConnection& connection, const Model& model) {

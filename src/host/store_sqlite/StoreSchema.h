@@ -7,9 +7,14 @@
 #include "SqliteConnection.h"
 #include "model/ModelFingerprint.h"
 
+#include <filesystem>
+#include <string>
 #include <vector>
 
 namespace OrvHost {
+
+/// Throws LogUnavailable, which names the store.
+[[noreturn]] void refuseStore(const std::filesystem::path& file, const std::string& why);
 
 /// Creates the tables of a store in an empty database, all or nothing.
 void createStore(SqliteConnection& connection, const Model& model);

@@ -45,19 +45,15 @@ private:
     SqliteConnection mConnection;
 };
 
-[[noreturn]] void refuse(const std::filesystem::path& file, const std::string& why) {
-    throw LogUnavailable("the store " + file.string() + " cannot be used: " + why);
-}
-
 template <class Work>
 auto withStore(const std::filesystem::path& file, const Work& work) {
     try {
         HeldStore store(file);
         return work(store.connection());
     } catch (const SqliteError& error) {
-        refuse(file, error.what());
+        refuseStore(file, error.what());
     } catch (const BytesError& error) {
-        refuse(file, error.what());
+        refuseStore(file, error.what());
     }
 }
 

@@ -3,29 +3,18 @@
 
 #include "StoreCommand.h"
 
+#include "base/UtcTime.h"
 #include "cli/output/ValueJson.h"
 #include "store/CommitLog.h"
 #include "store_sqlite/StoreTools.h"
-
-#include <array>
-#include <ctime>
 
 namespace OrvHost {
 
 namespace {
 
-std::string timeText(std::int64_t seconds) {
-    const std::time_t time = seconds;
-    std::tm parts{};
-    gmtime_r(&time, &parts);
-    std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return text.data();
-}
-
 ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) {
     const StoreInfo info = readStoreInfo(file);
-    const std::string lastAt = info.lastAuthor.empty() ? "" : timeText(info.lastAt);
+    const std::string lastAt = info.lastAuthor.empty() ? "" : utcText(info.lastAt);
     if (wantsJson) {
         out << toLine({{"command", "store info"},
                        {"file", file},

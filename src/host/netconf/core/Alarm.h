@@ -14,9 +14,9 @@
 
 namespace OrvHost {
 
-/// Calls a function when a time has come, on a thread of its own, which begins with the first
-/// set(). A call may come a moment after the alarm was set to another time or switched off, so the
-/// function must look again whether it is wanted.
+/// Calls a function when a time has come, on a thread of its own. A call may come a moment after
+/// the alarm was set to another time or switched off, so the function must look again whether it is
+/// wanted.
 ///
 /// Any thread.
 class Alarm {

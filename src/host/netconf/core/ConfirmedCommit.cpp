@@ -33,9 +33,8 @@ void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
                                       "commit that waits for its confirmation"));
     }
     if (mToken ? !persistId : mOwner != session.id()) {
-        throw RpcErrors(protocolError(
-            "in-use", "a confirmed commit of " + mAuthor + " waits for its confirmation" +
-                          (mToken ? ", which must give its persist-id" : "")));
+        throw RpcErrors(
+            protocolError("in-use", text() + (mToken ? ", which must give its persist-id" : "")));
     }
 }
 

@@ -44,6 +44,10 @@ public:
 
     std::uint32_t owner() const { return mOwner; }
     const std::string& author() const { return mAuthor; }
+    /// Why others must wait.
+    std::string text() const {
+        return "a confirmed commit of " + mAuthor + " waits for its confirmation";
+    }
     bool isPersistent() const { return mToken.has_value(); }
     Alarm::Clock::time_point deadline() const { return mDeadline; }
 

@@ -49,8 +49,7 @@ private:
 };
 
 RpcError inUse(const ConfirmedCommit& waiting) {
-    return protocolError("in-use", "a confirmed commit of " + waiting.author() +
-                                       " waits for its confirmation");
+    return protocolError("in-use", waiting.text());
 }
 
 }
@@ -386,9 +385,7 @@ void Datastores::lock(NetconfSession& session, Datastore store) {
         throw RpcErrors(error);
     }
     if (store == Datastore::Running && mUnconfirmed && mUnconfirmed->owner() != session.id()) {
-        RpcError error =
-            protocolError("lock-denied", "a confirmed commit of " + mUnconfirmed->author() +
-                                             " waits for its confirmation");
+        RpcError error = protocolError("lock-denied", mUnconfirmed->text());
         error.info = errorInfo("session-id", std::to_string(mUnconfirmed->owner()));
         throw RpcErrors(error);
     }

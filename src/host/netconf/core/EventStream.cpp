@@ -3,25 +3,13 @@
 
 #include "EventStream.h"
 
+#include "base/UtcTime.h"
 #include "netconf/core/Committer.h"
 
 #include <ctime>
 #include <utility>
 
 namespace OrvHost {
-
-namespace {
-
-std::string timeText() {
-    const std::time_t now = std::time(nullptr);
-    std::tm parts{};
-    gmtime_r(&now, &parts);
-    std::string text(sizeof("2026-01-01T00:00:00Z"), '\0');
-    text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts));
-    return text;
-}
-
-}
 
 bool EventStream::listen(std::uint32_t session, Listener listener) {
     const std::lock_guard<std::mutex> feed(mFeedMutex);
@@ -60,7 +48,7 @@ void EventStream::publish(const std::function<std::string()>& makeXml) {
     if (mListeners.empty()) {
         return;
     }
-    const auto event = std::make_shared<const Event>(Event{timeText(), makeXml()});
+    const auto event = std::make_shared<const Event>(Event{utcText(std::time(nullptr)), makeXml()});
     for (const auto& [session, listener] : mListeners) {
         listener(event);
     }
