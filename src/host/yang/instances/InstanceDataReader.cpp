@@ -7,6 +7,7 @@
 #include "base/TextFile.h"
 #include "base/TextScanner.h"
 #include "yang/instances/DataProblem.h"
+#include "yang/instances/EntryLines.h"
 #include "yang/instances/Operations.h"
 #include "yang/instances/ParsedData.h"
 #include "yang/instances/PlainJsonReader.h"
@@ -166,21 +167,24 @@ void findOpaque(lyd_node* first, std::vector<lyd_node*>& found) {
 /// Parses without the nodes that no module knows, and notes them. The parser has an option of its
 /// own to leave them out, which in JSON leaves out known data after them, too. So it keeps all that
 /// it cannot place, and what is known among that is refused: its value or its form is wrong.
-ParsedData parseKnown(const std::string& text, LYD_FORMAT format, const YangContext& context,
+ParsedData parseKnown(const std::string& text, LYD_FORMAT format, const YangSchema& schema,
                       const std::string& label, ModelNotes& notes) {
+    const YangContext& context = schema.context();
     ParsedData tree = parse(text, format, LYD_PARSE_OPAQ, context, label);
     std::vector<lyd_node*> opaque;
     findOpaque(tree.get(), opaque);
+    const EntryLines lines =
+        opaque.empty() ? EntryLines() : EntryLines(text, format, schema, tree.get());
     std::vector<Problem> problems;
     for (lyd_node* node : opaque) {
         const auto& written = *reinterpret_cast<const lyd_node_opaq*>(node);
         const lyd_node* parent = lyd_parent(node);
         const std::string where = parent == nullptr ? "" : dataPathOf(parent);
-        if (const lysc_node* schema = schemaOf(node, context)) {
+        if (const lysc_node* known = schemaOf(node, context)) {
             const std::string value = written.value == nullptr ? "" : written.value;
             problems.push_back(
-                {{label, 0},
-                 ((schema->nodetype & LYD_NODE_TERM) != 0
+                {{label, lines.lineOf(node)},
+                 ((known->nodetype & LYD_NODE_TERM) != 0
                       ? "the value \"" + value + "\" does not fit its type"
                       : "an entry without its keys, or in a form that the model does "
                         "not give it") +
@@ -223,10 +227,11 @@ ParsedData withoutLines(const Parse& parseText) {
 }
 
 /// The tree of a text. Actions and notifications in it are left out with a note.
-ParsedData parseByLibrary(const std::string& text, LYD_FORMAT format, const YangContext& context,
+ParsedData parseByLibrary(const std::string& text, LYD_FORMAT format, const YangSchema& schema,
                           const std::string& label, bool skipsUnknown, ModelNotes& notes) {
+    const YangContext& context = schema.context();
     const auto parseData = [&](const std::string& data) {
-        return skipsUnknown ? parseKnown(data, format, context, label, notes)
+        return skipsUnknown ? parseKnown(data, format, schema, label, notes)
                             : parse(data, format, LYD_PARSE_STRICT, context, label);
     };
     try {
@@ -324,14 +329,14 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     ModelNotes notes;
     auto plain = format == LYD_JSON ? mPlainReader->read(text) : std::nullopt;
     const ParsedData tree =
-        plain ? nullptr
-              : parseByLibrary(text, format, mSchema->context(), label, mSkipsUnknown, notes);
+        plain ? nullptr : parseByLibrary(text, format, *mSchema, label, mSkipsUnknown, notes);
     const auto readObjects = [&](const TreeReader::Sink& take) {
         if (plain) {
             std::for_each(plain->begin(), plain->end(),
                           [&](DataObject& object) { take(std::move(object)); });
         } else {
-            TreeReader(*mSchema, label, notes).read(tree.get(), take);
+            TreeReader(*mSchema, label, notes, EntryLines(text, format, *mSchema, tree.get()))
+                .read(tree.get(), take);
         }
     };
     std::string root;
@@ -343,7 +348,7 @@ void InstanceDataReader::parseAndDeliver(const std::string& text, const std::str
     std::vector<Problem> problems;
     readObjects([&](DataObject&& object) {
         for (std::string& problem : renaming.rename(object)) {
-            problems.push_back({{label, 0}, std::move(problem)});
+            problems.push_back({{label, object.line}, std::move(problem)});
         }
         if (sink != nullptr) {
             (*sink)(std::move(object), label);

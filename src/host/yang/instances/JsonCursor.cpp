@@ -90,4 +90,21 @@ std::optional<std::string_view> JsonCursor::wholeNumber() {
     return std::string_view(begin, static_cast<std::size_t>(mAt - begin));
 }
 
+bool JsonCursor::skipScalar() {
+    if (!take('"')) {
+        const char* const begin = mAt;
+        while (mAt != mEnd && std::string_view(" \n\t\r,]}").find(*mAt) == std::string_view::npos) {
+            ++mAt;
+        }
+        return mAt != begin;
+    }
+    for (; mAt != mEnd && *mAt != '"'; ++mAt) {
+        if (*mAt == '\\' && mAt + 1 != mEnd) {
+            ++mAt;
+        }
+        mLine += *mAt == '\n' ? 1 : 0;
+    }
+    return take('"');
+}
+
 }

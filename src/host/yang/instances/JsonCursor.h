@@ -34,11 +34,13 @@ public:
         skipBlanks();
         return mAt == mEnd;
     }
-    /// True if a string comes next.
-    bool isAtString() {
+    /// True if the mark comes next.
+    bool isAt(char mark) {
         skipBlanks();
-        return mAt != mEnd && *mAt == '"';
+        return mAt != mEnd && *mAt == mark;
     }
+    /// True if a string comes next.
+    bool isAtString() { return isAt('"'); }
 
     /// Of what was taken last, from 1.
     int line() const { return mLine; }
@@ -49,6 +51,8 @@ public:
     std::optional<std::string_view> string();
     /// A whole number as it is written; nothing for one with a fraction or an exponent.
     std::optional<std::string_view> wholeNumber();
+    /// Goes past a value that is no object and no array, whatever it is. False if there is none.
+    bool skipScalar();
 
 private:
     void skipBlanks() {

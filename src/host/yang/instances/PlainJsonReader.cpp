@@ -19,109 +19,34 @@
 
 namespace OrvHost {
 
-/// A node that may stand in a place.
-struct PlainJsonReader::Member {
-    std::string name;
-    std::string qualifiedName; ///< "module:name"
-    bool isNameEnough = false; ///< the module is that of the place
-    const lysc_node* node = nullptr;
-    bool isKey = false;
-    bool isTransparent = false;
-    const ObjectShape* object = nullptr;
-    const ValueShape* value = nullptr;
-    mutable const Place* inside = nullptr; ///< what may stand in it; null until it is needed
-
-    bool isCalled(std::string_view text) const {
-        return (isNameEnough && text == name) || text == qualifiedName;
-    }
-};
-
-struct PlainJsonReader::Place {
-    std::vector<Member> members; ///< in the order in which the library keeps their data; keys first
-    std::size_t keys = 0;
-};
-
-PlainJsonReader::PlainJsonReader(const YangSchema& schema) : mSchema(schema) {}
-
-PlainJsonReader::~PlainJsonReader() = default;
-
-const PlainJsonReader::Place& PlainJsonReader::placeOf(const lysc_node* node) {
-    if (const auto known = mPlaces.find(node); known != mPlaces.end()) {
-        return *known->second;
-    }
-    auto place = std::make_unique<Place>();
-    if (node != nullptr) {
-        addMembers(*place, node, nullptr);
-    } else {
-        std::uint32_t index = 0;
-        while (const lys_module* module = ly_ctx_get_module_iter(mSchema.context().get(), &index)) {
-            if (module->implemented != 0) {
-                addMembers(*place, nullptr, module->compiled);
-            }
-        }
-    }
-    return *mPlaces.emplace(node, std::move(place)).first->second;
-}
-
-void PlainJsonReader::addMembers(Place& place, const lysc_node* parent, const lysc_module* module) {
-    constexpr int kData = LYS_CONTAINER | LYS_LIST | LYS_LEAF | LYS_LEAFLIST;
-    const lysc_node* node = nullptr;
-    while ((node = lys_getnext(node, parent, module, 0)) != nullptr) {
-        if ((node->nodetype & kData) == 0) {
-            continue;
-        }
-        Member& member = place.members.emplace_back();
-        member.name = node->name;
-        member.qualifiedName = std::string(node->module->name) + ":" + node->name;
-        member.isNameEnough = parent != nullptr && parent->module == node->module;
-        member.node = node;
-        member.isKey = lysc_is_key(node);
-        member.isTransparent = mSchema.isTransparent(node);
-        member.object = mSchema.objectAt(node);
-        member.value = mSchema.valueAt(node);
-        place.keys += member.isKey ? 1 : 0;
-    }
-}
+PlainJsonReader::PlainJsonReader(const YangSchema& schema) : mPlaces(schema) {}
 
 /// One pass over one text. Every function returns false if the text is not plain; nothing of it is
 /// used then.
 class PlainJsonReader::Reading {
+    using Member = DataPlaces::Member;
+    using Place = DataPlaces::Place;
+
 public:
     Reading(PlainJsonReader& reader, std::string_view text)
-        : mReader(reader), mContext(reader.mSchema.context().get()), mText(text) {}
+        : mReader(reader), mContext(reader.mPlaces.schema().context().get()), mText(text) {}
 
     bool readTop() {
-        const Member* const only =
-            mText.take('{') ? next(mReader.placeOf(nullptr), nullptr) : nullptr;
+        const Member* const only = mText.take('{') ? next(mReader.mPlaces.top(), nullptr) : nullptr;
         return only != nullptr && readAround(*only, "") && mText.take('}') && mText.isAtEnd();
     }
     std::vector<DataObject> takeObjects() { return std::move(mObjects); }
 
 private:
-    /// The member whose name comes next; null if the place has none of that name. The search begins
-    /// after \p former, where it mostly stands.
+    /// The member whose name comes next; null if the place has none of that name.
     const Member* next(const Place& place, const Member* former) {
         const auto name = mText.string();
         if (!name || !mText.take(':')) {
             return nullptr;
         }
-        const std::vector<Member>& all = place.members;
-        const auto isIt = [&](const Member& one) { return one.isCalled(*name); };
-        const auto middle =
-            former == nullptr ? all.begin() : all.begin() + (former + 1 - all.data());
-        const auto after = std::find_if(middle, all.end(), isIt);
-        if (after != all.end()) {
-            return &*after;
-        }
-        const auto before = std::find_if(all.begin(), middle, isIt);
-        return before == middle ? nullptr : &*before;
+        return place.after(former, [&](const Member& one) { return one.isCalled(*name); });
     }
-    const Place& insideOf(const Member& member) {
-        if (member.inside == nullptr) {
-            member.inside = &mReader.placeOf(member.node);
-        }
-        return *member.inside;
-    }
+    const Place& insideOf(const Member& member) { return mReader.mPlaces.insideOf(member); }
 
     /// Calls readOne for each member of an object of JSON. The keys of the place come first, and
     /// values in their order; the lists of objects may change places.

@@ -5,18 +5,13 @@
 #define ORV_HOST_YANG_INSTANCES_PLAINJSONREADER_H
 
 #include "yang/instances/DataObject.h"
+#include "yang/instances/DataPlaces.h"
 #include "yang/instances/JsonCursor.h"
 #include "yang/schema/YangSchema.h"
 
-#include <cstddef>
-#include <memory>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
-
-struct lysc_module;
 
 namespace OrvHost {
 
@@ -30,7 +25,6 @@ class PlainJsonReader {
 public:
     /// The schema must outlive this object.
     explicit PlainJsonReader(const YangSchema& schema);
-    ~PlainJsonReader();
     PlainJsonReader(const PlainJsonReader&) = delete;
     PlainJsonReader& operator=(const PlainJsonReader&) = delete;
 
@@ -39,16 +33,9 @@ public:
     std::optional<std::vector<DataObject>> read(std::string_view text);
 
 private:
-    struct Member;
-    struct Place;
     class Reading;
 
-    const Place& placeOf(const lysc_node* node);
-    void addMembers(Place& place, const lysc_node* parent, const lysc_module* module);
-
-    const YangSchema& mSchema;
-    /// What may stand in the data of a node; null: at the top. Made when it is needed first.
-    std::unordered_map<const lysc_node*, std::unique_ptr<Place>> mPlaces;
+    DataPlaces mPlaces;
 };
 
 }

@@ -32,8 +32,9 @@ std::string nameOfEntry(const lyd_node* entry, const ObjectShape& shape) {
     return !isWhole ? "" : keys.size() == 1 ? keys.front() : joinKeys(keys);
 }
 
-TreeReader::TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes)
-    : mSchema(schema), mLabel(std::move(label)), mNotes(notes) {}
+TreeReader::TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes,
+                       EntryLines lines)
+    : mSchema(schema), mLabel(std::move(label)), mNotes(notes), mLines(std::move(lines)) {}
 
 void TreeReader::read(const lyd_node* first, const Sink& sink) {
     readSiblings(first, "", sink);
@@ -60,6 +61,7 @@ void TreeReader::readObject(const lyd_node* node, const ObjectShape& shape,
     DataObject object;
     object.dn = DnView(parentDn).child(shape.className, namingValueOf(node, shape));
     object.moc = shape.moc;
+    object.line = mLines.lineOf(node);
     Contents contents;
     gather(lyd_child(node), shape, contents);
     object.attributes = std::move(contents.attributes);
@@ -139,7 +141,7 @@ void TreeReader::skip(const lyd_node* node) {
 }
 
 void TreeReader::refuse(const lyd_node* node, const std::string& text) {
-    mProblems.push_back({{mLabel, 0}, dataPathOf(node) + ": " + text});
+    mProblems.push_back({{mLabel, mLines.lineOf(node)}, dataPathOf(node) + ": " + text});
 }
 
 }

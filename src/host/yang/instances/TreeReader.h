@@ -6,6 +6,7 @@
 
 #include "base/Problem.h"
 #include "yang/instances/DataObject.h"
+#include "yang/instances/EntryLines.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
 
@@ -30,8 +31,10 @@ public:
     using Sink = std::function<void(DataObject&& object)>;
 
     /// `label` is used as the name of the data's file in messages. What has no place in the model
-    /// is skipped, and `notes`, which is borrowed, says so.
-    TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes);
+    /// is skipped, and `notes`, which is borrowed, says so. Objects and problems have the lines
+    /// that `lines` knows.
+    TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes,
+               EntryLines lines = {});
 
     /// Delivers the objects of a whole tree, whose first node may be null.
     /// \throws InstanceDataError with all problems, after the last object
@@ -58,6 +61,7 @@ private:
     const YangSchema& mSchema;
     std::string mLabel;
     ModelNotes& mNotes;
+    EntryLines mLines;
     std::vector<Problem> mProblems;
 };
 
