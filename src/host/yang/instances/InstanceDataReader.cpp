@@ -182,13 +182,12 @@ ParsedData parseKnown(const std::string& text, LYD_FORMAT format, const YangSche
         const std::string where = parent == nullptr ? "" : dataPathOf(parent);
         if (const lysc_node* known = schemaOf(node, context)) {
             const std::string value = written.value == nullptr ? "" : written.value;
-            problems.push_back(
-                {{label, lines.lineOf(node)},
-                 ((known->nodetype & LYD_NODE_TERM) != 0
-                      ? "the value \"" + value + "\" does not fit its type"
-                      : "an entry without its keys, or in a form that the model does "
-                        "not give it") +
-                     ", at " + where + "/" + nameOf(written)});
+            std::string what = (known->nodetype & LYD_NODE_TERM) != 0
+                                   ? "the value \"" + value + "\" does not fit its type"
+                                   : "an entry without its keys, or in a form that the model does "
+                                     "not give it";
+            what.append(", at ").append(where).append("/").append(nameOf(written));
+            problems.push_back({{label, lines.lineOf(node)}, std::move(what)});
             continue;
         }
         const std::string place = parent == nullptr ? "" : pathOf(parent->schema) + "/";
