@@ -109,7 +109,7 @@ void load(Host& host) {
     }
     addSite(data, "free", BenchHost::freeAntennas, false);
     data.repair();
-    std::vector<std::string> problems = data.check();
+    std::vector<std::string> problems = data.check().problems;
     if (problems.empty()) {
         problems = data.moveInto(host.store());
     }

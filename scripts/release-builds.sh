@@ -23,7 +23,8 @@ for compiler in "${compilers[@]}"; do
     step "$type with $compiler"
     directory="build/plain/$compiler-$type"
     quietly "$directory/configure.log" cmake -G Ninja -B "$directory" \
-      -DCMAKE_BUILD_TYPE="$type" -DCMAKE_CXX_COMPILER="$compiler" -DORV_BUILD_TESTS=OFF
+      -DCMAKE_BUILD_TYPE="$type" -DCMAKE_CXX_COMPILER="$compiler" -DORV_BUILD_TESTS=OFF \
+      -DORV_BUILD_BENCHMARKS=ON
     # What was compiled before would not repeat its warnings.
     quietly "$directory/build.log" cmake --build "$directory" --clean-first
     if grep -n 'warning:' "$directory/build.log"; then
