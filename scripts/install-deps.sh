@@ -15,7 +15,7 @@ build_packages=(
   libyang2-dev        # reads YANG models and instance data
   libcli11-dev        # orvhost: options
   nlohmann-json3-dev  # orvhost: JSON output
-  libsqlite3-dev      # orvhost: stores on disk
+  libsqlite3-dev libpq-dev # orvhost: stores in a file, and those that hosts share
   libedit-dev         # orvhost: line editing, history, completion
   libtomlplusplus-dev # orvhost: project files
   graphviz            # orvhost: pictures
@@ -34,6 +34,7 @@ test_packages=(
   mkdocs mkdocs-material # the site of the documents
   abigail-tools       # binary interface against the last release
   valgrind            # what calls of the component cost
+  postgresql          # servers of the tests' own
   python3-ncclient openssh-client openssl # clients of the server
 )
 bench_packages=(

@@ -34,6 +34,7 @@ HOST_ROOMS = {
     "src/host/repository": ["src/host/base", "src/host/model"],
     "src/host/audit": ["src/host/base", "src/host/model"],
     "src/host/store": ["src/host/base", "src/host/model"],
+    "src/host/store_postgresql": ["src/host/base", "src/host/model", "src/host/store"],
     "src/host/store_sqlite": ["src/host/base", "src/host/model", "src/host/store"],
     "src/host/transactions": ["src/host/base"],
     "src/host/router": [
@@ -110,6 +111,7 @@ KEPT_APART = {
     "libyang/": ["src/host/yang", "src/host/netconf"],
     "nc_server.h": ["src/host/netconf/server"],
     "libssh/": ["src/host/netconf/server"],
+    "libpq-fe.h": ["src/host/store_postgresql"],
     "sqlite3.h": ["src/host/store_sqlite"],
 }
 
@@ -268,6 +270,9 @@ SELF_TEST = [
     ("src/host/store/Store.cpp", '#include "store/Store.h"\n#include "../../ext_cm/src/Service.h"\n',
      1),
     ("src/host/store/Engine.cpp", "#include <sqlite3.h>\n", 1),
+    ("src/host/store/Engine2.cpp", "#include <libpq-fe.h>\n", 1),
+    ("src/host/store_postgresql/Log.h", '#include "store/Store.h"\n#include <libpq-fe.h>\n', 0),
+    ("src/host/store_sqlite/Other.h", '#include "store_postgresql/Log.h"\n', 1),
     ("src/host/store/Upward.h", '#include "store_sqlite/Log.h"\n', 1),
     ("src/host/store_sqlite/Log.h", '#include "store/Store.h"\n#include <sqlite3.h>\n', 0),
     ("src/host/store/Aside.h", '#include "transactions/Service2.h"\n', 1),

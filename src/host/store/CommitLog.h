@@ -115,6 +115,8 @@ public:
     /// Calls \p visitor with all objects, in the order of their numbers. Returns the mark at which
     /// they stand. Throws LogUnavailable, and what \p visitor throws.
     virtual LogMark load(const ObjectVisitor& visitor) = 0;
+    /// Whether it has never had an object. Throws LogUnavailable.
+    virtual bool isNew() = 0;
     /// Puts objects into a log that has never had any, all or none: the state before the first
     /// entry. The mark that it returns is not that of the log without objects. Throws HostError
     /// with OrvHostWrongState if it has had some.

@@ -7,6 +7,7 @@
 #include "WriteCheck.h"
 #include "base/DnView.h"
 
+#include <thread>
 #include <utility>
 
 namespace OrvHost {
@@ -85,6 +86,9 @@ void MoStore::load(const std::string& dn, const std::vector<NamedValue>& attribu
 }
 
 std::unique_ptr<StoreTransaction> MoStore::begin(TransactionId id, std::string author) {
+    if (mIsFresh) {
+        catchUp();
+    }
     return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, mFeed, mLog.get(), id,
                                               std::move(author));
 }
@@ -128,7 +132,22 @@ void MoStore::catchUp() {
     requireLog().catchUp();
 }
 
+void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience) {
+    constexpr std::chrono::milliseconds kPause{5};
+    const auto end = std::chrono::steady_clock::now() + patience;
+    for (catchUp(); lastCommit() < number; catchUp()) {
+        if (std::chrono::steady_clock::now() >= end) {
+            throw LogUnavailable("commit " + std::to_string(number) + " has not come within " +
+                                 std::to_string(patience.count()) + " ms; the last one is commit " +
+                                 std::to_string(lastCommit()));
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+// What is loaded could not be used if there is a transaction.
 void MoStore::reload() {
+    mTree.load([](MoTree&) {});
     requireLog().restart([this](CommitLog& log) { return takeFrom(log); });
 }
 

@@ -11,6 +11,7 @@
 #include "VersionedTree.h"
 #include "model/Model.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -68,6 +69,14 @@ public:
     /// Applies what other stores have appended to the log. Throws HostError with OrvHostWrongState
     /// without a log, LogUnavailable or LogDiverged.
     void catchUp();
+    /// Waits until the commit with that number, of whichever host, can be read. Throws HostError
+    /// with OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp.
+    void catchUpTo(CommitNumber number, std::chrono::milliseconds patience);
+    /// The number of the last commit that can be read.
+    CommitNumber lastCommit() const { return mTree.last(); }
+    /// From now on each transaction sees all that any host has committed before it begins: begin
+    /// asks the log, and throws as catchUp. Call it before the first transaction.
+    void setFresh() { mIsFresh = true; }
     /// Drops all objects and takes those that the log holds now: the way out of a fault. Watchers
     /// do not hear of what differs. Throws as attach; OrvHostWrongState also without a log.
     void reload();
@@ -88,6 +97,7 @@ private:
     const Model& mModel;
     ClaimTable mClaims;
     CommitFeed mFeed;
+    bool mIsFresh = false;
     std::unique_ptr<LogCommitter> mLog; ///< null: commits are in memory only
 };
 

@@ -43,14 +43,13 @@ public:
     SqliteLog& operator=(const SqliteLog&) = delete;
 
     LogMark load(const ObjectVisitor& visitor) override;
+    bool isNew() override;
     LogMark fill(const ObjectSource& objects) override;
     void append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) override;
     void follow(const LogMark& seen, const CatchUp& catchUp,
                 std::chrono::milliseconds patience) override;
     std::optional<CommitNumber> find(const std::string& id) override;
 
-    /// Whether it has never had an object.
-    bool isNew();
     /// Copies the store, as of the last commit, to \p target, which must not exist. The copy is on
     /// the disk and under its name as a whole or not at all. Commits go on meanwhile, and are in
     /// the copy. Throws LogUnavailable.

@@ -38,6 +38,7 @@ public:
     };
 
     LogMark load(const ObjectVisitor& visitor) override;
+    bool isNew() override { return mEntries.empty() && mObjects.empty(); }
     LogMark fill(const ObjectSource& objects) override;
     void append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) override;
     void follow(const LogMark& seen, const CatchUp& catchUp,

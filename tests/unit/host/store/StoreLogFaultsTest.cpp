@@ -69,6 +69,7 @@ class RichLog : public CommitLog {
 public:
     explicit RichLog(MemoryLog& log) : mLog(log) {}
 
+    bool isNew() override { return mLog.isNew(); }
     LogMark load(const ObjectVisitor& visitor) override { return mLog.load(visitor); }
     LogMark fill(const ObjectSource& objects) override { return mLog.fill(objects); }
     void append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) override {

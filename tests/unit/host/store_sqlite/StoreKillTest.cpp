@@ -9,6 +9,7 @@
 // usage: store_kill_test [KILLS [SEED]]
 
 #include "Mixture.h"
+#include "ReplayLog.h"
 #include "SampleStore.h"
 #include "store_sqlite/SqliteConnection.h"
 #include "store_sqlite/SqliteLog.h"
@@ -43,27 +44,6 @@ constexpr unsigned kThreads = 4;
 struct Death {
     int stage = -1; ///< a Stage, or -1: when its parent kills it
     unsigned times = 0;
-};
-
-/// The state at the start, then the entries of another log.
-class Replay : public CommitLog {
-public:
-    Replay(SqliteLog& log, LogMark start) : mLog(log), mStart(std::move(start)) {}
-
-    LogMark load(const ObjectVisitor&) override { return mStart; }
-    LogMark fill(const ObjectSource&) override { return mStart; }
-    void append(const LogMark&, const CatchUp&, const Decide&) override {
-        throw LogUnavailable("this log is only read");
-    }
-    void follow(const LogMark& seen, const CatchUp& catchUp,
-                std::chrono::milliseconds patience) override {
-        mLog.follow(seen, catchUp, patience);
-    }
-    std::optional<CommitNumber> find(const std::string& id) override { return mLog.find(id); }
-
-private:
-    SqliteLog& mLog;
-    const LogMark mStart;
 };
 
 /// The mark in front of the first entry.
@@ -143,7 +123,7 @@ std::vector<std::string> check(const fs::path& file, const std::vector<std::stri
     loaded.attach(log);
     MoStore replayed(sampleStoreModel());
     Mixture::load(replayed);
-    Replay replay(log, start);
+    ReplayLog replay(log, start);
     replayed.attach(replay);
     replayed.catchUp();
     if (contentOf(loaded) != contentOf(replayed)) {

@@ -1,0 +1,411 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PostgresqlLog.h"
+
+#include <limits>
+#include <random>
+#include <thread>
+#include <utility>
+
+namespace OrvHost {
+
+namespace {
+
+// A field of the server holds 1 GB at most, and so does a message to it.
+constexpr std::size_t kMaxBytes = 500'000'000;
+// How many rows, and how many bytes of them, go to the server in one statement.
+constexpr std::size_t kRowsTogether = 10'000;
+constexpr std::size_t kBytesTogether = 50'000'000;
+// How many entries are read at once.
+constexpr std::uint64_t kEntriesTogether = 1000;
+constexpr std::chrono::milliseconds kPause{10};
+
+constexpr const char* kReadTransaction = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY";
+// Each statement sees what was committed before it, so the head is the latest when it is locked.
+constexpr const char* kWriteTransaction = "BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE";
+
+constexpr unsigned kNumberSize = 8;
+
+ClassIndex classOf(std::uint64_t number) {
+    if (number > std::numeric_limits<ClassIndex>::max()) {
+        throw PostgresqlError("", "there is no class " + std::to_string(number));
+    }
+    return static_cast<ClassIndex>(number);
+}
+
+ObjectRow rowOf(const std::vector<std::string_view>& fields) {
+    return {getPostgresqlNumber(fields.at(0)),
+            getPostgresqlNumber(fields.at(1)),
+            classOf(getPostgresqlNumber(fields.at(2))),
+            fields.at(3),
+            fields.at(4),
+            getPostgresqlNumber(fields.at(5))};
+}
+
+void putField(std::string& bytes, std::string_view field) {
+    putPostgresqlNumber(bytes, field.size(), 4);
+    bytes += field;
+}
+
+void putField(std::string& bytes, std::uint64_t number) {
+    putPostgresqlNumber(bytes, kNumberSize, 4);
+    putPostgresqlNumber(bytes, number, kNumberSize);
+}
+
+std::string copyRow(const ObjectRow& row) {
+    std::string bytes;
+    putPostgresqlNumber(bytes, 6, 2); // fields
+    putField(bytes, row.id);
+    putField(bytes, row.parent);
+    putField(bytes, row.moc);
+    putField(bytes, row.name);
+    putField(bytes, row.attributes);
+    putField(bytes, row.changedAt);
+    return bytes;
+}
+
+// Calls \p work with portions of rows that fit into a statement.
+template <class Row, class Size, class Work>
+void inPortions(const std::vector<Row>& rows, const Size& sizeOf, const Work& work) {
+    std::vector<Row> portion;
+    std::size_t bytes = 0;
+    for (const Row& row : rows) {
+        portion.push_back(row);
+        bytes += sizeOf(row);
+        if (portion.size() == kRowsTogether || bytes > kBytesTogether) {
+            work(portion);
+            portion.clear();
+            bytes = 0;
+        }
+    }
+    if (!portion.empty()) {
+        work(portion);
+    }
+}
+
+std::size_t bytesOf(const ObjectRow& row) {
+    return row.name.size() + row.attributes.size();
+}
+
+void requireFit(const std::vector<LogEntry>& entries) {
+    for (const LogEntry& entry : entries) {
+        if (entry.change.size() > kMaxBytes) {
+            throw LogTooLarge(OrvInvalidArgument, "a commit of " +
+                                                      std::to_string(entry.change.size()) +
+                                                      " bytes does not fit into the log, at most " +
+                                                      std::to_string(kMaxBytes) + " do");
+        }
+    }
+}
+
+// What the server does not take because of what it is, and what may fit later or alone.
+bool isOfTheData(const PostgresqlError& error) {
+    return error.isOfClass("22") || error.isOfClass("54");
+}
+bool isOutOfRoom(const PostgresqlError& error) {
+    return error.state() == "53100" || error.state() == "53200";
+}
+
+std::string explained(const PostgresqlError& error) {
+    const std::string text = std::string("the store of PostgreSQL: ") + error.what();
+    if (error.state() == "42P01") {
+        return text + "; orvhost store init creates the tables";
+    }
+    if (error.state() == "55P03") {
+        return text + "; another host has not ended its commit";
+    }
+    return text;
+}
+
+}
+
+/// Runs \p work alone, and brings what the server refuses into the form of this interface. A
+/// connection on which something failed is not used again if it is lost.
+template <class Work>
+auto PostgresqlLog::guarded(const Work& work) {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    try {
+        return work();
+    } catch (const PostgresqlError& error) {
+        if (isOfTheData(error)) {
+            throw LogTooLarge(OrvInvalidArgument, explained(error));
+        }
+        if (isOutOfRoom(error)) {
+            throw LogTooLarge(OrvHostStoreUnavailable, explained(error));
+        }
+        throw LogUnavailable(explained(error));
+    }
+}
+
+PostgresqlLog::PostgresqlLog(std::string target, const Model& model, const PostgresqlLimits& limits)
+    : mTarget(std::move(target)),
+      mLimits(limits),
+      mFacts(modelFacts(model)),
+      mFingerprint(fingerprintOf(mFacts)) {
+    guarded([&] { requireModel(connection(), mFacts); });
+}
+
+PostgresqlLog::~PostgresqlLog() = default;
+
+PostgresqlConnection& PostgresqlLog::connection() {
+    if (mConnection && mConnection->isLost()) {
+        mConnection.reset();
+    }
+    if (!mConnection) {
+        mConnection = std::make_unique<PostgresqlConnection>(mTarget, mLimits);
+    }
+    return *mConnection;
+}
+
+// That a server has gone away since the last call shows at the first statement only.
+template <class First>
+auto PostgresqlLog::onConnection(const First& first) {
+    const bool isUsed = mConnection && !mConnection->isLost();
+    try {
+        return first(connection());
+    } catch (const PostgresqlError&) {
+        if (!isUsed || !mConnection->isLost()) {
+            throw;
+        }
+    }
+    return first(connection());
+}
+
+void PostgresqlLog::begin(const char* statement) {
+    onConnection([&](PostgresqlConnection& connection) { connection.run(statement); });
+}
+
+PostgresqlHead PostgresqlLog::head(HeadUse use) {
+    PostgresqlHead head = readHead(*mConnection, use);
+    if (head.model != mFingerprint) {
+        throw LogDiverged("the store of PostgreSQL is of another model now");
+    }
+    return head;
+}
+
+bool PostgresqlLog::isNew() {
+    return guarded([&] {
+        return onConnection([](PostgresqlConnection& connection) {
+            return readHead(connection, HeadUse::Read).mark == LogMark();
+        });
+    });
+}
+
+LogMark PostgresqlLog::load(const ObjectVisitor& visitor) {
+    return guarded([&] {
+        begin(kReadTransaction);
+        PostgresqlTransaction transaction(*mConnection);
+        requireModel(*mConnection, mFacts);
+        LogMark mark = head(HeadUse::Read).mark;
+        mConnection->copyOut(
+            "SELECT object, parent, class, name, attributes, changed FROM objects "
+            "ORDER BY object",
+            [&](const std::vector<std::string_view>& fields) { visitor(rowOf(fields)); });
+        return mark;
+    });
+}
+
+LogMark PostgresqlLog::fill(const ObjectSource& objects) {
+    return guarded([&] {
+        begin(kWriteTransaction);
+        PostgresqlTransaction transaction(*mConnection);
+        if (!(head(HeadUse::Lock).mark == LogMark())) {
+            throw HostError(OrvHostWrongState, "the store of PostgreSQL has had objects already");
+        }
+        mConnection->copyIn("COPY objects(object, parent, class, name, attributes, changed) FROM "
+                            "STDIN (FORMAT binary)",
+                            [&](const PostgresqlConnection::TakeBytes& take) {
+                                objects([&](const ObjectRow& row) { take(copyRow(row)); });
+                            });
+        LogMark mark{0, "filled-" + std::to_string(std::random_device()())};
+        setHead(mark);
+        mConnection->run("UPDATE head SET before = id"); // it stands in front of the first entry
+        try {
+            transaction.commit();
+        } catch (const PostgresqlError& error) {
+            throw LogInDoubt(explained(error) + "; whether the objects are there is known after a "
+                                                "new start",
+                             LogInDoubt::Until::NewStart);
+        }
+        return mark;
+    });
+}
+
+std::string PostgresqlLog::idAt(CommitNumber position, const PostgresqlHead& head) {
+    if (position == head.mark.position) {
+        return head.mark.id;
+    }
+    if (position + 1 == head.first) {
+        return head.before;
+    }
+    const PostgresqlRows rows = mConnection->run("SELECT id FROM log WHERE pos = $1",
+                                                 PostgresqlParameters().number(position));
+    return rows.size() == 0 ? std::string() : std::string(rows.text(0, 0));
+}
+
+void PostgresqlLog::deliver(const LogMark& seen, const PostgresqlHead& head,
+                            const CatchUp& catchUp) {
+    const std::string position = "position " + std::to_string(seen.position);
+    if (seen.position + 1 < head.first) {
+        throw LogDiverged("the entry after " + position + " of the log is not kept any more");
+    }
+    if (seen.position > head.mark.position || idAt(seen.position, head) != seen.id) {
+        throw LogDiverged(position + " of the log is not what it was");
+    }
+    for (CommitNumber last = seen.position; last < head.mark.position;) {
+        const PostgresqlRows rows = mConnection->run(
+            "SELECT pos, id, author, change FROM log WHERE pos > $1 ORDER BY pos LIMIT $2",
+            PostgresqlParameters().number(last).number(kEntriesTogether));
+        if (rows.size() == 0) {
+            throw LogDiverged("the log has no entry after position " + std::to_string(last));
+        }
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            LogEntry entry;
+            entry.mark = {rows.number(row, 0), std::string(rows.text(row, 1))};
+            entry.author = rows.text(row, 2);
+            entry.change = rows.text(row, 3);
+            last = entry.mark.position;
+            catchUp(entry);
+        }
+    }
+}
+
+void PostgresqlLog::append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) {
+    guarded([&] {
+        begin(kWriteTransaction);
+        PostgresqlTransaction transaction(*mConnection);
+        const PostgresqlHead before = head(HeadUse::Lock);
+        deliver(seen, before, catchUp);
+        const std::vector<LogEntry> entries = decide(before.mark.position);
+        if (entries.empty()) {
+            return;
+        }
+        requireFit(entries);
+        write(entries);
+        setHead(entries.back().mark);
+        try {
+            transaction.commit();
+        } catch (const PostgresqlError& error) {
+            mConnection->giveUp();
+            throw LogInDoubt(explained(error));
+        }
+    });
+}
+
+// An object that one entry creates, another one of the same append can change or delete.
+void PostgresqlLog::write(const std::vector<LogEntry>& entries) {
+    for (const LogEntry& entry : entries) {
+        mConnection->run("INSERT INTO log(pos, id, author, change) VALUES($1, $2, $3, $4)",
+                         PostgresqlParameters()
+                             .number(entry.mark.position)
+                             .text(entry.mark.id)
+                             .text(entry.author)
+                             .bytes(entry.change));
+        inPortions(entry.created, bytesOf, [&](const auto& rows) { insert(rows); });
+        inPortions(entry.changed, bytesOf, [&](const auto& rows) { change(rows); });
+        inPortions(
+            entry.deleted, [](ObjectId) { return kNumberSize; },
+            [&](const auto& ids) { remove(ids); });
+    }
+}
+
+void PostgresqlLog::insert(const std::vector<ObjectRow>& rows) {
+    std::vector<std::uint64_t> ids;
+    std::vector<std::uint64_t> parents;
+    std::vector<std::uint64_t> classes;
+    std::vector<std::string_view> names;
+    std::vector<std::string_view> attributes;
+    std::vector<std::uint64_t> commits;
+    for (const ObjectRow& row : rows) {
+        ids.push_back(row.id);
+        parents.push_back(row.parent);
+        classes.push_back(row.moc);
+        names.push_back(row.name);
+        attributes.push_back(row.attributes);
+        commits.push_back(row.changedAt);
+    }
+    mConnection->run("INSERT INTO objects(object, parent, class, name, attributes, changed) "
+                     "SELECT * FROM unnest($1, $2, $3, $4, $5, $6)",
+                     PostgresqlParameters()
+                         .numbers(ids)
+                         .numbers(parents)
+                         .numbers(classes)
+                         .texts(names)
+                         .byteTexts(attributes)
+                         .numbers(commits));
+}
+
+void PostgresqlLog::change(const std::vector<ObjectRow>& rows) {
+    std::vector<std::uint64_t> ids;
+    std::vector<std::string_view> attributes;
+    std::vector<std::uint64_t> commits;
+    for (const ObjectRow& row : rows) {
+        ids.push_back(row.id);
+        attributes.push_back(row.attributes);
+        commits.push_back(row.changedAt);
+    }
+    const PostgresqlRows done = mConnection->run(
+        "UPDATE objects SET attributes = new.attributes, changed = new.changed FROM "
+        "unnest($1, $2, $3) AS new(object, attributes, changed) "
+        "WHERE objects.object = new.object",
+        PostgresqlParameters().numbers(ids).byteTexts(attributes).numbers(commits));
+    if (done.changed() != rows.size()) {
+        throw LogDiverged("an object of the log that is to be changed is gone");
+    }
+}
+
+void PostgresqlLog::remove(const std::vector<ObjectId>& ids) {
+    const PostgresqlRows done = mConnection->run("DELETE FROM objects WHERE object = ANY($1)",
+                                                 PostgresqlParameters().numbers(ids));
+    if (done.changed() != ids.size()) {
+        throw LogDiverged("an object of the log that is to be deleted is gone");
+    }
+}
+
+void PostgresqlLog::setHead(const LogMark& mark) {
+    mConnection->run("UPDATE head SET pos = $1, id = $2",
+                     PostgresqlParameters().number(mark.position).text(mark.id));
+}
+
+// Nothing is read in a transaction unless there is something new.
+void PostgresqlLog::follow(const LogMark& seen, const CatchUp& catchUp,
+                           std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        const bool isSame = guarded([&] {
+            const PostgresqlHead now = onConnection([](PostgresqlConnection& connection) {
+                return readHead(connection, HeadUse::Read);
+            });
+            return now.mark == seen && now.model == mFingerprint;
+        });
+        if (!isSame) {
+            break;
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            return;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+    guarded([&] {
+        begin(kReadTransaction);
+        PostgresqlTransaction transaction(*mConnection);
+        deliver(seen, head(HeadUse::Read), catchUp);
+    });
+}
+
+std::optional<CommitNumber> PostgresqlLog::find(const std::string& id) {
+    return guarded([&]() -> std::optional<CommitNumber> {
+        begin(kWriteTransaction);
+        PostgresqlTransaction transaction(*mConnection);
+        readHead(*mConnection, HeadUse::Lock);
+        const PostgresqlRows rows =
+            mConnection->run("SELECT pos FROM log WHERE id = $1", PostgresqlParameters().text(id));
+        if (rows.size() == 0) {
+            return std::nullopt;
+        }
+        return rows.number(0, 0);
+    });
+}
+
+}
