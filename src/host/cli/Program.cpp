@@ -21,6 +21,7 @@
 #include "cli/shell/Interpreter.h"
 #include "cli/shell/Pager.h"
 #include "cli/shell/Prompt.h"
+#include "store_sqlite/SqliteLog.h"
 
 #include <csignal>
 #include <fstream>
@@ -254,7 +255,7 @@ int runWithOptions(const Options& options) {
         session.showRuleCost(options.yangRules);
         session.setModelNotes(setup.modelNotes());
         session.setSchema(setup.schema());
-        if (SqliteLog* const store = setup.store()) {
+        if (SqliteLog* const store = setup.storeFile()) {
             session.setBackup([store](const auto& target) { store->backup(target); });
         }
         return Run(options, session, commands).run();

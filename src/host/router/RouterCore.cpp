@@ -152,7 +152,12 @@ AttributeValue RouterCore::action(unsigned long txHandle, const std::string& dn,
 
 OrvReturnT RouterCore::join(unsigned long txHandle) {
     auto joined = std::make_shared<RouterTransaction>();
-    joined->store = mStore.begin(txHandle, mAuthorOf ? mAuthorOf(txHandle) : std::string());
+    const OrvReturnT code = answer([&] {
+        joined->store = mStore.begin(txHandle, mAuthorOf ? mAuthorOf(txHandle) : std::string());
+    });
+    if (code != OrvOk) {
+        return code;
+    }
     const std::unique_lock<ReaderLock> guard(mLock);
     return mTransactions.emplace(txHandle, std::move(joined)).second ? OrvOk : OrvAlreadyExist;
 }

@@ -5,6 +5,7 @@
 
 #include "ComponentFinder.h"
 #include "LoggingWrapper.h"
+#include "StoreTarget.h"
 #include "base/Counted.h"
 #include "base/Join.h"
 #include "base/RootObject.h"
@@ -12,11 +13,16 @@
 #include "cli/output/ProgressBar.h"
 #include "model/ValueCheck.h"
 #include "runtime/DataSet.h"
+#include "store_postgresql/PostgresqlLog.h"
+#include "store_postgresql/PostgresqlTools.h"
+#include "store_sqlite/SqliteLog.h"
 #include "store_sqlite/StoreTools.h"
 #include "yang/instances/InstanceDataReader.h"
 #include "yang/rules/YangRules.h"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <iostream>
 #include <sstream>
 
@@ -25,6 +31,9 @@
 namespace OrvHost {
 
 namespace {
+
+// How long a commit of another host may stay unseen.
+constexpr std::chrono::milliseconds kFollowPause{20};
 
 void failIfAny(const std::vector<std::string>& problems) {
     if (!problems.empty()) {
@@ -75,6 +84,23 @@ void checkIdentity(const Model& model, const std::string& identity) {
     }
 }
 
+// How messages on other hosts name this one.
+std::string hostName() {
+    std::array<char, 256> name{};
+    const bool isKnown = gethostname(name.data(), name.size() - 1) == 0;
+    return std::string(isKnown ? name.data() : "an unknown host") + ", process " +
+           std::to_string(getpid());
+}
+
+void logWarning(const std::string& text) {
+    constexpr unsigned int kLevel = 4;
+    Orv::LoggingWrapper& log = *Orv::LoggingWrapper::instance();
+    if (log.get_level() >= kLevel) {
+        log.trace_v2_printf(Orv::Trace::Common, static_cast<VekMwSpiTraceLevelT>(kLevel), "store",
+                            "follow", 0, "%s", text.c_str());
+    }
+}
+
 // Before another one is created.
 void requireOldStore(const Options& options) {
     if (!options.migrateFrom.empty()) {
@@ -98,7 +124,7 @@ HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(err
     hostOptions.rules = mRules.get();
     mHost = std::make_unique<Host>(mModel.model, hostOptions);
     loadData(options);
-    useStore();
+    useStore(options);
     loadComponents(options);
     startComponents();
     mClients = std::make_unique<Clients>(*mHost);
@@ -106,6 +132,7 @@ HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(err
 }
 
 HostSetup::~HostSetup() {
+    mFollower.reset();
     mClients.reset();
     if (mHost) {
         for (const std::string& problem : mHost->shutdown()) {
@@ -178,34 +205,63 @@ void HostSetup::openStore(const Options& options) {
         return;
     }
     try {
-        requireOldStore(options);
-        mStore = std::make_unique<SqliteLog>(
-            options.store, mModel.model,
-            options.storeSyncsEachCommit ? SqliteLog::Sync::Full : SqliteLog::Sync::Normal);
+        if (isPostgresql(options.store)) {
+            openSharedStore(options);
+        } else {
+            requireOldStore(options);
+            auto file = std::make_unique<SqliteLog>(
+                options.store, mModel.model,
+                options.storeSyncsEachCommit ? SqliteLog::Sync::Full : SqliteLog::Sync::Normal);
+            mStoreFile = file.get();
+            mStore = std::move(file);
+        }
         mIsStoreNew = mStore->isNew();
-        if (!options.migrateFrom.empty() && !mIsStoreNew) {
-            throw LoadError("the store " + options.store.string() +
-                            " has had objects already; a new file was expected");
-        }
-        if (options.isDataGiven && !mIsStoreNew) {
-            throw LoadError("the store " + options.store.string() +
-                            " has objects already, and data (-d) goes into a new one only; leave "
-                            "out -d, or use the command load");
-        }
     } catch (const HostError& failure) {
         throw LoadError(failure.what());
+    }
+    requireRoom(options);
+}
+
+void HostSetup::openSharedStore(const Options& options) {
+    const std::string target = postgresqlTarget(options.store);
+    if (options.createsStore) {
+        initPostgresqlStore(target, mModel.model);
+    }
+    if (!options.migrateFrom.empty()) {
+        readStoreInfo(options.migrateFrom);
+    }
+    mStore = std::make_unique<PostgresqlLog>(target, mModel.model);
+}
+
+void HostSetup::requireRoom(const Options& options) const {
+    if (!options.migrateFrom.empty() && !mIsStoreNew) {
+        throw LoadError("the store " + options.store +
+                        " has had objects already; a new one was expected");
+    }
+    if (options.isDataGiven && !mIsStoreNew) {
+        throw LoadError("the store " + options.store +
+                        " has objects already, and data (-d) goes into a new one only; leave "
+                        "out -d, or use the command load");
     }
 }
 
-void HostSetup::useStore() {
+void HostSetup::useStore(const Options& options) {
     if (!mStore) {
         return;
     }
+    const bool isShared = mStoreFile == nullptr;
     try {
-        mHost->store().attach(*mStore);
+        mHost->store().attach(*mStore, isShared ? hostName() : std::string());
     } catch (const HostError& failure) {
         throw LoadError(failure.what());
     }
+    if (!isShared) {
+        return;
+    }
+    if (options.isFresh) {
+        mHost->store().setFresh();
+    }
+    mFollower = std::make_unique<LogFollower>(mHost->store(), kFollowPause, logWarning);
 }
 
 void HostSetup::loadData(const Options& options) {

@@ -8,7 +8,7 @@
 #include "client/Clients.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
-#include "store_sqlite/SqliteLog.h"
+#include "store/LogFollower.h"
 #include "yang/schema/YangModelReader.h"
 
 #include <memory>
@@ -20,6 +20,7 @@ namespace OrvHost {
 
 class DataSet;
 class ProgressBar;
+class SqliteLog;
 
 /// Everything that must exist before the first command can run: log, model, host, data, components
 /// and the clients, built in this order and destroyed in the reverse order. One thread.
@@ -36,8 +37,8 @@ public:
     Host& host() { return *mHost; }
     Clients& clients() { return *mClients; }
     LogSink& log() { return *mLog; }
-    /// Null without --store.
-    SqliteLog* store() { return mStore.get(); }
+    /// Null if no file keeps the commits.
+    SqliteLog* storeFile() { return mStoreFile; }
     /// What the modules say but the model does not represent.
     const std::vector<Problem>& modelNotes() const { return mModel.notes; }
     /// How files hold the objects of the model.
@@ -51,7 +52,9 @@ private:
     void reportNotes(const Options& options);
     void openStore(const Options& options);
     void loadData(const Options& options);
-    void useStore();
+    void openSharedStore(const Options& options);
+    void requireRoom(const Options& options) const;
+    void useStore(const Options& options);
     void gatherOld(const Options& options, DataSet& data, ProgressBar& bar);
     void gather(const Options& options, DataSet& data, ProgressBar& bar);
     void checkAndRepair(const Options& options, DataSet& data, ProgressBar& bar);
@@ -63,9 +66,11 @@ private:
     YangModelReader mReader;
     YangModel mModel;
     std::shared_ptr<const RuleCheck> mRules; ///< of the modules; null if there are none
-    std::unique_ptr<SqliteLog> mStore;       ///< null without --store
+    std::unique_ptr<CommitLog> mStore;       ///< null without --store
+    SqliteLog* mStoreFile = nullptr;         ///< the same, if it is a file
     bool mIsStoreNew = false;
     std::unique_ptr<Host> mHost;
+    std::unique_ptr<LogFollower> mFollower; ///< null if no other host can commit
     std::unique_ptr<Clients> mClients;
 };
 

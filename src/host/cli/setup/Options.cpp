@@ -6,6 +6,7 @@
 #include "CommandSplit.h"
 #include "DnUtil.h"
 #include "ProjectFile.h"
+#include "StoreTarget.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
 #include "client/Clients.h"
@@ -42,13 +43,17 @@ command, its own options after it:
   orvhost -I models -m ran-element -d network.json serve --netconf-user alice=alice.pub
 
 --store FILE keeps all commits in a file, which is created if there is none; data (-d)
-goes into a new one only. 'store' in place of a command works on such a file while no host uses it:
+goes into a new one only. --store postgresql:CONNECTION keeps them in the tables of a database, which
+several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or postgresql://...
+'store' in place of a command works on a file while no host uses it, or on such tables:
 
-  orvhost store info FILE       what it holds
+  orvhost store info FILE       what it holds (tables as well)
   orvhost store check FILE      whether it is whole
   orvhost store compact FILE    gives back the space of what was deleted
   orvhost -I models -m ran-element store export FILE network.xml
   orvhost -I models -m ran-element store migrate FILE NEW    into a store of another model
+  orvhost -I models -m ran-element store init postgresql:...    makes the tables
+  orvhost store trim postgresql:... [ENTRIES [HOURS]]    deletes old entries of their log
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
 
@@ -101,7 +106,11 @@ void addLoading(CLI::App& app, Options& options) {
                  "Add the missing sides of bidirectional associations to the data");
     app.add_flag("--as-is", options.asIs,
                  "Take data that violates associations, with notes: as it was saved");
-    app.add_option("--store", options.store, "File that keeps all commits; created if it is new");
+    app.add_option("--store", options.store,
+                   "File that keeps all commits, created if it is new; or postgresql:CONNECTION");
+    app.add_flag("--fresh", options.isFresh,
+                 "Let each transaction see what other hosts of the store have committed before it "
+                 "begins");
     app.add_option_function<std::string>(
            "--store-sync",
            [&options](const std::string& text) { options.storeSyncsEachCommit = text == "full"; },
@@ -260,7 +269,7 @@ void takeStore(const GivenOptions& given, Options& options) {
     const std::string what = words.empty() ? "" : words.front();
     if (what == "export" && words.size() >= 3) {
         std::error_code error;
-        if (!std::filesystem::exists(words[1], error)) {
+        if (!isPostgresql(words[1]) && !std::filesystem::exists(words[1], error)) {
             throw CLI::ValidationError("there is no store " + words[1]);
         }
         options.store = words[1];
@@ -275,10 +284,21 @@ void takeStore(const GivenOptions& given, Options& options) {
         options.words = {"count"};
         return;
     }
-    const bool isKnown = what == "info" || what == "check" || what == "compact";
-    if (!isKnown || words.size() != 2) {
-        throw CLI::ValidationError("store needs info FILE, check FILE, compact FILE, export FILE "
-                                   "TARGET, or migrate FILE NEW");
+    const bool isShared = words.size() > 1 && isPostgresql(words[1]);
+    if (what == "init" && words.size() == 2 && isShared) {
+        options.store = words[1];
+        options.createsStore = true;
+        options.words = {"count"};
+        return;
+    }
+    const bool isKnown = isShared ? what == "info" || what == "trim"
+                                  : what == "info" || what == "check" || what == "compact";
+    const std::size_t most = what == "trim" ? 4 : 2;
+    if (!isKnown || words.size() < 2 || words.size() > most) {
+        throw CLI::ValidationError(
+            "store needs info FILE, check FILE, compact FILE, export FILE TARGET, migrate FILE "
+            "NEW, init postgresql:..., info postgresql:..., or trim postgresql:... [ENTRIES "
+            "[HOURS]]");
     }
     options.words.clear();
     options.storeWords = words;

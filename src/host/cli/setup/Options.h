@@ -32,9 +32,11 @@ struct Options {
     std::string meId;
     std::string meIdFallback = "1";
     bool repair = false;
-    bool asIs = false;                 ///< take associations in data as they are
-    std::filesystem::path store;       ///< the file that keeps all commits; empty: none
-    bool isStoreOld = false;           ///< none is created
+    bool asIs = false;         ///< take associations in data as they are
+    std::string store;         ///< what keeps all commits, see StoreTarget.h; empty: nothing
+    bool isStoreOld = false;   ///< none is created
+    bool createsStore = false; ///< the tables of a database
+    bool isFresh = false;      ///< each transaction sees what other hosts have committed
     std::filesystem::path migrateFrom; ///< a store whose objects go into a new one; empty: none
     bool storeSyncsEachCommit = true;  ///< or else the last ones may be lost when the power fails
     std::string interfaceVersion = "3_1";

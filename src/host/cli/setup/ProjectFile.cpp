@@ -4,6 +4,7 @@
 #include "ProjectFile.h"
 
 #include "CommandSplit.h"
+#include "StoreTarget.h"
 #include "base/AtomicFile.h"
 #include "base/Environment.h"
 #include "base/TextFile.h"
@@ -268,7 +269,9 @@ private:
             setting.isPath ||
             (setting.name == std::string("model") &&
              (text->find('/') != std::string::npos || fs::path(*text).extension() == ".yang"));
-        return isFile && !text->empty() ? (mFile.parent_path() / *text).string() : *text;
+        return isFile && !text->empty() && !isPostgresql(*text)
+                   ? (mFile.parent_path() / *text).string()
+                   : *text;
     }
 
     [[noreturn]] void refuse(const Setting& setting, const toml::node& value,

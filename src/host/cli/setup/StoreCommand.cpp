@@ -3,14 +3,24 @@
 
 #include "StoreCommand.h"
 
+#include "StoreTarget.h"
 #include "base/UtcTime.h"
 #include "cli/output/ValueJson.h"
 #include "store/CommitLog.h"
+#include "store_postgresql/PostgresqlTools.h"
 #include "store_sqlite/StoreTools.h"
+
+#include <charconv>
+#include <chrono>
 
 namespace OrvHost {
 
 namespace {
+
+// What trim keeps if it is not told otherwise: entries that are younger, or among the latest.
+constexpr std::uint64_t kEntriesKept = 100000;
+constexpr std::uint64_t kHoursKept = 24;
+constexpr std::uint64_t kMostHours = 1000000000;
 
 ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) {
     const StoreInfo info = readStoreInfo(file);
@@ -33,6 +43,57 @@ ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) 
         out << "last commit  " << lastAt << " by " << info.lastAuthor << '\n';
     }
     out << "model        " << info.model << "\nbytes        " << info.bytes << '\n';
+    return ExitOk;
+}
+
+ExitStatus showSharedInfo(const std::string& store, bool wantsJson, std::ostream& out) {
+    const PostgresqlInfo info = readPostgresqlInfo(postgresqlTarget(store));
+    const std::string lastAt = info.lastAuthor.empty() ? "" : utcText(info.lastAt);
+    if (wantsJson) {
+        out << toLine({{"command", "store info"},
+                       {"objects", info.objects},
+                       {"commits", info.position},
+                       {"firstEntry", info.firstEntry},
+                       {"lastAuthor", info.lastAuthor},
+                       {"lastAt", lastAt},
+                       {"model", info.model},
+                       {"bytes", info.bytes}})
+            << '\n';
+        return ExitOk;
+    }
+    out << "objects      " << info.objects << "\ncommits      " << info.position
+        << "\nkept from    " << info.firstEntry << '\n';
+    if (!info.lastAuthor.empty()) {
+        out << "last commit  " << lastAt << " by " << info.lastAuthor << '\n';
+    }
+    out << "model        " << info.model << "\nbytes        " << info.bytes << '\n';
+    return ExitOk;
+}
+
+std::uint64_t numberIn(const std::vector<std::string>& words, std::size_t at,
+                       std::uint64_t otherwise) {
+    if (words.size() <= at) {
+        return otherwise;
+    }
+    const std::string& word = words[at];
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || end != word.data() + word.size() || number > kMostHours) {
+        throw UsageError("'" + word + "' is no number of entries or hours");
+    }
+    return number;
+}
+
+ExitStatus trim(const std::vector<std::string>& words, bool wantsJson, std::ostream& out) {
+    const std::uint64_t entries = numberIn(words, 2, kEntriesKept);
+    const std::chrono::hours age(numberIn(words, 3, kHoursKept));
+    const std::uint64_t deleted =
+        trimPostgresqlStore(postgresqlTarget(words[1]), entries, std::chrono::seconds(age));
+    if (wantsJson) {
+        out << toLine({{"command", "store trim"}, {"deleted", deleted}}) << '\n';
+    } else {
+        out << deleted << (deleted == 1 ? " entry deleted\n" : " entries deleted\n");
+    }
     return ExitOk;
 }
 
@@ -69,6 +130,12 @@ ExitStatus compact(const std::string& file, bool wantsJson, std::ostream& out) {
 ExitStatus runStoreCommand(const std::vector<std::string>& words, bool wantsJson,
                            std::ostream& out) {
     try {
+        if (words[0] == "trim") {
+            return trim(words, wantsJson, out);
+        }
+        if (words[0] == "info" && isPostgresql(words[1])) {
+            return showSharedInfo(words[1], wantsJson, out);
+        }
         if (words[0] == "info") {
             return showInfo(words[1], wantsJson, out);
         }

@@ -12,9 +12,10 @@
 
 namespace OrvHost {
 
-/// Runs `store info FILE`, `store check FILE` and `store compact FILE`, which need no host. \p
-/// words are those after `store`; answers go to \p out, as one JSON document if \p wantsJson.
-/// Throws LoadError if the file cannot be used.
+/// Runs `store info STORE`, `store check FILE`, `store compact FILE` and `store trim STORE [ENTRIES
+/// [HOURS]]`, which need no host. \p words are those after `store`; answers go to \p out, as one
+/// JSON document if \p wantsJson. Throws LoadError if the store cannot be used, UsageError for a
+/// word that is no number.
 ExitStatus runStoreCommand(const std::vector<std::string>& words, bool wantsJson,
                            std::ostream& out);
 
