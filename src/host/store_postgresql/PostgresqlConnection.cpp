@@ -32,7 +32,7 @@ std::string binaryNumber(std::uint64_t value) {
     return bytes;
 }
 
-std::string firstLine(std::string text) {
+std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
 

@@ -108,7 +108,7 @@ bool isOutOfRoom(const PostgresqlError& error) {
 }
 
 std::string explained(const PostgresqlError& error) {
-    const std::string text = std::string("the store of PostgreSQL: ") + error.what();
+    std::string text = std::string("the store of PostgreSQL: ") + error.what();
     if (error.state() == "42P01") {
         return text + "; orvhost store init creates the tables";
     }
