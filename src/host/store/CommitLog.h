@@ -133,6 +133,8 @@ public:
     /// The position of the entry with that id, after all appends that are in progress. Throws
     /// LogUnavailable.
     virtual std::optional<CommitNumber> find(const std::string& id) = 0;
+    /// For how long it is worth to ask with find while it fails.
+    virtual std::chrono::milliseconds patience() const { return std::chrono::seconds(2); }
 };
 
 }

@@ -15,8 +15,7 @@ namespace OrvHost {
 
 namespace {
 
-// How long the outcome of a commit is asked for when the log did not answer, and how often.
-constexpr std::chrono::milliseconds kPatience{2000};
+// Between two questions for the outcome of a commit.
 constexpr std::chrono::milliseconds kPause{100};
 
 std::string startOfIds() {
@@ -28,6 +27,28 @@ ObjectId idOf(const MoNode& node) {
     return objectId(node.createdAt, node.place);
 }
 
+template <class Work>
+std::exception_ptr failureOf(const Work& work) {
+    try {
+        work();
+    } catch (...) {
+        return std::current_exception();
+    }
+    return nullptr;
+}
+
+// Each thread gets an error of its own.
+void rethrow(const std::exception_ptr& failure) {
+    if (!failure) {
+        return;
+    }
+    try {
+        std::rethrow_exception(failure);
+    } catch (const HostError& error) {
+        throw HostError(error.code(), error.what());
+    }
+}
+
 LogDiverged notNext(CommitNumber position, CommitNumber last) {
     return LogDiverged("the log has position " + std::to_string(position) +
                        ", and what was read from it ends at " + std::to_string(last));
@@ -35,15 +56,16 @@ LogDiverged notNext(CommitNumber position, CommitNumber last) {
 
 }
 
-LogCommitter::LogCommitter(const Model& model, VersionedTree& tree, CommitFeed& feed,
-                           CommitLog& log, std::string host, LogMark mark)
+LogCommitter::LogCommitter(const Model& model, std::shared_ptr<CommittedState> state,
+                           CommitFeed& feed, CommitLog& log, std::string host, LogMark mark)
     : mModel(model),
-      mTree(tree),
       mFeed(feed),
       mLog(log),
       mHost(std::move(host)),
       mIdStart(startOfIds()),
-      mMark(std::move(mark)) {}
+      mState(std::move(state)),
+      mMark(std::move(mark)),
+      mCurrent(mState.get()) {}
 
 std::string LogCommitter::nextId() {
     return mIdStart + std::to_string(++mIds);
@@ -71,10 +93,12 @@ void LogCommitter::requireNoFault() const {
 template <class Turn>
 void LogCommitter::inTurn(std::unique_lock<std::mutex>& lock, const Turn& work) {
     mHasLeader = true;
+    mLeader = std::this_thread::get_id();
     lock.unlock();
     work();
     lock.lock();
     mHasLeader = false;
+    mLeader = {};
     mChanged.notify_all();
 }
 
@@ -97,48 +121,63 @@ void LogCommitter::commit(Work work) {
     }
 }
 
-template <class Turn>
-void LogCommitter::inNextTurn(const Turn& work) {
+// A look that has begun may have missed what was appended before this call.
+void LogCommitter::catchUp() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    if (mLeader == std::this_thread::get_id()) {
+        return;
+    }
+    if (!mQuestion) {
+        mQuestion = std::make_shared<Question>();
+    }
+    const std::shared_ptr<Question> question = mQuestion;
+    mChanged.wait(lock, [&] { return question->isDone || !mHasLeader; });
+    if (!question->isDone) {
+        mQuestion.reset();
+        inTurn(lock, [&] { question->failure = failureOf([this] { follow(); }); });
+        question->isDone = true;
+    }
+    lock.unlock();
+    rethrow(question->failure);
+}
+
+void LogCommitter::follow() {
+    requireNoFault();
+    const LogMark seen = mMark;
+    try {
+        mLog.follow(seen, [&](const LogEntry& entry) { applyForeign(entry); }, {});
+    } catch (const LogDiverged& error) {
+        reportForeign();
+        setFault(error.what());
+        throw;
+    } catch (...) {
+        reportForeign();
+        throw;
+    }
+    reportForeign();
+}
+
+void LogCommitter::restart(
+    const std::function<Loaded(CommitLog& log)>& load,
+    const std::function<void(std::shared_ptr<CommittedState> state)>& publish) {
     std::unique_lock<std::mutex> lock(mMutex);
     mChanged.wait(lock, [&] { return !mHasLeader; });
     std::exception_ptr failure;
     inTurn(lock, [&] {
-        try {
-            work();
-        } catch (...) {
-            failure = std::current_exception();
-        }
+        failure = failureOf([&] {
+            Loaded loaded = load(mLog);
+            mState = std::move(loaded.state);
+            mCurrent = mState.get();
+            mMark = std::move(loaded.mark);
+            mLastForeign = mMark.position;
+            publish(mState);
+        });
     });
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
-}
-
-void LogCommitter::catchUp() {
-    inNextTurn([&] {
-        requireNoFault();
-        const LogMark seen = mMark;
-        try {
-            mLog.follow(seen, [&](const LogEntry& entry) { applyForeign(entry); }, {});
-        } catch (const LogDiverged& error) {
-            reportForeign();
-            setFault(error.what());
-            throw;
-        } catch (...) {
-            reportForeign();
-            throw;
-        }
-        reportForeign();
-    });
-}
-
-void LogCommitter::restart(const std::function<LogMark(CommitLog& log)>& load) {
-    inNextTurn([&] {
-        mMark = load(mLog);
-        mLastForeign = mMark.position;
-        const std::lock_guard<std::mutex> guard(mMutex);
+    if (!failure) {
         mFault.clear();
-    });
+    }
+    lock.unlock();
+    rethrow(failure);
 }
 
 std::size_t LogCommitter::waiting() const {
@@ -217,7 +256,7 @@ void LogCommitter::settle(const LogInDoubt& doubt) {
         throw LogUnavailable(std::string("nothing was committed: ") + doubt.what());
     }
     const LogMark& mark = mGoing.front()->mark;
-    const auto end = std::chrono::steady_clock::now() + kPatience;
+    const auto end = std::chrono::steady_clock::now() + mLog.patience();
     while (doubt.until() == LogInDoubt::Until::Found && std::chrono::steady_clock::now() < end) {
         std::optional<CommitNumber> found;
         try {
@@ -248,6 +287,9 @@ std::vector<LogEntry> LogCommitter::decide(const std::vector<Pending*>& all, Com
     entries.reserve(all.size());
     for (Pending* const pending : all) {
         try {
+            if (!isFor(pending->work.state)) {
+                pending->work.guard.refuse(kLoadedAnew);
+            }
             if (hasForeignAfter(pending->work.guard.snapshot())) {
                 pending->work.guard.recheck();
             }
@@ -273,7 +315,7 @@ LogEntry LogCommitter::entryOf(const Pending& pending) const {
     entry.mark = pending.mark;
     entry.author = toText({guard.owner(), guard.author()}) + (mHost.empty() ? "" : " on " + mHost);
     entry.change = pending.work.entry;
-    mTree.read([&](const MoTree& tree) {
+    tree().read([&](const MoTree& tree) {
         for (const NewMo& created : change.created) {
             entry.created.push_back(
                 {objectId(position, entry.created.size()),
@@ -305,8 +347,9 @@ void LogCommitter::applyGoing() {
                 },
                 [&] {
                     const CommitNumber number = pending->mark.position;
-                    mTree.commitEntry(number, pending->work.change, {guard.owner(), guard.author()},
-                                      VersionedTree::Origin::Here);
+                    tree().commitEntry(number, pending->work.change,
+                                       {guard.owner(), guard.author()},
+                                       VersionedTree::Origin::Here);
                     // Together with the tree, and without anything that could fail.
                     mMark = std::move(pending->mark);
                     pending->isApplied = true;
@@ -328,7 +371,7 @@ void LogCommitter::applyForeign(const LogEntry& entry) {
     try {
         const LogChange change = LogChange::decoded(entry.change);
         TreeChange treeChange =
-            mTree.read([&](const MoTree& tree) { return toTreeChange(change, mModel, tree); });
+            tree().read([&](const MoTree& tree) { return toTreeChange(change, mModel, tree); });
         const bool isWatched = mFeed.isWatched();
         ChangeSet changes;
         if (isWatched) {
@@ -338,10 +381,10 @@ void LogCommitter::applyForeign(const LogEntry& entry) {
             changes.author = entry.author;
             changes.number = next.position;
             changes.objects =
-                mTree.read([&](const MoTree& tree) { return describe(change, mModel, tree); });
+                tree().read([&](const MoTree& tree) { return describe(change, mModel, tree); });
         }
-        mTree.commitEntry(next.position, treeChange, {kNoTransaction, entry.author},
-                          VersionedTree::Origin::Elsewhere);
+        tree().commitEntry(next.position, treeChange, {kNoTransaction, entry.author},
+                           VersionedTree::Origin::Elsewhere);
         // Together with the tree, and without anything that could fail.
         mMark = std::move(next);
         mLastForeign = mMark.position;

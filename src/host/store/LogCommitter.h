@@ -7,8 +7,8 @@
 #include "ChangeSet.h"
 #include "CommitFeed.h"
 #include "CommitLog.h"
+#include "CommittedState.h"
 #include "MoTree.h"
-#include "VersionedTree.h"
 #include "WriteGuard.h"
 
 #include <atomic>
@@ -17,14 +17,20 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace OrvHost {
 
 struct LogChange;
+
+/// Why a transaction cannot be committed whose objects are not those of the store any more.
+constexpr const char* kLoadedAnew =
+    "the objects were loaded anew since this transaction began: the store has another history now";
 
 /// Takes the commits of one store through a commit log: first they are in the log, then they are
 /// visible. Commits of several threads that wait at the same time go into the log together: the
@@ -39,6 +45,7 @@ class LogCommitter {
 public:
     /// One transaction that commits. All that it refers to must stay until commit returns.
     struct Work {
+        const CommittedState& state; ///< what the transaction works on
         TreeChange& change;
         WriteGuard& guard;
         std::string entry;                   ///< see LogChange::encoded
@@ -46,19 +53,30 @@ public:
     };
 
     /// \p host: how messages on other hosts name this one; empty if there are no others. \p mark:
-    /// what \p tree holds. All references must outlive the object.
-    LogCommitter(const Model& model, VersionedTree& tree, CommitFeed& feed, CommitLog& log,
-                 std::string host, LogMark mark);
+    /// what \p state holds. All references must outlive the object.
+    LogCommitter(const Model& model, std::shared_ptr<CommittedState> state, CommitFeed& feed,
+                 CommitLog& log, std::string host, LogMark mark);
 
     /// Appends one commit and applies it. Throws HostError: with OrvHostOutcomeUnknown if it may be
     /// in the log or is there, and then it is applied by a later call; otherwise, with
     /// OrvHostWriteConflict, OrvHostStoreUnavailable or OrvInvalidArgument, nothing of it is left.
     void commit(Work work);
-    /// Applies what other stores have appended. Throws LogUnavailable or LogDiverged.
+    /// Applies what other stores have appended; one look serves all threads that wait for one.
+    /// Throws HostError with OrvHostStoreUnavailable. Does nothing on a thread that has the turn,
+    /// as that of a watcher: there all has been applied that is known.
     void catchUp();
-    /// Calls \p load, which puts the objects of the log into the tree and returns their mark; goes
-    /// on there and forgets the fault. Throws what \p load throws.
-    void restart(const std::function<LogMark(CommitLog& log)>& load);
+    /// What the log holds now.
+    struct Loaded {
+        std::shared_ptr<CommittedState> state;
+        LogMark mark;
+    };
+    /// Calls \p load and goes on with what it returns, without the fault. Transactions on another
+    /// state are refused from then on, with OrvHostWriteConflict; then \p publish gets the state,
+    /// for those that begin. Throws what \p load throws.
+    void restart(const std::function<Loaded(CommitLog& log)>& load,
+                 const std::function<void(std::shared_ptr<CommittedState> state)>& publish);
+    /// Whether it commits to \p state.
+    bool isFor(const CommittedState& state) const { return mCurrent.load() == &state; }
 
     /// Whether an entry of another store was applied after \p snapshot.
     bool hasForeignAfter(CommitNumber snapshot) const { return mLastForeign.load() > snapshot; }
@@ -79,7 +97,15 @@ private:
         bool isDone = false;
     };
 
+    /// Threads that wait for one look at the log.
+    struct Question {
+        std::exception_ptr failure{};
+        bool isDone = false;
+    };
+
+    VersionedTree& tree() const { return mState->tree; }
     void lead(const std::vector<Pending*>& all) noexcept;
+    void follow();
     void appendTogetherOrAlone(const std::vector<Pending*>& all);
     void append(const std::vector<Pending*>& all);
     void settle(const LogInDoubt& doubt);
@@ -99,13 +125,13 @@ private:
     void inNextTurn(const Turn& work);
 
     const Model& mModel;
-    VersionedTree& mTree;
     CommitFeed& mFeed;
     CommitLog& mLog;
     const std::string mHost;
     const std::string mIdStart; ///< of the ids of this object, different in each process
 
     // Used by the thread whose turn it is.
+    std::shared_ptr<CommittedState> mState;
     LogMark mMark; ///< the last entry that is applied
     std::uint64_t mIds = 0;
     std::vector<Pending*> mGoing;    ///< those whose entries are being appended
@@ -113,9 +139,13 @@ private:
 
     std::atomic<CommitNumber> mLastForeign{0}; ///< the last entry of another store
 
+    std::atomic<const CommittedState*> mCurrent; ///< mState, for all threads
+
     mutable std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;
     bool mHasLeader = false;
+    std::thread::id mLeader;             ///< whose turn it is, if it is anybody's
+    std::shared_ptr<Question> mQuestion; ///< the next one, if anybody waits
     std::vector<Pending*> mWaiting;
     std::string mFault;
 };

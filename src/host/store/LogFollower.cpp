@@ -3,9 +3,16 @@
 
 #include "LogFollower.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace OrvHost {
+
+namespace {
+
+constexpr std::chrono::milliseconds kLongestPause{1000};
+
+}
 
 LogFollower::LogFollower(MoStore& store, std::chrono::milliseconds pause, Report report)
     : mStore(store), mPause(pause), mReport(std::move(report)), mThread([this] { run(); }) {}
@@ -20,45 +27,51 @@ LogFollower::~LogFollower() {
 }
 
 void LogFollower::run() {
+    std::chrono::milliseconds pause = mPause;
     std::unique_lock<std::mutex> lock(mMutex);
     while (!mIsOver) {
         lock.unlock();
         const std::string fault = mStore.logFault();
-        if (fault.empty()) {
-            follow();
-        } else {
-            loadAnew(fault);
-        }
+        const bool isDone = fault.empty() ? follow() : loadAnew(fault);
+        pause = isDone ? mPause : std::min(2 * pause, std::max(mPause, kLongestPause));
         lock.lock();
-        mChanged.wait_for(lock, mPause, [this] { return mIsOver; });
+        mChanged.wait_for(lock, pause, [this] { return mIsOver; });
     }
 }
 
-void LogFollower::follow() {
+bool LogFollower::follow() {
     try {
         mStore.catchUp();
         if (std::exchange(mIsAway, false)) {
             mReport("the store can be reached again");
         }
+        return true;
     } catch (const std::exception& error) {
         // A fault is reported when it is dealt with.
-        if (mStore.logFault().empty() && !std::exchange(mIsAway, true)) {
+        const bool isFault = !mStore.logFault().empty();
+        if (!isFault && !std::exchange(mIsAway, true)) {
             mReport(error.what());
         }
+        return isFault;
     }
 }
 
-// Refused while a transaction is open, and while the log cannot be reached.
-void LogFollower::loadAnew(const std::string& fault) {
-    if (!std::exchange(mIsFaultKnown, true)) {
-        mReport(fault + "; commits are refused until the objects are loaded anew, which is done "
-                        "when no transaction is open");
+bool LogFollower::loadAnew(const std::string& fault) {
+    if (std::exchange(mFault, fault) != fault) {
+        mReport(fault + "; commits are refused until the objects are loaded anew");
     }
     try {
         mStore.reload();
-        mIsFaultKnown = false;
-        mReport("the objects of the store were loaded anew");
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it tries again
+        mFault.clear();
+        mFailure.clear();
+        mReport("the objects of the store were loaded anew; transactions that have written before "
+                "cannot be committed");
+        return true;
+    } catch (const std::exception& error) {
+        if (std::exchange(mFailure, error.what()) != error.what()) {
+            mReport(std::string("the objects of the store cannot be loaded anew: ") + error.what());
+        }
+        return false;
     }
 }
 

@@ -16,7 +16,8 @@
 namespace OrvHost {
 
 /// A thread that keeps a store in step with its log: it applies what other stores have appended,
-/// and loads the objects anew when the log has become another one and no transaction is open.
+/// and loads the objects anew when the log has become another one. While it does not succeed, the
+/// pauses grow, since each try costs the server something.
 class LogFollower {
 public:
     /// Called on that thread, with a line for people: the log cannot be reached, or can be again;
@@ -33,8 +34,9 @@ public:
 
 private:
     void run();
-    void follow();
-    void loadAnew(const std::string& fault);
+    // Both: true if it succeeded.
+    bool follow();
+    bool loadAnew(const std::string& fault);
 
     MoStore& mStore;
     const std::chrono::milliseconds mPause;
@@ -42,7 +44,8 @@ private:
 
     // Used by the thread only.
     bool mIsAway = false;
-    bool mIsFaultKnown = false;
+    std::string mFault;   ///< the last one that was reported; empty: none since all went well
+    std::string mFailure; ///< why the objects cannot be loaded, as it was reported
 
     std::mutex mMutex; ///< guards mIsOver
     std::condition_variable mChanged;

@@ -75,50 +75,70 @@ void visitLoaded(const MoTree& tree, const CommitLog::ObjectVisitor& take) {
 
 }
 
-MoStore::MoStore(const Model& model) : mTree(model), mModel(model) {}
+MoStore::MoStore(const Model& model)
+    : mModel(model), mState(std::make_shared<CommittedState>(model)) {}
 
 void MoStore::load(const std::string& dn, const std::vector<NamedValue>& attributes) {
     if (mLog) {
         throw HostError(OrvHostWrongState, "data is loaded before the commits go into a log, and "
                                            "they do already");
     }
-    withDn(dn, [&] { mTree.load([&](MoTree& tree) { add(mModel, tree, dn, attributes); }); });
+    withDn(dn,
+           [&] { state()->tree.load([&](MoTree& tree) { add(mModel, tree, dn, attributes); }); });
 }
 
 std::unique_ptr<StoreTransaction> MoStore::begin(TransactionId id, std::string author) {
     if (mIsFresh) {
         catchUp();
     }
-    return std::make_unique<StoreTransaction>(mModel, mTree, mClaims, mFeed, mLog.get(), id,
+    return std::make_unique<StoreTransaction>(mModel, state(), mFeed, mLog.get(), id,
                                               std::move(author));
 }
 
-LogMark MoStore::takeFrom(CommitLog& log) {
+LogCommitter::Loaded MoStore::takeFrom(CommitLog& log) {
+    auto fresh = std::make_shared<CommittedState>(mModel);
     MoTree loaded(mModel);
     const TreeLoader loader(mModel, loaded);
     LogMark mark = log.load(loader);
     loader.requireCommitsUntil(mark.position);
-    mTree.replace(loaded, mark.position);
-    return mark;
+    fresh->tree.replace(loaded, mark.position);
+    return {std::move(fresh), std::move(mark)};
+}
+
+// Without a log it stays the same.
+std::shared_ptr<CommittedState> MoStore::state() const {
+    if (!mLog) {
+        return mState;
+    }
+    const std::lock_guard<std::mutex> guard(mMutex);
+    return mState;
+}
+
+void MoStore::use(std::shared_ptr<CommittedState> state) {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    mState = std::move(state);
 }
 
 void MoStore::attach(CommitLog& log, std::string host) {
-    if (mLog || mTree.last() > 0) {
+    const std::shared_ptr<CommittedState> old = state();
+    if (mLog || old->tree.last() > 0) {
         throw HostError(OrvHostWrongState,
                         mLog ? "the commits go into a log already"
                              : "a transaction has committed already, and a log must have all "
                                "commits");
     }
-    LogMark mark;
-    if (size() == 0) {
-        mark = takeFrom(log);
-    } else {
-        mTree.load([&](MoTree& tree) {
-            mark = log.fill([&](const CommitLog::ObjectVisitor& take) { visitLoaded(tree, take); });
-        });
-    }
-    mLog =
-        std::make_unique<LogCommitter>(mModel, mTree, mFeed, log, std::move(host), std::move(mark));
+    LogCommitter::Loaded start{old, {}};
+    old->tree.load([&](MoTree& tree) {
+        if (tree.liveCount() > 0) {
+            start.mark =
+                log.fill([&](const CommitLog::ObjectVisitor& take) { visitLoaded(tree, take); });
+        } else {
+            start = takeFrom(log);
+        }
+    });
+    use(start.state);
+    mLog = std::make_unique<LogCommitter>(mModel, std::move(start.state), mFeed, log,
+                                          std::move(host), std::move(start.mark));
 }
 
 LogCommitter& MoStore::requireLog() const {
@@ -135,7 +155,11 @@ void MoStore::catchUp() {
 void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience) {
     constexpr std::chrono::milliseconds kPause{5};
     const auto end = std::chrono::steady_clock::now() + patience;
-    for (catchUp(); lastCommit() < number; catchUp()) {
+    while (lastCommit() < number) {
+        catchUp();
+        if (lastCommit() >= number) {
+            return;
+        }
         if (std::chrono::steady_clock::now() >= end) {
             throw LogUnavailable("commit " + std::to_string(number) + " has not come within " +
                                  std::to_string(patience.count()) + " ms; the last one is commit " +
@@ -145,18 +169,17 @@ void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience)
     }
 }
 
-// What is loaded could not be used if there is a transaction.
 void MoStore::reload() {
-    mTree.load([](MoTree&) {});
-    requireLog().restart([this](CommitLog& log) { return takeFrom(log); });
+    requireLog().restart([this](CommitLog& log) { return takeFrom(log); },
+                         [this](std::shared_ptr<CommittedState> fresh) { use(std::move(fresh)); });
 }
 
 std::uint64_t MoStore::size() const {
-    return mTree.read([](const MoTree& tree) { return tree.liveCount(); });
+    return state()->tree.read([](const MoTree& tree) { return tree.liveCount(); });
 }
 
 StoreMemory MoStore::memory() const {
-    return mTree.read([](const MoTree& tree) { return tree.memory(); });
+    return state()->tree.read([](const MoTree& tree) { return tree.memory(); });
 }
 
 }

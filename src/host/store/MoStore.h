@@ -4,16 +4,16 @@
 #ifndef ORV_HOST_STORE_MOSTORE_H
 #define ORV_HOST_STORE_MOSTORE_H
 
-#include "ClaimTable.h"
 #include "CommitLog.h"
+#include "CommittedState.h"
 #include "LogCommitter.h"
 #include "StoreTransaction.h"
-#include "VersionedTree.h"
 #include "model/Model.h"
 
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +31,7 @@ namespace OrvHost {
 /// Children of one class under one parent are kept in the order in which they were added: by load,
 /// then by commit, and within a transaction by creation.
 ///
-/// Threads: any, but load, attach and reload may be called only while there is no transaction.
+/// Threads: any, but load and attach may be called only while there is no transaction.
 class MoStore {
 public:
     /// \p model must outlive the store.
@@ -69,16 +69,18 @@ public:
     /// Applies what other stores have appended to the log. Throws HostError with OrvHostWrongState
     /// without a log, LogUnavailable or LogDiverged.
     void catchUp();
-    /// Waits until the commit with that number, of whichever host, can be read. Throws HostError
-    /// with OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp.
+    /// Waits until the commit with that number, of any host, can be read. Throws HostError with
+    /// OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp.
     void catchUpTo(CommitNumber number, std::chrono::milliseconds patience);
     /// The number of the last commit that can be read.
-    CommitNumber lastCommit() const { return mTree.last(); }
+    CommitNumber lastCommit() const { return state()->tree.last(); }
     /// From now on each transaction sees all that any host has committed before it begins: begin
     /// asks the log, and throws as catchUp. Call it before the first transaction.
     void setFresh() { mIsFresh = true; }
-    /// Drops all objects and takes those that the log holds now: the way out of a fault. Watchers
-    /// do not hear of what differs. Throws as attach; OrvHostWrongState also without a log.
+    /// Takes the objects that the log holds now in the place of all others: the way out of a fault.
+    /// Transactions that are open go on reading what they have read, and cannot be committed any
+    /// more if they have written (OrvHostWriteConflict); commits wait meanwhile. Watchers do not
+    /// hear of what differs. Throws as attach; OrvHostWrongState without a log.
     void reload();
     /// How many commits wait for their turn to go into the log.
     std::size_t commitsWaiting() const { return mLog ? mLog->waiting() : 0; }
@@ -91,14 +93,17 @@ public:
 
 private:
     LogCommitter& requireLog() const;
-    LogMark takeFrom(CommitLog& log);
+    LogCommitter::Loaded takeFrom(CommitLog& log);
+    void use(std::shared_ptr<CommittedState> state);
+    std::shared_ptr<CommittedState> state() const;
 
-    VersionedTree mTree; // first, since its lock is aligned to more than the others
     const Model& mModel;
-    ClaimTable mClaims;
     CommitFeed mFeed;
     bool mIsFresh = false;
     std::unique_ptr<LogCommitter> mLog; ///< null: commits are in memory only
+
+    mutable std::mutex mMutex; ///< guards mState if there is a log
+    std::shared_ptr<CommittedState> mState;
 };
 
 }

@@ -48,15 +48,16 @@ AttributeValue AttributeView::value() const {
     return fallback != nullptr ? *fallback : AttributeValue{def->type.kind, {}};
 }
 
-StoreTransaction::StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims,
+StoreTransaction::StoreTransaction(const Model& model, std::shared_ptr<CommittedState> state,
                                    CommitFeed& feed, LogCommitter* log, TransactionId id,
                                    std::string author)
     : mModel(model),
-      mTree(tree),
-      mSnapshot(tree.openSnapshot()),
+      mState(std::move(state)),
+      mTree(mState->tree),
+      mSnapshot(mTree.openSnapshot()),
       mFeed(feed),
       mLog(log),
-      mGuard(tree, claims, id, std::move(author), mSnapshot) {}
+      mGuard(mTree, mState->claims, id, std::move(author), mSnapshot) {}
 
 StoreTransaction::~StoreTransaction() {
     rollback();
@@ -528,6 +529,8 @@ std::vector<std::string> StoreTransaction::check() const {
     std::vector<std::string> violations;
     if (!conflict().empty()) {
         violations.push_back("the transaction met a conflict: " + conflict());
+    } else if (mLog != nullptr && !mOverlay.isEmpty() && !mLog->isFor(*mState)) {
+        violations.push_back(std::string("the transaction met a conflict: ") + kLoadedAnew);
     } else if (mLog != nullptr && mLog->hasForeignAfter(mSnapshot)) {
         const std::string changed = mGuard.whatChanged();
         if (!changed.empty()) {
@@ -567,7 +570,8 @@ void StoreTransaction::commit() {
 void StoreTransaction::commitThroughLog() {
     TreeChange change = makeChange();
     if (!change.created.empty() || !change.modified.empty() || !change.deleted.empty()) {
-        mLog->commit({change, mGuard, makeLogChange().encoded(), [&] { return changes(); }});
+        mLog->commit(
+            {*mState, change, mGuard, makeLogChange().encoded(), [&] { return changes(); }});
     }
 }
 

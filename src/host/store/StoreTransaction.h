@@ -5,11 +5,11 @@
 #define ORV_HOST_STORE_STORETRANSACTION_H
 
 #include "CommitFeed.h"
+#include "CommittedState.h"
 #include "LogChange.h"
 #include "LogCommitter.h"
 #include "StoreTypes.h"
 #include "TransactionOverlay.h"
-#include "VersionedTree.h"
 #include "WriteGuard.h"
 #include "base/HostError.h"
 #include "model/Model.h"
@@ -17,6 +17,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -61,7 +62,7 @@ struct AttributeView {
 class StoreTransaction {
 public:
     /// For MoStore::begin only.
-    StoreTransaction(const Model& model, VersionedTree& tree, ClaimTable& claims, CommitFeed& feed,
+    StoreTransaction(const Model& model, std::shared_ptr<CommittedState> state, CommitFeed& feed,
                      LogCommitter* log, TransactionId id, std::string author);
     ~StoreTransaction();
     StoreTransaction(const StoreTransaction&) = delete;
@@ -216,6 +217,7 @@ private:
     void end() noexcept;
 
     const Model& mModel;
+    const std::shared_ptr<CommittedState> mState; // before all that refers to it
     VersionedTree& mTree;
     CommitNumber mSnapshot;
     CommitFeed& mFeed;

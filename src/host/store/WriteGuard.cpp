@@ -67,6 +67,13 @@ void WriteGuard::failForCommit(const std::string& what, CommitNumber number) {
     throw HostError(OrvHostWriteConflict, textOf(what, number));
 }
 
+void WriteGuard::refuse(const std::string& text) {
+    if (mConflict.empty()) {
+        mConflict = text;
+    }
+    throw HostError(OrvHostWriteConflict, mConflict);
+}
+
 void WriteGuard::requireNoConflict() const {
     if (!mConflict.empty()) {
         throw HostError(OrvHostWriteConflict, mConflict);

@@ -59,6 +59,8 @@ public:
 
     /// The first conflict, for people; empty if there was none.
     const std::string& conflict() const { return mConflict; }
+    /// Throws a conflict with that text, or the first one.
+    [[noreturn]] void refuse(const std::string& text);
     /// Throws the first conflict again, if there was one.
     void requireNoConflict() const;
 

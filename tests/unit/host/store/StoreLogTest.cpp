@@ -428,16 +428,45 @@ TEST_F(StoreLogTest, Reload_AfterAFault_TakesWhatTheLogHolds) {
     setLabel(other, kA, "a");
     log.loseLast();
     EXPECT_EQ(codeOf([&] { setLabel(other, kB, "b"); }), OrvHostStoreUnavailable);
-    {
-        const auto open = other.begin(2);
-        EXPECT_EQ(codeOf([&] { other.reload(); }), OrvHostWrongState);
-    }
     other.reload();
     EXPECT_EQ(other.logFault(), "");
     setLabel(other, kB, "b");
     store.reload();
     expectEqualStores();
     EXPECT_EQ(store.begin(3)->get(kB, "label"), text("b"));
+}
+
+const std::string kLoadedAnewText = "the objects were loaded anew since this transaction began: "
+                                    "the store has another history now";
+
+TEST_F(StoreLogTest, Reload_OpenTransactions_ReadOnAndCannotCommitWhatTheyWrote) {
+    setLabel(other, kA, "lost");
+    const auto reader = other.begin(2);
+    const auto writer = other.begin(3);
+    writer->set(kB, "label", text("written before"));
+    log.loseLast();
+    const auto changed = std::find_if(log.objects().begin(), log.objects().end(),
+                                      [](const auto& one) { return one.second.name == "a"; });
+    MemoryLog::Object otherHistory = changed->second;
+    otherHistory.attributes.clear();
+    log.put(changed->first, otherHistory);
+    EXPECT_EQ(codeOf([&] { other.catchUp(); }), OrvHostStoreUnavailable);
+    other.reload();
+    EXPECT_EQ(reader->get(kA, "label"), text("lost"));
+    EXPECT_THAT(reader->check(), IsEmpty());
+    reader->commit();
+    EXPECT_THAT(writer->check(), ElementsAre("the transaction met a conflict: " + kLoadedAnewText));
+    // Who begins now is not in the way of those that cannot commit, nor they in its way.
+    const auto next = other.begin(4);
+    EXPECT_EQ(next->get(kA, "label"), none(ValueKind::String));
+    next->set(kB, "label", text("goes on"));
+    writer->set(kA, "label", text("more"));
+    next->commit();
+    expectConflict(*writer, kLoadedAnewText);
+    EXPECT_EQ(writer->get(kB, "label"), text("written before"));
+    store.reload();
+    expectEqualStores();
+    EXPECT_EQ(store.begin(5)->get(kB, "label"), text("goes on"));
 }
 
 TEST_F(StoreLogTest, Reload_BehindTrimmedEntries_GoesOn) {

@@ -3,6 +3,7 @@
 
 #include "StoreLogScene.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -89,6 +90,78 @@ private:
     bool mIsOpen = true;
     int mEntered = 0;
 };
+
+/// Each look at the log takes a moment.
+class SlowLog : public MemoryLog {
+public:
+    void follow(const LogMark& seen, const CatchUp& catchUp,
+                std::chrono::milliseconds patience) override {
+        ++mLooks;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        MemoryLog::follow(seen, catchUp, patience);
+    }
+    unsigned looks() const { return mLooks; }
+
+private:
+    std::atomic<unsigned> mLooks{0};
+};
+
+TEST(StoreLogFresh, TransactionsThatBeginTogether_ShareOneQuestion) {
+    SampleStore sample;
+    SlowLog log;
+    sample.store.attach(log, "a");
+    sample.store.setFresh();
+    std::vector<std::thread> threads;
+    for (TransactionId id = 1; id <= 16; ++id) {
+        threads.emplace_back([&sample, id] { sample.store.begin(id); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_LE(log.looks(), 4U);
+}
+
+// What is asked before a commit of another host must not serve who begins after it.
+TEST(StoreLogFresh, EachTransaction_SeesWhatWasCommittedBeforeItBegan) {
+    SampleStore sample;
+    SlowLog log;
+    sample.store.attach(log, "a");
+    sample.store.setFresh();
+    MoStore other(sample.model);
+    other.attach(log, "b");
+    std::thread early([&] { sample.store.begin(1); });
+    while (log.looks() == 0) {
+        std::this_thread::yield();
+    }
+    const auto tx = other.begin(2);
+    tx->set(kA, "label", text("just before"));
+    tx->commit();
+    EXPECT_EQ(sample.store.begin(3)->get(kA, "label"), text("just before"));
+    early.join();
+}
+
+TEST(StoreLogFresh, Watcher_CanBeginTransactions) {
+    SampleStore sample;
+    MemoryLog log;
+    sample.store.attach(log, "a");
+    sample.store.setFresh();
+    MoStore other(sample.model);
+    other.attach(log, "b");
+    std::vector<AttributeValue> seen;
+    const auto subscription = sample.store.watch([&](const ChangeSet& changes) {
+        seen.push_back(sample.store.begin(100 + changes.number)->get(kA, "label"));
+    });
+    const auto setLabel = [](MoStore& where, const std::string& label) {
+        const auto tx = where.begin(1);
+        tx->set(kA, "label", text(label));
+        tx->commit();
+    };
+    setLabel(sample.store, "here");
+    other.catchUp();
+    setLabel(other, "there");
+    sample.store.begin(2);
+    EXPECT_EQ(seen, (std::vector<AttributeValue>{text("here"), text("there")}));
+}
 
 /// Commits that wait at the same time while one is in the log.
 class StoreLogGroupTest : public testing::Test, protected SampleStore {
