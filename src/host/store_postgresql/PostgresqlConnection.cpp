@@ -32,28 +32,51 @@ std::string binaryNumber(std::uint64_t value) {
     return bytes;
 }
 
-std::string firstLine(const std::string& text) {
-    return text.substr(0, text.find('\n'));
+// One line: with several servers each has one of its own.
+std::string inOneLine(std::string_view text) {
+    std::string line;
+    while (!text.empty()) {
+        const std::string_view part = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(part.size() + 1, text.size()));
+        if (!part.empty()) {
+            line += line.empty() ? "" : "; ";
+            line += part.substr(std::min(part.find_first_not_of(" \t"), part.size()));
+        }
+    }
+    return line;
 }
 
-// Another user can see the arguments of a process.
+bool isSecret(std::string_view keyword) {
+    return keyword == "password" || keyword == "sslpassword";
+}
+
+// Another user can see the arguments of a process. What the library says of a target that it does
+// not understand can hold a part of a password.
 void refusePassword(const std::string& target) {
-    char* message = nullptr;
-    PQconninfoOption* const options = PQconninfoParse(target.c_str(), &message);
+    PQconninfoOption* const options = PQconninfoParse(target.c_str(), nullptr);
     if (options == nullptr) {
-        const std::string text = message == nullptr ? "memory has run out" : firstLine(message);
-        PQfreemem(message);
-        throw PostgresqlError("", "the target is not understood: " + text);
+        throw PostgresqlError("",
+                              "the target is not understood, expected "
+                              "postgresql://HOST/DATABASE or KEYWORD=VALUE with blanks between, "
+                              "such as host=HOST dbname=DATABASE");
     }
     bool hasPassword = false;
     for (const PQconninfoOption* one = options; one->keyword != nullptr; ++one) {
-        hasPassword =
-            hasPassword || (std::string_view(one->keyword) == "password" && one->val != nullptr);
+        hasPassword = hasPassword || (isSecret(one->keyword) && one->val != nullptr);
     }
     PQconninfoFree(options);
     if (hasPassword) {
         throw PostgresqlError("", "a password is not given in the target, where others can read "
                                   "it, but in the file ~/.pgpass or the variable PGPASSWORD");
+    }
+}
+
+// Remembers warnings in the text that is given as \p place.
+void noteWarning(void* place, const PGresult* notice) {
+    const char* const severity = PQresultErrorField(notice, PG_DIAG_SEVERITY_NONLOCALIZED);
+    const char* const text = PQresultErrorField(notice, PG_DIAG_MESSAGE_PRIMARY);
+    if (severity != nullptr && text != nullptr && std::string_view(severity) == "WARNING") {
+        *static_cast<std::string*>(place) = text;
     }
 }
 
@@ -244,22 +267,24 @@ void PostgresqlConnection::connect(const std::string& target) {
     if (PQstatus(mHandle) != CONNECTION_OK) {
         throw PostgresqlError("", mHandle == nullptr ? "memory has run out" : lastMessage());
     }
-    PQsetNoticeProcessor(
-        mHandle, [](void*, const char*) {}, nullptr);
+    PQsetNoticeReceiver(mHandle, noteWarning, &mWarning);
     if (PQsetnonblocking(mHandle, 1) != 0) {
         throw PostgresqlError("", lastMessage());
     }
 }
 
-// A server can be set up to answer commits before they are durable.
+// A server can be set up to answer commits before they are durable. Its own side of the connection
+// must end, too, when this machine has gone away in the middle of an answer.
 void PostgresqlConnection::setLimits() {
     run("SELECT set_config('idle_in_transaction_session_timeout', $1, false), "
         "set_config('lock_timeout', $2, false), "
+        "set_config('tcp_user_timeout', $3, false), "
         "set_config('synchronous_commit', CASE WHEN current_setting('synchronous_commit') IN "
         "('off', 'local') THEN 'on' ELSE current_setting('synchronous_commit') END, false)",
         PostgresqlParameters()
             .text(std::to_string(mLimits.idle.count()) + "ms")
-            .text(std::to_string(mLimits.turn.count()) + "ms"));
+            .text(std::to_string(mLimits.turn.count()) + "ms")
+            .text(std::to_string(mLimits.answer.count()) + "ms"));
 }
 
 bool PostgresqlConnection::isLost() const {
@@ -267,7 +292,7 @@ bool PostgresqlConnection::isLost() const {
 }
 
 std::string PostgresqlConnection::lastMessage() const {
-    return firstLine(PQerrorMessage(mHandle));
+    return inOneLine(PQerrorMessage(mHandle));
 }
 
 void PostgresqlConnection::lose(const std::string& text) {
@@ -390,15 +415,16 @@ void PostgresqlConnection::copyOut(const std::string& query, const TakeFields& t
     finish();
 }
 
+// The library would keep all that the server has not taken yet.
 void PostgresqlConnection::putCopied(std::string_view bytes) {
-    for (int isTaken = 0; isTaken == 0;) {
-        isTaken = PQputCopyData(mHandle, bytes.data(), static_cast<int>(bytes.size()));
-        if (isTaken < 0) {
-            lose(lastMessage());
-        }
-        if (isTaken == 0) {
-            wait(true);
-        }
+    constexpr std::size_t kMostUnsent = 1'000'000;
+    if (PQputCopyData(mHandle, bytes.data(), static_cast<int>(bytes.size())) != 1) {
+        lose(lastMessage());
+    }
+    mUnsent += bytes.size();
+    if (mUnsent > kMostUnsent) {
+        flush();
+        mUnsent = 0;
     }
 }
 
@@ -415,6 +441,7 @@ void PostgresqlConnection::copyIn(const char* statement,
         putCopied(kSignature);
         give([this](std::string_view bytes) { putCopied(bytes); });
         putCopied(kEnd);
+        flush();
         for (int isTaken = 0; (isTaken = PQputCopyEnd(mHandle, nullptr)) != 1;) {
             if (isTaken < 0) {
                 lose(lastMessage());
@@ -441,9 +468,14 @@ PostgresqlTransaction::~PostgresqlTransaction() {
 
 void PostgresqlTransaction::commit() {
     mIsOpen = false;
+    mConnection.takeWarning();
     const PostgresqlRows rows = mConnection.run("COMMIT");
     if (rows.command() != "COMMIT") {
         throw PostgresqlError("", "the server rolled back");
+    }
+    const std::string warning = mConnection.takeWarning();
+    if (!warning.empty()) {
+        throw PostgresqlError("", warning);
     }
 }
 

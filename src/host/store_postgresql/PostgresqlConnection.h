@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct pg_conn;
@@ -39,7 +40,8 @@ struct PostgresqlLimits {
     std::chrono::seconds connect{3};         ///< with each server that the target names
     std::chrono::milliseconds idle{5000};    ///< between two requests of one commit
     std::chrono::milliseconds turn{10000};   ///< until another host ends its commit
-    std::chrono::milliseconds answer{15000}; ///< until bytes come back; more than the others
+    std::chrono::milliseconds answer{15000}; ///< until bytes come back; more than the three above
+    std::chrono::milliseconds doubt{30000};  ///< until it is known what became of a commit
 };
 
 /// The parameters of a statement.
@@ -113,6 +115,9 @@ public:
     /// Puts the rows that \p give hands over into a table: \p statement is COPY ... FROM STDIN.
     void copyIn(const char* statement, const std::function<void(const TakeBytes& take)>& give);
 
+    /// The last warning that came with an answer, and none from then on; empty if there was none.
+    std::string takeWarning() { return std::exchange(mWarning, {}); }
+
     bool isLost() const;
     /// Makes it a lost one.
     void giveUp() { mIsLost = true; }
@@ -132,6 +137,8 @@ private:
 
     const PostgresqlLimits mLimits;
     pg_conn* mHandle = nullptr;
+    std::string mWarning;
+    std::size_t mUnsent = 0; ///< bytes of a copy that may not be under way yet
     bool mIsLost = false;
 };
 
@@ -144,7 +151,8 @@ public:
     PostgresqlTransaction(const PostgresqlTransaction&) = delete;
     PostgresqlTransaction& operator=(const PostgresqlTransaction&) = delete;
 
-    /// Throws PostgresqlError: then the outcome is not known.
+    /// Throws PostgresqlError: then the outcome is not known. So it is if the server warns: it has
+    /// committed, and has not waited for the copies that it should wait for.
     void commit();
 
 private:

@@ -3,6 +3,7 @@
 
 #include "PostgresqlLog.h"
 
+#include <algorithm>
 #include <limits>
 #include <random>
 #include <thread>
@@ -12,18 +13,28 @@ namespace OrvHost {
 
 namespace {
 
-// A field of the server holds 1 GB at most, and so does a message to it.
-constexpr std::size_t kMaxBytes = 500'000'000;
+// A field of the server holds 1 GB at most, and so does a message to it; and there are some copies
+// of it in memory.
+constexpr std::size_t kMaxBytes = 200'000'000;
 // How many rows, and how many bytes of them, go to the server in one statement.
 constexpr std::size_t kRowsTogether = 10'000;
-constexpr std::size_t kBytesTogether = 50'000'000;
-// How many entries are read at once.
-constexpr std::uint64_t kEntriesTogether = 1000;
+constexpr std::size_t kBytesTogether = 1'000'000;
+// Entries that are new are read before the turn if there are more than these, so that nobody waits
+// for that, unless as many have come again some times.
+constexpr CommitNumber kFewEntries = 300;
+constexpr unsigned kRounds = 3;
 constexpr std::chrono::milliseconds kPause{10};
 
-constexpr const char* kReadTransaction = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY";
-// Each statement sees what was committed before it, so the head is the latest when it is locked.
-constexpr const char* kWriteTransaction = "BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE";
+// An answer is not longer than what the sockets in between hold, so that the server always comes to
+// the point at which it waits for the next request. As long as it sends, it has no limit for a host
+// that has stopped. A longer entry comes in pieces.
+constexpr const char* kNextEntries =
+    "SELECT pos, id, author, size, substring(change FROM 1 FOR 65536) FROM (SELECT pos, id, "
+    "author, change, octet_length(change)::bigint AS size, sum(octet_length(change) + "
+    "octet_length(author) + octet_length(id) + 40) OVER (ORDER BY pos) AS sum FROM log WHERE pos > "
+    "$1 AND pos <= $1 + 256) AS next WHERE sum <= 65536 OR pos = $1 + 1 ORDER BY pos";
+constexpr const char* kNextPiece =
+    "SELECT substring(change FROM $2::int FOR 65536) FROM log WHERE pos = $1";
 
 constexpr unsigned kNumberSize = 8;
 
@@ -88,13 +99,25 @@ std::size_t bytesOf(const ObjectRow& row) {
     return row.name.size() + row.attributes.size();
 }
 
+// Of the largest thing that goes to the server as a whole.
+std::size_t largestOf(const LogEntry& entry) {
+    std::size_t largest = entry.change.size();
+    for (const auto* const rows : {&entry.created, &entry.changed}) {
+        for (const ObjectRow& row : *rows) {
+            largest = std::max(largest, bytesOf(row));
+        }
+    }
+    return largest;
+}
+
 void requireFit(const std::vector<LogEntry>& entries) {
     for (const LogEntry& entry : entries) {
-        if (entry.change.size() > kMaxBytes) {
-            throw LogTooLarge(OrvInvalidArgument, "a commit of " +
-                                                      std::to_string(entry.change.size()) +
-                                                      " bytes does not fit into the log, at most " +
-                                                      std::to_string(kMaxBytes) + " do");
+        const std::size_t largest = largestOf(entry);
+        if (largest > kMaxBytes) {
+            throw LogTooLarge(OrvInvalidArgument,
+                              "a commit with " + std::to_string(largest) +
+                                  " bytes at once does not fit into the log, at most " +
+                                  std::to_string(kMaxBytes) + " do");
         }
     }
 }
@@ -224,6 +247,7 @@ LogMark PostgresqlLog::fill(const ObjectSource& objects) {
         try {
             transaction.commit();
         } catch (const PostgresqlError& error) {
+            mConnection->giveUp();
             throw LogInDoubt(explained(error) + "; whether the objects are there is known after a "
                                                 "new start",
                              LogInDoubt::Until::NewStart);
@@ -254,9 +278,8 @@ void PostgresqlLog::deliver(const LogMark& seen, const PostgresqlHead& head,
         throw LogDiverged(position + " of the log is not what it was");
     }
     for (CommitNumber last = seen.position; last < head.mark.position;) {
-        const PostgresqlRows rows = mConnection->run(
-            "SELECT pos, id, author, change FROM log WHERE pos > $1 ORDER BY pos LIMIT $2",
-            PostgresqlParameters().number(last).number(kEntriesTogether));
+        const PostgresqlRows rows =
+            mConnection->run(kNextEntries, PostgresqlParameters().number(last));
         if (rows.size() == 0) {
             throw LogDiverged("the log has no entry after position " + std::to_string(last));
         }
@@ -264,38 +287,93 @@ void PostgresqlLog::deliver(const LogMark& seen, const PostgresqlHead& head,
             LogEntry entry;
             entry.mark = {rows.number(row, 0), std::string(rows.text(row, 1))};
             entry.author = rows.text(row, 2);
-            entry.change = rows.text(row, 3);
+            entry.change = rows.text(row, 4);
+            readRest(entry, rows.number(row, 3));
             last = entry.mark.position;
             catchUp(entry);
         }
     }
 }
 
+void PostgresqlLog::readRest(LogEntry& entry, std::uint64_t size) {
+    if (entry.change.size() == size) {
+        return;
+    }
+    entry.change.reserve(size);
+    while (entry.change.size() < size) {
+        const PostgresqlRows rows = mConnection->run(
+            kNextPiece,
+            PostgresqlParameters().number(entry.mark.position).number(entry.change.size() + 1));
+        if (rows.size() == 0 || rows.text(0, 0).empty()) {
+            throw PostgresqlError("", "an entry of the log is gone while it is read");
+        }
+        entry.change += rows.text(0, 0);
+    }
+    allowTimeFor(size);
+}
+
+// The limit between two requests counts also while one is received, and while the host works on
+// what it has got. A transaction that is large gets a second more for each megabyte.
+void PostgresqlLog::allowTimeFor(std::size_t bytes) {
+    if (bytes > kBytesTogether) {
+        mConnection->run(
+            "SELECT set_config('idle_in_transaction_session_timeout', $1, true)",
+            PostgresqlParameters().text(
+                std::to_string(static_cast<std::size_t>(mLimits.idle.count()) + bytes / 1000) +
+                "ms"));
+    }
+}
+
 void PostgresqlLog::append(const LogMark& seen, const CatchUp& catchUp, const Decide& decide) {
     guarded([&] {
-        begin(kWriteTransaction);
-        PostgresqlTransaction transaction(*mConnection);
-        const PostgresqlHead before = head(HeadUse::Lock);
-        deliver(seen, before, catchUp);
-        const std::vector<LogEntry> entries = decide(before.mark.position);
-        if (entries.empty()) {
-            return;
-        }
-        requireFit(entries);
-        write(entries);
-        setHead(entries.back().mark);
-        try {
-            transaction.commit();
-        } catch (const PostgresqlError& error) {
-            mConnection->giveUp();
-            throw LogInDoubt(explained(error));
+        LogMark last = seen;
+        const CatchUp take = [&](const LogEntry& entry) {
+            catchUp(entry);
+            last = entry.mark;
+        };
+        for (unsigned round = 1; !appendInTurn(last, take, decide, round == kRounds); ++round) {
+            deliverAll(last, take);
         }
     });
+}
+
+// False, and nothing is done, if there are many new entries and not \p isLastRound.
+bool PostgresqlLog::appendInTurn(const LogMark& seen, const CatchUp& catchUp, const Decide& decide,
+                                 bool isLastRound) {
+    begin(kWriteTransaction);
+    PostgresqlTransaction transaction(*mConnection);
+    const PostgresqlHead before = head(HeadUse::Lock);
+    if (!isLastRound && before.mark.position > seen.position + kFewEntries) {
+        return false;
+    }
+    deliver(LogMark(seen), before, catchUp);
+    const std::vector<LogEntry> entries = decide(before.mark.position);
+    if (entries.empty()) {
+        return true;
+    }
+    requireFit(entries);
+    write(entries);
+    setHead(entries.back().mark);
+    mAppended = entries.front().mark.position;
+    try {
+        transaction.commit();
+    } catch (const PostgresqlError& error) {
+        mConnection->giveUp();
+        throw LogInDoubt(explained(error));
+    }
+    return true;
+}
+
+void PostgresqlLog::deliverAll(const LogMark& seen, const CatchUp& catchUp) {
+    begin(kReadTransaction);
+    PostgresqlTransaction transaction(*mConnection);
+    deliver(LogMark(seen), head(HeadUse::Read), catchUp);
 }
 
 // An object that one entry creates, another one of the same append can change or delete.
 void PostgresqlLog::write(const std::vector<LogEntry>& entries) {
     for (const LogEntry& entry : entries) {
+        allowTimeFor(largestOf(entry));
         mConnection->run("INSERT INTO log(pos, id, author, change) VALUES($1, $2, $3, $4)",
                          PostgresqlParameters()
                              .number(entry.mark.position)
@@ -387,22 +465,30 @@ void PostgresqlLog::follow(const LogMark& seen, const CatchUp& catchUp,
         }
         std::this_thread::sleep_for(kPause);
     }
-    guarded([&] {
-        begin(kReadTransaction);
-        PostgresqlTransaction transaction(*mConnection);
-        deliver(seen, head(HeadUse::Read), catchUp);
-    });
+    guarded([&] { deliverAll(seen, catchUp); });
 }
 
+// An entry can be seen before the copies have it for which a commit waits: when the server was
+// started again meanwhile, or its wait was ended. The commit of this transaction, which has locked
+// a row, waits for all that was written before it.
 std::optional<CommitNumber> PostgresqlLog::find(const std::string& id) {
     return guarded([&]() -> std::optional<CommitNumber> {
         begin(kWriteTransaction);
         PostgresqlTransaction transaction(*mConnection);
-        readHead(*mConnection, HeadUse::Lock);
+        const PostgresqlHead now = readHead(*mConnection, HeadUse::Lock);
         const PostgresqlRows rows =
             mConnection->run("SELECT pos FROM log WHERE id = $1", PostgresqlParameters().text(id));
+        if (rows.size() == 0 && now.first > mAppended) {
+            throw PostgresqlError("", "the entries of that time are not kept any more");
+        }
         if (rows.size() == 0) {
             return std::nullopt;
+        }
+        try {
+            transaction.commit();
+        } catch (const PostgresqlError&) {
+            mConnection->giveUp();
+            throw;
         }
         return rows.number(0, 0);
     });

@@ -41,6 +41,7 @@ public:
                 std::chrono::milliseconds patience) override;
     std::optional<CommitNumber> find(const std::string& id) override;
     bool isNew() override;
+    std::chrono::milliseconds patience() const override { return mLimits.doubt; }
 
 private:
     template <class Work>
@@ -51,6 +52,11 @@ private:
     void begin(const char* statement);
     PostgresqlHead head(HeadUse use);
     void deliver(const LogMark& seen, const PostgresqlHead& head, const CatchUp& catchUp);
+    void deliverAll(const LogMark& seen, const CatchUp& catchUp);
+    void readRest(LogEntry& entry, std::uint64_t size);
+    void allowTimeFor(std::size_t bytes);
+    bool appendInTurn(const LogMark& seen, const CatchUp& catchUp, const Decide& decide,
+                      bool isLastRound);
     std::string idAt(CommitNumber position, const PostgresqlHead& head);
     void write(const std::vector<LogEntry>& entries);
     void insert(const std::vector<ObjectRow>& rows);
@@ -62,8 +68,9 @@ private:
     const PostgresqlLimits mLimits;
     const std::vector<ModelFact> mFacts;
     const std::string mFingerprint;
-    std::mutex mMutex; ///< guards the connection
+    std::mutex mMutex; ///< guards all below
     std::unique_ptr<PostgresqlConnection> mConnection;
+    CommitNumber mAppended = kNever; ///< the first entry of the last append
 };
 
 }

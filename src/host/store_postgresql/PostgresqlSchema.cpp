@@ -11,13 +11,15 @@ namespace {
 
 constexpr std::uint64_t kFormat = 1;
 
-// The same as in a file of SQLite, see StoreSchema.cpp.
+// The same as in a file of SQLite, see StoreSchema.cpp. Changes are not compressed, so that a piece
+// of one is read without the others.
 constexpr const char* kTables = R"(
 CREATE TABLE head(one boolean PRIMARY KEY DEFAULT true CHECK (one), format bigint NOT NULL,
                   pos bigint NOT NULL, id text NOT NULL, first bigint NOT NULL,
                   before text NOT NULL, model text NOT NULL, layout bytea NOT NULL);
 CREATE TABLE log(pos bigint PRIMARY KEY, id text NOT NULL UNIQUE, author text NOT NULL,
                  at timestamptz NOT NULL DEFAULT clock_timestamp(), change bytea NOT NULL);
+ALTER TABLE log ALTER COLUMN change SET STORAGE EXTERNAL;
 CREATE TABLE objects(object bigint PRIMARY KEY, parent bigint NOT NULL, class bigint NOT NULL,
                      name text NOT NULL, attributes bytea NOT NULL, changed bigint NOT NULL);
 CREATE TABLE model(place bigint PRIMARY KEY, subject text NOT NULL, fact text NOT NULL);
@@ -37,7 +39,7 @@ void requireUnicode(PostgresqlConnection& connection) {
 void createPostgresqlStore(PostgresqlConnection& connection, const Model& model) {
     requireUnicode(connection);
     const std::vector<ModelFact> facts = modelFacts(model);
-    connection.run("BEGIN");
+    connection.run(kWriteTransaction);
     PostgresqlTransaction transaction(connection);
     connection.runAll(kTables);
     std::vector<std::string_view> subjects;

@@ -13,6 +13,10 @@
 
 namespace OrvHost {
 
+constexpr const char* kReadTransaction = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY";
+/// Each statement sees what was committed before it, so the head is the latest when it is locked.
+constexpr const char* kWriteTransaction = "BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE";
+
 /// The row of the table `head`: the last entry, the position of the oldest one that is kept, the
 /// id of the one in front of that, and the fingerprint of the model.
 struct PostgresqlHead {

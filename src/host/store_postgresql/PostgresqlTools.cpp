@@ -23,36 +23,70 @@ auto withStore(const std::string& target, const Work& work) {
     }
 }
 
-// The first of the entries that stay.
+bool isYoung(PostgresqlConnection& connection, CommitNumber position, std::chrono::seconds age) {
+    const PostgresqlRows rows = connection.run(
+        "SELECT (at > now() - make_interval(secs => $2))::int::bigint FROM log WHERE pos = $1",
+        PostgresqlParameters().number(position).number(static_cast<std::uint64_t>(age.count())));
+    return rows.size() == 0 || rows.number(0, 0) != 0;
+}
+
+// The first of the entries that stay. Their times are in the order of their positions, so that few
+// of them are looked at.
 CommitNumber firstToKeep(PostgresqlConnection& connection, const PostgresqlHead& head,
                          std::uint64_t entries, std::chrono::seconds age) {
     const CommitNumber end = head.mark.position + 1;
-    const CommitNumber byNumber = end > entries ? end - entries : 1;
-    const PostgresqlRows young = connection.run(
-        "SELECT coalesce(min(pos), $1) FROM log WHERE at > now() - make_interval(secs => $2)",
-        PostgresqlParameters().number(end).number(static_cast<std::uint64_t>(age.count())));
-    return std::max(head.first, std::min(byNumber, young.number(0, 0)));
+    CommitNumber first = head.first;
+    CommitNumber last = std::max(first, end > entries ? end - entries : 1);
+    while (first < last) {
+        const CommitNumber middle = first + (last - first) / 2;
+        if (isYoung(connection, middle, age)) {
+            last = middle;
+        } else {
+            first = middle + 1;
+        }
+    }
+    return first;
+}
+
+// Hosts wait for this one, so it is short.
+void moveFirst(PostgresqlConnection& connection, CommitNumber first) {
+    connection.run(kWriteTransaction);
+    PostgresqlTransaction transaction(connection);
+    if (readHead(connection, HeadUse::Lock).first < first) {
+        connection.run("UPDATE head SET first = $1, before = (SELECT id FROM log WHERE pos = $1 - "
+                       "1)",
+                       PostgresqlParameters().number(first));
+        transaction.commit();
+    }
+}
+
+// Nobody reads entries before the first one, so nothing is locked. What an earlier call has left is
+// among them.
+std::uint64_t deleteBefore(PostgresqlConnection& connection, CommitNumber first) {
+    constexpr CommitNumber kPortion = 10'000;
+    std::uint64_t deleted = 0;
+    CommitNumber from =
+        connection.run("SELECT coalesce(min(pos), 0)::bigint FROM log").number(0, 0);
+    for (; from < first; from += kPortion) {
+        deleted +=
+            connection
+                .run("DELETE FROM log WHERE pos >= $1 AND pos < $2",
+                     PostgresqlParameters().number(from).number(std::min(from + kPortion, first)))
+                .changed();
+    }
+    return deleted;
 }
 
 std::uint64_t trim(PostgresqlConnection& connection, std::uint64_t entries,
                    std::chrono::seconds age) {
-    connection.run("BEGIN");
-    PostgresqlTransaction transaction(connection);
-    const PostgresqlHead head = readHead(connection, HeadUse::Lock);
-    const CommitNumber first = firstToKeep(connection, head, entries, age);
-    if (first == head.first) {
-        return 0;
-    }
-    connection.run("UPDATE head SET first = $1, before = (SELECT id FROM log WHERE pos = $1 - 1)",
-                   PostgresqlParameters().number(first));
-    const PostgresqlRows deleted =
-        connection.run("DELETE FROM log WHERE pos < $1", PostgresqlParameters().number(first));
-    transaction.commit();
-    return deleted.changed();
+    const CommitNumber first =
+        firstToKeep(connection, readHead(connection, HeadUse::Read), entries, age);
+    moveFirst(connection, first);
+    return deleteBefore(connection, first);
 }
 
 PostgresqlInfo infoOf(PostgresqlConnection& connection) {
-    connection.run("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+    connection.run(kReadTransaction);
     PostgresqlTransaction transaction(connection);
     const PostgresqlHead head = readHead(connection, HeadUse::Read);
     PostgresqlInfo info;

@@ -3,20 +3,16 @@
 
 #include "store_postgresql/PostgresqlLog.h"
 #include "Mixture.h"
-#include "PostgresqlServer.h"
-#include "SampleStore.h"
-#include "store/LogFollower.h"
-#include "store_postgresql/PostgresqlTools.h"
+#include "PostgresqlScene.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <chrono>
+#include <atomic>
 #include <csignal>
-#include <functional>
-#include <mutex>
-#include <thread>
+#include <memory>
+#include <optional>
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,69 +20,12 @@ namespace OrvHost {
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-using namespace std::chrono_literals;
-
-const std::string kA = "Network=1,Node=a";
-constexpr PostgresqlLimits kShort{3s, 700ms, 2000ms, 3000ms};
-
-/// A host of a store.
-struct Member {
-    explicit Member(const std::string& target, const std::string& name = "a",
-                    const Model& model = sampleStoreModel())
-        : log(target, model, kShort), store(model) {
-        store.attach(log, name);
-    }
-
-    PostgresqlLog log;
-    MoStore store;
-};
-
-class PostgresqlLogTest : public testing::Test, protected SampleStore {
-protected:
-    /// A store with the objects of the sample.
-    void fill() {
-        initPostgresqlStore(target, model);
-        PostgresqlLog log(target, model);
-        SampleStore filled;
-        filled.store.attach(log);
-    }
-    static void setLabel(MoStore& where, const std::string& label, TransactionId id = 7) {
-        const auto tx = where.begin(id, "alice");
-        tx->set(kA, "label", text(label));
-        tx->commit();
-    }
-    static AttributeValue labelOf(MoStore& where) { return where.begin(1)->get(kA, "label"); }
-    std::vector<std::string> contentOfNewHost() const {
-        Member member(target);
-        return contentOf(member.store);
-    }
-    void sql(const std::string& statements) const {
-        PostgresqlConnection(target, {}).runAll(statements);
-    }
-    std::string through(const PostgresqlRelay& relay) const {
-        return server.target(schema, "postgres", relay.directory());
-    }
-
-    PostgresqlServer& server = PostgresqlServer::instance();
-    std::string schema = server.newSchema();
-    std::string target = server.target(schema);
-};
-
-/// Waits for something for some seconds at most.
-bool happens(const std::function<bool()>& what) {
-    const auto end = std::chrono::steady_clock::now() + 20s;
-    while (!what()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
+class PostgresqlLogTest : public PostgresqlScene {};
 
 TEST_F(PostgresqlLogTest, Store_IsAsItWasAfterANewStart) {
     fill();
@@ -260,6 +199,22 @@ TEST_F(PostgresqlLogTest, Open_PasswordInTheTarget_IsRefused) {
     EXPECT_EQ(error.find("geheim"), std::string::npos);
 }
 
+TEST_F(PostgresqlLogTest, Open_TargetThatIsNotUnderstood_SaysNothingOfThePassword) {
+    for (const char* const wrong :
+         {"postgresql://u:gehe%ZZim@h/x", "user=u password=geh eim", "host=h sslpassword=geheim"}) {
+        const std::string error = errorOf([&] { PostgresqlLog(wrong, model); }).what();
+        EXPECT_THAT(error, AnyOf(HasSubstr("expected postgresql://HOST/DATABASE or "),
+                                 HasSubstr("~/.pgpass or the variable PGPASSWORD")));
+        EXPECT_EQ(error.find("eim"), std::string::npos) << error;
+        EXPECT_EQ(error.find("geh"), std::string::npos) << error;
+    }
+}
+
+TEST_F(PostgresqlLogTest, Open_NoneOfTheServers_SaysWhyForEach) {
+    EXPECT_THAT(errorOf([&] { PostgresqlLog("host=/nowhere,/elsewhere user=x", model); }).what(),
+                AllOf(HasSubstr("/nowhere"), HasSubstr("; "), HasSubstr("/elsewhere")));
+}
+
 TEST_F(PostgresqlLogTest, Open_NoServer_SaysSo) {
     EXPECT_THAT(errorOf([&] { PostgresqlLog("host=/nowhere user=x", model); }).what(),
                 AllOf(HasSubstr("the store of PostgreSQL: "), HasSubstr("/nowhere")));
@@ -318,6 +273,57 @@ TEST_F(PostgresqlLogTest, Trim_KeepsWhatIsYoungOrAmongTheLatest) {
     EXPECT_EQ(trimPostgresqlStore(target, 0, 0s), 4U);
     setLabel(member.store, "with none");
     EXPECT_EQ(contentOfNewHost(), contentOf(member.store));
+}
+
+// Somebody who holds an old entry keeps the tool from deleting it, and nobody from anything else.
+TEST_F(PostgresqlLogTest, Trim_ThatTakesLong_KeepsNoCommitWaiting) {
+    fill();
+    Member member(target);
+    for (int at = 0; at < 4; ++at) {
+        setLabel(member.store, std::to_string(at));
+    }
+    PostgresqlConnection holder(target, {});
+    holder.run("BEGIN");
+    holder.run("SELECT pos FROM log WHERE pos = 1 FOR UPDATE");
+    std::uint64_t deleted = 0;
+    std::thread trimming([&] { deleted = trimPostgresqlStore(target, 2, 0s); });
+    EXPECT_TRUE(happens([&] {
+        return PostgresqlConnection(target, {})
+                   .run("SELECT count(*) FROM pg_stat_activity WHERE query LIKE 'DELETE FROM log%' "
+                        "AND wait_event_type = 'Lock'")
+                   .number(0, 0) > 0;
+    }));
+    setLabel(member.store, "beside");
+    holder.run("COMMIT");
+    trimming.join();
+    EXPECT_EQ(deleted, 2U);
+    EXPECT_EQ(contentOfNewHost(), contentOf(member.store));
+}
+
+TEST_F(PostgresqlLogTest, Trim_ThatWasCutOff_IsFinishedByTheNextOne) {
+    fill();
+    Member member(target);
+    for (int at = 0; at < 5; ++at) {
+        setLabel(member.store, std::to_string(at));
+    }
+    sql("UPDATE head SET first = 4, before = (SELECT id FROM log WHERE pos = 3); DELETE FROM log "
+        "WHERE pos = 1");
+    EXPECT_EQ(trimPostgresqlStore(target, 2, 0s), 2U);
+    EXPECT_EQ(trimPostgresqlStore(target, 1, 0s), 1U);
+    EXPECT_EQ(readPostgresqlInfo(target).firstEntry, 5U);
+    member.store.catchUp();
+}
+
+TEST_F(PostgresqlLogTest, Trim_KeepsThoseOfTheLastHours) {
+    fill();
+    Member member(target);
+    for (int at = 0; at < 20; ++at) {
+        setLabel(member.store, std::to_string(at));
+    }
+    sql("UPDATE log SET at = now() - interval '2 hours' WHERE pos <= 13");
+    EXPECT_EQ(trimPostgresqlStore(target, 0, 3h), 0U);
+    EXPECT_EQ(trimPostgresqlStore(target, 0, 1h), 13U);
+    EXPECT_EQ(readPostgresqlInfo(target).firstEntry, 14U);
 }
 
 TEST_F(PostgresqlLogTest, Follow_EntriesWereTrimmed_LoadsAnew) {
@@ -448,6 +454,21 @@ TEST_F(PostgresqlDoubtTest, ServerGoneWithTheAnswer_TheFollowerBringsItIn) {
     EXPECT_EQ(contentOfNewHost(), contentOf(member->store));
 }
 
+TEST_F(PostgresqlDoubtTest, EntryIsTrimmedBeforeItIsFound_IsNotCalledUncommitted) {
+    fill();
+    relay.emplace(server);
+    member.emplace(through(*relay));
+    relay->atCommit(PostgresqlRelay::AtCommit::CutAfter);
+    relay->refuse(true);
+    std::thread trimming([&] {
+        EXPECT_TRUE(happens([&] { return readPostgresqlInfo(target).position == 1; }));
+        EXPECT_EQ(trimPostgresqlStore(target, 0, 0s), 1U);
+        relay->refuse(false);
+    });
+    EXPECT_EQ(codeOf([&] { setLabel(member->store, "doubtful"); }), OrvHostOutcomeUnknown);
+    trimming.join();
+}
+
 TEST_F(PostgresqlLogTest, ServerAway_ReadsGoOnAndCommitsAreRefusedUntilItIsBack) {
     PostgresqlServer own;
     target = own.target(own.newSchema());
@@ -475,10 +496,44 @@ TEST_F(PostgresqlLogTest, ServerRestarted_TheNextCommitDoesNotNoticeIt) {
     EXPECT_EQ(labelOf(member.store), text("after"));
 }
 
+/// A process of the test that does not outlive it.
+class Child {
+public:
+    explicit Child(pid_t process) : mProcess(process) {}
+    ~Child() {
+        if (!mHasEnded) {
+            kill(mProcess, SIGKILL);
+            waitpid(mProcess, nullptr, 0);
+        }
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    bool waitUntilStopped() {
+        int status = 0;
+        waitpid(mProcess, &status, WUNTRACED);
+        mHasEnded = !WIFSTOPPED(status);
+        return !mHasEnded;
+    }
+    /// Its exit status after it goes on.
+    int goOn() {
+        int status = 0;
+        kill(mProcess, SIGCONT);
+        waitpid(mProcess, &status, 0);
+        mHasEnded = true;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    const pid_t mProcess;
+    bool mHasEnded = false;
+};
+
 TEST_F(PostgresqlLogTest, HostThatStopsInItsTurn_LosesIt) {
     fill();
-    const pid_t stopped = fork();
-    if (stopped == 0) {
+    const pid_t process = fork();
+    if (process == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         PostgresqlLog log(target, model, kShort);
         const LogMark mark = log.load([](const ObjectRow&) {});
         const OrvReturnT code = codeOf([&] {
@@ -493,17 +548,119 @@ TEST_F(PostgresqlLogTest, HostThatStopsInItsTurn_LosesIt) {
         });
         _exit(code == OrvHostStoreUnavailable ? 0 : 1);
     }
-    int status = 0;
-    waitpid(stopped, &status, WUNTRACED);
-    ASSERT_TRUE(WIFSTOPPED(status));
-    Member member(target);
-    const auto start = std::chrono::steady_clock::now();
+    Child stopped(process);
+    ASSERT_TRUE(stopped.waitUntilStopped());
+    Member member(target, "b", kPatient);
     setLabel(member.store, "1");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
-    kill(stopped, SIGCONT);
-    waitpid(stopped, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(stopped.goOn(), 0);
     EXPECT_EQ(readPostgresqlInfo(target).position, 1U);
+}
+
+// A server that sends has no limit for one that does not take it.
+TEST_F(PostgresqlLogTest, HostThatStopsWhileItReceivesInItsTurn_LosesIt) {
+    fill();
+    PostgresqlRelay relay(server);
+    Member stopping(through(relay), "a");
+    Member other(target, "b", kPatient);
+    for (const char one : {'x', 'y', 'z'}) {
+        setLabel(other.store, std::string(4'000'000, one));
+    }
+    relay.stopAfter(200'000);
+    std::thread stopped([&] {
+        EXPECT_EQ(codeOf([&] { setOtherLabel(stopping.store, "late"); }), OrvHostStoreUnavailable);
+    });
+    EXPECT_TRUE(happens([&] { return relay.hasStopped(); }));
+    setLabel(other.store, "goes on");
+    stopped.join();
+    EXPECT_EQ(labelOf(other.store), text("goes on"));
+    EXPECT_EQ(readPostgresqlInfo(target).position, 4U);
+}
+
+// The limit between two requests counts while one is received.
+TEST_F(PostgresqlLogTest, LargeCommit_OverASlowNetwork_IsTaken) {
+    fill();
+    PostgresqlRelay relay(server);
+    Member member(through(relay));
+    relay.slowDown(2000); // 2 MB each second
+    setLabel(member.store, std::string(3'000'000, 'x'));
+    EXPECT_EQ(contentOfNewHost(), contentOf(member.store));
+}
+
+TEST_F(PostgresqlLogTest, Follow_LargeEntries_AreReadInPieces) {
+    fill();
+    Member a(target, "a");
+    Member b(target, "b");
+    for (const std::size_t size : {65535U, 65536U, 65537U, 70U, 1'500'000U, 1U}) {
+        setLabel(a.store, std::string(size, 'x'));
+    }
+    b.store.catchUp();
+    EXPECT_EQ(b.store.lastCommit(), 6U);
+    EXPECT_EQ(contentOf(a.store), contentOf(b.store));
+    setLabel(a.store, std::string(300'000, 'y'));
+    setLabel(a.store, "short");
+    setOtherLabel(b.store, "at the end"); // reads them in its turn
+    a.store.catchUp();
+    EXPECT_EQ(contentOf(a.store), contentOf(b.store));
+    EXPECT_EQ(contentOf(a.store), contentOfNewHost());
+}
+
+TEST_F(PostgresqlLogTest, Append_FarBehind_BringsInWhatIsNew) {
+    fill();
+    Member a(target, "a");
+    Member b(target, "b");
+    for (int at = 0; at < 700; ++at) {
+        setLabel(a.store, std::to_string(at));
+    }
+    setOtherLabel(b.store, "at the end");
+    EXPECT_EQ(b.store.lastCommit(), 701U);
+    a.store.catchUp();
+    EXPECT_EQ(contentOf(a.store), contentOf(b.store));
+}
+
+/// A server that waits for a copy which is not there.
+class PostgresqlCopyTest : public PostgresqlLogTest {
+protected:
+    /// The code of a commit whose wait for the copy \p end ends, a function of the server.
+    OrvReturnT commitWhoseWaitEndsBy(const std::string& end) {
+        target = own.target(own.newSchema());
+        fill();
+        member.emplace(target);
+        own.set("synchronous_standby_names = 'ghost'");
+        std::thread hand([&] {
+            EXPECT_TRUE(happens([&] {
+                return PostgresqlConnection(target, {})
+                           .run(
+                               ("SELECT count(" + end +
+                                "(pid))::bigint FROM pg_stat_activity WHERE wait_event = 'SyncRep'")
+                                   .c_str())
+                           .number(0, 0) > 0;
+            }));
+        });
+        const OrvReturnT code = codeOf([&] { setLabel(member->store, "doubtful"); });
+        hand.join();
+        return code;
+    }
+    void expectThatItComesWithTheCopy() {
+        EXPECT_EQ(labelOf(member->store), text("first"));
+        own.set("synchronous_standby_names = ''");
+        member->store.catchUp();
+        EXPECT_EQ(labelOf(member->store), text("doubtful"));
+        setLabel(member->store, "next");
+        EXPECT_EQ(contentOfNewHost(), contentOf(member->store));
+    }
+
+    PostgresqlServer own;
+    std::optional<Member> member;
+};
+
+TEST_F(PostgresqlCopyTest, ProcessEndedWhileItWaits_IsNotAnswered) {
+    EXPECT_EQ(commitWhoseWaitEndsBy("pg_terminate_backend"), OrvHostOutcomeUnknown);
+    expectThatItComesWithTheCopy();
+}
+
+TEST_F(PostgresqlCopyTest, WaitThatIsEnded_IsNotAnswered) {
+    EXPECT_EQ(commitWhoseWaitEndsBy("pg_cancel_backend"), OrvHostOutcomeUnknown);
+    expectThatItComesWithTheCopy();
 }
 
 TEST_F(PostgresqlLogTest, Find_KnowsIdsOfEntries) {
@@ -536,6 +693,39 @@ TEST_F(PostgresqlLogTest, Follow_WaitsForTheFirstEntry) {
         b.log.load([](const ObjectRow&) {}),
         [&](const LogEntry& entry) { seen.push_back(entry.mark.position); }, 50ms);
     EXPECT_THAT(seen, IsEmpty());
+}
+
+TEST_F(PostgresqlLogTest, CommitsThatWait_GoIntoTheLogTogether) {
+    fill();
+    Member member(target, "a", kPatient);
+    std::vector<std::unique_ptr<StoreTransaction>> all;
+    for (const char* const name : {"first", "second", "third"}) {
+        all.push_back(member.store.begin(10 + all.size()));
+        all.back()->create("Network=1", "Node", "id", name, {});
+    }
+    PostgresqlConnection holder(target, {});
+    holder.run("BEGIN");
+    holder.run("SELECT pos FROM head FOR UPDATE");
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] { all[0]->commit(); });
+    EXPECT_TRUE(happens([&] {
+        return PostgresqlConnection(target, {})
+                   .run("SELECT count(*) FROM pg_stat_activity WHERE query LIKE '%FOR UPDATE' AND "
+                        "wait_event_type = 'Lock'")
+                   .number(0, 0) > 0;
+    }));
+    threads.emplace_back([&] { all[1]->commit(); });
+    threads.emplace_back([&] { all[2]->commit(); });
+    EXPECT_TRUE(happens([&] { return member.store.commitsWaiting() == 2; }));
+    holder.run("ROLLBACK");
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const PostgresqlRows written = PostgresqlConnection(target, {})
+                                       .run("SELECT count(*), count(DISTINCT xmin::text) FROM log");
+    EXPECT_EQ(written.number(0, 0), 3U);
+    EXPECT_EQ(written.number(0, 1), 2U);
+    EXPECT_EQ(contentOfNewHost(), contentOf(member.store));
 }
 
 /// Runs the mixture on two hosts, with two threads each.
@@ -576,25 +766,6 @@ TEST_F(PostgresqlLogTest, Mixture_OfTwoHosts_KeepsTheInvariants) {
     EXPECT_EQ(readPostgresqlInfo(target).position, acknowledged.size());
 }
 
-/// What a follower has said.
-class Reports {
-public:
-    LogFollower::Report taker() {
-        return [this](const std::string& text) {
-            const std::lock_guard<std::mutex> guard(mMutex);
-            mTexts.push_back(text);
-        };
-    }
-    std::vector<std::string> texts() const {
-        const std::lock_guard<std::mutex> guard(mMutex);
-        return mTexts;
-    }
-
-private:
-    mutable std::mutex mMutex;
-    std::vector<std::string> mTexts;
-};
-
 TEST_F(PostgresqlLogTest, Follower_BringsInWhatOthersCommit) {
     fill();
     Member a(target, "a");
@@ -625,24 +796,78 @@ TEST_F(PostgresqlLogTest, Follower_ServerAwayAndBack_SaysSoOnceEach) {
     EXPECT_TRUE(happens([&] { return labelOf(b.store) == text("after"); }));
 }
 
-TEST_F(PostgresqlLogTest, Follower_OtherHistory_LoadsAnewWhenNoTransactionIsOpen) {
+TEST_F(PostgresqlLogTest, Follower_OtherHistory_LoadsAnewOnceBesideOpenTransactions) {
     fill();
     Member member(target);
     setLabel(member.store, "lost");
     Reports reports;
-    auto open = member.store.begin(1);
+    const auto open = member.store.begin(1);
     const LogFollower follower(member.store, 5ms, reports.taker());
     sql("UPDATE log SET id = 'another'; UPDATE head SET id = 'another'; UPDATE objects SET name = "
         "'z' WHERE name = 'b'");
     EXPECT_TRUE(happens([&] { return !member.store.logFault().empty(); }));
-    std::this_thread::sleep_for(50ms);
+    EXPECT_TRUE(happens([&] { return member.store.begin(2)->exists("Network=1,Node=z"); }));
     EXPECT_TRUE(open->exists("Network=1,Node=b"));
-    open.reset();
-    EXPECT_TRUE(happens([&] { return member.store.begin(1)->exists("Network=1,Node=z"); }));
     EXPECT_TRUE(happens([&] { return reports.texts().size() == 2; }));
+    std::this_thread::sleep_for(50ms);
     EXPECT_THAT(reports.texts(), ElementsAre(HasSubstr("position 1 of the log is not what it was"),
                                              HasSubstr("loaded anew")));
     setLabel(member.store, "goes on");
+}
+
+// There is never a moment without an open transaction.
+TEST_F(PostgresqlLogTest, Follower_OtherHistoryOnABusyHost_LoadsAnewWithinSeconds) {
+    fill();
+    Member member(target);
+    setLabel(member.store, "lost");
+    Reports reports;
+    std::atomic<bool> isOver{false};
+    std::thread busy([&] {
+        auto last = member.store.begin(100);
+        for (TransactionId id = 101; !isOver; ++id) {
+            auto next = member.store.begin(id);
+            std::this_thread::sleep_for(5ms);
+            last = std::move(next);
+        }
+    });
+    const LogFollower follower(member.store, 5ms, reports.taker());
+    sql("UPDATE log SET id = 'another'; UPDATE head SET id = 'another'; UPDATE objects SET name = "
+        "'z' WHERE name = 'b'");
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(happens([&] { return member.store.begin(1)->exists("Network=1,Node=z"); }));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    EXPECT_TRUE(happens([&] { return member.store.logFault().empty(); }));
+    setLabel(member.store, "goes on");
+    isOver = true;
+    busy.join();
+    EXPECT_THAT(reports.texts(), ElementsAre(HasSubstr("position 1 of the log is not what it was"),
+                                             HasSubstr("loaded anew")));
+}
+
+TEST_F(PostgresqlLogTest, Follower_ObjectsThatCannotBeLoaded_SaysWhyOnce) {
+    fill();
+    Member member(target);
+    Reports reports;
+    const LogFollower follower(member.store, 5ms, reports.taker());
+    sql("UPDATE head SET id = 'another', model = 'x'; UPDATE model SET fact = 'y' WHERE place = 1");
+    EXPECT_TRUE(happens([&] { return reports.texts().size() == 2; }));
+    std::this_thread::sleep_for(100ms);
+    EXPECT_THAT(reports.texts(),
+                ElementsAre(HasSubstr("the store of PostgreSQL is of another model now"),
+                            AllOf(HasSubstr("cannot be loaded anew: "),
+                                  HasSubstr("it is of another model: "))));
+}
+
+TEST_F(PostgresqlLogTest, CatchUpTo_WithTheServerAway_KnowsWhatIsThere) {
+    fill();
+    PostgresqlRelay relay(server);
+    Member member(through(relay));
+    setLabel(member.store, "1");
+    relay.atCommit(PostgresqlRelay::AtCommit::CutBefore);
+    relay.refuse(true);
+    EXPECT_EQ(codeOf([&] { setLabel(member.store, "2"); }), OrvHostOutcomeUnknown);
+    member.store.catchUpTo(1, 0ms);
+    EXPECT_EQ(codeOf([&] { member.store.catchUpTo(2, 0ms); }), OrvHostStoreUnavailable);
 }
 
 TEST_F(PostgresqlLogTest, CatchUpTo_WaitsForTheCommitOfAnotherHost) {

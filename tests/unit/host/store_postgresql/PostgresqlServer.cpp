@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -36,8 +37,26 @@ namespace fs = std::filesystem;
 const std::string kCommit("\0COMMIT\0", 8);
 constexpr const char* kSocketName = ".s.PGSQL.5432";
 
+const std::string kDirectory = "orv_pg_";
+
+// What tests have left that were ended by a signal.
+void removeOldDirectories() {
+    std::error_code error;
+    for (const fs::directory_entry& entry :
+         fs::directory_iterator(fs::temp_directory_path(), error)) {
+        const std::string name = entry.path().filename();
+        const bool isOne = name.rfind(kDirectory, 0) == 0 &&
+                           name.find('_', kDirectory.size()) != std::string::npos;
+        const int process = isOne ? std::atoi(name.c_str() + kDirectory.size()) : 0;
+        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) {
+            fs::remove_all(entry.path(), error);
+        }
+    }
+}
+
 fs::path temporaryDirectory() {
-    std::string name = fs::temp_directory_path() / "orv_pg_XXXXXX";
+    std::string name =
+        fs::temp_directory_path() / (kDirectory + std::to_string(getpid()) + "_XXXXXX");
     return mkdtemp(name.data());
 }
 
@@ -118,17 +137,31 @@ PostgresqlServer& PostgresqlServer::instance() {
 }
 
 PostgresqlServer::PostgresqlServer() : mDirectory(temporaryDirectory()) {
+    makeDirectory();
+    const std::string data = mDirectory / "data";
+    runAsUser({POSTGRESQL_BINARIES "/initdb", "-D", data, "-U", "postgres", "-A", "trust",
+               "--no-sync", "-E", "UTF8", "--locale=C"},
+              mDirectory / "initdb.log");
+    start();
+}
+
+PostgresqlServer::PostgresqlServer(CopyOf other) : mDirectory(temporaryDirectory()) {
+    makeDirectory();
+    runAsUser({POSTGRESQL_BINARIES "/pg_basebackup", "-D", mDirectory / "data", "--no-sync", "-R",
+               "-c", "fast", "-d",
+               "host=" + other.server.mDirectory.string() + " user=postgres application_name=copy"},
+              mDirectory / "copy.log");
+    startCopy();
+}
+
+void PostgresqlServer::makeDirectory() const {
+    removeOldDirectories();
     fs::permissions(mDirectory, fs::perms(0711));
     if (const passwd* const user = otherUser()) {
         if (chown(mDirectory.c_str(), user->pw_uid, user->pw_gid) != 0) {
             throw std::runtime_error("the directory cannot be given to another user");
         }
     }
-    const std::string data = mDirectory / "data";
-    runAsUser({POSTGRESQL_BINARIES "/initdb", "-D", data, "-U", "postgres", "-A", "trust",
-               "--no-sync", "-E", "UTF8", "--locale=C"},
-              mDirectory / "initdb.log");
-    start();
 }
 
 PostgresqlServer::~PostgresqlServer() {
@@ -157,11 +190,40 @@ void PostgresqlServer::runAsUser(const std::vector<std::string>& command, const 
 }
 
 void PostgresqlServer::start() {
+    startProcess();
+    awaitWritable();
+}
+
+void PostgresqlServer::startCopy() {
+    startProcess();
+    for (int round = 0; round < 2000; ++round) {
+        std::ifstream file(mDirectory / "data" / "postmaster.pid");
+        const std::string state(std::istreambuf_iterator<char>(file), {});
+        if (state.find("standby") != std::string::npos ||
+            state.find("ready") != std::string::npos) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    throw std::runtime_error("the copy does not start");
+}
+
+void PostgresqlServer::promote() {
+    runAsUser({POSTGRESQL_BINARIES "/pg_ctl", "-D", mDirectory / "data", "-w", "promote"},
+              mDirectory / "promote.log");
+    awaitWritable();
+}
+
+void PostgresqlServer::startProcess() {
     mProcess =
         startAsUser({POSTGRESQL_BINARIES "/postgres", "-D", mDirectory / "data", "-c",
                      "listen_addresses=", "-c", "unix_socket_directories=" + mDirectory.string(),
-                     "-c", "max_connections=40", "-c", "shared_buffers=32MB"},
+                     "-c", "max_connections=40", "-c", "shared_buffers=32MB", "-c",
+                     "wal_retrieve_retry_interval=200ms"},
                     mDirectory / "log");
+}
+
+void PostgresqlServer::awaitWritable() const {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     for (;;) {
         try {
@@ -183,6 +245,26 @@ void PostgresqlServer::stop() {
         waitpid(mProcess, nullptr, 0);
         mProcess = -1;
     }
+}
+
+void PostgresqlServer::set(const std::string& setting) {
+    PostgresqlConnection connection(target("public"), {});
+    connection.run(("ALTER SYSTEM SET " + setting).c_str());
+    connection.run("SELECT pg_reload_conf()");
+    // The processes of the server take it a little later.
+    const std::string name = setting.substr(0, setting.find(' '));
+    const std::string value =
+        setting.substr(setting.find('\'') + 1, setting.rfind('\'') - setting.find('\'') - 1);
+    for (int round = 0; round < 500; ++round) {
+        const PostgresqlRows now =
+            PostgresqlConnection(target("public"), {})
+                .run("SELECT current_setting($1)", PostgresqlParameters().text(name));
+        if (now.text(0, 0) == value) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    throw std::runtime_error("the server does not take " + setting);
 }
 
 std::string PostgresqlServer::newSchema() {
@@ -229,6 +311,29 @@ void PostgresqlRelay::serve() {
     }
 }
 
+bool PostgresqlRelay::isToStop(std::size_t bytes) {
+    if (mBytesLeft == SIZE_MAX) {
+        return false;
+    }
+    if (bytes < mBytesLeft) {
+        mBytesLeft -= bytes;
+        return false;
+    }
+    mBytesLeft = SIZE_MAX;
+    mHasStopped = true;
+    return true;
+}
+
+void PostgresqlRelay::sendSlowly(int to, std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const std::size_t rate = mBytesEachMillisecond;
+        const std::string_view part = bytes.substr(0, rate == 0 ? bytes.size() : rate);
+        sendAll(to, part);
+        bytes.remove_prefix(part.size());
+        std::this_thread::sleep_for(std::chrono::milliseconds(rate == 0 ? 0 : 1));
+    }
+}
+
 void PostgresqlRelay::pass(int descriptor) {
     const Socket client(descriptor);
     if (mIsRefusing) {
@@ -265,11 +370,17 @@ void PostgresqlRelay::pass(int descriptor) {
                 }
             }
             if (!keepsRequests) {
-                sendAll(server.get(), bytes);
+                sendSlowly(server.get(), bytes);
             }
         }
         if (ends[1].revents != 0) {
             if (!receive(server.get(), bytes)) {
+                return;
+            }
+            if (isToStop(bytes.size())) {
+                while (!mIsOver) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                }
                 return;
             }
             if (!keepsAnswers) {

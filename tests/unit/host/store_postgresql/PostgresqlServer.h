@@ -5,8 +5,11 @@
 #define ORV_TESTS_HOST_STORE_POSTGRESQL_POSTGRESQLSERVER_H
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -22,6 +25,12 @@ public:
     static PostgresqlServer& instance();
 
     PostgresqlServer();
+    /// A copy of a server, which follows it from now on and cannot be written. In the settings of
+    /// the other one it has the name `copy`.
+    struct CopyOf {
+        const PostgresqlServer& server;
+    };
+    explicit PostgresqlServer(CopyOf other);
     ~PostgresqlServer();
     PostgresqlServer(const PostgresqlServer&) = delete;
     PostgresqlServer& operator=(const PostgresqlServer&) = delete;
@@ -34,11 +43,21 @@ public:
     /// Where the socket is.
     const std::filesystem::path& directory() const { return mDirectory; }
 
+    /// Changes a setting of the running server: `name = value`.
+    void set(const std::string& setting);
+
     void start();
+    /// The same for a copy, which cannot be written then.
+    void startCopy();
+    /// Makes a copy a server that can be written.
+    void promote();
     /// At once: what is in memory only is lost.
     void stop();
 
 private:
+    void makeDirectory() const;
+    void startProcess();
+    void awaitWritable() const;
     void runAsUser(const std::vector<std::string>& command, const std::string& log);
     pid_t startAsUser(const std::vector<std::string>& command, const std::string& log) const;
 
@@ -66,17 +85,29 @@ public:
     const std::filesystem::path& directory() const { return mDirectory; }
     /// What happens at the next COMMIT; once.
     void atCommit(AtCommit what) { mAtCommit = what; }
+    /// Once so many bytes have come from the server from now on, no more are taken from it, and the
+    /// connection stays: as a host that has stopped.
+    void stopAfter(std::size_t bytes) { mBytesLeft = bytes; }
+    /// True if a connection has come to that point.
+    bool hasStopped() const { return mHasStopped; }
+    /// Passes on so many bytes of requests each millisecond; 0: all at once.
+    void slowDown(std::size_t bytes) { mBytesEachMillisecond = bytes; }
     /// Whether new connections are refused; those that exist go on.
     void refuse(bool isRefusing) { mIsRefusing = isRefusing; }
 
 private:
     void serve();
     void pass(int client);
+    bool isToStop(std::size_t bytes);
+    void sendSlowly(int to, std::string_view bytes) const;
 
     const std::filesystem::path mServer;
     std::filesystem::path mDirectory;
     int mListener = -1;
     std::atomic<AtCommit> mAtCommit{AtCommit::Pass};
+    std::atomic<std::size_t> mBytesLeft{SIZE_MAX};
+    std::atomic<bool> mHasStopped{false};
+    std::atomic<std::size_t> mBytesEachMillisecond{0};
     std::atomic<bool> mIsRefusing{false};
     std::atomic<bool> mIsOver{false};
     std::vector<std::thread> mPassing;
