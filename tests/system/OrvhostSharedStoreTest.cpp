@@ -75,6 +75,7 @@ TEST_F(OrvhostSharedStore, StoreCommands_WorkOnTheTables) {
     for (const char* verb : {"check", "compact"}) {
         EXPECT_EQ(runOrvhost({"store", verb, mStore}).status, 2) << verb;
     }
+    EXPECT_EQ(run({"--store", mStore, "--store-sync", "normal", "count"}).status, 2);
     const TemporaryDirectory directory;
     const std::string out = directory.path() / "out.json";
     const ProgramResult exported = run({"store", "export", mStore, out});
@@ -169,6 +170,27 @@ TEST_F(OrvhostSharedStore, ServerAway_IsSaidOnceAndReadsGoOn) {
     EXPECT_TRUE(host.writes("three\n"));
     fresh.say("get ManagedElement=Harbour userLabel");
     EXPECT_TRUE(fresh.writes("three\n"));
+}
+
+TEST_F(OrvhostSharedStore, Commits_ReadsNoOlderThanACommitElsewhere) {
+    fill();
+    const RunningHost reader(onModel({"--store", mStore, "--keep-going", "-f", "-"}));
+    reader.say("commits");
+    EXPECT_TRUE(reader.writes("0\n"));
+    EXPECT_EQ(
+        run({"--store", mStore, "-c", "set ManagedElement=Harbour userLabel=new", "-c", "commits"})
+            .out,
+        "set and committed\n1\n");
+    reader.say("commits 1");
+    EXPECT_TRUE(reader.writes("1\n"));
+    reader.say("get ManagedElement=Harbour userLabel");
+    EXPECT_TRUE(reader.writes("new\n"));
+    reader.say("commits 5 0");
+    EXPECT_TRUE(reader.writes("commit 5 has not come within 0 ms; the last one is commit 1"));
+    EXPECT_EQ(run({"--store", mStore, "commits", "x"}).status, 2);
+    EXPECT_EQ(run({"--store", mStore, "commits", "1", "x"}).status, 2);
+    EXPECT_THAT(run({"--store", mStore, "--json", "commits"}).out,
+                HasSubstr(R"({"command":"commits","last":1})"));
 }
 
 /// Sets both sides of associations, again and again, until it has done so often enough.

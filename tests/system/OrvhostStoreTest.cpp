@@ -250,6 +250,11 @@ TEST_F(OrvhostStore, StoreCommands_WithoutSense_AreUsageErrors) {
                                                   {"store", "export", mStore, "out"},
                                                   {"--store", mStore, "store", "info", mStore},
                                                   {"--store-sync", "often", "count"},
+                                                  {"--store-sync", "normal", "count"},
+                                                  {"--store", mStore, "--fresh", "count"},
+                                                  {"--fresh", "count"},
+                                                  {"--store", "postgres://h/d", "count"},
+                                                  {"store", "info", "postgres://h/d"},
                                                   {"--store", mStore, "check", "file"}}) {
         EXPECT_EQ(runOrvhost(words).status, 2) << words.back();
     }

@@ -204,6 +204,16 @@ The copy is the file of a store itself.
 )",
            .words = {WordKind::File},
            .run = runBackup},
+          {.name = "commits",
+           .synopsis = "[NUMBER [SECONDS]]",
+           .summary = "print the number of the last commit, or wait for one",
+           .details =
+               R"(All hosts of a store number its commits in the same way. After a commit the number says what
+is the least that another host must show; there, commits NUMBER waits until it does, for at
+most so many seconds (10).
+)",
+           .words = {WordKind::Other, WordKind::Other},
+           .run = runCommits},
           {.name = "load",
            .synopsis = "FILE [merge | replace [DN]]",
            .summary = "bring the objects of a file into the network",

@@ -36,6 +36,7 @@ void runAbort(Session& session, Words words);
 void runExpect(const CommandTable& table, Session& session, Words words);
 void runSave(Session& session, Words words);
 void runBackup(Session& session, Words words);
+void runCommits(Session& session, Words words);
 void runLoad(Session& session, Words words);
 void runDiff(Session& session, Words words);
 void runGraph(Session& session, Words words);

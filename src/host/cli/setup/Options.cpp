@@ -114,8 +114,8 @@ void addLoading(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
            "--store-sync",
            [&options](const std::string& text) { options.storeSyncsEachCommit = text == "full"; },
-           "full (default): a commit is on the disk when it is answered; normal: the last commits "
-           "may be lost when the power fails")
+           "For a store in a file. full (default): a commit is on the disk when it is answered; "
+           "normal: the last commits may be lost when the power fails")
         ->check(CLI::IsMember({"full", "normal"}));
     app.add_option("--ext-cm", options.extCm,
                    "The component libext_cm.so, if not the one of this installation");
@@ -252,6 +252,24 @@ void takeServer(const CLI::App& app, Options& options) {
     }
 }
 
+// The client library knows that name, too.
+void refuseOtherName(const std::string& store) {
+    if (store.rfind("postgres:", 0) == 0) {
+        throw CLI::ValidationError("a store in PostgreSQL is named postgresql:..., not postgres:");
+    }
+}
+
+// Options that would change nothing.
+void requireStoreFor(const GivenOptions& given, const Options& options) {
+    refuseOtherName(options.store);
+    if (isGiven(given, "--fresh") && !isPostgresql(options.store)) {
+        throw CLI::ValidationError("--fresh can only be used with --store postgresql:...");
+    }
+    if (isGiven(given, "--store-sync") && (options.store.empty() || isPostgresql(options.store))) {
+        throw CLI::ValidationError("--store-sync can only be used with --store FILE");
+    }
+}
+
 // `store` works on the file of a store. An export is a host that saves and ends.
 void takeStore(const GivenOptions& given, Options& options) {
     if (options.words.empty() || options.words.front() != "store") {
@@ -267,6 +285,9 @@ void takeStore(const GivenOptions& given, Options& options) {
     options.data.clear();
     const std::vector<std::string> words(options.words.begin() + 1, options.words.end());
     const std::string what = words.empty() ? "" : words.front();
+    for (const std::string& word : words) {
+        refuseOtherName(word);
+    }
     if (what == "export" && words.size() >= 3) {
         std::error_code error;
         if (!isPostgresql(words[1]) && !std::filesystem::exists(words[1], error)) {
@@ -361,6 +382,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         takeScenarios(given, options);
         takeExport(options);
         takeStore(given, options);
+        requireStoreFor(given, options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {
         std::cerr << "orvhost: " << failure.what() << '\n';

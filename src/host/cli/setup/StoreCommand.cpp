@@ -20,7 +20,8 @@ namespace {
 // What trim keeps if it is not told otherwise: entries that are younger, or among the latest.
 constexpr std::uint64_t kEntriesKept = 100000;
 constexpr std::uint64_t kHoursKept = 24;
-constexpr std::uint64_t kMostHours = 1000000000;
+constexpr std::uint64_t kMostEntries = 1'000'000'000'000;
+constexpr std::uint64_t kMostHours = 1'000'000;
 
 ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) {
     const StoreInfo info = readStoreInfo(file);
@@ -71,22 +72,23 @@ ExitStatus showSharedInfo(const std::string& store, bool wantsJson, std::ostream
 }
 
 std::uint64_t numberIn(const std::vector<std::string>& words, std::size_t at,
-                       std::uint64_t otherwise) {
+                       std::uint64_t otherwise, std::uint64_t most) {
     if (words.size() <= at) {
         return otherwise;
     }
     const std::string& word = words[at];
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (error != std::errc() || end != word.data() + word.size() || number > kMostHours) {
-        throw UsageError("'" + word + "' is no number of entries or hours");
+    if (error != std::errc() || end != word.data() + word.size() || number > most) {
+        throw UsageError("'" + word + "' is no number of entries or hours from 0 to " +
+                         std::to_string(most));
     }
     return number;
 }
 
 ExitStatus trim(const std::vector<std::string>& words, bool wantsJson, std::ostream& out) {
-    const std::uint64_t entries = numberIn(words, 2, kEntriesKept);
-    const std::chrono::hours age(numberIn(words, 3, kHoursKept));
+    const std::uint64_t entries = numberIn(words, 2, kEntriesKept, kMostEntries);
+    const std::chrono::hours age(numberIn(words, 3, kHoursKept, kMostHours));
     const std::uint64_t deleted =
         trimPostgresqlStore(postgresqlTarget(words[1]), entries, std::chrono::seconds(age));
     if (wantsJson) {
