@@ -16,9 +16,13 @@ namespace {
 // A field of the server holds 1 GB at most, and so does a message to it; and there are some copies
 // of it in memory.
 constexpr std::size_t kMaxBytes = 200'000'000;
-// How many rows, and how many bytes of them, go to the server in one statement.
-constexpr std::size_t kRowsTogether = 10'000;
-constexpr std::size_t kBytesTogether = 1'000'000;
+// How many rows, and how many bytes of them, go to the server in one statement. It fits into what
+// the sockets in between hold, so that a host that stops does not leave half of one: the server
+// waits for the rest of a statement without limit.
+constexpr std::size_t kRowsTogether = 2'000;
+constexpr std::size_t kBytesTogether = 50'000;
+// From here on an entry takes the host some time.
+constexpr std::size_t kLargeEntry = 1'000'000;
 // Entries that are new are read before the turn if there are more than these, so that nobody waits
 // for that, unless as many have come again some times.
 constexpr CommitNumber kFewEntries = 300;
@@ -96,7 +100,8 @@ void inPortions(const std::vector<Row>& rows, const Size& sizeOf, const Work& wo
 }
 
 std::size_t bytesOf(const ObjectRow& row) {
-    return row.name.size() + row.attributes.size();
+    constexpr std::size_t kNumbers = 64;
+    return row.name.size() + row.attributes.size() + kNumbers;
 }
 
 // Of the largest thing that goes to the server as a whole.
@@ -312,10 +317,10 @@ void PostgresqlLog::readRest(LogEntry& entry, std::uint64_t size) {
     allowTimeFor(size);
 }
 
-// The limit between two requests counts also while one is received, and while the host works on
-// what it has got. A transaction that is large gets a second more for each megabyte.
+// The limit between two requests counts while the host works on what it has got: a second more for
+// each megabyte.
 void PostgresqlLog::allowTimeFor(std::size_t bytes) {
-    if (bytes > kBytesTogether) {
+    if (bytes > kLargeEntry) {
         mConnection->run(
             "SELECT set_config('idle_in_transaction_session_timeout', $1, true)",
             PostgresqlParameters().text(
@@ -373,7 +378,6 @@ void PostgresqlLog::deliverAll(const LogMark& seen, const CatchUp& catchUp) {
 // An object that one entry creates, another one of the same append can change or delete.
 void PostgresqlLog::write(const std::vector<LogEntry>& entries) {
     for (const LogEntry& entry : entries) {
-        allowTimeFor(largestOf(entry));
         mConnection->run("INSERT INTO log(pos, id, author, change) VALUES($1, $2, $3, $4)",
                          PostgresqlParameters()
                              .number(entry.mark.position)
