@@ -170,6 +170,56 @@ TEST_F(NetconfReadTest, XPath_WithoutAnExpression_IsRefused) {
                 HasSubstr("<error-tag>missing-attribute</error-tag>"));
 }
 
+TEST_F(NetconfReadTest, NetconfState_ShowsSessionsWithTheirCounts) {
+    Monitor& monitor = dispatcher.monitor();
+    monitor.sessionBegins(alice, Transport::Ssh);
+    monitor.sessionBegins(bob, Transport::UnixSocket);
+    monitor.count(1, {5, 4, 3, 2});
+    const std::string state =
+        R"(<netconf-state xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring">)";
+    EXPECT_THAT(get(state + "<sessions/></netconf-state>"),
+                AllOf(HasSubstr(":netconf-ssh</transport><username>alice</username><login-time>20"),
+                      HasSubstr(":unix-socket</transport><username>bob</username>"),
+                      HasSubstr("<in-rpcs>5</in-rpcs><in-bad-rpcs>4</in-bad-rpcs>"
+                                "<out-rpc-errors>3</out-rpc-errors>"
+                                "<out-notifications>2</out-notifications>"),
+                      Not(HasSubstr("<statistics>")), Not(HasSubstr("<schemas>"))));
+    monitor.sessionEnds(2, true);
+    monitor.sessionEnds(1, false);
+    monitor.badHello();
+    EXPECT_THAT(get(state + "<statistics/><sessions/></netconf-state>"),
+                AllOf(HasSubstr("<in-bad-hellos>1</in-bad-hellos><in-sessions>2</in-sessions>"
+                                "<dropped-sessions>1</dropped-sessions><in-rpcs>5</in-rpcs>"),
+                      Not(HasSubstr("username"))))
+        << "what sessions did that have ended still counts";
+}
+
+TEST_F(NetconfReadTest, NetconfState_ShowsLocks) {
+    const std::string datastores =
+        R"(<netconf-state xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring">)"
+        "<datastores/></netconf-state>";
+    EXPECT_THAT(get(datastores),
+                AllOf(HasSubstr("<name>running</name>"), HasSubstr("<name>candidate</name>"),
+                      Not(HasSubstr("lock"))));
+    ASSERT_EQ(ask(bob, "<lock><target><candidate/></target></lock>"), "ok");
+    EXPECT_THAT(get(datastores),
+                HasSubstr("<name>candidate</name><locks><global-lock>"
+                          "<locked-by-session>2</locked-by-session><locked-time>20"));
+}
+
+TEST_F(NetconfReadTest, NetconfState_XPath_SelectsInIt) {
+    EXPECT_THAT(
+        ask(R"(<get><filter type="xpath" xmlns:m="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring" )"
+            R"(select="/m:netconf-state/m:schemas/m:schema[m:identifier='ran-equipment']/m:namespace"/></get>)"),
+        AllOf(HasSubstr("<namespace>urn:orv:example:ran-equipment</namespace>"),
+              Not(HasSubstr("<identifier>ran-element<")), Not(HasSubstr("<location>"))));
+}
+
+TEST_F(NetconfReadTest, NetconfState_IsNoConfiguration) {
+    EXPECT_THAT(ask("<get-config><source><running/></source></get-config>"),
+                Not(HasSubstr("netconf-state")));
+}
+
 TEST_F(NetconfReadTest, GetSchema_GivesTheModule) {
     const std::string ask1 =
         R"(<get-schema xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"><identifier>)";

@@ -374,6 +374,51 @@ class ProtocolTest(ServerCase):
             text = client.get_schema(name, revision).data
             self.assertTrue(text.startswith(f"module {name} {{"), name)
 
+    def test_a_client_that_knows_nothing_finds_every_module(self):
+        client = self.connect()
+        monitoring = "urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"
+        found = client.get(filter=("subtree", f'<netconf-state xmlns="{monitoring}"/>')).data_ele
+        capabilities = [one.text for one in found.iter(f"{{{monitoring}}}capability")]
+        self.assertEqual(sorted(capabilities), sorted(client.server_capabilities))
+        schemas = list(found.iter(f"{{{monitoring}}}schema"))
+        names = []
+        for schema in schemas:
+            name, revision = (schema.findtext(f"{{{monitoring}}}{leaf}")
+                              for leaf in ("identifier", "version"))
+            names.append(name)
+            self.assertEqual(schema.findtext(f"{{{monitoring}}}location"), "NETCONF")
+            text = client.get_schema(name, revision).data
+            self.assertRegex(text, rf"^(sub)?module {name} {{", name)
+            if text.startswith("module"):
+                self.assertIn(schema.findtext(f"{{{monitoring}}}namespace"), text)
+        self.assertIn("ran-equipment", names)
+        self.assertIn("ietf-yang-library", names)
+
+    def test_sessions_are_listed_and_counted(self):
+        client, local = self.connect(), self.local()
+        monitoring = "urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"
+        local.ask(rpc("<no-such-operation/>"))
+        local.ask(GET_LABEL)
+
+        def sessions():
+            found = client.get(filter=(
+                "subtree", f'<netconf-state xmlns="{monitoring}"><sessions/></netconf-state>'))
+            return {
+                one.findtext(f"{{{monitoring}}}session-id"): {
+                    leaf.tag.rsplit("}", 1)[1]: leaf.text for leaf in one
+                } for one in found.data_ele.iter(f"{{{monitoring}}}session")
+            }
+
+        own = sessions()[client.session_id]
+        self.assertEqual(own["username"], "alice")
+        self.assertTrue(own["transport"].endswith("netconf-ssh"), own)
+        [other] = [one for one in sessions().values()
+                   if one["transport"].endswith("unix-socket")]
+        self.assertEqual(
+            [other[leaf] for leaf in ("in-rpcs", "in-bad-rpcs", "out-rpc-errors")], ["1", "1", "1"])
+        own = int(own["in-rpcs"])
+        self.assertGreater(int(sessions()[client.session_id]["in-rpcs"]), own)
+
     def test_what_is_not_supported_is_refused(self):
         client = self.local()
         startup = "<startup/>"

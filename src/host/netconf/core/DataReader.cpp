@@ -48,11 +48,11 @@ std::string DataReader::read(NetconfSession& session, const DataRequest& request
 std::string DataReader::readText(NetconfSession& session, const DataRequest& request) {
     std::string text = readObjects(session, request, request.filter);
     if (!request.onlyConfig) {
-        OwnedTree modules = moduleList();
+        OwnedTree state = serverState();
         if (request.filter) {
-            modules = filtered(std::move(modules), *request.filter);
+            state = filtered(std::move(state), *request.filter);
         }
-        text += print(modules.get(), request.defaults);
+        text += print(state.get(), request.defaults);
     }
     return text;
 }
@@ -69,7 +69,7 @@ OwnedTree DataReader::readTree(NetconfSession& session, const DataRequest& reque
         addDefaults(parsed, request);
     }
     if (!request.onlyConfig) {
-        lyd_insert_sibling(parsed, moduleList().release(), &parsed);
+        lyd_insert_sibling(parsed, serverState().release(), &parsed);
     }
     return OwnedTree(parsed);
 }
@@ -127,13 +127,23 @@ void DataReader::tagDefaults(lyd_node* top) const {
     }
 }
 
-OwnedTree DataReader::moduleList() const {
+/// The list of modules, and the state of the server.
+OwnedTree DataReader::serverState() const {
     lyd_node* tree = nullptr;
     if (ly_ctx_get_yanglib_data(mModel.context().get(), &tree, "%u",
                                 ly_ctx_get_change_count(mModel.context().get())) != LY_SUCCESS) {
         fail(mModel.context(), "the list of modules cannot be made");
     }
-    return OwnedTree(tree);
+    OwnedTree state(tree);
+    const std::string monitored = mMonitor.toXml();
+    lyd_node* parsed = nullptr;
+    if (lyd_parse_data_mem(mModel.context().get(), monitored.c_str(), LYD_XML,
+                           LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &parsed) != LY_SUCCESS) {
+        fail(mModel.context(), "the state of the server cannot be shown");
+    }
+    lyd_node* first = state.release();
+    lyd_insert_sibling(first, parsed, &first);
+    return OwnedTree(first);
 }
 
 std::string DataReader::print(const lyd_node* tree, Defaults defaults) const {

@@ -5,6 +5,7 @@
 #define ORV_HOST_NETCONF_CORE_DATAREADER_H
 
 #include "netconf/core/Datastores.h"
+#include "netconf/core/Monitor.h"
 #include "netconf/core/SubtreeFilter.h"
 #include "netconf/wire/WireModel.h"
 
@@ -27,7 +28,8 @@ enum class Defaults : std::uint8_t {
 /// What a client wants to see.
 struct DataRequest {
     Datastore store = Datastore::Running;
-    bool onlyConfig = true; ///< without state: values of the system, and the list of modules
+    bool onlyConfig = true; ///< without state: values of the system, the list of modules, and the
+                            ///< state of the server
     std::optional<std::vector<FilterNode>> filter{}; ///< none: everything
     std::string xpath{};                             ///< instead of a filter; empty: none
     Defaults defaults = Defaults::Trim;
@@ -41,8 +43,9 @@ struct DataRequest {
 /// Any thread, each session on one.
 class DataReader {
 public:
-    /// Both are borrowed.
-    DataReader(const WireModel& model, Datastores& stores) : mModel(model), mStores(stores) {}
+    /// All is borrowed.
+    DataReader(const WireModel& model, Datastores& stores, const Monitor& monitor)
+        : mModel(model), mStores(stores), mMonitor(monitor) {}
 
     /// The content of the reply's data element. Throws RpcErrors, and what writeObjects throws.
     std::string read(NetconfSession& session, const DataRequest& request);
@@ -55,12 +58,13 @@ private:
     void addDefaults(lyd_node* first, const DataRequest& request) const;
     void removeForeign(lyd_node* top) const;
     void tagDefaults(lyd_node* top) const;
-    OwnedTree moduleList() const;
+    OwnedTree serverState() const;
     std::string print(const lyd_node* tree, Defaults defaults) const;
     OwnedTree select(const OwnedTree& tree, const std::string& xpath) const;
 
     const WireModel& mModel;
     Datastores& mStores;
+    const Monitor& mMonitor;
 };
 
 }

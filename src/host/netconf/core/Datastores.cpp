@@ -373,9 +373,10 @@ void Datastores::lock(NetconfSession& session, Datastore store) {
     session.client().cancellation().throwIfCancelled();
     const auto found = mLocks.find(store);
     if (found != mLocks.end()) {
-        RpcError error = protocolError("lock-denied", "session " + std::to_string(found->second) +
-                                                          " has locked " + datastoreName(store));
-        error.info = errorInfo("session-id", std::to_string(found->second));
+        RpcError error =
+            protocolError("lock-denied", "session " + std::to_string(found->second.session) +
+                                             " has locked " + datastoreName(store));
+        error.info = errorInfo("session-id", std::to_string(found->second.session));
         throw RpcErrors(error);
     }
     if (store == Datastore::Candidate && mHandle) {
@@ -389,13 +390,13 @@ void Datastores::lock(NetconfSession& session, Datastore store) {
         error.info = errorInfo("session-id", std::to_string(mUnconfirmed->owner()));
         throw RpcErrors(error);
     }
-    mLocks[store] = session.id();
+    mLocks[store] = {session.id(), std::time(nullptr)};
 }
 
 void Datastores::unlock(NetconfSession& session, Datastore store) {
     const std::lock_guard<std::mutex> lock(mLockMutex);
     const auto found = mLocks.find(store);
-    if (found == mLocks.end() || found->second != session.id()) {
+    if (found == mLocks.end() || found->second.session != session.id()) {
         throw RpcErrors(protocolError("operation-failed",
                                       "this session has not locked " + datastoreName(store)));
     }
@@ -411,7 +412,7 @@ void Datastores::end(std::uint32_t sessionId) {
     mLost.erase(sessionId);
     const std::lock_guard<std::mutex> lock(mLockMutex);
     for (auto one = mLocks.begin(); one != mLocks.end();) {
-        if (one->second != sessionId) {
+        if (one->second.session != sessionId) {
             ++one;
             continue;
         }
@@ -422,7 +423,7 @@ void Datastores::end(std::uint32_t sessionId) {
     }
 }
 
-std::optional<std::uint32_t> Datastores::lockedBy(Datastore store) const {
+std::optional<Datastores::Lock> Datastores::lockOf(Datastore store) const {
     const std::lock_guard<std::mutex> lock(mLockMutex);
     const auto found = mLocks.find(store);
     return found != mLocks.end() ? std::optional(found->second) : std::nullopt;
@@ -437,9 +438,9 @@ void Datastores::requireMayEdit(NetconfSession& session, Datastore store, EditMo
 void Datastores::requireUnlocked(NetconfSession& session, Datastore store) const {
     // The locks of a killed session are released while it may still be at work.
     session.client().cancellation().throwIfCancelled();
-    const auto owner = lockedBy(store);
-    if (owner && *owner != session.id()) {
-        throw RpcErrors(protocolError("in-use", "session " + std::to_string(*owner) +
+    const auto lock = lockOf(store);
+    if (lock && lock->session != session.id()) {
+        throw RpcErrors(protocolError("in-use", "session " + std::to_string(lock->session) +
                                                     " has locked " + datastoreName(store)));
     }
 }

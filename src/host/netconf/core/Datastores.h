@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <map>
 #include <memory>
@@ -96,8 +97,13 @@ public:
     /// before gets no lock any more.
     void end(std::uint32_t sessionId);
 
-    /// The session that has locked a datastore, or nothing.
-    std::optional<std::uint32_t> lockedBy(Datastore store) const;
+    struct Lock {
+        std::uint32_t session; ///< that has the lock
+        std::time_t since;
+    };
+
+    /// The lock of a datastore, or nothing.
+    std::optional<Lock> lockOf(Datastore store) const;
 
 private:
     /// What only tests an edit needs no lock.
@@ -122,7 +128,7 @@ private:
     Host& mHost;
 
     mutable std::mutex mLockMutex; ///< guards mLocks
-    std::map<Datastore, std::uint32_t> mLocks;
+    std::map<Datastore, Lock> mLocks;
 
     std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
     std::unique_ptr<ConfirmedCommit> mUnconfirmed; ///< guarded by it; null: none waits

@@ -139,7 +139,8 @@ Dispatcher::Dispatcher(Host& host, const WireModel& model, Kill kill, Subscribe 
     : mHost(host),
       mModel(model),
       mStores(host),
-      mReader(model, mStores),
+      mMonitor(model, mStores),
+      mReader(model, mStores, mMonitor),
       mKill(std::move(kill)),
       mSubscribe(std::move(subscribe)),
       mEvents(host, model.schema()) {}

@@ -56,6 +56,7 @@ public:
 
     const WireModel& model() const { return mModel; }
     EventStream& events() { return mEvents; }
+    Monitor& monitor() { return mMonitor; }
 
 private:
     RpcReply dispatch(NetconfSession& session, lyd_node* request);
@@ -73,6 +74,7 @@ private:
     Host& mHost;
     const WireModel& mModel;
     Datastores mStores;
+    Monitor mMonitor;
     DataReader mReader;
     Kill mKill;
     Subscribe mSubscribe;

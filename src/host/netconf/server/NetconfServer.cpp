@@ -92,7 +92,7 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
         parts.front = std::make_unique<SshFront>(
             options.hostKey, parts.users, SshLimits(),
             [&parts](Descriptor channel, const NetconfUser& user, const std::string& from) {
-                parts.hub.serve(std::move(channel), user, from);
+                parts.hub.serve(std::move(channel), user, Transport::Ssh, from);
             });
         parts.ssh = std::make_unique<Listener>(
             std::move(listening), kConnections,
@@ -110,7 +110,8 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
                     return;
                 }
                 const std::string name = peerName(socket.get());
-                parts.hub.serve(std::move(socket), parts.users.named(name), from);
+                parts.hub.serve(std::move(socket), parts.users.named(name), Transport::UnixSocket,
+                                from);
             });
     }
 }

@@ -112,15 +112,35 @@ void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) 
     }
 }
 
+/// The capabilities of the hello. The texts are the library's dictionary's.
+std::vector<std::string> announced(ly_ctx* context) {
+    const char** const all = nc_server_get_cpblts_version(context, LYS_VERSION_1_0);
+    std::vector<std::string> capabilities;
+    for (const char** one = all; one != nullptr && *one != nullptr; ++one) {
+        capabilities.emplace_back(*one);
+        lydict_remove(context, *one);
+    }
+    std::free(static_cast<void*>(all));
+    return capabilities;
+}
+
 /// False if that is not possible, for example without memory: the session must end.
-bool sendEvents(Subscriber& subscriber) {
+bool sendEvents(ServedSession& served) {
     try {
-        subscriber.sendWaiting();
+        MessageCounts counts;
+        counts.notifications = served.subscriber->sendWaiting();
+        theHub->dispatcher().monitor().count(served.session.id(), counts);
         return true;
     } catch (const std::exception& failure) {
         logServer(3, std::string("events cannot be sent: ") + failure.what());
         return false;
     }
+}
+
+/// What the library has done, in counts of messages.
+MessageCounts countsOf(int pollResult) {
+    const auto has = [&](int flag) { return (pollResult & flag) != 0 ? 1U : 0U; };
+    return {has(NC_PSPOLL_RPC), has(NC_PSPOLL_BAD_RPC), has(NC_PSPOLL_REPLY_ERROR), 0};
 }
 
 /// Answers requests, and sends events, until the session ends.
@@ -138,11 +158,16 @@ void answerAll(ServedSession& served, int fd) {
             isOpen = errno == EINTR;
             continue;
         }
-        if (wanted[1].revents != 0 && !sendEvents(*served.subscriber)) {
+        if (wanted[1].revents != 0 && !sendEvents(served)) {
             break;
         }
         if (wanted[0].revents != 0) {
-            isOpen = (wanted[0].revents & POLLIN) != 0 && (nc_ps_poll(one, 0, nullptr) & kEnd) == 0;
+            isOpen = (wanted[0].revents & POLLIN) != 0;
+            if (isOpen) {
+                const int result = nc_ps_poll(one, 0, nullptr);
+                theHub->dispatcher().monitor().count(served.session.id(), countsOf(result));
+                isOpen = (result & kEnd) == 0;
+            }
         }
     }
     if (isAdded) {
@@ -180,6 +205,7 @@ SessionHub::SessionHub(Host& host, const WireModel& model)
             (std::string("urn:ietf:params:netconf:capability:") + capability).c_str());
     }
     nc_server_set_hello_timeout(kHelloSeconds);
+    mDispatcher.monitor().setCapabilities(announced(context));
 }
 
 SessionHub::~SessionHub() {
@@ -187,13 +213,17 @@ SessionHub::~SessionHub() {
     theHub = nullptr;
 }
 
-void SessionHub::serve(Descriptor channel, const NetconfUser& user, const std::string& from) {
+void SessionHub::serve(Descriptor channel, const NetconfUser& user, Transport transport,
+                       const std::string& from) {
     nc_session* accepted = nullptr;
     const NC_MSG_TYPE greeting =
         nc_accept_inout(channel.get(), channel.get(), user.name.c_str(), &accepted);
     std::unique_ptr<nc_session, SessionDeleter> session(accepted);
     if (greeting != NC_MSG_HELLO) {
         logServer(4, user.name + " from " + from + ": no hello that can be used");
+        if (greeting == NC_MSG_BAD_HELLO) {
+            mDispatcher.monitor().badHello();
+        }
         session.reset();
         nc_thread_destroy();
         return;
@@ -205,10 +235,12 @@ void SessionHub::serve(Descriptor channel, const NetconfUser& user, const std::s
         nc_session_set_data(accepted, &served);
         if (enter(id, {channel.get(), &served})) {
             logServer(6, own.author() + ": begins, from " + from);
+            mDispatcher.monitor().sessionBegins(own, transport);
             mDispatcher.events().sessionBegins(own);
             answerAll(served, channel.get());
             SessionEnd end = leave(id);
             end.isClosed = nc_session_get_term_reason(accepted) == NC_SESSION_TERM_CLOSED;
+            mDispatcher.monitor().sessionEnds(id, !end.isClosed && !end.killedBy);
             mDispatcher.events().leave(id);
             shutdown(channel.get(), SHUT_RDWR);
             served.subscriber.reset();

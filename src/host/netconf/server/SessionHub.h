@@ -36,7 +36,8 @@ public:
 
     /// Runs a session with \p user over \p channel, a socket, until it ends. \p from says for the
     /// log where the user comes from.
-    void serve(Descriptor channel, const NetconfUser& user, const std::string& from);
+    void serve(Descriptor channel, const NetconfUser& user, Transport transport,
+               const std::string& from);
 
     /// Ends all sessions, also those that begin later. Returns at once; a request that is at work
     /// ends at the next place where it can.

@@ -72,7 +72,7 @@ void Subscriber::push(const std::shared_ptr<const Event>& event) {
     eventfd_write(mSignal.get(), 1);
 }
 
-void Subscriber::sendWaiting() {
+std::uint32_t Subscriber::sendWaiting() {
     std::deque<std::shared_ptr<const Event>> events;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -81,20 +81,24 @@ void Subscriber::sendWaiting() {
         events.swap(mWaiting);
         mWaitingBytes = 0;
     }
+    std::uint32_t sent = 0;
     for (const auto& event : events) {
-        if (!send(*event)) {
-            return;
+        const std::optional<bool> isSent = send(*event);
+        if (isSent && !*isSent) {
+            break;
         }
+        sent += isSent ? 1U : 0U;
     }
+    return sent;
 }
 
-bool Subscriber::send(const Event& event) {
+std::optional<bool> Subscriber::send(const Event& event) {
     OwnedTree tree = parsed(mModel, event.xml);
     if (mFilter && tree != nullptr) {
         tree = filtered(std::move(tree), *mFilter);
     }
     if (tree == nullptr) {
-        return true;
+        return std::nullopt;
     }
     nc_server_notif* notification =
         nc_server_notif_new(tree.release(), strdup(event.time.c_str()), NC_PARAMTYPE_FREE);

@@ -8,6 +8,7 @@
 #include "netconf/server/Descriptor.h"
 #include "netconf/wire/WireModel.h"
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -41,12 +42,12 @@ public:
     int waitingFd() const { return mSignal.get(); }
 
     /// Sends what waits now, unless the connection ends meanwhile, and waits for the client to take
-    /// it. On the session's thread.
-    void sendWaiting();
+    /// it. Returns how many it has sent. On the session's thread.
+    std::uint32_t sendWaiting();
 
 private:
-    /// False if the connection is at its end.
-    bool send(const Event& event);
+    /// False if the connection is at its end; nothing if the filter leaves nothing of the event.
+    std::optional<bool> send(const Event& event);
 
     nc_session* mSession;
     const WireModel& mModel;

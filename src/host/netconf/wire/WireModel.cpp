@@ -13,6 +13,7 @@ extern const char kEmbedded_ietf_netconf_yang[];
 extern const char kEmbedded_ietf_netconf_monitoring_yang[];
 extern const char kEmbedded_ietf_netconf_with_defaults_yang[];
 extern const char kEmbedded_orv_netconf_defaults_yang[];
+extern const char kEmbedded_orv_netconf_transports_yang[];
 extern const char kEmbedded_notifications_yang[];
 extern const char kEmbedded_ietf_netconf_notifications_yang[];
 
@@ -35,6 +36,7 @@ void addProtocol(YangModelReader& reader) {
     addModule(reader, "ietf-netconf-monitoring", kEmbedded_ietf_netconf_monitoring_yang);
     addModule(reader, "ietf-netconf-with-defaults", kEmbedded_ietf_netconf_with_defaults_yang);
     addModule(reader, kDefaultsModule, kEmbedded_orv_netconf_defaults_yang);
+    addModule(reader, "orv-netconf-transports", kEmbedded_orv_netconf_transports_yang);
     addModule(reader, "notifications", kEmbedded_notifications_yang);
     addModule(reader, "ietf-netconf-notifications", kEmbedded_ietf_netconf_notifications_yang);
 }
@@ -91,6 +93,23 @@ void WireModel::add(const ValueShape& shape) {
     for (const ValueShape& member : shape.members) {
         add(member);
     }
+}
+
+std::vector<WireModel::Module> WireModel::modules() const {
+    std::vector<Module> all;
+    const auto textOf = [](const char* text) { return std::string(text != nullptr ? text : ""); };
+    std::uint32_t at = 0;
+    while (const lys_module* module = ly_ctx_get_module_iter(mContext->get(), &at)) {
+        all.push_back({module->name, textOf(module->revision), module->ns});
+        LY_ARRAY_COUNT_TYPE part = 0;
+        LY_ARRAY_FOR(module->parsed->includes, part) {
+            const lysp_submodule* submodule = module->parsed->includes[part].submodule;
+            all.push_back({submodule->name,
+                           textOf(submodule->revs != nullptr ? submodule->revs[0].date : nullptr),
+                           module->ns});
+        }
+    }
+    return all;
 }
 
 std::optional<std::string> WireModel::moduleText(const std::string& name,

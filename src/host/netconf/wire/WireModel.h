@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace OrvHost {
 
@@ -45,6 +46,16 @@ public:
     const ObjectShape* objectAt(const lysc_node* node) const { return find(mObjects, node); }
     const ValueShape* valueAt(const lysc_node* node) const { return find(mValues, node); }
     bool isTransparent(const lysc_node* node) const { return mTransparent.count(node) != 0; }
+
+    /// A module or a submodule.
+    struct Module {
+        std::string name;
+        std::string revision;  ///< "2024-01-15"; empty: it has none
+        std::string nameSpace; ///< of a submodule: that of its module
+    };
+
+    /// All that are loaded; moduleText has a text for each.
+    std::vector<Module> modules() const;
 
     /// The text of a loaded module or submodule in YANG. \p revision may be empty. Nothing if there
     /// is none.
