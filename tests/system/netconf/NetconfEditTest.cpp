@@ -148,6 +148,16 @@ TEST_F(NetconfEditTest, ValueThatIsSaidToBeTheDefault_IsUnset) {
     EXPECT_THAT(climate(isDefault, "OUTDOOR"), hasTag("invalid-value"));
     EXPECT_EQ(climate(isDefault, "INDOOR"), "ok");
     EXPECT_THAT(getConfig(equipment("<Cabinet/>"), "candidate"), Not(HasSubstr("climate")));
+    const auto tag = [](const std::string& value) {
+        return R"(xmlns:wd="urn:ietf:params:xml:ns:netconf:default:1.0" wd:default=")" + value +
+               "\"";
+    };
+    EXPECT_THAT(climate(tag("1"), "OUTDOOR"), hasTag("invalid-value"));
+    EXPECT_EQ(climate(tag("0"), "OUTDOOR"), "ok");
+    EXPECT_THAT(getConfig(equipment("<Cabinet/>"), "candidate"),
+                HasSubstr("<climate>OUTDOOR</climate>"));
+    EXPECT_EQ(climate(tag("1"), "INDOOR"), "ok");
+    EXPECT_THAT(getConfig(equipment("<Cabinet/>"), "candidate"), Not(HasSubstr("climate")));
 }
 
 TEST_F(NetconfEditTest, SameLeafTwice_IsRefused) {
@@ -320,6 +330,22 @@ TEST_F(NetconfEditTest, CopyConfig_BetweenTheDatastores_CommitsOrDiscards) {
     EXPECT_THAT(ask("<copy-config><target><running/></target><source><running/></source>"
                     "</copy-config>"),
                 hasTag("invalid-value"));
+}
+
+TEST_F(NetconfEditTest, TopLevelElement_InNoOrAnotherNamespace_SaysWhichWouldFit) {
+    const std::string content = "<managedElementId>Harbour</managedElementId>";
+    const std::string expected =
+        "xmlns=&quot;urn:orv:example:ran-element&quot; was expected</error-message>";
+    EXPECT_THAT(edit("<ManagedElement>" + content + "</ManagedElement>"),
+                AllOf(hasTag("unknown-namespace"), HasSubstr("lacks its namespace; " + expected),
+                      HasSubstr("<bad-element>ManagedElement</bad-element>")));
+    EXPECT_THAT(edit(R"(<ManagedElement xmlns="">)" + content + "</ManagedElement>"),
+                AllOf(hasTag("unknown-namespace"), HasSubstr("lacks its namespace; " + expected)));
+    EXPECT_THAT(edit(R"(<ManagedElement xmlns="urn:other">)" + content + "</ManagedElement>"),
+                AllOf(hasTag("unknown-namespace"),
+                      HasSubstr("is in the namespace &quot;urn:other&quot;; "
+                                "&quot;urn:orv:example:ran-element&quot; was expected")));
+    EXPECT_THAT(edit("<NoSuchElement/>"), hasTag("unknown-element"));
 }
 
 TEST_F(NetconfEditTest, Data_ThatDoesNotFitTheModel_IsNamed) {

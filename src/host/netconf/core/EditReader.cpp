@@ -65,7 +65,8 @@ bool saysDefault(const lyd_node* node) {
     static const std::string name = std::string(kDefaultsModule) + ":default";
     const lyd_meta* meta =
         node->schema != nullptr ? lyd_find_meta(node->meta, nullptr, name.c_str()) : nullptr;
-    return meta != nullptr && std::string(lyd_get_meta_value(meta)) == "true";
+    const std::string value = meta != nullptr ? lyd_get_meta_value(meta) : "";
+    return value == "true" || value == "1";
 }
 
 /// What an element does to the choice that it belongs to.

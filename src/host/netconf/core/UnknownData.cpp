@@ -7,6 +7,8 @@
 
 #include <libyang/libyang.h>
 
+#include <set>
+
 namespace OrvHost {
 
 namespace {
@@ -33,6 +35,12 @@ public:
 
     void look(const lyd_node* node) {
         const std::string name = nameOf(node);
+        const std::string expected = namespacesOfTop(name);
+        if (meantNode(mModel, node) == nullptr && lyd_parent(node) == nullptr &&
+            !expected.empty()) {
+            addOtherNamespace(node, expected);
+            return;
+        }
         if (moduleOf(mModel, node) == nullptr) {
             const char* const place = opaque(node).name.module_ns;
             const std::string known = place != nullptr ? place : "";
@@ -57,6 +65,38 @@ public:
     }
 
 private:
+    /// The namespaces in which the model has such an element at the top, for people; empty: none.
+    std::string namespacesOfTop(const std::string& name) const {
+        std::set<std::string> found;
+        for (const ObjectShape* shape : mModel.schema().childrenOf(nullptr)) {
+            const lysc_node* top = shape->list;
+            while (top->parent != nullptr) {
+                top = top->parent;
+            }
+            if (name == top->name) {
+                found.insert(top->module->ns);
+            }
+        }
+        std::string text;
+        for (const std::string& one : found) {
+            text += (text.empty() ? "\"" : " or \"") + one + "\"";
+        }
+        return text;
+    }
+
+    /// An element without xmlns is in the namespace of the request.
+    void addOtherNamespace(const lyd_node* node, const std::string& expected) {
+        const std::string name = nameOf(node);
+        const char* const place = opaque(node).name.module_ns;
+        const std::string given = place != nullptr ? place : "";
+        const bool isMissing = given.empty() || given == kNetconfNamespace;
+        add(node, "unknown-namespace",
+            isMissing ? "<" + name + "> lacks its namespace; xmlns=" + expected + " was expected"
+                      : "<" + name + "> is in the namespace \"" + given + "\"; " + expected +
+                            " was expected",
+            errorInfo("bad-element", name) + errorInfo("bad-namespace", given));
+    }
+
     void lookAtValue(const lyd_node* node, const lysc_node* meant) {
         const std::string refusal = mModel.context().refusal(meant, opaque(node).value);
         if (!refusal.empty()) {
