@@ -4,7 +4,7 @@
 
 """The server as its clients use it: ncclient, OpenSSH, and clients that mean no good.
 
-usage: netconf_server_test.py ORVHOST EXT_CM EXAMPLES [unittest arguments]
+usage: netconf_server_test.py ORVHOST EXT_CM EXAMPLES [--garbage CONNECTIONS] [unittest arguments]
 """
 
 import json
@@ -26,6 +26,11 @@ from ncclient.operations import RaiseMode
 from ncclient.transport.errors import AuthenticationError
 
 ORVHOST, EXT_CM, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+UNITTEST_ARGUMENTS = sys.argv[4:]
+GARBAGE = 2000
+if UNITTEST_ARGUMENTS[:1] == ["--garbage"]:
+    GARBAGE = int(UNITTEST_ARGUMENTS[1])
+    del UNITTEST_ARGUMENTS[:2]
 
 BASE = "urn:ietf:params:xml:ns:netconf:base:1.0"
 END = "]]>]]>"
@@ -837,14 +842,14 @@ class HostileTest(ServerCase):
             self.assert_ok(reply)
 
     def test_garbage(self):
-        for size in (1, 200, 5000):
-            for _ in range(60):
-                garbage = self.server.tcp()
-                try:
-                    garbage.sendall(b"SSH-2.0-x\r\n" * (size % 2) + os.urandom(size))
-                except OSError:
-                    pass
-                garbage.close()
+        for number in range(GARBAGE):
+            size = (1, 200, 5000)[number % 3]
+            garbage = self.server.tcp()
+            try:
+                garbage.sendall(b"SSH-2.0-x\r\n" * (size % 2) + os.urandom(size))
+            except OSError:
+                pass
+            garbage.close()
         for text in ("\0", "<" * 1000, "</hello>" + END, "<hello/>" + END, "\n#99999999999\n"):
             client = self.local(greet=False)
             client.send(text)
@@ -871,4 +876,4 @@ class HostileTest(ServerCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
+    unittest.main(argv=[sys.argv[0], *UNITTEST_ARGUMENTS])
