@@ -35,6 +35,7 @@ test_packages=(
   abigail-tools       # binary interface against the last release
   valgrind            # what calls of the component cost
   postgresql          # servers of the tests' own
+  chromium            # looks at the page of orvhost's graph --html
   python3-ncclient openssh-client openssl # clients of the server
 )
 bench_packages=(

@@ -141,6 +141,9 @@ TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph --depth deep", 2), HasSubstr("--depth needs a number"));
     EXPECT_THAT(errorOf("graph -o", 2), HasSubstr("-o needs a text"));
     EXPECT_THAT(errorOf("graph -o x.png", 2), HasSubstr("x.png: the picture is SVG"));
+    EXPECT_THAT(errorOf("graph --html -o x.png", 2),
+                HasSubstr("x.png: the picture is HTML; a name ending in .html was expected"));
+    EXPECT_THAT(errorOf("graph --html --classes", 2), HasSubstr("cannot be combined"));
     EXPECT_THAT(errorOf("graph / more", 2), HasSubstr("one word too many"));
     EXPECT_THAT(errorOf("graph -o no/such/directory/x.svg", 1),
                 HasSubstr("x.svg: no file can be made in this directory: No such file"));
@@ -151,6 +154,28 @@ TEST(OrvhostGraphTest, DotMissing_IsReportedWithAWorkaround) {
     const OnlyPath path(empty.path());
     EXPECT_THAT(errorOf("graph", 1), AllOf(HasSubstr("dot is not in PATH"), HasSubstr("--dot")));
     EXPECT_EQ(runCommands({"graph --dot"}).status, 0);
+}
+
+TEST(OrvhostGraphTest, DotTakesTooLong_IsEndedAndReportedWithAWorkaround) {
+    const TemporaryDirectory directory;
+    std::filesystem::permissions(directory.file("dot", "#!/bin/sh\nexec /bin/sleep 50\n"),
+                                 std::filesystem::perms::owner_all);
+    const OnlyPath path(directory.path());
+    EXPECT_THAT(errorOf("graph --layout-time 1", 1),
+                AllOf(HasSubstr("dot has not finished after 1 second. Draw less"),
+                      HasSubstr("raise --layout-time"), HasSubstr("--html")));
+}
+
+// What the page does stands in object_page.py, which looks at it with a browser.
+TEST(OrvhostGraphTest, Html_IsOnePageWithoutDot) {
+    const TemporaryDirectory empty;
+    const OnlyPath path(empty.path());
+    const auto result =
+        runCommands({"create ManagedElement=east,Mast=salt&pepper", "graph --html"});
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, AllOf(HasSubstr("<!DOCTYPE html>"), EndsWith("</html>\n"),
+                                  HasSubstr("\"dn\":\"ManagedElement=east,Mast=salt&pepper\""),
+                                  Not(HasSubstr("ORV_DATA"))));
 }
 
 TEST(OrvhostGraphTest, DotFails_IsReportedWithItsText) {

@@ -10,11 +10,14 @@
 #include "cli/graph/ClassGraph.h"
 #include "cli/graph/Graphviz.h"
 #include "cli/graph/ObjectGraph.h"
+#include "cli/graph/ObjectPage.h"
 #include "cli/graph/PictureReader.h"
 #include "cli/session/Session.h"
 #include "cli/session/TerminationGuard.h"
 #include "client/OfferedModel.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -27,13 +30,18 @@ namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kObjects = 300;
+constexpr std::uint64_t kObjectsOfPage = 100000;
+constexpr std::uint64_t kSeconds = 60;
+constexpr std::uint64_t kMostSeconds = 24 * 60 * 60;
 
 struct GraphOptions {
     bool wantsClasses = false;
     bool wantsDot = false;
+    bool wantsPage = false;
     std::optional<std::string> file;
     std::uint64_t depth = kNoLimit;
     std::uint64_t limit = kObjects;
+    std::chrono::seconds timeout{};
     std::string from; ///< DN or class; empty: the top level
 };
 
@@ -41,29 +49,38 @@ GraphOptions parse(Words& words, const Model& model) {
     GraphOptions options;
     options.wantsClasses = words.takeFlag("--classes");
     options.wantsDot = words.takeFlag("--dot");
+    options.wantsPage = words.takeFlag("--html");
     options.file = words.takeText("-o");
     options.depth = words.takeNumber("--depth").value_or(kNoLimit);
-    options.limit = words.takeNumber("--limit").value_or(kObjects);
+    options.limit =
+        words.takeNumber("--limit").value_or(options.wantsPage ? kObjectsOfPage : kObjects);
+    options.timeout = std::chrono::seconds(
+        std::min(words.takeNumber("--layout-time").value_or(kSeconds), kMostSeconds));
     options.from =
         options.wantsClasses ? words.takeOptional().value_or("") : words.takeDnOrHere(model);
     words.end();
+    if (options.wantsPage && (options.wantsClasses || options.wantsDot)) {
+        throw UsageError("--html shows objects; it cannot be combined with --classes or --dot");
+    }
     return options;
 }
 
 /// A name that promises another kind of picture is rather a mistake.
-void requireSvgName(const GraphOptions& options) {
+void requireFittingName(const GraphOptions& options) {
     static const std::set<std::string> others{".png", ".jpg", ".jpeg", ".gif", ".pdf", ".ps"};
+    const std::string kind = options.wantsPage ? "HTML" : "SVG";
+    const std::string expected = options.wantsPage ? ".html" : ".svg";
     const std::string ending = std::filesystem::path(options.file.value_or("")).extension();
     if (others.count(ending) > 0) {
-        throw UsageError(*options.file +
-                         ": the picture is SVG; a name ending in .svg was expected");
+        throw UsageError(*options.file + ": the picture is " + kind + "; a name ending in " +
+                         expected + " was expected");
     }
 }
 
 /// What was drawn, and the facts that are printed about it.
 // NOLINTNEXTLINE(bugprone-exception-escape): moving JSON calls functions that cannot throw here
 struct Drawing {
-    std::string dot;
+    std::string text; ///< for Graphviz, or the page
     std::string summary;
     std::vector<InstanceProblem> violations;
     JsonValue json;
@@ -71,13 +88,15 @@ struct Drawing {
 
 Drawing drawObjects(Session& session, const GraphOptions& options) {
     const TreePicture picture = session.read([&](unsigned long txHandle) {
-        return PictureReader(session, txHandle).read({options.from, options.depth, options.limit});
+        return PictureReader(session, txHandle)
+            .read({options.from, options.depth, options.limit, options.wantsPage});
     });
     const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
     Drawing drawing;
     drawing.violations = violationsIn(session.model(), picture);
     const ReferenceLines lines(classes, picture, drawing.violations);
-    drawing.dot = ObjectGraph(picture, lines, drawing.violations).dot();
+    drawing.text = options.wantsPage ? objectPage(picture, lines, drawing.violations)
+                                     : ObjectGraph(picture, lines, drawing.violations).dot();
     drawing.summary = counted(picture.objects.size(), "object") + ", " +
                       counted(lines.all().size(), "line") + " of references, " +
                       counted(drawing.violations.size(), "violation");
@@ -120,9 +139,13 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
 }
 
 // The program that draws would go on after a signal that ends this one.
-std::string render(Session& session, const std::string& dot) {
+std::string render(Session& session, const std::string& dot, std::chrono::seconds limit) {
     const TerminationGuard guard(session.cancellation());
-    return renderSvg(dot, session.cancellation());
+    return renderSvg(dot, limit, session.cancellation());
+}
+
+const char* formOf(const GraphOptions& options) {
+    return options.wantsPage ? "html" : (options.wantsDot ? "dot" : "svg");
 }
 
 void print(Session& session, const GraphOptions& options, const Drawing& drawing,
@@ -133,8 +156,7 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
     if (session.wantsJson()) {
         JsonValue document{{"command", "graph"}};
         document.update(drawing.json);
-        document[options.file ? "file" : (options.wantsDot ? "dot" : "svg")] =
-            options.file.value_or(text);
+        document[options.file ? "file" : formOf(options)] = options.file.value_or(text);
         session.print(document);
     } else if (!options.file) {
         session.out() << text;
@@ -150,10 +172,12 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
 
 void runGraph(Session& session, Words words) {
     const GraphOptions options = parse(words, session.model());
-    requireSvgName(options);
+    requireFittingName(options);
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
-    print(session, options, drawing, options.wantsDot ? drawing.dot : render(session, drawing.dot));
+    const bool isDone = options.wantsPage || options.wantsDot;
+    print(session, options, drawing,
+          isDone ? drawing.text : render(session, drawing.text, options.timeout));
 }
 
 }

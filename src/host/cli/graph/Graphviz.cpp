@@ -3,6 +3,7 @@
 
 #include "Graphviz.h"
 
+#include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 
 #include <cerrno>
@@ -155,11 +156,18 @@ void end(pid_t child) {
 }
 
 /// Why the child failed, for people; empty if it succeeded.
-std::string waitFor(pid_t child, const CancellationToken& cancellation) {
-    const std::optional<int> ended = statusUntil(child, [&] { return cancellation.isCancelled(); });
+std::string waitFor(pid_t child, std::chrono::seconds limit,
+                    const CancellationToken& cancellation) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    const std::optional<int> ended = statusUntil(child, [&] {
+        return cancellation.isCancelled() || std::chrono::steady_clock::now() > deadline;
+    });
     if (!ended) {
         end(child);
-        throw CancelledError();
+        cancellation.throwIfCancelled();
+        throw AnswerError("dot has not finished after " + counted(limit.count(), "second") +
+                          ". Draw less with --depth or from another DN, or raise --layout-time; "
+                          "--html makes a page for many objects");
     }
     const int status = *ended;
     if (WIFSIGNALED(status)) {
@@ -171,13 +179,14 @@ std::string waitFor(pid_t child, const CancellationToken& cancellation) {
 
 }
 
-std::string renderSvg(const std::string& dot, const CancellationToken& cancellation) {
+std::string renderSvg(const std::string& dot, std::chrono::seconds limit,
+                      const CancellationToken& cancellation) {
     ScratchFile in;
     ScratchFile out;
     ScratchFile err;
     in.write(dot);
     cancellation.throwIfCancelled();
-    const std::string failure = waitFor(startDot({in, out, err}), cancellation);
+    const std::string failure = waitFor(startDot({in, out, err}), limit, cancellation);
     cancellation.throwIfCancelled();
     std::string svg = out.read();
     if (!failure.empty() || svg.empty()) {

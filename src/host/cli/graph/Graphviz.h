@@ -6,6 +6,7 @@
 
 #include "client/CancellationToken.h"
 
+#include <chrono>
 #include <string>
 
 namespace OrvHost {
@@ -14,8 +15,10 @@ namespace OrvHost {
 /// and run as a child process. Throws AnswerError if it is missing or fails, with its error output.
 /// Waits until it has ended. If \p cancellation is cancelled, before or meanwhile, ends it and
 /// throws CancelledError. Signals of the terminal, such as Ctrl-C, do not reach it: at Ctrl-C, it
-/// would draw a part of the picture, and report success.
-std::string renderSvg(const std::string& dot, const CancellationToken& cancellation);
+/// would draw a part of the picture, and report success. If it has not ended after \p limit, ends
+/// it and throws AnswerError.
+std::string renderSvg(const std::string& dot, std::chrono::seconds limit,
+                      const CancellationToken& cancellation);
 
 }
 

@@ -82,9 +82,11 @@ public:
         mText += (mText.empty() ? "" : " + ") + std::to_string(objects);
         mTaken += objects;
         if (mTaken > mExtent.objects) {
-            throw AnswerError("that is more than " + counted(mExtent.objects, "object") +
-                              "; level by level: " + mText +
-                              ". Draw less with --depth or from another DN, or raise --limit");
+            throw AnswerError(
+                "that is more than " + counted(mExtent.objects, "object") +
+                "; level by level: " + mText +
+                ". Draw less with --depth or from another DN, or raise --limit; --html "
+                "makes a page for many objects");
         }
     }
 
@@ -98,6 +100,7 @@ private:
 
 TreePicture PictureReader::read(const TreeExtent& extent) {
     mPicture = {};
+    mWantsValues = extent.wantsValues;
     mPicture.title = extent.dn.empty() ? "/" : extent.dn;
     Room room(extent);
     Level level = begin(extent);
@@ -196,18 +199,23 @@ PicturedObject PictureReader::readObject(const std::string& dn) const {
 void PictureReader::readReferences(const ClassDef& moc, PicturedObject& object) const {
     std::vector<std::string> names;
     for (const AttributeDef& attribute : moc.attributes) {
-        if (holdsReferences(attribute.type)) {
+        if (mWantsValues || holdsReferences(attribute.type)) {
             names.push_back(attribute.name);
         }
     }
     if (names.empty()) {
         return;
     }
-    for (const auto& [name, value] : mSession.client().get(mTxHandle, object.dn, names, &moc)) {
+    for (auto& [name, value] : mSession.client().get(mTxHandle, object.dn, names, &moc)) {
         const TypeDef& type = moc.findAttribute(name)->type;
-        addLinks(name, type, value, object.links);
+        if (holdsReferences(type)) {
+            addLinks(name, type, value, object.links);
+        }
         if (type.kind == ValueKind::MoRef) {
             object.references.emplace_back(name, referencesIn(value));
+        }
+        if (mWantsValues) {
+            object.values.emplace_back(name, std::move(value));
         }
     }
 }

@@ -19,9 +19,10 @@ struct ClassDef;
 
 /// The part of the tree that is wanted.
 struct TreeExtent {
-    std::string dn;        ///< external; empty: from the top level
-    std::uint64_t depth;   ///< levels below it
-    std::uint64_t objects; ///< the limit; as many again of those that are referred to
+    std::string dn;           ///< external; empty: from the top level
+    std::uint64_t depth;      ///< levels below it
+    std::uint64_t objects;    ///< the limit; as many again of those that are referred to
+    bool wantsValues = false; ///< the values of all attributes, not only references
 };
 
 /// Reads a part of the MO tree like a client, through the component's tables. One thread.
@@ -59,6 +60,7 @@ private:
     ClientSession& mSession;
     unsigned long mTxHandle;
     TreePicture mPicture;
+    bool mWantsValues = false;
 };
 
 }

@@ -5,6 +5,7 @@
 #define ORV_HOST_CLI_GRAPH_TREEPICTURE_H
 
 #include "audit/InstanceSource.h"
+#include "client/ReadValue.h"
 
 #include <cstddef>
 #include <optional>
@@ -28,6 +29,7 @@ struct PicturedObject {
     unsigned long long hiddenBelow = 0; ///< children that are not shown
     std::vector<NamedValue> references; ///< the reference attributes of the class
     std::vector<PicturedLink> links;    ///< the same and those in structs, value by value
+    std::vector<NamedReadValue> values; ///< all attributes, if they were wanted
 };
 
 /// A part of the MO tree to be drawn: what was read of it, all in one transaction. As a source for

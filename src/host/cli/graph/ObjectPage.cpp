@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ObjectPage.h"
+
+#include "cli/output/ValueJson.h"
+#include "graph/ObjectPageText.h"
+
+#include <string_view>
+
+namespace OrvHost {
+
+namespace {
+
+constexpr std::string_view kPlaceOfData = "ORV_DATA";
+
+JsonValue toJson(const PicturedObject& object, bool isOutside) {
+    JsonValue entry{{"dn", object.dn}};
+    if (object.parent) {
+        entry["parent"] = *object.parent;
+    }
+    if (object.hiddenBelow > 0) {
+        entry["below"] = object.hiddenBelow;
+    }
+    if (isOutside) {
+        entry["outside"] = true;
+    }
+    entry["values"] = OrvHost::toJson(object.values);
+    entry["links"] = JsonValue::array();
+    for (const PicturedLink& link : object.links) {
+        entry["links"].push_back({link.attribute, link.target});
+    }
+    return entry;
+}
+
+/// The document as it may stand in a script element: a "<" could end it, or begin a comment.
+std::string toScriptData(const JsonValue& document) {
+    std::string text;
+    for (const char letter : toLine(document)) {
+        if (letter == '<') {
+            text += "\\u003c";
+        } else {
+            text += letter;
+        }
+    }
+    return text;
+}
+
+}
+
+std::string objectPage(const TreePicture& picture, const ReferenceLines& lines,
+                       const std::vector<InstanceProblem>& violations) {
+    JsonValue document{{"title", picture.title}, {"unread", lines.unread()}};
+    document["objects"] = JsonValue::array();
+    for (const PicturedObject& object : picture.objects) {
+        document["objects"].push_back(toJson(object, false));
+    }
+    for (const PicturedObject& object : picture.outside) {
+        document["objects"].push_back(toJson(object, true));
+    }
+    document["violations"] = JsonValue::array();
+    for (const InstanceProblem& problem : violations) {
+        document["violations"].push_back(
+            {{"dn", problem.dn}, {"other", problem.otherDn}, {"text", problem.text}});
+    }
+    std::string page(kObjectPageText);
+    return page.replace(page.find(kPlaceOfData), kPlaceOfData.size(), toScriptData(document));
+}
+
+}
