@@ -4,7 +4,7 @@
 # What is installed: the component and the helper library; in one directory, the headers that an
 # interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
 # reference host also orvhost and the generator of data with their manual pages and completions, a
-# unit for systemd, and the models of the examples.
+# unit for systemd, and the models of the examples. src/validate installs orv-validate.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")

@@ -81,6 +81,7 @@ LAYERS = {
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in ROOMS.items()},
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in HOST_ROOMS.items()},
     CLIENT: [*BELOW_COMPONENT, *HOST_ROOMS],
+    "src/validate": [],
     **{
         room: [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *NETCONF_ROOMS[:at]]
         for at, room in enumerate(NETCONF_ROOMS)

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iostream>
 #include <stdexcept>
 
 namespace Scripted {
@@ -21,6 +22,22 @@ using TerminateFunction = void (*)();
 template <class Function>
 Function functionIn(const SharedObject& object, const char* name) {
     return reinterpret_cast<Function>(object.symbol(name));
+}
+
+// Those who read a failure without the sources want to know what the component did.
+void printJournalOfFailure(const Host& host) {
+    if (!testing::Test::HasFailure()) {
+        return;
+    }
+    std::cout << "The calls that the host got last, in their order:\n";
+    for (const std::string& call : host.calls()) {
+        std::cout << "  " << call << '\n';
+    }
+    std::cout << "The messages for the client:\n";
+    for (const std::string& message : host.messages()) {
+        std::cout << "  " << message << '\n';
+    }
+    std::cout.flush();
 }
 
 }
@@ -72,6 +89,7 @@ Host::Host() {
 }
 
 Host::~Host() {
+    printJournalOfFailure(*this);
     unload();
     Orv::Portal::instance()->detach();
     identity("", "");
