@@ -21,9 +21,12 @@ struct VekMgmtSpiThreadContext_2 {
     /// Slot 1. Adds a message for the client that the calling thread works for. The messages of one
     /// validation come in the order in which the client should read them.
     /// In:    \p text, never null, for people; it can be empty. DNs in it are internal. All texts
-    ///        stand in OrvAssociations.h, 7. \p kind is always 1: why the transaction is not valid.
+    ///        of the component stand in OrvAssociations.h, 7; an interceptor has its own, see
+    ///        Refusal.h. \p kind is always 1: why the transaction is not valid, or why an
+    ///        interceptor refuses.
     /// When:  started, within the resource's `validate`, on its thread. For unidirectional
-    ///        associations with the reference lock held.
+    ///        associations with the reference lock held. From an interceptor: within the attribute
+    ///        operation that it refuses, on the client's thread.
     /// Codes: OrvOk; any other means that the message was not taken. That is logged; the verdict
     ///        stays.
     OrvReturnT (*addMessage)(int kind, const char* text);

@@ -225,5 +225,40 @@ TEST(OrvhostCommandsTest, Interceptor_LoadedBeside_ServesItsAttributeAndPassesTh
     EXPECT_EQ(with.status, 0);
 }
 
+TEST(OrvhostCommandsTest, Interceptor_RefusesAValue_TheClientSeesWhy) {
+    const std::string shut = "ManagedElement=1,GNBDUFunction=1,NRCellDU=1";
+    for (const std::string version : {"3", "3_1"}) {
+        const auto result = runOrvhost({"-I",
+                                        EXAMPLES_DIR "/models",
+                                        "-m",
+                                        "ran-element",
+                                        "-m",
+                                        "ran-function",
+                                        "-m",
+                                        "ran-equipment",
+                                        "-d",
+                                        EXAMPLES_DIR "/data/harbour.json",
+                                        "--interface",
+                                        version,
+                                        "-C",
+                                        INTERCEPTOR_PATH,
+                                        "--keep-going",
+                                        "-c",
+                                        "begin",
+                                        "-c",
+                                        "set " + shut + " administrativeState=LOCKED",
+                                        "-c",
+                                        "set " + shut + " administrativeState=SHUTTINGDOWN",
+                                        "-c",
+                                        "get " + shut + " administrativeState",
+                                        "-c",
+                                        "abort"});
+        EXPECT_THAT(result.err,
+                    HasSubstr("host: a cell that is LOCKED has nothing to shut down: only one"))
+            << version;
+        EXPECT_THAT(result.out, HasSubstr("LOCKED\n")) << version;
+    }
+}
+
 }
 }

@@ -9,6 +9,7 @@
 
 #include <orv/ExtCmInterceptorRepository.h>
 #include <orv/OwnedResult.h>
+#include <orv/Refusal.h>
 
 #include <algorithm>
 #include <memory>
@@ -101,3 +102,42 @@ OrvReturnT CellStateInterceptor::getMoAttributes(unsigned long txHandle, const c
     return OrvOk;
 }
 // [/get-many]
+
+// [refuse]
+OrvReturnT CellStateInterceptor::judge(unsigned long txHandle, const char* dn, const char* attrName,
+                                       const OrvMoAttributeValueContainer_3* value) {
+    if (!isShutdown(attrName, value)) {
+        return OrvOk;
+    }
+    OrvMoAttributeValueResult_3 read = {nullptr, nullptr};
+    const OrvReturnT code = MoInterceptorBase::getMoAttribute(txHandle, dn, sourceAttribute, &read);
+    if (code != OrvOk) {
+        return code;
+    }
+    const Orv::OwnedResult<OrvMoAttributeValueResult_3> now(read);
+    if (!isLocked(now.get().container)) {
+        return OrvOk;
+    }
+    return Orv::refuse(OrvValidationFailed, "a cell that is LOCKED has nothing to shut down: only "
+                                            "one that is UNLOCKED can become SHUTTINGDOWN");
+}
+
+OrvReturnT CellStateInterceptor::setMoAttribute(unsigned long txHandle, const char* dn,
+                                                const char* attrName,
+                                                const OrvMoAttributeValueContainer_3* value) {
+    const OrvReturnT verdict = judge(txHandle, dn, attrName, value);
+    return verdict != OrvOk ? verdict
+                            : MoInterceptorBase::setMoAttribute(txHandle, dn, attrName, value);
+}
+
+OrvReturnT CellStateInterceptor::setMoAttributes(unsigned long txHandle, const char* dn,
+                                                 VekMoNamedAttributeValueContainer_3** attributes) {
+    for (auto** attribute = attributes; *attribute != nullptr; ++attribute) {
+        const OrvReturnT verdict = judge(txHandle, dn, (*attribute)->name, &(*attribute)->value);
+        if (verdict != OrvOk) {
+            return verdict;
+        }
+    }
+    return MoInterceptorBase::setMoAttributes(txHandle, dn, attributes);
+}
+// [/refuse]

@@ -22,6 +22,15 @@ bool isServed(const char* attrName) {
     return std::strcmp(attrName, servedAttribute) == 0;
 }
 
+bool isShutdown(const char* attrName, const OrvMoAttributeValueContainer_3* value) {
+    return std::strcmp(attrName, sourceAttribute) == 0 &&
+           std::strcmp(textOf(value), "SHUTTINGDOWN") == 0;
+}
+
+bool isLocked(const OrvMoAttributeValueContainer_3* administrative) {
+    return std::strcmp(textOf(administrative), locked) == 0;
+}
+
 const char* operationalState(const OrvMoAttributeValueContainer_3* administrative) {
-    return std::strcmp(textOf(administrative), locked) == 0 ? "DISABLED" : "ENABLED";
+    return isLocked(administrative) ? "DISABLED" : "ENABLED";
 }
