@@ -87,6 +87,17 @@ class Package:
         self.try_out(only(build, "libcell_state_interceptor.so"),
                      only(self.prefix, "libext_cm.so"))
         self.use_as_shown()
+        # The other example is a project of its own, too.
+        settings = [f"-DCMAKE_PREFIX_PATH={self.prefix}", *self.sanitizers()]
+        host = self.configure_and_build(self.examples / "embedding", *settings,
+                                        targets=("minimal_host",), folder="host")
+        run(only(host, "minimal_host"), only(self.prefix, "libext_cm.so"))
+
+    def sanitizers(self):
+        """What a program must bring for the libraries that it loads."""
+        if not self.options.sanitize:
+            return []
+        return [f"-DCMAKE_EXE_LINKER_FLAGS=-fsanitize={self.options.sanitize}"]
 
     def use_as_shown(self):
         """Builds with the lines of the pages what the examples are made of."""
@@ -96,9 +107,7 @@ class Package:
         sources = sorted(self.sample.glob("src/*.cpp"))
         (consumer / "my_interceptor.cpp").write_text(
             "".join(f'#include "{source}"\n' for source in sources))
-        settings = [f"-DCMAKE_PREFIX_PATH={self.prefix}"]
-        if self.options.sanitize:  # which a program must bring for the libraries that it loads
-            settings.append(f"-DCMAKE_EXE_LINKER_FLAGS=-fsanitize={self.options.sanitize}")
+        settings = [f"-DCMAKE_PREFIX_PATH={self.prefix}", *self.sanitizers()]
         build = self.configure_and_build(consumer, *settings,
                                          targets=("my_host", "my_interceptor"), folder="shown")
         component = only(self.prefix, "libext_cm.so")
