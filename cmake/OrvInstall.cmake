@@ -4,7 +4,15 @@
 # What is installed: the component and the helper library; in one directory, the headers that an
 # interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
 # reference host also orvhost and the generator of data with their manual pages and completions, a
-# unit for systemd, and the models of the examples. src/validate installs orv-validate.
+# unit for systemd, and the models and data of the examples. Then the pages and the examples to build.
+# src/validate installs orv-validate.
+#
+# The components are the packages that OrvPackages.cmake makes:
+#   runtime    the helper library
+#   component  libext_cm.so
+#   devel      headers, files of CMake and pkg-config, examples to build
+#   host       orvhost, the generator, and what they read
+#   docs       the pages
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvExtCm")
@@ -15,15 +23,17 @@ set_target_properties(orv_common ext_cm PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(orv_spi PROPERTIES EXPORT_NAME spi)
 set_target_properties(orv_templates PROPERTIES EXPORT_NAME templates)
 set_target_properties(orv_common PROPERTIES EXPORT_NAME common)
-install(TARGETS orv_spi orv_templates orv_common ext_cm
+install(TARGETS orv_spi orv_templates orv_common
   EXPORT OrvExtCmTargets
-  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT devel)
+install(TARGETS ext_cm
+  EXPORT OrvExtCmTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
 
 get_property(public_headers GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
-install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv")
+install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv" COMPONENT devel)
 
-install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}")
+install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}" COMPONENT devel)
 configure_package_config_file(
   "${CMAKE_CURRENT_LIST_DIR}/OrvExtCmConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/OrvExtCmConfig.cmake"
@@ -33,37 +43,56 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvExtCmConfigVersion.cm
 install(FILES
   "${PROJECT_BINARY_DIR}/OrvExtCmConfig.cmake"
   "${PROJECT_BINARY_DIR}/OrvExtCmConfigVersion.cmake"
-  DESTINATION "${package_dir}")
+  DESTINATION "${package_dir}" COMPONENT devel)
 
-# The .pc file finds its prefix relative to its own place.
+# The .pc files find their prefix relative to their own place. Poco has none of its own.
 file(RELATIVE_PATH pc_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
-configure_file("${CMAKE_CURRENT_LIST_DIR}/orv_ext_cm.pc.in"
-  "${PROJECT_BINARY_DIR}/orv_ext_cm.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/orv_ext_cm.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+foreach(pc IN ITEMS orv_common orv_ext_cm)
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/${pc}.pc.in" "${PROJECT_BINARY_DIR}/${pc}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${pc}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT devel)
+endforeach()
+foreach(example IN ITEMS interceptor embedding)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/${example}"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples" COMPONENT devel)
+endforeach()
+
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT docs)
+# A package of Debian has its copyright file in place of this one.
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT docs)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT docs
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "abi" EXCLUDE)
 
 if(TARGET orvhost)
   file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(orvhost orv-ran-generate PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-  install(TARGETS orvhost orv-ran-generate RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  install(TARGETS orvhost orv-ran-generate
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT host)
   install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.1"
     "${PROJECT_SOURCE_DIR}/examples/generator/orv-ran-generate.1"
-    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT host)
   install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.bash"
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME orvhost)
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME orvhost COMPONENT host)
   install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/_orvhost"
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions" COMPONENT host)
   install(FILES "${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.fish"
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" COMPONENT host)
   if(ORV_NETCONF)
     configure_file("${PROJECT_SOURCE_DIR}/src/host/cli/install/orvhost.service.in"
       "${PROJECT_BINARY_DIR}/orvhost.service" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/orvhost.service" DESTINATION lib/systemd/system)
+    install(FILES "${PROJECT_BINARY_DIR}/orvhost.service" DESTINATION lib/systemd/system
+      COMPONENT host)
   endif()
   foreach(directory IN ITEMS examples/models src/host/yang/modules)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/${directory}/" DESTINATION "${data_dir}/models"
+      COMPONENT host
       FILES_MATCHING PATTERN "*.yang")
+  endforeach()
+  foreach(directory IN ITEMS data scenarios)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/${directory}" DESTINATION "${data_dir}"
+      COMPONENT host)
   endforeach()
 endif()
