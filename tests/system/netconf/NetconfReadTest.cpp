@@ -188,10 +188,36 @@ TEST_F(NetconfReadTest, NetconfState_ShowsSessionsWithTheirCounts) {
     monitor.sessionEnds(1, false);
     monitor.badHello();
     EXPECT_THAT(get(state + "<statistics/><sessions/></netconf-state>"),
-                AllOf(HasSubstr("<in-bad-hellos>1</in-bad-hellos><in-sessions>2</in-sessions>"
+                AllOf(HasSubstr("<in-bad-hellos>1</in-bad-hellos><in-sessions>3</in-sessions>"
                                 "<dropped-sessions>1</dropped-sessions><in-rpcs>5</in-rpcs>"),
                       Not(HasSubstr("username"))))
         << "what sessions did that have ended still counts";
+}
+
+TEST_F(NetconfReadTest, SubtreeFilter_TwoElementsForOneContainer_BothCount) {
+    const std::string state =
+        R"(<netconf-state xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring">)";
+    const std::string both = get(state + "<statistics><in-sessions/></statistics></netconf-state>" +
+                                 state + "<statistics><in-rpcs/></statistics></netconf-state>");
+    EXPECT_THAT(both, AllOf(HasSubstr("<in-sessions>"), HasSubstr("<in-rpcs>"),
+                            Not(HasSubstr("<in-bad-hellos>"))));
+}
+
+TEST_F(NetconfReadTest, SubtreeFilter_MatchesIdentities) {
+    Monitor& monitor = dispatcher.monitor();
+    monitor.sessionBegins(alice, Transport::Ssh);
+    monitor.sessionBegins(bob, Transport::UnixSocket);
+    for (const std::string transport :
+         {"<transport>netconf-ssh</transport>",
+          R"(<transport xmlns:x="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring">)"
+          "x:netconf-ssh</transport>"}) {
+        EXPECT_THAT(
+            get(R"(<netconf-state xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring">)"
+                "<sessions><session>" +
+                transport + "</session></sessions></netconf-state>"),
+            AllOf(HasSubstr("alice"), Not(HasSubstr("bob"))))
+            << transport;
+    }
 }
 
 TEST_F(NetconfReadTest, NetconfState_ShowsLocks) {

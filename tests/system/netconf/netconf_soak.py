@@ -82,6 +82,8 @@ class Actor(threading.Thread):
                 if time.monotonic() >= self.end:
                     break
                 self.act(session)
+        except TimeoutError:
+            raise  # a server that does not answer
         except (EOFError, OSError):
             # A killed session ends without an answer.
             self.tally.count("session lost")

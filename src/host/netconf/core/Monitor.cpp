@@ -75,6 +75,7 @@ void Monitor::sessionEnds(std::uint32_t session, bool isDropped) {
 void Monitor::badHello() {
     const std::lock_guard<std::mutex> lock(mMutex);
     ++mBadHellos;
+    ++mAllSessions; // which began, too, though not well
 }
 
 std::string Monitor::toXml() const {
