@@ -120,9 +120,6 @@ private:
     /// Runs \p work while no other thread does such a thing.
     template <class Turn>
     void inTurn(std::unique_lock<std::mutex>& lock, const Turn& work);
-    /// The same as soon as there is no such thread. Throws what \p work throws.
-    template <class Turn>
-    void inNextTurn(const Turn& work);
 
     const Model& mModel;
     CommitFeed& mFeed;

@@ -114,9 +114,10 @@ std::shared_ptr<CommittedState> MoStore::state() const {
     return mState;
 }
 
+// The former state may go with its last owner, which takes long: not under the lock.
 void MoStore::use(std::shared_ptr<CommittedState> state) {
     const std::lock_guard<std::mutex> guard(mMutex);
-    mState = std::move(state);
+    mState.swap(state);
 }
 
 void MoStore::attach(CommitLog& log, std::string host) {

@@ -66,8 +66,8 @@ public:
     /// has committed, and what the log throws; with OrvHostStoreUnavailable if the log holds
     /// something else than objects of the model. The store is then as before.
     void attach(CommitLog& log, std::string host = {});
-    /// Applies what other stores have appended to the log. Throws HostError with OrvHostWrongState
-    /// without a log, LogUnavailable or LogDiverged.
+    /// Applies what other stores have appended to the log. Throws HostError: OrvHostWrongState
+    /// without a log, OrvHostStoreUnavailable if the log cannot be asked or has diverged.
     void catchUp();
     /// Waits until the commit with that number, of any host, can be read. Throws HostError with
     /// OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp.
@@ -79,8 +79,9 @@ public:
     void setFresh() { mIsFresh = true; }
     /// Takes the objects that the log holds now in the place of all others: the way out of a fault.
     /// Transactions that are open go on reading what they have read, and cannot be committed any
-    /// more if they have written (OrvHostWriteConflict); commits wait meanwhile. Watchers do not
-    /// hear of what differs. Throws as attach; OrvHostWrongState without a log.
+    /// more if they have written (OrvHostWriteConflict); commits, and begin if setFresh was called,
+    /// wait meanwhile. Watchers do not hear of what differs. Throws as attach; OrvHostWrongState
+    /// without a log.
     void reload();
     /// How many commits wait for their turn to go into the log.
     std::size_t commitsWaiting() const { return mLog ? mLog->waiting() : 0; }

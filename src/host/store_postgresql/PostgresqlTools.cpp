@@ -60,19 +60,35 @@ void moveFirst(PostgresqlConnection& connection, CommitNumber first) {
     }
 }
 
+/// Where a portion of entries ends that begins at \p from: the server deletes it well within the
+/// time that an answer may take, however large entries are.
+CommitNumber endOfPortion(PostgresqlConnection& connection, CommitNumber from, CommitNumber last) {
+    constexpr CommitNumber kMostEntries = 10'000;
+    constexpr CommitNumber kMostBytes = 64 << 20;
+    const CommitNumber end = std::min(from + kMostEntries, last);
+    const CommitNumber tooLarge =
+        connection
+            .run("SELECT coalesce(min(pos), $2)::bigint FROM (SELECT pos, "
+                 "sum(octet_length(change)) OVER (ORDER BY pos) AS bytes FROM log "
+                 "WHERE pos >= $1 AND pos < $2) AS sums WHERE bytes > $3",
+                 PostgresqlParameters().number(from).number(end).number(kMostBytes))
+            .number(0, 0);
+    return std::max(tooLarge, from + 1);
+}
+
 // Nobody reads entries before the first one, so nothing is locked. What an earlier call has left is
 // among them.
 std::uint64_t deleteBefore(PostgresqlConnection& connection, CommitNumber first) {
-    constexpr CommitNumber kPortion = 10'000;
     std::uint64_t deleted = 0;
     CommitNumber from =
         connection.run("SELECT coalesce(min(pos), 0)::bigint FROM log").number(0, 0);
-    for (; from < first; from += kPortion) {
-        deleted +=
-            connection
-                .run("DELETE FROM log WHERE pos >= $1 AND pos < $2",
-                     PostgresqlParameters().number(from).number(std::min(from + kPortion, first)))
-                .changed();
+    while (from < first) {
+        const CommitNumber end = endOfPortion(connection, from, first);
+        deleted += connection
+                       .run("DELETE FROM log WHERE pos >= $1 AND pos < $2",
+                            PostgresqlParameters().number(from).number(end))
+                       .changed();
+        from = end;
     }
     return deleted;
 }
