@@ -74,7 +74,7 @@ try_out
 
 title "remove and purge"
 apt-get remove -y "${names[@]}" >/dev/null 2>&1
-apt-get purge -y "${names[@]}" >/dev/null 2>&1
+dpkg --purge "${names[@]}" >/dev/null 2>&1 # a package without settings is gone already, and apt knows it no more
 list_files >/tmp/after
 diff /tmp/before /tmp/after
 if ldconfig -p | grep -E 'liborv_common|libext_cm'; then
