@@ -132,6 +132,9 @@ TEST(OrvhostGraphTest, Json_IsOneDocumentWithNumbersAndText) {
 TEST(OrvhostGraphTest, TooManyObjects_AreRefusedWithTheirNumbers) {
     EXPECT_THAT(errorOf("graph --limit 4", 1),
                 HasSubstr("more than 4 objects; level by level: 1 + 5. Draw less with --depth"));
+    EXPECT_THAT(errorOf("graph --limit 4", 1), HasSubstr("--html makes a page"));
+    EXPECT_THAT(errorOf("graph --html --limit 4", 1),
+                AllOf(HasSubstr("or raise --limit"), Not(HasSubstr("--html"))));
     EXPECT_THAT(errorOf("graph --classes --limit 2", 1), HasSubstr("there are 5 classes"));
 }
 
@@ -143,6 +146,12 @@ TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph -o x.png", 2), HasSubstr("x.png: the picture is SVG"));
     EXPECT_THAT(errorOf("graph --html -o x.png", 2),
                 HasSubstr("x.png: the picture is HTML; a name ending in .html was expected"));
+    EXPECT_THAT(errorOf("graph -o x.html", 2),
+                HasSubstr("x.html: the picture is SVG; a name ending in .svg was expected"));
+    EXPECT_THAT(errorOf("graph --html -o x.svg", 2),
+                HasSubstr("x.svg: the picture is HTML; a name ending in .html was expected"));
+    EXPECT_THAT(errorOf("graph --dot -o x.svg", 2),
+                HasSubstr("x.svg: the picture is DOT; a name ending in .dot was expected"));
     EXPECT_THAT(errorOf("graph --html --classes", 2), HasSubstr("cannot be combined"));
     EXPECT_THAT(errorOf("graph / more", 2), HasSubstr("one word too many"));
     EXPECT_THAT(errorOf("graph -o no/such/directory/x.svg", 1),
@@ -164,6 +173,9 @@ TEST(OrvhostGraphTest, DotTakesTooLong_IsEndedAndReportedWithAWorkaround) {
     EXPECT_THAT(errorOf("graph --layout-time 1", 1),
                 AllOf(HasSubstr("dot has not finished after 1 second. Draw less"),
                       HasSubstr("raise --layout-time"), HasSubstr("--html")));
+    EXPECT_THAT(errorOf("graph --classes --layout-time 1", 1),
+                AllOf(HasSubstr("or from a class, or raise --layout-time"),
+                      Not(HasSubstr("--html")), Not(HasSubstr("DN"))));
 }
 
 // What the page does stands in object_page.py, which looks at it with a browser.

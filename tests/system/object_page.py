@@ -18,6 +18,10 @@ import subprocess
 import sys
 import tempfile
 
+EQUIPMENT = "ManagedElement=Harbour,Equipment=1"
+CROWDED = EQUIPMENT + ",AntennaUnit=3"   # many objects below
+QUOTED = 'say "hi" to C:\\temp'
+GREATEST = "18446744073709551615"   # a browser would round it
 ODD = "a<b>&\"'</script><script>document.title='broken'</script>"
 
 
@@ -129,20 +133,32 @@ def expect(what, fact):
         raise AssertionError(what)
 
 
-def make_page(orvhost, root, page):
-    """The example network, with an odd text and a violation."""
-    equipment = "ManagedElement=Harbour,Equipment=1"
+def escaped(text):
+    return "".join("\\" + c for c in text)
+
+
+def make_pages(orvhost, root, page, part_page):
+    """The example network with some more, with odd texts and a violation. First a page of a part of
+    it, without these."""
+    data = json.loads((root / "examples/data/harbour.json").read_text())
+    element = data["ran-element:ManagedElement"][0]
+    element["uptime"] = GREATEST
+    element["ran-equipment:Equipment"][0]["AntennaUnit"].append(
+        {"antennaUnitId": "3", "Antenna": [{"antennaId": str(n)} for n in range(1, 451)]})
+    network = page.with_suffix(".json")
+    network.write_text(json.dumps(data))
     subprocess.run(
         [orvhost, "--project", "", "-I", root / "examples/models", "-m", "ran-element",
-         "-m", "ran-equipment", "-m", "ran-function", "-d", root / "examples/data/harbour.json",
-         "--me-id", "Harbour", "-c", "begin",
-         "-c", f"set {equipment},RadioUnit=1 userLabel=" + "".join("\\" + c for c in ODD),
-         "-c", f"set {equipment},RadioUnit=1 antennaRef={equipment},AntennaUnit=9,Antenna=1",
+         "-m", "ran-equipment", "-m", "ran-function", "-d", network,
+         "--me-id", "Harbour", "-c", f"graph {EQUIPMENT},AntennaUnit=1 --html -o {part_page}",
+         "-c", "begin", "-c", f"set {EQUIPMENT},RadioUnit=1 userLabel=" + escaped(ODD),
+         "-c", f"set {EQUIPMENT},RadioUnit=2 userLabel=" + escaped(QUOTED),
+         "-c", f"set {EQUIPMENT},RadioUnit=1 antennaRef={EQUIPMENT},AntennaUnit=9,Antenna=1",
          "-c", f"graph --html -o {page}"], check=True, stdout=subprocess.DEVNULL)
 
 
 def test(browser, page):
-    equipment = "ManagedElement=Harbour,Equipment=1"
+    equipment = EQUIPMENT
     unit = equipment + ",RadioUnit=1"
     browser.open(page)
     expect("the title", browser.value("document.title") == "/")
@@ -159,6 +175,8 @@ def test(browser, page):
     expect("found by name", unit in tree_texts(browser) and equipment not in tree_texts(browser))
     browser.search("document.title=")
     expect("found by value", tree_texts(browser) == [unit])
+    browser.search(QUOTED)
+    expect("quotes and backslashes are found", tree_texts(browser) == [equipment + ",RadioUnit=2"])
     browser.search("nothing has this")
     expect("not found", tree_texts(browser) == [] and "0 found" in part(browser, "#tree"))
 
@@ -175,6 +193,11 @@ def test(browser, page):
         "getComputedStyle(document.querySelector('#object .violation')).color")
         == "rgb(208, 0, 0)")
 
+    browser.search(GREATEST)
+    browser.click(by_dn("ManagedElement=Harbour"))
+    shown = part(browser, "#object")
+    expect("a great number is shown to the last digit: " + shown, GREATEST in shown)
+
     # Both ways: from an object to what it names, and back.
     browser.search("")
     browser.value("choose(objects.findIndex(o => o.links.some(l => byDn.has(l[1]))))")
@@ -188,10 +211,51 @@ def test(browser, page):
     browser.click(back)
     expect("and back", part(browser, "#object h1") == start)
 
-    browser.click("document.getElementById('wrong')")
-    expect("violations only", unit in tree_texts(browser))
+    wrong = "document.getElementById('wrong')"
+    wrong_objects = browser.value("objects.map(o => o.dn).filter(dn => problems.has(dn))")
+    expect(f"some are wrong: {wrong_objects}", unit in wrong_objects)
+    expect("before, others are shown", tree_texts(browser) != wrong_objects)
+    browser.click(wrong)
+    expect("violations only", tree_texts(browser) == wrong_objects)
+    browser.click(by_dn(unit))
+    expect("the violations stay", tree_texts(browser) == wrong_objects)
+    browser.click(wrong)
+    expect("the tree again", CROWDED in tree_texts(browser))
+    browser.click(wrong)
+    browser.search("RadioUnit=2")
+    expect("a search ends the list", equipment + ",RadioUnit=2" in tree_texts(browser))
+
+    # More entries than a list shows at once.
+    browser.search("")
+    many = [f"{CROWDED},Antenna={number}" for number in range(1, 451)]
+    more = "[...document.querySelectorAll('#tree .link')].find(b => / more$/.test(b.textContent))"
+    browser.click(by_dn(CROWDED) + ".previousElementSibling")
+    listed = [dn for dn in tree_texts(browser) if dn in many]
+    order = browser.value(f"children[byDn.get('{CROWDED}')].map(index => objects[index].dn)")
+    expect("all are there", sorted(order) == sorted(many))
+    expect("only the first", listed == order[:200])
+    browser.click(more)
+    browser.click(by_dn(order[300]))
+    expect("chosen", part(browser, "#object h1") == order[300])
+    listed = [dn for dn in tree_texts(browser) if dn in many]
+    expect("the chosen one is still shown", listed == order[:200] + order[300:])
+    expect("and marked", browser.value("document.querySelector('#tree .chosen').dataset.dn")
+           == order[300])
+    browser.click(more)
+    listed = [dn for dn in tree_texts(browser) if dn in many]
+    expect("those between come where they belong", listed == order)
     expect(f"nothing else is loaded: {browser.requests}",
            browser.requests == [pathlib.Path(page).resolve().as_uri()])
+
+
+def test_part(browser, page):
+    unit = EQUIPMENT + ",RadioUnit=1"
+    browser.open(page)
+    browser.click(by_dn(unit))
+    shown = part(browser, "#object")
+    expect("nothing is claimed of what was not read: " + shown,
+           EQUIPMENT + ",Sector=1 (not on this page)" in shown)
+    expect("nothing is missing: " + shown, "is not there" not in shown)
 
 
 def main():
@@ -204,8 +268,10 @@ def main():
                 browser.screenshot(sys.argv[4])
             else:
                 page = pathlib.Path(folder) / "page.html"
-                make_page(orvhost, root, page)
+                part_page = pathlib.Path(folder) / "part.html"
+                make_pages(orvhost, root, page, part_page)
                 test(browser, page)
+                test_part(browser, part_page)
         finally:
             browser.close()
 

@@ -21,8 +21,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <optional>
-#include <set>
 
 namespace OrvHost {
 
@@ -65,15 +65,24 @@ GraphOptions parse(Words& words, const Model& model) {
     return options;
 }
 
+const char* formOf(const GraphOptions& options) {
+    return options.wantsPage ? "html" : (options.wantsDot ? "dot" : "svg");
+}
+
 /// A name that promises another kind of picture is rather a mistake.
 void requireFittingName(const GraphOptions& options) {
-    static const std::set<std::string> others{".png", ".jpg", ".jpeg", ".gif", ".pdf", ".ps"};
-    const std::string kind = options.wantsPage ? "HTML" : "SVG";
-    const std::string expected = options.wantsPage ? ".html" : ".svg";
-    const std::string ending = std::filesystem::path(options.file.value_or("")).extension();
-    if (others.count(ending) > 0) {
-        throw UsageError(*options.file + ": the picture is " + kind + "; a name ending in " +
-                         expected + " was expected");
+    // What the ending of a name promises; empty: nothing that is made here.
+    static const std::map<std::string, std::string> forms{
+        {".png", ""},    {".jpg", ""},    {".jpeg", ""},     {".gif", ""},
+        {".pdf", ""},    {".ps", ""},     {".html", "html"}, {".htm", "html"},
+        {".svg", "svg"}, {".dot", "dot"}, {".gv", "dot"}};
+    static const std::map<std::string, std::string> kinds{
+        {"html", "HTML"}, {"dot", "DOT"}, {"svg", "SVG"}};
+    const std::string form = formOf(options);
+    const auto promised = forms.find(std::filesystem::path(options.file.value_or("")).extension());
+    if (promised != forms.end() && promised->second != form) {
+        throw UsageError(*options.file + ": the picture is " + kinds.at(form) +
+                         "; a name ending in ." + form + " was expected");
     }
 }
 
@@ -139,13 +148,14 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
 }
 
 // The program that draws would go on after a signal that ends this one.
-std::string render(Session& session, const std::string& dot, std::chrono::seconds limit) {
+std::string render(Session& session, const std::string& dot, const GraphOptions& options) {
+    const std::string advice =
+        options.wantsClasses
+            ? "Draw less with --depth or from a class, or raise --layout-time"
+            : "Draw less with --depth or from another DN, or raise --layout-time; --html makes a "
+              "page for many objects";
     const TerminationGuard guard(session.cancellation());
-    return renderSvg(dot, limit, session.cancellation());
-}
-
-const char* formOf(const GraphOptions& options) {
-    return options.wantsPage ? "html" : (options.wantsDot ? "dot" : "svg");
+    return renderSvg(dot, options.timeout, advice, session.cancellation());
 }
 
 void print(Session& session, const GraphOptions& options, const Drawing& drawing,
@@ -177,7 +187,7 @@ void runGraph(Session& session, Words words) {
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
     const bool isDone = options.wantsPage || options.wantsDot;
     print(session, options, drawing,
-          isDone ? drawing.text : render(session, drawing.text, options.timeout));
+          isDone ? drawing.text : render(session, drawing.text, options));
 }
 
 }

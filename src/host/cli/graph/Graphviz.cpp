@@ -156,7 +156,7 @@ void end(pid_t child) {
 }
 
 /// Why the child failed, for people; empty if it succeeded.
-std::string waitFor(pid_t child, std::chrono::seconds limit,
+std::string waitFor(pid_t child, std::chrono::seconds limit, const std::string& advice,
                     const CancellationToken& cancellation) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const std::optional<int> ended = statusUntil(child, [&] {
@@ -165,9 +165,8 @@ std::string waitFor(pid_t child, std::chrono::seconds limit,
     if (!ended) {
         end(child);
         cancellation.throwIfCancelled();
-        throw AnswerError("dot has not finished after " + counted(limit.count(), "second") +
-                          ". Draw less with --depth or from another DN, or raise --layout-time; "
-                          "--html makes a page for many objects");
+        throw AnswerError("dot has not finished after " + counted(limit.count(), "second") + ". " +
+                          advice);
     }
     const int status = *ended;
     if (WIFSIGNALED(status)) {
@@ -179,14 +178,14 @@ std::string waitFor(pid_t child, std::chrono::seconds limit,
 
 }
 
-std::string renderSvg(const std::string& dot, std::chrono::seconds limit,
+std::string renderSvg(const std::string& dot, std::chrono::seconds limit, const std::string& advice,
                       const CancellationToken& cancellation) {
     ScratchFile in;
     ScratchFile out;
     ScratchFile err;
     in.write(dot);
     cancellation.throwIfCancelled();
-    const std::string failure = waitFor(startDot({in, out, err}), limit, cancellation);
+    const std::string failure = waitFor(startDot({in, out, err}), limit, advice, cancellation);
     cancellation.throwIfCancelled();
     std::string svg = out.read();
     if (!failure.empty() || svg.empty()) {

@@ -16,8 +16,8 @@ namespace OrvHost {
 /// Waits until it has ended. If \p cancellation is cancelled, before or meanwhile, ends it and
 /// throws CancelledError. Signals of the terminal, such as Ctrl-C, do not reach it: at Ctrl-C, it
 /// would draw a part of the picture, and report success. If it has not ended after \p limit, ends
-/// it and throws AnswerError.
-std::string renderSvg(const std::string& dot, std::chrono::seconds limit,
+/// it and throws AnswerError, whose text ends with \p advice: what the user can do then.
+std::string renderSvg(const std::string& dot, std::chrono::seconds limit, const std::string& advice,
                       const CancellationToken& cancellation);
 
 }

@@ -6,13 +6,33 @@
 #include "cli/output/ValueJson.h"
 #include "graph/ObjectPageText.h"
 
+#include <cstdint>
 #include <string_view>
+#include <utility>
 
 namespace OrvHost {
 
 namespace {
 
 constexpr std::string_view kPlaceOfData = "ORV_DATA";
+
+constexpr std::int64_t kMostExact = (std::int64_t(1) << 53) - 1;
+
+/// The same with texts for the integers that a browser would round.
+JsonValue withExactNumbers(JsonValue value) {
+    if (value.is_structured()) {
+        for (JsonValue& inner : value) {
+            inner = withExactNumbers(std::move(inner));
+        }
+        return value;
+    }
+    const bool isExact =
+        !value.is_number_integer() ||
+        (value.is_number_unsigned()
+             ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(kMostExact)
+             : value.get<std::int64_t>() >= -kMostExact && value.get<std::int64_t>() <= kMostExact);
+    return isExact ? value : JsonValue(value.dump());
+}
 
 JsonValue toJson(const PicturedObject& object, bool isOutside) {
     JsonValue entry{{"dn", object.dn}};
@@ -25,7 +45,7 @@ JsonValue toJson(const PicturedObject& object, bool isOutside) {
     if (isOutside) {
         entry["outside"] = true;
     }
-    entry["values"] = OrvHost::toJson(object.values);
+    entry["values"] = withExactNumbers(OrvHost::toJson(object.values));
     entry["links"] = JsonValue::array();
     for (const PicturedLink& link : object.links) {
         entry["links"].push_back({link.attribute, link.target});

@@ -73,7 +73,10 @@ AttributeValue referencesIn(const ReadValue& value) {
 /// Counts objects level by level, and throws if there are too many.
 class Room {
 public:
-    explicit Room(const TreeExtent& extent) : mExtent(extent) {}
+    explicit Room(const TreeExtent& extent)
+        : mExtent(extent),
+          // Only the page is read with values.
+          mMoreAdvice(extent.wantsValues ? "" : "; --html makes a page for many objects") {}
 
     void take(std::uint64_t objects) {
         if (objects == 0) {
@@ -82,16 +85,16 @@ public:
         mText += (mText.empty() ? "" : " + ") + std::to_string(objects);
         mTaken += objects;
         if (mTaken > mExtent.objects) {
-            throw AnswerError(
-                "that is more than " + counted(mExtent.objects, "object") +
-                "; level by level: " + mText +
-                ". Draw less with --depth or from another DN, or raise --limit; --html "
-                "makes a page for many objects");
+            throw AnswerError("that is more than " + counted(mExtent.objects, "object") +
+                              "; level by level: " + mText +
+                              ". Draw less with --depth or from another DN, or raise --limit" +
+                              mMoreAdvice);
         }
     }
 
 private:
     const TreeExtent& mExtent;
+    std::string mMoreAdvice;
     std::string mText;
     std::uint64_t mTaken = 0;
 };
