@@ -51,9 +51,14 @@ pid_t spawn(const std::vector<std::string>& arguments, int output) {
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
+    // A group of its own, so that what a component forks can be ended with it.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     pid_t child = 0;
-    const int code = posix_spawn(&child, arguments.front().c_str(), &actions, nullptr,
+    const int code = posix_spawn(&child, arguments.front().c_str(), &actions, &attributes,
                                  argumentPointers(arguments).data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (code != 0) {
         failWith(code, arguments.front());
@@ -61,24 +66,26 @@ pid_t spawn(const std::vector<std::string>& arguments, int output) {
     return child;
 }
 
-// False if there is nothing to read at the deadline.
+// False at the deadline, or if there is nothing to read by then.
 bool waitForInput(int descriptor, Clock::time_point deadline) {
     for (;;) {
         const auto rest =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        if (rest.count() <= 0) {
+            return false;
+        }
         pollfd waiting{descriptor, POLLIN, 0};
         const int wait = static_cast<int>(std::clamp<long>(rest.count(), 0, 60000));
         if (poll(&waiting, 1, wait) > 0) {
             return true;
         }
-        if (Clock::now() >= deadline) {
-            return false;
-        }
     }
 }
 
 // False if the writer has not closed its end before the deadline.
+// Of an endless output the beginning is kept.
 bool readAll(int descriptor, Clock::time_point deadline, std::string& text) {
+    constexpr std::size_t kMostText = 256 * 1024;
     char buffer[4096];
     while (waitForInput(descriptor, deadline)) {
         const ssize_t count = read(descriptor, buffer, sizeof buffer);
@@ -86,7 +93,7 @@ bool readAll(int descriptor, Clock::time_point deadline, std::string& text) {
             return true;
         }
         if (count > 0) {
-            text.append(buffer, static_cast<std::size_t>(count));
+            text.append(buffer, std::min(static_cast<std::size_t>(count), kMostText - text.size()));
         } else if (errno != EINTR) {
             failWith(errno, "read");
         }
@@ -137,7 +144,7 @@ ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::second
     end.isInTime =
         readAll(reader.number(), deadline, end.output) && waitForEnd(child, deadline, end.status);
     if (!end.isInTime) {
-        kill(child, SIGKILL);
+        kill(-child, SIGKILL);
         while (waitpid(child, &end.status, 0) < 0 && errno == EINTR) {
         }
     }

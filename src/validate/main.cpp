@@ -17,7 +17,10 @@
 #include <fstream>
 #include <iostream>
 #include <mutex>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -35,7 +38,7 @@ struct Options {
     std::vector<std::string> filters;
     bool isList = false;
     bool isInProcess = false;
-    int seconds = 120;
+    int seconds = 30;
     int jobs = 0; ///< 0: one for each processor
 };
 
@@ -54,7 +57,7 @@ void declare(CLI::App& app, Options& options) {
     app.add_flag("--list", options.isList, "print the names of the cases and run none");
     app.add_flag("--in-process", options.isInProcess,
                  "run the cases in this process, for a debugger");
-    app.add_option("--timeout", options.seconds, "seconds for each case; default 120")
+    app.add_option("--timeout", options.seconds, "seconds for each case; default 30")
         ->check(CLI::Range(1, 86400))
         ->type_name("SECONDS");
     app.add_option("-j,--jobs", options.jobs,
@@ -100,16 +103,25 @@ std::vector<Finding> runAll(const std::vector<Case>& cases, const Options& optio
     return findings;
 }
 
+// What somebody has set for tests of their own must not change these cases.
+void clearTestVariables() {
+    std::vector<std::string> names;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        const std::string_view text(*variable);
+        if (text.starts_with("GTEST_") || text.starts_with("GMOCK_")) {
+            names.emplace_back(text.substr(0, text.find('=')));
+        }
+    }
+    for (const std::string& name : names) {
+        unsetenv(name.c_str()); // NOLINT(concurrency-mt-unsafe): no other thread runs yet
+    }
+}
+
 // The programs with the cases read these.
 void setEnvironment(const std::string& library, const CaseFiles& files) {
     // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs yet
-    setenv("ORV_COMPONENT_LIBRARY", std::filesystem::absolute(library).c_str(), 1);
+    setenv("ORV_COMPONENT_LIBRARY", library.c_str(), 1);
     setenv("ORV_COMPONENT_PROBE", files.probe.c_str(), 1);
-    // What somebody has set for tests of their own must not change these.
-    for (const char* name : {"GTEST_BRIEF", "GTEST_OUTPUT", "GTEST_TOTAL_SHARDS", "GTEST_REPEAT",
-                             "GTEST_SHARD_INDEX", "GTEST_SHUFFLE", "GTEST_PRINT_TIME"}) {
-        unsetenv(name);
-    }
     // NOLINTEND(concurrency-mt-unsafe)
 }
 
@@ -134,6 +146,7 @@ bool areOfOneProgram(const std::vector<Case>& cases) {
 }
 
 int run(const Options& options) {
+    clearTestVariables();
     const CaseFiles files = findCaseFiles();
     const std::vector<Case> cases = listCases(files, options.filters);
     if (cases.empty()) {
@@ -148,11 +161,13 @@ int run(const Options& options) {
     if (options.library.empty()) {
         return complain(kUsage, "which component? Expected: orv-validate [OPTIONS] FILE");
     }
-    const std::string problem = whyNotLoadable(options.library);
+    // A name without a directory would be looked for where libraries are installed.
+    const std::string library = std::filesystem::absolute(options.library);
+    const std::string problem = whyNotLoadable(library);
     if (!problem.empty()) {
         return complain(kNotLoadable, options.library + ": " + problem);
     }
-    setEnvironment(options.library, files);
+    setEnvironment(library, files);
     if (!options.isInProcess) {
         return report(runAll(cases, options), options);
     }

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A component that can be loaded and is broken on purpose: its start crashes, hangs, or ends the
-// process as if all were well.
+// A component that can be loaded and is broken on purpose: its start crashes, hangs, ends the
+// process as if all were well, or writes without end.
 
+#include <cstdio>
 #include <cstdlib>
 
 #include <unistd.h>
@@ -17,6 +18,10 @@ extern "C" int orvLCMinit(void*, const char*) {
     }
 #elif defined(INIT_ENDS)
     _exit(0);
+#elif defined(INIT_TALKS)
+    for (;;) {
+        puts("and another thing");
+    }
 #endif
 }
 

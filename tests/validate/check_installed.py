@@ -26,8 +26,10 @@ def main():
             shutil.copy(path, os.path.join(prefix, libdir), follow_symlinks=False)
         shipped = shutil.copy(library, os.path.join(prefix, "shipped.so"))
         filters = [word for case in CASES for word in ("--filter", case)]
-        done = subprocess.run([os.path.join(prefix, "bin", "orv-validate"), shipped, *filters],
-                              capture_output=True, text=True, cwd="/", check=False)
+        # A name without a directory is a file here, and not a library of the system.
+        done = subprocess.run([os.path.join(prefix, "bin", "orv-validate"),
+                               os.path.basename(shipped), *filters],
+                              capture_output=True, text=True, cwd=prefix, check=False)
         print(done.stdout + done.stderr)
         used = subprocess.run(["ldd", os.path.join(prefix, "libexec/orv-validate/component_test")],
                               capture_output=True, text=True, check=True).stdout

@@ -4,7 +4,7 @@
 
 """Checks orv-validate: its exit codes, its reports, and what it says of broken shared objects.
 
-usage: check_validate.py ORV_VALIDATE LIBEXT_CM LIBORV_COMMON INIT_CRASHES INIT_HANGS INIT_ENDS
+usage: check_validate.py ORV_VALIDATE LIBEXT_CM LIBORV_COMMON INIT_CRASHES INIT_HANGS INIT_ENDS INIT_TALKS
 """
 import os
 import subprocess
@@ -51,17 +51,22 @@ def check_reports(checks, library, folder):
     suite = ElementTree.parse(path).getroot().find("testsuite")
     checks.expect("one case in JUnit for each case", len(suite.findall("testcase")) == len(names))
     every = checks.run("all names", PASSED, [], "--list").splitlines()
+    os.environ["GTEST_FILTER"] = "-*Init*"
+    checks.expect("the environment takes no case away",
+                  checks.run("filtered", PASSED, [], "--list").splitlines() == every)
+    del os.environ["GTEST_FILTER"]
     groups = {name.split("/")[0] for name in every}
     checks.expect("all groups are listed", groups == {
         "calls", "children", "faults", "hostile", "locks", "threads", "translation"})
     checks.expect("each name is there once", len(every) == len(set(every)) > 1500)
 
 
-def check_broken(checks, crashes, hangs, ends, folder):
+def check_broken(checks, crashes, hangs, ends, talks, folder):
     one = ["--filter", "calls/Init.*", "--timeout", "1"]
     checks.run("crash", FAILED, ["CRASHED  calls/Init.", "SIGABRT"], crashes, *one)
     checks.run("hang", FAILED, ["TIMED OUT  calls/Init.", "not done after 1 seconds"], hangs, *one)
     checks.run("end", FAILED, ["CRASHED  calls/Init.", "in the middle of the case"], ends, *one)
+    checks.run("endless output", FAILED, ["TIMED OUT  calls/Init."], talks, *one)
     tap = checks.run("crash in TAP", FAILED, ["not ok 1 - calls/Init."], crashes, "--format", "tap",
                      *one)
     checks.expect("no test in TAP is ok", "\nok " not in tap)
@@ -108,11 +113,11 @@ def check_usage(checks, library):
 
 
 def main():
-    program, library, other_library, crashes, hangs, ends = sys.argv[1:]
+    program, library, other_library, crashes, hangs, ends, talks = sys.argv[1:]
     checks = Checks(program)
     with tempfile.TemporaryDirectory() as folder:
         check_reports(checks, library, folder)
-        check_broken(checks, crashes, hangs, ends, folder)
+        check_broken(checks, crashes, hangs, ends, talks, folder)
         check_not_loadable(checks, library, other_library, folder)
     check_usage(checks, library)
     for problem in checks.problems:
