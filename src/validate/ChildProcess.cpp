@@ -51,14 +51,9 @@ pid_t spawn(const std::vector<std::string>& arguments, int output) {
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
-    // A group of its own, so that what a component forks can be ended with it.
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     pid_t child = 0;
-    const int code = posix_spawn(&child, arguments.front().c_str(), &actions, &attributes,
+    const int code = posix_spawn(&child, arguments.front().c_str(), &actions, nullptr,
                                  argumentPointers(arguments).data(), environ);
-    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (code != 0) {
         failWith(code, arguments.front());
@@ -144,7 +139,7 @@ ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::second
     end.isInTime =
         readAll(reader.number(), deadline, end.output) && waitForEnd(child, deadline, end.status);
     if (!end.isInTime) {
-        kill(-child, SIGKILL);
+        kill(child, SIGKILL);
         while (waitpid(child, &end.status, 0) < 0 && errno == EINTR) {
         }
     }

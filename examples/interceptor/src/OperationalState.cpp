@@ -13,7 +13,9 @@ const char* textOf(const OrvMoAttributeValueContainer_3* state) {
     if (state == nullptr || state->type != OrvMoAttributeTypeEnumeration_3 || state->count == 0) {
         return locked;
     }
-    return state->values[0].string;
+    // A client may leave out what it likes.
+    const char* const text = state->values == nullptr ? nullptr : state->values[0].string;
+    return text == nullptr ? "" : text;
 }
 
 }

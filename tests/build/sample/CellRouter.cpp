@@ -102,7 +102,9 @@ void CellRouter::releaseMany(OrvMoAttributeValueContainer_3** containers) {
 OrvReturnT CellRouter::setMoAttribute(unsigned long, const char* dn, const char* attrName,
                                       const OrvMoAttributeValueContainer_3* value) {
     const std::lock_guard<std::mutex> guard(theRouter->mMutex);
-    theRouter->mWrites.push_back(std::string(dn) + " " + attrName + "=" + value->values[0].string);
+    const char* const text = value->values == nullptr ? nullptr : value->values[0].string;
+    theRouter->mWrites.push_back(std::string(dn) + " " + attrName + "=" +
+                                 (text == nullptr ? "(null)" : text));
     return theRouter->mCode;
 }
 

@@ -181,6 +181,32 @@ TEST_F(SampleInterceptorTest, Set_AnyAttribute_ReachesTheRouter) {
     EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "operationalState", &value), -5);
 }
 
+TEST_F(SampleInterceptorTest, Set_LockedCell_CannotShutDown) {
+    start();
+    OrvMoAttributeValue_3 slot = {"SHUTTINGDOWN"};
+    OrvMoAttributeValueContainer_3 value = {OrvMoAttributeTypeEnumeration_3, 1, &slot};
+    host.router.put(cell, "administrativeState", "LOCKED");
+    EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "administrativeState", &value),
+              OrvValidationFailed);
+    EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "userLabel", &value), OrvOk);
+    host.router.put(cell, "administrativeState", "UNLOCKED");
+    EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "administrativeState", &value), OrvOk);
+    EXPECT_EQ(host.router.writes(), (Texts{cell + " userLabel=SHUTTINGDOWN",
+                                           cell + " administrativeState=SHUTTINGDOWN"}));
+}
+
+TEST_F(SampleInterceptorTest, Set_ValueWithoutAText_IsForTheRouter) {
+    start();
+    host.router.put(cell, "administrativeState", "LOCKED");
+    OrvMoAttributeValue_3 slot = {nullptr};
+    OrvMoAttributeValueContainer_3 value = {OrvMoAttributeTypeEnumeration_3, 1, &slot};
+    EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "administrativeState", &value), OrvOk);
+    value.values = nullptr;
+    EXPECT_EQ(table->setMoAttribute(1, clientCell.c_str(), "administrativeState", &value), OrvOk);
+    EXPECT_EQ(host.router.writes(),
+              (Texts{cell + " administrativeState=(null)", cell + " administrativeState=(null)"}));
+}
+
 TEST_F(SampleInterceptorTest, Life_BeforeStartAndAfterStop_TheRouterServes) {
     EXPECT_EQ(get(clientCell, "operationalState"), "as stored");
     start();
