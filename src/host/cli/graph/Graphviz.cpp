@@ -165,7 +165,8 @@ std::string waitFor(pid_t child, std::chrono::seconds limit, const std::string& 
     if (!ended) {
         end(child);
         cancellation.throwIfCancelled();
-        throw AnswerError("dot has not finished after " + counted(limit.count(), "second") + ". " +
+        throw AnswerError("dot has not finished after " +
+                          counted(static_cast<std::uint64_t>(limit.count()), "second") + ". " +
                           advice);
     }
     const int status = *ended;
