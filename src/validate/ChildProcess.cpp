@@ -80,7 +80,7 @@ bool waitForInput(int descriptor, Clock::time_point deadline) {
 // False if the writer has not closed its end before the deadline.
 // Of an endless output the beginning is kept.
 bool readAll(int descriptor, Clock::time_point deadline, std::string& text) {
-    constexpr std::size_t kMostText = 256 * 1024;
+    constexpr std::size_t kMostText = std::size_t{256} * 1024;
     char buffer[4096];
     while (waitForInput(descriptor, deadline)) {
         const ssize_t count = read(descriptor, buffer, sizeof buffer);
@@ -117,6 +117,7 @@ bool waitForEnd(pid_t child, Clock::time_point deadline, int& status) {
 
 std::vector<char*> argumentPointers(const std::vector<std::string>& arguments) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         pointers.push_back(const_cast<char*>(argument.c_str()));
     }

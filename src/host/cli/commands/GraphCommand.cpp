@@ -32,7 +32,7 @@ constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kObjects = 300;
 constexpr std::uint64_t kObjectsOfPage = 100000;
 constexpr std::uint64_t kSeconds = 60;
-constexpr std::uint64_t kMostSeconds = 24 * 60 * 60;
+constexpr std::uint64_t kMostSeconds = std::uint64_t{24} * 60 * 60;
 
 struct GraphOptions {
     bool wantsClasses = false;
