@@ -12,6 +12,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <optional>
 
 namespace OrvHost {
 
@@ -23,23 +24,31 @@ constexpr std::uint64_t kHoursKept = 24;
 constexpr std::uint64_t kMostEntries = 1'000'000'000'000;
 constexpr std::uint64_t kMostHours = 1'000'000;
 
-ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) {
-    const StoreInfo info = readStoreInfo(file);
+/// What both kinds of stores say of themselves. \p file: of a store in a file; none for a shared
+/// one, which may have let go of its first entries.
+template <class Info>
+ExitStatus print(const Info& info, const std::optional<std::string>& file, bool wantsJson,
+                 std::ostream& out) {
     const std::string lastAt = info.lastAuthor.empty() ? "" : utcText(info.lastAt);
     if (wantsJson) {
-        out << toLine({{"command", "store info"},
-                       {"file", file},
-                       {"objects", info.objects},
-                       {"commits", info.position},
-                       {"firstEntry", info.firstEntry},
-                       {"lastAuthor", info.lastAuthor},
-                       {"lastAt", lastAt},
-                       {"model", info.model},
-                       {"bytes", info.bytes}})
-            << '\n';
+        JsonValue document{{"command", "store info"}};
+        if (file) {
+            document["file"] = *file;
+        }
+        document.update({{"objects", info.objects},
+                         {"commits", info.position},
+                         {"firstEntry", info.firstEntry},
+                         {"lastAuthor", info.lastAuthor},
+                         {"lastAt", lastAt},
+                         {"model", info.model},
+                         {"bytes", info.bytes}});
+        out << toLine(document) << '\n';
         return ExitOk;
     }
     out << "objects      " << info.objects << "\ncommits      " << info.position << '\n';
+    if (!file) {
+        out << "kept from    " << info.firstEntry << '\n';
+    }
     if (!info.lastAuthor.empty()) {
         out << "last commit  " << lastAt << " by " << info.lastAuthor << '\n';
     }
@@ -47,28 +56,12 @@ ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) 
     return ExitOk;
 }
 
+ExitStatus showInfo(const std::string& file, bool wantsJson, std::ostream& out) {
+    return print(readStoreInfo(file), file, wantsJson, out);
+}
+
 ExitStatus showSharedInfo(const std::string& store, bool wantsJson, std::ostream& out) {
-    const PostgresqlInfo info = readPostgresqlInfo(postgresqlTarget(store));
-    const std::string lastAt = info.lastAuthor.empty() ? "" : utcText(info.lastAt);
-    if (wantsJson) {
-        out << toLine({{"command", "store info"},
-                       {"objects", info.objects},
-                       {"commits", info.position},
-                       {"firstEntry", info.firstEntry},
-                       {"lastAuthor", info.lastAuthor},
-                       {"lastAt", lastAt},
-                       {"model", info.model},
-                       {"bytes", info.bytes}})
-            << '\n';
-        return ExitOk;
-    }
-    out << "objects      " << info.objects << "\ncommits      " << info.position
-        << "\nkept from    " << info.firstEntry << '\n';
-    if (!info.lastAuthor.empty()) {
-        out << "last commit  " << lastAt << " by " << info.lastAuthor << '\n';
-    }
-    out << "model        " << info.model << "\nbytes        " << info.bytes << '\n';
-    return ExitOk;
+    return print(readPostgresqlInfo(postgresqlTarget(store)), std::nullopt, wantsJson, out);
 }
 
 std::uint64_t numberIn(const std::vector<std::string>& words, std::size_t at,
