@@ -123,6 +123,10 @@ TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
     EXPECT_THAT(errorOf("model = 5\n"),
                 HasSubstr("orvhost.toml:1: model: a text, or a list of texts was expected"));
     EXPECT_THAT(errorOf("strict = \"yes\"\n"), HasSubstr("strict: true or false was expected"));
+    EXPECT_THAT(errorOf("strict = 1\n\nmodle = \"site\"\ndata = 5\n"),
+                AllOf(HasSubstr("orvhost.toml:1: strict: "),
+                      HasSubstr("\norvhost.toml:3: a project"),
+                      HasSubstr("\norvhost.toml:4: data: ")));
     EXPECT_THAT(errorOf("model = [\"a\"\n"), HasSubstr("orvhost.toml:"));
     EXPECT_THAT(runIn({"--project", "none.toml", "ls"}).err,
                 HasSubstr("none.toml: cannot be read: there is no such file"));

@@ -235,12 +235,45 @@ TEST_F(OrvhostPromptTest, Pager_LeftAtOnce_KeepsTheSession) {
     EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
 }
 
+TEST_F(OrvhostPromptTest, Delete_OfManyAtOnce_Asks) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    for (int mast = 10; mast < 20; ++mast) {
+        terminal.type("create ManagedElement=east,Mast=" + std::to_string(mast) + "\r");
+        ASSERT_TRUE(terminal.waitFor("created and committed")) << terminal.seen();
+        ASSERT_TRUE(terminal.waitFor(kPrompt));
+    }
+    terminal.type("delete ManagedElement=east\r");
+    ASSERT_TRUE(terminal.waitFor("objects below it, at once? [y/N] ")) << terminal.seen();
+    terminal.type("\r");
+    EXPECT_TRUE(terminal.waitFor("delete: nothing is deleted")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("delete ManagedElement=east,Mast=10\r");
+    ASSERT_TRUE(terminal.waitFor("deleted and committed")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("delete ManagedElement=east\r");
+    ASSERT_TRUE(terminal.waitFor("[y/N] ")) << terminal.seen();
+    terminal.type("y\r");
+    EXPECT_TRUE(terminal.waitFor("deleted and committed")) << terminal.seen();
+}
+
 TEST_F(OrvhostPromptTest, Error_OnATerminal_IsRedUnlessNoColourIsWanted) {
     {
         Terminal terminal(arguments());
         ASSERT_TRUE(terminal.waitFor(kPrompt));
         terminal.type("nonsense\r");
         EXPECT_TRUE(terminal.waitFor("\x1b[31mnonsense: ")) << terminal.seen();
+    }
+    {
+        Terminal terminal(arguments());
+        ASSERT_TRUE(terminal.waitFor(kPrompt));
+        terminal.type("begin t\r");
+        ASSERT_TRUE(terminal.waitFor("[t]> "));
+        terminal.type("create ManagedElement=east,Mast=77\r");
+        ASSERT_TRUE(terminal.waitFor("[t]> "));
+        terminal.type("diff committed t\r");
+        EXPECT_TRUE(terminal.waitFor("\x1b[32m+ ManagedElement=east,Mast=77\x1b[0m"))
+            << terminal.seen();
     }
     setenv("NO_COLOR", "1", 1);
     Terminal terminal(arguments());

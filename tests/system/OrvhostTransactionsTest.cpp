@@ -62,6 +62,19 @@ TEST(OrvhostTransactionsTest, Validate_VeryManyValues_TellsTheFirstAndTheNumber)
     EXPECT_THAT(document.out, HasSubstr("RadioUnit=22\""));
 }
 
+TEST(OrvhostTransactionsTest, Validate_VeryLongValue_TellsItsBeginningAndItsLength) {
+    const std::string name(5000, 'x');
+    std::string script = "begin\n";
+    for (const std::string& unit : {name + "1", name + "2", name + "3"}) {
+        script += "create ManagedElement=Harbour,Equipment=1,RadioUnit=" + unit +
+                  " antennaRef=ManagedElement=Harbour,Equipment=1,AntennaUnit=1,Antenna=2\n";
+    }
+    const auto result = runOnHarbour(script + "validate\n");
+    EXPECT_THAT(result.err, HasSubstr("xxx... (5046 bytes)\n"));
+    const auto document = runOnHarbour(script + "validate\n", {"--json"});
+    EXPECT_THAT(document.out, HasSubstr(name + "3\""));
+}
+
 TEST(OrvhostTransactionsTest, Validate_Violation_TellsObjectValueAndBounds) {
     const auto result = runOnHarbour("begin break\n" + overload() + "validate\nabort\n");
     EXPECT_EQ(result.err,

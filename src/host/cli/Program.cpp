@@ -60,6 +60,8 @@ public:
           mCommands(commands),
           mInterpreter(session, commands, std::cerr) {
         mInterpreter.echo(options.echo);
+        mInterpreter.setColours(Colours::ofStream(STDERR_FILENO));
+        mSession.setColours(Colours::ofStream(STDOUT_FILENO));
     }
 
     int run() {
@@ -123,8 +125,8 @@ private:
         Completer completer(mSession, mCommands);
         Prompt prompt(completer, historyFile(mOptions));
         mInterpreter.echo(false); // the line is on the screen
-        mInterpreter.colourErrors(wantsColour());
         mSession.giveHints(true);
+        mSession.setQuestion([&prompt](const std::string& text) { return prompt.ask(text); });
         greet();
         while (!mSession.isEnded()) {
             const std::optional<std::string> line = prompt.readLine(mSession.prompt());
@@ -141,12 +143,8 @@ private:
                 mSession.goOn();
             }
         }
+        mSession.setQuestion({});
         return ExitOk;
-    }
-
-    static bool wantsColour() {
-        const bool isPermitted = environmentVariable("NO_COLOR").value_or("").empty();
-        return isPermitted && hasCapableTerminal() && isatty(STDERR_FILENO) == 1;
     }
 
     // What is loaded, in two lines.

@@ -132,7 +132,7 @@ void runDiff(Session& session, Words words) {
     }
     const std::vector<ObjectDifference> differences = comparison.take();
     if (!session.wantsJson()) {
-        session.out() << toText(differences);
+        session.out() << toText(differences, session.colours());
         return;
     }
     session.print({{"command", "diff"},

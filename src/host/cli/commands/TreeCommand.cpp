@@ -3,9 +3,9 @@
 
 #include "Commands.h"
 
+#include "CountBelow.h"
 #include "base/DnView.h"
 #include "cli/session/Session.h"
-#include "client/DnResolver.h"
 
 #include <cstdint>
 #include <limits>
@@ -58,53 +58,28 @@ public:
         if (level < mDepth) {
             node["children"] = childrenJson(dn, level + 1);
         } else {
-            node["below"] = countBelow(dn);
+            node["below"] = countBelow(mSession, mTxHandle, dn);
         }
         return node;
     }
 
     /// " (12 below)" where objects below are not shown.
     std::string cutMark(const std::string& dn, std::uint64_t level) {
-        const unsigned long long below = level >= mDepth ? countBelow(dn) : 0;
-        return below > 0 ? " (" + std::to_string(below) + " below)" : std::string();
+        const unsigned long long below = level >= mDepth ? countBelow(mSession, mTxHandle, dn) : 0;
+        return mSession.colours().remark(below > 0 ? " (" + std::to_string(below) + " below)"
+                                                   : std::string());
     }
 
 private:
-    std::vector<std::string> childClasses(const std::string& dn) const {
-        const DnResolver resolver(mSession.model());
-        return resolver.childClasses(dn.empty() ? nullptr : resolver.classOf(dn));
-    }
-
     std::vector<Child> children(const std::string& dn) {
         std::vector<Child> result;
-        for (const std::string& className : childClasses(dn)) {
+        for (const std::string& className : childClassesOf(mSession, dn)) {
             mSession.client().forEachChild(mTxHandle, dn, className, [&](const std::string& name) {
                 result.push_back({className, name});
                 return true;
             });
         }
         return result;
-    }
-
-    unsigned long long countBelow(const std::string& dn) {
-        unsigned long long below = 0;
-        for (const std::string& className : childClasses(dn)) {
-            if (childClassesOf(className).empty()) {
-                below += mSession.client().count(mTxHandle, dn, className);
-                continue;
-            }
-            mSession.client().forEachChild(mTxHandle, dn, className, [&](const std::string& name) {
-                below += 1 + countBelow(DnView(dn).child(className, name));
-                return true;
-            });
-        }
-        return below;
-    }
-
-    std::vector<std::string> childClassesOf(const std::string& className) const {
-        const auto moc = mSession.model().findClass(className);
-        return moc ? DnResolver(mSession.model()).childClasses(&mSession.model().classes[*moc])
-                   : std::vector<std::string>();
     }
 
     Session& mSession;

@@ -21,7 +21,7 @@ void print(Session& session, const WatchedCommit& commit) {
     }
     session.out() << "commit " << commit.number
                   << (commit.author.empty() ? "" : " by " + commit.author) << ":\n"
-                  << toText(commit.objects);
+                  << toText(commit.objects, session.colours());
 }
 
 }

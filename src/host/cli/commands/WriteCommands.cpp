@@ -3,7 +3,9 @@
 
 #include "Commands.h"
 
+#include "CountBelow.h"
 #include "WriteReport.h"
+#include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/Assignments.h"
 #include "cli/output/AlignedText.h"
@@ -25,6 +27,22 @@ const AttributeDef* parameterOf(const ActionDef* action, const std::string& name
     const auto found = std::find_if(all.begin(), all.end(),
                                     [&](const AttributeDef& one) { return one.name == name; });
     return found != all.end() ? &*found : nullptr;
+}
+
+/// Outside of transactions a deletion is committed at once. Somebody at a prompt is asked before so
+/// many objects are gone that it can be a slip.
+void askBeforeMany(Session& session, const std::string& dn) {
+    constexpr unsigned long long kMany = 10;
+    if (!session.question() || session.transactions().current() != nullptr) {
+        return;
+    }
+    const unsigned long long below = session.read([&](unsigned long txHandle) {
+        return session.client().exists(txHandle, dn) ? countBelow(session, txHandle, dn) : 0;
+    });
+    if (below >= kMany && !session.question()("Delete " + dn + " and " + counted(below, "object") +
+                                              " below it, at once? [y/N] ")) {
+        throw AnswerError("nothing is deleted; 'begin' opens a transaction that can be aborted");
+    }
 }
 
 }
@@ -61,6 +79,7 @@ void runSet(Session& session, Words words) {
 void runDelete(Session& session, Words words) {
     const std::string dn = words.takeDn(session.model());
     words.end();
+    askBeforeMany(session, dn);
     const bool isCommitted =
         session.write([&](unsigned long txHandle) { session.client().remove(txHandle, dn); });
     reportWrite(session, {{"command", "delete"}, {"dn", dn}}, "deleted", isCommitted);

@@ -9,6 +9,8 @@
 #include <iostream>
 #include <utility>
 
+#include <unistd.h>
+
 namespace OrvHost {
 
 namespace {
@@ -25,7 +27,7 @@ void printWithHint(Session& session, JsonValue document, const std::string& answ
     const std::string note = noteOn(hint);
     if (!note.empty()) {
         session.out().flush();
-        std::cerr << note;
+        std::cerr << Colours::ofStream(STDERR_FILENO).note(note);
     }
 }
 

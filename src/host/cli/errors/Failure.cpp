@@ -12,11 +12,14 @@
 #include "client/RefusedWrite.h"
 #include "client/edits/EditPlan.h"
 
+#include <algorithm>
+
 namespace OrvHost {
 
 namespace {
 
 constexpr std::size_t kMostValues = 10;
+constexpr std::size_t kMostColumns = 300;
 
 constexpr OrvReturnT kCodes[] = {OrvOk,
                                  OrvNotActive,
@@ -71,9 +74,31 @@ JsonValue foundJson(const Violation& violation) {
     return values != nullptr ? toJson(*values) : JsonValue(std::get<std::string>(violation.found));
 }
 
+/// For people: the beginning of a long text, and how long it is.
+void shorten(JsonValue& value) {
+    if (value.is_structured()) {
+        std::for_each(value.begin(), value.end(), shorten);
+    }
+    if (!value.is_string()) {
+        return;
+    }
+    const auto& text = value.get_ref<const std::string&>();
+    if (shownColumns(text) <= kMostColumns) {
+        return;
+    }
+    std::size_t end = kMostColumns;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
+        --end; // no character is cut
+    }
+    value = text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
 /// For people: the first of many values, and how many more there are.
 JsonValue shortened(JsonValue details) {
     const auto found = details.find("found");
+    if (found != details.end()) {
+        shorten(*found);
+    }
     if (found != details.end() && found->is_array() && found->size() > kMostValues) {
         const std::size_t more = found->size() - kMostValues;
         found->erase(found->begin() + static_cast<std::ptrdiff_t>(kMostValues), found->end());

@@ -40,6 +40,19 @@ JsonValue documentOf(const ObjectDifference& object) {
     return {{"change", wordOf(object.kind)}, {"dn", object.dn}, {"attributes", attributes}};
 }
 
+std::string headOf(const ObjectDifference& object, const Colours& colours) {
+    const std::string text = signOf(object.kind) + object.dn;
+    switch (object.kind) {
+    case ObjectDifference::Kind::Deleted:
+        return colours.removed(text);
+    case ObjectDifference::Kind::Created:
+        return colours.added(text);
+    case ObjectDifference::Kind::Changed:
+        break;
+    }
+    return colours.changed(text);
+}
+
 std::string valuesOf(const AttributeDifference& attribute, ObjectDifference::Kind kind) {
     std::string before = toLine(toJson(attribute.before, *attribute.def));
     std::string after = toLine(toJson(attribute.after, *attribute.def));
@@ -64,10 +77,10 @@ JsonValue toJson(const std::vector<ObjectDifference>& differences) {
     return documents;
 }
 
-std::string toText(const std::vector<ObjectDifference>& differences) {
+std::string toText(const std::vector<ObjectDifference>& differences, const Colours& colours) {
     std::string text;
     for (const ObjectDifference& object : differences) {
-        text += signOf(object.kind) + object.dn + '\n';
+        text += headOf(object, colours) + '\n';
         for (const AttributeDifference& attribute : object.attributes) {
             text += "    " + attribute.def->name + ": " + valuesOf(attribute, object.kind) + '\n';
         }

@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_CLI_OUTPUT_DIFFERENCEREPORT_H
 #define ORV_HOST_CLI_OUTPUT_DIFFERENCEREPORT_H
 
+#include "Colours.h"
 #include "ValueJson.h"
 #include "client/StateComparison.h"
 
@@ -16,7 +17,7 @@ namespace OrvHost {
 JsonValue toJson(const std::vector<ObjectDifference>& differences);
 
 /// For people: lines, all ended; the objects with a sign, and below each its attributes.
-std::string toText(const std::vector<ObjectDifference>& differences);
+std::string toText(const std::vector<ObjectDifference>& differences, const Colours& colours);
 
 }
 

@@ -5,6 +5,7 @@
 #define ORV_HOST_CLI_SESSION_SESSION_H
 
 #include "base/Problem.h"
+#include "cli/output/Colours.h"
 #include "cli/output/ValueJson.h"
 #include "cli/session/WatchList.h"
 #include "client/ClientSession.h"
@@ -53,6 +54,12 @@ public:
     /// transaction bring it only once.
     ReferenceHint takeHint() { return std::exchange(mHint, {}); }
 
+    /// Asks the user before something that cannot be taken back; false means no. Empty where nobody
+    /// can be asked: scripts mean what they say.
+    using Question = std::function<bool(const std::string& text)>;
+    void setQuestion(Question question) { mQuestion = std::move(question); }
+    const Question& question() const { return mQuestion; }
+
     /// As in ClientSession.
     bool write(const std::function<void(unsigned long txHandle)>& work);
     void validate(const OpenTransactions::Entry& transaction);
@@ -82,6 +89,9 @@ public:
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
     void print(const JsonValue& document) { out() << toLine(document) << '\n'; }
+    /// Of what commands print. At first there are none.
+    const Colours& colours() const { return mColours; }
+    void setColours(const Colours& colours) { mColours = colours; }
     /// Commands print to \p out from now on. Returns where they printed before.
     std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
 
@@ -107,6 +117,8 @@ private:
     const std::vector<Problem>* mModelNotes = nullptr;
     std::shared_ptr<const YangSchema> mSchema;
     Backup mBackup;
+    Question mQuestion;
+    Colours mColours;
     std::ostream* mOut;
     std::string mHere;
     bool mWantsJson;

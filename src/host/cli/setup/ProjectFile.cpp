@@ -16,8 +16,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace OrvHost {
 
@@ -187,9 +190,7 @@ public:
         const toml::table table = parse();
         std::string names;
         bool isCodeLeftOut = false;
-        for (const auto& [key, value] : table) {
-            const Setting& setting = require(std::string(key.str()), value);
-            const std::vector<std::string> values = valuesOf(setting, value);
+        for (const auto& [setting, values] : settingsIn(table)) {
             if (isSet(setting)) {
                 continue;
             }
@@ -218,6 +219,29 @@ private:
         } catch (const toml::parse_error& error) {
             throw ProjectError(placeOf(error.source()) + std::string(error.description()));
         }
+    }
+
+    /// All problems are told at once, in the order of the file.
+    std::vector<std::pair<Setting, std::vector<std::string>>>
+    settingsIn(const toml::table& table) const {
+        std::vector<std::pair<Setting, std::vector<std::string>>> settings;
+        std::multimap<toml::source_index, std::string> problems;
+        for (const auto& [key, value] : table) {
+            try {
+                const Setting& setting = require(std::string(key.str()), value);
+                settings.emplace_back(setting, valuesOf(setting, value));
+            } catch (const ProjectError& problem) {
+                problems.emplace(value.source().begin.line, problem.what());
+            }
+        }
+        std::string text;
+        for (const auto& [line, problem] : problems) {
+            text += (text.empty() ? "" : "\n") + problem;
+        }
+        if (!text.empty()) {
+            throw ProjectError(text);
+        }
+        return settings;
     }
 
     std::string placeOf(const toml::source_region& region) const {

@@ -17,8 +17,6 @@ namespace OrvHost {
 namespace {
 
 constexpr int kMostScripts = 20;
-constexpr const char* kRed = "\x1b[31m";
-constexpr const char* kPlain = "\x1b[0m";
 
 }
 
@@ -82,7 +80,10 @@ ExitStatus Interpreter::runSource(Words words) {
     std::ifstream script(file);
     ++mDepth;
     const bool gaveHints = mSession.giveHints(false); // they would make a long script slow
+    Session::Question question = mSession.question();
+    mSession.setQuestion({});
     const ExitStatus status = runScript(script, file, false);
+    mSession.setQuestion(std::move(question));
     mSession.giveHints(gaveHints);
     --mDepth;
     return status;
@@ -97,9 +98,9 @@ ExitStatus Interpreter::report(const std::string& command, const std::string& pl
     mSession.out().flush();
     Failure failure = FailureReader(mSession).read(mCommands.usageOf(command), error);
     if (!mSession.wantsJson()) {
-        mErrors << (mColours ? kRed : "") << (place.empty() ? "" : place + ": ")
-                << (command.empty() ? "" : command + ": ") << failure.text
-                << (mColours ? kPlain : "") << std::endl;
+        mErrors << mColours.error((place.empty() ? "" : place + ": ") +
+                                  (command.empty() ? "" : command + ": ") + failure.text)
+                << std::endl;
         return failure.status;
     }
     if (!place.empty()) {

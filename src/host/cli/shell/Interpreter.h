@@ -30,8 +30,8 @@ public:
     /// comment are printed as they are. Not in JSON mode.
     void echo(bool wanted) { mEchoes = wanted && !mSession.wantsJson(); }
 
-    /// Whether errors in text are red.
-    void colourErrors(bool wanted) { mColours = wanted; }
+    /// Of errors in text. At first there are none.
+    void setColours(const Colours& colours) { mColours = colours; }
 
     /// Runs one line; an empty one, or one with only a comment, gives ExitOk. \p place comes before
     /// errors, for example "file:12"; it may be empty.
@@ -54,7 +54,7 @@ private:
     const CommandTable& mCommands;
     std::ostream& mErrors;
     bool mEchoes = false;
-    bool mColours = false;
+    Colours mColours;
     int mDepth = 0; ///< of scripts that run scripts
 };
 

@@ -54,6 +54,10 @@ std::streamsize Pager::xsputn(const char* text, std::streamsize size) {
     }
     mHeld += added;
     for (const char character : added) {
+        if (mIsColour || character == '\x1b') { // takes no column
+            mIsColour = character != 'm';
+            continue;
+        }
         const bool isEnd = character == '\n' || mColumn == mColumns;
         mLines += isEnd ? 1 : 0;
         mColumn = isEnd ? 0 : mColumn + 1;
@@ -67,7 +71,9 @@ std::streamsize Pager::xsputn(const char* text, std::streamsize size) {
 
 void Pager::start() {
     mBefore->flush();
-    mPipe = popen(mProgram.c_str(), "w"); // NOLINT(cert-env33-c): the user's own program
+    // Without R, less shows colours as odd characters.
+    mPipe = popen(("export LESS=\"${LESS-R}\"; " + mProgram).c_str(),
+                  "w"); // NOLINT(cert-env33-c): the user's own program
     if (mPipe != nullptr) {
         // The pager can be left before the end; it has the keyboard, so nothing is asked meanwhile.
         std::signal(SIGPIPE, SIG_IGN);

@@ -42,6 +42,7 @@ private:
     std::string mHeld;
     std::size_t mLines = 0;  ///< of the screen that mHeld takes
     std::size_t mColumn = 0; ///< of the last one
+    bool mIsColour = false;  ///< inside the marks of a colour
     FILE* mPipe = nullptr;   ///< to the pager that runs
 };
 

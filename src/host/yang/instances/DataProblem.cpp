@@ -3,6 +3,7 @@
 
 #include "DataProblem.h"
 
+#include "yang/instances/JsonEnd.h"
 #include "yang/source/Hints.h"
 #include "yang/source/ModuleStatements.h"
 #include "yang/types/TypeDescription.h"
@@ -66,17 +67,21 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// At the end of the text the library quotes the missing character.
-std::string wordingOf(const YangMessage& message) {
+/// Where a value ends and neither a mark nor the end of the data follows, the library quotes a
+/// character that is not there.
+std::string wordingOf(const YangMessage& message, std::string_view data) {
     const std::string text = withSingleSpaces(message.text);
-    const bool isAtEnd =
+    const bool quotesNothing =
         endsWith(text, "character \"") || text.find("character sequence \"\"") != std::string::npos;
-    return isAtEnd ? "the text ends too early" : text;
+    const bool isXml = data.find_first_not_of(" \t\r\n") == data.find('<');
+    const std::string_view missing = isXml ? "the text ends too early" : missingInJson(data);
+    return quotesNothing ? std::string(missing) : text;
 }
 
 }
 
-Problem takeDataProblem(const YangContext& context, const std::string& label) {
+Problem takeDataProblem(const YangContext& context, const std::string& label,
+                        std::string_view text) {
     const std::vector<YangMessage> messages = context.takeMessages();
     if (messages.empty()) {
         return {{label, 0}, "the data cannot be read"};
@@ -84,7 +89,7 @@ Problem takeDataProblem(const YangContext& context, const std::string& label) {
     const YangMessage& message = messages.front();
     const std::string place = message.path.empty() ? "" : " at " + message.path;
     return {{label, message.line},
-            wordingOf(message) + hintFor(kHints, message.text) + place +
+            wordingOf(message, text) + hintFor(kHints, message.text) + place +
                 expectedAt(context, message.path)};
 }
 

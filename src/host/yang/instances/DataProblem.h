@@ -8,13 +8,15 @@
 #include "yang/source/YangContext.h"
 
 #include <string>
+#include <string_view>
 
 namespace OrvHost {
 
 /// The reason why the YANG library has just refused instance data: its message, taken out of the
 /// context, with what was expected and a usual remedy. `label` is used as the name of the data's
-/// file.
-Problem takeDataProblem(const YangContext& context, const std::string& label);
+/// file; `text` is the data.
+Problem takeDataProblem(const YangContext& context, const std::string& label,
+                        std::string_view text);
 
 }
 

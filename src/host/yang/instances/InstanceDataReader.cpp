@@ -123,7 +123,7 @@ ParsedData parse(const std::string& text, LYD_FORMAT format, std::uint32_t optio
                                        options | LYD_PARSE_ONLY, 0, &parsed);
     ParsedData tree(parsed);
     if (code != LY_SUCCESS) {
-        throw InstanceDataError({takeDataProblem(context, label)});
+        throw InstanceDataError({takeDataProblem(context, label, text)});
     }
     refuseRest(text, ly_in_parsed(input.get()), label);
     return tree;

@@ -86,9 +86,10 @@ void DataTree::build() {
     std::ostringstream text;
     writer.write(text);
     const YangContext& context = mSchema->context();
-    if (lyd_parse_data_mem(context.get(), text.str().c_str(), LYD_JSON,
-                           LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &mFirst) != LY_SUCCESS) {
-        throw InstanceDataError({takeDataProblem(context, "")});
+    const std::string json = text.str();
+    if (lyd_parse_data_mem(context.get(), json.c_str(), LYD_JSON, LYD_PARSE_ONLY | LYD_PARSE_STRICT,
+                           0, &mFirst) != LY_SUCCESS) {
+        throw InstanceDataError({takeDataProblem(context, "", json)});
     }
     addDefaults();
     index(mFirst, "");

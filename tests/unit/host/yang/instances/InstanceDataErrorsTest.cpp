@@ -30,6 +30,7 @@ constexpr Broken kBroken[] = {
     {"given-twice.json", "given-twice.json:3: ", "Site[id='a']/label: is given twice"},
     {"list-as-object.json", "list-as-object.json:2: ", "lists are written as [...]"},
     {"mismatch.xml", "mismatch.xml:3: ", "tag mismatch"},
+    {"missing-comma.json", "missing-comma.json:7: ", "in {...}, \",\" or \"}\" was expected"},
     {"no-key.json", "no-key.json:3: ", "every entry of a list has its key"},
     {"no-module-name.json", "no-module-name.json:2: ", "as in \"module:Name\""},
     {"no-namespace.xml", "no-namespace.xml:2: ", "xmlns=\"...\""},
