@@ -194,7 +194,7 @@ std::string ModuleStatements::pathOf(const Statement& statement) const {
 }
 
 int ModuleStatements::lineOf(const std::string& path) const {
-    const auto found = mLineByPath.find(withSingleSpaces(path));
+    const auto found = mLineByPath.find(path);
     return found == mLineByPath.end() ? 0 : found->second;
 }
 

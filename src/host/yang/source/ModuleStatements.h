@@ -35,7 +35,8 @@ public:
     const std::vector<Statement>& statements() const { return mStatements; }
 
     /// The line of the statement with that path below the module: "list Site/leaf name". The
-    /// statement of an extension is given without its prefix. 0: there is none.
+    /// statement of an extension is given without its prefix, and arguments with single spaces. 0:
+    /// there is none.
     int lineOf(const std::string& path) const;
 
     /// The line of the first statement with that keyword, without prefix, and argument; or 0.

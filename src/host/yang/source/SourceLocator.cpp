@@ -64,7 +64,8 @@ std::string definitionPath(const lysc_node* compiled) {
 
 }
 
-SourcePosition SourceLocator::find(const std::string& module, const std::string& path) const {
+SourcePosition SourceLocator::find(const std::string& module, const std::string& given) const {
+    const std::string path = withSingleSpaces(given);
     const auto own = mFinder.found().find(module);
     if (own == mFinder.found().end()) {
         return {};
