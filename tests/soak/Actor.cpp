@@ -77,6 +77,7 @@ void Actor::step() {
                                       &Actor::setStruct,
                                       &Actor::toggleInVersion1,
                                       &Actor::createBeforeTarget,
+                                      &Actor::setOneWay,
                                       &Actor::askForNonsense};
     if (mRandom.oneIn(200)) {
         rebuildUnit();
@@ -279,6 +280,19 @@ void Actor::createBeforeTarget() {
     }
     check(references(target.dn, "nRCellDURef") == std::vector<std::string>{source.dn},
           target.dn + ": the reference that waited for it has not come");
+}
+
+// A reference of a unidirectional association, to a sector of the network that nobody deletes: the
+// far side does not know of the reference, so it is not removed with its target.
+void Actor::setOneWay() {
+    const Subject one = subject(1, mRandom.below(8));
+    std::vector<std::string> sector;
+    if (!mRandom.oneIn(4)) {
+        sector.push_back(kRoot + ",Equipment=1,Sector=" + std::to_string(1 + mRandom.below(4)));
+    }
+    if (ensure(one) && set(one.dn, "sectorRef", refs(sector))) {
+        check(references(one.dn, "sectorRef") == sector, one.dn + ": another sector than it wrote");
+    }
 }
 
 // Deletes a unit with its cells and carriers, to which other cells refer, and creates it again.

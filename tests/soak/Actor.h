@@ -66,6 +66,7 @@ private:
     void act();
     void setStruct();
     void createBeforeTarget();
+    void setOneWay();
     void rebuildUnit();
     void toggleInVersion1();
     void askForNonsense();

@@ -35,7 +35,13 @@ std::optional<AttributeValue> act(const ActionCall& call) {
 
 }
 
-Scene::Scene(unsigned writers, Tally& tally) : mModel(RanGenerator::readRanModel()) {
+Scene::Scene(unsigned writers, Tally& tally) : Scene(writers, tally, nullptr, {}) {}
+
+Scene::Scene(unsigned writers, Tally& tally, CommitLog& log, const std::string& host)
+    : Scene(writers, tally, &log, host) {}
+
+Scene::Scene(unsigned writers, Tally& tally, CommitLog* log, const std::string& host)
+    : mModel(RanGenerator::readRanModel()) {
     for (unsigned writer = 0; writer < writers; ++writer) {
         mCasts.emplace_back("w" + std::to_string(writer));
     }
@@ -43,22 +49,30 @@ Scene::Scene(unsigned writers, Tally& tally) : mModel(RanGenerator::readRanModel
     HostOptions options;
     options.preferredIdentity = "north";
     mHost = std::make_unique<Host>(mModel.model, options);
-    loadNetwork();
+    const bool isFirst = log == nullptr || log->isNew();
+    if (isFirst) {
+        loadNetwork(mHost->store());
+    }
+    if (log != nullptr) {
+        mHost->store().attach(*log, host);
+    }
     mHost->router().setActionHandler(&act);
     mTap.emplace(mModel.model, mHost->router(), tally);
     startComponent();
     mClients.emplace(*mHost);
-    makeStage();
+    if (isFirst) {
+        makeStage();
+    }
 }
 
-void Scene::loadNetwork() {
-    DataSet data(mModel.model);
+void Scene::loadNetwork(MoStore& store) {
+    DataSet data(store.model());
     const RanGenerator::RanNetwork network(RanGenerator::RanPlan::forSize(kObjects), 1);
     network.generate([&](const DataObject& object) {
         data.add({object.dn, object.attributes, {}});
     });
     require(data.check().problems.empty(), "the network is not consistent");
-    require(data.moveInto(mHost->store()).empty(), "the store refuses the network");
+    require(data.moveInto(store).empty(), "the store refuses the network");
 }
 
 void Scene::startComponent() {

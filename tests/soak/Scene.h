@@ -28,6 +28,13 @@ public:
     /// share, and the counters.
     /// \throws std::runtime_error
     Scene(unsigned writers, Tally& tally);
+    /// The same on a store that hosts in several processes share: \p log leads to it, and \p host
+    /// is the name of this one. The first scene of a store fills it. The log must outlive the
+    /// scene. \throws std::runtime_error, OrvHost::HostError
+    Scene(unsigned writers, Tally& tally, OrvHost::CommitLog& log, const std::string& host);
+
+    /// The network from which all scenes start.
+    static void loadNetwork(OrvHost::MoStore& store);
 
     OrvHost::Host& host() { return *mHost; }
     const Cast& ownCast(unsigned writer) const { return mCasts[writer]; }
@@ -44,7 +51,8 @@ public:
     void createUnits(unsigned long txHandle, const Cast& cast);
 
 private:
-    void loadNetwork();
+    Scene(unsigned writers, Tally& tally, OrvHost::CommitLog* log, const std::string& host);
+
     void startComponent();
     void makeStage();
 

@@ -22,6 +22,7 @@ public:
     std::atomic<std::uint64_t> aborted{0};   ///< as the plan said
     std::atomic<std::uint64_t> refused{0};   ///< because of a violation that was made on purpose
     std::atomic<std::uint64_t> conflicts{0}; ///< rolled back because of another writer
+    std::atomic<std::uint64_t> elsewhere{0}; ///< of these, at commit, because of another host
     std::atomic<std::uint64_t> retried{0};
     std::atomic<std::uint64_t> givenUp{0}; ///< still in conflict after the last retry
 

@@ -20,14 +20,18 @@ namespace {
 constexpr int kTries = 4;
 constexpr std::size_t kMostDeadIterators = 200;
 
-// Only the store's messages about a conflict contain this text: they name the other transaction.
-bool tellsOfConflict(const TransactionOutcome& outcome) {
+bool holds(const TransactionOutcome& outcome, const char* text) {
     for (const ThreadContext::Message& message : outcome.messages) {
-        if (message.text.find(" transaction") != std::string::npos) {
+        if (message.text.find(text) != std::string::npos) {
             return true;
         }
     }
     return false;
+}
+
+// Only the store's messages about a conflict contain this text: they name the other transaction.
+bool tellsOfConflict(const TransactionOutcome& outcome) {
+    return holds(outcome, " transaction");
 }
 
 std::string textOf(const TransactionOutcome& outcome) {
@@ -41,13 +45,31 @@ std::string textOf(const TransactionOutcome& outcome) {
 }
 
 Writer::Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number)
-    : mScene(scene), mTally(tally), mOptions(options), mNumber(number) {}
+    : mScene(scene),
+      mTally(tally),
+      mOptions(options),
+      mNumber(number),
+      mCast(scene.ownCast(number)),
+      mIsAlone(true) {}
+
+Writer::Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number,
+               const Cast& cast)
+    : mScene(scene),
+      mTally(tally),
+      mOptions(options),
+      mNumber(number),
+      mCast(cast),
+      mIsAlone(false) {}
 
 void Writer::runTo(std::uint64_t operations, std::uint64_t transactions) {
     while (mOperations < operations || mTransactions < transactions) {
-        work(mTransactions);
-        ++mTransactions;
+        runOnce();
     }
+}
+
+void Writer::runOnce() {
+    work(mTransactions);
+    ++mTransactions;
 }
 
 void Writer::work(std::uint64_t number) {
@@ -71,8 +93,8 @@ Writer::End Writer::attempt(std::uint64_t number) {
     const bool isShared = random.oneIn(6);
     const unsigned long tx = mScene.host().transactions().begin();
     ++mTally.transactions;
-    Actor actor(mScene, tx, random, isShared ? mScene.sharedCast() : mScene.ownCast(mNumber),
-                isShared ? nullptr : &mLedger);
+    Actor actor(mScene, tx, random, isShared ? mScene.sharedCast() : mCast,
+                isShared || !mIsAlone ? nullptr : &mLedger);
     const End end = play(actor, tx, random, isShared);
     if (end == End::Committed) {
         mLedger.commit();
@@ -165,6 +187,10 @@ Writer::End Writer::commit(unsigned long txHandle) {
 Writer::End Writer::endOf(const TransactionOutcome& outcome, const char* phase) {
     if (!tellsOfConflict(outcome)) {
         mTally.fail(std::string(phase) + " refuses for no reason: " + textOf(outcome));
+    }
+    // The names of hosts that share a store begin so, see SharedHost.
+    if (holds(outcome, " on host-")) {
+        ++mTally.elsewhere;
     }
     return End::Conflict;
 }

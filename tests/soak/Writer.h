@@ -18,6 +18,7 @@ struct TransactionOutcome;
 namespace Soak {
 
 class Actor;
+class Cast;
 class Random;
 class Scene;
 class Tally;
@@ -29,9 +30,15 @@ class Tally;
 class Writer {
 public:
     Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number);
+    /// One that has a rival on another host: both work on the objects of \p cast, and have
+    /// different numbers.
+    Writer(Scene& scene, Tally& tally, const SoakOptions& options, unsigned number,
+           const Cast& cast);
 
     /// Continues until it has done this number of operations and of transactions in total.
     void runTo(std::uint64_t operations, std::uint64_t transactions);
+    /// One more transaction, with its repetitions.
+    void runOnce();
 
     const Ledger& ledger() const { return mLedger; }
     /// The last iterators whose transactions have ended.
@@ -52,6 +59,8 @@ private:
     Tally& mTally;
     const SoakOptions& mOptions;
     unsigned mNumber;
+    const Cast& mCast;
+    bool mIsAlone; ///< nobody else writes the objects of mCast
     Ledger mLedger;
     std::uint64_t mOperations = 0;
     std::uint64_t mTransactions = 0;
