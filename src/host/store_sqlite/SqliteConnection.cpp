@@ -61,7 +61,13 @@ bool SqliteError::isBeforeWriting() const {
 }
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode) {
-    const int code = sqlite3_open_v2(file.c_str(), &mHandle, flagsOf(mode), nullptr);
+    // Otherwise the engine takes such a name as a URI, if it was built so.
+    const std::string name = (file.native().rfind("file:", 0) == 0 ? "./" : "") + file.native();
+    int code = sqlite3_open_v2(name.c_str(), &mHandle, flagsOf(mode), nullptr);
+    // What cannot be written is opened all the same, and the first read fails as on a broken disk.
+    if (code == SQLITE_OK && sqlite3_db_readonly(mHandle, "main") == 1) {
+        code = SQLITE_READONLY;
+    }
     if (code != SQLITE_OK) {
         const std::string text = reasonFor(code & 0xFF, sqlite3_errstr(code));
         sqlite3_close(std::exchange(mHandle, nullptr));

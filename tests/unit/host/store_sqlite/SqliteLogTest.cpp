@@ -212,6 +212,54 @@ TEST_F(SqliteLogTest, Open_DirectoryThatCannotBeWritten_IsRefused) {
     fs::permissions(directory, fs::perms::owner_all);
 }
 
+/// Lives as a user whom rights stop, if this one is not such a user already.
+class OrdinaryUser {
+public:
+    OrdinaryUser() { set(mIsRoot ? kNobody : geteuid()); }
+    ~OrdinaryUser() { set(mIsRoot ? 0 : geteuid()); }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    static void set(uid_t user) { EXPECT_EQ(seteuid(user), 0); }
+    static constexpr uid_t kNobody = 65534;
+
+    const bool mIsRoot = geteuid() == 0;
+};
+
+TEST_F(SqliteLogTest, Open_FileThatCannotBeWritten_SaysSo) {
+    fill();
+    fs::permissions(directory, fs::perms::all);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    {
+        const OrdinaryUser user;
+        const std::string text = "the store " + file.string() +
+                                 " cannot be used: it cannot be "
+                                 "written";
+        EXPECT_EQ(whyRefused(), text);
+        EXPECT_EQ(errorOf([&] { readStoreInfo(file); }).what(), text);
+    }
+    fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
+    EXPECT_EQ(Kept(file).store.size(), 3U);
+}
+
+TEST_F(SqliteLogTest, Open_NameLikeAUri_IsTheFileOfThatName) {
+    const fs::path before = fs::current_path();
+    fs::current_path(directory);
+    file = "file:store?mode=memory";
+    fill();
+    {
+        Kept kept(file);
+        setLabel(kept.store, "kept");
+        kept.log.backup("file:copy");
+    }
+    EXPECT_EQ(Kept(file).store.begin(1)->get(kA, "label"), text("kept"));
+    EXPECT_EQ(Kept("file:copy").store.begin(1)->get(kA, "label"), text("kept"));
+    EXPECT_TRUE(fs::exists(directory / file));
+    EXPECT_TRUE(fs::exists(directory / "file:copy"));
+    fs::current_path(before);
+}
+
 TEST_F(SqliteLogTest, Commit_DiskIsFull_IsRefusedAndTheStoreGoesOn) {
     fill();
     Kept kept(file);
