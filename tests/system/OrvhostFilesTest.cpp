@@ -508,7 +508,8 @@ TEST(OrvhostDiffTest, UnknownSideOrObject_IsAnError) {
         {"--keep-going"});
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err,
-                AllOf(HasSubstr("'t9' is neither a file nor an open transaction nor 'committed'"),
+                AllOf(HasSubstr("'t9' is neither a file nor a store nor an open transaction nor "
+                                "'committed'"),
                       HasSubstr("there is no object ManagedElement=east,Mast=x"),
                       HasSubstr("diff: B is missing. Usage: diff A B [DN]")));
 }

@@ -84,16 +84,6 @@ TEST_F(OrvhostSharedStore, StoreCommands_WorkOnTheTables) {
     EXPECT_THAT(readFile(out), HasSubstr(R"("userLabel": "Pier")"));
 }
 
-TEST_F(OrvhostSharedStore, FileOfAStore_CanMoveIntoTheTables) {
-    const TemporaryDirectory directory;
-    const std::string file = directory.path() / "old.store";
-    ASSERT_EQ(run({"-d", EXAMPLES_DIR "/data/harbour.json", "--store", file, "count"}).status, 0);
-    ASSERT_EQ(run({"store", "init", mStore}).status, 0);
-    const ProgramResult moved = run({"store", "migrate", file, mStore});
-    EXPECT_EQ(moved.status, 0) << moved.err;
-    EXPECT_EQ(run({"--store", mStore, "count"}).out, run({"--store", file, "count"}).out);
-}
-
 /// A host whose commands come one after the other, while it runs.
 class RunningHost {
 public:
@@ -143,6 +133,32 @@ private:
     pid_t mProcess = -1;
     int mCommands = -1;
 };
+
+TEST_F(OrvhostSharedStore, Diff_ComparesWithWhatHostsUse) {
+    fill();
+    const RunningHost host(onModel({"--store", mStore, "--keep-going", "-f", "-"}));
+    host.say("set ManagedElement=Harbour userLabel=Pier");
+    EXPECT_TRUE(host.writes("set and committed"));
+    const std::string data = EXAMPLES_DIR "/data/harbour.json";
+    const std::string difference =
+        "~ ManagedElement=Harbour\n    userLabel: \"Harbour\" -> \"Pier\"\n";
+    EXPECT_EQ(run({"diff", data, mStore}).out, difference);
+    EXPECT_EQ(run({"-d", data, "diff", "committed", mStore}).out, difference);
+    EXPECT_EQ(run({"--store", mStore, "diff", mStore, "committed"}).out, "");
+    const ProgramResult none = run({"diff", "postgresql:host=/nowhere", "committed"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_THAT(none.err, HasSubstr("diff: "));
+}
+
+TEST_F(OrvhostSharedStore, FileOfAStore_CanMoveIntoTheTables) {
+    const TemporaryDirectory directory;
+    const std::string file = directory.path() / "old.store";
+    ASSERT_EQ(run({"-d", EXAMPLES_DIR "/data/harbour.json", "--store", file, "count"}).status, 0);
+    ASSERT_EQ(run({"store", "init", mStore}).status, 0);
+    const ProgramResult moved = run({"store", "migrate", file, mStore});
+    EXPECT_EQ(moved.status, 0) << moved.err;
+    EXPECT_EQ(run({"--store", mStore, "count"}).out, run({"--store", file, "count"}).out);
+}
 
 TEST_F(OrvhostSharedStore, ServerAway_IsSaidOnceAndReadsGoOn) {
     OrvHost::PostgresqlServer server;

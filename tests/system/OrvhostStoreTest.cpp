@@ -176,6 +176,48 @@ TEST_F(OrvhostStore, Backup_IsAStore) {
     EXPECT_THAT(again.err, HasSubstr("there is such a file already"));
 }
 
+TEST_F(OrvhostStore, Diff_ComparesWithTheFileOfAStore) {
+    fill();
+    const std::string copy = mDirectory.path() / "copy";
+    ASSERT_EQ(runKept({"backup " + copy, "delete ManagedElement=1,Unit=7",
+                       "set ManagedElement=1 label=new", "create ManagedElement=1,Unit=8 label=u"})
+                  .status,
+              0);
+    const std::string before = readFile(copy);
+    const std::string differences = "~ ManagedElement=1\n"
+                                    "    label: \"x\" -> \"new\"\n"
+                                    "- ManagedElement=1,Unit=7\n"
+                                    "+ ManagedElement=1,Unit=8\n"
+                                    "    label: \"u\"\n";
+    EXPECT_EQ(runKept({"diff " + copy + " committed"}).out, differences);
+    EXPECT_EQ(run({"diff", copy, mStore}).out, differences);
+    EXPECT_EQ(run({"diff", mData, copy}).out, "");
+    EXPECT_EQ(run({"--json", "diff", copy, mStore, "ManagedElement=1,Unit=8"}).out,
+              R"({"command":"diff","before":")" + copy + R"(","after":")" + mStore +
+                  R"(","dn":"ManagedElement=1,Unit=8","differences":[{"change":"created",)"
+                  R"("dn":"ManagedElement=1,Unit=8","attributes":{"label":{"before":null,)"
+                  R"("after":"u"}}}]})"
+                  "\n");
+    EXPECT_EQ(readFile(copy), before);
+}
+
+TEST_F(OrvhostStore, Diff_WithAnotherIdentity_IsAboutTheElementAtTheRoot) {
+    fill();
+    EXPECT_EQ(run({"--me-id", "north", "-d", mData, "diff", mStore, "committed"}).out, "");
+}
+
+TEST_F(OrvhostStore, Diff_StoreThatCannotBeRead_SaysWhy) {
+    fill();
+    const ProgramResult held = runKept({"diff " + mStore + " committed"});
+    EXPECT_EQ(held.status, 1);
+    EXPECT_THAT(held.err, AllOf(StartsWith("diff: " + mStore + " is in use by process "),
+                                HasSubstr("'committed' is what the own store holds")));
+    mDirectory.file("m.yang", moduleText("title"));
+    EXPECT_THAT(run({"diff", mStore, "committed"}).err,
+                HasSubstr("it is of another model: attribute 'label' of class 'ManagedElement' is "
+                          "not there any more"));
+}
+
 TEST_F(OrvhostStore, Backup_WithoutAStore_IsRefused) {
     const ProgramResult result = run({"backup", "copy"});
     EXPECT_EQ(result.status, 1);

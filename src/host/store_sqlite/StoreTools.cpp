@@ -7,6 +7,7 @@
 #include "StoreHolder.h"
 #include "StoreSchema.h"
 #include "base/DnView.h"
+#include "model/ModelFingerprint.h"
 #include "store/AttributeBytes.h"
 #include "store/CheckedBytes.h"
 #include "store/CommitLog.h"
@@ -218,6 +219,13 @@ std::pair<std::uint64_t, std::uint64_t> compactStore(const std::filesystem::path
 
 void readObjects(const std::filesystem::path& file, const StoredObject& take) {
     withStore(file, [&](SqliteConnection& connection) { readRows(connection, take); });
+}
+
+void readObjects(const std::filesystem::path& file, const Model& model, const StoredObject& take) {
+    withStore(file, [&](SqliteConnection& connection) {
+        requireModel(connection, modelFacts(model));
+        readRows(connection, take);
+    });
 }
 
 }

@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_STORE_SQLITE_STORETOOLS_H
 #define ORV_HOST_STORE_SQLITE_STORETOOLS_H
 
-#include "model/Value.h"
+#include "model/Model.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -42,6 +42,8 @@ std::pair<std::uint64_t, std::uint64_t> compactStore(const std::filesystem::path
 /// names things. The file stays as it is.
 using StoredObject = std::function<void(const std::string& dn, std::vector<NamedValue> values)>;
 void readObjects(const std::filesystem::path& file, const StoredObject& take);
+/// The same of a store that must be of \p model; throws LogUnavailable with the first difference.
+void readObjects(const std::filesystem::path& file, const Model& model, const StoredObject& take);
 
 }
 

@@ -228,8 +228,9 @@ the DN. Values that only the system sets are left out. A directory means all its
            .synopsis = "A B [DN]",
            .summary = "show how B differs from A",
            .details =
-               R"(A and B are each a file, the name of an open transaction, or committed. Objects of A that
-B lacks have a -, those that only B has a +, changed ones a ~ with the values of both. Prints
+               R"(A and B are each a file of instance data, the store of another host (a file that nobody
+uses, or postgresql:...), the name of an open transaction, or committed. Objects of A that B
+lacks have a -, those that only B has a +, changed ones a ~ with the values of both. Prints
 nothing if there is no difference. With a DN only its subtree is compared.
 )",
            .words = {WordKind::State, WordKind::State, WordKind::Dn},

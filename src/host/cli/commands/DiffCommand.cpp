@@ -4,12 +4,16 @@
 #include "Commands.h"
 
 #include "DataFile.h"
+#include "MeIdTranslator.h"
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/DifferenceReport.h"
 #include "cli/session/Session.h"
+#include "cli/setup/OtherStore.h"
+#include "client/DnResolver.h"
 #include "client/StateComparison.h"
 #include "client/SubtreeReader.h"
+#include "client/edits/References.h"
 #include "model/ChoiceCheck.h"
 
 #include <algorithm>
@@ -17,11 +21,19 @@
 #include <functional>
 #include <set>
 
+#include <unistd.h>
+
 namespace OrvHost {
 
 namespace {
 
 using Visit = std::function<void(ObjectState&& object)>;
+
+// A reference to an object that no client can name stays as it is.
+std::string external(const std::string& dn) {
+    std::string name = Orv::MeIdTranslator::instance()->toExternalDn(dn);
+    return name.empty() ? dn : name;
+}
 
 /// Reads one side of a comparison.
 class SideReader {
@@ -37,6 +49,8 @@ public:
             readState(transaction.handle(), visit);
         } else if (std::find(names.begin(), names.end(), side) != names.end()) {
             readState(mSession.transactions().require(side).handle, visit);
+        } else if (isStore(side)) {
+            readOther(side, visit);
         } else {
             readFile(side, visit);
         }
@@ -58,17 +72,50 @@ private:
                 [] {});
     }
 
+    void readOther(const std::string& store, const Visit& visit) {
+        const Model& model = mSession.model();
+        try {
+            readStore(store, model, [&](const std::string& dn, std::vector<NamedValue> values) {
+                mSession.cancellation().throwIfCancelled();
+                DataObject object;
+                object.dn = external(dn);
+                const ClassDef* const moc = DnResolver(model).classOf(object.dn);
+                if (moc == nullptr) {
+                    throw AnswerError(store + ": the model has no class for " + object.dn);
+                }
+                object.moc = static_cast<ClassIndex>(moc - model.classes.data());
+                object.attributes = std::move(values);
+                for (NamedValue& value : object.attributes) {
+                    changeReferences(value.second, external);
+                }
+                take(std::move(object), visit);
+            });
+        } catch (const HostError& failure) {
+            std::string text = failure.what();
+            if (text.find(" in use by process " + std::to_string(getpid()) + " ") !=
+                std::string::npos) {
+                text += std::string("; '") + kCommitted + "' is what the own store holds";
+            }
+            throw AnswerError(text);
+        }
+    }
+
     void readFile(const std::string& file, const Visit& visit) {
         std::error_code ignored;
         if (!std::filesystem::exists(file, ignored)) {
-            throw AnswerError("'" + file + "' is neither a file nor an open transaction nor '" +
+            throw AnswerError("'" + file +
+                              "' is neither a file nor a store nor an open transaction nor '" +
                               kCommitted + "'");
         }
         for (DataObject& object : readDataFile(mSession, file).objects) {
-            if (DnView(object.dn).isAtOrBelow(DnView(mDn))) {
-                ++mCount;
-                visit(stateOf(std::move(object)));
-            }
+            take(std::move(object), visit);
+        }
+    }
+
+    void take(DataObject&& object, const Visit& visit) {
+        if (DnView(object.dn).isAtOrBelow(DnView(mDn))) {
+            ++mCount;
+            visit(stateOf(std::move(object)));
         }
     }
 
