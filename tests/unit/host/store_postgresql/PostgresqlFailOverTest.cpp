@@ -95,6 +95,8 @@ TEST_F(PostgresqlFailOverTest, SynchronousCopyTakesOver_NothingIsLost) {
     EXPECT_EQ(contentOf(a.store), contentOf(fresh.store));
     EXPECT_EQ(contentOf(b.store), contentOf(fresh.store));
     EXPECT_THAT(Mixture::violations(fresh.store, acknowledged), IsEmpty());
+    RecordProperty("acknowledged", std::to_string(acknowledged.size()));
+    RecordProperty("committed", std::to_string(fresh.store.lastCommit()));
 }
 
 TEST_F(PostgresqlFailOverTest, CopyThatLacksCommitsTakesOver_LoadsAnew) {

@@ -5,23 +5,26 @@
 // again. After each kill the store must hold what was acknowledged, whole transactions only, and
 // the same as the replay of its log from the beginning.
 //
-// usage: postgresql_kill_test [KILLS [SEED]]
+// usage: postgresql_kill_test [ROUNDS [SEED]]
 
 #include "Mixture.h"
 #include "PostgresqlServer.h"
-#include "ReplayLog.h"
 #include "SampleStore.h"
 #include "store_postgresql/PostgresqlLog.h"
 #include "store_postgresql/PostgresqlTools.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <random>
+#include <set>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -47,6 +50,27 @@ void acknowledge(int file, const std::string& mark) {
 
 volatile std::sig_atomic_t isToCompare = 0;
 
+/// One host of the store.
+struct Host {
+    Host(const std::string& target, const std::string& name)
+        : log(target, sampleStoreModel(), kLimits), store(sampleStoreModel()) {
+        store.attach(log, name);
+    }
+    PostgresqlLog log;
+    MoStore store;
+};
+
+// A start that meets a kill of the server is refused, and tried again.
+std::unique_ptr<Host> startHost(const std::string& target, const std::string& name) {
+    for (;;) {
+        try {
+            return std::make_unique<Host>(target, name);
+        } catch (const LogUnavailable&) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+}
+
 // True if the store holds what one has that starts now. Others commit no more, but the server may
 // still work on what they have sent.
 bool isAsTheLog(MoStore& store, CommitLog& log) {
@@ -69,9 +93,8 @@ bool isAsTheLog(MoStore& store, CommitLog& log) {
 [[noreturn]] void work(const std::string& target, const std::string& acknowledged, unsigned seed) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGUSR1, [](int) { isToCompare = 1; });
-    PostgresqlLog log(target, sampleStoreModel(), kLimits);
-    MoStore store(sampleStoreModel());
-    store.attach(log, "host " + std::to_string(seed));
+    const std::unique_ptr<Host> host = startHost(target, "host " + std::to_string(seed));
+    MoStore& store = host->store;
     const int file = open(acknowledged.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     std::vector<std::thread> threads;
     for (unsigned at = 0; at < kThreads; ++at) {
@@ -94,7 +117,7 @@ bool isAsTheLog(MoStore& store, CommitLog& log) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-    if (!isAsTheLog(store, log)) {
+    if (!isAsTheLog(store, host->log)) {
         std::cerr << "what the host holds is not what the log holds\n";
         _exit(4);
     }
@@ -120,18 +143,7 @@ LogMark startOf(const std::string& target) {
 std::vector<std::string> check(const std::string& target,
                                const std::vector<std::string>& acknowledged) {
     PostgresqlLog log(target, sampleStoreModel());
-    MoStore loaded(sampleStoreModel());
-    loaded.attach(log);
-    MoStore replayed(sampleStoreModel());
-    Mixture::load(replayed);
-    ReplayLog replay(log, startOf(target));
-    replayed.attach(replay);
-    replayed.catchUp();
-    std::vector<std::string> problems = Mixture::violations(loaded, acknowledged);
-    if (contentOf(loaded) != contentOf(replayed)) {
-        problems.emplace_back("the objects are not those that the entries lead to");
-    }
-    return problems;
+    return Mixture::problems(log, startOf(target), acknowledged);
 }
 
 /// A process of the server that works for a host; one that writes to the disk if there is one.
@@ -158,21 +170,6 @@ void awaitServer(const std::string& target) {
     }
 }
 
-/// Kills all; the last one, if \p compares, ends by itself after it has compared. True if none has
-/// ended before, and nothing was different.
-bool endAll(const std::array<pid_t, kHosts>& hosts, bool compares) {
-    bool isRight = true;
-    for (const pid_t host : hosts) {
-        const bool isLast = host == hosts.back();
-        kill(host, isLast && compares ? SIGUSR1 : SIGKILL);
-        int status = 0;
-        waitpid(host, &status, 0);
-        isRight = isRight && (isLast && compares ? WIFEXITED(status) && WEXITSTATUS(status) == 0
-                                                 : WIFSIGNALED(status));
-    }
-    return isRight;
-}
-
 /// Waits until more than \p known lines are there.
 bool hasMore(const std::string& path, std::size_t known) {
     for (int round = 0; round < 600; ++round) {
@@ -184,7 +181,114 @@ bool hasMore(const std::string& path, std::size_t known) {
     return false;
 }
 
-int run(unsigned kills, unsigned seed) {
+/// What was killed so far.
+struct Kills {
+    std::vector<unsigned> hosts; ///< the seeds of those that were killed
+    unsigned serverProcesses = 0;
+
+    /// How many of the hosts had committed something.
+    std::size_t writers(const std::vector<std::string>& acknowledged) const {
+        std::set<unsigned> committed;
+        for (const std::string& mark : acknowledged) {
+            committed.insert(static_cast<unsigned>(std::strtoul(mark.c_str() + 1, nullptr, 10)));
+        }
+        return static_cast<std::size_t>(std::count_if(
+            hosts.begin(), hosts.end(), [&](unsigned seed) { return committed.count(seed) != 0; }));
+    }
+};
+
+/// The hosts of one round: one of them is killed, or a process of their server, and then all, but
+/// for the last one if it is to compare.
+class Round {
+public:
+    Round(const std::string& target, const std::string& acknowledged, unsigned seed)
+        : mTarget(target), mFirstSeed(seed * kHosts) {
+        for (unsigned host = 0; host < kHosts; ++host) {
+            mHosts[host] = fork();
+            if (mHosts[host] == 0) {
+                work(target, acknowledged, mFirstSeed + host);
+            }
+        }
+    }
+
+    /// The others go on.
+    void killFirstHost(Kills& kills) { killHost(0, kills); }
+
+    void killServerProcess(Kills& kills) const {
+        if (const pid_t process = serverProcess(mTarget); process > 0) {
+            ++kills.serverProcesses;
+            kill(process, SIGKILL);
+        }
+    }
+
+    /// True if no host has ended by itself, and nothing was different.
+    bool end(bool compares, Kills& kills) {
+        for (unsigned host = 0; host + (compares ? 1 : 0) < kHosts; ++host) {
+            killHost(host, kills);
+        }
+        if (compares) {
+            kill(mHosts.back(), SIGUSR1);
+            const int status = statusOf(mHosts.back());
+            mIsRight = mIsRight && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        }
+        return mIsRight;
+    }
+
+private:
+    static int statusOf(pid_t process) {
+        int status = 0;
+        waitpid(process, &status, 0);
+        return status;
+    }
+    void killHost(unsigned host, Kills& kills) {
+        if (mHosts[host] == 0) {
+            return;
+        }
+        kill(mHosts[host], SIGKILL);
+        const int status = statusOf(std::exchange(mHosts[host], 0));
+        mIsRight = mIsRight && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+        kills.hosts.push_back(mFirstSeed + host);
+    }
+
+    const std::string& mTarget;
+    const unsigned mFirstSeed;
+    std::array<pid_t, kHosts> mHosts{}; ///< 0: has been killed
+    bool mIsRight = true;
+};
+
+/// What is wrong after one more round, one text each.
+std::vector<std::string> killOnce(const std::string& target, const std::string& acknowledged,
+                                  unsigned seed, unsigned at, Kills& kills) {
+    std::mt19937 random(seed);
+    const auto pause = [&random] {
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(std::uniform_int_distribution<unsigned>(100, 400)(random)));
+    };
+    const std::size_t before = linesOf(acknowledged).size();
+    Round round(target, acknowledged, seed);
+    // Some are killed while they start.
+    if (at % 8 > 1 && !hasMore(acknowledged, before)) {
+        return {"nothing is committed"};
+    }
+    pause();
+    if (at % 2 == 0) {
+        round.killFirstHost(kills);
+    } else {
+        round.killServerProcess(kills);
+    }
+    // Hosts may have got an answer of an earlier moment.
+    pause();
+    if (!hasMore(acknowledged, linesOf(acknowledged).size())) {
+        return {"nothing is committed any more"};
+    }
+    if (!round.end(at % 4 < 2, kills)) {
+        return {"a host ended by itself, or with another state"};
+    }
+    awaitServer(target);
+    return check(target, linesOf(acknowledged));
+}
+
+int run(unsigned rounds, unsigned seed) {
     PostgresqlServer server;
     const std::string target = server.target(server.newSchema());
     initPostgresqlStore(target, sampleStoreModel());
@@ -195,65 +299,37 @@ int run(unsigned kills, unsigned seed) {
         filled.attach(log);
     }
     const std::string acknowledged = server.directory() / "acknowledged";
-    std::mt19937 random(seed);
-    unsigned serverKills = 0;
-    for (unsigned at = 0; at < kills; ++at) {
-        std::array<pid_t, kHosts> hosts{};
-        for (unsigned host = 0; host < kHosts; ++host) {
-            hosts[host] = fork();
-            if (hosts[host] == 0) {
-                work(target, acknowledged, (seed * 100000 + at) * kHosts + host);
-            }
-        }
-        const auto pause = [&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(
-                std::uniform_int_distribution<unsigned>(100, 400)(random)));
-        };
-        pause();
-        if (at % 2 == 0) {
-            // The other host goes on.
-            kill(hosts[0], SIGKILL);
-        } else if (const pid_t process = serverProcess(target); process > 0) {
-            ++serverKills;
-            kill(process, SIGKILL);
-        }
-        // Hosts may have got an answer of an earlier moment.
-        pause();
-        if (!hasMore(acknowledged, linesOf(acknowledged).size())) {
-            std::cerr << "kill " << at << ": nothing is committed any more\n";
-            return 1;
-        }
-        if (!endAll(hosts, at % 4 < 2)) {
-            std::cerr << "kill " << at << ": a host ended by itself, or with another state\n";
-            return 1;
-        }
-        awaitServer(target);
-        const std::vector<std::string> problems = check(target, linesOf(acknowledged));
+    Kills kills;
+    for (unsigned at = 0; at < rounds; ++at) {
+        const std::vector<std::string> problems =
+            killOnce(target, acknowledged, seed * 1000 + at, at, kills);
         for (const std::string& problem : problems) {
-            std::cerr << "seed " << seed << ", kill " << at << ": " << problem << '\n';
+            std::cerr << "seed " << seed << ", round " << at << ": " << problem << '\n';
         }
         if (!problems.empty()) {
             return 1;
         }
     }
-    const std::size_t known = linesOf(acknowledged).size();
+    const std::vector<std::string> marks = linesOf(acknowledged);
     const std::size_t position = readPostgresqlInfo(target).position;
-    if (position < known) {
-        std::cerr << "there are " << position << " entries of " << known << " commits\n";
+    if (position < marks.size()) {
+        std::cerr << "there are " << position << " entries of " << marks.size() << " commits\n";
         return 1;
     }
-    std::cout << kills << " kills, " << serverKills << " of them of processes of the server, "
-              << known << " commits acknowledged, none missing, " << position - known
+    std::cout << rounds << " rounds: " << kills.hosts.size() << " kills of hosts, "
+              << kills.writers(marks) << " of them of ones that had committed; "
+              << kills.serverProcesses << " kills of processes of the server; " << marks.size()
+              << " commits acknowledged, none missing, " << position - marks.size()
               << " more committed without word\n";
     // A test in which nothing was committed, or no server was killed, would see nothing.
-    return known > 10 * kills && (kills < 2 || serverKills > 0) ? 0 : 1;
+    return marks.size() > 10 * rounds && (rounds < 2 || kills.serverProcesses > 0) ? 0 : 1;
 }
 
 }
 }
 
 int main(int count, char** arguments) {
-    const unsigned kills = count > 1 ? static_cast<unsigned>(std::atoi(arguments[1])) : 8;
+    const unsigned rounds = count > 1 ? static_cast<unsigned>(std::atoi(arguments[1])) : 8;
     const unsigned seed = count > 2 ? static_cast<unsigned>(std::atoi(arguments[2])) : 1;
-    return OrvHost::run(kills, seed);
+    return OrvHost::run(rounds, seed);
 }

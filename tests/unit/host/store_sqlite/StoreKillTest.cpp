@@ -1,33 +1,38 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Writers of a store that are killed, again and again, at random and at named points of a commit.
-// Each is two hosts on one log, with several threads each. After each kill the store is opened, and
-// must hold what was acknowledged, whole transactions only, and the same as the replay of its log
-// from the beginning.
+// Writers of a store that are killed, again and again: at random, at named points of a commit, and
+// while the engine copies its journal to the file. Each is two hosts on one log, with several
+// threads each. After each kill the store is opened, and must hold what was acknowledged, whole
+// transactions only, and the same as the replay of its log from the beginning.
 //
 // usage: store_kill_test [KILLS [SEED]]
 
 #include "Mixture.h"
-#include "ReplayLog.h"
 #include "SampleStore.h"
 #include "store_sqlite/SqliteConnection.h"
 #include "store_sqlite/SqliteLog.h"
 #include "store_sqlite/StoreTools.h"
 
-#include <algorithm>
+#include <sqlite3.h>
+
+#include <array>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
-#include <set>
+#include <optional>
+#include <random>
 #include <thread>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -42,8 +47,58 @@ constexpr unsigned kThreads = 4;
 
 /// Where a writer is to die.
 struct Death {
-    int stage = -1; ///< a Stage, or -1: when its parent kills it
-    unsigned times = 0;
+    enum class At {
+        Random,    ///< when its parent kills it
+        Commit,    ///< at a point of a commit
+        Checkpoint ///< while pages are copied from the journal to the file
+    };
+    At at = At::Random;
+    Stage stage = Stage::Begun;
+    unsigned times = 0; ///< the stage is reached, or a page is copied, so many times
+};
+
+constexpr Death kPlaces[] = {{Death::At::Commit, Stage::Begun},
+                             {Death::At::Commit, Stage::Decided},
+                             {Death::At::Commit, Stage::Written},
+                             {Death::At::Commit, Stage::Committed},
+                             {Death::At::Checkpoint}};
+
+/// Ends this process while the engine writes a page to the file itself, which it does only when it
+/// copies them from the journal: half of the page is there then.
+class DeathInCheckpoint {
+public:
+    DeathInCheckpoint(const fs::path& store, unsigned times) {
+        sLeft = times;
+        if (stat(store.c_str(), &sStore) != 0) {
+            _exit(2);
+        }
+        sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
+        // Which of them the engine uses depends on how it was built.
+        for (const char* const name : {"pwrite", "pwrite64"}) {
+            if (const sqlite3_syscall_ptr before = system->xGetSystemCall(system, name)) {
+                sWrite = reinterpret_cast<Write*>(before);
+                system->xSetSystemCall(system, name, reinterpret_cast<sqlite3_syscall_ptr>(&write));
+            }
+        }
+    }
+
+private:
+    using Write = ssize_t(int, const void*, std::size_t, off_t);
+
+    static ssize_t write(int file, const void* bytes, std::size_t size, off_t offset) {
+        struct stat status {};
+        const bool isStore = fstat(file, &status) == 0 && status.st_dev == sStore.st_dev &&
+                             status.st_ino == sStore.st_ino;
+        if (isStore && --sLeft == 0) {
+            sWrite(file, bytes, size / 2, offset);
+            raise(SIGKILL);
+        }
+        return sWrite(file, bytes, size, offset);
+    }
+
+    static inline Write* sWrite = nullptr;
+    static inline struct stat sStore {};
+    static inline std::atomic<unsigned> sLeft{0};
 };
 
 /// The mark in front of the first entry.
@@ -66,10 +121,13 @@ void acknowledge(int file, const std::string& mark) {
                         Death death) {
     SqliteLog log(store, sampleStoreModel());
     log.keepEntries(kKeepAll);
-    if (death.stage >= 0) {
+    std::optional<DeathInCheckpoint> checkpoint;
+    if (death.at == Death::At::Checkpoint) {
+        checkpoint.emplace(store, death.times);
+    } else if (death.at == Death::At::Commit) {
         auto left = std::make_shared<unsigned>(death.times);
         log.setStageHook([left, death](Stage stage) {
-            if (static_cast<int>(stage) == death.stage && --*left == 0) {
+            if (stage == death.stage && --*left == 0) {
                 raise(SIGKILL);
             }
         });
@@ -119,25 +177,15 @@ std::vector<std::string> check(const fs::path& file, const std::vector<std::stri
     commits = readStoreInfo(file).position;
     const LogMark start = startOf(file);
     SqliteLog log(file, sampleStoreModel());
-    MoStore loaded(sampleStoreModel());
-    loaded.attach(log);
-    MoStore replayed(sampleStoreModel());
-    Mixture::load(replayed);
-    ReplayLog replay(log, start);
-    replayed.attach(replay);
-    replayed.catchUp();
-    if (contentOf(loaded) != contentOf(replayed)) {
-        problems.emplace_back("the objects are not those that the entries lead to");
-    }
-    for (std::string& violation : Mixture::violations(loaded, acknowledged)) {
-        problems.push_back(std::move(violation));
+    for (std::string& problem : Mixture::problems(log, start, acknowledged)) {
+        problems.push_back(std::move(problem));
     }
     return problems;
 }
 
 /// True if the writer has died as it should.
 bool letDie(pid_t writer, Death death, unsigned milliseconds) {
-    if (death.stage < 0) {
+    if (death.at == Death::At::Random) {
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
         kill(writer, SIGKILL);
     }
@@ -156,10 +204,16 @@ int run(unsigned kills, unsigned seed) {
         return std::uniform_int_distribution<unsigned>(low, high)(random);
     };
     std::size_t commits = 0;
+    std::array<unsigned, 3> deaths{};
     for (unsigned at = 0; at < kills; ++at) {
-        // Every second one at a point of a commit, each point in turn.
-        const Death death =
-            at % 2 == 0 || at < 4 ? Death{} : Death{static_cast<int>(at / 2 % 4), between(1, 40)};
+        // Every second one at a certain place, each in turn.
+        Death death;
+        if (at % 2 != 0 && at >= 4) {
+            death = kPlaces[at / 2 % std::size(kPlaces)];
+            // Some behind the first checkpoint, too.
+            death.times = between(1, 200);
+        }
+        ++deaths[static_cast<unsigned>(death.at)];
         // The first ones while the store is created.
         const unsigned milliseconds = at < 4 ? between(0, 20) : between(20, 220);
         const pid_t writer = fork();
@@ -185,7 +239,9 @@ int run(unsigned kills, unsigned seed) {
         }
     }
     const std::size_t acknowledgedCommits = linesOf(acknowledged).size();
-    std::cout << kills << " kills, " << acknowledgedCommits
+    std::cout << kills << " kills: " << deaths[0] << " at random, " << deaths[1]
+              << " at points of a commit, " << deaths[2]
+              << " while the journal was copied to the file; " << acknowledgedCommits
               << " commits acknowledged, none missing, " << commits - acknowledgedCommits
               << " more committed without word\n";
     fs::remove_all(directory);

@@ -3,6 +3,8 @@
 
 #include "Mixture.h"
 
+#include "ReplayLog.h"
+#include "SampleStore.h"
 #include "base/HostError.h"
 
 #include <map>
@@ -39,16 +41,6 @@ AttributeValue height(std::int64_t value) {
 
 AttributeValue label(const std::string& value) {
     return {ValueKind::String, {value}};
-}
-
-std::vector<std::string> namesOf(const StoreTransaction& tx, const std::string& parent,
-                                 const std::string& className) {
-    std::vector<std::string> names;
-    ChildCursor cursor = tx.children(parent, className);
-    for (std::string name; tx.next(cursor, name);) {
-        names.push_back(name);
-    }
-    return names;
 }
 
 void createTree(StoreTransaction& tx, const std::string& dn) {
@@ -226,6 +218,22 @@ std::vector<std::string> Mixture::violations(MoStore& store,
         violations.push_back("there are " + std::to_string(fans) + " bounded objects");
     }
     return violations;
+}
+
+std::vector<std::string> Mixture::problems(CommitLog& log, const LogMark& start,
+                                           const std::vector<std::string>& acknowledged) {
+    MoStore loaded(sampleStoreModel());
+    loaded.attach(log);
+    MoStore replayed(sampleStoreModel());
+    load(replayed);
+    ReplayLog replay(log, start);
+    replayed.attach(replay);
+    replayed.catchUp();
+    std::vector<std::string> problems = violations(loaded, acknowledged);
+    if (contentOf(loaded) != contentOf(replayed)) {
+        problems.emplace_back("the objects are not those that the entries lead to");
+    }
+    return problems;
 }
 
 std::vector<std::string> contentOf(MoStore& store) {

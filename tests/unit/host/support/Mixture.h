@@ -4,6 +4,7 @@
 #ifndef ORV_TESTS_HOST_SUPPORT_MIXTURE_H
 #define ORV_TESTS_HOST_SUPPORT_MIXTURE_H
 
+#include "store/CommitLog.h"
 #include "store/MoStore.h"
 
 #include <functional>
@@ -43,6 +44,11 @@ public:
     /// that must be there.
     static std::vector<std::string> violations(MoStore& store,
                                                const std::vector<std::string>& acknowledged);
+    /// What does not hold in what \p log holds, and that its objects are not those which its
+    /// entries lead to. \p start: the mark in front of the first entry; the state there is that of
+    /// load().
+    static std::vector<std::string> problems(CommitLog& log, const LogMark& start,
+                                             const std::vector<std::string>& acknowledged);
 
 private:
     unsigned below(unsigned end) {
