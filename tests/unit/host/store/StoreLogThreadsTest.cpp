@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "MixtureRounds.h"
 #include "StoreLogScene.h"
 
 #include <atomic>
@@ -284,23 +285,9 @@ TEST(StoreLogMixtureTest, TwoHosts_KeepWhatHolds) {
     Mixture::load(one);
     one.attach(log, "one");
     two.attach(log, "two");
-    std::vector<std::vector<std::string>> acknowledged(4);
-    std::vector<std::thread> threads;
-    for (unsigned at = 0; at < 4; ++at) {
-        threads.emplace_back([&, at] {
-            Mixture mixture(at % 2 == 0 ? one : two, std::to_string(at), at + 1);
-            for (int step = 0; step < 150; ++step) {
-                mixture.step([&](const std::string& mark) { acknowledged[at].push_back(mark); });
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    std::vector<std::string> all;
-    for (const auto& marks : acknowledged) {
-        all.insert(all.end(), marks.begin(), marks.end());
-    }
+    const MixtureRun run = runMixture(one, two, 1, 150);
+    EXPECT_EQ(run.problems, std::vector<std::string>());
+    const std::vector<std::string>& all = run.acknowledged;
     EXPECT_GT(all.size(), 50U);
     EXPECT_EQ(all.size(), log.entries().size());
     one.catchUp();

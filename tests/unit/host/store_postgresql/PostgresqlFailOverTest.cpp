@@ -5,6 +5,7 @@
 
 #include "Mixture.h"
 #include "PostgresqlScene.h"
+#include "PostgresqlStart.h"
 
 #include <gmock/gmock.h>
 
@@ -43,13 +44,7 @@ protected:
 };
 
 TEST_F(PostgresqlFailOverTest, SynchronousCopyTakesOver_NothingIsLost) {
-    initPostgresqlStore(target, model);
-    {
-        PostgresqlLog log(target, model);
-        MoStore filled(model);
-        Mixture::load(filled);
-        filled.attach(log);
-    }
+    createMixtureStore(target);
     addCopy();
     first.set("synchronous_standby_names = 'copy'");
     Member a(target, "a", {3s, 700ms, 4s, 6s, 20s});

@@ -9,6 +9,7 @@
 
 #include "Mixture.h"
 #include "PostgresqlServer.h"
+#include "PostgresqlStart.h"
 #include "SampleStore.h"
 #include "store_postgresql/PostgresqlLog.h"
 #include "store_postgresql/PostgresqlTools.h"
@@ -50,21 +51,11 @@ void acknowledge(int file, const std::string& mark) {
 
 volatile std::sig_atomic_t isToCompare = 0;
 
-/// One host of the store.
-struct Host {
-    Host(const std::string& target, const std::string& name)
-        : log(target, sampleStoreModel(), kLimits), store(sampleStoreModel()) {
-        store.attach(log, name);
-    }
-    PostgresqlLog log;
-    MoStore store;
-};
-
 // A start that meets a kill of the server is refused, and tried again.
-std::unique_ptr<Host> startHost(const std::string& target, const std::string& name) {
+std::unique_ptr<Member> startHost(const std::string& target, const std::string& name) {
     for (;;) {
         try {
-            return std::make_unique<Host>(target, name);
+            return std::make_unique<Member>(target, name, kLimits);
         } catch (const LogUnavailable&) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
@@ -93,7 +84,7 @@ bool isAsTheLog(MoStore& store, CommitLog& log) {
 [[noreturn]] void work(const std::string& target, const std::string& acknowledged, unsigned seed) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGUSR1, [](int) { isToCompare = 1; });
-    const std::unique_ptr<Host> host = startHost(target, "host " + std::to_string(seed));
+    const std::unique_ptr<Member> host = startHost(target, "host " + std::to_string(seed));
     MoStore& store = host->store;
     const int file = open(acknowledged.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     std::vector<std::thread> threads;
@@ -131,12 +122,6 @@ std::vector<std::string> linesOf(const std::string& path) {
         lines.push_back(line);
     }
     return lines;
-}
-
-LogMark startOf(const std::string& target) {
-    PostgresqlConnection connection(target, {});
-    const PostgresqlRows head = connection.run("SELECT first - 1, before FROM head");
-    return {head.number(0, 0), std::string(head.text(0, 1))};
 }
 
 /// What is wrong, one text each.
@@ -291,13 +276,7 @@ std::vector<std::string> killOnce(const std::string& target, const std::string& 
 int run(unsigned rounds, unsigned seed) {
     PostgresqlServer server;
     const std::string target = server.target(server.newSchema());
-    initPostgresqlStore(target, sampleStoreModel());
-    {
-        PostgresqlLog log(target, sampleStoreModel());
-        MoStore filled(sampleStoreModel());
-        Mixture::load(filled);
-        filled.attach(log);
-    }
+    createMixtureStore(target);
     const std::string acknowledged = server.directory() / "acknowledged";
     Kills kills;
     for (unsigned at = 0; at < rounds; ++at) {

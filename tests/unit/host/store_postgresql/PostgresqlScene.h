@@ -6,6 +6,7 @@
 
 #include "Mixture.h"
 #include "PostgresqlServer.h"
+#include "PostgresqlStart.h"
 #include "SampleStore.h"
 #include "store/LogFollower.h"
 #include "store_postgresql/PostgresqlLog.h"
@@ -25,22 +26,9 @@ namespace OrvHost {
 using namespace std::chrono_literals;
 
 inline const std::string kA = "Network=1,Node=a";
-constexpr PostgresqlLimits kShort{3s, 700ms, 2000ms, 3000ms, 2000ms};
 
 // For one that waits until the server has ended another one.
 constexpr PostgresqlLimits kPatient{3s, 700ms, 20s, 30s, 2000ms};
-
-/// A host of a store.
-struct Member {
-    explicit Member(const std::string& target, const std::string& name = "a",
-                    const PostgresqlLimits& limits = kShort)
-        : log(target, sampleStoreModel(), limits), store(sampleStoreModel()) {
-        store.attach(log, name);
-    }
-
-    PostgresqlLog log;
-    MoStore store;
-};
 
 class PostgresqlScene : public testing::Test, protected SampleStore {
 protected:

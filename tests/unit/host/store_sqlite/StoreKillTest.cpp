@@ -10,7 +10,7 @@
 
 #include "Mixture.h"
 #include "SampleStore.h"
-#include "store_sqlite/SqliteConnection.h"
+#include "StoreStart.h"
 #include "store_sqlite/SqliteLog.h"
 #include "store_sqlite/StoreTools.h"
 
@@ -100,13 +100,6 @@ private:
     static inline struct stat sStore {};
     static inline std::atomic<unsigned> sLeft{0};
 };
-
-/// The mark in front of the first entry.
-LogMark startOf(const fs::path& file) {
-    SqliteConnection connection(file, SqliteConnection::Mode::Existing);
-    return {static_cast<CommitNumber>(connection.number("SELECT first - 1 FROM head")),
-            connection.text("SELECT before FROM head")};
-}
 
 // A line in a file that is written when the commit has returned: one write, so it is whole.
 void acknowledge(int file, const std::string& mark) {
