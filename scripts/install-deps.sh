@@ -43,6 +43,7 @@ bench_packages=(
   libbenchmark-dev
   valgrind            # counts instructions
   gnuplot-nox python3 # tables and plots
+  postgresql          # a server of the store's benchmark
 )
 
 case "${1:-all}" in
