@@ -347,6 +347,27 @@ TEST_F(NetconfEditTest, TopLevelElement_InNoOrAnotherNamespace_SaysWhichWouldFit
                                 "&quot;urn:orv:example:ran-element&quot; was expected")));
     EXPECT_THAT(edit("<NoSuchElement/>"), hasTag("unknown-element"));
 }
+TEST_F(NetconfEditTest, ElementBelow_InNoOrAnotherNamespace_SaysWhichWouldFit) {
+    const std::string expected = "&quot;urn:orv:example:ran-equipment&quot; was expected";
+    EXPECT_THAT(edit(element("<Equipment><equipmentId>1</equipmentId></Equipment>")),
+                AllOf(hasTag("unknown-namespace"), HasSubstr("<bad-element>Equipment<"),
+                      HasSubstr("is in the namespace &quot;urn:orv:example:ran-element&quot;, that "
+                                "of &lt;ManagedElement&gt;; xmlns=" +
+                                expected),
+                      HasSubstr("/ran-element:ManagedElement[")));
+    EXPECT_THAT(
+        edit(element(R"(<Equipment xmlns=""><equipmentId>1</equipmentId></Equipment>)")),
+        AllOf(hasTag("unknown-namespace"), HasSubstr("lacks its namespace; xmlns=" + expected)));
+    EXPECT_THAT(edit(radioUnit("1", R"(<userLabel xmlns="urn:other">x</userLabel>)")),
+                AllOf(hasTag("unknown-namespace"),
+                      HasSubstr("is in the namespace &quot;urn:other&quot;; " + expected)));
+    // Also inside an element that does not fit for another reason.
+    EXPECT_THAT(edit(equipment(R"(<Cabinet><userLabel xmlns="urn:other">x</userLabel></Cabinet>)")),
+                AllOf(HasSubstr("lacks its key"), hasTag("unknown-namespace"),
+                      HasSubstr("&lt;userLabel&gt; is in the namespace"), HasSubstr(expected)));
+    EXPECT_THAT(edit(element("<NoSuchElement/>")), hasTag("unknown-element"));
+}
+
 
 TEST_F(NetconfEditTest, Data_ThatDoesNotFitTheModel_IsNamed) {
     const std::string answer =

@@ -27,6 +27,17 @@ const lys_module* moduleOf(const WireModel& model, const lyd_node* node) {
                             : nullptr;
 }
 
+/// The node of the modules, also of one that the parser could not fit into them; or null.
+const lysc_node* schemaOf(const WireModel& model, const lyd_node* node) {
+    return node->schema != nullptr ? node->schema : meantNode(model, node);
+}
+
+std::string namespaceOf(const lyd_node* node) {
+    const char* const place =
+        node->schema != nullptr ? node->schema->module->ns : opaque(node).name.module_ns;
+    return place != nullptr ? place : "";
+}
+
 class Search {
 public:
     explicit Search(const WireModel& model) : mModel(model) {}
@@ -35,22 +46,20 @@ public:
 
     void look(const lyd_node* node) {
         const std::string name = nameOf(node);
-        const std::string expected = namespacesOfTop(name);
-        if (meantNode(mModel, node) == nullptr && lyd_parent(node) == nullptr &&
-            !expected.empty()) {
+        const lysc_node* meant = meantNode(mModel, node);
+        const std::string expected = meant == nullptr ? expectedNamespaces(node) : "";
+        if (!expected.empty()) {
             addOtherNamespace(node, expected);
             return;
         }
         if (moduleOf(mModel, node) == nullptr) {
-            const char* const place = opaque(node).name.module_ns;
-            const std::string known = place != nullptr ? place : "";
+            const std::string known = namespaceOf(node);
             add(node, "unknown-namespace",
                 "<" + name + "> is in the namespace \"" + known +
                     "\", which no module of this server has",
                 errorInfo("bad-element", name) + errorInfo("bad-namespace", known));
             return;
         }
-        const lysc_node* meant = meantNode(mModel, node);
         if (meant == nullptr) {
             const lyd_node* above = lyd_parent(node);
             add(node, "unknown-element",
@@ -65,8 +74,25 @@ public:
     }
 
 private:
-    /// The namespaces in which the model has such an element at the top, for people; empty: none.
-    std::string namespacesOfTop(const std::string& name) const {
+    /// The namespaces in which the modules have such an element at this place, for people; empty:
+    /// none.
+    std::string expectedNamespaces(const lyd_node* node) const {
+        const lyd_node* above = lyd_parent(node);
+        const lysc_node* parent = above != nullptr ? schemaOf(mModel, above) : nullptr;
+        std::set<std::string> found;
+        if (above == nullptr) {
+            found = namespacesOfTop(nameOf(node));
+        } else if (parent != nullptr) {
+            found = namespacesIn(parent, nameOf(node));
+        }
+        std::string text;
+        for (const std::string& one : found) {
+            text += (text.empty() ? "\"" : " or \"") + one + "\"";
+        }
+        return text;
+    }
+
+    std::set<std::string> namespacesOfTop(const std::string& name) const {
         std::set<std::string> found;
         for (const ObjectShape* shape : mModel.schema().childrenOf(nullptr)) {
             const lysc_node* top = shape->list;
@@ -77,23 +103,33 @@ private:
                 found.insert(top->module->ns);
             }
         }
-        std::string text;
-        for (const std::string& one : found) {
-            text += (text.empty() ? "\"" : " or \"") + one + "\"";
-        }
-        return text;
+        return found;
     }
 
-    /// An element without xmlns is in the namespace of the request.
+    static std::set<std::string> namespacesIn(const lysc_node* parent, const std::string& name) {
+        std::set<std::string> found;
+        const lysc_node* child = nullptr;
+        while ((child = lys_getnext(child, parent, nullptr, 0)) != nullptr) {
+            if (name == child->name && (child->nodetype & (LYS_ACTION | LYS_NOTIF)) == 0) {
+                found.insert(child->module->ns);
+            }
+        }
+        return found;
+    }
+
+    /// An element without xmlns is in the namespace of the element around it: at the top, of the
+    /// request.
     void addOtherNamespace(const lyd_node* node, const std::string& expected) {
         const std::string name = nameOf(node);
-        const char* const place = opaque(node).name.module_ns;
-        const std::string given = place != nullptr ? place : "";
+        const std::string given = namespaceOf(node);
+        const lyd_node* above = lyd_parent(node);
         const bool isMissing = given.empty() || given == kNetconfNamespace;
+        const bool isFromAbove = !isMissing && above != nullptr && given == namespaceOf(above);
         add(node, "unknown-namespace",
             isMissing ? "<" + name + "> lacks its namespace; xmlns=" + expected + " was expected"
-                      : "<" + name + "> is in the namespace \"" + given + "\"; " + expected +
-                            " was expected",
+                      : "<" + name + "> is in the namespace \"" + given + "\"" +
+                            (isFromAbove ? ", that of <" + nameOf(above) + ">; xmlns=" : "; ") +
+                            expected + " was expected",
             errorInfo("bad-element", name) + errorInfo("bad-namespace", given));
     }
 
@@ -149,10 +185,7 @@ private:
 const lysc_node* meantNode(const WireModel& model, const lyd_node* node) {
     const lys_module* module = moduleOf(model, node);
     const lyd_node* above = lyd_parent(node);
-    const lysc_node* parent = nullptr;
-    if (above != nullptr) {
-        parent = above->schema != nullptr ? above->schema : meantNode(model, above);
-    }
+    const lysc_node* parent = above != nullptr ? schemaOf(model, above) : nullptr;
     if (module == nullptr || (above != nullptr && parent == nullptr)) {
         return nullptr;
     }
