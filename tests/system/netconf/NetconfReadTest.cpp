@@ -68,6 +68,20 @@ TEST_F(NetconfReadTest, Get_HasStateAndTheListOfModules) {
                            HasSubstr("<name>ran-equipment</name>")));
 }
 
+TEST_F(NetconfReadTest, Get_Filtered_HasEachPartOfTheStateThatIsSelected) {
+    const auto hasModules = HasSubstr("<yang-library");
+    const auto hasState = HasSubstr("<netconf-state");
+    EXPECT_THAT(get(element("<userLabel/>")), AllOf(Not(hasModules), Not(hasState)));
+    EXPECT_THAT(get(R"(<yang-library xmlns=""/>)"), AllOf(hasModules, Not(hasState)));
+    EXPECT_THAT(get(R"(<netconf-state xmlns=""><datastores/></netconf-state>)"),
+                AllOf(Not(hasModules), hasState));
+    EXPECT_THAT(get(R"(<yang-library xmlns=""/><netconf-state xmlns=""/>)"),
+                AllOf(hasModules, hasState));
+    EXPECT_THAT(get(R"(<netconf-state xmlns="urn:other"/>)"), Not(hasState));
+    EXPECT_THAT(ask("<get/>"), AllOf(hasModules, hasState));
+    EXPECT_THAT(ask("<get><filter/></get>"), AllOf(Not(hasModules), Not(hasState)));
+}
+
 TEST_F(NetconfReadTest, Filter_WithKeys_SelectsThatObjectWhole) {
     EXPECT_THAT(
         getConfig(radioUnit("2")),

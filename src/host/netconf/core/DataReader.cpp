@@ -8,9 +8,11 @@
 
 #include <libyang/libyang.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <sstream>
+#include <utility>
 
 namespace OrvHost {
 
@@ -22,6 +24,30 @@ namespace {
     error.tag = "operation-failed";
     error.message = what + (messages.empty() ? "" : ": " + messages.front().text);
     throw RpcErrors(error);
+}
+
+/// Both trees as siblings; each can be empty.
+OwnedTree together(OwnedTree left, OwnedTree right) {
+    if (right == nullptr) {
+        return left;
+    }
+    lyd_node* first = left.release();
+    lyd_insert_sibling(first, right.release(), &first);
+    return OwnedTree(first);
+}
+
+/// True if the filter is about a node at the top of the module.
+bool canSelect(const std::vector<FilterNode>& filter, const YangContext& context,
+               const char* moduleName) {
+    const lys_module* module = ly_ctx_get_module_implemented(context.get(), moduleName);
+    const lysc_node* top = nullptr;
+    while ((top = lys_getnext(top, nullptr, module->compiled, 0)) != nullptr) {
+        if (std::any_of(filter.begin(), filter.end(),
+                        [&](const FilterNode& node) { return node.isAbout(top); })) {
+            return true;
+        }
+    }
+    return false;
 }
 
 struct SetDeleter {
@@ -48,7 +74,7 @@ std::string DataReader::read(NetconfSession& session, const DataRequest& request
 std::string DataReader::readText(NetconfSession& session, const DataRequest& request) {
     std::string text = readObjects(session, request, request.filter);
     if (!request.onlyConfig) {
-        OwnedTree state = serverState();
+        OwnedTree state = serverState(request.filter);
         if (request.filter) {
             state = filtered(std::move(state), *request.filter);
         }
@@ -69,7 +95,7 @@ OwnedTree DataReader::readTree(NetconfSession& session, const DataRequest& reque
         addDefaults(parsed, request);
     }
     if (!request.onlyConfig) {
-        lyd_insert_sibling(parsed, serverState().release(), &parsed);
+        parsed = together(OwnedTree(parsed), serverState(request.filter)).release();
     }
     return OwnedTree(parsed);
 }
@@ -127,23 +153,34 @@ void DataReader::tagDefaults(lyd_node* top) const {
     }
 }
 
-/// The list of modules, and the state of the server.
-OwnedTree DataReader::serverState() const {
+/// The list of modules, and the state of the server: what of them a filter can select, since they
+/// cost more than most reads.
+OwnedTree DataReader::serverState(const std::optional<std::vector<FilterNode>>& filter) const {
+    const auto isWanted = [&](const char* module) {
+        return !filter || canSelect(*filter, mModel.context(), module);
+    };
+    OwnedTree state = isWanted("ietf-yang-library") ? listOfModules() : nullptr;
+    return isWanted("ietf-netconf-monitoring") ? together(std::move(state), monitored())
+                                               : std::move(state);
+}
+
+OwnedTree DataReader::listOfModules() const {
     lyd_node* tree = nullptr;
     if (ly_ctx_get_yanglib_data(mModel.context().get(), &tree, "%u",
                                 ly_ctx_get_change_count(mModel.context().get())) != LY_SUCCESS) {
         fail(mModel.context(), "the list of modules cannot be made");
     }
-    OwnedTree state(tree);
-    const std::string monitored = mMonitor.toXml();
+    return OwnedTree(tree);
+}
+
+OwnedTree DataReader::monitored() const {
+    const std::string text = mMonitor.toXml();
     lyd_node* parsed = nullptr;
-    if (lyd_parse_data_mem(mModel.context().get(), monitored.c_str(), LYD_XML,
+    if (lyd_parse_data_mem(mModel.context().get(), text.c_str(), LYD_XML,
                            LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &parsed) != LY_SUCCESS) {
         fail(mModel.context(), "the state of the server cannot be shown");
     }
-    lyd_node* first = state.release();
-    lyd_insert_sibling(first, parsed, &first);
-    return OwnedTree(first);
+    return OwnedTree(parsed);
 }
 
 std::string DataReader::print(const lyd_node* tree, Defaults defaults) const {

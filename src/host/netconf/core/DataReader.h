@@ -58,7 +58,9 @@ private:
     void addDefaults(lyd_node* first, const DataRequest& request) const;
     void removeForeign(lyd_node* top) const;
     void tagDefaults(lyd_node* top) const;
-    OwnedTree serverState() const;
+    OwnedTree serverState(const std::optional<std::vector<FilterNode>>& filter) const;
+    OwnedTree listOfModules() const;
+    OwnedTree monitored() const;
     std::string print(const lyd_node* tree, Defaults defaults) const;
     OwnedTree select(const OwnedTree& tree, const std::string& xpath) const;
 
