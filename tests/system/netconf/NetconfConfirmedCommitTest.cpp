@@ -42,12 +42,15 @@ protected:
         ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(1, 2)))), "ok");
         ASSERT_EQ(label("Old harbour"), "ok");
     }
-};
 
-TEST_F(NetconfConfirmedCommitTest, Cancelled_IsAsBefore) {
+    /// What that changes. Not all of running is compared, since objects that are made again stand
+    /// after others.
     const std::vector<std::string> parts{radioUnit("1"), radioUnit("2"), radioUnit("9"),
                                          element("<userLabel/>"),
                                          equipment("<AntennaUnit/><Sector/><BasebandUnit/>")};
+};
+
+TEST_F(NetconfConfirmedCommitTest, Cancelled_IsAsBefore) {
     std::vector<std::string> before;
     for (const std::string& part : parts) {
         before.push_back(getConfig(part));
@@ -180,6 +183,107 @@ TEST_F(NetconfConfirmedCommitTest, TakenBack_CandidateOnWhatIsGone_IsDiscardedAn
     EXPECT_THAT(commit(alice, ""), AllOf(hasTag("operation-failed"), HasSubstr("discarded")));
     EXPECT_EQ(commit(alice, ""), "ok") << "it is said once";
     EXPECT_EQ(commit(bob, ""), "ok");
+}
+
+TEST_F(NetconfConfirmedCommitTest, ManyCommits_AreTakenBackToWhatWasBeforeTheFirst) {
+    std::vector<std::string> before;
+    for (const std::string& part : parts) {
+        before.push_back(getConfig(part));
+    }
+    editMuch();
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    // Made and deleted, deleted and made again, changed again.
+    ASSERT_EQ(edit(radioUnit("9", {}, kDelete), "running"), "ok");
+    ASSERT_EQ(edit(radioUnit("9", tagged("antennaRef", antenna(2, 1))), "running"), "ok");
+    ASSERT_EQ(edit(radioUnit("8"), "running"), "ok");
+    ASSERT_EQ(edit(radioUnit("8", {}, kDelete), "running"), "ok");
+    ASSERT_EQ(edit(radioUnit("1", tagged("userLabel", "Made again")), "running"), "ok");
+    ASSERT_EQ(edit(radioUnit("2", "<userLabel " + kDelete + "/>"), "running"), "ok");
+    for (int time = 0; time < 20; ++time) {
+        ASSERT_EQ(label("label " + std::to_string(time), "running"), "ok");
+    }
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    for (std::size_t at = 0; at < parts.size(); ++at) {
+        EXPECT_EQ(getConfig(parts[at]), before[at]) << parts[at];
+    }
+    EXPECT_THAT(getConfig(radioUnit("8")), Not(HasSubstr("<radioUnitId>8")));
+}
+
+/// A client of the host has written to what must be taken back, and has not committed yet.
+class NetconfOverdueCommitTest : public NetconfConfirmedCommitTest {
+protected:
+    void SetUp() override {
+        dispatcher.pauseUndoing(std::chrono::seconds(1));
+        ASSERT_EQ(label("Old harbour"), "ok");
+    }
+    void write() {
+        handle = host.transactions().begin("carol");
+        bob.client().client().set(
+            *handle, "ManagedElement=Harbour",
+            {{"userLabel", AttributeValue{ValueKind::String, {std::string("Carol's")}}}});
+    }
+    void TearDown() override {
+        if (handle) {
+            abort();
+        }
+    }
+    void abort() {
+        host.transactions().abort(*handle);
+        handle.reset();
+    }
+    std::optional<unsigned long> handle;
+};
+
+TEST_F(NetconfOverdueCommitTest, RefusedCancel_KeepsWaiting) {
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    write();
+    EXPECT_THAT(ask("<cancel-commit/>"), AllOf(hasTag("in-use"), HasSubstr("carol")));
+    EXPECT_THAT(commit(bob, ""), hasTag("in-use"));
+    EXPECT_THAT(ask(bob, "<cancel-commit/>"), hasTag("in-use"));
+    abort();
+    EXPECT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+}
+
+TEST_F(NetconfOverdueCommitTest, TriedAgain_IsTakenBackWhenThatIsPossible) {
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    write();
+    dispatcher.end(alice);
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+    EXPECT_THAT(label(bob, "Quay", "running"),
+                AllOf(hasTag("in-use"), HasSubstr("its session has ended"), HasSubstr("carol"),
+                      HasSubstr("any session may confirm or cancel it")));
+    abort();
+    EXPECT_TRUE(comesTrue([&] { return running().find("Old harbour") == std::string::npos; }));
+    EXPECT_EQ(label(bob, "Quay", "running"), "ok");
+}
+
+TEST_F(NetconfOverdueCommitTest, AnySession_MayConfirm) {
+    ASSERT_EQ(commit(alice, "<confirmed/><persist>x7</persist>"
+                            "<confirm-timeout>1</confirm-timeout>"),
+              "ok");
+    write();
+    EXPECT_TRUE(comesTrue([&] {
+        return label(bob, "Quay", "running").find("it was not confirmed in time") !=
+               std::string::npos;
+    }));
+    EXPECT_THAT(commit(bob, "<persist-id>x8</persist-id>"), hasTag("invalid-value"));
+    EXPECT_EQ(commit(bob, ""), "ok");
+    abort();
+    EXPECT_EQ(label(bob, "Quay", "running"), "ok");
+    EXPECT_THAT(ask(bob, "<cancel-commit/>"), hasTag("operation-failed"));
+}
+
+TEST_F(NetconfOverdueCommitTest, AnySession_MayCancelOrWaitAnew) {
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    write();
+    dispatcher.end(alice);
+    EXPECT_THAT(ask(bob, "<cancel-commit/>"), hasTag("in-use"));
+    EXPECT_EQ(commit(bob, "<confirmed/>"), "ok");
+    EXPECT_THAT(running(), HasSubstr("Old harbour"));
+    abort();
+    EXPECT_EQ(ask(bob, "<cancel-commit/>"), "ok") << "it belongs to bob now";
+    EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
 }
 
 TEST_F(NetconfConfirmedCommitTest, RefusedCommit_WaitsForNothing) {

@@ -6,8 +6,6 @@
 #include "netconf/wire/RpcError.h"
 #include "runtime/Host.h"
 
-#include <utility>
-
 namespace OrvHost {
 
 ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner)
@@ -15,10 +13,15 @@ ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner)
       mAuthor(owner.author()),
       mFeed(host.watch([this](const ChangeSet& changes) {
           const std::lock_guard<std::mutex> lock(mMutex);
-          mChanges.push_back(changes);
+          mUndoing.add(changes);
       })) {}
 
-void ConfirmedCommit::wait(const CommitRequest& request) {
+void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& request) {
+    if (isOverdue()) {
+        mOwner = session.id();
+        mAuthor = session.author();
+        mRefusal.clear();
+    }
     if (request.persist) {
         mToken = request.persist;
     }
@@ -32,16 +35,32 @@ void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
                                       "the persist-id is not that of the confirmed "
                                       "commit that waits for its confirmation"));
     }
+    if (isOverdue()) {
+        return;
+    }
     if (mToken ? !persistId : mOwner != session.id()) {
         throw RpcErrors(
             protocolError("in-use", text() + (mToken ? ", which must give its persist-id" : "")));
     }
 }
 
-std::vector<ChangeSet> ConfirmedCommit::end() {
-    mFeed.end();
+std::string ConfirmedCommit::text() const {
+    return isOverdue()
+               ? "a confirmed commit of " + mAuthor + " is to be taken back (" + mReason +
+                     "), which was refused; any session may confirm or cancel it: " + mRefusal
+               : "a confirmed commit of " + mAuthor + " waits for its confirmation";
+}
+
+Wish ConfirmedCommit::undoing(const Model& model) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return std::move(mChanges);
+    return mUndoing.wish(model);
+}
+
+void ConfirmedCommit::delay(const std::string& reason, const std::string& refusal,
+                            std::chrono::seconds pause) {
+    mReason = reason;
+    mRefusal = refusal;
+    mDeadline = Alarm::Clock::now() + pause;
 }
 
 }

@@ -6,7 +6,7 @@
 
 #include "netconf/core/Alarm.h"
 #include "netconf/core/NetconfSession.h"
-#include "store/ChangeSet.h"
+#include "netconf/core/Undoing.h"
 #include "store/CommitFeed.h"
 
 #include <chrono>
@@ -14,7 +14,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace OrvHost {
 
@@ -27,9 +26,12 @@ struct CommitRequest {
     std::optional<std::string> persistId{}; ///< the token of the confirmed commit that is meant
 };
 
-/// A confirmed commit of RFC 6241, section 8.4, that waits for its confirmation. It remembers all
-/// that has been committed since it began, whoever did: to take it back means that running is again
-/// as it was before. It is kept in memory only, as the data is.
+/// A confirmed commit of RFC 6241, section 8.4, that waits for its confirmation. It remembers what
+/// was before all that has been committed since it began, whoever did: to take it back means that
+/// running is again as it was before. It is kept in memory only, as the data is.
+///
+/// If its time is over, or its session, and the component refuses to take it back, it is *overdue*:
+/// it is tried again from time to time, and any session may confirm or cancel it.
 ///
 /// One thread, but for the feed's.
 class ConfirmedCommit {
@@ -39,15 +41,14 @@ public:
     ConfirmedCommit(const ConfirmedCommit&) = delete;
     ConfirmedCommit& operator=(const ConfirmedCommit&) = delete;
 
-    /// Waits as long as \p request says, from now on. A token that it does not name stays.
-    void wait(const CommitRequest& request);
+    /// Waits as long as \p request says, from now on. A token that it does not name stays. One that
+    /// was overdue belongs to \p session from now on.
+    void wait(const NetconfSession& session, const CommitRequest& request);
 
     std::uint32_t owner() const { return mOwner; }
     const std::string& author() const { return mAuthor; }
     /// Why others must wait.
-    std::string text() const {
-        return "a confirmed commit of " + mAuthor + " waits for its confirmation";
-    }
+    std::string text() const;
     bool isPersistent() const { return mToken.has_value(); }
     Alarm::Clock::time_point deadline() const { return mDeadline; }
 
@@ -55,17 +56,27 @@ public:
     void requireMayEnd(const NetconfSession& session,
                        const std::optional<std::string>& persistId) const;
 
-    /// The changes so far, in their order. What is committed later does not belong to it.
-    std::vector<ChangeSet> end();
+    /// The wish that takes it back. Without edits: nothing was committed.
+    Wish undoing(const Model& model);
+
+    /// It could not be taken back, which was to happen because of \p reason. It will be tried again
+    /// in \p pause.
+    void delay(const std::string& reason, const std::string& refusal, std::chrono::seconds pause);
+    bool isOverdue() const { return !mRefusal.empty(); }
+    /// Of the last time that it could not be taken back, for people.
+    const std::string& reason() const { return mReason; }
+    const std::string& refusal() const { return mRefusal; }
 
 private:
     std::uint32_t mOwner;
     std::string mAuthor;
     std::optional<std::string> mToken;
     Alarm::Clock::time_point mDeadline;
+    std::string mReason;
+    std::string mRefusal; ///< empty: it is not overdue
 
-    std::mutex mMutex; ///< guards mChanges
-    std::vector<ChangeSet> mChanges;
+    std::mutex mMutex; ///< guards mUndoing
+    Undoing mUndoing;
     CommitFeed::Subscription mFeed; ///< after what its watcher uses
 };
 

@@ -6,11 +6,9 @@
 #include "client/edits/ClientState.h"
 #include "client/edits/EditPlanner.h"
 #include "netconf/core/Committer.h"
+#include "netconf/core/ErrorReader.h"
 #include "netconf/core/ServerLog.h"
-#include "netconf/core/Undoing.h"
 #include "netconf/wire/RpcError.h"
-
-#include <exception>
 
 namespace OrvHost {
 
@@ -58,8 +56,9 @@ std::string datastoreName(Datastore store) {
     return store == Datastore::Running ? "running" : "candidate";
 }
 
-Datastores::Datastores(Host& host)
+Datastores::Datastores(Host& host, const YangSchema& schema)
     : mHost(host),
+      mSchema(schema),
       mCandidateClients(host),
       mCandidate(host, mCandidateClients),
       mTimeOver([this] { onTimeOver(); }) {}
@@ -169,6 +168,10 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     const Committer committer(session);
     commitCandidate(session);
     if (!request.isConfirmed) {
+        if (mUnconfirmed && mUnconfirmed->isOverdue()) {
+            logServer(4, session.author() + " confirms the commit of " + mUnconfirmed->author() +
+                             " that could not be taken back");
+        }
         mUnconfirmed.reset();
         setAlarm();
         return;
@@ -176,7 +179,7 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     if (begun) {
         mUnconfirmed = std::move(begun);
     }
-    mUnconfirmed->wait(request);
+    mUnconfirmed->wait(session, request);
     setAlarm();
 }
 
@@ -219,26 +222,26 @@ void Datastores::cancelCommit(NetconfSession& session,
     takeBack();
 }
 
-/// Brings running back to what it was before the confirmed commit. The candidate gives way, since
-/// it may have written to the same objects, and its edits are made again afterwards.
+/// Brings running back to what it was before the confirmed commit; if that is refused, it goes on
+/// to wait. The candidate gives way, since it may have written to the same objects, and its edits
+/// are made again afterwards.
 void Datastores::takeBack() {
-    const std::unique_ptr<ConfirmedCommit> taken = std::move(mUnconfirmed);
+    Wish wish = mUnconfirmed->undoing(mHost.model());
+    if (!wish.edits.empty()) {
+        abortCandidate();
+        std::exception_ptr refusal;
+        try {
+            undo(std::move(wish), mUnconfirmed->author() + ", confirmed commit");
+        } catch (...) {
+            refusal = std::current_exception();
+        }
+        replay(nullptr);
+        if (refusal) {
+            std::rethrow_exception(refusal);
+        }
+    }
+    mUnconfirmed.reset();
     setAlarm();
-    const std::vector<ChangeSet> changes = taken->end();
-    if (changes.empty()) {
-        return;
-    }
-    abortCandidate();
-    std::exception_ptr refusal;
-    try {
-        undo(changes, taken->author() + ", confirmed commit");
-    } catch (...) {
-        refusal = std::current_exception();
-    }
-    replay(nullptr);
-    if (refusal) {
-        std::rethrow_exception(refusal);
-    }
 }
 
 /// Nobody waits for an answer.
@@ -247,18 +250,30 @@ void Datastores::takeBackUnasked(const std::string& reason) {
     try {
         takeBack();
         logServer(4, what + " is taken back: " + reason);
-    } catch (const std::exception& failure) {
-        logServer(3,
-                  what + " is to be taken back (" + reason + "), with errors: " + failure.what());
+    } catch (const std::exception&) {
+        const std::string refusal = textOf(std::current_exception());
+        if (mUnconfirmed->refusal() != refusal) {
+            logServer(3, what + " is to be taken back (" + reason +
+                             "), which is refused; it is tried again every " +
+                             std::to_string(mUndoingPause.count()) +
+                             " s, and any session may confirm or cancel it: " + refusal);
+        }
+        mUnconfirmed->delay(reason, refusal, mUndoingPause);
+        setAlarm();
     }
 }
 
-void Datastores::undo(const std::vector<ChangeSet>& changes, const std::string& author) {
-    OwnTransaction transaction(mHost, author);
-    for (auto one = changes.rbegin(); one != changes.rend(); ++one) {
-        applyWish(undoing(*one, mHost.model()), mHost.model(), mCandidateClients,
-                  transaction.handle());
+std::string Datastores::textOf(const std::exception_ptr& failure) {
+    std::string text;
+    for (const RpcError& error : errorsOf(failure, mSchema, mCandidate)) {
+        text += (text.empty() ? "" : "; ") + error.message;
     }
+    return text;
+}
+
+void Datastores::undo(Wish wish, const std::string& author) {
+    OwnTransaction transaction(mHost, author);
+    applyWish(std::move(wish), mHost.model(), mCandidateClients, transaction.handle());
     transaction.leave();
     mCandidate.commit(entryOf(transaction.handle()));
 }
@@ -267,7 +282,8 @@ void Datastores::onTimeOver() {
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     const Alarm::Clock::time_point now = Alarm::Clock::now();
     if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
-        takeBackUnasked("it was not confirmed in time");
+        takeBackUnasked(mUnconfirmed->isOverdue() ? mUnconfirmed->reason()
+                                                  : "it was not confirmed in time");
     }
     if (mCandidateDeadline && now >= *mCandidateDeadline) {
         loseCandidate("nobody has edited it for " + std::to_string(mCandidateLimit.count()) + " s");
@@ -354,9 +370,9 @@ void Datastores::replay(const NetconfSession* asking) {
         for (const Wish& wish : mAccepted) {
             applyWish(wish, mHost.model(), mCandidateClients, *mHandle);
         }
-    } catch (const std::exception& failure) {
-        const std::string reason =
-            std::string("its edits cannot be made again on what is running now: ") + failure.what();
+    } catch (const std::exception&) {
+        const std::string reason = "its edits cannot be made again on what is running now: " +
+                                   textOf(std::current_exception());
         loseCandidate(reason);
         if (asking != nullptr) {
             mLost.erase(asking->id());

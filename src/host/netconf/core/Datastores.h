@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -56,8 +57,9 @@ enum class EditMode : std::uint8_t {
 /// what the component or the planner refuses: see errorsOf. Any thread, each session on one.
 class Datastores {
 public:
-    /// \p host is borrowed; its components stay started while this object lives.
-    explicit Datastores(Host& host);
+    /// Both are borrowed, \p schema for texts of errors. The host's components stay started while
+    /// this object lives.
+    Datastores(Host& host, const YangSchema& schema);
     /// Aborts the candidate.
     ~Datastores();
     Datastores(const Datastores&) = delete;
@@ -66,6 +68,10 @@ public:
     /// From now on a candidate is discarded that long after its last edit; 0: never. Before the
     /// sessions.
     void limitCandidate(std::chrono::seconds limit) { mCandidateLimit = limit; }
+
+    /// How long after a confirmed commit could not be taken back it is tried again: 10 s, unless
+    /// this is called. Before the sessions.
+    void pauseUndoing(std::chrono::seconds pause) { mUndoingPause = pause; }
 
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
     /// Runs \p read on a state that does not change meanwhile.
@@ -112,7 +118,7 @@ private:
     void commitCandidate(const NetconfSession& session);
     void takeBack();
     void takeBackUnasked(const std::string& reason);
-    void undo(const std::vector<ChangeSet>& changes, const std::string& author);
+    void undo(Wish wish, const std::string& author);
     void onTimeOver();
     void setAlarm();
     void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
@@ -125,13 +131,18 @@ private:
     void throwIfLost(const NetconfSession& session);
     void replay(const NetconfSession* asking);
 
+    /// What the candidate's clients were refused, for people.
+    std::string textOf(const std::exception_ptr& failure);
+
     Host& mHost;
+    const YangSchema& mSchema;
 
     mutable std::mutex mLockMutex; ///< guards mLocks
     std::map<Datastore, Lock> mLocks;
 
     std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
     std::unique_ptr<ConfirmedCommit> mUnconfirmed; ///< guarded by it; null: none waits
+    std::chrono::seconds mUndoingPause{10};
 
     std::mutex mCandidateMutex; ///< guards all below
     Clients mCandidateClients;

@@ -138,7 +138,7 @@ bool writes(const std::string& operation) {
 Dispatcher::Dispatcher(Host& host, const WireModel& model, Kill kill, Subscribe subscribe)
     : mHost(host),
       mModel(model),
-      mStores(host),
+      mStores(host, model.schema()),
       mMonitor(model, mStores),
       mReader(model, mStores, mMonitor),
       mKill(std::move(kill)),

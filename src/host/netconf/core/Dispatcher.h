@@ -51,6 +51,9 @@ public:
     /// See Datastores::limitCandidate.
     void limitCandidate(std::chrono::seconds limit) { mStores.limitCandidate(limit); }
 
+    /// See Datastores::pauseUndoing.
+    void pauseUndoing(std::chrono::seconds pause) { mStores.pauseUndoing(pause); }
+
     /// Call it when a session ends, however it does.
     void end(NetconfSession& session) { mStores.end(session.id()); }
 

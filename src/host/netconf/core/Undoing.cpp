@@ -6,7 +6,9 @@
 #include "MeIdTranslator.h"
 #include "client/edits/References.h"
 
-#include <map>
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace OrvHost {
 
@@ -18,56 +20,77 @@ std::string externalDn(const std::string& dn) {
     return external.empty() ? dn : external;
 }
 
-/// What became of an object, all its entries together.
-struct Fate {
-    std::string className;
-    bool wasThere = true;
-    bool isThere = true;
-    std::map<std::string, AttributeValue> before;
-};
+/// The values that a client can set to those before.
+std::vector<NamedValue> settable(const ClassDef& moc,
+                                 const std::map<std::string, AttributeValue>& before) {
+    std::vector<NamedValue> attributes;
+    for (const auto& [name, known] : before) {
+        const AttributeDef* def = moc.findAttribute(name);
+        if (def == nullptr || !def->isWritable || def->isGivenByName()) {
+            continue;
+        }
+        // What must have a value cannot be set to none.
+        const bool isDefaulted =
+            known.values.empty() && def->multiplicity.lower > 0 && def->defaultValue;
+        AttributeValue value = isDefaulted ? *def->defaultValue : known;
+        changeReferences(value, externalDn);
+        attributes.emplace_back(name, std::move(value));
+    }
+    return attributes;
+}
 
 }
 
-Wish undoing(const ChangeSet& changes, const Model& model) {
-    std::map<std::string, Fate> fates;
-    std::vector<const std::string*> order;
+void Undoing::add(const ChangeSet& changes) {
     for (const ObjectChange& change : changes.objects) {
-        const auto [place, isNew] = fates.try_emplace(change.dn);
-        Fate& fate = place->second;
-        if (isNew) {
-            fate = {change.className, change.kind != ObjectChange::Kind::Created, true, {}};
-            order.push_back(&place->first);
-        }
-        fate.isThere = change.kind != ObjectChange::Kind::Deleted;
-        for (const AttributeChange& attribute : change.attributes) {
-            // Of an object that was deleted and made again, the first entry has what was before.
-            fate.before.emplace(attribute.name, attribute.before);
-        }
+        add(change);
     }
+}
+
+void Undoing::add(const ObjectChange& change) {
+    const auto [place, isNew] = mFates.try_emplace(change.dn);
+    Fate& fate = place->second;
+    if (isNew) {
+        fate.number = mNext++;
+        fate.className = change.className;
+        fate.wasThere = change.kind != ObjectChange::Kind::Created;
+    }
+    fate.isThere = change.kind != ObjectChange::Kind::Deleted;
+    if (!fate.wasThere) {
+        if (!fate.isThere) {
+            mFates.erase(place);
+        }
+        return;
+    }
+    for (const AttributeChange& attribute : change.attributes) {
+        // The first commit that changes an attribute has what was before.
+        fate.before.emplace(attribute.name, attribute.before);
+    }
+}
+
+Wish Undoing::wish(const Model& model) const {
+    std::vector<const std::pair<const std::string, Fate>*> order;
+    for (const auto& one : mFates) {
+        order.push_back(&one);
+    }
+    std::sort(order.begin(), order.end(), [](const auto* left, const auto* right) {
+        return left->second.number < right->second.number;
+    });
     Wish wish;
     wish.repeated = Wish::Repeated::IsWished;
-    for (const std::string* dn : order) {
-        Fate& fate = fates.find(*dn)->second;
-        WishedObject object{externalDn(*dn), {}};
+    for (const auto* one : order) {
+        const Fate& fate = one->second;
+        const std::string dn = externalDn(one->first);
         if (!fate.wasThere) {
-            wish.edits.push_back({EditKind::Remove, object.dn, {}});
+            wish.edits.push_back({EditKind::Remove, dn, {}});
             continue;
         }
         const auto moc = model.findClass(fate.className);
-        for (auto& [name, value] : fate.before) {
-            const AttributeDef* def = moc ? model.classes[*moc].findAttribute(name) : nullptr;
-            if (def == nullptr || !def->isWritable || def->isGivenByName()) {
-                continue;
-            }
-            // What must have a value cannot be set to none.
-            if (value.values.empty() && def->multiplicity.lower > 0 && def->defaultValue) {
-                value = *def->defaultValue;
-            }
-            changeReferences(value, externalDn);
-            object.attributes.emplace_back(name, std::move(value));
-        }
         const EditKind kind = fate.isThere ? EditKind::Set : EditKind::Create;
-        wish.edits.push_back({kind, object.dn, {object}});
+        wish.edits.push_back(
+            {kind,
+             dn,
+             {{dn, moc ? settable(model.classes[*moc], fate.before) : std::vector<NamedValue>()}}});
     }
     return wish;
 }

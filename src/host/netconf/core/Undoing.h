@@ -8,11 +8,41 @@
 #include "model/Model.h"
 #include "store/ChangeSet.h"
 
+#include <cstddef>
+#include <map>
+#include <string>
+
 namespace OrvHost {
 
-/// The wish that what a commit has changed is again as it was before. Values that only the system
-/// sets are not in it: a deleted object gets back what clients can set.
-Wish undoing(const ChangeSet& changes, const Model& model);
+/// What was before a row of commits: of each object that they have changed, whether it was there,
+/// and the values of the attributes that they have changed. It grows with the objects, not with the
+/// commits.
+///
+/// One thread.
+class Undoing {
+public:
+    /// Adds a commit, which came after those that were added before.
+    void add(const ChangeSet& changes);
+
+    /// The wish that all is again as it was. Values that only the system sets are not in it: a
+    /// deleted object gets back what clients can set. Without edits: nothing has changed.
+    Wish wish(const Model& model) const;
+
+private:
+    /// What became of an object, all its entries together.
+    struct Fate {
+        std::size_t number = 0; ///< in the order in which the objects were changed first
+        std::string className;
+        bool wasThere = true;
+        bool isThere = true;
+        std::map<std::string, AttributeValue> before;
+    };
+
+    void add(const ObjectChange& change);
+
+    std::map<std::string, Fate> mFates; ///< by DN (internal)
+    std::size_t mNext = 0;
+};
 
 }
 
