@@ -99,7 +99,9 @@ std::string DispatcherScene::ask(NetconfSession& session, const std::string& ope
     for (const RpcError& error : reply.errors) {
         answer += error.toXml();
     }
-    return answer.empty() ? onOneLine(reply.data.value_or("ok")) : answer;
+    return answer.empty()
+               ? onOneLine(reply.data.value_or(reply.output.empty() ? "ok" : reply.output))
+               : answer;
 }
 
 std::string DispatcherScene::edit(const std::string& config, const std::string& target,

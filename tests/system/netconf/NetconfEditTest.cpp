@@ -11,7 +11,6 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 auto hasTag(const std::string& tag) {
     return HasSubstr("<error-tag>" + tag + "</error-tag>");
@@ -347,6 +346,7 @@ TEST_F(NetconfEditTest, TopLevelElement_InNoOrAnotherNamespace_SaysWhichWouldFit
                                 "&quot;urn:orv:example:ran-element&quot; was expected")));
     EXPECT_THAT(edit("<NoSuchElement/>"), hasTag("unknown-element"));
 }
+
 TEST_F(NetconfEditTest, ElementBelow_InNoOrAnotherNamespace_SaysWhichWouldFit) {
     const std::string expected = "&quot;urn:orv:example:ran-equipment&quot; was expected";
     EXPECT_THAT(edit(element("<Equipment><equipmentId>1</equipmentId></Equipment>")),
@@ -367,7 +367,6 @@ TEST_F(NetconfEditTest, ElementBelow_InNoOrAnotherNamespace_SaysWhichWouldFit) {
                       HasSubstr("&lt;userLabel&gt; is in the namespace"), HasSubstr(expected)));
     EXPECT_THAT(edit(element("<NoSuchElement/>")), hasTag("unknown-element"));
 }
-
 
 TEST_F(NetconfEditTest, Data_ThatDoesNotFitTheModel_IsNamed) {
     const std::string answer =
@@ -467,12 +466,6 @@ TEST_F(NetconfEditTest, Requests_WithoutTheirParts_AreRefused) {
     EXPECT_THAT(ask("<edit-config><config/></edit-config>"), hasTag("missing-element"));
     EXPECT_THAT(ask("<get-config/>"), hasTag("missing-element"));
     EXPECT_THAT(ask("<lock/>"), hasTag("missing-element"));
-}
-
-TEST_F(NetconfEditTest, Actions_AreNotSupported) {
-    EXPECT_THAT(ask(R"(<action xmlns="urn:ietf:params:xml:ns:yang:1">)" +
-                    radioUnit("1", "<blink><seconds>3</seconds></blink>") + "</action>"),
-                AllOf(StartsWith("<rpc-error"), hasTag("operation-not-supported")));
 }
 
 }

@@ -85,13 +85,17 @@ void Datastores::read(NetconfSession& session, Datastore store, const Read& read
 void Datastores::edit(NetconfSession& session, Datastore target, EditMode mode,
                       const MakeWish& wish) {
     if (target == Datastore::Running) {
-        editRunning(session, mode, wish);
+        writeRunning(session, mode, [&](ClientSession& client, unsigned long txHandle) {
+            ClientState before(client.clients().version3(), txHandle);
+            applyWish(wish(before), client.model(), client.clients(), txHandle,
+                      &client.cancellation());
+        });
     } else {
         editCandidate(session, mode, wish);
     }
 }
 
-void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish) {
+void Datastores::writeRunning(NetconfSession& session, EditMode mode, const Work& work) {
     const std::lock_guard<std::mutex> lock(mRunningMutex);
     requireMayEdit(session, Datastore::Running, mode);
     if (mode == EditMode::Write && mUnconfirmed && mUnconfirmed->owner() != session.id()) {
@@ -101,14 +105,22 @@ void Datastores::editRunning(NetconfSession& session, EditMode mode, const MakeW
     ClientSession& client = session.client();
     OwnTransaction transaction(mHost, session.author());
     const unsigned long handle = transaction.handle();
-    ClientState before(client.clients().version3(), handle);
-    applyWish(wish(before), client.model(), client.clients(), handle, &client.cancellation());
+    work(client, handle);
     if (mode == EditMode::OnlyTest) {
         client.validate(entryOf(handle));
     } else {
         transaction.leave();
         client.commit(entryOf(handle));
     }
+}
+
+ReadValue Datastores::act(NetconfSession& session, const ActionRequest& action) {
+    ReadValue result;
+    writeRunning(session, EditMode::Write, [&](ClientSession& client, unsigned long txHandle) {
+        result = client.client().action(txHandle, action.dn, action.shape->name, action.parameters,
+                                        action.def);
+    });
+    return result;
 }
 
 void Datastores::editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish) {

@@ -6,6 +6,7 @@
 
 #include "client/edits/StateBefore.h"
 #include "client/edits/Wish.h"
+#include "netconf/core/ActionReader.h"
 #include "netconf/core/Alarm.h"
 #include "netconf/core/ConfirmedCommit.h"
 #include "netconf/core/NetconfSession.h"
@@ -82,6 +83,10 @@ public:
     /// Makes an edit whole or not at all.
     void edit(NetconfSession& session, Datastore target, EditMode mode, const MakeWish& wish);
 
+    /// Calls an action in a transaction of its own, which is committed: what the component writes
+    /// meanwhile is an edit of running, and is refused like one.
+    ReadValue act(NetconfSession& session, const ActionRequest& action);
+
     /// Throws RefusalError with all violations.
     void validate(NetconfSession& session, Datastore store);
 
@@ -121,7 +126,8 @@ private:
     void undo(Wish wish, const std::string& author);
     void onTimeOver();
     void setAlarm();
-    void editRunning(NetconfSession& session, EditMode mode, const MakeWish& wish);
+    using Work = std::function<void(ClientSession& client, unsigned long txHandle)>;
+    void writeRunning(NetconfSession& session, EditMode mode, const Work& work);
     void editCandidate(NetconfSession& session, EditMode mode, const MakeWish& wish);
     void beginCandidate(const std::string& author);
     void abortCandidate();

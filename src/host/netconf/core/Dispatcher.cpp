@@ -152,7 +152,8 @@ RpcReply Dispatcher::answer(NetconfSession& session, lyd_node* request) {
         return dispatch(session, request);
     } catch (const std::exception&) {
         return {errorsOf(std::current_exception(), mModel.schema(), session.client()),
-                std::nullopt};
+                std::nullopt,
+                {}};
     }
 }
 
@@ -167,6 +168,9 @@ RpcReply Dispatcher::dispatch(NetconfSession& session, lyd_node* request) {
         check(request);
         subscribe(session, request);
         return {};
+    }
+    if (const lyd_node* action = actionIn(request)) {
+        return act(session, action);
     }
     if (request->schema == nullptr || module != kNetconfModule ||
         request->schema->nodetype != LYS_RPC) {
@@ -239,7 +243,7 @@ RpcReply Dispatcher::get(NetconfSession& session, const lyd_node* request) {
             wanted.filter = readFilter(contentOf(filter));
         }
     }
-    return {{}, mReader.read(session, wanted)};
+    return {{}, mReader.read(session, wanted), {}};
 }
 
 RpcReply Dispatcher::editConfig(NetconfSession& session, const lyd_node* request) {
@@ -292,6 +296,17 @@ RpcReply Dispatcher::validate(NetconfSession& session, const lyd_node* request) 
     return {};
 }
 
+RpcReply Dispatcher::act(NetconfSession& session, const lyd_node* action) {
+    const std::string name = action->schema->name;
+    if (session.user().isReadOnly) {
+        refuse("protocol", "access-denied",
+               "user " + session.user().name + " may only read; the action <" + name +
+                   "> is not a read");
+    }
+    const ActionRequest request = readAction(mModel, mHost.model(), action);
+    return {{}, std::nullopt, outputText(mModel, request, mStores.act(session, request))};
+}
+
 RpcReply Dispatcher::getSchema(const lyd_node* request) const {
     const std::string format = textOf(request, "format");
     if (!format.empty() && format != "ietf-netconf-monitoring:yang") {
@@ -305,7 +320,7 @@ RpcReply Dispatcher::getSchema(const lyd_node* request) const {
         refuse("application", "invalid-value",
                "there is no module " + name + (revision.empty() ? "" : " of " + revision));
     }
-    return {{}, xmlEscaped(*text)};
+    return {{}, xmlEscaped(*text), {}};
 }
 
 void Dispatcher::subscribe(NetconfSession& session, const lyd_node* request) {

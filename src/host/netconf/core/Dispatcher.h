@@ -22,12 +22,14 @@ namespace OrvHost {
 /// The answer to a request.
 struct RpcReply {
     std::vector<RpcError> errors{};    ///< if there are some, nothing was done
-    std::optional<std::string> data{}; ///< the content of the data element, in XML; none: ok
+    std::optional<std::string> data{}; ///< the content of the data element, in XML
+    std::string output{};              ///< what an action returns, in XML; without data: ok
 };
 
 /// Answers the requests of RFC 6241 that are not the transport's own (close-session): get,
 /// get-config, edit-config, copy-config, lock, unlock, commit, cancel-commit, discard-changes,
-/// validate, kill-session, get-schema of RFC 6022, and create-subscription of RFC 5277.
+/// validate, kill-session, get-schema of RFC 6022, create-subscription of RFC 5277, and the actions
+/// of the model.
 ///
 /// It knows no transport: a request is a tree of the wire's context, as a parser makes it from XML.
 ///
@@ -44,8 +46,8 @@ public:
     /// All is borrowed.
     Dispatcher(Host& host, const WireModel& model, Kill kill, Subscribe subscribe);
 
-    /// \p request is the operation's node. Defaults are added to it. Throws nothing but
-    /// std::bad_alloc: all other failures are errors of the reply.
+    /// \p request is the operation's node, or any above it. Defaults are added to it. Throws
+    /// nothing but std::bad_alloc: all other failures are errors of the reply.
     RpcReply answer(NetconfSession& session, lyd_node* request);
 
     /// See Datastores::limitCandidate.
@@ -69,6 +71,7 @@ private:
     RpcReply copyConfig(NetconfSession& session, const lyd_node* request);
     RpcReply validate(NetconfSession& session, const lyd_node* request);
     void subscribe(NetconfSession& session, const lyd_node* request);
+    RpcReply act(NetconfSession& session, const lyd_node* action);
     RpcReply getSchema(const lyd_node* request) const;
     RpcReply kill(NetconfSession& session, const lyd_node* request);
     void replaceAll(NetconfSession& session, Datastore target, EditMode mode,

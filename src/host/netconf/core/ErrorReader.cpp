@@ -133,7 +133,7 @@ public:
             subject.attributes.size() == 1 ? subject.attributes.front() : std::string();
         RpcError error;
         error.tag = tagOf(refused.code(), !attribute.empty());
-        error.path = instancePathOf(mSchema, dn, attribute);
+        error.path = instancePathOf(mSchema, dn, attribute + subject.action);
         const std::string explained = explanation(refused);
         error.message = codeText(refused.code()) + (explained.empty() ? "" : ": ") + explained;
         for (const ThreadContext::Message& message : refused.messages()) {

@@ -80,8 +80,36 @@ nc_server_reply* dataReply(std::string text, const lyd_node* request) {
     return nc_server_reply_data(output, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
 }
 
+/// \p output: the nodes that the action returns.
+nc_server_reply* outputReply(const std::string& output, const lyd_node* action, ly_ctx* context) {
+    lyd_node* reply = nullptr;
+    const std::string text =
+        std::string("<rpc-reply xmlns=\"") + kNetconfNamespace + "\">" + output + "</rpc-reply>";
+    ly_in* in = nullptr;
+    if (lyd_dup_single(action, nullptr, 0, &reply) != LY_SUCCESS ||
+        ly_in_new_memory(text.c_str(), &in) != LY_SUCCESS) {
+        lyd_free_tree(reply);
+        return nullptr;
+    }
+    lyd_node* envelope = nullptr;
+    const LY_ERR code =
+        lyd_parse_op(context, reply, in, LYD_XML, LYD_TYPE_REPLY_NETCONF, &envelope, nullptr);
+    ly_in_free(in, 0);
+    lyd_free_all(envelope);
+    if (code == LY_SUCCESS) {
+        return nc_server_reply_data(reply, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
+    }
+    lyd_free_tree(reply);
+    RpcError error;
+    error.tag = "operation-failed";
+    error.message = std::string("action ") + action->schema->name +
+                    " is done, but its result cannot be shown: " + ly_errmsg(context);
+    return errorReply({error}, context);
+}
+
 std::string operationText(const lyd_node* request) {
-    return LYD_NAME(request);
+    const lyd_node* action = actionIn(request);
+    return action != nullptr ? std::string("action ") + LYD_NAME(action) : LYD_NAME(request);
 }
 
 nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
@@ -102,6 +130,9 @@ nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
     ly_err_clean(context, nullptr);
     if (!reply.errors.empty()) {
         return errorReply(reply.errors, context);
+    }
+    if (!reply.output.empty()) {
+        return outputReply(reply.output, actionIn(request), context);
     }
     return reply.data ? dataReply(std::move(*reply.data), request) : nc_server_reply_ok();
 }

@@ -43,15 +43,20 @@ void appendObject(const ObjectShape& shape, std::string_view name, InstancePath&
     }
 }
 
-void appendAttribute(const ObjectShape& shape, const std::string& attribute, InstancePath& path) {
-    const auto found =
-        std::find_if(shape.attributes.begin(), shape.attributes.end(),
-                     [&](const ValueShape& value) { return value.name == attribute; });
+void appendMember(const ObjectShape& shape, const std::string& name, InstancePath& path) {
+    const auto found = std::find_if(shape.attributes.begin(), shape.attributes.end(),
+                                    [&](const ValueShape& value) { return value.name == name; });
     if (found != shape.attributes.end()) {
         if (found->wrapper != nullptr) {
             path.append(found->wrapper);
         }
         path.append(found->node);
+        return;
+    }
+    const auto action = std::find_if(shape.actions.begin(), shape.actions.end(),
+                                     [&](const ActionShape& one) { return one.name == name; });
+    if (action != shape.actions.end()) {
+        path.append(action->node);
     }
 }
 
@@ -88,7 +93,7 @@ InstancePath instancePathOf(const lyd_node* node) {
 }
 
 InstancePath instancePathOf(const YangSchema& schema, const std::string& dn,
-                            const std::string& attribute) {
+                            const std::string& member) {
     InstancePath path;
     const ObjectShape* shape = nullptr;
     for (const DnStep step : DnView(dn).steps()) {
@@ -104,7 +109,7 @@ InstancePath instancePathOf(const YangSchema& schema, const std::string& dn,
         }
     }
     if (shape != nullptr) {
-        appendAttribute(*shape, attribute, path);
+        appendMember(*shape, member, path);
     }
     return path;
 }

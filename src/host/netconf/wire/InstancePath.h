@@ -37,10 +37,10 @@ private:
 /// know.
 InstancePath instancePathOf(const lyd_node* node);
 
-/// The path of an object by its external DN, or of one of its attributes. Of what the schema does
-/// not know, nothing or the path as far as it is known.
+/// The path of an object by its external DN, or of one of its attributes or actions. Of what the
+/// schema does not know, nothing or the path as far as it is known.
 InstancePath instancePathOf(const YangSchema& schema, const std::string& dn,
-                            const std::string& attribute = {});
+                            const std::string& member = {});
 
 }
 

@@ -78,6 +78,12 @@ void WireModel::add(const ObjectShape& shape) {
         }
         add(value);
     }
+    for (const ActionShape& action : shape.actions) {
+        mActions.emplace(wireNode(action.node), &action);
+        for (const ValueShape& parameter : action.input) {
+            add(parameter);
+        }
+    }
     for (const ObjectShape* child : shape.children) {
         add(*child);
     }

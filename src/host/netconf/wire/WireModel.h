@@ -45,6 +45,7 @@ public:
     /// What a node of the wire's context is in the model. Null, or false, if it is nothing there.
     const ObjectShape* objectAt(const lysc_node* node) const { return find(mObjects, node); }
     const ValueShape* valueAt(const lysc_node* node) const { return find(mValues, node); }
+    const ActionShape* actionAt(const lysc_node* node) const { return find(mActions, node); }
     bool isTransparent(const lysc_node* node) const { return mTransparent.count(node) != 0; }
 
     /// A module or a submodule.
@@ -79,7 +80,8 @@ private:
     std::shared_ptr<const YangSchema> mSchema;
     std::shared_ptr<YangContext> mContext;
     ByNode<ObjectShape> mObjects;
-    ByNode<ValueShape> mValues;
+    ByNode<ValueShape> mValues; ///< attributes, and parameters of actions
+    ByNode<ActionShape> mActions;
     std::unordered_set<const lysc_node*> mTransparent;
 };
 

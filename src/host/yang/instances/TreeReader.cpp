@@ -8,7 +8,6 @@
 #include "model/KeyValues.h"
 #include "yang/instances/InstanceDataError.h"
 #include "yang/source/SourceLocator.h"
-#include "yang/types/ValueCodec.h"
 
 #include <cstdlib>
 #include <memory>
@@ -34,7 +33,15 @@ std::string nameOfEntry(const lyd_node* entry, const ObjectShape& shape) {
 
 TreeReader::TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes,
                        EntryLines lines)
-    : mSchema(schema), mLabel(std::move(label)), mNotes(notes), mLines(std::move(lines)) {}
+    : mSchema(schema),
+      mLabel(std::move(label)),
+      mNotes(notes),
+      mLines(std::move(lines)),
+      mValues([this](const lysc_node* node) { return mSchema.valueAt(node); },
+              [this](const lyd_node* node) { skip(node); },
+              [this](const lyd_node* node) {
+                  refuse(node, "is given twice; one value was expected");
+              }) {}
 
 void TreeReader::read(const lyd_node* first, const Sink& sink) {
     readSiblings(first, "", sink);
@@ -89,38 +96,9 @@ void TreeReader::gather(const lyd_node* first, const ObjectShape& shape, Content
             skip(node);
         } else {
             contents.isBare = false;
-            append(node, contents.attributes);
+            mValues.append(node, contents.attributes);
         }
     }
-}
-
-void TreeReader::append(const lyd_node* node, std::vector<NamedValue>& values) {
-    const ValueShape* shape = mSchema.valueAt(node->schema);
-    if (shape == nullptr) {
-        skip(node);
-        return;
-    }
-    // All instances of one node are together in the tree, even if they were apart in the text.
-    const bool isAnother = !values.empty() && values.back().first == shape->name;
-    if (!isAnother) {
-        values.emplace_back(shape->name, AttributeValue{shape->kind, {}});
-    } else if (!shape->isMultiple) {
-        refuse(node, "is given twice; one value was expected");
-        return;
-    }
-    values.back().second.values.push_back(valueOf(node, *shape));
-}
-
-Value TreeReader::valueOf(const lyd_node* node, const ValueShape& shape) {
-    if (shape.kind != ValueKind::Struct) {
-        const auto* term = reinterpret_cast<const lyd_node_term*>(node);
-        return decodeValue(LYD_CTX(node), term->value, shape.kind);
-    }
-    StructValue value;
-    for (const lyd_node* member = lyd_child(node); member != nullptr; member = member->next) {
-        append(member, value.members);
-    }
-    return value;
 }
 
 std::string TreeReader::namingValueOf(const lyd_node* node, const ObjectShape& shape) {

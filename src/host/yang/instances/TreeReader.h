@@ -7,6 +7,7 @@
 #include "base/Problem.h"
 #include "yang/instances/DataObject.h"
 #include "yang/instances/EntryLines.h"
+#include "yang/instances/NodeValues.h"
 #include "yang/schema/ModelNotes.h"
 #include "yang/schema/YangSchema.h"
 
@@ -35,6 +36,8 @@ public:
     /// that `lines` knows.
     TreeReader(const YangSchema& schema, std::string label, ModelNotes& notes,
                EntryLines lines = {});
+    TreeReader(const TreeReader&) = delete;
+    TreeReader& operator=(const TreeReader&) = delete;
 
     /// Delivers the objects of a whole tree, whose first node may be null.
     /// \throws InstanceDataError with all problems, after the last object
@@ -52,8 +55,6 @@ private:
     void readObject(const lyd_node* node, const ObjectShape& shape, const std::string& parentDn,
                     const Sink& sink);
     void gather(const lyd_node* first, const ObjectShape& shape, Contents& contents);
-    void append(const lyd_node* node, std::vector<NamedValue>& values);
-    Value valueOf(const lyd_node* node, const ValueShape& shape);
     std::string namingValueOf(const lyd_node* node, const ObjectShape& shape);
     void skip(const lyd_node* node);
     void refuse(const lyd_node* node, const std::string& text);
@@ -62,6 +63,7 @@ private:
     std::string mLabel;
     ModelNotes& mNotes;
     EntryLines mLines;
+    NodeValues mValues;
     std::vector<Problem> mProblems;
 };
 

@@ -103,13 +103,10 @@ std::optional<AttributeReader::Attribute> AttributeReader::readAttribute(const l
     return read(node, purpose);
 }
 
-std::optional<AttributeDraft>
+std::optional<AttributeReader::Attribute>
 AttributeReader::readParameter(const lysc_node* node, const std::vector<AttributeDraft>& others) {
     std::optional<Attribute> read = this->read(node, {"", node->name});
-    if (!read || !makeUnique(node, others, read->draft)) {
-        return std::nullopt;
-    }
-    return std::move(read->draft);
+    return read && makeUnique(node, others, *read) ? std::move(read) : std::nullopt;
 }
 
 std::optional<AttributeReader::Attribute> AttributeReader::read(const lysc_node* node,
@@ -156,16 +153,17 @@ AttributeReader::Attribute AttributeReader::readLeaf(const lysc_node* node,
 /// Two modules can augment a container with nodes of one name. The second one is called
 /// "module:name", as in JSON. False if that name is taken too, which is noted.
 bool AttributeReader::makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
-                                 AttributeDraft& draft) {
+                                 Attribute& attribute) {
+    std::string& name = attribute.draft.def.name;
     const auto isTaken = [&] {
-        return std::any_of(others.begin(), others.end(), [&](const AttributeDraft& other) {
-            return other.def.name == draft.def.name;
-        });
+        return std::any_of(others.begin(), others.end(),
+                           [&](const AttributeDraft& other) { return other.def.name == name; });
     };
     if (isTaken()) {
-        draft.def.name = std::string(node->module->name) + ":" + node->name;
+        name = std::string(node->module->name) + ":" + node->name;
     }
     if (!isTaken()) {
+        attribute.shape.name = name;
         return true;
     }
     mNotes.count("a node of this name is there already; the second one is not part of the model",
@@ -233,8 +231,7 @@ AttributeReader::Attribute AttributeReader::readStruct(const lysc_node* node,
                          "what is in it with it",
                          mLocator.of(child), pathOf(child));
         }
-        if (member && makeUnique(child, attribute.draft.members, member->draft)) {
-            member->shape.name = member->draft.def.name;
+        if (member && makeUnique(child, attribute.draft.members, *member)) {
             choices.add(child, member->draft.def);
             attribute.draft.members.push_back(std::move(member->draft));
             attribute.shape.members.push_back(std::move(member->shape));

@@ -46,8 +46,8 @@ public:
 
     /// Reads a parameter or a result of an action, which has `others` already; nothing if the node
     /// cannot be one, which is noted.
-    std::optional<AttributeDraft> readParameter(const lysc_node* node,
-                                                const std::vector<AttributeDraft>& others);
+    std::optional<Attribute> readParameter(const lysc_node* node,
+                                           const std::vector<AttributeDraft>& others);
 
 private:
     std::optional<Attribute> read(const lysc_node* node, const Purpose& purpose);
@@ -55,7 +55,7 @@ private:
     Attribute readStruct(const lysc_node* node, const std::string& name);
     void tellReference(const lysc_node* node, const Purpose& purpose, Attribute& attribute);
     bool makeUnique(const lysc_node* node, const std::vector<AttributeDraft>& others,
-                    AttributeDraft& draft);
+                    Attribute& attribute);
     void noteOpenIdentities(const lysc_node* node, const lysc_type* type);
     static void describeKey(const lysc_node* node, AttributeDef& def);
     void describe(const lysc_node* node, Attribute& attribute) const;

@@ -137,7 +137,7 @@ void SchemaWalker::walkObject(const lysc_node* list, ObjectShape* parent,
     moc.places.push_back({list, {}});
     ObjectShape& added = mSchema.addObject(parent, std::move(shape));
     walkContents(list, nullptr, moc, added);
-    walkActions(list, moc);
+    walkActions(list, moc, added);
 }
 
 void SchemaWalker::walkContents(const lysc_node* parent, const lysc_node* wrapper, Class& moc,
@@ -239,29 +239,33 @@ void SchemaWalker::uniteAttribute(AttributeReader::Attribute attribute, const ly
     }
 }
 
-void SchemaWalker::walkActions(const lysc_node* list, Class& moc) {
+void SchemaWalker::walkActions(const lysc_node* list, Class& moc, ObjectShape& shape) {
     for (const lysc_node_action* action = lysc_node_actions(list); action != nullptr;
          action = action->next) {
         const auto isKnown = [action](const ActionDraft& known) {
             return known.name == action->name;
         };
+        ActionShape place{action->name, &action->node, {}, {}};
+        ActionDraft draft = readAction(action, place);
         if (std::none_of(moc.draft.actions.begin(), moc.draft.actions.end(), isKnown)) {
-            moc.draft.action(readAction(action));
+            moc.draft.action(std::move(draft));
         }
+        shape.actions.push_back(std::move(place));
     }
 }
 
-ActionDraft SchemaWalker::readAction(const lysc_node_action* action) {
+ActionDraft SchemaWalker::readAction(const lysc_node_action* action, ActionShape& shape) {
     ActionDraft draft(action->name);
     draft.described(action->dsc != nullptr ? action->dsc : "");
-    draft.parameters = readParameters(&action->input.node);
-    readResult(action, draft);
+    draft.parameters = readParameters(&action->input.node, shape.input);
+    readResult(action, draft, shape);
     return draft;
 }
 
 /// An action returns one value: several nodes are put into a struct.
-void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft) {
-    std::vector<AttributeDraft> results = readParameters(&action->output.node);
+void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft,
+                              ActionShape& shape) {
+    std::vector<AttributeDraft> results = readParameters(&action->output.node, shape.output);
     if (results.size() == 1) {
         draft.result(std::move(results.front()));
     } else if (!results.empty()) {
@@ -270,17 +274,20 @@ void SchemaWalker::readResult(const lysc_node_action* action, ActionDraft& draft
     }
 }
 
-std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout) {
+std::vector<AttributeDraft> SchemaWalker::readParameters(const lysc_node* inout,
+                                                         std::vector<ValueShape>& shapes) {
     std::vector<AttributeDraft> parameters;
     const lysc_node* node = nullptr;
     while ((node = lys_getnext(node, inout, nullptr, 0)) != nullptr) {
-        std::optional<AttributeDraft> parameter = mAttributes.readParameter(node, parameters);
+        std::optional<AttributeReader::Attribute> parameter =
+            mAttributes.readParameter(node, parameters);
         if (node->parent != inout) {
             mNotes.count("choices among the parameters of an action are not checked",
                          mLocator.of(outermostChoice(node, inout)), pathOf(node));
         }
         if (parameter) {
-            parameters.push_back(std::move(*parameter));
+            parameters.push_back(std::move(parameter->draft));
+            shapes.push_back(std::move(parameter->shape));
         }
     }
     return parameters;

@@ -56,7 +56,7 @@ private:
                     const std::vector<const lysc_node*>& wrappers);
     void walkContents(const lysc_node* node, const lysc_node* wrapper, Class& moc,
                       ObjectShape& shape);
-    void walkActions(const lysc_node* list, Class& moc);
+    void walkActions(const lysc_node* list, Class& moc, ObjectShape& shape);
     bool noteList(const lysc_node* node, const char* whatEntriesAre);
     Class& enterClass(const lysc_node* list);
     Class& addClass(const lysc_node* list);
@@ -66,9 +66,10 @@ private:
     std::string attributeName(const lysc_node* node, const Class& moc, const ObjectShape& shape);
     void uniteAttribute(AttributeReader::Attribute attribute, const lysc_node* wrapper, Class& moc,
                         ObjectShape& shape);
-    ActionDraft readAction(const lysc_node_action* action);
-    void readResult(const lysc_node_action* action, ActionDraft& draft);
-    std::vector<AttributeDraft> readParameters(const lysc_node* inout);
+    ActionDraft readAction(const lysc_node_action* action, ActionShape& shape);
+    void readResult(const lysc_node_action* action, ActionDraft& draft, ActionShape& shape);
+    std::vector<AttributeDraft> readParameters(const lysc_node* inout,
+                                               std::vector<ValueShape>& shapes);
 
     std::shared_ptr<const YangContext> mContext;
     const ModuleFinder& mFinder;

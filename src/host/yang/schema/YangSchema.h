@@ -32,6 +32,15 @@ struct ValueShape {
     std::vector<ValueShape> members;
 };
 
+/// An action of a class at one place in the modules.
+struct ActionShape {
+    std::string name;
+    const lysc_node* node = nullptr;
+    std::vector<ValueShape> input;
+    /// What it returns: of several nodes, each is a member of the result, which is a struct then.
+    std::vector<ValueShape> output;
+};
+
 /// A class at one place in the modules. One class can be at several places.
 struct ObjectShape {
     std::string className;
@@ -42,6 +51,7 @@ struct ObjectShape {
     /// objects.
     std::vector<const lysc_node*> wrappers;
     std::vector<ValueShape> attributes; ///< without the keys
+    std::vector<ActionShape> actions;
     std::vector<const ObjectShape*> children;
 
     bool isKey(const lysc_node* node) const {
