@@ -37,6 +37,7 @@ test_packages=(
   postgresql          # servers of the tests' own
   chromium            # looks at the page of orvhost's graph --html
   python3-ncclient openssh-client openssl # clients of the server
+  libyang2-tools      # yanglint checks the server's replies
   lintian mmdebstrap  # scripts/package.sh
 )
 bench_packages=(

@@ -85,7 +85,8 @@ def run(*words):
 class Server:
     """orvhost serve with keys and files in a folder of its own."""
 
-    def __init__(self, folder, *options, variables=None):
+    def __init__(self, folder, *options, variables=None, models=()):
+        """models: options for further models."""
         self.folder = pathlib.Path(folder)
         self.key = self.folder / "key"
         if not self.key.exists():
@@ -94,6 +95,7 @@ class Server:
         words = [ORVHOST, "-I", EXAMPLES / "models"]
         for module in ("ran-element", "ran-equipment", "ran-function"):
             words += ["-m", module]
+        words += models
         words += ["-d", EXAMPLES / "data/harbour.json", "--me-id", "Harbour", "--ext-cm", EXT_CM]
         words += ["serve", "--netconf-ssh", "127.0.0.1:0", "--netconf-unix", self.socket]
         words += ["--netconf-user", f"alice={self.key}.pub", "--host-key", self.folder / "host_key"]
