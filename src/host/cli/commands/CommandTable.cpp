@@ -236,22 +236,25 @@ nothing if there is no difference. With a DN only its subtree is compared.
            .words = {WordKind::State, WordKind::State, WordKind::Dn},
            .run = runDiff},
           {.name = "graph",
-           .synopsis =
-               "[DN] [--depth N] [--limit N] [--layout-time S] [--dot | --html] [-o FILE] | "
-               "--classes [CLASS] [...]",
+           .synopsis = "[DN] [--depth N] [--unfold] [--limit N] [--layout-time S] [--dot | --html] "
+                       "[-o FILE] "
+                       "| --classes [CLASS] [...]",
            .summary = "draw objects with their references, or the classes",
            .details =
                R"(Draws, as SVG, an object with all that is below it (without a DN, or with /, the whole
 tree) and the references between objects. What violates an association, as the current
 transaction sees it, is red. --classes draws the classes with their associations.
---depth cuts the picture off below so many levels. More than --limit objects (300) are
-refused. --dot gives the text that Graphviz draws, which may take --layout-time seconds (60).
+--depth cuts the picture off below so many levels. A picture with more than 100 boxes is
+folded: objects of one class become a box with their number; --unfold draws each of them.
+More than --limit objects (100000; with --unfold or --classes 300) are refused.
+--dot gives the text that Graphviz draws, which may take --layout-time seconds (60).
 --html writes one page for a browser instead, for up to 100000 objects: a tree to search and
 fold, and of the chosen object the attributes, the references both ways and the violations.
 -o writes to a file.
 )",
            .words = {WordKind::Dn},
-           .options = {"--classes", "--depth", "--limit", "--layout-time", "--dot", "--html", "-o"},
+           .options = {"--classes", "--depth", "--unfold", "--limit", "--layout-time", "--dot",
+                       "--html", "-o"},
            .run = runGraph},
           {.name = "who",
            .synopsis = "DN",

@@ -20,6 +20,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <iostream>
 #include <limits>
 #include <map>
 #include <optional>
@@ -29,8 +30,12 @@ namespace OrvHost {
 namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
-constexpr std::uint64_t kObjects = 300;
-constexpr std::uint64_t kObjectsOfPage = 100000;
+// What is read for a picture that can be folded, or a page; what Graphviz lays out in good time;
+// what can be read easily.
+constexpr std::uint64_t kObjects = 100000;
+constexpr std::uint64_t kUnfoldedObjects = 300;
+constexpr std::uint64_t kClasses = 300;
+constexpr std::uint64_t kBoxes = 100;
 constexpr std::uint64_t kSeconds = 60;
 constexpr std::uint64_t kMostSeconds = std::uint64_t{24} * 60 * 60;
 
@@ -38,12 +43,20 @@ struct GraphOptions {
     bool wantsClasses = false;
     bool wantsDot = false;
     bool wantsPage = false;
+    bool wantsAllBoxes = false;
     std::optional<std::string> file;
     std::uint64_t depth = kNoLimit;
-    std::uint64_t limit = kObjects;
+    std::uint64_t limit = 0; ///< of objects or classes
     std::chrono::seconds timeout{};
     std::string from; ///< DN or class; empty: the top level
 };
+
+std::uint64_t usualLimit(const GraphOptions& options) {
+    if (options.wantsClasses) {
+        return kClasses;
+    }
+    return options.wantsAllBoxes ? kUnfoldedObjects : kObjects;
+}
 
 GraphOptions parse(Words& words, const Model& model) {
     GraphOptions options;
@@ -52,8 +65,8 @@ GraphOptions parse(Words& words, const Model& model) {
     options.wantsPage = words.takeFlag("--html");
     options.file = words.takeText("-o");
     options.depth = words.takeNumber("--depth").value_or(kNoLimit);
-    options.limit =
-        words.takeNumber("--limit").value_or(options.wantsPage ? kObjectsOfPage : kObjects);
+    options.wantsAllBoxes = words.takeFlag("--unfold");
+    options.limit = words.takeNumber("--limit").value_or(usualLimit(options));
     options.timeout = std::chrono::seconds(
         std::min(words.takeNumber("--layout-time").value_or(kSeconds), kMostSeconds));
     options.from =
@@ -61,6 +74,10 @@ GraphOptions parse(Words& words, const Model& model) {
     words.end();
     if (options.wantsPage && (options.wantsClasses || options.wantsDot)) {
         throw UsageError("--html shows objects; it cannot be combined with --classes or --dot");
+    }
+    if (options.wantsAllBoxes && (options.wantsClasses || options.wantsPage)) {
+        throw UsageError("--unfold is for pictures of objects; it cannot be combined with "
+                         "--classes or --html");
     }
     return options;
 }
@@ -91,6 +108,7 @@ void requireFittingName(const GraphOptions& options) {
 struct Drawing {
     std::string text; ///< for Graphviz, or the page
     std::string summary;
+    std::string note; ///< what is not seen in it; empty: nothing
     std::vector<InstanceProblem> violations;
     JsonValue json;
 };
@@ -104,12 +122,20 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     Drawing drawing;
     drawing.violations = violationsIn(session.model(), picture);
     const ReferenceLines lines(classes, picture, drawing.violations);
-    drawing.text = options.wantsPage ? objectPage(picture, lines, drawing.violations)
-                                     : ObjectGraph(picture, lines, drawing.violations).dot();
-    drawing.summary = counted(picture.objects.size(), "object") + ", " +
-                      counted(lines.all().size(), "line") + " of references, " +
-                      counted(drawing.violations.size(), "violation");
     drawing.json = {{"objects", picture.objects.size()}, {"references", lines.all().size()}};
+    if (options.wantsPage) {
+        drawing.text = objectPage(picture, lines, drawing.violations);
+        drawing.summary = counted(picture.objects.size(), "object") + ", " +
+                          counted(lines.all().size(), "line") + " of references, " +
+                          counted(drawing.violations.size(), "violation");
+    } else {
+        const ObjectGraph graph(picture, lines, drawing.violations,
+                                options.wantsAllBoxes ? 0 : kBoxes);
+        drawing.text = graph.dot();
+        drawing.summary = graph.summary();
+        drawing.note = graph.foldNote();
+        drawing.json["folded"] = !drawing.note.empty();
+    }
     drawing.json["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : drawing.violations) {
         drawing.json["violations"].push_back({{"dn", problem.dn},
@@ -144,6 +170,7 @@ Drawing drawClasses(Session& session, const GraphOptions& options) {
     return {graph.dot(),
             graph.summary(),
             {},
+            {},
             {{"classes", graph.classes()}, {"associations", graph.associations()}}};
 }
 
@@ -166,14 +193,24 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
     if (session.wantsJson()) {
         JsonValue document{{"command", "graph"}};
         document.update(drawing.json);
+        if (!drawing.note.empty()) {
+            document["note"] = drawing.note;
+        }
         document[options.file ? "file" : formOf(options)] = options.file.value_or(text);
         session.print(document);
     } else if (!options.file) {
         session.out() << text;
+        if (!drawing.note.empty()) {
+            // The output is the picture.
+            std::cerr << "note: " << drawing.note << '\n';
+        }
     } else {
         session.out() << *options.file << ": " << drawing.summary << '\n';
         for (const InstanceProblem& problem : drawing.violations) {
             session.out() << "  " << problem.text << '\n';
+        }
+        if (!drawing.note.empty()) {
+            session.out() << "note: " << drawing.note << '\n';
         }
     }
 }

@@ -7,10 +7,15 @@
 #include "base/Counted.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace OrvHost {
 
 namespace {
+
+std::string nodeName(std::size_t position) {
+    return "c" + std::to_string(position);
+}
 
 std::string endText(const ReferenceDescription& reference) {
     return reference.attribute + " " + toText(reference.cardinality);
@@ -22,7 +27,14 @@ ClassGraph::ClassGraph(const Model& model, const std::vector<ClassDescription>& 
                        const std::string& from, std::uint64_t depth)
     : mModel(model), mClasses(classes) {
     choose(from, depth);
-    mDot = draw();
+    arrange();
+    addLabels();
+    for (const ClassDescription* moc : mChosen) {
+        for (const ReferenceDescription& reference : moc->references) {
+            addAssociation(reference);
+        }
+    }
+    draw();
 }
 
 // Level by level; a class that appears at several places is chosen once.
@@ -45,64 +57,72 @@ void ClassGraph::choose(const std::string& from, std::uint64_t depth) {
     }
 }
 
-std::string ClassGraph::draw() {
-    DotText dot;
-    setLook(dot);
+// A class with one parent was chosen after it, so that frames cannot contain each other.
+void ClassGraph::arrange() {
     for (const ClassDescription* moc : mChosen) {
-        const std::string node = "c" + std::to_string(mNodes.size());
-        mNodes.emplace(moc->name, node);
-        dot.node(node, {{"label", moc->name}});
+        mPositions.emplace(moc->name, mPositions.size());
     }
-    for (const ClassDescription* moc : mChosen) {
-        drawContainment(dot, *moc);
-    }
-    for (const ClassDescription* moc : mChosen) {
-        for (const ReferenceDescription& reference : moc->references) {
-            drawAssociation(dot, reference);
+    mParents.resize(mChosen.size());
+    mFramed.resize(mChosen.size());
+    for (Position parent = 0; parent < mChosen.size(); ++parent) {
+        for (const std::string& child : mChosen[parent]->children) {
+            const auto position = mPositions.find(child);
+            if (position != mPositions.end()) {
+                mParents[position->second].push_back(parent);
+            }
         }
     }
-    setCaption(dot, summary());
-    return dot.text();
+    for (Position position = 0; position < mChosen.size(); ++position) {
+        if (mParents[position].size() == 1 && mParents[position][0] < position) {
+            mFramed[mParents[position][0]].push_back(position);
+            mIsFramed.insert(position);
+            mParents[position].clear();
+        }
+    }
+}
+
+void ClassGraph::addLabels() {
+    for (const ClassDescription* moc : mChosen) {
+        mLabels.emplace_back(moc->name);
+        const ClassDef& definition = mModel.classes[mModel.findClass(moc->name).value()];
+        if (!definition.instances.containAll()) {
+            mLabels.back().note(toText(definition.instances) + (definition.parents.empty()
+                                                                    ? " at the top level"
+                                                                    : " in one parent"),
+                                kTextColour);
+        }
+    }
 }
 
 std::string ClassGraph::summary() const {
     return (classes() == 1 ? "1 class" : std::to_string(classes()) + " classes") + ", " +
-           counted(mAssociations, "association");
+           counted(associations(), "association");
 }
 
-void ClassGraph::drawContainment(DotText& dot, const ClassDescription& moc) {
-    for (const std::string& child : moc.children) {
-        const auto node = mNodes.find(child);
-        if (node == mNodes.end()) {
-            continue;
-        }
-        const Bounds& instances = mModel.classes[mModel.findClass(child).value()].instances;
-        dot.edge(
-            mNodes.at(moc.name), node->second,
-            {{"arrowhead", "none"}, {"label", instances.containAll() ? "" : toText(instances)}});
-    }
-}
-
-void ClassGraph::drawAssociation(DotText& dot, const ReferenceDescription& reference) {
+void ClassGraph::addAssociation(const ReferenceDescription& reference) {
     if (!mDone.insert({reference.owner, reference.attribute, reference.target}).second) {
         return;
     }
-    std::string label = endText(reference);
+    const Position from = positionOf(reference.owner);
+    const Position to = positionOf(reference.target);
     const ReferenceDescription* opposite = oppositeOf(reference);
-    if (opposite != nullptr &&
-        mDone.insert({opposite->owner, opposite->attribute, opposite->target}).second) {
-        label += "\n" + endText(*opposite);
+    if (opposite != nullptr) {
+        mDone.insert({opposite->owner, opposite->attribute, opposite->target});
     }
-    ++mAssociations;
-    const std::string from = nodeOf(dot, reference.owner);
-    const std::string to = nodeOf(dot, reference.target);
-    dot.edge(from, to,
-             {{"label", label},
-              {"dir", opposite != nullptr ? "both" : ""},
-              {"style", opposite != nullptr ? "" : "dashed"},
-              {"constraint", "false"},
-              {"color", kReferenceColour},
-              {"fontcolor", kReferenceColour}});
+    if (from == to) {
+        mLabels[from].port(
+            loopText(endText(reference), opposite == nullptr ? "" : endText(*opposite)),
+            kReferenceColour);
+        mAssociations.push_back({{}, {}, opposite != nullptr});
+        return;
+    }
+    std::string end = "title";
+    if (opposite != nullptr) {
+        end = mLabels[to].port(endText(*opposite), kReferenceColour);
+    }
+    const std::string begin = mLabels[from].port(endText(reference), kReferenceColour);
+    mAssociations.push_back(
+        {nodeName(from) + ":" + begin, nodeName(to) + ":" + end, opposite != nullptr});
 }
 
 const ReferenceDescription* ClassGraph::oppositeOf(const ReferenceDescription& reference) const {
@@ -118,12 +138,94 @@ const ReferenceDescription* ClassGraph::oppositeOf(const ReferenceDescription& r
     return found == target->references.end() ? nullptr : &*found;
 }
 
-std::string ClassGraph::nodeOf(DotText& dot, const std::string& name) {
-    const auto [known, isNew] = mNodes.emplace(name, "c" + std::to_string(mNodes.size()));
+ClassGraph::Position ClassGraph::positionOf(const std::string& name) {
+    const auto [known, isNew] = mPositions.emplace(name, mPositions.size());
     if (isNew) {
-        dot.node(known->second, {{"label", name}, {"style", "dashed"}, {"color", kOutsideColour}});
+        mLabels.emplace_back(name, kOutsideColour);
     }
     return known->second;
+}
+
+void ClassGraph::draw() {
+    DotText dot;
+    setLook(dot);
+    for (Position position = 0; position < mLabels.size(); ++position) {
+        if (mIsFramed.count(position) == 0) {
+            drawBox(dot, position);
+        }
+    }
+    for (Position child = 0; child < mChosen.size(); ++child) {
+        for (const Position parent : mParents[child]) {
+            dot.edge(nodeName(parent) + ":title", nodeName(child) + ":title",
+                     {{"arrowhead", "none"}, {"color", kContainmentColour}});
+        }
+    }
+    for (const Association& association : mAssociations) {
+        if (association.from.empty()) {
+            continue;
+        }
+        const LineKind kind = association.isBothWays ? LineKind::BothWays : LineKind::OneWay;
+        dot.edge(association.from, association.to,
+                 {{"style", styleOf(kind)}, {"dir", association.isBothWays ? "both" : ""}});
+    }
+    caption().setIn(dot);
+    mDot = dot.text();
+}
+
+void ClassGraph::drawBox(DotText& dot, Position position) {
+    if (position >= mChosen.size() || mFramed[position].empty()) {
+        drawNode(dot, position);
+        return;
+    }
+    openFrameOf(dot, nodeName(position));
+    drawNode(dot, position);
+    for (const Position child : mFramed[position]) {
+        drawBox(dot, child);
+        placeInFrame(dot, nodeName(position), nodeName(child));
+    }
+    dot.closeFrame();
+}
+
+void ClassGraph::drawNode(DotText& dot, Position position) {
+    TableLabel::Look look;
+    if (position >= mChosen.size()) {
+        look.border = kOutsideColour;
+        look.isDashed = true;
+    }
+    dot.node(nodeName(position),
+             {{"label", mLabels[position].markup(look), DotText::Form::Markup}});
+}
+
+PictureCaption ClassGraph::caption() const {
+    PictureCaption caption;
+    caption.text(summary());
+    const auto isNotEmpty = [](const std::vector<Position>& positions) {
+        return !positions.empty();
+    };
+    if (std::any_of(mFramed.begin(), mFramed.end(), isNotEmpty)) {
+        caption.frame("a class, at the left, with the classes that it contains");
+    }
+    if (std::any_of(mParents.begin(), mParents.end(), isNotEmpty)) {
+        caption.plainLine("the class at the left contains that at the right");
+    }
+    if (mLabels.size() > mChosen.size()) {
+        caption.box(kOutsideColour, kFillColour, true, "a class outside of what is drawn");
+    }
+    const auto isBothWays = [](const Association& association) { return association.isBothWays; };
+    if (std::any_of(mAssociations.begin(), mAssociations.end(), isBothWays)) {
+        caption.line(LineKind::BothWays, "a bidirectional association");
+    }
+    if (!std::all_of(mAssociations.begin(), mAssociations.end(), isBothWays)) {
+        caption.line(LineKind::OneWay, "a unidirectional association");
+    }
+    if (std::any_of(mAssociations.begin(), mAssociations.end(),
+                    [](const Association& association) { return association.from.empty(); })) {
+        caption.mark("↔ ↺", "an association of the class with itself");
+    }
+    if (!mAssociations.empty()) {
+        caption.mark("name 0..2", "an attribute of the class, and how many values it may have");
+    }
+    return caption;
 }
 
 }

@@ -49,14 +49,28 @@ void DotText::edge(const std::string& from, const std::string& to, Attributes at
     statement(from + " -> " + to, attributes);
 }
 
+void DotText::openFrame(const std::string& name, Attributes attributes) {
+    // Only subgraphs with such a name have a frame.
+    mText += indent() + "subgraph cluster_" + name + " {\n";
+    ++mOpenFrames;
+    set("graph", attributes);
+}
+
+void DotText::closeFrame() {
+    --mOpenFrames;
+    mText += indent() + "}\n";
+}
+
 void DotText::statement(const std::string& head, Attributes attributes) {
     std::string list;
-    for (const auto& [name, text] : attributes) {
-        if (!text.empty()) {
-            list += (list.empty() ? "" : ", ") + std::string(name) + "=" + dotQuoted(text);
+    for (const Attribute& attribute : attributes) {
+        if (!attribute.text.empty()) {
+            list += (list.empty() ? "" : ", ") + std::string(attribute.name) + "=" +
+                    (attribute.form == Form::Markup ? "<" + attribute.text + ">"
+                                                    : dotQuoted(attribute.text));
         }
     }
-    mText += "  " + head + (list.empty() ? "" : " [" + list + "]") + ";\n";
+    mText += indent() + head + (list.empty() ? "" : " [" + list + "]") + ";\n";
 }
 
 }

@@ -4,9 +4,9 @@
 #ifndef ORV_HOST_CLI_GRAPH_DOTTEXT_H
 #define ORV_HOST_CLI_GRAPH_DOTTEXT_H
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
-#include <utility>
 
 namespace OrvHost {
 
@@ -14,8 +14,16 @@ namespace OrvHost {
 /// caller and need no quotes; all other texts may contain anything and are quoted here. One thread.
 class DotText {
 public:
-    /// An attribute and its text. A line end in the text begins a new line in the picture.
-    using Attribute = std::pair<const char*, std::string>;
+    enum class Form {
+        Text,  ///< a line end in the text begins a new line in the picture
+        Markup ///< a text of TableLabel
+    };
+    /// An attribute and its text; without a text it is not written.
+    struct Attribute {
+        const char* name;
+        std::string text;
+        Form form = Form::Text;
+    };
     using Attributes = std::initializer_list<Attribute>;
 
     DotText();
@@ -23,15 +31,21 @@ public:
     /// \p what: "graph", or "node" or "edge" to set their defaults.
     void set(const char* what, Attributes attributes);
     void node(const std::string& name, Attributes attributes);
+    /// \p from and \p to: a node, or "node:port".
     void edge(const std::string& from, const std::string& to, Attributes attributes);
+    /// What follows, until the frame is closed, is drawn inside of it.
+    void openFrame(const std::string& name, Attributes attributes);
+    void closeFrame();
 
-    /// The whole graph.
+    /// The whole graph. All frames must be closed.
     std::string text() const { return mText + "}\n"; }
 
 private:
     void statement(const std::string& head, Attributes attributes);
+    std::string indent() const { return std::string(2 * (mOpenFrames + 1), ' '); }
 
     std::string mText;
+    std::size_t mOpenFrames = 0;
 };
 
 /// \p text as a quoted string. Quotes, backslashes and entities in it lose their meaning, and

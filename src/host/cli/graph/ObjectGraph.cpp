@@ -7,123 +7,262 @@
 #include "base/Counted.h"
 #include "base/DnView.h"
 
+#include <algorithm>
+
 namespace OrvHost {
 
 namespace {
 
 constexpr std::size_t kMaxListedViolations = 20;
+constexpr std::size_t kMaxMessages = 3;
+constexpr std::size_t kMessageColumns = 44;
+constexpr std::size_t kMessageLines = 5;
 
-/// The text of a problem without the name of its object, which is already in the node.
+std::string nodeName(std::size_t position) {
+    return "n" + std::to_string(position);
+}
+
+std::string lastStep(const std::string& dn) {
+    return std::string(DnView(dn).last().text());
+}
+
+/// The text of a problem without the name of its object.
 std::string withoutDn(const InstanceProblem& problem) {
     const std::string head = problem.dn + ": ";
     return problem.text.rfind(head, 0) == 0 ? problem.text.substr(head.size()) : problem.text;
 }
 
-const char* styleOf(LineKind kind) {
-    switch (kind) {
-    case LineKind::BothWays:
-        return "solid";
-    case LineKind::OneWay:
-        return "dashed";
-    case LineKind::Plain:
-        return "dotted";
+/// The text in few lines.
+std::string shortened(const std::string& text) {
+    const std::vector<std::string> lines = wrapped(text, kMessageColumns);
+    std::string result;
+    for (std::size_t at = 0; at < std::min(lines.size(), kMessageLines); ++at) {
+        result += (at == 0 ? "" : "\n") + lines[at];
     }
-    return "";
+    return lines.size() > kMessageLines ? result + "…" : result;
+}
+
+std::string titleOf(const PictureBox& box) {
+    std::string title = box.isFolded     ? box.className + " × " + std::to_string(box.objects)
+                        : box.dn.empty() ? "(no name)"
+                        : box.place == BoxPlace::Inside ? lastStep(box.dn)
+                                                        : box.dn;
+    if (box.hiddenBelow > 0) {
+        title += "\n(" + std::to_string(box.hiddenBelow) + " below)";
+    }
+    if (box.place == BoxPlace::Missing) {
+        title += box.objects > 1 ? "\nare not there" : "\nis not there";
+    }
+    return title;
 }
 
 }
 
 ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
-                         const std::vector<InstanceProblem>& violations)
-    : mPicture(picture), mLines(lines), mViolations(violations) {
-    for (const PicturedObject& object : picture.outside) {
-        mOutside.insert(object.dn);
-    }
-    mDot = draw();
+                         const std::vector<InstanceProblem>& violations, std::size_t most)
+    : mPicture(picture),
+      mReferences(lines),
+      mViolations(violations),
+      mBoxes(picture, lines, most),
+      mLines(joinLines(mBoxes, lines)),
+      mProblems(mBoxes.all().size()),
+      mIsRed(mBoxes.all().size()) {
+    findWhatIsWrong();
+    makeLabels();
+    addEnds();
+    addMessages();
+    draw();
 }
 
-std::string ObjectGraph::draw() {
+void ObjectGraph::findWhatIsWrong() {
+    for (const InstanceProblem& problem : mViolations) {
+        auto box = mBoxes.find(problem.dn);
+        box = box ? box : mBoxes.find(problem.otherDn);
+        if (box) {
+            mProblems[*box].push_back(&problem);
+            mIsRed[*box] = true;
+        }
+    }
+    // What is missing is wrong only if an association needs it.
+    for (const JoinedLine& line : mLines) {
+        if (line.isWrong && mBoxes.all()[line.to].place == BoxPlace::Missing) {
+            mIsRed[line.to] = true;
+        }
+    }
+}
+
+std::string ObjectGraph::summary() const {
+    return counted(mPicture.objects.size(), "object") + ", " + counted(mLines.size(), "line") +
+           " of references, " + counted(mViolations.size(), "violation");
+}
+
+std::string ObjectGraph::foldNote() const {
+    const auto above = mBoxes.foldedAbove();
+    if (!above) {
+        return {};
+    }
+    return "folded: more than " +
+           (*above == 1 ? "one object" : std::to_string(*above) + " objects") +
+           " of a class in one frame, and those below them, are one box with their number. To "
+           "unfold: graph DN draws a part, --depth fewer levels, --unfold all; --html makes a page "
+           "with all";
+}
+
+void ObjectGraph::makeLabels() {
+    for (std::size_t position = 0; position < mBoxes.all().size(); ++position) {
+        const PictureBox& box = mBoxes.all()[position];
+        mLabels.emplace_back(titleOf(box), mIsRed[position]                ? kViolationColour
+                                           : box.place == BoxPlace::Inside ? kTextColour
+                                                                           : kOutsideColour);
+    }
+}
+
+void ObjectGraph::addEnds() {
+    for (const JoinedLine& line : mLines) {
+        const char* colour = line.isWrong ? kViolationColour : kReferenceColour;
+        if (line.from == line.to) {
+            mLabels[line.from].port(loopText(line.fromText, line.toText), colour);
+            mEnds.emplace_back();
+            continue;
+        }
+        const std::string from = mLabels[line.from].port(line.fromText, colour);
+        const std::string to =
+            line.toText.empty() ? "title" : mLabels[line.to].port(line.toText, colour);
+        mEnds.emplace_back(nodeName(line.from) + ":" + from, nodeName(line.to) + ":" + to);
+    }
+}
+
+void ObjectGraph::addMessages() {
+    for (std::size_t position = 0; position < mBoxes.all().size(); ++position) {
+        const std::vector<const InstanceProblem*>& problems = mProblems[position];
+        const bool isFolded = mBoxes.all()[position].isFolded;
+        for (std::size_t at = 0; at < std::min(problems.size(), kMaxMessages); ++at) {
+            const std::string object = isFolded ? lastStep(problems[at]->dn) + ": " : "";
+            mLabels[position].note(shortened(object + withoutDn(*problems[at])), kViolationColour);
+        }
+        if (problems.size() > kMaxMessages) {
+            mLabels[position].note("and " +
+                                       counted(problems.size() - kMaxMessages, "more violation"),
+                                   kViolationColour);
+        }
+    }
+}
+
+void ObjectGraph::draw() {
     DotText dot;
     setLook(dot);
-    setCaption(dot, caption(), mViolations.empty() ? "" : kViolationColour);
-    drawObjects(dot);
-    for (const ReferenceLine& line : mLines.all()) {
-        drawLine(dot, line);
+    for (std::size_t position = 0; position < mBoxes.all().size(); ++position) {
+        if (!mBoxes.all()[position].parent) {
+            drawBox(dot, position);
+        }
     }
-    return dot.text();
+    for (std::size_t number = 0; number < mLines.size(); ++number) {
+        const JoinedLine& line = mLines[number];
+        if (line.from == line.to) {
+            continue;
+        }
+        dot.edge(mEnds[number].first, mEnds[number].second,
+                 {{"style", styleOf(line.kind)},
+                  {"dir", line.kind == LineKind::BothWays ? "both" : ""},
+                  {"color", line.isWrong ? kViolationColour : ""}});
+    }
+    caption().setIn(dot);
+    mDot = dot.text();
 }
 
-std::string ObjectGraph::caption() const {
-    std::string text = mPicture.title + ": " + counted(mPicture.objects.size(), "object") + ", " +
-                       counted(mLines.all().size(), "line") + " of references, " +
-                       counted(mViolations.size(), "violation");
-    if (mLines.unread() > 0) {
-        text += "\n" + std::to_string(mLines.unread()) +
-                " references to further objects outside are not drawn";
+void ObjectGraph::drawBox(DotText& dot, std::size_t position) {
+    const PictureBox& box = mBoxes.all()[position];
+    if (box.children.empty()) {
+        drawNode(dot, position);
+        return;
+    }
+    openFrameOf(dot, nodeName(position));
+    drawNode(dot, position);
+    for (const std::size_t child : box.children) {
+        drawBox(dot, child);
+        placeInFrame(dot, nodeName(position), nodeName(child));
+    }
+    dot.closeFrame();
+}
+
+void ObjectGraph::drawNode(DotText& dot, std::size_t position) {
+    const PictureBox& box = mBoxes.all()[position];
+    const bool isOutside = box.place != BoxPlace::Inside;
+    TableLabel::Look look;
+    look.fill = box.isFolded ? kFoldedFillColour : kFillColour;
+    look.isDashed = isOutside;
+    look.border = mIsRed[position] ? kViolationColour : isOutside ? kOutsideColour : kBoxColour;
+    dot.node(nodeName(position), {{"label", mLabels[position].markup(look), DotText::Form::Markup},
+                                  {"tooltip", box.dn}});
+}
+
+PictureCaption ObjectGraph::caption() const {
+    PictureCaption caption;
+    caption.text(mPicture.title + ": " + summary());
+    if (!foldNote().empty()) {
+        caption.text(foldNote());
+    }
+    if (mReferences.unread() > 0) {
+        caption.text(counted(mReferences.unread(), "reference") +
+                     " to further objects outside are not drawn");
     }
     for (std::size_t number = 0; number < mViolations.size(); ++number) {
         if (number == kMaxListedViolations) {
-            return text + "\n...";
+            caption.text("...", kViolationColour);
+            break;
         }
-        text += "\n" + mViolations[number].text;
+        caption.text(mViolations[number].text, kViolationColour);
     }
-    return text;
+    explainBoxes(caption);
+    explainLines(caption);
+    return caption;
 }
 
-void ObjectGraph::drawObjects(DotText& dot) {
-    std::unordered_map<std::string, std::string> wrongCounts;
-    for (const InstanceProblem& problem : mViolations) {
-        if (problem.kind == InstanceProblemKind::NoReference ||
-            problem.kind == InstanceProblemKind::WrongCardinality) {
-            wrongCounts[problem.dn] += "\n" + withoutDn(problem);
-        }
+void ObjectGraph::explainBoxes(PictureCaption& caption) const {
+    const std::vector<PictureBox>& boxes = mBoxes.all();
+    const auto has = [&](const auto& isSuch) {
+        return std::any_of(boxes.begin(), boxes.end(), isSuch);
+    };
+    if (has([](const PictureBox& box) { return !box.children.empty(); })) {
+        caption.frame("an object, at the left, with its children");
     }
-    for (const PicturedObject& object : mPicture.objects) {
-        const std::string node = "n" + std::to_string(mNodes.size());
-        mNodes.emplace(object.dn, node);
-        const auto wrong = wrongCounts.find(object.dn);
-        const bool isWrong = wrong != wrongCounts.end();
-        const std::string below =
-            object.hiddenBelow > 0 ? "\n(" + std::to_string(object.hiddenBelow) + " below)" : "";
-        dot.node(node, {{"label", std::string(DnView(object.dn).last().text()) + below +
-                                      (isWrong ? wrong->second : "")},
-                        {"tooltip", object.dn},
-                        {"color", isWrong ? kViolationColour : ""},
-                        {"fontcolor", isWrong ? kViolationColour : ""}});
-        if (object.parent) {
-            dot.edge(mNodes.at(mPicture.objects[*object.parent].dn), node, {{"arrowhead", "none"}});
-        }
+    if (has([](const PictureBox& box) { return box.isFolded; })) {
+        caption.box(kBoxColour, kFoldedFillColour, false,
+                    "folded: Class × N are N objects of the class");
+    }
+    if (has([](const PictureBox& box) { return box.place != BoxPlace::Inside; })) {
+        caption.box(kOutsideColour, kFillColour, true,
+                    "referred to, but outside of what is drawn, or not there");
     }
 }
 
-// Lines of references must not change the layout of the tree.
-void ObjectGraph::drawLine(DotText& dot, const ReferenceLine& line) {
-    const bool isWrong = !line.violation.empty();
-    const char* colour = isWrong ? kViolationColour : kReferenceColour;
-    const std::string from = nodeOf(dot, line.from, isWrong);
-    const std::string to = nodeOf(dot, line.to, isWrong);
-    dot.edge(from, to,
-             {{"label", line.label},
-              {"tooltip", line.violation},
-              {"style", styleOf(line.kind)},
-              {"dir", line.kind == LineKind::BothWays ? "both" : ""},
-              {"constraint", "false"},
-              {"color", colour},
-              {"fontcolor", colour}});
-}
-
-std::string ObjectGraph::nodeOf(DotText& dot, const std::string& dn, bool isWrong) {
-    const auto [known, isNew] = mNodes.emplace(dn, "n" + std::to_string(mNodes.size()));
-    if (isNew) {
-        const bool isThere = mOutside.count(dn) > 0;
-        const char* colour = isWrong && !isThere ? kViolationColour : kOutsideColour;
-        dot.node(known->second, {{"label", (dn.empty() ? "(no name)" : dn) +
-                                               std::string(isThere ? "" : "\nis not there")},
-                                 {"style", "dashed"},
-                                 {"color", colour},
-                                 {"fontcolor", colour}});
+void ObjectGraph::explainLines(PictureCaption& caption) const {
+    const auto has = [&](const auto& isSuch) {
+        return std::any_of(mLines.begin(), mLines.end(), isSuch);
+    };
+    const auto hasKind = [&](LineKind kind) {
+        return has([&](const JoinedLine& line) { return line.kind == kind; });
+    };
+    if (hasKind(LineKind::BothWays)) {
+        caption.line(LineKind::BothWays, "an association with references both ways");
     }
-    return known->second;
+    if (hasKind(LineKind::OneWay)) {
+        caption.line(LineKind::OneWay, "a reference of an association, one way");
+    }
+    if (hasKind(LineKind::Plain)) {
+        caption.line(LineKind::Plain, "a reference without an association");
+    }
+    if (has([](const JoinedLine& line) {
+            return (line.fromText + line.toText).find("×") != std::string::npos;
+        })) {
+        caption.mark("×3", "a line from this row stands for 3 references of the attribute");
+    }
+    if (has([](const JoinedLine& line) { return line.from == line.to; })) {
+        caption.mark("↔ ↺", "references between the objects of the same box, both ways or one way");
+    }
+    if (!mViolations.empty()) {
+        caption.red("red: a violation of an association");
+    }
 }
 
 }

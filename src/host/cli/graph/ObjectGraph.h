@@ -5,44 +5,61 @@
 #define ORV_HOST_CLI_GRAPH_OBJECTGRAPH_H
 
 #include "DotText.h"
+#include "JoinedLines.h"
+#include "PictureBoxes.h"
+#include "PictureCaption.h"
 #include "ReferenceLines.h"
+#include "TableLabel.h"
 #include "TreePicture.h"
 #include "audit/InstanceReport.h"
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace OrvHost {
 
 /// A part of the MO tree with its references as DOT text; violations of associations are red.
 ///
-/// A bidirectional association is one line with an arrowhead at each end if both sides have their
-/// reference. A reference without an association is dotted. A target outside the chosen part, or
-/// one that does not exist, is dashed. One thread.
+/// An object is a box with a row for each of its reference attributes that a line leads from or to.
+/// An object with children stands in a frame with them. References of one kind between the same two
+/// boxes are one line; one that leads both ways has an arrowhead at each end. Large pictures are
+/// folded, see PictureBoxes. One thread.
 class ObjectGraph {
 public:
-    /// All arguments are borrowed and must outlive the graph.
+    /// At most \p most boxes if folding achieves that, 0: any number. All other arguments are
+    /// borrowed and must outlive the graph.
     ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
-                const std::vector<InstanceProblem>& violations);
+                const std::vector<InstanceProblem>& violations, std::size_t most);
 
     const std::string& dot() const { return mDot; }
+    /// "4 objects, 3 lines of references, 0 violations".
+    std::string summary() const;
+    /// What was folded, and how to see more; empty: nothing.
+    std::string foldNote() const;
 
 private:
-    std::string draw();
-    std::string caption() const;
-    void drawObjects(DotText& dot);
-    void drawLine(DotText& dot, const ReferenceLine& line);
-    /// The node of an object; draws the object if it is not drawn yet.
-    std::string nodeOf(DotText& dot, const std::string& dn, bool isWrong);
+    void findWhatIsWrong();
+    void makeLabels();
+    void addEnds();
+    void addMessages();
+    void draw();
+    void drawBox(DotText& dot, std::size_t position);
+    void drawNode(DotText& dot, std::size_t position);
+    PictureCaption caption() const;
+    void explainBoxes(PictureCaption& caption) const;
+    void explainLines(PictureCaption& caption) const;
 
     const TreePicture& mPicture;
-    const ReferenceLines& mLines;
+    const ReferenceLines& mReferences;
     const std::vector<InstanceProblem>& mViolations;
-    std::unordered_set<std::string> mOutside; ///< those that exist
-    std::unordered_map<std::string, std::string> mNodes;
+    PictureBoxes mBoxes;
+    std::vector<JoinedLine> mLines;
+    std::vector<std::vector<const InstanceProblem*>> mProblems; ///< of each box
+    std::vector<bool> mIsRed;                                   ///< each box
+    std::vector<std::pair<std::string, std::string>> mEnds;     ///< of each line
+    std::vector<TableLabel> mLabels;                            ///< of each box
     std::string mDot;
 };
 

@@ -75,8 +75,8 @@ void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Li
     if (!mDone.insert(link).second) {
         return;
     }
-    ReferenceLine line{link.holder, link.target, link.attribute, LineKind::Plain,
-                       violationOf(link)};
+    ReferenceLine line{link.holder, link.target,     link.attribute,
+                       {},          LineKind::Plain, violationOf(link)};
     const ReferenceDescription* association =
         findAssociation(classes, classIn(link.holder), link.attribute, classIn(link.target));
     if (association != nullptr) {
@@ -85,7 +85,7 @@ void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Li
         if (!association->opposite.empty() && mLinks.count(back) > 0) {
             mDone.insert(back);
             line.kind = LineKind::BothWays;
-            line.label += back.attribute == link.attribute ? "" : " / " + back.attribute;
+            line.back = back.attribute;
             line.violation = line.violation.empty() ? violationOf(back) : line.violation;
         }
     }

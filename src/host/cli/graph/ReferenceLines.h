@@ -26,9 +26,10 @@ enum class LineKind {
 
 /// One or two references between two objects.
 struct ReferenceLine {
-    std::string from; ///< external DN
-    std::string to;   ///< external DN; empty: a target that clients cannot name
-    std::string label;
+    std::string from;      ///< external DN
+    std::string to;        ///< external DN; empty: a target that clients cannot name
+    std::string attribute; ///< of `from`
+    std::string back;      ///< the attribute of `to`, if both have a reference; or empty
     LineKind kind = LineKind::Plain;
     std::string violation; ///< what is wrong; empty: nothing
 };

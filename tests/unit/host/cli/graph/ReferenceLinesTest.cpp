@@ -30,7 +30,9 @@ protected:
             const char* mark = line.kind == LineKind::BothWays
                                    ? " <-> "
                                    : (line.kind == LineKind::OneWay ? " -> " : " ... ");
-            texts.push_back(line.from + mark + line.to + ": " + line.label +
+            texts.push_back(line.from + mark + line.to + ": " + line.attribute +
+                            (line.back.empty() || line.back == line.attribute ? ""
+                                                                              : " / " + line.back) +
                             (line.violation.empty() ? "" : " !"));
         }
         return texts;

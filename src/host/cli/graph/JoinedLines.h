@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_GRAPH_JOINEDLINES_H
+#define ORV_HOST_CLI_GRAPH_JOINEDLINES_H
+
+#include "PictureBoxes.h"
+#include "ReferenceLines.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace OrvHost {
+
+/// All references of one kind between two boxes.
+struct JoinedLine {
+    std::size_t from; ///< position of a box
+    std::size_t to;
+    LineKind kind;
+    bool isWrong; ///< each of them violates an association
+    /// What stands at the ends: the attributes, those with several references with their number:
+    /// "antennas ×3". Empty at `to` unless the line leads both ways.
+    std::string fromText;
+    std::string toText;
+};
+
+/// \p lines from box to box, parallel ones as one. Lines
+/// that differ in kind or in being wrong, and one-way lines of different directions, stay apart.
+std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLines& lines);
+
+}
+
+#endif

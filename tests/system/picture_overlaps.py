@@ -1,0 +1,274 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+"""Checks that pictures of objects and classes can be read: no text lies on another text, a line, the
+border of a frame or a box of something else, and no line leads through a box that it does not end at.
+
+usage: picture_overlaps.py ORVHOST GENERATOR ROOT [--keep FOLDER]
+
+Places are taken from the SVG that orvhost writes, and the widths of texts from what Graphviz, with
+the fonts of this machine, gives them. With --keep, the pictures are kept in FOLDER.
+"""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as tree
+
+SVG = "{http://www.w3.org/2000/svg}"
+NUMBER = re.compile(r"-?\d+(?:\.\d+)?(?:e-?\d+)?")
+# Letters do not fill the height of their line: what is above and below the base line, in font sizes.
+ABOVE, BELOW = 0.72, 0.2
+POINTS_OF_CURVE = 24
+
+
+class Box:
+    def __init__(self, left, top, right, bottom):
+        self.left, self.top, self.right, self.bottom = left, top, right, bottom
+
+    def meets(self, other):
+        return (self.left < other.right and other.left < self.right and
+                self.top < other.bottom and other.top < self.bottom)
+
+    def smaller(self, by):
+        return Box(self.left + by, self.top + by, self.right - by, self.bottom - by)
+
+    def is_crossed(self, start, end):
+        """Whether the straight line from start to end has a point inside (Liang and Barsky)."""
+        low, high = 0.0, 1.0
+        for at, delta, least, most in (
+                (start[0], end[0] - start[0], self.left, self.right),
+                (start[1], end[1] - start[1], self.top, self.bottom)):
+            if delta == 0:
+                if not least < at < most:
+                    return False
+                continue
+            first, last = sorted(((least - at) / delta, (most - at) / delta))
+            low, high = max(low, first), min(high, last)
+        return low < high
+
+
+def pairs(text):
+    numbers = [float(number) for number in NUMBER.findall(text)]
+    return list(zip(numbers[::2], numbers[1::2]))
+
+
+def box_around(points):
+    return Box(min(x for x, _ in points), min(y for _, y in points),
+               max(x for x, _ in points), max(y for _, y in points))
+
+
+def along(points):
+    """The points of a curve of third degree, or several one after the other."""
+    result = [points[0]]
+    for at in range(0, len(points) - 3, 3):
+        a, b, c, d = points[at:at + 4]
+        for step in range(1, POINTS_OF_CURVE + 1):
+            t = step / POINTS_OF_CURVE
+            factors = ((1 - t) ** 3, 3 * t * (1 - t) ** 2, 3 * t * t * (1 - t), t ** 3)
+            result.append(tuple(sum(f * p[axis] for f, p in zip(factors, (a, b, c, d)))
+                                for axis in (0, 1)))
+    return result
+
+
+def shown(text):
+    return text.replace("\u00a0", " ")
+
+
+class Widths:
+    """How wide Graphviz takes each text to be, by text, size and boldness."""
+
+    def __init__(self, dot):
+        run = subprocess.run(["dot", "-Tjson"], input=dot, capture_output=True, text=True, check=True)
+        self.widths = {}
+        document = json.loads(run.stdout)
+        for part in [document, *document.get("objects", []), *document.get("edges", [])]:
+            size, bold = 0, False
+            for operation in part.get("_ldraw_", []):
+                if operation["op"] == "F":
+                    size = operation["size"]
+                elif operation["op"] == "t":
+                    bold = bool(operation["fontchar"] & 1)
+                elif operation["op"] == "T":
+                    text = shown(operation["text"])
+                    known = self.widths.get((text, size), 0)
+                    self.widths[text, size] = max(known, operation["width"])
+
+    def of(self, text, size):
+        return self.widths[shown(text), size]
+
+
+class Picture:
+    def __init__(self, svg, dot):
+        self.texts = []  # of (text, box, name of its part)
+        self.lines = []  # of (name, straight pieces)
+        self.boxes = []  # of (name, box)
+        self.frames = []  # of (name, straight pieces)
+        widths = Widths(dot)
+        graph = tree.fromstring(svg).find(SVG + "g")
+        self.read(graph, "", widths)
+        for part in graph.iter(SVG + "g"):
+            if part is not graph:
+                self.read_part(part, widths)
+
+    def read_part(self, part, widths):
+        kind, name = part.get("class"), part.findtext(SVG + "title")
+        if kind is None:  # the link of a tooltip
+            return
+        self.read(part, name, widths)
+        if kind == "node":
+            corners = [corner for polygon in part.iter(SVG + "polygon")
+                       for corner in pairs(polygon.get("points"))]
+            self.boxes.append((name, box_around(corners)))
+        for path in part.iter(SVG + "path"):
+            points = along(pairs(path.get("d")))
+            pieces = list(zip(points, points[1:]))
+            (self.frames if kind == "cluster" else self.lines).append((name, pieces))
+
+    def read(self, part, name, widths):
+        # Below a tooltip, or directly; not those of parts inside.
+        own = [part, *part.findall(SVG + "g")] if name else [part]
+        for text in (text for place in own for link in [place, *place.findall(SVG + "a")]
+                     for text in link.findall(SVG + "text")):
+            size, x, y = (float(text.get(key)) for key in ("font-size", "x", "y"))
+            width = widths.of(text.text or "", size)
+            left = {"start": x, "middle": x - width / 2, "end": x - width}[text.get("text-anchor")]
+            if (text.text or "").strip():
+                self.texts.append((text.text, Box(left, y - ABOVE * size, left + width,
+                                                  y + BELOW * size), name))
+
+    def overlaps(self):
+        for at, (text, box, _) in enumerate(self.texts):
+            for other, other_box, _ in self.texts[at + 1:]:
+                if box.meets(other_box):
+                    yield f"the texts '{text}' and '{other}'"
+        for text, box, name in self.texts:
+            for other, other_box in self.boxes:
+                if other != name and box.meets(other_box):
+                    yield f"the text '{text}' and the box {other}"
+            for other, pieces in self.lines + self.frames:
+                if any(box.is_crossed(*piece) for piece in pieces):
+                    yield f"the text '{text}' and the line or frame {other}"
+        for name, pieces in self.lines:
+            ends = {end.split(":")[0] for end in name.split("->")}
+            for other, box in self.boxes:
+                if other not in ends and any(box.smaller(1).is_crossed(*piece) for piece in pieces):
+                    yield f"the line {name} and the box {other}"
+
+
+class Check:
+    def __init__(self, orvhost, keep):
+        self.orvhost, self.keep, self.failures = orvhost, keep, 0
+
+    def run(self, *words):
+        run = subprocess.run([self.orvhost, "--project", "", *words], capture_output=True, text=True,
+                             check=False)
+        if run.returncode != 0:
+            sys.exit(f"{' '.join(map(str, words))}: {run.stderr}")
+        return run.stdout
+
+    def picture(self, name, options, graph, commands=()):
+        """Draws with the options of orvhost, after the commands, what follows the word graph."""
+        begin = ["begin", *commands] if commands else []
+        draw = f"graph {graph}".strip()
+        def drawn(line):
+            words = [word for command in [*begin, line] for word in ("-c", command)]
+            return self.run(*options, *words)
+        with tempfile.TemporaryDirectory() as folder:
+            place = pathlib.Path(self.keep or folder)
+            drawn(f"{draw} --dot -o {place / name}.dot")
+            drawn(f"{draw} -o {place / name}.svg")
+            dot, svg = (place / f"{name}.dot").read_text(), (place / f"{name}.svg").read_text()
+            drawn(f"{draw} --dot -o {place / name}.dot")
+            if (place / f"{name}.dot").read_text() != dot:
+                self.fail(name, "drawn again, it is not the same")
+        picture = Picture(svg, dot)
+        if not picture.texts or not picture.boxes:
+            self.fail(name, "there is nothing in it")
+        overlaps = list(picture.overlaps())
+        for overlap in overlaps:
+            self.fail(name, overlap)
+        print(f"{name}: {len(picture.boxes)} boxes, {len(picture.lines)} lines, "
+              f"{len(picture.texts)} texts, {len(overlaps)} overlaps")
+        return picture
+
+    def fail(self, name, text):
+        self.failures += 1
+        print(f"{name}: {text}", file=sys.stderr)
+
+
+def expect_texts(check, name, picture, *texts):
+    whole = shown(" ".join(text for text, _, _ in picture.texts))
+    for text in texts:
+        if text not in whole:
+            check.fail(name, f"'{text}' is not in it")
+
+
+def self_test():
+    """A picture with one overlap of each kind must not pass."""
+    dot = 'digraph { a [label="one" pos="0,0!"]; }'
+    svg = ('<svg xmlns="http://www.w3.org/2000/svg"><g class="graph">'
+           '<g class="node"><title>a</title><polygon points="0,0 50,0 50,20 0,20"/>'
+           '<text text-anchor="start" x="2" y="12" font-size="14.00">one</text></g>'
+           '<g class="node"><title>b</title><polygon points="10,5 60,5 60,25 10,25"/>'
+           '<text text-anchor="start" x="12" y="16" font-size="14.00">one</text></g>'
+           '<g class="edge"><title>c-&gt;d</title><path d="M-5,10C10,10 20,10 70,10"/></g>'
+           '</g></svg>')
+    found = " | ".join(Picture(svg, dot).overlaps())
+    for kind in ("the texts 'one' and 'one'", "the text 'one' and the box", "and the line or frame c",
+                 "the line c->d and the box a"):
+        if kind not in found:
+            sys.exit(f"the measurement does not see {kind}: {found}")
+
+
+def main():
+    orvhost, generator, root = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
+    self_test()
+    check = Check(orvhost, sys.argv[5] if len(sys.argv) > 5 else None)
+    model = ["-I", str(root / "examples/models"), "-m", "ran-element", "-m", "ran-equipment",
+             "-m", "ran-function"]
+    harbour = [*model, "-d", str(root / "examples/data/harbour.json"), "--me-id", "Harbour"]
+    equipment = "ManagedElement=Harbour,Equipment=1"
+    radio_unit = f"{equipment},RadioUnit=1"
+    antenna = f"{equipment},AntennaUnit=2,Antenna=1"
+
+    check.picture("demo-before", harbour, radio_unit)
+    check.picture("demo-after", harbour, radio_unit, [f"set {radio_unit} antennaRef={antenna}"])
+    check.picture("harbour", harbour, "")
+    check.picture("equipment", harbour, equipment)
+    check.picture("level", harbour, "--depth 2")
+    wrong = check.picture("violations", harbour, equipment, [
+        f"create {equipment},RadioUnit=3 antennaRef={antenna}",
+        f"create {equipment},RadioUnit=4 antennaRef={antenna} "
+        f"sectorRef={equipment},Sector=nowhere"])
+    expect_texts(check, "violations", wrong, "expected 0..2", "does not exist", "red:")
+
+    long_name = "long" * 50
+    odd = ["R&D &amp 'too'", "Höhe 塔", "two  blanks", "{a|b}", long_name]
+    names = check.picture("odd-names", harbour, equipment,
+                          [f'create "{equipment},Cabinet={name}"' for name in odd])
+    whole = shown("".join(text for text, _, _ in names.texts))
+    for name in odd:
+        if f"Cabinet={name}" not in whole:
+            check.fail("odd-names", f"'{name}' is not in it")
+
+    check.picture("classes", model, "--classes")
+    check.picture("classes-part", model, "--classes Equipment")
+    with tempfile.TemporaryDirectory() as folder:
+        for count, options in ((15, ("",)), (60, ("",)), (140, ("", "--unfold")), (1000, ("",)),
+                               (20000, ("",))):
+            data = f"{folder}/{count}.json"
+            subprocess.run([generator, "-n", str(count), data], check=True, capture_output=True)
+            for option in options:
+                name = f"{count}{option}"
+                picture = check.picture(name, [*model, "-d", data], option)
+                if count > 100 and not option:
+                    expect_texts(check, name, picture, "NRCellRelation × ", "--unfold")
+    return 1 if check.failures else 0
+
+
+sys.exit(main())
