@@ -295,7 +295,7 @@ TEST_F(OrvhostClassNamesTest, Tab_CompletesTheNames) {
 TEST_F(OrvhostClassNamesTest, Graphs_ShowTheNames) {
     const ProgramResult result = run({"graph --classes --dot", "graph ManagedElement=east --dot"});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("label=\"core:Cell\""));
+    EXPECT_THAT(result.out, HasSubstr("<B>core:Cell</B>"));
     EXPECT_THAT(result.out, HasSubstr("core:Cell=a"));
 }
 

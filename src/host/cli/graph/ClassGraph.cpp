@@ -67,7 +67,7 @@ void ClassGraph::arrange() {
     for (Position parent = 0; parent < mChosen.size(); ++parent) {
         for (const std::string& child : mChosen[parent]->children) {
             const auto position = mPositions.find(child);
-            if (position != mPositions.end()) {
+            if (position != mPositions.end() && position->second != parent) {
                 mParents[position->second].push_back(parent);
             }
         }
@@ -90,6 +90,9 @@ void ClassGraph::addLabels() {
                                                                     ? " at the top level"
                                                                     : " in one parent"),
                                 kTextColour);
+        }
+        if (std::count(moc->children.begin(), moc->children.end(), moc->name) > 0) {
+            mLabels.back().note("contains itself", kTextColour);
         }
     }
 }

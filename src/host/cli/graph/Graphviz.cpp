@@ -146,13 +146,23 @@ std::optional<int> statusUntil(pid_t child, const std::function<bool()>& isEnoug
     return status;
 }
 
+/// Whether it has ended; its status can still be asked for, and its number is not given away.
+bool hasEnded(pid_t child) {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == child;
+}
+
+/// Ends it with all that it has started: dot can be a script that starts the program proper, which
+/// need not end with it.
 void end(pid_t child) {
     kill(-child, SIGTERM);
     const auto deadline = std::chrono::steady_clock::now() + kTimeToEnd;
-    if (!statusUntil(child, [&] { return std::chrono::steady_clock::now() > deadline; })) {
-        kill(-child, SIGKILL);
-        statusOf(child, true);
+    while (!hasEnded(child) && std::chrono::steady_clock::now() <= deadline) {
+        std::this_thread::sleep_for(kPause);
     }
+    kill(-child, SIGKILL);
+    statusOf(child, true);
 }
 
 /// Why the child failed, for people; empty if it succeeded.

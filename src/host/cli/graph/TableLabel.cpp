@@ -105,12 +105,12 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
             lines.emplace_back();
             continue;
         }
-        if (line.size() == columns) {
-            std::size_t length = columns;
+        if (line.size() >= columns && letter != " ") {
+            std::size_t length = line.size();
             while (length > columns / 2 && line[length - 1] != " " && line[length - 1] != ",") {
                 --length;
             }
-            endLine(length > columns / 2 ? length : columns);
+            endLine(length > columns / 2 ? length : line.size());
             lines.emplace_back();
         }
         line.push_back(letter);

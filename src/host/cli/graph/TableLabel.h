@@ -30,7 +30,6 @@ public:
     /// The name of the row at which lines with that text end. The same text in the same colour is
     /// one row.
     std::string port(const std::string& text, const std::string& colour);
-    bool hasPorts() const { return !mPorts.empty(); }
 
     /// The table. The port "title" is its first row.
     std::string markup(const Look& look) const;
@@ -41,9 +40,9 @@ private:
     std::vector<std::pair<std::string, std::string>> mPorts; ///< text and colour
 };
 
-/// \p text in lines of at most \p columns letters, more than 0. A line ends after a blank or a
-/// comma if there is one in its second half. What is not UTF-8 becomes U+FFFD, and control
-/// characters are left out, except line ends.
+/// \p text in lines of at most \p columns letters, more than 0, and further blanks. A line ends
+/// after a blank or a comma if there is one in its second half. What is not UTF-8 becomes U+FFFD,
+/// and control characters are left out, except line ends.
 std::vector<std::string> wrapped(const std::string& text, std::size_t columns);
 
 /// A text in markup, wrapped, in lines that begin at the left.

@@ -14,6 +14,7 @@ namespace OrvHost {
 namespace {
 
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -29,20 +30,20 @@ TEST_F(ClassGraphTest, WholeModel_HasEachClassAndEachAssociationOnce) {
     EXPECT_EQ(all.classes(), 3U);
     EXPECT_EQ(all.associations(), 3U);
     EXPECT_THAT(all.dot(),
-                AllOf(HasSubstr("c0 [label=\"Site\"]"), HasSubstr("c1 [label=\"Mast\"]"),
-                      HasSubstr("c0 -> c1 [arrowhead=\"none\", label=\"0..4\"]"),
-                      HasSubstr("c0 -> c2 [arrowhead=\"none\"]"),
-                      HasSubstr("c1 -> c2 [label=\"antennas 1..9\\nmast 0..1\", dir=\"both\""),
-                      HasSubstr("c2 -> c2 [label=\"near 0..*\", dir=\"both\""),
-                      HasSubstr("c2 -> c1 [label=\"seen 0..*\", style=\"dashed\""),
-                      HasSubstr("3 classes, 3 associations")));
+                AllOf(HasSubstr("<B>Site</B>"), HasSubstr("  subgraph cluster_c0 {\n"),
+                      HasSubstr(">0..4 in one parent<"), HasSubstr(">antennas 1..9<"),
+                      HasSubstr(">mast 0..1<"), HasSubstr(">seen 0..*<"),
+                      HasSubstr(">near 0..* ↔ near 0..*<"),
+                      HasSubstr("c1:p0 -> c2:p0 [style=\"solid\", dir=\"both\"]"),
+                      ContainsRegex("c2:p[12] -> c1:title \\[style=\"dashed\"\\]"),
+                      HasSubstr("3 classes, 3 associations"), HasSubstr("how many values")));
 }
 
 TEST_F(ClassGraphTest, FromAClass_DrawsWhatIsBelowAndWhatItRefersTo) {
     const ClassGraph mast = graph("Mast");
     EXPECT_EQ(mast.classes(), 1U);
-    EXPECT_THAT(mast.dot(), AllOf(HasSubstr("c1 [label=\"Antenna\", style=\"dashed\""),
-                                  HasSubstr("c0 -> c1 [label=\"antennas"), Not(HasSubstr("Site"))));
+    EXPECT_THAT(mast.dot(), AllOf(HasSubstr("<B>Antenna</B>"), HasSubstr("STYLE=\"DASHED\""),
+                                  HasSubstr("c0:p0 -> c1:p0"), Not(HasSubstr("Site"))));
 }
 
 TEST_F(ClassGraphTest, Depth_CutsLevelsOff) {
@@ -58,7 +59,24 @@ TEST_F(ClassGraphTest, ClassThatContainsItself_IsDrawnOnce) {
     const std::vector<ClassDescription> classes{{"Box", {}, {"Box"}, {}}};
     const ClassGraph box(model, classes, "", UINT64_MAX);
     EXPECT_EQ(box.classes(), 1U);
-    EXPECT_THAT(box.dot(), HasSubstr("c0 -> c0 [arrowhead=\"none\"]"));
+    EXPECT_THAT(box.dot(), HasSubstr(">contains itself<"));
+}
+
+TEST_F(ClassGraphTest, ClassWithSeveralParents_HasALineFromEach) {
+    const Model model = ModelBuilder()
+                            .add(ClassDraft("Hall").topLevel().key("id"))
+                            .add(ClassDraft("Yard").topLevel().key("id"))
+                            .add(ClassDraft("Lamp").key("id"))
+                            .contain("Hall", "Lamp")
+                            .contain("Yard", "Lamp")
+                            .build();
+    const std::vector<ClassDescription> classes{
+        {"Hall", {}, {"Lamp"}, {}}, {"Yard", {}, {"Lamp"}, {}}, {"Lamp", {}, {}, {}}};
+    EXPECT_THAT(ClassGraph(model, classes, "", UINT64_MAX).dot(),
+                AllOf(Not(HasSubstr("subgraph")),
+                      HasSubstr("c0:title -> c2:title [arrowhead=\"none\""),
+                      HasSubstr("c1:title -> c2:title [arrowhead=\"none\""),
+                      HasSubstr("the class at the left contains")));
 }
 
 }

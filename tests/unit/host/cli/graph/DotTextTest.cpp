@@ -38,5 +38,20 @@ TEST(DotTextTest, Text_Statements_ComeInTheirOrderWithoutEmptyAttributes) {
                           "}\n");
 }
 
+TEST(DotTextTest, Frames_HoldWhatIsWrittenWhileTheyAreOpen) {
+    DotText dot;
+    dot.openFrame("a", {{"color", "red"}});
+    dot.node("b", {{"label", "<B>b</B>", DotText::Form::Markup}});
+    dot.closeFrame();
+    dot.node("c", {});
+    EXPECT_EQ(dot.text(), "digraph orv {\n"
+                          "  subgraph cluster_a {\n"
+                          "    graph [color=\"red\"];\n"
+                          "    b [label=<<B>b</B>>];\n"
+                          "  }\n"
+                          "  c;\n"
+                          "}\n");
+}
+
 }
 }

@@ -16,54 +16,78 @@ using testing::Not;
 
 class ObjectGraphTest : public GraphTest {
 protected:
-    std::string dot() const {
+    std::string dot(std::size_t most = 0) const {
         const auto violations = violationsIn(mModel, mPicture);
         const ReferenceLines lines(mClasses, mPicture, violations);
-        return ObjectGraph(mPicture, lines, violations).dot();
+        return ObjectGraph(mPicture, lines, violations, most).dot();
+    }
+
+    void addAntennas(const std::string& parent, int count, std::vector<PicturedLink> links = {}) {
+        for (int number = 0; number < count; ++number) {
+            add(parent + ",Antenna=" + std::to_string(number), links);
+        }
     }
 };
 
-TEST_F(ObjectGraphTest, Tree_IsDrawnWithLinesFromParentsToChildren) {
+TEST_F(ObjectGraphTest, ObjectWithChildren_StandsInAFrameWithThem) {
     add("Site=1");
     add("Site=1,Antenna=x");
     mPicture.title = "/";
-    EXPECT_THAT(dot(), AllOf(HasSubstr("n0 [label=\"Site=1\", tooltip=\"Site=1\"]"),
-                             HasSubstr("n1 [label=\"Antenna=x\", tooltip=\"Site=1,Antenna=x\"]"),
-                             HasSubstr("n0 -> n1 [arrowhead=\"none\"]"),
+    EXPECT_THAT(dot(), AllOf(HasSubstr("  subgraph cluster_n0 {\n"), HasSubstr("\n    n0 [label=<"),
+                             HasSubstr("<B>Site=1</B>"), HasSubstr("tooltip=\"Site=1\"]"),
+                             HasSubstr("\n    n1 [label=<"), HasSubstr("<B>Antenna=x</B>"),
+                             HasSubstr("tooltip=\"Site=1,Antenna=x\"]"),
+                             HasSubstr("n0 -> n1 [style=\"invis\""),
                              HasSubstr("/: 2 objects, 0 lines of references, 0 violations"),
-                             Not(HasSubstr("#d00000"))));
+                             HasSubstr("with its children"), Not(HasSubstr("#d00000"))));
 }
 
 TEST_F(ObjectGraphTest, CutObject_TellsWhatIsBelow) {
     add("Site=1");
     mPicture.objects[0].hiddenBelow = 12;
-    EXPECT_THAT(dot(), HasSubstr("label=\"Site=1\\n(12 below)\""));
+    EXPECT_THAT(dot(), HasSubstr("Site=1<BR ALIGN=\"LEFT\"/>(12 below)"));
 }
 
-TEST_F(ObjectGraphTest, BothWays_HasTwoHeadsAndDoesNotMoveTheTree) {
+TEST_F(ObjectGraphTest, BothWays_IsOneLineBetweenTheRowsOfItsEnds) {
     add("Site=1,Mast=a", {{"antennas", "Site=1,Antenna=1"}});
     add("Site=1,Antenna=1", {{"mast", "Site=1,Mast=a"}});
-    EXPECT_THAT(dot(), HasSubstr("n0 -> n1 [label=\"antennas / mast\", style=\"solid\", "
-                                 "dir=\"both\", constraint=\"false\", color=\"#2f6f9f\""));
+    EXPECT_THAT(dot(), AllOf(HasSubstr("PORT=\"p0\"><FONT COLOR=\"#2f6f9f\" "
+                                       "POINT-SIZE=\"8\">antennas<"),
+                             HasSubstr("POINT-SIZE=\"8\">mast<"),
+                             HasSubstr("n0:p0 -> n1:p0 [style=\"solid\", dir=\"both\"]"),
+                             HasSubstr("1 line of references"), HasSubstr("both ways")));
 }
 
-TEST_F(ObjectGraphTest, Violation_IsRedAndListedBelow) {
+TEST_F(ObjectGraphTest, ParallelReferences_AreOneLineWithTheirNumber) {
+    add("Site=1,Mast=a");
+    add("Site=1,Antenna=1",
+        {{"any", "Site=1,Mast=a"}, {"any", "Site=1,Mast=b"}, {"other", "Site=1,Mast=a"}});
+    addAntennas("Site=1,Mast=a", 3, {{"seen", "Site=1,Mast=b"}});
+    add("Site=1,Mast=b");
+    const std::string folded = dot(4);
+    EXPECT_THAT(dot(), HasSubstr(">any, other<"));
+    EXPECT_THAT(folded, AllOf(HasSubstr(">seen ×3<"), HasSubstr("<B>Antenna × 3</B>"),
+                              HasSubstr("a line from this row stands for 3 references")));
+}
+
+TEST_F(ObjectGraphTest, Violation_IsRedWithItsMessageInTheBoxAndBelow) {
     add("Site=1,Antenna=1", {{"seen", "Site=1,Mast=gone"}});
     EXPECT_THAT(dot(),
-                AllOf(HasSubstr("n1 [label=\"Site=1,Mast=gone\\nis not there\", "
-                                "style=\"dashed\", color=\"#d00000\", fontcolor=\"#d00000\"]"),
-                      HasSubstr("n0 -> n1 [label=\"seen\", tooltip=\"Site=1,Antenna=1: attribute "
-                                "seen names Site=1,Mast=gone, which does not exist.\", "
-                                "style=\"dashed\", constraint=\"false\", color=\"#d00000\""),
-                      HasSubstr("1 violation\\nSite=1,Antenna=1: attribute seen")));
+                AllOf(HasSubstr("<B>Site=1,Mast=gone<BR ALIGN=\"LEFT\"/>is not there"),
+                      HasSubstr("COLOR=\"#d00000\" BGCOLOR=\"#f4f7fa\" STYLE=\"DASHED\""),
+                      HasSubstr("n0:p0 -> n1:title [style=\"dashed\", color=\"#d00000\"]"),
+                      HasSubstr("<FONT COLOR=\"#d00000\" POINT-SIZE=\"8\">attribute seen names "
+                                "Site=1,Mast=gone, <BR ALIGN=\"LEFT\"/>"),
+                      HasSubstr("1 violation<"), HasSubstr(">Site=1,Antenna=1: attribute seen"),
+                      HasSubstr("red: a violation")));
 }
 
 TEST_F(ObjectGraphTest, WrongNumber_ReddensTheObject) {
     add("Site=1,Mast=a");
     mPicture.objects[0].references.emplace_back("antennas", AttributeValue{ValueKind::MoRef, {}});
-    EXPECT_THAT(dot(),
-                HasSubstr("n0 [label=\"Mast=a\\nattribute antennas names 0 of class Antenna, "
-                          "expected 1..9.\", tooltip=\"Site=1,Mast=a\", color=\"#d00000\""));
+    EXPECT_THAT(dot(), AllOf(HasSubstr("<FONT COLOR=\"#d00000\"><B>Mast=a</B>"),
+                             HasSubstr(">attribute antennas names 0 of class Antenna, <BR "
+                                       "ALIGN=\"LEFT\"/>expected 1..9.<")));
 }
 
 TEST_F(ObjectGraphTest, PlainReferenceToNothing_IsNotRed) {
@@ -73,11 +97,48 @@ TEST_F(ObjectGraphTest, PlainReferenceToNothing_IsNotRed) {
 }
 
 TEST_F(ObjectGraphTest, ManyViolations_AreNotAllListedBelow) {
-    for (int number = 0; number < 30; ++number) {
-        add("Site=1,Antenna=" + std::to_string(number), {{"seen", "Site=1,Mast=gone"}});
+    addAntennas("Site=1", 30, {{"seen", "Site=1,Mast=gone"}});
+    EXPECT_THAT(dot(), AllOf(HasSubstr("30 violations"), HasSubstr(">Site=1,Antenna=19: "),
+                             Not(HasSubstr(">Site=1,Antenna=20: ")), HasSubstr(">...<")));
+}
+
+TEST_F(ObjectGraphTest, ManyViolationsOfOneBox_AreCounted) {
+    add("Site=1,Antenna=1", {{"seen", "Site=1,Mast=a"},
+                             {"seen", "Site=1,Mast=b"},
+                             {"seen", "Site=1,Mast=c"},
+                             {"seen", "Site=1,Mast=d"},
+                             {"seen", "Site=1,Mast=e"}});
+    EXPECT_THAT(dot(), HasSubstr(">and 2 more violations<"));
+}
+
+TEST_F(ObjectGraphTest, TooManyBoxes_AreFoldedWithWhatIsBelowThem) {
+    add("Site=1");
+    for (const char* mast : {"Site=1,Mast=a", "Site=1,Mast=b", "Site=1,Mast=c"}) {
+        add(mast);
+        addAntennas(mast, 2, {{"near", "Site=1,Mast=a,Antenna=0"}});
     }
-    EXPECT_THAT(dot(), AllOf(HasSubstr("30 violations"), HasSubstr("\\nSite=1,Antenna=19: "),
-                             Not(HasSubstr("\\nSite=1,Antenna=20: ")), HasSubstr("\\n...")));
+    const std::string folded = dot(5);
+    EXPECT_THAT(folded, AllOf(HasSubstr("<B>Mast × 3</B>"), HasSubstr("<B>Antenna × 6</B>"),
+                              HasSubstr("<B>Site=1</B>"), Not(HasSubstr("Antenna=1")),
+                              HasSubstr("10 objects"), HasSubstr("more than 2 objects"),
+                              HasSubstr("--unfold"), HasSubstr("↔")));
+    EXPECT_THAT(dot(10), AllOf(HasSubstr("<B>Mast=c</B>"), Not(HasSubstr("folded"))));
+}
+
+TEST_F(ObjectGraphTest, LargestNumberThatFits_StaysUnfolded) {
+    add("Site=1");
+    add("Site=1,Mast=a");
+    addAntennas("Site=1,Mast=a", 2);
+    add("Site=1,Mast=b");
+    addAntennas("Site=1,Mast=b", 5);
+    EXPECT_THAT(dot(6), AllOf(HasSubstr("<B>Antenna=1</B>"), HasSubstr("<B>Antenna × 5</B>"),
+                              Not(HasSubstr("Antenna=4"))));
+}
+
+TEST_F(ObjectGraphTest, NamesThatMeanSomethingToGraphviz_StayAsTheyAre) {
+    const std::string name = "Site=<b>&amp; \"Höhe\\N\"\xff";
+    add(name);
+    EXPECT_THAT(dot(), HasSubstr("<B>Site=&lt;b&gt;&amp;amp; &quot;Höhe\\N&quot;\uFFFD</B>"));
 }
 
 }

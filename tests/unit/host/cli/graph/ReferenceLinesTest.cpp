@@ -30,10 +30,10 @@ protected:
             const char* mark = line.kind == LineKind::BothWays
                                    ? " <-> "
                                    : (line.kind == LineKind::OneWay ? " -> " : " ... ");
-            texts.push_back(line.from + mark + line.to + ": " + line.attribute +
-                            (line.back.empty() || line.back == line.attribute ? ""
-                                                                              : " / " + line.back) +
-                            (line.violation.empty() ? "" : " !"));
+            texts.push_back(
+                line.from + mark + line.to + ": " + line.attribute +
+                (line.back.empty() || line.back == line.attribute ? "" : " / " + line.back) +
+                (line.violation.empty() ? "" : " !"));
         }
         return texts;
     }
