@@ -224,6 +224,7 @@ TEST(OrvhostGraphTest, ManyObjects_AreFoldedAndTheWayToUnfoldIsPrinted) {
     const auto with = [&](const std::string& command) {
         std::vector<std::string> all = commands;
         all.push_back(command);
+        all.push_back("abort");
         return runCommands(all);
     };
     const auto toFile = with("graph -o " + file);
@@ -233,7 +234,7 @@ TEST(OrvhostGraphTest, ManyObjects_AreFoldedAndTheWayToUnfoldIsPrinted) {
     EXPECT_THAT(readFile(file), AllOf(HasSubstr("Lamp × 120"), HasSubstr("unfold")));
     const auto shown = with("graph --dot");
     EXPECT_THAT(shown.err, HasSubstr("note: folded"));
-    EXPECT_THAT(shown.out, EndsWith("}\n"));
+    EXPECT_THAT(shown.out, Not(HasSubstr("note:")));
     const auto unfolded = with("graph --dot --unfold");
     EXPECT_EQ(unfolded.err, "");
     EXPECT_THAT(unfolded.out, AllOf(HasSubstr("Lamp=119"), Not(HasSubstr("folded"))));

@@ -77,7 +77,7 @@ TEST_F(ObjectGraphTest, Violation_IsRedWithItsMessageInTheBoxAndBelow) {
                       HasSubstr("COLOR=\"#d00000\" BGCOLOR=\"#f4f7fa\" STYLE=\"DASHED\""),
                       HasSubstr("n0:p0 -> n1:title [style=\"dashed\", color=\"#d00000\"]"),
                       HasSubstr("<FONT COLOR=\"#d00000\" POINT-SIZE=\"8\">attribute seen names "
-                                "Site=1,Mast=gone, <BR ALIGN=\"LEFT\"/>"),
+                                "Site=1,Mast=gone, which <BR ALIGN=\"LEFT\"/>"),
                       HasSubstr("1 violation<"), HasSubstr(">Site=1,Antenna=1: attribute seen"),
                       HasSubstr("red: a violation")));
 }
