@@ -20,19 +20,21 @@ namespace OrvHost {
 /// writes it, in its constructor and destructor, while nobody uses the table.
 inline const RepositoryIndex* currentRepositoryIndex = nullptr;
 
+/// The code for a call that found no row for its handle, or has no place for its result.
+inline OrvReturnT refusalOf(Handle handle) {
+    return handle == 0 ? OrvNotExist : OrvInvalidArgument;
+}
+
 /// Checks the arguments, then lets `read(row, result)` write the result and return the code. `Find`
-/// is the function of RepositoryIndex that finds the row of `handle`.
+/// is the function of RepositoryIndex that finds the row of `handle`: none for zero.
 template <auto Find, class Out, class Read>
 OrvReturnT answer(Handle handle, Out* out, const Read& read) {
     if (currentRepositoryIndex == nullptr) {
         return OrvNotActive;
     }
-    if (handle == 0) {
-        return OrvNotExist;
-    }
     const auto* const row = (currentRepositoryIndex->*Find)(handle);
     if (row == nullptr || out == nullptr) {
-        return OrvInvalidArgument;
+        return refusalOf(handle);
     }
     return read(*row, *out);
 }

@@ -98,7 +98,8 @@ public:
     }
     /// The name of what owns a block of general properties, or null.
     const char* nameOfOwner(Handle properties) const {
-        const Handle owner = properties & ~kPropertiesBit;
+        // Without the bit it makes a number that no handle has.
+        const Handle owner = properties - kPropertiesBit;
         // Attributes first: they are asked for most, and a row is found in a few steps.
         if (const AttributeRow* const row = attribute(owner)) {
             return row->name;

@@ -55,14 +55,9 @@ OrvReturnT getGeneralStringProperty(Handle properties, int identifier, const cha
     if (currentRepositoryIndex == nullptr) {
         return OrvNotActive;
     }
-    if ((properties & ~kPropertiesBit) == 0) {
-        return OrvNotExist;
-    }
-    const char* const name = (properties & kPropertiesBit) != 0
-                                 ? currentRepositoryIndex->nameOfOwner(properties)
-                                 : nullptr;
+    const char* const name = currentRepositoryIndex->nameOfOwner(properties);
     if (name == nullptr || text == nullptr || identifier != VekOamSpiMrGeneralName_4) {
-        return OrvInvalidArgument;
+        return refusalOf(properties & ~kPropertiesBit);
     }
     *text = name;
     return OrvOk;
