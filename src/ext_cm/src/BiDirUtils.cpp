@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 namespace OrvExtCmRouterService {
@@ -543,14 +544,17 @@ void BiDirUtils::addUpdatedBp(unsigned long txHandle, const char* dn, const char
 
 void BiDirUtils::recordWritten(RecentPair& recent, unsigned long txHandle, const char* dn,
                                const char* attribute) {
-    if (recent.pair != nullptr && recent.txHandle == txHandle && recent.pair->first == dn &&
-        recent.pair->second == attribute) {
+    const bool isOfSame = recent.all != nullptr && recent.txHandle == txHandle;
+    if (isOfSame && recent.pair->first == dn && recent.pair->second == attribute) {
         return;
     }
     mWritten.first = dn;
     mWritten.second = attribute;
-    // Copies the pair only if it is not known.
-    recent = {txHandle, &*modifiedBackPointers[txHandle].insert(mWritten).first};
+    ModifiedAttributes& all = isOfSame ? *recent.all : modifiedBackPointers[txHandle];
+    // Copies the pair only if it is not known. Who has written MOs in order goes on so, mostly.
+    const auto place = isOfSame && recent.isInOrder ? all.insert(std::next(recent.pair), mWritten)
+                                                    : all.insert(mWritten).first;
+    recent = {txHandle, &all, place, isOfSame && std::next(recent.pair) == place};
 }
 
 BiDirUtils::ModifiedAttributes BiDirUtils::getModifiedBackPointers(unsigned long txHandle) {

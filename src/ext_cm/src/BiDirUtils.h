@@ -221,14 +221,17 @@ private:
                                 const char* attributeName);
     void applyWaiting(unsigned long txHandle, const std::string& key, const char* attribute);
 
-    /// A pair that was recorded lately, if there is one. It stays: nothing takes a pair out.
+    /// A pair that was recorded lately, if there is one, and where it stands. It stays there:
+    /// nothing takes a pair out.
     struct RecentPair {
         unsigned long txHandle = 0;
-        const ModifiedAttribute* pair = nullptr;
+        ModifiedAttributes* all = nullptr; ///< of the transaction; null: there is none
+        ModifiedAttributes::const_iterator pair{};
+        bool isInOrder = false; ///< it stands directly after the one that was recorded before it
     };
 
     /// addUpdatedBp, which \p recent may spare the search: a client often writes an attribute
-    /// again, or several that refer to one MO.
+    /// again, or several that refer to one MO, or MOs one after the other.
     void recordWritten(RecentPair& recent, unsigned long txHandle, const char* dn,
                        const char* attribute);
 

@@ -7,7 +7,11 @@
 #include "BiDirScene.h"
 #include "UniDirValidator.h"
 
+#include <algorithm>
 #include <list>
+#include <set>
+#include <string>
+#include <utility>
 
 namespace BiDirTests {
 namespace {
@@ -60,6 +64,24 @@ TEST_F(AssociationCodes, Modify_ClassOrOldValueNotThere_IsTheHostsCode) {
     EXPECT_TRUE(utils.getModifiedBackPointers(1).empty());
     EXPECT_EQ(modify({"Y=1"}), OrvOk);
     EXPECT_EQ(utils.getModifiedBackPointers(1).size(), 1U);
+}
+
+TEST_F(AssociationCodes, AddUpdatedBp_InAnyOrder_HoldsEachPairOnce) {
+    startWithX();
+    using Pairs = std::set<std::pair<std::string, std::string>>;
+    const Lines dns = {"X=1", "X=2", "X=3",  "X=4", "X=4", "X=2", "X=3",
+                       "X=9", "X=8", "X=30", "X=1", "X=0", "X=3", "X=31"};
+    for (const unsigned long tx : {1UL, 2UL, 1UL}) {
+        Pairs expected;
+        for (const std::string& dn : dns) {
+            utils.addUpdatedBp(tx, dn.c_str(), "ys");
+            utils.addUpdatedBp(tx, (dn + "0").c_str(), "ys");
+            expected.emplace(dn, "ys");
+            expected.emplace(dn + "0", "ys");
+            EXPECT_TRUE(std::ranges::includes(utils.getModifiedBackPointers(tx), expected));
+        }
+        EXPECT_EQ(utils.getModifiedBackPointers(tx), expected);
+    }
 }
 
 TEST_F(AssociationCodes, Modify_ClassInNoAssociation_IsOkAndRecordsNothing) {

@@ -102,6 +102,32 @@ TEST_F(PendingAdditionsTest, Drop_OneOfManyOfOneSource_LeavesTheOthers) {
     EXPECT_TRUE(store.empty());
 }
 
+// Additions come and go in order, against it and in no order; dropSources finds what is left.
+TEST_F(PendingAdditionsTest, AddAndDrop_InEveryOrder_LeaveWhatWasNotDropped) {
+    constexpr int count = 40;
+    for (const int step : {1, 39, 7, 13}) {
+        for (int i = 0; i < count; ++i) {
+            const std::string number = std::to_string(i * step % count);
+            add(1, "Y=" + number, "X=" + number, i % 2 == 0 ? "a" : "b");
+            add(2, "Y=" + number, "X=1", "a");
+        }
+        for (const int other : {1, 39, 11}) {
+            const std::string target = "Y=" + std::to_string(other * 3 % count);
+            for (const PendingAdditions::Record record : pending.activeRecords(1, target)) {
+                pending.drop(record);
+            }
+            EXPECT_TRUE(pending.activeRecords(1, target).empty()) << target;
+            EXPECT_EQ(pending.activeRecords(2, target).size(), 1U) << target;
+        }
+        EXPECT_EQ(store.size(), 2U * count - 3);
+        pending.dropSources(1, "X=", &beginsWith);
+        EXPECT_EQ(store.size(), count + 0U);
+        pending.dropTransaction(2);
+        EXPECT_TRUE(store.empty());
+        EXPECT_TRUE(pending.isEmpty());
+    }
+}
+
 TEST_F(PendingAdditionsTest, DropTransaction_TakesNothingElse) {
     for (const unsigned long tx : {0UL, 1UL, 2UL}) {
         add(tx, "Y=1", "X=1", "a");

@@ -5,6 +5,7 @@
 
 #include <compare>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 namespace OrvExtCmRouterService {
@@ -28,7 +29,7 @@ PendingAdditions::Attribute PendingAdditions::attributeOf(const Record& record) 
 void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
     const Record record = mStore.emplace(targetDn, std::move(addition));
     try {
-        mSources.insert(record);
+        mNear = std::next(mSources.insert(mNear, record));
         count();
     } catch (...) {
         mStore.erase(record);
@@ -37,8 +38,8 @@ void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
 }
 
 void PendingAdditions::drop(Record record) {
-    const auto source = mSources.find(record);
-    mSources.erase(source); // by its place: a key would be looked for twice
+    const bool isNear = mNear != mSources.end() && *mNear == record;
+    mNear = mSources.erase(isNear ? mNear : mSources.find(record));
     mStore.erase(record);
     count();
 }
@@ -49,14 +50,15 @@ void PendingAdditions::drop(Sources::iterator first, Sources::iterator last) {
         first = mSources.erase(first);
         mStore.erase(record);
     }
+    mNear = last;
     count();
 }
 
 std::vector<PendingAdditions::Record> PendingAdditions::activeRecords(unsigned long txHandle,
                                                                       const std::string& targetDn) {
     std::vector<Record> records;
-    const auto range = mStore.equal_range(targetDn);
-    for (Record record = range.first; record != range.second; ++record) {
+    for (Record record = mStore.lower_bound(targetDn);
+         record != mStore.end() && record->first == targetDn; ++record) {
         if (record->second.active && record->second.txHandle == txHandle) {
             records.push_back(record);
         }

@@ -100,6 +100,9 @@ private:
 
     Store& mStore;
     Sources mSources;
+    /// After the one that came or went last: additions of neighbours come and go one after the
+    /// other.
+    Sources::iterator mNear = mSources.end();
     std::atomic<std::size_t> mCount{0}; ///< of the records
 };
 
