@@ -72,6 +72,22 @@ public:
         }
     }
 
+    /// Takes all out. The time depends on the entries, not on the room that is kept.
+    void clear() noexcept {
+        if (mSlots.size() > kKept) {
+            *this = NumberMap();
+            return;
+        }
+        for (std::size_t place = 0; place < mEntries.size(); ++place) {
+            std::size_t at = homeOf(mEntries[place].first);
+            while (mSlots[at] != place) { // slots before it may be free by now
+                at = (at + 1) & (mSlots.size() - 1);
+            }
+            mSlots[at] = kFree;
+        }
+        mEntries.clear();
+    }
+
 private:
     static constexpr std::uint32_t kFree = UINT32_MAX;
     static constexpr std::size_t kRoom = 2; ///< slots for each entry, at least

@@ -41,11 +41,25 @@ inline std::uint64_t hashOf(std::string_view text) {
     return hash ^ hash >> 32U;
 }
 
-/// Hash of texts for tables of std::string in which one looks up by std::string_view, too.
+/// A text with its hash, for those who look one text up in several tables. A view.
+struct HashedText {
+    explicit HashedText(std::string_view view) : text(view), hash(hashOf(view)) {}
+
+    std::string_view text;
+    std::uint64_t hash;
+
+    bool operator==(std::string_view other) const { return text == other; }
+};
+
+/// Hash of texts for tables of std::string in which one looks up by std::string_view and
+/// HashedText, too.
 struct TextHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const {
         return static_cast<std::size_t>(hashOf(text));
+    }
+    std::size_t operator()(const HashedText& text) const {
+        return static_cast<std::size_t>(text.hash);
     }
 };
 

@@ -211,15 +211,8 @@ std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attr
     return values;
 }
 
-void requireGiven(const void* argument, const char* what) {
-    if (argument == nullptr) {
-        throw HostError(OrvInvalidArgument, std::string(what) + " is null");
-    }
-}
-
-std::string_view requireText(const char* text, const char* what) {
-    requireGiven(text, what);
-    return text;
+void refuseNull(const char* what) {
+    throw HostError(OrvInvalidArgument, std::string(what) + " is null");
 }
 
 }

@@ -61,11 +61,21 @@ private:
 /// The named values of an array that ends with a null pointer. The array itself may be null.
 std::vector<NamedValue> toNamedValues(OrvMoNamedAttributeValueContainer_3** attributes);
 
-/// The text of a pointer that must not be null; \p what names it in the error (OrvInvalidArgument).
-std::string_view requireText(const char* text, const char* what);
+/// Throws HostError with OrvInvalidArgument: \p what is null.
+[[noreturn]] void refuseNull(const char* what);
 
 /// Refuses a null argument; \p what names it in the error (OrvInvalidArgument).
-void requireGiven(const void* argument, const char* what);
+inline void requireGiven(const void* argument, const char* what) {
+    if (argument == nullptr) {
+        refuseNull(what);
+    }
+}
+
+/// The text of a pointer that must not be null; \p what names it in the error (OrvInvalidArgument).
+inline std::string_view requireText(const char* text, const char* what) {
+    requireGiven(text, what);
+    return text;
+}
 
 }
 

@@ -72,12 +72,12 @@ RouterCore::RouterCore(MoStore& store, ThreadContext& threadContext)
 
 std::shared_ptr<RouterTransaction> RouterCore::transaction(unsigned long txHandle) const {
     const std::shared_lock<ReaderLock> guard(mLock);
-    const auto found = mTransactions.find(txHandle);
-    if (found == mTransactions.end()) {
+    const auto* const found = mTransactions.find(txHandle);
+    if (found == nullptr) {
         throw HostError(OrvNotActive,
                         "the router knows no transaction " + std::to_string(txHandle));
     }
-    return found->second;
+    return *found;
 }
 
 IteratorHandle RouterCore::newIterator(unsigned long txHandle, std::string_view parentDn,
@@ -159,7 +159,12 @@ OrvReturnT RouterCore::join(unsigned long txHandle) {
         return code;
     }
     const std::unique_lock<ReaderLock> guard(mLock);
-    return mTransactions.emplace(txHandle, std::move(joined)).second ? OrvOk : OrvAlreadyExist;
+    auto& place = mTransactions[txHandle];
+    if (place) {
+        return OrvAlreadyExist;
+    }
+    place = std::move(joined);
+    return OrvOk;
 }
 
 void RouterCore::checkRules(RouterTransaction& current,
@@ -207,12 +212,12 @@ OrvReturnT RouterCore::finish(unsigned long txHandle) {
     std::shared_ptr<RouterTransaction> finished;
     {
         const std::unique_lock<ReaderLock> guard(mLock);
-        const auto found = mTransactions.find(txHandle);
-        if (found == mTransactions.end()) {
+        auto* const found = mTransactions.find(txHandle);
+        if (found == nullptr) {
             return OrvOk; // already finished, or never joined: there is nothing to drop
         }
-        finished = std::move(found->second);
-        mTransactions.erase(found);
+        finished = std::move(*found);
+        mTransactions.erase(txHandle);
     }
     mIterators.erase(finished->iterators);
     finished->store->rollback();

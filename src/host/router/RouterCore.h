@@ -9,6 +9,7 @@
 #include "ContainerConversion.h"
 #include "IteratorTable.h"
 #include "base/HostError.h"
+#include "base/NumberMap.h"
 #include "base/ReaderLock.h"
 #include "model/DnForm.h"
 #include "model/RuleCheck.h"
@@ -19,7 +20,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -124,7 +124,7 @@ private:
     IteratorTable mIterators;
 
     mutable ReaderLock mLock; ///< guards mTransactions
-    std::unordered_map<unsigned long, std::shared_ptr<RouterTransaction>> mTransactions;
+    NumberMap<unsigned long, std::shared_ptr<RouterTransaction>> mTransactions;
 };
 
 }

@@ -151,6 +151,7 @@ struct Entry {
     std::size_t end;
 
     bool hasValues() const { return values.front() != 0; }
+    std::size_t size() const { return end - begin; }
 };
 
 /// Calls \p take with each entry until it returns true; the entry for which it did, or nothing.
@@ -173,11 +174,15 @@ std::optional<Entry> findEntry(std::string_view bytes, AttributeIndex index) {
     return firstEntry(bytes, [index](const Entry& entry) { return entry.index == index; });
 }
 
-// Adds an entry at the end.
-void putEntry(std::string& bytes, AttributeIndex index, const TypeDef& type,
-              const AttributeValue& value) {
+// Puts an entry at the end, in the place of the former one. All or nothing if memory runs out.
+void putEntry(std::string& bytes, const std::optional<Entry>& former, AttributeIndex index,
+              const TypeDef& type, const AttributeValue& value) {
     const std::size_t size = sizeOf(type, value);
-    bytes.reserve(bytes.size() + sizeOfNumber(index) + sizeOfNumber(size) + size);
+    const std::size_t whole = sizeOfNumber(index) + sizeOfNumber(size) + size;
+    bytes.reserve(bytes.size() - (former ? former->size() : 0) + whole);
+    if (former) {
+        bytes.erase(former->begin, former->size());
+    }
     BytesWriter out(bytes);
     out.number(index);
     out.number(size);
@@ -210,17 +215,10 @@ void AttributeBytes::writeChange(const ClassDef& moc, std::string& changes, Attr
 void AttributeBytes::replace(const ClassDef& moc, std::string& bytes, AttributeIndex index,
                              const AttributeValue& value, bool keepsEmpty) {
     const auto former = findEntry(bytes, index);
-    const std::size_t size = bytes.size();
     if (keepsEmpty || !value.values.empty()) {
-        try {
-            putEntry(bytes, index, moc.attributes[index].type, value);
-        } catch (...) {
-            bytes.resize(size);
-            throw;
-        }
-    }
-    if (former) {
-        bytes.erase(former->begin, former->end - former->begin);
+        putEntry(bytes, former, index, moc.attributes[index].type, value);
+    } else if (former) {
+        bytes.erase(former->begin, former->size());
     }
 }
 
@@ -246,13 +244,13 @@ void AttributeBytes::merge(std::string_view bytes, std::string_view changes, std
     merged.reserve(bytes.size() + changes.size());
     firstEntry(bytes, [&](const Entry& entry) {
         if (!findEntry(changes, entry.index)) {
-            merged += bytes.substr(entry.begin, entry.end - entry.begin);
+            merged += bytes.substr(entry.begin, entry.size());
         }
         return false;
     });
     firstEntry(changes, [&](const Entry& entry) {
         if (entry.hasValues()) {
-            merged += changes.substr(entry.begin, entry.end - entry.begin);
+            merged += changes.substr(entry.begin, entry.size());
         }
         return false;
     });

@@ -66,12 +66,15 @@ public:
     std::string_view rest() const { return mRest; }
 
     std::uint64_t number() {
-        std::uint64_t result = 0;
-        for (unsigned shift = 0;; shift += 7) {
-            const auto byte = static_cast<unsigned char>(mRest.front());
-            mRest.remove_prefix(1);
-            result |= std::uint64_t{byte & 0x7FU} << shift;
-            if (byte < 0x80U) {
+        std::uint64_t result = byte();
+        if (result < 0x80U) {
+            return result; // almost all are so small
+        }
+        result &= 0x7FU;
+        for (unsigned shift = 7;; shift += 7) {
+            const unsigned char part = byte();
+            result |= std::uint64_t{part & 0x7FU} << shift;
+            if (part < 0x80U) {
                 return result;
             }
         }
@@ -89,6 +92,11 @@ public:
     std::string_view text() { return bytes(number()); }
 
 private:
+    unsigned char byte() {
+        const auto first = static_cast<unsigned char>(mRest.front());
+        mRest.remove_prefix(1);
+        return first;
+    }
     std::string_view bytes(std::size_t length) {
         const std::string_view result = mRest.substr(0, length);
         mRest.remove_prefix(length);

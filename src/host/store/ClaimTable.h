@@ -9,6 +9,7 @@
 #include "base/TextHash.h"
 #include "model/Model.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -73,10 +74,12 @@ private:
     };
     static void grant(NodeClaim& claim, TransactionId transaction, Kind kind);
     std::optional<Rival> named(std::optional<Rival> rival) const;
+    void releaseNodes(ClaimSet& claims) noexcept;
     void releaseNode(NodeId node, TransactionId transaction) noexcept;
 
     std::mutex mMutex; ///< guards all below
     NumberMap<NodeId, NodeClaim> mNodes;
+    std::size_t mNodeHolders = 0; ///< how many sets have claimed some of these
     std::unordered_map<std::string, TransactionId, TextHash> mNames;
     std::unordered_map<std::uint64_t, TransactionId> mMemberships;
     std::unordered_map<TransactionId, std::string> mAuthors; ///< of those that have one

@@ -4,7 +4,6 @@
 #include "MoTree.h"
 
 #include "base/DnView.h"
-#include "base/TextHash.h"
 
 #include <algorithm>
 #include <cstring>
@@ -59,10 +58,6 @@ void MoTree::swap(MoTree& other) noexcept {
     std::swap(mLiveCount, other.mLiveCount);
 }
 
-std::uint32_t MoTree::hashOf(std::string_view dn) {
-    return static_cast<std::uint32_t>(OrvHost::hashOf(dn));
-}
-
 // Step by step from the end, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
     for (std::size_t left = dn.size();;) {
@@ -90,8 +85,9 @@ bool MoTree::hasDn(NodeId id, std::string_view dn) const {
     }
 }
 
-NodeId MoTree::find(std::string_view dn, CommitNumber at) const {
-    return mIndex.find(hashOf(dn), [&](NodeId id) { return isVisible(id, at) && hasDn(id, dn); });
+NodeId MoTree::find(const HashedText& dn, CommitNumber at) const {
+    return mIndex.find(hashOf(dn),
+                       [&](NodeId id) { return isVisible(id, at) && hasDn(id, dn.text); });
 }
 
 const MoRecord& MoTree::oldRecordAt(NodeId id, CommitNumber at) const {

@@ -9,6 +9,7 @@
 #include "NodeTable.h"
 #include "RecordHistory.h"
 #include "StoreTypes.h"
+#include "base/TextHash.h"
 #include "model/Model.h"
 
 #include <cstdint>
@@ -78,10 +79,14 @@ public:
     /// Exchanges all objects with \p other, which must have the same model.
     void swap(MoTree& other) noexcept;
 
-    static std::uint32_t hashOf(std::string_view dn);
+    static std::uint32_t hashOf(const HashedText& dn) {
+        return static_cast<std::uint32_t>(dn.hash);
+    }
+    static std::uint32_t hashOf(std::string_view dn) { return hashOf(HashedText(dn)); }
 
     /// The object with that DN in the snapshot \p at, or kNoNode. Constant time.
-    NodeId find(std::string_view dn, CommitNumber at) const;
+    NodeId find(const HashedText& dn, CommitNumber at) const;
+    NodeId find(std::string_view dn, CommitNumber at) const { return find(HashedText(dn), at); }
     const MoNode& node(NodeId id) const { return mNodes[id]; }
     bool isVisible(NodeId id, CommitNumber at) const {
         const MoNode& one = mNodes[id];

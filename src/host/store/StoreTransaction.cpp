@@ -32,6 +32,10 @@ bool hasConditions(const ClassDef& moc) {
                        [](const AttributeDef& attribute) { return attribute.isConditional; });
 }
 
+bool anyClass(const ClassDef& /*moc*/) {
+    return true;
+}
+
 std::string placeOf(std::string_view parentDn) {
     return parentDn.empty() ? " at the top level" : " under " + std::string(parentDn);
 }
@@ -77,18 +81,18 @@ void StoreTransaction::rollback() noexcept {
     }
 }
 
-void StoreTransaction::requireOpen() const {
+inline void StoreTransaction::requireOpen() const {
     if (!mOpen) {
         throw HostError(OrvNotActive, "transaction " + std::to_string(id()) + " has ended already");
     }
 }
 
-StoreTransaction::Mo StoreTransaction::moOf(const CreatedMo& created) {
+inline StoreTransaction::Mo StoreTransaction::moOf(const CreatedMo& created) {
     return {kNoNode, &created, created.moc, created.name, created.attributes};
 }
 
 // The open snapshot keeps the record, and so the texts, when the lock on the tree is released.
-StoreTransaction::Mo StoreTransaction::moOf(const MoTree& tree, NodeId node) const {
+inline StoreTransaction::Mo StoreTransaction::moOf(const MoTree& tree, NodeId node) const {
     const MoRecord& record = tree.recordAt(node, mSnapshot);
     return {node, nullptr, tree.node(node).moc, record.name(), record.attributes()};
 }
@@ -98,24 +102,54 @@ StoreTransaction::Mo StoreTransaction::moOf(NodeId node) const {
 }
 
 StoreTransaction::Mo StoreTransaction::find(std::string_view dn) const {
-    if (const CreatedMo* created = mOverlay.findCreated(dn)) {
-        return moOf(*created);
-    }
     if (dn.empty()) {
         return {};
     }
     if (const Mo* found = mFoundLast.find(dn)) {
-        return *found;
+        // The attributes of a created object may have been written since.
+        return found->created == nullptr ? *found : moOf(*found->created);
+    }
+    const Mo mo = search(HashedText(dn));
+    if (mo) {
+        mFoundLast.note(dn, mo);
+    }
+    return mo;
+}
+
+inline StoreTransaction::Mo StoreTransaction::search(const HashedText& dn) const {
+    if (const CreatedMo* created = mOverlay.findCreated(dn)) {
+        return moOf(*created);
     }
     const Mo mo = mTree.read([&](const MoTree& tree) {
         const NodeId node = tree.find(dn, mSnapshot);
         return node == kNoNode ? Mo() : moOf(tree, node);
     });
-    if (!mo || mOverlay.isDeleted(mo.node)) {
-        return {};
+    return mOverlay.isDeleted(mo.node) ? Mo() : mo;
+}
+
+// Some objects at one look: a look for each takes longer than most visits, and one for all would
+// keep the commits of others waiting.
+template <class IsWanted, class Visit>
+void StoreTransaction::eachModified(const IsWanted& isWanted, const Visit& visit) const {
+    struct Modified {
+        Mo mo;
+        const std::string* changes;
+    };
+    std::array<Modified, 4> seen;
+    const auto end = mOverlay.modified().end();
+    for (auto next = mOverlay.modified().begin(); next != end;) {
+        std::size_t count = 0;
+        mTree.read([&](const MoTree& tree) {
+            for (std::size_t looked = 0; next != end && looked < seen.size(); ++next, ++looked) {
+                if (isWanted(mModel.classes[tree.node(next->first).moc])) {
+                    seen[count++] = {moOf(tree, next->first), &next->second};
+                }
+            }
+        });
+        for (std::size_t at = 0; at < count; ++at) {
+            visit(seen[at].mo, *seen[at].changes);
+        }
     }
-    mFoundLast.note(dn, mo);
-    return mo;
 }
 
 StoreTransaction::Mo StoreTransaction::require(std::string_view dn) const {
@@ -148,7 +182,7 @@ ClassIndex StoreTransaction::requireChildClass(std::string_view parentDn, const 
 }
 
 // Null for the top level.
-const ClassDef* StoreTransaction::classOf(const Mo& mo) const {
+inline const ClassDef* StoreTransaction::classOf(const Mo& mo) const {
     return mo.node == kRootNode ? nullptr : &mModel.classes[mo.moc];
 }
 
@@ -158,7 +192,7 @@ std::string StoreTransaction::dnOf(const Mo& mo) const {
                : mTree.read([&](const MoTree& tree) { return tree.dnOf(mo.node); });
 }
 
-std::string_view StoreTransaction::changesOf(const Mo& mo) const {
+inline std::string_view StoreTransaction::changesOf(const Mo& mo) const {
     const std::string* const changes = mOverlay.findModified(mo.node);
     return changes == nullptr ? std::string_view() : std::string_view(*changes);
 }
@@ -542,9 +576,8 @@ std::vector<std::string> StoreTransaction::check() const {
             checkCreated(*mo, violations);
         }
     }
-    for (const auto& [node, changes] : mOverlay.modified()) {
-        checkConditions(moOf(node), violations);
-    }
+    eachModified(&hasConditions,
+                 [&](const Mo& mo, const std::string&) { checkConditions(mo, violations); });
     for (const auto& [parentDn, moc] : mOverlay.changedMembers()) {
         checkMembers(parentDn, moc, violations);
     }
@@ -612,14 +645,13 @@ ChangeSet StoreTransaction::changes() const {
     }
     const std::size_t firstChanged = all.objects.size();
     std::string merged;
-    for (const auto& [node, changes] : mOverlay.modified()) {
-        const Mo mo = moOf(node);
+    eachModified(anyClass, [&](const Mo& mo, const std::string& changes) {
         AttributeBytes::merge(mo.attributes, changes, merged);
         ObjectChange changed = describe(Kind::Changed, mo, mo.attributes, merged);
         if (!changed.attributes.empty()) {
             all.objects.push_back(std::move(changed));
         }
-    }
+    });
     std::sort(all.objects.begin() + static_cast<std::ptrdiff_t>(firstChanged), all.objects.end(),
               [](const ObjectChange& one, const ObjectChange& two) { return one.dn < two.dn; });
     return all;
@@ -649,11 +681,10 @@ TreeChange StoreTransaction::makeChange() const {
     }
     change.modified.reserve(mOverlay.modified().size());
     std::string merged;
-    for (const auto& [node, changes] : mOverlay.modified()) {
-        const Mo mo = moOf(node);
+    eachModified(anyClass, [&](const Mo& mo, const std::string& changes) {
         AttributeBytes::merge(mo.attributes, changes, merged);
-        change.modified.emplace_back(node, MoRecord(mo.name, merged));
-    }
+        change.modified.emplace_back(mo.node, MoRecord(mo.name, merged));
+    });
     change.deleted = mOverlay.deleted();
     return change;
 }

@@ -137,7 +137,7 @@ private:
         explicit operator bool() const { return node != kNoNode || created != nullptr; }
     };
 
-    /// The committed objects that were found last: a client asks for the same ones again and again.
+    /// The objects that were found last: a client asks for the same ones again and again.
     class FoundLast {
     public:
         /// Null if it is not among them.
@@ -174,6 +174,11 @@ private:
     /// A committed object.
     Mo moOf(NodeId node) const;
     Mo find(std::string_view dn) const;
+    Mo search(const HashedText& dn) const;
+    /// Calls \p visit with each committed object that this transaction has changed, and its
+    /// changes; only with those of classes that \p isWanted accepts.
+    template <class IsWanted, class Visit>
+    void eachModified(const IsWanted& isWanted, const Visit& visit) const;
     Mo require(std::string_view dn) const;
     Mo requireParent(std::string_view dn) const;
     ClassIndex requireChildClass(std::string_view parentDn, const Mo& parent,

@@ -7,7 +7,7 @@
 
 namespace OrvHost {
 
-const CreatedMo* TransactionOverlay::findCreated(std::string_view dn) const {
+const CreatedMo* TransactionOverlay::findCreated(const HashedText& dn) const {
     if (mCreated.empty()) {
         return nullptr;
     }

@@ -46,7 +46,7 @@ public:
 
     bool isEmpty() const { return mAll.empty() && mModified.empty() && mDeleted.empty(); }
 
-    const CreatedMo* findCreated(std::string_view dn) const;
+    const CreatedMo* findCreated(const HashedText& dn) const;
     /// The attributes of a created object, to be written.
     std::string& attributesOf(const CreatedMo& mo) { return mAll[mo.positionInAll]->attributes; }
     /// The group with that prefix (see DnView::childPrefix), or null.

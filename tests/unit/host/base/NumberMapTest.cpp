@@ -47,6 +47,22 @@ TEST(NumberMap, Entries_AreInTheOrderInWhichTheyWereAdded) {
     EXPECT_EQ(map.size(), 100U);
 }
 
+TEST(NumberMap, Clear_LeavesNothingAndRoomForOthers) {
+    Map map;
+    for (const int count : {3, 100, 40000, 5}) { // also more than it keeps room for
+        for (int key = 0; key < count; ++key) {
+            map[static_cast<std::uint64_t>(key) * 1024] = std::to_string(key);
+        }
+        map.clear();
+        EXPECT_TRUE(map.empty());
+        EXPECT_EQ(map.find(0), nullptr);
+        map[1024] = "again";
+        EXPECT_EQ(keysOf(map), std::vector<std::uint64_t>{1024}) << count;
+        EXPECT_EQ(*map.find(1024), "again");
+        map.clear();
+    }
+}
+
 // The same as a map of the standard library, after any number of steps.
 TEST(NumberMap, AnyOperations_AreAsWithAnotherMap) {
     std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same in each run

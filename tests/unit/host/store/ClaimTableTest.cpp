@@ -61,6 +61,22 @@ TEST_F(ClaimTableTest, Release_OneOfTwoCreators_LeavesTheOther) {
     EXPECT_EQ(rival->kind, Kind::CreateUnder);
 }
 
+TEST_F(ClaimTableTest, Release_OthersHoldOtherNodes_LeavesTheirs) {
+    EXPECT_FALSE(table.claimNode(one, 5, Kind::Write));
+    EXPECT_FALSE(table.claimNode(one, 6, Kind::Delete));
+    EXPECT_FALSE(table.claimNode(two, 7, Kind::Write));
+    EXPECT_FALSE(table.claimNode(two, 8, Kind::Write));
+    table.release(one);
+    table.release(one); // nothing is left of it
+    EXPECT_FALSE(table.claimNode(one, 4, Kind::Write));
+    EXPECT_EQ(table.claimNode(one, 7, Kind::Write)->transaction, 2U);
+    EXPECT_EQ(table.claimNode(one, 8, Kind::CreateUnder), std::nullopt);
+    table.release(two);
+    EXPECT_FALSE(table.claimNode(two, 5, Kind::Write));
+    EXPECT_FALSE(table.claimNode(two, 7, Kind::Write));
+    EXPECT_EQ(table.claimNode(two, 4, Kind::Write)->transaction, 1U);
+}
+
 TEST_F(ClaimTableTest, ClaimName_TakenUntilReleased) {
     EXPECT_FALSE(table.claimName(one, "A=1"));
     EXPECT_FALSE(table.claimName(one, "A=1"));

@@ -142,6 +142,42 @@ TEST_F(StoreTransactionTest, Create_Child_IsThereWithItsAttributes) {
     EXPECT_EQ(tx->get("Network=1,Node=c", "id"), text("c"));
 }
 
+TEST_F(StoreTransactionTest, Create_ThenWriteReadAndRemove_ReadsWhatIsThereNow) {
+    const std::string created = "Network=1,Node=c";
+    EXPECT_FALSE(tx->exists(created));
+    createNode("c");
+    EXPECT_EQ(tx->get(created, "label"), none(ValueKind::String));
+    tx->set(created, {{"label", text("a text that is too long to stand in the object itself")}});
+    EXPECT_EQ(tx->get(created, "label"),
+              text("a text that is too long to stand in the object itself"));
+    tx->set(created, {{"label", text("short")}, {"height", integer(5)}});
+    EXPECT_EQ(tx->get(created, "label"), text("short"));
+    tx->remove(created);
+    EXPECT_FALSE(tx->exists(created));
+    createNode("c");
+    EXPECT_EQ(tx->get(created, "height"), none(ValueKind::Int));
+    renew();
+    EXPECT_EQ(tx->get(created, "label"), none(ValueKind::String));
+}
+
+TEST_F(StoreTransactionTest, Commit_ManyChangedObjects_HasAllOfThem) {
+    constexpr int kMany = 100;
+    const auto dnOf = [](int number) { return "Network=1,Node=n" + std::to_string(number); };
+    for (int number = 0; number < kMany; ++number) {
+        createNode("n" + std::to_string(number));
+    }
+    renew();
+    for (int number = 0; number < kMany; ++number) {
+        tx->set(dnOf(number), {{"height", integer(number)}});
+    }
+    EXPECT_EQ(tx->changes().objects.size(), std::size_t{kMany});
+    EXPECT_TRUE(tx->check().empty());
+    renew();
+    for (int number = 0; number < kMany; ++number) {
+        EXPECT_EQ(tx->get(dnOf(number), "height"), integer(number)) << number;
+    }
+}
+
 TEST_F(StoreTransactionTest, Create_UnderAnObjectOfTheSameTransaction_IsCommittedBelowIt) {
     createNode("c");
     tx->create("Network=1,Node=c", "Rack", "id", "r", {});
