@@ -68,6 +68,7 @@ CLI_ROOMS = [
     "src/host/cli/graph",
     "src/host/cli/commands",
     "src/host/cli/shell",
+    "src/host/cli/remote",
     "src/host/cli/check",
     "src/host/cli/serve",
 ]

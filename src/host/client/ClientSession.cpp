@@ -56,22 +56,28 @@ bool ClientSession::write(const std::function<void(unsigned long txHandle)>& wor
         ++current->writes;
         return false;
     }
-    const OpenTransactions::Entry own{"", mHost.transactions().begin(), 0};
+    const OpenTransactions::Entry own{"", mHost.transactions().begin(mAuthor), 0};
     mTransactions.addUnnamed(own.handle);
+    bool isEnded = false;
     try {
         work(own.handle);
         mCancellation.throwIfCancelled();
+        passGate([&] {
+            isEnded = true;
+            commitNow(own);
+        });
     } catch (...) {
-        mHost.transactions().abort(own.handle);
+        if (!isEnded) {
+            mHost.transactions().abort(own.handle);
+        }
         throw;
     }
-    commit(own);
     return true;
 }
 
 const OpenTransactions::Entry& ClientSession::begin(const std::string& name) {
     mTransactions.requireFree(name);
-    mTransactions.add(name, mHost.transactions().begin());
+    mTransactions.add(name, mHost.transactions().begin(mAuthor));
     return mTransactions.require(name);
 }
 
@@ -83,8 +89,22 @@ void ClientSession::validate(const OpenTransactions::Entry& transaction) {
     }
 }
 
-// The refusal aborts the transaction, so the violations must be read before that.
 std::string ClientSession::commit(const OpenTransactions::Entry& transaction) {
+    std::string problems;
+    passGate([&] { problems = commitNow(transaction); });
+    return problems;
+}
+
+void ClientSession::passGate(const std::function<void()>& commit) {
+    if (mCommitGate) {
+        mCommitGate(commit);
+    } else {
+        commit();
+    }
+}
+
+// The refusal aborts the transaction, so the violations must be read before that.
+std::string ClientSession::commitNow(const OpenTransactions::Entry& transaction) {
     const OpenTransactions::Entry ended = transaction;
     std::vector<Violation> violations;
     const TransactionOutcome outcome =

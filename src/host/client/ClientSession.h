@@ -60,6 +60,15 @@ public:
     /// that part stays in the current transaction and counts as a write.
     bool write(const std::function<void(unsigned long txHandle)>& work);
 
+    /// Who begins the transactions from now on, for people: see TransactionService::begin.
+    void setAuthor(std::string author) { mAuthor = std::move(author); }
+
+    /// Calls \p commit, or throws if nothing must be committed now.
+    using CommitGate = std::function<void(const std::function<void()>& commit)>;
+    /// Each commit goes through \p gate from now on. If that throws, a transaction with a name
+    /// stays open.
+    void setCommitGate(CommitGate gate) { mCommitGate = std::move(gate); }
+
     const OpenTransactions::Entry& begin(const std::string& name);
     /// Throws RefusalError if the transaction is not valid. It stays open.
     void validate(const OpenTransactions::Entry& transaction);
@@ -70,10 +79,15 @@ public:
     std::string abort(const OpenTransactions::Entry& transaction);
 
 private:
+    void passGate(const std::function<void()>& commit);
+    std::string commitNow(const OpenTransactions::Entry& transaction);
+
     Host& mHost;
     Clients& mClients;
     CancellationToken mCancellation;
     OpenTransactions mTransactions;
+    std::string mAuthor;
+    CommitGate mCommitGate; ///< may be empty
 };
 
 }

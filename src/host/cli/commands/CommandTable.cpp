@@ -194,6 +194,8 @@ only the system sets. If anything fails, an old file of that name stays as it is
 )",
            .words = {WordKind::File, WordKind::Dn},
            .options = {"--format", "--config"},
+           .whyNotServed = "it would write a file where the server runs. Use 'get', 'tree' or "
+                           "'graph --html', or read the data by NETCONF",
            .run = runSave},
           {.name = "backup",
            .synopsis = "FILE",
@@ -203,6 +205,7 @@ only the system sets. If anything fails, an old file of that name stays as it is
 The copy is the file of a store itself.
 )",
            .words = {WordKind::File},
+           .whyNotServed = "it would write a file where the server runs",
            .run = runBackup},
           {.name = "commits",
            .synopsis = "[NUMBER [SECONDS]]",
@@ -223,6 +226,8 @@ replace also takes away what the file does not give: of the whole network, or of
 the DN. Values that only the system sets are left out. A directory means all its files.
 )",
            .words = {WordKind::File, WordKind::LoadMode, WordKind::Dn},
+           .whyNotServed = "it would read a file where the server runs. Send a script of commands "
+                           "with -f or 'source', or the data by NETCONF",
            .run = runLoad},
           {.name = "diff",
            .synopsis = "A B [DN]",
@@ -353,6 +358,16 @@ std::vector<std::string> CommandTable::names() const {
     return names;
 }
 
+std::vector<std::string> CommandTable::names(const Session& session) const {
+    std::vector<std::string> names;
+    for (const Command& command : mCommands) {
+        if (!session.isServed() || command.whyNotServed.empty()) {
+            names.push_back(command.name);
+        }
+    }
+    return names;
+}
+
 const Command* CommandTable::find(const std::string& name) const {
     for (const Command& command : mCommands) {
         if (command.name == name || (!name.empty() && command.alias == name)) {
@@ -376,6 +391,9 @@ const Command& CommandTable::require(const std::string& name) const {
 
 void CommandTable::run(Session& session, const std::vector<std::string>& words) const {
     const Command& command = require(words.front());
+    if (session.isServed() && !command.whyNotServed.empty()) {
+        throw AnswerError("a server's shell does not have this command: " + command.whyNotServed);
+    }
     const std::vector<std::string> rest(words.begin() + 1, words.end());
     command.run(session, command.takesCommand ? Words(rest, session.here())
                                               : command.read(rest, session.here()));

@@ -43,6 +43,7 @@ struct Command {
     std::vector<std::string> options{}; ///< "--depth" and the like
     std::string alias{};                ///< another name, not shown in lists; may be empty
     bool takesCommand = false;          ///< its words are another command with its options
+    std::string whyNotServed{};         ///< why a server's shell does not have it; empty: it has
 
     /// Runs the command and prints its answer. `words` are the words after the command's name.
     /// Throws RequestError (UsageError is one) for words that it does not understand, AnswerError
@@ -71,9 +72,12 @@ public:
 
     const std::vector<Command>& all() const { return mCommands; }
     std::vector<std::string> names() const;
+    /// Those that the session has: a server's shell does not have all of them.
+    std::vector<std::string> names(const Session& session) const;
 
     /// Runs the command that \p words, which are not empty, begin with. Throws what Command::run
-    /// throws, and UsageError if there is no such command or it has no such option.
+    /// throws, UsageError if there is no such command or it has no such option, and AnswerError if
+    /// a server's shell does not have it.
     void run(Session& session, const std::vector<std::string>& words) const;
 
     /// The command with that name or alias, or null.

@@ -49,8 +49,14 @@ void runLog(Session& session, Words words);
 void runHelp(const CommandTable& table, Session& session, Words words);
 void runQuit(Session& session, const Words& words);
 
+/// How help is printed.
+struct HelpForm {
+    bool wantsJson = false;
+    bool isServed = false; ///< for a server's shell, which does not have all commands
+};
+
 /// The help on all commands, or on the one with that name; throws UsageError if there is none.
-void printHelp(const CommandTable& table, const std::optional<std::string>& name, bool wantsJson,
+void printHelp(const CommandTable& table, const std::optional<std::string>& name, HelpForm form,
                std::ostream& out);
 
 }

@@ -66,6 +66,9 @@ void refuseEndless(const std::string& file) {
 }
 
 DataFile readDataFile(Session& session, const std::string& file) {
+    if (session.isServed()) {
+        throw AnswerError(file + ": a server's shell reads no files");
+    }
     refuseEndless(file);
     InstanceDataReader reader(requireSchema(session));
     reader.nameRoot(Orv::MeIdTranslator::instance()->identity());

@@ -33,6 +33,27 @@ private:
     std::ostream& mOut;
 };
 
+/// An expectation that runs. Each within another one needs more of the stack.
+class Nested {
+public:
+    Nested() {
+        if (theDepth == kMost) {
+            throw UsageError("more than " + std::to_string(kMost) +
+                             " expectations are within one another");
+        }
+        ++theDepth;
+    }
+    ~Nested() { --theDepth; }
+    Nested(const Nested&) = delete;
+    Nested& operator=(const Nested&) = delete;
+
+private:
+    static constexpr int kMost = 20;
+    static thread_local int theDepth;
+};
+
+thread_local int Nested::theDepth = 0;
+
 std::string asLine(const std::vector<std::string>& words) {
     std::string line;
     for (const std::string& word : words) {
@@ -80,6 +101,7 @@ void runExpect(const CommandTable& table, Session& session, Words words) {
     if (command.empty()) {
         throw UsageError("the command is missing");
     }
+    const Nested level;
     const Answer answer = answerOf(table, session, command);
     const std::string difference = expectation.compare(answer);
     if (!difference.empty()) {

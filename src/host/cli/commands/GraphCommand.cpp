@@ -220,9 +220,13 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
 void runGraph(Session& session, Words words) {
     const GraphOptions options = parse(words, session.model());
     requireFittingName(options);
+    const bool isDone = options.wantsPage || options.wantsDot;
+    if (session.isServed() && (options.file || !isDone)) {
+        throw AnswerError("a server's shell writes no files and does not call Graphviz; 'graph "
+                          "--dot' and 'graph --html' print texts");
+    }
     const Drawing drawing =
         options.wantsClasses ? drawClasses(session, options) : drawObjects(session, options);
-    const bool isDone = options.wantsPage || options.wantsDot;
     print(session, options, drawing,
           isDone ? drawing.text : render(session, drawing.text, options));
 }

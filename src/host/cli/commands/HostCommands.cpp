@@ -58,8 +58,38 @@ void showTail(Session& session, std::size_t count) {
     session.print({{"command", "log"}, {"lines", documents}});
 }
 
-JsonValue toJson(const Command& command) {
-    return {{"name", command.name}, {"usage", command.usage()}, {"summary", command.summary}};
+JsonValue toJson(const Command& command, HelpForm form) {
+    JsonValue document{
+        {"name", command.name}, {"usage", command.usage()}, {"summary", command.summary}};
+    if (form.isServed && !command.whyNotServed.empty()) {
+        document["whyNotServed"] = command.whyNotServed;
+    }
+    return document;
+}
+
+std::string helpOn(const Command& command, HelpForm form) {
+    return wrapped(command.usage(), kHelpColumns, 2) + command.summary + "\n" +
+           wrapped(command.details, kHelpColumns) +
+           (form.isServed && !command.whyNotServed.empty()
+                ? wrapped("A server's shell does not have it: " + command.whyNotServed + ".\n",
+                          kHelpColumns)
+                : "");
+}
+
+std::string helpOnAll(const CommandTable& table, HelpForm form) {
+    std::vector<std::vector<std::string>> rows;
+    std::string missing;
+    for (const Command& command : table.all()) {
+        if (form.isServed && !command.whyNotServed.empty()) {
+            missing += (missing.empty() ? "" : ", ") + command.name;
+        } else {
+            rows.push_back({command.name, command.summary});
+        }
+    }
+    return layOutTable({"COMMAND", ""}, rows) + "'help COMMAND' shows how one is written.\n" +
+           (missing.empty()
+                ? ""
+                : "Not in a server's shell: " + missing + "; 'help COMMAND' says why.\n");
 }
 
 }
@@ -99,34 +129,25 @@ void runLog(Session& session, Words words) {
     showLevel(session);
 }
 
-void printHelp(const CommandTable& table, const std::optional<std::string>& name, bool wantsJson,
+void printHelp(const CommandTable& table, const std::optional<std::string>& name, HelpForm form,
                std::ostream& out) {
+    if (!form.wantsJson) {
+        out << (name ? helpOn(table.require(*name), form) : helpOnAll(table, form));
+        return;
+    }
     JsonValue documents = JsonValue::array();
-    std::string text;
-    if (name) {
-        const Command& one = table.require(*name);
-        documents.push_back(toJson(one));
-        text = wrapped(one.usage(), kHelpColumns, 2) + one.summary + "\n" +
-               wrapped(one.details, kHelpColumns);
-    } else {
-        std::vector<std::vector<std::string>> rows;
-        for (const Command& command : table.all()) {
-            documents.push_back(toJson(command));
-            rows.push_back({command.name, command.summary});
+    for (const Command& command : table.all()) {
+        if (!name || &command == &table.require(*name)) {
+            documents.push_back(toJson(command, form));
         }
-        text = layOutTable({"COMMAND", ""}, rows) + "'help COMMAND' shows how one is written.\n";
     }
-    if (wantsJson) {
-        out << toLine({{"command", "help"}, {"commands", documents}}) << '\n';
-    } else {
-        out << text;
-    }
+    out << toLine({{"command", "help"}, {"commands", documents}}) << '\n';
 }
 
 void runHelp(const CommandTable& table, Session& session, Words words) {
     const auto name = words.takeOptional();
     words.end();
-    printHelp(table, name, session.wantsJson(), session.out());
+    printHelp(table, name, {session.wantsJson(), session.isServed()}, session.out());
 }
 
 void runGoTo(Session& session, Words words) {

@@ -6,10 +6,7 @@
 #include "ReferenceReport.h"
 #include "cli/session/Session.h"
 
-#include <iostream>
 #include <utility>
-
-#include <unistd.h>
 
 namespace OrvHost {
 
@@ -27,7 +24,7 @@ void printWithHint(Session& session, JsonValue document, const std::string& answ
     const std::string note = noteOn(hint);
     if (!note.empty()) {
         session.out().flush();
-        std::cerr << Colours::ofStream(STDERR_FILENO).note(note);
+        session.errors() << session.errorColours().note(note) << std::flush;
     }
 }
 

@@ -9,9 +9,9 @@
 
 namespace OrvHost {
 
-Colours Colours::ofStream(int descriptor) {
+bool Colours::areWantedOn(int descriptor) {
     const bool isPermitted = environmentVariable("NO_COLOR").value_or("").empty();
-    return Colours(isPermitted && hasCapableTerminal() && isatty(descriptor) == 1);
+    return isPermitted && hasCapableTerminal() && isatty(descriptor) == 1;
 }
 
 }

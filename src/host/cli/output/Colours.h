@@ -13,9 +13,9 @@ class Colours {
 public:
     explicit Colours(bool areWanted = false) : mAreWanted(areWanted) {}
 
-    /// For a stream of this process, by its descriptor: colours if it is a terminal that can show
-    /// them and the variable NO_COLOR is not set.
-    static Colours ofStream(int descriptor);
+    /// Whether a stream of this process, given by its descriptor, is a terminal that can show
+    /// colours, and the variable NO_COLOR is not set.
+    static bool areWantedOn(int descriptor);
 
     std::string error(const std::string& text) const { return in("31", text); }
     std::string note(const std::string& text) const { return in("33", text); }

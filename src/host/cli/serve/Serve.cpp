@@ -10,12 +10,15 @@
 
 #include "base/Environment.h"
 #include "cli/serve/ServiceManager.h"
+#include "cli/serve/ShellServer.h"
+#include "cli/session/Session.h"
 #include "netconf/server/NetconfServer.h"
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 
 #include <malloc.h>
 
@@ -46,7 +49,8 @@ ServerOptions serverOptions(const Options& options) {
     }
     server.sshAddress = options.netconfSsh;
     const bool hasUsers = !server.userKeys.empty() || !server.passwordFile.empty();
-    if (!server.sshAddress && (hasUsers || !server.unixPath)) {
+    const bool hasOtherWay = server.unixPath || options.shellUnix;
+    if (!server.sshAddress && (hasUsers || !hasOtherWay)) {
         server.sshAddress = "127.0.0.1:8300";
     }
     return server;
@@ -81,6 +85,25 @@ private:
     sigset_t mSignals{};
 };
 
+std::unique_ptr<ShellServer> shellsOf(const Options& options, HostSetup& setup,
+                                      NetconfServer& server) {
+    if (!options.shellUnix) {
+        return nullptr;
+    }
+    const auto prepare = [&](Session& session) {
+        session.showRuleCost(options.yangRules);
+        session.setModelNotes(setup.modelNotes());
+        session.setSchema(setup.schema());
+    };
+    const auto commit = [&server](const std::string& user, const std::function<void()>& work) {
+        server.commitBeside(user, work);
+    };
+    return std::make_unique<ShellServer>(
+        *options.shellUnix,
+        ShellServices{setup.host(), setup.log(), prepare, commit, options.models,
+                      std::chrono::seconds(options.candidateSeconds)});
+}
+
 }
 
 int serve(const Options& options, std::ostream& out) {
@@ -88,8 +111,12 @@ int serve(const Options& options, std::ostream& out) {
     WaitingSignals signals;
     HostSetup setup(options, std::cerr);
     NetconfServer server(setup.host(), setup.modelReader(), setup.schema(), serverOptions(options));
+    const std::unique_ptr<ShellServer> shells = shellsOf(options, setup, server);
     for (const std::string& line : server.addresses()) {
         out << line << '\n';
+    }
+    if (shells) {
+        out << shells->address() << '\n';
     }
     out << std::flush;
     tellServiceManager("READY=1");
@@ -101,7 +128,12 @@ int serve(const Options& options, std::ostream& out) {
     tellServiceManager("STOPPING=1");
     // The program must end in time, and nothing that is still at work has written anything that
     // lasts.
-    if (!server.end(kPatience)) {
+    const Deadline deadline = std::chrono::steady_clock::now() + kPatience;
+    if (shells) {
+        shells->tellEnd();
+    }
+    const bool isServerDone = server.end(kPatience);
+    if ((shells && !shells->end(deadline)) || !isServerDone) {
         std::cerr << "orvhost: a request is still at work; the program ends without it\n";
         std::_Exit(ExitOk);
     }

@@ -5,6 +5,8 @@
 
 #include "base/DnView.h"
 
+#include <iostream>
+
 namespace OrvHost {
 
 namespace {
@@ -20,6 +22,14 @@ ReferenceHint hintBy(const Look& look) {
 }
 
 }
+
+Session::Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson)
+    : ClientSession(host, clients),
+      mLog(log),
+      mWatches(host),
+      mOut(&out),
+      mErrors(&std::cerr),
+      mWantsJson(wantsJson) {}
 
 std::string Session::prompt() {
     const std::string prompt = transactions().prompt();

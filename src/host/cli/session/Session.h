@@ -37,12 +37,7 @@ struct ReferenceHint {
 class Session : public ClientSession {
 public:
     /// All arguments are borrowed and must outlive the session.
-    Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson)
-        : ClientSession(host, clients),
-          mLog(log),
-          mWatches(host),
-          mOut(&out),
-          mWantsJson(wantsJson) {}
+    Session(Host& host, Clients& clients, LogSink& log, std::ostream& out, bool wantsJson);
 
     LogSink& log() { return mLog; }
     WatchList& watches() { return mWatches; }
@@ -89,11 +84,25 @@ public:
     bool wantsJson() const { return mWantsJson; }
     std::ostream& out() { return *mOut; }
     void print(const JsonValue& document) { out() << toLine(document) << '\n'; }
-    /// Of what commands print. At first there are none.
+    /// Of answers, and of errors and notes. At first there are none.
     const Colours& colours() const { return mColours; }
-    void setColours(const Colours& colours) { mColours = colours; }
+    const Colours& errorColours() const { return mErrorColours; }
+    void setColours(const Colours& answers, const Colours& errors) {
+        mColours = answers;
+        mErrorColours = errors;
+    }
     /// Commands print to \p out from now on. Returns where they printed before.
     std::ostream& redirect(std::ostream& out) { return *std::exchange(mOut, &out); }
+
+    /// Notes and errors for people; the standard error stream at first.
+    std::ostream& errors() { return *mErrors; }
+    /// \p errors is borrowed.
+    void setErrors(std::ostream& errors) { mErrors = &errors; }
+
+    /// Whether a server runs the session for somebody at another program: the files that they mean
+    /// are not here, and what takes the whole process is not theirs.
+    bool isServed() const { return mIsServed; }
+    void setServed() { mIsServed = true; }
 
     /// The object at which the session stands: an external DN from the top level; empty: at the top
     /// level.
@@ -119,11 +128,14 @@ private:
     Backup mBackup;
     Question mQuestion;
     Colours mColours;
+    Colours mErrorColours;
     std::ostream* mOut;
+    std::ostream* mErrors;
     std::string mHere;
     bool mWantsJson;
     bool mShowsRuleCost = false;
     bool mIsEnded = false;
+    bool mIsServed = false;
     bool mGivesHints = false;
 };
 

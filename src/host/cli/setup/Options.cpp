@@ -42,6 +42,10 @@ command, its own options after it:
 
   orvhost -I models -m ran-element -d network.json serve --netconf-user alice=alice.pub
 
+--connect PATH runs the commands in such a server, which listens there (serve --shell-unix PATH):
+
+  orvhost --connect PATH -c 'begin' -c 'set ManagedElement=1 userLabel=north' -c 'commit'
+
 --store FILE keeps all commits in a file, which is created if there is none; data (-d)
 goes into a new one only. --store postgresql:CONNECTION keeps them in the tables of a database, which
 several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or postgresql://...
@@ -55,7 +59,8 @@ several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or p
   orvhost -I models -m ran-element store init postgresql:...    makes the tables
   orvhost store trim postgresql:... [ENTRIES [HOURS]]    deletes old entries of their log
 
-Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed.)";
+Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed, or
+the server of --connect is not there.)";
 
 // An identity becomes a part of DNs. Empty means that there is none.
 std::string whyNoIdentity(const std::string& identity) {
@@ -225,8 +230,12 @@ void addServer(CLI::App& app, Options& options) {
     app.add_option("--host-key", options.hostKey,
                    "File of the server's SSH key, made if there is none; ~/.orvhost_host_key")
         ->group(kServerGroup);
+    app.add_option("--shell-unix", options.shellUnix,
+                   "Path of a socket for 'orvhost --connect'; only its owner can connect")
+        ->group(kServerGroup);
     app.add_option("--candidate-timeout", options.candidateSeconds,
-                   "Seconds after its last edit when a candidate is discarded; 0: never")
+                   "Seconds after its last edit when a candidate is discarded, and after its last "
+                   "command when a shell with an open transaction is ended; 0: never")
         ->capture_default_str()
         ->group(kServerGroup);
 }
@@ -235,8 +244,9 @@ void addServer(CLI::App& app, Options& options) {
 void takeServer(const CLI::App& app, Options& options) {
     options.isServer = !options.words.empty() && options.words.front() == "serve";
     if (!options.isServer) {
-        if (options.netconfSsh || options.netconfUnix || !options.netconfUsers.empty() ||
-            !options.readOnlyUsers.empty() || !options.passwordFile.empty() || options.hostKey ||
+        if (options.netconfSsh || options.netconfUnix || options.shellUnix ||
+            !options.netconfUsers.empty() || !options.readOnlyUsers.empty() ||
+            !options.passwordFile.empty() || options.hostKey ||
             app.get_option("--candidate-timeout")->count() > 0) {
             throw CLI::ValidationError("the options of the server can only be used with serve");
         }
@@ -333,6 +343,31 @@ void takeExport(Options& options) {
     }
 }
 
+// What the server has, or what is done without one.
+void takeConnect(const GivenOptions& given, const Options& options) {
+    if (!options.connect) {
+        return;
+    }
+    for (const char* const option :
+         {"--project",     "--trust",     "--model",      "--path",           "--feature",
+          "--no-features", "--strict",    "--yang-rules", "--data",           "--skip-unknown",
+          "--repair",      "--as-is",     "--store",      "--fresh",          "--store-sync",
+          "--ext-cm",      "--component", "--me-id",      "--me-id-fallback", "--log-level",
+          "--log-file",    "--log-format"}) {
+        if (isGiven(given, option)) {
+            throw CLI::ValidationError(std::string(option) +
+                                       " cannot be combined with --connect: the server has its "
+                                       "own model, data, components and log");
+        }
+    }
+    const std::string first = options.words.empty() ? "" : options.words.front();
+    for (const char* const verb : {"check", "init", "serve", "store", "export"}) {
+        if (first == verb) {
+            throw CLI::ValidationError(first + " cannot be combined with --connect");
+        }
+    }
+}
+
 void addCommands(CLI::App& app, Options& options) {
     app.add_option("-c,--command", options.commandLines, "A command to run; repeatable")
         ->allow_extra_args(false);
@@ -346,6 +381,8 @@ void addCommands(CLI::App& app, Options& options) {
                    "Version of the MO interface to use: 1, 3 or 3_1")
         ->check(CLI::IsMember(Clients::versions()))
         ->capture_default_str();
+    app.add_option("--connect", options.connect,
+                   "Run the commands in a server, at the PATH of its socket (serve --shell-unix)");
     app.add_flag("--json", options.json, "Print one JSON document for each command");
     app.add_option("--history", options.historyFile,
                    "File for the history of the prompt; empty for none");
@@ -373,12 +410,14 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         std::vector<std::string> words = withCommandApart(app, {arguments + 1, arguments + count},
                                                           {"check", "init", "serve", "store"});
         const GivenOptions given = givenOptions(app, words);
-        ProjectSettings project = projectSettings(app, words);
+        ProjectSettings project =
+            isGiven(given, "--connect") ? ProjectSettings() : projectSettings(app, words);
         words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
         options.notes = std::move(project.notes);
         std::reverse(words.begin(), words.end()); // as the parser wants them
         app.parse(std::move(words));
         options.isDataGiven = isGiven(given, "--data");
+        takeConnect(given, options);
         takeScenarios(given, options);
         takeExport(options);
         takeStore(given, options);

@@ -61,6 +61,9 @@ struct Options {
     std::string reportFile;             ///< empty: standard output
     unsigned int checkSeconds = 600;    ///< the limit of each scenario; 0: none
 
+    std::optional<std::string> connect; ///< the socket of a server's shell; no host is set up here
+    std::optional<std::string> shellUnix; ///< where `serve` offers shells
+
     bool isServer = false;                  ///< `serve`, which cannot be combined with commands
     std::optional<std::string> netconfSsh;  ///< ADDRESS:PORT
     std::optional<std::string> netconfUnix; ///< a path

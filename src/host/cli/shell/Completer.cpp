@@ -94,7 +94,7 @@ Completion Completer::complete(const std::string& line) {
 std::vector<std::string> Completer::candidates(std::vector<std::string> words) {
     words = withoutExpectation(words);
     if (words.size() == 1) {
-        return mCommands.names();
+        return mCommands.names(mSession);
     }
     const Command* command = mCommands.find(words.front());
     if (command == nullptr) {
@@ -146,10 +146,13 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
     case WordKind::Version:
         return Clients::versions();
     case WordKind::File:
-        return files(words.back());
+        return mSession.isServed() ? std::vector<std::string>() : files(words.back());
     case WordKind::State: {
         std::vector<std::string> result = mSession.transactions().names();
         result.insert(result.begin(), kCommitted);
+        if (mSession.isServed()) {
+            return result;
+        }
         const std::vector<std::string> found = files(words.back());
         result.insert(result.end(), found.begin(), found.end());
         return result;

@@ -3,22 +3,45 @@
 
 #include "Interpreter.h"
 
-#include "base/TextFile.h"
 #include "cli/commands/WatchReport.h"
 #include "cli/errors/Failure.h"
-#include "cli/input/ScriptReader.h"
 #include "cli/input/WordSplitter.h"
 
-#include <filesystem>
-#include <fstream>
+#include <utility>
 
 namespace OrvHost {
 
 namespace {
 
-constexpr int kMostScripts = 20;
+/// Hints would make a long script slow, and nobody is asked in it.
+class AsScript {
+public:
+    explicit AsScript(Session& session)
+        : mSession(session), mGaveHints(session.giveHints(false)), mQuestion(session.question()) {
+        mSession.setQuestion({});
+    }
+    ~AsScript() {
+        mSession.setQuestion(std::move(mQuestion));
+        mSession.giveHints(mGaveHints);
+    }
+    AsScript(const AsScript&) = delete;
+    AsScript& operator=(const AsScript&) = delete;
+
+private:
+    Session& mSession;
+    bool mGaveHints;
+    Session::Question mQuestion;
+};
 
 }
+
+Interpreter::Interpreter(Session& session, const CommandTable& commands, std::ostream& errors)
+    : mSession(session),
+      mCommands(commands),
+      mErrors(errors),
+      mScripts([this](const std::string& line,
+                      const std::string& place) { return runLine(line, place); },
+               [&session] { return session.isEnded(); }) {}
 
 ExitStatus Interpreter::runLine(const std::string& line, const std::string& place) {
     const SplitLine split = splitWords(line);
@@ -53,40 +76,12 @@ ExitStatus Interpreter::runWords(const std::vector<std::string>& words, const st
     }
 }
 
-ExitStatus Interpreter::runScript(std::istream& script, const std::string& name, bool keepGoing) {
-    ExitStatus first = ExitOk;
-    ScriptReader reader(script);
-    while (!mSession.isEnded() && reader.next()) {
-        const ExitStatus status =
-            runLine(reader.line(), name + ":" + std::to_string(reader.number()));
-        first = first == ExitOk ? status : first;
-        if (first != ExitOk && !keepGoing) {
-            break;
-        }
-    }
-    return first;
-}
-
 ExitStatus Interpreter::runSource(Words words) {
-    const std::string file = words.take("the FILE");
-    words.end();
-    if (mDepth == kMostScripts) {
-        throw AnswerError(file + ": more than " + std::to_string(kMostScripts) +
-                          " scripts run one another");
+    if (mSession.isServed()) {
+        throw AnswerError("a server's shell reads no files; its client runs scripts");
     }
-    if (const std::string problem = whyNotReadable(file); !problem.empty()) {
-        throw AnswerError(file + ": " + problem);
-    }
-    std::ifstream script(file);
-    ++mDepth;
-    const bool gaveHints = mSession.giveHints(false); // they would make a long script slow
-    Session::Question question = mSession.question();
-    mSession.setQuestion({});
-    const ExitStatus status = runScript(script, file, false);
-    mSession.setQuestion(std::move(question));
-    mSession.giveHints(gaveHints);
-    --mDepth;
-    return status;
+    const AsScript quiet(mSession);
+    return mScripts.source(std::move(words));
 }
 
 void Interpreter::show(const std::string& line, bool isCommand) {
@@ -98,9 +93,9 @@ ExitStatus Interpreter::report(const std::string& command, const std::string& pl
     mSession.out().flush();
     Failure failure = FailureReader(mSession).read(mCommands.usageOf(command), error);
     if (!mSession.wantsJson()) {
-        mErrors << mColours.error((place.empty() ? "" : place + ": ") +
-                                  (command.empty() ? "" : command + ": ") + failure.text)
-                << std::endl;
+        const std::string text = (place.empty() ? "" : place + ": ") +
+                                 (command.empty() ? "" : command + ": ") + failure.text;
+        mErrors << mSession.errorColours().error(text) << std::endl;
         return failure.status;
     }
     if (!place.empty()) {

@@ -7,6 +7,7 @@
 #include "cli/commands/CommandTable.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
+#include "cli/shell/ScriptRunner.h"
 
 #include <exception>
 #include <istream>
@@ -23,15 +24,11 @@ namespace OrvHost {
 class Interpreter {
 public:
     /// All must outlive this object.
-    Interpreter(Session& session, const CommandTable& commands, std::ostream& errors)
-        : mSession(session), mCommands(commands), mErrors(errors) {}
+    Interpreter(Session& session, const CommandTable& commands, std::ostream& errors);
 
     /// Whether lines are printed before they run, as if somebody had typed them. Lines with only a
     /// comment are printed as they are. Not in JSON mode.
     void echo(bool wanted) { mEchoes = wanted && !mSession.wantsJson(); }
-
-    /// Of errors in text. At first there are none.
-    void setColours(const Colours& colours) { mColours = colours; }
 
     /// Runs one line; an empty one, or one with only a comment, gives ExitOk. \p place comes before
     /// errors, for example "file:12"; it may be empty.
@@ -42,7 +39,9 @@ public:
 
     /// Runs a script line by line until its end, `quit`, or, unless \p keepGoing, the first error.
     /// Returns the first status that was not ExitOk.
-    ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing);
+    ExitStatus runScript(std::istream& script, const std::string& name, bool keepGoing) {
+        return mScripts.run(script, name, keepGoing);
+    }
 
 private:
     ExitStatus runSource(Words words);
@@ -54,8 +53,7 @@ private:
     const CommandTable& mCommands;
     std::ostream& mErrors;
     bool mEchoes = false;
-    Colours mColours;
-    int mDepth = 0; ///< of scripts that run scripts
+    ScriptRunner mScripts;
 };
 
 }

@@ -9,6 +9,7 @@
 #include "cli/output/AlignedText.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
@@ -67,11 +68,15 @@ void useWideCharacters() {
     // NOLINTEND(concurrency-mt-unsafe)
 }
 
-// One byte from the terminal: its number, 0 at the end, -1 for a failure or Ctrl-C (EINTR).
-ssize_t readByte(const sigset_t& mask, char& byte) {
-    pollfd waiting{STDIN_FILENO, POLLIN, 0};
-    if (ppoll(&waiting, 1, nullptr, &mask) < 0) {
+// One byte from the terminal: its number, 0 at the end or if \p endFd, which may be -1, can be
+// read, -1 for a failure or Ctrl-C (EINTR).
+ssize_t readByte(const sigset_t& mask, int endFd, char& byte) {
+    std::array<pollfd, 2> waiting{{{STDIN_FILENO, POLLIN, 0}, {endFd, POLLIN, 0}}};
+    if (ppoll(waiting.data(), waiting.size(), nullptr, &mask) < 0) {
         return -1;
+    }
+    if (waiting[1].revents != 0) {
+        return 0;
     }
     return read(STDIN_FILENO, &byte, 1);
 }
@@ -92,9 +97,10 @@ std::string shortForm(const std::string& candidate) {
 /// Owns the line editor's objects.
 class Prompt::Editor {
 public:
-    Editor(Completer& completer, std::filesystem::path historyFile)
-        : mCompleter(completer),
+    Editor(Prompt::Complete complete, std::filesystem::path historyFile, int endFd)
+        : mComplete(std::move(complete)),
           mHistoryFile(std::move(historyFile)),
+          mEndFd(endFd),
           mEditLine(el_init("orvhost", stdin, stdout, stderr)),
           mHistory(history_init()) {
         useWideCharacters();
@@ -205,7 +211,7 @@ private:
         std::mbstate_t state{};
         for (;;) {
             char byte = 0;
-            const ssize_t count = readByte(mGuard->waitingMask(), byte);
+            const ssize_t count = readByte(mGuard->waitingMask(), mEndFd, byte);
             if (count <= 0) {
                 mIsInterrupted = count < 0 && errno == EINTR;
                 return static_cast<int>(count);
@@ -229,7 +235,7 @@ private:
     unsigned char complete() {
         const LineInfo* info = el_line(mEditLine);
         const std::string line(info->buffer, info->cursor);
-        const Completion completion = mCompleter.complete(line);
+        const Completion completion = mComplete(line);
         if (completion.candidates.empty()) {
             return CC_REFRESH_BEEP;
         }
@@ -301,8 +307,9 @@ private:
         history(mHistory, &event, H_SAVE, mHistoryFile.c_str());
     }
 
-    Completer& mCompleter;
+    Prompt::Complete mComplete;
     std::filesystem::path mHistoryFile;
+    int mEndFd;
     std::string mPromptText;
     EditLine* mEditLine;
     History* mHistory;
@@ -311,8 +318,8 @@ private:
     bool mIsPasting = false;
 };
 
-Prompt::Prompt(Completer& completer, std::filesystem::path historyFile)
-    : mEditor(std::make_unique<Editor>(completer, std::move(historyFile))) {}
+Prompt::Prompt(Complete complete, std::filesystem::path historyFile, int endFd)
+    : mEditor(std::make_unique<Editor>(std::move(complete), std::move(historyFile), endFd)) {}
 
 Prompt::~Prompt() = default;
 

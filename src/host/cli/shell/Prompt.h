@@ -7,6 +7,7 @@
 #include "Completer.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,15 +20,18 @@ namespace OrvHost {
 /// SIGINT has a handler that returns (see InterruptGuard).
 class Prompt {
 public:
-    /// \p completer must outlive this object. \p historyFile may be empty: then no history is kept.
-    /// A history that cannot be read or written is ignored.
-    Prompt(Completer& completer, std::filesystem::path historyFile);
+    /// Completes the word at the end of a line; see Completer.
+    using Complete = std::function<Completion(const std::string& line)>;
+
+    /// \p historyFile may be empty: then no history is kept. A history that cannot be read or
+    /// written is ignored. As soon as \p endFd can be read, input is at its end; -1: there is none.
+    Prompt(Complete complete, std::filesystem::path historyFile, int endFd);
     ~Prompt();
     Prompt(const Prompt&) = delete;
     Prompt& operator=(const Prompt&) = delete;
 
     /// Shows \p prompt and returns the next line that is entered, without its line end; an empty
-    /// one if Ctrl-C cancels it. Nothing at the end of input (Ctrl-D).
+    /// one if Ctrl-C cancels it. Nothing at the end of input (Ctrl-D, or see the constructor).
     std::optional<std::string> readLine(const std::string& prompt);
 
     /// Whether Ctrl-C cancelled the latest line.

@@ -3,23 +3,32 @@
 
 #include "Committer.h"
 
+#include "NetconfSession.h"
+
+#include <utility>
+
 namespace OrvHost {
 
 namespace {
 
-thread_local const NetconfSession* theCommitter = nullptr;
+thread_local const Committer* theCommitter = nullptr;
 
 }
 
-Committer::Committer(const NetconfSession& session) {
-    theCommitter = &session;
+Committer::Committer(const NetconfSession& session)
+    : mUser(session.user().name), mSessionId(session.id()) {
+    theCommitter = this;
+}
+
+Committer::Committer(std::string user) : mUser(std::move(user)) {
+    theCommitter = this;
 }
 
 Committer::~Committer() {
     theCommitter = nullptr;
 }
 
-const NetconfSession* Committer::current() {
+const Committer* Committer::current() {
     return theCommitter;
 }
 

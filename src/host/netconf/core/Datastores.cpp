@@ -207,6 +207,19 @@ void Datastores::copyToRunning(NetconfSession& session) {
     commitCandidate(session);
 }
 
+void Datastores::commitBeside(const std::string& user, const std::function<void()>& commit) {
+    const std::lock_guard<std::mutex> lock(mRunningMutex);
+    if (const auto locked = lockOf(Datastore::Running)) {
+        throw CommitDenied("nothing is committed: session " + std::to_string(locked->session) +
+                           " of NETCONF has locked running");
+    }
+    if (mUnconfirmed) {
+        throw CommitDenied("nothing is committed: " + mUnconfirmed->text());
+    }
+    const Committer committer(user);
+    commit();
+}
+
 void Datastores::commitCandidate(const NetconfSession& session) {
     if (!mHandle) {
         return;

@@ -21,6 +21,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,12 @@ enum class Datastore : std::uint8_t { Running, Candidate };
 
 /// "running" or "candidate".
 std::string datastoreName(Datastore store);
+
+/// Somebody beside the protocol must not commit now.
+class CommitDenied : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// What an edit does besides checking the edit itself.
 enum class EditMode : std::uint8_t {
@@ -52,7 +59,8 @@ enum class EditMode : std::uint8_t {
 /// A commit can be *confirmed*: it is taken back unless a second commit follows in time. Until then
 /// other sessions change nothing in running. See ConfirmedCommit.
 ///
-/// Locks are for the sessions of the protocol; other clients of the host meet conflicts instead.
+/// Locks are for the sessions of the protocol, and a lock of running for commitBeside(); other
+/// clients of the host meet conflicts instead.
 ///
 /// The calls throw RpcErrors for what the protocol forbids, and what the client library throws for
 /// what the component or the planner refuses: see errorsOf. Any thread, each session on one.
@@ -97,6 +105,9 @@ public:
     /// Makes the candidate the running state, too, but confirms nothing: while a confirmed commit
     /// waits, it is refused.
     void copyToRunning(NetconfSession& session);
+    /// Calls \p commit, which commits something for \p user beside the protocol. Throws
+    /// CommitDenied, without a call, if a session has locked running or a confirmed commit waits.
+    void commitBeside(const std::string& user, const std::function<void()>& commit);
     /// Takes back the confirmed commit that is waiting.
     void cancelCommit(NetconfSession& session, const std::optional<std::string>& persistId);
     void discard(NetconfSession& session);

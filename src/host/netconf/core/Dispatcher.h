@@ -56,6 +56,11 @@ public:
     /// See Datastores::pauseUndoing.
     void pauseUndoing(std::chrono::seconds pause) { mStores.pauseUndoing(pause); }
 
+    /// See Datastores::commitBeside.
+    void commitBeside(const std::string& user, const std::function<void()>& commit) {
+        mStores.commitBeside(user, commit);
+    }
+
     /// Call it when a session ends, however it does.
     void end(NetconfSession& session) { mStores.end(session.id()); }
 

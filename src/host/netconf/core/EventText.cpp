@@ -21,9 +21,12 @@ std::string event(const std::string& name, const std::string& content) {
            content + "</" + name + ">";
 }
 
+std::string parameters(const std::string& user, std::uint32_t sessionId) {
+    return xmlElement("username", user) + xmlElement("session-id", std::to_string(sessionId));
+}
+
 std::string parameters(const NetconfSession& session) {
-    return xmlElement("username", session.user().name) +
-           xmlElement("session-id", std::to_string(session.id()));
+    return parameters(session.user().name, session.id());
 }
 
 std::string externalDn(const std::string& dn) {
@@ -133,12 +136,13 @@ private:
 
 }
 
-std::string configChangeEvent(const ChangeSet& changes, const NetconfSession* by,
+std::string configChangeEvent(const ChangeSet& changes, const Committer* by,
                               const YangSchema& schema) {
     EditList edits(schema);
     edits.add(changes);
     return event("netconf-config-change",
-                 "<changed-by>" + (by != nullptr ? parameters(*by) : "<server/>") +
+                 "<changed-by>" +
+                     (by != nullptr ? parameters(by->user(), by->sessionId()) : "<server/>") +
                      "</changed-by>" + xmlElement("datastore", "running") + edits.take());
 }
 

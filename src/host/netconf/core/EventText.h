@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_NETCONF_CORE_EVENTTEXT_H
 #define ORV_HOST_NETCONF_CORE_EVENTTEXT_H
 
+#include "netconf/core/Committer.h"
 #include "netconf/core/NetconfSession.h"
 #include "store/ChangeSet.h"
 #include "yang/schema/YangSchema.h"
@@ -25,7 +26,7 @@ struct SessionEnd {
 /// netconf-config-change: what a commit has changed in running, what the component changed to keep
 /// associations in step included. A created or deleted object stands for all below it; an attribute
 /// is named whole, but for leaf-lists, whose entries are named. \p by null: the server.
-std::string configChangeEvent(const ChangeSet& changes, const NetconfSession* by,
+std::string configChangeEvent(const ChangeSet& changes, const Committer* by,
                               const YangSchema& schema);
 /// netconf-session-start.
 std::string sessionStartEvent(const NetconfSession& session);

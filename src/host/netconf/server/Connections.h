@@ -4,7 +4,7 @@
 #ifndef ORV_HOST_NETCONF_SERVER_CONNECTIONS_H
 #define ORV_HOST_NETCONF_SERVER_CONNECTIONS_H
 
-#include "netconf/server/Descriptor.h"
+#include "base/Descriptor.h"
 
 #include <chrono>
 #include <condition_variable>

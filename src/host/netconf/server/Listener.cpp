@@ -4,12 +4,12 @@
 #include "Listener.h"
 
 #include "ServerError.h"
+#include "base/UnixAddress.h"
 #include "netconf/core/ServerLog.h"
 
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <memory>
 #include <system_error>
 #include <vector>
@@ -20,7 +20,6 @@
 #include <pwd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 namespace OrvHost {
 
@@ -44,19 +43,12 @@ std::string textOf(const sockaddr_storage& address, socklen_t size) {
     return (isSix ? "[" : "") + std::string(host.data()) + (isSix ? "]:" : ":") + port.data();
 }
 
-sockaddr_un unixAddress(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof(address.sun_path)) {
-        throw ServerError(path + ": is too long for a socket");
-    }
-    std::memcpy(address.sun_path, path.c_str(), path.size());
-    return address;
-}
-
-bool isServed(const sockaddr_un& address) {
-    const Descriptor probe(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    return connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+/// A server that is busy refuses connections, too, but for another reason.
+bool isLeftOver(const sockaddr_un& address) {
+    const Descriptor probe(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
+               0 &&
+           errno == ECONNREFUSED;
 }
 
 void removeLeftOver(const std::string& path, const sockaddr_un& address) {
@@ -64,8 +56,11 @@ void removeLeftOver(const std::string& path, const sockaddr_un& address) {
     if (lstat(path.c_str(), &known) != 0) {
         return;
     }
-    if (!S_ISSOCK(known.st_mode) || isServed(address)) {
-        throw ServerError(path + ": exists already");
+    if (!S_ISSOCK(known.st_mode)) {
+        throw ServerError(path + ": exists already, and is no socket");
+    }
+    if (!isLeftOver(address)) {
+        throw ServerError(path + ": exists already; another server listens there");
     }
     unlink(path.c_str());
 }
@@ -113,7 +108,11 @@ Descriptor listenAt(const NetAddress& address) {
 }
 
 Descriptor listenAt(const std::string& path) {
-    const sockaddr_un address = unixAddress(path);
+    const UnixAddress named(path);
+    if (!named.isUsable()) {
+        throw ServerError(path + ": " + named.problem());
+    }
+    const sockaddr_un& address = named.get();
     removeLeftOver(path, address);
     Descriptor listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     // Nobody can connect before listen(), so the mode is right in time.
@@ -124,17 +123,23 @@ Descriptor listenAt(const std::string& path) {
     return listening;
 }
 
-std::string peerName(int socket) {
+std::optional<uid_t> peerUser(int socket) {
     ucred peer{};
     socklen_t size = sizeof(peer);
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
+    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? std::optional(peer.uid)
+                                                                          : std::nullopt;
+}
+
+std::string peerName(int socket) {
+    const std::optional<uid_t> user = peerUser(socket);
+    if (!user) {
         return "unknown";
     }
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;
-    getpwuid_r(peer.uid, &entry, buffer.data(), buffer.size(), &found);
-    return found != nullptr ? found->pw_name : std::to_string(peer.uid);
+    getpwuid_r(*user, &entry, buffer.data(), buffer.size(), &found);
+    return found != nullptr ? found->pw_name : std::to_string(*user);
 }
 
 bool isSystemUser(const std::string& name) {

@@ -4,12 +4,15 @@
 #ifndef ORV_HOST_NETCONF_SERVER_LISTENER_H
 #define ORV_HOST_NETCONF_SERVER_LISTENER_H
 
+#include "base/Descriptor.h"
 #include "netconf/server/Connections.h"
-#include "netconf/server/Descriptor.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
+
+#include <sys/types.h>
 
 namespace OrvHost {
 
@@ -61,7 +64,9 @@ Descriptor listenAt(const std::string& path);
 /// True if a peer can have that name: see peerName.
 bool isSystemUser(const std::string& name);
 
-/// The name of the user at the other end of a UNIX socket, or its number if it has no name.
+/// The user at the other end of a UNIX socket; nothing if that is not known.
+std::optional<uid_t> peerUser(int socket);
+/// The name of that user, or the number if there is no name.
 std::string peerName(int socket);
 
 }

@@ -126,6 +126,10 @@ bool NetconfServer::end(std::chrono::milliseconds patience) {
     return mParts->end(std::chrono::steady_clock::now() + patience);
 }
 
+void NetconfServer::commitBeside(const std::string& user, const std::function<void()>& commit) {
+    mParts->hub.dispatcher().commitBeside(user, commit);
+}
+
 std::vector<std::string> NetconfServer::addresses() const {
     std::vector<std::string> lines;
     if (mParts->ssh) {

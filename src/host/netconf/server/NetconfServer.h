@@ -8,6 +8,7 @@
 #include "yang/schema/YangModelReader.h"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,11 @@ public:
     /// by XPath cannot be interrupted. False if a request is still at work then. The server must
     /// not be destroyed as long as it is.
     bool end(std::chrono::milliseconds patience);
+
+    /// Calls \p commit, which commits something for \p user, who is no client of this server.
+    /// Throws CommitDenied, without a call, if a session has locked running or a confirmed commit
+    /// waits. Any thread.
+    void commitBeside(const std::string& user, const std::function<void()>& commit);
 
     /// Where clients find it, for people: a line for each way.
     std::vector<std::string> addresses() const;

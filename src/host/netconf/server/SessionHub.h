@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_NETCONF_SERVER_SESSIONHUB_H
 #define ORV_HOST_NETCONF_SERVER_SESSIONHUB_H
 
+#include "base/Descriptor.h"
 #include "netconf/core/Dispatcher.h"
-#include "netconf/server/Descriptor.h"
 
 #include <cstdint>
 #include <map>

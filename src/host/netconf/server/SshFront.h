@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_NETCONF_SERVER_SSHFRONT_H
 #define ORV_HOST_NETCONF_SERVER_SSHFRONT_H
 
+#include "base/Descriptor.h"
 #include "netconf/server/Connections.h"
-#include "netconf/server/Descriptor.h"
 #include "netconf/server/UserTable.h"
 
 #include <cstddef>

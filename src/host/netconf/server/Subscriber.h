@@ -4,8 +4,8 @@
 #ifndef ORV_HOST_NETCONF_SERVER_SUBSCRIBER_H
 #define ORV_HOST_NETCONF_SERVER_SUBSCRIBER_H
 
+#include "base/Descriptor.h"
 #include "netconf/core/EventStream.h"
-#include "netconf/server/Descriptor.h"
 #include "netconf/wire/WireModel.h"
 
 #include <cstdint>

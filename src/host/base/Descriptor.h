@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_NETCONF_SERVER_DESCRIPTOR_H
-#define ORV_HOST_NETCONF_SERVER_DESCRIPTOR_H
+#ifndef ORV_HOST_BASE_DESCRIPTOR_H
+#define ORV_HOST_BASE_DESCRIPTOR_H
 
 #include <utility>
 

@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ServerLink.h"
+
+#include "base/UnixAddress.h"
+#include "cli/errors/CliErrors.h"
+#include "cli/remote/ShellProtocol.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <iostream>
+#include <system_error>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace OrvHost {
+
+namespace {
+
+/// A pipe that can be written at all takes that much without a wait.
+constexpr std::size_t kPiece = 4096;
+
+/// While it lives, Ctrl-C waits for the next wait that lets it through. So none is lost between the
+/// look at the token and the wait.
+class HeldInterrupts {
+public:
+    HeldInterrupts() {
+        sigset_t held;
+        sigemptyset(&held);
+        sigaddset(&held, SIGINT);
+        pthread_sigmask(SIG_BLOCK, &held, &mBefore);
+    }
+    ~HeldInterrupts() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
+    HeldInterrupts(const HeldInterrupts&) = delete;
+    HeldInterrupts& operator=(const HeldInterrupts&) = delete;
+
+    const sigset_t& before() const { return mBefore; }
+
+private:
+    sigset_t mBefore{};
+};
+
+std::string whyNotConnected(int error) {
+    switch (error) {
+    case ENOENT:
+        return "there is no such socket; 'orvhost serve --shell-unix' makes one";
+    case ECONNREFUSED:
+        return "no server listens there";
+    case EACCES:
+        return "only the user who runs the server can connect";
+    default:
+        return std::generic_category().message(error);
+    }
+}
+
+}
+
+ServerLink::ServerLink(const std::string& path) : mReader(kLongestAnswer) {
+    const UnixAddress address(path);
+    if (!address.isUsable()) {
+        throw LoadError(path + ": " + address.problem());
+    }
+    mSocket = Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (connect(mSocket.get(), reinterpret_cast<const sockaddr*>(&address.get()),
+                sizeof(sockaddr_un)) != 0) {
+        throw LoadError(path + ": " + whyNotConnected(errno));
+    }
+}
+
+bool ServerLink::send(const std::string& bytes) {
+    for (std::size_t at = 0; at < bytes.size();) {
+        const ssize_t sent =
+            ::send(mSocket.get(), bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
+        if (sent < 0 && errno != EINTR) {
+            return false;
+        }
+        at += sent > 0 ? static_cast<std::size_t>(sent) : 0;
+    }
+    return true;
+}
+
+std::optional<Frame> ServerLink::receive(const CancellationToken* token,
+                                         const std::string& cancel) {
+    const HeldInterrupts held;
+    bool isCancelSent = false;
+    for (;;) {
+        if (std::optional<Frame> frame = mReader.next()) {
+            return frame;
+        }
+        if (!isCancelSent && token != nullptr && token->isCancelled()) {
+            isCancelSent = true;
+            send(cancel);
+        }
+        std::array<pollfd, 2> wanted{{{mSocket.get(), POLLIN, 0},
+                                      {mWaiting.empty() ? -1 : mWaiting.front().fd, POLLOUT, 0}}};
+        if (ppoll(wanted.data(), wanted.size(), nullptr, &held.before()) < 0) {
+            continue;
+        }
+        if (wanted[1].revents != 0) {
+            writeSome();
+        }
+        if (wanted[0].revents != 0 && !readSome()) {
+            return std::nullopt;
+        }
+    }
+}
+
+std::optional<Frame> ServerLink::receiveWithin(int milliseconds) {
+    for (;;) {
+        if (std::optional<Frame> frame = mReader.next()) {
+            return frame;
+        }
+        pollfd wanted{mSocket.get(), POLLIN, 0};
+        if (poll(&wanted, 1, milliseconds) <= 0 || !readSome()) {
+            return std::nullopt;
+        }
+    }
+}
+
+bool ServerLink::readSome() {
+    std::array<char, 65536> buffer{};
+    const ssize_t size = recv(mSocket.get(), buffer.data(), buffer.size(), 0);
+    if (size > 0) {
+        mReader.add({buffer.data(), static_cast<std::size_t>(size)});
+    }
+    mIsOpen = size > 0 || (size < 0 && errno == EINTR);
+    return mIsOpen;
+}
+
+void ServerLink::print(int fd, std::string text) {
+    if (!text.empty()) {
+        mWaiting.push_back({fd, std::move(text)});
+    }
+}
+
+void ServerLink::writeSome() {
+    Waiting& first = mWaiting.front();
+    const ssize_t size = ::write(first.fd, first.text.data(), std::min(first.text.size(), kPiece));
+    if (size < 0 && errno != EINTR && errno != EAGAIN) {
+        mIsPrinted = mIsPrinted && first.fd != STDOUT_FILENO;
+        first.text.clear();
+    }
+    first.text.erase(0, size > 0 ? static_cast<std::size_t>(size) : 0);
+    if (first.text.empty()) {
+        mWaiting.pop_front();
+    }
+}
+
+void ServerLink::flush() {
+    while (!mWaiting.empty()) {
+        pollfd wanted{mWaiting.front().fd, POLLOUT, 0};
+        if (poll(&wanted, 1, -1) > 0) {
+            writeSome();
+        }
+    }
+}
+
+}

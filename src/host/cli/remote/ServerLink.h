@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_REMOTE_SERVERLINK_H
+#define ORV_HOST_CLI_REMOTE_SERVERLINK_H
+
+#include "base/Descriptor.h"
+#include "cli/remote/Frame.h"
+#include "client/CancellationToken.h"
+
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace OrvHost {
+
+/// The client's end of the socket of a server's shell. What the server answers is always read at
+/// once, however slowly the standard output is read, because the server ends clients that do not
+/// read.
+///
+/// One thread.
+class ServerLink {
+public:
+    /// Connects. Throws LoadError.
+    explicit ServerLink(const std::string& path);
+
+    int fd() const { return mSocket.get(); }
+
+    /// False if the server has closed the connection; what it said before can still be received.
+    bool send(const std::string& bytes);
+
+    /// The next frame; nothing at the end of the connection. Meanwhile writes what print() took.
+    /// When \p token, which may be null, is cancelled, sends \p cancel, once for each renewal of
+    /// the token. Throws FrameError.
+    std::optional<Frame> receive(const CancellationToken* token, const std::string& cancel);
+    /// The next frame, if it comes within that time and the connection does not end.
+    std::optional<Frame> receiveWithin(int milliseconds);
+
+    /// Writes to a stream, soon. \p fd: STDOUT_FILENO or STDERR_FILENO.
+    void print(int fd, std::string text);
+    /// Waits until all is written.
+    void flush();
+    /// False if something could not be written to the standard output.
+    bool isPrinted() const { return mIsPrinted; }
+    /// False as soon as receive() has met the end of the connection.
+    bool isOpen() const { return mIsOpen; }
+
+private:
+    struct Waiting {
+        int fd;
+        std::string text;
+    };
+
+    bool readSome();
+    void writeSome();
+
+    Descriptor mSocket;
+    FrameReader mReader;
+    std::deque<Waiting> mWaiting;
+    bool mIsPrinted = true;
+    bool mIsOpen = true;
+};
+
+}
+
+#endif

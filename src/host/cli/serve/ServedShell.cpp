@@ -1,0 +1,248 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ServedShell.h"
+
+#include "cli/commands/CommandTable.h"
+#include "cli/input/WordSplitter.h"
+#include "cli/session/Session.h"
+#include "cli/shell/Completer.h"
+#include "cli/shell/Interpreter.h"
+#include "cli/shell/LocalShell.h"
+#include "client/Clients.h"
+#include "netconf/core/ServerLog.h"
+
+#include <ostream>
+#include <thread>
+#include <utility>
+
+namespace OrvHost {
+
+namespace {
+
+/// Aborts, at its end, what the session has open.
+class AbortAtEnd {
+public:
+    AbortAtEnd(Session& session, const std::string& author) : mSession(session), mAuthor(author) {}
+    ~AbortAtEnd() {
+        while (!mSession.transactions().all().empty()) {
+            const OpenTransactions::Entry open = mSession.transactions().all().front();
+            logServer(6, mAuthor + ": transaction " + open.name + " is aborted");
+            mSession.abort(open);
+        }
+    }
+    AbortAtEnd(const AbortAtEnd&) = delete;
+    AbortAtEnd& operator=(const AbortAtEnd&) = delete;
+
+private:
+    Session& mSession;
+    const std::string& mAuthor;
+};
+
+}
+
+ServedShell::ServedShell(ShellServices& services, ShellChannel& channel, ShellHello hello,
+                         std::string user, std::uint64_t number)
+    : mServices(services),
+      mChannel(channel),
+      mHello(std::move(hello)),
+      mUser(std::move(user)),
+      mAuthor(mUser + ", shell " + std::to_string(number)) {}
+
+void ServedShell::serve() {
+    logServer(6, mAuthor + ": begins");
+    std::thread worker([this] {
+        try {
+            work();
+        } catch (const std::exception& failure) {
+            logServer(3, mAuthor + ": ends: " + failure.what());
+            over(failure.what());
+        }
+    });
+    receiveAll();
+    worker.join();
+    if (!mWhyOver.empty()) {
+        mChannel.send(FrameBye, mWhyOver);
+    }
+    mChannel.close();
+    logServer(6, mAuthor + ": ends");
+}
+
+void ServedShell::receiveAll() {
+    std::string why;
+    try {
+        while (std::optional<Frame> frame = mChannel.receive()) {
+            take(std::move(*frame));
+        }
+    } catch (const FrameError& error) {
+        logServer(4, mAuthor + ": is ended: " + error.what());
+        why = error.what();
+    }
+    over(why);
+}
+
+void ServedShell::over(const std::string& why) {
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mIsOver = true;
+        mWhyOver = mWhyOver.empty() ? why : mWhyOver;
+        if (mToken != nullptr) {
+            mToken->cancel();
+        }
+    }
+    mChanged.notify_all();
+    mChannel.cut();
+}
+
+void ServedShell::stop(const std::string& why) {
+    over(why);
+}
+
+void ServedShell::take(Frame&& frame) {
+    switch (frame.kind) {
+    case FrameCancel:
+        cancel(frame.body);
+        return;
+    case FrameLine:
+    case FrameWords:
+    case FrameComplete:
+        break;
+    default:
+        throw FrameError("a request was expected, not a message of the kind " +
+                         std::to_string(static_cast<unsigned char>(frame.kind)));
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mWaiting || mAtWork != 0) {
+        throw FrameError("a request came before the answer to the one before");
+    }
+    mWaiting = Request{std::move(frame), ++mTaken};
+    mChanged.notify_all();
+}
+
+/// A command that has ended meanwhile is not meant any more, nor is the one after it.
+void ServedShell::cancel(const std::string& number) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (number == std::to_string(mTaken) && (mWaiting || mAtWork != 0) && mToken != nullptr) {
+        mToken->cancel();
+    }
+}
+
+void ServedShell::work() {
+    const auto onFailure = [this] {
+        logServer(4, mAuthor + ": is ended: it does not read its answers");
+        mChannel.close();
+        over({});
+    };
+    FrameOutput outFrames(mChannel, FrameOut, onFailure);
+    FrameOutput errorFrames(mChannel, FrameErr, onFailure);
+    std::ostream out(&outFrames);
+    std::ostream errors(&errorFrames);
+    Clients clients(mServices.host);
+    Session session(mServices.host, clients, mServices.log, out, mHello.look.json);
+    session.setErrors(errors);
+    session.setServed();
+    session.setAuthor(mAuthor);
+    session.setCommitGate(
+        [this](const std::function<void()>& commit) { mServices.commit(mUser, commit); });
+    mServices.prepare(session);
+    if (!mHello.interface.empty()) {
+        clients.choose(mHello.interface);
+    }
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mToken = &session.cancellation();
+    }
+    try {
+        const AbortAtEnd abort(session, mAuthor);
+        answerAll(session);
+    } catch (...) {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mToken = nullptr;
+        throw;
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mToken = nullptr;
+}
+
+void ServedShell::answerAll(Session& session) {
+    const CommandTable commands;
+    Interpreter interpreter(session, commands, session.errors());
+    interpreter.echo(mHello.look.echo);
+    session.setColours(Colours(mHello.look.answerColours), Colours(mHello.look.errorColours));
+    Completer completer(session, commands);
+    const std::string greeting = LocalShell::greetingOf(session, mServices.models);
+    mChannel.send(FrameHello, toBody(ShellWelcome{kShellProtocol, greeting, session.prompt()}));
+    while (const std::optional<Request> request = next(!session.transactions().all().empty())) {
+        const Frame& frame = request->frame;
+        if (frame.kind == FrameComplete) {
+            const std::string completion = toBody(completer.complete(frame.body));
+            finish();
+            mChannel.send(FrameCompleted, completion);
+            continue;
+        }
+        ShellState state;
+        if (frame.kind == FrameWords) {
+            session.giveHints(mHello.look.isTyped);
+            state.status = interpreter.runWords(wordsFrom(frame.body));
+        } else {
+            const ScriptLine line = lineFrom(frame.body);
+            // Hints would make a long script slow.
+            session.giveHints(mHello.look.isTyped && line.place.empty());
+            state.status = interpreter.runLine(line.line, line.place);
+        }
+        session.out().flush();
+        session.errors().flush();
+        logCommand(frame, state.status);
+        state.isEnded = session.isEnded();
+        session.goOn();
+        state.prompt = session.prompt();
+        state.uncommitted = LocalShell::uncommittedOf(session);
+        finish();
+        mChannel.send(FrameDone, toBody(state));
+    }
+}
+
+std::optional<ServedShell::Request> ServedShell::next(bool isWaitLimited) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    const auto hasNews = [this] { return mIsOver || mWaiting; };
+    if (!isWaitLimited || mServices.idleLimit.count() == 0) {
+        mChanged.wait(lock, hasNews);
+    } else if (!mChanged.wait_for(lock, mServices.idleLimit, hasNews)) {
+        lock.unlock();
+        over("no command came for " + std::to_string(mServices.idleLimit.count()) +
+             " s while a transaction was open");
+        return std::nullopt;
+    }
+    if (mIsOver) {
+        return std::nullopt;
+    }
+    std::optional<Request> request = std::exchange(mWaiting, std::nullopt);
+    mAtWork = request->number;
+    return request;
+}
+
+/// To be called before the client hears of the end of a request: then the next one can come at
+/// once.
+void ServedShell::finish() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mAtWork = 0;
+    if (!mIsOver) {
+        mToken->renew();
+    }
+}
+
+/// Without the words of the command: values can be secret.
+void ServedShell::logCommand(const Frame& frame, int status) const {
+    const std::vector<std::string> words = frame.kind == FrameWords
+                                               ? wordsFrom(frame.body)
+                                               : splitWords(lineFrom(frame.body).line).words;
+    if (words.empty()) {
+        return;
+    }
+    static const CommandTable commands;
+    const Command* command = commands.find(words.front());
+    logServer(6, mAuthor + ": " + (command != nullptr ? command->name : "no command") + ": " +
+                     (status == ExitOk ? "done" : "refused"));
+}
+
+}

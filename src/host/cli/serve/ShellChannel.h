@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef ORV_HOST_CLI_SERVE_SHELLCHANNEL_H
+#define ORV_HOST_CLI_SERVE_SHELLCHANNEL_H
+
+#include "base/Descriptor.h"
+#include "cli/remote/Frame.h"
+
+#include <chrono>
+#include <optional>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+namespace OrvHost {
+
+/// The server's end of the socket of a shell. It never waits for a client for ever, but for the
+/// beginning of a message.
+///
+/// One thread receives, another one may send; cut() and close() are for any.
+class ShellChannel {
+public:
+    /// \p most: the size of the longest body that is taken at first.
+    ShellChannel(Descriptor socket, std::size_t most) : mSocket(std::move(socket)), mReader(most) {}
+
+    int fd() const { return mSocket.get(); }
+    /// See FrameReader::allow.
+    void allow(std::size_t most) { mReader.allow(most); }
+
+    /// The next frame; nothing at the end of the connection. \p patience: how long its first byte
+    /// may take; nothing: as long as it likes. Throws FrameError, also if the rest does not come.
+    std::optional<Frame> receive(std::optional<std::chrono::milliseconds> patience = {});
+
+    /// False if the client is gone, or has not read anything for long.
+    bool send(char kind, std::string_view body);
+
+    /// Nothing is received any more; what fits is still sent.
+    void cut();
+    /// Nothing is sent either.
+    void close();
+
+private:
+    Descriptor mSocket;
+    FrameReader mReader;
+};
+
+/// A stream's text as frames of one kind.
+class FrameOutput : public std::streambuf {
+public:
+    /// Of \p onFailure, which is called once, nothing must be expected to be sent. \p channel is
+    /// borrowed.
+    FrameOutput(ShellChannel& channel, char kind, std::function<void()> onFailure)
+        : mChannel(channel), mKind(kind), mOnFailure(std::move(onFailure)) {}
+
+protected:
+    int overflow(int character) override;
+    std::streamsize xsputn(const char* text, std::streamsize size) override;
+    int sync() override;
+
+private:
+    ShellChannel& mChannel;
+    char mKind;
+    std::function<void()> mOnFailure;
+    std::string mHeld;
+    bool mHasFailed = false;
+};
+
+}
+
+#endif
