@@ -14,8 +14,8 @@ template <class Read>
 auto parsed(const std::string& body, const char* what, const Read& read) {
     try {
         return read(JsonValue::parse(body));
-    } catch (const JsonValue::exception& error) {
-        throw FrameError(std::string(what) + " was expected: " + error.what());
+    } catch (const JsonValue::exception&) {
+        throw FrameError(std::string(what) + " in JSON was expected");
     }
 }
 
