@@ -622,6 +622,7 @@ class HostileTest(ShellCase):
                 shell.send(data)
                 self.assert_ended(shell, why)
         flood = RawShell(self.path)
+        self.addCleanup(flood.close)
         with self.assertRaises((BrokenPipeError, ConnectionResetError)):
             flood.send(b"\xff" * 10000000)
         for data, why in (

@@ -73,6 +73,7 @@ ExitStatus RemoteShell::runSource(const std::vector<std::string>& words, const s
                                   const std::string& place) {
     if (mLook.echo && !mLook.json) {
         mLink.print(STDOUT_FILENO, mState.prompt + line + "\n");
+        mLink.flush();
     }
     try {
         return mScripts.source(Words({words.begin() + 1, words.end()}));
@@ -130,7 +131,7 @@ std::optional<Frame> RemoteShell::answerTo(char kind, const std::string& body) {
     ++mRequests;
     const std::string cancel = frameBytes(FrameCancel, std::to_string(mRequests));
     try {
-        while (std::optional<Frame> frame = mLink.receive(&mCancellation, cancel)) {
+        while (std::optional<Frame> frame = mLink.receive(mCancellation, cancel)) {
             switch (frame->kind) {
             case FrameOut:
                 mLink.print(STDOUT_FILENO, std::move(frame->body));

@@ -84,16 +84,15 @@ bool ServerLink::send(const std::string& bytes) {
     return true;
 }
 
-std::optional<Frame> ServerLink::receive(const CancellationToken* token,
+std::optional<Frame> ServerLink::receive(const CancellationToken& token,
                                          const std::string& cancel) {
     const HeldInterrupts held;
-    bool isCancelSent = false;
     for (;;) {
         if (std::optional<Frame> frame = mReader.next()) {
             return frame;
         }
-        if (!isCancelSent && token != nullptr && token->isCancelled()) {
-            isCancelSent = true;
+        if (token.isCancelled() && cancel != mLastCancel) {
+            mLastCancel = cancel;
             send(cancel);
         }
         std::array<pollfd, 2> wanted{{{mSocket.get(), POLLIN, 0},

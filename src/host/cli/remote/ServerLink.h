@@ -31,9 +31,8 @@ public:
     bool send(const std::string& bytes);
 
     /// The next frame; nothing at the end of the connection. Meanwhile writes what print() took.
-    /// When \p token, which may be null, is cancelled, sends \p cancel, once for each renewal of
-    /// the token. Throws FrameError.
-    std::optional<Frame> receive(const CancellationToken* token, const std::string& cancel);
+    /// When \p token is cancelled, sends \p cancel, but not twice the same. Throws FrameError.
+    std::optional<Frame> receive(const CancellationToken& token, const std::string& cancel);
     /// The next frame, if it comes within that time and the connection does not end.
     std::optional<Frame> receiveWithin(int milliseconds);
 
@@ -58,6 +57,7 @@ private:
     Descriptor mSocket;
     FrameReader mReader;
     std::deque<Waiting> mWaiting;
+    std::string mLastCancel;
     bool mIsPrinted = true;
     bool mIsOpen = true;
 };

@@ -61,8 +61,8 @@ void ServedShell::serve() {
     });
     receiveAll();
     worker.join();
-    if (!mWhyOver.empty()) {
-        mChannel.send(FrameBye, mWhyOver);
+    if (const std::string why = whyOver(); !why.empty()) {
+        mChannel.send(FrameBye, why);
     }
     mChannel.close();
     logServer(6, mAuthor + ": ends");
@@ -74,7 +74,7 @@ void ServedShell::receiveAll() {
         while (std::optional<Frame> frame = mChannel.receive()) {
             take(std::move(*frame));
         }
-    } catch (const FrameError& error) {
+    } catch (const std::exception& error) { // a FrameError, or there is no memory
         logServer(4, mAuthor + ": is ended: " + error.what());
         why = error.what();
     }
@@ -92,6 +92,11 @@ void ServedShell::over(const std::string& why) {
     }
     mChanged.notify_all();
     mChannel.cut();
+}
+
+std::string ServedShell::whyOver() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mWhyOver;
 }
 
 void ServedShell::stop(const std::string& why) {

@@ -67,6 +67,7 @@ private:
     void finish();
     void logCommand(const Frame& frame, int status) const;
     void over(const std::string& why);
+    std::string whyOver();
 
     ShellServices& mServices;
     ShellChannel& mChannel;

@@ -106,7 +106,12 @@ void ShellServer::serve(Descriptor socket, const Connections::Enter& enter) {
             refuse("the server ends");
             return;
         }
-        shell.serve();
+        try {
+            shell.serve();
+        } catch (...) {
+            remove(shell);
+            throw;
+        }
         remove(shell);
     } catch (const FrameError& error) {
         refuse(error.what());
