@@ -240,6 +240,9 @@ class UseTest(ShellCase):
             with self.subTest(words):
                 self.assertEqual(self.run_shell(*words).returncode, status)
 
+    def test_the_version_of_the_interface(self):
+        self.assertEqual(self.run_shell("--interface", "1", "interface").stdout, "version 1\n")
+
     def test_scenarios_answer_as_without_a_server(self):
         words = [ORVHOST, "-I", EXAMPLES / "models", "-m", "ran-element", "-m", "ran-equipment",
                  "-m", "ran-function", "-d", EXAMPLES / "data/harbour.json", "--me-id", "Harbour",
@@ -317,8 +320,12 @@ class UseTest(ShellCase):
         typist.wait_for("orvhost> ")
         typist.type("begin work\r")
         typist.wait_for("orvhost[work]> ")
-        typist.type(f"cre\t{UNIT[:-4]}\t9\r")
+        sector = "ManagedElement=Harbour,Equipment=1,Sector=77"
+        typist.type(f"cre\t{UNIT[:-4]}\t9 sectorRef={sector}\r")
         typist.wait_for("created")
+        typist.wait_for("orvhost[work]> ")
+        typist.type("validate\r")
+        typist.wait_for("note: references to objects that do not exist")
         typist.wait_for("orvhost[work]> ")
         typist.type("quit\r")
         typist.wait_for("Not committed, and lost at the end: work. End? [y/N] ")
