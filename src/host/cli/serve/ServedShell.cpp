@@ -197,7 +197,7 @@ void ServedShell::answerAll(Session& session) {
         }
         session.out().flush();
         session.errors().flush();
-        logCommand(frame, state.status);
+        logCommand(commands, frame, state.status);
         state.isEnded = session.isEnded();
         session.goOn();
         state.prompt = session.prompt();
@@ -237,14 +237,13 @@ void ServedShell::finish() {
 }
 
 /// Without the words of the command: values can be secret.
-void ServedShell::logCommand(const Frame& frame, int status) const {
+void ServedShell::logCommand(const CommandTable& commands, const Frame& frame, int status) const {
     const std::vector<std::string> words = frame.kind == FrameWords
                                                ? wordsFrom(frame.body)
                                                : splitWords(lineFrom(frame.body).line).words;
     if (words.empty()) {
         return;
     }
-    static const CommandTable commands;
     const Command* command = commands.find(words.front());
     logServer(6, mAuthor + ": " + (command != nullptr ? command->name : "no command") + ": " +
                      (status == ExitOk ? "done" : "refused"));

@@ -21,6 +21,7 @@
 
 namespace OrvHost {
 
+class CommandTable;
 class Session;
 
 /// What the shells of a server work with. All is borrowed.
@@ -65,7 +66,7 @@ private:
     void answerAll(Session& session);
     std::optional<Request> next(bool isWaitLimited);
     void finish();
-    void logCommand(const Frame& frame, int status) const;
+    void logCommand(const CommandTable& commands, const Frame& frame, int status) const;
     void over(const std::string& why);
     std::string whyOver();
 
