@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* kNote = "note: references to objects that do not exist:\r\n";
+constexpr const char* kNote = "\x1b[33mnote: references to objects that do not exist:\r\n";
 constexpr const char* kLost =
     "  ManagedElement=east,Antenna=2 seen -> ManagedElement=east,Mast=z\r\n";
 

@@ -218,6 +218,16 @@ TEST_F(OrvhostStore, Diff_StoreThatCannotBeRead_SaysWhy) {
                           "not there any more"));
 }
 
+TEST_F(OrvhostStore, OwnFile_IsNeitherReadNorReplaced) {
+    fill();
+    for (const char* command : {"load ", "source ", "save "}) {
+        const ProgramResult result = runKept({command + mStore});
+        EXPECT_EQ(result.status, 1) << command;
+        EXPECT_THAT(result.err, HasSubstr("the file of this host's store")) << command;
+    }
+    EXPECT_EQ(run({"store", "check", mStore}).status, 0);
+}
+
 TEST_F(OrvhostStore, Backup_WithoutAStore_IsRefused) {
     const ProgramResult result = run({"backup", "copy"});
     EXPECT_EQ(result.status, 1);

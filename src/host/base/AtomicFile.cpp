@@ -3,6 +3,8 @@
 
 #include "AtomicFile.h"
 
+#include "HeldFile.h"
+
 #include <cerrno>
 #include <string>
 #include <system_error>
@@ -47,6 +49,9 @@ AtomicFile::AtomicFile(const fs::path& file) : mFile(followed(file)) {
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         throw FileError(mFile.string() + ": is not a file that can be replaced; a new file or a "
                                          "regular one was expected");
+    }
+    if (HeldFile::isHeld(mFile)) {
+        throw FileError(mFile.string() + ": is the file of this host's store");
     }
     if (!mFile.has_filename()) {
         throw FileError("'" + mFile.string() + "' is not the name of a file");

@@ -4,6 +4,7 @@
 #include "TextFile.h"
 
 #include "ByteOrderMark.h"
+#include "HeldFile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -31,6 +32,9 @@ std::string whyNotReadable(const fs::path& file) {
     }
     if (status.type() == fs::file_type::not_found) {
         return "cannot be read: there is no such file";
+    }
+    if (HeldFile::isHeld(file)) {
+        return "cannot be read: it is the file of this host's store";
     }
     if (access(file.c_str(), R_OK) != 0) {
         return "cannot be read: " + std::generic_category().message(errno);

@@ -117,6 +117,7 @@ SqliteLog::SqliteLog(const std::filesystem::path& file, const Model& model, Sync
     : mFile(file), mHolder(file) {
     try {
         mConnection = openStore(file, model, sync);
+        mHeld.emplace(file);
         mStatements = std::make_unique<Statements>(*mConnection);
     } catch (const SqliteError& error) {
         refuseStore(file, error.what());

@@ -6,6 +6,7 @@
 
 #include "SqliteConnection.h"
 #include "StoreHolder.h"
+#include "base/HeldFile.h"
 #include "model/ModelFingerprint.h"
 #include "store/CommitLog.h"
 
@@ -92,6 +93,7 @@ private:
     const std::filesystem::path mFile;
     std::mutex mMutex; ///< guards all below
     StoreHolder mHolder;
+    std::optional<HeldFile> mHeld; ///< as long as it is open
     std::unique_ptr<SqliteConnection> mConnection;
     std::unique_ptr<Statements> mStatements;
     StageHook mStageHook;

@@ -252,13 +252,13 @@ TEST_F(NetconfOverdueCommitTest, TriedAgain_IsTakenBackWhenThatIsPossible) {
     EXPECT_THAT(running(), HasSubstr("Old harbour"));
     EXPECT_THAT(label(bob, "Quay", "running"),
                 AllOf(hasTag("in-use"), HasSubstr("its session has ended"), HasSubstr("carol"),
-                      HasSubstr("any session may confirm or cancel it")));
+                      HasSubstr("any session may cancel it, or take it over")));
     abort();
     EXPECT_TRUE(comesTrue([&] { return running().find("Old harbour") == std::string::npos; }));
     EXPECT_EQ(label(bob, "Quay", "running"), "ok");
 }
 
-TEST_F(NetconfOverdueCommitTest, AnySession_MayConfirm) {
+TEST_F(NetconfOverdueCommitTest, AnySession_MayTakeItOverAndConfirm) {
     ASSERT_EQ(commit(alice, "<confirmed/><persist>x7</persist>"
                             "<confirm-timeout>1</confirm-timeout>"),
               "ok");
@@ -268,7 +268,11 @@ TEST_F(NetconfOverdueCommitTest, AnySession_MayConfirm) {
                std::string::npos;
     }));
     EXPECT_THAT(commit(bob, "<persist-id>x8</persist-id>"), hasTag("invalid-value"));
-    EXPECT_EQ(commit(bob, ""), "ok");
+    EXPECT_THAT(commit(bob, ""), AllOf(hasTag("in-use"), HasSubstr("take it over")))
+        << "it is not bob's, who may know nothing of it";
+    EXPECT_EQ(commit(bob, "<confirmed/>"), "ok");
+    EXPECT_THAT(commit(alice, "<persist-id>x7</persist-id>"), hasTag("invalid-value"));
+    EXPECT_EQ(commit(bob, ""), "ok") << "without alice's token";
     abort();
     EXPECT_EQ(label(bob, "Quay", "running"), "ok");
     EXPECT_THAT(ask(bob, "<cancel-commit/>"), hasTag("operation-failed"));

@@ -5,6 +5,7 @@
 
 #include "StoreTarget.h"
 #include "base/DnView.h"
+#include "base/HeldFile.h"
 #include "store/MoStore.h"
 #include "store_postgresql/PostgresqlLog.h"
 #include "store_sqlite/StoreTools.h"
@@ -61,6 +62,9 @@ bool isStore(const std::string& text) {
     }
     if (!std::filesystem::is_regular_file(text, ignored)) {
         return false; // a pipe would wait, and lose what is read
+    }
+    if (HeldFile::isHeld(text)) {
+        return true;
     }
     std::array<char, kFileStart.size()> start{};
     std::ifstream(text, std::ios::binary).read(start.data(), start.size());

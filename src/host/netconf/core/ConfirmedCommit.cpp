@@ -21,6 +21,7 @@ void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& r
         mOwner = session.id();
         mAuthor = session.author();
         mRefusal.clear();
+        mToken.reset();
     }
     if (request.persist) {
         mToken = request.persist;
@@ -29,13 +30,13 @@ void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& r
 }
 
 void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
-                                    const std::optional<std::string>& persistId) const {
+                                    const std::optional<std::string>& persistId, End end) const {
     if (persistId && persistId != mToken) {
         throw RpcErrors(protocolError("invalid-value",
                                       "the persist-id is not that of the confirmed "
                                       "commit that waits for its confirmation"));
     }
-    if (isOverdue()) {
+    if (isOverdue() && end != End::Confirm) {
         return;
     }
     if (mToken ? !persistId : mOwner != session.id()) {
@@ -45,10 +46,12 @@ void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
 }
 
 std::string ConfirmedCommit::text() const {
-    return isOverdue()
-               ? "a confirmed commit of " + mAuthor + " is to be taken back (" + mReason +
-                     "), which was refused; any session may confirm or cancel it: " + mRefusal
-               : "a confirmed commit of " + mAuthor + " waits for its confirmation";
+    return isOverdue() ? "a confirmed commit of " + mAuthor + " is to be taken back (" + mReason +
+                             "), which was refused; any session may cancel it, or take it over by "
+                             "a confirmed "
+                             "commit: " +
+                             mRefusal
+                       : "a confirmed commit of " + mAuthor + " waits for its confirmation";
 }
 
 Wish ConfirmedCommit::undoing(const Model& model) {

@@ -28,10 +28,13 @@ struct CommitRequest {
 
 /// A confirmed commit of RFC 6241, section 8.4, that waits for its confirmation. It remembers what
 /// was before all that has been committed since it began, whoever did: to take it back means that
-/// running is again as it was before. It is kept in memory only, as the data is.
+/// running is again as it was before. It is kept in memory only: if the server ends before, nothing
+/// is taken back, and with a store what was committed stays.
 ///
 /// If its time is over, or its session, and the component refuses to take it back, it is *overdue*:
-/// it is tried again from time to time, and any session may confirm or cancel it.
+/// it is tried again from time to time, and any session may cancel it, or take it over by a
+/// confirmed commit of its own. To confirm it stays with its session and those who know its token:
+/// a commit of somebody who knows nothing of it must not make it last.
 ///
 /// One thread, but for the feed's.
 class ConfirmedCommit {
@@ -52,9 +55,10 @@ public:
     bool isPersistent() const { return mToken.has_value(); }
     Alarm::Clock::time_point deadline() const { return mDeadline; }
 
-    /// Throws RpcErrors if the session may neither confirm nor cancel it.
-    void requireMayEnd(const NetconfSession& session,
-                       const std::optional<std::string>& persistId) const;
+    enum class End { Confirm, WaitAnew, Cancel };
+    /// Throws RpcErrors if the session may not end its waiting in that way.
+    void requireMayEnd(const NetconfSession& session, const std::optional<std::string>& persistId,
+                       End end) const;
 
     /// The wish that takes it back. Without edits: nothing was committed.
     Wish undoing(const Model& model);

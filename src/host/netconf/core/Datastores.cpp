@@ -169,7 +169,9 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     requireUnlocked(session, Datastore::Candidate);
     throwIfLost(session);
     if (mUnconfirmed) {
-        mUnconfirmed->requireMayEnd(session, request.persistId);
+        using End = ConfirmedCommit::End;
+        mUnconfirmed->requireMayEnd(session, request.persistId,
+                                    request.isConfirmed ? End::WaitAnew : End::Confirm);
     } else if (request.persistId) {
         throw RpcErrors(noConfirmedCommit(true));
     }
@@ -242,7 +244,7 @@ void Datastores::cancelCommit(NetconfSession& session,
     if (!mUnconfirmed) {
         throw RpcErrors(noConfirmedCommit(persistId.has_value()));
     }
-    mUnconfirmed->requireMayEnd(session, persistId);
+    mUnconfirmed->requireMayEnd(session, persistId, ConfirmedCommit::End::Cancel);
     const Committer committer(session);
     takeBack();
 }
@@ -252,21 +254,26 @@ void Datastores::cancelCommit(NetconfSession& session,
 /// are made again afterwards.
 void Datastores::takeBack() {
     Wish wish = mUnconfirmed->undoing(mHost.model());
-    if (!wish.edits.empty()) {
+    const bool isChanged = !wish.edits.empty();
+    std::exception_ptr refusal;
+    if (isChanged) {
         abortCandidate();
-        std::exception_ptr refusal;
         try {
             undo(std::move(wish), mUnconfirmed->author() + ", confirmed commit");
         } catch (...) {
             refusal = std::current_exception();
         }
-        replay(nullptr);
-        if (refusal) {
-            std::rethrow_exception(refusal);
-        }
     }
-    mUnconfirmed.reset();
-    setAlarm();
+    if (!refusal) { // it is done, whatever becomes of the candidate
+        mUnconfirmed.reset();
+        setAlarm();
+    }
+    if (isChanged) {
+        replay(nullptr);
+    }
+    if (refusal) {
+        std::rethrow_exception(refusal);
+    }
 }
 
 /// Nobody waits for an answer.
@@ -277,11 +284,19 @@ void Datastores::takeBackUnasked(const std::string& reason) {
         logServer(4, what + " is taken back: " + reason);
     } catch (const std::exception&) {
         const std::string refusal = textOf(std::current_exception());
+        if (!mUnconfirmed) {
+            logServer(3, what + " is taken back (" + reason + "), but not all edits of the " +
+                             "candidate could be made again: " + refusal);
+            return;
+        }
         if (mUnconfirmed->refusal() != refusal) {
-            logServer(3, what + " is to be taken back (" + reason +
-                             "), which is refused; it is tried again every " +
-                             std::to_string(mUndoingPause.count()) +
-                             " s, and any session may confirm or cancel it: " + refusal);
+            logServer(
+                3,
+                what + " is to be taken back (" + reason +
+                    "), which is refused; it is tried again every " +
+                    std::to_string(mUndoingPause.count()) +
+                    " s, and any session may cancel it, or take it over by a confirmed commit: " +
+                    refusal);
         }
         mUnconfirmed->delay(reason, refusal, mUndoingPause);
         setAlarm();
@@ -306,14 +321,23 @@ void Datastores::undo(Wish wish, const std::string& author) {
 void Datastores::onTimeOver() {
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     const Alarm::Clock::time_point now = Alarm::Clock::now();
+    try {
+        doWhatIsDue(now);
+    } catch (const std::exception& failure) { // it would end the thread, and with it the server
+        logServer(3, std::string("what was due could not be done: ") + failure.what());
+    }
+    setAlarm();
+}
+
+void Datastores::doWhatIsDue(Alarm::Clock::time_point now) {
     if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
         takeBackUnasked(mUnconfirmed->isOverdue() ? mUnconfirmed->reason()
                                                   : "it was not confirmed in time");
     }
     if (mCandidateDeadline && now >= *mCandidateDeadline) {
+        mCandidateDeadline.reset();
         loseCandidate("nobody has edited it for " + std::to_string(mCandidateLimit.count()) + " s");
     }
-    setAlarm();
 }
 
 /// For what is due next.

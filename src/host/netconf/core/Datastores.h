@@ -136,6 +136,7 @@ private:
     void takeBackUnasked(const std::string& reason);
     void undo(Wish wish, const std::string& author);
     void onTimeOver();
+    void doWhatIsDue(Alarm::Clock::time_point now);
     void setAlarm();
     using Work = std::function<void(ClientSession& client, unsigned long txHandle)>;
     void writeRunning(NetconfSession& session, EditMode mode, const Work& work);

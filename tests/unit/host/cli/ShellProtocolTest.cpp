@@ -46,8 +46,10 @@ TEST(FrameReader, BodyThatIsTooLong_IsRefusedBeforeItComes) {
 }
 
 TEST(ShellProtocol, Bodies_ComeBackAsTheyWere) {
-    const ShellHello hello = helloFrom(toBody(ShellHello{1, {true, false, true, false}, "3"}));
-    EXPECT_TRUE(hello.look.json && !hello.look.echo && hello.look.colours && !hello.look.isTyped);
+    const ShellHello hello =
+        helloFrom(toBody(ShellHello{1, {true, false, true, false, false}, "3"}));
+    EXPECT_TRUE(hello.look.json && !hello.look.echo && hello.look.answerColours &&
+                !hello.look.errorColours && !hello.look.isTyped);
     EXPECT_EQ(hello.interface, "3");
 
     const ShellWelcome welcome = welcomeFrom(toBody(ShellWelcome{1, "hello\n", "> "}));
