@@ -20,10 +20,11 @@ bool isStore(const std::string& text);
 using TakeStored = std::function<void(const std::string& dn, std::vector<NamedValue> values)>;
 
 /// Calls \p take with each object of a store that is not this host's own, as of the last commit,
-/// parents first and siblings in order. The store is not changed. Hosts may use a shared one
-/// meanwhile; a file that a process uses is refused, with the name of that process. Throws
-/// HostError: it cannot be read, or is of another model, with the first difference; and what
-/// \p take throws.
+/// parents first and siblings in order. The data is not changed; what a host that was killed has
+/// left in the journal of a file is brought into the file. Hosts may use a shared one meanwhile; a
+/// file that a process uses is refused, with the name of that process, and is held while it is
+/// read. Throws HostError: it cannot be read, or is of another model, with the first difference;
+/// and what \p take throws.
 void readStore(const std::string& store, const Model& model, const TakeStored& take);
 
 }
