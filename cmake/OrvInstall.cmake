@@ -30,6 +30,11 @@ install(TARGETS ext_cm
   EXPORT OrvExtCmTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
 
+if(TARGET orv_record)
+  set_target_properties(orv_record PROPERTIES INSTALL_RPATH "$ORIGIN")
+  install(TARGETS orv_record LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
+endif()
+
 get_property(public_headers GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
 install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv" COMPONENT devel)
 

@@ -70,6 +70,7 @@ CLI_ROOMS = [
     "src/host/cli/shell",
     "src/host/cli/remote",
     "src/host/cli/check",
+    "src/host/cli/replay",
     "src/host/cli/serve",
 ]
 
@@ -83,6 +84,9 @@ LAYERS = {
     **{room: [*BELOW_COMPONENT, *lower] for room, lower in HOST_ROOMS.items()},
     CLIENT: [*BELOW_COMPONENT, *HOST_ROOMS],
     "src/validate": [],
+    "src/record": BELOW_COMPONENT,
+    "src/record/recorder": [*BELOW_COMPONENT, "src/record"],
+    "src/record/replay": [*BELOW_COMPONENT, "src/record"],
     **{
         room: [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *NETCONF_ROOMS[:at]]
         for at, room in enumerate(NETCONF_ROOMS)
@@ -94,13 +98,15 @@ LAYERS = {
     # Only the program that serves knows the server.
     "src/host/cli/serve": [
         *BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *NETCONF_ROOMS, *CLI_ROOMS[:-1]],
+    # Only the program that plays recordings knows the player.
+    "src/host/cli/replay": ["src/record/replay", *CLI_ROOMS],
     "src/host/cli": [*BELOW_COMPONENT, *HOST_ROOMS, CLIENT, *CLI_ROOMS],
     "examples/interceptor": ["src/spi", "src/common/inc", "src/orv_common"],
 }
 
 # What interceptor components see of the component.
 PUBLIC_HEADERS = ["MoInterceptorBase.h", "ExtCmInterceptorRepository.h"]
-PUBLIC_TO = "examples/interceptor"
+PUBLIC_TO = ["examples/interceptor", "src/record/recorder", "src/record/replay"]
 
 # In this folder those who use the package find all public headers.
 PUBLIC_FOLDER = "orv/"
@@ -178,7 +184,7 @@ def is_open(root, source, header):
     own, other = layer_of(root, source), layer_of(root, header)
     if other is None or other == own or other in LAYERS[own]:
         return True
-    return own == PUBLIC_TO and other == "src/ext_cm" and header.name in PUBLIC_HEADERS
+    return own in PUBLIC_TO and other == "src/ext_cm" and header.name in PUBLIC_HEADERS
 
 
 def violation(root, source, name):

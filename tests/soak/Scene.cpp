@@ -7,6 +7,7 @@
 #include "RanNetwork.h"
 #include "Tally.h"
 #include "Values.h"
+#include "base/Environment.h"
 #include "runtime/DataSet.h"
 
 #include <stdexcept>
@@ -76,7 +77,8 @@ void Scene::loadNetwork(MoStore& store) {
 }
 
 void Scene::startComponent() {
-    mHost->loadComponent(EXT_CM_PATH);
+    // Another build of it, as for the component tests.
+    mHost->loadComponent(environmentVariable("ORV_COMPONENT_LIBRARY").value_or(EXT_CM_PATH));
     for (const ComponentReport& report : mHost->start()) {
         require(report.state == ComponentState::Started, report.name + ": " + report.problem);
     }

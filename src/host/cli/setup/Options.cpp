@@ -124,6 +124,10 @@ void addLoading(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"full", "normal"}));
     app.add_option("--ext-cm", options.extCm,
                    "The component libext_cm.so, if not the one of this installation");
+#ifdef ORVHOST_REPLAY
+    app.add_flag("--transactions", options.showsTransactions,
+                 "For replay: print each transaction that was played");
+#endif
     app.add_option("-C,--component", options.components,
                    "A further component to load, such as an interceptor; repeatable")
         ->allow_extra_args(false);
@@ -335,6 +339,25 @@ void takeStore(const GivenOptions& given, Options& options) {
     options.storeWords = words;
 }
 
+#ifdef ORVHOST_REPLAY
+// `replay` plays a recording in place of a host with a model and data.
+void takeReplay(Options& options) {
+    if (options.words.empty() || options.words.front() != "replay") {
+        if (options.showsTransactions) {
+            throw CLI::ValidationError("--transactions can only be used with replay");
+        }
+        return;
+    }
+    if (options.words.size() != 2 || !options.commandLines.empty() || !options.scripts.empty() ||
+        options.components.size() > 1) {
+        throw CLI::ValidationError(
+            "replay needs FILE, at most one --component, and neither -c nor -f");
+    }
+    options.recording = options.words[1];
+    options.words.clear();
+}
+#endif
+
 // In place of a command, saving is called as other programs call it.
 void takeExport(Options& options) {
     const std::size_t name = !options.words.empty() && options.words.front() == "help" ? 1 : 0;
@@ -407,8 +430,13 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addCheck(app, reportFormats, options);
     addServer(app, options);
     try {
-        std::vector<std::string> words = withCommandApart(app, {arguments + 1, arguments + count},
-                                                          {"check", "init", "serve", "store"});
+        std::vector<std::string> words =
+            withCommandApart(app, {arguments + 1, arguments + count},
+#ifdef ORVHOST_REPLAY
+                             {"check", "init", "replay", "serve", "store"});
+#else
+                              {"check", "init", "serve", "store"});
+#endif
         const GivenOptions given = givenOptions(app, words);
         ProjectSettings project =
             isGiven(given, "--connect") ? ProjectSettings() : projectSettings(app, words);
@@ -421,6 +449,9 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         takeScenarios(given, options);
         takeExport(options);
         takeStore(given, options);
+#ifdef ORVHOST_REPLAY
+        takeReplay(options);
+#endif
         requireStoreFor(given, options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {

@@ -54,6 +54,8 @@ struct Options {
     std::vector<std::string> scripts;      ///< from -f; "-" is standard input
     std::vector<std::string> words;        ///< one command, split into words
 
+    std::string recording;               ///< of `replay`, which cannot be combined with commands
+    bool showsTransactions = false;      ///< for `replay`
     std::vector<std::string> storeWords; ///< of `store`, which cannot be combined with commands
 
     std::vector<std::string> scenarios; ///< of `check`, which cannot be combined with commands

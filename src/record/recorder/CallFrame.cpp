@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CallFrame.h"
+
+#include "Lasting.h"
+#include "MeIdTranslator.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace OrvRecord {
+
+namespace {
+
+std::atomic<std::uint64_t> lastOrder{0};
+std::atomic<std::uint64_t> lastCall{0};
+std::atomic<std::uint64_t> lastThread{0};
+// The translator keeps every text that it ever had, so a text is known by its address.
+std::atomic<const char*> lastIdentity{nullptr};
+
+std::atomic<bool> hasNotes{false};
+std::mutex noteMutex; // guards notes
+std::string notes;
+
+}
+
+/// What is written of one call from outside.
+struct CallFrame::Buffers {
+    std::string events;
+    std::string body;
+};
+
+namespace {
+
+constexpr std::size_t kMostKept = 65536;
+
+}
+
+/// The buffers that no thread uses.
+class CallFrame::BufferPool {
+public:
+    BufferPool() = default;
+    BufferPool(const BufferPool&) = delete;
+    BufferPool& operator=(const BufferPool&) = delete;
+
+    std::unique_ptr<Buffers> take() {
+        const std::lock_guard lock(mMutex);
+        if (mFree.empty()) {
+            return std::make_unique<Buffers>();
+        }
+        std::unique_ptr<Buffers> taken = std::move(mFree.back());
+        mFree.pop_back();
+        return taken;
+    }
+
+    void giveBack(std::unique_ptr<Buffers> buffers) {
+        if (buffers->events.capacity() + buffers->body.capacity() > kMostKept) {
+            return;
+        }
+        buffers->events.clear();
+        const std::lock_guard lock(mMutex);
+        mFree.push_back(std::move(buffers));
+    }
+
+private:
+    std::mutex mMutex; ///< guards mFree
+    std::vector<std::unique_ptr<Buffers>> mFree;
+};
+
+/// What a thread is doing. Nothing here has a destructor: it would keep the shared object loaded
+/// until the thread has ended.
+struct CallFrame::Thread {
+    bool isInside;        ///< the innermost call that is recorded is one of the component
+    std::uint64_t number; ///< 0: it has none yet
+    std::uint64_t begin;  ///< of the outermost call
+    Buffers* buffers;     ///< of the outermost call; null: there is none
+};
+
+CallFrame::Thread& CallFrame::thread() {
+    thread_local Thread theThread{};
+    return theThread;
+}
+
+RecordFile& recordFile() {
+    return lasting<RecordFile>();
+}
+
+void noteBeforeNextCall(const std::string& events) {
+    const std::lock_guard lock(noteMutex);
+    notes += events;
+    hasNotes = true;
+}
+
+CallFrame::CallFrame(const CallName& name) noexcept : mName(name) {
+    guarded([&] {
+        Thread& here = thread();
+        const bool entersComponent = name.side == Side::Component;
+        if (!recordFile().isOn() || entersComponent == here.isInside) {
+            return;
+        }
+        mIsOutermost = here.buffers == nullptr;
+        if (mIsOutermost) {
+            here.buffers = lasting<BufferPool>().take().release();
+            here.number = here.number != 0 ? here.number : ++lastThread;
+            here.begin = ++lastOrder;
+        }
+        here.isInside = entersComponent;
+        mCall = ++lastCall;
+        mIsRecorded = true;
+    });
+}
+
+CallFrame::~CallFrame() {
+    if (!mIsRecorded) {
+        return;
+    }
+    Thread& here = thread();
+    here.isInside = mName.side == Side::Host;
+    if (mIsOutermost) {
+        here.isInside = false;
+        guarded([&] { writeBlock(); });
+        std::unique_ptr<Buffers> buffers(std::exchange(here.buffers, nullptr));
+        guarded([&] { lasting<BufferPool>().giveBack(std::move(buffers)); });
+    }
+}
+
+void CallFrame::writeBegin(std::string_view values) {
+    Thread& here = thread();
+    EventWriter events(here.buffers->events);
+    if (mName.side == Side::Component) {
+        const char* const identity = Orv::MeIdTranslator::instance()->identity();
+        if (lastIdentity.exchange(identity) != identity) {
+            events.text(EventKind::Identity, identity);
+        }
+        if (hasNotes) {
+            const std::lock_guard lock(noteMutex);
+            here.buffers->events += notes;
+            notes.clear();
+            hasNotes = false;
+        }
+    }
+    events.begin(mName, mCall, values);
+}
+
+void CallFrame::writeEnd(std::uint32_t code, std::string_view values, std::string_view handles) {
+    EventWriter(thread().buffers->events).end(code, values, handles);
+}
+
+void CallFrame::thrown(const char* what) noexcept {
+    if (mIsRecorded) {
+        guarded([&] { EventWriter(thread().buffers->events).thrown(what); });
+    }
+}
+
+void CallFrame::writeBlock() {
+    Thread& here = thread();
+    std::string& text = here.buffers->body;
+    text.clear();
+    ByteWriter body(text);
+    body.number(here.begin);
+    body.number(++lastOrder);
+    body.number(here.number);
+    body.raw(here.buffers->events.data(), here.buffers->events.size());
+    recordFile().write(text);
+}
+
+}

@@ -1,0 +1,322 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The two functions that a host calls in a shared object, and what stands between the host and the
+// component while the component registers, is started, looks up tables and is stopped.
+
+#include "HostTables.h"
+#include "Lasting.h"
+#include "OrvMgmtSpiInterfacePortal.h"
+#include "Portal.h"
+#include "Settings.h"
+#include "Taps.h"
+#include "Tell.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <dlfcn.h>
+
+#define ORV_RECORD_API extern "C" __attribute__((visibility("default")))
+
+ORV_RECORD_API OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor,
+                                     const char* argument);
+ORV_RECORD_API void orvLCMterminate();
+
+namespace OrvRecord {
+
+namespace {
+
+using InitFn = OrvReturnT (*)(OrvMgmtSpiInterfacePortalAccessor*, const char*);
+using TerminateFn = void (*)();
+
+// True if the host has made the functions of this shared object known to all that it loads later.
+// Interceptors may then look for those of the component in the same way.
+bool isGlobal() {
+    return dlsym(RTLD_DEFAULT, "orvLCMinit") == reinterpret_cast<void*>(&orvLCMinit);
+}
+
+/// The component that is recorded. It is closed with this shared object: values that it gave may be
+/// released until then.
+void closeLibrary();
+
+struct Library {
+    void* handle = nullptr;
+    InitFn init = nullptr;
+    TerminateFn terminate = nullptr;
+
+    void open(const std::string& path) {
+        if (handle != nullptr) {
+            return;
+        }
+        handle = dlopen(path.c_str(), RTLD_NOW | (isGlobal() ? RTLD_GLOBAL : RTLD_LOCAL));
+        if (handle == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+        atUnload(closeLibrary);
+        init = reinterpret_cast<InitFn>(dlsym(handle, "orvLCMinit"));
+        terminate = reinterpret_cast<TerminateFn>(dlsym(handle, "orvLCMterminate"));
+        if (init == nullptr || terminate == nullptr) {
+            throw std::runtime_error(path + " has no entry points orvLCMinit and orvLCMterminate");
+        }
+    }
+};
+
+Library library;
+OrvMgmtSpiInterfacePortalAccessor* hostAccessor = nullptr;
+OrvMgmtSpiInterfacePortal_1* hostPortal1 = nullptr;
+OrvMgmtSpiInterfacePortal_3* hostPortal3 = nullptr;
+Orv::Portal::LookupFn hostLookup = nullptr;
+
+/// What the host sees in place of the component's record.
+struct Front1 {
+    OrvMgmtSpiComponent_1* real = nullptr;
+    OrvMgmtSpiComponent_1 record{};
+    std::vector<VekMgmtSpiInterface_1*> offered;
+};
+Front1 component;
+
+// What the component still keeps for transactions goes through this shared object, which may be
+// gone when the component's own end comes. To stop a component that is stopped is legal.
+void closeLibrary() {
+    if (component.real != nullptr && component.real->stop != nullptr) {
+        component.real->stop(OrvStateChangeReasonHostShutdown);
+    }
+    forgetInterceptors();
+    dlclose(library.handle);
+}
+
+constexpr CallName life(LifeSlot slot) {
+    return {Side::Component, Shape::Life, static_cast<std::uint8_t>(slot), 0};
+}
+
+constexpr CallName portal(PortalSlot slot, std::uint32_t version = 0) {
+    return {Side::Host, Shape::Portal, static_cast<std::uint8_t>(slot), version};
+}
+
+// Which table comes out is written whatever the code is: the component keeps what is written.
+OrvReturnT lookUp(const CallName& name, Orv::Portal::LookupFn lookup, VekMgmtSpiInterface_1 id,
+                  void** result) {
+    void* found = result != nullptr ? *result : nullptr;
+    void* const before = found;
+    CallFrame frame(name);
+    frame.begin([&](ByteWriter& out) {
+        Identity::in(out, id);
+        Present::in(out, result);
+    });
+    OrvReturnT code = OrvFailure;
+    try {
+        code = lookup(id, result != nullptr ? &found : nullptr);
+    } catch (const std::exception& failure) {
+        frame.thrown(failure.what());
+        throw;
+    } catch (...) {
+        frame.thrown(nullptr);
+        throw;
+    }
+    const bool isWritten = found != before;
+    const TableName table = tapHostTable(id, found);
+    if (isWritten) {
+        *result = found;
+    }
+    frame.end(static_cast<std::uint32_t>(code), [&](Outcome<ByteWriter> outcome) {
+        outcome.values.byte(!isWritten ? 0 : found == nullptr ? 1 : 2);
+        outcome.values.byte(static_cast<std::uint8_t>(table.shape));
+        outcome.values.number(table.instance);
+    });
+    return code;
+}
+
+OrvReturnT getInterface1(VekMgmtSpiInterface_1 id, void** result) {
+    return lookUp(portal(PortalSlot::GetInterface, 1), hostPortal1->getInterface, id, result);
+}
+
+OrvReturnT getInterface3(VekMgmtSpiInterface_1 id, void** result) {
+    return lookUp(portal(PortalSlot::GetInterface, 3), hostPortal3->getInterface, id, result);
+}
+
+OrvReturnT getInterfaceOfHelper(VekMgmtSpiInterface_1 id, void** result) {
+    return lookUp(portal(PortalSlot::Lookup), hostLookup, id, result);
+}
+
+// The helper library answers the component from the tables that it knows. It is to know those that
+// record; what it has found before is looked up again.
+void standBeforeLookup() {
+    Orv::Portal* const helper = Orv::Portal::instance();
+    const Orv::Portal::LookupFn present = helper->lookup();
+    if (present != nullptr && present != &getInterfaceOfHelper) {
+        hostLookup = present;
+        helper->attach(&getInterfaceOfHelper);
+        std::string attached;
+        EventWriter(attached).text(EventKind::Attached, "");
+        noteBeforeNextCall(attached);
+    }
+}
+
+void giveLookupBack() {
+    Orv::Portal* const helper = Orv::Portal::instance();
+    if (helper->lookup() == &getInterfaceOfHelper) {
+        helper->attach(hostLookup);
+    }
+}
+
+OrvReturnT start(OrvStateChangeReason reason) {
+    try {
+        standBeforeLookup();
+    } catch (const std::exception&) {
+        recordFile().stop("there is no memory");
+    }
+    return recordedCall<Number>(life(LifeSlot::Start), component.real->start, reason);
+}
+
+OrvReturnT stop(OrvStateChangeReason reason) {
+    return recordedCall<Number>(life(LifeSlot::Stop), component.real->stop, reason);
+}
+
+void renewRecord(OrvMgmtSpiComponent_1* real) {
+    component.real = real;
+    component.record = *real;
+    component.record.start = real->start != nullptr ? &start : nullptr;
+    component.record.stop = real->stop != nullptr ? &stop : nullptr;
+    if (real->interfaceArray == nullptr) {
+        return;
+    }
+    component.offered.clear();
+    for (VekMgmtSpiInterface_1** offered = real->interfaceArray; *offered != nullptr; ++offered) {
+        component.offered.push_back(tapOffered(*offered, library.handle));
+    }
+    component.offered.push_back(nullptr);
+    component.record.interfaceArray = component.offered.data();
+}
+
+template <class Portal>
+OrvReturnT registerRecorded(std::uint32_t version, Portal* host, OrvMgmtSpiComponent_1* real) {
+    if (real != nullptr) {
+        renewRecord(real);
+    }
+    const auto callee = [&](OrvMgmtSpiComponent_1* given) {
+        return host->registerComponent(given != nullptr ? &component.record : nullptr);
+    };
+    return recordedCall<ComponentRecord>(portal(PortalSlot::Register, version), callee, real);
+}
+
+template <class Portal>
+OrvReturnT unregisterRecorded(std::uint32_t version, Portal* host, OrvMgmtSpiComponent_1* real) {
+    const auto callee = [&](OrvMgmtSpiComponent_1* given) {
+        return host->unregisterComponent(given == component.real ? &component.record : given);
+    };
+    return recordedCall<Present>(portal(PortalSlot::Unregister, version), callee, real);
+}
+
+OrvReturnT registerComponent1(OrvMgmtSpiComponent_1* real) {
+    return registerRecorded(1, hostPortal1, real);
+}
+
+OrvReturnT registerComponent3(OrvMgmtSpiComponent_1* real) {
+    return registerRecorded(3, hostPortal3, real);
+}
+
+OrvReturnT unregisterComponent1(OrvMgmtSpiComponent_1* real) {
+    return unregisterRecorded(1, hostPortal1, real);
+}
+
+OrvReturnT unregisterComponent3(OrvMgmtSpiComponent_1* real) {
+    return unregisterRecorded(3, hostPortal3, real);
+}
+
+OrvMgmtSpiInterfacePortal_1 portal1{};
+OrvMgmtSpiInterfacePortal_3 portal3{};
+
+void* frontOfPortal(const char* version, void* real) {
+    if (real == nullptr || version == nullptr) {
+        return real;
+    }
+    if (std::strcmp(version, "1") == 0) {
+        hostPortal1 = static_cast<OrvMgmtSpiInterfacePortal_1*>(real);
+        portal1 = *hostPortal1;
+        portal1.getInterface = &getInterface1;
+        portal1.registerComponent = &registerComponent1;
+        portal1.unregisterComponent = &unregisterComponent1;
+        return &portal1;
+    }
+    if (std::strcmp(version, "3") == 0) {
+        hostPortal3 = static_cast<OrvMgmtSpiInterfacePortal_3*>(real);
+        portal3 = *hostPortal3;
+        portal3.getInterface = &getInterface3;
+        portal3.registerComponent = &registerComponent3;
+        portal3.unregisterComponent = &unregisterComponent3;
+        return &portal3;
+    }
+    return real;
+}
+
+void* getPortal(const char* version) {
+    CallFrame frame(portal(PortalSlot::GetPortal));
+    frame.begin([&](ByteWriter& out) { Text::in(out, version); });
+    try {
+        void* const table = frontOfPortal(version, hostAccessor->getPortal(version));
+        frame.end(0, [&](Outcome<ByteWriter> outcome) { Present::in(outcome.values, table); });
+        return table;
+    } catch (const std::exception& failure) {
+        frame.thrown(failure.what());
+        throw;
+    } catch (...) {
+        frame.thrown(nullptr);
+        throw;
+    }
+}
+
+OrvMgmtSpiInterfacePortalAccessor accessor{&getPortal};
+
+void openAll() {
+    static bool isOpen = false;
+    const Settings settings = readSettings(reinterpret_cast<const void*>(&openAll));
+    library.open(settings.component);
+    if (!isOpen) {
+        isOpen = true;
+        recordFile().open(settings.file, settings.mostBytes);
+        std::string origin;
+        EventWriter(origin).text(EventKind::Origin, settings.component);
+        noteBeforeNextCall(origin);
+    }
+}
+
+}
+
+OrvReturnT init(OrvMgmtSpiInterfacePortalAccessor* given, const char* argument) {
+    try {
+        openAll();
+    } catch (const std::exception& failure) {
+        tell(std::string("no component is loaded: ") + failure.what());
+        return OrvFailure;
+    }
+    expectUnload(false);
+    hostAccessor = given;
+    return recordedCall<Present, Text>(life(LifeSlot::Init), library.init,
+                                       given != nullptr ? &accessor : nullptr, argument);
+}
+
+void terminate() {
+    if (library.terminate == nullptr) {
+        return;
+    }
+    const auto callee = [] {
+        library.terminate();
+        return OrvOk;
+    };
+    recordedCall<>(life(LifeSlot::Terminate), callee);
+    giveLookupBack();
+    expectUnload(true);
+}
+
+}
+
+ORV_RECORD_API OrvReturnT orvLCMinit(OrvMgmtSpiInterfacePortalAccessor* accessor,
+                                     const char* argument) {
+    return OrvRecord::init(accessor, argument);
+}
+
+ORV_RECORD_API void orvLCMterminate() {
+    OrvRecord::terminate();
+}

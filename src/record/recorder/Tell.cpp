@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Tell.h"
+
+#include "LoggingWrapper.h"
+
+namespace OrvRecord {
+
+void tell(const std::string& text) noexcept {
+    Orv::LoggingWrapper* const log = Orv::LoggingWrapper::instance();
+    if (log->get_level() > 2) {
+        log->log_printf("orv-record", 3, 1, "orv-record: %s", text.c_str());
+        log->trace_v2_printf(Orv::Trace::ExtCm, 3, "src/record/recorder/Tell", "orv-record",
+                             __LINE__, "orv-record: %s", text.c_str());
+    }
+}
+
+}

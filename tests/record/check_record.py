@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: The orv_ext_cm authors
+# SPDX-License-Identifier: Apache-2.0
+
+"""Checks orv-record and `orvhost replay`: recordings of different hosts have no difference on the same
+build, and show the first one on a build with a fault; bad files are told with their place.
+
+usage: check_record.py ROOT ORVHOST ORV_RECORD LIBEXT_CM FAULTY_EXT_CM COMPONENT_TEST FAULTS_TEST SOAK
+"""
+import os
+import pathlib
+import resource
+import subprocess
+import sys
+import tempfile
+
+SAME, DIFFERENT, USAGE, UNPLAYABLE = 0, 1, 2, 3
+
+
+class Bench:
+    def __init__(self, programs, folder):
+        (self.root, self.orvhost, self.recorder, self.component, self.faulty, self.component_test,
+         self.faults_test, self.soak) = programs
+        self.folder = pathlib.Path(folder)
+        self.problems = []
+
+    def expect(self, name, holds, text=""):
+        if not holds:
+            self.problems.append(f"{name} does not hold. {text}")
+
+    def record(self, name, command, limit=None, **variables):
+        """Runs a host with the recorder; returns the recordings and what the host printed."""
+        file = self.folder / f"{name}.orvrec"
+        environment = {**os.environ, "ORV_COMPONENT_LIBRARY": self.recorder,
+                       "ORV_RECORD_COMPONENT": self.component, "ORV_RECORD_FILE": str(file),
+                       **variables}
+        done = subprocess.run(
+            command, env=environment, capture_output=True, text=True, timeout=300, check=False,
+            cwd=self.root,
+            preexec_fn=limit and (lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))))
+        text = done.stdout + done.stderr
+        self.expect(f"{name}: the host ends well", done.returncode == 0, text)
+        return sorted(self.folder.glob(f"{name}.orvrec*")), text
+
+    def demo(self, name, *options, **variables):
+        models = ["-I", "examples/models", "-m", "ran-element", "-m", "ran-equipment",
+                  "-m", "ran-function"]
+        return self.record(name, [
+            self.orvhost, "--project", "", "--ext-cm", self.recorder, *models,
+            "-d", "examples/data/harbour.json", "--me-id", "Harbour",
+            "-f", "examples/scenarios/demo.orv", *options], **variables)
+
+    def replay(self, name, code, parts, *arguments):
+        done = subprocess.run([self.orvhost, "--project", "", "replay", *map(str, arguments)],
+                              capture_output=True, text=True, timeout=300, check=False)
+        text = done.stdout + done.stderr
+        self.expect(f"{name}: ends with {code}", done.returncode == code,
+                    f"{done.returncode}: {text}")
+        for part in parts:
+            self.expect(f"{name}: prints {part!r}", part in text, text)
+
+    def same(self, name, recordings, least=1):
+        self.expect(f"{name}: there are recordings", len(recordings) >= least, str(recordings))
+        for recording in recordings:
+            self.replay(f"{name} {recording.name}", SAME, ["no difference"], recording,
+                        "--ext-cm", self.component)
+
+
+def check_hosts(bench):
+    demo, _ = bench.demo("demo")
+    bench.same("demo", demo)
+    bench.expect("a recording is for its owner alone", demo[0].stat().st_mode & 0o777 == 0o600)
+    again, _ = bench.demo("demo")
+    bench.same("second recording", again, least=2)
+    for case in ["HostFaults.*/SetMoAttributeBidirectional", "HostFaults.*/Validate",
+                 "ThrowingHost.*/GetMoAttributeIntercepted"]:
+        name = "faults-" + case.rsplit("/", 1)[1]
+        faults, _ = bench.record(name, [bench.faults_test, f"--gtest_filter=Operations/{case}"])
+        bench.same(case, faults)
+    calls_back, _ = bench.record("interceptor", [
+        bench.component_test, "--gtest_filter=Interceptors.CallsTheComponentBack_IsServed"])
+    bench.same("interceptor that calls back", calls_back)
+    return demo[0]
+
+
+def check_difference(bench, demo):
+    bench.replay("fault", DIFFERENT, [
+        "Resource 2: validate(2)", "  recorded  host's VekMgmtSpiThreadContext 2: addMessage(1, ",
+        "is not in range (0..2).", "  came      "], demo, "--component", bench.faulty)
+    bench.replay("fault in JSON", DIFFERENT, ['"difference":{'], demo, "--json", "--component",
+                 bench.faulty)
+
+
+def check_soak(bench):
+    soak = [bench.soak, "--operations", "4000", "--transactions", "40", "--threads", "1", "--seed",
+            "7"]
+    whole, _ = bench.record("soak", soak)
+    bench.same("soak", whole)
+    bench.replay("soak on the faulty build", DIFFERENT, ["came"], whole[0], "--ext-cm", bench.faulty)
+    bench.expect("the soak fills more than a megabyte", whole[0].stat().st_size > 1_000_000)
+    limited, _ = bench.record("limited", soak, ORV_RECORD_LIMIT="1")
+    bench.expect("the limit holds", limited[0].stat().st_size <= 1_000_000)
+    bench.same("limited", limited)
+    # As on a full disk: the host goes on, and what was written is whole.
+    full, _ = bench.record("full", soak, limit=500_000)
+    bench.expect("the file stays below", full[0].stat().st_size <= 500_000)
+    bench.same("full", full)
+
+
+def check_bad_files(bench, demo):
+    bytes_ = demo.read_bytes()
+    bad = bench.folder / "bad"
+    bad.write_bytes(bytes_[:-10])
+    bench.replay("cut off", UNPLAYABLE, ["no difference so far", "byte ", "in the middle"], bad)
+    bad.write_bytes(bytes_[:3000] + bytes([bytes_[3000] ^ 1]) + bytes_[3001:])
+    bench.replay("damaged", UNPLAYABLE, ["byte ", "checksum"], bad)
+    bad.write_bytes(bytes_ + b"x")
+    bench.replay("something behind", UNPLAYABLE, ["no record begins here"], bad)
+    bad.write_text("{}")
+    bench.replay("no recording", UNPLAYABLE, ["is no recording"], bad)
+    bench.replay("no file", UNPLAYABLE, ["cannot be read"], bench.folder / "none")
+    bench.replay("no component", UNPLAYABLE, ["cannot be opened"], demo, "--component", bad)
+    bench.replay("no words", USAGE, ["replay needs FILE"])
+    overlapping, _ = bench.record("overlapping", [
+        bench.component_test, "--gtest_filter=Iteration.RouterAtWork_OtherThreadsAreServed"])
+    bench.replay("two threads at once", UNPLAYABLE, ["overlap"], overlapping[0])
+
+
+def check_settings(bench):
+    nowhere, text = bench.demo("nowhere", ORV_RECORD_FILE=str(bench.folder / "none" / "x"))
+    bench.expect("nothing is written", not nowhere)
+    bench.expect("it is said once", text.count("nothing is recorded") == 1, text)
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        bench = Bench(sys.argv[1:], folder)
+        demo = check_hosts(bench)
+        check_difference(bench, demo)
+        check_soak(bench)
+        check_bad_files(bench, demo)
+        check_settings(bench)
+    print("\n".join(bench.problems) or "all as expected")
+    return 1 if bench.problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
