@@ -56,6 +56,12 @@ void RemoteShell::greet(const ShellLook& look, const std::string& interface) {
 }
 
 ExitStatus RemoteShell::runLine(const std::string& line, const std::string& place) {
+    // Ctrl-C between two lines of a script would find no command to cancel.
+    if (mCancellation.isCancelled()) {
+        mLink.print(STDERR_FILENO, (place.empty() ? "orvhost" : place) + ": cancelled\n");
+        mLink.flush();
+        return ExitCommandError;
+    }
     const SplitLine split = splitWords(line);
     if (!split.isOpen && !split.words.empty() && split.words.front() == "source") {
         return runSource(split.words, line, place);
