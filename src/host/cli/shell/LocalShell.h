@@ -10,7 +10,6 @@
 #include "cli/shell/Shell.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace OrvHost {
@@ -39,7 +38,7 @@ public:
     CancellationToken& cancellation() override { return mSession.cancellation(); }
     std::vector<UncommittedWork> uncommitted() override { return uncommittedOf(mSession); }
 
-    void setQuestion(Question question) override { mSession.setQuestion(std::move(question)); }
+    void setQuestion(const Question& question) override { mSession.setQuestion(question); }
 
     bool isEnded() const override { return mSession.isEnded(); }
     void end() override { mSession.end(); }

@@ -59,7 +59,7 @@ public:
 
     /// Asks the user before something that cannot be taken back; false means no. At the prompt.
     using Question = std::function<bool(const std::string& text)>;
-    virtual void setQuestion(Question question) { static_cast<void>(question); }
+    virtual void setQuestion(const Question& question) { static_cast<void>(question); }
 
     virtual bool isEnded() const = 0;
     virtual void end() = 0;
