@@ -316,6 +316,13 @@ class UseTest(ShellCase):
         done = self.run_shell("-c", "begin a", "-c", f"create {UNIT}9", "-c", "diff committed a")
         self.assertIn(f"+ {UNIT}9", done.stdout)
 
+    def test_what_is_said_of_a_picture_is_said_to_the_client(self):
+        cabinets = "".join(f"create {CABINET}{number}\n" for number in range(1000, 1120))
+        drawn = self.run_shell("-f", "-", text=f"begin\n{cabinets}graph --dot\nabort\n")
+        self.assertEqual(drawn.returncode, 0, drawn.stderr)
+        self.assertIn("note: folded: ", drawn.stderr)
+        self.assertNotIn("note: folded: ", drawn.stdout)
+
     def test_what_belongs_to_the_server_cannot_be_combined(self):
         for words, reason in ((("-m", "ran-element", "tree"), "--model cannot be combined"),
                               (("--store", "x", "tree"), "--store cannot be combined"),

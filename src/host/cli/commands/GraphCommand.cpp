@@ -20,7 +20,6 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <iostream>
 #include <limits>
 #include <map>
 #include <optional>
@@ -202,7 +201,7 @@ void print(Session& session, const GraphOptions& options, const Drawing& drawing
         session.out() << text;
         if (!drawing.note.empty()) {
             // The output is the picture.
-            std::cerr << "note: " << drawing.note << '\n';
+            session.errors() << "note: " << drawing.note << '\n';
         }
     } else {
         session.out() << *options.file << ": " << drawing.summary << '\n';
