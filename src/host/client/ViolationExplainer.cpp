@@ -6,7 +6,7 @@
 #include "ClientSession.h"
 #include "DnResolver.h"
 #include "ErrorExplainer.h"
-#include "MeIdTranslator.h"
+#include "ExternalDn.h"
 #include "base/TextScanner.h"
 #include "edits/References.h"
 
@@ -165,12 +165,6 @@ std::optional<RuleMessage> readRule(std::string_view message) {
                : std::nullopt;
 }
 
-std::string toExternal(std::string_view internal) {
-    std::string dn(internal);
-    std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
-    return external.empty() ? dn : external;
-}
-
 std::string countText(const Bounds& bounds) {
     const std::string text = toText(bounds);
     return text + (text == "1" ? " value" : " values");
@@ -226,7 +220,7 @@ Violation ViolationExplainer::explain(const std::string& message) {
     violation.message = message;
     if (const auto read = readAttributeMessage(message)) {
         violation.count = read->count;
-        explainAttribute(toExternal(read->dn), std::string(read->attribute), violation);
+        explainAttribute(externalDn(read->dn), std::string(read->attribute), violation);
         const auto* found = std::get_if<ReadValue>(&violation.found);
         if (read->isAboutValues && found != nullptr) {
             violation.count = static_cast<long long>(found->slots.size()) < *read->lower
@@ -238,11 +232,11 @@ Violation ViolationExplainer::explain(const std::string& message) {
     TextScanner unknown(message);
     TextScanner conflict(message);
     if (const auto rule = readRule(message)) {
-        explainRule(toExternal(rule->dn), std::string(rule->attribute), violation);
+        explainRule(externalDn(rule->dn), std::string(rule->attribute), violation);
     } else if (unknown.takeEnd(" does not correspond to a valid MO type.")) {
         explainClass(std::string(unknown.rest()), violation);
     } else if (const auto members = readMembers(message)) {
-        violation.object = members->parent.empty() ? "/" : toExternal(members->parent);
+        violation.object = members->parent.empty() ? "/" : externalDn(members->parent);
         violation.found =
             std::string(members->count) + " of class " + std::string(members->className);
         violation.allowed = std::string(members->expected);
@@ -250,7 +244,7 @@ Violation ViolationExplainer::explain(const std::string& message) {
         violation.found = ErrorExplainer(mSession).inClientsWords(std::string(conflict.rest()));
         violation.allowed = "nothing but to abort, and to do the same again in a new transaction";
     } else if (const auto dn = TextScanner(message).before(": ")) {
-        explainObject(toExternal(*dn), violation);
+        explainObject(externalDn(*dn), violation);
     }
     return violation;
 }
@@ -289,7 +283,7 @@ void ViolationExplainer::explainRule(const std::string& dn, const std::string& a
 
 // The message does not say which attribute holds the DN, but the transaction wrote it.
 void ViolationExplainer::explainClass(const std::string& internal, Violation& violation) const {
-    const std::string dn = toExternal(internal);
+    const std::string dn = externalDn(internal);
     const ClassDef* moc = nullptr;
     const std::string reason = DnResolver(mSession.model()).whyNoDn(dn, &moc);
     violation.found = dn;
@@ -299,7 +293,7 @@ void ViolationExplainer::explainClass(const std::string& internal, Violation& vi
         for (const AttributeChange& attribute : object.attributes) {
             forEachReference(attribute.after, [&](const std::string& target) {
                 if (target == internal) {
-                    violation.object = toExternal(object.dn);
+                    violation.object = externalDn(object.dn);
                     violation.attribute = attribute.name;
                 }
             });

@@ -25,7 +25,7 @@ void noteBeforeNextCall(const std::string& events);
 /// call of each other (an interceptor the router) is none of it.
 ///
 /// A call from outside that is in no other is written to the file when it ends, with all that was
-/// called from inside it. Nothing here throws.
+/// called from inside it. Nothing here throws by itself.
 ///
 /// Threads: one.
 class CallFrame {
@@ -68,10 +68,24 @@ public:
         });
     }
 
+    /// Calls \p callee, and returns what it returns. What it throws is recorded, and goes on.
+    template <class Callee>
+    auto watch(const Callee& callee) {
+        try {
+            return callee();
+        } catch (const std::exception& failure) {
+            thrown(failure.what());
+            throw;
+        } catch (...) {
+            thrown(nullptr);
+            throw;
+        }
+    }
+
+private:
     /// \p what: null if it is no std::exception.
     void thrown(const char* what) noexcept;
 
-private:
     struct Buffers;
     class BufferPool;
     struct Thread;

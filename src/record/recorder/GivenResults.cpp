@@ -64,15 +64,7 @@ private:
             return;
         }
         frame.begin([&](ByteWriter& out) { out.number(kept.call); });
-        try {
-            kept.release(given);
-        } catch (const std::exception& failure) {
-            frame.thrown(failure.what());
-            throw;
-        } catch (...) {
-            frame.thrown(nullptr);
-            throw;
-        }
+        frame.watch([&] { kept.release(given); });
         frame.end(0, [](Outcome<ByteWriter>) {});
     }
 

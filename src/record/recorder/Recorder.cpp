@@ -105,16 +105,8 @@ OrvReturnT lookUp(const CallName& name, Orv::Portal::LookupFn lookup, VekMgmtSpi
         Identity::in(out, id);
         Present::in(out, result);
     });
-    OrvReturnT code = OrvFailure;
-    try {
-        code = lookup(id, result != nullptr ? &found : nullptr);
-    } catch (const std::exception& failure) {
-        frame.thrown(failure.what());
-        throw;
-    } catch (...) {
-        frame.thrown(nullptr);
-        throw;
-    }
+    const OrvReturnT code =
+        frame.watch([&] { return lookup(id, result != nullptr ? &found : nullptr); });
     const bool isWritten = found != before;
     const TableName table = tapHostTable(id, found);
     if (isWritten) {
@@ -228,25 +220,28 @@ OrvReturnT unregisterComponent3(OrvMgmtSpiComponent_1* real) {
 OrvMgmtSpiInterfacePortal_1 portal1{};
 OrvMgmtSpiInterfacePortal_3 portal3{};
 
+/// Makes \p front of the portal \p real, which \p host remembers.
+template <auto getInterface, auto registerComponent, auto unregisterComponent, class Portal>
+void* putInFront(Portal*& host, Portal& front, void* real) {
+    host = static_cast<Portal*>(real);
+    front = *host;
+    front.getInterface = getInterface;
+    front.registerComponent = registerComponent;
+    front.unregisterComponent = unregisterComponent;
+    return &front;
+}
+
 void* frontOfPortal(const char* version, void* real) {
     if (real == nullptr || version == nullptr) {
         return real;
     }
     if (std::strcmp(version, "1") == 0) {
-        hostPortal1 = static_cast<OrvMgmtSpiInterfacePortal_1*>(real);
-        portal1 = *hostPortal1;
-        portal1.getInterface = &getInterface1;
-        portal1.registerComponent = &registerComponent1;
-        portal1.unregisterComponent = &unregisterComponent1;
-        return &portal1;
+        return putInFront<&getInterface1, &registerComponent1, &unregisterComponent1>(
+            hostPortal1, portal1, real);
     }
     if (std::strcmp(version, "3") == 0) {
-        hostPortal3 = static_cast<OrvMgmtSpiInterfacePortal_3*>(real);
-        portal3 = *hostPortal3;
-        portal3.getInterface = &getInterface3;
-        portal3.registerComponent = &registerComponent3;
-        portal3.unregisterComponent = &unregisterComponent3;
-        return &portal3;
+        return putInFront<&getInterface3, &registerComponent3, &unregisterComponent3>(
+            hostPortal3, portal3, real);
     }
     return real;
 }
@@ -254,17 +249,10 @@ void* frontOfPortal(const char* version, void* real) {
 void* getPortal(const char* version) {
     CallFrame frame(portal(PortalSlot::GetPortal));
     frame.begin([&](ByteWriter& out) { Text::in(out, version); });
-    try {
-        void* const table = frontOfPortal(version, hostAccessor->getPortal(version));
-        frame.end(0, [&](Outcome<ByteWriter> outcome) { Present::in(outcome.values, table); });
-        return table;
-    } catch (const std::exception& failure) {
-        frame.thrown(failure.what());
-        throw;
-    } catch (...) {
-        frame.thrown(nullptr);
-        throw;
-    }
+    void* const table =
+        frame.watch([&] { return frontOfPortal(version, hostAccessor->getPortal(version)); });
+    frame.end(0, [&](Outcome<ByteWriter> outcome) { Present::in(outcome.values, table); });
+    return table;
 }
 
 OrvMgmtSpiInterfacePortalAccessor accessor{&getPortal};

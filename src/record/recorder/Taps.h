@@ -26,16 +26,7 @@ OrvReturnT recordedCall(const CallName& name, const Callee& callee, Arguments...
         return callee(arguments...);
     }
     frame.begin([&](ByteWriter& out) { (Codecs::in(out, arguments), ...); });
-    OrvReturnT code = OrvFailure;
-    try {
-        code = callee(arguments...);
-    } catch (const std::exception& failure) {
-        frame.thrown(failure.what());
-        throw;
-    } catch (...) {
-        frame.thrown(nullptr);
-        throw;
-    }
+    const OrvReturnT code = frame.watch([&] { return callee(arguments...); });
     frame.end(static_cast<std::uint32_t>(code), [&]([[maybe_unused]] Outcome<ByteWriter> outcome) {
         ((isWrittenAfter<Codecs>(code, name.side) ? Codecs::out(outcome, arguments, name.side)
                                                   : void()),

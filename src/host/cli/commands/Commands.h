@@ -21,7 +21,7 @@ void runList(Session& session, Words words);
 void runTree(Session& session, Words words);
 void runFind(Session& session, Words words);
 void runGoTo(Session& session, Words words);
-void runSource(Session& session, Words words);
+void runSource(Session& session, const Words& words);
 void runBegin(Session& session, Words words);
 void runUse(Session& session, Words words);
 void runTransactions(Session& session, const Words& words);

@@ -4,13 +4,14 @@
 #include "Commands.h"
 
 #include "DataFile.h"
-#include "MeIdTranslator.h"
 #include "base/DnView.h"
+#include "base/HeldFile.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/DifferenceReport.h"
 #include "cli/session/Session.h"
 #include "cli/setup/OtherStore.h"
 #include "client/DnResolver.h"
+#include "client/ExternalDn.h"
 #include "client/StateComparison.h"
 #include "client/SubtreeReader.h"
 #include "client/edits/References.h"
@@ -21,19 +22,11 @@
 #include <functional>
 #include <set>
 
-#include <unistd.h>
-
 namespace OrvHost {
 
 namespace {
 
 using Visit = std::function<void(ObjectState&& object)>;
-
-// A reference to an object that no client can name stays as it is.
-std::string external(const std::string& dn) {
-    std::string name = Orv::MeIdTranslator::instance()->toExternalDn(dn);
-    return name.empty() ? dn : name;
-}
 
 /// Reads one side of a comparison.
 class SideReader {
@@ -78,7 +71,7 @@ private:
             readStore(store, model, [&](const std::string& dn, std::vector<NamedValue> values) {
                 mSession.cancellation().throwIfCancelled();
                 DataObject object;
-                object.dn = external(dn);
+                object.dn = externalDn(dn);
                 const ClassDef* const moc = DnResolver(model).classOf(object.dn);
                 if (moc == nullptr) {
                     throw AnswerError(store + ": the model has no class for " + object.dn);
@@ -86,17 +79,14 @@ private:
                 object.moc = static_cast<ClassIndex>(moc - model.classes.data());
                 object.attributes = std::move(values);
                 for (NamedValue& value : object.attributes) {
-                    changeReferences(value.second, external);
+                    changeReferences(value.second, externalDn);
                 }
                 take(std::move(object), visit);
             });
         } catch (const HostError& failure) {
-            std::string text = failure.what();
-            if (text.find(" in use by process " + std::to_string(getpid()) + " ") !=
-                std::string::npos) {
-                text += std::string("; '") + kCommitted + "' is what the own store holds";
-            }
-            throw AnswerError(text);
+            const std::string advice =
+                std::string("; '") + kCommitted + "' is what the own store holds";
+            throw AnswerError(failure.what() + (HeldFile::isHeld(store) ? advice : ""));
         }
     }
 

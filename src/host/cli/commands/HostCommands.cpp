@@ -136,8 +136,10 @@ void printHelp(const CommandTable& table, const std::optional<std::string>& name
         return;
     }
     JsonValue documents = JsonValue::array();
-    for (const Command& command : table.all()) {
-        if (!name || &command == &table.require(*name)) {
+    if (name) {
+        documents.push_back(toJson(table.require(*name), form));
+    } else {
+        for (const Command& command : table.all()) {
             documents.push_back(toJson(command, form));
         }
     }
@@ -165,7 +167,7 @@ void runGoTo(Session& session, Words words) {
 }
 
 // The interpreter runs it: a script has lines, places and errors of its own.
-void runSource(Session&, Words) {
+void runSource(Session&, const Words&) {
     throw UsageError("a script cannot be a part of another command");
 }
 

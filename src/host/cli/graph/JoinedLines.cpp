@@ -44,35 +44,31 @@ struct Ends {
 
 using Kind = std::tuple<std::size_t, std::size_t, LineKind, bool>;
 
-/// The line in the direction in which all lines both ways between two boxes are written.
-ReferenceLine oriented(const ReferenceLine& line, std::size_t from, std::size_t to) {
-    ReferenceLine result = line;
-    const bool isTurned = to < from || (to == from && line.back < line.attribute);
-    if (line.kind == LineKind::BothWays && isTurned) {
-        std::swap(result.from, result.to);
-        std::swap(result.attribute, result.back);
-    }
-    return result;
-}
-
 }
 
 std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLines& lines) {
     std::vector<std::pair<Kind, Ends>> joined;
     std::map<Kind, std::size_t> positions;
     for (const ReferenceLine& drawn : lines.all()) {
-        const ReferenceLine line =
-            oriented(drawn, boxes.find(drawn.from).value(), boxes.find(drawn.to).value());
-        const Kind kind{boxes.find(line.from).value(), boxes.find(line.to).value(), line.kind,
-                        !line.violation.empty()};
+        std::size_t from = boxes.find(drawn.from).value();
+        std::size_t to = boxes.find(drawn.to).value();
+        const std::string* attribute = &drawn.attribute;
+        const std::string* back = &drawn.back;
+        // All lines both ways between two boxes are written in one direction.
+        const bool isTurned = to < from || (to == from && *back < *attribute);
+        if (drawn.kind == LineKind::BothWays && isTurned) {
+            std::swap(from, to);
+            std::swap(attribute, back);
+        }
+        const Kind kind{from, to, drawn.kind, !drawn.violation.empty()};
         const auto [known, isNew] = positions.emplace(kind, joined.size());
         if (isNew) {
             joined.emplace_back(kind, Ends());
         }
         Ends& ends = joined[known->second].second;
-        ends.from.add(line.attribute);
-        if (!line.back.empty()) {
-            ends.to.add(line.back);
+        ends.from.add(*attribute);
+        if (!back->empty()) {
+            ends.to.add(*back);
         }
     }
     std::vector<JoinedLine> result;

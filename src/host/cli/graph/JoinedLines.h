@@ -25,8 +25,8 @@ struct JoinedLine {
     std::string toText;
 };
 
-/// \p lines from box to box, parallel ones as one. Lines
-/// that differ in kind or in being wrong, and one-way lines of different directions, stay apart.
+/// \p lines from box to box, parallel ones as one. Lines that differ in kind or in being wrong, and
+/// one-way lines of different directions, stay apart.
 std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLines& lines);
 
 }

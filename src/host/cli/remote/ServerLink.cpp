@@ -6,6 +6,7 @@
 #include "base/UnixAddress.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/remote/ShellProtocol.h"
+#include "cli/session/HeldInterrupts.h"
 
 #include <algorithm>
 #include <array>
@@ -24,26 +25,6 @@ namespace {
 
 /// A pipe that can be written at all takes that much without a wait.
 constexpr std::size_t kPiece = 4096;
-
-/// While it lives, Ctrl-C waits for the next wait that lets it through. So none is lost between the
-/// look at the token and the wait.
-class HeldInterrupts {
-public:
-    HeldInterrupts() {
-        sigset_t held;
-        sigemptyset(&held);
-        sigaddset(&held, SIGINT);
-        pthread_sigmask(SIG_BLOCK, &held, &mBefore);
-    }
-    ~HeldInterrupts() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
-    HeldInterrupts(const HeldInterrupts&) = delete;
-    HeldInterrupts& operator=(const HeldInterrupts&) = delete;
-
-    const sigset_t& before() const { return mBefore; }
-
-private:
-    sigset_t mBefore{};
-};
 
 std::string whyNotConnected(int error) {
     switch (error) {

@@ -3,6 +3,7 @@
 
 #include "ShellChannel.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 

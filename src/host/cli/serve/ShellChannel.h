@@ -8,10 +8,12 @@
 #include "cli/remote/Frame.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <streambuf>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace OrvHost {
 

@@ -72,8 +72,8 @@ std::streamsize Pager::xsputn(const char* text, std::streamsize size) {
 void Pager::start() {
     mBefore->flush();
     // Without R, less shows colours as odd characters.
-    mPipe = popen(("export LESS=\"${LESS-R}\"; " + mProgram).c_str(),
-                  "w"); // NOLINT(cert-env33-c): the user's own program
+    const std::string command = "export LESS=\"${LESS-R}\"; " + mProgram;
+    mPipe = popen(command.c_str(), "w"); // NOLINT(cert-env33-c): the user's own program
     if (mPipe != nullptr) {
         // The pager can be left before the end; it has the keyboard, so nothing is asked meanwhile.
         std::signal(SIGPIPE, SIG_IGN);

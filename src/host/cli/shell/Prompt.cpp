@@ -7,6 +7,7 @@
 #include "base/Environment.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/output/AlignedText.h"
+#include "cli/session/HeldInterrupts.h"
 
 #include <algorithm>
 #include <array>
@@ -36,26 +37,6 @@ constexpr const char* kMarkPastes = "\x1b[?2004h";
 constexpr const char* kMarkNoPastes = "\x1b[?2004l";
 constexpr const char* kPasteBegin = "\\e[200~";
 constexpr const char* kPasteEnd = "\x1b[201~";
-
-/// While it lives, Ctrl-C is blocked until the reading of a key waits with waitingMask. Then it
-/// interrupts that waiting, since SIGINT has a handler. So no Ctrl-C between two keys is lost.
-class KeyWait {
-public:
-    KeyWait() {
-        sigset_t blocked;
-        sigemptyset(&blocked);
-        sigaddset(&blocked, SIGINT);
-        pthread_sigmask(SIG_BLOCK, &blocked, &mWaitingMask);
-    }
-    ~KeyWait() { pthread_sigmask(SIG_SETMASK, &mWaitingMask, nullptr); }
-    KeyWait(const KeyWait&) = delete;
-    KeyWait& operator=(const KeyWait&) = delete;
-
-    const sigset_t& waitingMask() const { return mWaitingMask; }
-
-private:
-    sigset_t mWaitingMask{};
-};
 
 // Sets the locale for characters of several bytes. An ASCII locale such as "C" would drop all other
 // characters from the input; values are UTF-8, so UTF-8 is used then.
@@ -132,7 +113,7 @@ public:
 
     std::optional<std::string> readLine(const std::string& prompt, bool isRemembered) {
         mPromptText = prompt;
-        const KeyWait guard;
+        const HeldInterrupts guard;
         mGuard = &guard;
         mIsInterrupted = false;
         // Before the prompt is printed, so that keys go to the editor, not to the terminal, as soon
@@ -211,7 +192,7 @@ private:
         std::mbstate_t state{};
         for (;;) {
             char byte = 0;
-            const ssize_t count = readByte(mGuard->waitingMask(), mEndFd, byte);
+            const ssize_t count = readByte(mGuard->before(), mEndFd, byte);
             if (count <= 0) {
                 mIsInterrupted = count < 0 && errno == EINTR;
                 return static_cast<int>(count);
@@ -313,7 +294,7 @@ private:
     std::string mPromptText;
     EditLine* mEditLine;
     History* mHistory;
-    const KeyWait* mGuard = nullptr; ///< while a line is read
+    const HeldInterrupts* mGuard = nullptr; ///< while a line is read
     bool mIsInterrupted = false;
     bool mIsPasting = false;
 };

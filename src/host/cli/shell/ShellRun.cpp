@@ -3,6 +3,7 @@
 
 #include "ShellRun.h"
 
+#include "base/Counted.h"
 #include "base/Environment.h"
 #include "base/TextFile.h"
 #include "cli/output/Colours.h"
@@ -66,7 +67,7 @@ private:
     void tellWhatIsAborted() const {
         for (const UncommittedWork& open : mShell.uncommitted()) {
             std::cerr << "note: transaction " << open.transaction << " was still open, with "
-                      << open.writes << (open.writes == 1 ? " write" : " writes")
+                      << counted(open.writes, "write")
                       << "; it is aborted, nothing of it is left\n";
         }
     }

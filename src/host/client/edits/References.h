@@ -30,16 +30,7 @@ void forEachReference(Attribute& value, const Visit& visit) {
 /// Replaces each DN in \p value by what \p change makes of it.
 template <class Change>
 void changeReferences(AttributeValue& value, const Change& change) {
-    for (Value& one : value.values) {
-        if (auto* members = std::get_if<StructValue>(&one)) {
-            for (NamedValue& member : members->members) {
-                changeReferences(member.second, change);
-            }
-        } else if (auto* dn = std::get_if<std::string>(&one);
-                   dn != nullptr && value.kind == ValueKind::MoRef) {
-            *dn = change(*dn);
-        }
-    }
+    forEachReference(value, [&change](std::string& dn) { dn = change(dn); });
 }
 
 }

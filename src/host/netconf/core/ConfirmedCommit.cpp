@@ -46,12 +46,12 @@ void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
 }
 
 std::string ConfirmedCommit::text() const {
-    return isOverdue() ? "a confirmed commit of " + mAuthor + " is to be taken back (" + mReason +
+    const std::string whose = "a confirmed commit of " + mAuthor;
+    return isOverdue() ? whose + " is to be taken back (" + mReason +
                              "), which was refused; any session may cancel it, or take it over by "
-                             "a confirmed "
-                             "commit: " +
+                             "a confirmed commit: " +
                              mRefusal
-                       : "a confirmed commit of " + mAuthor + " waits for its confirmation";
+                       : whose + " waits for its confirmation";
 }
 
 Wish ConfirmedCommit::undoing(const Model& model) {

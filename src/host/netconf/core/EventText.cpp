@@ -3,8 +3,8 @@
 
 #include "EventText.h"
 
-#include "MeIdTranslator.h"
 #include "base/DnView.h"
+#include "client/ExternalDn.h"
 #include "netconf/wire/InstancePath.h"
 #include "netconf/wire/XmlText.h"
 #include "yang/types/ValueCodec.h"
@@ -27,11 +27,6 @@ std::string parameters(const std::string& user, std::uint32_t sessionId) {
 
 std::string parameters(const NetconfSession& session) {
     return parameters(session.user().name, session.id());
-}
-
-std::string externalDn(const std::string& dn) {
-    const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
-    return external.empty() ? dn : external;
 }
 
 /// The list of edits of one commit.

@@ -3,7 +3,7 @@
 
 #include "Undoing.h"
 
-#include "MeIdTranslator.h"
+#include "client/ExternalDn.h"
 #include "client/edits/References.h"
 
 #include <algorithm>
@@ -13,12 +13,6 @@
 namespace OrvHost {
 
 namespace {
-
-/// A DN that clients cannot name stays as it is.
-std::string externalDn(const std::string& dn) {
-    const std::string external = Orv::MeIdTranslator::instance()->toExternalDn(dn);
-    return external.empty() ? dn : external;
-}
 
 /// The values that a client can set to those before.
 std::vector<NamedValue> settable(const ClassDef& moc,

@@ -70,12 +70,14 @@ bool endsWith(std::string_view text, std::string_view end) {
 /// Where a value ends and neither a mark nor the end of the data follows, the library quotes a
 /// character that is not there.
 std::string wordingOf(const YangMessage& message, std::string_view data) {
-    const std::string text = withSingleSpaces(message.text);
+    std::string text = withSingleSpaces(message.text);
     const bool quotesNothing =
         endsWith(text, "character \"") || text.find("character sequence \"\"") != std::string::npos;
+    if (!quotesNothing) {
+        return text;
+    }
     const bool isXml = data.find_first_not_of(" \t\r\n") == data.find('<');
-    const std::string_view missing = isXml ? "the text ends too early" : missingInJson(data);
-    return quotesNothing ? std::string(missing) : text;
+    return std::string(isXml ? "the text ends too early" : missingInJson(data));
 }
 
 }

@@ -115,13 +115,9 @@ bool isAsTheLog(MoStore& store, CommitLog& log) {
     _exit(0);
 }
 
-std::vector<std::string> linesOf(const std::string& path) {
-    std::vector<std::string> lines;
+std::vector<std::string> linesIn(const std::string& path) {
     std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return linesOf(file);
 }
 
 /// What is wrong, one text each.
@@ -158,7 +154,7 @@ void awaitServer(const std::string& target) {
 /// Waits until more than \p known lines are there.
 bool hasMore(const std::string& path, std::size_t known) {
     for (int round = 0; round < 600; ++round) {
-        if (linesOf(path).size() > known) {
+        if (linesIn(path).size() > known) {
             return true;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -249,7 +245,7 @@ std::vector<std::string> killOnce(const std::string& target, const std::string& 
         std::this_thread::sleep_for(
             std::chrono::milliseconds(std::uniform_int_distribution<unsigned>(100, 400)(random)));
     };
-    const std::size_t before = linesOf(acknowledged).size();
+    const std::size_t before = linesIn(acknowledged).size();
     Round round(target, acknowledged, seed);
     // Some are killed while they start.
     if (at % 8 > 1 && !hasMore(acknowledged, before)) {
@@ -263,14 +259,14 @@ std::vector<std::string> killOnce(const std::string& target, const std::string& 
     }
     // Hosts may have got an answer of an earlier moment.
     pause();
-    if (!hasMore(acknowledged, linesOf(acknowledged).size())) {
+    if (!hasMore(acknowledged, linesIn(acknowledged).size())) {
         return {"nothing is committed any more"};
     }
     if (!round.end(at % 4 < 2, kills)) {
         return {"a host ended by itself, or with another state"};
     }
     awaitServer(target);
-    return check(target, linesOf(acknowledged));
+    return check(target, linesIn(acknowledged));
 }
 
 int run(unsigned rounds, unsigned seed) {
@@ -289,7 +285,7 @@ int run(unsigned rounds, unsigned seed) {
             return 1;
         }
     }
-    const std::vector<std::string> marks = linesOf(acknowledged);
+    const std::vector<std::string> marks = linesIn(acknowledged);
     const std::size_t position = readPostgresqlInfo(target).position;
     if (position < marks.size()) {
         std::cerr << "there are " << position << " entries of " << marks.size() << " commits\n";

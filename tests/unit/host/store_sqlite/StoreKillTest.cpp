@@ -148,13 +148,9 @@ void acknowledge(int file, const std::string& mark) {
     }
 }
 
-std::vector<std::string> linesOf(const fs::path& path) {
-    std::vector<std::string> lines;
+std::vector<std::string> linesIn(const fs::path& path) {
     std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return linesOf(file);
 }
 
 /// What is wrong after a kill, one text each.
@@ -219,7 +215,7 @@ int run(unsigned kills, unsigned seed) {
         }
         std::vector<std::string> problems;
         try {
-            problems = check(store, linesOf(acknowledged), commits);
+            problems = check(store, linesIn(acknowledged), commits);
         } catch (const HostError& error) {
             problems.emplace_back(error.what());
         }
@@ -231,7 +227,7 @@ int run(unsigned kills, unsigned seed) {
             return 1;
         }
     }
-    const std::size_t acknowledgedCommits = linesOf(acknowledged).size();
+    const std::size_t acknowledgedCommits = linesIn(acknowledged).size();
     std::cout << kills << " kills: " << deaths[0] << " at random, " << deaths[1]
               << " at points of a commit, " << deaths[2]
               << " while the journal was copied to the file; " << acknowledgedCommits

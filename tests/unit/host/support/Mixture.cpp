@@ -242,6 +242,14 @@ std::vector<std::string> Mixture::problems(CommitLog& log, const LogMark& start,
     return problems;
 }
 
+std::vector<std::string> linesOf(std::istream& text) {
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 std::vector<std::string> contentOf(MoStore& store) {
     std::vector<std::string> lines;
     appendBelow(*store.begin(1), store.model(), "", lines);

@@ -8,6 +8,7 @@
 #include "store/MoStore.h"
 
 #include <functional>
+#include <istream>
 #include <random>
 #include <string>
 #include <vector>
@@ -66,6 +67,9 @@ private:
     std::mt19937 mRandom;
     unsigned mNumber = 0;
 };
+
+/// What is left of a text, line by line.
+std::vector<std::string> linesOf(std::istream& text);
 
 /// All that a reader can see, a line for each object: its DN and attributes, siblings in order.
 std::vector<std::string> contentOf(MoStore& store);

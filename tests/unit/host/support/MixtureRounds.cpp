@@ -44,15 +44,6 @@ std::string readAll(int file) {
     return text;
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 Outcome runApart(const std::function<std::vector<std::string>()>& round) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
@@ -76,7 +67,8 @@ Outcome runApart(const std::function<std::vector<std::string>()>& round) {
     }
     close(ends[1]);
     Outcome outcome;
-    outcome.problems = linesOf(readAll(ends[0]));
+    std::istringstream problems(readAll(ends[0]));
+    outcome.problems = linesOf(problems);
     close(ends[0]);
     int status = 0;
     waitpid(process, &status, 0);
