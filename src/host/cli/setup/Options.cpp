@@ -412,6 +412,15 @@ void addCommands(CLI::App& app, Options& options) {
     app.add_option("COMMAND", options.words, "One command, in words");
 }
 
+// The verbs that take options of the program after them.
+std::vector<std::string> takingOptions() {
+    std::vector<std::string> verbs{"check", "init", "serve", "store"};
+#ifdef ORVHOST_REPLAY
+    verbs.emplace_back("replay");
+#endif
+    return verbs;
+}
+
 }
 
 ParsedArguments parseArguments(int count, const char* const* arguments,
@@ -431,12 +440,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
     addServer(app, options);
     try {
         std::vector<std::string> words =
-            withCommandApart(app, {arguments + 1, arguments + count},
-#ifdef ORVHOST_REPLAY
-                             {"check", "init", "replay", "serve", "store"});
-#else
-                              {"check", "init", "serve", "store"});
-#endif
+            withCommandApart(app, {arguments + 1, arguments + count}, takingOptions());
         const GivenOptions given = givenOptions(app, words);
         ProjectSettings project =
             isGiven(given, "--connect") ? ProjectSettings() : projectSettings(app, words);
