@@ -6,7 +6,10 @@
 #include "LoggingWrapper.h"
 #include "PlainHost.h"
 
+#include <algorithm>
 #include <ctime>
+#include <iterator>
+#include <random>
 
 // Sizes at which a step that is quadratic would not come to an end. The bound is generous: it
 // separates minutes from seconds, also in an instrumented build.
@@ -53,6 +56,38 @@ TEST_F(BiDirLarge, DifferenceOfTwoLongLists_InOrderAndWithoutQuadraticSearch) {
                        records.container(Scripted::refs(dns("Y=", 0, size))), toAdd, toRemove);
     EXPECT_TRUE(toAdd == dns("Y=", size, size / 2 + size));
     EXPECT_TRUE(toRemove == dns("Y=", 0, size / 2));
+}
+
+// Of few and of many, with texts that stand there more than once, against one comparison for each
+// pair.
+TEST_F(BiDirLarge, DifferenceOfRandomLists_IsThatOfAllPairs) {
+    std::mt19937 random(11);
+    const auto someDns = [&random] {
+        Lines lines(random() % 40);
+        for (std::string& line : lines) {
+            line = "Y=" + std::to_string(random() % 50);
+        }
+        return lines;
+    };
+    const auto missing = [](const Lines& lines, const Lines& among) {
+        Lines result;
+        std::copy_if(lines.begin(), lines.end(), std::back_inserter(result),
+                     [&among](const std::string& line) {
+                         return std::find(among.begin(), among.end(), line) == among.end();
+                     });
+        return result;
+    };
+    for (int round = 0; round < 2000; ++round) {
+        const Lines newDns = someDns();
+        const Lines oldDns = someDns();
+        Scripted::Records records;
+        Lines toAdd;
+        Lines toRemove;
+        utils.getMoRefDiff(records.container(Scripted::refs(newDns)),
+                           records.container(Scripted::refs(oldDns)), toAdd, toRemove);
+        ASSERT_EQ(toAdd, missing(newDns, oldDns));
+        ASSERT_EQ(toRemove, missing(oldDns, newDns));
+    }
 }
 
 TEST_F(BiDirLarge, TenThousandValuesReplacedHalf_EveryFarSideFollows) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -125,6 +127,30 @@ TEST_F(PendingAdditionsTest, AddAndDrop_InEveryOrder_LeaveWhatWasNotDropped) {
         pending.dropTransaction(2);
         EXPECT_TRUE(store.empty());
         EXPECT_TRUE(pending.isEmpty());
+    }
+}
+
+// Few targets, so that many additions wait for one: each transaction must find its own in the order
+// in which they came, wherever one came or went before.
+TEST_F(PendingAdditionsTest, RandomAdditionsAndDrops_KeepTheOrderOfEachTarget) {
+    std::mt19937 random(7);
+    std::map<std::string, Lines> expected;
+    for (int step = 0; step < 5000; ++step) {
+        const std::string target = "Y=" + std::to_string(random() % 30);
+        Lines& sources = expected[target];
+        if (random() % 3 != 0) {
+            sources.push_back("X=" + std::to_string(step));
+            add(1, target, sources.back(), "a");
+        } else if (!sources.empty()) {
+            pending.drop(pending.activeRecords(1, target).front());
+            sources.erase(sources.begin());
+        }
+        const std::string other = "Y=" + std::to_string(random() % 30);
+        Lines found;
+        for (const PendingAdditions::Record record : pending.activeRecords(1, other)) {
+            found.push_back(record->second.sourceDn);
+        }
+        ASSERT_EQ(found, expected[other]) << other << " after step " << step;
     }
 }
 

@@ -27,20 +27,33 @@ PendingAdditions::Attribute PendingAdditions::attributeOf(const Record& record) 
 
 // In both orders or in none.
 void PendingAdditions::add(const char* targetDn, BackPointerData addition) {
-    const Record record = mStore.emplace(targetDn, std::move(addition));
+    const Record record = isPlaceFor(targetDn)
+                              ? mStore.emplace_hint(mNearTarget, targetDn, std::move(addition))
+                              : mStore.emplace(targetDn, std::move(addition));
+    mNearTarget = std::next(record);
     try {
         mNear = std::next(mSources.insert(mNear, record));
         count();
     } catch (...) {
-        mStore.erase(record);
+        erase(record);
         throw;
     }
+}
+
+// Whether a record added in front of mNearTarget is behind all others with its key.
+bool PendingAdditions::isPlaceFor(std::string_view targetDn) const {
+    return (mNearTarget == mStore.end() || targetDn < mNearTarget->first) &&
+           (mNearTarget == mStore.begin() || std::prev(mNearTarget)->first <= targetDn);
+}
+
+void PendingAdditions::erase(Record record) {
+    mNearTarget = mStore.erase(record);
 }
 
 void PendingAdditions::drop(Record record) {
     const bool isNear = mNear != mSources.end() && *mNear == record;
     mNear = mSources.erase(isNear ? mNear : mSources.find(record));
-    mStore.erase(record);
+    erase(record);
     count();
 }
 
@@ -48,17 +61,25 @@ void PendingAdditions::drop(Sources::iterator first, Sources::iterator last) {
     while (first != last) {
         const Record record = *first;
         first = mSources.erase(first);
-        mStore.erase(record);
+        erase(record);
     }
     mNear = last;
     count();
 }
 
+// The first record of the target, or where it would stand.
+PendingAdditions::Record PendingAdditions::firstOf(const std::string& targetDn) const {
+    const bool isNear =
+        mNearTarget != mStore.end() && mNearTarget->first == targetDn &&
+        (mNearTarget == mStore.begin() || std::prev(mNearTarget)->first != targetDn);
+    return isNear ? mNearTarget : mStore.lower_bound(targetDn);
+}
+
 std::vector<PendingAdditions::Record> PendingAdditions::activeRecords(unsigned long txHandle,
                                                                       const std::string& targetDn) {
     std::vector<Record> records;
-    for (Record record = mStore.lower_bound(targetDn);
-         record != mStore.end() && record->first == targetDn; ++record) {
+    for (Record record = firstOf(targetDn); record != mStore.end() && record->first == targetDn;
+         ++record) {
         if (record->second.active && record->second.txHandle == txHandle) {
             records.push_back(record);
         }

@@ -96,6 +96,9 @@ private:
     static Source sourceOf(const Record& record);
     static Attribute attributeOf(const Record& record);
     void drop(Sources::iterator first, Sources::iterator last);
+    bool isPlaceFor(std::string_view targetDn) const;
+    Record firstOf(const std::string& targetDn) const;
+    void erase(Record record);
     void count() { mCount.store(mSources.size(), std::memory_order_release); }
 
     Store& mStore;
@@ -103,6 +106,7 @@ private:
     /// After the one that came or went last: additions of neighbours come and go one after the
     /// other.
     Sources::iterator mNear = mSources.end();
+    Record mNearTarget = mStore.end();  ///< likewise
     std::atomic<std::size_t> mCount{0}; ///< of the records
 };
 

@@ -7,18 +7,62 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 namespace OrvExtCmRouterService {
 
-std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references) {
-    std::vector<std::string_view> texts;
-    texts.reserve(references.count);
-    for (std::uint32_t i = 0; i < references.count; ++i) {
-        texts.emplace_back(references.values[i].moRef);
+namespace {
+
+constexpr std::uint32_t kFew = 8;
+
+std::size_t hashOf(std::string_view text) {
+    return std::hash<std::string_view>()(text);
+}
+
+}
+
+bool ReferenceSearch::search(const char* text) {
+    if (mReferences.count <= kFew) {
+        return searchFew(text);
     }
-    std::sort(texts.begin(), texts.end());
-    return texts;
+    order();
+    const std::size_t hash = hashOf(text);
+    auto at =
+        std::lower_bound(mOrdered.begin(), mOrdered.end(), hash,
+                         [](const Hashed& one, std::size_t wanted) { return one.hash < wanted; });
+    while (at != mOrdered.end() && at->hash == hash && !isAt(at->position, text)) {
+        ++at;
+    }
+    if (at == mOrdered.end() || at->hash != hash) {
+        return false;
+    }
+    mNext = at->position + 1;
+    return true;
+}
+
+bool ReferenceSearch::searchFew(const char* text) {
+    std::uint32_t at = 0;
+    while (at < mReferences.count && !isAt(at, text)) {
+        ++at;
+    }
+    if (at == mReferences.count) {
+        return false;
+    }
+    mNext = at + 1;
+    return true;
+}
+
+void ReferenceSearch::order() {
+    if (!mOrdered.empty()) {
+        return;
+    }
+    mOrdered.reserve(mReferences.count);
+    for (std::uint32_t i = 0; i < mReferences.count; ++i) {
+        mOrdered.push_back({hashOf(mReferences.values[i].moRef), i});
+    }
+    std::sort(mOrdered.begin(), mOrdered.end(),
+              [](const Hashed& left, const Hashed& right) { return left.hash < right.hash; });
 }
 
 // An empty value needs no type: routers answer so for an attribute that is not set.

@@ -6,11 +6,10 @@
 
 #include "OrvMoAttributeValue.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// \file
@@ -23,9 +22,38 @@ namespace OrvExtCmRouterService {
 /// one of no references, whatever its type.
 bool areReferences(const VekMoAttributeValueContainer_3& value);
 
-/// The texts of all references, sorted, so that values of many thousand are not compared pair by
-/// pair. They point into \p references.
-std::vector<std::string_view> sortedTexts(const VekMoAttributeValueContainer_3& references);
+/// Finds texts among references, one after the other. What is asked for mostly stands behind what
+/// was found last, since values are changed at a few places. Otherwise a few references are gone
+/// through, and of more an order is made once, so that values of many thousand are not compared
+/// pair by pair.
+class ReferenceSearch {
+public:
+    /// \p references is kept and must not change.
+    explicit ReferenceSearch(const VekMoAttributeValueContainer_3& references)
+        : mReferences(references) {}
+
+    bool contains(const char* text) {
+        return (mNext < mReferences.count && isAt(mNext, text)) ? (++mNext, true) : search(text);
+    }
+
+private:
+    // Hashes are faster to compare than texts, which often begin with the same parents.
+    struct Hashed {
+        std::size_t hash;
+        std::uint32_t position;
+    };
+
+    bool isAt(std::uint32_t position, const char* text) const {
+        return std::strcmp(mReferences.values[position].moRef, text) == 0;
+    }
+    bool search(const char* text);
+    bool searchFew(const char* text);
+    void order();
+
+    const VekMoAttributeValueContainer_3& mReferences;
+    std::uint32_t mNext = 0;      ///< behind the one that was found last
+    std::vector<Hashed> mOrdered; ///< empty until it is needed
+};
 
 /// Calls \p visit with each reference of \p one that \p other does not hold, in the order of \p one
 /// and as often as it stands there. The texts point into \p one.
@@ -35,10 +63,10 @@ void forEachMissing(const VekMoAttributeValueContainer_3& one,
     if (one.count == 0) {
         return;
     }
-    const std::vector<std::string_view> known = sortedTexts(other);
+    ReferenceSearch known(other);
     for (std::uint32_t i = 0; i < one.count; ++i) {
         const char* const reference = one.values[i].moRef;
-        if (!std::binary_search(known.begin(), known.end(), std::string_view(reference))) {
+        if (!known.contains(reference)) {
             visit(reference);
         }
     }
