@@ -152,17 +152,25 @@ void ClaimTable::releaseNodes(ClaimSet& claims) noexcept {
     claims.nodes.clear();
 }
 
+void ClaimTable::releaseNames(ClaimSet& claims) noexcept {
+    if (claims.names.size() == mNames.size()) {
+        mNames.clear(); // all are its own
+    } else {
+        for (const std::string* const name : claims.names) {
+            mNames.erase(mNames.find(*name));
+        }
+    }
+    claims.names.clear();
+}
+
 void ClaimTable::release(ClaimSet& claims) noexcept {
     const std::lock_guard<std::mutex> guard(mMutex);
     releaseNodes(claims);
-    for (const std::string* name : claims.names) {
-        mNames.erase(mNames.find(*name));
-    }
+    releaseNames(claims);
     for (const std::uint64_t membership : claims.memberships) {
         mMemberships.erase(membership);
     }
     mAuthors.erase(claims.owner);
-    claims.names.clear();
     claims.memberships.clear();
 }
 

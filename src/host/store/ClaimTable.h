@@ -76,6 +76,7 @@ private:
     std::optional<Rival> named(std::optional<Rival> rival) const;
     void releaseNodes(ClaimSet& claims) noexcept;
     void releaseNode(NodeId node, TransactionId transaction) noexcept;
+    void releaseNames(ClaimSet& claims) noexcept;
 
     std::mutex mMutex; ///< guards all below
     NumberMap<NodeId, NodeClaim> mNodes;

@@ -188,7 +188,7 @@ inline const ClassDef* StoreTransaction::classOf(const Mo& mo) const {
 
 std::string StoreTransaction::dnOf(const Mo& mo) const {
     return mo.created != nullptr
-               ? mo.created->dn
+               ? std::string(mo.created->dn)
                : mTree.read([&](const MoTree& tree) { return tree.dnOf(mo.node); });
 }
 
@@ -391,18 +391,18 @@ void StoreTransaction::create(std::string_view parentDn, std::string_view classN
     CreatedMo created;
     created.name = name;
     WriteCheck::name(moc, created.name);
-    created.dn = DnView(parentDn).child(className, name);
-    if (find(created.dn)) {
-        throw HostError(OrvAlreadyExist, "there is an object '" + created.dn + "' already");
+    std::string dn = DnView(parentDn).child(className, name);
+    if (find(dn)) {
+        throw HostError(OrvAlreadyExist, "there is an object '" + dn + "' already");
     }
-    created.attributes = withDn(created.dn, [&] {
+    created.attributes = withDn(dn, [&] {
         return WriteCheck::initial(moc, created.name, values, WriteCheck::Writer::Client);
     });
-    claimPlace(parentDn, parent, index, created.dn);
+    claimPlace(parentDn, parent, index, dn);
     created.moc = index;
     created.parentNode = parent.node;
     created.parentCreated = parent.created;
-    mOverlay.addCreated(std::move(created));
+    mOverlay.addCreated(std::move(dn), std::move(created));
 }
 
 // No other transaction can create objects under a parent that this transaction created, so nothing
@@ -510,8 +510,8 @@ void StoreTransaction::checkCreated(const CreatedMo& mo,
                                     std::vector<std::string>& violations) const {
     const ClassDef& moc = mModel.classes[mo.moc];
     for (const std::string& name : WriteCheck::missing(moc, mo.attributes, true)) {
-        violations.push_back(mo.dn + ": the mandatory attribute '" + name + "' of class '" +
-                             moc.name + "' has no value");
+        violations.push_back(std::string(mo.dn) + ": the mandatory attribute '" + name +
+                             "' of class '" + moc.name + "' has no value");
     }
     checkConditions(moOf(mo), violations);
     for (const ClassIndex child : moc.children) {
@@ -622,7 +622,7 @@ LogChange StoreTransaction::makeLogChange() const {
               [](const auto& one, const auto& two) { return one.dn < two.dn; });
     for (const CreatedMo* mo : mOverlay.created()) {
         if (mo != nullptr) {
-            change.created.push_back({mo->dn, mo->attributes});
+            change.created.push_back({std::string(mo->dn), mo->attributes});
         }
     }
     return change;
@@ -665,6 +665,7 @@ ObjectChange StoreTransaction::describe(ObjectChange::Kind kind, const Mo& mo,
 
 TreeChange StoreTransaction::makeChange() const {
     TreeChange change;
+    change.created.reserve(mOverlay.created().size());
     std::vector<std::size_t> places(mOverlay.created().size());
     for (const CreatedMo* mo : mOverlay.created()) {
         if (mo == nullptr) {

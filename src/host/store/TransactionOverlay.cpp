@@ -23,18 +23,24 @@ const TransactionOverlay::Group* TransactionOverlay::findGroup(std::string_view 
 // The group of an object and its siblings.
 TransactionOverlay::Group& TransactionOverlay::groupOf(std::string_view dn) {
     const std::string_view prefix = DnView(dn).siblingPrefix();
-    const auto found = mGroups.find(prefix);
-    return found != mGroups.end() ? found->second : mGroups[std::string(prefix)];
+    if (mRecentGroup == nullptr || mRecentGroup->first != prefix) {
+        auto found = mGroups.find(prefix);
+        if (found == mGroups.end()) {
+            found = mGroups.try_emplace(std::string(prefix)).first;
+        }
+        mRecentGroup = &*found;
+    }
+    return mRecentGroup->second;
 }
 
-void TransactionOverlay::addCreated(CreatedMo mo) {
-    Group& group = groupOf(mo.dn);
+void TransactionOverlay::addCreated(std::string dn, CreatedMo mo) {
+    Group& group = groupOf(dn);
     mo.positionInAll = mAll.size();
     mo.positionInGroup = group.members.size();
-    std::string key = mo.dn;
-    CreatedMo* const entered = &mCreated.emplace(std::move(key), std::move(mo)).first->second;
-    mAll.push_back(entered);
-    group.members.push_back(entered);
+    const auto entered = mCreated.emplace(std::move(dn), std::move(mo)).first;
+    entered->second.dn = entered->first;
+    mAll.push_back(&entered->second);
+    group.members.push_back(&entered->second);
     ++group.count;
 }
 
@@ -43,8 +49,7 @@ void TransactionOverlay::dropCreated(const CreatedMo& mo) {
     group.members[mo.positionInGroup] = nullptr;
     --group.count;
     mAll[mo.positionInAll] = nullptr;
-    const std::string dn = mo.dn;
-    mCreated.erase(dn);
+    mCreated.erase(mCreated.find(mo.dn));
 }
 
 void TransactionOverlay::markDeleted(NodeId node, NodeId parent, ClassIndex moc) {

@@ -23,7 +23,7 @@ namespace OrvHost {
 
 /// An object that a transaction has created and not yet committed.
 struct CreatedMo {
-    std::string dn;
+    std::string_view dn; ///< the overlay keeps the text
     ClassIndex moc = 0;
     std::string name;                         ///< its naming value
     std::string attributes;                   ///< as AttributeBytes writes them
@@ -51,8 +51,8 @@ public:
     std::string& attributesOf(const CreatedMo& mo) { return mAll[mo.positionInAll]->attributes; }
     /// The group with that prefix (see DnView::childPrefix), or null.
     const Group* findGroup(std::string_view prefix) const;
-    /// Adds \p mo, whose DN must be free. The object keeps its address.
-    void addCreated(CreatedMo mo);
+    /// Adds \p mo under the DN \p dn, which must be free. The object keeps its address.
+    void addCreated(std::string dn, CreatedMo mo);
     /// Removes a created object; \p mo is invalid afterwards.
     void dropCreated(const CreatedMo& mo);
     /// All created objects, parents before their children; null in place of one that was deleted
@@ -103,7 +103,9 @@ private:
     Group& groupOf(std::string_view dn);
 
     std::unordered_map<std::string, CreatedMo, TextHash, std::equal_to<>> mCreated;
-    std::unordered_map<std::string, Group, TextHash, std::equal_to<>> mGroups;
+    using Groups = std::unordered_map<std::string, Group, TextHash, std::equal_to<>>;
+    Groups mGroups;
+    Groups::value_type* mRecentGroup = nullptr; ///< the one that changed last: siblings follow
     std::vector<CreatedMo*> mAll;
     NumberMap<NodeId, std::string> mModified;
     /// The deleted objects. Each has a later sibling, or none, with only deleted objects between;

@@ -45,6 +45,7 @@ WriteGuard::~WriteGuard() {
 }
 
 void WriteGuard::release() noexcept {
+    mCreatesUnder = kNoNode;
     mClaims.release(mClaimed);
 }
 
@@ -149,7 +150,11 @@ void WriteGuard::claimDelete(NodeId node) {
 }
 
 void WriteGuard::claimCreateUnder(NodeId node) {
+    if (node == mCreatesUnder) {
+        return; // what comes through a commit log meanwhile, recheck finds
+    }
     claimNode(node, ClaimTable::Kind::CreateUnder);
+    mCreatesUnder = node;
 }
 
 void WriteGuard::claimNode(NodeId node, ClaimTable::Kind kind) {

@@ -80,6 +80,7 @@ private:
     ClaimTable& mClaims;
     ClaimSet mClaimed;
     CommitNumber mSnapshot;
+    NodeId mCreatesUnder = kNoNode; ///< what was claimed last to create children under
     std::string mConflict;
 };
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace OrvHost {
 namespace {
 
@@ -22,6 +24,11 @@ protected:
         table.release(one);
         table.release(two);
         return granted;
+    }
+
+    // Of the transaction in the way; 0 if there is none.
+    static TransactionId ownerOf(const std::optional<ClaimTable::Rival>& rival) {
+        return rival ? rival->transaction : 0;
     }
 
     ClaimTable table;
@@ -69,20 +76,31 @@ TEST_F(ClaimTableTest, Release_OthersHoldOtherNodes_LeavesTheirs) {
     table.release(one);
     table.release(one); // nothing is left of it
     EXPECT_FALSE(table.claimNode(one, 4, Kind::Write));
-    EXPECT_EQ(table.claimNode(one, 7, Kind::Write)->transaction, 2U);
+    EXPECT_EQ(ownerOf(table.claimNode(one, 7, Kind::Write)), 2U);
     EXPECT_EQ(table.claimNode(one, 8, Kind::CreateUnder), std::nullopt);
     table.release(two);
     EXPECT_FALSE(table.claimNode(two, 5, Kind::Write));
     EXPECT_FALSE(table.claimNode(two, 7, Kind::Write));
-    EXPECT_EQ(table.claimNode(two, 4, Kind::Write)->transaction, 1U);
+    EXPECT_EQ(ownerOf(table.claimNode(two, 4, Kind::Write)), 1U);
 }
 
 TEST_F(ClaimTableTest, ClaimName_TakenUntilReleased) {
     EXPECT_FALSE(table.claimName(one, "A=1"));
     EXPECT_FALSE(table.claimName(one, "A=1"));
-    EXPECT_EQ(table.claimName(two, "A=1")->transaction, 1U);
+    EXPECT_EQ(ownerOf(table.claimName(two, "A=1")), 1U);
     table.release(one);
     EXPECT_FALSE(table.claimName(two, "A=1"));
+}
+
+TEST_F(ClaimTableTest, ReleaseNames_OthersHoldSome_LeavesTheirs) {
+    EXPECT_FALSE(table.claimName(one, "A=1"));
+    EXPECT_FALSE(table.claimName(two, "A=2"));
+    table.release(one);
+    EXPECT_EQ(ownerOf(table.claimName(one, "A=2")), 2U);
+    EXPECT_FALSE(table.claimName(two, "A=1"));
+    table.release(two);
+    EXPECT_FALSE(table.claimName(one, "A=1"));
+    EXPECT_FALSE(table.claimName(one, "A=2"));
 }
 
 TEST_F(ClaimTableTest, ClaimMembership_IsOfOneParentAndOneClass) {
