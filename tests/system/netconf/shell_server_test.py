@@ -7,6 +7,7 @@
 usage: shell_server_test.py ORVHOST EXT_CM EXAMPLES [unittest arguments]
 """
 
+import fcntl
 import json
 import os
 import pathlib
@@ -19,6 +20,8 @@ import struct
 import subprocess
 import sys
 import tempfile
+import termios
+import threading
 import time
 import unittest
 
@@ -40,6 +43,11 @@ def frame(kind, body=b""):
 
 def line(text, place=""):
     return frame("L", place.encode() + b"\0" + text.encode())
+
+
+def waiting_in(receiving):
+    """The bytes that a socket has received and nobody has read."""
+    return struct.unpack("i", fcntl.ioctl(receiving, termios.FIONREAD, b"\0" * 4))[0]
 
 
 class RawShell:
@@ -365,11 +373,13 @@ class UseTest(ShellCase):
         self.assert_serves()
 
     def test_the_log_says_who_did_what_and_no_values(self):
-        self.run_shell("-c", f"set {UNIT}1 userLabel=verysecret")
+        self.run_shell("-c", f"set {UNIT}1 userLabel=verysecret",
+                       "-c", f"expect ok : set {UNIT}1 userLabel=verysecret")
         self.wait_for_log(", shell 1: ends")
         log = self.server.messages.read_text()
         self.assertIn(", shell 1: begins", log)
         self.assertIn(", shell 1: set: done", log)
+        self.assertIn(", shell 1: expect : set: done", log)
         self.assertNotIn("verysecret", log)
 
 
@@ -499,7 +509,38 @@ class LongTest(ShellCase):
         self.assertEqual(client.returncode, 0)
         self.assertEqual(text.count("Cabinet="), 20001)
 
-    def test_who_does_not_read_is_ended(self):
+    def test_who_does_not_read_waits_and_costs_others_nothing(self):
+        shell = self.raw()
+        shell.ask("begin work")
+        shell.ask(f"create {UNIT}9")
+        shell.send(line("tree"))
+        size, before = 0, -1
+        while size != before:  # until the socket is full
+            before, size = size, waiting_in(shell.socket)
+            time.sleep(0.2)
+        self.assertEqual(self.run_shell("-c", f"create {UNIT}8").stdout, "created and committed\n")
+        client = self.local()
+        self.assertIn("<ok/>", client.ask(EDIT))
+        self.assertIn("<ok/>", client.ask(rpc("<commit/>")))
+        out, errors, state = shell.answer()
+        self.assertEqual((errors, state["status"]), ("", 0))
+        self.assertEqual(out.count("Cabinet="), 20001)
+        self.assertEqual(shell.ask("commit")[0], "committed\n")
+
+    def test_a_terminal_that_was_stopped_goes_on(self):
+        with subprocess.Popen([str(ORVHOST), "--connect", str(self.path), "tree"],
+                              stdout=subprocess.PIPE, stdin=subprocess.DEVNULL) as client:
+            first = client.stdout.read(10)
+            client.send_signal(signal.SIGSTOP)
+            self.assert_serves()
+            client.send_signal(signal.SIGCONT)
+            text = (first + client.stdout.read()).decode()
+        self.assertEqual(client.returncode, 0)
+        self.assertEqual(text.count("Cabinet="), 20001)
+
+    def test_who_does_not_read_for_long_is_ended(self):
+        self.end()
+        self.start("-d", self.data, "--candidate-timeout", 1)
         shell = self.raw()
         shell.ask("begin work")
         shell.ask(f"create {UNIT}9")
@@ -600,6 +641,26 @@ class StopTest(ShellCase):
         self.assertEqual(raw.last_words(),
                          ("B", "the server ends; what was not committed is aborted"))
 
+    def test_a_confirmed_commit_is_taken_back_although_a_shell_has_written_to_its_object(self):
+        self.end()
+        words = [ORVHOST, "-I", EXAMPLES / "models", "-m", "ran-element", "-m", "ran-equipment",
+                 "-m", "ran-function", "--me-id", "Harbour", "--ext-cm", EXT_CM]
+        for turn in range(5):  # what went wrong here was a matter of chance
+            store = ("--store", self.folder / f"store{turn}")
+            self.start(*store)
+            client, shell = self.local(), self.raw()
+            self.assertIn("<ok/>", client.ask(EDIT))
+            self.assertIn("<ok/>", client.ask(rpc("<commit><confirmed/></commit>")))
+            shell.ask("begin work")
+            self.assertEqual(shell.ask(f"set {UNIT}1 userLabel=other")[0], "set\n")
+            self.assertEqual(shell.ask(f"get {UNIT}1 userLabel")[2]["status"], 0)
+            self.end()
+            self.assertIn("is taken back: its session has ended", self.server.messages.read_text())
+            done = subprocess.run(
+                [str(word) for word in (*words, *store, "get", f"{UNIT}1", "userLabel")],
+                capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=120)
+            self.assertEqual((done.stdout, done.returncode), ("Crane mast\n", 0), done.stderr)
+
     def test_the_server_dies(self):
         typist = self.typist()
         typist.wait_for("orvhost> ")
@@ -685,9 +746,22 @@ class HostileTest(ShellCase):
         half.send(line("commit")[:-3])
         half_hello = RawShell(self.path)
         half_hello.send(b"H\0")
+        drip = self.raw()
+
+        def send_slowly():
+            try:
+                for byte in line("x" * 1000):
+                    drip.send(bytes([byte]))
+                    time.sleep(0.5)
+            except OSError:  # it is ended
+                pass
+
+        dripping = threading.Thread(target=send_slowly)
+        dripping.start()
+        self.addCleanup(dripping.join)
         self.assert_serves()
-        self.assert_ended(half, "the rest of a message has not come within 10 s")
-        self.assert_ended(half_hello, "the rest of a message has not come within 10 s")
+        for shell in (half, half_hello, drip):
+            self.assert_ended(shell, "a message was not whole within 10 s")
         self.assert_ended(silent, "no hello came")
         self.assertEqual(self.run_shell("exists", UNIT + "9").stdout, "no\n")
 

@@ -4,6 +4,7 @@
 #include "CommandTable.h"
 
 #include "Commands.h"
+#include "Expectation.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
 #include "client/Suggestion.h"
@@ -397,6 +398,26 @@ void CommandTable::run(Session& session, const std::vector<std::string>& words) 
     const std::vector<std::string> rest(words.begin() + 1, words.end());
     command.run(session, command.takesCommand ? Words(rest, session.here())
                                               : command.read(rest, session.here()));
+}
+
+std::string CommandTable::namesIn(std::vector<std::string> words) const {
+    std::string before;
+    for (int depth = 0; depth <= kMostExpectations && !words.empty(); ++depth) {
+        const Command* command = find(words.front());
+        const std::string name = command != nullptr ? command->name : "no command";
+        if (command == nullptr || !command->takesCommand) {
+            return before.empty() ? name : before + " : " + name;
+        }
+        before = name;
+        Words rest({words.begin() + 1, words.end()});
+        try {
+            const Expectation skipped(rest);
+        } catch (const RequestError&) {
+            break; // no command runs
+        }
+        words = rest.takeRest();
+    }
+    return before;
 }
 
 std::string CommandTable::usageOf(const std::string& name) const {

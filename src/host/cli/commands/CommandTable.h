@@ -86,6 +86,10 @@ public:
     /// The same, but throws UsageError with a suggestion.
     const Command& require(const std::string& name) const;
 
+    /// What \p words, which are not empty, call, for a log: the name of the command, or
+    /// "expect : commit" for one within expectations. Nothing else of the words is in it.
+    std::string namesIn(std::vector<std::string> words) const;
+
     /// How the command is written; empty if there is none with that name.
     std::string usageOf(const std::string& name) const;
 

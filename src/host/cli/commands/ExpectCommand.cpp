@@ -37,8 +37,8 @@ private:
 class Nested {
 public:
     Nested() {
-        if (theDepth == kMost) {
-            throw UsageError("more than " + std::to_string(kMost) +
+        if (theDepth == kMostExpectations) {
+            throw UsageError("more than " + std::to_string(kMostExpectations) +
                              " expectations are within one another");
         }
         ++theDepth;
@@ -48,7 +48,6 @@ public:
     Nested& operator=(const Nested&) = delete;
 
 private:
-    static constexpr int kMost = 20;
     static thread_local int theDepth;
 };
 

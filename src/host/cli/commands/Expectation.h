@@ -14,6 +14,9 @@
 
 namespace OrvHost {
 
+/// So many expectations can be within one another: each needs more of the stack.
+constexpr int kMostExpectations = 20;
+
 /// What a command answered.
 struct Answer {
     std::string output;             ///< what it printed, without the end of the last line

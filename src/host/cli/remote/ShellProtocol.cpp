@@ -5,6 +5,9 @@
 
 #include "cli/remote/Frame.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace OrvHost {
 
 namespace {
@@ -105,6 +108,39 @@ Completion completionFrom(const std::string& body) {
         completion.shownFrom = document.at("shownFrom").get<std::size_t>();
         return completion;
     });
+}
+
+Completion shortened(Completion completion) {
+    std::vector<std::string>& all = completion.candidates;
+    const auto fits = [&all](std::size_t size) {
+        // A byte can become six in JSON; and there are quotes and a comma.
+        constexpr std::size_t kMost = kLongestAnswer / 8;
+        std::size_t count = 0;
+        while (count < all.size() && size + all[count].size() + 3 <= kMost) {
+            size += all[count++].size() + 3;
+        }
+        return count;
+    };
+    if (fits(0) == all.size()) {
+        return completion;
+    }
+    // The common beginning is that of the first one and the one that differs from it first.
+    const auto common = [&](const std::string& one) {
+        return std::mismatch(one.begin(), one.end(), all.front().begin(), all.front().end()).first -
+               one.begin();
+    };
+    const auto other =
+        std::min_element(all.begin(), all.end(), [&](const auto& left, const auto& right) {
+            return common(left) < common(right);
+        });
+    std::string last = std::move(*other);
+    all.erase(other);
+    const std::size_t kept = fits(last.size() + 3);
+    all.resize(kept);
+    if (kept > 0) {
+        all.push_back(std::move(last));
+    }
+    return completion;
 }
 
 std::string toBody(const ScriptLine& line) {

@@ -72,6 +72,10 @@ struct ScriptLine {
     std::string place;
 };
 
+/// \p completion without those of its candidates that would make its body longer than a message can
+/// be. What all candidates begin with stays the same. Without any if not even two fit.
+Completion shortened(Completion completion);
+
 std::string toBody(const ShellHello& hello);
 std::string toBody(const ShellWelcome& welcome);
 std::string toBody(const ShellState& state);

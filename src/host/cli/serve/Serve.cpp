@@ -26,7 +26,9 @@ namespace OrvHost {
 
 namespace {
 
-/// How long the end of the program waits for requests that are at work.
+/// How long the end of the program waits for commands of shells that are at work, and then for
+/// requests.
+constexpr std::chrono::milliseconds kPatienceWithShells{1000};
 constexpr std::chrono::milliseconds kPatience{1500};
 
 std::string hostKeyFile(const Options& options) {
@@ -127,13 +129,12 @@ int serve(const Options& options, std::ostream& out) {
     }
     tellServiceManager("STOPPING=1");
     // The program must end in time, and nothing that is still at work has written anything that
-    // lasts.
-    const Deadline deadline = std::chrono::steady_clock::now() + kPatience;
-    if (shells) {
-        shells->tellEnd();
-    }
+    // lasts. A shell's open transaction could keep a confirmed commit, which the end of its session
+    // takes back, from that: so the shells end first.
+    const bool areShellsDone =
+        !shells || shells->end(std::chrono::steady_clock::now() + kPatienceWithShells);
     const bool isServerDone = server.end(kPatience);
-    if ((shells && !shells->end(deadline)) || !isServerDone) {
+    if (!areShellsDone || !isServerDone) {
         std::cerr << "orvhost: a request is still at work; the program ends without it\n";
         std::_Exit(ExitOk);
     }

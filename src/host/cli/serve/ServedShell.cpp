@@ -25,16 +25,23 @@ class AbortAtEnd {
 public:
     AbortAtEnd(Session& session, const std::string& author) : mSession(session), mAuthor(author) {}
     ~AbortAtEnd() {
-        while (!mSession.transactions().all().empty()) {
+        const auto abortFirst = [this] {
             const OpenTransactions::Entry open = mSession.transactions().all().front();
             logServer(6, mAuthor + ": transaction " + open.name + " is aborted");
             mSession.abort(open);
+        };
+        // There can be memory the next time.
+        for (int failures = 0;
+             failures < kMostFailures && !mSession.transactions().all().empty();) {
+            failures += contain("a shell's transaction is not aborted", abortFirst) ? 0 : 1;
         }
     }
     AbortAtEnd(const AbortAtEnd&) = delete;
     AbortAtEnd& operator=(const AbortAtEnd&) = delete;
 
 private:
+    static constexpr int kMostFailures = 100;
+
     Session& mSession;
     const std::string& mAuthor;
 };
@@ -51,41 +58,48 @@ ServedShell::ServedShell(ShellServices& services, ShellChannel& channel, ShellHe
 
 void ServedShell::serve() {
     logServer(6, mAuthor + ": begins");
-    std::thread worker([this] {
-        try {
-            work();
-        } catch (const std::exception& failure) {
-            logServer(3, mAuthor + ": ends: " + failure.what());
-            over(failure.what());
-        }
-    });
+    std::thread worker([this] { workToTheEnd(); });
     receiveAll();
     worker.join();
-    if (const std::string why = whyOver(); !why.empty()) {
-        mChannel.send(FrameBye, why);
-    }
+    contain("a shell's client is not told why it ends", [this] {
+        if (const std::string why = whyOver(); !why.empty()) {
+            mChannel.send(FrameBye, why);
+        }
+    });
     mChannel.close();
     logServer(6, mAuthor + ": ends");
 }
 
-void ServedShell::receiveAll() {
-    std::string why;
+void ServedShell::receiveAll() noexcept {
     try {
         while (std::optional<Frame> frame = mChannel.receive()) {
             take(std::move(*frame));
         }
+        over("");
     } catch (const std::exception& error) { // a FrameError, or there is no memory
-        logServer(4, mAuthor + ": is ended: " + error.what());
-        why = error.what();
+        contain("a shell is ended", [&] { logServer(4, mAuthor + ": is ended: " + error.what()); });
+        over(error.what());
     }
-    over(why);
 }
 
-void ServedShell::over(const std::string& why) {
+/// On its thread, where an exception would end the server.
+void ServedShell::workToTheEnd() noexcept {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        contain("a shell ends", [&] { logServer(3, mAuthor + ": ends: " + failure.what()); });
+        over(failure.what());
+    } catch (...) {
+        logFailure("a shell ends");
+        over("an error of an unknown type");
+    }
+}
+
+void ServedShell::over(const char* why) noexcept {
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mIsOver = true;
-        mWhyOver = mWhyOver.empty() ? why : mWhyOver;
+        contain("why a shell ends", [&] { mWhyOver = mWhyOver.empty() ? why : mWhyOver; });
         if (mToken != nullptr) {
             mToken->cancel();
         }
@@ -97,10 +111,6 @@ void ServedShell::over(const std::string& why) {
 std::string ServedShell::whyOver() {
     const std::lock_guard<std::mutex> lock(mMutex);
     return mWhyOver;
-}
-
-void ServedShell::stop(const std::string& why) {
-    over(why);
 }
 
 void ServedShell::take(Frame&& frame) {
@@ -134,14 +144,17 @@ void ServedShell::cancel(const std::string& number) {
 
 void ServedShell::work() {
     const auto onFailure = [this] {
-        logServer(4, mAuthor + ": is ended: it does not read its answers");
         mChannel.close();
-        over({});
+        over("");
+        logServer(4, mAuthor + ": is ended: it does not read its answers");
     };
     FrameOutput outFrames(mChannel, FrameOut, onFailure);
     FrameOutput errorFrames(mChannel, FrameErr, onFailure);
     std::ostream out(&outFrames);
     std::ostream errors(&errorFrames);
+    // A stream that has lost text, for want of memory, must not look as if it had not.
+    out.exceptions(std::ios::badbit);
+    errors.exceptions(std::ios::badbit);
     Clients clients(mServices.host);
     Session session(mServices.host, clients, mServices.log, out, mHello.look.json);
     session.setErrors(errors);
@@ -180,7 +193,7 @@ void ServedShell::answerAll(Session& session) {
     while (const std::optional<Request> request = next(!session.transactions().all().empty())) {
         const Frame& frame = request->frame;
         if (frame.kind == FrameComplete) {
-            const std::string completion = toBody(completer.complete(frame.body));
+            const std::string completion = toBody(shortened(completer.complete(frame.body)));
             finish();
             mChannel.send(FrameCompleted, completion);
             continue;
@@ -214,8 +227,9 @@ std::optional<ServedShell::Request> ServedShell::next(bool isWaitLimited) {
         mChanged.wait(lock, hasNews);
     } else if (!mChanged.wait_for(lock, mServices.idleLimit, hasNews)) {
         lock.unlock();
-        over("no command came for " + std::to_string(mServices.idleLimit.count()) +
-             " s while a transaction was open");
+        over(("no command came for " + std::to_string(mServices.idleLimit.count()) +
+              " s while a transaction was open")
+                 .c_str());
         return std::nullopt;
     }
     if (mIsOver) {
@@ -244,8 +258,7 @@ void ServedShell::logCommand(const CommandTable& commands, const Frame& frame, i
     if (words.empty()) {
         return;
     }
-    const Command* command = commands.find(words.front());
-    logServer(6, mAuthor + ": " + (command != nullptr ? command->name : "no command") + ": " +
+    logServer(6, mAuthor + ": " + commands.namesIn(words) + ": " +
                      (status == ExitOk ? "done" : "refused"));
 }
 

@@ -33,7 +33,8 @@ struct ShellServices {
     /// Calls \p commit, which commits something for \p user, or throws.
     std::function<void(const std::string& user, const std::function<void()>& commit)> commit;
     std::vector<std::string> models; ///< their names
-    /// How long a session without a command may keep a transaction open; 0: as long as it likes.
+    /// How long a session without a command may keep a transaction open, and a client may read
+    /// nothing of an answer; 0: as long as it likes.
     std::chrono::seconds idleLimit{0};
 };
 
@@ -50,7 +51,7 @@ public:
     /// Runs until the connection ends. What is not committed then is aborted.
     void serve();
     /// Ends it soon; the client gets to know why. Any thread.
-    void stop(const std::string& why);
+    void stop(const char* why) noexcept { over(why); }
 
 private:
     /// A message that is answered.
@@ -59,15 +60,16 @@ private:
         std::uint64_t number;
     };
 
-    void receiveAll();
+    void receiveAll() noexcept;
     void take(Frame&& frame);
     void cancel(const std::string& number);
+    void workToTheEnd() noexcept;
     void work();
     void answerAll(Session& session);
     std::optional<Request> next(bool isWaitLimited);
     void finish();
     void logCommand(const CommandTable& commands, const Frame& frame, int status) const;
-    void over(const std::string& why);
+    void over(const char* why) noexcept;
     std::string whyOver();
 
     ShellServices& mServices;

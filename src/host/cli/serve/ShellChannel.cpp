@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -14,32 +15,47 @@ namespace OrvHost {
 
 namespace {
 
-constexpr std::chrono::milliseconds kRestOfMessage{10'000};
-constexpr std::chrono::milliseconds kUnread{30'000};
+/// For a whole message, from its first byte on.
+constexpr std::chrono::seconds kMessage{10};
 constexpr std::size_t kPiece = std::size_t{32} << 10;
 
-/// False if nothing of \p events comes in time, or the connection ends.
-bool waitFor(int fd, short events, std::optional<std::chrono::milliseconds> patience) {
+using Clock = std::chrono::steady_clock;
+
+/// What came of \p events at a socket; 0 if nothing comes until \p end.
+short waitFor(int fd, short events, std::optional<Clock::time_point> end) {
     pollfd wanted{fd, events, 0};
     int found = -1;
     do {
-        found = poll(&wanted, 1, patience ? static_cast<int>(patience->count()) : -1);
+        int left = -1;
+        if (end) {
+            const auto until = std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now());
+            left = static_cast<int>(std::clamp<long long>(until.count(), 0, INT_MAX));
+        }
+        found = poll(&wanted, 1, left);
     } while (found < 0 && errno == EINTR);
-    return found > 0 && (wanted.revents & events) != 0;
+    return found > 0 ? wanted.revents : short{0};
 }
 
 }
 
 std::optional<Frame> ShellChannel::receive(std::optional<std::chrono::milliseconds> patience) {
+    // Of the wait for a message, and then of the message.
+    std::optional<Clock::time_point> end =
+        patience ? std::optional(Clock::now() + *patience) : std::nullopt;
+    bool isBegun = false;
     for (;;) {
         if (std::optional<Frame> frame = mReader.next()) {
             return frame;
         }
-        const bool isBegun = mReader.isInFrame();
-        if (!waitFor(mSocket.get(), POLLIN, isBegun ? kRestOfMessage : patience)) {
+        if (!isBegun && mReader.isInFrame()) {
+            isBegun = true;
+            end = Clock::now() + kMessage;
+        }
+        if ((waitFor(mSocket.get(), POLLIN, end) & POLLIN) == 0 ||
+            (isBegun && Clock::now() >= *end)) {
             if (isBegun) {
-                throw FrameError("the rest of a message has not come within " +
-                                 std::to_string(kRestOfMessage.count() / 1000) + " s");
+                throw FrameError("a message was not whole within " +
+                                 std::to_string(kMessage.count()) + " s");
             }
             return std::nullopt;
         }
@@ -61,10 +77,9 @@ bool ShellChannel::send(char kind, std::string_view body) {
         if (sent > 0) {
             at += static_cast<std::size_t>(sent);
         } else if (sent < 0 && errno == EAGAIN) {
-            pollfd wanted{mSocket.get(), POLLOUT | POLLRDHUP, 0};
-            const int found = poll(&wanted, 1, static_cast<int>(kUnread.count()));
-            if ((found < 0 && errno != EINTR) || found == 0 ||
-                (found > 0 && wanted.revents != POLLOUT)) {
+            const auto end =
+                mUnread.count() > 0 ? std::optional(Clock::now() + mUnread) : std::nullopt;
+            if (waitFor(mSocket.get(), POLLOUT | POLLRDHUP, end) != POLLOUT) {
                 return false;
             }
         } else if (sent == 0 || errno != EINTR) {

@@ -17,24 +17,28 @@
 
 namespace OrvHost {
 
-/// The server's end of the socket of a shell. It never waits for a client for ever, but for the
-/// beginning of a message.
+/// The server's end of the socket of a shell. A message that has begun must come within some time.
+/// What is sent is not kept here: who sends waits until the client reads, like a program that
+/// writes to a terminal.
 ///
 /// One thread receives, another one may send; cut() and close() are for any.
 class ShellChannel {
 public:
-    /// \p most: the size of the longest body that is taken at first.
-    ShellChannel(Descriptor socket, std::size_t most) : mSocket(std::move(socket)), mReader(most) {}
+    /// \p most: the size of the longest body that is taken at first. \p unread: how long the client
+    /// may read nothing of what is sent; 0: as long as it likes.
+    ShellChannel(Descriptor socket, std::size_t most, std::chrono::seconds unread)
+        : mSocket(std::move(socket)), mReader(most), mUnread(unread) {}
 
     int fd() const { return mSocket.get(); }
     /// See FrameReader::allow.
     void allow(std::size_t most) { mReader.allow(most); }
 
     /// The next frame; nothing at the end of the connection. \p patience: how long its first byte
-    /// may take; nothing: as long as it likes. Throws FrameError, also if the rest does not come.
+    /// may take; nothing: as long as it likes. Throws FrameError, also if it is not whole in time.
     std::optional<Frame> receive(std::optional<std::chrono::milliseconds> patience = {});
 
-    /// False if the client is gone, or has not read anything for long.
+    /// False if the client is gone, has not read anything for too long, or is cut() off while it
+    /// does not read.
     bool send(char kind, std::string_view body);
 
     /// Nothing is received any more; what fits is still sent.
@@ -45,6 +49,7 @@ public:
 private:
     Descriptor mSocket;
     FrameReader mReader;
+    const std::chrono::seconds mUnread;
 };
 
 /// A stream's text as frames of one kind.

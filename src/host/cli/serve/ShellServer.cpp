@@ -65,7 +65,7 @@ std::string ShellServer::address() const {
 void ShellServer::serve(Descriptor socket, const Connections::Enter& enter) {
     const std::optional<uid_t> user = peerUser(socket.get());
     const std::string name = peerName(socket.get());
-    ShellChannel channel(std::move(socket), kLongestHello);
+    ShellChannel channel(std::move(socket), kLongestHello, mServices.idleLimit);
     const auto refuse = [&](const std::string& why) {
         logServer(4, "a shell for " + name + " is refused: " + why);
         channel.send(FrameBye, why);

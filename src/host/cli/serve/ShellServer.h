@@ -31,15 +31,14 @@ public:
     /// How to connect, for people: a line.
     std::string address() const;
 
-    /// Tells all shells that the server ends, and refuses new ones. Returns at once.
-    void tellEnd();
-    /// The same, and waits until they have ended; what they have not committed is aborted. False if
-    /// a command is still at work at the deadline: this object must not be destroyed as long as it
-    /// is.
+    /// Tells all shells that the server ends, refuses new ones, and waits until they have ended;
+    /// what they have not committed is aborted. False if a command is still at work at the
+    /// deadline: this object must not be destroyed as long as it is.
     bool end(Deadline deadline);
 
 private:
     void serve(Descriptor socket, const Connections::Enter& enter);
+    void tellEnd();
     bool add(ServedShell& shell);
     void remove(ServedShell& shell);
 

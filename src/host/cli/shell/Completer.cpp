@@ -41,13 +41,15 @@ std::vector<std::string> readableNames(const ClassDef& moc) {
 
 // After the colon of an expectation comes a command like any other.
 std::vector<std::string> withoutExpectation(std::vector<std::string> words) {
-    while (words.front() == "expect") {
-        const auto colon = std::find(words.begin(), words.end() - 1, ":");
+    auto command = words.begin();
+    while (*command == "expect") {
+        const auto colon = std::find(command, words.end() - 1, ":");
         if (colon == words.end() - 1) {
-            return words;
+            break;
         }
-        words.erase(words.begin(), colon + 1);
+        command = colon + 1;
     }
+    words.erase(words.begin(), command);
     return words;
 }
 

@@ -5,6 +5,8 @@
 
 #include "LoggingWrapper.h"
 
+#include <exception>
+
 namespace OrvHost {
 
 void logServer(int level, const std::string& text) {
@@ -12,6 +14,19 @@ void logServer(int level, const std::string& text) {
     if (static_cast<int>(log.get_level()) >= level) {
         log.trace_v2_printf(Orv::Trace::Common, static_cast<VekMwSpiTraceLevelT>(level), "netconf",
                             "server", 0, "%s", text.c_str());
+    }
+}
+
+void logFailure(const char* what) noexcept {
+    try {
+        try {
+            throw;
+        } catch (const std::exception& failure) {
+            logServer(3, std::string(what) + ": " + failure.what());
+        } catch (...) {
+            logServer(3, std::string(what) + ": an exception of an unknown type");
+        }
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is no memory even for the text
     }
 }
 

@@ -57,3 +57,26 @@ TEST(CommandTable, WordsOfTheScriptFuzzer_HaveEachCommand) {
         EXPECT_THAT(words, HasSubstr("\n\"" + name + "\"\n"));
     }
 }
+
+TEST(CommandTable, NamesIn_SaysWhatRuns_AndNoValues) {
+    const CommandTable table;
+    const auto names = [&](std::vector<std::string> words) {
+        return table.namesIn(std::move(words));
+    };
+    EXPECT_EQ(names({"set", "A=1", "password=secret"}), "set");
+    EXPECT_EQ(names({"secret", "word"}), "no command");
+    EXPECT_EQ(names({"expect", ":", "commit"}), "expect : commit");
+    EXPECT_EQ(names({"expect", "error", "message", "text", ":", "delete", "A=1"}),
+              "expect : delete");
+    EXPECT_EQ(names({"expect", "message", ":", ":", "commit"}), "expect") << "nothing runs";
+    EXPECT_EQ(names({"expect", ":", "expect", "ok", ":", "commit"}), "expect : commit");
+    EXPECT_EQ(names({"expect", ":", "secret"}), "expect : no command");
+    EXPECT_EQ(names({"expect", "commit"}), "expect") << "nothing runs";
+    EXPECT_EQ(names({"expect", ":"}), "expect");
+    std::vector<std::string> deep;
+    for (int level = 0; level < 50000; ++level) {
+        deep.insert(deep.end(), {"expect", ":"});
+    }
+    deep.emplace_back("commit");
+    EXPECT_EQ(names(deep), "expect") << "more levels than run";
+}

@@ -88,3 +88,28 @@ TEST(ShellProtocol, BodiesOfAnotherForm_AreRefused) {
     }
     EXPECT_THROW(lineFrom("no place"), FrameError);
 }
+
+TEST(ShellProtocol, TooManyCandidates_FitAndBeginAsAllDo) {
+    Completion completion{4, {}, true, 2};
+    for (char mark = 'a'; mark <= 'k'; ++mark) {
+        completion.candidates.push_back("Unit=" + std::string(1 << 20, '\1') + mark);
+    }
+    completion.candidates.push_back("Unit=7");
+    const Completion shorter = shortened(completion);
+    EXPECT_LT(toBody(shorter).size(), kLongestAnswer);
+    EXPECT_GT(shorter.candidates.size(), 5U);
+    EXPECT_EQ(commonPrefix(shorter.candidates), "Unit=");
+    EXPECT_EQ(shorter.start, 4U);
+    EXPECT_TRUE(shorter.canGoOn && shorter.shownFrom == 2);
+}
+
+TEST(ShellProtocol, CandidatesThatFit_StayAsTheyAre) {
+    EXPECT_THAT(shortened({0, {"a", "b"}}).candidates, ElementsAre("a", "b"));
+    EXPECT_TRUE(shortened({0, {}}).candidates.empty());
+}
+
+TEST(ShellProtocol, CandidatesThatAreTooLong_AreNotOffered) {
+    const std::string longOne(kLongestAnswer, 'x');
+    EXPECT_TRUE(shortened({0, {longOne, longOne + "y"}}).candidates.empty());
+    EXPECT_TRUE(shortened({0, {longOne}}).candidates.empty());
+}
