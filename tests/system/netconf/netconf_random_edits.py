@@ -236,7 +236,12 @@ def main():
             for _ in range(EDITS):
                 play.step()
         finally:
-            play.close()
+            ended = play.close()
+        # The shell's status is that of its refused commands, which are meant.
+        if ended[0] != 0 or ended[1] < 0:
+            print(f"the server ended with {ended[0]}, the shell with {ended[1]}:",
+                  play.server.last_messages(), file=sys.stderr)
+            return 1
     print(f"seed {SEED}:", ", ".join(f"{count} {what}" for what, count in play.counts.items()))
     # Of 40 edits, both kinds are sure to come.
     return 0 if EDITS < 40 or (play.counts["valid"] and play.counts["refused"]) else 1

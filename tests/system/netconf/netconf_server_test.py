@@ -4,12 +4,16 @@
 
 """The server as its clients use it: ncclient, OpenSSH, and clients that mean no good.
 
-usage: netconf_server_test.py ORVHOST EXT_CM EXAMPLES [--garbage CONNECTIONS] [unittest arguments]
+usage: netconf_server_test.py ORVHOST EXT_CM EXAMPLES [--yanglint YANGLINT] [--garbage CONNECTIONS]
+       [unittest arguments]
+
+With yanglint, the replies to requests that are no garbage are checked by it.
 """
 
 import json
 import os
 import pathlib
+import re
 import select
 import signal
 import socket
@@ -22,11 +26,17 @@ import time
 import unittest
 
 from ncclient import manager
-from ncclient.operations import RaiseMode
+from ncclient.operations import RPC, RaiseMode
 from ncclient.transport.errors import AuthenticationError
+
+from netconf_lint import Lint
 
 ORVHOST, EXT_CM, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 UNITTEST_ARGUMENTS = sys.argv[4:]
+YANGLINT = None
+if UNITTEST_ARGUMENTS[:1] == ["--yanglint"]:
+    YANGLINT = pathlib.Path(UNITTEST_ARGUMENTS[1]).resolve()
+    del UNITTEST_ARGUMENTS[:2]
 GARBAGE = 2000
 if UNITTEST_ARGUMENTS[:1] == ["--garbage"]:
     GARBAGE = int(UNITTEST_ARGUMENTS[1])
@@ -76,6 +86,60 @@ LABEL = element("<userLabel/>")
 GET_LABEL = rpc(
     f"<get-config><source><running/></source><filter>{LABEL}</filter></get-config>"
 )
+
+
+class Replies:
+    """What was asked and answered, for yanglint."""
+
+    waiting = []
+    known = set()
+
+    @classmethod
+    def add(cls, request, reply):
+        if YANGLINT and "<rpc-reply" in reply and len(reply) < 1 << 20:
+            cls.waiting.append((request, reply))
+
+    @classmethod
+    def watch_ncclient(cls):
+        wrap, deliver = RPC._wrap, RPC.deliver_reply
+
+        def wrap_and_keep(self, operation):
+            self.kept = wrap(self, operation)
+            return self.kept
+
+        def deliver_and_add(self, raw):
+            cls.add(*(text if isinstance(text, str) else text.decode() for text in (self.kept, raw)))
+            deliver(self, raw)
+
+        RPC._wrap, RPC.deliver_reply = wrap_and_keep, deliver_and_add
+
+    @classmethod
+    def complaints(cls, server):
+        """What is wrong with those since the last call. Equal ones are looked at once."""
+        found = []
+        pairs, cls.waiting = cls.waiting, []
+        number = re.compile(r'message-id="[^"]*"|urn:uuid:[-0-9a-f]*')
+        new = [pair for pair in pairs if tuple(number.sub("", text) for text in pair) not in cls.known]
+        if not new:
+            return found
+        with tempfile.TemporaryDirectory() as folder:
+            client = LocalClient(server)
+            lint = Lint(YANGLINT, folder, client)
+            client.close()
+            for request, reply in new:
+                key = tuple(number.sub("", text) for text in (request, reply))
+                if key in cls.known:
+                    continue
+                cls.known.add(key)
+                wrong = lint.complaint(request, reply)
+                if wrong and "<rpc-error" in reply:
+                    # The request itself may be what yanglint does not understand.
+                    mark = re.search(r'message-id="[^"]*"', reply)
+                    wrong = lint.complaint(
+                        f'<rpc xmlns="{BASE}" {mark.group() if mark else ""}><get/></rpc>', reply)
+                if wrong:
+                    found.append(f"{request}\n{reply}\n{wrong}")
+        return found
 
 
 def run(*words):
@@ -175,6 +239,12 @@ class LocalClient:
 
     def ask(self, text):
         self.send(text)
+        reply = self.receive()
+        Replies.add(text.replace(END, ""), reply)
+        return reply
+
+    def plain(self, operation):
+        self.send(rpc(operation))
         return self.receive()
 
     def close(self):
@@ -227,9 +297,11 @@ class ServerCase(unittest.TestCase):
 
     def end(self):
         if self.server.process.returncode is None:
+            complaints = Replies.complaints(self.server)
             seconds, status = self.server.stop()
             self.assertEqual(status, 0, self.server.last_messages())
             self.assertLess(seconds, 3)
+            self.assertEqual(complaints, [])
 
     def connect(self, *arguments, **options):
         client = self.server.connect(*arguments, **options)
@@ -878,4 +950,6 @@ class HostileTest(ServerCase):
 
 
 if __name__ == "__main__":
+    if YANGLINT:
+        Replies.watch_ncclient()
     unittest.main(argv=[sys.argv[0], *UNITTEST_ARGUMENTS])
