@@ -585,8 +585,28 @@ class SocketTest(ShellCase):
         self.assert_serves()
 
     def test_a_socket_that_is_served_is_not(self):
-        self.assertIn("exists already; another server listens there", self.refusal(self.path))
+        self.assertIn("exists already; another program listens there", self.refusal(self.path))
         self.assert_serves()
+        datagrams = self.folder / "datagrams"
+        with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as other:
+            other.bind(str(datagrams))
+            self.assertIn("it is not known whether a program listens there",
+                          self.refusal(datagrams))
+            self.assertTrue(datagrams.exists())
+
+    def test_the_socket_of_another_server_stays_there(self):
+        first, first_path = self.server, self.path
+        first_path.unlink()
+        self.path = self.folder / "other"
+        other = self.folder / "folder"
+        other.mkdir()
+        self.server = Server(other, "--shell-unix", first_path)
+        self.addCleanup(self.end)
+        self.server.process.stdout.readline()
+        self.assertEqual(first.stop()[1], 0)
+        self.path = first_path
+        self.assert_serves()
+        self.assertIn("<ok/>", self.local().ask(rpc("<discard-changes/>")))
 
     def test_paths_that_cannot_be_used(self):
         plain = self.folder / "plain"
@@ -602,6 +622,15 @@ class SocketTest(ShellCase):
             open_folder.chmod(mode)
             self.assertIn("others can write into the folder", self.refusal(open_folder / "shell"))
             self.assertFalse((open_folder / "shell").exists())
+            below = open_folder / "below"
+            below.mkdir(0o700)
+            if mode & stat.S_ISVTX:  # only the owner can move what is below
+                continue
+            self.assertIn(f"others can write into the folder {open_folder};",
+                          self.refusal(below / "shell"))
+            (self.folder / f"link{mode}").symlink_to(below)
+            self.assertIn(f"others can write into the folder {open_folder};",
+                          self.refusal(self.folder / f"link{mode}" / "shell"))
 
     def test_where_no_shell_is(self):
         for path, reason in ((self.folder / "none", "there is no such socket"),

@@ -26,29 +26,56 @@ constexpr std::chrono::milliseconds kHello{10'000};
 /// For the last words to the clients.
 constexpr std::chrono::milliseconds kFarewell{500};
 
-/// Who may write into the folder could put a socket of their own there.
-void requireOwnFolder(const std::string& path) {
-    const std::filesystem::path parent = std::filesystem::path(path).parent_path();
-    const std::string folder = parent.empty() ? "." : parent.string();
+/// Who may write into a folder can put something of their own there, in the place of what is there
+/// already, too, unless the folder is one where only owners move what is theirs.
+void requireOwnFolder(const std::string& path, const std::filesystem::path& folder,
+                      mode_t harmless) {
     struct stat known {};
     if (stat(folder.c_str(), &known) != 0) {
         throw ServerError(path + ": " + std::generic_category().message(errno));
     }
     const bool isOwn = known.st_uid == geteuid() || known.st_uid == 0;
-    if (!isOwn || (known.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
-        throw ServerError(path + ": others can write into the folder " + folder +
+    const bool isOpen =
+        (known.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (known.st_mode & harmless) == 0;
+    if (!isOwn || isOpen) {
+        throw ServerError(path + ": others can write into the folder " + folder.string() +
                           "; for a shell's socket, one was expected that only the server's user "
-                          "can write into");
+                          "can write into, and so all above it");
     }
+}
+
+/// The folder of a socket and those above it, as the path names them and, behind links, as they
+/// are.
+void requireOwnFolders(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path named = std::filesystem::absolute(path).parent_path();
+    const std::filesystem::path real = std::filesystem::canonical(named, error);
+    if (error) {
+        throw ServerError(path + ": " + error.message());
+    }
+    requireOwnFolder(path, real, 0);
+    for (std::filesystem::path folder : {named, real}) {
+        while (folder != folder.parent_path()) {
+            folder = folder.parent_path();
+            requireOwnFolder(path, folder, S_ISVTX);
+        }
+    }
+}
+
+/// Listens where nobody else can put a socket of their own.
+Descriptor listenSafely(const std::string& path) {
+    requireOwnFolders(path);
+    return listenAt(path);
 }
 
 }
 
 ShellServer::ShellServer(std::string path, ShellServices services)
-    : mPath(std::move(path)), mServices(std::move(services)) {
-    requireOwnFolder(mPath);
+    : mServices(std::move(services)) {
+    Descriptor listening = listenSafely(path);
+    mFile = SocketFile(std::move(path));
     mListener = std::make_unique<Listener>(
-        listenAt(mPath), kConnections,
+        std::move(listening), kConnections,
         [this](Descriptor socket, const std::string&, const Connections::Enter& enter) {
             serve(std::move(socket), enter);
         });
@@ -59,7 +86,7 @@ ShellServer::~ShellServer() {
 }
 
 std::string ShellServer::address() const {
-    return "shell at the socket " + mPath + ": orvhost --connect " + mPath;
+    return "shell at the socket " + mFile.path() + ": orvhost --connect " + mFile.path();
 }
 
 void ShellServer::serve(Descriptor socket, const Connections::Enter& enter) {
@@ -134,9 +161,8 @@ void ShellServer::remove(ServedShell& shell) {
 
 void ShellServer::tellEnd() {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (!std::exchange(mIsEnding, true)) {
-        unlink(mPath.c_str());
-    }
+    mIsEnding = true;
+    mFile.remove();
     for (ServedShell* shell : mShells) {
         shell->stop("the server ends; what was not committed is aborted");
     }

@@ -20,7 +20,8 @@ namespace OrvHost {
 class ShellServer {
 public:
     /// Listens from now on. The folder of \p path must belong to the user of this process, or to
-    /// root, and nobody else may write into it. \p services: what is borrowed there must outlive
+    /// root, and nobody else may write into it; nor into those above, unless what is in them can
+    /// only be moved by its owner, as in /tmp. \p services: what is borrowed there must outlive
     /// this object. Throws ServerError.
     ShellServer(std::string path, ShellServices services);
     /// As end(), and waits as long as it takes.
@@ -42,7 +43,7 @@ private:
     bool add(ServedShell& shell);
     void remove(ServedShell& shell);
 
-    const std::string mPath;
+    SocketFile mFile;
     ShellServices mServices;
 
     std::mutex mMutex; ///< guards all below

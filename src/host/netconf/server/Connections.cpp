@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
-#include <system_error>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -80,14 +79,11 @@ bool Connections::start(Descriptor socket, Serve serve) {
     try {
         place->thread =
             std::thread([this, place, serve = std::move(serve), own = std::move(socket)]() mutable {
-                try {
-                    serve(std::move(own), [this, place] { return enter(*place); });
-                } catch (const std::exception& failure) {
-                    logServer(3, std::string("a connection ends: ") + failure.what());
-                }
+                contain("a connection ends",
+                        [&] { serve(std::move(own), [this, place] { return enter(*place); }); });
                 forget(place);
             });
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) { // no thread, or no memory
         mConnections.erase(place);
         return false;
     }

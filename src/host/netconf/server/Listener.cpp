@@ -20,6 +20,7 @@
 #include <pwd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace OrvHost {
 
@@ -43,12 +44,12 @@ std::string textOf(const sockaddr_storage& address, socklen_t size) {
     return (isSix ? "[" : "") + std::string(host.data()) + (isSix ? "]:" : ":") + port.data();
 }
 
-/// A server that is busy refuses connections, too, but for another reason.
-bool isLeftOver(const sockaddr_un& address) {
-    const Descriptor probe(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    return connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
-               0 &&
-           errno == ECONNREFUSED;
+/// Why nobody can connect; 0 if that is possible.
+int probe(const sockaddr_un& address) {
+    const Descriptor probing(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return connect(probing.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0
+               ? 0
+               : errno;
 }
 
 void removeLeftOver(const std::string& path, const sockaddr_un& address) {
@@ -59,10 +60,18 @@ void removeLeftOver(const std::string& path, const sockaddr_un& address) {
     if (!S_ISSOCK(known.st_mode)) {
         throw ServerError(path + ": exists already, and is no socket");
     }
-    if (!isLeftOver(address)) {
-        throw ServerError(path + ": exists already; another server listens there");
+    const int error = probe(address);
+    if (error == 0 || error == EAGAIN) { // that of a server that is busy
+        throw ServerError(path + ": exists already; another program listens there");
     }
-    unlink(path.c_str());
+    if (error != ECONNREFUSED) {
+        throw ServerError(
+            path + ": exists already, and it is not known whether a program listens " + "there (" +
+            std::generic_category().message(error) + "); a path was expected where nothing is");
+    }
+    if (unlink(path.c_str()) != 0) {
+        fail(path + ": what a server left there cannot be removed");
+    }
 }
 
 }
@@ -121,6 +130,23 @@ Descriptor listenAt(const std::string& path) {
         fail(path);
     }
     return listening;
+}
+
+SocketFile::SocketFile(std::string path) : mPath(std::move(path)) {
+    struct stat known {};
+    if (lstat(mPath.c_str(), &known) == 0) {
+        mNode.emplace(known.st_dev, known.st_ino);
+    }
+}
+
+// The number of a file is not used again as long as the socket is open.
+void SocketFile::remove() {
+    struct stat known {};
+    if (mNode && lstat(mPath.c_str(), &known) == 0 &&
+        *mNode == std::pair(known.st_dev, known.st_ino)) {
+        unlink(mPath.c_str());
+    }
+    mNode.reset();
 }
 
 std::optional<uid_t> peerUser(int socket) {
@@ -187,16 +213,20 @@ void Listener::acceptAll() {
             }
             return;
         }
-        const int on = 1;
-        setsockopt(accepted.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
-        const std::string from = textOf(address, size);
-        const bool isStarted = mConnections.start(
-            std::move(accepted), [this, from](Descriptor socket, const Connections::Enter& enter) {
-                mServe(std::move(socket), from, enter);
-            });
-        if (!isStarted) {
-            logServer(4, "a connection from " + from + " is refused: too many are open");
-        }
+        contain("a connection is refused",
+                [&] { start(std::move(accepted), textOf(address, size)); });
+    }
+}
+
+void Listener::start(Descriptor accepted, const std::string& from) {
+    const int on = 1;
+    setsockopt(accepted.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+    const bool isStarted = mConnections.start(
+        std::move(accepted), [this, from](Descriptor socket, const Connections::Enter& enter) {
+            mServe(std::move(socket), from, enter);
+        });
+    if (!isStarted) {
+        logServer(4, "a connection from " + from + " is refused: too many are open");
     }
 }
 

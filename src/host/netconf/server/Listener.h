@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <sys/types.h>
 
@@ -48,6 +49,7 @@ public:
 
 private:
     void acceptAll();
+    void start(Descriptor accepted, const std::string& from);
 
     Descriptor mSocket;
     Serve mServe;
@@ -60,6 +62,23 @@ Descriptor listenAt(const NetAddress& address);
 /// A socket that listens at a path; only its owner can connect. A socket that is left there from a
 /// server that does not run any more is replaced. Throws ServerError.
 Descriptor listenAt(const std::string& path);
+
+/// The file of a listening socket: it goes away with its server, unless another one is there by
+/// now.
+class SocketFile {
+public:
+    SocketFile() = default;
+    /// What is at \p path now.
+    explicit SocketFile(std::string path);
+
+    const std::string& path() const { return mPath; }
+    /// Removes it, once.
+    void remove();
+
+private:
+    std::string mPath;
+    std::optional<std::pair<dev_t, ino_t>> mNode; ///< nothing: it is removed
+};
 
 /// True if a peer can have that name: see peerName.
 bool isSystemUser(const std::string& name);

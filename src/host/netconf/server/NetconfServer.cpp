@@ -53,10 +53,7 @@ struct NetconfServer::Parts {
     /// True if nothing is at work any more.
     bool end(Deadline deadline) {
         hub.endAll();
-        if (!localPath.empty()) {
-            unlink(localPath.c_str());
-            localPath.clear();
-        }
+        localFile.remove();
         const bool isSshDone = ssh == nullptr || ssh->end(deadline);
         return (local == nullptr || local->end(deadline)) && isSshDone;
     }
@@ -67,7 +64,7 @@ struct NetconfServer::Parts {
     std::unique_ptr<SshFront> front;
     std::unique_ptr<Listener> ssh;
     std::unique_ptr<Listener> local;
-    std::string localPath;
+    SocketFile localFile;
 };
 
 NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
@@ -101,9 +98,10 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
             });
     }
     if (options.unixPath) {
-        parts.localPath = *options.unixPath;
+        Descriptor listening = listenAt(*options.unixPath);
+        parts.localFile = SocketFile(*options.unixPath);
         parts.local = std::make_unique<Listener>(
-            listenAt(parts.localPath), kConnections,
+            std::move(listening), kConnections,
             [&parts](Descriptor socket, const std::string& from, const Connections::Enter& enter) {
                 if (!enter()) {
                     logServer(4, "a connection from " + from + " is refused: too many are open");
@@ -136,7 +134,7 @@ std::vector<std::string> NetconfServer::addresses() const {
         lines.push_back("NETCONF over SSH at " + mParts->ssh->address());
     }
     if (mParts->local) {
-        lines.push_back("NETCONF at the socket " + mParts->localPath);
+        lines.push_back("NETCONF at the socket " + mParts->localFile.path());
     }
     return lines;
 }

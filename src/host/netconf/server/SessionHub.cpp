@@ -80,6 +80,11 @@ nc_server_reply* dataReply(std::string text, const lyd_node* request) {
     return nc_server_reply_data(output, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
 }
 
+/// The library has no text for each of its errors.
+std::string textOrUnknown(const char* text) {
+    return text != nullptr ? text : "the reason is not known";
+}
+
 /// \p output: the nodes that the action returns.
 nc_server_reply* outputReply(const std::string& output, const lyd_node* action, ly_ctx* context) {
     lyd_node* reply = nullptr;
@@ -102,8 +107,9 @@ nc_server_reply* outputReply(const std::string& output, const lyd_node* action, 
     lyd_free_tree(reply);
     RpcError error;
     error.tag = "operation-failed";
-    error.message = std::string("action ") + action->schema->name +
-                    " is done, but its result cannot be shown: " + ly_errmsg(context);
+    error.message =
+        std::string("action ") + action->schema->name +
+        " is done, but its result cannot be shown: " + textOrUnknown(ly_errmsg(context));
     return errorReply({error}, context);
 }
 
@@ -112,7 +118,7 @@ std::string operationText(const lyd_node* request) {
     return action != nullptr ? std::string("action ") + LYD_NAME(action) : LYD_NAME(request);
 }
 
-nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
+nc_server_reply* replyTo(lyd_node* request, nc_session* session) {
     NetconfSession& own = static_cast<ServedSession*>(nc_session_get_data(session))->session;
     ly_ctx* const context = theHub->dispatcher().model().context().get();
     RpcReply reply;
@@ -137,9 +143,17 @@ nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
     return reply.data ? dataReply(std::move(*reply.data), request) : nc_server_reply_ok();
 }
 
+// Exceptions must not pass through the library. Without a reply it sends an error of its own.
+nc_server_reply* onRequest(lyd_node* request, nc_session* session) {
+    nc_server_reply* reply = nullptr;
+    contain("a request is not answered", [&] { reply = replyTo(request, session); });
+    return reply;
+}
+
 void onLibraryMessage(const nc_session*, NC_VERB_LEVEL level, const char* text) {
     if (level == NC_VERB_ERROR || level == NC_VERB_WARNING) {
-        logServer(6, std::string("protocol: ") + text);
+        contain("a message of the protocol's library",
+                [text] { logServer(6, std::string("protocol: ") + text); });
     }
 }
 
