@@ -9,10 +9,23 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
+#include <utility>
 
 namespace OrvHost {
 
 namespace {
+
+/// A conflict names a transaction that was open a short time ago.
+constexpr std::size_t kMostEnded = 1000;
+
+/// Of "t12": 12. Nothing if the name has another form.
+std::optional<std::size_t> numberOf(const std::string& name) {
+    const auto number = name.empty() || name.front() != 't' || name.compare(0, 2, "t0") == 0
+                            ? std::nullopt
+                            : numberIn(std::string_view(name).substr(1));
+    return number ? std::optional(static_cast<std::size_t>(*number)) : std::nullopt;
+}
 
 bool isOfWord(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
@@ -31,23 +44,37 @@ void OpenTransactions::requireFree(const std::string& name) const {
 }
 
 std::string OpenTransactions::freeName() const {
-    for (std::size_t number = 1;; ++number) {
-        std::string name = "t" + std::to_string(number);
-        if (mUsedNames.count(name) == 0) {
-            return name;
-        }
-    }
+    return "t" + std::to_string(mFirstFree);
 }
 
 void OpenTransactions::add(const std::string& name, unsigned long handle) {
     mOpen.push_back({name, handle, 0});
-    mPhrases[handle] = "transaction " + name;
-    mUsedNames[name] = handle;
+    keepPhrase(handle, "transaction " + name);
+    if (const std::optional<std::size_t> number = numberOf(name); number && *number >= mFirstFree) {
+        mUsedNumbers.insert(*number);
+    }
+    while (mUsedNumbers.erase(mFirstFree) != 0) {
+        ++mFirstFree;
+    }
     mCurrent = name;
 }
 
 void OpenTransactions::addUnnamed(unsigned long handle) {
-    mPhrases[handle] = "a write without a transaction";
+    keepPhrase(handle, "a write without a transaction");
+}
+
+/// Handles rise, so the first ones are the oldest.
+void OpenTransactions::keepPhrase(unsigned long handle, std::string phrase) {
+    mPhrases[handle] = std::move(phrase);
+    for (auto oldest = mPhrases.begin();
+         mPhrases.size() > kMostEnded + mOpen.size() && oldest != mPhrases.end();) {
+        oldest = isOpen(oldest->first) ? std::next(oldest) : mPhrases.erase(oldest);
+    }
+}
+
+bool OpenTransactions::isOpen(unsigned long handle) const {
+    return std::any_of(mOpen.begin(), mOpen.end(),
+                       [handle](const Entry& entry) { return entry.handle == handle; });
 }
 
 void OpenTransactions::remove(unsigned long handle) {

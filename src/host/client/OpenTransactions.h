@@ -7,14 +7,15 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace OrvHost {
 
 /// The transactions that the user has open, by name, and the one that commands currently work in.
-/// The host only knows handles; this class keeps the names, also those of ended transactions, so
-/// that a conflict can be reported with names.
+/// The host only knows handles; this class keeps the names, also those of the transactions that
+/// ended last, so that a conflict can be reported with names.
 ///
 /// It begins and ends no transaction: see ClientSession. One thread.
 class OpenTransactions {
@@ -60,11 +61,15 @@ public:
 
 private:
     Entry* find(const std::string& name);
+    void keepPhrase(unsigned long handle, std::string phrase);
+    bool isOpen(unsigned long handle) const;
 
     std::vector<Entry> mOpen;
     std::optional<std::string> mCurrent;
-    std::map<unsigned long, std::string> mPhrases; ///< by handle, ended ones included
-    std::map<std::string, unsigned long> mUsedNames;
+    std::map<unsigned long, std::string> mPhrases; ///< by handle; those that ended last included
+    /// "t1" has the number 1: all below the first one were used, and these.
+    std::size_t mFirstFree = 1;
+    std::set<std::size_t> mUsedNumbers;
 };
 
 }

@@ -22,10 +22,13 @@ constexpr int kHelloMilliseconds = 10'000;
 RemoteShell::RemoteShell(std::string path, const ShellLook& look, const std::string& interface)
     : mPath(std::move(path)),
       mLook(look),
-      mLink(mPath),
+      mLink(mPath, mCancellation),
       mScripts([this](const std::string& line,
                       const std::string& place) { return runLine(line, place); },
                [this] { return isEnded(); }) {
+    if (!mLook.json) { // half a document is of no use
+        mLink.dropWhenCancelled();
+    }
     try {
         greet(look, interface);
     } catch (const FrameError&) {
@@ -137,7 +140,7 @@ std::optional<Frame> RemoteShell::answerTo(char kind, const std::string& body) {
     ++mRequests;
     const std::string cancel = frameBytes(FrameCancel, std::to_string(mRequests));
     try {
-        while (std::optional<Frame> frame = mLink.receive(mCancellation, cancel)) {
+        while (std::optional<Frame> frame = mLink.receive(cancel)) {
             switch (frame->kind) {
             case FrameOut:
                 mLink.print(STDOUT_FILENO, std::move(frame->body));
@@ -147,7 +150,13 @@ std::optional<Frame> RemoteShell::answerTo(char kind, const std::string& body) {
                 break;
             case FrameDone:
                 mState = stateFrom(frame->body);
-                mLink.flush();
+                // The server has said so itself if it has cancelled the command.
+                if (!mLink.flush() && mState.status == ExitOk) {
+                    mLink.print(
+                        STDERR_FILENO,
+                        "orvhost: the command is done; the rest of its answer is not shown\n");
+                    mLink.flush();
+                }
                 if (!mLink.isPrinted()) {
                     std::cout.setstate(std::ios::badbit);
                 }

@@ -52,8 +52,8 @@ private:
 
     std::string mPath;
     ShellLook mLook;
-    ServerLink mLink;
     CancellationToken mCancellation;
+    ServerLink mLink;
     ScriptRunner mScripts;
     std::string mGreeting;
     ShellState mState;

@@ -14,6 +14,7 @@
 #include <csignal>
 #include <iostream>
 #include <system_error>
+#include <utility>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -41,7 +42,8 @@ std::string whyNotConnected(int error) {
 
 }
 
-ServerLink::ServerLink(const std::string& path) : mReader(kLongestAnswer) {
+ServerLink::ServerLink(const std::string& path, const CancellationToken& token)
+    : mToken(token), mReader(kLongestAnswer) {
     const UnixAddress address(path);
     if (!address.isUsable()) {
         throw LoadError(path + ": " + address.problem());
@@ -65,17 +67,17 @@ bool ServerLink::send(const std::string& bytes) {
     return true;
 }
 
-std::optional<Frame> ServerLink::receive(const CancellationToken& token,
-                                         const std::string& cancel) {
+std::optional<Frame> ServerLink::receive(const std::string& cancel) {
     const HeldInterrupts held;
     for (;;) {
         if (std::optional<Frame> frame = mReader.next()) {
             return frame;
         }
-        if (token.isCancelled() && cancel != mLastCancel) {
+        if (mToken.isCancelled() && cancel != mLastCancel) {
             mLastCancel = cancel;
             send(cancel);
         }
+        dropIfCancelled();
         std::array<pollfd, 2> wanted{{{mSocket.get(), POLLIN, 0},
                                       {mWaiting.empty() ? -1 : mWaiting.front().fd, POLLOUT, 0}}};
         if (ppoll(wanted.data(), wanted.size(), nullptr, &held.before()) < 0) {
@@ -125,16 +127,42 @@ void ServerLink::writeSome() {
         mIsPrinted = mIsPrinted && first.fd != STDOUT_FILENO;
         first.text.clear();
     }
+    if (size > 0 && first.fd == STDOUT_FILENO) {
+        mIsInLine = first.text[static_cast<std::size_t>(size) - 1] != '\n';
+    }
     first.text.erase(0, size > 0 ? static_cast<std::size_t>(size) : 0);
     if (first.text.empty()) {
         mWaiting.pop_front();
     }
 }
 
-void ServerLink::flush() {
-    while (!mWaiting.empty()) {
+void ServerLink::dropIfCancelled() {
+    if (!mMayDrop || !mToken.isCancelled()) {
+        return;
+    }
+    const auto isOutput = [](const Waiting& one) {
+        return one.fd == STDOUT_FILENO && one.text != "\n";
+    };
+    const auto kept = std::remove_if(mWaiting.begin(), mWaiting.end(), isOutput);
+    if (kept == mWaiting.end()) {
+        return;
+    }
+    mWaiting.erase(kept, mWaiting.end());
+    mHasDropped = true;
+    if (std::exchange(mIsInLine, false)) {
+        mWaiting.push_front({STDOUT_FILENO, "\n"});
+    }
+}
+
+bool ServerLink::flush() {
+    const HeldInterrupts held;
+    for (;;) {
+        dropIfCancelled();
+        if (mWaiting.empty()) {
+            return !std::exchange(mHasDropped, false);
+        }
         pollfd wanted{mWaiting.front().fd, POLLOUT, 0};
-        if (poll(&wanted, 1, -1) > 0) {
+        if (ppoll(&wanted, 1, nullptr, &held.before()) > 0) {
             writeSome();
         }
     }

@@ -22,8 +22,9 @@ namespace OrvHost {
 /// One thread.
 class ServerLink {
 public:
-    /// Connects. Throws LoadError.
-    explicit ServerLink(const std::string& path);
+    /// Connects. \p token says that nobody wants to see what is not printed yet; it is borrowed.
+    /// Throws LoadError.
+    ServerLink(const std::string& path, const CancellationToken& token);
 
     int fd() const { return mSocket.get(); }
 
@@ -31,15 +32,18 @@ public:
     bool send(const std::string& bytes);
 
     /// The next frame; nothing at the end of the connection. Meanwhile writes what print() took.
-    /// When \p token is cancelled, sends \p cancel, but not twice the same. Throws FrameError.
-    std::optional<Frame> receive(const CancellationToken& token, const std::string& cancel);
+    /// When the token is cancelled, sends \p cancel, but not twice the same. Throws FrameError.
+    std::optional<Frame> receive(const std::string& cancel);
     /// The next frame, if it comes within that time and the connection does not end.
     std::optional<Frame> receiveWithin(int milliseconds);
 
     /// Writes to a stream, soon. \p fd: STDOUT_FILENO or STDERR_FILENO.
     void print(int fd, std::string text);
-    /// Waits until all is written.
-    void flush();
+    /// From now on, when the token is cancelled, what waits for the standard output is dropped, and
+    /// so is what comes for it before the token is renewed.
+    void dropWhenCancelled() { mMayDrop = true; }
+    /// Waits until all is written, or dropped. False if something was dropped since the last call.
+    bool flush();
     /// False if something could not be written to the standard output.
     bool isPrinted() const { return mIsPrinted; }
     /// False as soon as receive() has met the end of the connection.
@@ -53,11 +57,17 @@ private:
 
     bool readSome();
     void writeSome();
+    void dropIfCancelled();
 
+    const CancellationToken& mToken;
     Descriptor mSocket;
     FrameReader mReader;
     std::deque<Waiting> mWaiting;
     std::string mLastCancel;
+    bool mMayDrop = false;
+    bool mHasDropped = false;
+    bool mIsInLine =
+        false; ///< the last that was written to the standard output is no end of a line
     bool mIsPrinted = true;
     bool mIsOpen = true;
 };

@@ -8,12 +8,41 @@
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace OrvHost {
 
 namespace {
 
 constexpr std::size_t kMostKept = 1000;
+constexpr std::size_t kMostBytes = std::size_t{16} << 20U;
+
+std::size_t sizeOf(const AttributeValue& value) {
+    std::size_t size = sizeof(value);
+    for (const Value& one : value.values) {
+        size += sizeof(one);
+        if (const auto* text = std::get_if<std::string>(&one)) {
+            size += text->size();
+        } else if (const auto* whole = std::get_if<StructValue>(&one)) {
+            for (const auto& [name, member] : whole->members) {
+                size += name.size() + sizeOf(member);
+            }
+        }
+    }
+    return size;
+}
+
+/// About the memory that it takes.
+std::size_t sizeOf(const WatchedCommit& commit) {
+    std::size_t size = sizeof(commit) + commit.author.size();
+    for (const ObjectDifference& object : commit.objects) {
+        size += sizeof(object) + object.dn.size();
+        for (const AttributeDifference& attribute : object.attributes) {
+            size += sizeof(attribute) + sizeOf(attribute.before) + sizeOf(attribute.after);
+        }
+    }
+    return size;
+}
 
 }
 
@@ -50,6 +79,8 @@ void WatchList::clear() {
 
 WatchList::News WatchList::take() {
     const std::lock_guard<std::mutex> lock(mMutex);
+    mSizes.clear();
+    mSize = 0;
     return std::exchange(mNews, {});
 }
 
@@ -68,8 +99,12 @@ void WatchList::note(const ChangeSet& changes) {
     if (commit.objects.empty()) {
         return;
     }
+    mSizes.push_back(sizeOf(commit));
+    mSize += mSizes.back();
     mNews.commits.push_back(std::move(commit));
-    if (mNews.commits.size() > kMostKept) {
+    while (mNews.commits.size() > kMostKept || mSize > kMostBytes) {
+        mSize -= mSizes.front();
+        mSizes.pop_front();
         mNews.commits.pop_front();
         ++mNews.lost;
     }

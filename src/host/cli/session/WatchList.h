@@ -24,6 +24,8 @@ struct WatchedCommit {
 
 /// The objects whose commits a session wants to see, and the commits that are not shown yet.
 ///
+/// Of the commits that are not shown yet, the last 1000 are kept, and not more than 16 MiB of them.
+///
 /// One thread at a time; commits can come on any. They cost nothing while nothing is watched.
 class WatchList {
 public:
@@ -53,6 +55,8 @@ private:
     std::mutex mMutex; ///< guards mDns against changes, and mNews
     std::vector<std::string> mDns;
     News mNews;
+    std::deque<std::size_t> mSizes;         ///< of the commits of mNews, in bytes
+    std::size_t mSize = 0;                  ///< their sum
     CommitFeed::Subscription mSubscription; ///< ends before the others
 };
 
