@@ -157,6 +157,19 @@ TEST_F(NetconfActionTest, WhoMayNotEditRunning_MayCallNone) {
     EXPECT_EQ(calls.size(), 1U);
 }
 
+TEST_F(NetconfActionTest, WhatStandsBesideThePath_IsRefused) {
+    EXPECT_THAT(ask(onUnit("<userLabel>new</userLabel><blink/>")),
+                AllOf(hasTag("bad-element"), HasSubstr("<bad-element>userLabel</bad-element>"),
+                      HasSubstr("[ran-equipment:radioUnitId='1']/ran-equipment:userLabel<")));
+    EXPECT_THAT(ask(act(element("<userLabel>new</userLabel>"
+                                R"(<Equipment xmlns="urn:orv:example:ran-equipment">)"
+                                "<equipmentId>1</equipmentId><RadioUnit>"
+                                "<radioUnitId>1</radioUnitId><blink/></RadioUnit></Equipment>"))),
+                hasTag("bad-element"));
+    EXPECT_THAT(calls, testing::IsEmpty());
+    EXPECT_EQ(ask(onUnit("<blink/>")), "ok");
+}
+
 TEST_F(NetconfActionTest, WhatItWrites_IsCommitted) {
     host.router().setActionHandler([&](const ActionCall& call) -> std::optional<AttributeValue> {
         alice.client().client().set(

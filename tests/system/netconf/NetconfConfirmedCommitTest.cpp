@@ -5,8 +5,15 @@
 
 #include "DispatcherScene.h"
 
+#include "LoggingWrapper.h"
+#include "runtime/LogSink.h"
+
+#include <algorithm>
 #include <chrono>
+#include <sstream>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace OrvHost {
 namespace {
@@ -232,6 +239,7 @@ protected:
         handle.reset();
     }
     std::optional<unsigned long> handle;
+    std::ostringstream mLines;
 };
 
 TEST_F(NetconfOverdueCommitTest, RefusedCancel_KeepsWaiting) {
@@ -288,6 +296,80 @@ TEST_F(NetconfOverdueCommitTest, AnySession_MayCancelOrWaitAnew) {
     abort();
     EXPECT_EQ(ask(bob, "<cancel-commit/>"), "ok") << "it belongs to bob now";
     EXPECT_THAT(running(), Not(HasSubstr("Old harbour")));
+}
+
+TEST_F(NetconfOverdueCommitTest, TriedAgain_AfterLongerAndLongerPauses_SaysEachOnce) {
+    LogSink log(mLines, LogFormat::Text);
+    Orv::LoggingWrapper::instance()->setLevel(6);
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    write();
+    dispatcher.end(alice);
+    const auto times = [&](const std::string& text) {
+        const std::vector<std::string> lines = log.recent(LogSink::kKept);
+        return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+            return line.find(text) != std::string::npos;
+        });
+    };
+    EXPECT_TRUE(comesTrue([&] { return times("it is tried again every 4 s") > 0; }));
+    EXPECT_EQ(times("it is tried again every 1 s"), 1);
+    EXPECT_EQ(times("it is tried again every 2 s"), 1);
+    EXPECT_EQ(times("it is tried again every 4 s"), 1);
+}
+
+/// Commits something at the moment when somebody else begins a transaction.
+class NetconfCommitBetweenTest : public NetconfConfirmedCommitTest {
+protected:
+    NetconfCommitBetweenTest() {
+        theTest = this;
+        resource.join = [](unsigned long) { return theTest->commitOnce(); };
+        const auto nothing = [](unsigned long) { return OrvOk; };
+        resource.prepare = resource.commit = resource.abort = resource.finish = nothing;
+        resource.validate = [](unsigned long, bool* result) {
+            *result = true;
+            return theTest->isAtValidate ? theTest->commitOnce() : OrvOk;
+        };
+        host.transactions().enrolInEach(&resource);
+    }
+    ~NetconfCommitBetweenTest() override { host.transactions().abortAll(); }
+
+    OrvReturnT commitOnce() {
+        if (std::exchange(isArmed, false)) {
+            const unsigned long handle = host.transactions().begin("carol");
+            bob.client().client().set(
+                handle, "ManagedElement=Harbour,Equipment=1,RadioUnit=2",
+                {{"userLabel", AttributeValue{ValueKind::String, {std::string("Carol's")}}}});
+            EXPECT_TRUE(host.transactions().commit(handle).accepted);
+        }
+        return OrvOk;
+    }
+
+    static NetconfCommitBetweenTest* theTest;
+    OrvOamSpiTransactionalResource_2 resource{};
+    bool isArmed = false;
+    bool isAtValidate = false;
+};
+
+NetconfCommitBetweenTest* NetconfCommitBetweenTest::theTest = nullptr;
+
+TEST_F(NetconfCommitBetweenTest, WhileItIsTakenBack_IsUndoneToo) {
+    const std::string before = running();
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    isArmed = true;
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_FALSE(isArmed);
+    EXPECT_EQ(running(), before);
+}
+
+TEST_F(NetconfCommitBetweenTest, BeforeTheTakeBackIsCommitted_IsUndoneToo) {
+    const std::string before = running();
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    isArmed = isAtValidate = true;
+    resource.join = [](unsigned long) { return OrvOk; };
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_FALSE(isArmed);
+    EXPECT_EQ(running(), before);
 }
 
 TEST_F(NetconfConfirmedCommitTest, RefusedCommit_WaitsForNothing) {

@@ -41,6 +41,7 @@ public:
 
     ActionRequest read(const lyd_node* action) {
         ActionRequest request;
+        refuseBeside(action);
         request.dn = dnOf(lyd_parent(action));
         request.shape = mModel.actionAt(action->schema);
         if (request.shape == nullptr) {
@@ -57,6 +58,20 @@ public:
     }
 
 private:
+    /// A value beside the path would look as if it were set.
+    void refuseBeside(const lyd_node* action) {
+        for (const lyd_node* node = action; node != nullptr; node = lyd_parent(node)) {
+            for (const lyd_node* one = lyd_first_sibling(node); one != nullptr; one = one->next) {
+                if (one != node && (one->schema == nullptr || !lysc_is_key(one->schema))) {
+                    mErrors.push_back(errorAt(one, "bad-element",
+                                              quoted(one) + " stands beside the path of an action, "
+                                                            "where only keys were expected"));
+                    mErrors.back().info = errorInfo("bad-element", LYD_NAME(one));
+                }
+            }
+        }
+    }
+
     std::string dnOf(const lyd_node* node) {
         if (node == nullptr) {
             return "";

@@ -6,7 +6,16 @@
 #include "netconf/wire/RpcError.h"
 #include "runtime/Host.h"
 
+#include <algorithm>
+
 namespace OrvHost {
+
+namespace {
+
+/// With pauses of 10 s at first: more than five minutes.
+constexpr int kMostPauses = 32;
+
+}
 
 ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner)
     : mOwner(owner.id()),
@@ -14,6 +23,7 @@ ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner)
       mFeed(host.watch([this](const ChangeSet& changes) {
           const std::lock_guard<std::mutex> lock(mMutex);
           mUndoing.add(changes);
+          ++mCommits;
       })) {}
 
 void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& request) {
@@ -21,6 +31,7 @@ void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& r
         mOwner = session.id();
         mAuthor = session.author();
         mRefusal.clear();
+        mPause = {};
         mToken.reset();
     }
     if (request.persist) {
@@ -59,11 +70,20 @@ Wish ConfirmedCommit::undoing(const Model& model) {
     return mUndoing.wish(model);
 }
 
-void ConfirmedCommit::delay(const std::string& reason, const std::string& refusal,
+std::size_t ConfirmedCommit::commits() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mCommits;
+}
+
+bool ConfirmedCommit::delay(const std::string& reason, const std::string& refusal,
                             std::chrono::seconds pause) {
+    const std::chrono::seconds before = mPause;
+    mPause = isOverdue() ? std::min(2 * mPause, kMostPauses * pause) : pause;
+    const bool isNews = mPause != before || refusal != mRefusal;
     mReason = reason;
     mRefusal = refusal;
-    mDeadline = Alarm::Clock::now() + pause;
+    mDeadline = Alarm::Clock::now() + mPause;
+    return isNews;
 }
 
 }

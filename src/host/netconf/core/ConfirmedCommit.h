@@ -10,6 +10,7 @@
 #include "store/CommitFeed.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -28,13 +29,13 @@ struct CommitRequest {
 
 /// A confirmed commit of RFC 6241, section 8.4, that waits for its confirmation. It remembers what
 /// was before all that has been committed since it began, whoever did: to take it back means that
-/// running is again as it was before. It is kept in memory only: if the server ends before, nothing
-/// is taken back, and with a store what was committed stays.
+/// running is again as it was before. It is kept in memory only: if it still waits when the process
+/// ends, nothing is taken back, and with a store what was committed stays.
 ///
 /// If its time is over, or its session, and the component refuses to take it back, it is *overdue*:
-/// it is tried again from time to time, and any session may cancel it, or take it over by a
-/// confirmed commit of its own. To confirm it stays with its session and those who know its token:
-/// a commit of somebody who knows nothing of it must not make it last.
+/// it is tried again from time to time, after longer and longer pauses, and any session may cancel
+/// it, or take it over by a confirmed commit of its own. To confirm it stays with its session and
+/// those who know its token: a commit of somebody who knows nothing of it must not make it last.
 ///
 /// One thread, but for the feed's.
 class ConfirmedCommit {
@@ -62,10 +63,14 @@ public:
 
     /// The wish that takes it back. Without edits: nothing was committed.
     Wish undoing(const Model& model);
+    /// The commits so far, those that take it back included.
+    std::size_t commits();
 
     /// It could not be taken back, which was to happen because of \p reason. It will be tried again
-    /// in \p pause.
-    void delay(const std::string& reason, const std::string& refusal, std::chrono::seconds pause);
+    /// in \p pause at first, then after twice as long, and so on, up to 32 times as long. True if
+    /// that is news: the pause or the refusal is another one than before.
+    bool delay(const std::string& reason, const std::string& refusal, std::chrono::seconds pause);
+    std::chrono::seconds pause() const { return mPause; }
     bool isOverdue() const { return !mRefusal.empty(); }
     /// Of the last time that it could not be taken back, for people.
     const std::string& reason() const { return mReason; }
@@ -79,8 +84,11 @@ private:
     std::string mReason;
     std::string mRefusal; ///< empty: it is not overdue
 
-    std::mutex mMutex; ///< guards mUndoing
+    std::chrono::seconds mPause{0};
+
+    std::mutex mMutex; ///< guards the next two
     Undoing mUndoing;
+    std::size_t mCommits = 0;
     CommitFeed::Subscription mFeed; ///< after what its watcher uses
 };
 

@@ -65,8 +65,15 @@ Datastores::Datastores(Host& host, const YangSchema& schema)
 
 Datastores::~Datastores() {
     mTimeOver.stop();
-    const std::lock_guard<std::mutex> lock(mCandidateMutex);
+    const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     dropCandidate();
+    if (mUnconfirmed) {
+        contain("a confirmed commit is left", [this] {
+            logServer(4, "the server ends, and what the confirmed commit of " +
+                             mUnconfirmed->author() +
+                             " has changed stays: it was neither confirmed nor taken back");
+        });
+    }
 }
 
 void Datastores::read(NetconfSession& session, Datastore store, const Read& read) {
@@ -253,13 +260,12 @@ void Datastores::cancelCommit(NetconfSession& session,
 /// to wait. The candidate gives way, since it may have written to the same objects, and its edits
 /// are made again afterwards.
 void Datastores::takeBack() {
-    Wish wish = mUnconfirmed->undoing(mHost.model());
-    const bool isChanged = !wish.edits.empty();
+    const bool isChanged = !mUnconfirmed->undoing(mHost.model()).edits.empty();
     std::exception_ptr refusal;
     if (isChanged) {
         abortCandidate();
         try {
-            undo(std::move(wish), mUnconfirmed->author() + ", confirmed commit");
+            undoAll();
         } catch (...) {
             refusal = std::current_exception();
         }
@@ -289,16 +295,15 @@ void Datastores::takeBackUnasked(const std::string& reason) {
                              "candidate could be made again: " + refusal);
             return;
         }
-        if (mUnconfirmed->refusal() != refusal) {
+        if (mUnconfirmed->delay(reason, refusal, mUndoingPause)) {
             logServer(
                 3,
                 what + " is to be taken back (" + reason +
                     "), which is refused; it is tried again every " +
-                    std::to_string(mUndoingPause.count()) +
+                    std::to_string(mUnconfirmed->pause().count()) +
                     " s, and any session may cancel it, or take it over by a confirmed commit: " +
                     refusal);
         }
-        mUnconfirmed->delay(reason, refusal, mUndoingPause);
         setAlarm();
     }
 }
@@ -311,11 +316,30 @@ std::string Datastores::textOf(const std::exception_ptr& failure) {
     return text;
 }
 
-void Datastores::undo(Wish wish, const std::string& author) {
-    OwnTransaction transaction(mHost, author);
-    applyWish(std::move(wish), mHost.model(), mCandidateClients, transaction.handle());
+/// Other clients of the host can commit meanwhile: that is undone, too.
+void Datastores::undoAll() {
+    constexpr int kMostTimes = 10;
+    for (int times = 0; !undo(); ++times) {
+        if (times == kMostTimes) {
+            throw RpcErrors(protocolError(
+                "in-use", "other clients of the host have committed again and again"));
+        }
+    }
+}
+
+/// False if somebody has committed what this has not undone. A commit after the count can be one
+/// that the transaction does not see.
+bool Datastores::undo() {
+    const std::size_t commits = mUnconfirmed->commits();
+    OwnTransaction transaction(mHost, mUnconfirmed->author() + ", confirmed commit");
+    const EditPlan plan = applyWish(mUnconfirmed->undoing(mHost.model()), mHost.model(),
+                                    mCandidateClients, transaction.handle());
+    if (plan.calls.empty()) {
+        return mUnconfirmed->commits() == commits;
+    }
     transaction.leave();
     mCandidate.commit(entryOf(transaction.handle()));
+    return mUnconfirmed->commits() <= commits + 1;
 }
 
 void Datastores::onTimeOver() {

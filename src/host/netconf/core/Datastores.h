@@ -78,8 +78,8 @@ public:
     /// sessions.
     void limitCandidate(std::chrono::seconds limit) { mCandidateLimit = limit; }
 
-    /// How long after a confirmed commit could not be taken back it is tried again: 10 s, unless
-    /// this is called. Before the sessions.
+    /// How long after a confirmed commit could not be taken back it is tried again at first: 10 s,
+    /// unless this is called. Before the sessions.
     void pauseUndoing(std::chrono::seconds pause) { mUndoingPause = pause; }
 
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
@@ -134,7 +134,8 @@ private:
     void commitCandidate(const NetconfSession& session);
     void takeBack();
     void takeBackUnasked(const std::string& reason);
-    void undo(Wish wish, const std::string& author);
+    void undoAll();
+    bool undo();
     void onTimeOver();
     void doWhatIsDue(Alarm::Clock::time_point now);
     void setAlarm();

@@ -49,6 +49,29 @@ TEST_F(OpenTransactionsTest, Remove_CurrentOrOther_LeavesTheRest) {
     EXPECT_TRUE(transactions.all().empty());
 }
 
+TEST_F(OpenTransactionsTest, WithNames_OfOpenOnesAndThoseThatEndedLast) {
+    transactions.add("long", 1);
+    for (unsigned long handle = 2; handle < 5000; ++handle) {
+        transactions.add(transactions.freeName(), handle);
+        transactions.remove(handle);
+        transactions.addUnnamed(5000 + handle);
+    }
+    EXPECT_EQ(transactions.withNames("transaction 1"), "transaction long");
+    EXPECT_EQ(transactions.withNames("transaction 9999"), "a write without a transaction");
+    EXPECT_EQ(transactions.withNames("transaction 2"), "transaction 2") << "long ago";
+    EXPECT_EQ(transactions.freeName(), "t4999");
+}
+
+TEST_F(OpenTransactionsTest, FreeName_IsTheFirstThatWasNeverUsed) {
+    for (const char* name : {"t2", "t1", "t4", "t04", "tail", "t"}) {
+        transactions.add(name, 1);
+        transactions.remove(1);
+    }
+    EXPECT_EQ(transactions.freeName(), "t3");
+    transactions.add("t3", 1);
+    EXPECT_EQ(transactions.freeName(), "t5");
+}
+
 TEST_F(OpenTransactionsTest, Name_TakenEmptyOrOfTwoWords_IsRefused) {
     transactions.add("a", 5);
     EXPECT_THROW(transactions.requireFree("a"), RequestError);
