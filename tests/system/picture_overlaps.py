@@ -4,6 +4,8 @@
 
 """Checks that pictures of objects and classes can be read: no text lies on another text, a line, the
 border of a frame or a box of something else, and no line leads through a box that it does not end at.
+Checks also that they are true: every reference of the data is drawn or counted once and, where nothing
+is folded, between the right objects and in its direction.
 
 usage: picture_overlaps.py ORVHOST GENERATOR ROOT [--keep FOLDER]
 
@@ -108,6 +110,7 @@ class Picture:
         self.lines = []  # of (name, straight pieces)
         self.boxes = []  # of (name, box)
         self.frames = []  # of (name, straight pieces)
+        self.heads = []  # of (name, boxes around the arrowheads)
         widths = Widths(dot)
         graph = tree.fromstring(svg).find(SVG + "g")
         self.read(graph, "", widths)
@@ -128,6 +131,9 @@ class Picture:
             points = along(pairs(path.get("d")))
             pieces = list(zip(points, points[1:]))
             (self.frames if kind == "cluster" else self.lines).append((name, pieces))
+        if kind == "edge":
+            self.heads.append((name, [box_around(pairs(polygon.get("points")))
+                                      for polygon in part.iter(SVG + "polygon")]))
 
     def read(self, part, name, widths):
         # Below a tooltip, or directly; not those of parts inside.
@@ -140,6 +146,16 @@ class Picture:
             if (text.text or "").strip():
                 self.texts.append((text.text, Box(left, y - ABOVE * size, left + width,
                                                   y + BELOW * size), name))
+
+    def wrong_heads(self):
+        """Each line has a head at the box where it ends, and at no box else unless it has two."""
+        boxes = dict(self.boxes)
+        for name, heads in self.heads:
+            start, end = (boxes[part.split(":")[0]] for part in name.split("->"))
+            at_end = [head for head in heads if head.meets(end.smaller(-1))]
+            at_start = [head for head in heads if head.meets(start.smaller(-1))]
+            if len(at_end) != 1 or len(heads) != len(at_end) + len(at_start):
+                yield f"the line {name} has no head where it ends, or one in the wrong place"
 
     def overlaps(self):
         for at, (text, box, _) in enumerate(self.texts):
@@ -158,6 +174,56 @@ class Picture:
             for other, box in self.boxes:
                 if other not in ends and any(box.smaller(1).is_crossed(*piece) for piece in pieces):
                     yield f"the line {name} and the box {other}"
+
+
+NODE = re.compile(r'^ *(n\d+) \[label=<(.*)>, tooltip="(.*)"\]', re.M)
+ROW = re.compile(r'PORT="(p\d+)"><FONT[^>]*>(.*?)</FONT>')
+EDGE = re.compile(r'^ *(n\d+):(\w+) -> (n\d+):(\w+) \[(.*)\]', re.M)
+COUNT = re.compile(r"×(\d+)")
+
+
+def counted(row):
+    """How many references a row stands for, for each line that begins there."""
+    parts = re.split(", |↔", re.sub("<[^>]*>", "", row))
+    return sum(int(found[1]) if (found := COUNT.search(part)) else 1 for part in parts)
+
+
+def drawn_references(dot):
+    """How many references are drawn, and the (holder, target) of those between two boxes."""
+    names, rows, total, pairs_drawn = {}, {}, 0, []
+    for node, label, name in NODE.findall(dot):
+        names[node] = name
+        for port, row in ROW.findall(label):
+            rows[node, port] = counted(row)
+            if "↔" in row or "↺" in row:
+                total += rows[node, port]
+    for start, start_port, end, end_port, look in EDGE.findall(dot):
+        if "invis" in look:
+            continue
+        total += rows[start, start_port]
+        pairs_drawn.append((names[start], names[end]))
+        if 'dir="both"' in look:
+            total += rows[end, end_port]
+            pairs_drawn.append((names[end], names[start]))
+    return total, sorted(set(pairs_drawn))
+
+
+def references_in(value, holder=""):
+    """The (holder, target) of all references in instance data, in JSON."""
+    if isinstance(value, str):
+        if value.startswith("ManagedElement="):
+            yield holder, value
+    elif isinstance(value, list):
+        for one in value:
+            yield from references_in(one, holder)
+    elif isinstance(value, dict):
+        for key, inner in value.items():
+            name = key.split(":")[-1]
+            naming = name[:1].lower() + name[1:] + "Id"
+            for one in inner if isinstance(inner, list) else [inner]:
+                is_object = name[:1].isupper() and isinstance(one, dict) and naming in one
+                step = f"{holder},{name}={one[naming]}".lstrip(",") if is_object else holder
+                yield from references_in(one, step)
 
 
 class Check:
@@ -187,9 +253,10 @@ class Check:
             if (place / f"{name}.dot").read_text() != dot:
                 self.fail(name, "drawn again, it is not the same")
         picture = Picture(svg, dot)
+        picture.dot = dot
         if not picture.texts or not picture.boxes:
             self.fail(name, "there is nothing in it")
-        overlaps = list(picture.overlaps())
+        overlaps = [*picture.overlaps(), *picture.wrong_heads()]
         for overlap in overlaps:
             self.fail(name, overlap)
         print(f"{name}: {len(picture.boxes)} boxes, {len(picture.lines)} lines, "
@@ -202,10 +269,22 @@ class Check:
 
 
 def expect_texts(check, name, picture, *texts):
-    whole = shown(" ".join(text for text, _, _ in picture.texts))
+    # Texts are wrapped after a blank or a comma.
+    whole = shown("".join(text for text, _, _ in picture.texts)).replace(" ", "")
     for text in texts:
-        if text not in whole:
+        if text.replace(" ", "") not in whole:
             check.fail(name, f"'{text}' is not in it")
+
+
+def expect_references(check, name, dot, data, identity="1"):
+    """All references of the data, a file, must be in the picture of all of it."""
+    expected = [tuple(re.sub("^ManagedElement=1", f"ManagedElement={identity}", dn) for dn in pair)
+                for pair in references_in(json.loads(pathlib.Path(data).read_text()))]
+    total, pairs_drawn = drawn_references(dot)
+    if total != len(expected) or f", {total} references, " not in dot:
+        check.fail(name, f"{total} references are drawn, the data has {len(expected)}")
+    if " × " not in dot and pairs_drawn != sorted({pair for pair in expected if pair[0] != pair[1]}):
+        check.fail(name, "the lines do not lead from and to the objects of the data")
 
 
 def self_test():
@@ -219,6 +298,11 @@ def self_test():
            '<g class="edge"><title>c-&gt;d</title><path d="M-5,10C10,10 20,10 70,10"/></g>'
            '</g></svg>')
     found = " | ".join(Picture(svg, dot).overlaps())
+    back = svg.replace("c-&gt;d", "a:p0-&gt;b:p0").replace(
+        "</g></g></svg>", '<polygon points="0,4 2,4 1,6"/></g></g></svg>').replace(
+        "10,5 60,5 60,25 10,25", "80,5 90,5 90,25 80,25")
+    if not list(Picture(back, dot).wrong_heads()):
+        sys.exit("the measurement does not see an arrowhead at the wrong end")
     for kind in ("the texts 'one' and 'one'", "the text 'one' and the box", "and the line or frame c",
                  "the line c->d and the box a"):
         if kind not in found:
@@ -238,14 +322,18 @@ def main():
 
     check.picture("demo-before", harbour, radio_unit)
     check.picture("demo-after", harbour, radio_unit, [f"set {radio_unit} antennaRef={antenna}"])
-    check.picture("harbour", harbour, "")
+    whole = check.picture("harbour", harbour, "")
+    expect_references(check, "harbour", whole.dot, root / "examples/data/harbour.json", "Harbour")
     check.picture("equipment", harbour, equipment)
     check.picture("level", harbour, "--depth 2")
     wrong = check.picture("violations", harbour, equipment, [
         f"create {equipment},RadioUnit=3 antennaRef={antenna}",
         f"create {equipment},RadioUnit=4 antennaRef={antenna} "
         f"sectorRef={equipment},Sector=nowhere"])
-    expect_texts(check, "violations", wrong, "expected 0..2", "does not exist", "red:")
+    # The box has short DNs, and the whole message; below the picture are the whole DNs.
+    expect_texts(check, "violations", wrong, "expected 0..2", "red:",
+                 "attribute sectorRef names …,Equipment=1,Sector=nowhere, which does not exist.",
+                 f"names {equipment},Sector=nowhere, which does not exist.")
 
     long_name = "long" * 50
     odd = ["R&D &amp 'too'", "Höhe 塔", "two  blanks", "{a|b}", long_name]
@@ -266,8 +354,12 @@ def main():
             for option in options:
                 name = f"{count}{option}"
                 picture = check.picture(name, [*model, "-d", data], option)
+                expect_references(check, name, picture.dot, data)
                 if count > 100 and not option:
-                    expect_texts(check, name, picture, "NRCellRelation × ", "--unfold")
+                    expect_texts(check, name, picture, "NRCellRelation × ", "folded")
+                    part = re.search("'graph ([^']*)' draws", picture.dot)[1]
+                    if " × " in check.run(*model, "-d", data, "-c", f"graph --dot {part}"):
+                        check.fail(name, f"'graph {part}' is folded, too")
     return 1 if check.failures else 0
 
 

@@ -29,10 +29,8 @@ namespace OrvHost {
 namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
-// What is read for a picture that can be folded, or a page; what Graphviz lays out in good time;
-// what can be read easily.
+// What is read for a picture that can be folded, or a page, and what can be read easily.
 constexpr std::uint64_t kObjects = 100000;
-constexpr std::uint64_t kUnfoldedObjects = 300;
 constexpr std::uint64_t kClasses = 300;
 constexpr std::uint64_t kBoxes = 100;
 constexpr std::uint64_t kSeconds = 60;
@@ -54,7 +52,14 @@ std::uint64_t usualLimit(const GraphOptions& options) {
     if (options.wantsClasses) {
         return kClasses;
     }
-    return options.wantsAllBoxes ? kUnfoldedObjects : kObjects;
+    return options.wantsAllBoxes ? kMostUnfolded : kObjects;
+}
+
+std::chrono::seconds layoutTime(std::uint64_t seconds) {
+    if (seconds == 0) {
+        throw UsageError("--layout-time needs at least 1 second");
+    }
+    return std::chrono::seconds(std::min(seconds, kMostSeconds));
 }
 
 GraphOptions parse(Words& words, const Model& model) {
@@ -66,8 +71,7 @@ GraphOptions parse(Words& words, const Model& model) {
     options.depth = words.takeNumber("--depth").value_or(kNoLimit);
     options.wantsAllBoxes = words.takeFlag("--unfold");
     options.limit = words.takeNumber("--limit").value_or(usualLimit(options));
-    options.timeout = std::chrono::seconds(
-        std::min(words.takeNumber("--layout-time").value_or(kSeconds), kMostSeconds));
+    options.timeout = layoutTime(words.takeNumber("--layout-time").value_or(kSeconds));
     options.from =
         options.wantsClasses ? words.takeOptional().value_or("") : words.takeDnOrHere(model);
     words.end();
@@ -121,12 +125,10 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     Drawing drawing;
     drawing.violations = violationsIn(session.model(), picture);
     const ReferenceLines lines(classes, picture, drawing.violations);
-    drawing.json = {{"objects", picture.objects.size()}, {"references", lines.all().size()}};
+    drawing.json = {{"objects", picture.objects.size()}, {"references", lines.references()}};
     if (options.wantsPage) {
         drawing.text = objectPage(picture, lines, drawing.violations);
-        drawing.summary = counted(picture.objects.size(), "object") + ", " +
-                          counted(lines.all().size(), "line") + " of references, " +
-                          counted(drawing.violations.size(), "violation");
+        drawing.summary = pictureSummary(picture, lines, drawing.violations);
     } else {
         const ObjectGraph graph(picture, lines, drawing.violations,
                                 options.wantsAllBoxes ? 0 : kBoxes);

@@ -3,9 +3,9 @@
 
 #include "Commands.h"
 
-#include "CountBelow.h"
 #include "base/DnView.h"
 #include "cli/session/Session.h"
+#include "client/CountBelow.h"
 
 #include <cstdint>
 #include <limits>

@@ -3,13 +3,13 @@
 
 #include "Commands.h"
 
-#include "CountBelow.h"
 #include "WriteReport.h"
 #include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/Assignments.h"
 #include "cli/output/AlignedText.h"
 #include "cli/session/Session.h"
+#include "client/CountBelow.h"
 #include "client/DnResolver.h"
 #include "client/NamedRecords.h"
 

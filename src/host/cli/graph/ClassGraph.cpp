@@ -194,6 +194,8 @@ void ClassGraph::drawNode(DotText& dot, Position position) {
     if (position >= mChosen.size()) {
         look.border = kOutsideColour;
         look.isDashed = true;
+    } else {
+        look.isThick = !mFramed[position].empty();
     }
     dot.node(nodeName(position),
              {{"label", mLabels[position].markup(look), DotText::Form::Markup}});
@@ -206,7 +208,7 @@ PictureCaption ClassGraph::caption() const {
         return !positions.empty();
     };
     if (std::any_of(mFramed.begin(), mFramed.end(), isNotEmpty)) {
-        caption.frame("a class, at the left, with the classes that it contains");
+        caption.frame("a class, with a thick border, and the classes that it contains");
     }
     if (std::any_of(mParents.begin(), mParents.end(), isNotEmpty)) {
         caption.plainLine("the class at the left contains that at the right");

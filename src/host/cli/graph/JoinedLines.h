@@ -9,9 +9,20 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace OrvHost {
+
+/// The attributes at one end of a line, each with how many of its references the line stands for,
+/// in the order of the first ones.
+struct LineEnd {
+    std::vector<std::pair<std::string, std::size_t>> attributes;
+
+    void add(const std::string& attribute);
+    /// Those with several references with their number: "antennas ×3, mast".
+    std::string text() const;
+};
 
 /// All references of one kind between two boxes.
 struct JoinedLine {
@@ -19,10 +30,9 @@ struct JoinedLine {
     std::size_t to;
     LineKind kind;
     bool isWrong; ///< each of them violates an association
-    /// What stands at the ends: the attributes, those with several references with their number:
-    /// "antennas ×3". Empty at `to` unless the line leads both ways.
-    std::string fromText;
-    std::string toText;
+    /// What stands at the ends. Empty at `to` unless the line leads both ways.
+    LineEnd fromEnd;
+    LineEnd toEnd;
 };
 
 /// \p lines from box to box, parallel ones as one. Lines that differ in kind or in being wrong, and

@@ -6,6 +6,7 @@
 #include "GraphLook.h"
 #include "base/Counted.h"
 #include "base/DnView.h"
+#include "cli/input/WordSplitter.h"
 
 #include <algorithm>
 
@@ -15,8 +16,7 @@ namespace {
 
 constexpr std::size_t kMaxListedViolations = 20;
 constexpr std::size_t kMaxMessages = 3;
-constexpr std::size_t kMessageColumns = 44;
-constexpr std::size_t kMessageLines = 5;
+constexpr std::size_t kDnLetters = 40;
 
 std::string nodeName(std::size_t position) {
     return "n" + std::to_string(position);
@@ -32,14 +32,32 @@ std::string withoutDn(const InstanceProblem& problem) {
     return problem.text.rfind(head, 0) == 0 ? problem.text.substr(head.size()) : problem.text;
 }
 
-/// The text in few lines.
-std::string shortened(const std::string& text) {
-    const std::vector<std::string> lines = wrapped(text, kMessageColumns);
-    std::string result;
-    for (std::size_t at = 0; at < std::min(lines.size(), kMessageLines); ++at) {
-        result += (at == 0 ? "" : "\n") + lines[at];
+/// A long DN without its first steps: "…,Site=1,Antenna=2".
+std::string shortDn(const std::string& dn) {
+    const DnView whole(dn);
+    const DnView parent = whole.parent();
+    const std::string end = "…," + std::string(parent.last().text()) + ',' + lastStep(dn);
+    return dn.size() > kDnLetters && !parent.parent().text().empty() ? end : dn;
+}
+
+/// \p text with short forms of the DNs that the problem names. Nothing else of a message may be
+/// left out: its end tells what is wrong.
+std::string withShortDns(std::string text, const InstanceProblem& problem) {
+    for (const std::string* const dn : {&problem.dn, &problem.otherDn}) {
+        const std::string shorter = shortDn(*dn);
+        std::size_t at = shorter == *dn ? std::string::npos : text.find(*dn);
+        while (at != std::string::npos) {
+            text.replace(at, dn->size(), shorter);
+            at = text.find(*dn, at + shorter.size());
+        }
     }
-    return lines.size() > kMessageLines ? result + "…" : result;
+    return text;
+}
+
+std::string tooltipOf(const PictureBox& box) {
+    return box.isFolded && box.objects > 1
+               ? counted(box.objects, "object") + ", the first: " + box.dn
+               : box.dn;
 }
 
 std::string titleOf(const PictureBox& box) {
@@ -56,6 +74,13 @@ std::string titleOf(const PictureBox& box) {
     return title;
 }
 
+}
+
+std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
+                           const std::vector<InstanceProblem>& violations) {
+    return counted(picture.objects.size(), "object") + ", " +
+           counted(lines.references(), "reference") + ", " +
+           counted(violations.size(), "violation");
 }
 
 ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
@@ -92,8 +117,7 @@ void ObjectGraph::findWhatIsWrong() {
 }
 
 std::string ObjectGraph::summary() const {
-    return counted(mPicture.objects.size(), "object") + ", " + counted(mLines.size(), "line") +
-           " of references, " + counted(mViolations.size(), "violation");
+    return pictureSummary(mPicture, mReferences, mViolations);
 }
 
 std::string ObjectGraph::foldNote() const {
@@ -101,11 +125,18 @@ std::string ObjectGraph::foldNote() const {
     if (!above) {
         return {};
     }
-    return "folded: more than " +
-           (*above == 1 ? "one object" : std::to_string(*above) + " objects") +
-           " of a class in one frame, and those below them, are one box with their number. To "
-           "unfold: graph DN draws a part, --depth fewer levels, --unfold all; --html makes a page "
-           "with all";
+    std::string note = "folded: more than " +
+                       (*above == 1 ? "one object" : std::to_string(*above) + " objects") +
+                       " of a class in one frame, and those below them, are one box with their "
+                       "number. To see more: ";
+    const std::string* const part = mBoxes.largestPartThatFits();
+    if (part != nullptr) {
+        note += "'graph " + quoteWord(*part) + "' draws that part without folding, ";
+    }
+    if (mPicture.objects.size() <= kMostUnfolded) {
+        note += "--unfold draws all, ";
+    }
+    return note + "--html makes a page with all";
 }
 
 void ObjectGraph::makeLabels() {
@@ -119,17 +150,34 @@ void ObjectGraph::makeLabels() {
 
 void ObjectGraph::addEnds() {
     for (const JoinedLine& line : mLines) {
-        const char* colour = line.isWrong ? kViolationColour : kReferenceColour;
         if (line.from == line.to) {
-            mLabels[line.from].port(loopText(line.fromText, line.toText), colour);
+            const char* colour = line.isWrong ? kViolationColour : kReferenceColour;
+            mLabels[line.from].port(loopText(line.fromEnd.text(), line.toEnd.text()), colour);
             mEnds.emplace_back();
             continue;
         }
-        const std::string from = mLabels[line.from].port(line.fromText, colour);
+        const std::string from = rowOf(line.from, line.fromEnd, line.isWrong);
         const std::string to =
-            line.toText.empty() ? "title" : mLabels[line.to].port(line.toText, colour);
+            line.toEnd.attributes.empty() ? "title" : rowOf(line.to, line.toEnd, line.isWrong);
         mEnds.emplace_back(nodeName(line.from) + ":" + from, nodeName(line.to) + ":" + to);
     }
+}
+
+std::string ObjectGraph::rowOf(std::size_t box, const LineEnd& end, bool isWrong) {
+    const bool isRed = isWrong || isWrongCount(box, end);
+    return mLabels[box].port(end.text(), isRed ? kViolationColour : kReferenceColour);
+}
+
+// The number of references in an attribute is wrong, and not one of them.
+bool ObjectGraph::isWrongCount(std::size_t box, const LineEnd& end) const {
+    return std::any_of(
+        mProblems[box].begin(), mProblems[box].end(), [&](const InstanceProblem* problem) {
+            const auto isMeant = [&](const auto& attribute) {
+                return attribute.first == problem->attribute;
+            };
+            return problem->otherDn.empty() && mBoxes.find(problem->dn) == box &&
+                   std::any_of(end.attributes.begin(), end.attributes.end(), isMeant);
+        });
 }
 
 void ObjectGraph::addMessages() {
@@ -137,8 +185,10 @@ void ObjectGraph::addMessages() {
         const std::vector<const InstanceProblem*>& problems = mProblems[position];
         const bool isFolded = mBoxes.all()[position].isFolded;
         for (std::size_t at = 0; at < std::min(problems.size(), kMaxMessages); ++at) {
-            const std::string object = isFolded ? lastStep(problems[at]->dn) + ": " : "";
-            mLabels[position].note(shortened(object + withoutDn(*problems[at])), kViolationColour);
+            const InstanceProblem& problem = *problems[at];
+            mLabels[position].note(
+                withShortDns(isFolded ? problem.text : withoutDn(problem), problem),
+                kViolationColour);
         }
         if (problems.size() > kMaxMessages) {
             mLabels[position].note("and " +
@@ -191,9 +241,10 @@ void ObjectGraph::drawNode(DotText& dot, std::size_t position) {
     TableLabel::Look look;
     look.fill = box.isFolded ? kFoldedFillColour : kFillColour;
     look.isDashed = isOutside;
+    look.isThick = !box.children.empty();
     look.border = mIsRed[position] ? kViolationColour : isOutside ? kOutsideColour : kBoxColour;
     dot.node(nodeName(position), {{"label", mLabels[position].markup(look), DotText::Form::Markup},
-                                  {"tooltip", box.dn}});
+                                  {"tooltip", tooltipOf(box)}});
 }
 
 PictureCaption ObjectGraph::caption() const {
@@ -208,7 +259,8 @@ PictureCaption ObjectGraph::caption() const {
     }
     for (std::size_t number = 0; number < mViolations.size(); ++number) {
         if (number == kMaxListedViolations) {
-            caption.text("...", kViolationColour);
+            caption.text("and " + counted(mViolations.size() - number, "more violation"),
+                         kViolationColour);
             break;
         }
         caption.text(mViolations[number].text, kViolationColour);
@@ -224,21 +276,32 @@ void ObjectGraph::explainBoxes(PictureCaption& caption) const {
         return std::any_of(boxes.begin(), boxes.end(), isSuch);
     };
     if (has([](const PictureBox& box) { return !box.children.empty(); })) {
-        caption.frame("an object, at the left, with its children");
+        caption.frame("an object, with a thick border, and its children");
     }
     if (has([](const PictureBox& box) { return box.isFolded; })) {
         caption.box(kBoxColour, kFoldedFillColour, false,
                     "folded: Class × N are N objects of the class");
     }
-    if (has([](const PictureBox& box) { return box.place != BoxPlace::Inside; })) {
+    if (has([](const PictureBox& box) { return box.hiddenBelow > 0; })) {
+        caption.mark("(3 below)", "3 objects below it are not drawn");
+    }
+    if (has([](const PictureBox& box) { return box.place == BoxPlace::Outside; })) {
+        caption.box(kOutsideColour, kFillColour, true, "referred to, outside of what is drawn");
+    }
+    if (has([](const PictureBox& box) { return box.place == BoxPlace::Missing; })) {
         caption.box(kOutsideColour, kFillColour, true,
-                    "referred to, but outside of what is drawn, or not there");
+                    "\"is not there\": referred to, but no such object exists");
     }
 }
 
 void ObjectGraph::explainLines(PictureCaption& caption) const {
     const auto has = [&](const auto& isSuch) {
         return std::any_of(mLines.begin(), mLines.end(), isSuch);
+    };
+    const auto hasRow = [&](const auto& isSuch) {
+        return has([&](const JoinedLine& line) {
+            return isSuch(line.fromEnd.attributes) || isSuch(line.toEnd.attributes);
+        });
     };
     const auto hasKind = [&](LineKind kind) {
         return has([&](const JoinedLine& line) { return line.kind == kind; });
@@ -252,8 +315,15 @@ void ObjectGraph::explainLines(PictureCaption& caption) const {
     if (hasKind(LineKind::Plain)) {
         caption.line(LineKind::Plain, "a reference without an association");
     }
-    if (has([](const JoinedLine& line) {
-            return (line.fromText + line.toText).find("×") != std::string::npos;
+    if (!mLines.empty()) {
+        caption.mark("→", "leads from the row of an attribute to the object that it refers to");
+    }
+    if (hasRow([](const auto& attributes) { return attributes.size() > 1; })) {
+        caption.mark("a, b", "a line from this row stands for references of both attributes");
+    }
+    if (hasRow([](const auto& attributes) {
+            return std::any_of(attributes.begin(), attributes.end(),
+                               [](const auto& attribute) { return attribute.second > 1; });
         })) {
         caption.mark("×3", "a line from this row stands for 3 references of the attribute");
     }

@@ -20,12 +20,19 @@
 
 namespace OrvHost {
 
+/// How many objects Graphviz lays out in good time if none are folded.
+constexpr std::size_t kMostUnfolded = 300;
+
+/// "4 objects, 3 references, 0 violations": of the objects of \p picture, and of what is drawn.
+std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
+                           const std::vector<InstanceProblem>& violations);
+
 /// A part of the MO tree with its references as DOT text; violations of associations are red.
 ///
 /// An object is a box with a row for each of its reference attributes that a line leads from or to.
-/// An object with children stands in a frame with them. References of one kind between the same two
-/// boxes are one line; one that leads both ways has an arrowhead at each end. Large pictures are
-/// folded, see PictureBoxes. One thread.
+/// An object with children, in a box with a thick border, stands in a frame with them. References
+/// of one kind between the same two boxes are one line; one that leads both ways has an arrowhead
+/// at each end. Large pictures are folded, see PictureBoxes. One thread.
 class ObjectGraph {
 public:
     /// At most \p most boxes if folding achieves that, 0: any number. All other arguments are
@@ -34,7 +41,7 @@ public:
                 const std::vector<InstanceProblem>& violations, std::size_t most);
 
     const std::string& dot() const { return mDot; }
-    /// "4 objects, 3 lines of references, 0 violations".
+    /// See pictureSummary.
     std::string summary() const;
     /// What was folded, and how to see more; empty: nothing.
     std::string foldNote() const;
@@ -43,6 +50,8 @@ private:
     void findWhatIsWrong();
     void makeLabels();
     void addEnds();
+    std::string rowOf(std::size_t box, const LineEnd& end, bool isWrong);
+    bool isWrongCount(std::size_t box, const LineEnd& end) const;
     void addMessages();
     void draw();
     void drawBox(DotText& dot, std::size_t position);

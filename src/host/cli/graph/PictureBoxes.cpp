@@ -8,10 +8,54 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
 namespace OrvHost {
+
+/// How many objects an object and all below it are, and which.
+class PictureBoxes::Subtrees {
+public:
+    /// Of \p objects, parents first.
+    explicit Subtrees(const std::vector<Object>& objects) : mPlaces(objects.size()) {
+        for (std::size_t at = objects.size(); at-- > 0;) {
+            Place& place = mPlaces[at];
+            place.drawn += 1;
+            place.all += 1 + objects[at].hiddenBelow;
+            if (objects[at].parent) {
+                mPlaces[*objects[at].parent].drawn += place.drawn;
+                mPlaces[*objects[at].parent].all += place.all;
+            }
+        }
+        std::size_t nextTop = 0;
+        std::vector<std::size_t> next(objects.size());
+        for (std::size_t at = 0; at < objects.size(); ++at) {
+            std::size_t& free = objects[at].parent ? next[*objects[at].parent] : nextTop;
+            mPlaces[at].first = free;
+            free += mPlaces[at].drawn;
+            next[at] = mPlaces[at].first + 1;
+        }
+    }
+
+    /// With those that are not drawn.
+    unsigned long long sizeOf(std::size_t position) const { return mPlaces[position].all; }
+    bool contains(std::size_t top, std::size_t position) const {
+        const std::size_t number = mPlaces[position].first;
+        const Place& place = mPlaces[top];
+        return number >= place.first && number < place.first + place.drawn;
+    }
+
+private:
+    /// The objects are numbered so that those of a subtree have the next numbers.
+    struct Place {
+        std::size_t first = 0;
+        std::size_t drawn = 0;
+        unsigned long long all = 0;
+    };
+
+    std::vector<Place> mPlaces;
+};
 
 PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lines,
                            std::size_t most) {
@@ -25,6 +69,8 @@ PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lin
     makeBoxes(*mFoldedAbove);
     if (mBoxes.size() == mObjects.size()) {
         mFoldedAbove.reset();
+    } else {
+        findPart(lines, most);
     }
 }
 
@@ -64,6 +110,38 @@ void PictureBoxes::countSiblings() {
     }
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
         mSiblings.push_back(counts.at({mObjects[at].place, mObjects[at].parent, mClassNames[at]}));
+    }
+}
+
+// A few of the largest are tried: what they refer to outside has boxes, too.
+void PictureBoxes::findPart(const ReferenceLines& lines, std::size_t most) {
+    constexpr std::size_t kTries = 100;
+    const Subtrees subtrees(mObjects);
+    std::vector<std::size_t> candidates;
+    std::unordered_map<std::string_view, std::size_t> positions;
+    for (std::size_t at = 0; at < mObjects.size(); ++at) {
+        positions.emplace(*mObjects[at].dn, at);
+        if (mObjects[at].place == BoxPlace::Inside && subtrees.sizeOf(at) <= most) {
+            candidates.push_back(at);
+        }
+    }
+    std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t one, std::size_t two) {
+        return subtrees.sizeOf(one) > subtrees.sizeOf(two);
+    });
+    candidates.resize(std::min(candidates.size(), kTries));
+    for (const std::size_t top : candidates) {
+        std::unordered_set<std::size_t> outside;
+        for (const ReferenceLine& line : lines.all()) {
+            const std::size_t from = positions.at(line.from);
+            const std::size_t to = positions.at(line.to);
+            if (subtrees.contains(top, from) != subtrees.contains(top, to)) {
+                outside.insert(subtrees.contains(top, from) ? to : from);
+            }
+        }
+        if (subtrees.sizeOf(top) + outside.size() <= most) {
+            mPart = mObjects[top].dn;
+            return;
+        }
     }
 }
 

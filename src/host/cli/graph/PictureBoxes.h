@@ -49,6 +49,9 @@ public:
     std::optional<std::size_t> find(const std::string& dn) const;
     /// More children of one class than that are one box; nothing: the picture is not folded.
     std::optional<std::size_t> foldedAbove() const { return mFoldedAbove; }
+    /// If the picture is folded: the object with the most below it, a picture of which, with all
+    /// that is below it, is not; null if there is none. External, borrowed from the picture.
+    const std::string* largestPartThatFits() const { return mPart; }
 
 private:
     struct Object {
@@ -57,10 +60,12 @@ private:
         std::optional<std::size_t> parent; ///< position in mObjects
         unsigned long long hiddenBelow;
     };
+    class Subtrees;
     using Siblings = std::tuple<BoxPlace, std::optional<std::size_t>, std::string>;
 
     void collect(const TreePicture& picture, const ReferenceLines& lines);
     void countSiblings();
+    void findPart(const ReferenceLines& lines, std::size_t most);
     std::size_t largestFoldThatFits(std::size_t most);
     /// Makes the boxes; more siblings than \p foldAbove are one box.
     void makeBoxes(std::size_t foldAbove);
@@ -71,6 +76,7 @@ private:
     std::vector<PictureBox> mBoxes;
     std::unordered_map<std::string, std::size_t> mPositions;
     std::optional<std::size_t> mFoldedAbove;
+    const std::string* mPart = nullptr;
 };
 
 }

@@ -7,6 +7,7 @@
 #include "base/DnView.h"
 #include "cli/errors/CliErrors.h"
 #include "client/ClientSession.h"
+#include "client/CountBelow.h"
 #include "client/DnResolver.h"
 
 #include <unordered_set>
@@ -108,12 +109,13 @@ TreePicture PictureReader::read(const TreeExtent& extent) {
     Room room(extent);
     Level level = begin(extent);
     room.take(mPicture.objects.size());
-    std::uint64_t below = countBelow(level);
+    std::uint64_t below = countChildren(level);
     for (std::uint64_t depth = 0; depth < extent.depth && below > 0; ++depth) {
         room.take(below);
         level = addBelow(level);
-        below = countBelow(level);
+        below = countChildren(level);
     }
+    countHidden(level);
     readOutside(extent.objects);
     return std::move(mPicture);
 }
@@ -127,15 +129,13 @@ PictureReader::Level PictureReader::begin(const TreeExtent& extent) {
     return {{extent.dn, 0}};
 }
 
-std::uint64_t PictureReader::countBelow(const Level& level) {
+std::uint64_t PictureReader::countChildren(const Level& level) {
     std::uint64_t sum = 0;
     for (const Parent& parent : level) {
         mSession.cancellation().throwIfCancelled();
-        const std::uint64_t count = countChildren(parent.dn);
-        if (parent.position) {
-            mPicture.objects[*parent.position].hiddenBelow = count;
+        for (const std::string& className : childClassesOf(mSession, parent.dn)) {
+            sum += mSession.client().count(mTxHandle, parent.dn, className);
         }
-        sum += count;
     }
     return sum;
 }
@@ -143,7 +143,7 @@ std::uint64_t PictureReader::countBelow(const Level& level) {
 PictureReader::Level PictureReader::addBelow(const Level& level) {
     Level next;
     for (const Parent& parent : level) {
-        for (const std::string& className : childClasses(parent.dn)) {
+        for (const std::string& className : childClassesOf(mSession, parent.dn)) {
             mSession.client().forEachChild(
                 mTxHandle, parent.dn, className, [&](const std::string& name) {
                     next.push_back(
@@ -153,11 +153,17 @@ PictureReader::Level PictureReader::addBelow(const Level& level) {
                     return true;
                 });
         }
-        if (parent.position) {
-            mPicture.objects[*parent.position].hiddenBelow = 0;
-        }
     }
     return next;
+}
+
+void PictureReader::countHidden(const Level& level) {
+    for (const Parent& parent : level) {
+        if (parent.position) {
+            mPicture.objects[*parent.position].hiddenBelow =
+                countBelow(mSession, mTxHandle, parent.dn);
+        }
+    }
 }
 
 void PictureReader::readOutside(std::uint64_t limit) {
@@ -221,21 +227,6 @@ void PictureReader::readReferences(const ClassDef& moc, PicturedObject& object) 
             object.values.emplace_back(name, std::move(value));
         }
     }
-}
-
-unsigned long long PictureReader::countChildren(const std::string& dn) const {
-    unsigned long long count = 0;
-    for (const std::string& className : childClasses(dn)) {
-        count += mSession.client().count(mTxHandle, dn, className);
-    }
-    return count;
-}
-
-std::vector<std::string> PictureReader::childClasses(const std::string& dn) const {
-    const DnResolver resolver(mSession.model());
-    const ClassDef* moc = dn.empty() ? nullptr : resolver.classOf(dn);
-    const bool isKnown = dn.empty() || moc != nullptr;
-    return isKnown ? resolver.childClasses(moc) : std::vector<std::string>();
 }
 
 }

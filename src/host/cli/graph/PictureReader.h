@@ -48,14 +48,13 @@ private:
     using Level = std::vector<Parent>;
 
     Level begin(const TreeExtent& extent);
-    std::uint64_t countBelow(const Level& level);
+    std::uint64_t countChildren(const Level& level);
+    void countHidden(const Level& level);
     Level addBelow(const Level& level);
     void readOutside(std::uint64_t limit);
     void readOutside(const std::string& dn);
     PicturedObject readObject(const std::string& dn) const;
     void readReferences(const ClassDef& moc, PicturedObject& object) const;
-    unsigned long long countChildren(const std::string& dn) const;
-    std::vector<std::string> childClasses(const std::string& dn) const;
 
     ClientSession& mSession;
     unsigned long mTxHandle;

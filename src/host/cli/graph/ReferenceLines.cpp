@@ -85,11 +85,19 @@ void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Li
         if (!association->opposite.empty() && mLinks.count(back) > 0) {
             mDone.insert(back);
             line.kind = LineKind::BothWays;
-            line.back = back.attribute;
             line.violation = line.violation.empty() ? violationOf(back) : line.violation;
+            if (back < link || link < back) {
+                line.back = back.attribute; // it is not the same reference, of an object to itself
+            }
         }
     }
     mLines.push_back(std::move(line));
+}
+
+std::size_t ReferenceLines::references() const {
+    const auto both = std::count_if(mLines.begin(), mLines.end(),
+                                    [](const ReferenceLine& line) { return !line.back.empty(); });
+    return mLines.size() + static_cast<std::size_t>(both);
 }
 
 std::string ReferenceLines::violationOf(const Link& link) const {

@@ -29,7 +29,7 @@ struct ReferenceLine {
     std::string from;      ///< external DN
     std::string to;        ///< external DN; empty: a target that clients cannot name
     std::string attribute; ///< of `from`
-    std::string back;      ///< the attribute of `to`, if both have a reference; or empty
+    std::string back;      ///< the attribute of `to`, if that is a reference of its own; or empty
     LineKind kind = LineKind::Plain;
     std::string violation; ///< what is wrong; empty: nothing
 };
@@ -41,6 +41,8 @@ public:
                    const std::vector<InstanceProblem>& violations);
 
     const std::vector<ReferenceLine>& all() const { return mLines; }
+    /// The number of references that the lines stand for.
+    std::size_t references() const;
     /// The number of references to objects that were not read; no lines are drawn for them.
     std::size_t unread() const { return mUnread; }
 

@@ -155,8 +155,9 @@ std::string TableLabel::port(const std::string& text, const std::string& colour)
 std::string TableLabel::markup(const Look& look) const {
     std::string table = "<TABLE CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"2\" BORDER=\"";
     table += look.border.empty() ? "0\">"
-                                 : "1\" COLOR=\"" + look.border + "\" BGCOLOR=\"" + look.fill +
-                                       "\"" + (look.isDashed ? " STYLE=\"DASHED\"" : "") + ">";
+                                 : std::string(look.isThick ? "2" : "1") + "\" COLOR=\"" +
+                                       look.border + "\" BGCOLOR=\"" + look.fill + "\"" +
+                                       (look.isDashed ? " STYLE=\"DASHED\"" : "") + ">";
     table += "<TR><TD ALIGN=\"LEFT\" PORT=\"title\">" + mTitle + "</TD></TR>";
     for (std::size_t number = 0; number < mPorts.size(); ++number) {
         table +=

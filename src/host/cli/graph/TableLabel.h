@@ -21,6 +21,7 @@ public:
         std::string border = kBoxColour; ///< empty: neither border nor colour
         std::string fill = kFillColour;
         bool isDashed = false;
+        bool isThick = false; ///< the border
     };
 
     explicit TableLabel(const std::string& title, const std::string& colour = kTextColour);

@@ -26,7 +26,7 @@ struct PicturedObject {
     std::string dn; ///< external
     std::string className;
     std::optional<std::size_t> parent;  ///< position in TreePicture::objects
-    unsigned long long hiddenBelow = 0; ///< children that are not shown
+    unsigned long long hiddenBelow = 0; ///< objects on all levels that are not shown
     std::vector<NamedValue> references; ///< the reference attributes of the class
     std::vector<PicturedLink> links;    ///< the same and those in structs, value by value
     std::vector<NamedReadValue> values; ///< all attributes, if they were wanted

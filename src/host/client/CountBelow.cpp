@@ -3,15 +3,15 @@
 
 #include "CountBelow.h"
 
+#include "ClientSession.h"
+#include "DnResolver.h"
 #include "base/DnView.h"
-#include "cli/session/Session.h"
-#include "client/DnResolver.h"
 
 namespace OrvHost {
 
 namespace {
 
-bool canHaveChildren(Session& session, const std::string& className) {
+bool canHaveChildren(ClientSession& session, const std::string& className) {
     const Model& model = session.model();
     const auto moc = model.findClass(className);
     return moc && !DnResolver(model).childClasses(&model.classes[*moc]).empty();
@@ -19,12 +19,13 @@ bool canHaveChildren(Session& session, const std::string& className) {
 
 }
 
-std::vector<std::string> childClassesOf(Session& session, const std::string& dn) {
+std::vector<std::string> childClassesOf(ClientSession& session, const std::string& dn) {
     const DnResolver resolver(session.model());
     return resolver.childClasses(dn.empty() ? nullptr : resolver.classOf(dn));
 }
 
-unsigned long long countBelow(Session& session, unsigned long txHandle, const std::string& dn) {
+unsigned long long countBelow(ClientSession& session, unsigned long txHandle,
+                              const std::string& dn) {
     unsigned long long below = 0;
     for (const std::string& className : childClassesOf(session, dn)) {
         session.cancellation().throwIfCancelled();
