@@ -119,6 +119,19 @@ protected:
         return found->first;
     }
 
+    /// The lock that was taken last of those that are held.
+    static const pthread_mutex_t* innermost() {
+        std::vector<const pthread_mutex_t*> held;
+        for (const Step& step : steps) {
+            if (step.taken) {
+                held.push_back(step.mutex);
+            } else {
+                held.pop_back();
+            }
+        }
+        return held.empty() ? nullptr : held.back();
+    }
+
     /// What has been locked and unlocked since \p work began.
     template <class Work>
     std::vector<std::string> stepsOf(const Work& work) const {
@@ -161,18 +174,6 @@ private:
         known.emplace_back(mutex, name);
     }
 
-    static const pthread_mutex_t* innermost() {
-        std::vector<const pthread_mutex_t*> held;
-        for (const Step& step : steps) {
-            if (step.taken) {
-                held.push_back(step.mutex);
-            } else {
-                held.pop_back();
-            }
-        }
-        return held.empty() ? nullptr : held.back();
-    }
-
     std::string nameOf(const pthread_mutex_t* mutex) const {
         for (const auto& [address, name] : known) {
             if (address == mutex) {
@@ -184,6 +185,28 @@ private:
 
     std::vector<std::pair<const pthread_mutex_t*, std::string>> known;
 };
+
+// It is recorded under the same lock, for the validation.
+TEST_F(Locks, ReferenceTakenBack_TheFarSideIsWrittenUnderTheLock) {
+    EXPECT_EQ(client().set(1, unit("7"), "cells", refs({cell("1")})), OrvOk);
+    const pthread_mutex_t* held = nullptr;
+    host.when("VekRouter3.setMoAttribute").once().runs([&held] { held = innermost(); });
+    steps.clear();
+    EXPECT_EQ(client().set(1, unit("7"), "cells", refs({})), OrvOk);
+    EXPECT_THAT(host.world().references(cellInside("1"), "unit"), IsEmpty());
+    EXPECT_EQ(held, lockOf("back-pointers"));
+}
+
+TEST_F(Locks, Interceptor_IsRegisteredFoundAndDeregisteredUnderALock) {
+    const auto isLocked = ElementsAre("lock another", "unlock another");
+    const std::string path = "ManagedElement,Unit";
+    Interceptor& interceptor = host.bareInterceptor(path);
+    interceptor.initialize();
+    EXPECT_THAT(stepsOf([&] { EXPECT_EQ(interceptor.registerClass(path), OrvOk); }), isLocked);
+    EXPECT_THAT(stepsOf([&] { EXPECT_EQ(client().get(1, unit("7"), "cells").code, OrvOk); }),
+                isLocked);
+    EXPECT_THAT(stepsOf([&] { interceptor.deregisterClass(path); }), isLocked);
+}
 
 // What the transaction keeps goes under the lock of the registry, and everything else before.
 TEST_F(Locks, Finish_PendingAdditionsThenReferencesThenTheMemory) {

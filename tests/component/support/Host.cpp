@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <iostream>
 #include <stdexcept>
 
@@ -24,9 +25,25 @@ Function functionIn(const SharedObject& object, const char* name) {
     return reinterpret_cast<Function>(object.symbol(name));
 }
 
+// A table begins with its identity.
+template <class Table>
+const Table& as(const VekMgmtSpiInterface_1& identity) {
+    return *static_cast<const Table*>(static_cast<const void*>(&identity));
+}
+
+template <class Function>
+Function slotOf(Function slot, const std::string& name) {
+    if (slot == nullptr) {
+        throw std::runtime_error("Expected: the registered record has a function " + name +
+                                 "\nCame: a null pointer");
+    }
+    return slot;
+}
+
 // Those who read a failure without the sources want to know what the component did.
 void printJournalOfFailure(const Host& host) {
-    if (!testing::Test::HasFailure()) {
+    // An exception on its way out of the case is no failure yet.
+    if (!testing::Test::HasFailure() && std::uncaught_exceptions() == 0) {
         return;
     }
     std::cout << "The calls that the host got last, in their order:\n";
@@ -151,8 +168,10 @@ OrvReturnT Host::initWithoutAccessor() {
 }
 
 OrvReturnT Host::startComponent(OrvStateChangeReason reason) {
+    const auto start = slotOf(record().start, "start");
+    slotOf(record().stop, "stop"); // the destructor calls it
     mStarted = true;
-    return record().start(reason);
+    return start(reason);
 }
 
 OrvReturnT Host::stopComponent() {
@@ -195,25 +214,50 @@ void Host::start() {
 
 const OrvMgmtSpiComponent_1& Host::record() const {
     if (mStage.lastRecord == nullptr) {
-        throw std::logic_error("the component has not tried to register");
+        throw std::runtime_error(
+            "Expected: orvLCMinit calls registerComponent of a portal with the "
+            "component's record\nCame: it has registered nothing");
     }
     return *mStage.lastRecord;
 }
 
+const VekMgmtSpiInterface_1& Host::offered(std::size_t index,
+                                           const VekMgmtSpiInterface_1& identity) const {
+    const HostCode here; // what is said here is no allocation of the component
+    const std::string expected = "Expected: table " + std::to_string(index) +
+                                 " of the registered record is " + arg(identity).text + "\nCame: ";
+    VekMgmtSpiInterface_1* const* const tables = record().interfaceArray;
+    if (tables == nullptr) {
+        throw std::runtime_error(expected + "a record without tables");
+    }
+    for (std::size_t before = 0; before <= index; ++before) {
+        if (tables[before] == nullptr) {
+            throw std::runtime_error(expected + "a record with " + std::to_string(before) +
+                                     " tables");
+        }
+    }
+    if (arg(*tables[index]).text != arg(identity).text) {
+        throw std::runtime_error(expected + arg(*tables[index]).text);
+    }
+    return *tables[index];
+}
+
 Client3 Host::client() const {
-    return Client3(offered<OrvOamSpiManagedObject_3>(1));
+    return Client3(as<OrvOamSpiManagedObject_3>(offered(1, OrvOamSpiManagedObject_3_ExtCmId)));
 }
 
 Client3_1 Host::client3_1() const {
-    return Client3_1(offered<VekOamSpiManagedObject_3_1>(2));
+    return Client3_1(
+        as<VekOamSpiManagedObject_3_1>(offered(2, VekOamSpiManagedObject_3_1_ExtCmId)));
 }
 
 Client1 Host::client1() const {
-    return Client1(offered<OrvOamSpiManagedObject_1>(0));
+    return Client1(as<OrvOamSpiManagedObject_1>(offered(0, OrvOamSpiManagedObject_1_ExtCmId)));
 }
 
 const OrvOamSpiTransactionalResource_2& Host::resource() const {
-    return offered<OrvOamSpiTransactionalResource_2>(3);
+    return as<OrvOamSpiTransactionalResource_2>(
+        offered(3, OrvOamSpiTransactionalResource_2_ExtCmId));
 }
 
 void Host::forget() {

@@ -74,7 +74,8 @@ public:
     /// All up to startComponent, which must succeed; then the journal and the logs are empty.
     void start();
 
-    // What the component offers. It must have been registered, or have tried.
+    // What the component offers. It must have been registered, or have tried: otherwise these, like
+    // the steps that need its record, throw std::runtime_error, which says what is missing.
     const OrvMgmtSpiComponent_1& record() const;
     OrvMgmtSpiComponent_1* registered() const { return mStage.registered; }
     Client3 client() const;
@@ -102,10 +103,9 @@ public:
 private:
     class Observer;
 
-    template <class Table>
-    const Table& offered(std::size_t index) const {
-        return *static_cast<const Table*>(static_cast<const void*>(record().interfaceArray[index]));
-    }
+    // The table at a position of the record. Throws if another one, or none, is there.
+    const VekMgmtSpiInterface_1& offered(std::size_t index,
+                                         const VekMgmtSpiInterface_1& identity) const;
 
     Stage mStage;
     LogCapture mLogs;
