@@ -4,6 +4,7 @@
 #include "ChildProcess.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -11,7 +12,8 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,98 +23,189 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr int kCannotRun = 127; // as shells answer
+
 [[noreturn]] void failWith(int code, const std::string& what) {
     throw std::system_error(code, std::generic_category(), what);
 }
 
-/// One end of a pipe.
-class Descriptor {
+/// A pipe; each end is closed at the latest when this goes.
+class Pipe {
 public:
-    explicit Descriptor(int number) : mNumber(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { close(); }
+    Pipe() {
+        // Processes that other threads start at the same time must not inherit the ends.
+        if (pipe2(mEnds, O_CLOEXEC) != 0) {
+            failWith(errno, "pipe");
+        }
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    ~Pipe() {
+        ::close(mEnds[0]);
+        closeWriter();
+    }
 
-    int number() const { return mNumber; }
-    void close() {
-        if (mNumber >= 0) {
-            ::close(mNumber);
-            mNumber = -1;
+    int reader() const { return mEnds[0]; }
+    int writer() const { return mEnds[1]; }
+    void closeWriter() {
+        if (mEnds[1] >= 0) {
+            ::close(mEnds[1]);
+            mEnds[1] = -1;
         }
     }
 
 private:
-    int mNumber;
+    int mEnds[2] = {-1, -1};
 };
 
-pid_t spawn(const std::vector<std::string>& arguments, int output) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
-    pid_t child = 0;
-    const int code = posix_spawn(&child, arguments.front().c_str(), &actions, nullptr,
-                                 argumentPointers(arguments).data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (code != 0) {
-        failWith(code, arguments.front());
+std::atomic<int> interruptedBy{0};
+// Readable for ever from the first signal on, so that all who wait see it. -1: nobody watches.
+int interruptionReader = -1;
+int interruptionWriter = -1;
+
+void noteSignal(int signal) {
+    const int savedError = errno;
+    int none = 0;
+    if (interruptedBy.compare_exchange_strong(none, signal)) {
+        const char byte = 0;
+        [[maybe_unused]] const ssize_t count = write(interruptionWriter, &byte, 1);
     }
+    errno = savedError;
+}
+
+// In the child, between fork and exec: only what is safe while other threads hold locks.
+void becomeChild(pid_t parent, int output) {
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(kCannotRun); // too late to be told of its end
+    }
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(signal, SIG_DFL);
+    }
+    const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(input, STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+}
+
+pid_t forkChild(int output, const std::function<void()>& work) {
+    const pid_t parent = getpid();
+    const pid_t child = fork();
+    if (child < 0) {
+        failWith(errno, "fork");
+    }
+    if (child == 0) {
+        becomeChild(parent, output);
+        work();
+        // Without the ends of statics: those of this program belong to the parent.
+        _exit(0);
+    }
+    setpgid(child, child); // whoever comes first
     return child;
 }
 
-// False at the deadline, or if there is nothing to read by then.
-bool waitForInput(int descriptor, Clock::time_point deadline) {
+void throwIfInterrupted() {
+    if (const int signal = interruptedBy) {
+        throw Interrupted{signal};
+    }
+}
+
+// False at the end of the text. Of an endless text the beginning is kept.
+bool readSome(int descriptor, std::string& text) {
+    constexpr std::size_t kMostText = std::size_t{256} * 1024;
+    char buffer[4096];
+    const ssize_t count = read(descriptor, buffer, sizeof buffer);
+    if (count < 0 && errno != EINTR) {
+        failWith(errno, "read");
+    }
+    const auto length = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    text.append(buffer, std::min(length, kMostText - text.size()));
+    return count != 0;
+}
+
+// Reads what the child writes until it has ended; what it has started may still write. False if it
+// has not ended before the deadline.
+bool readUntilEnd(int output, int child, Clock::time_point deadline, std::string& text) {
+    bool isOpen = true;
     for (;;) {
+        throwIfInterrupted();
         const auto rest =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
         if (rest.count() <= 0) {
             return false;
         }
-        pollfd waiting{descriptor, POLLIN, 0};
-        const int wait = static_cast<int>(std::clamp<long>(rest.count(), 0, 60000));
-        if (poll(&waiting, 1, wait) > 0) {
+        pollfd waiting[] = {
+            {isOpen ? output : -1, POLLIN, 0}, {child, POLLIN, 0}, {interruptionReader, POLLIN, 0}};
+        poll(waiting, std::size(waiting), static_cast<int>(std::min<long>(rest.count(), 60000)));
+        if (waiting[0].revents != 0) {
+            isOpen = readSome(output, text);
+        } else if (waiting[1].revents != 0) {
             return true;
         }
     }
 }
 
-// False if the writer has not closed its end before the deadline.
-// Of an endless output the beginning is kept.
-bool readAll(int descriptor, Clock::time_point deadline, std::string& text) {
-    constexpr std::size_t kMostText = std::size_t{256} * 1024;
-    char buffer[4096];
-    while (waitForInput(descriptor, deadline)) {
-        const ssize_t count = read(descriptor, buffer, sizeof buffer);
-        if (count == 0) {
-            return true;
-        }
-        if (count > 0) {
-            text.append(buffer, std::min(static_cast<std::size_t>(count), kMostText - text.size()));
-        } else if (errno != EINTR) {
-            failWith(errno, "read");
+/// A child and all that it has started; they end at the latest when this goes.
+class Family {
+public:
+    // The C library's own function for it cannot be called from C++ everywhere.
+    explicit Family(pid_t head)
+        : mHead(head), mDescriptor(static_cast<int>(syscall(SYS_pidfd_open, head, 0))) {
+        if (mDescriptor < 0) {
+            const int code = errno;
+            end();
+            failWith(code, "pidfd_open");
         }
     }
-    return false;
+    Family(const Family&) = delete;
+    Family& operator=(const Family&) = delete;
+    ~Family() {
+        close(mDescriptor);
+        if (mHead > 0) {
+            end();
+        }
+    }
+
+    /// Readable when the head has ended.
+    int descriptor() const { return mDescriptor; }
+
+    /// Gives back the status of the head. Until then nobody else gets its number.
+    int end() {
+        int status = 0;
+        kill(-mHead, SIGKILL);
+        while (waitpid(mHead, &status, 0) < 0 && errno == EINTR) {
+        }
+        mHead = 0;
+        return status;
+    }
+
+private:
+    pid_t mHead;
+    int mDescriptor;
+};
+
 }
 
-// False if the process still runs at the deadline.
-bool waitForEnd(pid_t child, Clock::time_point deadline, int& status) {
-    for (;;) {
-        const pid_t ended = waitpid(child, &status, WNOHANG);
-        if (ended == child) {
-            return true;
+void watchForInterruption() {
+    static Pipe pipe;
+    interruptionReader = pipe.reader();
+    interruptionWriter = pipe.writer();
+    struct sigaction action {};
+    action.sa_handler = &noteSignal;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction former {};
+        sigaction(signal, nullptr, &former);
+        if (former.sa_handler != SIG_IGN) { // as nohup has it
+            sigaction(signal, &action, nullptr);
         }
-        if (ended < 0 && errno != EINTR) {
-            failWith(errno, "waitpid");
-        }
-        if (Clock::now() >= deadline) {
-            return false;
-        }
-        usleep(1000);
     }
 }
 
+void endAsIfBy(int signal) {
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+    _exit(128 + signal);
 }
 
 std::vector<char*> argumentPointers(const std::vector<std::string>& arguments) {
@@ -125,26 +218,28 @@ std::vector<char*> argumentPointers(const std::vector<std::string>& arguments) {
     return pointers;
 }
 
-ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit) {
-    int ends[2];
-    // Processes that other threads start at the same time must not inherit the ends.
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-        failWith(errno, "pipe");
-    }
-    Descriptor reader(ends[0]);
-    Descriptor writer(ends[1]);
+ChildEnd runChild(const std::function<void()>& work, std::chrono::seconds limit) {
+    Pipe pipe;
     const Clock::time_point deadline = Clock::now() + limit;
-    const pid_t child = spawn(arguments, writer.number());
-    writer.close();
+    Family family(forkChild(pipe.writer(), work));
+    pipe.closeWriter();
     ChildEnd end;
-    end.isInTime =
-        readAll(reader.number(), deadline, end.output) && waitForEnd(child, deadline, end.status);
-    if (!end.isInTime) {
-        kill(child, SIGKILL);
-        while (waitpid(child, &end.status, 0) < 0 && errno == EINTR) {
-        }
-    }
+    end.isInTime = readUntilEnd(pipe.reader(), family.descriptor(), deadline, end.output);
+    end.status = family.end();
     return end;
+}
+
+ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit) {
+    if (access(arguments.front().c_str(), X_OK) != 0) {
+        failWith(errno, arguments.front());
+    }
+    const std::vector<char*> pointers = argumentPointers(arguments);
+    return runChild(
+        [&pointers] {
+            execv(pointers.front(), pointers.data());
+            _exit(kCannotRun);
+        },
+        limit);
 }
 
 std::string breakdown(int status) {

@@ -5,22 +5,25 @@
 
 #include "ChildProcess.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include <dlfcn.h>
 #include <elf.h>
-#include <sys/wait.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace OrvValidate {
 
 namespace {
 
-constexpr unsigned int kLoadingLimit = 20; // seconds
+constexpr char kLoadable[] = "loadable";
 
 // The two classes of files have these fields at the same places.
 struct ElfHead {
@@ -79,43 +82,61 @@ std::string whyNotLinkable(const std::string& path) {
     return "";
 }
 
-[[noreturn]] void loadInChild(const std::string& path, int output) {
-    alarm(kLoadingLimit);
-    const std::string problem = whyNotLinkable(path);
-    const bool isSent =
-        write(output, problem.data(), problem.size()) == static_cast<ssize_t>(problem.size());
-    // Without the ends of statics: a component that is only loaded need not survive them.
-    _exit(isSent ? 0 : 1);
+// A file of the kernel without a name: it keeps what the child has said, however that ends.
+class Note {
+public:
+    Note() : mFile(memfd_create("verdict", MFD_CLOEXEC)) {
+        if (mFile < 0) {
+            throw std::system_error(errno, std::generic_category(), "memfd_create");
+        }
+    }
+    Note(const Note&) = delete;
+    Note& operator=(const Note&) = delete;
+    ~Note() { close(mFile); }
+
+    void write(const std::string& text) const {
+        if (::write(mFile, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+            _exit(1);
+        }
+    }
+    std::string read() const {
+        char text[4096];
+        const ssize_t count = pread(mFile, text, sizeof text, 0);
+        return {text, static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+    }
+
+private:
+    int mFile;
+};
+
+std::string whyNotLoaded(const ChildEnd& end, std::chrono::seconds limit) {
+    const std::string problem = breakdown(end.status);
+    const std::string what =
+        !end.isInTime     ? "not done after " + std::to_string(limit.count()) + " seconds"
+        : problem.empty() ? "the process ended with status 0 before it was loaded"
+                          : problem;
+    return "it cannot be loaded: " + what + (end.output.empty() ? "" : "; it wrote: " + end.output);
 }
 
 }
 
-std::string whyNotLoadable(const std::string& path) {
+std::string whyNotLoadable(const std::string& path, std::chrono::seconds limit) {
     const std::string problem = whyNotOfThisMachine(path);
     if (!problem.empty()) {
         return problem;
     }
-    int ends[2];
-    if (pipe(ends) != 0) {
-        return std::string("pipe: ") + std::strerror(errno); // NOLINT: one thread
+    const Note note;
+    const ChildEnd end = runChild(
+        [&] {
+            const std::string reason = whyNotLinkable(path);
+            note.write(reason.empty() ? kLoadable : reason);
+        },
+        limit);
+    const std::string verdict = note.read();
+    if (!end.isInTime || verdict.empty()) {
+        return whyNotLoaded(end, limit);
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        loadInChild(path, ends[1]);
-    }
-    close(ends[1]);
-    std::string text;
-    char buffer[512];
-    for (ssize_t count = 0; (count = read(ends[0], buffer, sizeof buffer)) > 0;) {
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    close(ends[0]);
-    int status = 1;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
-        return "no process could be started";
-    }
-    const std::string end = breakdown(status);
-    return end.empty() ? text : "it cannot be loaded: " + end;
+    return verdict == kLoadable ? "" : verdict;
 }
 
 }

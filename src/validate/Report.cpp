@@ -71,31 +71,54 @@ std::string escapeXml(const std::string& text) {
     return escaped;
 }
 
-void writeText(const std::vector<Finding>& findings, std::ostream& out) {
-    for (const auto& [which, result] : findings) {
-        out << word(result.verdict) << "  " << which.fullName() << " (" << seconds(result.duration)
-            << " s)\n";
-        if (result.verdict != Verdict::Passed) {
-            out << "    " << result.reason << "\n" << indented(result.story, "    ");
-        }
-    }
-    out << summary(findings) << "\n";
-}
+class TextReport : public Report {
+public:
+    explicit TextReport(std::ostream& out) : mOut(out) {}
 
-void writeTap(const std::vector<Finding>& findings, std::ostream& out) {
-    out << "TAP version 14\n1.." << findings.size() << "\n";
-    std::size_t number = 0;
-    for (const auto& [which, result] : findings) {
+    void begin(const Totals&) override {}
+    void add(const Finding& finding, const Totals&) override {
+        const auto& [which, result] = finding;
+        mOut << word(result.verdict) << "  " << which.fullName() << " (" << seconds(result.duration)
+             << " s)\n";
+        if (result.verdict != Verdict::Passed) {
+            mOut << "    " << result.reason << "\n" << indented(result.story, "    ");
+        }
+        mOut.flush();
+    }
+    void end(const Totals& totals) override { mOut << totals.text() << std::endl; }
+
+private:
+    std::ostream& mOut;
+};
+
+class TapReport : public Report {
+public:
+    explicit TapReport(std::ostream& out) : mOut(out) {}
+
+    void begin(const Totals& totals) override {
+        mOut << "TAP version 14\n1.." << totals.cases << std::endl;
+    }
+    void add(const Finding& finding, const Totals& totals) override {
+        const auto& [which, result] = finding;
         const bool isPassed = result.verdict == Verdict::Passed;
-        out << (isPassed ? "ok " : "not ok ") << ++number << " - " << which.fullName() << "\n";
+        mOut << (isPassed ? "ok " : "not ok ") << totals.done << " - " << which.fullName() << "\n";
         if (!isPassed) {
-            out << "  ---\n  verdict: \"" << word(result.verdict) << "\"\n  reason: \""
-                << result.reason << "\"\n  duration_ms: " << result.duration.count()
-                << "\n  story: |2\n"
-                << indented(printable(result.story), "    ") << "  ...\n";
+            mOut << "  ---\n  verdict: \"" << word(result.verdict) << "\"\n  reason: \""
+                 << result.reason << "\"\n  duration_ms: " << result.duration.count()
+                 << "\n  story: |2\n"
+                 << indented(printable(result.story), "    ") << "  ...\n";
+        }
+        mOut.flush();
+    }
+    void end(const Totals& totals) override {
+        if (!totals.interrupted.empty()) {
+            mOut << "Bail out! " << totals.text() << std::endl;
         }
     }
-}
+
+private:
+    std::ostream& mOut;
+};
 
 std::string attribute(const std::string& name, const std::string& value) {
     return " " + name + "=\"" + escapeXml(value) + "\"";
@@ -110,63 +133,83 @@ std::string caseOf(const Case& which) {
     return which.name.substr(which.name.find('.') + 1);
 }
 
-void writeJUnit(const std::vector<Finding>& findings, std::ostream& out) {
-    const auto failed = static_cast<std::size_t>(
-        std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
-            return finding.result.verdict == Verdict::Failed;
-        }));
-    std::chrono::milliseconds all{0};
-    for (const Finding& finding : findings) {
-        all += finding.result.duration;
-    }
-    const std::string sums = attribute("name", "orv-validate") +
-                             attribute("tests", std::to_string(findings.size())) +
-                             attribute("failures", std::to_string(failed)) +
-                             attribute("errors", std::to_string(countFailed(findings) - failed)) +
-                             attribute("time", seconds(all));
-    out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites" << sums << ">\n  <testsuite"
-        << sums << ">\n";
-    for (const auto& [which, result] : findings) {
-        out << "    <testcase" << attribute("classname", suiteOf(which))
-            << attribute("name", caseOf(which)) << attribute("time", seconds(result.duration));
+class JUnitReport : public Report {
+public:
+    explicit JUnitReport(std::ostream& out) : mOut(out) {}
+
+    void begin(const Totals&) override {}
+    bool comesCaseByCase() const override { return false; }
+    void add(const Finding& finding, const Totals&) override {
+        const auto& [which, result] = finding;
+        openCase(suiteOf(which), caseOf(which), result.duration);
         if (result.verdict == Verdict::Passed) {
-            out << "/>\n";
-            continue;
+            mCases << "/>\n";
+            return;
         }
         const std::string element = result.verdict == Verdict::Failed ? "failure" : "error";
-        out << ">\n      <" << element << attribute("message", result.reason) << ">"
-            << escapeXml(result.story) << "</" << element << ">\n    </testcase>\n";
+        mCases << ">\n      <" << element << attribute("message", result.reason) << ">"
+               << escapeXml(result.story) << "</" << element << ">\n    </testcase>\n";
     }
-    out << "  </testsuite>\n</testsuites>\n";
+    void end(const Totals& totals) override {
+        std::size_t cases = totals.done;
+        std::size_t errors = totals.errors;
+        if (!totals.interrupted.empty()) {
+            // A run that was cut short must not look like one in which all is well.
+            openCase("orv-validate", "Run", std::chrono::milliseconds(0));
+            mCases << ">\n      <error" << attribute("message", totals.text())
+                   << "/>\n    </testcase>\n";
+            ++cases;
+            ++errors;
+        }
+        const std::string sums =
+            attribute("name", "orv-validate") + attribute("tests", std::to_string(cases)) +
+            attribute("failures", std::to_string(totals.failed)) +
+            attribute("errors", std::to_string(errors)) + attribute("time", seconds(totals.time));
+        mOut << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites" << sums
+             << ">\n  <testsuite" << sums << ">\n"
+             << mCases.str() << "  </testsuite>\n</testsuites>" << std::endl;
+    }
+
+private:
+    void openCase(const std::string& suite, const std::string& name,
+                  std::chrono::milliseconds duration) {
+        mCases << "    <testcase" << attribute("classname", suite) << attribute("name", name)
+               << attribute("time", seconds(duration));
+    }
+
+    std::ostream& mOut;
+    std::ostringstream mCases;
+};
+
 }
 
+void Totals::count(const CaseResult& result) {
+    ++done;
+    failed += result.verdict == Verdict::Failed ? 1 : 0;
+    errors += result.verdict == Verdict::Crashed || result.verdict == Verdict::TimedOut ? 1 : 0;
+    time += result.duration;
+}
+
+std::string Totals::text() const {
+    const std::string all = std::to_string(cases) + (cases == 1 ? " case" : " cases");
+    const std::string bad = std::to_string(notPassed()) + " failed";
+    return interrupted.empty() ? all + ", " + bad
+                               : "ended by SIG" + interrupted + " after " + std::to_string(done) +
+                                     " of " + all + ", " + bad;
 }
 
 std::vector<std::string> reportFormats() {
     return {"text", "tap", "junit"};
 }
 
-void writeReport(const std::string& format, const std::vector<Finding>& findings,
-                 std::ostream& out) {
+std::unique_ptr<Report> makeReport(const std::string& format, std::ostream& out) {
     if (format == "tap") {
-        writeTap(findings, out);
-    } else if (format == "junit") {
-        writeJUnit(findings, out);
-    } else {
-        writeText(findings, out);
+        return std::make_unique<TapReport>(out);
     }
-}
-
-std::string summary(const std::vector<Finding>& findings) {
-    return std::to_string(findings.size()) + (findings.size() == 1 ? " case, " : " cases, ") +
-           std::to_string(countFailed(findings)) + " failed";
-}
-
-std::size_t countFailed(const std::vector<Finding>& findings) {
-    return static_cast<std::size_t>(
-        std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
-            return finding.result.verdict != Verdict::Passed;
-        }));
+    if (format == "junit") {
+        return std::make_unique<JUnitReport>(out);
+    }
+    return std::make_unique<TextReport>(out);
 }
 
 }

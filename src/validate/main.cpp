@@ -4,6 +4,7 @@
 // orv-validate: runs the cases of the component tests against any build of the component.
 
 #include "Case.h"
+#include "ChildProcess.h"
 #include "LibraryCheck.h"
 #include "Report.h"
 
@@ -11,16 +12,24 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -71,37 +80,134 @@ int complain(int code, const std::string& text) {
     return code;
 }
 
-std::vector<Finding> runAll(const std::vector<Case>& cases, const Options& options) {
-    std::vector<Finding> findings(cases.size());
-    std::atomic<std::size_t> next{0};
-    std::mutex mutex;
-    std::exception_ptr problem;
-    const auto work = [&] {
-        for (std::size_t index = next++; index < cases.size(); index = next++) {
+/// The file of -o. What is not written case by case gets its name when it is whole, and a report of
+/// an earlier run is gone from the beginning.
+class ReportFile {
+public:
+    ReportFile(const std::string& path, bool isWholeOnly)
+        : mPath(path), mWritten(isWholeOnly && isOrdinary(path) ? path + ".part" : path) {
+        if (mWritten != mPath) {
+            std::filesystem::remove(mPath);
+        }
+        mOut.open(mWritten);
+    }
+
+    std::ostream& stream() { return mOut; }
+
+    /// False if not all could be written.
+    bool close() {
+        mOut.close();
+        std::error_code problem;
+        if (mOut && mWritten != mPath) {
+            std::filesystem::rename(mWritten, mPath, problem);
+        }
+        return mOut.good() && !problem;
+    }
+
+    bool isGood() const { return mOut.good(); }
+
+private:
+    // No device and no pipe, whose names must stay.
+    static bool isOrdinary(const std::string& path) {
+        const std::filesystem::file_status status = std::filesystem::symlink_status(path);
+        return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+    }
+
+    std::string mPath;
+    std::string mWritten;
+    std::ofstream mOut;
+};
+
+/// One line on a terminal that says how far the run is.
+class Progress {
+public:
+    explicit Progress(bool isShown) : mIsShown(isShown) {}
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress() {
+        if (mIsShown) {
+            std::cerr << kBeginOfCleanLine << std::flush;
+        }
+    }
+
+    void show(const Totals& totals) const {
+        if (mIsShown) {
+            std::cerr << kBeginOfCleanLine << totals.done << " of " << totals.cases << ", "
+                      << totals.notPassed() << " failed" << std::flush;
+        }
+    }
+
+private:
+    static constexpr const char* kBeginOfCleanLine = "\r\033[K";
+    bool mIsShown;
+};
+
+/// Runs the cases, and reports each as it ends.
+class Run {
+public:
+    Run(const std::vector<Case>& cases, const Options& options, Report& report,
+        const Progress& progress)
+        : mCases(cases), mOptions(options), mReport(report), mProgress(progress) {
+        mTotals.cases = cases.size();
+    }
+
+    const Totals& all() {
+        mReport.begin(mTotals);
+        const auto jobs = static_cast<std::size_t>(mOptions.jobs);
+        const std::size_t wanted =
+            jobs != 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
+        std::vector<std::thread> threads;
+        while (threads.size() < std::min(wanted, mCases.size())) {
+            threads.emplace_back([this] { work(); });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        if (mProblem) {
+            std::rethrow_exception(mProblem);
+        }
+        mReport.end(mTotals);
+        return mTotals;
+    }
+
+    int signal() const { return mSignal; }
+
+private:
+    void work() {
+        for (std::size_t index = mNext++; index < mCases.size(); index = mNext++) {
             try {
-                findings[index] = {cases[index],
-                                   runCase(cases[index], std::chrono::seconds(options.seconds))};
+                const Case& which = mCases[index];
+                take({which, runCase(which, std::chrono::seconds(mOptions.seconds))});
+            } catch (const Interrupted& interrupted) {
+                const std::lock_guard<std::mutex> lock(mMutex);
+                mSignal = interrupted.signal;
+                mTotals.interrupted = sigabbrev_np(interrupted.signal);
+                mNext = mCases.size();
             } catch (...) {
-                const std::lock_guard<std::mutex> lock(mutex);
-                problem = std::current_exception();
-                next = cases.size();
+                const std::lock_guard<std::mutex> lock(mMutex);
+                mProblem = std::current_exception();
+                mNext = mCases.size();
             }
         }
-    };
-    const unsigned int jobs = options.jobs != 0 ? static_cast<unsigned int>(options.jobs)
-                                                : std::max(1U, std::thread::hardware_concurrency());
-    std::vector<std::thread> threads;
-    for (unsigned int job = 0; job < jobs; ++job) {
-        threads.emplace_back(work);
     }
-    for (std::thread& thread : threads) {
-        thread.join();
+
+    void take(const Finding& finding) {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mTotals.count(finding.result);
+        mReport.add(finding, mTotals);
+        mProgress.show(mTotals);
     }
-    if (problem) {
-        std::rethrow_exception(problem);
-    }
-    return findings;
-}
+
+    const std::vector<Case>& mCases;
+    const Options& mOptions;
+    Report& mReport;
+    const Progress& mProgress;
+    std::atomic<std::size_t> mNext{0};
+    std::mutex mMutex; ///< guards what follows
+    Totals mTotals;
+    std::exception_ptr mProblem;
+    int mSignal = 0;
+};
 
 // What somebody has set for tests of their own must not change these cases.
 void clearTestVariables() {
@@ -125,19 +231,38 @@ void setEnvironment(const std::string& library, const CaseFiles& files) {
     // NOLINTEND(concurrency-mt-unsafe)
 }
 
-int report(const std::vector<Finding>& findings, const Options& options) {
-    if (options.reportFile.empty()) {
-        writeReport(options.format, findings, std::cout);
-    } else {
-        std::ofstream file(options.reportFile);
-        writeReport(options.format, findings, file);
-        file.close();
-        if (!file) {
+int runAndReport(const std::vector<Case>& cases, const Options& options) {
+    const bool isToFile = !options.reportFile.empty();
+    const std::unique_ptr<Report> onOutput = makeReport(options.format, std::cout);
+    const bool isCaseByCase = onOutput->comesCaseByCase();
+    std::optional<ReportFile> file;
+    std::unique_ptr<Report> inFile;
+    if (isToFile) {
+        file.emplace(options.reportFile, !isCaseByCase);
+        if (!file->isGood()) {
             return complain(kUsage, options.reportFile + " cannot be written");
         }
-        std::cout << summary(findings) << "\n";
+        inFile = makeReport(options.format, file->stream());
     }
-    return countFailed(findings) == 0 ? kPassed : kFailed;
+    Totals totals;
+    int signal = 0;
+    {
+        const bool isSeenAnyway = !isToFile && isCaseByCase && isatty(STDOUT_FILENO) != 0;
+        const Progress progress(isatty(STDERR_FILENO) != 0 && !isSeenAnyway);
+        Run run(cases, options, isToFile ? *inFile : *onOutput, progress);
+        totals = run.all();
+        signal = run.signal();
+    }
+    if (isToFile) {
+        if (!file->close()) {
+            return complain(kUsage, options.reportFile + " cannot be written");
+        }
+        std::cout << totals.text() << std::endl;
+    }
+    if (signal != 0) {
+        endAsIfBy(signal);
+    }
+    return totals.notPassed() == 0 ? kPassed : kFailed;
 }
 
 bool areOfOneProgram(const std::vector<Case>& cases) {
@@ -147,6 +272,7 @@ bool areOfOneProgram(const std::vector<Case>& cases) {
 
 int run(const Options& options) {
     clearTestVariables();
+    watchForInterruption();
     const CaseFiles files = findCaseFiles();
     const std::vector<Case> cases = listCases(files, options.filters);
     if (cases.empty()) {
@@ -163,13 +289,13 @@ int run(const Options& options) {
     }
     // A name without a directory would be looked for where libraries are installed.
     const std::string library = std::filesystem::absolute(options.library);
-    const std::string problem = whyNotLoadable(library);
+    const std::string problem = whyNotLoadable(library, std::chrono::seconds(options.seconds));
     if (!problem.empty()) {
         return complain(kNotLoadable, options.library + ": " + problem);
     }
     setEnvironment(library, files);
     if (!options.isInProcess) {
-        return report(runAll(cases, options), options);
+        return runAndReport(cases, options);
     }
     if (!areOfOneProgram(cases)) {
         return complain(kUsage, "--in-process needs a --filter with cases of one group, such as " +
@@ -194,6 +320,8 @@ int main(int argc, char** argv) {
             return app.exit(error) == 0 ? kPassed : kUsage;
         }
         return run(options);
+    } catch (const Interrupted& interrupted) {
+        endAsIfBy(interrupted.signal);
     } catch (const std::exception& error) {
         return complain(kUsage, error.what());
     }

@@ -4,12 +4,17 @@
 
 """Checks orv-validate: its exit codes, its reports, and what it says of broken shared objects.
 
-usage: check_validate.py ORV_VALIDATE LIBEXT_CM LIBORV_COMMON INIT_CRASHES INIT_HANGS INIT_ENDS INIT_TALKS
+usage: check_validate.py ORV_VALIDATE LIBEXT_CM LIBORV_COMMON BROKEN...
+
+BROKEN: shared objects of BrokenInit.cpp, which are known by their names.
 """
 import os
+import pty
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import xml.etree.ElementTree as ElementTree
 
 FEW = ["--filter", "calls/Start.*"]
@@ -61,12 +66,16 @@ def check_reports(checks, library, folder):
     checks.expect("each name is there once", len(every) == len(set(every)) > 1500)
 
 
-def check_broken(checks, crashes, hangs, ends, talks, folder):
+def check_broken(checks, broken, folder):
+    crashes = broken["init_crashes"]
     one = ["--filter", "calls/Init.*", "--timeout", "1"]
     checks.run("crash", FAILED, ["CRASHED  calls/Init.", "SIGABRT"], crashes, *one)
-    checks.run("hang", FAILED, ["TIMED OUT  calls/Init.", "not done after 1 seconds"], hangs, *one)
-    checks.run("end", FAILED, ["CRASHED  calls/Init.", "in the middle of the case"], ends, *one)
-    checks.run("endless output", FAILED, ["TIMED OUT  calls/Init."], talks, *one)
+    checks.run("hang", FAILED, ["TIMED OUT  calls/Init.", "not done after 1 seconds"],
+               broken["init_hangs"], *one)
+    checks.run("end", FAILED, ["CRASHED  calls/Init.", "in the middle of the case"],
+               broken["init_ends"], *one)
+    checks.run("endless output", FAILED, ["TIMED OUT  calls/Init."], broken["init_talks"],
+               *one)
     tap = checks.run("crash in TAP", FAILED, ["not ok 1 - calls/Init."], crashes, "--format", "tap",
                      *one)
     checks.expect("no test in TAP is ok", "\nok " not in tap)
@@ -74,6 +83,108 @@ def check_broken(checks, crashes, hangs, ends, talks, folder):
     checks.run("crash in JUnit", FAILED, [], crashes, "--format", "junit", "-o", path, *one)
     suite = ElementTree.parse(path).getroot().find("testsuite")
     checks.expect("errors in JUnit", int(suite.get("errors")) == len(suite.findall(".//error")) > 0)
+
+
+    text = checks.run("nothing registered", FAILED, [
+        "FAILED  calls/Start.", "Expected: orvLCMinit calls registerComponent",
+        "Came: it has registered nothing"], broken["init_registers_nothing"], *FEW)
+    checks.expect("nothing registered is no crash", "CRASHED" not in text)
+    text = checks.run("process left behind", FAILED, ["FAILED  calls/Init."], broken["init_forks"],
+                      *one)
+    checks.expect("a process left behind takes no time", "TIMED OUT" not in text)
+    checks.run("end at unload", FAILED, ["CRASHED  calls/Init.", "in the middle of the case"],
+               broken["unload_ends"], *one)
+    tap = checks.run("words at load", FAILED, [], broken["load_talks"], "--format", "tap", *one)
+    checks.expect("TAP has nothing of the component", tap.startswith("TAP version 14\n1.."))
+    for name, reason in [("load_hangs", "not done after 1 seconds"),
+                         ("load_ends", "status 0 before it was loaded")]:
+        checks.run(name, NOT_LOADABLE, [broken[name], reason], broken[name], *one)
+
+
+def check_all_need_the_component(checks, crashes):
+    """With a component that cannot even start, hardly anything may pass."""
+    text = checks.run("all cases", FAILED, [], crashes)
+    passed = [line.split()[1] for line in text.splitlines() if line.startswith("ok  ")]
+    checks.expect(f"only what needs no start passes: {passed}",
+                  passed == ["calls/Terminate.BeforeInit_DoesNothing"])
+
+
+def children_of(parent):
+    """The processes that have this parent."""
+    found = []
+    for name in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{name}/stat", encoding="utf-8", errors="replace") as file:
+                state, owner = file.read().rpartition(")")[2].split()[:2]
+        except OSError:
+            continue
+        if int(owner) == parent and state != "Z":
+            found.append(int(name))
+    return found
+
+
+def wait_until(holds):
+    for _ in range(600):
+        if holds():
+            return True
+        time.sleep(0.1)
+    return False
+
+
+def check_interruption(checks, hangs, folder):
+    """One case passes at once, the other hangs: what is known, and what is left, at the end."""
+    passing = "calls/Terminate.BeforeInit_DoesNothing"
+    words = ["--filter", passing, "--filter", "calls/Init.BothPortals_*", "-j", "2"]
+    for sent in (signal.SIGTERM, signal.SIGINT, signal.SIGKILL):
+        for form in ("text", "tap", "junit"):
+            name = f"{form} and {sent.name}"
+            path = os.path.join(folder, f"{form}.{sent.name}")
+            with subprocess.Popen([checks.program, hangs, *words, "--format", form, "-o", path],
+                                  stdout=subprocess.PIPE, text=True) as run:
+                known = path if form != "junit" else path + ".part"
+
+                def is_running():
+                    return len(children_of(run.pid)) == 1 and os.path.exists(known) and (
+                        form == "junit" or passing in read(known))
+
+                checks.expect(f"{name}: it comes case by case", wait_until(is_running))
+                cases = children_of(run.pid)
+                run.send_signal(sent)
+                out = run.communicate(timeout=300)[0]
+            checks.expect(f"{name}: ends by the signal", run.returncode == -sent)
+            checks.expect(f"{name}: no case goes on", wait_until(
+                lambda: not any(os.path.exists(f"/proc/{case}") for case in cases)))
+            if sent == signal.SIGKILL:
+                checks.expect(f"{name}: what is known is there",
+                              not os.path.exists(path) if form == "junit" else
+                              passing in read(path))
+                continue
+            said = f"ended by {sent.name} after "
+            checks.expect(f"{name}: it says so", said in out and said in read(path))
+            if form == "junit":
+                suite = ElementTree.parse(path).getroot().find("testsuite")
+                checks.expect(f"{name}: no green run", int(suite.get("errors")) == 1)
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def check_progress(checks, library, folder):
+    """A terminal shows how far the run is, if the report goes elsewhere."""
+    ours, theirs = pty.openpty()
+    with subprocess.Popen([checks.program, library, *FEW, "-o", os.path.join(folder, "progress")],
+                          stdout=subprocess.DEVNULL, stderr=theirs) as run:
+        os.close(theirs)
+        shown = b""
+        try:
+            while part := os.read(ours, 4096):
+                shown += part
+        except OSError:
+            pass # the other end is closed
+    os.close(ours)
+    checks.expect(f"progress: {shown}", b"1 of " in shown and b", 0 failed" in shown)
 
 
 def check_not_loadable(checks, library, other_library, folder):
@@ -113,12 +224,16 @@ def check_usage(checks, library):
 
 
 def main():
-    program, library, other_library, crashes, hangs, ends, talks = sys.argv[1:]
+    program, library, other_library, *paths = sys.argv[1:]
+    broken = {os.path.basename(path).split("validate_")[1].split(".")[0]: path for path in paths}
     checks = Checks(program)
     with tempfile.TemporaryDirectory() as folder:
         check_reports(checks, library, folder)
-        check_broken(checks, crashes, hangs, ends, talks, folder)
+        check_broken(checks, broken, folder)
+        check_interruption(checks, broken["init_hangs"], folder)
+        check_progress(checks, library, folder)
         check_not_loadable(checks, library, other_library, folder)
+    check_all_need_the_component(checks, broken["init_crashes"])
     check_usage(checks, library)
     for problem in checks.problems:
         print(problem)
