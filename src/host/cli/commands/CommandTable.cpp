@@ -406,7 +406,8 @@ std::string CommandTable::namesIn(std::vector<std::string> words) const {
         const Command* command = find(words.front());
         const std::string name = command != nullptr ? command->name : "no command";
         if (command == nullptr || !command->takesCommand) {
-            return before.empty() ? name : before + " : " + name;
+            before += before.empty() ? "" : " : ";
+            return before.append(name);
         }
         before = name;
         Words rest({words.begin() + 1, words.end()});
