@@ -312,6 +312,14 @@ TEST_F(ReferenceVerdicts, DeletedMo_TakesItsRecordsAndThoseBelowAndNoOthers) {
     EXPECT_TRUE(validate());
 }
 
+TEST_F(ReferenceVerdicts, StoppedAndStartedAgain_NothingOfBeforeIsJudged) {
+    host.start();
+    write("Top=1,Foo=1", "peer", {});
+    EXPECT_EQ(host.stopComponent(), OrvOk);
+    EXPECT_EQ(host.startComponent(), OrvOk);
+    expectValid();
+}
+
 TEST_F(ReferenceVerdicts, DeletedMoThatWasNeverWritten_ChangesNothing) {
     host.start();
     write("Top=1,Foo=1", "peer", {});
