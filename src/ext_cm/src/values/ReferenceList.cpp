@@ -28,16 +28,16 @@ bool ReferenceSearch::search(const char* text) {
     }
     order();
     const std::size_t hash = hashOf(text);
-    auto at =
+    const auto first =
         std::lower_bound(mOrdered.begin(), mOrdered.end(), hash,
                          [](const Hashed& one, std::size_t wanted) { return one.hash < wanted; });
-    while (at != mOrdered.end() && at->hash == hash && !isAt(at->position, text)) {
-        ++at;
-    }
-    if (at == mOrdered.end() || at->hash != hash) {
+    const auto found = std::find_if(first, mOrdered.end(), [&](const Hashed& one) {
+        return one.hash != hash || isAt(one.position, text);
+    });
+    if (found == mOrdered.end() || found->hash != hash) {
         return false;
     }
-    mNext = at->position + 1;
+    mNext = found->position + 1;
     return true;
 }
 
