@@ -111,6 +111,7 @@ class Picture:
         self.boxes = []  # of (name, box)
         self.frames = []  # of (name, straight pieces)
         self.heads = []  # of (name, boxes around the arrowheads)
+        self.dot = dot
         widths = Widths(dot)
         graph = tree.fromstring(svg).find(SVG + "g")
         self.read(graph, "", widths)
@@ -253,7 +254,6 @@ class Check:
             if (place / f"{name}.dot").read_text() != dot:
                 self.fail(name, "drawn again, it is not the same")
         picture = Picture(svg, dot)
-        picture.dot = dot
         if not picture.texts or not picture.boxes:
             self.fail(name, "there is nothing in it")
         overlaps = [*picture.overlaps(), *picture.wrong_heads()]

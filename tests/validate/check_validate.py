@@ -83,8 +83,6 @@ def check_broken(checks, broken, folder):
     checks.run("crash in JUnit", FAILED, [], crashes, "--format", "junit", "-o", path, *one)
     suite = ElementTree.parse(path).getroot().find("testsuite")
     checks.expect("errors in JUnit", int(suite.get("errors")) == len(suite.findall(".//error")) > 0)
-
-
     text = checks.run("nothing registered", FAILED, [
         "FAILED  calls/Start.", "Expected: orvLCMinit calls registerComponent",
         "Came: it has registered nothing"], broken["init_registers_nothing"], *FEW)

@@ -250,8 +250,8 @@ void ObjectGraph::drawNode(DotText& dot, std::size_t position) {
 PictureCaption ObjectGraph::caption() const {
     PictureCaption caption;
     caption.text(mPicture.title + ": " + summary());
-    if (!foldNote().empty()) {
-        caption.text(foldNote());
+    if (const std::string note = foldNote(); !note.empty()) {
+        caption.text(note);
     }
     if (mReferences.unread() > 0) {
         caption.text(counted(mReferences.unread(), "reference") +

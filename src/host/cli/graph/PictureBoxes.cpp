@@ -119,6 +119,7 @@ void PictureBoxes::findPart(const ReferenceLines& lines, std::size_t most) {
     const Subtrees subtrees(mObjects);
     std::vector<std::size_t> candidates;
     std::unordered_map<std::string_view, std::size_t> positions;
+    positions.reserve(mObjects.size());
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
         positions.emplace(*mObjects[at].dn, at);
         if (mObjects[at].place == BoxPlace::Inside && subtrees.sizeOf(at) <= most) {
@@ -129,11 +130,14 @@ void PictureBoxes::findPart(const ReferenceLines& lines, std::size_t most) {
         return subtrees.sizeOf(one) > subtrees.sizeOf(two);
     });
     candidates.resize(std::min(candidates.size(), kTries));
+    std::vector<std::pair<std::size_t, std::size_t>> ends;
+    ends.reserve(lines.all().size());
+    for (const ReferenceLine& line : lines.all()) {
+        ends.emplace_back(positions.at(line.from), positions.at(line.to));
+    }
     for (const std::size_t top : candidates) {
         std::unordered_set<std::size_t> outside;
-        for (const ReferenceLine& line : lines.all()) {
-            const std::size_t from = positions.at(line.from);
-            const std::size_t to = positions.at(line.to);
+        for (const auto& [from, to] : ends) {
             if (subtrees.contains(top, from) != subtrees.contains(top, to)) {
                 outside.insert(subtrees.contains(top, from) ? to : from);
             }

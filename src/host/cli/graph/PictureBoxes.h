@@ -49,8 +49,9 @@ public:
     std::optional<std::size_t> find(const std::string& dn) const;
     /// More children of one class than that are one box; nothing: the picture is not folded.
     std::optional<std::size_t> foldedAbove() const { return mFoldedAbove; }
-    /// If the picture is folded: the object with the most below it, a picture of which, with all
-    /// that is below it, is not; null if there is none. External, borrowed from the picture.
+    /// If the picture is folded: an object, a picture of which, with all that is below it, is not.
+    /// Of the largest ones that could do, some are tried in turn; null if none does. External,
+    /// borrowed from the picture.
     const std::string* largestPartThatFits() const { return mPart; }
 
 private:

@@ -66,8 +66,7 @@ private:
     std::string mLastCancel;
     bool mMayDrop = false;
     bool mHasDropped = false;
-    bool mIsInLine =
-        false; ///< the last that was written to the standard output is no end of a line
+    bool mIsInLine = false; ///< the standard output does not end with the end of a line
     bool mIsPrinted = true;
     bool mIsOpen = true;
 };

@@ -79,7 +79,6 @@ void WatchList::clear() {
 
 WatchList::News WatchList::take() {
     const std::lock_guard<std::mutex> lock(mMutex);
-    mSizes.clear();
     mSize = 0;
     return std::exchange(mNews, {});
 }
@@ -99,12 +98,10 @@ void WatchList::note(const ChangeSet& changes) {
     if (commit.objects.empty()) {
         return;
     }
-    mSizes.push_back(sizeOf(commit));
-    mSize += mSizes.back();
+    mSize += sizeOf(commit);
     mNews.commits.push_back(std::move(commit));
     while (mNews.commits.size() > kMostKept || mSize > kMostBytes) {
-        mSize -= mSizes.front();
-        mSizes.pop_front();
+        mSize -= sizeOf(mNews.commits.front());
         mNews.commits.pop_front();
         ++mNews.lost;
     }

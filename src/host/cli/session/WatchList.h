@@ -55,8 +55,7 @@ private:
     std::mutex mMutex; ///< guards mDns against changes, and mNews
     std::vector<std::string> mDns;
     News mNews;
-    std::deque<std::size_t> mSizes;         ///< of the commits of mNews, in bytes
-    std::size_t mSize = 0;                  ///< their sum
+    std::size_t mSize = 0;                  ///< of the commits of mNews, in bytes
     CommitFeed::Subscription mSubscription; ///< ends before the others
 };
 

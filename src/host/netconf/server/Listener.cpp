@@ -66,7 +66,7 @@ void removeLeftOver(const std::string& path, const sockaddr_un& address) {
     }
     if (error != ECONNREFUSED) {
         throw ServerError(
-            path + ": exists already, and it is not known whether a program listens " + "there (" +
+            path + ": exists already, and it is not known whether a program listens there (" +
             std::generic_category().message(error) + "); a path was expected where nothing is");
     }
     if (unlink(path.c_str()) != 0) {

@@ -63,6 +63,14 @@ protected:
         return text;
     }
 
+    /// Prints \p text with a link that drops what waits, and then presses Ctrl-C.
+    void printAndCancel(ServerLink& link, const std::string& text) {
+        link.dropWhenCancelled();
+        link.print(STDOUT_FILENO, text);
+        EXPECT_TRUE(link.flush());
+        token.cancel();
+    }
+
     std::string path;
     CancellationToken token;
 
@@ -82,10 +90,7 @@ private:
 
 TEST_F(ServerLinkTest, Flush_Cancelled_DropsWhatWaits) {
     ServerLink link(path, token);
-    link.dropWhenCancelled();
-    link.print(STDOUT_FILENO, "begin");
-    EXPECT_TRUE(link.flush());
-    token.cancel();
+    printAndCancel(link, "begin");
     link.print(STDOUT_FILENO, std::string(10'000'000, 'x'));
     EXPECT_FALSE(link.flush());
     token.renew();
@@ -96,10 +101,7 @@ TEST_F(ServerLinkTest, Flush_Cancelled_DropsWhatWaits) {
 
 TEST_F(ServerLinkTest, Flush_CancelledAtTheEndOfALine_AddsNone) {
     ServerLink link(path, token);
-    link.dropWhenCancelled();
-    link.print(STDOUT_FILENO, "line\n");
-    EXPECT_TRUE(link.flush());
-    token.cancel();
+    printAndCancel(link, "line\n");
     EXPECT_TRUE(link.flush()) << "nothing waited";
     link.print(STDOUT_FILENO, "dropped");
     EXPECT_FALSE(link.flush());
