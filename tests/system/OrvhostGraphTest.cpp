@@ -241,6 +241,10 @@ TEST(OrvhostGraphTest, ManyObjects_AreFoldedAndTheWayToUnfoldIsPrinted) {
     EXPECT_THAT(unfolded.out, AllOf(HasSubstr("Lamp=119"), Not(HasSubstr("folded"))));
 }
 
+TEST(OrvhostGraphTest, DepthZeroFromTheTop_TellsWhatIsThere) {
+    EXPECT_THAT(runCommands({"graph --dot --depth 0"}).out, HasSubstr("/: (8 below) 0 objects"));
+}
+
 // What the page does stands in object_page.py, which looks at it with a browser.
 TEST(OrvhostGraphTest, Html_IsOnePageWithoutDot) {
     const TemporaryDirectory empty;

@@ -4,8 +4,9 @@
 
 """Checks that pictures of objects and classes can be read: no text lies on another text, a line, the
 border of a frame or a box of something else, and no line leads through a box that it does not end at.
-Checks also that they are true: every reference of the data is drawn or counted once and, where nothing
-is folded, between the right objects and in its direction.
+Checks also that they are true: that each box has the right name and border, that each reference of the
+data is drawn or counted as often as it is there, by its attribute, in its direction and with the right
+look, between the right objects (or classes, where something is folded), and that all numbers are right.
 
 usage: picture_overlaps.py ORVHOST GENERATOR ROOT [--keep FOLDER]
 
@@ -21,11 +22,15 @@ import sys
 import tempfile
 import xml.etree.ElementTree as tree
 
+import picture_truth
+
 SVG = "{http://www.w3.org/2000/svg}"
 NUMBER = re.compile(r"-?\d+(?:\.\d+)?(?:e-?\d+)?")
 # Letters do not fill the height of their line: what is above and below the base line, in font sizes.
 ABOVE, BELOW = 0.72, 0.2
 POINTS_OF_CURVE = 24
+# More than that are folded.
+BOXES = 100
 
 
 class Box:
@@ -177,56 +182,6 @@ class Picture:
                     yield f"the line {name} and the box {other}"
 
 
-NODE = re.compile(r'^ *(n\d+) \[label=<(.*)>, tooltip="(.*)"\]', re.M)
-ROW = re.compile(r'PORT="(p\d+)"><FONT[^>]*>(.*?)</FONT>')
-EDGE = re.compile(r'^ *(n\d+):(\w+) -> (n\d+):(\w+) \[(.*)\]', re.M)
-COUNT = re.compile(r"×(\d+)")
-
-
-def counted(row):
-    """How many references a row stands for, for each line that begins there."""
-    parts = re.split(", |↔", re.sub("<[^>]*>", "", row))
-    return sum(int(found[1]) if (found := COUNT.search(part)) else 1 for part in parts)
-
-
-def drawn_references(dot):
-    """How many references are drawn, and the (holder, target) of those between two boxes."""
-    names, rows, total, pairs_drawn = {}, {}, 0, []
-    for node, label, name in NODE.findall(dot):
-        names[node] = name
-        for port, row in ROW.findall(label):
-            rows[node, port] = counted(row)
-            if "↔" in row or "↺" in row:
-                total += rows[node, port]
-    for start, start_port, end, end_port, look in EDGE.findall(dot):
-        if "invis" in look:
-            continue
-        total += rows[start, start_port]
-        pairs_drawn.append((names[start], names[end]))
-        if 'dir="both"' in look:
-            total += rows[end, end_port]
-            pairs_drawn.append((names[end], names[start]))
-    return total, sorted(set(pairs_drawn))
-
-
-def references_in(value, holder=""):
-    """The (holder, target) of all references in instance data, in JSON."""
-    if isinstance(value, str):
-        if value.startswith("ManagedElement="):
-            yield holder, value
-    elif isinstance(value, list):
-        for one in value:
-            yield from references_in(one, holder)
-    elif isinstance(value, dict):
-        for key, inner in value.items():
-            name = key.split(":")[-1]
-            naming = name[:1].lower() + name[1:] + "Id"
-            for one in inner if isinstance(inner, list) else [inner]:
-                is_object = name[:1].isupper() and isinstance(one, dict) and naming in one
-                step = f"{holder},{name}={one[naming]}".lstrip(",") if is_object else holder
-                yield from references_in(one, step)
-
-
 class Check:
     def __init__(self, orvhost, keep):
         self.orvhost, self.keep, self.failures = orvhost, keep, 0
@@ -276,15 +231,76 @@ def expect_texts(check, name, picture, *texts):
             check.fail(name, f"'{text}' is not in it")
 
 
-def expect_references(check, name, dot, data, identity="1"):
-    """All references of the data, a file, must be in the picture of all of it."""
-    expected = [tuple(re.sub("^ManagedElement=1", f"ManagedElement={identity}", dn) for dn in pair)
-                for pair in references_in(json.loads(pathlib.Path(data).read_text()))]
-    total, pairs_drawn = drawn_references(dot)
-    if total != len(expected) or f", {total} references, " not in dot:
-        check.fail(name, f"{total} references are drawn, the data has {len(expected)}")
-    if " × " not in dot and pairs_drawn != sorted({pair for pair in expected if pair[0] != pair[1]}):
-        check.fail(name, "the lines do not lead from and to the objects of the data")
+def expect_truth(check, name, dot, data, top="", depth=1000):
+    """The picture of that part of the data says what the data says, and one that does not is found."""
+    for error in picture_truth.errors(dot, data, top, depth):
+        check.fail(name, error)
+
+
+# What would be wrong in a picture, as changes of its text: each must be found in some picture.
+LIES = {
+    "titles exchanged": lambda dot: exchanged(dot, r"(?<=<B>)[^<(]*"),
+    "a row has another attribute": lambda dot: re.sub(r'(PORT="p0"><FONT[^>]*>)\w+', r"\1wrongRef", dot, 1),
+    "solid lines are dashed": lambda dot: dot.replace(' [style="solid"', ' [style="dashed"'),
+    "dashed lines are solid": lambda dot: dot.replace(' [style="dashed"', ' [style="solid"'),
+    "dashed lines are dotted": lambda dot: dot.replace(' [style="dashed"', ' [style="dotted"'),
+    "a line is missing": lambda dot: re.sub(r' *n\d+:.*\n', "", dot, 1),
+    "a line leads back": lambda dot: re.sub(r'(n\d+:p\d+) -> (n\d+:title)', r"\2 -> \1", dot, 1),
+    "a line both ways leads one way": lambda dot: dot.replace(', dir="both"', "", 1),
+    "a line ends elsewhere": lambda dot: re.sub(r"-> n\d+:title", "-> n0:title", dot),
+    "more objects in a folded box": lambda dot: re.sub(
+        r"× (\d+)</B>", lambda found: f"× {int(found[1]) + 7}</B>", dot, 1),
+    "more references in a row": lambda dot: re.sub(
+        r"×(\d+)", lambda found: f"×{int(found[1]) + 1}", dot, 1),
+    "more objects below": lambda dot: re.sub(
+        r"\((\d+) below", lambda found: f"({int(found[1]) + 3} below", dot, 1),
+    "no thick border": lambda dot: dot.replace(' BORDER="2"', ' BORDER="1"'),
+    "a thick border": lambda dot: re.sub(r' BORDER="1"( COLOR[^>]*><TR><TD ALIGN="LEFT" PORT)',
+                                         r' BORDER="2"\1', dot, 1),
+    "another number below": lambda dot: re.sub(
+        r"(\d+) reference", lambda found: f"{int(found[1]) + 1} reference", dot, 1),
+    "dashed border inside": lambda dot: re.sub(r"(BORDER=.1. [^>]*)>", r'\1 STYLE="DASHED">', dot, 1),
+}
+
+
+def expect_red(check, name, dot, boxes, rows):
+    """Exactly those boxes, by their DNs, and rows, by DN and text, are red."""
+    found = picture_truth.Drawn(dot)
+    red = {node.dn for node in found.nodes.values() if node.is_red}
+    red_rows = {f"{node.dn} {row}" for node in found.nodes.values() for row in node.red_rows}
+    if (red, red_rows) != (boxes, rows):
+        check.fail(name, f"red are {sorted(red)} and {sorted(red_rows)}")
+
+
+def expect_part(check, name, options, dot, data):
+    """The part that a folded picture names is the largest one that is drawn without folding."""
+    top = re.search("'graph ([^']*)' draws", dot)[1]
+    part = check.run(*options, "-c", f"graph --dot {top}")
+    if picture_truth.Drawn(part).is_folded:
+        check.fail(name, f"'graph {top}' is folded, too")
+    expect_truth(check, f"{name} {top}", part, data, top)
+    size, largest = len(data.part(top, 1000)), data.largest_part(BOXES)
+    if size != largest:
+        check.fail(name, f"'graph {top}' has {size} objects, the largest part {largest}")
+
+
+def exchanged(text, pattern):
+    """The text with its first two different parts that fit the pattern exchanged."""
+    first = re.search(pattern, text)
+    second = next((part for part in re.finditer(pattern, text) if part[0] != first[0]), None)
+    return text if not second else (text[:first.start()] + second[0] + text[first.end():second.start()] + first[0] +
+            text[second.end():])
+
+
+def expect_lies_found(check, pictures):
+    """The pictures are (dot, data, top, depth)."""
+    for name, lie in LIES.items():
+        changed = [(lie(dot), *rest) for dot, *rest in pictures if lie(dot) != dot]
+        if not changed:
+            check.fail("lies", f"{name}: no picture has what this changes")
+        for dot, *rest in changed:
+            if not any(picture_truth.errors(dot, *rest)):
+                check.fail("lies", f"{name}: not found")
 
 
 def self_test():
@@ -322,18 +338,23 @@ def main():
 
     check.picture("demo-before", harbour, radio_unit)
     check.picture("demo-after", harbour, radio_unit, [f"set {radio_unit} antennaRef={antenna}"])
-    whole = check.picture("harbour", harbour, "")
-    expect_references(check, "harbour", whole.dot, root / "examples/data/harbour.json", "Harbour")
-    check.picture("equipment", harbour, equipment)
-    check.picture("level", harbour, "--depth 2")
-    wrong = check.picture("violations", harbour, equipment, [
-        f"create {equipment},RadioUnit=3 antennaRef={antenna}",
-        f"create {equipment},RadioUnit=4 antennaRef={antenna} "
-        f"sectorRef={equipment},Sector=nowhere"])
-    # The box has short DNs, and the whole message; below the picture are the whole DNs.
+    data = picture_truth.Data(root / "examples/data/harbour.json", root / "examples/models", "Harbour")
+    pictures = []
+    for name, top, depth in (("harbour", "", 1000), ("equipment", equipment, 1000), ("level", "", 2),
+                             ("equipment-alone", equipment, 0)):
+        graph = top + (f" --depth {depth}" if depth < 1000 else "")
+        pictures.append((check.picture(name, harbour, graph).dot, data, top, depth))
+        expect_truth(check, name, *pictures[-1])
+    changes = [f"create {equipment},RadioUnit=3 antennaRef={antenna}",
+               f"create {equipment},RadioUnit=4 antennaRef={antenna} "
+               f"sectorRef={equipment},Sector=nowhere"]
+    wrong = check.picture("violations", harbour, equipment, changes)
     expect_texts(check, "violations", wrong, "expected 0..2", "red:",
-                 "attribute sectorRef names …,Equipment=1,Sector=nowhere, which does not exist.",
-                 f"names {equipment},Sector=nowhere, which does not exist.")
+                 f"attribute sectorRef names {equipment},Sector=nowhere, which does not exist.",
+                 f"{equipment},RadioUnit=4: attribute sectorRef")
+    expect_red(check, "violations", wrong.dot,
+               {antenna, f"{equipment},RadioUnit=4", f"{equipment},Sector=nowhere"},
+               {f"{equipment},RadioUnit=4 sectorRef", f"{antenna} radioUnitRef"})
 
     long_name = "long" * 50
     odd = ["R&D &amp 'too'", "Höhe 塔", "two  blanks", "{a|b}", long_name]
@@ -349,17 +370,20 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         for count, options in ((15, ("",)), (60, ("",)), (140, ("", "--unfold")), (1000, ("",)),
                                (20000, ("",))):
-            data = f"{folder}/{count}.json"
-            subprocess.run([generator, "-n", str(count), data], check=True, capture_output=True)
+            file = f"{folder}/{count}.json"
+            subprocess.run([generator, "-n", str(count), file], check=True, capture_output=True)
+            data = picture_truth.Data(file, root / "examples/models")
             for option in options:
                 name = f"{count}{option}"
-                picture = check.picture(name, [*model, "-d", data], option)
-                expect_references(check, name, picture.dot, data)
+                picture = check.picture(name, [*model, "-d", file], option)
+                dot = picture.dot
+                expect_truth(check, name, dot, data)
                 if count > 100 and not option:
                     expect_texts(check, name, picture, "NRCellRelation × ", "folded")
-                    part = re.search("'graph ([^']*)' draws", picture.dot)[1]
-                    if " × " in check.run(*model, "-d", data, "-c", f"graph --dot {part}"):
-                        check.fail(name, f"'graph {part}' is folded, too")
+                    expect_part(check, name, [*model, "-d", file], dot, data)
+                if count <= 140:
+                    pictures.append((dot, data))
+    expect_lies_found(check, pictures)
     return 1 if check.failures else 0
 
 

@@ -32,6 +32,8 @@ constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 // What is read for a picture that can be folded, or a page, and what can be read easily.
 constexpr std::uint64_t kObjects = 100000;
 constexpr std::uint64_t kClasses = 300;
+// How many objects Graphviz lays out in good time if none are folded.
+constexpr std::uint64_t kUnfolded = 300;
 constexpr std::uint64_t kBoxes = 100;
 constexpr std::uint64_t kSeconds = 60;
 constexpr std::uint64_t kMostSeconds = std::uint64_t{24} * 60 * 60;
@@ -52,7 +54,7 @@ std::uint64_t usualLimit(const GraphOptions& options) {
     if (options.wantsClasses) {
         return kClasses;
     }
-    return options.wantsAllBoxes ? kMostUnfolded : kObjects;
+    return options.wantsAllBoxes ? kUnfolded : kObjects;
 }
 
 std::chrono::seconds layoutTime(std::uint64_t seconds) {
@@ -125,13 +127,15 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     Drawing drawing;
     drawing.violations = violationsIn(session.model(), picture);
     const ReferenceLines lines(classes, picture, drawing.violations);
-    drawing.json = {{"objects", picture.objects.size()}, {"references", lines.references()}};
+    drawing.json = {{"objects", picture.objects.size()},
+                    {"references", lines.references() + lines.unread()}};
     if (options.wantsPage) {
         drawing.text = objectPage(picture, lines, drawing.violations);
         drawing.summary = pictureSummary(picture, lines, drawing.violations);
     } else {
-        const ObjectGraph graph(picture, lines, drawing.violations,
-                                options.wantsAllBoxes ? 0 : kBoxes);
+        const GraphOffer offer{options.wantsAllBoxes ? 0 : kBoxes,
+                               session.isServed() ? "graph --dot" : "graph", kUnfolded, kObjects};
+        const ObjectGraph graph(picture, lines, drawing.violations, offer);
         drawing.text = graph.dot();
         drawing.summary = graph.summary();
         drawing.note = graph.foldNote();

@@ -15,14 +15,14 @@ using Kind = std::tuple<std::size_t, std::size_t, LineKind, bool>;
 
 }
 
-void LineEnd::add(const std::string& attribute) {
-    for (auto& [known, count] : attributes) {
+void LineEnd::add(const std::string& attribute, std::size_t count) {
+    for (auto& [known, sum] : attributes) {
         if (known == attribute) {
-            ++count;
+            sum += count;
             return;
         }
     }
-    attributes.emplace_back(attribute, 1);
+    attributes.emplace_back(attribute, count);
 }
 
 std::string LineEnd::text() const {
@@ -40,13 +40,14 @@ std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLine
     for (const ReferenceLine& drawn : lines.all()) {
         std::size_t from = boxes.find(drawn.from).value();
         std::size_t to = boxes.find(drawn.to).value();
-        const std::string* attribute = &drawn.attribute;
-        const std::string* back = &drawn.back;
+        std::pair<const std::string*, std::size_t> there{&drawn.attribute, drawn.count};
+        std::pair<const std::string*, std::size_t> back{&drawn.back, drawn.backCount};
         // All lines both ways between two boxes are written in one direction.
-        const bool isTurned = to < from || (to == from && !back->empty() && *back < *attribute);
+        const bool isTurned =
+            to < from || (to == from && !drawn.back.empty() && drawn.back < drawn.attribute);
         if (drawn.kind == LineKind::BothWays && isTurned) {
             std::swap(from, to);
-            std::swap(attribute, back);
+            std::swap(there, back);
         }
         const bool isWrong = !drawn.violation.empty();
         const auto [known, isNew] =
@@ -55,9 +56,9 @@ std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLine
             joined.push_back({from, to, drawn.kind, isWrong, {}, {}});
         }
         JoinedLine& line = joined[known->second];
-        line.fromEnd.add(*attribute);
-        if (!back->empty()) {
-            line.toEnd.add(*back);
+        line.fromEnd.add(*there.first, there.second);
+        if (!back.first->empty()) {
+            line.toEnd.add(*back.first, back.second);
         }
     }
     return joined;

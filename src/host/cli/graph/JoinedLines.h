@@ -19,7 +19,7 @@ namespace OrvHost {
 struct LineEnd {
     std::vector<std::pair<std::string, std::size_t>> attributes;
 
-    void add(const std::string& attribute);
+    void add(const std::string& attribute, std::size_t count);
     /// Those with several references with their number: "antennas ×3, mast".
     std::string text() const;
 };

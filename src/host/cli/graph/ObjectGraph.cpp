@@ -9,6 +9,7 @@
 #include "cli/input/WordSplitter.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace OrvHost {
 
@@ -16,7 +17,6 @@ namespace {
 
 constexpr std::size_t kMaxListedViolations = 20;
 constexpr std::size_t kMaxMessages = 3;
-constexpr std::size_t kDnLetters = 40;
 
 std::string nodeName(std::size_t position) {
     return "n" + std::to_string(position);
@@ -32,32 +32,14 @@ std::string withoutDn(const InstanceProblem& problem) {
     return problem.text.rfind(head, 0) == 0 ? problem.text.substr(head.size()) : problem.text;
 }
 
-/// A long DN without its first steps: "…,Site=1,Antenna=2".
-std::string shortDn(const std::string& dn) {
-    const DnView whole(dn);
-    const DnView parent = whole.parent();
-    const std::string end = "…," + std::string(parent.last().text()) + ',' + lastStep(dn);
-    return dn.size() > kDnLetters && !parent.parent().text().empty() ? end : dn;
-}
-
-/// \p text with short forms of the DNs that the problem names. Nothing else of a message may be
-/// left out: its end tells what is wrong.
-std::string withShortDns(std::string text, const InstanceProblem& problem) {
-    for (const std::string* const dn : {&problem.dn, &problem.otherDn}) {
-        const std::string shorter = shortDn(*dn);
-        std::size_t at = shorter == *dn ? std::string::npos : text.find(*dn);
-        while (at != std::string::npos) {
-            text.replace(at, dn->size(), shorter);
-            at = text.find(*dn, at + shorter.size());
-        }
-    }
-    return text;
-}
-
 std::string tooltipOf(const PictureBox& box) {
     return box.isFolded && box.objects > 1
                ? counted(box.objects, "object") + ", the first: " + box.dn
                : box.dn;
+}
+
+std::string belowText(unsigned long long objects) {
+    return "(" + std::to_string(objects) + " below)";
 }
 
 std::string titleOf(const PictureBox& box) {
@@ -66,7 +48,7 @@ std::string titleOf(const PictureBox& box) {
                         : box.place == BoxPlace::Inside ? lastStep(box.dn)
                                                         : box.dn;
     if (box.hiddenBelow > 0) {
-        title += "\n(" + std::to_string(box.hiddenBelow) + " below)";
+        title += "\n" + belowText(box.hiddenBelow);
     }
     if (box.place == BoxPlace::Missing) {
         title += box.objects > 1 ? "\nare not there" : "\nis not there";
@@ -78,17 +60,21 @@ std::string titleOf(const PictureBox& box) {
 
 std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
                            const std::vector<InstanceProblem>& violations) {
+    const std::string unread = lines.unread() > 0 ? " (" + std::to_string(lines.unread()) +
+                                                        " to further objects outside not drawn)"
+                                                  : "";
     return counted(picture.objects.size(), "object") + ", " +
-           counted(lines.references(), "reference") + ", " +
+           counted(lines.references() + lines.unread(), "reference") + unread + ", " +
            counted(violations.size(), "violation");
 }
 
 ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
-                         const std::vector<InstanceProblem>& violations, std::size_t most)
+                         const std::vector<InstanceProblem>& violations, GraphOffer offer)
     : mPicture(picture),
       mReferences(lines),
       mViolations(violations),
-      mBoxes(picture, lines, most),
+      mOffer(std::move(offer)),
+      mBoxes(picture, lines, mOffer.boxes),
       mLines(joinLines(mBoxes, lines)),
       mProblems(mBoxes.all().size()),
       mIsRed(mBoxes.all().size()) {
@@ -131,12 +117,19 @@ std::string ObjectGraph::foldNote() const {
                        "number. To see more: ";
     const std::string* const part = mBoxes.largestPartThatFits();
     if (part != nullptr) {
-        note += "'graph " + quoteWord(*part) + "' draws that part without folding, ";
+        note +=
+            "'" + mOffer.command + " " + quoteWord(*part) + "' draws that part without folding; ";
     }
-    if (mPicture.objects.size() <= kMostUnfolded) {
-        note += "--unfold draws all, ";
+    const std::size_t objects = mPicture.objects.size();
+    const bool isWholeUnfolded =
+        std::max(objects, mPicture.outside.size()) <= mOffer.mostUnfolded &&
+        mPicture.unread.empty();
+    if (isWholeUnfolded) {
+        note += "the same with --unfold draws each object; ";
     }
-    return note + "--html makes a page with all";
+    return note + "the same with --html" +
+           (objects > mOffer.mostOnPage ? " --limit " + std::to_string(objects) : "") +
+           " makes a page of all";
 }
 
 void ObjectGraph::makeLabels() {
@@ -186,9 +179,7 @@ void ObjectGraph::addMessages() {
         const bool isFolded = mBoxes.all()[position].isFolded;
         for (std::size_t at = 0; at < std::min(problems.size(), kMaxMessages); ++at) {
             const InstanceProblem& problem = *problems[at];
-            mLabels[position].note(
-                withShortDns(isFolded ? problem.text : withoutDn(problem), problem),
-                kViolationColour);
+            mLabels[position].note(isFolded ? problem.text : withoutDn(problem), kViolationColour);
         }
         if (problems.size() > kMaxMessages) {
             mLabels[position].note("and " +
@@ -249,13 +240,10 @@ void ObjectGraph::drawNode(DotText& dot, std::size_t position) {
 
 PictureCaption ObjectGraph::caption() const {
     PictureCaption caption;
-    caption.text(mPicture.title + ": " + summary());
+    const std::string below = mPicture.hiddenBelow > 0 ? belowText(mPicture.hiddenBelow) + " " : "";
+    caption.text(mPicture.title + ": " + below + summary());
     if (const std::string note = foldNote(); !note.empty()) {
         caption.text(note);
-    }
-    if (mReferences.unread() > 0) {
-        caption.text(counted(mReferences.unread(), "reference") +
-                     " to further objects outside are not drawn");
     }
     for (std::size_t number = 0; number < mViolations.size(); ++number) {
         if (number == kMaxListedViolations) {
@@ -303,8 +291,10 @@ void ObjectGraph::explainLines(PictureCaption& caption) const {
             return isSuch(line.fromEnd.attributes) || isSuch(line.toEnd.attributes);
         });
     };
+    // A reference to an object of the same box is a row, without a line.
+    const auto isDrawn = [](const JoinedLine& line) { return line.from != line.to; };
     const auto hasKind = [&](LineKind kind) {
-        return has([&](const JoinedLine& line) { return line.kind == kind; });
+        return has([&](const JoinedLine& line) { return isDrawn(line) && line.kind == kind; });
     };
     if (hasKind(LineKind::BothWays)) {
         caption.line(LineKind::BothWays, "an association with references both ways");
@@ -315,11 +305,11 @@ void ObjectGraph::explainLines(PictureCaption& caption) const {
     if (hasKind(LineKind::Plain)) {
         caption.line(LineKind::Plain, "a reference without an association");
     }
-    if (!mLines.empty()) {
+    if (has(isDrawn)) {
         caption.mark("→", "leads from the row of an attribute to the object that it refers to");
     }
     if (hasRow([](const auto& attributes) { return attributes.size() > 1; })) {
-        caption.mark("a, b", "a line from this row stands for references of both attributes");
+        caption.mark("a, b", "a line from this row stands for references of all these attributes");
     }
     if (hasRow([](const auto& attributes) {
             return std::any_of(attributes.begin(), attributes.end(),
@@ -327,7 +317,7 @@ void ObjectGraph::explainLines(PictureCaption& caption) const {
         })) {
         caption.mark("×3", "a line from this row stands for 3 references of the attribute");
     }
-    if (has([](const JoinedLine& line) { return line.from == line.to; })) {
+    if (!std::all_of(mLines.begin(), mLines.end(), isDrawn)) {
         caption.mark("↔ ↺", "references between the objects of the same box, both ways or one way");
     }
     if (!mViolations.empty()) {

@@ -20,10 +20,15 @@
 
 namespace OrvHost {
 
-/// How many objects Graphviz lays out in good time if none are folded.
-constexpr std::size_t kMostUnfolded = 300;
+/// What a picture may be, and what its reader can ask for to see more.
+struct GraphOffer {
+    std::size_t boxes = 0;        ///< at most, if folding achieves that; 0: any number
+    std::string command;          ///< draws, with a DN after it, another part
+    std::size_t mostUnfolded = 0; ///< objects that --unfold draws
+    std::size_t mostOnPage = 0;   ///< objects that --html shows without --limit
+};
 
-/// "4 objects, 3 references, 0 violations": of the objects of \p picture, and of what is drawn.
+/// "4 objects, 3 references, 0 violations": of the objects of \p picture and what they refer to.
 std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
                            const std::vector<InstanceProblem>& violations);
 
@@ -35,10 +40,9 @@ std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lin
 /// at each end. Large pictures are folded, see PictureBoxes. One thread.
 class ObjectGraph {
 public:
-    /// At most \p most boxes if folding achieves that, 0: any number. All other arguments are
-    /// borrowed and must outlive the graph.
+    /// All arguments but the offer are borrowed and must outlive the graph.
     ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
-                const std::vector<InstanceProblem>& violations, std::size_t most);
+                const std::vector<InstanceProblem>& violations, GraphOffer offer);
 
     const std::string& dot() const { return mDot; }
     /// See pictureSummary.
@@ -63,6 +67,7 @@ private:
     const TreePicture& mPicture;
     const ReferenceLines& mReferences;
     const std::vector<InstanceProblem>& mViolations;
+    GraphOffer mOffer;
     PictureBoxes mBoxes;
     std::vector<JoinedLine> mLines;
     std::vector<std::vector<const InstanceProblem*>> mProblems; ///< of each box

@@ -14,48 +14,118 @@
 
 namespace OrvHost {
 
-/// How many objects an object and all below it are, and which.
-class PictureBoxes::Subtrees {
+namespace {
+
+/// The objects of a picture in an order in which each one is followed by all that are below it.
+class Subtrees {
 public:
-    /// Of \p objects, parents first.
-    explicit Subtrees(const std::vector<Object>& objects) : mPlaces(objects.size()) {
+    explicit Subtrees(const std::vector<PicturedObject>& objects) : mPlaces(objects.size()) {
         for (std::size_t at = objects.size(); at-- > 0;) {
             Place& place = mPlaces[at];
-            place.drawn += 1;
-            place.all += 1 + objects[at].hiddenBelow;
+            place.size += 1;
+            place.isWhole = place.isWhole && objects[at].hiddenBelow == 0;
             if (objects[at].parent) {
-                mPlaces[*objects[at].parent].drawn += place.drawn;
-                mPlaces[*objects[at].parent].all += place.all;
+                mPlaces[*objects[at].parent].size += place.size;
+                mPlaces[*objects[at].parent].isWhole &= place.isWhole;
             }
         }
+        mOrder.resize(objects.size());
         std::size_t nextTop = 0;
         std::vector<std::size_t> next(objects.size());
         for (std::size_t at = 0; at < objects.size(); ++at) {
             std::size_t& free = objects[at].parent ? next[*objects[at].parent] : nextTop;
             mPlaces[at].first = free;
-            free += mPlaces[at].drawn;
+            mOrder[free] = at;
+            free += mPlaces[at].size;
             next[at] = mPlaces[at].first + 1;
         }
     }
 
-    /// With those that are not drawn.
-    unsigned long long sizeOf(std::size_t position) const { return mPlaces[position].all; }
+    /// The number of objects that \p top and those below it are.
+    std::size_t sizeOf(std::size_t top) const { return mPlaces[top].size; }
+    /// Whether everything below \p top is in the picture.
+    bool isWhole(std::size_t top) const { return mPlaces[top].isWhole; }
     bool contains(std::size_t top, std::size_t position) const {
-        const std::size_t number = mPlaces[position].first;
-        const Place& place = mPlaces[top];
-        return number >= place.first && number < place.first + place.drawn;
+        const std::size_t place = mPlaces[position].first;
+        return place >= mPlaces[top].first && place < mPlaces[top].first + mPlaces[top].size;
+    }
+    /// The position of the object with that \p number, from 0, in the part below and with \p top.
+    std::size_t member(std::size_t top, std::size_t number) const {
+        return mOrder[mPlaces[top].first + number];
     }
 
 private:
-    /// The objects are numbered so that those of a subtree have the next numbers.
     struct Place {
-        std::size_t first = 0;
-        std::size_t drawn = 0;
-        unsigned long long all = 0;
+        std::size_t first = 0; ///< in mOrder
+        std::size_t size = 0;
+        bool isWhole = true;
     };
 
     std::vector<Place> mPlaces;
+    std::vector<std::size_t> mOrder;
 };
+
+/// What the references of a picture lead to, each target with a number: that of an object is its
+/// position, all others follow.
+class Targets {
+public:
+    explicit Targets(const std::vector<PicturedObject>& objects) {
+        std::unordered_map<std::string_view, std::size_t> numbers;
+        numbers.reserve(objects.size());
+        for (const PicturedObject& object : objects) {
+            numbers.emplace(object.dn, numbers.size());
+        }
+        for (const PicturedObject& object : objects) {
+            std::vector<std::size_t>& targets = mTargets.emplace_back();
+            for (const PicturedLink& link : object.links) {
+                targets.push_back(numbers.emplace(link.target, numbers.size()).first->second);
+            }
+        }
+    }
+
+    const std::vector<std::size_t>& of(std::size_t position) const { return mTargets[position]; }
+    bool isObject(std::size_t target) const { return target < mTargets.size(); }
+
+private:
+    std::vector<std::vector<std::size_t>> mTargets;
+};
+
+/// Whether a picture of \p top and of what is below it has at most \p most boxes: those of the
+/// objects, and those of what they refer to outside.
+bool fits(const Subtrees& subtrees, const Targets& targets, std::size_t top, std::size_t most) {
+    const std::size_t size = subtrees.sizeOf(top);
+    std::unordered_set<std::size_t> outside;
+    for (std::size_t number = 0; number < size && size + outside.size() <= most; ++number) {
+        for (const std::size_t target : targets.of(subtrees.member(top, number))) {
+            if (!targets.isObject(target) || !subtrees.contains(top, target)) {
+                outside.insert(target);
+            }
+        }
+    }
+    return size + outside.size() <= most;
+}
+
+/// The largest object of which that is true; one with nothing below it is no help.
+const std::string* largestPart(const std::vector<PicturedObject>& objects, std::size_t most) {
+    const Subtrees subtrees(objects);
+    std::vector<std::size_t> candidates;
+    for (std::size_t at = 0; at < objects.size(); ++at) {
+        const std::size_t size = subtrees.sizeOf(at);
+        if (size > 1 && size <= most && subtrees.isWhole(at)) {
+            candidates.push_back(at);
+        }
+    }
+    std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t one, std::size_t two) {
+        return subtrees.sizeOf(one) > subtrees.sizeOf(two);
+    });
+    const Targets targets(objects);
+    const auto found = std::find_if(candidates.begin(), candidates.end(), [&](std::size_t top) {
+        return fits(subtrees, targets, top, most);
+    });
+    return found == candidates.end() ? nullptr : &objects[*found].dn;
+}
+
+}
 
 PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lines,
                            std::size_t most) {
@@ -70,7 +140,7 @@ PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lin
     if (mBoxes.size() == mObjects.size()) {
         mFoldedAbove.reset();
     } else {
-        findPart(lines, most);
+        mPart = largestPart(picture.objects, most);
     }
 }
 
@@ -110,42 +180,6 @@ void PictureBoxes::countSiblings() {
     }
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
         mSiblings.push_back(counts.at({mObjects[at].place, mObjects[at].parent, mClassNames[at]}));
-    }
-}
-
-// A few of the largest are tried: what they refer to outside has boxes, too.
-void PictureBoxes::findPart(const ReferenceLines& lines, std::size_t most) {
-    constexpr std::size_t kTries = 100;
-    const Subtrees subtrees(mObjects);
-    std::vector<std::size_t> candidates;
-    std::unordered_map<std::string_view, std::size_t> positions;
-    positions.reserve(mObjects.size());
-    for (std::size_t at = 0; at < mObjects.size(); ++at) {
-        positions.emplace(*mObjects[at].dn, at);
-        if (mObjects[at].place == BoxPlace::Inside && subtrees.sizeOf(at) <= most) {
-            candidates.push_back(at);
-        }
-    }
-    std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t one, std::size_t two) {
-        return subtrees.sizeOf(one) > subtrees.sizeOf(two);
-    });
-    candidates.resize(std::min(candidates.size(), kTries));
-    std::vector<std::pair<std::size_t, std::size_t>> ends;
-    ends.reserve(lines.all().size());
-    for (const ReferenceLine& line : lines.all()) {
-        ends.emplace_back(positions.at(line.from), positions.at(line.to));
-    }
-    for (const std::size_t top : candidates) {
-        std::unordered_set<std::size_t> outside;
-        for (const auto& [from, to] : ends) {
-            if (subtrees.contains(top, from) != subtrees.contains(top, to)) {
-                outside.insert(subtrees.contains(top, from) ? to : from);
-            }
-        }
-        if (subtrees.sizeOf(top) + outside.size() <= most) {
-            mPart = mObjects[top].dn;
-            return;
-        }
     }
 }
 

@@ -49,8 +49,8 @@ public:
     std::optional<std::size_t> find(const std::string& dn) const;
     /// More children of one class than that are one box; nothing: the picture is not folded.
     std::optional<std::size_t> foldedAbove() const { return mFoldedAbove; }
-    /// If the picture is folded: an object, a picture of which, with all that is below it, is not.
-    /// Of the largest ones that could do, some are tried in turn; null if none does. External,
+    /// If the picture is folded: the object with the most below it of which, with all that is below
+    /// it, a picture is not folded. Null if there is none that has something below it. External,
     /// borrowed from the picture.
     const std::string* largestPartThatFits() const { return mPart; }
 
@@ -61,12 +61,10 @@ private:
         std::optional<std::size_t> parent; ///< position in mObjects
         unsigned long long hiddenBelow;
     };
-    class Subtrees;
     using Siblings = std::tuple<BoxPlace, std::optional<std::size_t>, std::string>;
 
     void collect(const TreePicture& picture, const ReferenceLines& lines);
     void countSiblings();
-    void findPart(const ReferenceLines& lines, std::size_t most);
     std::size_t largestFoldThatFits(std::size_t most);
     /// Makes the boxes; more siblings than \p foldAbove are one box.
     void makeBoxes(std::size_t foldAbove);

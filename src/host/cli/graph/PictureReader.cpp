@@ -159,10 +159,9 @@ PictureReader::Level PictureReader::addBelow(const Level& level) {
 
 void PictureReader::countHidden(const Level& level) {
     for (const Parent& parent : level) {
-        if (parent.position) {
-            mPicture.objects[*parent.position].hiddenBelow =
-                countBelow(mSession, mTxHandle, parent.dn);
-        }
+        unsigned long long& hidden =
+            parent.position ? mPicture.objects[*parent.position].hiddenBelow : mPicture.hiddenBelow;
+        hidden = countBelow(mSession, mTxHandle, parent.dn);
     }
 }
 

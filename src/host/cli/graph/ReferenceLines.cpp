@@ -7,6 +7,7 @@
 #include "base/DnView.h"
 
 #include <algorithm>
+#include <numeric>
 #include <unordered_set>
 #include <utility>
 
@@ -65,9 +66,9 @@ ReferenceLines::linksOf(const std::vector<PicturedObject>& objects) {
     for (const PicturedObject& object : objects) {
         for (const PicturedLink& link : object.links) {
             links.push_back({object.dn, link.attribute, link.target});
+            ++mLinks[links.back()];
         }
     }
-    mLinks.insert(links.begin(), links.end());
     return links;
 }
 
@@ -75,19 +76,26 @@ void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Li
     if (!mDone.insert(link).second) {
         return;
     }
-    ReferenceLine line{link.holder, link.target,     link.attribute,
-                       {},          LineKind::Plain, violationOf(link)};
+    ReferenceLine line;
+    line.from = link.holder;
+    line.to = link.target;
+    line.attribute = link.attribute;
+    line.count = mLinks.at(link);
+    line.violation = violationOf(link);
     const ReferenceDescription* association =
         findAssociation(classes, classIn(link.holder), link.attribute, classIn(link.target));
     if (association != nullptr) {
         line.kind = LineKind::OneWay;
         const Link back{link.target, association->opposite, link.holder};
-        if (!association->opposite.empty() && mLinks.count(back) > 0) {
+        const auto found = mLinks.find(back);
+        if (!association->opposite.empty() && found != mLinks.end()) {
             mDone.insert(back);
             line.kind = LineKind::BothWays;
             line.violation = line.violation.empty() ? violationOf(back) : line.violation;
             if (back < link || link < back) {
-                line.back = back.attribute; // it is not the same reference, of an object to itself
+                // It is not the same reference, of an object to itself.
+                line.back = back.attribute;
+                line.backCount = found->second;
             }
         }
     }
@@ -95,9 +103,10 @@ void ReferenceLines::draw(const std::vector<ClassDescription>& classes, const Li
 }
 
 std::size_t ReferenceLines::references() const {
-    const auto both = std::count_if(mLines.begin(), mLines.end(),
-                                    [](const ReferenceLine& line) { return !line.back.empty(); });
-    return mLines.size() + static_cast<std::size_t>(both);
+    return std::accumulate(mLines.begin(), mLines.end(), std::size_t{0},
+                           [](std::size_t sum, const ReferenceLine& line) {
+                               return sum + line.count + line.backCount;
+                           });
 }
 
 std::string ReferenceLines::violationOf(const Link& link) const {

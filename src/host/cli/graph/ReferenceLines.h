@@ -24,12 +24,14 @@ enum class LineKind {
     Plain     ///< a reference without an association
 };
 
-/// One or two references between two objects.
+/// The references of an attribute of one object to another object, and of one of that object back.
 struct ReferenceLine {
-    std::string from;      ///< external DN
-    std::string to;        ///< external DN; empty: a target that clients cannot name
-    std::string attribute; ///< of `from`
-    std::string back;      ///< the attribute of `to`, if that is a reference of its own; or empty
+    std::string from;          ///< external DN
+    std::string to;            ///< external DN; empty: a target that clients cannot name
+    std::string attribute;     ///< of `from`
+    std::size_t count = 0;     ///< how often `attribute` names `to`
+    std::string back;          ///< the attribute of `to`, if it has references of its own; or empty
+    std::size_t backCount = 0; ///< how often `back` names `from`
     LineKind kind = LineKind::Plain;
     std::string violation; ///< what is wrong; empty: nothing
 };
@@ -61,7 +63,7 @@ private:
     void draw(const std::vector<ClassDescription>& classes, const Link& link);
     std::string violationOf(const Link& link) const;
 
-    std::set<Link> mLinks; ///< all that are known
+    std::map<Link, std::size_t> mLinks; ///< all that are known, with how often each is there
     std::set<Link> mDone;
     std::map<Link, std::string> mWrong;
     std::vector<ReferenceLine> mLines;

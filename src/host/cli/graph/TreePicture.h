@@ -36,6 +36,7 @@ struct PicturedObject {
 /// an audit it shows the objects and those that they refer to.
 struct TreePicture : InstanceSource {
     std::string title;
+    unsigned long long hiddenBelow = 0;  ///< at the top level, if no object was read from there
     std::vector<PicturedObject> objects; ///< parents first
     /// Targets of references that are not among `objects`, without the objects below them.
     std::vector<PicturedObject> outside;

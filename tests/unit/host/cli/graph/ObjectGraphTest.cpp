@@ -7,7 +7,11 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <regex>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace OrvHost {
 namespace {
@@ -21,12 +25,44 @@ protected:
     std::string dot(std::size_t most = 0) const {
         const auto violations = violationsIn(mModel, mPicture);
         const ReferenceLines lines(mClasses, mPicture, violations);
-        return ObjectGraph(mPicture, lines, violations, most).dot();
+        return ObjectGraph(mPicture, lines, violations, {most, "graph", 300, 100000}).dot();
     }
 
-    std::string noteOf(std::size_t most) const {
+    std::string noteOf(std::size_t most, const std::string& command = "graph",
+                       std::size_t mostOnPage = 100000) const {
         const ReferenceLines lines(mClasses, mPicture, {});
-        return ObjectGraph(mPicture, lines, {}, most).foldNote();
+        return ObjectGraph(mPicture, lines, {}, {most, command, 300, mostOnPage}).foldNote();
+    }
+
+    /// Takes the advice on folding: keeps the named part of the picture, with all that it refers to
+    /// outside, as the command would read it.
+    void drawPart(const std::string& dn) {
+        TreePicture part;
+        part.title = dn;
+        std::set<std::string> drawn;
+        for (const PicturedObject& object : mPicture.objects) {
+            if (object.dn == dn || object.dn.rfind(dn + ',', 0) == 0) {
+                drawn.insert(object.dn);
+            }
+        }
+        std::vector<PicturedObject> all = mPicture.objects;
+        all.insert(all.end(), mPicture.outside.begin(), mPicture.outside.end());
+        mPicture = {};
+        for (const PicturedObject& object : all) {
+            if (drawn.count(object.dn) > 0) {
+                add(object.dn, object.links);
+            }
+        }
+        std::set<std::string> known = drawn;
+        for (const PicturedObject& object : mPicture.objects) {
+            for (const PicturedLink& link : object.links) {
+                const auto target = std::find_if(
+                    all.begin(), all.end(), [&](const auto& one) { return one.dn == link.target; });
+                if (known.insert(link.target).second && target != all.end()) {
+                    addOutside(target->dn, target->links);
+                }
+            }
+        }
     }
 
     /// The line of DOT with the box whose title has that text.
@@ -137,7 +173,6 @@ TEST_F(ObjectGraphTest, MessageOfAFoldedBox_NamesTheObject) {
                              HasSubstr("POINT-SIZE=\"8\">Site=1,Antenna=0: attribute seen ")));
 }
 
-// The advice is followed: that part is drawn without folding.
 TEST_F(ObjectGraphTest, FoldNote_NamesTheLargestPartThatFits) {
     add("Site=1");
     for (const char* mast : {"Site=1,Mast=a", "Site=1,Mast=b", "Site=1,Mast=c d"}) {
@@ -151,10 +186,122 @@ TEST_F(ObjectGraphTest, FoldNote_NamesTheLargestPartThatFits) {
         << "what the antennas of b refer to outside has boxes, too";
     EXPECT_THAT(noteOf(5), HasSubstr("'graph \"Site=1,Mast=c d\"' draws that part"));
     mPicture.objects[3].hiddenBelow = 10;
-    EXPECT_THAT(noteOf(5), Not(HasSubstr("c d")));
-    EXPECT_THAT(noteOf(5), HasSubstr("--unfold draws all"));
+    EXPECT_THAT(noteOf(5), Not(HasSubstr("c d")))
+        << "what is below it, and what that refers to, is not known";
+    EXPECT_THAT(noteOf(5), HasSubstr("the same with --unfold draws each object"));
     addAntennas("Site=2", 300);
-    EXPECT_THAT(noteOf(5), AllOf(Not(HasSubstr("--unfold")), HasSubstr("--html")));
+    EXPECT_THAT(noteOf(5), AllOf(Not(HasSubstr("--unfold")),
+                                 HasSubstr("the same with --html makes a page of all")));
+}
+
+TEST_F(ObjectGraphTest, FoldNote_CountsOnlyWhatThatPartRefersTo) {
+    add("Site=1");
+    add("Site=1,Mast=a");
+    addAntennas("Site=1,Mast=a", 4);
+    add("Site=1,Mast=b");
+    for (int number = 0; number < 9; ++number) {
+        add("Site=1,Mast=b,Antenna=" + std::to_string(number),
+            {{"seen", "Site=1,Mast=a"}, {"any", "Site=1,Mast=a,Antenna=1"}});
+    }
+    EXPECT_THAT(noteOf(5), HasSubstr("'graph Site=1,Mast=a' draws that part"))
+        << "nine antennas refer to it, and are not in its picture";
+}
+
+// Of many parts, those that are larger refer to too much, and so do most of its own size.
+TEST_F(ObjectGraphTest, FoldNote_FindsTheOnePartThatFits) {
+    add("Site=1");
+    for (int mast = 0; mast < 150; ++mast) {
+        const std::string dn = "Site=1,Mast=" + std::to_string(mast);
+        add(dn);
+        for (int number = 0; number < 3; ++number) {
+            std::vector<PicturedLink> links;
+            for (int far = 0; mast != 149 && far < 3; ++far) {
+                links.push_back({"any", "Site=" + std::to_string(10 * number + far)});
+            }
+            add(dn + ",Antenna=" + std::to_string(number), links);
+        }
+    }
+    const std::string note = noteOf(10);
+    ASSERT_THAT(note, HasSubstr("'graph Site=1,Mast=149' draws that part"));
+    drawPart("Site=1,Mast=149");
+    EXPECT_EQ(noteOf(10), "");
+}
+
+TEST_F(ObjectGraphTest, PartThatIsNamed_IsDrawnWithoutFolding) {
+    add("Site=1");
+    for (const char* mast : {"Site=1,Mast=a", "Site=1,Mast=b", "Site=1,Mast=c"}) {
+        add(mast, {{"antennas", "Site=1,Antenna=gone"}});
+        addAntennas(mast, 6, {{"near", "Site=1,Mast=a,Antenna=1"}, {"any", "Site=7"}});
+    }
+    addAntennas("Site=1,Mast=b", 1, {{"near", "Site=1"}});
+    addOutside("Site=7");
+    ASSERT_THAT(noteOf(9), HasSubstr("'graph Site=1,Mast=a' draws that part"));
+    drawPart("Site=1,Mast=a");
+    EXPECT_EQ(noteOf(9), "");
+    EXPECT_NE(noteOf(8), "") << "the part has just as many boxes as the advice counted";
+}
+
+TEST_F(ObjectGraphTest, FoldNote_NamesNoPartOfOneObject) {
+    add("Site=1");
+    addAntennas("Site=1", 20);
+    EXPECT_THAT(noteOf(5), AllOf(HasSubstr("folded"), Not(HasSubstr("draws that part"))));
+}
+
+TEST_F(ObjectGraphTest, FoldNote_OffersOnlyWhatShowsEverything) {
+    add("Site=1");
+    addAntennas("Site=1", 20);
+    EXPECT_THAT(noteOf(5), HasSubstr("--unfold"));
+    EXPECT_THAT(noteOf(5, "graph", 20), HasSubstr("--html --limit 21 makes a page of all"));
+    mPicture.objects[1].links.push_back({"any", "Site=9"});
+    mPicture.unread.insert("Site=9");
+    EXPECT_THAT(noteOf(5), Not(HasSubstr("--unfold")));
+    mPicture.unread.clear();
+    for (int number = 0; number < 301; ++number) {
+        addOutside("Site=far" + std::to_string(number));
+    }
+    EXPECT_THAT(noteOf(5), Not(HasSubstr("--unfold")));
+}
+
+TEST_F(ObjectGraphTest, FoldNote_HasTheCommandThatWasUsed) {
+    add("Site=1");
+    for (const char* mast : {"Site=1,Mast=a", "Site=1,Mast=b"}) {
+        add(mast);
+        addAntennas(mast, 9);
+    }
+    EXPECT_THAT(noteOf(11, "graph --dot"), HasSubstr("'graph --dot Site=1,Mast=a' draws"));
+}
+
+TEST_F(ObjectGraphTest, RepeatedReferences_AreAllCounted) {
+    add("Site=1,Mast=a", {{"antennas", "Site=1,Antenna=1"}, {"antennas", "Site=1,Antenna=1"}});
+    add("Site=1,Antenna=1",
+        {{"mast", "Site=1,Mast=a"}, {"any", "Site=1"}, {"any", "Site=1"}, {"any", "Site=1"}});
+    add("Site=1,Antenna=2", {{"near", "Site=1,Antenna=2"}, {"near", "Site=1,Antenna=2"}});
+    EXPECT_THAT(dot(), AllOf(HasSubstr("3 objects, 8 references"), HasSubstr(">antennas ×2<"),
+                             HasSubstr(">mast<"), HasSubstr(">any ×3<"), HasSubstr(">near ×2 ↺<")));
+}
+
+TEST_F(ObjectGraphTest, ReferencesThatWereNotRead_AreToldInTheSummary) {
+    add("Site=1,Antenna=1", {{"any", "Site=1"}, {"any", "Site=2"}, {"any", "Site=2"}});
+    mPicture.unread.insert("Site=2");
+    EXPECT_THAT(dot(), HasSubstr("1 object, 3 references (2 to further objects outside not drawn), "
+                                 "0 violations"));
+}
+
+// Objects whose DNs end in the same way, and an error at the beginning of one.
+TEST_F(ObjectGraphTest, MessagesOfBoxes_HaveWholeDns) {
+    const std::string end = "-name-of-a-site-that-is-long,Mast=gone";
+    add("Site=1,Antenna=1", {{"seen", "Site=a" + end}});
+    add("Site=1,Antenna=2", {{"seen", "Site=b" + end}, {"seen", "Siet=b" + end}});
+    const std::string drawn = std::regex_replace(dot(), std::regex("<BR ALIGN=\"LEFT\"/>"), "");
+    for (const std::string& dn : {"Site=a" + end, "Site=b" + end, "Siet=b" + end}) {
+        EXPECT_THAT(drawn, HasSubstr("\"8\">attribute seen names " + dn + ", "));
+    }
+}
+
+TEST_F(ObjectGraphTest, NothingRead_TellsWhatIsThere) {
+    mPicture.title = "/";
+    mPicture.hiddenBelow = 5;
+    EXPECT_THAT(dot(), HasSubstr("/: (5 below) 0 objects"));
 }
 
 TEST_F(ObjectGraphTest, Legend_TellsWhatIsInThePicture) {
@@ -162,11 +309,18 @@ TEST_F(ObjectGraphTest, Legend_TellsWhatIsInThePicture) {
     EXPECT_THAT(dot(), AllOf(HasSubstr("leads from the row of an attribute"),
                              HasSubstr("no such object exists"),
                              Not(HasSubstr("outside of what is drawn")),
-                             Not(HasSubstr("of both attributes"))));
+                             Not(HasSubstr("of all these attributes"))));
     addOutside("Site=1,Mast=a");
     mPicture.objects[0].links.push_back({"other", "Site=1,Mast=a"});
-    EXPECT_THAT(dot(), AllOf(HasSubstr("outside of what is drawn"),
-                             Not(HasSubstr("no such object")), HasSubstr("of both attributes")));
+    EXPECT_THAT(dot(),
+                AllOf(HasSubstr("outside of what is drawn"), Not(HasSubstr("no such object")),
+                      HasSubstr("of all these attributes")));
+}
+
+TEST_F(ObjectGraphTest, Legend_TellsOfNoLinesWhereThereAreOnlyRows) {
+    add("Site=1,Antenna=1", {{"near", "Site=1,Antenna=1"}});
+    EXPECT_THAT(dot(), AllOf(HasSubstr("of the same box"), Not(HasSubstr("both ways<")),
+                             Not(HasSubstr("leads from the row"))));
 }
 
 TEST_F(ObjectGraphTest, PlainReferenceToNothing_IsNotRed) {
