@@ -3,7 +3,7 @@
 
 #include "LogSink.h"
 
-#include <nlohmann/json.hpp>
+#include "base/JsonText.h"
 
 #include <cerrno>
 #include <chrono>
@@ -60,18 +60,14 @@ std::string textLine(const Orv::LogRecord& record) {
            oneLine(record.text);
 }
 
+// Not by a document of the JSON library, whose destructor ends the process if there is no memory.
 std::string jsonLine(const Orv::LogRecord& record) {
-    nlohmann::ordered_json document;
-    document["time"] = timestamp();
-    document["level"] = record.level;
-    document["levelName"] = logLevelName(record.level);
-    document["subsystem"] = subsystemName(record.subsystem);
-    document["file"] = record.file;
-    document["line"] = record.line;
-    document["function"] = record.function;
-    document["text"] = record.text;
-    // A component may log any bytes; by default invalid UTF-8 would throw.
-    return document.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return "{\"time\":" + jsonText(timestamp()) + ",\"level\":" + std::to_string(record.level) +
+           ",\"levelName\":" + jsonText(logLevelName(record.level)) +
+           ",\"subsystem\":" + jsonText(subsystemName(record.subsystem)) +
+           ",\"file\":" + jsonText(record.file) + ",\"line\":" + std::to_string(record.line) +
+           ",\"function\":" + jsonText(record.function) + ",\"text\":" + jsonText(record.text) +
+           "}";
 }
 
 std::ofstream openForAppending(const std::string& path) {

@@ -32,7 +32,9 @@ HostOptions knownAsHarbour() {
 }
 
 std::string onOneLine(const std::string& text) {
-    return std::regex_replace(text, std::regex(">\\s+<"), "><");
+    // Made once: the library makes expressions in several threads with a race.
+    static const std::regex between(">\\s+<");
+    return std::regex_replace(text, between, "><");
 }
 
 struct TreeEnd {

@@ -27,7 +27,7 @@ std::filesystem::path newFolder() {
 
 }
 
-ShellClient::ShellClient(const std::string& path)
+ShellClient::ShellClient(const std::string& path, const ShellLook& look)
     : mSocket(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     const UnixAddress address(path);
     if (connect(mSocket.get(), reinterpret_cast<const sockaddr*>(&address.get()),
@@ -35,7 +35,7 @@ ShellClient::ShellClient(const std::string& path)
         mHasEnded = true;
         return;
     }
-    const std::string hello = frameBytes(FrameHello, toBody(ShellHello()));
+    const std::string hello = frameBytes(FrameHello, toBody(ShellHello{kShellProtocol, look, {}}));
     ::send(mSocket.get(), hello.data(), hello.size(), MSG_NOSIGNAL);
     answer();
 }

@@ -22,7 +22,7 @@ namespace OrvHost {
 class ShellClient {
 public:
     /// Connects and says hello. If that is not possible, the client has ended.
-    explicit ShellClient(const std::string& path);
+    explicit ShellClient(const std::string& path, const ShellLook& look = {});
 
     /// Sends a line, and returns what it prints, errors too. If the shell ends instead, the client
     /// has ended; what the shell said last is returned.

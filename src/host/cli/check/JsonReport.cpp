@@ -12,7 +12,7 @@ void JsonReport::begin(std::size_t) {}
 void JsonReport::add(const ScenarioResult& result) {
     JsonValue failures = JsonValue::array();
     for (const ScenarioFailure& failure : result.failures) {
-        failures.push_back({{"place", result.placeOf(failure)}, {"text", failure.text}});
+        failures.add({{"place", result.placeOf(failure)}, {"text", failure.text}});
     }
     mOut << toLine({{"command", "check"},
                     {"scenario", result.name},

@@ -118,7 +118,7 @@ private:
 JsonValue toJson(const ScenarioResult& result) {
     JsonValue failures = JsonValue::array();
     for (const ScenarioFailure& failure : result.failures) {
-        failures.push_back({{"line", failure.line}, {"text", failure.text}});
+        failures.add({{"line", failure.line}, {"text", failure.text}});
     }
     return {{"commands", result.commands}, {"broken", result.isBroken}, {"failures", failures}};
 }
@@ -135,7 +135,7 @@ ProcessReport parseReport(const std::string& text) {
     for (std::size_t end = text.find('\n'); end != std::string::npos;
          end = text.find('\n', begin)) {
         const JsonValue document = JsonValue::parse(text.substr(begin, end - begin));
-        if (document.is_number()) {
+        if (document.isNumber()) {
             report.lastLine = document.get<int>();
         } else {
             report.result = document;
@@ -192,10 +192,11 @@ ScenarioResult resultOf(const std::string& file, const ProcessReport& report, in
     ScenarioResult result;
     result.name = file;
     if (report.result) {
-        result.commands = (*report.result)["commands"];
-        result.isBroken = (*report.result)["broken"];
-        for (const JsonValue& failure : (*report.result)["failures"]) {
-            result.failures.push_back({failure["line"], failure["text"]});
+        result.commands = report.result->at("commands").get<std::size_t>();
+        result.isBroken = report.result->at("broken").get<bool>();
+        for (const JsonValue& failure : report.result->at("failures").elements()) {
+            result.failures.push_back(
+                {failure.at("line").get<int>(), failure.at("text").get<std::string>()});
         }
     }
     const std::string problem = breakdown(status);

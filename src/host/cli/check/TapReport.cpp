@@ -3,7 +3,7 @@
 
 #include "TapReport.h"
 
-#include "cli/output/ValueJson.h"
+#include "base/JsonText.h"
 
 namespace OrvHost {
 
@@ -23,7 +23,7 @@ std::string escaped(const std::string& text) {
 
 // Every JSON string is a YAML string, too.
 std::string yamlText(const std::string& text) {
-    return toLine(JsonValue(text));
+    return jsonText(text);
 }
 
 }

@@ -3,7 +3,8 @@
 
 #include "XmlEscape.h"
 
-#include "cli/output/ValueJson.h"
+#include "base/JsonText.h"
+#include "cli/output/JsonValue.h"
 #include "yang/instances/XmlEntity.h"
 
 namespace OrvHost {
@@ -14,7 +15,7 @@ constexpr const char* kReplacement = "\xef\xbf\xbd";
 
 // The same text, with replacement characters for what is not UTF-8.
 std::string asUtf8(const std::string& text) {
-    return JsonValue::parse(toLine(JsonValue(text))).get<std::string>();
+    return JsonValue::parse(jsonText(text)).get<std::string>();
 }
 
 std::string escapedByte(char character) {

@@ -3,6 +3,7 @@
 
 #include "Expectation.h"
 
+#include "base/JsonText.h"
 #include "cli/input/WordSplitter.h"
 #include "client/ErrorExplainer.h"
 
@@ -16,10 +17,6 @@ namespace {
 using Texts = std::vector<std::string>;
 
 constexpr const char* kEndOfClauses = ":";
-
-std::string jsonText(const std::string& text) {
-    return JsonValue(text).dump(-1, ' ', false, JsonValue::error_handler_t::replace);
-}
 
 std::string outcomeText(const Answer& answer) {
     if (!answer.failure) {

@@ -43,7 +43,7 @@ void runFind(Session& session, Words words) {
                 return;
             }
             if (session.wantsJson()) {
-                found.push_back(object.dn);
+                found.add(object.dn);
             } else {
                 session.out() << object.dn << '\n';
             }

@@ -143,10 +143,10 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     }
     drawing.json["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : drawing.violations) {
-        drawing.json["violations"].push_back({{"dn", problem.dn},
-                                              {"attribute", problem.attribute},
-                                              {"other", problem.otherDn},
-                                              {"text", problem.text}});
+        drawing.json["violations"].add({{"dn", problem.dn},
+                                        {"attribute", problem.attribute},
+                                        {"other", problem.otherDn},
+                                        {"text", problem.text}});
     }
     return drawing;
 }

@@ -53,7 +53,7 @@ void showTail(Session& session, std::size_t count) {
     JsonValue documents = JsonValue::array();
     for (const std::string& line : lines) {
         const bool isJson = session.log().format() == LogFormat::Json;
-        documents.push_back(isJson ? JsonValue::parse(line) : JsonValue(line));
+        documents.add(isJson ? JsonValue::parse(line) : JsonValue(line));
     }
     session.print({{"command", "log"}, {"lines", documents}});
 }
@@ -100,7 +100,7 @@ void runComponents(Session& session, const Words& words) {
     std::vector<std::vector<std::string>> rows;
     for (const ComponentReport& report : session.host().components().components()) {
         const char* state = stateText(report.state);
-        documents.push_back({{"name", report.name}, {"state", state}, {"problem", report.problem}});
+        documents.add({{"name", report.name}, {"state", state}, {"problem", report.problem}});
         rows.push_back({report.name, state, report.problem});
     }
     if (session.wantsJson()) {
@@ -137,10 +137,10 @@ void printHelp(const CommandTable& table, const std::optional<std::string>& name
     }
     JsonValue documents = JsonValue::array();
     if (name) {
-        documents.push_back(toJson(table.require(*name), form));
+        documents.add(toJson(table.require(*name), form));
     } else {
         for (const Command& command : table.all()) {
-            documents.push_back(toJson(command, form));
+            documents.add(toJson(command, form));
         }
     }
     out << toLine({{"command", "help"}, {"commands", documents}}) << '\n';

@@ -21,11 +21,11 @@ void listClasses(Session& session) {
     std::vector<std::vector<std::string>> rows;
     for (const ClassDef& moc : session.model().classes) {
         const std::vector<std::string> parents = parentNames(session.model(), moc);
-        documents.push_back({{"name", moc.name},
-                             {"namingAttribute", moc.namingAttribute},
-                             {"parents", parents},
-                             {"topLevel", moc.isTopLevel},
-                             {"description", moc.description}});
+        documents.add({{"name", moc.name},
+                       {"namingAttribute", moc.namingAttribute},
+                       {"parents", parents},
+                       {"topLevel", moc.isTopLevel},
+                       {"description", moc.description}});
         rows.push_back({moc.name, moc.namingAttribute,
                         moc.isTopLevel ? "(top level)" : enumerate(parents, 3)});
     }
@@ -41,7 +41,7 @@ void listAssociations(Session& session) {
     std::vector<ReferenceDescription> all;
     for (const ClassDescription& moc : describeOfferedClasses(session.host())) {
         for (const ReferenceDescription& reference : moc.references) {
-            documents.push_back(toJson(reference));
+            documents.add(toJson(reference));
             all.push_back(reference);
         }
     }
@@ -57,7 +57,7 @@ void listNotes(Session& session) {
     std::string text;
     if (session.modelNotes() != nullptr) {
         for (const Problem& note : *session.modelNotes()) {
-            documents.push_back(
+            documents.add(
                 {{"file", note.source.file}, {"line", note.source.line}, {"text", note.text}});
             text += toText(note) + "\n";
         }

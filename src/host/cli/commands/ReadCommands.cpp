@@ -54,7 +54,7 @@ void runCount(Session& session, Words words) {
     if (session.wantsJson()) {
         session.print({{"command", "count"}, {"dn", dn}, {"counts", counts}});
     } else if (oneClass) {
-        session.out() << scalarText(counts[*oneClass]) << '\n';
+        session.out() << scalarText(counts.at(*oneClass)) << '\n';
     } else {
         session.out() << layOut(counts);
     }
@@ -75,7 +75,7 @@ void runGet(Session& session, Words words) {
     if (session.wantsJson()) {
         session.print({{"command", "get"}, {"dn", dn}, {"attributes", values}});
     } else if (isOne) { // the form for scripts
-        session.out() << layOutValue(values[names[0]]);
+        session.out() << layOutValue(values.at(names[0]));
     } else {
         session.out() << layOut(values);
     }
@@ -91,7 +91,7 @@ void runList(Session& session, Words words) {
         walk.forEach(txHandle, [&](const std::string& className, const std::string& name) {
             const std::string child = DnView(dn).child(className, name);
             if (session.wantsJson()) {
-                children.push_back({{"dn", child}, {"class", className}, {"name", name}});
+                children.add({{"dn", child}, {"class", className}, {"name", name}});
             } else {
                 session.out() << child << '\n';
             }

@@ -21,7 +21,7 @@ std::string toText(const FoundReference& reference) {
 JsonValue toJson(const std::vector<FoundReference>& references) {
     JsonValue documents = JsonValue::array();
     for (const FoundReference& one : references) {
-        documents.push_back({{"dn", one.dn}, {"attribute", one.attribute}, {"target", one.target}});
+        documents.add({{"dn", one.dn}, {"attribute", one.attribute}, {"target", one.target}});
     }
     return documents;
 }

@@ -44,8 +44,7 @@ void runTransactions(Session& session, const Words& words) {
     std::vector<std::vector<std::string>> rows;
     for (const OpenTransactions::Entry& entry : session.transactions().all()) {
         const bool isCurrent = &entry == current;
-        documents.push_back(
-            {{"name", entry.name}, {"current", isCurrent}, {"writes", entry.writes}});
+        documents.add({{"name", entry.name}, {"current", isCurrent}, {"writes", entry.writes}});
         rows.push_back({isCurrent ? "*" : "", entry.name, std::to_string(entry.writes)});
     }
     if (session.wantsJson()) {

@@ -48,7 +48,7 @@ public:
     JsonValue childrenJson(const std::string& dn, std::uint64_t level) {
         JsonValue result = JsonValue::array();
         for (const Child& child : children(dn)) {
-            result.push_back(nodeJson(DnView(dn).child(child.className, child.name), level));
+            result.add(nodeJson(DnView(dn).child(child.className, child.name), level));
         }
         return result;
     }

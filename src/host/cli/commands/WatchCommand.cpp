@@ -18,7 +18,7 @@ std::string shown(const std::string& dn) {
 void list(Session& session) {
     JsonValue documents = JsonValue::array();
     for (const std::string& dn : session.watches().dns()) {
-        documents.push_back(shown(dn));
+        documents.add(shown(dn));
     }
     if (session.wantsJson()) {
         session.print({{"command", "watch"}, {"watched", documents}});

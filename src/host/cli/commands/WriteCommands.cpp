@@ -98,7 +98,7 @@ void runAction(Session& session, Words words) {
     const bool isCommitted = session.write([&](unsigned long txHandle) {
         result = toJson(session.client().action(txHandle, dn, name, parameters, action));
     });
-    const bool isSilent = result.is_null() || (result.is_array() && result.empty());
+    const bool isSilent = result.isNull() || result == JsonValue::array();
     if (!isSilent && !session.wantsJson()) {
         session.out() << layOutValue(result);
     }

@@ -76,13 +76,11 @@ JsonValue foundJson(const Violation& violation) {
 
 /// For people: the beginning of a long text, and how long it is.
 void shorten(JsonValue& value) {
-    if (value.is_structured()) {
-        std::for_each(value.begin(), value.end(), shorten);
-    }
-    if (!value.is_string()) {
+    value.changeEach(shorten);
+    if (!value.isText()) {
         return;
     }
-    const auto& text = value.get_ref<const std::string&>();
+    const auto text = value.get<std::string>();
     if (shownColumns(text) <= kMostColumns) {
         return;
     }
@@ -95,14 +93,18 @@ void shorten(JsonValue& value) {
 
 /// For people: the first of many values, and how many more there are.
 JsonValue shortened(JsonValue details) {
-    const auto found = details.find("found");
-    if (found != details.end()) {
-        shorten(*found);
+    if (details.find("found") == nullptr) {
+        return details;
     }
-    if (found != details.end() && found->is_array() && found->size() > kMostValues) {
-        const std::size_t more = found->size() - kMostValues;
-        found->erase(found->begin() + static_cast<std::ptrdiff_t>(kMostValues), found->end());
-        found->push_back("... and " + std::to_string(more) + " more");
+    JsonValue& found = details["found"];
+    shorten(found);
+    const std::size_t all = found.elements().size();
+    if (all > kMostValues) {
+        const auto first = found.elements().begin();
+        JsonValue few = JsonValue::array();
+        std::for_each(first, first + kMostValues, [&](const JsonValue& one) { few.add(one); });
+        few.add("... and " + std::to_string(all - kMostValues) + " more");
+        found = std::move(few);
     }
     return details;
 }
@@ -153,7 +155,7 @@ Failure read(const RefusalError& refusal) {
     for (const Violation& violation : refusal.violations()) {
         JsonValue one{{"message", violation.message}};
         one.update(detailsOf(violation));
-        violations.push_back(one);
+        violations.add(one);
     }
     failure.document = {{"operation", refusal.what()},
                         {"transaction", refusal.transaction()},

@@ -20,18 +20,13 @@ constexpr std::int64_t kMostExact = (std::int64_t(1) << 53) - 1;
 
 /// The same with texts for the integers that a browser would round.
 JsonValue withExactNumbers(JsonValue value) {
-    if (value.is_structured()) {
-        for (JsonValue& inner : value) {
-            inner = withExactNumbers(std::move(inner));
-        }
-        return value;
-    }
+    value.changeEach([](JsonValue& inner) { inner = withExactNumbers(std::move(inner)); });
     const bool isExact =
-        !value.is_number_integer() ||
-        (value.is_number_unsigned()
+        !value.isInteger() ||
+        (value.isUnsigned()
              ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(kMostExact)
              : value.get<std::int64_t>() >= -kMostExact && value.get<std::int64_t>() <= kMostExact);
-    return isExact ? value : JsonValue(value.dump());
+    return isExact ? value : JsonValue(toLine(value));
 }
 
 JsonValue toJson(const PicturedObject& object, bool isOutside) {
@@ -48,7 +43,7 @@ JsonValue toJson(const PicturedObject& object, bool isOutside) {
     entry["values"] = withExactNumbers(OrvHost::toJson(object.values));
     entry["links"] = JsonValue::array();
     for (const PicturedLink& link : object.links) {
-        entry["links"].push_back({link.attribute, link.target});
+        entry["links"].add({link.attribute, link.target});
     }
     return entry;
 }
@@ -73,14 +68,14 @@ std::string objectPage(const TreePicture& picture, const ReferenceLines& lines,
     JsonValue document{{"title", picture.title}, {"unread", lines.unread()}};
     document["objects"] = JsonValue::array();
     for (const PicturedObject& object : picture.objects) {
-        document["objects"].push_back(toJson(object, false));
+        document["objects"].add(toJson(object, false));
     }
     for (const PicturedObject& object : picture.outside) {
-        document["objects"].push_back(toJson(object, true));
+        document["objects"].add(toJson(object, true));
     }
     document["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : violations) {
-        document["violations"].push_back(
+        document["violations"].add(
             {{"dn", problem.dn}, {"other", problem.otherDn}, {"text", problem.text}});
     }
     std::string page(kObjectPageText);

@@ -12,25 +12,26 @@ namespace {
 
 // A second value turns the first one into a list.
 void add(JsonValue& all, const std::string& name, const JsonValue& value) {
-    if (!all.contains(name)) {
+    if (all.find(name) == nullptr) {
         all[name] = value;
         return;
     }
     JsonValue& list = all[name];
-    if (!list.is_array()) {
+    if (!list.isArray()) {
         list = JsonValue::array({list});
     }
-    if (value.is_array()) {
-        list.insert(list.end(), value.begin(), value.end());
-    } else {
-        list.push_back(value);
+    if (!value.isArray()) {
+        list.add(value);
+    }
+    for (const JsonValue& element : value.elements()) {
+        list.add(element);
     }
 }
 
 void addAll(JsonValue& all, const std::string& text) {
     const JsonValue object = parseValue(text, nullptr);
-    for (const auto& member : object.items()) {
-        add(all, member.key(), member.value());
+    for (const auto& [name, value] : object.members()) {
+        add(all, name, value);
     }
 }
 
@@ -51,8 +52,8 @@ std::vector<NamedValue> parseAssignments(const std::vector<std::string>& words,
         }
     }
     std::vector<NamedValue> values;
-    for (const auto& member : all.items()) {
-        values.emplace_back(member.key(), toAttributeValue(member.value(), find(member.key())));
+    for (const auto& [name, value] : all.members()) {
+        values.emplace_back(name, toAttributeValue(value, find(name)));
     }
     return values;
 }

@@ -6,7 +6,7 @@
 #include "cli/errors/CliErrors.h"
 
 #include <optional>
-#include <set>
+#include <utility>
 
 namespace OrvHost {
 
@@ -20,64 +20,32 @@ bool takesBrackets(const AttributeDef* def) {
     return def == nullptr || !isTextual(def->type.kind) || def->multiplicity.upper > 1;
 }
 
-// Deeper than any struct of a model, but not so deep that a recursive walk over the value could use
-// up the stack.
-constexpr int kDeepest = 256;
-
-/// Checks JSON while it is parsed, for what JSON permits but is certainly a mistake.
-class JsonGuard {
-public:
-    bool look(int depth, JsonValue::parse_event_t event, const JsonValue& parsed) {
-        if (event == JsonValue::parse_event_t::object_start) {
-            mNames.emplace_back();
-        } else if (event == JsonValue::parse_event_t::object_end) {
-            mNames.pop_back();
-        } else if (event == JsonValue::parse_event_t::key) {
-            enter(parsed.get<std::string>());
-        }
-        if (depth > kDeepest) {
-            throw UsageError("the JSON is nested deeper than " + std::to_string(kDeepest) +
-                             " levels");
-        }
-        return true;
-    }
-
-private:
-    // The parser would keep the second of two values and drop the first one silently.
-    void enter(const std::string& name) {
-        if (!mNames.back().insert(name).second) {
-            throw UsageError("\"" + name + "\" stands twice in one JSON object");
-        }
-    }
-
-    std::vector<std::set<std::string>> mNames; ///< those of each open object, the outermost first
-};
-
 JsonValue parseJson(const std::string& text) {
-    JsonGuard guard;
     try {
-        return JsonValue::parse(
-            text, [&](int depth, JsonValue::parse_event_t event, const JsonValue& parsed) {
-                return guard.look(depth, event, parsed);
-            });
-    } catch (const JsonValue::parse_error& failure) {
+        return JsonValue::parse(text);
+    } catch (const JsonSyntaxError& failure) {
         throw UsageError("'" + text + "' is no JSON (near character " +
-                         std::to_string(failure.byte) +
+                         std::to_string(failure.at()) +
                          "); mind that JSON needs single quotes around it");
+    } catch (const JsonError& failure) { // what JSON permits, but is certainly a mistake
+        throw UsageError(failure.what());
     }
 }
 
 JsonValue parseScalar(const std::string& text) {
-    const JsonValue json = JsonValue::parse(text, nullptr, false);
-    return json.is_number() || json.is_boolean() ? json : JsonValue(text);
+    try {
+        JsonValue json = JsonValue::parse(text);
+        return json.isNumber() || json.isBool() ? std::move(json) : JsonValue(text);
+    } catch (const JsonError&) {
+        return text;
+    }
 }
 
 StructValue toStruct(const JsonValue& json, const AttributeDef* def) {
     StructValue value;
-    for (const auto& member : json.items()) {
-        const AttributeDef* const known =
-            def != nullptr ? def->type.findMember(member.key()) : nullptr;
-        value.members.emplace_back(member.key(), toAttributeValue(member.value(), known));
+    for (const auto& [name, member] : json.members()) {
+        const AttributeDef* const known = def != nullptr ? def->type.findMember(name) : nullptr;
+        value.members.emplace_back(name, toAttributeValue(member, known));
     }
     return value;
 }
@@ -86,11 +54,11 @@ std::optional<Value> toNumber(const JsonValue& json, ValueKind kind) {
     if (kind == ValueKind::Double) {
         return Value(json.get<double>());
     }
-    if (kind == ValueKind::Uint && json.is_number_unsigned()) {
+    if (kind == ValueKind::Uint && json.isUnsigned()) {
         return Value(json.get<std::uint64_t>());
     }
-    const bool fits = json.is_number_integer() &&
-                      (!json.is_number_unsigned() || json.get<std::uint64_t>() <= INT64_MAX);
+    const bool fits =
+        json.isInteger() && (!json.isUnsigned() || json.get<std::uint64_t>() <= INT64_MAX);
     if (kind == ValueKind::Int && fits) {
         return Value(json.get<std::int64_t>());
     }
@@ -99,35 +67,35 @@ std::optional<Value> toNumber(const JsonValue& json, ValueKind kind) {
 
 // Returns nothing if the value is of another kind.
 std::optional<Value> toValue(const JsonValue& json, ValueKind kind, const AttributeDef* def) {
-    if (json.is_boolean() && kind == ValueKind::Bool) {
+    if (json.isBool() && kind == ValueKind::Bool) {
         return Value(json.get<bool>());
     }
-    if (json.is_string() && isTextual(kind)) {
+    if (json.isText() && isTextual(kind)) {
         return Value(json.get<std::string>());
     }
-    if (json.is_object() && kind == ValueKind::Struct) {
+    if (json.isObject() && kind == ValueKind::Struct) {
         return Value(toStruct(json, def));
     }
-    return json.is_number() ? toNumber(json, kind) : std::nullopt;
+    return json.isNumber() ? toNumber(json, kind) : std::nullopt;
 }
 
 ValueKind ownKind(const JsonValue& json) {
-    if (json.is_boolean()) {
+    if (json.isBool()) {
         return ValueKind::Bool;
     }
-    if (json.is_number_float()) {
+    if (json.isDouble()) {
         return ValueKind::Double;
     }
-    if (json.is_number()) {
+    if (json.isNumber()) {
         return toNumber(json, ValueKind::Int) ? ValueKind::Int : ValueKind::Uint;
     }
-    return json.is_object() ? ValueKind::Struct : ValueKind::String;
+    return json.isObject() ? ValueKind::Struct : ValueKind::String;
 }
 
 std::optional<AttributeValue> toValues(const JsonValue& list, ValueKind kind,
                                        const AttributeDef* def) {
     AttributeValue result{kind, {}};
-    for (const JsonValue& json : list) {
+    for (const JsonValue& json : list.elements()) {
         std::optional<Value> value = toValue(json, kind, def);
         if (!value) {
             return std::nullopt;
@@ -151,16 +119,17 @@ JsonValue parseValue(const std::string& text, const AttributeDef* def) {
 }
 
 AttributeValue toAttributeValue(const JsonValue& json, const AttributeDef* def) {
-    const JsonValue list = json.is_array()  ? json
-                           : json.is_null() ? JsonValue::array()
-                                            : JsonValue::array({json});
-    const ValueKind wanted = def != nullptr  ? def->type.kind
-                             : !list.empty() ? ownKind(list.front())
-                                             : ValueKind::String;
+    const JsonValue list = json.isArray()  ? json
+                           : json.isNull() ? JsonValue::array()
+                                           : JsonValue::array({json});
+    const ValueKind wanted = def != nullptr             ? def->type.kind
+                             : !list.elements().empty() ? ownKind(list.elements().front())
+                                                        : ValueKind::String;
     if (std::optional<AttributeValue> typed = toValues(list, wanted, def)) {
         return std::move(*typed);
     }
-    if (std::optional<AttributeValue> own = toValues(list, ownKind(list.front()), nullptr)) {
+    if (std::optional<AttributeValue> own =
+            toValues(list, ownKind(list.elements().front()), nullptr)) {
         return std::move(*own);
     }
     throw UsageError("the values in " + toLine(json) + " are of several types");

@@ -17,14 +17,14 @@ std::string padded(const std::string& text, std::size_t columns) {
 }
 
 bool holdsStructs(const JsonValue& value) {
-    return value.is_array() && !value.empty() && value.front().is_object();
+    return !value.elements().empty() && value.elements().front().isObject();
 }
 
 std::size_t nameColumns(const JsonValue& object) {
     std::size_t columns = 0;
-    for (const auto& member : object.items()) {
-        if (!member.value().is_object() && !holdsStructs(member.value())) {
-            columns = std::max(columns, shownColumns(member.key()));
+    for (const auto& [name, value] : object.members()) {
+        if (!value.isObject() && !holdsStructs(value)) {
+            columns = std::max(columns, shownColumns(name));
         }
     }
     return columns;
@@ -37,7 +37,7 @@ std::string layOutStruct(const std::string& name, const JsonValue& value, std::s
 std::string layOutValues(const std::string& name, const JsonValue& values, std::size_t indent,
                          std::size_t columns) {
     std::string text;
-    for (const JsonValue& value : values) {
+    for (const JsonValue& value : values.elements()) {
         text += std::string(indent, ' ') + padded(text.empty() ? name : "", columns) + "  " +
                 scalarText(value) + "\n";
     }
@@ -46,21 +46,21 @@ std::string layOutValues(const std::string& name, const JsonValue& values, std::
 
 std::string layOutMember(const std::string& name, const JsonValue& value, std::size_t indent,
                          std::size_t columns) {
-    if (value.is_object()) {
+    if (value.isObject()) {
         return layOutStruct(name, value, indent);
     }
     if (holdsStructs(value)) {
         std::string text;
         std::size_t position = 0;
-        for (const JsonValue& element : value) {
+        for (const JsonValue& element : value.elements()) {
             text += layOutStruct(name + "[" + std::to_string(position++) + "]", element, indent);
         }
         return text;
     }
-    if (value.is_array() && !value.empty()) {
+    if (!value.elements().empty()) {
         return layOutValues(name, value, indent, columns);
     }
-    return layOutValues(name, JsonValue::array({value.is_array() ? JsonValue() : value}), indent,
+    return layOutValues(name, JsonValue::array({value.isArray() ? JsonValue() : value}), indent,
                         columns);
 }
 
@@ -105,10 +105,10 @@ std::string layOutColumns(const std::vector<std::string>& texts, std::size_t col
 }
 
 std::string scalarText(const JsonValue& scalar) {
-    if (scalar.is_null()) {
+    if (scalar.isNull()) {
         return "-";
     }
-    if (scalar.is_string()) {
+    if (scalar.isText()) {
         const std::string text = escaped(scalar.get<std::string>());
         return text.empty() ? "\"\"" : text;
     }
@@ -118,24 +118,24 @@ std::string scalarText(const JsonValue& scalar) {
 std::string layOut(const JsonValue& object, std::size_t indent) {
     const std::size_t columns = nameColumns(object);
     std::string text;
-    for (const auto& member : object.items()) {
-        text += layOutMember(member.key(), member.value(), indent, columns);
+    for (const auto& [name, value] : object.members()) {
+        text += layOutMember(name, value, indent, columns);
     }
     return text;
 }
 
 std::string layOutValue(const JsonValue& value) {
-    if (value.is_object()) {
+    if (value.isObject()) {
         return layOut(value);
     }
-    if (!value.is_array()) {
+    if (!value.isArray()) {
         return scalarText(value) + "\n";
     }
     std::string text;
     std::size_t position = 0;
-    for (const JsonValue& element : value) {
+    for (const JsonValue& element : value.elements()) {
         // It must be visible where one struct ends and the next begins.
-        text += element.is_object()
+        text += element.isObject()
                     ? layOutStruct("[" + std::to_string(position++) + "]", element, 0)
                     : layOutValue(element);
     }

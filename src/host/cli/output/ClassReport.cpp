@@ -79,9 +79,9 @@ JsonValue slotJson(const Value& slot) {
 JsonValue valueJson(const AttributeValue& value) {
     JsonValue values = JsonValue::array();
     for (const Value& slot : value.values) {
-        values.push_back(slotJson(slot));
+        values.add(slotJson(slot));
     }
-    return values.size() == 1 ? values[0] : values;
+    return values.elements().size() == 1 ? values.elements().front() : values;
 }
 
 std::string writableText(const AttributeDef* def) {
@@ -123,8 +123,7 @@ std::string choiceText(const ChoiceDef& choice) {
 JsonValue choiceJson(const ChoiceDef& choice) {
     JsonValue cases = JsonValue::array();
     for (const ChoiceCase& one : choice.cases) {
-        cases.push_back(
-            {{"name", one.name}, {"attributes", one.attributes}, {"required", one.required}});
+        cases.add({{"name", one.name}, {"attributes", one.attributes}, {"required", one.required}});
     }
     return {{"name", choice.name},
             {"mandatory", choice.isMandatory},
@@ -224,19 +223,19 @@ std::vector<std::string> ClassReport::attributeRow(const AttributeDescription& d
 JsonValue ClassReport::json() const {
     JsonValue attributes = JsonValue::array();
     for (const AttributeDescription& description : mDescription.attributes) {
-        attributes.push_back(attributeJson(description));
+        attributes.add(attributeJson(description));
     }
     JsonValue choices = JsonValue::array();
     for (const ChoiceDef& choice : mClass.choices) {
-        choices.push_back(choiceJson(choice));
+        choices.add(choiceJson(choice));
     }
     JsonValue references = JsonValue::array();
     for (const ReferenceDescription& description : mDescription.references) {
-        references.push_back(toJson(description));
+        references.add(toJson(description));
     }
     JsonValue actions = JsonValue::array();
     for (const ActionDef& action : mClass.actions) {
-        actions.push_back({{"name", action.name}, {"description", action.description}});
+        actions.add({{"name", action.name}, {"description", action.description}});
     }
     return {{"name", mClass.name},
             {"namingAttribute", mClass.namingAttribute},

@@ -72,7 +72,7 @@ std::string valuesOf(const AttributeDifference& attribute, ObjectDifference::Kin
 JsonValue toJson(const std::vector<ObjectDifference>& differences) {
     JsonValue documents = JsonValue::array();
     for (const ObjectDifference& object : differences) {
-        documents.push_back(documentOf(object));
+        documents.add(documentOf(object));
     }
     return documents;
 }

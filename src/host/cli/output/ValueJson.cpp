@@ -53,7 +53,7 @@ JsonValue toJson(const ReadValue& value) {
     }
     JsonValue values = JsonValue::array();
     for (const ReadSlot& slot : value.slots) {
-        values.push_back(slotJson(slot));
+        values.add(slotJson(slot));
     }
     return values;
 }
@@ -69,16 +69,12 @@ JsonValue toJson(const std::vector<NamedReadValue>& values) {
 JsonValue toJson(const AttributeValue& value, const AttributeDef& def) {
     JsonValue values = JsonValue::array();
     for (const Value& one : value.values) {
-        values.push_back(valueJson(one, def));
+        values.add(valueJson(one, def));
     }
     if (def.multiplicity.upper > 1) {
         return values;
     }
-    return values.empty() ? JsonValue() : values.front();
-}
-
-std::string toLine(const JsonValue& document) {
-    return document.dump(-1, ' ', false, JsonValue::error_handler_t::replace);
+    return values.elements().empty() ? JsonValue() : values.elements().front();
 }
 
 }

@@ -4,16 +4,13 @@
 #ifndef ORV_HOST_CLI_OUTPUT_VALUEJSON_H
 #define ORV_HOST_CLI_OUTPUT_VALUEJSON_H
 
+#include "cli/output/JsonValue.h"
 #include "client/ReadValue.h"
-
-#include <nlohmann/json.hpp>
 
 #include <string>
 #include <vector>
 
 namespace OrvHost {
-
-using JsonValue = nlohmann::ordered_json;
 
 /// The value as JSON: texts, references and enumerations as strings, numbers as numbers, structs as
 /// objects. An attribute that may hold several values gives an array; one that may hold only one
@@ -25,10 +22,6 @@ JsonValue toJson(const std::vector<NamedReadValue>& values);
 
 /// The same for a value in the model's form. \p def defines it.
 JsonValue toJson(const AttributeValue& value, const AttributeDef& def);
-
-/// The document as text in one line. In texts that are not UTF-8, replacement characters stand for
-/// the wrong bytes.
-std::string toLine(const JsonValue& document);
 
 }
 

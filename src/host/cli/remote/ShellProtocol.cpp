@@ -17,7 +17,7 @@ template <class Read>
 auto parsed(const std::string& body, const char* what, const Read& read) {
     try {
         return read(JsonValue::parse(body));
-    } catch (const JsonValue::exception&) {
+    } catch (const JsonError&) {
         throw FrameError(std::string(what) + " in JSON was expected");
     }
 }
@@ -70,7 +70,7 @@ ShellWelcome welcomeFrom(const std::string& body) {
 std::string toBody(const ShellState& state) {
     JsonValue open = JsonValue::array();
     for (const UncommittedWork& one : state.uncommitted) {
-        open.push_back({{"transaction", one.transaction}, {"writes", one.writes}});
+        open.add({{"transaction", one.transaction}, {"writes", one.writes}});
     }
     return toLine({{"status", state.status},
                    {"ended", state.isEnded},
@@ -84,7 +84,7 @@ ShellState stateFrom(const std::string& body) {
         state.status = document.at("status").get<int>();
         state.isEnded = document.at("ended").get<bool>();
         state.prompt = document.at("prompt").get<std::string>();
-        for (const JsonValue& one : document.at("uncommitted")) {
+        for (const JsonValue& one : document.at("uncommitted").elements()) {
             state.uncommitted.push_back(
                 {one.at("transaction").get<std::string>(), one.at("writes").get<std::size_t>()});
         }

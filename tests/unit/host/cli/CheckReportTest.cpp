@@ -100,9 +100,9 @@ TEST(CheckReportTest, JUnit_SeveralFailures_AreOneElement) {
 
 TEST(CheckReportTest, Json_EachScenario_IsADocument) {
     const JsonValue document = JsonValue::parse(reported("json", {failed()}));
-    EXPECT_EQ(document["scenario"], "bad#1.orv");
-    EXPECT_EQ(document["passed"], false);
-    EXPECT_EQ(document["failures"][0]["place"], "bad#1.orv:7");
+    EXPECT_EQ(document.at("scenario"), "bad#1.orv");
+    EXPECT_EQ(document.at("passed"), false);
+    EXPECT_EQ(document.at("failures").elements().at(0).at("place"), "bad#1.orv:7");
 }
 
 TEST(XmlEscapeTest, Text_OfAnyBytes_IsWellFormed) {
