@@ -103,6 +103,42 @@ TEST_F(NetconfReadTest, Filter_WithAValue_SelectsTheObjectsThatHaveIt) {
                                      "\n");
 }
 
+// Clients see all objects at the top under the name of the element.
+TEST_F(NetconfReadTest, Top_ObjectsThatCannotBeListed_AreReadByTheirKeysOrRefused) {
+    const auto depot = [](const std::string& content) {
+        return R"(<Depot xmlns="urn:orv:test:plant">)" + content + "</Depot>";
+    };
+    const std::string all = "<get-config><source><running/></source></get-config>";
+    EXPECT_THAT(ask(all), HasSubstr("<managedElementId>")) << "there is none yet";
+    EXPECT_THAT(getConfig(depot("")), Not(HasSubstr("Depot")));
+
+    const std::string south = depot("<depotId>south</depotId><place>Kirkenes</place>");
+    ASSERT_EQ(edit(south, "running"), "ok");
+    const auto isRefused =
+        AllOf(HasSubstr("<error-tag>operation-not-supported</error-tag>"),
+              HasSubstr("the objects of class Depot at the top level cannot be listed"),
+              HasSubstr("in a filter or an edit by its keys"));
+    EXPECT_THAT(ask(all), isRefused);
+    EXPECT_THAT(ask("<get/>"), isRefused);
+    EXPECT_THAT(getConfig(depot("")), isRefused);
+    EXPECT_THAT(getConfig(depot("<place>Kirkenes</place>")), isRefused);
+    EXPECT_THAT(ask(R"(<get><filter type="xpath" xmlns:e="urn:orv:example:ran-element" )"
+                    R"(select="/e:ManagedElement"/></get>)"),
+                isRefused);
+    EXPECT_THAT(edit(element(""), "running", "<default-operation>replace</default-operation>"),
+                isRefused);
+
+    EXPECT_EQ(getConfig(depot("<depotId>south</depotId>")), south + "\n");
+    EXPECT_THAT(getConfig(depot("<depotId>north</depotId>")), Not(HasSubstr("Depot")));
+    EXPECT_THAT(getConfig(element("")), HasSubstr("<managedElementId>"));
+    EXPECT_THAT(get(R"(<yang-library xmlns=""/>)"), HasSubstr("<yang-library"));
+    EXPECT_EQ(edit(R"(<Depot xmlns="urn:orv:test:plant" )" + kDelete +
+                       "><depotId>south</depotId></Depot>",
+                   "running"),
+              "ok");
+    EXPECT_THAT(ask(all), HasSubstr("<managedElementId>"));
+}
+
 TEST_F(NetconfReadTest, Filter_WithTwoElements_GivesBoth) {
     const std::string filter =
         equipment("<RadioUnit><radioUnitId>1</radioUnitId><userLabel/></RadioUnit>"

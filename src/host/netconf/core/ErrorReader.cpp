@@ -202,7 +202,8 @@ std::vector<RpcError> errorsOf(const std::exception_ptr& error, const YangSchema
     } catch (const OperationError& failure) {
         return reader.read(failure, failure.subject().dn);
     } catch (const UnlistedTopError& failure) {
-        return {plain("operation-not-supported", failure.what())};
+        return {plain("operation-not-supported",
+                      std::string(failure.what()) + ", in a filter or an edit by its keys")};
     } catch (const CancelledError&) {
         return {plain("operation-failed", "the session or the server is ending")};
     } catch (const std::bad_alloc&) {
