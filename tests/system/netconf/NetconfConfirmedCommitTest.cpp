@@ -10,7 +10,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -314,6 +317,102 @@ TEST_F(NetconfOverdueCommitTest, TriedAgain_AfterLongerAndLongerPauses_SaysEachO
     EXPECT_EQ(times("it is tried again every 1 s"), 1);
     EXPECT_EQ(times("it is tried again every 2 s"), 1);
     EXPECT_EQ(times("it is tried again every 4 s"), 1);
+}
+
+/// With a file that remembers what waits.
+class NetconfLeftCommitTest : public NetconfConfirmedCommitTest {
+protected:
+    NetconfLeftCommitTest() {
+        std::string name = (std::filesystem::temp_directory_path() / "left.XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("there is no folder for a file");
+        }
+        mFolder = name;
+        dispatcher.noteUnconfirmedIn(file());
+    }
+    ~NetconfLeftCommitTest() override { std::filesystem::remove_all(mFolder); }
+
+    std::filesystem::path file() const { return mFolder / "store.unconfirmed"; }
+
+    /// What a server says at its start that finds the file.
+    std::string saidAtStart() {
+        std::ostringstream lines;
+        LogSink log(lines, LogFormat::Text);
+        Orv::LoggingWrapper::instance()->setLevel(4);
+        Dispatcher next(
+            host, dispatcher.model(), [](std::uint32_t, const NetconfSession&) { return false; },
+            [](NetconfSession&, std::optional<std::vector<FilterNode>>) { return false; });
+        next.noteUnconfirmedIn(file());
+        return lines.str();
+    }
+
+private:
+    std::filesystem::path mFolder;
+};
+
+TEST_F(NetconfLeftCommitTest, LeftWaiting_TheNextServer_SaysWhoseAndWhatStays) {
+    editMuch();
+    ASSERT_EQ(commit(alice, "<confirmed/><persist>token</persist>"), "ok");
+    const std::string said = saidAtStart();
+    EXPECT_THAT(said, AllOf(HasSubstr("a confirmed commit of " + alice.author() + ", which began"),
+                            HasSubstr("was neither confirmed nor taken back"),
+                            HasSubstr("what it has changed stays: "),
+                            HasSubstr("ManagedElement=Harbour,Equipment=1,RadioUnit=1"),
+                            HasSubstr("ManagedElement=Harbour,Equipment=1,RadioUnit=9")));
+    EXPECT_EQ(saidAtStart(), "") << "once is enough";
+}
+
+TEST_F(NetconfLeftCommitTest, LeftWaiting_EditsOfRunningSince_StayToo) {
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    ASSERT_EQ(edit(radioUnit("7"), "running"), "ok");
+    EXPECT_THAT(saidAtStart(),
+                HasSubstr("stays: 1 object: ManagedElement=Harbour,Equipment=1,RadioUnit=7"));
+}
+
+TEST_F(NetconfLeftCommitTest, ManyObjects_OnlyTheFirst_AreNamed) {
+    for (int unit = 10; unit < 30; ++unit) {
+        ASSERT_EQ(edit(radioUnit(std::to_string(unit))), "ok");
+    }
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT(saidAtStart(), AllOf(HasSubstr("20 objects: "), HasSubstr("RadioUnit=19 and oth"),
+                                     Not(HasSubstr("RadioUnit=20"))));
+}
+
+TEST_F(NetconfLeftCommitTest, ConfirmedCancelledOrRefused_NothingIsLeft) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_TRUE(std::filesystem::exists(file()));
+    ASSERT_EQ(commit(alice, ""), "ok");
+    EXPECT_FALSE(std::filesystem::exists(file())) << "confirmed";
+
+    ASSERT_EQ(label("Older harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    ASSERT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_FALSE(std::filesystem::exists(file())) << "cancelled";
+
+    ASSERT_EQ(label("Older harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    dispatcher.end(alice);
+    EXPECT_FALSE(std::filesystem::exists(file())) << "its session has ended";
+
+    for (const char* const unit : {"7", "8"}) { // one more than the antenna may have
+        ASSERT_EQ(edit(radioUnit(unit, tagged("antennaRef", antenna(2, 1)))), "ok");
+    }
+    EXPECT_THAT(commit(bob, "<confirmed/>"), hasTag("operation-failed"));
+    EXPECT_FALSE(std::filesystem::exists(file())) << "refused";
+    EXPECT_EQ(saidAtStart(), "");
+}
+
+// The commit is made nevertheless.
+TEST_F(NetconfLeftCommitTest, File_CannotBeWritten_IsLogged) {
+    std::ostringstream lines;
+    LogSink log(lines, LogFormat::Text);
+    std::filesystem::remove_all(file().parent_path());
+    ASSERT_EQ(label("Old harbour"), "ok");
+    EXPECT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT(lines.str(),
+                HasSubstr("the next start will not say that a confirmed commit waits"));
+    EXPECT_EQ(commit(alice, ""), "ok");
 }
 
 /// Commits something at the moment when somebody else begins a transaction.

@@ -30,6 +30,9 @@ __attribute__((noinline)) void* operator new(std::size_t size) {
     }
     return block;
 }
+__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return mayAllocate() ? std::malloc(size) : nullptr;
+}
 __attribute__((noinline)) void operator delete(void* block) noexcept {
     std::free(block);
 }

@@ -12,6 +12,7 @@
 #include "cli/serve/ServiceManager.h"
 #include "cli/serve/ShellServer.h"
 #include "cli/session/Session.h"
+#include "cli/setup/StoreTarget.h"
 #include "netconf/server/NetconfServer.h"
 
 #include <chrono>
@@ -45,6 +46,9 @@ ServerOptions serverOptions(const Options& options) {
     server.passwordFile = options.passwordFile;
     server.readOnlyUsers = options.readOnlyUsers;
     server.candidateLimit = std::chrono::seconds(options.candidateSeconds);
+    if (!options.store.empty() && !isPostgresql(options.store)) {
+        server.unconfirmedNote = options.store + ".unconfirmed";
+    }
     for (const std::string& user : options.netconfUsers) {
         const std::size_t equals = user.find('=');
         server.userKeys.emplace_back(user.substr(0, equals), user.substr(equals + 1));

@@ -3,10 +3,12 @@
 
 #include "ConfirmedCommit.h"
 
+#include "base/UtcTime.h"
 #include "netconf/wire/RpcError.h"
 #include "runtime/Host.h"
 
 #include <algorithm>
+#include <ctime>
 
 namespace OrvHost {
 
@@ -17,19 +19,40 @@ constexpr int kMostPauses = 32;
 
 }
 
-ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner)
-    : mOwner(owner.id()),
+// The note is there before the commit, which can be the last that the process does.
+ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner, UnconfirmedNote& note)
+    : mSince(utcText(std::time(nullptr))),
+      mOwner(owner.id()),
       mAuthor(owner.author()),
+      mNote(note),
       mFeed(host.watch([this](const ChangeSet& changes) {
           const std::lock_guard<std::mutex> lock(mMutex);
           mUndoing.add(changes);
           ++mCommits;
-      })) {}
+          writeNote();
+      })) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    writeNote();
+}
+
+void ConfirmedCommit::writeNote() {
+    if (!mNote.isKept()) {
+        return;
+    }
+    mNote.write("a confirmed commit of " + mAuthor + ", which began at " + mSince +
+                ", was neither confirmed nor taken back when the server ended; what it has changed "
+                "stays: " +
+                mUndoing.summary());
+}
 
 void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& request) {
     if (isOverdue()) {
         mOwner = session.id();
-        mAuthor = session.author();
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mAuthor = session.author();
+            writeNote();
+        }
         mRefusal.clear();
         mPause = {};
         mToken.reset();

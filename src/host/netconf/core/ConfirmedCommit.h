@@ -6,6 +6,7 @@
 
 #include "netconf/core/Alarm.h"
 #include "netconf/core/NetconfSession.h"
+#include "netconf/core/UnconfirmedNote.h"
 #include "netconf/core/Undoing.h"
 #include "store/CommitFeed.h"
 
@@ -30,7 +31,8 @@ struct CommitRequest {
 /// A confirmed commit of RFC 6241, section 8.4, that waits for its confirmation. It remembers what
 /// was before all that has been committed since it began, whoever did: to take it back means that
 /// running is again as it was before. It is kept in memory only: if it still waits when the process
-/// ends, nothing is taken back, and with a store what was committed stays.
+/// ends, nothing is taken back, and with a store what was committed stays. A note says so to those
+/// who begin anew.
 ///
 /// If its time is over, or its session, and the component refuses to take it back, it is *overdue*:
 /// it is tried again from time to time, after longer and longer pauses, and any session may cancel
@@ -41,7 +43,8 @@ struct CommitRequest {
 class ConfirmedCommit {
 public:
     /// What is committed from now on belongs to it.
-    ConfirmedCommit(Host& host, const NetconfSession& owner);
+    /// \p note is borrowed, and written as long as it waits.
+    ConfirmedCommit(Host& host, const NetconfSession& owner, UnconfirmedNote& note);
     ConfirmedCommit(const ConfirmedCommit&) = delete;
     ConfirmedCommit& operator=(const ConfirmedCommit&) = delete;
 
@@ -77,8 +80,11 @@ public:
     const std::string& refusal() const { return mRefusal; }
 
 private:
+    void writeNote();
+
+    const std::string mSince;
     std::uint32_t mOwner;
-    std::string mAuthor;
+    std::string mAuthor; ///< written under the mutex
     std::optional<std::string> mToken;
     Alarm::Clock::time_point mDeadline;
     std::string mReason;
@@ -86,7 +92,8 @@ private:
 
     std::chrono::seconds mPause{0};
 
-    std::mutex mMutex; ///< guards the next two
+    std::mutex mMutex; ///< guards the next three
+    UnconfirmedNote& mNote;
     Undoing mUndoing;
     std::size_t mCommits = 0;
     CommitFeed::Subscription mFeed; ///< after what its watcher uses

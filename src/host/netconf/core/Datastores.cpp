@@ -76,6 +76,20 @@ Datastores::~Datastores() {
     }
 }
 
+void Datastores::noteUnconfirmedIn(const std::filesystem::path& file) {
+    mNote = UnconfirmedNote(file);
+    if (const std::string left = mNote.take(); !left.empty()) {
+        logServer(4, left);
+    }
+}
+
+/// It is confirmed or taken back.
+void Datastores::endWaiting() {
+    mUnconfirmed.reset();
+    mNote.clear();
+    setAlarm();
+}
+
 void Datastores::read(NetconfSession& session, Datastore store, const Read& read) {
     if (store == Datastore::Candidate) {
         const std::lock_guard<std::mutex> lock(mCandidateMutex);
@@ -184,17 +198,24 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     }
     std::unique_ptr<ConfirmedCommit> begun;
     if (request.isConfirmed && !mUnconfirmed) {
-        begun = std::make_unique<ConfirmedCommit>(mHost, session);
+        begun = std::make_unique<ConfirmedCommit>(mHost, session, mNote);
     }
     const Committer committer(session);
-    commitCandidate(session);
+    try {
+        commitCandidate(session);
+    } catch (...) {
+        if (begun) {
+            begun.reset();
+            mNote.clear();
+        }
+        throw;
+    }
     if (!request.isConfirmed) {
         if (mUnconfirmed && mUnconfirmed->isOverdue()) {
             logServer(4, session.author() + " confirms the commit of " + mUnconfirmed->author() +
                              " that could not be taken back");
         }
-        mUnconfirmed.reset();
-        setAlarm();
+        endWaiting();
         return;
     }
     if (begun) {
@@ -271,8 +292,7 @@ void Datastores::takeBack() {
         }
     }
     if (!refusal) { // it is done, whatever becomes of the candidate
-        mUnconfirmed.reset();
-        setAlarm();
+        endWaiting();
     }
     if (isChanged) {
         replay(nullptr);

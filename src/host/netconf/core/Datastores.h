@@ -82,6 +82,10 @@ public:
     /// unless this is called. Before the sessions.
     void pauseUndoing(std::chrono::seconds pause) { mUndoingPause = pause; }
 
+    /// Remembers in \p file what a confirmed commit that waits has changed. What a server before
+    /// this one has left there is logged, once. Before the sessions. Throws FileError.
+    void noteUnconfirmedIn(const std::filesystem::path& file);
+
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
     /// Runs \p read on a state that does not change meanwhile.
     void read(NetconfSession& session, Datastore store, const Read& read);
@@ -134,6 +138,7 @@ private:
     void commitCandidate(const NetconfSession& session);
     void takeBack();
     void takeBackUnasked(const std::string& reason);
+    void endWaiting();
     void undoAll();
     bool undo();
     void onTimeOver();
@@ -160,6 +165,7 @@ private:
     std::map<Datastore, Lock> mLocks;
 
     std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
+    UnconfirmedNote mNote;    ///< guarded by it, or by what waits
     std::unique_ptr<ConfirmedCommit> mUnconfirmed; ///< guarded by it; null: none waits
     std::chrono::seconds mUndoingPause{10};
 

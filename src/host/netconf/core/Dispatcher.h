@@ -56,6 +56,9 @@ public:
     /// See Datastores::pauseUndoing.
     void pauseUndoing(std::chrono::seconds pause) { mStores.pauseUndoing(pause); }
 
+    /// See Datastores::noteUnconfirmedIn.
+    void noteUnconfirmedIn(const std::filesystem::path& file) { mStores.noteUnconfirmedIn(file); }
+
     /// See Datastores::commitBeside.
     void commitBeside(const std::string& user, const std::function<void()>& commit) {
         mStores.commitBeside(user, commit);

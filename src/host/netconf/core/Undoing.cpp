@@ -3,16 +3,17 @@
 
 #include "Undoing.h"
 
+#include "base/Counted.h"
 #include "client/ExternalDn.h"
 #include "client/edits/References.h"
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 namespace OrvHost {
 
 namespace {
+
+constexpr std::size_t kMostShown = 10;
 
 /// The values that a client can set to those before.
 std::vector<NamedValue> settable(const ClassDef& moc,
@@ -62,7 +63,7 @@ void Undoing::add(const ObjectChange& change) {
     }
 }
 
-Wish Undoing::wish(const Model& model) const {
+std::vector<const std::pair<const std::string, Undoing::Fate>*> Undoing::inOrder() const {
     std::vector<const std::pair<const std::string, Fate>*> order;
     for (const auto& one : mFates) {
         order.push_back(&one);
@@ -70,9 +71,25 @@ Wish Undoing::wish(const Model& model) const {
     std::sort(order.begin(), order.end(), [](const auto* left, const auto* right) {
         return left->second.number < right->second.number;
     });
+    return order;
+}
+
+std::string Undoing::summary() const {
+    std::string text = counted(mFates.size(), "object");
+    std::size_t shown = 0;
+    for (const auto* one : inOrder()) {
+        if (shown == kMostShown) {
+            return text + " and others";
+        }
+        text += (shown++ == 0 ? ": " : ", ") + externalDn(one->first);
+    }
+    return text;
+}
+
+Wish Undoing::wish(const Model& model) const {
     Wish wish;
     wish.repeated = Wish::Repeated::IsWished;
-    for (const auto* one : order) {
+    for (const auto* one : inOrder()) {
         const Fate& fate = one->second;
         const std::string dn = externalDn(one->first);
         if (!fate.wasThere) {

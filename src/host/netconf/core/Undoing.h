@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace OrvHost {
 
@@ -28,6 +30,9 @@ public:
     /// deleted object gets back what clients can set. Without edits: nothing has changed.
     Wish wish(const Model& model) const;
 
+    /// How many objects are not as they were, and the first of them, for people.
+    std::string summary() const;
+
 private:
     /// What became of an object, all its entries together.
     struct Fate {
@@ -39,6 +44,8 @@ private:
     };
 
     void add(const ObjectChange& change);
+    /// In the order in which the objects were changed first.
+    std::vector<const std::pair<const std::string, Fate>*> inOrder() const;
 
     std::map<std::string, Fate> mFates; ///< by DN (internal)
     std::size_t mNext = 0;

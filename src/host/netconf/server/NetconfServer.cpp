@@ -48,6 +48,7 @@ struct NetconfServer::Parts {
           const ServerOptions& options)
         : users(usersOf(options)), model(reader, std::move(schema)), hub(host, model) {
         hub.dispatcher().limitCandidate(options.candidateLimit);
+        hub.dispatcher().noteUnconfirmedIn(options.unconfirmedNote);
     }
 
     /// True if nothing is at work any more.

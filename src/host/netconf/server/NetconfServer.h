@@ -29,13 +29,15 @@ struct ServerOptions {
     std::vector<std::string> readOnlyUsers;
     /// How long after its last edit a candidate is discarded; 0: never.
     std::chrono::seconds candidateLimit{0};
+    /// A file that remembers what a confirmed commit that waits has changed; empty: none.
+    std::string unconfirmedNote;
 };
 
 /// The server: the listeners and the sessions over them.
 class NetconfServer {
 public:
     /// Listens from now on. \p host is borrowed, with its components started; \p reader has read
-    /// its model, \p schema. Throws ServerError and ModelError.
+    /// its model, \p schema. Throws ServerError, ModelError, and FileError of the file of the note.
     NetconfServer(Host& host, const YangModelReader& reader,
                   std::shared_ptr<const YangSchema> schema, const ServerOptions& options);
     /// As end(), and waits as long as it takes.
