@@ -101,9 +101,10 @@ std::string DispatcherScene::ask(NetconfSession& session, const std::string& ope
     for (const RpcError& error : reply.errors) {
         answer += error.toXml();
     }
-    return answer.empty()
-               ? onOneLine(reply.data.value_or(reply.output.empty() ? "ok" : reply.output))
-               : answer;
+    return answer.empty() ? onOneLine(reply.data != nullptr  ? reply.data.get()
+                                      : reply.output.empty() ? "ok"
+                                                             : reply.output)
+                          : answer;
 }
 
 std::string DispatcherScene::edit(const std::string& config, const std::string& target,

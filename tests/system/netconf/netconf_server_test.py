@@ -24,6 +24,7 @@ import tempfile
 import threading
 import time
 import unittest
+import xml.etree.ElementTree as ElementTree
 
 from ncclient import manager
 from ncclient.operations import RPC, RaiseMode
@@ -672,6 +673,22 @@ class ProtocolTest(ServerCase):
                 client.send(f"\n#{len(part)}\n{part}")
             client.send("\n##\n")
             self.assertIn("<userLabel>Harbour</userLabel>", client.receive_chunks())
+
+    def test_a_large_reply_has_all_objects(self):
+        client = self.local()
+        cabinets = [f"big-{number}-" + "x" * 200 for number in range(6000)]
+        for begin in range(0, len(cabinets), 2000):
+            content = "".join(f"<Cabinet><cabinetId>{name}</cabinetId></Cabinet>"
+                              for name in cabinets[begin:begin + 2000])
+            self.assertIn("<ok/>", client.ask(rpc(
+                "<edit-config><target><candidate/></target>" + config(equipment(content))
+                + "</edit-config>")))
+        reply = client.ask(rpc("<get-config><source><candidate/></source></get-config>"))
+        self.assertGreater(len(reply), 1 << 20)
+        found = [one.text for one in ElementTree.fromstring(reply).iter(
+            "{urn:orv:example:ran-equipment}cabinetId")]
+        self.assertEqual(sorted(found), sorted(["1", *cabinets]))
+        self.assertIn("<ok/>", client.ask(rpc("<discard-changes/>")))
 
     def test_a_client_that_has_sent_all_gets_all_replies(self):
         client = self.ssh()

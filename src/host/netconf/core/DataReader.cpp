@@ -9,8 +9,8 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <new>
+#include <ostream>
 #include <sstream>
 #include <utility>
 
@@ -56,7 +56,7 @@ struct SetDeleter {
 
 }
 
-std::string DataReader::read(NetconfSession& session, const DataRequest& request) {
+CText DataReader::read(NetconfSession& session, const DataRequest& request) {
     if (request.xpath.empty() && request.defaults == Defaults::Trim) {
         return readText(session, request);
     }
@@ -71,24 +71,27 @@ std::string DataReader::read(NetconfSession& session, const DataRequest& request
     return print(tree.get(), request.defaults);
 }
 
-std::string DataReader::readText(NetconfSession& session, const DataRequest& request) {
-    std::string text = readObjects(session, request, request.filter);
+CText DataReader::readText(NetconfSession& session, const DataRequest& request) {
+    CTextBuffer buffer;
+    std::ostream text(&buffer);
+    readObjects(session, request, request.filter, text);
     if (!request.onlyConfig) {
         OwnedTree state = serverState(request.filter);
         if (request.filter) {
             state = filtered(std::move(state), *request.filter);
         }
-        text += print(state.get(), request.defaults);
+        text << print(state.get(), request.defaults).get();
     }
-    return text;
+    return buffer.take();
 }
 
 OwnedTree DataReader::readTree(NetconfSession& session, const DataRequest& request) {
-    const std::string text = readObjects(session, request, std::nullopt);
+    std::ostringstream text;
+    readObjects(session, request, std::nullopt, text);
     const YangContext& context = mModel.context();
     lyd_node* parsed = nullptr;
-    if (lyd_parse_data_mem(context.get(), text.c_str(), LYD_XML, LYD_PARSE_ONLY, 0, &parsed) !=
-        LY_SUCCESS) {
+    if (lyd_parse_data_mem(context.get(), text.str().c_str(), LYD_XML, LYD_PARSE_ONLY, 0,
+                           &parsed) != LY_SUCCESS) {
         fail(context, "the data cannot be searched");
     }
     if (request.defaults != Defaults::Trim) {
@@ -100,13 +103,13 @@ OwnedTree DataReader::readTree(NetconfSession& session, const DataRequest& reque
     return OwnedTree(parsed);
 }
 
-std::string DataReader::readObjects(NetconfSession& session, const DataRequest& request,
-                                    const std::optional<std::vector<FilterNode>>& filter) {
-    std::ostringstream text;
+void DataReader::readObjects(NetconfSession& session, const DataRequest& request,
+                             const std::optional<std::vector<FilterNode>>& filter,
+                             std::ostream& text) {
+    text.exceptions(std::ios::badbit); // otherwise it would end where memory runs out
     mStores.read(session, request.store, [&](ClientSession& client, unsigned long txHandle) {
         writeObjects(client, txHandle, mModel, {filter, request.onlyConfig}, text);
     });
-    return std::move(text).str();
 }
 
 void DataReader::addDefaults(lyd_node* first, const DataRequest& request) const {
@@ -183,7 +186,7 @@ OwnedTree DataReader::monitored() const {
     return OwnedTree(parsed);
 }
 
-std::string DataReader::print(const lyd_node* tree, Defaults defaults) const {
+CText DataReader::print(const lyd_node* tree, Defaults defaults) const {
     const std::uint32_t shown =
         defaults == Defaults::Trim ? LYD_PRINT_WD_EXPLICIT : LYD_PRINT_WD_ALL;
     char* text = nullptr;
@@ -191,8 +194,7 @@ std::string DataReader::print(const lyd_node* tree, Defaults defaults) const {
         lyd_print_mem(&text, tree, LYD_XML, LYD_PRINT_WITHSIBLINGS | shown) != LY_SUCCESS) {
         fail(mModel.context(), "the data cannot be printed");
     }
-    const std::unique_ptr<char, void (*)(void*)> owned(text, std::free);
-    return owned != nullptr ? owned.get() : "";
+    return text != nullptr ? CText(text) : toCText("");
 }
 
 OwnedTree DataReader::select(const OwnedTree& tree, const std::string& xpath) const {

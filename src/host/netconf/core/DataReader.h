@@ -7,9 +7,11 @@
 #include "netconf/core/Datastores.h"
 #include "netconf/core/Monitor.h"
 #include "netconf/core/SubtreeFilter.h"
+#include "netconf/wire/CText.h"
 #include "netconf/wire/WireModel.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,20 +50,20 @@ public:
         : mModel(model), mStores(stores), mMonitor(monitor) {}
 
     /// The content of the reply's data element. Throws RpcErrors, and what writeObjects throws.
-    std::string read(NetconfSession& session, const DataRequest& request);
+    CText read(NetconfSession& session, const DataRequest& request);
 
 private:
-    std::string readText(NetconfSession& session, const DataRequest& request);
+    CText readText(NetconfSession& session, const DataRequest& request);
     OwnedTree readTree(NetconfSession& session, const DataRequest& request);
-    std::string readObjects(NetconfSession& session, const DataRequest& request,
-                            const std::optional<std::vector<FilterNode>>& filter);
+    void readObjects(NetconfSession& session, const DataRequest& request,
+                     const std::optional<std::vector<FilterNode>>& filter, std::ostream& text);
     void addDefaults(lyd_node* first, const DataRequest& request) const;
     void removeForeign(lyd_node* top) const;
     void tagDefaults(lyd_node* top) const;
     OwnedTree serverState(const std::optional<std::vector<FilterNode>>& filter) const;
     OwnedTree listOfModules() const;
     OwnedTree monitored() const;
-    std::string print(const lyd_node* tree, Defaults defaults) const;
+    CText print(const lyd_node* tree, Defaults defaults) const;
     OwnedTree select(const OwnedTree& tree, const std::string& xpath) const;
 
     const WireModel& mModel;

@@ -151,9 +151,7 @@ RpcReply Dispatcher::answer(NetconfSession& session, lyd_node* request) {
     try {
         return dispatch(session, request);
     } catch (const std::exception&) {
-        return {errorsOf(std::current_exception(), mModel.schema(), session.client()),
-                std::nullopt,
-                {}};
+        return {errorsOf(std::current_exception(), mModel.schema(), session.client()), nullptr, {}};
     }
 }
 
@@ -304,7 +302,7 @@ RpcReply Dispatcher::act(NetconfSession& session, const lyd_node* action) {
                    "> is not a read");
     }
     const ActionRequest request = readAction(mModel, mHost.model(), action);
-    return {{}, std::nullopt, outputText(mModel, request, mStores.act(session, request))};
+    return {{}, nullptr, outputText(mModel, request, mStores.act(session, request))};
 }
 
 RpcReply Dispatcher::getSchema(const lyd_node* request) const {
@@ -320,7 +318,7 @@ RpcReply Dispatcher::getSchema(const lyd_node* request) const {
         refuse("application", "invalid-value",
                "there is no module " + name + (revision.empty() ? "" : " of " + revision));
     }
-    return {{}, xmlEscaped(*text), {}};
+    return {{}, toCText(xmlEscaped(*text)), {}};
 }
 
 void Dispatcher::subscribe(NetconfSession& session, const lyd_node* request) {

@@ -7,6 +7,7 @@
 #include "netconf/core/DataReader.h"
 #include "netconf/core/Datastores.h"
 #include "netconf/core/EventStream.h"
+#include "netconf/wire/CText.h"
 #include "netconf/wire/RpcError.h"
 #include "netconf/wire/WireModel.h"
 
@@ -21,9 +22,9 @@ namespace OrvHost {
 
 /// The answer to a request.
 struct RpcReply {
-    std::vector<RpcError> errors{};    ///< if there are some, nothing was done
-    std::optional<std::string> data{}; ///< the content of the data element, in XML
-    std::string output{};              ///< what an action returns, in XML; without data: ok
+    std::vector<RpcError> errors{}; ///< if there are some, nothing was done
+    CText data{};                   ///< the content of the data element, in XML, or null
+    std::string output{};           ///< what an action returns, in XML; without data: ok
 };
 
 /// Answers the requests of RFC 6241 that are not the transport's own (close-session): get,

@@ -62,22 +62,25 @@ nc_server_reply* errorReply(const std::vector<RpcError>& errors, ly_ctx* context
     return reply;
 }
 
-/// The library frees a text of C. Of a large one there are two only while it is copied.
-nc_server_reply* dataReply(std::string text, const lyd_node* request) {
-    std::unique_ptr<char, void (*)(void*)> owned(strdup(text.c_str()), std::free);
-    text = std::string();
+nc_server_reply* dataReply(CText text, const lyd_node* request, const LargeReplies& largeReplies) {
+    constexpr std::size_t kLarge = 1 << 20; // some milliseconds for the library
+    OwnedTree tree = std::strlen(text.get()) < kLarge ? nullptr : largeReplies.take(text);
     lyd_node* output = nullptr;
-    if (owned == nullptr || lyd_new_inner(nullptr, request->schema->module, request->schema->name,
-                                          0, &output) != LY_SUCCESS) {
-        return nullptr;
-    }
-    if (lyd_new_any(output, nullptr, "data", owned.get(), 1, LYD_ANYDATA_XML, 1, nullptr) !=
+    if (lyd_new_inner(nullptr, request->schema->module, request->schema->name, 0, &output) !=
         LY_SUCCESS) {
-        lyd_free_tree(output);
         return nullptr;
     }
-    static_cast<void>(owned.release()); // the node has it
-    return nc_server_reply_data(output, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
+    OwnedTree owner(output);
+    const LY_ERR code =
+        tree != nullptr
+            ? lyd_new_any(output, nullptr, "data", tree.get(), 1, LYD_ANYDATA_DATATREE, 1, nullptr)
+            : lyd_new_any(output, nullptr, "data", text.get(), 1, LYD_ANYDATA_XML, 1, nullptr);
+    if (code != LY_SUCCESS) {
+        return nullptr;
+    }
+    static_cast<void>(tree.release()); // the node has it
+    static_cast<void>(text.release());
+    return nc_server_reply_data(owner.release(), NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
 }
 
 /// The library has no text for each of its errors.
@@ -140,7 +143,9 @@ nc_server_reply* replyTo(lyd_node* request, nc_session* session) {
     if (!reply.output.empty()) {
         return outputReply(reply.output, actionIn(request), context);
     }
-    return reply.data ? dataReply(std::move(*reply.data), request) : nc_server_reply_ok();
+    return reply.data != nullptr ? dataReply(std::move(reply.data), request,
+                                             theHub->dispatcher().model().largeReplies())
+                                 : nc_server_reply_ok();
 }
 
 // Exceptions must not pass through the library. Without a reply it sends an error of its own.

@@ -49,6 +49,7 @@ WireModel::WireModel(YangModelReader reader, std::shared_ptr<const YangSchema> s
     : mSchema(std::move(schema)) {
     addProtocol(reader);
     mContext = reader.readForProtocol();
+    mLargeReplies = std::make_unique<LargeReplies>(mContext->get());
     for (const ObjectShape* top : mSchema->childrenOf(nullptr)) {
         add(*top);
     }

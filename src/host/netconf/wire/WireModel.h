@@ -4,6 +4,7 @@
 #ifndef ORV_HOST_NETCONF_WIRE_WIREMODEL_H
 #define ORV_HOST_NETCONF_WIRE_WIREMODEL_H
 
+#include "LargeReplies.h"
 #include "yang/schema/YangModelReader.h"
 #include "yang/schema/YangSchema.h"
 #include "yang/source/YangContext.h"
@@ -38,6 +39,7 @@ public:
     WireModel(YangModelReader reader, std::shared_ptr<const YangSchema> schema);
 
     YangContext& context() const { return *mContext; }
+    const LargeReplies& largeReplies() const { return *mLargeReplies; }
     /// Of the model; its nodes are those of the model's own context.
     const YangSchema& schema() const { return *mSchema; }
     const std::shared_ptr<const YangSchema>& sharedSchema() const { return mSchema; }
@@ -79,6 +81,7 @@ private:
 
     std::shared_ptr<const YangSchema> mSchema;
     std::shared_ptr<YangContext> mContext;
+    std::unique_ptr<LargeReplies> mLargeReplies;
     ByNode<ObjectShape> mObjects;
     ByNode<ValueShape> mValues; ///< attributes, and parameters of actions
     ByNode<ActionShape> mActions;
