@@ -10,6 +10,7 @@
 #include "runtime/Host.h"
 
 #include <exception>
+#include <utility>
 
 namespace OrvHost {
 
@@ -43,6 +44,14 @@ std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
     }
     pointers.push_back(nullptr);
     return pointers;
+}
+
+/// Calls the component for a result, and owns it before anything else can fail.
+template <class Result, class Call>
+std::pair<OrvReturnT, Orv::OwnedResult<Result>> ownedResult(const Call& call) {
+    Result result{};
+    const OrvReturnT code = call(&result);
+    return {code, Orv::OwnedResult<Result>(code == OrvOk ? result : Result{})};
 }
 
 }
@@ -94,11 +103,12 @@ unsigned long long Client::count(unsigned long txHandle, const std::string& writ
 ReadValue Client::get(unsigned long txHandle, const std::string& writtenDn,
                       const std::string& attribute, const ClassDef* moc) {
     const std::string dn = shortForm(writtenDn);
-    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
-    check(mTable->getMoAttribute(txHandle, dn.c_str(), tableName(moc, attribute).c_str(), &result),
-          {"getMoAttribute", dn, {}, {attribute}});
-    const Orv::OwnedResult owned(result);
-    return toReadValue(result.container, definitionOf(moc, attribute));
+    const std::string name = tableName(moc, attribute);
+    const auto [code, owned] = ownedResult<OrvMoAttributeValueResult_3>([&](auto* result) {
+        return mTable->getMoAttribute(txHandle, dn.c_str(), name.c_str(), result);
+    });
+    check(code, {"getMoAttribute", dn, {}, {attribute}});
+    return toReadValue(owned.get().container, definitionOf(moc, attribute));
 }
 
 std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::string& writtenDn,
@@ -111,13 +121,13 @@ std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::strin
         known.push_back(tableName(moc, attribute));
     }
     std::vector<const char*> names = nullTerminated(known);
-    OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
-    check(mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result),
-          {"getMoAttributes", dn, {}, attributes});
-    const Orv::OwnedResult owned(result);
+    const auto [code, owned] = ownedResult<OrvMoAttributeValuesResult_3>([&](auto* result) {
+        return mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), result);
+    });
+    check(code, {"getMoAttributes", dn, {}, attributes});
     std::vector<NamedReadValue> values;
     values.reserve(attributes.size());
-    OrvMoAttributeValueContainer_3** container = result.containers;
+    OrvMoAttributeValueContainer_3** container = owned.get().containers;
     for (const std::string& attribute : attributes) {
         if (container == nullptr || *container == nullptr) {
             break;
@@ -196,11 +206,11 @@ ReadValue Client::action(unsigned long txHandle, const std::string& writtenDn,
     const std::vector<NamedValue> parameters = shortForm(written);
     const std::string dn = shortForm(writtenDn);
     NamedRecords records(parameters);
-    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
-    check(mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result),
-          {"action", dn, {}, {}, name});
-    const Orv::OwnedResult owned(result);
-    return toReadValue(result.container, resultOf(def));
+    const auto [code, owned] = ownedResult<OrvMoAttributeValueResult_3>([&](auto* result) {
+        return mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), result);
+    });
+    check(code, {"action", dn, {}, {}, name});
+    return toReadValue(owned.get().container, resultOf(def));
 }
 
 // Messages of successful calls are not shown: a component may have called the router itself and
