@@ -15,7 +15,13 @@ TITLE = re.compile(r'PORT="title"><FONT[^>]*><B>(.*?)</B>')
 ROW = re.compile(r'PORT="(p\d+)"><FONT COLOR="([^"]*)"[^>]*>(.*?)</FONT>')
 EDGE = re.compile(r'^ *(n\d+):(\w+) -> (n\d+):(\w+) \[style="(\w+)"(.*)\]', re.M)
 FOLDED = re.compile(r"(\w+) × (\d+)")
-SUMMARY = re.compile(r">[^<]*?(\d+) objects?, (\d+) references?(?: \((\d+) [^)]*\))?, (\d+) violations?<")
+SUMMARY = re.compile(r">([^<]*): (\d+) objects?(?: \(\d+ below\))?, (\d+) references?, (\d+) violations?<")
+# A row of the legend with a line, and what lines look like.
+LEGEND = re.compile(r'STYLE="(solid|dashed|dotted)" WIDTH="30" HEIGHT="6"></TD>.*?</TABLE></TD>'
+                    r'<TD ALIGN="LEFT"><FONT[^>]*>(.*?)</FONT>')
+MEANINGS = {"solid": "an association with references both ways",
+            "dashed": "a reference of an association, one way",
+            "dotted": "a reference without an association"}
 RED = "#d00000"
 
 
@@ -29,6 +35,22 @@ def ends_of(row):
 def plain(markup, line_end=""):
     """The text. A line of it ends after a blank or a comma, or where it must."""
     return html.unescape(re.sub("<[^>]*>", line_end, markup))
+
+
+def frames_of(dot):
+    """For each node, the one that the frame around it belongs to."""
+    owners, frames = [], {}
+    for line in dot.split("\n"):
+        opened = re.match(r" *subgraph cluster_(n\d+) \{", line)
+        node = re.match(r" *(n\d+) \[label", line)
+        if opened:
+            owners.append(opened[1])
+        elif line.strip() == "}" and owners:
+            owners.pop()
+        elif node:
+            around = [owner for owner in owners if owner != node[1]]
+            frames[node[1]] = around[-1] if around else None
+    return frames
 
 
 class Node:
@@ -52,13 +74,16 @@ class Node:
 
 class Drawn:
     """What is drawn. References are (holder, attribute, target, look), each as often as it is told;
-    holder and target are DNs, or classes where something is folded."""
+    holder and target are DNs, or of folded boxes their classes."""
 
     def __init__(self, dot):
         self.dot = dot
         self.nodes = {name: Node(label, html.unescape(tip)) for name, label, tip in NODE.findall(dot)}
+        self.alone = {node.dn for node in self.nodes.values() if not node.is_folded}
         self.is_folded = any(node.is_folded for node in self.nodes.values())
         self.references = collections.Counter()
+        self.odd = []
+        self.frames = frames_of(dot)
         for node in self.nodes.values():
             for row in node.rows.values():
                 if "↔" in row or "↺" in row:
@@ -69,11 +94,17 @@ class Drawn:
             self.add(start, start.rows.get(start_port, "no row"), end, look)
             if 'dir="both"' in rest:
                 self.add(end, end.rows.get(end_port, "no row"), start, look)
+            elif rest:
+                self.odd.append(f"a line has also{rest}")
             elif end_port != "title":
                 self.references[self.key(start), "ends at a row of", self.key(end), look] += 1
 
     def key(self, node):
-        return node.class_name if self.is_folded else node.dn
+        return node.class_name if node.is_folded else node.dn
+
+    def key_of(self, dn):
+        """The key of the box of an object: the boxes decide which are folded."""
+        return dn if dn in self.alone else class_of(dn)
 
     def add(self, start, row, end, look):
         for attribute, count in ends_of(row):
@@ -168,40 +199,52 @@ def errors(dot, data, top="", depth=1000):
     inside = set(objects)
     references = list(data.references_of(objects))
     summary = SUMMARY.search(dot)
-    if not summary or (int(summary[1]), int(summary[2])) != (len(objects), len(references)):
-        yield f"the numbers below are not {len(objects)} objects, {len(references)} references"
+    told = (top or "/", str(len(objects)), str(len(references)), "0")
+    if not summary or summary.groups() != told:
+        yield f"what stands below is not {told}"
+    yield from drawn.odd
     if any(node.is_red for node in drawn.nodes.values()) or RED in dot:
         yield "something is red"
     yield from wrong_references(drawn, references)
+    yield from wrong_frames(drawn, inside)
+    yield from wrong_legend(drawn)
     yield from wrong_boxes(drawn, data, inside, {target for _, _, target, _ in references} - inside)
 
 
 def wrong_references(drawn, references):
+    """Between objects of a folded box there are no lines: its row tells whether both refer to each
+    other. Which objects are in a box, the boxes decide."""
     expected = collections.Counter()
     for holder, attribute, target, look in references:
-        start, end = (class_of(holder), class_of(target)) if drawn.is_folded else (holder, target)
-        expected[start, attribute, end, look] += 1
-    # Within a box there are no lines: the row tells whether both refer to each other. Which of the
-    # references between objects of a class are within a box, the boxes decide.
-    if not drawn.is_folded:
-        for key in [key for key in expected if key[0] == key[2]]:
-            expected[key[0], key[1], key[2], "↺"] += expected.pop(key)
-        found = drawn.references
-    else:
-        def summed(counter):
-            result = collections.Counter()
-            for (start, attribute, end, look), count in counter.items():
-                ways = {"solid": "both", "↔": "both"}.get(look, "one")
-                result[start, attribute, end, ways] += count
-            return result
-        dashed = {key[:3] for key in expected if key[3] == "dashed"}
-        for key in drawn.references:
-            if key[3] in ("dashed", "dotted") and (key[3] == "dashed") != (key[:3] in dashed):
-                yield f"{key[3]} is wrong: {key}"
-        expected, found = summed(expected), summed(drawn.references)
-    for key in sorted(set(expected) | set(found), key=str):
-        if expected[key] != found[key]:
-            yield f"{' '.join(key)}: {found[key]} drawn, the data has {expected[key]}"
+        start, end = drawn.key_of(holder), drawn.key_of(target)
+        both = look == "solid" and holder != target
+        is_row = start == end and holder in drawn.alone
+        expected[start, attribute, end, ("↔" if both else "↺") if is_row else look] += 1
+    found = drawn.references
+    within = {key[:3] for key in [*expected, *found] if key[0] == key[2] and key[0] not in drawn.alone}
+    for key in sorted({(*key[:3], "both") if key[:3] in within and key[3] in ("solid", "↔") else
+                       (*key[:3], "one") if key[:3] in within else key for key in [*expected, *found]}):
+        looks = {"both": ("solid", "↔"), "one": ("dashed", "dotted", "↺")}.get(key[3], (key[3],))
+        counts = [sum(counter[(*key[:3], look)] for look in looks) for counter in (expected, found)]
+        if counts[0] != counts[1]:
+            yield f"{' '.join(key)}: {counts[1]} drawn, the data has {counts[0]}"
+
+
+def wrong_frames(drawn, inside):
+    for name, owner in drawn.frames.items():
+        node = drawn.nodes[name]
+        parent = node.dn.rpartition(",")[0]
+        expected = drawn.key_of(parent) if node.dn in inside and parent in inside else None
+        found = drawn.key(drawn.nodes[owner]) if owner else None
+        if found != expected:
+            yield f"{node.dn} stands in the frame of {found}, not of {expected}"
+
+
+def wrong_legend(drawn):
+    expected = {(look, MEANINGS[look]) for _, _, _, look in drawn.references if look in MEANINGS}
+    found = set(LEGEND.findall(drawn.dot))
+    if found != expected:
+        yield f"the legend has {found}, and there are {expected}"
 
 
 def wrong_boxes(drawn, data, inside, outside):

@@ -12,6 +12,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import select
 import signal
 import socket
@@ -330,10 +331,12 @@ class UseTest(ShellCase):
         self.assertEqual(drawn.returncode, 0, drawn.stderr)
         self.assertIn("note: folded: ", drawn.stderr)
         self.assertNotIn("note: folded: ", drawn.stdout)
-        part = drawn.stderr.partition("To see more: '")[2].partition("'")[0]
-        done = self.run_shell("-f", "-", text=f"begin\n{cabinets}{part}\nabort\n")
-        self.assertEqual((done.returncode, done.stderr), (0, ""), part)
-        self.assertIn("digraph", done.stdout, part)
+        offered = re.findall("'(graph [^']*)'", drawn.stderr)
+        self.assertEqual(len(offered), 3, drawn.stderr)  # a part, each object, a page
+        for command in offered:
+            done = self.run_shell("-f", "-", text=f"begin\n{cabinets}{command}\nabort\n")
+            self.assertEqual((done.returncode, done.stderr), (0, ""), command)
+            self.assertIn("<html" if "--html" in command else "digraph", done.stdout, command)
 
     def test_what_belongs_to_the_server_cannot_be_combined(self):
         for words, reason in ((("-m", "ran-element", "tree"), "--model cannot be combined"),

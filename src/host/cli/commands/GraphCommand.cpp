@@ -12,6 +12,7 @@
 #include "cli/graph/ObjectGraph.h"
 #include "cli/graph/ObjectPage.h"
 #include "cli/graph/PictureReader.h"
+#include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
 #include "cli/session/TerminationGuard.h"
 #include "client/OfferedModel.h"
@@ -118,6 +119,19 @@ struct Drawing {
     JsonValue json;
 };
 
+GraphOffer offerFor(const GraphOptions& options, bool isServed) {
+    const std::string dot = isServed ? " --dot" : "";
+    const std::string from = options.from.empty() ? "" : " " + quoteWord(options.from);
+    const std::string depth =
+        options.depth == kNoLimit ? "" : " --depth " + std::to_string(options.depth);
+    return {options.wantsAllBoxes ? 0 : kBoxes,
+            "graph" + dot,
+            "graph" + dot + " --unfold" + from + depth,
+            kUnfolded,
+            std::string("graph --html") + (isServed ? "" : " -o FILE.html") + from + depth,
+            kObjects};
+}
+
 Drawing drawObjects(Session& session, const GraphOptions& options) {
     const TreePicture picture = session.read([&](unsigned long txHandle) {
         return PictureReader(session, txHandle)
@@ -126,21 +140,27 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     const std::vector<ClassDescription> classes = describeOfferedClasses(session.host());
     Drawing drawing;
     drawing.violations = violationsIn(session.model(), picture);
+    session.cancellation().throwIfCancelled();
     const ReferenceLines lines(classes, picture, drawing.violations);
+    session.cancellation().throwIfCancelled();
     drawing.json = {{"objects", picture.objects.size()},
-                    {"references", lines.references() + lines.unread()}};
+                    {"references", lines.references()},
+                    {"unread", lines.unread()}};
+    if (picture.hiddenBelow > 0) {
+        drawing.json["below"] = picture.hiddenBelow;
+    }
     if (options.wantsPage) {
         drawing.text = objectPage(picture, lines, drawing.violations);
         drawing.summary = pictureSummary(picture, lines, drawing.violations);
     } else {
-        const GraphOffer offer{options.wantsAllBoxes ? 0 : kBoxes,
-                               session.isServed() ? "graph --dot" : "graph", kUnfolded, kObjects};
-        const ObjectGraph graph(picture, lines, drawing.violations, offer);
+        const ObjectGraph graph(picture, lines, drawing.violations,
+                                offerFor(options, session.isServed()));
         drawing.text = graph.dot();
         drawing.summary = graph.summary();
         drawing.note = graph.foldNote();
         drawing.json["folded"] = !drawing.note.empty();
     }
+    session.cancellation().throwIfCancelled();
     drawing.json["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : drawing.violations) {
         drawing.json["violations"].add({{"dn", problem.dn},

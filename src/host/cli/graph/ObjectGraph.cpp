@@ -60,12 +60,17 @@ std::string titleOf(const PictureBox& box) {
 
 std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
                            const std::vector<InstanceProblem>& violations) {
-    const std::string unread = lines.unread() > 0 ? " (" + std::to_string(lines.unread()) +
-                                                        " to further objects outside not drawn)"
-                                                  : "";
-    return counted(picture.objects.size(), "object") + ", " +
-           counted(lines.references() + lines.unread(), "reference") + unread + ", " +
-           counted(violations.size(), "violation");
+    std::string text = counted(picture.objects.size(), "object");
+    if (picture.hiddenBelow > 0) {
+        text += " " + belowText(picture.hiddenBelow);
+    }
+    text += ", " + counted(lines.references(), "reference") + ", " +
+            counted(violations.size(), "violation");
+    if (lines.unread() > 0) {
+        text += "; not drawn and not checked: " + counted(lines.unread(), "more reference") +
+                ", to outside objects beyond the limit";
+    }
+    return text;
 }
 
 ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
@@ -117,19 +122,18 @@ std::string ObjectGraph::foldNote() const {
                        "number. To see more: ";
     const std::string* const part = mBoxes.largestPartThatFits();
     if (part != nullptr) {
-        note +=
-            "'" + mOffer.command + " " + quoteWord(*part) + "' draws that part without folding; ";
+        note += "'" + mOffer.part + " " + quoteWord(*part) + "' draws that part without folding; ";
     }
     const std::size_t objects = mPicture.objects.size();
     const bool isWholeUnfolded =
         std::max(objects, mPicture.outside.size()) <= mOffer.mostUnfolded &&
         mPicture.unread.empty();
     if (isWholeUnfolded) {
-        note += "the same with --unfold draws each object; ";
+        note += "'" + mOffer.unfolded + "' draws each object; ";
     }
-    return note + "the same with --html" +
+    return note + "'" + mOffer.page +
            (objects > mOffer.mostOnPage ? " --limit " + std::to_string(objects) : "") +
-           " makes a page of all";
+           "' makes a page to look around in";
 }
 
 void ObjectGraph::makeLabels() {
@@ -240,8 +244,7 @@ void ObjectGraph::drawNode(DotText& dot, std::size_t position) {
 
 PictureCaption ObjectGraph::caption() const {
     PictureCaption caption;
-    const std::string below = mPicture.hiddenBelow > 0 ? belowText(mPicture.hiddenBelow) + " " : "";
-    caption.text(mPicture.title + ": " + below + summary());
+    caption.text(mPicture.title + ": " + summary());
     if (const std::string note = foldNote(); !note.empty()) {
         caption.text(note);
     }
@@ -309,13 +312,13 @@ void ObjectGraph::explainLines(PictureCaption& caption) const {
         caption.mark("→", "leads from the row of an attribute to the object that it refers to");
     }
     if (hasRow([](const auto& attributes) { return attributes.size() > 1; })) {
-        caption.mark("a, b", "a line from this row stands for references of all these attributes");
+        caption.mark("a, b", "references of all these attributes, for each line from this row");
     }
     if (hasRow([](const auto& attributes) {
             return std::any_of(attributes.begin(), attributes.end(),
                                [](const auto& attribute) { return attribute.second > 1; });
         })) {
-        caption.mark("×3", "a line from this row stands for 3 references of the attribute");
+        caption.mark("×3", "3 references of the attribute, for each line from this row");
     }
     if (!std::all_of(mLines.begin(), mLines.end(), isDrawn)) {
         caption.mark("↔ ↺", "references between the objects of the same box, both ways or one way");

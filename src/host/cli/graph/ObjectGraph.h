@@ -20,15 +20,18 @@
 
 namespace OrvHost {
 
-/// What a picture may be, and what its reader can ask for to see more.
+/// What a picture may be, and the commands that show more of it.
 struct GraphOffer {
     std::size_t boxes = 0;        ///< at most, if folding achieves that; 0: any number
-    std::string command;          ///< draws, with a DN after it, another part
-    std::size_t mostUnfolded = 0; ///< objects that --unfold draws
-    std::size_t mostOnPage = 0;   ///< objects that --html shows without --limit
+    std::string part;             ///< draws, with a DN after it, another part
+    std::string unfolded;         ///< draws the same with a box for each object
+    std::size_t mostUnfolded = 0; ///< objects that can be
+    std::string page;             ///< makes a page of the same
+    std::size_t mostOnPage = 0;   ///< objects that it has without --limit
 };
 
-/// "4 objects, 3 references, 0 violations": of the objects of \p picture and what they refer to.
+/// "4 objects, 3 references, 0 violations": of the objects of \p picture and what they refer to. It
+/// also tells what was not read.
 std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lines,
                            const std::vector<InstanceProblem>& violations);
 

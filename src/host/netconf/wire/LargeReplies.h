@@ -26,9 +26,10 @@ public:
     /// std::runtime_error if that cannot be set up.
     explicit LargeReplies(const ly_ctx* context);
 
-    /// Nodes that are printed as \p text, but for blanks between them and their order: elements in XML one after
-    /// the other, each with its namespace and without other attributes or a prefix. Null if it is
-    /// something else, or empty; \p text is as before then, and else null. Throws std::bad_alloc.
+    /// Nodes that are printed as \p text, but for blanks between them and their order: elements in
+    /// XML one after the other, each with its namespace and without other attributes or a prefix.
+    /// Null if it is something else, or empty; \p text is as before then, and else null. Throws
+    /// std::bad_alloc.
     OwnedTree take(CText& text) const;
 
 private:

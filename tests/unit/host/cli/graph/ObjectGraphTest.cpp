@@ -25,13 +25,17 @@ protected:
     std::string dot(std::size_t most = 0) const {
         const auto violations = violationsIn(mModel, mPicture);
         const ReferenceLines lines(mClasses, mPicture, violations);
-        return ObjectGraph(mPicture, lines, violations, {most, "graph", 300, 100000}).dot();
+        return ObjectGraph(mPicture, lines, violations, offer(most, "graph", 100000)).dot();
     }
 
     std::string noteOf(std::size_t most, const std::string& command = "graph",
                        std::size_t mostOnPage = 100000) const {
         const ReferenceLines lines(mClasses, mPicture, {});
-        return ObjectGraph(mPicture, lines, {}, {most, command, 300, mostOnPage}).foldNote();
+        return ObjectGraph(mPicture, lines, {}, offer(most, command, mostOnPage)).foldNote();
+    }
+
+    static GraphOffer offer(std::size_t most, const std::string& command, std::size_t mostOnPage) {
+        return {most, command, command + " --unfold", 300, command + " --html", mostOnPage};
     }
 
     /// Takes the advice on folding: keeps the named part of the picture, with all that it refers to
@@ -132,7 +136,7 @@ TEST_F(ObjectGraphTest, ParallelReferences_AreOneLineWithTheirNumber) {
     const std::string folded = dot(4);
     EXPECT_THAT(dot(), HasSubstr(">any, other<"));
     EXPECT_THAT(folded, AllOf(HasSubstr(">seen ×3<"), HasSubstr("<B>Antenna × 3</B>"),
-                              HasSubstr("a line from this row stands for 3 references")));
+                              HasSubstr("3 references of the attribute, for each line")));
 }
 
 TEST_F(ObjectGraphTest, Violation_IsRedWithItsMessageInTheBoxAndBelow) {
@@ -188,10 +192,10 @@ TEST_F(ObjectGraphTest, FoldNote_NamesTheLargestPartThatFits) {
     mPicture.objects[3].hiddenBelow = 10;
     EXPECT_THAT(noteOf(5), Not(HasSubstr("c d")))
         << "what is below it, and what that refers to, is not known";
-    EXPECT_THAT(noteOf(5), HasSubstr("the same with --unfold draws each object"));
+    EXPECT_THAT(noteOf(5), HasSubstr("'graph --unfold' draws each object"));
     addAntennas("Site=2", 300);
-    EXPECT_THAT(noteOf(5), AllOf(Not(HasSubstr("--unfold")),
-                                 HasSubstr("the same with --html makes a page of all")));
+    EXPECT_THAT(noteOf(5),
+                AllOf(Not(HasSubstr("--unfold")), HasSubstr("'graph --html' makes a page")));
 }
 
 TEST_F(ObjectGraphTest, FoldNote_CountsOnlyWhatThatPartRefersTo) {
@@ -251,7 +255,7 @@ TEST_F(ObjectGraphTest, FoldNote_OffersOnlyWhatShowsEverything) {
     add("Site=1");
     addAntennas("Site=1", 20);
     EXPECT_THAT(noteOf(5), HasSubstr("--unfold"));
-    EXPECT_THAT(noteOf(5, "graph", 20), HasSubstr("--html --limit 21 makes a page of all"));
+    EXPECT_THAT(noteOf(5, "graph", 20), HasSubstr("'graph --html --limit 21' makes a page"));
     mPicture.objects[1].links.push_back({"any", "Site=9"});
     mPicture.unread.insert("Site=9");
     EXPECT_THAT(noteOf(5), Not(HasSubstr("--unfold")));
@@ -283,8 +287,10 @@ TEST_F(ObjectGraphTest, RepeatedReferences_AreAllCounted) {
 TEST_F(ObjectGraphTest, ReferencesThatWereNotRead_AreToldInTheSummary) {
     add("Site=1,Antenna=1", {{"any", "Site=1"}, {"any", "Site=2"}, {"any", "Site=2"}});
     mPicture.unread.insert("Site=2");
-    EXPECT_THAT(dot(), HasSubstr("1 object, 3 references (2 to further objects outside not drawn), "
-                                 "0 violations"));
+    const ReferenceLines lines(mClasses, mPicture, {});
+    EXPECT_EQ(pictureSummary(mPicture, lines, {}),
+              "1 object, 1 reference, 0 violations; not drawn and not checked: 2 more references, "
+              "to outside objects beyond the limit");
 }
 
 // Objects whose DNs end in the same way, and an error at the beginning of one.
@@ -301,7 +307,7 @@ TEST_F(ObjectGraphTest, MessagesOfBoxes_HaveWholeDns) {
 TEST_F(ObjectGraphTest, NothingRead_TellsWhatIsThere) {
     mPicture.title = "/";
     mPicture.hiddenBelow = 5;
-    EXPECT_THAT(dot(), HasSubstr("/: (5 below) 0 objects"));
+    EXPECT_THAT(dot(), HasSubstr("/: 0 objects (5 below), 0 references"));
 }
 
 TEST_F(ObjectGraphTest, Legend_TellsWhatIsInThePicture) {
