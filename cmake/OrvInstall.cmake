@@ -9,7 +9,7 @@
 #
 # The components are the packages that OrvPackages.cmake makes:
 #   runtime    the helper library
-#   component  libext_cm.so
+#   component  libext_cm.so, and orv-record.so, which stands in front of it
 #   devel      headers, files of CMake and pkg-config, examples to build
 #   host       orvhost, the generator, and what they read
 #   docs       the pages
@@ -30,10 +30,8 @@ install(TARGETS ext_cm
   EXPORT OrvExtCmTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
 
-if(TARGET orv_record)
-  set_target_properties(orv_record PROPERTIES INSTALL_RPATH "$ORIGIN")
-  install(TARGETS orv_record LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
-endif()
+set_target_properties(orv_record PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS orv_record LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT component)
 
 get_property(public_headers GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
 install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv" COMPONENT devel)

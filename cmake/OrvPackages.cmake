@@ -54,7 +54,8 @@ log. Host and components of one process share it.")
 orv_debian_package(component libext-cm SECTION libs DEPENDS "${runtime_package} ${same}"
   SUMMARY "managed-object component between a host's clients and its router"
   TEXT "A host loads this library at run time. It translates names, keeps both ends
-of associations consistent, validates transactions, and calls interceptors.")
+of associations consistent, validates transactions, and calls interceptors.
+With it comes orv-record.so, which records all calls between host and library.")
 orv_debian_package(devel orv-ext-cm-dev SECTION libdevel
   DEPENDS "${runtime_package} ${same}, libext-cm ${same}, libpoco-dev"
   SUMMARY "headers for hosts and interceptors of managed-object components"

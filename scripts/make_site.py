@@ -29,7 +29,7 @@ REFERENCE = "api/index.html"
 MENU = [
     ("Start", ["README.md", "docs/tutorial.md", "docs/glossary.md"]),
     ("Use", ["docs/orvhost.md", "docs/models-in-yang.md", "docs/vendor-modules.md",
-             "docs/netconf.md", "docs/validate.md", "docs/performance.md"]),
+             "docs/netconf.md", "docs/validate.md", "docs/record.md", "docs/performance.md"]),
     ("Build on it", ["docs/embedding.md", "docs/writing-an-interceptor.md", "docs/client.md",
                      "docs/model.md", "docs/api.md", REFERENCE]),
     ("Change it", ["CONTRIBUTING.md", "docs/architecture.md", "docs/store.md", "docs/testing.md",

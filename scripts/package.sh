@@ -35,7 +35,8 @@ make_packages() {
     -DCMAKE_SKIP_RPATH=ON -DCMAKE_CXX_COMPILER=g++ \
     -DCMAKE_CXX_FLAGS="-D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection -fcf-protection $map" \
     -DCMAKE_EXE_LINKER_FLAGS="-pie -Wl,-z,relro,-z,now" \
-    -DCMAKE_SHARED_LINKER_FLAGS="-Wl,-z,relro,-z,now"
+    -DCMAKE_SHARED_LINKER_FLAGS="-Wl,-z,relro,-z,now" \
+    -DCMAKE_MODULE_LINKER_FLAGS="-Wl,-z,relro,-z,now"
   cmake --build "$build" -j "$jobs" -- --quiet
   rm -rf "$build/packages"
   # What is not for all must not depend on who packs.

@@ -34,6 +34,15 @@ try_out() {
   orvhost "${network[@]}" tree --depth 1
   orvhost "${network[@]}" get ManagedElement=Harbour,GNBDUFunction=1,NRCellDU=1 userLabel
   orv-ran-generate --help | head -n 3
+  local libraries
+  libraries=$(dirname "$(dpkg -L libext-cm | grep '/libext_cm\.so$')")
+  if [ -f "$libraries/orv-record.so" ]; then # the former version may lack it
+    title "a recording"
+    ORV_RECORD_FILE=/tmp/network.orvrec orvhost "${network[@]}" --ext-cm "$libraries/orv-record.so" \
+      tree --depth 1
+    orvhost replay /tmp/network.orvrec
+    rm /tmp/network.orvrec
+  fi
   title "manual pages, completions, documents"
   man -w orvhost orv-ran-generate
   bash -c '. /usr/share/bash-completion/completions/orvhost && complete -p orvhost'

@@ -21,7 +21,7 @@ DOC = "share/doc/orv_ext_cm/"
 PACKAGES = {
     "liborv-common0": ([r"lib/.*liborv_common\.so\.0", r"lib/.*liborv_common\.so\.0\.\d+\.\d+"],
                        ["libc6", "libstdc++6"]),
-    "libext-cm": ([r"lib/.*libext_cm\.so"], ["liborv-common0", "libpocofoundation80"]),
+    "libext-cm": ([r"lib/.*libext_cm\.so", r"lib/.*orv-record\.so"], ["liborv-common0", "libpocofoundation80"]),
     "orv-ext-cm-dev": (
         [r"include/orv/MoInterceptorBase\.h", r"include/orv/Refusal\.h",
          r"lib/.*liborv_common\.so", r"lib/.*pkgconfig/orv_ext_cm\.pc",

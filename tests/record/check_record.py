@@ -15,6 +15,7 @@ import sys
 import tempfile
 
 SAME, DIFFERENT, USAGE, UNPLAYABLE = 0, 1, 2, 3
+LOAD_FAILED = 3
 
 
 class Bench:
@@ -28,7 +29,7 @@ class Bench:
         if not holds:
             self.problems.append(f"{name} does not hold. {text}")
 
-    def record(self, name, command, limit=None, **variables):
+    def record(self, name, command, limit=None, code=0, **variables):
         """Runs a host with the recorder; returns the recordings and what the host printed."""
         file = self.folder / f"{name}.orvrec"
         environment = {**os.environ, "ORV_COMPONENT_LIBRARY": self.recorder,
@@ -39,7 +40,8 @@ class Bench:
             cwd=self.root,
             preexec_fn=limit and (lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))))
         text = done.stdout + done.stderr
-        self.expect(f"{name}: the host ends well", done.returncode == 0, text)
+        self.expect(f"{name}: the host ends with {code}", done.returncode == code,
+                    f"{done.returncode}: {text}")
         return sorted(self.folder.glob(f"{name}.orvrec*")), text
 
     def demo(self, name, *options, **variables):
@@ -50,9 +52,10 @@ class Bench:
             "-d", "examples/data/harbour.json", "--me-id", "Harbour",
             "-f", "examples/scenarios/demo.orv", *options], **variables)
 
-    def replay(self, name, code, parts, *arguments):
-        done = subprocess.run([self.orvhost, "--project", "", "replay", *map(str, arguments)],
-                              capture_output=True, text=True, timeout=300, check=False)
+    def replay(self, name, code, parts, *arguments, **variables):
+        done = subprocess.run([self.orvhost, "replay", *map(str, arguments)],
+                              env={**os.environ, **variables}, capture_output=True, text=True,
+                              timeout=300, check=False)
         text = done.stdout + done.stderr
         self.expect(f"{name}: ends with {code}", done.returncode == code,
                     f"{done.returncode}: {text}")
@@ -121,6 +124,10 @@ def check_bad_files(bench, demo):
     bench.replay("no file", UNPLAYABLE, ["cannot be read"], bench.folder / "none")
     bench.replay("no component", UNPLAYABLE, ["cannot be opened"], demo, "--component", bad)
     bench.replay("no words", USAGE, ["replay needs FILE"])
+    bench.replay("two components", USAGE, ["at most one --component"], demo, "-C", "a", "-C", "b")
+    bench.replay("a model", USAGE, ["--model cannot be combined with replay"], demo, "-m", "x")
+    bench.replay("a server", USAGE, ["replay cannot be combined with --connect"], demo,
+                 "--connect", "x")
     overlapping, _ = bench.record("overlapping", [
         bench.component_test, "--gtest_filter=Iteration.RouterAtWork_OtherThreadsAreServed"])
     bench.replay("two threads at once", UNPLAYABLE, ["overlap"], overlapping[0])
@@ -130,6 +137,20 @@ def check_settings(bench):
     nowhere, text = bench.demo("nowhere", ORV_RECORD_FILE=str(bench.folder / "none" / "x"))
     bench.expect("nothing is written", not nowhere)
     bench.expect("it is said once", text.count("nothing is recorded") == 1, text)
+    for limit in ["0", "-1", "1x", "1000001"]:
+        _, text = bench.demo("limits", code=LOAD_FAILED, ORV_RECORD_LIMIT=limit)
+        bench.expect(f"limit {limit} is refused", f"ORV_RECORD_LIMIT is '{limit}'" in text, text)
+    _, text = bench.demo("absent", code=LOAD_FAILED, ORV_RECORD_COMPONENT="/none/libext_cm.so")
+    bench.expect("a component that is not there is named", "/none/libext_cm.so" in text, text)
+    other = str(pathlib.Path(bench.component).with_name("liborv_common.so"))
+    _, text = bench.demo("other", code=LOAD_FAILED, ORV_RECORD_COMPONENT=other)
+    bench.expect("what is no component is named", f"{other} has no entry points" in text, text)
+
+
+def check_project(bench, demo):
+    """What a project loads beside the component is not what a recording is played against."""
+    bench.replay("a variable", SAME, ["no difference"], demo, "--ext-cm", bench.component,
+                 ORVHOST_COMPONENT=bench.faulty)
 
 
 def main():
@@ -140,6 +161,7 @@ def main():
         check_soak(bench)
         check_bad_files(bench, demo)
         check_settings(bench)
+        check_project(bench, demo)
     print("\n".join(bench.problems) or "all as expected")
     return 1 if bench.problems else 0
 

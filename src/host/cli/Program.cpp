@@ -9,9 +9,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/remote/RemoteShell.h"
-#ifdef ORVHOST_REPLAY
 #include "cli/replay/ReplayCommand.h"
-#endif
 #include "cli/serve/Serve.h"
 #include "cli/session/Session.h"
 #include "cli/setup/HostSetup.h"
@@ -78,11 +76,9 @@ int runWithOptions(const Options& options) {
         if (options.isServer) {
             return serve(options, std::cout);
         }
-#ifdef ORVHOST_REPLAY
         if (!options.recording.empty()) {
             return replay(options, std::cout);
         }
-#endif
         if (!options.storeWords.empty()) {
             return runStoreCommand(options.storeWords, options.json, std::cout);
         }

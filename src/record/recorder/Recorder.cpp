@@ -50,16 +50,21 @@ struct Library {
         if (handle != nullptr) {
             return;
         }
-        handle = dlopen(path.c_str(), RTLD_NOW | (isGlobal() ? RTLD_GLOBAL : RTLD_LOCAL));
-        if (handle == nullptr) {
+        void* const opened =
+            dlopen(path.c_str(), RTLD_NOW | (isGlobal() ? RTLD_GLOBAL : RTLD_LOCAL));
+        if (opened == nullptr) {
             throw std::runtime_error(dlerror());
         }
-        atUnload(closeLibrary);
-        init = reinterpret_cast<InitFn>(dlsym(handle, "orvLCMinit"));
-        terminate = reinterpret_cast<TerminateFn>(dlsym(handle, "orvLCMterminate"));
+        init = reinterpret_cast<InitFn>(dlsym(opened, "orvLCMinit"));
+        terminate = reinterpret_cast<TerminateFn>(dlsym(opened, "orvLCMterminate"));
         if (init == nullptr || terminate == nullptr) {
+            init = nullptr;
+            terminate = nullptr;
+            dlclose(opened);
             throw std::runtime_error(path + " has no entry points orvLCMinit and orvLCMterminate");
         }
+        handle = opened;
+        atUnload(closeLibrary);
     }
 };
 

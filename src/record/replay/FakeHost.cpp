@@ -79,12 +79,17 @@ OrvReturnT FakeHost::lookUpAs(const CallName& name, VekMgmtSpiInterface_1 id, vo
     if (given.end == nullptr) {
         return OrvFailure;
     }
-    ByteReader values(given.end->values);
-    const std::uint8_t written = values.byte();
-    const auto shape = static_cast<Shape>(values.byte());
-    const auto instance = static_cast<std::uint32_t>(values.number());
-    if (written != 0 && result != nullptr) {
-        *result = written == 1 ? nullptr : tableOf(shape, instance);
+    try {
+        ByteReader values(given.end->values);
+        const std::uint8_t written = values.byte();
+        const auto shape = static_cast<Shape>(values.byte());
+        const auto instance = static_cast<std::uint32_t>(values.number());
+        if (written != 0 && result != nullptr) {
+            *result = written == 1 ? nullptr : tableOf(shape, instance);
+        }
+    } catch (const DamagedBytes& damage) {
+        _player->failHere(damage.what());
+        return OrvFailure;
     }
     return static_cast<OrvReturnT>(given.end->code);
 }
@@ -120,7 +125,8 @@ void* FakeHost::getPortal(const char* version) {
                                                &unregisterComponent<3>};
     const Answer given =
         takeCall(portal(PortalSlot::GetPortal), [&](ByteWriter& out) { Text::in(out, version); });
-    if (given.end == nullptr || ByteReader(given.end->values).byte() == 0 || version == nullptr) {
+    if (given.end == nullptr || given.end->values.empty() || given.end->values.front() == 0 ||
+        version == nullptr) {
         return nullptr;
     }
     return std::strcmp(version, "3") == 0 ? static_cast<void*>(&portal3) : &portal1;

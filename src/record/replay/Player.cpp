@@ -324,14 +324,15 @@ void Player::compare(const Event& begin, const Call& call, const Write& write) {
     } catch (...) {
         came.kind = EventKind::Thrown;
     }
-    if (isOver()) {
-        return;
-    }
+    // Also after a difference: what was given is to be released.
     if (came.kind == EventKind::End) {
         ByteWriter valueBytes(values);
         ByteWriter handleBytes(handles);
         write(came.code, Outcome<ByteWriter>{valueBytes, handleBytes});
         came.values = values;
+    }
+    if (isOver()) {
+        return;
     }
     const Event* const end = next();
     if (end == nullptr) {

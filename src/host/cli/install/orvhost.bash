@@ -22,7 +22,7 @@ _orvhost() {
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     else
         words=$("$program" help 2>/dev/null | sed -n '2,$s/^\([a-z]*\)  .*/\1/p')
-        mapfile -t COMPREPLY < <(compgen -W "$words check export serve store" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "$words check export replay serve store" -- "$current")
         mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
     fi
 }

@@ -88,6 +88,32 @@ void addCommand(const CLI::App& app, const std::vector<std::string>& words,
     result.insert(result.end(), command.begin(), command.end());
 }
 
+/// The options before the command, and where they end.
+struct ReadOptions {
+    GivenOptions given;
+    std::vector<std::string>::const_iterator end;
+};
+
+ReadOptions readOptions(const CLI::App& app, const std::vector<std::string>& arguments) {
+    GivenOptions given;
+    auto at = arguments.begin();
+    for (; at != arguments.end() && isOptionWord(*at) && *at != kEndOfOptions; ++at) {
+        const WrittenOption written = readOption(app, *at);
+        if (written.option == nullptr || written.option->get_lnames().empty()) {
+            continue;
+        }
+        std::string value;
+        if (written.hasValue) {
+            value = at->substr(written.name.size());
+            value.erase(0, value.front() == '=' ? 1 : 0);
+        } else if (takesValue(*written.option) && at + 1 != arguments.end()) {
+            value = *++at;
+        }
+        given["--" + written.option->get_lnames().front()] = value;
+    }
+    return {std::move(given), at};
+}
+
 }
 
 std::vector<std::string> withCommandApart(const CLI::App& app,
@@ -124,23 +150,13 @@ std::vector<std::string> withCommandApart(const CLI::App& app,
 }
 
 GivenOptions givenOptions(const CLI::App& app, const std::vector<std::string>& arguments) {
-    GivenOptions given;
-    for (auto at = arguments.begin();
-         at != arguments.end() && isOptionWord(*at) && *at != kEndOfOptions; ++at) {
-        const WrittenOption written = readOption(app, *at);
-        if (written.option == nullptr || written.option->get_lnames().empty()) {
-            continue;
-        }
-        std::string value;
-        if (written.hasValue) {
-            value = at->substr(written.name.size());
-            value.erase(0, value.front() == '=' ? 1 : 0);
-        } else if (takesValue(*written.option) && at + 1 != arguments.end()) {
-            value = *++at;
-        }
-        given["--" + written.option->get_lnames().front()] = value;
-    }
-    return given;
+    return readOptions(app, arguments).given;
+}
+
+std::string commandWord(const CLI::App& app, const std::vector<std::string>& arguments) {
+    auto at = readOptions(app, arguments).end;
+    at += at != arguments.end() && *at == kEndOfOptions ? 1 : 0;
+    return at == arguments.end() ? "" : *at;
 }
 
 }

@@ -33,6 +33,9 @@ using GivenOptions = std::map<std::string, std::string>;
 /// repeated one the last value.
 GivenOptions givenOptions(const CLI::App& app, const std::vector<std::string>& arguments);
 
+/// The word after those options: the command, or a verb in its place; empty if there is none.
+std::string commandWord(const CLI::App& app, const std::vector<std::string>& arguments);
+
 }
 
 #endif

@@ -124,10 +124,8 @@ void addLoading(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"full", "normal"}));
     app.add_option("--ext-cm", options.extCm,
                    "The component libext_cm.so, if not the one of this installation");
-#ifdef ORVHOST_REPLAY
     app.add_flag("--transactions", options.showsTransactions,
-                 "For replay: print each transaction that was played");
-#endif
+                 "For replay: print each transaction that was finished");
     app.add_option("-C,--component", options.components,
                    "A further component to load, such as an interceptor; repeatable")
         ->allow_extra_args(false);
@@ -339,24 +337,30 @@ void takeStore(const GivenOptions& given, Options& options) {
     options.storeWords = words;
 }
 
-#ifdef ORVHOST_REPLAY
 // `replay` plays a recording in place of a host with a model and data.
-void takeReplay(Options& options) {
+void takeReplay(const CLI::App& app, Options& options) {
     if (options.words.empty() || options.words.front() != "replay") {
         if (options.showsTransactions) {
             throw CLI::ValidationError("--transactions can only be used with replay");
         }
         return;
     }
-    if (options.words.size() != 2 || !options.commandLines.empty() || !options.scripts.empty() ||
-        options.components.size() > 1) {
-        throw CLI::ValidationError(
-            "replay needs FILE, at most one --component, and neither -c nor -f");
+    for (const CLI::Option* const option :
+         app.get_options([](const CLI::Option* each) { return each->count() > 0; })) {
+        const std::string name = option->get_name();
+        constexpr const char* allowed[] = {"--component", "--ext-cm", "--json", "--transactions"};
+        if (!option->get_positional() &&
+            std::find(std::begin(allowed), std::end(allowed), name) == std::end(allowed)) {
+            throw CLI::ValidationError(name + " cannot be combined with replay, which needs "
+                                              "nothing but the recording and a component");
+        }
+    }
+    if (options.words.size() != 2 || options.components.size() > 1) {
+        throw CLI::ValidationError("replay needs FILE, and at most one --component");
     }
     options.recording = options.words[1];
     options.words.clear();
 }
-#endif
 
 // In place of a command, saving is called as other programs call it.
 void takeExport(Options& options) {
@@ -384,7 +388,7 @@ void takeConnect(const GivenOptions& given, const Options& options) {
         }
     }
     const std::string first = options.words.empty() ? "" : options.words.front();
-    for (const char* const verb : {"check", "init", "serve", "store", "export"}) {
+    for (const char* const verb : {"check", "init", "replay", "serve", "store", "export"}) {
         if (first == verb) {
             throw CLI::ValidationError(first + " cannot be combined with --connect");
         }
@@ -414,11 +418,7 @@ void addCommands(CLI::App& app, Options& options) {
 
 // The verbs that take options of the program after them.
 std::vector<std::string> takingOptions() {
-    std::vector<std::string> verbs{"check", "init", "serve", "store"};
-#ifdef ORVHOST_REPLAY
-    verbs.emplace_back("replay");
-#endif
-    return verbs;
+    return {"check", "init", "replay", "serve", "store"};
 }
 
 }
@@ -442,8 +442,11 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         std::vector<std::string> words =
             withCommandApart(app, {arguments + 1, arguments + count}, takingOptions());
         const GivenOptions given = givenOptions(app, words);
+        // What a project says is of a host's; components of it are not the one to play against.
+        const bool isWithoutProject =
+            isGiven(given, "--connect") || commandWord(app, words) == "replay";
         ProjectSettings project =
-            isGiven(given, "--connect") ? ProjectSettings() : projectSettings(app, words);
+            isWithoutProject ? ProjectSettings() : projectSettings(app, words);
         words.insert(words.begin(), project.arguments.begin(), project.arguments.end());
         options.notes = std::move(project.notes);
         std::reverse(words.begin(), words.end()); // as the parser wants them
@@ -453,9 +456,7 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         takeScenarios(given, options);
         takeExport(options);
         takeStore(given, options);
-#ifdef ORVHOST_REPLAY
-        takeReplay(options);
-#endif
+        takeReplay(app, options);
         requireStoreFor(given, options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {
