@@ -45,6 +45,7 @@ public:
 
     bool atEnd() const { return mAt == mBytes.size(); }
     std::size_t position() const { return mAt; }
+    std::size_t left() const { return mBytes.size() - mAt; }
     std::uint8_t byte();
     std::uint64_t number();
     std::string_view raw(std::size_t size);

@@ -72,6 +72,8 @@ std::uint64_t toNumber(Number value) {
 template <class Number>
 Number fromNumber(std::uint64_t value) {
     if constexpr (std::is_pointer_v<Number>) {
+        // The slots of version "1" carry handles as pointers.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         return reinterpret_cast<Number>(static_cast<std::uintptr_t>(value));
     } else {
         return static_cast<Number>(value);

@@ -148,10 +148,12 @@ std::string blockHead(std::string_view body) {
 Recording::Recording(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream bytes;
-    if (file) {
+    // Reading the first byte tells what cannot be read from what is empty.
+    const bool isEmpty = file && file.peek() == std::ifstream::traits_type::eof() && !file.bad();
+    if (file && !isEmpty) {
         bytes << file.rdbuf();
     }
-    if (!file || !bytes) {
+    if ((!file && !isEmpty) || !bytes) {
         throw std::runtime_error(path +
                                  ": cannot be read: " + std::generic_category().message(errno));
     }

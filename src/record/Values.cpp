@@ -115,8 +115,8 @@ public:
         if (container.count == 0 || !isPresent()) {
             return;
         }
-        if (container.count > kMostPieces) {
-            throw DamagedBytes("a container with more values than are written");
+        if (container.count > mIn.left()) { // each is a byte at least
+            throw DamagedBytes("a container with more values than its record has");
         }
         container.values = make<OrvMoAttributeValue_3>(mArena, container.count);
         for (std::uint32_t at = 0; at < container.count; ++at) {

@@ -128,9 +128,69 @@ def check_bad_files(bench, demo):
     bench.replay("a model", USAGE, ["--model cannot be combined with replay"], demo, "-m", "x")
     bench.replay("a server", USAGE, ["replay cannot be combined with --connect"], demo,
                  "--connect", "x")
+    bad.write_bytes(b"")
+    bench.replay("empty", UNPLAYABLE, ["is no recording"], bad)
+    bench.replay("a folder", UNPLAYABLE, ["cannot be read: Is a directory"], bench.folder)
     overlapping, _ = bench.record("overlapping", [
         bench.component_test, "--gtest_filter=Iteration.RouterAtWork_OtherThreadsAreServed"])
     bench.replay("two threads at once", UNPLAYABLE, ["overlap"], overlapping[0])
+
+
+def number(value):
+    low, high = value & 0x7f, value >> 7
+    return bytes([low]) if high == 0 else bytes([low | 0x80]) + number(high)
+
+
+def block(events, begin=1):
+    """A record that no recorder has written, with the right checksum."""
+    body = number(begin) + number(begin + 1) + number(1) + events
+    checksum = 2166136261
+    for byte in body:
+        checksum = (checksum ^ byte) * 16777619 & 0xffffffff
+    return b"B" + len(body).to_bytes(4, "little") + checksum.to_bytes(4, "little") + body
+
+
+BEGIN, END = 1, 2
+COMPONENT, HOST = 0, 1
+LIFE, PORTAL, MO_3_1, RELEASE, UNKNOWN = 1, 2, 5, 11, 99
+
+
+def call(side, shape, slot, values):
+    return bytes([BEGIN, side, shape, slot, 0, 1]) + number(len(values)) + values
+
+
+def check_forged_files(bench, demo):
+    """A file may come from anybody: what no recorder writes is told, and does no harm."""
+    head = b"orv-record 1\n"
+    init = call(COMPONENT, LIFE, 0, b"\1\0")
+    get_portal = call(HOST, PORTAL, 0, number(2) + b"1")
+    text = number(2) + b"x"
+    millions = b"\1" + text + b"\1" + b"\1" + text + b"\5" + number(4_000_000) + b"\1"
+    later = 1 << 40
+    forged = {
+        "an unknown event": (head + block(b"\x63"), "an event of an unknown kind"),
+        "an answer alone": (head + block(bytes([END, 0, 0, 0])), "an answer without a call"),
+        "no end": (head + block(call(COMPONENT, LIFE, 3, b"")), "a call without an end"),
+        "an unknown table": (head + block(call(COMPONENT, UNKNOWN, 0, b"")), "that no component has"),
+        "an unknown step of life": (head + block(call(COMPONENT, LIFE, 9, b"\0")),
+                                    "that no component has"),
+        "no component yet": (head + block(call(COMPONENT, LIFE, 1, b"\0")), "has not registered"),
+        "a strange release": (head + block(call(COMPONENT, RELEASE, 0, b"\1")), "that was not given"),
+        "too short": (head + block(init[:-2]), "longer than its record"),
+        "a long number": (head + block(call(COMPONENT, RELEASE, 0, b"\xff" * 11)),
+                          "a number that does not end"),
+        "calls in calls": (head + block((init + get_portal) * 100_000), "nested deeper"),
+        # What follows needs a component that has registered: a recording goes before it.
+        "an unknown slot": (demo.read_bytes() + block(call(COMPONENT, MO_3_1, 9, b"\1"), later),
+                            "a slot that the table does not have"),
+        "millions of values": (demo.read_bytes() + block(call(COMPONENT, MO_3_1, 0, millions), later),
+                               "more values than its record has"),
+    }
+    file = bench.folder / "forged"
+    for name, (bytes_, told) in forged.items():
+        file.write_bytes(bytes_)
+        bench.replay(f"forged: {name}", UNPLAYABLE, ["byte ", told], file, "--ext-cm",
+                     bench.component)
 
 
 def check_settings(bench):
@@ -160,6 +220,7 @@ def main():
         check_difference(bench, demo)
         check_soak(bench)
         check_bad_files(bench, demo)
+        check_forged_files(bench, demo)
         check_settings(bench)
         check_project(bench, demo)
     print("\n".join(bench.problems) or "all as expected")

@@ -37,14 +37,7 @@ FakeHost::Answer FakeHost::takeCall(const CallName& name, const Write& write) {
     ++player.mReport.hostCalls;
     ++player.mAt;
     const Event begin = *expected;
-    for (const Event* inner = player.next();
-         inner != nullptr && inner->kind != EventKind::End && inner->kind != EventKind::Thrown;
-         inner = player.next()) {
-        if (player.isOver()) {
-            return {};
-        }
-        player.playCall();
-    }
+    player.playInner();
     const Event* const end = player.isOver() ? nullptr : player.next();
     if (end == nullptr) {
         return {};
@@ -68,7 +61,8 @@ void FakeHost::keep(std::uint64_t call, std::unique_ptr<Arena>& memory, Given* g
         return;
     }
     constexpr bool isOne = std::is_same_v<Given, OrvMoAttributeValueContainer_3>;
-    releaseFunction = &release < isOne ? ReleaseSlot::One : ReleaseSlot::Many, Given > ;
+    constexpr ReleaseSlot slot = isOne ? ReleaseSlot::One : ReleaseSlot::Many;
+    releaseFunction = &release<slot, Given>;
     _player->mTaken.emplace(given, Player::Taken{std::move(memory), call});
 }
 

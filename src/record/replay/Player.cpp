@@ -19,6 +19,9 @@ namespace {
 
 using OrvExtCmRouterService::MoInterceptorBase;
 
+/// Calls from outside in one another: each has a part of the stack.
+constexpr int kMostNested = 200;
+
 std::string codeText(std::uint32_t code) {
     return "code " + std::to_string(static_cast<OrvReturnT>(code));
 }
@@ -219,6 +222,7 @@ PlayReport Player::play() {
 void Player::playBlock(const Block& block) {
     mBlock = &block;
     mAt = 0;
+    mDepth = 0;
     try {
         mEvents = Recording::events(block);
         while (next() != nullptr && !isOver()) {
@@ -265,43 +269,39 @@ void Player::playCall() {
         differ(describeCall(begin->name, begin->values), "nothing: it has returned");
         return;
     }
+    if (mDepth == kMostNested) {
+        throw DamagedBytes("calls that are nested deeper than any host nests them");
+    }
+    ++mDepth;
     const Event call = *begin;
     const Event outer = std::exchange(mInside, call);
     ++mAt;
     ++mReport.calls;
     count(call);
-    bool isKnown = false;
-    if (call.name.shape == Shape::Life) {
-        isKnown = true;
-        playLife(call);
-    } else if (call.name.shape == Shape::Release) {
-        isKnown = true;
-        playRelease(call);
-    }
-    const auto play = [&]<class Table>(Table*) {
-        isKnown = true;
-        playTable<Table>(call);
-    };
     switch (call.name.shape) {
+    case Shape::Life:
+        playLife(call);
+        break;
+    case Shape::Release:
+        playRelease(call);
+        break;
     case Shape::Mo1:
-        play(static_cast<OrvOamSpiManagedObject_1*>(nullptr));
+        playTable<OrvOamSpiManagedObject_1>(call);
         break;
     case Shape::Mo3:
-        play(static_cast<OrvOamSpiManagedObject_3*>(nullptr));
+        playTable<OrvOamSpiManagedObject_3>(call);
         break;
     case Shape::Mo3_1:
-        play(static_cast<VekOamSpiManagedObject_3_1*>(nullptr));
+        playTable<VekOamSpiManagedObject_3_1>(call);
         break;
     case Shape::Resource:
-        play(static_cast<OrvOamSpiTransactionalResource_2*>(nullptr));
+        playTable<OrvOamSpiTransactionalResource_2>(call);
         break;
     default:
-        break;
-    }
-    if (!isKnown) {
         throw DamagedBytes("a call that no component has");
     }
     mInside = outer;
+    --mDepth;
 }
 
 // Calls the component, and compares how the call ends. `write` writes what came out.
@@ -360,6 +360,23 @@ void Player::compare(const Event& begin, const Call& call, const Write& write) {
     ++mAt;
 }
 
+// What the host called from inside a call that it got. Damage must not pass the component, which
+// answers exceptions.
+void Player::playInner() {
+    try {
+        for (const Event* inner = next();
+             inner != nullptr && inner->kind != EventKind::End && inner->kind != EventKind::Thrown;
+             inner = next()) {
+            if (isOver()) {
+                return;
+            }
+            playCall();
+        }
+    } catch (const DamagedBytes& damage) {
+        failHere(damage.what());
+    }
+}
+
 void Player::playLife(const Event& begin) {
     const auto nothing = [](std::uint32_t, Outcome<ByteWriter>) {};
     ByteReader values(begin.values);
@@ -389,6 +406,9 @@ void Player::playLife(const Event& begin) {
             },
             nothing);
         return;
+    }
+    if (slot != LifeSlot::Start && slot != LifeSlot::Stop) {
+        throw DamagedBytes("a call that no component has");
     }
     if (mComponent == nullptr) {
         fail("byte " + std::to_string(mBlock->position) +
@@ -477,7 +497,8 @@ void Player::playSlot(const Event& begin, OrvReturnT (*function)(Arguments...)) 
                 (Codecs::out(outcome, each, Side::Component), ...);
                 [[maybe_unused]] const auto adopter = [&](auto* given, auto& release) {
                     if (given != nullptr && release != nullptr) {
-                        mGiven[begin.call] = {[given, function = release] { function(given); }};
+                        mGiven.emplace(begin.call,
+                                       Given{[given, function = release] { function(given); }});
                     }
                 };
                 (Codecs::adopt(each, adopter), ...);

@@ -49,6 +49,7 @@ private:
     void playBlock(const Block& block);
     void playNotes();
     void playCall();
+    void playInner();
     void playLife(const Event& begin);
     void playRelease(const Event& begin);
     template <class Table>
@@ -80,6 +81,7 @@ private:
     const Block* mBlock = nullptr;
     std::vector<Event> mEvents; ///< of the block
     std::size_t mAt = 0;
+    int mDepth = 0;
     Event mInside; ///< the innermost call of the component
     Event mBegin;  ///< of the call that ended last
     std::optional<Event> mEnd;
@@ -90,7 +92,7 @@ private:
     HandleMap mHandles;
     OrvMgmtSpiComponent_1* mComponent = nullptr;
     OrvOamSpiTransactionalResource_2* mResource = nullptr;
-    std::map<std::uint64_t, Given> mGiven; ///< by the component, by number of call
+    std::multimap<std::uint64_t, Given> mGiven; ///< by the component, by number of call
     std::multimap<const void*, Taken> mTaken;
     std::vector<std::unique_ptr<Arena>> mUnreleased; ///< of results without a release
     std::unique_ptr<Interceptors> mInterceptors;
