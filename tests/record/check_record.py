@@ -5,7 +5,7 @@
 """Checks orv-record and `orvhost replay`: recordings of different hosts have no difference on the same
 build, and show the first one on a build with a fault; bad files are told with their place.
 
-usage: check_record.py ROOT ORVHOST ORV_RECORD LIBEXT_CM FAULTY_EXT_CM COMPONENT_TEST FAULTS_TEST SOAK
+usage: check_record.py ROOT ORVHOST ORV_RECORD LIBEXT_CM FAULTY_EXT_CM COMPONENT_TEST FAULTS_TEST SOAK LIFE_TEST
 """
 import os
 import pathlib
@@ -21,7 +21,7 @@ LOAD_FAILED = 3
 class Bench:
     def __init__(self, programs, folder):
         (self.root, self.orvhost, self.recorder, self.component, self.faulty, self.component_test,
-         self.faults_test, self.soak) = programs
+         self.faults_test, self.soak, self.life_test) = programs
         self.folder = pathlib.Path(folder)
         self.problems = []
 
@@ -84,6 +84,26 @@ def check_hosts(bench):
         bench.component_test, "--gtest_filter=Interceptors.CallsTheComponentBack_IsServed"])
     bench.same("interceptor that calls back", calls_back)
     return demo[0]
+
+
+def check_lives(bench):
+    """What a host may do without the recorder it may do with it; each opening has a recording."""
+    cases = {"TerminatedTwice_ValuesAreReleasedAfterTheEnd": 1,
+             "BegunAgain_AnInterceptorIsStillThere": 1,
+             "ClosedAndOpened_IsAFreshComponent": 2,
+             "ClosedAsItIs_ValuesOfTheHostAreReleased": 1,
+             "Forked_TheChildIsServedAndNotRecorded": 1,
+             "EndOfProcess_Started": 1,
+             "EndOfProcess_Terminated": 1,
+             "EndOfProcess_ClosedByAStaticObject": 1}
+    for case, openings in cases.items():
+        command = [bench.life_test, f"--gtest_filter=RecorderLife.{case}"]
+        bench.record(f"direct-{case}", command, ORV_COMPONENT_LIBRARY=bench.component)
+        recordings, text = bench.record(case, command)
+        bench.expect(f"{case}: one test runs", "Running 1 test " in text, text)
+        bench.expect(f"{case}: there are {openings} recordings", len(recordings) == openings,
+                     str(recordings))
+        bench.same(case, recordings)
 
 
 def check_difference(bench, demo):
@@ -205,6 +225,8 @@ def check_settings(bench):
     other = str(pathlib.Path(bench.component).with_name("liborv_common.so"))
     _, text = bench.demo("other", code=LOAD_FAILED, ORV_RECORD_COMPONENT=other)
     bench.expect("what is no component is named", f"{other} has no entry points" in text, text)
+    _, text = bench.demo("itself", code=LOAD_FAILED, ORV_RECORD_COMPONENT=bench.recorder)
+    bench.expect("the recorder does not record itself", "is the recorder itself" in text, text)
 
 
 def check_project(bench, demo):
@@ -218,6 +240,7 @@ def main():
         bench = Bench(sys.argv[1:], folder)
         demo = check_hosts(bench)
         check_difference(bench, demo)
+        check_lives(bench)
         check_soak(bench)
         check_bad_files(bench, demo)
         check_forged_files(bench, demo)

@@ -23,8 +23,10 @@ std::atomic<std::uint64_t> lastThread{0};
 std::atomic<const char*> lastIdentity{nullptr};
 
 std::atomic<bool> hasNotes{false};
-std::mutex noteMutex; // guards notes
-std::string notes;
+struct Notes {
+    std::mutex mutex; ///< guards text
+    std::string text;
+};
 
 }
 
@@ -90,8 +92,9 @@ RecordFile& recordFile() {
 }
 
 void noteBeforeNextCall(const std::string& events) {
-    const std::lock_guard lock(noteMutex);
-    notes += events;
+    Notes& notes = lasting<Notes>();
+    const std::lock_guard lock(notes.mutex);
+    notes.text += events;
     hasNotes = true;
 }
 
@@ -137,9 +140,10 @@ void CallFrame::writeBegin(std::string_view values) {
             events.text(EventKind::Identity, identity);
         }
         if (hasNotes) {
-            const std::lock_guard lock(noteMutex);
-            here.buffers->events += notes;
-            notes.clear();
+            Notes& notes = lasting<Notes>();
+            const std::lock_guard lock(notes.mutex);
+            here.buffers->events += notes.text;
+            notes.text.clear();
             hasNotes = false;
         }
     }

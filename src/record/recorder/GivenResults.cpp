@@ -34,6 +34,12 @@ public:
         release = &releaseRecorded;
     }
 
+    static bool isEmpty() {
+        Keeper& self = instance();
+        const std::lock_guard lock(self.mMutex);
+        return self.mKept.empty();
+    }
+
 private:
     struct Kept {
         Release release;
@@ -92,6 +98,12 @@ void keepForRelease(Side side, std::uint64_t call, OrvMoAttributeValueContainer_
 void keepForRelease(Side side, std::uint64_t call, OrvMoAttributeValueContainer_3** given,
                     void (*&release)(OrvMoAttributeValueContainer_3**)) noexcept {
     keep<ReleaseSlot::Many>(side, call, given, release);
+}
+
+bool isWaitingForRelease() {
+    using One = Keeper<OrvMoAttributeValueContainer_3, Side::Host, ReleaseSlot::One>;
+    using Many = Keeper<OrvMoAttributeValueContainer_3*, Side::Host, ReleaseSlot::Many>;
+    return !One::isEmpty() || !Many::isEmpty();
 }
 
 }

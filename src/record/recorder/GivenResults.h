@@ -19,6 +19,9 @@ void keepForRelease(Side side, std::uint64_t call, OrvMoAttributeValueContainer_
 void keepForRelease(Side side, std::uint64_t call, OrvMoAttributeValueContainer_3** given,
                     void (*&release)(OrvMoAttributeValueContainer_3**)) noexcept;
 
+/// True if the component has not released all that the host gave.
+bool isWaitingForRelease();
+
 }
 
 #endif

@@ -6,24 +6,32 @@
 
 #include <functional>
 
+/// \file
+/// What ends when. The host knows one shared object, the recorder, and its rule for the component
+/// is: what it gave may be used until it is closed. So the component that is recorded is open
+/// exactly as long as the recorder is: its state and what it gave last over orvLCMterminate, and
+/// into another orvLCMinit, as they do without a recorder. When the host closes the recorder, the
+/// component is closed with it, and all objects of the recorder end. At the end of the
+/// process nothing is closed, called or destroyed: objects of the host that end later, and its
+/// threads, may still use everything.
+
 namespace OrvRecord {
 
-/// Calls \p work when the shared object is closed after the component was terminated, after what
-/// this function got before. Throws
+/// Calls \p work when the host closes the recorder, after what this function got before. Throws
 /// std::bad_alloc.
-void atUnload(std::function<void()> work);
+void atClose(std::function<void()> work);
 
-/// From now on the end of the shared object is its unloading. Before, it is that of the process,
-/// with threads of the host that may still call.
-void expectUnload(bool isExpected);
+/// To be called after each call that may have made static objects of the component. When the
+/// process ends, before these objects do, the recorder makes itself stay until the last: a host may
+/// close it with a static object of its own, which ends after them.
+void noticeEndOfProcess();
 
-/// The one object of the type \p Object. It lives until the shared object is unloaded; at the end
-/// of a process it is not destroyed. Threads: any.
+/// The one object of the type \p Object. It lives until the host closes the recorder. Threads: any.
 template <class Object>
 Object& lasting() {
     static Object* const object = [] {
         auto* const made = new Object;
-        atUnload([made] { delete made; });
+        atClose([made] { delete made; });
         return made;
     }();
     return *object;

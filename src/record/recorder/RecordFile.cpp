@@ -93,6 +93,7 @@ RecordFile::~RecordFile() {
 void RecordFile::open(const std::string& path, std::uint64_t mostBytes) noexcept {
     try {
         std::string problem;
+        ::pthread_atfork(nullptr, nullptr, [] { _isForked = true; });
         {
             const std::lock_guard lock(mMutex);
             mFile = createFile(path, mPath);
@@ -113,6 +114,9 @@ void RecordFile::open(const std::string& path, std::uint64_t mostBytes) noexcept
 }
 
 void RecordFile::write(std::string_view body) noexcept {
+    if (!isOn()) {
+        return; // without the lock, which a thread of the parent may have had at the fork
+    }
     const char* problem = nullptr;
     try {
         const std::string head = blockHead(body);

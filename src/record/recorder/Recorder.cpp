@@ -37,10 +37,10 @@ bool isGlobal() {
     return dlsym(RTLD_DEFAULT, "orvLCMinit") == reinterpret_cast<void*>(&orvLCMinit);
 }
 
-/// The component that is recorded. It is closed with this shared object: values that it gave may be
-/// released until then.
 void closeLibrary();
+void giveLookupBack();
 
+/// The component that is recorded. How long it is open: Lasting.h.
 struct Library {
     void* handle = nullptr;
     InitFn init = nullptr;
@@ -63,8 +63,14 @@ struct Library {
             dlclose(opened);
             throw std::runtime_error(path + " has no entry points orvLCMinit and orvLCMterminate");
         }
+        if (init == &orvLCMinit) {
+            init = nullptr;
+            terminate = nullptr;
+            dlclose(opened);
+            throw std::runtime_error(path + " is the recorder itself");
+        }
         handle = opened;
-        atUnload(closeLibrary);
+        atClose(closeLibrary);
     }
 };
 
@@ -80,14 +86,20 @@ struct Front1 {
     OrvMgmtSpiComponent_1 record{};
     std::vector<VekMgmtSpiInterface_1*> offered;
 };
-Front1 component;
 
-// What the component still keeps for transactions goes through this shared object, which may be
-// gone when the component's own end comes. To stop a component that is stopped is legal.
+Front1& component() {
+    return lasting<Front1>();
+}
+
+// Of two shared objects that are closed together the outer one ends first. Values of the host that
+// the component still keeps for transactions are released through the recorder: that must be done
+// before. To stop a component that is stopped is legal.
 void closeLibrary() {
-    if (component.real != nullptr && component.real->stop != nullptr) {
-        component.real->stop(OrvStateChangeReasonHostShutdown);
+    OrvMgmtSpiComponent_1* const real = component().real;
+    if (isWaitingForRelease() && real != nullptr && real->stop != nullptr) {
+        real->stop(OrvStateChangeReasonHostShutdown);
     }
+    giveLookupBack(); // the host may have left orvLCMterminate out
     forgetInterceptors();
     dlclose(library.handle);
 }
@@ -164,27 +176,28 @@ OrvReturnT start(OrvStateChangeReason reason) {
     } catch (const std::exception&) {
         recordFile().stop("there is no memory");
     }
-    return recordedCall<Number>(life(LifeSlot::Start), component.real->start, reason);
+    return recordedCall<Number>(life(LifeSlot::Start), component().real->start, reason);
 }
 
 OrvReturnT stop(OrvStateChangeReason reason) {
-    return recordedCall<Number>(life(LifeSlot::Stop), component.real->stop, reason);
+    return recordedCall<Number>(life(LifeSlot::Stop), component().real->stop, reason);
 }
 
 void renewRecord(OrvMgmtSpiComponent_1* real) {
-    component.real = real;
-    component.record = *real;
-    component.record.start = real->start != nullptr ? &start : nullptr;
-    component.record.stop = real->stop != nullptr ? &stop : nullptr;
+    Front1& front = component();
+    front.real = real;
+    front.record = *real;
+    front.record.start = real->start != nullptr ? &start : nullptr;
+    front.record.stop = real->stop != nullptr ? &stop : nullptr;
     if (real->interfaceArray == nullptr) {
         return;
     }
-    component.offered.clear();
+    front.offered.clear();
     for (VekMgmtSpiInterface_1** offered = real->interfaceArray; *offered != nullptr; ++offered) {
-        component.offered.push_back(tapOffered(*offered, library.handle));
+        front.offered.push_back(tapOffered(*offered, library.handle));
     }
-    component.offered.push_back(nullptr);
-    component.record.interfaceArray = component.offered.data();
+    front.offered.push_back(nullptr);
+    front.record.interfaceArray = front.offered.data();
 }
 
 template <class Portal>
@@ -193,7 +206,7 @@ OrvReturnT registerRecorded(std::uint32_t version, Portal* host, OrvMgmtSpiCompo
         renewRecord(real);
     }
     const auto callee = [&](OrvMgmtSpiComponent_1* given) {
-        return host->registerComponent(given != nullptr ? &component.record : nullptr);
+        return host->registerComponent(given != nullptr ? &component().record : nullptr);
     };
     return recordedCall<ComponentRecord>(portal(PortalSlot::Register, version), callee, real);
 }
@@ -201,7 +214,7 @@ OrvReturnT registerRecorded(std::uint32_t version, Portal* host, OrvMgmtSpiCompo
 template <class Portal>
 OrvReturnT unregisterRecorded(std::uint32_t version, Portal* host, OrvMgmtSpiComponent_1* real) {
     const auto callee = [&](OrvMgmtSpiComponent_1* given) {
-        return host->unregisterComponent(given == component.real ? &component.record : given);
+        return host->unregisterComponent(given == component().real ? &component().record : given);
     };
     return recordedCall<Present>(portal(PortalSlot::Unregister, version), callee, real);
 }
@@ -262,6 +275,14 @@ void* getPortal(const char* version) {
 
 OrvMgmtSpiInterfacePortalAccessor accessor{&getPortal};
 
+// The component makes its static objects while it is initialized, also if that fails.
+struct NoticeAfter {
+    NoticeAfter() = default;
+    NoticeAfter(const NoticeAfter&) = delete;
+    NoticeAfter& operator=(const NoticeAfter&) = delete;
+    ~NoticeAfter() { noticeEndOfProcess(); }
+};
+
 void openAll() {
     static bool isOpen = false;
     const Settings settings = readSettings(reinterpret_cast<const void*>(&openAll));
@@ -284,8 +305,8 @@ OrvReturnT init(OrvMgmtSpiInterfacePortalAccessor* given, const char* argument) 
         tell(std::string("no component is loaded: ") + failure.what());
         return OrvFailure;
     }
-    expectUnload(false);
     hostAccessor = given;
+    const NoticeAfter initialization;
     return recordedCall<Present, Text>(life(LifeSlot::Init), library.init,
                                        given != nullptr ? &accessor : nullptr, argument);
 }
@@ -300,7 +321,6 @@ void terminate() {
     };
     recordedCall<>(life(LifeSlot::Terminate), callee);
     giveLookupBack();
-    expectUnload(true);
 }
 
 }

@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// A host that keeps what the component gave over its lives, and that ends in several ways. All of
+// it is legal with the component alone, and is to be so with the recorder in front of it. Each case
+// runs in a process of its own, and so has a recording of its own: see check_record.py.
+
+#include "Host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Scripted;
+using testing::Contains;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+const std::string kUnit = "ManagedElement=paris,Unit=7";
+const std::string kPath = "ManagedElement,Unit";
+
+/// What ends with the process: made before the component is opened, so destroyed after everything
+/// that was made by it.
+struct Kept {
+    std::unique_ptr<Host> host;
+    std::unique_ptr<SharedObject> opened;
+    std::optional<Read> one;
+    std::optional<ReadMany> many;
+};
+Kept kept;
+
+}
+
+class RecorderLife : public testing::Test {
+protected:
+    RecorderLife() {
+        kept.host = std::make_unique<Host>();
+        host().mo("ManagedElement=1").with("label", strings({"root"}));
+        host().mo("ManagedElement=1,Unit=7").with("label", strings({"x"}));
+        host().start();
+    }
+    ~RecorderLife() override {
+        kept.one.reset();
+        kept.many.reset();
+        kept.host.reset();
+    }
+
+    static Host& host() { return *kept.host; }
+
+    static void readAndKeep() {
+        kept.one.emplace(host().client().get(1, kUnit, "label"));
+        kept.many.emplace(host().client().getMany(1, kUnit, {"label"}));
+        ASSERT_EQ(kept.one->code, OrvOk);
+        ASSERT_EQ(kept.many->code, OrvOk);
+    }
+
+    static void expectKept() {
+        EXPECT_EQ(kept.one->value(), strings({"x"}));
+        ASSERT_EQ(kept.many->values().size(), 1U);
+        EXPECT_EQ(kept.many->values().front(), strings({"x"}));
+    }
+
+    static void end() {
+        EXPECT_EQ(host().stopComponent(), OrvOk);
+        host().terminate();
+    }
+
+    static void beginAgain() {
+        ASSERT_EQ(host().init(), OrvOk);
+        ASSERT_EQ(host().startComponent(), OrvOk);
+    }
+
+    // It is not ended, and closes nothing. The pointer is for those who look for lost memory.
+    static void leaveHost() {
+        static const Host* left = nullptr;
+        left = kept.host.release();
+        ASSERT_NE(left, nullptr);
+    }
+
+    [[noreturn]] static void exitAsItIs() {
+        std::exit(testing::Test::HasFailure() ? 1 : 0); // NOLINT(concurrency-mt-unsafe)
+    }
+};
+
+TEST_F(RecorderLife, TerminatedTwice_ValuesAreReleasedAfterTheEnd) {
+    readAndKeep();
+    end();
+    expectKept();
+    kept.one.reset();
+    beginAgain();
+    readAndKeep();
+    end();
+    expectKept();
+    kept.many.reset();
+    beginAgain();
+    EXPECT_EQ(host().client().get(2, kUnit, "label").value(), strings({"x"}));
+    end();
+    kept.one.reset();
+}
+
+TEST_F(RecorderLife, BegunAgain_AnInterceptorIsStillThere) {
+    host().interceptor(kPath);
+    end();
+    beginAgain();
+    host().forget();
+    EXPECT_EQ(host().client().get(1, kUnit, "label").code, OrvOk);
+    EXPECT_THAT(host().calls(), Contains(StartsWith("Interceptor.getMoAttribute('" + kPath)));
+}
+
+TEST_F(RecorderLife, ClosedAndOpened_IsAFreshComponent) {
+    host().interceptor(kPath);
+    host().unload();
+    host().start();
+    EXPECT_EQ(host().client().get(1, kUnit, "label").code, OrvOk);
+    EXPECT_THAT(host().calls("Interceptor."), IsEmpty());
+}
+
+// The host's destructor complains of values that it gave and that nobody has released.
+TEST_F(RecorderLife, ClosedAsItIs_ValuesOfTheHostAreReleased) {
+    ASSERT_EQ(host().client1().get(1, kUnit, "label").code, OrvOk);
+    host().closeAsItIs();
+}
+
+TEST_F(RecorderLife, Forked_TheChildIsServedAndNotRecorded) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        _exit(host().client().get(1, kUnit, "label").code == OrvOk ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(host().client().get(1, kUnit, "label").value(), strings({"x"}));
+}
+
+// The following end the process, and objects of the host that end with it release what they have.
+
+TEST_F(RecorderLife, EndOfProcess_Started) {
+    readAndKeep();
+    leaveHost();
+    exitAsItIs();
+}
+
+TEST_F(RecorderLife, EndOfProcess_Terminated) {
+    readAndKeep();
+    end();
+    leaveHost();
+    exitAsItIs();
+}
+
+TEST_F(RecorderLife, EndOfProcess_ClosedByAStaticObject) {
+    kept.opened = std::make_unique<SharedObject>("ORV_COMPONENT_LIBRARY", "");
+    readAndKeep();
+    end();
+    kept.one.reset();
+    kept.many.reset();
+    kept.host.reset();
+    exitAsItIs();
+}
