@@ -5,13 +5,13 @@
 # interceptor or a host includes; and the files with which CMake and pkg-config find them. With the
 # reference host also orvhost and the generator of data with their manual pages and completions, a
 # unit for systemd, and the models and data of the examples. Then the pages and the examples to build.
-# src/validate installs orv-validate.
 #
 # The components are the packages that OrvPackages.cmake makes:
 #   runtime    the helper library
 #   component  libext_cm.so, and orv-record.so, which stands in front of it
 #   devel      headers, files of CMake and pkg-config, examples to build
 #   host       orvhost, the generator, and what they read
+#   validate   orv-validate and its cases; src/validate installs it
 #   docs       the pages
 include(CMakePackageConfigHelpers)
 

@@ -20,6 +20,9 @@ set(CPACK_COMPONENTS_ALL runtime component devel docs)
 if(TARGET orvhost)
   list(APPEND CPACK_COMPONENTS_ALL host)
 endif()
+if(ORV_BUILD_VALIDATOR)
+  list(APPEND CPACK_COMPONENTS_ALL validate)
+endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -67,6 +70,10 @@ orv_debian_package(host orvhost SECTION net
   TEXT "A shell, a checker of scenarios, and a server in front of a tree of managed
 objects, for those who develop components. With example models, data, and a
 generator of data.")
+orv_debian_package(validate orv-validate SECTION devel DEPENDS "${runtime_package} ${same}"
+  SUMMARY "checks of a build of libext_cm.so"
+  TEXT "It runs a build of the managed-object component in a scripted host, one
+process for each case, and reports as text, TAP or JUnit.")
 orv_debian_package(docs orv-ext-cm-doc SECTION doc
   SUMMARY "documents of the managed-object component"
   TEXT "How to embed the component, how to write an interceptor, and the manual of

@@ -36,6 +36,9 @@ function(orv_add_test name)
   if(name MATCHES "^(component|unit)_")
     add_dependencies(coverage_tests ${name})
   endif()
+  if(NOT ORV_BUILD_TESTS)
+    return() # the program is one of orv-validate's
+  endif()
   if(arg_ISOLATED)
     # Lists are passed as one argument each; without the quotes an empty list would take the next
     # word as its value.

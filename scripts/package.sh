@@ -31,6 +31,7 @@ make_packages() {
   map="-ffile-prefix-map=$build=build -ffile-prefix-map=$source=."
   quietly "$build/configure.log" cmake -G Ninja -S "$source" -B "$build" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" -DORV_BUILD_TESTS=OFF \
+    -DORV_BUILD_VALIDATOR=ON \
     -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR="lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)" \
     -DCMAKE_SKIP_RPATH=ON -DCMAKE_CXX_COMPILER=g++ \
     -DCMAKE_CXX_FLAGS="-D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection -fcf-protection $map" \

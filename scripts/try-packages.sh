@@ -6,7 +6,7 @@
 
 set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin
-names=(liborv-common0 libext-cm orv-ext-cm-dev orvhost orv-ext-cm-doc)
+names=(liborv-common0 libext-cm orv-ext-cm-dev orvhost orv-validate orv-ext-cm-doc)
 network=(-I /usr/share/orv_ext_cm/models -m ran-element -m ran-equipment -m ran-function
   -d /usr/share/orv_ext_cm/data/harbour.json --me-id Harbour)
 
@@ -44,9 +44,12 @@ try_out() {
     rm /tmp/network.orvrec
   fi
   title "manual pages, completions, documents"
-  man -w orvhost orv-ran-generate
+  man -w orvhost orv-ran-generate orv-validate
   bash -c '. /usr/share/bash-completion/completions/orvhost && complete -p orvhost'
   ls /usr/share/doc/orv_ext_cm /usr/share/doc/orvhost
+  bash -c '. /usr/share/bash-completion/completions/orv-validate && complete -p orv-validate'
+  title "orv-validate"
+  orv-validate "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" | tail -n 1
   title "a build against the headers"
   pkg-config --print-requires orv_ext_cm
   for example in embedding interceptor; do

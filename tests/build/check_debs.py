@@ -35,6 +35,10 @@ PACKAGES = {
          "share/orv_ext_cm/models/ran-element.yang", "share/orv_ext_cm/data/harbour.json",
          "share/orv_ext_cm/scenarios/demo.orv"],
         ["liborv-common0", "libext-cm", "libyang2"]),
+    "orv-validate": (
+        ["bin/orv-validate", r"libexec/orv-validate/component_test", r"share/man/man1/orv-validate\.1\.gz",
+         "share/bash-completion/completions/orv-validate"],
+        ["liborv-common0"]),
     "orv-ext-cm-doc": (
         [DOC + "README.md", DOC + "CHANGELOG.md", DOC + "docs/embedding.md",
          DOC + "docs/writing-an-interceptor.md", DOC + "docs/pictures/equipment.svg"], []),
