@@ -107,9 +107,7 @@ struct OutCodec {
         if (in.byte() == 0) {
             return nullptr;
         }
-        void* const memory = context.arena.allocate(sizeof(Place), alignof(Place));
-        std::memset(memory, 0, sizeof(Place));
-        return static_cast<Argument>(memory);
+        return std::pmr::polymorphic_allocator<>(&context.arena).new_object<Place>();
     }
     static void showIn(ByteReader& in, std::string& text) {
         if (in.byte() == 0) {

@@ -51,9 +51,13 @@ def main():
         recordings = len(list(pathlib.Path(folder).iterdir()))
     noticed = [pattern for patterns in NOTICED.values() for pattern in patterns]
     passed = re.findall(r"^ok +(\S+)", done.stdout, re.MULTILINE)
-    failed = [name for name in re.findall(r"^[A-Z][A-Z ]* +(\S+/\S+) \(", done.stdout, re.MULTILINE)
-              if not any(fnmatch.fnmatchcase(name, pattern) for pattern in noticed)]
-    print(done.stdout[-2000:], done.stderr, f"{recordings} recordings; not expected: {failed}")
+    # A failure is told in the lines below it, which are indented.
+    stories = re.finditer(r"^(?:FAILED|CRASHED|TIMED OUT) +(\S+).*\n(?:[ \t].*\n|\n)*", done.stdout,
+                          re.MULTILINE)
+    failed = [story[0] for story in stories
+              if not any(fnmatch.fnmatchcase(story[1], pattern) for pattern in noticed)]
+    print(*failed, done.stderr, f"{len(passed)} cases passed, {recordings} recordings, "
+          f"{len(failed)} failures that are not expected", sep="\n")
     # A loader that failed, or a recorder that does nothing, would leave little behind.
     return 0 if not failed and len(passed) > 500 and recordings > 500 else 1
 

@@ -99,7 +99,7 @@ void RecordFile::open(const std::string& path, std::uint64_t mostBytes) noexcept
             mFile = createFile(path, mPath);
             mMostBytes = mostBytes;
             if (mFile < 0 || !writeWhole(mFile, kHeadLine, {})) {
-                problem = "nothing is recorded: " + mPath + ": " + std::strerror(errno);
+                problem = "nothing is recorded: " + mPath + ": " + ::strerrordesc_np(errno);
             } else {
                 mSize = kHeadLine.size();
                 mIsOn = true;
@@ -132,7 +132,7 @@ void RecordFile::write(std::string_view body) noexcept {
             if (writeWhole(mFile, head, body)) {
                 mSize += head.size() + body.size();
             } else {
-                problem = std::strerror(errno);
+                problem = ::strerrordesc_np(errno);
                 if (errno == EFBIG) {
                     guard.take();
                 }

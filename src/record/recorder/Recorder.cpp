@@ -53,7 +53,7 @@ struct Library {
         void* const opened =
             dlopen(path.c_str(), RTLD_NOW | (isGlobal() ? RTLD_GLOBAL : RTLD_LOCAL));
         if (opened == nullptr) {
-            throw std::runtime_error(dlerror());
+            throw std::runtime_error(dlerror()); // NOLINT(concurrency-mt-unsafe): kept per thread
         }
         init = reinterpret_cast<InitFn>(dlsym(opened, "orvLCMinit"));
         terminate = reinterpret_cast<TerminateFn>(dlsym(opened, "orvLCMterminate"));
