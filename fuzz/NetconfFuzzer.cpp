@@ -121,7 +121,8 @@ void ask(Dispatcher& dispatcher, NetconfSession& session, const std::string& ope
             require(!error.tag.empty(), "an error without a tag");
             requireXml(error.toXml());
         }
-        requireXml("<data xmlns=\"urn:all\">" + reply.data.value_or("") + "</data>");
+        const std::string data = reply.data != nullptr ? reply.data.get() : "";
+        requireXml("<data xmlns=\"urn:all\">" + data + "</data>");
         requireXml("<output xmlns=\"urn:all\">" + reply.output + "</output>");
     }
     ly_err_clean(context, nullptr);

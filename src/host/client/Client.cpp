@@ -10,7 +10,6 @@
 #include "runtime/Host.h"
 
 #include <exception>
-#include <utility>
 
 namespace OrvHost {
 
@@ -46,12 +45,10 @@ std::vector<const char*> nullTerminated(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// Calls the component for a result, and owns it before anything else can fail.
-template <class Result, class Call>
-std::pair<OrvReturnT, Orv::OwnedResult<Result>> ownedResult(const Call& call) {
-    Result result{};
-    const OrvReturnT code = call(&result);
-    return {code, Orv::OwnedResult<Result>(code == OrvOk ? result : Result{})};
+/// What a call has left, if it was successful. It must be owned before anything else can fail.
+template <class Result>
+Result resultIf(OrvReturnT code, const Result& result) {
+    return code == OrvOk ? result : Result{};
 }
 
 }
@@ -104,9 +101,9 @@ ReadValue Client::get(unsigned long txHandle, const std::string& writtenDn,
                       const std::string& attribute, const ClassDef* moc) {
     const std::string dn = shortForm(writtenDn);
     const std::string name = tableName(moc, attribute);
-    const auto [code, owned] = ownedResult<OrvMoAttributeValueResult_3>([&](auto* result) {
-        return mTable->getMoAttribute(txHandle, dn.c_str(), name.c_str(), result);
-    });
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    const OrvReturnT code = mTable->getMoAttribute(txHandle, dn.c_str(), name.c_str(), &result);
+    const Orv::OwnedResult owned(resultIf(code, result));
     check(code, {"getMoAttribute", dn, {}, {attribute}});
     return toReadValue(owned.get().container, definitionOf(moc, attribute));
 }
@@ -121,9 +118,9 @@ std::vector<NamedReadValue> Client::get(unsigned long txHandle, const std::strin
         known.push_back(tableName(moc, attribute));
     }
     std::vector<const char*> names = nullTerminated(known);
-    const auto [code, owned] = ownedResult<OrvMoAttributeValuesResult_3>([&](auto* result) {
-        return mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), result);
-    });
+    OrvMoAttributeValuesResult_3 result{nullptr, nullptr};
+    const OrvReturnT code = mTable->getMoAttributes(txHandle, dn.c_str(), names.data(), &result);
+    const Orv::OwnedResult owned(resultIf(code, result));
     check(code, {"getMoAttributes", dn, {}, attributes});
     std::vector<NamedReadValue> values;
     values.reserve(attributes.size());
@@ -206,9 +203,10 @@ ReadValue Client::action(unsigned long txHandle, const std::string& writtenDn,
     const std::vector<NamedValue> parameters = shortForm(written);
     const std::string dn = shortForm(writtenDn);
     NamedRecords records(parameters);
-    const auto [code, owned] = ownedResult<OrvMoAttributeValueResult_3>([&](auto* result) {
-        return mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), result);
-    });
+    OrvMoAttributeValueResult_3 result{nullptr, nullptr};
+    const OrvReturnT code =
+        mTable->action(txHandle, dn.c_str(), name.c_str(), records.data(), &result);
+    const Orv::OwnedResult owned(resultIf(code, result));
     check(code, {"action", dn, {}, {}, name});
     return toReadValue(owned.get().container, resultOf(def));
 }

@@ -200,12 +200,13 @@ void JsonValue::changeEach(const Change& change) {
 /// What stands between braces.
 class JsonItem {
 public:
-    // NOLINTBEGIN(google-explicit-constructor): it is made where a value is written
+    // NOLINTBEGIN(google-explicit-constructor,bugprone-forwarding-reference-overload): it is made
+    // where a value is written, and no document is made of it
     template <class T>
     requires std::constructible_from<JsonValue, T&&> JsonItem(T&& value)
         : mValue(std::forward<T>(value)) {}
     JsonItem(std::initializer_list<JsonItem> items) : mValue(items) {}
-    // NOLINTEND(google-explicit-constructor)
+    // NOLINTEND(google-explicit-constructor,bugprone-forwarding-reference-overload)
 
     const JsonValue& value() const { return mValue; }
     /// Once.

@@ -149,10 +149,6 @@ std::vector<FilterNode> readFilter(const lyd_node* first) {
     return nodes;
 }
 
-void TreeDeleter::operator()(lyd_node* first) const {
-    lyd_free_all(first);
-}
-
 OwnedTree filtered(OwnedTree tree, const std::vector<FilterNode>& filter) {
     const Filters filters = pointersTo(filter);
     lyd_node* first = tree.release();

@@ -4,7 +4,8 @@
 #ifndef ORV_HOST_NETCONF_CORE_SUBTREEFILTER_H
 #define ORV_HOST_NETCONF_CORE_SUBTREEFILTER_H
 
-#include <memory>
+#include "netconf/wire/OwnedTree.h"
+
 #include <string>
 #include <vector>
 
@@ -30,11 +31,6 @@ struct FilterNode {
 
 /// The elements of a parsed filter, whose first one may be null.
 std::vector<FilterNode> readFilter(const lyd_node* first);
-
-struct TreeDeleter {
-    void operator()(lyd_node* first) const;
-};
-using OwnedTree = std::unique_ptr<lyd_node, TreeDeleter>;
 
 /// Takes out of a tree what the filter does not select.
 OwnedTree filtered(OwnedTree tree, const std::vector<FilterNode>& filter);

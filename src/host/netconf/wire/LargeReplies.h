@@ -5,7 +5,7 @@
 #define ORV_HOST_NETCONF_WIRE_LARGEREPLIES_H
 
 #include "CText.h"
-#include "netconf/core/SubtreeFilter.h"
+#include "OwnedTree.h"
 
 #include <memory>
 
