@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 namespace SystemTest {
 namespace {
 
@@ -200,6 +202,10 @@ TEST(OrvhostCommandsTest, VersionAndHelp_Asked_ArePrinted) {
     const auto help = runOrvhost({"--help"});
     EXPECT_THAT(help.out, AllOf(HasSubstr("--me-id"), HasSubstr("Exit status")));
     EXPECT_EQ(help.status, 0);
+    std::istringstream lines(help.out);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
 }
 
 TEST(OrvhostCommandsTest, Interceptor_LoadedBeside_ServesItsAttributeAndPassesTheRestOn) {

@@ -9,12 +9,14 @@
 #include "StoreTarget.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
+#include "cli/output/AlignedText.h"
 #include "client/Clients.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
 #include <utility>
 
 namespace OrvHost {
@@ -26,25 +28,25 @@ Commands come from -c, from scripts (-f), from the words after the options, or, 
 from the prompt or standard input. 'orvhost help' lists them. Options of orvhost come before the
 command, its own options after it:
 
-  orvhost -I models -m ran-element -d network.json tree / --depth 2
+  orvhost -I models -m ran-element -d net.json tree / --depth 2
 
 'check FILE...' in place of a command runs scenarios, each on fresh data, and reports on them:
 
-  orvhost -I models -m ran-element -d network.json check --report junit scenarios/*.orv
+  orvhost -I models -m ran-element -d net.json check --report junit *.orv
 
 'init' in place of a command writes a template of a project file, orvhost.toml.
 
 'export FILE [DN]' in place of a command saves the data, as the command 'save' does:
 
-  orvhost -I models -m ran-element -d network.json export network.xml
+  orvhost -I models -m ran-element -d net.json export net.xml
 
 'serve' in place of a command runs a NETCONF server until a signal ends it:
 
-  orvhost -I models -m ran-element -d network.json serve --netconf-user alice=alice.pub
+  orvhost -I models -m ran-element -d net.json serve --netconf-user al=al.pub
 
 --connect PATH runs the commands in such a server, which listens there (serve --shell-unix PATH):
 
-  orvhost --connect PATH -c 'begin' -c 'set ManagedElement=1 userLabel=north' -c 'commit'
+  orvhost --connect PATH -c begin -c 'set DN userLabel=x' -c commit
 
 --store FILE keeps all commits in a file, which is created if there is none; data (-d)
 goes into a new one only. --store postgresql:CONNECTION keeps them in the tables of a database, which
@@ -54,13 +56,24 @@ several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or p
   orvhost store info FILE       what it holds (tables as well)
   orvhost store check FILE      whether it is whole
   orvhost store compact FILE    gives back the space of what was deleted
-  orvhost -I models -m ran-element store export FILE network.xml
-  orvhost -I models -m ran-element store migrate FILE NEW    into a store of another model
+  orvhost -I models -m ran-element store export FILE net.xml
+  orvhost -I models -m ran-element store migrate FILE NEW    to another model
   orvhost -I models -m ran-element store init postgresql:...    makes the tables
-  orvhost store trim postgresql:... [ENTRIES [HOURS]]    deletes old entries of their log
+  orvhost store trim postgresql:... [ENTRIES [HOURS]]    deletes old log entries
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed, or
 the server of --connect is not there.)";
+
+constexpr std::size_t kHelpColumns = 80;
+
+/// Helps in lines that fit.
+class HelpFormatter : public CLI::Formatter {
+public:
+    std::string make_option_desc(const CLI::Option* option) const override {
+        std::string text = wrapped(option->get_description(), kHelpColumns - get_column_width());
+        return text.substr(0, text.find_last_not_of('\n') + 1);
+    }
+};
 
 // An identity becomes a part of DNs. Empty means that there is none.
 std::string whyNoIdentity(const std::string& identity) {
@@ -426,12 +439,13 @@ std::vector<std::string> takingOptions() {
 ParsedArguments parseArguments(int count, const char* const* arguments,
                                const std::vector<std::string>& reportFormats) {
     Options options;
-    CLI::App app(
-        "A small management framework: loads a model, data and components, and runs client "
-        "operations through them.",
-        "orvhost");
+    CLI::App app(wrapped("A small management framework: loads a model, data and components, and "
+                         "runs client operations through them.",
+                         kHelpColumns),
+                 "orvhost");
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "orvhost " ORVHOST_VERSION);
-    app.footer(kFooter);
+    app.footer(wrapped(kFooter, kHelpColumns));
     addProject(app, options);
     addLoading(app, options);
     addLogging(app, options);
