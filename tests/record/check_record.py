@@ -115,7 +115,7 @@ def check_difference(bench, demo):
 
 
 def check_soak(bench):
-    soak = [bench.soak, "--operations", "4000", "--transactions", "40", "--threads", "1", "--seed",
+    soak = [bench.soak, "--operations", "1500", "--transactions", "20", "--threads", "1", "--seed",
             "7"]
     whole, _ = bench.record("soak", soak)
     bench.same("soak", whole)
