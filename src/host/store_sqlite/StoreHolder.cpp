@@ -62,9 +62,9 @@ StoreHolder::StoreHolder(const std::filesystem::path& file) : mFile(holderFileOf
     // The lock counts. The text is for people, and a disk that is full has no room for it.
     const std::string text = "process " + std::to_string(getpid()) + " on " + hostName() +
                              ", since " + utcText(std::time(nullptr));
-    if (ftruncate(mDescriptor, 0) == 0) {
-        static_cast<void>(pwrite(mDescriptor, text.data(), text.size(), 0));
-    }
+    const bool isTold =
+        ftruncate(mDescriptor, 0) == 0 && pwrite(mDescriptor, text.data(), text.size(), 0) >= 0;
+    static_cast<void>(isTold);
 }
 
 bool StoreHolder::tryLock(const std::filesystem::path& file) {

@@ -7,6 +7,7 @@
 #include "MeIdTranslator.h"
 
 #include <atomic>
+#include <cassert>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -87,6 +88,12 @@ CallFrame::Thread& CallFrame::thread() {
     return theThread;
 }
 
+CallFrame::Buffers& CallFrame::buffers() {
+    Buffers* const used = thread().buffers;
+    assert(used != nullptr); // while a call is recorded
+    return *used;
+}
+
 RecordFile& recordFile() {
     return lasting<RecordFile>();
 }
@@ -132,8 +139,7 @@ CallFrame::~CallFrame() {
 }
 
 void CallFrame::writeBegin(std::string_view values) {
-    Thread& here = thread();
-    EventWriter events(here.buffers->events);
+    EventWriter events(buffers().events);
     if (mName.side == Side::Component) {
         const char* const identity = Orv::MeIdTranslator::instance()->identity();
         if (lastIdentity.exchange(identity) != identity) {
@@ -142,7 +148,7 @@ void CallFrame::writeBegin(std::string_view values) {
         if (hasNotes) {
             Notes& notes = lasting<Notes>();
             const std::lock_guard lock(notes.mutex);
-            here.buffers->events += notes.text;
+            buffers().events += notes.text;
             notes.text.clear();
             hasNotes = false;
         }
@@ -151,24 +157,24 @@ void CallFrame::writeBegin(std::string_view values) {
 }
 
 void CallFrame::writeEnd(std::uint32_t code, std::string_view values, std::string_view handles) {
-    EventWriter(thread().buffers->events).end(code, values, handles);
+    EventWriter(buffers().events).end(code, values, handles);
 }
 
 void CallFrame::thrown(const char* what) noexcept {
     if (mIsRecorded) {
-        guarded([&] { EventWriter(thread().buffers->events).thrown(what); });
+        guarded([&] { EventWriter(buffers().events).thrown(what); });
     }
 }
 
 void CallFrame::writeBlock() {
     Thread& here = thread();
-    std::string& text = here.buffers->body;
+    std::string& text = buffers().body;
     text.clear();
     ByteWriter body(text);
     body.number(here.begin);
     body.number(++lastOrder);
     body.number(here.number);
-    body.raw(here.buffers->events.data(), here.buffers->events.size());
+    body.raw(buffers().events.data(), buffers().events.size());
     recordFile().write(text);
 }
 

@@ -93,6 +93,8 @@ private:
     friend Object& lasting();
 
     static Thread& thread();
+    /// Those of the call that is recorded.
+    static Buffers& buffers();
 
     void writeBegin(std::string_view values);
     void writeEnd(std::uint32_t code, std::string_view values, std::string_view handles);
