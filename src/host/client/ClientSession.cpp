@@ -58,18 +58,13 @@ bool ClientSession::write(const std::function<void(unsigned long txHandle)>& wor
     }
     const OpenTransactions::Entry own{"", mHost.transactions().begin(mAuthor), 0};
     mTransactions.addUnnamed(own.handle);
-    bool isEnded = false;
     try {
         work(own.handle);
         mCancellation.throwIfCancelled();
-        passGate([&] {
-            isEnded = true;
-            commitNow(own);
-        });
+        passGate([&] { commitNow(own); });
     } catch (...) {
-        if (!isEnded) {
-            mHost.transactions().abort(own.handle);
-        }
+        // If it has ended, its handle is not known any more.
+        mHost.transactions().abort(own.handle);
         throw;
     }
     return true;

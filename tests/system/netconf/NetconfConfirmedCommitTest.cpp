@@ -313,10 +313,10 @@ TEST_F(NetconfOverdueCommitTest, TriedAgain_AfterLongerAndLongerPauses_SaysEachO
             return line.find(text) != std::string::npos;
         });
     };
-    EXPECT_TRUE(comesTrue([&] { return times("it is tried again every 4 s") > 0; }));
-    EXPECT_EQ(times("it is tried again every 1 s"), 1);
-    EXPECT_EQ(times("it is tried again every 2 s"), 1);
-    EXPECT_EQ(times("it is tried again every 4 s"), 1);
+    EXPECT_TRUE(comesTrue([&] { return times("the next try is in 4 s") > 0; }));
+    EXPECT_EQ(times("the next try is in 1 s"), 1);
+    EXPECT_EQ(times("the next try is in 2 s"), 1);
+    EXPECT_EQ(times("the next try is in 4 s"), 1);
 }
 
 /// With a file that remembers what waits.

@@ -59,6 +59,7 @@ TEST_P(ServedShellMemoryTest, AnAllocationThatFails_EndsAtMostItsShell) {
         {
             ShellClient client(path, look);
             client.ask("watch /");
+            client.ask("set ManagedElement=Harbour,Equipment=1,RadioUnit=1 userLabel=again");
             // Without a transaction, the object would last.
             if (client.ask("begin work").find("work") != std::string::npos) {
                 for (const std::string& line :

@@ -142,12 +142,21 @@ void ServedShell::cancel(const std::string& number) {
     }
 }
 
+/// A part of an answer can be out: nothing may follow it.
+void ServedShell::endUnread() {
+    mChannel.close();
+    over("");
+    logServer(4, mAuthor + ": is ended: it does not read its answers");
+}
+
+void ServedShell::sendWhole(char kind, const std::string& body) {
+    if (!mChannel.send(kind, body)) {
+        endUnread();
+    }
+}
+
 void ServedShell::work() {
-    const auto onFailure = [this] {
-        mChannel.close();
-        over("");
-        logServer(4, mAuthor + ": is ended: it does not read its answers");
-    };
+    const auto onFailure = [this] { endUnread(); };
     FrameOutput outFrames(mChannel, FrameOut, onFailure);
     FrameOutput errorFrames(mChannel, FrameErr, onFailure);
     std::ostream out(&outFrames);
@@ -189,13 +198,13 @@ void ServedShell::answerAll(Session& session) {
     session.setColours(Colours(mHello.look.answerColours), Colours(mHello.look.errorColours));
     Completer completer(session, commands);
     const std::string greeting = LocalShell::greetingOf(session, mServices.models);
-    mChannel.send(FrameHello, toBody(ShellWelcome{kShellProtocol, greeting, session.prompt()}));
+    sendWhole(FrameHello, toBody(ShellWelcome{kShellProtocol, greeting, session.prompt()}));
     while (const std::optional<Request> request = next(!session.transactions().all().empty())) {
         const Frame& frame = request->frame;
         if (frame.kind == FrameComplete) {
             const std::string completion = toBody(shortened(completer.complete(frame.body)));
             finish();
-            mChannel.send(FrameCompleted, completion);
+            sendWhole(FrameCompleted, completion);
             continue;
         }
         ShellState state;
@@ -216,7 +225,7 @@ void ServedShell::answerAll(Session& session) {
         state.prompt = session.prompt();
         state.uncommitted = LocalShell::uncommittedOf(session);
         finish();
-        mChannel.send(FrameDone, toBody(state));
+        sendWhole(FrameDone, toBody(state));
     }
 }
 

@@ -70,6 +70,8 @@ private:
     void finish();
     void logCommand(const CommandTable& commands, const Frame& frame, int status) const;
     void over(const char* why) noexcept;
+    void endUnread();
+    void sendWhole(char kind, const std::string& body);
     std::string whyOver();
 
     ShellServices& mServices;

@@ -23,27 +23,22 @@ OpenTransactions::Entry entryOf(unsigned long handle) {
     return {"", handle, 0};
 }
 
-/// A transaction that is aborted unless it has ended otherwise.
+/// A transaction that is aborted unless it has ended otherwise: then its handle is not known.
 class OwnTransaction {
 public:
     OwnTransaction(Host& host, const std::string& author)
         : mHost(host), mHandle(host.transactions().begin(author)) {}
     ~OwnTransaction() {
-        if (!mIsEnded) {
-            mHost.transactions().abort(mHandle);
-        }
+        contain("a transaction is not aborted", [this] { mHost.transactions().abort(mHandle); });
     }
     OwnTransaction(const OwnTransaction&) = delete;
     OwnTransaction& operator=(const OwnTransaction&) = delete;
 
     unsigned long handle() const { return mHandle; }
-    /// Committed or aborted by somebody else from now on.
-    void leave() { mIsEnded = true; }
 
 private:
     Host& mHost;
     unsigned long mHandle;
-    bool mIsEnded = false;
 };
 
 RpcError inUse(const ConfirmedCommit& waiting) {
@@ -130,7 +125,6 @@ void Datastores::writeRunning(NetconfSession& session, EditMode mode, const Work
     if (mode == EditMode::OnlyTest) {
         client.validate(entryOf(handle));
     } else {
-        transaction.leave();
         client.commit(entryOf(handle));
     }
 }
@@ -259,6 +253,7 @@ void Datastores::commitCandidate(const NetconfSession& session) {
     try {
         mCandidate.commit(entryOf(handle));
     } catch (...) {
+        mHost.transactions().abort(handle); // if it has ended, its handle is not known
         replay(&session);
         throw;
     }
@@ -319,7 +314,7 @@ void Datastores::takeBackUnasked(const std::string& reason) {
             logServer(
                 3,
                 what + " is to be taken back (" + reason +
-                    "), which is refused; it is tried again every " +
+                    "), which is refused; the next try is in " +
                     std::to_string(mUnconfirmed->pause().count()) +
                     " s, and any session may cancel it, or take it over by a confirmed commit: " +
                     refusal);
@@ -357,7 +352,6 @@ bool Datastores::undo() {
     if (plan.calls.empty()) {
         return mUnconfirmed->commits() == commits;
     }
-    transaction.leave();
     mCandidate.commit(entryOf(transaction.handle()));
     return mUnconfirmed->commits() <= commits + 1;
 }
@@ -369,6 +363,9 @@ void Datastores::onTimeOver() {
         doWhatIsDue(now);
     } catch (const std::exception& failure) { // it would end the thread, and with it the server
         logServer(3, std::string("what was due could not be done: ") + failure.what());
+        if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
+            mUnconfirmed->delay(mUnconfirmed->reason(), failure.what(), mUndoingPause);
+        }
     }
     setAlarm();
 }

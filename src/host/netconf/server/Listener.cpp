@@ -159,13 +159,20 @@ std::optional<uid_t> peerUser(int socket) {
 std::string peerName(int socket) {
     const std::optional<uid_t> user = peerUser(socket);
     if (!user) {
-        return "unknown";
+        throw ServerError("it is not known who connects");
     }
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;
-    getpwuid_r(*user, &entry, buffer.data(), buffer.size(), &found);
-    return found != nullptr ? found->pw_name : std::to_string(*user);
+    const int problem = getpwuid_r(*user, &entry, buffer.data(), buffer.size(), &found);
+    if (found != nullptr) {
+        return found->pw_name;
+    }
+    if (problem != 0 && problem != ENOENT && problem != ESRCH) {
+        throw ServerError("the name of user " + std::to_string(*user) +
+                          " cannot be looked up: " + std::generic_category().message(problem));
+    }
+    return std::to_string(*user);
 }
 
 bool isSystemUser(const std::string& name) {
@@ -189,6 +196,7 @@ Listener::~Listener() {
 }
 
 bool Listener::end(Deadline deadline) {
+    mIsEnding = true;
     shutdown(mSocket.get(), SHUT_RDWR);
     if (mThread.joinable()) {
         mThread.join();
@@ -202,16 +210,17 @@ void Listener::acceptAll() {
         socklen_t size = sizeof(address);
         Descriptor accepted(
             accept4(mSocket.get(), reinterpret_cast<sockaddr*>(&address), &size, SOCK_CLOEXEC));
-        if (accepted.get() < 0) {
-            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-                // Other connections end; meanwhile this one waits in the queue.
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-                continue;
-            }
-            if (errno == EINTR || errno == ECONNABORTED) {
-                continue;
-            }
+        const int problem = accepted.get() < 0 ? errno : 0;
+        if (mIsEnding) {
             return;
+        }
+        if (problem != 0) {
+            if (problem != EINTR && problem != ECONNABORTED) {
+                // Other connections end; meanwhile this one waits in the queue. The network's own
+                // errors come this way, too.
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            }
+            continue;
         }
         contain("a connection is refused",
                 [&] { start(std::move(accepted), textOf(address, size)); });

@@ -7,6 +7,7 @@
 #include "base/Descriptor.h"
 #include "netconf/server/Connections.h"
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
@@ -54,6 +55,7 @@ private:
     Descriptor mSocket;
     Serve mServe;
     Connections mConnections;
+    std::atomic<bool> mIsEnding{false};
     std::thread mThread;
 };
 
@@ -85,7 +87,8 @@ bool isSystemUser(const std::string& name);
 
 /// The user at the other end of a UNIX socket; nothing if that is not known.
 std::optional<uid_t> peerUser(int socket);
-/// The name of that user, or the number if there is no name.
+/// The name of that user, or the number if there is no name. Throws ServerError if it cannot be
+/// looked up: a user who may only read has one.
 std::string peerName(int socket);
 
 }

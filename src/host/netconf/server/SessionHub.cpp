@@ -284,19 +284,25 @@ void SessionHub::serve(Descriptor channel, const NetconfUser& user, Transport tr
         NetconfSession& own = served.session;
         nc_session_set_data(accepted, &served);
         if (enter(id, {channel.get(), &served})) {
-            logServer(6, own.author() + ": begins, from " + from);
-            mDispatcher.monitor().sessionBegins(own, transport);
-            mDispatcher.events().sessionBegins(own);
-            answerAll(served, channel.get());
+            // Whatever fails, nothing of it may stay behind.
+            contain("a session ends", [&] {
+                logServer(6, own.author() + ": begins, from " + from);
+                mDispatcher.monitor().sessionBegins(own, transport);
+                mDispatcher.events().sessionBegins(own);
+                answerAll(served, channel.get());
+            });
             SessionEnd end = leave(id);
             end.isClosed = nc_session_get_term_reason(accepted) == NC_SESSION_TERM_CLOSED;
-            mDispatcher.monitor().sessionEnds(id, !end.isClosed && !end.killedBy);
-            mDispatcher.events().leave(id);
+            contain("the end of a session is not counted",
+                    [&] { mDispatcher.monitor().sessionEnds(id, !end.isClosed && !end.killedBy); });
+            contain("the end of a session is not told", [&] { mDispatcher.events().leave(id); });
             shutdown(channel.get(), SHUT_RDWR);
             served.subscriber.reset();
-            mDispatcher.end(own);
-            mDispatcher.events().sessionEnds(own, end);
-            logServer(6, own.author() + ": ends");
+            contain("what a session had is not given back", [&] { mDispatcher.end(own); });
+            contain("the end of a session is not told", [&] {
+                mDispatcher.events().sessionEnds(own, end);
+                logServer(6, own.author() + ": ends");
+            });
         }
         nc_session_set_data(accepted, nullptr);
     }
