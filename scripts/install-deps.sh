@@ -36,7 +36,7 @@ test_packages=(
   valgrind            # what calls of the component cost
   postgresql          # servers of the tests' own
   chromium            # looks at the page of orvhost's graph --html
-  python3-ncclient openssh-client openssl # clients of the server
+  python3-ncclient python3-paramiko openssh-client openssl # clients of the server
   libyang2-tools      # yanglint checks the server's replies
   lintian mmdebstrap  # scripts/package.sh
 )

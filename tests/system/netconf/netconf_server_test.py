@@ -26,6 +26,7 @@ import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 
+import paramiko
 from ncclient import manager
 from ncclient.operations import RPC, RaiseMode
 from ncclient.transport.errors import AuthenticationError
@@ -697,6 +698,22 @@ class ProtocolTest(ServerCase):
         for _ in range(3):
             self.assertIn("<userLabel>Harbour</userLabel>", client.receive())
         self.assertEqual(client.process.wait(30), 0)
+
+    def test_the_client_hangs_up_first(self):
+        # What a client still sends when the connection has ended makes it take a session that
+        # ended well for a lost one.
+        with paramiko.SSHClient() as client:
+            client.set_missing_host_key_policy(paramiko.AutoAddPolicy())
+            client.connect("127.0.0.1", self.server.port, "alice", key_filename=str(self.server.key),
+                           allow_agent=False, look_for_keys=False)
+            channel = client.get_transport().open_session()
+            channel.invoke_subsystem("netconf")
+            channel.sendall((HELLO + rpc("<close-session/>")).encode())
+            while channel.recv(65536):
+                pass
+            self.assertEqual(channel.recv_exit_status(), 0)
+            client.get_transport().global_request("still-there", wait=True)
+            self.assertTrue(client.get_transport().is_active())
 
 
 class LogInTest(ServerCase):

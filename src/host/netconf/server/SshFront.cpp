@@ -25,6 +25,8 @@ namespace {
 constexpr std::size_t kBuffer = 65536;
 /// How long the rest of the replies waits for a client that does not read, after its session ended.
 constexpr std::chrono::seconds kDrainTime{10};
+/// How long a client has to hang up after its session, before the server does.
+constexpr std::chrono::seconds kHangUpTime{5};
 
 /// Clients search the bytes that they have got for the end of a chunk, again and again.
 constexpr std::size_t kLargestChunk = 4096;
@@ -77,8 +79,7 @@ public:
         ssh_set_auth_methods(mSession, SSH_AUTH_METHOD_PUBLICKEY | SSH_AUTH_METHOD_PASSWORD);
         ssh_event_add_session(mEvent, mSession);
         while (!mIsStarted) {
-            if (mFailed >= mLimits.failedLogins || Clock::now() >= mDeadline ||
-                (ssh_get_status(mSession) & (SSH_CLOSED | SSH_CLOSED_ERROR)) != 0 ||
+            if (mFailed >= mLimits.failedLogins || Clock::now() >= mDeadline || hasHungUp() ||
                 !step(-1, 0, nullptr)) {
                 return false;
             }
@@ -120,10 +121,23 @@ public:
         ssh_channel_request_send_exit_status(mChannel, 0);
         ssh_channel_send_eof(mChannel);
         ssh_channel_close(mChannel);
-        ssh_blocking_flush(mSession, 200);
+        awaitHangUp();
     }
 
 private:
+    bool hasHungUp() const {
+        return (ssh_get_status(mSession) & (SSH_CLOSED | SSH_CLOSED_ERROR)) != 0;
+    }
+
+    /// A client that gets the end of its session together with the end of the connection takes the
+    /// session for a lost one.
+    void awaitHangUp() {
+        mIsReady = false;
+        mDeadline = Clock::now() + kHangUpTime;
+        while (!hasHungUp() && Clock::now() < mDeadline && step(-1, 0, nullptr)) {
+        }
+    }
+
     bool exchangeKeys() {
         while (true) {
             const int result = ssh_handle_key_exchange(mSession);
