@@ -18,11 +18,15 @@
 namespace {
 
 using namespace OrvHost;
+using testing::AllOf;
 using testing::Each;
 using testing::Field;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Property;
+using testing::StartsWith;
 using testing::Throws;
+using testing::ThrowsMessage;
 
 auto throwsCode(OrvReturnT code) {
     return Throws<OperationError>(Property(&OperationError::code, code));
@@ -89,6 +93,45 @@ TEST_F(HostTest, Reads_ThroughTheComponent_SpeakExternalDns) {
               (AttributeValue{ValueKind::Int, {std::int64_t{30}}}));
     EXPECT_THAT([&] { client.exists(transaction.handle(), "ManagedElement=1"); },
                 throwsCode(OrvNotExist));
+}
+
+// A program that catches std::exception has nothing but the text.
+TEST_F(HostTest, RefusedCall_Text_SaysWhatWasCalledTheCodeAndTheMessages) {
+    Host host(mModel, knownAs("east"));
+    startWithData(host);
+    Client client(host);
+    const Host::ReadTransaction transaction(host);
+    const auto set = [&] {
+        client.set(transaction.handle(), "ManagedElement=east,Mast=a",
+                   {{"height", {ValueKind::String, {std::string("tall")}}}});
+    };
+    EXPECT_THAT(set, ThrowsMessage<OperationError>(
+                         AllOf(StartsWith("setMoAttribute ManagedElement=east,Mast=a height: "
+                                          "OrvInvalidArgument (-8)"),
+                               HasSubstr("whole number"))));
+}
+
+TEST_F(HostTest, RefusedTransaction_Text_SaysWhichTheCodeAndTheMessages) {
+    const Model model = ModelBuilder()
+                            .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))
+                            .add(ClassDraft("Mast")
+                                     .key("mastId")
+                                     .attribute(AttributeDraft::integer("height"))
+                                     .attribute(AttributeDraft::reference("near").many()))
+                            .contain("ManagedElement", "Mast")
+                            .uniDir(ReferenceDraft("Mast", "near").counts(2, 3), {"Mast"})
+                            .build();
+    Host host(model, knownAs("east"));
+    startWithData(host);
+    Clients clients(host);
+    ClientSession session(host, clients);
+    const OpenTransactions::Entry& transaction = session.begin("second");
+    const std::string mast = "ManagedElement=east,Mast=a";
+    session.client().set(transaction.handle, mast, {{"near", {ValueKind::MoRef, {mast}}}});
+    EXPECT_THAT([&] { session.validate(transaction); },
+                ThrowsMessage<RefusalError>(
+                    AllOf(StartsWith("transaction second: OrvValidationFailed (-9); "),
+                          HasSubstr("near in ManagedElement=1,Mast=a"))));
 }
 
 TEST_F(HostTest, Children_InSingleSteps_ComeInEachVersion) {

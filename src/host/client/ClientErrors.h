@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace OrvHost {
@@ -26,15 +25,18 @@ struct OperationSubject {
     std::vector<std::string> done{};
 };
 
-/// A code that is not OrvOk from one of the component's tables.
+/// "setMoAttribute ManagedElement=north,Mast=a height".
+std::string toText(const OperationSubject& subject);
+
+/// "OrvNotExist (-2)".
+std::string codeText(OrvReturnT code);
+
+/// A code that is not OrvOk from one of the component's tables. what() is one line with the
+/// subject, the code and the messages; ErrorExplainer finds out more.
 class OperationError : public std::runtime_error {
 public:
     OperationError(OrvReturnT code, OperationSubject subject,
-                   std::vector<ThreadContext::Message> messages)
-        : std::runtime_error(subject.operation),
-          mCode(code),
-          mSubject(std::move(subject)),
-          mMessages(std::move(messages)) {}
+                   std::vector<ThreadContext::Message> messages);
 
     OrvReturnT code() const { return mCode; }
     const OperationSubject& subject() const { return mSubject; }

@@ -79,7 +79,7 @@ const OpenTransactions::Entry& ClientSession::begin(const std::string& name) {
 void ClientSession::validate(const OpenTransactions::Entry& transaction) {
     const TransactionOutcome outcome = mHost.transactions().validate(transaction.handle);
     if (!outcome.accepted) {
-        throw RefusalError("validate", transaction.name, outcome,
+        throw RefusalError(RefusalError::Operation::Validate, transaction.name, outcome,
                            ViolationExplainer(*this, transaction.handle).explain(outcome.messages));
     }
 }
@@ -108,7 +108,7 @@ std::string ClientSession::commitNow(const OpenTransactions::Entry& transaction)
         });
     mTransactions.remove(ended.handle);
     if (!outcome.accepted) {
-        throw RefusalError("commit", ended.name,
+        throw RefusalError(RefusalError::Operation::Commit, ended.name,
                            violations.empty() ? withExplanation(*this, outcome) : outcome,
                            violations);
     }

@@ -8,7 +8,6 @@
 #include "MeIdTranslator.h"
 #include "Suggestion.h"
 #include "base/DnView.h"
-#include "base/HostReturn.h"
 #include "base/Join.h"
 #include "model/DnForm.h"
 
@@ -30,10 +29,6 @@ std::vector<std::string> actionNames(const ClassDef& moc) {
         names.push_back(action.name);
     }
     return names;
-}
-
-std::string codeText(OrvReturnT code) {
-    return returnText(code) + " (" + std::to_string(code) + ")";
 }
 
 std::string ErrorExplainer::explain(const OperationError& error) {

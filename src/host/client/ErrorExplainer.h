@@ -42,9 +42,6 @@ private:
 
 std::vector<std::string> actionNames(const ClassDef& moc);
 
-/// "OrvNotExist (-2)".
-std::string codeText(OrvReturnT code);
-
 }
 
 #endif

@@ -11,7 +11,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -32,22 +31,26 @@ struct Violation {
     std::optional<CountProblem> count;  ///< if it is about a number of values or references
 };
 
-/// A transaction that is not valid, or was not committed.
+/// A transaction that is not valid, or was not committed. what() is one line with its name, the
+/// code and the messages.
 class RefusalError : public std::runtime_error {
 public:
-    /// \p operation: "validate" or "commit"; \p transaction: its name, empty if it has none.
-    RefusalError(const std::string& operation, std::string transaction, TransactionOutcome outcome,
-                 std::vector<Violation> violations)
-        : std::runtime_error(operation),
-          mTransaction(std::move(transaction)),
-          mOutcome(std::move(outcome)),
-          mViolations(std::move(violations)) {}
+    /// What was refused.
+    enum class Operation { Validate, Commit };
 
+    /// \p transaction: its name, empty if it has none.
+    RefusalError(Operation operation, std::string transaction, TransactionOutcome outcome,
+                 std::vector<Violation> violations);
+
+    Operation operation() const { return mOperation; }
     const std::string& transaction() const { return mTransaction; }
     const TransactionOutcome& outcome() const { return mOutcome; }
     const std::vector<Violation>& violations() const { return mViolations; }
+    /// The name and the code: "transaction move: OrvValidationFailed (-9)".
+    std::string summary() const;
 
 private:
+    Operation mOperation;
     std::string mTransaction;
     TransactionOutcome mOutcome;
     std::vector<Violation> mViolations;

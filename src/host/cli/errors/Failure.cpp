@@ -35,16 +35,6 @@ constexpr OrvReturnT kCodes[] = {OrvOk,
                                  OrvHostStoreUnavailable,
                                  OrvHostOutcomeUnknown};
 
-std::string subjectText(const OperationSubject& subject) {
-    std::string text = subject.operation + " " + (subject.dn.empty() ? "/" : subject.dn);
-    text += subject.className.empty() ? "" : " " + subject.className;
-    text += subject.action.empty() ? "" : " " + subject.action;
-    for (const std::string& attribute : subject.attributes) {
-        text += " " + attribute;
-    }
-    return text;
-}
-
 // The router's own explanations contain internal names; they are shown only if there is no better
 // one.
 bool isWanted(const ThreadContext::Message& message, const std::string& explanation) {
@@ -132,18 +122,19 @@ const char* whatIsLeft(OrvReturnT commitCode) {
                : "; it is aborted, nothing of it is left";
 }
 
+bool isCommit(const RefusalError& refusal) {
+    return refusal.operation() == RefusalError::Operation::Commit;
+}
+
 std::string toText(const RefusalError& refusal) {
-    const std::string& name = refusal.transaction();
-    std::string text = (name.empty() ? "not committed: " : "transaction " + name + ": ") +
-                       codeText(refusal.outcome().code);
+    std::string text = refusal.summary();
     for (const Violation& violation : refusal.violations()) {
         text +=
             "\n  host: " + violation.message + "\n" + layOut(shortened(detailsOf(violation)), 4);
         text.erase(text.find_last_not_of('\n') + 1);
     }
-    const bool isCommit = refusal.what() == std::string("commit");
     return text + "\n  " + refusal.outcome().reason +
-           (isCommit ? whatIsLeft(refusal.outcome().code) : "");
+           (isCommit(refusal) ? whatIsLeft(refusal.outcome().code) : "");
 }
 
 Failure read(const RefusalError& refusal) {
@@ -157,7 +148,7 @@ Failure read(const RefusalError& refusal) {
         one.update(detailsOf(violation));
         violations.add(one);
     }
-    failure.document = {{"operation", refusal.what()},
+    failure.document = {{"operation", isCommit(refusal) ? "commit" : "validate"},
                         {"transaction", refusal.transaction()},
                         {"code", *failure.code},
                         {"name", codeName(*failure.code)},
@@ -204,7 +195,7 @@ Failure FailureReader::read(const OperationError& error) {
     Failure failure;
     failure.code = error.code();
     failure.messages = textsOf(error.messages());
-    failure.text = subjectText(error.subject()) + ": " + codeText(error.code());
+    failure.text = toText(error.subject()) + ": " + codeText(error.code());
     failure.text += explanation.empty() ? "" : "\n  " + explanation;
     for (const ThreadContext::Message& message : error.messages()) {
         failure.text += isWanted(message, explanation) ? "\n  host: " + message.text : "";
