@@ -10,6 +10,7 @@
 #   runtime    the helper library
 #   component  libext_cm.so, and orv-record.so, which stands in front of it
 #   devel      headers, files of CMake and pkg-config, examples to build
+#   hostdevel  libraries and headers of the reference host, with their files of CMake and pkg-config
 #   host       orvhost, the generator, and what they read
 #   validate   orv-validate and its cases; src/validate installs it
 #   docs       the pages
@@ -37,6 +38,10 @@ get_property(public_headers GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
 install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv" COMPONENT devel)
 
 install(EXPORT OrvExtCmTargets NAMESPACE OrvExtCm:: DESTINATION "${package_dir}" COMPONENT devel)
+set(host_needs "")
+foreach(room library IN ZIP_LISTS ORV_HOST_EXTRA_ROOMS ORV_HOST_EXTRA_LIBRARIES)
+  string(APPEND host_needs "set(OrvExtCm_needs_of_host_${room} ${library})\n")
+endforeach()
 configure_package_config_file(
   "${CMAKE_CURRENT_LIST_DIR}/OrvExtCmConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/OrvExtCmConfig.cmake"
@@ -52,15 +57,40 @@ install(FILES
 file(RELATIVE_PATH pc_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
-foreach(pc IN ITEMS orv_common orv_ext_cm)
-  configure_file("${CMAKE_CURRENT_LIST_DIR}/${pc}.pc.in" "${PROJECT_BINARY_DIR}/${pc}.pc" @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/${pc}.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT devel)
-endforeach()
+# orv_install_pc(name component template)
+function(orv_install_pc name component template)
+  configure_file("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/${template}.pc.in"
+    "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
+endfunction()
+orv_install_pc(orv_common devel orv_common)
+orv_install_pc(orv_ext_cm devel orv_ext_cm)
 foreach(example IN ITEMS interceptor embedding)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/${example}"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples" COMPONENT devel)
 endforeach()
+
+if(TARGET orv_host)
+  install(DIRECTORY "${ORV_PUBLIC_INCLUDE_DIR}/orv/host"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orv" COMPONENT hostdevel)
+  get_property(components GLOBAL PROPERTY ORV_HOST_COMPONENTS)
+  foreach(component IN LISTS components)
+    get_property(libraries GLOBAL PROPERTY ORV_HOST_COMPONENT_${component})
+    install(TARGETS ${libraries} EXPORT OrvExtCm-${component}
+      ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT hostdevel)
+    install(EXPORT OrvExtCm-${component} NAMESPACE OrvExtCm:: DESTINATION "${package_dir}"
+      COMPONENT hostdevel)
+  endforeach()
+  orv_install_pc(orv_host hostdevel orv_host)
+  foreach(room library IN ZIP_LISTS ORV_HOST_EXTRA_ROOMS ORV_HOST_EXTRA_LIBRARIES)
+    if(TARGET orv_host_${room})
+      orv_install_pc(orv_host_${room} hostdevel orv_host_room)
+    endif()
+  endforeach()
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/host"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples" COMPONENT hostdevel)
+endif()
 
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
   DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT docs)

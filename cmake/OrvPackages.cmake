@@ -20,6 +20,9 @@ set(CPACK_COMPONENTS_ALL runtime component devel docs)
 if(TARGET orvhost)
   list(APPEND CPACK_COMPONENTS_ALL host)
 endif()
+if(TARGET orv_host)
+  list(APPEND CPACK_COMPONENTS_ALL hostdevel)
+endif()
 if(ORV_BUILD_VALIDATOR)
   list(APPEND CPACK_COMPONENTS_ALL validate)
 endif()
@@ -64,6 +67,11 @@ orv_debian_package(devel orv-ext-cm-dev SECTION libdevel
   SUMMARY "headers for hosts and interceptors of managed-object components"
   TEXT "Headers, files for CMake and pkg-config, and two examples to build:
 a host and an interceptor.")
+orv_debian_package(hostdevel orv-host-dev SECTION libdevel DEPENDS "orv-ext-cm-dev ${same}"
+  SUMMARY "libraries and headers of the reference host for managed-object components"
+  TEXT "Static libraries to make hosts of: model, store, router, transactions,
+loader, client. Parts for YANG models and for stores in files and databases.
+With an example to build.")
 orv_debian_package(host orvhost SECTION net
   DEPENDS "${runtime_package} ${same}, libext-cm ${same}"
   SUMMARY "reference host for managed-object components"
@@ -80,6 +88,8 @@ orv_debian_package(docs orv-ext-cm-doc SECTION doc
 orvhost.")
 set(CPACK_DEBIAN_DOCS_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_HOSTDEVEL_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_HOSTDEVEL_PACKAGE_SUGGESTS "libyang2-dev, libsqlite3-dev, libpq-dev")
 set(CPACK_DEBIAN_DOCS_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_HOST_PACKAGE_SUGGESTS graphviz)
 

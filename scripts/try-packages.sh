@@ -6,7 +6,7 @@
 
 set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin
-names=(liborv-common0 libext-cm orv-ext-cm-dev orvhost orv-validate orv-ext-cm-doc)
+names=(liborv-common0 libext-cm orv-ext-cm-dev orv-host-dev orvhost orv-validate orv-ext-cm-doc)
 network=(-I /usr/share/orv_ext_cm/models -m ran-element -m ran-equipment -m ran-function
   -d /usr/share/orv_ext_cm/data/harbour.json --me-id Harbour)
 
@@ -52,11 +52,12 @@ try_out() {
   orv-validate "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" | tail -n 1
   title "a build against the headers"
   pkg-config --print-requires orv_ext_cm
-  for example in embedding interceptor; do
+  for example in embedding interceptor host; do
     cmake -S "/usr/share/doc/orv_ext_cm/examples/$example" -B "/tmp/$example" >/tmp/cmake.log
     cmake --build "/tmp/$example" >>/tmp/cmake.log
   done
   /tmp/embedding/minimal_host "$(dpkg -L libext-cm | grep '/libext_cm\.so$')"
+  /tmp/host/mast_host "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" || true # it ends with a refusal
   orvhost "${network[@]}" -C /tmp/interceptor/libcell_state_interceptor.so \
     get ManagedElement=Harbour,GNBDUFunction=1,NRCellDU=1 operationalState
   orvhost "${network[@]}" -C /tmp/interceptor/libcell_state_interceptor.so --keep-going \

@@ -28,6 +28,12 @@ PACKAGES = {
          r"lib/.*pkgconfig/orv_common\.pc", r"lib/.*OrvExtCmConfig\.cmake",
          DOC + "examples/interceptor/CMakeLists.txt", DOC + "examples/embedding/MinimalHost.cpp"],
         ["liborv-common0", "libext-cm", "libpoco-dev"]),
+    "orv-host-dev": (
+        [r"include/orv/host/runtime/Host\.h", r"include/orv/host/detail/store/MoTree\.h",
+         r"lib/.*liborv_host_client\.a", r"lib/.*liborv_host_yang\.a", r"lib/.*pkgconfig/orv_host\.pc",
+         r"lib/.*OrvExtCm-host\.cmake", r"lib/.*OrvExtCm-host_yang\.cmake",
+         DOC + "examples/host/MastHost.cpp"],
+        ["orv-ext-cm-dev"]),
     "orvhost": (
         ["bin/orvhost", "bin/orv-ran-generate", r"share/man/man1/orvhost\.1\.gz",
          r"share/man/man1/orv-ran-generate\.1\.gz", "share/bash-completion/completions/orvhost",

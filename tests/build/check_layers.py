@@ -109,7 +109,7 @@ PUBLIC_HEADERS = ["MoInterceptorBase.h", "ExtCmInterceptorRepository.h"]
 PUBLIC_TO = ["examples/interceptor", "src/record/recorder", "src/record/replay"]
 
 # In this folder those who use the package find all public headers.
-PUBLIC_FOLDER = "orv/"
+PUBLIC_FOLDER = re.compile(r"^orv/(host/(detail/)?)?")
 
 # Where the sources of any layer might look for a header.
 INCLUDE_ROOTS = ["src/spi", "src/common/inc", "src/orv_common/inc", "src/ext_cm/src", "src/host"]
@@ -129,6 +129,7 @@ ABOVE_CLIENT = [
     "src/host/netconf",
     "bench",
     "examples/embedding",
+    "examples/host",
     "tests/property/edits",
     "tests/soak",
     "tests/system",
@@ -175,7 +176,7 @@ def layer_of(root, path):
 
 
 def candidates(root, source, name):
-    name = name.removeprefix(PUBLIC_FOLDER)
+    name = PUBLIC_FOLDER.sub("", name)
     for place in [source.parent, *(root / directory for directory in INCLUDE_ROOTS)]:
         path = (place / name).resolve()
         if path.is_file() and path.is_relative_to(root):
@@ -204,7 +205,7 @@ def knows_table(line):
     include = INCLUDE.match(line)
     if include:
         name = include.group(1) or include.group(2)
-        return TABLE_HEADER.search(name.removeprefix(PUBLIC_FOLDER)) is not None
+        return TABLE_HEADER.search(PUBLIC_FOLDER.sub("", name)) is not None
     return TABLE_NAME.search(line) is not None or TABLE_LOOKUP.search(line) is not None
 
 
@@ -324,6 +325,8 @@ SELF_TEST = [
     ("tests/soak/Writer.cpp", "OrvMoAttributeValueResult_3 result{};\n", 1),
     ("tests/system/HostTest.cpp", "host.find<void>(OrvOamSpiTable_3_ExtCmId);\n", 0),
     ("tests/property/edits/World.h", '#include "router/ContainerConversion.h"\n', 1),
+    ("examples/host/Host.cpp", "#include <orv/host/client/Calls.h>\n", 0),
+    ("examples/host/Table.cpp", "#include <orv/host/detail/router/ContainerConversion.h>\n", 1),
     ("tests/component/Stage.cpp", '#include "OrvOamSpiTable.h"\n', 0),
     ("examples/interceptor/src/Sample.cpp",
      '#include <orv/MoInterceptorBase.h>\n#include <orv/Binder.h>\n#include <orv/Service.h>\n', 1),

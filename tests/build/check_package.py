@@ -4,12 +4,12 @@
 
 """Installs the package into an empty prefix and builds examples against it, as its users do.
 
-usage: check_package.py find_package|pkg_config|add_subdirectory|headers
+usage: check_package.py find_package|pkg_config|add_subdirectory|headers|host
            --source SOURCE --build BUILD --compiler COMPILER --run TEST-PROGRAM
            [--sanitize SANITIZERS]
 
 The sample interceptor is built and then loaded into the test program's host, beside the installed
-component. `headers` compiles every installed header alone. `add_subdirectory` installs nothing: a
+component. `host` builds hosts with the libraries of the reference host. `headers` compiles every installed header alone. `add_subdirectory` installs nothing: a
 project with warnings of its own takes the package and the examples in as parts of itself.
 """
 
@@ -39,6 +39,20 @@ def only(directory, name):
     return found[0]
 
 
+def fails(*command, prints, **options):
+    """The command does not end with status 0, and says why."""
+    result = subprocess.run([str(word) for word in command], text=True, stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, check=False, **options)
+    if result.returncode == 0 or prints not in result.stdout:
+        sys.exit(f"{' '.join(str(word) for word in command)}\nis to fail with: {prints}\n"
+                 f"status {result.returncode}\n{result.stdout}")
+
+
+def texts_below(folder):
+    return {path.relative_to(folder).as_posix(): path.read_text()
+            for path in folder.rglob("*.h")}
+
+
 class Package:
     def __init__(self, options, directory):
         self.options = options
@@ -46,18 +60,21 @@ class Package:
         self.prefix = directory / "prefix"
         # A copy, so that nothing of the tree is reached from the examples.
         self.examples = directory / "examples"
-        for name in ["interceptor", "embedding"]:
+        for name in ["interceptor", "embedding", "host"]:
             shutil.copytree(options.source / "examples" / name, self.examples / name)
         self.sample = self.examples / "interceptor"
 
     def install(self):
         run("cmake", "--install", self.options.build, "--prefix", self.prefix)
 
+    def configure(self, source, build):
+        return ["cmake", "-G", "Ninja", "-S", source, "-B", build,
+                f"-DCMAKE_CXX_COMPILER={self.options.compiler}"]
+
     def configure_and_build(self, source, *settings, targets=("cell_state_interceptor",),
-                            folder="build"):
+                            folder="build", **options):
         build = self.directory / folder
-        run("cmake", "-G", "Ninja", "-S", source, "-B", build,
-            f"-DCMAKE_CXX_COMPILER={self.options.compiler}", *settings)
+        run(*self.configure(source, build), *settings, **options)
         run("cmake", "--build", build, "--target", *targets)
         return build
 
@@ -126,15 +143,76 @@ class Package:
             f"-Wl,-rpath,{libraries}")
         self.try_out(sample, only(self.prefix, "libext_cm.so"))
 
+    def host(self):
+        """The libraries of the reference host."""
+        self.install()
+        found = [f"-DCMAKE_PREFIX_PATH={self.prefix}", *self.sanitizers()]
+        component = only(self.prefix, "libext_cm.so")
+        # Whoever uses no part that needs other libraries needs no pkg-config for them.
+        alone = {**os.environ, "PKG_CONFIG_LIBDIR": str(self.directory / "nothing")}
+        build = self.configure_and_build(self.examples / "host", *found, targets=("mast_host",),
+                                         folder="alone", env=alone)
+        self.try_host(only(build, "mast_host"), component)
+        parts = self.options.source / "tests/build/consumers/host_parts"
+        build = self.configure_and_build(parts, *found, targets=("all",), folder="parts")
+        self.try_parts(build, component)
+        self.check_missing(parts, found, alone)
+        self.host_by_pkg_config(component)
+
+    def try_host(self, program, component):
+        """The example ends with a refused transaction, and says what is wrong with a library."""
+        fails(program, component, prints="Mast=a has ManagedElement=north,Antenna=3\n"
+              "refused: Attribute antennas in ManagedElement=1,Mast=a contains 3 Antenna")
+        missing = self.directory / "missing.so"
+        fails(program, missing, prints=f"mast_host: {missing}: cannot be opened as a shared object")
+        helper = component.with_name("liborv_common.so")
+        fails(program, helper, prints=f"mast_host: {helper}: has no entry point orvLCMinit")
+        fails(program, prints="usage: mast_host LIBEXT_CM")
+
+    def try_parts(self, build, component):
+        program, store = only(build, "host_parts"), self.directory / "network.db"
+        for commit in (1, 2):
+            text = run(program, component, self.options.source / "examples", store)
+            if text != f"commit {commit}\n":
+                sys.exit(f"host_parts: {text}")
+        fails(program, component, self.directory, store, prints="ran-equipment")
+        fails(only(build, "shared_store"), f"host={self.directory}", prints="the store of PostgreSQL: ")
+
+    def check_missing(self, parts, found, alone):
+        """A part that is not there, or that lacks what it needs, is named."""
+        build = self.directory / "missing"
+        fails(*self.configure(parts, build), *found, env=alone,
+              prints="component host_yang needs libyang, which pkg-config does not find")
+        for config in self.prefix.rglob("OrvExtCm-host_yang*.cmake"):
+            config.unlink()
+        fails(*self.configure(parts, build), *found,
+              prints="component host_yang is not installed; installed are: host,")
+
+    def host_by_pkg_config(self, component):
+        lookup = only(self.prefix, "orv_host.pc").parent
+        environment = {**os.environ, "PKG_CONFIG_PATH": str(lookup)}
+        flags = run("pkg-config", "--cflags", "--libs", "orv_host", env=environment).split()
+        libraries = run("pkg-config", "--variable=libdir", "orv_host", env=environment).strip()
+        program = self.directory / "mast_host"
+        sanitize = [f"-fsanitize={self.options.sanitize}"] if self.options.sanitize else []
+        run(self.options.compiler, "-std=c++20", "-Wall", "-Wextra", self.examples / "host/MastHost.cpp",
+            "-o", program, *sanitize, *flags, f"-Wl,-rpath,{libraries}")
+        self.try_host(program, component)
+        for part in ["yang", "store_sqlite", "store_postgresql"]:
+            run("pkg-config", "--print-errors", "--exists", f"orv_host_{part}", env=environment)
+
     def add_subdirectory(self):
         consumer = self.options.source / "tests/build/consumers/add_subdirectory"
         build = self.configure_and_build(consumer, f"-DPACKAGE_SOURCE={self.options.source}",
                                          f"-DEXAMPLES={self.examples}",
-                                         targets=("cell_state_interceptor", "minimal_host"))
+                                         "-DORV_BUILD_HOST_LIBRARIES=ON",
+                                         targets=("cell_state_interceptor", "minimal_host",
+                                                  "mast_host"))
         self.check_commands(build)
         component = only(build, "libext_cm.so")
         self.try_out(only(build, "libcell_state_interceptor.so"), component)
         run(only(build, "minimal_host"), component)
+        self.try_host(only(build, "mast_host"), component)
 
     def headers(self):
         self.install()
@@ -142,15 +220,17 @@ class Package:
         run(self.options.source / "tests/build/check_headers.py", self.options.compiler, "c++17",
             include)
         # What a build shows to those who take it in is what an installation has.
-        installed = {path.name for path in include.glob("orv/*")}
-        staged = {path.name for path in self.options.build.glob("include/orv/*")}
+        installed = texts_below(include / "orv")
+        staged = texts_below(self.options.build / "include/orv")
         if installed != staged:
-            sys.exit(f"installed or staged, but not both: {sorted(installed ^ staged)}")
+            sys.exit("installed or staged, but not both: "
+                     f"{sorted({name for name, _ in installed.items() ^ staged.items()})}")
 
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("way", choices=["find_package", "pkg_config", "add_subdirectory", "headers"])
+    parser.add_argument("way", choices=["find_package", "pkg_config", "add_subdirectory", "headers",
+                                         "host"])
     parser.add_argument("--source", type=pathlib.Path, required=True)
     parser.add_argument("--build", type=pathlib.Path, required=True)
     parser.add_argument("--compiler", required=True)

@@ -25,7 +25,7 @@ struct HostOptions {
     /// empty the fallback. In internal DNs the identity is always "1".
     std::string preferredIdentity;
     std::string fallbackIdentity = "1";
-    PortalVersions portals;
+    PortalVersions portals{};
     /// What is checked at the validation of transactions besides the model's own rules; null:
     /// nothing. It must outlive the host. Data that is put into the store is not checked: see
     /// DataSet.
