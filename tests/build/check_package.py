@@ -9,7 +9,8 @@ usage: check_package.py find_package|pkg_config|add_subdirectory|headers|host
            [--sanitize SANITIZERS]
 
 The sample interceptor is built and then loaded into the test program's host, beside the installed
-component. `host` builds hosts with the libraries of the reference host. `headers` compiles every installed header alone. `add_subdirectory` installs nothing: a
+component. `host` builds hosts with the libraries of the reference host. `headers` compiles every
+installed header of the tables and the helper library alone. `add_subdirectory` installs nothing: a
 project with warnings of its own takes the package and the examples in as parts of itself.
 """
 
@@ -176,7 +177,8 @@ class Package:
             if text != f"commit {commit}\n":
                 sys.exit(f"host_parts: {text}")
         fails(program, component, self.directory, store, prints="ran-equipment")
-        fails(only(build, "shared_store"), f"host={self.directory}", prints="the store of PostgreSQL: ")
+        fails(only(build, "shared_store"), f"host={self.directory}",
+              prints="the store of PostgreSQL: ")
 
     def check_missing(self, parts, found, alone):
         """A part that is not there, or that lacks what it needs, is named."""
@@ -186,7 +188,7 @@ class Package:
         for config in self.prefix.rglob("OrvExtCm-host_yang*.cmake"):
             config.unlink()
         fails(*self.configure(parts, build), *found,
-              prints="component host_yang is not installed; installed are: host,")
+              prints="component host_yang is not installed, but these are: host,")
 
     def host_by_pkg_config(self, component):
         lookup = only(self.prefix, "orv_host.pc").parent
@@ -195,8 +197,9 @@ class Package:
         libraries = run("pkg-config", "--variable=libdir", "orv_host", env=environment).strip()
         program = self.directory / "mast_host"
         sanitize = [f"-fsanitize={self.options.sanitize}"] if self.options.sanitize else []
-        run(self.options.compiler, "-std=c++20", "-Wall", "-Wextra", self.examples / "host/MastHost.cpp",
-            "-o", program, *sanitize, *flags, f"-Wl,-rpath,{libraries}")
+        run(self.options.compiler, "-std=c++20", "-Wall", "-Wextra",
+            self.examples / "host/MastHost.cpp", "-o", program, *sanitize, *flags,
+            f"-Wl,-rpath,{libraries}")
         self.try_host(program, component)
         for part in ["yang", "store_sqlite", "store_postgresql"]:
             run("pkg-config", "--print-errors", "--exists", f"orv_host_{part}", env=environment)
