@@ -153,7 +153,8 @@ void MoStore::catchUp() {
     requireLog().catchUp();
 }
 
-void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience) {
+void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience,
+                        const std::function<void()>& onPause) {
     constexpr std::chrono::milliseconds kPause{5};
     const auto end = std::chrono::steady_clock::now() + patience;
     while (lastCommit() < number) {
@@ -166,6 +167,7 @@ void MoStore::catchUpTo(CommitNumber number, std::chrono::milliseconds patience)
                                  std::to_string(patience.count()) + " ms; the last one is commit " +
                                  std::to_string(lastCommit()));
         }
+        onPause();
         std::this_thread::sleep_for(kPause);
     }
 }

@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -70,8 +71,11 @@ public:
     /// without a log, OrvHostStoreUnavailable if the log cannot be asked or has diverged.
     void catchUp();
     /// Waits until the commit with that number, of any host, can be read. Throws HostError with
-    /// OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp.
-    void catchUpTo(CommitNumber number, std::chrono::milliseconds patience);
+    /// OrvHostStoreUnavailable if it has not come within \p patience, and as catchUp. \p onPause is
+    /// called again and again meanwhile; what it throws ends the waiting.
+    void catchUpTo(
+        CommitNumber number, std::chrono::milliseconds patience,
+        const std::function<void()>& onPause = [] {});
     /// The number of the last commit that can be read.
     CommitNumber lastCommit() const { return state()->tree.last(); }
     /// From now on each transaction sees all that any host has committed before it begins: begin

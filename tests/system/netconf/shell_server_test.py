@@ -166,8 +166,8 @@ class ShellCase(unittest.TestCase):
         self.start(*self.options)
         self.addCleanup(self.end)
 
-    def start(self, *options):
-        self.server = Server(self.folder, "--shell-unix", self.path, *options)
+    def start(self, *options, variables=None):
+        self.server = Server(self.folder, "--shell-unix", self.path, *options, variables=variables)
         self.told = self.server.process.stdout.readline()
 
     def end(self):
@@ -305,7 +305,7 @@ class UseTest(ShellCase):
             ("graph", "does not call Graphviz"),
             (f"graph --html -o {written}.html", "writes no files"),
             (f"diff committed {self.folder}", "reads no files"),
-            ("commits 99 1000", "at most 10 in a server's shell"),
+            ("commits 99 10", "at most 10 in a server's shell"),
             (f"expect ok : save {written}", "got:      error"),
             ("expect : " * 5000 + "ls", "got:      error"),  # would need much of the stack
         ):
@@ -677,25 +677,68 @@ class StopTest(ShellCase):
         self.assertEqual(raw.last_words(),
                          ("B", "the server ends; what was not committed is aborted"))
 
-    def test_a_confirmed_commit_is_taken_back_although_a_shell_has_written_to_its_object(self):
+    def begin_confirmed_commit(self, *options, variables=None):
+        """A server with a store, a confirmed commit and a shell with an open transaction."""
         self.end()
+        self.store = ("--store", self.folder / f"store{time.monotonic_ns()}")
+        self.start(*self.store, *options, variables=variables)
+        self.client, shell = self.local(), self.raw()
+        self.assertIn("<ok/>", self.client.ask(EDIT))
+        self.assertIn("<ok/>", self.client.ask(rpc("<commit><confirmed/></commit>")))
+        shell.ask("begin work")
+        return shell
+
+    def wait_for_file(self, path):
+        end = time.monotonic() + 60
+        while not path.exists():
+            self.assertLess(time.monotonic(), end, self.server.last_messages())
+            time.sleep(0.01)
+
+    def label_in_store(self):
         words = [ORVHOST, "-I", EXAMPLES / "models", "-m", "ran-element", "-m", "ran-equipment",
                  "-m", "ran-function", "--me-id", "Harbour", "--ext-cm", EXT_CM]
-        for turn in range(5):  # what went wrong here was a matter of chance
-            store = ("--store", self.folder / f"store{turn}")
-            self.start(*store)
-            client, shell = self.local(), self.raw()
-            self.assertIn("<ok/>", client.ask(EDIT))
-            self.assertIn("<ok/>", client.ask(rpc("<commit><confirmed/></commit>")))
-            shell.ask("begin work")
+        done = subprocess.run(
+            [str(word) for word in (*words, *self.store, "get", f"{UNIT}1", "userLabel")],
+            capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=120)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout.strip()
+
+    def test_a_confirmed_commit_is_taken_back_although_a_shell_has_written_to_its_object(self):
+        for _ in range(5):  # what went wrong here was a matter of chance
+            shell = self.begin_confirmed_commit()
             self.assertEqual(shell.ask(f"set {UNIT}1 userLabel=other")[0], "set\n")
             self.assertEqual(shell.ask(f"get {UNIT}1 userLabel")[2]["status"], 0)
             self.end()
             self.assertIn("is taken back: its session has ended", self.server.messages.read_text())
-            done = subprocess.run(
-                [str(word) for word in (*words, *store, "get", f"{UNIT}1", "userLabel")],
-                capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=120)
-            self.assertEqual((done.stdout, done.returncode), ("Crane mast\n", 0), done.stderr)
+            self.assertEqual(self.label_in_store(), "Crane mast")
+
+    def test_a_command_that_waits_for_a_commit_does_not_keep_the_server(self):
+        shell = self.begin_confirmed_commit()
+        self.assertEqual(shell.ask(f"set {UNIT}1 userLabel=other")[0], "set\n")
+        shell.send(line("commits 99 10"))
+        time.sleep(0.2)  # it waits by now, or has not begun yet
+        self.end()
+        self.assertIn("is taken back: its session has ended", self.server.messages.read_text())
+        self.assertEqual(self.label_in_store(), "Crane mast")
+
+    def test_what_a_command_that_does_not_end_keeps_from_being_taken_back_is_logged(self):
+        hold = self.folder / "hold"
+        shell = self.begin_confirmed_commit(
+            "-C", EXT_CM.parent / "libwaiting_interceptor.so",
+            variables={"ORV_TEST_HOLD": str(hold)})
+        hold.touch()
+        shell.send(line(f"set {UNIT}1 userLabel=other"))
+        self.wait_for_file(hold.with_name("hold.held"))
+        self.end()
+        told = self.server.messages.read_text()
+        self.assertRegex(told, r", shell 1: is still at work\n")
+        self.assertRegex(told, r"the server ends, and what the confirmed commit of \S+, session 1 "
+                               "has changed stays: it was neither confirmed nor taken back\n")
+        self.assertIn("a request is still at work; the program ends without it\n", told)
+        self.assertEqual(self.label_in_store(), "mine")
+        note = self.store[1].with_name(self.store[1].name + ".unconfirmed")
+        self.assertIn("was neither confirmed nor taken back when the server ended",
+                      note.read_text())
 
     def test_the_server_dies(self):
         typist = self.typist()

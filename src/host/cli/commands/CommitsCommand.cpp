@@ -38,14 +38,12 @@ void runCommits(Session& session, Words words) {
         const std::uint64_t wanted = numberOf(*number, "the number of a commit");
         const std::uint64_t patience =
             seconds ? numberOf(*seconds, "a number of seconds") : kSeconds;
-        // The waiting cannot be cancelled, and a server's end would wait for it.
-        const std::uint64_t most = session.isServed() ? kSeconds : kMostSeconds;
-        if (patience > most) {
-            throw UsageError("SECONDS are at most " + std::to_string(most) +
-                             (session.isServed() ? " in a server's shell" : ""));
+        if (patience > kMostSeconds) {
+            throw UsageError("SECONDS are at most " + std::to_string(kMostSeconds));
         }
         try {
-            store.catchUpTo(wanted, std::chrono::seconds(patience));
+            store.catchUpTo(wanted, std::chrono::seconds(patience),
+                            [&] { session.cancellation().throwIfCancelled(); });
         } catch (const HostError& failure) {
             throw AnswerError(failure.what());
         }

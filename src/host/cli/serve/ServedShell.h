@@ -52,6 +52,8 @@ public:
     void serve();
     /// Ends it soon; the client gets to know why. Any thread.
     void stop(const char* why) noexcept { over(why); }
+    /// The user and the number: "alice, shell 3".
+    const std::string& author() const { return mAuthor; }
 
 private:
     /// A message that is answered.
@@ -78,7 +80,7 @@ private:
     ShellChannel& mChannel;
     const ShellHello mHello;
     const std::string mUser;
-    const std::string mAuthor; ///< "alice, shell 3"
+    const std::string mAuthor;
 
     std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;

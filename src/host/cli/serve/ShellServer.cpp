@@ -175,7 +175,14 @@ bool ShellServer::end(Deadline deadline) {
         mChanged.wait_until(lock, std::min(deadline, std::chrono::steady_clock::now() + kFarewell),
                             [this] { return mShells.empty(); });
     }
-    return mListener->end(deadline);
+    if (mListener->end(deadline)) {
+        return true;
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    for (const ServedShell* shell : mShells) {
+        logServer(4, shell->author() + ": is still at work");
+    }
+    return false;
 }
 
 }

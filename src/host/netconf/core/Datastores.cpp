@@ -62,12 +62,23 @@ Datastores::~Datastores() {
     mTimeOver.stop();
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     dropCandidate();
+    contain("a confirmed commit is left", [this] { logUnconfirmed(); });
+}
+
+void Datastores::logUnconfirmed() const {
     if (mUnconfirmed) {
-        contain("a confirmed commit is left", [this] {
-            logServer(4, "the server ends, and what the confirmed commit of " +
-                             mUnconfirmed->author() +
-                             " has changed stays: it was neither confirmed nor taken back");
-        });
+        logServer(4, "the server ends, and what the confirmed commit of " + mUnconfirmed->author() +
+                         " has changed stays: it was neither confirmed nor taken back");
+    }
+}
+
+void Datastores::logWhatStays() const {
+    const std::unique_lock<std::mutex> lock(mRunningMutex, std::try_to_lock);
+    if (lock) {
+        logUnconfirmed();
+    } else {
+        logServer(4, "the server ends while running is written to: what a confirmed commit has "
+                     "changed stays, if one waits");
     }
 }
 

@@ -86,6 +86,10 @@ public:
     /// this one has left there is logged, once. Before the sessions. Throws FileError.
     void noteUnconfirmedIn(const std::filesystem::path& file);
 
+    /// Logs what this object would say when it is destroyed, for a process that ends without that.
+    /// Does not wait for a request.
+    void logWhatStays() const;
+
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
     /// Runs \p read on a state that does not change meanwhile.
     void read(NetconfSession& session, Datastore store, const Read& read);
@@ -139,6 +143,7 @@ private:
     void takeBack();
     void takeBackUnasked(const std::string& reason);
     void endWaiting();
+    void logUnconfirmed() const;
     void undoAll();
     bool undo();
     void onTimeOver();
@@ -164,8 +169,8 @@ private:
     mutable std::mutex mLockMutex; ///< guards mLocks
     std::map<Datastore, Lock> mLocks;
 
-    std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
-    UnconfirmedNote mNote;    ///< guarded by it, or by what waits
+    mutable std::mutex mRunningMutex; ///< one edit at a time; nothing commits meanwhile
+    UnconfirmedNote mNote;            ///< guarded by it, or by what waits
     std::unique_ptr<ConfirmedCommit> mUnconfirmed; ///< guarded by it; null: none waits
     std::chrono::seconds mUndoingPause{10};
 

@@ -60,6 +60,9 @@ public:
     /// See Datastores::noteUnconfirmedIn.
     void noteUnconfirmedIn(const std::filesystem::path& file) { mStores.noteUnconfirmedIn(file); }
 
+    /// See Datastores::logWhatStays.
+    void logWhatStays() const { mStores.logWhatStays(); }
+
     /// See Datastores::commitBeside.
     void commitBeside(const std::string& user, const std::function<void()>& commit) {
         mStores.commitBeside(user, commit);

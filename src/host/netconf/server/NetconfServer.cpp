@@ -125,6 +125,11 @@ bool NetconfServer::end(std::chrono::milliseconds patience) {
     return mParts->end(std::chrono::steady_clock::now() + patience);
 }
 
+void NetconfServer::logWhatStays() {
+    mParts->hub.logWhoIsAtWork();
+    mParts->hub.dispatcher().logWhatStays();
+}
+
 void NetconfServer::commitBeside(const std::string& user, const std::function<void()>& commit) {
     mParts->hub.dispatcher().commitBeside(user, commit);
 }

@@ -373,4 +373,11 @@ void SessionHub::endAll() {
     }
 }
 
+void SessionHub::logWhoIsAtWork() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    for (const auto& [id, entry] : mSessions) {
+        logServer(4, entry.served->session.author() + ": is still at work");
+    }
+}
+
 }

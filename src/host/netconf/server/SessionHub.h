@@ -43,6 +43,9 @@ public:
     /// ends at the next place where it can.
     void endAll();
 
+    /// Logs which sessions are still at work.
+    void logWhoIsAtWork();
+
     /// The answer to one request, for the library's callbacks.
     Dispatcher& dispatcher() { return mDispatcher; }
 
