@@ -6,6 +6,7 @@
 #include <dlfcn.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 
 namespace Scripted {
@@ -14,7 +15,9 @@ namespace {
 
 std::string pathFrom(const char* variable, const char* fallback) {
     const char* path = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): nobody sets it
-    return path != nullptr ? path : fallback;
+    return path != nullptr
+               ? path
+               : std::filesystem::read_symlink("/proc/self/exe").parent_path() / fallback;
 }
 
 std::string lastError() {

@@ -11,8 +11,8 @@ namespace Scripted {
 /// A shared object while it is open. Its symbols serve what is opened later.
 class SharedObject {
 public:
-    /// Opens what the environment variable \p variable names, or else \p fallback. Throws
-    /// std::runtime_error if that cannot be done.
+    /// Opens what the environment variable \p variable names, or else \p fallback, a path as seen
+    /// from the folder of the program. Throws std::runtime_error if that cannot be done.
     SharedObject(const char* variable, const char* fallback);
     SharedObject(const SharedObject&) = delete;
     SharedObject& operator=(const SharedObject&) = delete;
