@@ -57,8 +57,8 @@ bool ClientSession::write(const std::function<void(unsigned long txHandle)>& wor
         return false;
     }
     const OpenTransactions::Entry own{"", mHost.transactions().begin(mAuthor), 0};
-    mTransactions.addUnnamed(own.handle);
     try {
+        mTransactions.addUnnamed(own.handle);
         work(own.handle);
         mCancellation.throwIfCancelled();
         passGate([&] { commitNow(own); });
@@ -72,8 +72,15 @@ bool ClientSession::write(const std::function<void(unsigned long txHandle)>& wor
 
 const OpenTransactions::Entry& ClientSession::begin(const std::string& name) {
     mTransactions.requireFree(name);
-    mTransactions.add(name, mHost.transactions().begin(mAuthor));
-    return mTransactions.require(name);
+    const unsigned long handle = mHost.transactions().begin(mAuthor);
+    try {
+        mTransactions.add(name, handle);
+        return mTransactions.require(name);
+    } catch (...) {
+        mHost.transactions().abort(handle);
+        mTransactions.remove(handle);
+        throw;
+    }
 }
 
 void ClientSession::validate(const OpenTransactions::Entry& transaction) {

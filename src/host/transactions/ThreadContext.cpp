@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
+#include <new>
 #include <utility>
 
 namespace OrvHost {
@@ -67,7 +68,13 @@ std::size_t ThreadContext::size() const {
 std::vector<ThreadContext::Message> ThreadContext::take(std::size_t mark) {
     std::vector<Message>& all = messages();
     const auto first = all.begin() + static_cast<std::ptrdiff_t>(std::min(mark, all.size()));
-    std::vector<Message> taken(std::make_move_iterator(first), std::make_move_iterator(all.end()));
+    std::vector<Message> taken;
+    try {
+        taken.assign(std::make_move_iterator(first), std::make_move_iterator(all.end()));
+    } catch (const std::bad_alloc&) {
+        all.erase(first, all.end()); // they are not those of the thread's next request
+        throw;
+    }
     all.erase(first, all.end());
     return taken;
 }

@@ -33,12 +33,24 @@ OrvReturnT call(OrvReturnT (*slot)(unsigned long), unsigned long txHandle) {
     return Orv::shielded([&] { return slot(txHandle); });
 }
 
-void addReason(TransactionOutcome& outcome, const std::string& reason) {
-    outcome.reason += (outcome.reason.empty() ? "" : "; ") + reason;
+// Calls \p work, which makes texts for people. A transaction goes its way without them if that
+// fails, for want of memory: an exception would leave it in the middle, with its objects, for good.
+template <class Work>
+void tryToTell(const Work& work) noexcept {
+    try {
+        work();
+    } catch (...) { // NOLINT(bugprone-empty-catch): the text gives way
+    }
+}
+
+template <class Reason>
+void addReason(TransactionOutcome& outcome, const Reason& reason) noexcept {
+    tryToTell([&] { outcome.reason += (outcome.reason.empty() ? "" : "; ") + reason(); });
 }
 
 // The code of the outcome is that of the first refusal; the reasons of all refusals are joined.
-void refuse(TransactionOutcome& outcome, OrvReturnT code, const std::string& reason) {
+template <class Reason>
+void refuse(TransactionOutcome& outcome, OrvReturnT code, const Reason& reason) noexcept {
     outcome.accepted = false;
     outcome.code = outcome.code == OrvOk ? code : outcome.code;
     addReason(outcome, reason);
@@ -48,9 +60,10 @@ void validateOne(const Resource& resource, unsigned long txHandle, TransactionOu
     bool isContent = false;
     const OrvReturnT code = Orv::shielded([&] { return resource.validate(txHandle, &isContent); });
     if (code != OrvOk) {
-        refuse(outcome, OrvValidationFailed, answered(resource, "validate", code));
+        refuse(outcome, OrvValidationFailed, [&] { return answered(resource, "validate", code); });
     } else if (!isContent) {
-        refuse(outcome, OrvValidationFailed, nameOf(resource) + " found the transaction invalid");
+        refuse(outcome, OrvValidationFailed,
+               [&] { return nameOf(resource) + " found the transaction invalid"; });
     }
 }
 
@@ -86,12 +99,14 @@ OrvReturnT joinFn(unsigned long txHandle, Resource* resource) {
 // them in the thread context, so they go back there.
 OrvReturnT answerOf(TransactionOutcome outcome) {
     ThreadContext& context = theService->threadContext();
-    for (ThreadContext::Message& message : outcome.messages) {
-        context.addMessage(message.kind, std::move(message.text));
-    }
-    if (!outcome.reason.empty()) {
-        context.addMessage(ThreadContext::Verdict, std::move(outcome.reason));
-    }
+    tryToTell([&] {
+        for (ThreadContext::Message& message : outcome.messages) {
+            context.addMessage(message.kind, std::move(message.text));
+        }
+        if (!outcome.reason.empty()) {
+            context.addMessage(ThreadContext::Verdict, std::move(outcome.reason));
+        }
+    });
     return outcome.code;
 }
 
@@ -150,12 +165,16 @@ unsigned long TransactionService::begin(std::string author) {
         mTransactions.emplace(mNextHandle, begun);
         ++mNextHandle;
     }
-    for (Resource* resource : mInEach) {
-        const OrvReturnT code = join(begun->handle, resource);
-        if (code != OrvOk) {
-            abort(begun->handle);
-            throw HostError(code, answered(*resource, "join", code));
+    try {
+        for (Resource* resource : mInEach) {
+            const OrvReturnT code = join(begun->handle, resource);
+            if (code != OrvOk) {
+                throw HostError(code, answered(*resource, "join", code));
+            }
         }
+    } catch (...) {
+        abort(begun->handle);
+        throw;
     }
     return begun->handle;
 }
@@ -202,12 +221,14 @@ TransactionService::TransactionPtr TransactionService::take(unsigned long txHand
     const std::lock_guard<std::mutex> guard(mMutex);
     const auto found = mTransactions.find(txHandle);
     if (found == mTransactions.end()) {
-        refuse(outcome, OrvNotActive, "there is no transaction " + std::to_string(txHandle));
+        refuse(outcome, OrvNotActive,
+               [&] { return "there is no transaction " + std::to_string(txHandle); });
         return nullptr;
     }
     if (found->second->isBusy) {
-        refuse(outcome, OrvHostWrongState,
-               "transaction " + std::to_string(txHandle) + " is in the middle of a phase");
+        refuse(outcome, OrvHostWrongState, [&] {
+            return "transaction " + std::to_string(txHandle) + " is in the middle of a phase";
+        });
         return nullptr;
     }
     found->second->isBusy = true;
@@ -244,7 +265,7 @@ void TransactionService::prepareAll(const Transaction& transaction,
     for (std::size_t at = 0; const Resource* next = participant(transaction, at); ++at) {
         const OrvReturnT code = call(next->prepare, transaction.handle);
         if (code != OrvOk) {
-            refuse(outcome, code, answered(*next, "prepare", code));
+            refuse(outcome, code, [&] { return answered(*next, "prepare", code); });
             return;
         }
     }
@@ -260,11 +281,11 @@ void TransactionService::commitAll(const Transaction& transaction,
         // The others have not committed, so they can still abort. Nothing is committed then, but
         // for OrvHostOutcomeUnknown, where nobody knows.
         if (at == 0) {
-            refuse(outcome, code, answered(*next, "commit", code));
+            refuse(outcome, code, [&] { return answered(*next, "commit", code); });
             return;
         }
         // Others have committed: it is too late to abort.
-        addReason(outcome, answered(*next, "commit", code));
+        addReason(outcome, [&] { return answered(*next, "commit", code); });
     }
 }
 
@@ -273,7 +294,7 @@ void TransactionService::abortParticipants(const Transaction& transaction,
     for (std::size_t at = 0; const Resource* next = participant(transaction, at); ++at) {
         const OrvReturnT code = call(next->abort, transaction.handle);
         if (code != OrvOk) {
-            addReason(outcome, answered(*next, "abort", code));
+            addReason(outcome, [&] { return answered(*next, "abort", code); });
         }
     }
 }
@@ -282,7 +303,7 @@ void TransactionService::finish(const Transaction& transaction, TransactionOutco
     for (std::size_t at = 0; const Resource* next = participant(transaction, at); ++at) {
         const OrvReturnT code = call(next->finish, transaction.handle);
         if (code != OrvOk) {
-            addReason(outcome, answered(*next, "finish", code));
+            addReason(outcome, [&] { return answered(*next, "finish", code); });
         }
     }
     const std::lock_guard<std::mutex> guard(mMutex);
@@ -294,8 +315,8 @@ TransactionOutcome TransactionService::validate(unsigned long txHandle) {
     if (const TransactionPtr taken = take(txHandle, outcome)) {
         const std::size_t mark = mThreadContext.size();
         validateAll(*taken, outcome);
-        outcome.messages = mThreadContext.take(mark);
         reopen(*taken);
+        outcome.messages = mThreadContext.take(mark);
     }
     return outcome;
 }
@@ -317,18 +338,17 @@ TransactionOutcome TransactionService::commit(unsigned long txHandle,
     if (outcome.accepted) {
         commitAll(*taken, outcome);
     }
-    outcome.messages = mThreadContext.take(mark);
     if (!outcome.accepted) {
-        if (beforeAbort) {
-            beforeAbort(outcome);
-        }
+        tryToTell([&] {
+            addMessages(outcome, mark);
+            if (beforeAbort) {
+                beforeAbort(outcome);
+            }
+        });
         abortParticipants(*taken, outcome);
     }
     finish(*taken, outcome);
-    // Messages that came during abort and finish.
-    for (ThreadContext::Message& message : mThreadContext.take(mark)) {
-        outcome.messages.push_back(std::move(message));
-    }
+    tryToTell([&] { addMessages(outcome, mark); });
     return outcome;
 }
 
@@ -339,9 +359,16 @@ TransactionOutcome TransactionService::abort(unsigned long txHandle) {
         closeToJoiners(*taken);
         abortParticipants(*taken, outcome);
         finish(*taken, outcome);
-        outcome.messages = mThreadContext.take(mark);
+        tryToTell([&] { addMessages(outcome, mark); });
     }
     return outcome;
+}
+
+/// Those that have come since \p mark.
+void TransactionService::addMessages(TransactionOutcome& outcome, std::size_t mark) {
+    for (ThreadContext::Message& message : mThreadContext.take(mark)) {
+        outcome.messages.push_back(std::move(message));
+    }
 }
 
 void TransactionService::abortAll() {

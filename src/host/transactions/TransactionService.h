@@ -43,6 +43,8 @@ struct TransactionOutcome {
 /// participant refuses at commit. After one participant has committed, abort is not possible any
 /// more: refusals of later ones only appear in `reason`.
 ///
+/// Without memory for reasons and messages, commit and abort go on without them.
+///
 /// Threads: any; a transaction is driven by one thread at a time, and a second one that tries is
 /// refused. No lock is held while a participant is called. Only one object at a time can live in a
 /// process, since the functions of the tables get no object argument.
@@ -71,7 +73,8 @@ public:
     using BeforeAbort = std::function<void(const TransactionOutcome& refused)>;
 
     /// Validates, prepares, commits and finishes; after a refusal aborts and finishes. \p
-    /// beforeAbort is called between the refusal and the abort; it may be empty and must not throw.
+    /// beforeAbort is called between the refusal and the abort; it may be empty. What it throws
+    /// is dropped.
     TransactionOutcome commit(unsigned long txHandle, const BeforeAbort& beforeAbort = {});
     TransactionOutcome abort(unsigned long txHandle);
     /// Aborts every open transaction. For a host that stops its components; no other thread may
@@ -107,6 +110,7 @@ private:
     void commitAll(const Transaction& transaction, TransactionOutcome& outcome) const;
     void abortParticipants(const Transaction& transaction, TransactionOutcome& outcome) const;
     void finish(const Transaction& transaction, TransactionOutcome& outcome);
+    void addMessages(TransactionOutcome& outcome, std::size_t mark);
 
     OnlyOne<TransactionService> mOnlyOne;
     ThreadContext& mThreadContext;

@@ -4,41 +4,8 @@
 // What becomes of a server when memory runs out in one of its shells: nothing. The process's
 // operator new is replaced for that, so this test has a program of its own.
 
+#include "FailingAllocations.h"
 #include "ShellScene.h"
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-thread_local bool isOfTest = false;
-/// How many allocations of other threads still succeed, until one fails; below zero: all do.
-std::atomic<long> left{-1};
-
-bool mayAllocate() {
-    return isOfTest || left < 0 || left.fetch_sub(1) != 0;
-}
-
-}
-
-// Out of line, so that the compiler does not take a `delete` for a `free` of the wrong block.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    void* const block = mayAllocate() ? std::malloc(size) : nullptr;
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return mayAllocate() ? std::malloc(size) : nullptr;
-}
-__attribute__((noinline)) void operator delete(void* block) noexcept {
-    std::free(block);
-}
-__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
 
 namespace OrvHost {
 namespace {
@@ -47,7 +14,7 @@ namespace {
 class ServedShellMemoryTest : public ShellScene, public testing::WithParamInterface<bool> {};
 
 TEST_P(ServedShellMemoryTest, AnAllocationThatFails_EndsAtMostItsShell) {
-    isOfTest = true;
+    const FailingAllocations::Spared spared;
     const std::string unit = "ManagedElement=Harbour,Equipment=1,RadioUnit=9";
     ShellLook look;
     look.json = GetParam();
@@ -55,7 +22,7 @@ TEST_P(ServedShellMemoryTest, AnAllocationThatFails_EndsAtMostItsShell) {
     bool hasFailed = true;
     int ended = 0;
     for (long number = 0; hasFailed; number += number < 200 ? 1 : 1 + number / 20) {
-        left = number;
+        FailingAllocations::failAfter(number);
         {
             ShellClient client(path, look);
             client.ask("watch /");
@@ -71,7 +38,7 @@ TEST_P(ServedShellMemoryTest, AnAllocationThatFails_EndsAtMostItsShell) {
             }
             ended += client.hasEnded() ? 1 : 0;
         }
-        hasFailed = left.exchange(-1) < 0;
+        hasFailed = FailingAllocations::stop();
         ASSERT_EQ(ShellClient(path).ask("exists " + unit), "no\n") << "after " << number;
         ASSERT_TRUE(comesTrue([&] { return host.transactions().openCount() == 0; })) << number;
     }

@@ -522,21 +522,26 @@ void Datastores::unlock(NetconfSession& session, Datastore store) {
 
 void Datastores::end(std::uint32_t sessionId) {
     const std::scoped_lock stores(mRunningMutex, mCandidateMutex);
+    mEditors.erase(sessionId);
+    mLost.erase(sessionId);
+    releaseLocks(sessionId);
     if (mUnconfirmed && !mUnconfirmed->isPersistent() && mUnconfirmed->owner() == sessionId) {
         takeBackUnasked("its session has ended");
     }
-    mEditors.erase(sessionId);
-    mLost.erase(sessionId);
+}
+
+void Datastores::releaseLocks(std::uint32_t sessionId) {
     const std::lock_guard<std::mutex> lock(mLockMutex);
     for (auto one = mLocks.begin(); one != mLocks.end();) {
         if (one->second.session != sessionId) {
             ++one;
             continue;
         }
-        if (one->first == Datastore::Candidate) {
-            dropCandidate();
-        }
+        const bool isOfCandidate = one->first == Datastore::Candidate;
         one = mLocks.erase(one);
+        if (isOfCandidate) {
+            contain("the candidate of an ended session stays", [this] { dropCandidate(); });
+        }
     }
 }
 

@@ -156,6 +156,7 @@ private:
     void abortCandidate();
     void forgetEdits();
     void dropCandidate();
+    void releaseLocks(std::uint32_t sessionId);
     void loseCandidate(const std::string& reason);
     void throwIfLost(const NetconfSession& session);
     void replay(const NetconfSession* asking);

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: The orv_ext_cm authors
+// SPDX-License-Identifier: Apache-2.0
+
+// What becomes of the server's state when memory runs out in a session: one allocation after the
+// other fails, and each time nothing may be left behind.
+
+#include "DispatcherScene.h"
+#include "FailingAllocations.h"
+
+#include <new>
+
+namespace OrvHost {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class NetconfMemoryTest : public DispatcherScene {
+protected:
+    NetconfMemoryTest() { dispatcher.pauseUndoing(std::chrono::seconds(1)); }
+
+    /// As \p operation does it without memory at some place.
+    template <class Operation>
+    static void contain(const Operation& operation) {
+        try {
+            operation();
+        } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): what the test is about
+        }
+    }
+
+    /// All that a session does from its begin to its end, of which one allocation fails.
+    bool play(long number) {
+        NetconfSession session(host, ++mLastSession, {"dora"});
+        const auto edit = [](const std::string& store, const std::string& content) {
+            return "<edit-config><target><" + store + "/></target>" + tagged("config", content) +
+                   "</edit-config>";
+        };
+        const std::string label = element(tagged("userLabel", "changed"));
+        const std::string move = radioUnit("1", tagged("antennaRef", antenna(2, 1)));
+        const std::vector<std::string> operations{
+            std::string("<lock><target><candidate/></target></lock>"),
+            edit("candidate", move),
+            kValidate,
+            std::string("<get-config><source><candidate/></source></get-config>"),
+            std::string("<commit><confirmed/></commit>"),
+            edit("running", label),
+            edit("candidate", label),
+            std::string("<cancel-commit/>"),
+            std::string("<commit><confirmed/></commit>"),
+            std::string("<lock><target><running/></target></lock>")};
+        FailingAllocations::failAfter(number);
+        for (const std::string& operation : operations) {
+            contain([&] { ask(session, operation); });
+        }
+        contain([&] { dispatcher.end(session); });
+        return FailingAllocations::stop();
+    }
+
+private:
+    std::uint32_t mLastSession = 100;
+};
+
+TEST_F(NetconfMemoryTest, AnAllocationThatFails_LeavesNothingBehind) {
+    const std::string before = getConfig("");
+    bool hasFailed = true;
+    long number = 0;
+    for (; hasFailed; number += number < 200 ? 1 : 1 + number / 20) {
+        hasFailed = play(number);
+        for (const char* store : {"running", "candidate"}) {
+            const std::string target = tagged("target", "<" + std::string(store) + "/>");
+            EXPECT_TRUE(comesTrue([&] { return ask(tagged("lock", target)) == "ok"; }))
+                << store << " after " << number << ": " << ask(tagged("lock", target));
+            ask(tagged("unlock", target));
+        }
+        EXPECT_EQ(ask("<discard-changes/>"), "ok") << number;
+        ASSERT_EQ(host.transactions().openCount(), 0) << number;
+        ASSERT_EQ(getConfig(""), before) << number;
+    }
+    EXPECT_GT(number, 1000) << "failures must have been met in all steps";
+}
+
+}
+}
