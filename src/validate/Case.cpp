@@ -4,10 +4,14 @@
 #include "Case.h"
 
 #include "ChildProcess.h"
+#include "Story.h"
+#include "StoryLayout.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
@@ -73,21 +77,23 @@ bool beginsWith(const std::string& line, const char* text) {
     return line.rfind(text, 0) == 0;
 }
 
-// The lines between those that frame a case.
+// The lines between those that frame a case; all if it has not even begun.
 std::string storyIn(const std::string& output) {
     std::string story;
     std::istringstream lines(output);
     bool isInside = false;
+    bool hasBegun = false;
     for (std::string line; std::getline(lines, line);) {
         if (beginsWith(line, "[ RUN      ]")) {
             isInside = true;
+            hasBegun = true;
         } else if (beginsWith(line, "[  FAILED  ]")) {
             isInside = false;
         } else if (isInside) {
             story += line + "\n";
         }
     }
-    return story.empty() ? output : story;
+    return hasBegun ? story : output;
 }
 
 // A component that ends the process with status 0 must not make a case pass.
@@ -95,24 +101,44 @@ bool saysPassed(const std::string& output) {
     return output.find("[  PASSED  ] 1 test.") != std::string::npos;
 }
 
-void judge(const ChildEnd& end, std::chrono::seconds limit, CaseResult& result) {
+// ", in orvLCMinit", or nothing if the component was not being called. The names come from memory
+// that the component can write into: in a reason they must be words.
+std::string placeOf(const Story& story) {
+    std::string place;
+    for (const std::string& name : story.underWay()) {
+        place += place.empty() ? ", in " : ", ";
+        std::copy_if(name.begin(), name.end(), std::back_inserter(place), [](unsigned char each) {
+            return std::isalnum(each) != 0 || each == '_' || each == '.' || each == ' ';
+        });
+    }
+    return place;
+}
+
+void judge(const ChildEnd& end, const Story& story, std::chrono::seconds limit,
+           CaseResult& result) {
+    if (end.isInTime && end.status == 0 && saysPassed(end.output)) {
+        return;
+    }
+    const std::string said = storyIn(end.output);
+    if (end.isInTime && !WIFSIGNALED(end.status) &&
+        end.output.find("[  FAILED  ]") != std::string::npos) {
+        result.verdict = Verdict::Failed;
+        result.reason = "an expectation was not met";
+        result.story = said + story.steps();
+        return;
+    }
     if (!end.isInTime) {
         result.verdict = Verdict::TimedOut;
         result.reason = "not done after " + std::to_string(limit.count()) + " seconds";
-    } else if (WIFSIGNALED(end.status)) {
-        result.verdict = Verdict::Crashed;
-        result.reason = breakdown(end.status);
-    } else if (saysPassed(end.output) && end.status == 0) {
-        return;
-    } else if (end.output.find("[  FAILED  ]") != std::string::npos) {
-        result.verdict = Verdict::Failed;
-        result.reason = "an expectation was not met";
     } else {
         result.verdict = Verdict::Crashed;
-        result.reason = "the process ended in the middle of the case, with status " +
-                        std::to_string(WEXITSTATUS(end.status));
+        result.reason = WIFSIGNALED(end.status)
+                            ? breakdown(end.status)
+                            : "the process ended in the middle of the case, with status " +
+                                  std::to_string(WEXITSTATUS(end.status));
     }
-    result.story = storyIn(end.output);
+    result.reason += placeOf(story);
+    result.story = said + story.text();
 }
 
 }
@@ -152,8 +178,11 @@ std::vector<Case> listCases(const CaseFiles& files, const std::vector<std::strin
 CaseResult runCase(const Case& which, std::chrono::seconds limit) {
     const auto start = std::chrono::steady_clock::now();
     CaseResult result;
-    judge(runChild({which.program, "--gtest_color=no", "--gtest_filter=" + which.name}, limit),
-          limit, result);
+    const Story story;
+    const ChildEnd end =
+        runChild({which.program, "--gtest_color=no", "--gtest_filter=" + which.name}, limit,
+                 story.descriptor(), kStoryDescriptor);
+    judge(end, story, limit, result);
     result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - start);
     return result;

@@ -39,7 +39,7 @@ enum class Verdict { Passed, Failed, Crashed, TimedOut };
 struct CaseResult {
     Verdict verdict = Verdict::Passed;
     std::string reason; ///< one line; empty if it passed
-    std::string story;  ///< what was expected, what came, and the calls that the host got
+    std::string story;  ///< what was expected, what came, what the host did
     std::chrono::milliseconds duration{0};
 };
 

@@ -89,6 +89,15 @@ void becomeChild(pid_t parent, int output) {
     dup2(output, STDERR_FILENO);
 }
 
+// In the child: the file stays open when a program is run.
+void keepOpen(int descriptor, int number) {
+    if (descriptor == number) {
+        fcntl(descriptor, F_SETFD, 0);
+    } else {
+        dup2(descriptor, number);
+    }
+}
+
 pid_t forkChild(int output, const std::function<void()>& work) {
     const pid_t parent = getpid();
     const pid_t child = fork();
@@ -230,12 +239,20 @@ ChildEnd runChild(const std::function<void()>& work, std::chrono::seconds limit)
 }
 
 ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit) {
+    return runChild(arguments, limit, -1, -1);
+}
+
+ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit,
+                  int descriptor, int number) {
     if (access(arguments.front().c_str(), X_OK) != 0) {
         failWith(errno, arguments.front());
     }
     const std::vector<char*> pointers = argumentPointers(arguments);
     return runChild(
-        [&pointers] {
+        [&pointers, descriptor, number] {
+            if (descriptor >= 0) {
+                keepOpen(descriptor, number);
+            }
             execv(pointers.front(), pointers.data());
             _exit(kCannotRun);
         },

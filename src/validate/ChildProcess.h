@@ -34,6 +34,10 @@ void watchForInterruption();
 /// thread. Throws std::system_error if it cannot be run, and Interrupted.
 ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit);
 
+/// The same; the program has the file \p descriptor open under the number \p number.
+ChildEnd runChild(const std::vector<std::string>& arguments, std::chrono::seconds limit,
+                  int descriptor, int number);
+
 /// The same with \p work in place of a program: what follows a fork, so no other thread may run.
 /// The child ends with status 0 when the work is done.
 ChildEnd runChild(const std::function<void()>& work, std::chrono::seconds limit);

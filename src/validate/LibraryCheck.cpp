@@ -4,6 +4,7 @@
 #include "LibraryCheck.h"
 
 #include "ChildProcess.h"
+#include "MemoryFile.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,6 @@
 
 #include <dlfcn.h>
 #include <elf.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace OrvValidate {
@@ -82,32 +82,14 @@ std::string whyNotLinkable(const std::string& path) {
     return "";
 }
 
-// A file of the kernel without a name: it keeps what the child has said, however that ends.
-class Note {
-public:
-    Note() : mFile(memfd_create("verdict", MFD_CLOEXEC)) {
-        if (mFile < 0) {
-            throw std::system_error(errno, std::generic_category(), "memfd_create");
-        }
-    }
-    Note(const Note&) = delete;
-    Note& operator=(const Note&) = delete;
-    ~Note() { close(mFile); }
+constexpr std::size_t kLongestVerdict = 4096;
 
-    void write(const std::string& text) const {
-        if (::write(mFile, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-            _exit(1);
-        }
+// In the child: without its verdict it must not end as if it had one.
+void write(const std::string& verdict, const MemoryFile& file) {
+    if (!file.write(verdict.data(), verdict.size())) {
+        _exit(1);
     }
-    std::string read() const {
-        char text[4096];
-        const ssize_t count = pread(mFile, text, sizeof text, 0);
-        return {text, static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
-    }
-
-private:
-    int mFile;
-};
+}
 
 std::string whyNotLoaded(const ChildEnd& end, std::chrono::seconds limit) {
     const std::string problem = breakdown(end.status);
@@ -125,14 +107,14 @@ std::string whyNotLoadable(const std::string& path, std::chrono::seconds limit) 
     if (!problem.empty()) {
         return problem;
     }
-    const Note note;
+    const MemoryFile file;
     const ChildEnd end = runChild(
         [&] {
             const std::string reason = whyNotLinkable(path);
-            note.write(reason.empty() ? kLoadable : reason);
+            write(reason.empty() ? kLoadable : reason, file);
         },
         limit);
-    const std::string verdict = note.read();
+    const std::string verdict = file.read(kLongestVerdict);
     if (!end.isInTime || verdict.empty()) {
         return whyNotLoaded(end, limit);
     }

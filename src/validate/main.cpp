@@ -7,6 +7,7 @@
 #include "ChildProcess.h"
 #include "LibraryCheck.h"
 #include "Report.h"
+#include "StoryLayout.h"
 
 #include <CLI/CLI.hpp>
 
@@ -228,6 +229,7 @@ void setEnvironment(const std::string& library, const CaseFiles& files) {
     // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs yet
     setenv("ORV_COMPONENT_LIBRARY", library.c_str(), 1);
     setenv("ORV_COMPONENT_PROBE", files.probe.c_str(), 1);
+    setenv(kStoryVariable, std::to_string(kStoryDescriptor).c_str(), 1);
     // NOLINTEND(concurrency-mt-unsafe)
 }
 

@@ -58,8 +58,8 @@ TEST_F(Transactions, TwoHandles_JoinTwiceWithTheSameResource) {
     ASSERT_EQ(calls.size(), 2U);
     EXPECT_EQ(calls[0].text(), joined(5));
     EXPECT_EQ(calls[1].text(), joined(6));
-    EXPECT_EQ(calls[0].arguments[1].address, &host.resource());
-    EXPECT_EQ(calls[1].arguments[1].address, &host.resource());
+    EXPECT_EQ(calls[0].arguments[1].address, host.record().interfaceArray[3]);
+    EXPECT_EQ(calls[1].arguments[1].address, host.record().interfaceArray[3]);
 }
 
 TEST_F(Transactions, TwoVersions_ShareOneEntry) {

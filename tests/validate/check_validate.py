@@ -99,6 +99,87 @@ def check_broken(checks, broken, folder):
         checks.run(name, NOT_LOADABLE, [broken[name], reason], broken[name], *one)
 
 
+SET = "OrvOamSpiManagedObject_3.setMoAttribute"
+OPEN = "OrvOamSpiManagedObject_3.newMoIterator"
+REFERENCES = ["--filter", "calls/Set.Reference_TheFarSideFollows", "--timeout", "2"]
+STORY = [ # of the case REFERENCES, with a component that does not come back from the second call
+    "  loading the component\n",
+    "  orvLCMinit(accessor, null) -> 0\n",
+    "    Portal1.registerComponent('OrvOamSpiExtCmRouterService') -> 0\n",
+    "  OrvMgmtSpiComponent_1.start(HostStart) -> 0\n",
+    f"  {SET}(1, 'ManagedElement=paris,Unit=7', 'cells', "
+    "MoRef['ManagedElement=paris,Cell=1', 'ManagedElement=paris,Cell=2']) -> 0\n",
+    f"> {SET}(1, 'ManagedElement=paris,Unit=7', 'cells', "
+    "MoRef['ManagedElement=paris,Cell=2', 'ManagedElement=paris,Cell=3']) has not returned\n",
+    "    Portal1.getInterface('broken', 'Nothing', '1') -> -2\n"]
+
+
+def are_in_order(parts, text):
+    """True if text has all the parts, each behind the one before it."""
+    place = 0
+    for part in parts:
+        place = text.find(part, place)
+        if place < 0:
+            return False
+        place += len(part)
+    return True
+
+
+def check_stories(checks, broken, library, folder):
+    """The call in which a component broke, its arguments, and what came before it."""
+    ends = {
+        "call_crashes": f"the process was ended by SIGSEGV, in {SET}",
+        "call_is_killed": f"the process was ended by SIGKILL, in {SET}",
+        "call_ends": f"the process ended in the middle of the case, with status 0, in {SET}"}
+    for name, reason in ends.items():
+        text = checks.run(name, FAILED, [reason], broken[name], *REFERENCES)
+        checks.expect(f"{name}: the story: {text}", are_in_order(STORY, text))
+        checks.expect(f"{name}: one step has not returned",
+                      text.count("\n    > ") == text.count("has not returned") == 1)
+    tap = checks.run("story in TAP", FAILED, [ends["call_crashes"]], broken["call_crashes"],
+                     "--format", "tap", *REFERENCES)
+    checks.expect(f"the story in TAP: {tap}", are_in_order(STORY, tap))
+    path = os.path.join(folder, "story.xml")
+    checks.run("story in JUnit", FAILED, [], broken["call_crashes"], "--format", "junit", "-o",
+               path, *REFERENCES)
+    error = ElementTree.parse(path).getroot().find(".//error")
+    checks.expect("the call in JUnit's message", error.get("message") == ends["call_crashes"])
+    checks.expect(f"the story in JUnit: {error.text}", are_in_order(STORY, error.text))
+
+    text = checks.run("throws", FAILED, ["FAILED  calls/Set.", "What the host did:\n"],
+                      broken["call_throws"], *REFERENCES)
+    checks.expect(f"what is thrown is in the story: {text}", are_in_order(
+        [f"{SET}(", " -> 0\n", f"{SET}(", " -> an exception\n", "stop(Requested) -> 0\n"], text))
+    # Many calls of the host take no step away, and many steps not the last one.
+    text = checks.run("asks", FAILED, [f"not done after 2 seconds, in {SET}"], broken["call_asks"],
+                      *REFERENCES)
+    checks.expect(f"the last calls are kept: {text}", are_in_order(
+        ["(883 earlier calls not shown)\n", "start(", f"> {SET}(", "'again'"], text))
+    checks.expect("120 calls", text.count(" Portal1.getInterface('again'") == 120)
+    text = checks.run("many steps", FAILED, [f"not done after 2 seconds, in {OPEN}"],
+                      broken["call_hangs_after_200"], "--timeout", "2", "--filter",
+                      "calls/Iteration.Thousands_AllDieWithTheirTransaction")
+    step = "(2, 'ManagedElement=paris', 'Unit') -> 0, 4711\n"
+    checks.expect(f"the last steps are kept: {text}", are_in_order(
+        ["(144 earlier steps not shown)\n", "(2 earlier calls not shown)\n", f"  {OPEN}{step}",
+         f"> {OPEN}(1, 'ManagedElement=paris', 'Unit') has not returned\n"], text))
+    checks.expect("60 steps", text.count(f" {OPEN}(") == 60)
+    # Values with which a case lies: one that contains itself, one that points nowhere.
+    hangs = [broken["call_hangs_after_0"], "--timeout", "1"]
+    checks.run("a ring", FAILED, [f"> {SET}(", "near: ..., inner: ...}]}]}]", ") has not returned"],
+               *hangs, "--filter", "hostile/RingOfStructs.EachOperation_Refuses")
+    checks.run("no pointer", FAILED, [f"> {SET}(", "String[?]) has not returned"], *hangs,
+               "--filter", "hostile/*/TextThatIsNoPointer")
+
+    text = checks.run("nothing under way", FAILED, ["status 0, in unloading the component\n"],
+                      broken["unload_ends"], "--filter", "calls/Init.BothPortals_*")
+    checks.expect("the end is told", are_in_order(["orvLCMterminate()\n",
+                                                   "> unloading the component has"], text))
+    text = checks.run("no story of what passes", PASSED, [], library, *FEW)
+    checks.expect("a case that passes is one line",
+                  len(text.splitlines()) == text.count("ok  ") + 1)
+
+
 def check_all_need_the_component(checks, crashes):
     """With a component that cannot even start, hardly anything may pass."""
     text = checks.run("all cases", FAILED, [], crashes)
@@ -228,6 +309,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         check_reports(checks, library, folder)
         check_broken(checks, broken, folder)
+        check_stories(checks, broken, library, folder)
         check_interruption(checks, broken["init_hangs"], folder)
         check_progress(checks, library, folder)
         check_not_loadable(checks, library, other_library, folder)

@@ -4,6 +4,7 @@
 #include "Clients.h"
 
 #include "Records.h"
+#include "Steps.h"
 
 #include <utility>
 
@@ -24,6 +25,7 @@ Read::Read(Read&& other) noexcept
 
 void Read::release() {
     if (code == OrvOk && record.release != nullptr && record.container != nullptr) {
+        const Step step(Called::Component, [] { return std::string("release of a value"); });
         record.release(record.container);
     }
     record = {nullptr, nullptr};
@@ -42,6 +44,7 @@ std::vector<Value> ReadMany::values() const {
 
 void ReadMany::release() {
     if (code == OrvOk && record.release != nullptr && record.containers != nullptr) {
+        const Step step(Called::Component, [] { return std::string("release of values"); });
         record.release(record.containers);
     }
     record = {nullptr, nullptr};

@@ -6,6 +6,8 @@
 #include "HostCode.h"
 #include "MeIdTranslator.h"
 #include "Portal.h"
+#include "Steps.h"
+#include "ToldTables.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +40,23 @@ Function slotOf(Function slot, const std::string& name) {
                                  "\nCame: a null pointer");
     }
     return slot;
+}
+
+// The call of the component that has this text.
+auto callOf(const char* text) {
+    return [text] { return std::string(text); };
+}
+
+const char* nameOf(OrvStateChangeReason reason) {
+    switch (reason) {
+    case OrvStateChangeReasonHostStart:
+        return "HostStart";
+    case OrvStateChangeReasonHostShutdown:
+        return "HostShutdown";
+    case OrvStateChangeReasonRequested:
+        return "Requested";
+    }
+    return "unknown";
 }
 
 // Those who read a failure without the sources want to know what the component did.
@@ -137,8 +156,15 @@ Host& Host::logLevel(unsigned int level) {
 
 Interceptor& Host::interceptor(const std::string& mocPath) {
     Interceptor& made = bareInterceptor(mocPath);
-    made.initialize();
-    EXPECT_EQ(made.registerClass(mocPath), OrvOk) << mocPath;
+    {
+        const Step step(Called::Component, callOf("MoInterceptorBase.initialize()"));
+        made.initialize();
+    }
+    {
+        Step step(Called::Component,
+                  [&] { return "ExtCmInterceptorRepository.registerClass('" + mocPath + "')"; });
+        EXPECT_EQ(step.answered(made.registerClass(mocPath)), OrvOk) << mocPath;
+    }
     forget();
     return made;
 }
@@ -154,34 +180,45 @@ Interceptor& Host::bareInterceptor(const std::string& name) {
 }
 
 void Host::load() {
+    const Step step(Called::Component, callOf("loading the component"));
     mComponent =
         std::make_unique<SharedObject>("ORV_COMPONENT_LIBRARY", ORV_COMPONENT_LIBRARY_DEFAULT);
 }
 
 OrvReturnT Host::init(const char* argument) {
     mInitialised = true;
-    return functionIn<InitFunction>(*mComponent, "orvLCMinit")(portalAccessor(), argument);
+    const auto init = functionIn<InitFunction>(*mComponent, "orvLCMinit");
+    Step step(Called::Component, [&] { return "orvLCMinit(accessor, " + quoted(argument) + ")"; });
+    return step.answered(init(portalAccessor(), argument));
 }
 
 OrvReturnT Host::initWithoutAccessor() {
-    return functionIn<InitFunction>(*mComponent, "orvLCMinit")(nullptr, nullptr);
+    const auto init = functionIn<InitFunction>(*mComponent, "orvLCMinit");
+    Step step(Called::Component, callOf("orvLCMinit(null, null)"));
+    return step.answered(init(nullptr, nullptr));
 }
 
 OrvReturnT Host::startComponent(OrvStateChangeReason reason) {
     const auto start = slotOf(record().start, "start");
     slotOf(record().stop, "stop"); // the destructor calls it
     mStarted = true;
-    return start(reason);
+    Step step(Called::Component,
+              [&] { return std::string("OrvMgmtSpiComponent_1.start(") + nameOf(reason) + ")"; });
+    return step.answered(start(reason));
 }
 
 OrvReturnT Host::stopComponent() {
     mStarted = false;
-    return record().stop(OrvStateChangeReasonRequested);
+    const auto stop = record().stop;
+    Step step(Called::Component, callOf("OrvMgmtSpiComponent_1.stop(Requested)"));
+    return step.answered(stop(OrvStateChangeReasonRequested));
 }
 
 void Host::terminate() {
     mInitialised = false;
-    functionIn<TerminateFunction>(*mComponent, "orvLCMterminate")();
+    const auto terminate = functionIn<TerminateFunction>(*mComponent, "orvLCMterminate");
+    const Step step(Called::Component, callOf("orvLCMterminate()"));
+    terminate();
 }
 
 void Host::unload() {
@@ -196,7 +233,10 @@ void Host::unload() {
     mProbe.reset();
     mStage.registered = nullptr;
     mStage.lastRecord = nullptr;
-    mComponent.reset();
+    if (mComponent) {
+        const Step step(Called::Component, callOf("unloading the component"));
+        mComponent.reset();
+    }
 }
 
 void Host::closeAsItIs() {
@@ -243,21 +283,23 @@ const VekMgmtSpiInterface_1& Host::offered(std::size_t index,
 }
 
 Client3 Host::client() const {
-    return Client3(as<OrvOamSpiManagedObject_3>(offered(1, OrvOamSpiManagedObject_3_ExtCmId)));
+    return Client3(
+        told(as<OrvOamSpiManagedObject_3>(offered(1, OrvOamSpiManagedObject_3_ExtCmId))));
 }
 
 Client3_1 Host::client3_1() const {
     return Client3_1(
-        as<VekOamSpiManagedObject_3_1>(offered(2, VekOamSpiManagedObject_3_1_ExtCmId)));
+        told(as<VekOamSpiManagedObject_3_1>(offered(2, VekOamSpiManagedObject_3_1_ExtCmId))));
 }
 
 Client1 Host::client1() const {
-    return Client1(as<OrvOamSpiManagedObject_1>(offered(0, OrvOamSpiManagedObject_1_ExtCmId)));
+    return Client1(
+        told(as<OrvOamSpiManagedObject_1>(offered(0, OrvOamSpiManagedObject_1_ExtCmId))));
 }
 
 const OrvOamSpiTransactionalResource_2& Host::resource() const {
-    return as<OrvOamSpiTransactionalResource_2>(
-        offered(3, OrvOamSpiTransactionalResource_2_ExtCmId));
+    return told(
+        as<OrvOamSpiTransactionalResource_2>(offered(3, OrvOamSpiTransactionalResource_2_ExtCmId)));
 }
 
 void Host::forget() {

@@ -76,6 +76,8 @@ public:
 
     // What the component offers. It must have been registered, or have tried: otherwise these, like
     // the steps that need its record, throw std::runtime_error, which says what is missing.
+    // The tables of the clients and the resource do what those in the record do; orv-validate is
+    // told of their calls.
     const OrvMgmtSpiComponent_1& record() const;
     OrvMgmtSpiComponent_1* registered() const { return mStage.registered; }
     Client3 client() const;

@@ -3,6 +3,8 @@
 
 #include "Script.h"
 
+#include "Steps.h"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -66,11 +68,17 @@ Departure& Script::when(const std::string& call) {
 
 OrvReturnT Script::play(Call call, const Act& act) {
     const std::shared_ptr<Departure> departure = departureFor(call);
-    record(call);
-    return departure ? departure->mAction(call, act) : act();
+    keep(call);
+    Step step(Called::Host, [&] { return call.text(); });
+    return step.answered(departure ? departure->mAction(call, act) : act());
 }
 
 void Script::record(Call call) {
+    const Step step(Called::Host, [&] { return call.text(); });
+    keep(std::move(call));
+}
+
+void Script::keep(Call call) {
     const std::lock_guard<std::mutex> guard(mMutex);
     if (mKeep) {
         mCalls.push_back(std::move(call));

@@ -100,6 +100,7 @@ public:
     void keepCalls(bool keep);
 
 private:
+    void keep(Call call);
     std::shared_ptr<Departure> departureFor(const Call& call);
 
     mutable std::mutex mMutex;
