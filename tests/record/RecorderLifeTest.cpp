@@ -5,6 +5,7 @@
 // it is legal with the component alone, and is to be so with the recorder in front of it. Each case
 // runs in a process of its own, and so has a recording of its own: see check_record.py.
 
+#include "FailingNew.h"
 #include "Host.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +15,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -140,6 +143,45 @@ TEST_F(RecorderLife, Forked_TheChildIsServedAndNotRecorded) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(host().client().get(1, kUnit, "label").value(), strings({"x"}));
+}
+
+// Each allocation of an operation fails in turn, the recorder's as well, always with an interceptor
+// that the recorder does not know yet.
+TEST_F(RecorderLife, NoMemory_TheInterceptorIsAskedByTheNextOperation) {
+    const Client3 client = host().client();
+    bool isSprung = true;
+    for (std::size_t failing = 1; isSprung; ++failing) {
+        ASSERT_LT(failing, 1000U);
+        const std::string name = "Unit" + std::to_string(failing);
+        const std::string path = "ManagedElement," + name;
+        const std::string dn = "ManagedElement=paris," + name + "=1";
+        host().interceptor(path);
+        {
+            const NewWatch watch(failing);
+            client.get(1, dn, "label");
+            isSprung = watch.sprung();
+        }
+        host().forget();
+        client.get(1, dn, "label");
+        EXPECT_THAT(host().calls(), Contains(StartsWith("Interceptor.getMoAttribute('" + path)));
+    }
+}
+
+// Run with a limit of file sizes that is reached; the file is looked at afterwards.
+TEST_F(RecorderLife, NoSpace_AllThreadsAreServed) {
+    const Value large = strings({std::string(20000, 'x')});
+    std::vector<std::thread> threads;
+    for (unsigned long tx = 1; tx <= 4; ++tx) {
+        threads.emplace_back([&large, tx] {
+            for (int times = 0; times < 20; ++times) {
+                EXPECT_EQ(host().client().set(tx, kUnit, "label", large), OrvOk);
+                EXPECT_EQ(host().client().exists(tx, kUnit).code, OrvOk);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 // The following end the process, and objects of the host that end with it release what they have.

@@ -14,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 
+HEAD = b"orv-record 1\n"
 SAME, DIFFERENT, USAGE, UNPLAYABLE = 0, 1, 2, 3
 LOAD_FAILED = 3
 
@@ -93,6 +94,7 @@ def check_lives(bench):
              "ClosedAndOpened_IsAFreshComponent": 2,
              "ClosedAsItIs_ValuesOfTheHostAreReleased": 1,
              "Forked_TheChildIsServedAndNotRecorded": 1,
+             "NoMemory_TheInterceptorIsAskedByTheNextOperation": 1,
              "EndOfProcess_Started": 1,
              "EndOfProcess_Terminated": 1,
              "EndOfProcess_ClosedByAStaticObject": 1}
@@ -104,6 +106,28 @@ def check_lives(bench):
         bench.expect(f"{case}: there are {openings} recordings", len(recordings) == openings,
                      str(recordings))
         bench.same(case, recordings)
+
+
+def is_whole(recording):
+    """True if there is one block behind the other, to the end."""
+    at = len(HEAD)
+    while at < len(recording) and recording[at:at + 1] == b"B":
+        at += 9 + int.from_bytes(recording[at + 1:at + 5], "little")
+    return recording.startswith(HEAD) and at == len(recording)
+
+
+def check_threads_without_space(bench):
+    """The thread whose block does not fit ends the recording; none writes behind it."""
+    limit = 250_000
+    for run in range(3):
+        recordings, _ = bench.record(
+            f"threads-{run}",
+            [bench.life_test, "--gtest_filter=RecorderLife.NoSpace_AllThreadsAreServed"],
+            limit=limit)
+        content = recordings[0].read_bytes()
+        bench.expect(f"recording {run} of {len(content)} bytes is near its limit",
+                     limit / 2 < len(content) <= limit)
+        bench.expect(f"recording {run} is whole", is_whole(content))
 
 
 def check_difference(bench, demo):
@@ -181,7 +205,7 @@ def call(side, shape, slot, values):
 
 def check_forged_files(bench, demo):
     """A file may come from anybody: what no recorder writes is told, and does no harm."""
-    head = b"orv-record 1\n"
+    head = HEAD
     init = call(COMPONENT, LIFE, 0, b"\1\0")
     get_portal = call(HOST, PORTAL, 0, number(2) + b"1")
     text = number(2) + b"x"
@@ -241,6 +265,7 @@ def main():
         demo = check_hosts(bench)
         check_difference(bench, demo)
         check_lives(bench)
+        check_threads_without_space(bench)
         check_soak(bench)
         check_bad_files(bench, demo)
         check_forged_files(bench, demo)

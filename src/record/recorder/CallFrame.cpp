@@ -99,6 +99,9 @@ RecordFile& recordFile() {
 }
 
 void noteBeforeNextCall(const std::string& events) {
+    if (!recordFile().isOn()) {
+        return; // nobody would take them
+    }
     Notes& notes = lasting<Notes>();
     const std::lock_guard lock(notes.mutex);
     notes.text += events;

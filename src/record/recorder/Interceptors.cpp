@@ -14,6 +14,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
+#include <utility>
 
 namespace OrvRecord {
 
@@ -82,8 +84,9 @@ public:
     VekMgmtSpiInterface_1* real() const { return mReal; }
 
     void follow(const std::string& path) {
-        MoInterceptorBase* const entered = mFunctions.find(mMemory, path);
+        // What is found must still hold when it is acted on: the lock comes first.
         const std::lock_guard lock(mMutex);
+        MoInterceptorBase* const entered = mFunctions.find(mMemory, path);
         Entry* const known = entryOf(path, entered != nullptr);
         if (known == nullptr) {
             return;
@@ -94,15 +97,17 @@ public:
         if (known->isEntered == (entered != nullptr)) {
             return;
         }
-        known->isEntered = entered != nullptr;
         std::string event;
-        if (known->isEntered) {
-            mFunctions.enter(mReal, *known->front, path);
+        if (entered != nullptr) {
+            if (mFunctions.enter(mReal, *known->front, path) != OrvOk) {
+                throw std::runtime_error("the component does not take an interceptor");
+            }
             EventWriter(event).entered(known->front->number(), path);
         } else {
             mFunctions.remove(mReal, path);
             EventWriter(event).text(EventKind::Removed, path);
         }
+        known->isEntered = entered != nullptr;
         noteBeforeNextCall(event);
     }
 
@@ -117,9 +122,8 @@ private:
         if (found != mEntries.end() || !isToBeMade) {
             return found != mEntries.end() ? &found->second : nullptr;
         }
-        Entry& made = mEntries[path];
-        made.front = std::make_unique<RecordedInterceptor>(++mLast);
-        return &made;
+        Entry made{std::make_unique<RecordedInterceptor>(++mLast)};
+        return &mEntries.emplace(path, std::move(made)).first->second;
     }
 
     InterceptorFunctions mFunctions;

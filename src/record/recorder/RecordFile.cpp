@@ -118,6 +118,7 @@ void RecordFile::write(std::string_view body) noexcept {
         return; // without the lock, which a thread of the parent may have had at the fork
     }
     const char* problem = nullptr;
+    bool isEnd = false;
     try {
         const std::string head = blockHead(body);
         const std::lock_guard lock(mMutex);
@@ -141,20 +142,26 @@ void RecordFile::write(std::string_view body) noexcept {
             }
             errno = before;
         }
+        // Before the lock is free: nobody may write behind what is missing.
+        isEnd = problem != nullptr && mIsOn.exchange(false);
     } catch (const std::exception&) {
-        problem = "there is no memory";
+        stop("there is no memory");
     }
-    if (problem != nullptr) {
-        stop(problem);
+    if (isEnd) {
+        tellEnd(problem);
     }
 }
 
 void RecordFile::stop(const char* why) noexcept {
+    if (mIsOn.exchange(false)) {
+        tellEnd(why);
+    }
+}
+
+void RecordFile::tellEnd(const char* why) const noexcept {
     try {
-        if (mIsOn.exchange(false)) {
-            tell(mPath + ": the recording ends here: " + why);
-        }
-    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+        tell(mPath + ": the recording ends here: " + why);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): there is nobody to tell
     }
 }
 

@@ -38,6 +38,8 @@ public:
     void stop(const char* why) noexcept;
 
 private:
+    void tellEnd(const char* why) const noexcept;
+
     inline static std::atomic<bool> _isForked{false};
 
     std::atomic<bool> mIsOn{false};
