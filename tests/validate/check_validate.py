@@ -29,7 +29,7 @@ class Checks:
     def run(self, name, code, parts, *arguments):
         """Runs the program; each of the parts must be in what it prints. Returns what it prints."""
         done = subprocess.run([self.program, *arguments], capture_output=True, text=True,
-                              timeout=300, check=False)
+                              timeout=1000, check=False) # all cases, with sanitizers
         text = done.stdout + done.stderr
         if done.returncode != code:
             self.problems.append(f"{name}: ended with {done.returncode}, expected {code}: {text}")
