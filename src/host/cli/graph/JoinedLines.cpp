@@ -34,10 +34,12 @@ std::string LineEnd::text() const {
     return text;
 }
 
-std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLines& lines) {
+std::vector<JoinedLine> joinLines(const TreePicture& picture, const PictureBoxes& boxes,
+                                  const ReferenceLines& lines) {
     std::vector<JoinedLine> joined;
     std::map<Kind, std::size_t> positions;
     for (const ReferenceLine& drawn : lines.all()) {
+        picture.throwIfCancelled();
         std::size_t from = boxes.find(drawn.from).value();
         std::size_t to = boxes.find(drawn.to).value();
         std::pair<const std::string*, std::size_t> there{&drawn.attribute, drawn.count};

@@ -36,8 +36,10 @@ struct JoinedLine {
 };
 
 /// \p lines from box to box, parallel ones as one. Lines that differ in kind or in being wrong, and
-/// one-way lines of different directions, stay apart.
-std::vector<JoinedLine> joinLines(const PictureBoxes& boxes, const ReferenceLines& lines);
+/// one-way lines of different directions, stay apart. Throws CancelledError, see
+/// TreePicture::token.
+std::vector<JoinedLine> joinLines(const TreePicture& picture, const PictureBoxes& boxes,
+                                  const ReferenceLines& lines);
 
 }
 

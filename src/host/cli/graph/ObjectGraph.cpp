@@ -80,7 +80,7 @@ ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines
       mViolations(violations),
       mOffer(std::move(offer)),
       mBoxes(picture, lines, mOffer.boxes),
-      mLines(joinLines(mBoxes, lines)),
+      mLines(joinLines(picture, mBoxes, lines)),
       mProblems(mBoxes.all().size()),
       mIsRed(mBoxes.all().size()) {
     findWhatIsWrong();
@@ -92,6 +92,7 @@ ObjectGraph::ObjectGraph(const TreePicture& picture, const ReferenceLines& lines
 
 void ObjectGraph::findWhatIsWrong() {
     for (const InstanceProblem& problem : mViolations) {
+        mPicture.throwIfCancelled();
         auto box = mBoxes.find(problem.dn);
         box = box ? box : mBoxes.find(problem.otherDn);
         if (box) {
@@ -138,6 +139,7 @@ std::string ObjectGraph::foldNote() const {
 
 void ObjectGraph::makeLabels() {
     for (std::size_t position = 0; position < mBoxes.all().size(); ++position) {
+        mPicture.throwIfCancelled();
         const PictureBox& box = mBoxes.all()[position];
         mLabels.emplace_back(titleOf(box), mIsRed[position]                ? kViolationColour
                                            : box.place == BoxPlace::Inside ? kTextColour
@@ -147,6 +149,7 @@ void ObjectGraph::makeLabels() {
 
 void ObjectGraph::addEnds() {
     for (const JoinedLine& line : mLines) {
+        mPicture.throwIfCancelled();
         if (line.from == line.to) {
             const char* colour = line.isWrong ? kViolationColour : kReferenceColour;
             mLabels[line.from].port(loopText(line.fromEnd.text(), line.toEnd.text()), colour);
@@ -179,6 +182,7 @@ bool ObjectGraph::isWrongCount(std::size_t box, const LineEnd& end) const {
 
 void ObjectGraph::addMessages() {
     for (std::size_t position = 0; position < mBoxes.all().size(); ++position) {
+        mPicture.throwIfCancelled();
         const std::vector<const InstanceProblem*>& problems = mProblems[position];
         const bool isFolded = mBoxes.all()[position].isFolded;
         for (std::size_t at = 0; at < std::min(problems.size(), kMaxMessages); ++at) {
@@ -202,6 +206,7 @@ void ObjectGraph::draw() {
         }
     }
     for (std::size_t number = 0; number < mLines.size(); ++number) {
+        mPicture.throwIfCancelled();
         const JoinedLine& line = mLines[number];
         if (line.from == line.to) {
             continue;
@@ -216,6 +221,7 @@ void ObjectGraph::draw() {
 }
 
 void ObjectGraph::drawBox(DotText& dot, std::size_t position) {
+    mPicture.throwIfCancelled();
     const PictureBox& box = mBoxes.all()[position];
     if (box.children.empty()) {
         drawNode(dot, position);

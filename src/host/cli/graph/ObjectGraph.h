@@ -43,7 +43,8 @@ std::string pictureSummary(const TreePicture& picture, const ReferenceLines& lin
 /// at each end. Large pictures are folded, see PictureBoxes. One thread.
 class ObjectGraph {
 public:
-    /// All arguments but the offer are borrowed and must outlive the graph.
+    /// All arguments but the offer are borrowed and must outlive the graph. Throws CancelledError,
+    /// see TreePicture::token.
     ObjectGraph(const TreePicture& picture, const ReferenceLines& lines,
                 const std::vector<InstanceProblem>& violations, GraphOffer offer);
 

@@ -65,21 +65,24 @@ std::string toScriptData(const JsonValue& document) {
 
 std::string objectPage(const TreePicture& picture, const ReferenceLines& lines,
                        const std::vector<InstanceProblem>& violations) {
-    JsonValue document{{"title", picture.title}, {"unread", lines.unread()}};
-    document["objects"] = JsonValue::array();
-    for (const PicturedObject& object : picture.objects) {
-        document["objects"].add(toJson(object, false));
+    std::string objects;
+    for (const auto* part : {&picture.objects, &picture.outside}) {
+        for (const PicturedObject& object : *part) {
+            picture.throwIfCancelled();
+            objects += objects.empty() ? "" : ",";
+            objects += toScriptData(toJson(object, part == &picture.outside));
+        }
     }
-    for (const PicturedObject& object : picture.outside) {
-        document["objects"].add(toJson(object, true));
-    }
-    document["violations"] = JsonValue::array();
+    JsonValue rest{{"title", picture.title}, {"unread", lines.unread()}};
+    rest["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : violations) {
-        document["violations"].add(
+        picture.throwIfCancelled();
+        rest["violations"].add(
             {{"dn", problem.dn}, {"other", problem.otherDn}, {"text", problem.text}});
     }
     std::string page(kObjectPageText);
-    return page.replace(page.find(kPlaceOfData), kPlaceOfData.size(), toScriptData(document));
+    return page.replace(page.find(kPlaceOfData), kPlaceOfData.size(),
+                        "{\"objects\":[" + objects + "]," + toScriptData(rest).substr(1));
 }
 
 }

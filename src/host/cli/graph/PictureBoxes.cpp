@@ -69,13 +69,15 @@ private:
 /// position, all others follow.
 class Targets {
 public:
-    explicit Targets(const std::vector<PicturedObject>& objects) {
+    explicit Targets(const TreePicture& picture) {
         std::unordered_map<std::string_view, std::size_t> numbers;
-        numbers.reserve(objects.size());
-        for (const PicturedObject& object : objects) {
+        numbers.reserve(picture.objects.size());
+        for (const PicturedObject& object : picture.objects) {
+            picture.throwIfCancelled();
             numbers.emplace(object.dn, numbers.size());
         }
-        for (const PicturedObject& object : objects) {
+        for (const PicturedObject& object : picture.objects) {
+            picture.throwIfCancelled();
             std::vector<std::size_t>& targets = mTargets.emplace_back();
             for (const PicturedLink& link : object.links) {
                 targets.push_back(numbers.emplace(link.target, numbers.size()).first->second);
@@ -106,7 +108,8 @@ bool fits(const Subtrees& subtrees, const Targets& targets, std::size_t top, std
 }
 
 /// The largest object of which that is true; one with nothing below it is no help.
-const std::string* largestPart(const std::vector<PicturedObject>& objects, std::size_t most) {
+const std::string* largestPart(const TreePicture& picture, std::size_t most) {
+    const std::vector<PicturedObject>& objects = picture.objects;
     const Subtrees subtrees(objects);
     std::vector<std::size_t> candidates;
     for (std::size_t at = 0; at < objects.size(); ++at) {
@@ -118,8 +121,9 @@ const std::string* largestPart(const std::vector<PicturedObject>& objects, std::
     std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t one, std::size_t two) {
         return subtrees.sizeOf(one) > subtrees.sizeOf(two);
     });
-    const Targets targets(objects);
+    const Targets targets(picture);
     const auto found = std::find_if(candidates.begin(), candidates.end(), [&](std::size_t top) {
+        picture.throwIfCancelled();
         return fits(subtrees, targets, top, most);
     });
     return found == candidates.end() ? nullptr : &objects[*found].dn;
@@ -128,8 +132,9 @@ const std::string* largestPart(const std::vector<PicturedObject>& objects, std::
 }
 
 PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lines,
-                           std::size_t most) {
-    collect(picture, lines);
+                           std::size_t most)
+    : mPicture(picture) {
+    collect(lines);
     countSiblings();
     if (most == 0 || mObjects.size() <= most) {
         makeBoxes(mObjects.size());
@@ -140,7 +145,7 @@ PictureBoxes::PictureBoxes(const TreePicture& picture, const ReferenceLines& lin
     if (mBoxes.size() == mObjects.size()) {
         mFoldedAbove.reset();
     } else {
-        mPart = largestPart(picture.objects, most);
+        mPart = largestPart(picture, most);
     }
 }
 
@@ -149,17 +154,20 @@ std::optional<std::size_t> PictureBoxes::find(const std::string& dn) const {
     return found == mPositions.end() ? std::nullopt : std::optional(found->second);
 }
 
-void PictureBoxes::collect(const TreePicture& picture, const ReferenceLines& lines) {
+void PictureBoxes::collect(const ReferenceLines& lines) {
     std::unordered_set<std::string> known;
-    for (const PicturedObject& object : picture.objects) {
+    for (const PicturedObject& object : mPicture.objects) {
+        mPicture.throwIfCancelled();
         known.insert(object.dn);
         mObjects.push_back({BoxPlace::Inside, &object.dn, object.parent, object.hiddenBelow});
     }
     std::unordered_set<std::string> outside;
-    for (const PicturedObject& object : picture.outside) {
+    for (const PicturedObject& object : mPicture.outside) {
+        mPicture.throwIfCancelled();
         outside.insert(object.dn);
     }
     for (const ReferenceLine& line : lines.all()) {
+        mPicture.throwIfCancelled();
         for (const std::string* dn : {&line.from, &line.to}) {
             if (known.insert(*dn).second) {
                 const bool isThere = outside.count(*dn) > 0;
@@ -169,6 +177,7 @@ void PictureBoxes::collect(const TreePicture& picture, const ReferenceLines& lin
         }
     }
     for (const Object& object : mObjects) {
+        mPicture.throwIfCancelled();
         mClassNames.emplace_back(DnView(*object.dn).last().className());
     }
 }
@@ -176,9 +185,11 @@ void PictureBoxes::collect(const TreePicture& picture, const ReferenceLines& lin
 void PictureBoxes::countSiblings() {
     std::map<Siblings, std::size_t> counts;
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
+        mPicture.throwIfCancelled();
         ++counts[{mObjects[at].place, mObjects[at].parent, mClassNames[at]}];
     }
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
+        mPicture.throwIfCancelled();
         mSiblings.push_back(counts.at({mObjects[at].place, mObjects[at].parent, mClassNames[at]}));
     }
 }
@@ -203,6 +214,7 @@ void PictureBoxes::makeBoxes(std::size_t foldAbove) {
     std::map<Siblings, std::size_t> folded; // by the position of the box above
     std::vector<std::size_t> boxOf;
     for (std::size_t at = 0; at < mObjects.size(); ++at) {
+        mPicture.throwIfCancelled();
         const Object& object = mObjects[at];
         std::optional<std::size_t> parent;
         if (object.parent) {

@@ -41,7 +41,8 @@ struct PictureBox {
 /// in the whole picture. Immutable.
 class PictureBoxes {
 public:
-    /// At most \p most boxes, if folding achieves that; 0: nothing is folded.
+    /// At most \p most boxes, if folding achieves that; 0: nothing is folded. \p picture is
+    /// borrowed. Throws CancelledError, see TreePicture::token.
     PictureBoxes(const TreePicture& picture, const ReferenceLines& lines, std::size_t most);
 
     const std::vector<PictureBox>& all() const { return mBoxes; } ///< parents first
@@ -63,12 +64,13 @@ private:
     };
     using Siblings = std::tuple<BoxPlace, std::optional<std::size_t>, std::string>;
 
-    void collect(const TreePicture& picture, const ReferenceLines& lines);
+    void collect(const ReferenceLines& lines);
     void countSiblings();
     std::size_t largestFoldThatFits(std::size_t most);
     /// Makes the boxes; more siblings than \p foldAbove are one box.
     void makeBoxes(std::size_t foldAbove);
 
+    const TreePicture& mPicture;
     std::vector<Object> mObjects; ///< parents first
     std::vector<std::string> mClassNames;
     std::vector<std::size_t> mSiblings; ///< of each object, including itself

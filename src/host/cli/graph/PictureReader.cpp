@@ -104,6 +104,7 @@ private:
 
 TreePicture PictureReader::read(const TreeExtent& extent) {
     mPicture = {};
+    mPicture.token = &mSession.cancellation();
     mWantsValues = extent.wantsValues;
     mPicture.title = extent.dn.empty() ? "/" : extent.dn;
     Room room(extent);

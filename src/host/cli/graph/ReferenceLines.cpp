@@ -42,9 +42,10 @@ ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
     for (const InstanceProblem& problem : violations) {
         mWrong.emplace(Link{problem.dn, problem.attribute, problem.otherDn}, problem.text);
     }
-    const std::vector<Link> links = linksOf(picture.objects);
-    const std::vector<Link> outside = linksOf(picture.outside);
+    const std::vector<Link> links = linksOf(picture, picture.objects);
+    const std::vector<Link> outside = linksOf(picture, picture.outside);
     for (const Link& link : links) {
+        picture.throwIfCancelled();
         if (picture.unread.count(link.target) > 0) {
             ++mUnread;
         } else {
@@ -54,6 +55,7 @@ ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
     // Of the references that outside objects hold, only those are drawn that are part of a
     // violation of an object inside.
     for (const Link& link : outside) {
+        picture.throwIfCancelled();
         if (mWrong.count(link) > 0) {
             draw(classes, link);
         }
@@ -61,9 +63,10 @@ ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
 }
 
 std::vector<ReferenceLines::Link>
-ReferenceLines::linksOf(const std::vector<PicturedObject>& objects) {
+ReferenceLines::linksOf(const TreePicture& picture, const std::vector<PicturedObject>& objects) {
     std::vector<Link> links;
     for (const PicturedObject& object : objects) {
+        picture.throwIfCancelled();
         for (const PicturedLink& link : object.links) {
             links.push_back({object.dn, link.attribute, link.target});
             ++mLinks[links.back()];

@@ -39,6 +39,7 @@ struct ReferenceLine {
 /// The references of a picture as lines to be drawn. Immutable.
 class ReferenceLines {
 public:
+    /// Throws CancelledError, see TreePicture::token.
     ReferenceLines(const std::vector<ClassDescription>& classes, const TreePicture& picture,
                    const std::vector<InstanceProblem>& violations);
 
@@ -59,7 +60,8 @@ private:
         }
     };
 
-    std::vector<Link> linksOf(const std::vector<PicturedObject>& objects);
+    std::vector<Link> linksOf(const TreePicture& picture,
+                              const std::vector<PicturedObject>& objects);
     void draw(const std::vector<ClassDescription>& classes, const Link& link);
     std::string violationOf(const Link& link) const;
 
@@ -71,7 +73,8 @@ private:
 };
 
 /// The violations of associations at the objects that \p picture draws, recomputed from the values
-/// that were read; not those at the objects that they refer to.
+/// that were read; not those at the objects that they refer to. Throws CancelledError, see
+/// TreePicture::token.
 std::vector<InstanceProblem> violationsIn(const Model& model, const TreePicture& picture);
 
 }

@@ -8,6 +8,7 @@ namespace OrvHost {
 void TreePicture::visit(const Visitor& visitor) const {
     for (const auto* part : {&objects, &outside}) {
         for (const PicturedObject& object : *part) {
+            throwIfCancelled();
             visitor({object.dn, object.references});
         }
     }

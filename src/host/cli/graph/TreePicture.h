@@ -5,6 +5,7 @@
 #define ORV_HOST_CLI_GRAPH_TREEPICTURE_H
 
 #include "audit/InstanceSource.h"
+#include "client/CancellationToken.h"
 #include "client/ReadValue.h"
 
 #include <cstddef>
@@ -43,6 +44,18 @@ struct TreePicture : InstanceSource {
     /// Targets that were not read, because there were too many.
     std::unordered_set<std::string> unread;
 
+    /// Ends long work on the picture, which asks it at each object and each reference; null:
+    /// nothing does. Borrowed.
+    const CancellationToken* token = nullptr;
+
+    /// Throws CancelledError if the token says so.
+    void throwIfCancelled() const {
+        if (token != nullptr) {
+            token->throwIfCancelled();
+        }
+    }
+
+    /// Throws CancelledError.
     void visit(const Visitor& visitor) const override;
 };
 
