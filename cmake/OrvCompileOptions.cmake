@@ -20,12 +20,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
 endif()
 
 # orv_fast_code: for what every call of a client runs through, small enough to be optimised for speed
-# alone. Calls between shared objects go there directly, without a stub. Builds with a type of their
-# own keep the options that they bring.
+# alone. Calls between shared objects go there directly, without a stub, and in a static library no
+# function waits for another one to take its place. Builds with a type of their own keep the options
+# that they bring.
 add_library(orv_fast_code INTERFACE)
 target_compile_options(orv_fast_code INTERFACE
   $<$<CONFIG:Release,RelWithDebInfo>:-O3>
-  $<$<CONFIG:Release,RelWithDebInfo>:-fno-plt>)
+  $<$<CONFIG:Release,RelWithDebInfo>:-fno-plt>
+  $<$<AND:$<CONFIG:Release,RelWithDebInfo>,$<STREQUAL:$<TARGET_PROPERTY:TYPE>,STATIC_LIBRARY>>:-fno-semantic-interposition>)
 
 if(ORV_SANITIZE)
   target_compile_options(orv_compile_options INTERFACE
