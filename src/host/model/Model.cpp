@@ -4,6 +4,7 @@
 #include "Model.h"
 
 #include "base/DnView.h"
+#include "base/ShortText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -48,7 +49,7 @@ const ActionDef* ClassDef::findAction(std::string_view actionName) const {
 
 std::optional<AttributeIndex> ClassDef::findAttributeIndex(std::string_view attributeName) const {
     for (std::size_t index = 0; index < attributes.size(); ++index) {
-        if (attributes[index].name == attributeName) {
+        if (isSameText(attributes[index].name, attributeName)) {
             return static_cast<AttributeIndex>(index);
         }
     }

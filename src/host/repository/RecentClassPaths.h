@@ -4,12 +4,12 @@
 #ifndef ORV_HOST_REPOSITORY_RECENTCLASSPATHS_H
 #define ORV_HOST_REPOSITORY_RECENTCLASSPATHS_H
 
+#include "base/ShortText.h"
 #include "model/Model.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 namespace OrvHost {
@@ -29,16 +29,14 @@ public:
             --size;
         }
         const bool hasValue = size > 0 && size < dn.size() && dn[size - 1] == '=';
-        return hasValue ? dn.substr(0, size) : std::string_view();
+        return dn.substr(0, hasValue ? size : 0);
     }
 
     /// The class of all DNs with that path in the model with that number; null if it is not known
-    /// here.
+    /// here. That of the empty path, and of the number 0, is not.
     const ClassIndex* find(std::uint64_t model, std::string_view path) const {
         const Entry& entry = mEntries[placeOf(path)];
-        const bool isKnown = entry.model == model && entry.size == path.size() &&
-                             std::memcmp(entry.path.data(), path.data(), path.size()) == 0;
-        return isKnown ? &entry.moc : nullptr;
+        return entry.model == model && entry.path == path && !path.empty() ? &entry.moc : nullptr;
     }
 
     /// Takes the place of an older one. \p model is not 0. A path that is too long is not kept.
@@ -47,8 +45,7 @@ public:
             Entry& entry = mEntries[placeOf(path)];
             entry.model = model;
             entry.moc = moc;
-            entry.size = path.size();
-            path.copy(entry.path.data(), path.size());
+            entry.path.keep(path);
         }
     }
 
@@ -58,9 +55,8 @@ private:
 
     struct Entry {
         std::uint64_t model = 0; ///< 0: none
-        std::size_t size = 0;
         ClassIndex moc = 0;
-        std::array<char, kLongest> path{};
+        ShortText<kLongest> path;
     };
 
     /// Paths of different classes differ in their length, or in the last letter of the class.

@@ -4,45 +4,12 @@
 #include "MoTree.h"
 
 #include "base/DnView.h"
+#include "base/ShortText.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace OrvHost {
-
-namespace {
-
-// Texts as short as names mostly are: a call of a function would take longer than the comparison.
-bool isSameText(const char* one, const char* other, std::size_t size) {
-    const auto differ = [&]<class Part>(Part, std::size_t at) {
-        Part left = 0;
-        Part right = 0;
-        std::memcpy(&left, one + at, sizeof(Part));
-        std::memcpy(&right, other + at, sizeof(Part));
-        return left != right;
-    };
-    if (size >= sizeof(std::uint64_t)) {
-        for (std::size_t at = 0; at + sizeof(std::uint64_t) < size; at += sizeof(std::uint64_t)) {
-            if (differ(std::uint64_t{}, at)) {
-                return false;
-            }
-        }
-        return !differ(std::uint64_t{}, size - sizeof(std::uint64_t)); // overlaps those before
-    }
-    if (size >= sizeof(std::uint32_t)) {
-        return !differ(std::uint32_t{}, 0) &&
-               !differ(std::uint32_t{}, size - sizeof(std::uint32_t));
-    }
-    for (; size > 0; --size) {
-        if (one[size - 1] != other[size - 1]) {
-            return false;
-        }
-    }
-    return true;
-}
-
-}
 
 MoTree::MoTree(const Model& model) : mModel(model) {
     mNodes.add();

@@ -101,30 +101,38 @@ StoreTransaction::Mo StoreTransaction::moOf(NodeId node) const {
     return mTree.read([&](const MoTree& tree) { return moOf(tree, node); });
 }
 
-StoreTransaction::Mo StoreTransaction::find(std::string_view dn) const {
+const StoreTransaction::Mo& StoreTransaction::find(std::string_view dn) const {
+    static constexpr Mo nothing;
     if (dn.empty()) {
-        return {};
+        return nothing;
     }
-    if (const Mo* found = mFoundLast.find(dn)) {
-        // The attributes of a created object may have been written since.
-        return found->created == nullptr ? *found : moOf(*found->created);
+    FoundLast::Entry& last = mFoundLast.at(dn);
+    if (last.dn != dn) {
+        last.dn.clear();
+        if (!search(HashedText(dn), last.mo)) {
+            return nothing;
+        }
+        last.dn.keep(dn);
+    } else if (last.mo.created != nullptr) {
+        last.mo = moOf(*last.mo.created); // its attributes may have been written since
     }
-    const Mo mo = search(HashedText(dn));
-    if (mo) {
-        mFoundLast.note(dn, mo);
-    }
-    return mo;
+    return last.mo;
 }
 
-inline StoreTransaction::Mo StoreTransaction::search(const HashedText& dn) const {
+// Writes to `mo` if it is found.
+inline bool StoreTransaction::search(const HashedText& dn, Mo& mo) const {
     if (const CreatedMo* created = mOverlay.findCreated(dn)) {
-        return moOf(*created);
+        mo = moOf(*created);
+        return true;
     }
-    const Mo mo = mTree.read([&](const MoTree& tree) {
+    const NodeId found = mTree.read([&](const MoTree& tree) {
         const NodeId node = tree.find(dn, mSnapshot);
-        return node == kNoNode ? Mo() : moOf(tree, node);
+        if (node != kNoNode) {
+            mo = moOf(tree, node);
+        }
+        return node;
     });
-    return mOverlay.isDeleted(mo.node) ? Mo() : mo;
+    return found != kNoNode && !mOverlay.isDeleted(found);
 }
 
 // Some objects at one look: a look for each takes longer than most visits, and one for all would
@@ -152,9 +160,9 @@ void StoreTransaction::eachModified(const IsWanted& isWanted, const Visit& visit
     }
 }
 
-StoreTransaction::Mo StoreTransaction::require(std::string_view dn) const {
+const StoreTransaction::Mo& StoreTransaction::require(std::string_view dn) const {
     requireOpen();
-    const Mo mo = find(dn);
+    const Mo& mo = find(dn);
     if (!mo) {
         throw HostError(OrvNotExist, "there is no object '" + std::string(dn) + "'");
     }
@@ -221,7 +229,7 @@ AttributeView StoreTransaction::look(const Mo& mo, std::string_view attribute) c
 }
 
 AttributeView StoreTransaction::look(std::string_view dn, std::string_view attribute) const {
-    const Mo mo = require(dn);
+    const Mo& mo = require(dn);
     return withDn(dn, [&] { return look(mo, attribute); });
 }
 
@@ -348,7 +356,7 @@ void StoreTransaction::claimWrite(const Mo& mo) {
 
 void StoreTransaction::set(std::string_view dn, std::string_view attribute,
                            const AttributeValue& value) {
-    const Mo mo = require(dn);
+    const Mo& mo = require(dn);
     const AttributeIndex index =
         withDn(dn, [&] { return requireSettable(*classOf(mo), attribute, value); });
     claimWrite(mo);

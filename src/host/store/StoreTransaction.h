@@ -12,6 +12,7 @@
 #include "TransactionOverlay.h"
 #include "WriteGuard.h"
 #include "base/HostError.h"
+#include "base/ShortText.h"
 #include "model/Model.h"
 
 #include <array>
@@ -140,30 +141,27 @@ private:
     /// The objects that were found last: a client asks for the same ones again and again.
     class FoundLast {
     public:
-        /// Null if it is not among them.
-        const Mo* find(std::string_view dn) const {
-            const Entry& entry = mEntries[placeOf(dn)];
-            return entry.dn == dn ? &entry.mo : nullptr;
-        }
-        void note(std::string_view dn, const Mo& mo) {
-            Entry& entry = mEntries[placeOf(dn)];
-            entry.dn.clear(); // matches nothing, should there be no memory
-            entry.mo = mo;
-            entry.dn = dn;
-        }
-        void clear() { mEntries = {}; }
-
-    private:
         struct Entry {
-            std::string dn; ///< empty: none
+            ShortText<168> dn; ///< empty: none
             Mo mo;
         };
-        static constexpr std::size_t kPlaces = 8;
-        /// DNs of neighbours differ in their last characters and in their length.
-        static std::size_t placeOf(std::string_view dn) {
-            return (dn.size() + dn.size() / kPlaces + static_cast<unsigned char>(dn.back())) %
-                   kPlaces;
+
+        /// Where an object with that DN, which is not empty, is kept. It may be another one that is
+        /// there.
+        Entry& at(std::string_view dn) {
+            // DNs of neighbours differ in their last characters and in their length.
+            const std::size_t place =
+                dn.size() + dn.size() / kPlaces + static_cast<unsigned char>(dn.back());
+            return mEntries[place % kPlaces];
         }
+        void clear() {
+            for (Entry& entry : mEntries) {
+                entry.dn.clear();
+            }
+        }
+
+    private:
+        static constexpr std::size_t kPlaces = 8;
 
         std::array<Entry, kPlaces> mEntries;
     };
@@ -173,13 +171,15 @@ private:
     Mo moOf(const MoTree& tree, NodeId node) const;
     /// A committed object.
     Mo moOf(NodeId node) const;
-    Mo find(std::string_view dn) const;
-    Mo search(const HashedText& dn) const;
+    /// Nothing if it is not there. Valid until the next call.
+    const Mo& find(std::string_view dn) const;
+    bool search(const HashedText& dn, Mo& mo) const;
     /// Calls \p visit with each committed object that this transaction has changed, and its
     /// changes; only with those of classes that \p isWanted accepts.
     template <class IsWanted, class Visit>
     void eachModified(const IsWanted& isWanted, const Visit& visit) const;
-    Mo require(std::string_view dn) const;
+    /// As find; throws if it is not there.
+    const Mo& require(std::string_view dn) const;
     Mo requireParent(std::string_view dn) const;
     ClassIndex requireChildClass(std::string_view parentDn, const Mo& parent,
                                  std::string_view className) const;
