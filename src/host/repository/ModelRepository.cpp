@@ -8,6 +8,8 @@
 
 namespace OrvHost {
 
+constinit RepositoryRows currentRepository;
+
 namespace {
 
 VekOamSpiModelRepository_4 makeTable() {
@@ -29,11 +31,11 @@ VekOamSpiModelRepository_4 makeTable() {
 }
 
 ModelRepository::ModelRepository(const Model& model) : mIndex(model), mInterface(makeTable()) {
-    currentRepositoryIndex = &mIndex;
+    currentRepository = mIndex.rows();
 }
 
 ModelRepository::~ModelRepository() {
-    currentRepositoryIndex = nullptr;
+    currentRepository = RepositoryRows();
 }
 
 }

@@ -6,7 +6,7 @@
 
 #include "OrvReturn.h"
 #include "RepositoryHandle.h"
-#include "RepositoryIndex.h"
+#include "RepositoryRows.h"
 #include "VekOamSpiModelRepository_4.h"
 #include "model/Model.h"
 
@@ -16,23 +16,24 @@
 
 namespace OrvHost {
 
-/// The data of the one repository of the process; null if there is none. Only ModelRepository
-/// writes it, in its constructor and destructor, while nobody uses the table.
-inline const RepositoryIndex* currentRepositoryIndex = nullptr;
+/// The rows of the one repository of the process; of no repository if there is none. Only
+/// ModelRepository writes it, in its constructor and destructor, while nobody uses the table.
+/// Hidden, so that each function finds it without a look into a table of addresses.
+[[gnu::visibility("hidden")]] extern constinit RepositoryRows currentRepository;
 
 /// The code for a call that found no row for its handle, or has no place for its result.
 inline OrvReturnT refusalOf(Handle handle) {
+    if (currentRepository.model() == nullptr) {
+        return OrvNotActive;
+    }
     return handle == 0 ? OrvNotExist : OrvInvalidArgument;
 }
 
 /// Checks the arguments, then lets `read(row, result)` write the result and return the code. `Find`
-/// is the function of RepositoryIndex that finds the row of `handle`: none for zero.
+/// is the function of RepositoryRows that finds the row of `handle`: none for zero.
 template <auto Find, class Out, class Read>
 OrvReturnT answer(Handle handle, Out* out, const Read& read) {
-    if (currentRepositoryIndex == nullptr) {
-        return OrvNotActive;
-    }
-    const auto* const row = (currentRepositoryIndex->*Find)(handle);
+    const auto* const row = (currentRepository.*Find)(handle);
     if (row == nullptr || out == nullptr) {
         return refusalOf(handle);
     }

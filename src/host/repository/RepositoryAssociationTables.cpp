@@ -9,22 +9,22 @@ namespace OrvHost {
 
 namespace {
 
-using Index = RepositoryIndex;
+using Rows = RepositoryRows;
 
 OrvReturnT getEndMoc(Handle end, Handle* moc) {
-    return answerHandle<&Index::end, &Index::EndRow::moc>(end, moc);
+    return answerHandle<&Rows::end, &Rows::EndRow::moc>(end, moc);
 }
 
 OrvReturnT getEndAttribute(Handle end, Handle* attribute) {
-    return answerHandle<&Index::end, &Index::EndRow::attribute>(end, attribute);
+    return answerHandle<&Rows::end, &Rows::EndRow::attribute>(end, attribute);
 }
 
 OrvReturnT getEndGeneralProperties(Handle end, Handle* properties) {
-    return answerProperties<&Index::end>(end, properties);
+    return answerProperties<&Rows::end>(end, properties);
 }
 
 OrvReturnT getEndStringProperty(Handle end, int identifier, const char** text) {
-    return answer<&Index::end>(end, text, [identifier](const auto& row, const char*& result) {
+    return answer<&Rows::end>(end, text, [identifier](const auto& row, const char*& result) {
         switch (identifier) {
         case VekOamSpiMrEndName_4:
             result = row.name;
@@ -39,7 +39,7 @@ OrvReturnT getEndStringProperty(Handle end, int identifier, const char** text) {
 }
 
 OrvReturnT getEndBoolProperty(Handle end, int identifier, bool* flag) {
-    return answer<&Index::end>(end, flag, [identifier](const auto& row, bool& result) {
+    return answer<&Rows::end>(end, flag, [identifier](const auto& row, bool& result) {
         if (identifier != VekOamSpiMrEndKeepAtDelete_4) {
             return OrvInvalidArgument;
         }
@@ -49,14 +49,14 @@ OrvReturnT getEndBoolProperty(Handle end, int identifier, bool* flag) {
 }
 
 OrvReturnT getEndIntProperty(Handle end, int identifier, long long* number) {
-    return answer<&Index::end>(end, number, [identifier](const auto& row, long long& result) {
+    return answer<&Rows::end>(end, number, [identifier](const auto& row, long long& result) {
         return answerBound(row.cardinality, identifier, result);
     });
 }
 
 OrvReturnT getEnd(Handle association, std::uint32_t which, Handle* end) {
-    return answer<&Index::biDir>(association, end, [=](const auto&, Handle& result) {
-        result = encode({HandleKind::BiDirEnd, decode(association).first, which});
+    return answer<&Rows::biDir>(association, end, [=](const auto&, Handle& result) {
+        result = encode({HandleKind::BiDirEnd, 2 * decode(association).first + which});
         return OrvOk;
     });
 }
@@ -72,8 +72,8 @@ OrvReturnT getSecondEnd(Handle association, Handle* end) {
 /// The class says whose list is walked: it must have a part in the current association.
 OrvReturnT getNextBiDirAssociation(Handle current, Handle moc, Handle* next) {
     const auto step = [moc](const auto& row, Handle& result) {
-        const std::size_t side = moc == row.ends[0].moc ? 0 : 1;
-        if (moc != row.ends[side].moc) {
+        const std::size_t side = moc == row.ends[0] ? 0 : 1;
+        if (moc != row.ends[side]) {
             return OrvInvalidArgument;
         }
         const Handle after = row.next[side];
@@ -83,20 +83,20 @@ OrvReturnT getNextBiDirAssociation(Handle current, Handle moc, Handle* next) {
         result = after;
         return OrvOk;
     };
-    return answer<&Index::moc>(moc, &moc, [&](const auto&, const Handle&) {
-        return answer<&Index::biDir>(current, next, step);
+    return answer<&Rows::moc>(moc, &moc, [&](const auto&, const Handle&) {
+        return answer<&Rows::biDir>(current, next, step);
     });
 }
 
 OrvReturnT getUniDirEnd(Handle association, Handle* end) {
-    return answer<&Index::uniDir>(association, end, [=](const auto&, Handle& result) {
+    return answer<&Rows::uniDir>(association, end, [=](const auto&, Handle& result) {
         result = encode({HandleKind::UniDirEnd, decode(association).first});
         return OrvOk;
     });
 }
 
 OrvReturnT getNextUniDirAssociation(Handle association, Handle* next) {
-    return answerHandle<&Index::uniDir, &Index::UniDirRow::next>(association, next);
+    return answerHandle<&Rows::uniDir, &Rows::UniDirRow::next>(association, next);
 }
 
 }

@@ -9,42 +9,42 @@ namespace OrvHost {
 
 namespace {
 
-using Index = RepositoryIndex;
+using Rows = RepositoryRows;
 
 OrvReturnT getTypeCode(Handle type, int* code) {
-    return answer<&Index::type>(type, code, [](const auto& row, int& result) {
+    return answer<&Rows::type>(type, code, [](const auto& row, int& result) {
         result = row.typeCode;
         return OrvOk;
     });
 }
 
 OrvReturnT getTypeIntProperty(Handle type, int identifier, long long* number) {
-    return answer<&Index::type>(type, number, [identifier](const auto& row, long long& result) {
+    return answer<&Rows::type>(type, number, [identifier](const auto& row, long long& result) {
         return answerBound(row.multiplicity, identifier, result);
     });
 }
 
 OrvReturnT getAttributeGeneralProperties(Handle attribute, Handle* properties) {
-    return answerProperties<&Index::attribute>(attribute, properties);
+    return answerProperties<&Rows::attribute>(attribute, properties);
 }
 
 OrvReturnT getAttributeMoc(Handle attribute, Handle* moc) {
-    return answerHandle<&Index::attribute, &Index::AttributeRow::moc>(attribute, moc);
+    return answerHandle<&Rows::attribute, &Rows::AttributeRow::moc>(attribute, moc);
 }
 
 OrvReturnT getAttributeType(Handle attribute, Handle* type) {
-    return answer<&Index::attribute>(attribute, type, [attribute](const auto&, Handle& result) {
+    return answer<&Rows::attribute>(attribute, type, [attribute](const auto&, Handle& result) {
         result = encode({HandleKind::Type, decode(attribute).first});
         return OrvOk;
     });
 }
 
 OrvReturnT getNextAttribute(Handle attribute, Handle* next) {
-    return answerHandle<&Index::attribute, &Index::AttributeRow::next>(attribute, next);
+    return answerHandle<&Rows::attribute, &Rows::AttributeRow::next>(attribute, next);
 }
 
 OrvReturnT getReferencedMoc(Handle type, Handle* moc) {
-    return answer<&Index::type>(type, moc, [](const auto& row, Handle& result) {
+    return answer<&Rows::type>(type, moc, [](const auto& row, Handle& result) {
         if (row.referencedMoc == 0) {
             return OrvInvalidArgument;
         }

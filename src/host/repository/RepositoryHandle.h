@@ -17,7 +17,7 @@ enum class HandleKind : std::uint8_t {
     Containment, ///< first: its number among the containments of all classes
     BiDir,       ///< first: the association
     UniDir,      ///< first: the association
-    BiDirEnd,    ///< first: the association, second: 0 or 1
+    BiDirEnd,    ///< first: twice the association, one more for its second end
     UniDirEnd    ///< first: the association
 };
 

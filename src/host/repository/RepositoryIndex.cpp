@@ -46,13 +46,16 @@ Bounds boundsOf(const AttributeDef& attribute, Bounds bounds) {
     return bounds;
 }
 
+constexpr RepositoryRows::MocRow kAnyMoc{kAnyClassName.data(), 0, 0, 0, 0};
+
 }
 
-RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model), mNumber(nextNumber()) {
+RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model) {
     for (ClassIndex index = 0; index < model.classes.size(); ++index) {
         addClass(index);
     }
     mBiDirs.resize(model.biDirAssociations.size());
+    mBiDirEnds.resize(2 * model.biDirAssociations.size());
     mUniDirs.resize(model.uniDirAssociations.size());
     mUniDirEnds.resize(model.uniDirAssociations.size());
     // From the last to the first, since each one links to the next of the same class.
@@ -62,44 +65,57 @@ RepositoryIndex::RepositoryIndex(const Model& model) : mModel(model), mNumber(ne
     for (std::size_t index = mUniDirs.size(); index > 0; --index) {
         addUniDir(static_cast<std::uint32_t>(index - 1));
     }
+    mRows.mModel = &mModel;
+    mRows.mNumber = nextNumber();
+    mRows.mMocs = RepositoryRows::View(mMocs);
+    mRows.mAnyMoc = &kAnyMoc;
+    mRows.mAttributes = RepositoryRows::View(mAttributes);
+    mRows.mContainments = RepositoryRows::View(mContainments);
+    mRows.mBiDirs = RepositoryRows::View(mBiDirs);
+    mRows.mBiDirEnds = RepositoryRows::View(mBiDirEnds);
+    mRows.mUniDirs = RepositoryRows::View(mUniDirs);
+    mRows.mUniDirEnds = RepositoryRows::View(mUniDirEnds);
 }
 
 void RepositoryIndex::addClass(ClassIndex index) {
     const ClassDef& moc = mModel.classes[index];
-    mMocs.add({moc.name.c_str(), moc.attributes.empty() ? 0 : attributeHandle(mAttributes.size()),
-               moc.children.empty() ? 0 : containmentHandle(mContainments.size()), 0, 0});
+    mMocs.push_back({moc.name.c_str(),
+                     moc.attributes.empty() ? 0 : attributeHandle(mAttributes.size()),
+                     moc.children.empty() ? 0 : containmentHandle(mContainments.size()), 0, 0});
     for (const AttributeDef& def : moc.attributes) {
         const bool isLast = &def == &moc.attributes.back();
-        mAttributes.add({def.name.c_str(), mocHandle(index),
-                         isLast ? 0 : attributeHandle(mAttributes.size() + 1),
-                         referencedMoc(def.type), boundsOf(def, def.multiplicity),
-                         typeCodeOf(def.type.kind)});
+        mAttributes.push_back({def.name.c_str(), mocHandle(index),
+                               isLast ? 0 : attributeHandle(mAttributes.size() + 1),
+                               referencedMoc(def.type), boundsOf(def, def.multiplicity),
+                               typeCodeOf(def.type.kind)});
     }
     for (const ClassIndex& child : moc.children) {
         const bool isLast = &child == &moc.children.back();
-        mContainments.add(
+        mContainments.push_back(
             {mocHandle(child), isLast ? 0 : containmentHandle(mContainments.size() + 1)});
     }
 }
 
 void RepositoryIndex::addBiDir(std::uint32_t index) {
     const AssociationEnd(&ends)[2] = mModel.biDirAssociations[index].ends;
-    MocRow& first = mMocs[ends[0].moc];
-    MocRow& second = mMocs[ends[1].moc];
-    mBiDirs[index] = {{rowOf(ends[0], ends[1].moc), rowOf(ends[1], ends[0].moc)},
+    RepositoryRows::MocRow& first = mMocs[ends[0].moc];
+    RepositoryRows::MocRow& second = mMocs[ends[1].moc];
+    mBiDirEnds[2 * index] = rowOf(ends[0], ends[1].moc);
+    mBiDirEnds[2 * index + 1] = rowOf(ends[1], ends[0].moc);
+    mBiDirs[index] = {{mocHandle(ends[0].moc), mocHandle(ends[1].moc)},
                       {first.firstBiDir, second.firstBiDir}};
     first.firstBiDir = second.firstBiDir = encode({HandleKind::BiDir, index});
 }
 
 void RepositoryIndex::addUniDir(std::uint32_t index) {
     const UniDirAssociation& association = mModel.uniDirAssociations[index];
-    MocRow& owner = mMocs[association.owner];
+    RepositoryRows::MocRow& owner = mMocs[association.owner];
     mUniDirs[index] = {owner.firstUniDir};
     mUniDirEnds[index] = rowOf(association.end, association.owner);
     owner.firstUniDir = encode({HandleKind::UniDir, index});
 }
 
-RepositoryIndex::EndRow RepositoryIndex::rowOf(const AssociationEnd& end, ClassIndex owner) const {
+RepositoryRows::EndRow RepositoryIndex::rowOf(const AssociationEnd& end, ClassIndex owner) const {
     const ClassDef& moc = mModel.classes[owner];
     const AttributeIndex attribute = moc.findAttributeIndex(end.name).value();
     const Handle firstAttribute = mMocs[owner].firstAttribute;

@@ -12,7 +12,7 @@ namespace OrvHost {
 
 namespace {
 
-using Index = RepositoryIndex;
+using Rows = RepositoryRows;
 
 Handle mocHandle(ClassIndex moc) {
     return encode({HandleKind::Moc, moc});
@@ -21,41 +21,41 @@ Handle mocHandle(ClassIndex moc) {
 constinit thread_local RecentClassPaths recentPaths;
 
 // Seldom: not a part of the function below, which would have to keep more.
-[[gnu::noinline]] OrvReturnT searchMoc(std::string_view dn, std::string_view path, Handle& moc) {
-    const Index& index = *currentRepositoryIndex;
-    const auto found = index.model().findClassOfDn(dn);
+[[gnu::noinline]] OrvReturnT searchMoc(const char* dn, Handle* moc) {
+    const Model* const model = currentRepository.model();
+    if (model == nullptr) {
+        return OrvNotActive;
+    }
+    if (dn == nullptr || moc == nullptr) {
+        return OrvInvalidArgument;
+    }
+    const auto found = model->findClassOfDn(dn);
     if (!found) {
         return OrvNotExist;
     }
+    const std::string_view path = RecentClassPaths::pathOf(dn);
     if (!path.empty()) {
-        recentPaths.note(index.number(), path, *found);
+        recentPaths.note(currentRepository.number(), path, *found);
     }
-    moc = mocHandle(*found);
+    *moc = mocHandle(*found);
     return OrvOk;
 }
 
 /// The flag has no meaning in this host.
 OrvReturnT getMocFromDn(const char* dn, int /*flag*/, Handle* moc) {
-    if (!currentRepositoryIndex) {
-        return OrvNotActive;
+    if (dn != nullptr && moc != nullptr) {
+        const auto* const known =
+            recentPaths.find(currentRepository.number(), RecentClassPaths::pathOf(dn));
+        if (known != nullptr) {
+            *moc = mocHandle(*known);
+            return OrvOk;
+        }
     }
-    if (!dn || !moc) {
-        return OrvInvalidArgument;
-    }
-    const std::string_view text = dn;
-    const std::string_view path = RecentClassPaths::pathOf(text);
-    if (const auto* const known = recentPaths.find(currentRepositoryIndex->number(), path)) {
-        *moc = mocHandle(*known);
-        return OrvOk;
-    }
-    return searchMoc(text, path, *moc);
+    return searchMoc(dn, moc);
 }
 
 OrvReturnT getGeneralStringProperty(Handle properties, int identifier, const char** text) {
-    if (currentRepositoryIndex == nullptr) {
-        return OrvNotActive;
-    }
-    const char* const name = currentRepositoryIndex->nameOfOwner(properties);
+    const char* const name = currentRepository.nameOfOwner(properties);
     if (name == nullptr || text == nullptr || identifier != VekOamSpiMrGeneralName_4) {
         return refusalOf(properties & ~kPropertiesBit);
     }
@@ -64,31 +64,31 @@ OrvReturnT getGeneralStringProperty(Handle properties, int identifier, const cha
 }
 
 OrvReturnT getMocGeneralProperties(Handle moc, Handle* properties) {
-    return answerProperties<&Index::moc>(moc, properties);
+    return answerProperties<&Rows::moc>(moc, properties);
 }
 
 OrvReturnT getFirstAttribute(Handle moc, Handle* attribute) {
-    return answerHandle<&Index::moc, &Index::MocRow::firstAttribute>(moc, attribute);
+    return answerHandle<&Rows::moc, &Rows::MocRow::firstAttribute>(moc, attribute);
 }
 
 OrvReturnT getFirstContainment(Handle moc, Handle* containment) {
-    return answerHandle<&Index::moc, &Index::MocRow::firstContainment>(moc, containment);
+    return answerHandle<&Rows::moc, &Rows::MocRow::firstContainment>(moc, containment);
 }
 
 OrvReturnT getFirstBiDirAssociation(Handle moc, Handle* association) {
-    return answerHandle<&Index::moc, &Index::MocRow::firstBiDir>(moc, association);
+    return answerHandle<&Rows::moc, &Rows::MocRow::firstBiDir>(moc, association);
 }
 
 OrvReturnT getFirstUniDirAssociation(Handle moc, Handle* association) {
-    return answerHandle<&Index::moc, &Index::MocRow::firstUniDir>(moc, association);
+    return answerHandle<&Rows::moc, &Rows::MocRow::firstUniDir>(moc, association);
 }
 
 OrvReturnT getContainedMoc(Handle containment, Handle* moc) {
-    return answerHandle<&Index::containment, &Index::ContainmentRow::moc>(containment, moc);
+    return answerHandle<&Rows::containment, &Rows::ContainmentRow::moc>(containment, moc);
 }
 
 OrvReturnT getNextContainment(Handle containment, Handle* next) {
-    return answerHandle<&Index::containment, &Index::ContainmentRow::next>(containment, next);
+    return answerHandle<&Rows::containment, &Rows::ContainmentRow::next>(containment, next);
 }
 
 }
