@@ -145,33 +145,43 @@ AttributeValue getValues(BytesReader& reader, const TypeDef& type) {
 
 /// The bytes of one attribute: those of its values, and those of the whole entry.
 struct Entry {
-    AttributeIndex index;
     std::string_view values;
     std::size_t begin;
     std::size_t end;
 
-    bool hasValues() const { return values.front() != 0; }
     std::size_t size() const { return end - begin; }
 };
 
-/// Calls \p take with each entry until it returns true; the entry for which it did, or nothing.
-template <class Take>
-std::optional<Entry> firstEntry(std::string_view bytes, const Take& take) {
+inline std::optional<Entry> findEntry(std::string_view bytes, AttributeIndex index) {
     BytesReader reader(bytes);
     while (!reader.atEnd()) {
         const std::size_t begin = bytes.size() - reader.rest().size();
-        const auto index = static_cast<AttributeIndex>(reader.number());
+        const bool isWanted = reader.number() == index;
         const std::string_view values = reader.text();
-        const Entry entry{index, values, begin, bytes.size() - reader.rest().size()};
-        if (take(entry)) {
-            return entry;
+        if (isWanted) {
+            return Entry{values, begin, bytes.size() - reader.rest().size()};
         }
     }
     return std::nullopt;
 }
 
-std::optional<Entry> findEntry(std::string_view bytes, AttributeIndex index) {
-    return firstEntry(bytes, [index](const Entry& entry) { return entry.index == index; });
+// Appends the entries but for those that are left out. What stays is mostly one piece.
+template <class LeftOut>
+void appendEntries(std::string& merged, std::string_view bytes, const LeftOut& isLeftOut) {
+    const auto append = [&](const char* begin, const char* end) {
+        merged.append(begin, static_cast<std::size_t>(end - begin));
+    };
+    const char* piece = bytes.data();
+    BytesReader reader(bytes);
+    while (!reader.atEnd()) {
+        const char* const entry = reader.rest().data();
+        const auto index = static_cast<AttributeIndex>(reader.number());
+        if (isLeftOut(index, reader.text())) {
+            append(piece, entry);
+            piece = reader.rest().data();
+        }
+    }
+    append(piece, bytes.data() + bytes.size());
 }
 
 // Puts an entry at the end, in the place of the former one. All or nothing if memory runs out.
@@ -223,7 +233,7 @@ void AttributeBytes::replace(const ClassDef& moc, std::string& bytes, AttributeI
 }
 
 bool AttributeBytes::has(std::string_view bytes, AttributeIndex index) {
-    return findEntry(bytes, index).has_value();
+    return find(bytes, index).has_value();
 }
 
 std::optional<std::string_view> AttributeBytes::find(std::string_view bytes, AttributeIndex index) {
@@ -233,8 +243,8 @@ std::optional<std::string_view> AttributeBytes::find(std::string_view bytes, Att
 
 std::optional<std::string_view>
 AttributeBytes::find(std::string_view bytes, std::string_view changes, AttributeIndex index) {
-    if (const auto changed = findEntry(changes, index)) {
-        return changed->hasValues() ? std::optional(changed->values) : std::nullopt;
+    if (const auto changed = find(changes, index)) {
+        return changed->front() != 0 ? changed : std::nullopt;
     }
     return find(bytes, index);
 }
@@ -242,18 +252,10 @@ AttributeBytes::find(std::string_view bytes, std::string_view changes, Attribute
 void AttributeBytes::merge(std::string_view bytes, std::string_view changes, std::string& merged) {
     merged.clear();
     merged.reserve(bytes.size() + changes.size());
-    firstEntry(bytes, [&](const Entry& entry) {
-        if (!findEntry(changes, entry.index)) {
-            merged += bytes.substr(entry.begin, entry.size());
-        }
-        return false;
-    });
-    firstEntry(changes, [&](const Entry& entry) {
-        if (entry.hasValues()) {
-            merged += changes.substr(entry.begin, entry.size());
-        }
-        return false;
-    });
+    appendEntries(merged, bytes,
+                  [&](AttributeIndex index, std::string_view) { return has(changes, index); });
+    appendEntries(merged, changes,
+                  [](AttributeIndex, std::string_view values) { return values.front() == 0; });
 }
 
 }
