@@ -44,15 +44,15 @@ constexpr std::size_t mostChildren = 10000000;
 // The router gives the naming value only.
 OrvReturnT appendChildren(RouterIterator& iterator, const std::string& prefix,
                           std::list<std::string>& children) {
-    std::unordered_set<std::string_view> known; // texts in the list, which stay where they are
+    std::unordered_set<std::string_view> known; // names in the list, which stay where they are
     for (std::size_t repeats = 0; repeats < mostRepeats && known.size() < mostChildren;) {
         char* name = nullptr;
         const OrvReturnT code = iterator.next(&name);
         if (code != OrvOk || name == nullptr) {
             return code;
         }
-        children.push_back(prefix + name);
-        if (!known.insert(children.back()).second) {
+        const std::string_view child = children.emplace_back(prefix + name);
+        if (!known.insert(child.substr(prefix.size())).second) {
             children.pop_back();
             ++repeats;
         }
