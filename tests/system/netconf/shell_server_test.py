@@ -639,6 +639,41 @@ class SocketTest(ShellCase):
             self.assertIn(f"others can write into the folder {open_folder};",
                           self.refusal(self.folder / f"link{mode}" / "shell"))
 
+    def test_links_that_others_can_exchange(self):
+        safe = self.folder / "safe"
+        (safe / "below").mkdir(0o700, parents=True)
+        open_folder = self.folder / "open"
+        open_folder.mkdir()
+        open_folder.chmod(0o777)
+        (open_folder / "away").symlink_to(safe)
+        (open_folder / "onward").symlink_to("away")
+        others = (("first", open_folder / "away"), ("relative", "open/onward/../safe/below"),
+                  ("last", "first"))
+        for name, target in others:  # no folder that others can write into is above both ends
+            (self.folder / name).symlink_to(target)
+            with self.subTest(name):
+                self.assertIn(f"others can write into the folder {open_folder};",
+                              self.refusal(self.folder / name / "shell"))
+        (self.folder / "round").symlink_to("round")
+        self.assertIn("Too many levels of symbolic links",
+                      self.refusal(self.folder / "round" / "shell"))
+        if os.geteuid() == 0:  # nobody else can give a link away
+            foreign = self.folder / "foreign"
+            foreign.symlink_to(safe)
+            os.chown(foreign, 65534, 65534, follow_symlinks=False)
+            self.assertIn(f"the symbolic link {foreign} belongs to somebody else",
+                          self.refusal(foreign / "shell"))
+
+    def test_links_that_nobody_else_can_exchange(self):
+        self.end()
+        (self.folder / "safe/below").mkdir(0o700, parents=True)
+        (self.folder / "absolute").symlink_to(self.folder / "safe")
+        (self.folder / "relative").symlink_to("./absolute//below/../below")
+        self.path = self.folder / "relative" / "shell"
+        self.start()
+        self.assert_serves()
+        self.assertTrue((self.folder / "safe/below/shell").is_socket())
+
     def test_where_no_shell_is(self):
         for path, reason in ((self.folder / "none", "there is no such socket"),
                              (self.folder / ("x" * 108), "is too long for a socket"),

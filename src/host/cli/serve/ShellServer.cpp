@@ -3,17 +3,14 @@
 
 #include "ShellServer.h"
 
+#include "cli/serve/OwnFolders.h"
 #include "netconf/core/ServerLog.h"
 #include "netconf/server/ServerError.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace OrvHost {
@@ -25,42 +22,6 @@ constexpr ConnectionLimits kConnections{32, 16};
 constexpr std::chrono::milliseconds kHello{10'000};
 /// For the last words to the clients.
 constexpr std::chrono::milliseconds kFarewell{500};
-
-/// Who may write into a folder can put something of their own there, in the place of what is there
-/// already, too, unless the folder is one where only owners move what is theirs.
-void requireOwnFolder(const std::string& path, const std::filesystem::path& folder,
-                      mode_t harmless) {
-    struct stat known {};
-    if (stat(folder.c_str(), &known) != 0) {
-        throw ServerError(path + ": " + std::generic_category().message(errno));
-    }
-    const bool isOwn = known.st_uid == geteuid() || known.st_uid == 0;
-    const bool isOpen =
-        (known.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (known.st_mode & harmless) == 0;
-    if (!isOwn || isOpen) {
-        throw ServerError(path + ": others can write into the folder " + folder.string() +
-                          "; for a shell's socket, one was expected that only the server's user "
-                          "can write into, and so all above it");
-    }
-}
-
-/// The folder of a socket and those above it, as the path names them and, behind links, as they
-/// are.
-void requireOwnFolders(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path named = std::filesystem::absolute(path).parent_path();
-    const std::filesystem::path real = std::filesystem::canonical(named, error);
-    if (error) {
-        throw ServerError(path + ": " + error.message());
-    }
-    requireOwnFolder(path, real, 0);
-    for (std::filesystem::path folder : {named, real}) {
-        while (folder != folder.parent_path()) {
-            folder = folder.parent_path();
-            requireOwnFolder(path, folder, S_ISVTX);
-        }
-    }
-}
 
 /// Listens where nobody else can put a socket of their own.
 Descriptor listenSafely(const std::string& path) {

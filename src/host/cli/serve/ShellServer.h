@@ -19,10 +19,8 @@ namespace OrvHost {
 /// Shells for other programs of the same user, at a UNIX socket.
 class ShellServer {
 public:
-    /// Listens from now on. The folder of \p path must belong to the user of this process, or to
-    /// root, and nobody else may write into it; nor into those above, unless what is in them can
-    /// only be moved by its owner, as in /tmp. \p services: what is borrowed there must outlive
-    /// this object. Throws ServerError.
+    /// Listens from now on, where requireOwnFolders() lets it. \p services: what is borrowed there
+    /// must outlive this object. Throws ServerError.
     ShellServer(std::string path, ShellServices services);
     /// As end(), and waits as long as it takes.
     ~ShellServer();
