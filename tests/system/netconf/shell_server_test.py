@@ -516,15 +516,23 @@ class LongTest(ShellCase):
         self.assertEqual(client.returncode, 0)
         self.assertEqual(text.count("Cabinet="), 20001)
 
-    def test_who_does_not_read_waits_and_costs_others_nothing(self):
-        shell = self.raw()
-        shell.ask("begin work")
-        shell.ask(f"create {UNIT}9")
+    def send_tree(self, shell):
+        """And reads nothing of the answer."""
         shell.send(line("tree"))
         size, before = 0, -1
         while size != before:  # until the socket is full
             before, size = size, waiting_in(shell.socket)
             time.sleep(0.2)
+
+    def log_of_end(self):
+        self.wait_for_log("shell 1: ends")
+        return self.server.messages.read_text()
+
+    def test_who_does_not_read_waits_and_costs_others_nothing(self):
+        shell = self.raw()
+        shell.ask("begin work")
+        shell.ask(f"create {UNIT}9")
+        self.send_tree(shell)
         self.assertEqual(self.run_shell("-c", f"create {UNIT}8").stdout, "created and committed\n")
         client = self.local()
         self.assertIn("<ok/>", client.ask(EDIT))
@@ -553,15 +561,27 @@ class LongTest(ShellCase):
         shell.ask(f"create {UNIT}9")
         shell.send(line("tree"))
         self.assert_serves()
-        self.wait_for_log("shell 1: is ended: it does not read its answers")
-        self.wait_for_log("shell 1: ends")
+        log = self.log_of_end()
+        self.assertEqual(log.count("shell 1: is ended: it does not read its answers"), 1, log)
+        self.assertNotIn("has gone", log)
         self.assertEqual(self.run_shell("-c", f"create {UNIT}9").stdout, "created and committed\n")
+
+    def test_who_goes_before_the_end_of_an_answer_has_gone(self):
+        shell = self.raw()
+        self.send_tree(shell)
+        shell.close()
+        log = self.log_of_end()
+        self.assertEqual(log.count("shell 1: has gone before the end of an answer"), 1, log)
+        self.assertNotIn("does not read", log)
 
     def test_the_end_of_the_server_while_an_answer_is_not_read(self):
         shell = self.raw()
-        shell.send(line("tree"))
+        self.send_tree(shell)
         self.assert_serves()
         self.end()
+        log = self.log_of_end()
+        self.assertNotIn("does not read", log)
+        self.assertNotIn("has gone", log)
 
 
 class SocketTest(ShellCase):

@@ -142,23 +142,33 @@ void ServedShell::cancel(const std::string& number) {
     }
 }
 
-/// A part of an answer can be out: nothing may follow it.
-void ServedShell::endUnread() {
-    mChannel.close();
-    over("");
-    logServer(4, mAuthor + ": is ended: it does not read its answers");
+/// Of the worker. After what could not be sent, nothing is.
+void ServedShell::sendWhole(char kind, std::string_view body) {
+    if (mIsUnsent) {
+        return;
+    }
+    const Sent sent = mChannel.send(kind, body);
+    if (sent != Sent::Whole) {
+        mIsUnsent = true;
+        endUnsent(sent);
+    }
 }
 
-void ServedShell::sendWhole(char kind, const std::string& body) {
-    if (!mChannel.send(kind, body)) {
-        endUnread();
+/// A part of an answer can be out: nothing may follow it.
+void ServedShell::endUnsent(Sent sent) {
+    mChannel.close();
+    over("");
+    if (sent == Sent::Unread) {
+        logServer(4, mAuthor + ": is ended: it does not read its answers");
+    } else if (whyOver().empty()) { // it is not ended by the server
+        logServer(6, mAuthor + ": has gone before the end of an answer");
     }
 }
 
 void ServedShell::work() {
-    const auto onFailure = [this] { endUnread(); };
-    FrameOutput outFrames(mChannel, FrameOut, onFailure);
-    FrameOutput errorFrames(mChannel, FrameErr, onFailure);
+    const auto send = [this](char kind, std::string_view body) { sendWhole(kind, body); };
+    FrameOutput outFrames(FrameOut, send);
+    FrameOutput errorFrames(FrameErr, send);
     std::ostream out(&outFrames);
     std::ostream errors(&errorFrames);
     // A stream that has lost text, for want of memory, must not look as if it had not.

@@ -17,6 +17,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace OrvHost {
@@ -72,8 +73,8 @@ private:
     void finish();
     void logCommand(const CommandTable& commands, const Frame& frame, int status) const;
     void over(const char* why) noexcept;
-    void endUnread();
-    void sendWhole(char kind, const std::string& body);
+    void sendWhole(char kind, std::string_view body);
+    void endUnsent(Sent sent);
     std::string whyOver();
 
     ShellServices& mServices;
@@ -81,6 +82,8 @@ private:
     const ShellHello mHello;
     const std::string mUser;
     const std::string mAuthor;
+
+    bool mIsUnsent = false; ///< nothing is sent any more; of the thread that works
 
     std::mutex mMutex; ///< guards all below
     std::condition_variable mChanged;

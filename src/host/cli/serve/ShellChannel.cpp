@@ -69,7 +69,7 @@ std::optional<Frame> ShellChannel::receive(std::optional<std::chrono::millisecon
     }
 }
 
-bool ShellChannel::send(char kind, std::string_view body) {
+Sent ShellChannel::send(char kind, std::string_view body) {
     const std::string bytes = frameBytes(kind, body);
     for (std::size_t at = 0; at < bytes.size();) {
         const ssize_t sent = ::send(mSocket.get(), bytes.data() + at, bytes.size() - at,
@@ -79,14 +79,15 @@ bool ShellChannel::send(char kind, std::string_view body) {
         } else if (sent < 0 && errno == EAGAIN) {
             const auto end =
                 mUnread.count() > 0 ? std::optional(Clock::now() + mUnread) : std::nullopt;
-            if (waitFor(mSocket.get(), POLLOUT | POLLRDHUP, end) != POLLOUT) {
-                return false;
+            const short found = waitFor(mSocket.get(), POLLOUT | POLLRDHUP, end);
+            if (found != POLLOUT) {
+                return found == 0 ? Sent::Unread : Sent::Gone;
             }
         } else if (sent == 0 || errno != EINTR) {
-            return false;
+            return Sent::Gone;
         }
     }
-    return true;
+    return Sent::Whole;
 }
 
 void ShellChannel::cut() {
@@ -115,11 +116,9 @@ std::streamsize FrameOutput::xsputn(const char* text, std::streamsize size) {
     return size;
 }
 
-// What cannot be sent is dropped.
 int FrameOutput::sync() {
-    if (!mHeld.empty() && !mHasFailed && !mChannel.send(mKind, mHeld)) {
-        mHasFailed = true;
-        mOnFailure();
+    if (!mHeld.empty()) {
+        mSend(mKind, mHeld);
     }
     mHeld.clear();
     return 0;

@@ -17,6 +17,13 @@
 
 namespace OrvHost {
 
+/// What became of a frame.
+enum class Sent {
+    Whole,
+    Gone,   ///< the client does not read any more, or nothing is received from it any more
+    Unread, ///< the client has read nothing for too long
+};
+
 /// The server's end of the socket of a shell. A message that has begun must come within some time.
 /// What is sent is not kept here: who sends waits until the client reads, like a program that
 /// writes to a terminal.
@@ -37,9 +44,8 @@ public:
     /// may take; nothing: as long as it likes. Throws FrameError, also if it is not whole in time.
     std::optional<Frame> receive(std::optional<std::chrono::milliseconds> patience = {});
 
-    /// False if the client is gone, has not read anything for too long, or is cut() off while it
-    /// does not read.
-    bool send(char kind, std::string_view body);
+    /// Gone also if the client is cut() off while it does not read.
+    Sent send(char kind, std::string_view body);
 
     /// Nothing is received any more; what fits is still sent.
     void cut();
@@ -55,10 +61,9 @@ private:
 /// A stream's text as frames of one kind.
 class FrameOutput : public std::streambuf {
 public:
-    /// Of \p onFailure, which is called once, nothing must be expected to be sent. \p channel is
-    /// borrowed.
-    FrameOutput(ShellChannel& channel, char kind, std::function<void()> onFailure)
-        : mChannel(channel), mKind(kind), mOnFailure(std::move(onFailure)) {}
+    using Send = std::function<void(char kind, std::string_view body)>;
+    /// \p send sends a frame of that kind, or drops it.
+    FrameOutput(char kind, Send send) : mKind(kind), mSend(std::move(send)) {}
 
 protected:
     int overflow(int character) override;
@@ -66,11 +71,9 @@ protected:
     int sync() override;
 
 private:
-    ShellChannel& mChannel;
     char mKind;
-    std::function<void()> mOnFailure;
+    Send mSend;
     std::string mHeld;
-    bool mHasFailed = false;
 };
 
 }
