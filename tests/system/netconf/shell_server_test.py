@@ -542,6 +542,18 @@ class LongTest(ShellCase):
         self.assertEqual(out.count("Cabinet="), 20001)
         self.assertEqual(shell.ask("commit")[0], "committed\n")
 
+    def test_a_terminal_that_is_not_read_holds_back_neither_the_server_nor_ctrl_c(self):
+        typist = self.typist()
+        typist.wait_for("orvhost> ")
+        typist.type("tree\r")
+        self.wait_for_log(": tree: done")
+        os.kill(typist.process, signal.SIGINT)
+        seen = typist.wait_for("the rest of its answer is not shown")
+        self.assertNotIn("Cabinet=19999-", seen)
+        typist.wait_for("orvhost> ")
+        typist.type("quit\r")
+        self.assertEqual(typist.finish(), 0)
+
     def test_a_terminal_that_was_stopped_goes_on(self):
         with subprocess.Popen([str(ORVHOST), "--connect", str(self.path), "tree"],
                               stdout=subprocess.PIPE, stdin=subprocess.DEVNULL) as client:

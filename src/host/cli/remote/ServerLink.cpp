@@ -16,6 +16,7 @@
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -26,6 +27,18 @@ namespace {
 
 /// A pipe that can be written at all takes that much without a wait.
 constexpr std::size_t kPiece = 4096;
+
+/// A terminal that can be written takes some bytes, perhaps fewer than a piece, and then a write
+/// waits for its reader. Not so one that is opened again; to change \p fd itself would change it
+/// for the programs that share it. Nothing if it is no terminal, or one that may not be opened: of
+/// another user, say.
+Descriptor openAgain(int fd) {
+    if (isatty(fd) == 0) {
+        return {};
+    }
+    const std::string path = "/proc/self/fd/" + std::to_string(fd);
+    return Descriptor(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+}
 
 std::string whyNotConnected(int error) {
     switch (error) {
@@ -43,7 +56,10 @@ std::string whyNotConnected(int error) {
 }
 
 ServerLink::ServerLink(const std::string& path, const CancellationToken& token)
-    : mToken(token), mReader(kLongestAnswer) {
+    : mToken(token),
+      mOutTerminal(openAgain(STDOUT_FILENO)),
+      mErrTerminal(openAgain(STDERR_FILENO)),
+      mReader(kLongestAnswer) {
     const UnixAddress address(path);
     if (!address.isUsable()) {
         throw LoadError(path + ": " + address.problem());
@@ -120,9 +136,16 @@ void ServerLink::print(int fd, std::string text) {
     }
 }
 
+/// What to write to for \p fd.
+int ServerLink::streamOf(int fd) const {
+    const Descriptor& terminal = fd == STDOUT_FILENO ? mOutTerminal : mErrTerminal;
+    return terminal.get() >= 0 ? terminal.get() : fd;
+}
+
 void ServerLink::writeSome() {
     Waiting& first = mWaiting.front();
-    const ssize_t size = ::write(first.fd, first.text.data(), std::min(first.text.size(), kPiece));
+    const ssize_t size =
+        ::write(streamOf(first.fd), first.text.data(), std::min(first.text.size(), kPiece));
     if (size < 0 && errno != EINTR && errno != EAGAIN) {
         mIsPrinted = mIsPrinted && first.fd != STDOUT_FILENO;
         first.text.clear();

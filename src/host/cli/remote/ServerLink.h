@@ -17,7 +17,7 @@ namespace OrvHost {
 
 /// The client's end of the socket of a server's shell. What the server answers is always read at
 /// once, however slowly the standard output is read, because the server ends clients that do not
-/// read.
+/// read. Ctrl-C, too, is noticed at once.
 ///
 /// One thread.
 class ServerLink {
@@ -57,10 +57,13 @@ private:
 
     bool readSome();
     void writeSome();
+    int streamOf(int fd) const;
     void dropIfCancelled();
 
     const CancellationToken& mToken;
     Descriptor mSocket;
+    const Descriptor mOutTerminal; ///< the standard output, if that is a terminal
+    const Descriptor mErrTerminal;
     FrameReader mReader;
     std::deque<Waiting> mWaiting;
     std::string mLastCancel;

@@ -6,15 +6,26 @@
 #include "cli/remote/ServerLink.h"
 
 #include "base/UnixAddress.h"
+#include "cli/remote/ShellProtocol.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include <fcntl.h>
+#include <linux/sockios.h>
+#include <pthread.h>
+#include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -41,14 +52,20 @@ protected:
         if (pipe(ends.data()) != 0) {
             throw std::runtime_error("there is no pipe");
         }
-        mReading = Descriptor(ends[0]);
-        const Descriptor writing(ends[1]);
         mBefore = Descriptor(dup(STDOUT_FILENO));
-        dup2(writing.get(), STDOUT_FILENO);
+        writeTo(Descriptor(ends[0]), Descriptor(ends[1]));
     }
     ~ServerLinkTest() override {
         restore();
         std::filesystem::remove_all(mFolder);
+    }
+
+    /// The standard output is that of the process again.
+    void restore() {
+        if (mBefore.get() >= 0) {
+            dup2(mBefore.get(), STDOUT_FILENO);
+            mBefore = Descriptor();
+        }
     }
 
     /// What was written to the standard output, which is that of the process again.
@@ -71,15 +88,37 @@ protected:
         token.cancel();
     }
 
+    /// The standard output is a terminal that nobody reads.
+    void useTerminal() {
+        int reading = -1;
+        int writing = -1;
+        if (openpty(&reading, &writing, nullptr, nullptr, nullptr) != 0) {
+            throw std::runtime_error("there is no terminal");
+        }
+        writeTo(Descriptor(reading), Descriptor(writing));
+    }
+
+    /// Reads the terminal, and forgets what it reads.
+    void readUntil(const std::atomic<bool>& isDone) {
+        fcntl(mReading.get(), F_SETFL, O_NONBLOCK);
+        std::array<char, 65536> buffer{};
+        while (!isDone) {
+            if (read(mReading.get(), buffer.data(), buffer.size()) <= 0) {
+                std::this_thread::yield();
+            }
+        }
+    }
+
+    /// The server's end of the connection of a link.
+    Descriptor accepted() const { return Descriptor(accept(mListening.get(), nullptr, nullptr)); }
+
     std::string path;
     CancellationToken token;
 
 private:
-    void restore() {
-        if (mBefore.get() >= 0) {
-            dup2(mBefore.get(), STDOUT_FILENO);
-            mBefore = Descriptor();
-        }
+    void writeTo(Descriptor reading, Descriptor writing) {
+        mReading = std::move(reading);
+        dup2(writing.get(), STDOUT_FILENO);
     }
 
     std::filesystem::path mFolder;
@@ -106,6 +145,74 @@ TEST_F(ServerLinkTest, Flush_CancelledAtTheEndOfALine_AddsNone) {
     link.print(STDOUT_FILENO, "dropped");
     EXPECT_FALSE(link.flush());
     EXPECT_EQ(written(), "line\n");
+}
+
+CancellationToken* theToken = nullptr;
+
+/// Ctrl-C cancels a token, as long as this lives.
+class CancelOnInterrupt {
+public:
+    explicit CancelOnInterrupt(CancellationToken& token) {
+        theToken = &token;
+        struct sigaction action {};
+        action.sa_handler = [](int) { theToken->cancel(); };
+        action.sa_flags = SA_RESTART;
+        sigaction(SIGINT, &action, &mBefore);
+    }
+    ~CancelOnInterrupt() { sigaction(SIGINT, &mBefore, nullptr); }
+    CancelOnInterrupt(const CancelOnInterrupt&) = delete;
+    CancelOnInterrupt& operator=(const CancelOnInterrupt&) = delete;
+
+private:
+    struct sigaction mBefore {};
+};
+
+/// Waits until the other end of a connection has read all. False if it does not.
+bool isAllRead(const Descriptor& socket) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (int unread = 1; unread > 0;) {
+        if (ioctl(socket.get(), SIOCOUTQ, &unread) != 0 || std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+TEST_F(ServerLinkTest, Receive_TerminalIsNotRead_ReadsTheServerAndSendsTheCancel) {
+    useTerminal();
+    ServerLink link(path, token);
+    const CancelOnInterrupt guard(token);
+    std::string text;
+    for (int line = 0; line < 10'000; ++line) {
+        text += std::to_string(line) + " is a line\n";
+    }
+    link.print(STDOUT_FILENO, text);
+    const pthread_t client = pthread_self();
+    const std::string frame = frameBytes(FrameErr, "cancelled");
+    bool isRead = false;
+    std::atomic<bool> isReceived{false};
+    std::array<char, 6> cancel{};
+    // What fails is said afterwards: nobody reads the standard output.
+    std::thread server([&] {
+        const Descriptor socket = accepted();
+        send(socket.get(), frame.data(), 3, MSG_NOSIGNAL);
+        isRead = isAllRead(socket);
+        if (isRead) {
+            pthread_kill(client, SIGINT);
+            recv(socket.get(), cancel.data(), cancel.size(), MSG_WAITALL);
+        }
+        send(socket.get(), frame.data() + 3, frame.size() - 3, MSG_NOSIGNAL);
+        readUntil(isReceived); // ends a write that waits
+    });
+    const std::optional<Frame> received = link.receive("cancel");
+    isReceived = true;
+    server.join();
+    restore();
+    EXPECT_TRUE(isRead) << "the client waits for its terminal";
+    EXPECT_EQ(std::string(cancel.data(), cancel.size()), "cancel");
+    ASSERT_TRUE(received);
+    EXPECT_EQ(received->body, "cancelled");
 }
 
 TEST_F(ServerLinkTest, Flush_CancelledButDocumentsAreWanted_WritesThem) {
