@@ -305,7 +305,6 @@ class UseTest(ShellCase):
             ("graph", "does not call Graphviz"),
             (f"graph --html -o {written}.html", "writes no files"),
             (f"diff committed {self.folder}", "reads no files"),
-            ("commits 99 10", "at most 10 in a server's shell"),
             (f"expect ok : save {written}", "got:      error"),
             ("expect : " * 5000 + "ls", "got:      error"),  # would need much of the stack
         ):
