@@ -151,8 +151,9 @@ def run(*words):
 class Server:
     """orvhost serve with keys and files in a folder of its own."""
 
-    def __init__(self, folder, *options, variables=None, models=()):
-        """models: options for further models."""
+    def __init__(self, folder, *options, variables=None, models=(),
+                 data=("-d", EXAMPLES / "data/harbour.json")):
+        """models: options for further models. data: options for data."""
         self.folder = pathlib.Path(folder)
         self.key = self.folder / "key"
         if not self.key.exists():
@@ -162,7 +163,7 @@ class Server:
         for module in ("ran-element", "ran-equipment", "ran-function"):
             words += ["-m", module]
         words += models
-        words += ["-d", EXAMPLES / "data/harbour.json", "--me-id", "Harbour", "--ext-cm", EXT_CM]
+        words += [*data, "--me-id", "Harbour", "--ext-cm", EXT_CM]
         words += ["serve", "--netconf-ssh", "127.0.0.1:0", "--netconf-unix", self.socket]
         words += ["--netconf-user", f"alice={self.key}.pub", "--host-key", self.folder / "host_key"]
         words += ["--netconf-user", f"reader={self.key}.pub", "--netconf-read-only", "reader"]
@@ -820,6 +821,9 @@ class OptionsTest(unittest.TestCase):
             (("serve", "--netconf-unix", self.folder / "socket", "--netconf-read-only", "no one"),
              "user no one, who may only read, cannot log in"),
             (("--netconf-unix", self.folder / "socket"), "can only be used with serve"),
+            (("--store", self.folder / "store", "--unconfirmed-note", self.plain),
+             "can only be used with serve"),
+            (("serve", "--unconfirmed-note", self.plain), "can only be used with --store"),
             (("--candidate-timeout", 5), "can only be used with serve"),
             (("serve", "tree"), "serve cannot be combined with commands"),
         ):
@@ -893,6 +897,29 @@ class StopTest(ServerCase):
             time.sleep(0.02)
         self.assert_serves()
         self.assertIn("get-config: done", log.read_text())
+
+    def test_a_confirmed_commit_that_waited_is_told_at_the_next_start(self):
+        self.end()
+        for options, name in (((), "store.unconfirmed"),
+                              (("--unconfirmed-note", self.folder / "note"), "note")):
+            with self.subTest(options), tempfile.TemporaryDirectory() as stores:
+                store = pathlib.Path(stores) / "store"
+                self.server = Server(self.folder, "--store", store, *options)
+                client = self.local()
+                self.assertIn("<ok/>", client.ask(rpc(
+                    "<edit-config><target><candidate/></target>" + config(radio_unit(4))
+                    + "</edit-config>")))
+                self.assertIn("<ok/>", client.ask(rpc("<commit><confirmed/></commit>")))
+                notes = [pathlib.Path(stores) / "store.unconfirmed", self.folder / "note"]
+                self.assertEqual([one.name for one in notes if one.exists()], [name])
+                self.server.process.kill()
+                self.server.process.wait()
+                self.server.process.stdout.close()
+                self.server = Server(self.folder, "--store", store, *options, data=())
+                self.assertIn("was neither confirmed nor taken back",
+                              self.server.messages.read_text())
+                self.assertEqual([one.name for one in notes if one.exists()], [])
+                self.end()
 
 
 class HostileTest(ServerCase):

@@ -12,7 +12,7 @@ _orvhost() {
         return
         ;;
     -d | --data | -f | --script | -C | --component | --ext-cm | --log-file | --history | --report-file | --store | \
-        --netconf-unix | --netconf-passwords | --host-key | --shell-unix | --connect)
+        --netconf-unix | --netconf-passwords | --host-key | --unconfirmed-note | --shell-unix | --connect)
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
         ;;

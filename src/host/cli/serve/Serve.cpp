@@ -39,6 +39,15 @@ std::string hostKeyFile(const Options& options) {
     return environmentVariable("HOME").value_or(".") + "/.orvhost_host_key";
 }
 
+/// Empty: none. A store that hosts share has no place of this server's own.
+std::string unconfirmedNoteFile(const Options& options) {
+    if (options.unconfirmedNote) {
+        return *options.unconfirmedNote;
+    }
+    const bool isFile = !options.store.empty() && !isPostgresql(options.store);
+    return isFile ? options.store + ".unconfirmed" : "";
+}
+
 ServerOptions serverOptions(const Options& options) {
     ServerOptions server;
     server.unixPath = options.netconfUnix;
@@ -46,9 +55,7 @@ ServerOptions serverOptions(const Options& options) {
     server.passwordFile = options.passwordFile;
     server.readOnlyUsers = options.readOnlyUsers;
     server.candidateLimit = std::chrono::seconds(options.candidateSeconds);
-    if (!options.store.empty() && !isPostgresql(options.store)) {
-        server.unconfirmedNote = options.store + ".unconfirmed";
-    }
+    server.unconfirmedNote = unconfirmedNoteFile(options);
     for (const std::string& user : options.netconfUsers) {
         const std::size_t equals = user.find('=');
         server.userKeys.emplace_back(user.substr(0, equals), user.substr(equals + 1));

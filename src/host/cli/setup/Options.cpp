@@ -248,6 +248,10 @@ void addServer(CLI::App& app, Options& options) {
     app.add_option("--shell-unix", options.shellUnix,
                    "Path of a socket for 'orvhost --connect'; only its owner can connect")
         ->group(kServerGroup);
+    app.add_option("--unconfirmed-note", options.unconfirmedNote,
+                   "File that remembers that a confirmed commit waits, for the next start; "
+                   "FILE.unconfirmed with --store FILE")
+        ->group(kServerGroup);
     app.add_option("--candidate-timeout", options.candidateSeconds,
                    "Seconds after its last edit when a candidate is discarded, and after its last "
                    "command when a shell with an open transaction is ended; 0: never")
@@ -261,7 +265,7 @@ void takeServer(const CLI::App& app, Options& options) {
     if (!options.isServer) {
         if (options.netconfSsh || options.netconfUnix || options.shellUnix ||
             !options.netconfUsers.empty() || !options.readOnlyUsers.empty() ||
-            !options.passwordFile.empty() || options.hostKey ||
+            !options.passwordFile.empty() || options.hostKey || options.unconfirmedNote ||
             app.get_option("--candidate-timeout")->count() > 0) {
             throw CLI::ValidationError("the options of the server can only be used with serve");
         }
@@ -289,6 +293,9 @@ void requireStoreFor(const GivenOptions& given, const Options& options) {
     refuseOtherName(options.store);
     if (isGiven(given, "--fresh") && !isPostgresql(options.store)) {
         throw CLI::ValidationError("--fresh can only be used with --store postgresql:...");
+    }
+    if (options.unconfirmedNote && options.store.empty()) {
+        throw CLI::ValidationError("--unconfirmed-note can only be used with --store");
     }
     if (isGiven(given, "--store-sync") && (options.store.empty() || isPostgresql(options.store))) {
         throw CLI::ValidationError("--store-sync can only be used with --store FILE");

@@ -72,8 +72,9 @@ struct Options {
     std::vector<std::string> netconfUsers;  ///< "NAME=KEYFILE"
     std::vector<std::string> readOnlyUsers;
     std::string passwordFile;
-    std::optional<std::string> hostKey;   ///< a file
-    unsigned int candidateSeconds = 3600; ///< the limit of a candidate without edits; 0: none
+    std::optional<std::string> hostKey;         ///< a file
+    std::optional<std::string> unconfirmedNote; ///< a file
+    unsigned int candidateSeconds = 3600;       ///< the limit of a candidate without edits; 0: none
 };
 
 /// The result of reading the program's arguments: options, or a reason to end at once.
