@@ -57,7 +57,12 @@ try_out() {
     cmake --build "/tmp/$example" >>/tmp/cmake.log
   done
   /tmp/embedding/minimal_host "$(dpkg -L libext-cm | grep '/libext_cm\.so$')"
-  /tmp/host/mast_host "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" || true # it ends with a refusal
+  # It ends with a refusal.
+  local refused
+  refused=$(/tmp/host/mast_host "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" || echo "status $?")
+  echo "$refused"
+  grep -q '^refused: Attribute antennas' <<<"$refused"
+  grep -qx 'status 1' <<<"$refused"
   orvhost "${network[@]}" -C /tmp/interceptor/libcell_state_interceptor.so \
     get ManagedElement=Harbour,GNBDUFunction=1,NRCellDU=1 operationalState
   orvhost "${network[@]}" -C /tmp/interceptor/libcell_state_interceptor.so --keep-going \

@@ -66,6 +66,9 @@ int main(int count, char** arguments) {
         run(arguments[1]);
         return 0;
     } catch (const RefusalError& refusal) {
+        if (refusal.violations().empty()) { // of something else than the model
+            std::printf("refused: %s\n", refusal.what());
+        }
         for (const Violation& violation : refusal.violations()) {
             std::printf("refused: %s\n", violation.message.c_str());
         }

@@ -185,10 +185,16 @@ class Package:
         build = self.directory / "missing"
         fails(*self.configure(parts, build), *found, env=alone,
               prints="component host_yang needs libyang, which pkg-config does not find")
+        fails(*self.configure(parts, build), *found, "-DPKG_CONFIG_EXECUTABLE=/nonexistent",
+              prints="component host_yang needs pkg-config to find libyang")
         for config in self.prefix.rglob("OrvExtCm-host_yang*.cmake"):
             config.unlink()
-        fails(*self.configure(parts, build), *found,
+        fails(*self.configure(parts, build), *found, "-UPKG_CONFIG_EXECUTABLE",
               prints="component host_yang is not installed, but these are: host,")
+        for config in self.prefix.rglob("OrvExtCm-host*.cmake"):
+            config.unlink()
+        fails(*self.configure(parts, build), *found,
+              prints="component host_yang is not installed, and no other one is")
 
     def host_by_pkg_config(self, component):
         lookup = only(self.prefix, "orv_host.pc").parent
