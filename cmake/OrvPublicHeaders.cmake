@@ -9,9 +9,10 @@
 # from their own directories, so that each layer sees those below it and no other.
 set(ORV_PUBLIC_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
 file(MAKE_DIRECTORY "${ORV_PUBLIC_INCLUDE_DIR}/orv")
+# A header may have gone since the last time. OrvHostHeaders.cmake looks after its own.
 file(GLOB former_links "${ORV_PUBLIC_INCLUDE_DIR}/orv/*.h")
 if(former_links)
-  file(REMOVE ${former_links}) # a header may have gone since the last time
+  file(REMOVE ${former_links})
 endif()
 define_property(GLOBAL PROPERTY ORV_PUBLIC_HEADERS)
 set_property(GLOBAL PROPERTY ORV_PUBLIC_HEADERS)

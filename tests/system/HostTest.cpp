@@ -111,6 +111,19 @@ TEST_F(HostTest, RefusedCall_Text_SaysWhatWasCalledTheCodeAndTheMessages) {
                                HasSubstr("whole number"))));
 }
 
+// The router explains each of its refusals, and the component may have asked it twice.
+TEST(OperationErrorTest, Text_HasEachMessageOnce) {
+    OperationSubject subject;
+    subject.operation = "setMoAttributes";
+    subject.dn = "Mast=a";
+    subject.attributes = {"near"};
+    const OperationError error(OrvNotExist, subject,
+                               {{ThreadContext::Explanation, "no Mast=b"},
+                                {ThreadContext::Explanation, "no Mast=b"},
+                                {ThreadContext::Verdict, "refused"}});
+    EXPECT_STREQ(error.what(), "setMoAttributes Mast=a near: OrvNotExist (-2); no Mast=b; refused");
+}
+
 TEST_F(HostTest, RefusedTransaction_Text_SaysWhichTheCodeAndTheMessages) {
     const Model model = ModelBuilder()
                             .add(ClassDraft("ManagedElement").topLevel().key("managedElementId"))

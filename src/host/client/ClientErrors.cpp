@@ -5,6 +5,7 @@
 
 #include "base/HostReturn.h"
 
+#include <unordered_set>
 #include <utility>
 
 namespace OrvHost {
@@ -14,8 +15,10 @@ namespace {
 std::string whatOf(OrvReturnT code, const OperationSubject& subject,
                    const std::vector<ThreadContext::Message>& messages) {
     std::string text = toText(subject) + ": " + codeText(code);
+    // The router explains each of its refusals, and the component may have asked it twice.
+    std::unordered_set<std::string> told;
     for (const ThreadContext::Message& message : messages) {
-        text += "; " + message.text;
+        text += told.insert(message.text).second ? "; " + message.text : "";
     }
     return text;
 }

@@ -31,8 +31,8 @@ std::string toText(const OperationSubject& subject);
 /// "OrvNotExist (-2)".
 std::string codeText(OrvReturnT code);
 
-/// A code that is not OrvOk from one of the component's tables. what() is one line with the
-/// subject, the code and the messages; ErrorExplainer finds out more.
+/// A code that is not OrvOk from one of the component's tables. what() has the subject,
+/// the code and the messages, each once; ErrorExplainer finds out more.
 class OperationError : public std::runtime_error {
 public:
     OperationError(OrvReturnT code, OperationSubject subject,

@@ -31,8 +31,8 @@ struct Violation {
     std::optional<CountProblem> count;  ///< if it is about a number of values or references
 };
 
-/// A transaction that is not valid, or was not committed. what() is one line with its name, the
-/// code and the messages.
+/// A transaction that is not valid, or was not committed. what() has its name, the code and the
+/// messages.
 class RefusalError : public std::runtime_error {
 public:
     /// What was refused.
