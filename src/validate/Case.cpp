@@ -167,7 +167,8 @@ std::vector<Case> listCases(const CaseFiles& files, const std::vector<std::strin
         const std::string problem = end.isInTime ? breakdown(end.status) : "no list in time";
         const std::vector<Case> all = parseListing(group, program, end.output);
         if (!problem.empty() || all.empty()) {
-            throw std::runtime_error(program + " lists no cases: " + problem + "\n" + end.output);
+            throw std::runtime_error(
+                (program + " lists no cases: ").append(problem).append("\n").append(end.output));
         }
         std::copy_if(all.begin(), all.end(), std::back_inserter(cases),
                      [&](const Case& which) { return matches(which, filters); });

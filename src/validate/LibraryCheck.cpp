@@ -103,7 +103,7 @@ std::string whyNotLoaded(const ChildEnd& end, std::chrono::seconds limit) {
 }
 
 std::string whyNotLoadable(const std::string& path, std::chrono::seconds limit) {
-    const std::string problem = whyNotOfThisMachine(path);
+    std::string problem = whyNotOfThisMachine(path);
     if (!problem.empty()) {
         return problem;
     }

@@ -100,8 +100,8 @@ void RepositoryIndex::addBiDir(std::uint32_t index) {
     const AssociationEnd(&ends)[2] = mModel.biDirAssociations[index].ends;
     RepositoryRows::MocRow& first = mMocs[ends[0].moc];
     RepositoryRows::MocRow& second = mMocs[ends[1].moc];
-    mBiDirEnds[2 * index] = rowOf(ends[0], ends[1].moc);
-    mBiDirEnds[2 * index + 1] = rowOf(ends[1], ends[0].moc);
+    mBiDirEnds[2 * std::size_t{index}] = rowOf(ends[0], ends[1].moc);
+    mBiDirEnds[2 * std::size_t{index} + 1] = rowOf(ends[1], ends[0].moc);
     mBiDirs[index] = {{mocHandle(ends[0].moc), mocHandle(ends[1].moc)},
                       {first.firstBiDir, second.firstBiDir}};
     first.firstBiDir = second.firstBiDir = encode({HandleKind::BiDir, index});

@@ -73,7 +73,7 @@ ServerOptions serverOptions(const Options& options) {
 /// takes such buffers from a heap that keeps what was freed.
 void keepNoLargeBuffers() {
 #ifdef M_MMAP_THRESHOLD
-    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe): no other thread yet
 #endif
 }
 
