@@ -6,12 +6,14 @@
 #include "DispatcherScene.h"
 
 #include "LoggingWrapper.h"
+#include "base/AtomicFile.h"
 #include "runtime/LogSink.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -22,8 +24,10 @@ namespace OrvHost {
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
+using testing::ThrowsMessage;
 
 auto hasTag(const std::string& tag) {
     return HasSubstr("<error-tag>" + tag + "</error-tag>");
@@ -401,6 +405,16 @@ TEST_F(NetconfLeftCommitTest, ConfirmedCancelledOrRefused_NothingIsLeft) {
     EXPECT_THAT(commit(bob, "<confirmed/>"), hasTag("operation-failed"));
     EXPECT_FALSE(std::filesystem::exists(file())) << "refused";
     EXPECT_EQ(saidAtStart(), "");
+}
+
+TEST_F(NetconfLeftCommitTest, File_OfSomethingElse_IsRefusedAndStays) {
+    for (const std::string& text : {std::string("mine\n"), std::string()}) {
+        std::ofstream(file()) << text;
+        EXPECT_THAT([this] { saidAtStart(); },
+                    ThrowsMessage<FileError>(AllOf(HasSubstr(file().string()),
+                                                   HasSubstr("a note of a confirmed commit"))));
+        EXPECT_TRUE(std::filesystem::exists(file())) << text;
+    }
 }
 
 // The commit is made nevertheless.

@@ -39,7 +39,7 @@ void ConfirmedCommit::writeNote() {
     if (!mNote.isKept()) {
         return;
     }
-    mNote.write("a confirmed commit of " + mAuthor + ", which began at " + mSince +
+    mNote.write(std::string(UnconfirmedNote::kBegin) + mAuthor + ", which began at " + mSince +
                 ", was neither confirmed nor taken back when the server ended; what it has changed "
                 "stays: " +
                 mUndoing.summary());

@@ -17,6 +17,10 @@ std::string UnconfirmedNote::take() {
     if (!note.isRead()) {
         throw FileError(mFile.string() + ": " + note.problem);
     }
+    if (note.text.compare(0, kBegin.size(), kBegin) != 0) {
+        throw FileError(mFile.string() + ": a note of a confirmed commit was expected, or no file; "
+                                         "this one has something else, and is left alone");
+    }
     clear();
     return note.text.substr(0, note.text.find('\n'));
 }

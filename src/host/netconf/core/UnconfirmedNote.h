@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace OrvHost {
@@ -21,10 +22,14 @@ public:
 
     bool isKept() const { return !mFile.empty(); }
 
+    /// What every note begins with, so that a file of something else is not taken for one.
+    static constexpr std::string_view kBegin = "a confirmed commit of ";
+
     /// What a process before this one has left, in one line; empty: nothing. It is gone afterwards.
-    /// Throws FileError if it is there and cannot be read.
+    /// Throws FileError if it is there and cannot be read, or is no note, and then it stays.
     std::string take();
-    /// The note is on the disk when this returns. If that is not possible, it is logged.
+    /// \p text begins as a note must. The note is on the disk when this returns. If that is not
+    /// possible, it is logged.
     void write(const std::string& text) noexcept;
     /// If that is not possible, it is logged.
     void clear() noexcept;
