@@ -429,12 +429,14 @@ TEST_F(NetconfLeftCommitTest, File_CannotBeWritten_IsLogged) {
     EXPECT_EQ(commit(alice, ""), "ok");
 }
 
-/// Commits something at the moment when somebody else begins a transaction.
+/// Commits something at the moment when somebody else begins a transaction, or refuses that.
 class NetconfCommitBetweenTest : public NetconfConfirmedCommitTest {
 protected:
     NetconfCommitBetweenTest() {
         theTest = this;
-        resource.join = [](unsigned long) { return theTest->commitOnce(); };
+        resource.join = [](unsigned long) {
+            return theTest->isRefusing ? OrvHostWrongState : theTest->commitOnce();
+        };
         const auto nothing = [](unsigned long) { return OrvOk; };
         resource.prepare = resource.commit = resource.abort = resource.finish = nothing;
         resource.validate = [](unsigned long, bool* result) {
@@ -460,6 +462,7 @@ protected:
     OrvOamSpiTransactionalResource_2 resource{};
     bool isArmed = false;
     bool isAtValidate = false;
+    bool isRefusing = false; ///< no transaction can begin
 };
 
 NetconfCommitBetweenTest* NetconfCommitBetweenTest::theTest = nullptr;
@@ -483,6 +486,20 @@ TEST_F(NetconfCommitBetweenTest, BeforeTheTakeBackIsCommitted_IsUndoneToo) {
     ASSERT_EQ(ask("<cancel-commit/>"), "ok");
     EXPECT_FALSE(isArmed);
     EXPECT_EQ(running(), before);
+}
+
+// A commit of the rest of it must not be called a success.
+TEST_F(NetconfCommitBetweenTest, CandidateThatCannotBeginAgain_IsDiscardedAndItsEditorsTold) {
+    ASSERT_EQ(edit(radioUnit("7", tagged("antennaRef", antenna(2, 1)))), "ok");
+    ASSERT_EQ(ask(bob, "<edit-config><target><candidate/></target>" +
+                           tagged("config", radioUnit("8", tagged("antennaRef", antenna(2, 1)))) +
+                           "</edit-config>"),
+              "ok");
+    isRefusing = true;
+    EXPECT_THAT(commit(alice, ""), HasSubstr("the candidate is discarded"));
+    isRefusing = false;
+    EXPECT_THAT(commit(bob, ""), HasSubstr("the candidate was discarded before it"));
+    EXPECT_THAT(running(), Not(AnyOf(HasSubstr("<radioUnitId>7"), HasSubstr("<radioUnitId>8"))));
 }
 
 TEST_F(NetconfConfirmedCommitTest, RefusedCommit_WaitsForNothing) {

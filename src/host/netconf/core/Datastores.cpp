@@ -164,8 +164,8 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
         if (mode == EditMode::Write && !plan.calls.empty()) {
             isWriting = true;
             runPlan(plan, mHost.model(), mCandidateClients, *mHandle);
-            mAccepted.push_back(made);
             mEditors.insert(session.id());
+            mAccepted.push_back(made);
             if (mCandidateLimit.count() > 0) {
                 mCandidateDeadline = Alarm::Clock::now() + mCandidateLimit;
                 setAlarm();
@@ -466,8 +466,8 @@ void Datastores::replay(const NetconfSession* asking) {
     if (mAccepted.empty()) {
         return;
     }
-    beginCandidate(mAuthor);
     try {
+        beginCandidate(mAuthor);
         for (const Wish& wish : mAccepted) {
             applyWish(wish, mHost.model(), mCandidateClients, *mHandle);
         }
