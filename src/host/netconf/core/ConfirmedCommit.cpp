@@ -4,6 +4,7 @@
 #include "ConfirmedCommit.h"
 
 #include "base/UtcTime.h"
+#include "netconf/core/ServerLog.h"
 #include "netconf/wire/RpcError.h"
 #include "runtime/Host.h"
 
@@ -27,12 +28,19 @@ ConfirmedCommit::ConfirmedCommit(Host& host, const NetconfSession& owner, Unconf
       mNote(note),
       mFeed(host.watch([this](const ChangeSet& changes) {
           const std::lock_guard<std::mutex> lock(mMutex);
-          mUndoing.add(changes);
           ++mCommits;
+          remember(changes);
           writeNote();
       })) {
     const std::lock_guard<std::mutex> lock(mMutex);
     writeNote();
+}
+
+/// The commit has happened, and what this throws is dropped there.
+void ConfirmedCommit::remember(const ChangeSet& changes) {
+    mIsKnown = contain("what a confirmed commit has changed is not remembered whole",
+                       [&] { mUndoing.add(changes); }) &&
+               mIsKnown;
 }
 
 void ConfirmedCommit::writeNote() {
@@ -90,6 +98,11 @@ std::string ConfirmedCommit::text() const {
 
 Wish ConfirmedCommit::undoing(const Model& model) {
     const std::lock_guard<std::mutex> lock(mMutex);
+    if (!mIsKnown) {
+        throw RpcErrors(protocolError("operation-failed",
+                                      "what was before the confirmed commit is not known whole, "
+                                      "since there was not enough memory; nothing is taken back"));
+    }
     return mUndoing.wish(model);
 }
 

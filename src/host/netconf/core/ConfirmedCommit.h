@@ -64,7 +64,8 @@ public:
     void requireMayEnd(const NetconfSession& session, const std::optional<std::string>& persistId,
                        End end) const;
 
-    /// The wish that takes it back. Without edits: nothing was committed.
+    /// The wish that takes it back. Without edits: nothing was committed. Throws RpcErrors if
+    /// memory has run out when something was committed, so that it is not known whole.
     Wish undoing(const Model& model);
     /// The commits so far, those that take it back included.
     std::size_t commits();
@@ -80,6 +81,7 @@ public:
     const std::string& refusal() const { return mRefusal; }
 
 private:
+    void remember(const ChangeSet& changes);
     void writeNote();
 
     const std::string mSince;
@@ -92,9 +94,10 @@ private:
 
     std::chrono::seconds mPause{0};
 
-    std::mutex mMutex; ///< guards the next three
+    std::mutex mMutex; ///< guards the next four
     UnconfirmedNote& mNote;
     Undoing mUndoing;
+    bool mIsKnown = true; ///< mUndoing has all commits
     std::size_t mCommits = 0;
     CommitFeed::Subscription mFeed; ///< after what its watcher uses
 };
