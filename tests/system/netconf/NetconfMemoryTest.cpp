@@ -125,25 +125,5 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAConfirmedCommit_ItIsTakenBackO
     EXPECT_TRUE(isRefused) << "a failure must have been met where it remembers";
 }
 
-// The edits of a refused commit are made again. Without them nothing would be committed, and that
-// would be called a success.
-TEST_F(NetconfMemoryTest, AnAllocationThatFailsInARefusedCommit_LosesNoEditsInSilence) {
-    bool hasFailed = true;
-    for (long number = 0; hasFailed; number += number < 200 ? 1 : 1 + number / 20) {
-        for (const char* unit : {"7", "8"}) { // one more than the antenna may have
-            ASSERT_EQ(edit(radioUnit(unit, tagged("antennaRef", antenna(2, 1)))), "ok");
-        }
-        FailingAllocations::failAfter(number);
-        std::string answer;
-        contain([&] { answer = ask("<commit/>"); });
-        hasFailed = FailingAllocations::stop();
-        if (answer.find("the candidate is discarded") == std::string::npos) {
-            ASSERT_NE(ask("<commit/>"), "ok") << number << " after " << answer;
-        }
-        ASSERT_EQ(ask("<discard-changes/>"), "ok") << number;
-        ASSERT_EQ(host.transactions().openCount(), 0) << number;
-    }
-}
-
 }
 }
