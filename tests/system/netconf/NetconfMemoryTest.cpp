@@ -9,8 +9,31 @@
 
 #include <new>
 
+#ifdef ORV_SANITIZED
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace OrvHost {
 namespace {
+
+/// Without memory, the component cannot wrap what the router has answered, and its caller gets a
+/// code and no result. So the router's block is lost, as the contract of the tables has it. While
+/// this lives, blocks of the thread are not looked for.
+class LostBlocks {
+public:
+    LostBlocks() {
+#ifdef ORV_SANITIZED
+        __lsan_disable();
+#endif
+    }
+    ~LostBlocks() {
+#ifdef ORV_SANITIZED
+        __lsan_enable();
+#endif
+    }
+    LostBlocks(const LostBlocks&) = delete;
+    LostBlocks& operator=(const LostBlocks&) = delete;
+};
 
 using testing::HasSubstr;
 using testing::Not;
@@ -63,6 +86,7 @@ protected:
             std::string("<lock><target><running/></target></lock>")};
         const std::string ofRunning = edit("running", label);
         std::string answer;
+        const LostBlocks lost;
         FailingAllocations::failAfter(number);
         for (const std::string& operation : operations) {
             if (operation == ofRunning && answer != "ok") {
@@ -111,6 +135,7 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAConfirmedCommit_ItIsTakenBackO
     for (long number = 0; hasFailed; ++number) {
         const std::string label = tagged("userLabel", "changed " + std::to_string(number));
         ASSERT_EQ(edit(element(label)), "ok");
+        const LostBlocks lost;
         FailingAllocations::failAfter(number);
         contain([&] { ask("<commit><confirmed/></commit>"); });
         hasFailed = FailingAllocations::stop();
