@@ -78,6 +78,9 @@ struct TransactionService::Transaction {
     const std::string author;
     bool isBusy = false; ///< a phase runs on some thread
     bool takesJoiners = true;
+    /// Somebody could not join for want of memory, who may go on as if they had. Without their word
+    /// nothing may be committed.
+    bool lacksParticipant = false;
     std::vector<Resource*> participants;
 
     bool isEnrolled(const Resource* resource) const {
@@ -204,7 +207,12 @@ OrvReturnT TransactionService::join(unsigned long txHandle, Resource* resource) 
             return OrvOk;
         }
         // Added before the call of its slot, so that a join during that call finds it enrolled.
-        joined->participants.push_back(resource);
+        try {
+            joined->participants.push_back(resource);
+        } catch (...) {
+            joined->lacksParticipant = true;
+            throw;
+        }
     }
     const OrvReturnT code = call(resource->join, txHandle);
     if (code != OrvOk) {
@@ -253,8 +261,17 @@ Resource* TransactionService::participant(const Transaction& transaction, std::s
     return index < transaction.participants.size() ? transaction.participants[index] : nullptr;
 }
 
+bool TransactionService::lacksParticipant(const Transaction& transaction) const {
+    const std::lock_guard<std::mutex> guard(mMutex);
+    return transaction.lacksParticipant;
+}
+
 void TransactionService::validateAll(const Transaction& transaction,
                                      TransactionOutcome& outcome) const {
+    if (lacksParticipant(transaction)) {
+        refuse(outcome, OrvValidationFailed,
+               [] { return std::string("a participant could not join for want of memory"); });
+    }
     for (std::size_t at = 0; const Resource* next = participant(transaction, at); ++at) {
         validateOne(*next, transaction.handle, outcome);
     }

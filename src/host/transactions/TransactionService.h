@@ -43,7 +43,9 @@ struct TransactionOutcome {
 /// participant refuses at commit. After one participant has committed, abort is not possible any
 /// more: refusals of later ones only appear in `reason`.
 ///
-/// Without memory for reasons and messages, commit and abort go on without them.
+/// Without memory for reasons and messages, commit and abort go on without them. Without memory for
+/// a participant, its join fails, and the transaction is not valid any more: who does not look at
+/// the code of join would not be asked.
 ///
 /// Threads: any; a transaction is driven by one thread at a time, and a second one that tries is
 /// refused. No lock is held while a participant is called. Only one object at a time can live in a
@@ -105,6 +107,7 @@ private:
     void closeToJoiners(Transaction& transaction);
     OrvOamSpiTransactionalResource_2* participant(const Transaction& transaction,
                                                   std::size_t index) const;
+    bool lacksParticipant(const Transaction& transaction) const;
     void validateAll(const Transaction& transaction, TransactionOutcome& outcome) const;
     void prepareAll(const Transaction& transaction, TransactionOutcome& outcome) const;
     void commitAll(const Transaction& transaction, TransactionOutcome& outcome) const;
