@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# Builds the Debian packages and tries them out. For people: it takes two builds, and root or the
-# right to make user namespaces for the fresh system, which comes from the mirror of this machine.
+# Builds the Debian packages and tries them out. For people: it takes two builds, and root for the
+# fresh system, which comes from the mirror of this machine.
 #   scripts/package.sh build        the packages, into build/packages
 #   scripts/package.sh              then again in another directory, to compare every byte; lintian;
 #                                   and in a fresh Debian 12: install, use, upgrade, remove, purge
@@ -80,8 +80,13 @@ try_out() {
   cp "$2"/*.deb "$root/packages/former"
   cp /etc/resolv.conf "$root/etc/resolv.conf"
   cp scripts/try-packages.sh "$root/try-packages.sh"
+  # Programs find what belongs to them by /proc.
+  mount -t proc proc "$root/proc"
+  local status=0
   # Nothing of how this machine builds.
-  chroot "$root" /usr/bin/env -i /bin/bash /try-packages.sh
+  chroot "$root" /usr/bin/env -i /bin/bash /try-packages.sh || status=$?
+  umount "$root/proc"
+  return "$status"
 }
 
 if [ "${1:-}" = try ]; then
