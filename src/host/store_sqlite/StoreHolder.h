@@ -4,28 +4,21 @@
 #ifndef ORV_HOST_STORE_SQLITE_STOREHOLDER_H
 #define ORV_HOST_STORE_SQLITE_STOREHOLDER_H
 
+#include "base/FileHolder.h"
+
 #include <filesystem>
-#include <string>
+#include <optional>
 
 namespace OrvHost {
 
-/// The right of one process to use the file of a store. A small file beside it, with "-holder"
-/// after its name, says who has it, and is locked meanwhile: the operating system takes the lock
-/// back when the process ends in any way. One thread.
+/// The right of one process to use the file of a store: see FileHolder. One thread.
 class StoreHolder {
 public:
-    /// Throws LogUnavailable with a text that names the process that holds \p file, or says why the
-    /// file beside it cannot be written.
+    /// Throws LogUnavailable with the text of FileHolder.
     explicit StoreHolder(const std::filesystem::path& file);
-    ~StoreHolder();
-    StoreHolder(const StoreHolder&) = delete;
-    StoreHolder& operator=(const StoreHolder&) = delete;
 
 private:
-    bool tryLock(const std::filesystem::path& file);
-
-    std::filesystem::path mFile;
-    int mDescriptor = -1;
+    std::optional<FileHolder> mHolder; ///< always there; it cannot be moved
 };
 
 }

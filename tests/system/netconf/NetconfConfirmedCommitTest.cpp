@@ -338,8 +338,9 @@ protected:
 
     std::filesystem::path file() const { return mFolder / "store.unconfirmed"; }
 
-    /// What a server says at its start that finds the file.
+    /// What a server says at its start that finds the file, once the one before has ended.
     std::string saidAtStart() {
+        dispatcher.noteUnconfirmedIn({});
         std::ostringstream lines;
         LogSink log(lines, LogFormat::Text);
         Orv::LoggingWrapper::instance()->setLevel(4);
@@ -347,6 +348,8 @@ protected:
             host, dispatcher.model(), [](std::uint32_t, const NetconfSession&) { return false; },
             [](NetconfSession&, std::optional<std::vector<FilterNode>>) { return false; });
         next.noteUnconfirmedIn(file());
+        EXPECT_EQ(lines.str(), "") << "the start can still fail";
+        next.tellLeftUnconfirmed();
         return lines.str();
     }
 
@@ -360,7 +363,7 @@ TEST_F(NetconfLeftCommitTest, LeftWaiting_TheNextServer_SaysWhoseAndWhatStays) {
     const std::string said = saidAtStart();
     EXPECT_THAT(said, AllOf(HasSubstr("a confirmed commit of " + alice.author() + ", which began"),
                             HasSubstr("was neither confirmed nor taken back"),
-                            HasSubstr("what it has changed stays: "),
+                            HasSubstr("what it had changed is not taken back: "),
                             HasSubstr("ManagedElement=Harbour,Equipment=1,RadioUnit=1"),
                             HasSubstr("ManagedElement=Harbour,Equipment=1,RadioUnit=9")));
     EXPECT_EQ(saidAtStart(), "") << "once is enough";
@@ -369,8 +372,9 @@ TEST_F(NetconfLeftCommitTest, LeftWaiting_TheNextServer_SaysWhoseAndWhatStays) {
 TEST_F(NetconfLeftCommitTest, LeftWaiting_EditsOfRunningSince_StayToo) {
     ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
     ASSERT_EQ(edit(radioUnit("7"), "running"), "ok");
-    EXPECT_THAT(saidAtStart(),
-                HasSubstr("stays: 1 object: ManagedElement=Harbour,Equipment=1,RadioUnit=7"));
+    EXPECT_THAT(
+        saidAtStart(),
+        HasSubstr("not taken back: 1 object: ManagedElement=Harbour,Equipment=1,RadioUnit=7"));
 }
 
 TEST_F(NetconfLeftCommitTest, ManyObjects_OnlyTheFirst_AreNamed) {
@@ -415,6 +419,42 @@ TEST_F(NetconfLeftCommitTest, File_OfSomethingElse_IsRefusedAndStays) {
                                                    HasSubstr("a note of a confirmed commit"))));
         EXPECT_TRUE(std::filesystem::exists(file())) << text;
     }
+}
+
+TEST_F(NetconfLeftCommitTest, File_OfAServerThatLives_IsRefusedAndStays) {
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT([this] { UnconfirmedNote note(file()); },
+                ThrowsMessage<FileError>(AllOf(
+                    HasSubstr(file().string() + " is in use by process " +
+                              std::to_string(getpid()) + " on "),
+                    HasSubstr("a file was expected that can be written, and that no other"))));
+    EXPECT_TRUE(std::filesystem::exists(file()));
+}
+
+TEST_F(NetconfLeftCommitTest, File_CannotBeMade_IsRefused) {
+    for (const char* const folder : {"/proc", "/dev/null", "/there/is/no/such/folder"}) {
+        EXPECT_THAT([&] { UnconfirmedNote note(std::filesystem::path(folder) / "note"); },
+                    ThrowsMessage<FileError>(AllOf(HasSubstr(std::string(folder) + "/note"),
+                                                   HasSubstr("can be written"))));
+    }
+}
+
+TEST_F(NetconfLeftCommitTest, NotToldYet_StaysUntilItIsOrANewOneIsWritten) {
+    const std::string before = std::string(UnconfirmedNote::kBegin) + "carol";
+    dispatcher.noteUnconfirmedIn({});
+    std::ofstream(file()) << before << '\n';
+    std::ostringstream lines;
+    LogSink log(lines, LogFormat::Text);
+    dispatcher.noteUnconfirmedIn(file());
+    ASSERT_EQ(commit(alice, ""), "ok");
+    EXPECT_TRUE(std::filesystem::exists(file())) << "nobody has been told of it";
+    EXPECT_THAT(lines.str(), Not(HasSubstr(before)));
+    ASSERT_EQ(label("Old harbour"), "ok");
+    ASSERT_EQ(commit(alice, "<confirmed/>"), "ok");
+    EXPECT_THAT(lines.str(), HasSubstr(before));
+    ASSERT_EQ(commit(alice, ""), "ok");
+    EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
 // The commit is made nevertheless.

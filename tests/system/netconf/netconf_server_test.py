@@ -176,6 +176,8 @@ class Server:
             )
         self.lines = [self.process.stdout.readline() for _ in range(2)]
         if not self.lines[1]:
+            self.process.stdout.close()
+            self.process.wait(30)
             raise RuntimeError("the server did not start: " + self.last_messages())
         self.port = int(self.lines[0].rsplit(":", 1)[1])
 
@@ -824,6 +826,10 @@ class OptionsTest(unittest.TestCase):
             (("--store", self.folder / "store", "--unconfirmed-note", self.plain),
              "can only be used with serve"),
             (("serve", "--unconfirmed-note", self.plain), "can only be used with --store"),
+            (("serve", "--store", self.folder / "store", "--unconfirmed-note", "/missing/note"),
+             "--unconfirmed-note: /missing/note: no file can be made in this directory"),
+            (("serve", "--store", self.folder / "store", "--unconfirmed-note", self.plain),
+             f"--unconfirmed-note: {self.plain}: a note of a confirmed commit was expected"),
             (("--candidate-timeout", 5), "can only be used with serve"),
             (("serve", "tree"), "serve cannot be combined with commands"),
         ):
@@ -920,6 +926,42 @@ class StopTest(ServerCase):
                               self.server.messages.read_text())
                 self.assertEqual([one.name for one in notes if one.exists()], [])
                 self.end()
+
+    def refusal_of_another(self, *options):
+        """What a server says that does not start, in a folder of its own."""
+        with tempfile.TemporaryDirectory() as folder, self.assertRaises(RuntimeError) as refused:
+            Server(folder, *options)
+        return str(refused.exception)
+
+    def test_a_note_that_another_server_uses_is_refused(self):
+        self.end()
+        note = self.folder / "note"
+        options = ("--unconfirmed-note", note)
+        self.server = Server(self.folder, "--store", self.folder / "store", *options)
+        client = self.local()
+        self.assertIn("<ok/>", client.ask(rpc(
+            "<edit-config><target><candidate/></target>" + config(radio_unit(4))
+            + "</edit-config>")))
+        self.assertIn("<ok/>", client.ask(rpc("<commit><confirmed/></commit>")))
+        said = self.refusal_of_another("--store", self.folder / "other", *options)
+        self.assertIn(f"--unconfirmed-note: {note} is in use by process {self.server.process.pid} ",
+                      said)
+        self.assertTrue(note.exists())
+
+    def test_a_start_that_fails_leaves_the_note(self):
+        self.end()
+        note = self.folder / "note"
+        note.write_text("a confirmed commit of carol, which began\n")
+        options = ("--store", self.folder / "store", "--unconfirmed-note", note)
+        for wrong in (("--netconf-ssh", "192.0.2.1:1"), ("--netconf-unix", note),
+                      ("--shell-unix", note)):
+            with self.subTest(wrong):
+                said = self.refusal_of_another(*options, *wrong)
+                self.assertNotIn("carol", said)
+                self.assertIn("carol", note.read_text())
+        self.server = Server(self.folder, *options, data=())
+        self.assertIn("a confirmed commit of carol", self.server.messages.read_text())
+        self.assertFalse(note.exists())
 
 
 class HostileTest(ServerCase):

@@ -8,6 +8,7 @@
 
 #ifdef ORVHOST_NETCONF
 
+#include "base/AtomicFile.h"
 #include "base/Environment.h"
 #include "cli/serve/ServiceManager.h"
 #include "cli/serve/ShellServer.h"
@@ -98,6 +99,15 @@ private:
     sigset_t mSignals{};
 };
 
+std::unique_ptr<NetconfServer> serverOf(const Options& options, HostSetup& setup) {
+    try {
+        return std::make_unique<NetconfServer>(setup.host(), setup.modelReader(), setup.schema(),
+                                               serverOptions(options));
+    } catch (const FileError& failure) {
+        throw LoadError(std::string("--unconfirmed-note: ") + failure.what());
+    }
+}
+
 std::unique_ptr<ShellServer> shellsOf(const Options& options, HostSetup& setup,
                                       NetconfServer& server) {
     if (!options.shellUnix) {
@@ -123,9 +133,10 @@ int serve(const Options& options, std::ostream& out) {
     keepNoLargeBuffers();
     WaitingSignals signals;
     HostSetup setup(options, std::cerr);
-    NetconfServer server(setup.host(), setup.modelReader(), setup.schema(), serverOptions(options));
-    const std::unique_ptr<ShellServer> shells = shellsOf(options, setup, server);
-    for (const std::string& line : server.addresses()) {
+    const std::unique_ptr<NetconfServer> server = serverOf(options, setup);
+    const std::unique_ptr<ShellServer> shells = shellsOf(options, setup, *server);
+    server->tellLeftUnconfirmed();
+    for (const std::string& line : server->addresses()) {
         out << line << '\n';
     }
     if (shells) {
@@ -144,9 +155,9 @@ int serve(const Options& options, std::ostream& out) {
     // takes back, from that: so the shells end first.
     const bool areShellsDone =
         !shells || shells->end(std::chrono::steady_clock::now() + kPatienceWithShells);
-    const bool isServerDone = server.end(kPatience);
+    const bool isServerDone = server->end(kPatience);
     if (!areShellsDone || !isServerDone) {
-        server.logWhatStays();
+        server->logWhatStays();
         std::cerr << "orvhost: a request is still at work; the program ends without it\n";
         std::_Exit(ExitOk);
     }

@@ -48,8 +48,8 @@ void ConfirmedCommit::writeNote() {
         return;
     }
     mNote.write(std::string(UnconfirmedNote::kBegin) + mAuthor + ", which began at " + mSince +
-                ", was neither confirmed nor taken back when the server ended; what it has changed "
-                "stays: " +
+                ", was neither confirmed nor taken back when the server ended; what it had changed "
+                "is not taken back: " +
                 mUndoing.summary());
 }
 

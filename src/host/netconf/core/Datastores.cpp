@@ -84,9 +84,11 @@ void Datastores::logWhatStays() const {
 
 void Datastores::noteUnconfirmedIn(const std::filesystem::path& file) {
     mNote = UnconfirmedNote(file);
-    if (const std::string left = mNote.take(); !left.empty()) {
-        logServer(4, left);
-    }
+}
+
+void Datastores::tellLeftUnconfirmed() {
+    const std::lock_guard<std::mutex> lock(mRunningMutex);
+    mNote.tellLeft();
 }
 
 /// It is confirmed or taken back.

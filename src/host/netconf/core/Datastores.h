@@ -82,9 +82,12 @@ public:
     /// unless this is called. Before the sessions.
     void pauseUndoing(std::chrono::seconds pause) { mUndoingPause = pause; }
 
-    /// Remembers in \p file what a confirmed commit that waits has changed. What a server before
-    /// this one has left there is logged, once. Before the sessions. Throws FileError.
+    /// Remembers in \p file what a confirmed commit that waits has changed; empty: does not. Before
+    /// the sessions. Throws FileError: see UnconfirmedNote.
     void noteUnconfirmedIn(const std::filesystem::path& file);
+    /// Logs what a server before this one has left in that file, and removes it. For when the start
+    /// of the server cannot fail any more: the next one would not say it again.
+    void tellLeftUnconfirmed();
 
     /// Logs what this object would say when it is destroyed, for a process that ends without that.
     /// Does not wait for a request.

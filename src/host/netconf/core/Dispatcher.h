@@ -60,6 +60,9 @@ public:
     /// See Datastores::noteUnconfirmedIn.
     void noteUnconfirmedIn(const std::filesystem::path& file) { mStores.noteUnconfirmedIn(file); }
 
+    /// See Datastores::tellLeftUnconfirmed.
+    void tellLeftUnconfirmed() { mStores.tellLeftUnconfirmed(); }
+
     /// See Datastores::logWhatStays.
     void logWhatStays() const { mStores.logWhatStays(); }
 

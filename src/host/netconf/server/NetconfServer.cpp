@@ -121,6 +121,10 @@ NetconfServer::~NetconfServer() {
     mParts->local.reset();
 }
 
+void NetconfServer::tellLeftUnconfirmed() {
+    mParts->hub.dispatcher().tellLeftUnconfirmed();
+}
+
 bool NetconfServer::end(std::chrono::milliseconds patience) {
     return mParts->end(std::chrono::steady_clock::now() + patience);
 }

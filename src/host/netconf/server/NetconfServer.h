@@ -45,6 +45,10 @@ public:
     NetconfServer(const NetconfServer&) = delete;
     NetconfServer& operator=(const NetconfServer&) = delete;
 
+    /// Logs whose confirmed commit a server before this one has left, and removes the file of the
+    /// note. For when the start of the process cannot fail any more. Any thread.
+    void tellLeftUnconfirmed();
+
     /// Ends all sessions; what is not committed is aborted. Waits for \p patience at most: a search
     /// by XPath cannot be interrupted. False if a request is still at work then. The server must
     /// not be destroyed as long as it is.
