@@ -836,6 +836,13 @@ class OptionsTest(unittest.TestCase):
             with self.subTest(options):
                 self.assertIn(reason, self.refusal(*options, *(key if options[0] == "serve" else ())))
 
+    def test_empty_paths(self):
+        for option in ("--netconf-unix", "--netconf-passwords", "--host-key", "--shell-unix",
+                       "--unconfirmed-note"):
+            with self.subTest(option):
+                self.assertIn(f"{option}: '' names no file; the path of one was expected",
+                              self.refusal("serve", "--store", self.folder / "store", option, ""))
+
     def test_addresses(self):
         run("ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / "key")
         user = ("--netconf-user", f"alice={self.folder / 'key'}.pub")

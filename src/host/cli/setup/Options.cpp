@@ -223,12 +223,18 @@ std::string whyNoUser(const std::string& text) {
                : "'" + text + "' names no user and file; NAME=KEYFILE was expected";
 }
 
+// An empty path would mean something else, or nothing, to what uses it.
+std::string whyNoPath(const std::string& text) {
+    return text.empty() ? "'' names no file; the path of one was expected" : std::string();
+}
+
 void addServer(CLI::App& app, Options& options) {
     app.add_option("--netconf-ssh", options.netconfSsh,
                    "ADDRESS:PORT for NETCONF over SSH; 127.0.0.1:8300 if somebody can log in")
         ->group(kServerGroup);
     app.add_option("--netconf-unix", options.netconfUnix,
                    "Path of a socket for NETCONF; only its owner can connect")
+        ->check(whyNoPath)
         ->group(kServerGroup);
     app.add_option("--netconf-user", options.netconfUsers,
                    "NAME=KEYFILE: a user with a file of public keys; repeatable")
@@ -237,6 +243,7 @@ void addServer(CLI::App& app, Options& options) {
         ->group(kServerGroup);
     app.add_option("--netconf-passwords", options.passwordFile,
                    "File of lines NAME:HASH, hashed as 'openssl passwd -6' does")
+        ->check(whyNoPath)
         ->group(kServerGroup);
     app.add_option("--netconf-read-only", options.readOnlyUsers,
                    "A user who may only read; repeatable")
@@ -244,13 +251,16 @@ void addServer(CLI::App& app, Options& options) {
         ->group(kServerGroup);
     app.add_option("--host-key", options.hostKey,
                    "File of the server's SSH key, made if there is none; ~/.orvhost_host_key")
+        ->check(whyNoPath)
         ->group(kServerGroup);
     app.add_option("--shell-unix", options.shellUnix,
                    "Path of a socket for 'orvhost --connect'; only its owner can connect")
+        ->check(whyNoPath)
         ->group(kServerGroup);
     app.add_option("--unconfirmed-note", options.unconfirmedNote,
                    "File that remembers that a confirmed commit waits, for the next start; "
                    "FILE.unconfirmed with --store FILE")
+        ->check(whyNoPath)
         ->group(kServerGroup);
     app.add_option("--candidate-timeout", options.candidateSeconds,
                    "Seconds after its last edit when a candidate is discarded, and after its last "
