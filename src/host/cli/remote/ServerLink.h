@@ -17,7 +17,9 @@ namespace OrvHost {
 
 /// The client's end of the socket of a server's shell. What the server answers is always read at
 /// once, however slowly the standard output is read, because the server ends clients that do not
-/// read. Ctrl-C, too, is noticed at once.
+/// read. Ctrl-C, too, is noticed at once. Neither is so with a terminal that is not read and that
+/// this process may not open once more, as after `su` to another user: what is written to it waits
+/// then, and so does everything else.
 ///
 /// One thread.
 class ServerLink {
