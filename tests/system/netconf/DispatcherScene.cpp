@@ -80,6 +80,10 @@ void DispatcherScene::load() {
 }
 
 std::string DispatcherScene::ask(NetconfSession& session, const std::string& operation) {
+    return textOf(replyTo(session, operation));
+}
+
+RpcReply DispatcherScene::replyTo(NetconfSession& session, const std::string& operation) {
     const std::string text =
         R"(<rpc xmlns="urn:ietf:params:xml:ns:netconf:base:1.0" message-id="1">)" + operation +
         "</rpc>";
@@ -94,9 +98,12 @@ std::string DispatcherScene::ask(NetconfSession& session, const std::string& ope
     const std::unique_ptr<lyd_node, TreeEnd> ownedRequest(request);
     if (code != LY_SUCCESS) {
         ADD_FAILURE() << "not parsed: " << operation << ly_errmsg(mWire.context().get());
-        return "";
+        return {};
     }
-    const RpcReply reply = dispatcher.answer(session, request);
+    return dispatcher.answer(session, request);
+}
+
+std::string DispatcherScene::textOf(const RpcReply& reply) {
     std::string answer;
     for (const RpcError& error : reply.errors) {
         answer += error.toXml();

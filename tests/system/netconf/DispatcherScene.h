@@ -29,6 +29,10 @@ protected:
     std::string ask(NetconfSession& session, const std::string& operation);
     std::string ask(const std::string& operation) { return ask(alice, operation); }
 
+    /// The two steps of it.
+    RpcReply replyTo(NetconfSession& session, const std::string& operation);
+    static std::string textOf(const RpcReply& reply);
+
     std::string edit(const std::string& config, const std::string& target = "candidate",
                      const std::string& options = {});
     std::string getConfig(const std::string& filter, const std::string& store = "running");

@@ -11,29 +11,17 @@
 
 #ifdef ORV_SANITIZED
 #include <sanitizer/lsan_interface.h>
+
+/// Without memory, the component cannot wrap what the router has answered, and its caller gets a
+/// code and no result. So the router's block is lost, as the contract of the tables has it. Any
+/// other leak is a finding.
+const char* __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
+    return "leak:OrvHost::makeResult\n";
+}
 #endif
 
 namespace OrvHost {
 namespace {
-
-/// Without memory, the component cannot wrap what the router has answered, and its caller gets a
-/// code and no result. So the router's block is lost, as the contract of the tables has it. While
-/// this lives, blocks of the thread are not looked for.
-class LostBlocks {
-public:
-    LostBlocks() {
-#ifdef ORV_SANITIZED
-        __lsan_disable();
-#endif
-    }
-    ~LostBlocks() {
-#ifdef ORV_SANITIZED
-        __lsan_enable();
-#endif
-    }
-    LostBlocks(const LostBlocks&) = delete;
-    LostBlocks& operator=(const LostBlocks&) = delete;
-};
 
 using testing::HasSubstr;
 using testing::Not;
@@ -63,6 +51,16 @@ protected:
         return true;
     }
 
+    /// The next session gets each lock, that of the candidate only if it has no edits.
+    void expectUnlocked(long number) {
+        for (const char* store : {"running", "candidate"}) {
+            const std::string target = tagged("target", "<" + std::string(store) + "/>");
+            EXPECT_TRUE(comesTrue([&] { return ask(bob, tagged("lock", target)) == "ok"; }))
+                << store << " after " << number << ": " << ask(bob, tagged("lock", target));
+            ask(bob, tagged("unlock", target));
+        }
+    }
+
     /// All that a session does from its begin to its end, of which one allocation fails.
     bool play(long number) {
         NetconfSession session(host, ++mLastSession, {"dora"});
@@ -86,7 +84,6 @@ protected:
             std::string("<lock><target><running/></target></lock>")};
         const std::string ofRunning = edit("running", label);
         std::string answer;
-        const LostBlocks lost;
         FailingAllocations::failAfter(number);
         for (const std::string& operation : operations) {
             if (operation == ofRunning && answer != "ok") {
@@ -115,13 +112,8 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFails_LeavesNothingBehind) {
             }
             return running() == before;
         })) << number;
-        for (const char* store : {"running", "candidate"}) {
-            const std::string target = tagged("target", "<" + std::string(store) + "/>");
-            EXPECT_TRUE(comesTrue([&] { return ask(tagged("lock", target)) == "ok"; }))
-                << store << " after " << number << ": " << ask(tagged("lock", target));
-            ask(tagged("unlock", target));
-        }
-        EXPECT_EQ(ask("<discard-changes/>"), "ok") << number;
+        expectUnlocked(number);
+        ASSERT_EQ(ask("<discard-changes/>"), "ok") << number;
         ASSERT_EQ(host.transactions().openCount(), 0) << number;
         ASSERT_EQ(running(), before) << number;
     }
@@ -135,7 +127,6 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAConfirmedCommit_ItIsTakenBackO
     for (long number = 0; hasFailed; ++number) {
         const std::string label = tagged("userLabel", "changed " + std::to_string(number));
         ASSERT_EQ(edit(element(label)), "ok");
-        const LostBlocks lost;
         FailingAllocations::failAfter(number);
         contain([&] { ask("<commit><confirmed/></commit>"); });
         hasFailed = FailingAllocations::stop();
@@ -148,6 +139,34 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAConfirmedCommit_ItIsTakenBackO
         ASSERT_EQ(running(), before) << number;
     }
     EXPECT_TRUE(isRefused) << "a failure must have been met where it remembers";
+}
+
+TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAPlainCommit_TheAnswerIsTrue) {
+    bool hasFailed = true;
+    long refusals = 0;
+    for (long number = 0; hasFailed; ++number) {
+        const std::string label = tagged("userLabel", "changed " + std::to_string(number));
+        const std::string before = running();
+        ASSERT_EQ(edit(element(label)), "ok");
+        // What is thrown is answered by an error.
+        RpcReply reply{{protocolError("resource-denied", "there is no memory")}, nullptr, {}};
+        FailingAllocations::failAfter(number);
+        contain([&] { reply = replyTo(alice, "<commit/>"); });
+        hasFailed = FailingAllocations::stop();
+        const std::string after = running();
+        const std::string answer = textOf(reply);
+        if (answer == "ok") {
+            ASSERT_TRUE(after.find(label) != std::string::npos) << number;
+        } else {
+            ++refusals;
+            ASSERT_TRUE(after == before) << number << " was answered by " << answer;
+        }
+        ASSERT_EQ(ask("<discard-changes/>"), "ok") << number;
+        ASSERT_EQ(host.transactions().openCount(), 0) << number;
+        expectUnlocked(number);
+        ASSERT_TRUE(running() == after) << number;
+    }
+    EXPECT_GT(refusals, 0);
 }
 
 }
