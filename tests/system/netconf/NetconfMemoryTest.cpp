@@ -8,6 +8,7 @@
 #include "FailingAllocations.h"
 
 #include <new>
+#include <utility>
 
 #ifdef ORV_SANITIZED
 #include <sanitizer/lsan_interface.h>
@@ -59,6 +60,16 @@ protected:
                 << store << " after " << number << ": " << ask(bob, tagged("lock", target));
             ask(bob, tagged("unlock", target));
         }
+    }
+
+    /// The answer to a plain commit, of which one allocation fails, and whether one did.
+    std::pair<std::string, bool> commitWithout(long number) {
+        // What is thrown is answered by an error.
+        RpcReply reply{{protocolError("resource-denied", "there is no memory")}, nullptr, {}};
+        FailingAllocations::failAfter(number);
+        contain([&] { reply = replyTo(alice, "<commit/>"); });
+        const bool hasFailed = FailingAllocations::stop();
+        return {textOf(reply), hasFailed};
     }
 
     /// All that a session does from its begin to its end, of which one allocation fails.
@@ -148,13 +159,9 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAPlainCommit_TheAnswerIsTrue) {
         const std::string label = tagged("userLabel", "changed " + std::to_string(number));
         const std::string before = running();
         ASSERT_EQ(edit(element(label)), "ok");
-        // What is thrown is answered by an error.
-        RpcReply reply{{protocolError("resource-denied", "there is no memory")}, nullptr, {}};
-        FailingAllocations::failAfter(number);
-        contain([&] { reply = replyTo(alice, "<commit/>"); });
-        hasFailed = FailingAllocations::stop();
+        const auto [answer, failed] = commitWithout(number);
+        hasFailed = failed;
         const std::string after = running();
-        const std::string answer = textOf(reply);
         if (answer == "ok") {
             ASSERT_TRUE(after.find(label) != std::string::npos) << number;
         } else {
@@ -167,6 +174,35 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAPlainCommit_TheAnswerIsTrue) {
         ASSERT_TRUE(running() == after) << number;
     }
     EXPECT_GT(refusals, 0);
+}
+
+// The edits of a refused commit are made again. Without them the next commit would commit nothing,
+// or a part of them, and call that a success.
+TEST_F(NetconfMemoryTest, AnAllocationThatFailsInARefusedCommit_LosesNoEditsInSilence) {
+    const std::string ofAntenna = tagged("antennaRef", antenna(2, 1));
+    bool hasFailed = true;
+    long losses = 0;
+    for (long number = 0; hasFailed; ++number) {
+        for (const char* unit : {"7", "8"}) { // one more than the antenna may have
+            ASSERT_EQ(edit(radioUnit(unit, ofAntenna)), "ok");
+        }
+        const auto [answer, failed] = commitWithout(number);
+        hasFailed = failed;
+        ASSERT_NE(answer, "ok") << number;
+        const std::string said = answer + getConfig(radioUnit("7"), "candidate");
+        const std::string both = said + getConfig(radioUnit("8"), "candidate");
+        if (said.find(" discarded") != std::string::npos) {
+            ++losses;
+            EXPECT_EQ(both.find(ofAntenna), std::string::npos) << number;
+        } else {
+            EXPECT_THAT(both, HasSubstr("<radioUnitId>7</radioUnitId>" + ofAntenna)) << number;
+            EXPECT_THAT(both, HasSubstr("<radioUnitId>8</radioUnitId>" + ofAntenna)) << number;
+        }
+        ASSERT_EQ(ask("<discard-changes/>"), "ok") << number;
+        ASSERT_EQ(host.transactions().openCount(), 0) << number;
+        expectUnlocked(number);
+    }
+    EXPECT_GT(losses, 0) << "a failure must have been met where the edits are made again";
 }
 
 }
