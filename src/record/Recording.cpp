@@ -163,6 +163,7 @@ Recording::Recording(const std::string& path) {
                                         "begin with the line \"orv-record 1\"");
     }
     readBlocks();
+    endBeforeUnfinished();
     std::stable_sort(mBlocks.begin(), mBlocks.end(),
                      [](const Block& one, const Block& other) { return one.begin < other.begin; });
 }
@@ -197,9 +198,41 @@ void Recording::readBlocks() {
         }
         block.position = at;
         block.events = body.substr(reader.position());
-        mBlocks.push_back(block);
+        add(block);
         at += kBlockHeadSize + body.size();
     }
+}
+
+void Recording::add(Block block) {
+    const auto begun = mUnfinished.find(block.begin);
+    if (block.end == kGoesOn) {
+        Unfinished& call =
+            begun != mUnfinished.end()
+                ? begun->second
+                : mUnfinished.emplace(block.begin, Unfinished{block.position, ""}).first->second;
+        call.events += block.events;
+        return;
+    }
+    if (begun != mUnfinished.end()) {
+        block.position = begun->second.position;
+        mJoined.push_back(std::move(begun->second.events));
+        mJoined.back() += block.events;
+        block.events = mJoined.back();
+        mUnfinished.erase(begun);
+    }
+    mBlocks.push_back(block);
+}
+
+void Recording::endBeforeUnfinished() {
+    if (mUnfinished.empty()) {
+        return;
+    }
+    const std::uint64_t begin = mUnfinished.begin()->first;
+    std::erase_if(mBlocks, [begin](const Block& block) { return block.end > begin; });
+    const std::string reason = "byte " + std::to_string(mUnfinished.begin()->second.position) +
+                               ": the call that begins here has no end in the file: the "
+                               "recording or the process ended during it";
+    mDamage = mDamage.empty() ? reason : reason + "; " + mDamage;
 }
 
 std::vector<Event> Recording::events(const Block& block) {

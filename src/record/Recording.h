@@ -8,6 +8,8 @@
 #include "Slots.h"
 
 #include <cstdint>
+#include <deque>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,11 +22,15 @@
 ///
 /// The body: the numbers of its begin and its end in the order of all begins and ends, the number
 /// of the thread, and events. Events begin with a byte of EventKind.
+///
+/// A long call has several blocks, with the same begin and thread: kGoesOn is the end of each but
+/// the last.
 
 namespace OrvRecord {
 
 constexpr std::string_view kHeadLine = "orv-record 1\n";
 constexpr std::size_t kBlockHeadSize = 9;
+constexpr std::uint64_t kGoesOn = 0;
 
 enum class EventKind : std::uint8_t {
     Begin = 1,    ///< side, shape, slot, instance, number of the call, what goes in
@@ -90,16 +96,17 @@ private:
 /// The head of a block with this body.
 std::string blockHead(std::string_view body);
 
-/// One block of a file.
+/// One call from outside, of one block or several.
 struct Block {
     std::uint64_t begin = 0; ///< in the order of all begins and ends
     std::uint64_t end = 0;
     std::uint64_t thread = 0;
-    std::size_t position = 0; ///< of the block in the file
+    std::size_t position = 0; ///< of the first block in the file
     std::string_view events;
 };
 
-/// A recording that was read. Bytes that are no recording end it: what comes before them counts.
+/// A recording that was read. Bytes that are no recording end it: what comes before them counts. So
+/// does a call whose last block is missing: nobody knows what it did to those that followed.
 class Recording {
 public:
     /// Throws std::runtime_error if the file cannot be read or does not begin with kHeadLine.
@@ -116,9 +123,19 @@ public:
     static std::vector<Event> events(const Block& block);
 
 private:
+    /// The call of blocks whose last one has not been read.
+    struct Unfinished {
+        std::size_t position = 0; ///< of the first block
+        std::string events;
+    };
+
     void readBlocks();
+    void add(Block block);
+    void endBeforeUnfinished();
 
     std::string mBytes;
+    std::deque<std::string> mJoined;                 ///< the events of calls of several blocks
+    std::map<std::uint64_t, Unfinished> mUnfinished; ///< by begin
     std::vector<Block> mBlocks;
     std::string mDamage;
 };

@@ -11,7 +11,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -70,6 +72,26 @@ protected:
         EXPECT_EQ(kept.one->value(), strings({"x"}));
         ASSERT_EQ(kept.many->values().size(), 1U);
         EXPECT_EQ(kept.many->values().front(), strings({"x"}));
+    }
+
+    // One call with many inside: an interceptor calls back. How large the file is before that,
+    // before the call ends, and afterwards.
+    static std::vector<std::uintmax_t> readWithManyInside() {
+        const char* const file = std::getenv("ORV_RECORD_FILE"); // NOLINT(concurrency-mt-unsafe)
+        const Client3 client = host().client();
+        std::vector<std::uintmax_t> sizes;
+        host().interceptor(kPath);
+        host().when("Interceptor.getMoAttribute").once().runs([&] {
+            sizes.push_back(std::filesystem::file_size(file));
+            for (int times = 0; times < 50000; ++times) {
+                EXPECT_TRUE(client.exists(1, kUnit).thing);
+                host().forget();
+            }
+            sizes.push_back(std::filesystem::file_size(file));
+        });
+        EXPECT_EQ(client.get(1, kUnit, "label").code, OrvOk);
+        sizes.push_back(std::filesystem::file_size(file));
+        return sizes;
     }
 
     static void end() {
@@ -165,6 +187,73 @@ TEST_F(RecorderLife, NoMemory_TheInterceptorIsAskedByTheNextOperation) {
         client.get(1, dn, "label");
         EXPECT_THAT(host().calls(), Contains(StartsWith("Interceptor.getMoAttribute('" + path)));
     }
+}
+
+// As above. An interceptor that refuses is asked, or the operation fails; and nobody asks one that
+// has been taken out.
+TEST_F(RecorderLife, NoMemory_NoInterceptorIsPassedOverOrAskedTooLong) {
+    const Client3 client = host().client();
+    bool isSprung = true;
+    for (std::size_t failing = 1; isSprung; ++failing) {
+        ASSERT_LT(failing, 1000U);
+        const std::string name = "Unit" + std::to_string(failing);
+        const std::string path = "ManagedElement," + name;
+        const std::string dn = "ManagedElement=paris," + name + "=1";
+        host().mo("ManagedElement=1," + name + "=1").with("label", strings({"x"}));
+        Interceptor& refusing = host().interceptor(path);
+        host().when("Interceptor.getMoAttribute").once().fails(-5);
+        {
+            const NewWatch watch(failing);
+            EXPECT_NE(client.get(1, dn, "label").code, OrvOk) << "allocation " << failing;
+            isSprung = watch.sprung();
+        }
+        refusing.deregisterClass(path);
+        host().forget();
+        EXPECT_EQ(client.get(1, dn, "label").code, OrvOk) << "allocation " << failing;
+        EXPECT_THAT(host().calls("Interceptor."), IsEmpty()) << "allocation " << failing;
+    }
+}
+
+// Without the recorder an int crosses the component's functions, too. Afterwards all is as before.
+TEST_F(RecorderLife, LogSinkThrowsAnInt_ItReachesTheHost) {
+    host().logLevel(8);
+    host().interceptor(kPath);
+    Orv::LoggingWrapper::instance()->setSink([](const Orv::LogRecord&) { throw 5; });
+    EXPECT_THROW(host().client().get(1, kUnit, "label"), int);
+    Orv::LoggingWrapper::instance()->setSink(nullptr);
+    EXPECT_EQ(host().client().get(1, kUnit, "label").code, OrvOk);
+    EXPECT_THAT(host().calls(), Contains(StartsWith("Interceptor.getMoAttribute('" + kPath)));
+}
+
+// Run with a limit that is reached. The recorder's own lines are the first that the host gets.
+TEST_F(RecorderLife, LogSinkThrowsAnIntForTheEnd_TheHostIsServed) {
+    const Value large = strings({std::string(20000, 'x')});
+    int lines = 0;
+    Orv::LoggingWrapper::instance()->setSink([&](const Orv::LogRecord& record) {
+        EXPECT_THAT(record.text, testing::HasSubstr("the recording ends here"));
+        ++lines;
+        throw 5;
+    });
+    for (int times = 0; times < 100; ++times) {
+        EXPECT_EQ(host().client().set(1, kUnit, "label", large), OrvOk);
+    }
+    Orv::LoggingWrapper::instance()->setSink(nullptr);
+    EXPECT_EQ(lines, 2);
+}
+
+// What is recorded of one call is not kept until it ends.
+TEST_F(RecorderLife, CallWithManyInside_IsWrittenAsItRuns) {
+    const std::vector<std::uintmax_t> sizes = readWithManyInside();
+    ASSERT_EQ(sizes.size(), 3U);
+    EXPECT_GT(sizes[1] - sizes[0], 3'000'000U);
+    EXPECT_LT(sizes[2] - sizes[1], 1'500'000U);
+    EXPECT_EQ(host().client().get(1, kUnit, "label").code, OrvOk);
+}
+
+// Run with a limit that is reached inside of the call.
+TEST_F(RecorderLife, CallWithManyInside_EndsTheRecording) {
+    EXPECT_EQ(readWithManyInside().size(), 3U);
+    EXPECT_EQ(host().client().get(1, kUnit, "label").code, OrvOk);
 }
 
 // Run with a limit of file sizes that is reached; the file is looked at afterwards.

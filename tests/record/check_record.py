@@ -95,6 +95,8 @@ def check_lives(bench):
              "ClosedAsItIs_ValuesOfTheHostAreReleased": 1,
              "Forked_TheChildIsServedAndNotRecorded": 1,
              "NoMemory_TheInterceptorIsAskedByTheNextOperation": 1,
+             "NoMemory_NoInterceptorIsPassedOverOrAskedTooLong": 1,
+             "LogSinkThrowsAnInt_ItReachesTheHost": 1,
              "EndOfProcess_Started": 1,
              "EndOfProcess_Terminated": 1,
              "EndOfProcess_ClosedByAStaticObject": 1}
@@ -108,12 +110,57 @@ def check_lives(bench):
         bench.same(case, recordings)
 
 
+def blocks(recording):
+    """Where the blocks begin, and the end of the last one."""
+    places = [len(HEAD)]
+    while places[-1] < len(recording) and recording[places[-1]:places[-1] + 1] == b"B":
+        at = places[-1]
+        places.append(at + 9 + int.from_bytes(recording[at + 1:at + 5], "little"))
+    return places
+
+
 def is_whole(recording):
     """True if there is one block behind the other, to the end."""
-    at = len(HEAD)
-    while at < len(recording) and recording[at:at + 1] == b"B":
-        at += 9 + int.from_bytes(recording[at + 1:at + 5], "little")
-    return recording.startswith(HEAD) and at == len(recording)
+    return recording.startswith(HEAD) and blocks(recording)[-1] == len(recording)
+
+
+def life_case(bench, case, **variables):
+    recordings, text = bench.record(
+        case, [bench.life_test, f"--gtest_filter=RecorderLife.{case}"], **variables)
+    bench.expect(f"{case}: one test runs", "Running 1 test " in text, text)
+    return recordings
+
+
+def check_log_sink(bench):
+    """A host whose log sink throws at the line that says that the recording ends."""
+    bench.same("limit and log sink", life_case(
+        bench, "LogSinkThrowsAnIntForTheEnd_TheHostIsServed", ORV_RECORD_LIMIT="1"))
+
+
+def check_long_call(bench):
+    """A call with many inside is written in parts; without its end it is not played."""
+    whole = life_case(bench, "CallWithManyInside_IsWrittenAsItRuns")
+    bench.same("long call", whole)
+    recording = whole[0].read_bytes()
+    places = blocks(recording)
+    sizes = [end - begin for begin, end in zip(places, places[1:])]
+    bench.expect("no block is much larger than a megabyte", max(sizes) < 1_200_000, str(sizes))
+    first = next(place for place, size in zip(places, sizes) if size > 1_000_000)
+    no_end = f"byte {first}: the call that begins here has no end in the file"
+    parts = [at for at, size in enumerate(sizes) if size > 1_000_000]
+    bench.expect("a call has several parts", len(parts) > 2, str(sizes))
+    cut = bench.folder / "cut"
+    cut.write_bytes(recording[:places[parts[1]]])
+    bench.replay("the process died in a long call", UNPLAYABLE, ["no difference so far", no_end],
+                 cut, "--ext-cm", bench.component)
+    # What comes behind cannot be played either, nor what overlaps.
+    cut.write_bytes(recording[:places[parts[1]]] + block(b"", begin=1 << 40) + b"x")
+    bench.replay("others behind it", UNPLAYABLE, [no_end, "no record begins here"], cut,
+                 "--ext-cm", bench.component)
+    limited = life_case(bench, "CallWithManyInside_EndsTheRecording", ORV_RECORD_LIMIT="2")
+    bench.expect("the limit holds in a long call", limited[0].stat().st_size <= 2_000_000)
+    bench.replay("the limit in a long call", UNPLAYABLE, [no_end], limited[0], "--ext-cm",
+                 bench.component)
 
 
 def check_threads_without_space(bench):
@@ -266,6 +313,8 @@ def main():
         check_difference(bench, demo)
         check_lives(bench)
         check_threads_without_space(bench)
+        check_log_sink(bench)
+        check_long_call(bench)
         check_soak(bench)
         check_bad_files(bench, demo)
         check_forged_files(bench, demo)

@@ -54,6 +54,9 @@ struct CallFrame::Buffers {
 namespace {
 
 constexpr std::size_t kMostKept = 65536;
+/// A call that has more events than that is written in parts: an interceptor may call back without
+/// end, and what is held is the host's memory.
+constexpr std::size_t kMostHeld = 1'000'000;
 
 }
 
@@ -149,7 +152,7 @@ CallFrame::~CallFrame() {
     here.isInside = mName.side == Side::Host;
     if (mIsOutermost) {
         here.isInside = false;
-        guarded([&] { writeBlock(); });
+        guarded([] { writeBlock(++lastOrder); });
         std::unique_ptr<Buffers> buffers(std::exchange(here.buffers, nullptr));
         guarded([&] { lasting<BufferPool>().giveBack(std::move(buffers)); });
     }
@@ -171,25 +174,38 @@ void CallFrame::writeBegin(std::string_view values) {
         }
     }
     events.begin(mName, mCall, values);
+    holdLittle();
 }
 
 void CallFrame::writeEnd(std::uint32_t code, std::string_view values, std::string_view handles) {
     EventWriter(buffers().events).end(code, values, handles);
+    holdLittle();
 }
 
 void CallFrame::thrown(const char* what) noexcept {
     if (mIsRecorded) {
-        guarded([&] { EventWriter(buffers().events).thrown(what); });
+        guarded([&] {
+            EventWriter(buffers().events).thrown(what);
+            holdLittle();
+        });
     }
 }
 
-void CallFrame::writeBlock() {
-    Thread& here = thread();
+void CallFrame::holdLittle() {
+    std::string& events = buffers().events;
+    if (events.size() > kMostHeld) {
+        writeBlock(kGoesOn);
+        events.clear();
+    }
+}
+
+void CallFrame::writeBlock(std::uint64_t end) {
+    const Thread& here = thread();
     std::string& text = buffers().body;
     text.clear();
     ByteWriter body(text);
     body.number(here.begin);
-    body.number(++lastOrder);
+    body.number(end);
     body.number(here.number);
     body.raw(buffers().events.data(), buffers().events.size());
     recordFile().write(text);

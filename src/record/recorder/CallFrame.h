@@ -25,7 +25,8 @@ void noteBeforeNextCall(const std::string& events);
 /// call of each other (an interceptor the router) is none of it.
 ///
 /// A call from outside that is in no other is written to the file when it ends, with all that was
-/// called from inside it. Nothing here throws by itself.
+/// called from inside it; of a long one, a part whenever enough has come together. Nothing here
+/// throws by itself.
 ///
 /// Threads: one.
 class CallFrame {
@@ -97,8 +98,11 @@ private:
     static Buffers& buffers();
 
     void writeBegin(std::string_view values);
-    void writeEnd(std::uint32_t code, std::string_view values, std::string_view handles);
-    void writeBlock();
+    static void writeEnd(std::uint32_t code, std::string_view values, std::string_view handles);
+    /// Writes a part of the call if it has become long.
+    static void holdLittle();
+    /// \p end: the number of its end, or kGoesOn.
+    static void writeBlock(std::uint64_t end);
 
     template <class Work>
     static void guarded(const Work& work) noexcept {

@@ -97,15 +97,18 @@ public:
         if (known->isEntered == (entered != nullptr)) {
             return;
         }
+        // First what may fail without harm: what the component has must be known here.
         std::string event;
         if (entered != nullptr) {
-            if (mFunctions.enter(mReal, *known->front, path) != OrvOk) {
+            EventWriter(event).entered(known->front->number(), path);
+            const OrvReturnT code = mFunctions.enter(mReal, *known->front, path);
+            // It is there already if the component failed after it had taken it.
+            if (code != OrvOk && code != OrvAlreadyExist) {
                 throw std::runtime_error("the component does not take an interceptor");
             }
-            EventWriter(event).entered(known->front->number(), path);
         } else {
-            mFunctions.remove(mReal, path);
             EventWriter(event).text(EventKind::Removed, path);
+            mFunctions.remove(mReal, path);
         }
         known->isEntered = entered != nullptr;
         noteBeforeNextCall(event);
@@ -159,15 +162,17 @@ void forgetInterceptors() {
     delete theFront.exchange(nullptr);
 }
 
-void followInterceptor(const char* dn) noexcept {
+bool followInterceptor(const char* dn) {
     InterceptorFront* const front = theFront;
     if (front == nullptr || dn == nullptr) {
-        return;
+        return true;
     }
     try {
         front->follow(Orv::DnUtil::getMocPath(dn));
+        return true;
     } catch (const std::exception&) {
         recordFile().stop("an interceptor could not be looked up");
+        return false;
     }
 }
 

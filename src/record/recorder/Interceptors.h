@@ -30,8 +30,10 @@ VekMgmtSpiInterface_1* inFrontOfInterceptors(VekMgmtSpiInterface_1* real, void* 
 void forgetInterceptors();
 
 /// Lets the component have an interceptor of the MO \p dn, which may be null, exactly if one is
-/// entered. Does not throw.
-void followInterceptor(const char* dn) noexcept;
+/// entered. False if that failed, with the end of the recording: the component might then pass an
+/// interceptor over that refuses what the operation is to do. Throws only what a log sink of the
+/// host throws that is no std::exception, as the component's own lookup does.
+bool followInterceptor(const char* dn);
 
 }
 

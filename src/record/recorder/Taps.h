@@ -63,7 +63,9 @@ struct Tap<Slot<member, Codecs...>, side, instance, number, OrvReturnT (*)(Argum
         constexpr CallName name{side, SlotsOf<Table>::shape, number,
                                 static_cast<std::uint32_t>(instance)};
         if constexpr (side == Side::Component && isIntercepted(name.shape, number)) {
-            followInterceptor(std::get<1>(std::tie(arguments...)));
+            if (!followInterceptor(std::get<1>(std::tie(arguments...)))) {
+                return OrvFailure; // what the component answers when its own lookup fails
+            }
         }
         return recordedCall<Codecs...>(name, Tapped<Table, side, instance>::real->*member,
                                        arguments...);
