@@ -18,6 +18,7 @@ import argparse
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -197,18 +198,38 @@ class Package:
               prints="component host_yang is not installed, and no other one is")
 
     def host_by_pkg_config(self, component):
-        lookup = only(self.prefix, "orv_host.pc").parent
+        self.try_host(self.build_by_pkg_config(self.examples / "host/MastHost.cpp", "orv_host"),
+                      component)
+        # Each part by its own file alone: it must say all that the part needs.
+        consumers = self.options.source / "tests/build/consumers"
+        alone = consumers / "host_part_alone"
+        program = self.build_by_pkg_config(alone / "ModelOfModule.cpp", "orv_host_yang")
+        for name, answer in [("Mast", "there\n"), ("Lamp", "not there\n")]:
+            self.expect_text(answer, program, alone / "mast.yang", name)
+        fails(program, self.directory / "none.yang", prints="none.yang: cannot be read")
+        program = self.build_by_pkg_config(alone / "StoreInFile.cpp", "orv_host_store_sqlite")
+        for answer in ["new\n", "known\n"]:
+            self.expect_text(answer, program, self.directory / "alone.db")
+        fails(program, self.directory, prints=f"the store {self.directory} cannot be used")
+        program = self.build_by_pkg_config(consumers / "host_parts/SharedStore.cpp",
+                                           "orv_host_store_postgresql")
+        fails(program, f"host={self.directory}", prints="the store of PostgreSQL: ")
+
+    def expect_text(self, expected, *command):
+        text = run(*command)
+        if text != expected:
+            sys.exit(f"{' '.join(map(str, command))}\nprints {text!r}, not {expected!r}")
+
+    def build_by_pkg_config(self, source, package):
+        lookup = only(self.prefix, f"{package}.pc").parent
         environment = {**os.environ, "PKG_CONFIG_PATH": str(lookup)}
-        flags = run("pkg-config", "--cflags", "--libs", "orv_host", env=environment).split()
-        libraries = run("pkg-config", "--variable=libdir", "orv_host", env=environment).strip()
-        program = self.directory / "mast_host"
+        flags = run("pkg-config", "--cflags", "--libs", package, env=environment).split()
+        libraries = run("pkg-config", "--variable=libdir", package, env=environment).strip()
+        program = self.directory / source.stem
         sanitize = [f"-fsanitize={self.options.sanitize}"] if self.options.sanitize else []
-        run(self.options.compiler, "-std=c++20", "-Wall", "-Wextra",
-            self.examples / "host/MastHost.cpp", "-o", program, *sanitize, *flags,
-            f"-Wl,-rpath,{libraries}")
-        self.try_host(program, component)
-        for part in ["yang", "store_sqlite", "store_postgresql"]:
-            run("pkg-config", "--print-errors", "--exists", f"orv_host_{part}", env=environment)
+        run(self.options.compiler, "-std=c++20", "-Wall", "-Wextra", source, "-o", program,
+            *sanitize, *flags, f"-Wl,-rpath,{libraries}")
+        return program
 
     def add_subdirectory(self):
         consumer = self.options.source / "tests/build/consumers/add_subdirectory"
@@ -234,6 +255,22 @@ class Package:
         if installed != staged:
             sys.exit("installed or staged, but not both: "
                      f"{sorted({name for name, _ in installed.items() ^ staged.items()})}")
+        self.check_pages(installed)
+
+    def check_pages(self, headers):
+        """The pages of the libraries show no class that a user is promised nothing of."""
+        public, inner = set(), set()
+        for name, text in headers.items():
+            classes = re.findall(r"^(?:class|struct|enum class) (\w+)(?= *[{:])", text, re.MULTILINE)
+            (inner if name.startswith("host/detail/") else public).update(classes)
+        if len(public) < 100 or not inner - public:
+            sys.exit(f"{len(public)} classes in public headers, {len(inner)} in others")
+        for page in ["client.md", "host-in-fifty-lines.md"]:
+            text = (self.options.source / "docs" / page).read_text()
+            shown = {word for code in re.findall(r"```.*?```|`[^`]+`", text, re.DOTALL)
+                     for word in re.findall(r"\w+", code)}
+            if named := sorted(shown & inner - public):
+                sys.exit(f"docs/{page} shows what is only in <orv/host/detail/...>: {named}")
 
 
 def main():

@@ -70,7 +70,9 @@ FileHolder::FileHolder(const std::filesystem::path& file) : mFile(holderFileOf(f
 bool FileHolder::tryLock(const std::filesystem::path& file) {
     mDescriptor = open(mFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (mDescriptor < 0) {
-        throw FileError(mFile.string() + " cannot be written: " + reason());
+        const std::string why = reason();
+        throw FileError(file.string() + " cannot be opened: " + mFile.string() +
+                        " cannot be written: " + why);
     }
     if (flock(mDescriptor, LOCK_EX | LOCK_NB) == 0) {
         if (isStillThere(mFile, mDescriptor)) {

@@ -107,6 +107,10 @@ private:
     using TerminateFn = void (*)();
 
     void open() {
+        if (mPath.empty()) {
+            throw ComponentLoadError(Reason::NotALibrary, "(empty path)",
+                                     "the path of a shared object was expected");
+        }
         if (isCutOff(mPath)) {
             throw ComponentLoadError(
                 Reason::NotALibrary, mPath,

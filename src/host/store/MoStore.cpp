@@ -83,7 +83,7 @@ void MoStore::load(const std::string& dn, const std::vector<NamedValue>& attribu
         throw HostError(OrvHostWrongState, "data is loaded before the commits go into a log, and "
                                            "they do already");
     }
-    withDn(dn,
+    withDn(dn.empty() ? "an empty DN" : std::string_view(dn),
            [&] { state()->tree.load([&](MoTree& tree) { add(mModel, tree, dn, attributes); }); });
 }
 

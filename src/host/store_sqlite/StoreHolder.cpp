@@ -9,6 +9,9 @@
 namespace OrvHost {
 
 StoreHolder::StoreHolder(const std::filesystem::path& file) {
+    if (file.empty()) {
+        throw LogUnavailable("the path of the store's file is empty");
+    }
     try {
         mHolder.emplace(file);
     } catch (const FileError& failure) {

@@ -47,7 +47,7 @@ ModuleSource readModule(const fs::path& file) {
 
 }
 
-ModuleFinder::ModuleFinder(std::vector<fs::path> searchPath) {
+ModuleFinder::ModuleFinder(std::vector<fs::path> searchPath) : mHasSearchPath(!searchPath.empty()) {
     for (fs::path& path : searchPath) {
         std::error_code error;
         if (!fs::is_directory(path, error)) {
@@ -97,6 +97,9 @@ bool ModuleFinder::wasMissed(const std::string& name) const {
 }
 
 std::string ModuleFinder::describeSearch(const std::string& name) const {
+    if (mDirectories.empty() && mHasSearchPath) {
+        return "no directory of the search path is there";
+    }
     if (mDirectories.empty()) {
         std::error_code error;
         const std::string here = "./" + name + ".yang";

@@ -74,6 +74,7 @@ private:
     std::optional<std::filesystem::path> locate(const std::string& name,
                                                 const std::string& revision);
 
+    bool mHasSearchPath;
     std::vector<Directory> mDirectories;
     std::map<std::string, ModuleSource> mFound;
     std::vector<std::string> mMissed;

@@ -130,9 +130,11 @@ void YangContext::load(const std::vector<std::string>& modules, const FeatureSel
         problems = compileProblems(finder);
     }
     ly_ctx_set_module_imp_clb(mContext, nullptr, nullptr);
-    appendNew(problems, finder.problems());
-    if (!problems.empty()) {
-        throw ModelError(std::move(problems));
+    // They come first: a module may be missing for them.
+    std::vector<Problem> all = finder.problems();
+    appendNew(all, problems);
+    if (!all.empty()) {
+        throw ModelError(std::move(all));
     }
 }
 

@@ -78,6 +78,13 @@ TEST_F(ComponentLoaderTest, Load_NoSuchFile_SaysSo) {
     EXPECT_THAT(failure.what(), HasSubstr("cannot be opened as a shared object"));
 }
 
+TEST_F(ComponentLoaderTest, Load_EmptyPath_SaysWhatIsExpected) {
+    EXPECT_THAT([&] { mLoader.load(""); },
+                testing::ThrowsMessage<ComponentLoadError>(
+                    "(empty path): the path of a shared object was expected"));
+    EXPECT_THAT(mLoader.loaded(), IsEmpty());
+}
+
 TEST_F(ComponentLoaderTest, Load_TextFile_IsNoLibrary) {
     EXPECT_EQ(failureOf("TextFile").reason(), Reason::NotALibrary);
 }

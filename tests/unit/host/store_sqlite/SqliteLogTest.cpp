@@ -196,7 +196,13 @@ TEST_F(SqliteLogTest, Open_OtherModel_IsRefusedWithTheDifference) {
 
 TEST_F(SqliteLogTest, Open_DirectoryThatDoesNotExist_IsRefused) {
     file = directory / "none" / "store";
-    EXPECT_THAT(whyRefused(), HasSubstr("No such file or directory"));
+    EXPECT_EQ(whyRefused(), file.string() + " cannot be opened: " + file.string() +
+                                "-holder cannot be written: No such file or directory");
+}
+
+TEST_F(SqliteLogTest, Open_EmptyPath_IsRefused) {
+    file.clear();
+    EXPECT_EQ(whyRefused(), "the path of the store's file is empty");
 }
 
 TEST_F(SqliteLogTest, Open_DirectoryThatCannotBeWritten_IsRefused) {

@@ -99,6 +99,12 @@ TEST(YangModelErrors, MissingDirectory_IsReported) {
     EXPECT_EQ(error, "no/such/directory: is not a directory to search for modules");
 }
 
+TEST(YangModelErrors, NoDirectoryIsThere_IsReportedBeforeTheModule) {
+    EXPECT_EQ(modelErrorOf([] { YangModelReader().searchIn("no/such").load("absent").read(); }),
+              "no/such: is not a directory to search for modules\n"
+              "module \"absent\" was not found; no directory of the search path is there");
+}
+
 TEST(YangModelErrors, NoModule_IsReported) {
     EXPECT_EQ(modelErrorOf([] { YangModelReader().read(); }), "no module to load was named");
 }
