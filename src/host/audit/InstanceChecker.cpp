@@ -214,6 +214,7 @@ private:
                        {mDn, ": attribute ", end.name, " names ", std::to_string(mCounts[position]),
                         " of class ", mModel.classes[end.moc].name, ", expected ",
                         toText(end.cardinality), "."});
+                mReport.problems.back().countedClass = mModel.classes[end.moc].name;
             }
         }
     }

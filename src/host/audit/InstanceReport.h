@@ -40,6 +40,9 @@ struct InstanceProblem {
     std::string attribute; ///< its attribute; may be empty
     std::string otherDn;   ///< the object that is referred to; may be empty
     std::string text;      ///< all of it in plain words
+    /// Of a wrong number of references of an association end: the class whose references are too
+    /// many or too few. Other associations of the attribute are not meant. May be empty.
+    std::string countedClass = {};
 };
 
 /// A value to add to the end of a reference attribute.

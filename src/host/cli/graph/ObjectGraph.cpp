@@ -156,26 +156,31 @@ void ObjectGraph::addEnds() {
             mEnds.emplace_back();
             continue;
         }
-        const std::string from = rowOf(line.from, line.fromEnd, line.isWrong);
-        const std::string to =
-            line.toEnd.attributes.empty() ? "title" : rowOf(line.to, line.toEnd, line.isWrong);
+        const std::string from = rowOf(line.from, line.fromEnd, line.to, line.isWrong);
+        const std::string to = line.toEnd.attributes.empty()
+                                   ? "title"
+                                   : rowOf(line.to, line.toEnd, line.from, line.isWrong);
         mEnds.emplace_back(nodeName(line.from) + ":" + from, nodeName(line.to) + ":" + to);
     }
 }
 
-std::string ObjectGraph::rowOf(std::size_t box, const LineEnd& end, bool isWrong) {
-    const bool isRed = isWrong || isWrongCount(box, end);
+std::string ObjectGraph::rowOf(std::size_t box, const LineEnd& end, std::size_t far, bool isWrong) {
+    const bool isRed = isWrong || isWrongCount(box, end, mBoxes.all()[far].className);
     return mLabels[box].port(end.text(), isRed ? kViolationColour : kReferenceColour);
 }
 
-// The number of references in an attribute is wrong, and not one of them.
-bool ObjectGraph::isWrongCount(std::size_t box, const LineEnd& end) const {
+// The number of references in an attribute is wrong, and not one of them. References of the same
+// attribute to another class belong to another association, which may be in order.
+bool ObjectGraph::isWrongCount(std::size_t box, const LineEnd& end,
+                               const std::string& farClass) const {
     return std::any_of(
         mProblems[box].begin(), mProblems[box].end(), [&](const InstanceProblem* problem) {
             const auto isMeant = [&](const auto& attribute) {
                 return attribute.first == problem->attribute;
             };
-            return problem->otherDn.empty() && mBoxes.find(problem->dn) == box &&
+            const bool isOfThatClass =
+                problem->countedClass.empty() || problem->countedClass == farClass;
+            return problem->otherDn.empty() && isOfThatClass && mBoxes.find(problem->dn) == box &&
                    std::any_of(end.attributes.begin(), end.attributes.end(), isMeant);
         });
 }

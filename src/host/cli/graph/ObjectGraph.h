@@ -58,8 +58,8 @@ private:
     void findWhatIsWrong();
     void makeLabels();
     void addEnds();
-    std::string rowOf(std::size_t box, const LineEnd& end, bool isWrong);
-    bool isWrongCount(std::size_t box, const LineEnd& end) const;
+    std::string rowOf(std::size_t box, const LineEnd& end, std::size_t far, bool isWrong);
+    bool isWrongCount(std::size_t box, const LineEnd& end, const std::string& farClass) const;
     void addMessages();
     void draw();
     void drawBox(DotText& dot, std::size_t position);

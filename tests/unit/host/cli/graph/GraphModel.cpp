@@ -36,12 +36,15 @@ Model graphModel() {
                  .attribute(AttributeDraft::reference("mast"))
                  .attribute(AttributeDraft::reference("seen").many())
                  .attribute(AttributeDraft::reference("near").many())
+                 .attribute(AttributeDraft::reference("heard").many())
                  .attribute(AttributeDraft::reference("any")))
         .contain("Site", "Mast")
         .contain("Site", "Antenna")
         .biDir(ReferenceDraft("Mast", "antennas").counts(1, 9), ReferenceDraft("Antenna", "mast"))
         .biDir(ReferenceDraft("Antenna", "near"), ReferenceDraft("Antenna", "near"))
         .uniDir(ReferenceDraft("Antenna", "seen"), {"Mast"})
+        .uniDir(ReferenceDraft("Antenna", "heard").counts(0, 1), {"Mast"})
+        .uniDir(ReferenceDraft("Antenna", "heard").counts(0, 9), {"Site"})
         .build();
 }
 

@@ -17,7 +17,8 @@
 namespace OrvHost {
 
 /// Masts and antennas that refer to each other (a mast has at least one antenna); antennas also
-/// have one-way references to masts, and references without an association.
+/// have one-way references to masts, references of one attribute to at most one mast and to sites,
+/// and references without an association.
 Model graphModel();
 
 /// Builds a picture and the model that it belongs to.

@@ -169,6 +169,22 @@ TEST_F(ObjectGraphTest, WrongNumber_ReddensTheRowAndNotItsLines) {
                              HasSubstr("n0:p0 -> n1:p0 [style=\"solid\", dir=\"both\"]")));
 }
 
+// The references to masts and those to sites are two associations of one attribute.
+TEST_F(ObjectGraphTest, WrongNumber_ReddensOnlyTheRowOfItsAssociation) {
+    add("Site=1");
+    add("Site=1,Mast=a");
+    add("Site=1,Mast=b");
+    add("Site=1,Antenna=1",
+        {{"heard", "Site=1,Mast=a"}, {"heard", "Site=1,Mast=b"}, {"heard", "Site=1"}});
+    const std::string drawn = dot();
+    EXPECT_THAT(drawn,
+                AllOf(HasSubstr("heard names 2 of class Mast"), HasSubstr("n3:p0 -> n1:title"),
+                      HasSubstr("n3:p0 -> n2:title"), HasSubstr("n3:p1 -> n0:title")));
+    const std::string row = rowOf(drawn, "Antenna=1");
+    EXPECT_THAT(row, HasSubstr("PORT=\"p0\"><FONT COLOR=\"#d00000\" POINT-SIZE=\"8\">heard<"));
+    EXPECT_THAT(row, HasSubstr("PORT=\"p1\"><FONT COLOR=\"#2f6f9f\" POINT-SIZE=\"8\">heard<"));
+}
+
 TEST_F(ObjectGraphTest, MessageOfAFoldedBox_NamesTheObject) {
     add("Site=1");
     addAntennas("Site=1", 5, {{"seen", "Site=1,Mast=gone"}});
