@@ -121,7 +121,7 @@ struct Drawing {
 
 GraphOffer offerFor(const GraphOptions& options, bool isServed) {
     const std::string dot = isServed ? " --dot" : "";
-    const std::string from = options.from.empty() ? "" : " " + quoteWord(options.from);
+    const std::string from = options.from.empty() ? "" : " " + quoteForTyping(options.from);
     const std::string depth =
         options.depth == kNoLimit ? "" : " --depth " + std::to_string(options.depth);
     return {options.wantsAllBoxes ? 0 : kBoxes,

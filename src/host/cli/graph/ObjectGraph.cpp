@@ -123,7 +123,8 @@ std::string ObjectGraph::foldNote() const {
                        "number. To see more: ";
     const std::string* const part = mBoxes.largestPartThatFits();
     if (part != nullptr) {
-        note += "'" + mOffer.part + " " + quoteWord(*part) + "' draws that part without folding; ";
+        note +=
+            "'" + mOffer.part + " " + quoteForTyping(*part) + "' draws that part without folding; ";
     }
     const std::size_t objects = mPicture.objects.size();
     const bool isWholeUnfolded =

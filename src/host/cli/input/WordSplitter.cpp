@@ -3,6 +3,8 @@
 
 #include "WordSplitter.h"
 
+#include <algorithm>
+
 namespace OrvHost {
 
 namespace {
@@ -93,6 +95,31 @@ std::string quoteWord(const std::string& word) {
             quoted += '\\';
         }
         quoted += character;
+    }
+    return quoted + '"';
+}
+
+std::string quoteForTyping(const std::string& word) {
+    const auto isPlain = [](char letter) {
+        const auto code = static_cast<unsigned char>(letter);
+        const bool isOfName = (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') ||
+                              (code >= 'a' && code <= 'z') || code >= 0x80;
+        return isOfName || std::string_view("_=,./:@%+-").find(letter) != std::string_view::npos;
+    };
+    if (!word.empty() && std::all_of(word.begin(), word.end(), isPlain)) {
+        return word;
+    }
+    std::string quoted = "\"";
+    for (const char letter : word) {
+        if (letter == '!') {
+            // Shells with a history replace it inside double quotes, whether it is escaped or not.
+            quoted += "\"\\!\"";
+            continue;
+        }
+        if (std::string_view("\"\\$`").find(letter) != std::string_view::npos) {
+            quoted += '\\';
+        }
+        quoted += letter;
     }
     return quoted + '"';
 }

@@ -27,6 +27,10 @@ SplitLine splitWords(std::string_view line);
 /// \p word in a form that splitWords reads as one word.
 std::string quoteWord(const std::string& word);
 
+/// \p word in a form that both splitWords and a POSIX shell read as one word, for commands that a
+/// message names: they are typed at the prompt, or after the name of the program and its options.
+std::string quoteForTyping(const std::string& word);
+
 }
 
 #endif

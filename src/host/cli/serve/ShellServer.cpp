@@ -3,6 +3,7 @@
 
 #include "ShellServer.h"
 
+#include "cli/input/WordSplitter.h"
 #include "cli/serve/OwnFolders.h"
 #include "netconf/core/ServerLog.h"
 #include "netconf/server/ServerError.h"
@@ -47,7 +48,8 @@ ShellServer::~ShellServer() {
 }
 
 std::string ShellServer::address() const {
-    return "shell at the socket " + mFile.path() + ": orvhost --connect " + mFile.path();
+    return "shell at the socket " + mFile.path() + ": orvhost --connect " +
+           quoteForTyping(mFile.path());
 }
 
 void ShellServer::serve(Descriptor socket, const Connections::Enter& enter) {

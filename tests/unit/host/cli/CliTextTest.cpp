@@ -10,6 +10,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
+#include <memory>
+
 namespace OrvHost {
 namespace {
 
@@ -67,6 +70,30 @@ TEST(WordSplitterTest, Quote_AnyWord_ComesBackAsOneWord) {
         EXPECT_THAT(wordsOf(quoteWord(word)), ElementsAre(word));
     }
     EXPECT_EQ(quoteWord("A=1,B=2"), "A=1,B=2");
+}
+
+/// What a POSIX shell makes of the words of \p line, each in a line of its own.
+std::string wordsInShell(const std::string& line) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(("printf '%s\\n' " + line).c_str(), "r"),
+                                                     pclose);
+    std::string text;
+    for (int letter = 0; pipe && (letter = std::fgetc(pipe.get())) != EOF;) {
+        text += static_cast<char>(letter);
+    }
+    return text;
+}
+
+TEST(WordSplitterTest, QuoteForTyping_IsOneWordAtThePromptAndInAShell) {
+    for (const std::string word :
+         {"plain", "two words", "",    "#x",    "a'b",  "q\"q",  "back\\slash", "$HOME",
+          "`id`",  "$(id)",     "a;b", "a&b|c", "<x>",  "a*?",   "[a-z]",       "{a,b}",
+          "~",     "a!b",       "!",   "\\!",   "Höhe", "tab\tx"}) {
+        const std::string typed = quoteForTyping(word);
+        EXPECT_THAT(wordsOf(typed), ElementsAre(word)) << typed;
+        EXPECT_EQ(wordsInShell(typed), word + "\n") << typed;
+    }
+    EXPECT_EQ(quoteForTyping("A=1,B=x-2.c"), "A=1,B=x-2.c");
+    EXPECT_EQ(quoteForTyping("A=a!b"), "\"A=a\"\\!\"b\"") << "no history inside quotes";
 }
 
 TEST(SuggestionTest, Closest_NearAndFar_FindsOnlyTheNear) {

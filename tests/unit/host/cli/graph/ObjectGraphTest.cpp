@@ -214,6 +214,15 @@ TEST_F(ObjectGraphTest, FoldNote_NamesTheLargestPartThatFits) {
                 AllOf(Not(HasSubstr("--unfold")), HasSubstr("'graph --html' makes a page")));
 }
 
+TEST_F(ObjectGraphTest, FoldNote_NamesAPartAsItIsTyped) {
+    add("Site=1");
+    add("Site=1,Mast=a;$b");
+    addAntennas("Site=1,Mast=a;$b", 3);
+    add("Site=1,Mast=c");
+    addAntennas("Site=1,Mast=c", 9);
+    EXPECT_THAT(noteOf(5), HasSubstr("'graph \"Site=1,Mast=a;\\$b\"' draws that part"));
+}
+
 TEST_F(ObjectGraphTest, FoldNote_CountsOnlyWhatThatPartRefersTo) {
     add("Site=1");
     add("Site=1,Mast=a");
