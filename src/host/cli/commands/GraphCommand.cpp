@@ -163,6 +163,7 @@ Drawing drawObjects(Session& session, const GraphOptions& options) {
     session.cancellation().throwIfCancelled();
     drawing.json["violations"] = JsonValue::array();
     for (const InstanceProblem& problem : drawing.violations) {
+        session.cancellation().throwIfCancelled();
         drawing.json["violations"].add({{"dn", problem.dn},
                                         {"attribute", problem.attribute},
                                         {"other", problem.otherDn},

@@ -102,6 +102,7 @@ void ObjectGraph::findWhatIsWrong() {
     }
     // What is missing is wrong only if an association needs it.
     for (const JoinedLine& line : mLines) {
+        mPicture.throwIfCancelled();
         if (line.isWrong && mBoxes.all()[line.to].place == BoxPlace::Missing) {
             mIsRed[line.to] = true;
         }

@@ -73,16 +73,19 @@ std::string objectPage(const TreePicture& picture, const ReferenceLines& lines,
             objects += toScriptData(toJson(object, part == &picture.outside));
         }
     }
-    JsonValue rest{{"title", picture.title}, {"unread", lines.unread()}};
-    rest["violations"] = JsonValue::array();
+    const JsonValue rest{{"title", picture.title}, {"unread", lines.unread()}};
+    std::string problems;
     for (const InstanceProblem& problem : violations) {
         picture.throwIfCancelled();
-        rest["violations"].add(
-            {{"dn", problem.dn}, {"other", problem.otherDn}, {"text", problem.text}});
+        problems += problems.empty() ? "" : ",";
+        problems +=
+            toScriptData({{"dn", problem.dn}, {"other", problem.otherDn}, {"text", problem.text}});
     }
+    picture.throwIfCancelled();
     std::string page(kObjectPageText);
     return page.replace(page.find(kPlaceOfData), kPlaceOfData.size(),
-                        "{\"objects\":[" + objects + "]," + toScriptData(rest).substr(1));
+                        "{\"objects\":[" + objects + "],\"violations\":[" + problems + "]," +
+                            toScriptData(rest).substr(1));
 }
 
 }

@@ -19,8 +19,10 @@ namespace {
 /// The objects of a picture in an order in which each one is followed by all that are below it.
 class Subtrees {
 public:
-    explicit Subtrees(const std::vector<PicturedObject>& objects) : mPlaces(objects.size()) {
+    explicit Subtrees(const TreePicture& picture) : mPlaces(picture.objects.size()) {
+        const std::vector<PicturedObject>& objects = picture.objects;
         for (std::size_t at = objects.size(); at-- > 0;) {
+            picture.throwIfCancelled();
             Place& place = mPlaces[at];
             place.size += 1;
             place.isWhole = place.isWhole && objects[at].hiddenBelow == 0;
@@ -33,6 +35,7 @@ public:
         std::size_t nextTop = 0;
         std::vector<std::size_t> next(objects.size());
         for (std::size_t at = 0; at < objects.size(); ++at) {
+            picture.throwIfCancelled();
             std::size_t& free = objects[at].parent ? next[*objects[at].parent] : nextTop;
             mPlaces[at].first = free;
             mOrder[free] = at;
@@ -110,15 +113,17 @@ bool fits(const Subtrees& subtrees, const Targets& targets, std::size_t top, std
 /// The largest object of which that is true; one with nothing below it is no help.
 const std::string* largestPart(const TreePicture& picture, std::size_t most) {
     const std::vector<PicturedObject>& objects = picture.objects;
-    const Subtrees subtrees(objects);
+    const Subtrees subtrees(picture);
     std::vector<std::size_t> candidates;
     for (std::size_t at = 0; at < objects.size(); ++at) {
+        picture.throwIfCancelled();
         const std::size_t size = subtrees.sizeOf(at);
         if (size > 1 && size <= most && subtrees.isWhole(at)) {
             candidates.push_back(at);
         }
     }
     std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t one, std::size_t two) {
+        picture.throwIfCancelled();
         return subtrees.sizeOf(one) > subtrees.sizeOf(two);
     });
     const Targets targets(picture);

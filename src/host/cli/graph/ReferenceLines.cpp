@@ -40,6 +40,7 @@ ReferenceLines::ReferenceLines(const std::vector<ClassDescription>& classes,
                                const TreePicture& picture,
                                const std::vector<InstanceProblem>& violations) {
     for (const InstanceProblem& problem : violations) {
+        picture.throwIfCancelled();
         mWrong.emplace(Link{problem.dn, problem.attribute, problem.otherDn}, problem.text);
     }
     const std::vector<Link> links = linksOf(picture, picture.objects);
@@ -120,11 +121,13 @@ std::string ReferenceLines::violationOf(const Link& link) const {
 std::vector<InstanceProblem> violationsIn(const Model& model, const TreePicture& picture) {
     std::unordered_set<std::string> drawn;
     for (const PicturedObject& object : picture.objects) {
+        picture.throwIfCancelled();
         drawn.insert(object.dn);
     }
     std::vector<InstanceProblem> problems = auditAssociations(model, picture);
     problems.erase(std::remove_if(problems.begin(), problems.end(),
                                   [&](const InstanceProblem& problem) {
+                                      picture.throwIfCancelled();
                                       const bool isOfOthers = drawn.count(problem.dn) == 0 &&
                                                               drawn.count(problem.otherDn) == 0;
                                       return isOfOthers ||

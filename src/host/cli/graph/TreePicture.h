@@ -48,8 +48,9 @@ struct TreePicture : InstanceSource {
     /// nothing does. Borrowed.
     const CancellationToken* token = nullptr;
 
-    /// Throws CancelledError if the token says so.
-    void throwIfCancelled() const {
+    /// Throws CancelledError if the token says so. Virtual, so that a test can end the work at any
+    /// of these looks.
+    virtual void throwIfCancelled() const {
         if (token != nullptr) {
             token->throwIfCancelled();
         }
