@@ -231,6 +231,16 @@ def expect_texts(check, name, picture, *texts):
             check.fail(name, f"'{text}' is not in it")
 
 
+def expect_compact_legend(check, name, picture):
+    """Long texts above the legend do not widen its samples."""
+    caption = [(text, box) for text, box, part in picture.texts if not part]
+    begin = min(box.left for _, box in caption)
+    meanings = [box.left for text, box in caption if text.startswith("an association with")]
+    if not meanings or max(meanings) - begin > 60:
+        check.fail(name, f"the samples of the legend take up to {max(meanings, default=0) - begin} "
+                         "points, expected at most 60")
+
+
 def expect_truth(check, name, dot, data, top="", depth=1000):
     """The picture of that part of the data says what the data says, and one that does not is found."""
     for error in picture_truth.errors(dot, data, top, depth):
@@ -372,6 +382,7 @@ def main():
     expect_texts(check, "violations", wrong, "expected 0..2", "red:",
                  f"attribute sectorRef names {equipment},Sector=nowhere, which does not exist.",
                  f"{equipment},RadioUnit=4: attribute sectorRef")
+    expect_compact_legend(check, "violations", wrong)
     expect_red(check, "violations", wrong.dot,
                {antenna, f"{equipment},RadioUnit=4", f"{equipment},Sector=nowhere"},
                {f"{equipment},RadioUnit=4 sectorRef", f"{antenna} radioUnitRef"})

@@ -17,8 +17,8 @@ EDGE = re.compile(r'^ *(n\d+):(\w+) -> (n\d+):(\w+) \[style="(\w+)"(.*)\]', re.M
 FOLDED = re.compile(r"(\w+) × (\d+)")
 SUMMARY = re.compile(r">([^<]*): (\d+) objects?(?: \(\d+ below\))?, (\d+) references?, (\d+) violations?<")
 # A row of the legend with a line, and what lines look like.
-LEGEND = re.compile(r'STYLE="(solid|dashed|dotted)" WIDTH="30" HEIGHT="6"></TD>.*?</TABLE></TD>'
-                    r'<TD ALIGN="LEFT"><FONT[^>]*>(.*?)</FONT>')
+LEGEND = re.compile(r'STYLE="(solid|dashed|dotted)" WIDTH="24" HEIGHT="6"></TD>.*?</TABLE></TD>'
+                    r'<TD ALIGN="LEFT"[^>]*><FONT[^>]*>(.*?)</FONT>')
 MEANINGS = {"solid": "an association with references both ways",
             "dashed": "a reference of an association, one way",
             "dotted": "a reference without an association"}

@@ -10,7 +10,10 @@ namespace OrvHost {
 namespace {
 
 constexpr std::size_t kColumns = 100;
-constexpr const char* kSampleSize = "\" WIDTH=\"30\" HEIGHT=\"9\"";
+// Graphviz widens a table to the place that it has, each column by as much. The sample is one
+// column of many, so that it stays small; the meaning has all others.
+constexpr const char* kMeaningSpan = " COLSPAN=\"40\" CELLPADDING=\"3\"";
+constexpr const char* kSampleSize = "\" WIDTH=\"24\" HEIGHT=\"9\"";
 
 std::string boxSample(const std::string& border, const std::string& fill, const char* style) {
     return "<TD BORDER=\"1\" COLOR=\"" + border + (fill.empty() ? "" : "\" BGCOLOR=\"" + fill) +
@@ -22,13 +25,14 @@ std::string lineSample(const std::string& colour, const char* style) {
     return "<TD CELLPADDING=\"0\"><TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"0\" "
            "CELLPADDING=\"0\"><TR><TD BORDER=\"1\" SIDES=\"B\" COLOR=\"" +
            colour + "\" STYLE=\"" + style +
-           "\" WIDTH=\"30\" HEIGHT=\"6\"></TD></TR><TR><TD WIDTH=\"30\" "
+           "\" WIDTH=\"24\" HEIGHT=\"6\"></TD></TR><TR><TD WIDTH=\"24\" "
            "HEIGHT=\"6\"></TD></TR></TABLE></TD>";
 }
 
-std::string textCell(const std::string& text, const std::string& colour) {
-    return "<TD ALIGN=\"LEFT\"><FONT COLOR=\"" + colour + "\">" + markupText(text, kColumns) +
-           "</FONT></TD>";
+std::string textCell(const std::string& text, const std::string& colour,
+                     const std::string& span = {}) {
+    return "<TD ALIGN=\"LEFT\"" + span + "><FONT COLOR=\"" + colour + "\">" +
+           markupText(text, kColumns) + "</FONT></TD>";
 }
 
 }
@@ -77,7 +81,7 @@ void PictureCaption::red(const std::string& meaning) {
 }
 
 void PictureCaption::row(const std::string& sample, const std::string& meaning) {
-    mLegend += "<TR>" + sample + textCell(meaning, kTextColour) + "</TR>";
+    mLegend += "<TR>" + sample + textCell(meaning, kTextColour, kMeaningSpan) + "</TR>";
 }
 
 // The legend is a table of its own: long texts would widen its samples.
@@ -85,7 +89,7 @@ void PictureCaption::setIn(DotText& dot) const {
     const std::string head =
         "<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLPADDING=\"1\" CELLSPACING=\"";
     const std::string legend = mLegend.empty() ? ""
-                                               : "<TR><TD ALIGN=\"LEFT\">" + head + "3\">" +
+                                               : "<TR><TD ALIGN=\"LEFT\">" + head + "0\">" +
                                                      mLegend + "</TABLE></TD></TR>";
     dot.set("graph",
             {{"label", head + "1\">" + mTexts + legend + "</TABLE>", DotText::Form::Markup},
