@@ -25,36 +25,68 @@ void MoTree::swap(MoTree& other) noexcept {
     std::swap(mLiveCount, other.mLiveCount);
 }
 
+// Takes the last step and the comma before it away from `dn`. False if the step is another one than
+// that of the object, or if the object and `dn` are not equally near to the top.
+inline bool MoTree::takeStep(NodeId id, std::string_view& dn) const {
+    const MoNode& one = mNodes[id];
+    const std::string_view name = one.record.name();
+    const std::string& type = mModel.classes[one.moc].name;
+    const std::size_t size = type.size() + 1 + name.size();
+    if (dn.size() < size) {
+        return false;
+    }
+    const std::size_t left = dn.size() - size;
+    const char* const step = dn.data() + left;
+    if (step[type.size()] != '=' || !isSameText(step + type.size() + 1, name.data(), name.size()) ||
+        !isSameText(step, type.data(), type.size())) {
+        return false;
+    }
+    const bool isAtTop = one.parent == kRootNode;
+    if (left == 0 || isAtTop) {
+        dn = {};
+        return left == 0 && isAtTop;
+    }
+    dn = dn.substr(0, left - 1);
+    return step[-1] == ',';
+}
+
 // Step by step from the end, since nodes link to their parents.
 bool MoTree::hasDn(NodeId id, std::string_view dn) const {
-    for (std::size_t left = dn.size();;) {
-        const MoNode& one = mNodes[id];
-        const std::string_view name = one.record.name();
-        const std::string& type = mModel.classes[one.moc].name;
-        const std::size_t size = type.size() + 1 + name.size();
-        if (left < size) {
-            return false;
-        }
-        left -= size;
-        const char* const step = dn.data() + left;
-        if (step[type.size()] != '=' ||
-            !isSameText(step + type.size() + 1, name.data(), name.size()) ||
-            !isSameText(step, type.data(), type.size())) {
-            return false;
-        }
-        id = one.parent;
-        if (id == kRootNode || left == 0) {
-            return id == kRootNode && left == 0;
-        }
-        if (dn[--left] != ',') {
-            return false;
+    while (takeStep(id, dn)) {
+        id = mNodes[id].parent;
+        if (id == kRootNode) {
+            return true;
         }
     }
+    return false;
+}
+
+bool MoTree::hasDn(NodeId id, std::string_view dn, ParentsFoundLast& parents) const {
+    if (!takeStep(id, dn)) {
+        return false;
+    }
+    const NodeId above = mNodes[id].parent;
+    if (above == kRootNode) {
+        return true;
+    }
+    if (parents.isDnOf(above, dn)) {
+        return true;
+    }
+    const bool isFound = hasDn(above, dn);
+    if (isFound) {
+        parents.note(above, dn);
+    }
+    return isFound;
 }
 
 NodeId MoTree::find(const HashedText& dn, CommitNumber at) const {
     return mIndex.find(hashOf(dn),
                        [&](NodeId id) { return isVisible(id, at) && hasDn(id, dn.text); });
+}
+
+NodeId MoTree::find(const HashedText& dn, CommitNumber at, ParentsFoundLast& parents) const {
+    return mIndex.find(hashOf(dn),
+                       [&](NodeId id) { return isVisible(id, at) && hasDn(id, dn.text, parents); });
 }
 
 const MoRecord& MoTree::oldRecordAt(NodeId id, CommitNumber at) const {

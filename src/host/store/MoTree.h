@@ -9,9 +9,12 @@
 #include "NodeTable.h"
 #include "RecordHistory.h"
 #include "StoreTypes.h"
+#include "base/ShortText.h"
 #include "base/TextHash.h"
 #include "model/Model.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -46,6 +49,31 @@ struct MoNode {
     ClassIndex moc = 0;
     std::uint32_t dnHash = 0;
     std::uint32_t place = 0; ///< among the objects that the same commit created
+};
+
+/// Some parents of the objects that MoTree::find found last for one of its users. A parent in a
+/// snapshot keeps its DN for as long as the snapshot is open. No lock of its own.
+class ParentsFoundLast {
+public:
+    bool isDnOf(NodeId parent, std::string_view dn) const {
+        const Entry& entry = mEntries[parent % kPlaces];
+        return entry.node == parent && entry.dn == dn;
+    }
+    /// A DN that is too long is not kept.
+    void note(NodeId parent, std::string_view dn) {
+        Entry& entry = mEntries[parent % kPlaces];
+        entry.node = parent;
+        entry.dn.keep(dn);
+    }
+
+private:
+    static constexpr std::size_t kPlaces = 4;
+
+    struct Entry {
+        NodeId node = kNoNode;
+        ShortText<168> dn;
+    };
+    std::array<Entry, kPlaces> mEntries;
 };
 
 /// An object that a commit creates. Its parent is a committed object, or one that comes before it
@@ -87,6 +115,9 @@ public:
     /// The object with that DN in the snapshot \p at, or kNoNode. Constant time.
     NodeId find(const HashedText& dn, CommitNumber at) const;
     NodeId find(std::string_view dn, CommitNumber at) const { return find(HashedText(dn), at); }
+    /// The same for one who keeps \p parents between the calls, while the snapshot is open: what
+    /// stands above siblings is then gone through once.
+    NodeId find(const HashedText& dn, CommitNumber at, ParentsFoundLast& parents) const;
     const MoNode& node(NodeId id) const { return mNodes[id]; }
     bool isVisible(NodeId id, CommitNumber at) const {
         const MoNode& one = mNodes[id];
@@ -150,7 +181,9 @@ private:
         std::size_t done = 0;        ///< how many of `deleted` are reclaimed
     };
 
+    bool takeStep(NodeId id, std::string_view& dn) const;
     bool hasDn(NodeId id, std::string_view dn) const;
+    bool hasDn(NodeId id, std::string_view dn, ParentsFoundLast& parents) const;
     const MoRecord& oldRecordAt(NodeId id, CommitNumber at) const;
     NodeId skipInvisible(NodeId id, CommitNumber at) const;
     ChildGroup* group(NodeId parent, ClassIndex moc);

@@ -126,7 +126,7 @@ inline bool StoreTransaction::search(const HashedText& dn, Mo& mo) const {
         return true;
     }
     const NodeId found = mTree.read([&](const MoTree& tree) {
-        const NodeId node = tree.find(dn, mSnapshot);
+        const NodeId node = tree.find(dn, mSnapshot, mParentsFoundLast);
         if (node != kNoNode) {
             mo = moOf(tree, node);
         }

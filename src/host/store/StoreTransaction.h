@@ -230,6 +230,7 @@ private:
     WriteGuard mGuard;
     TransactionOverlay mOverlay;
     mutable FoundLast mFoundLast;
+    mutable ParentsFoundLast mParentsFoundLast;
     bool mOpen = true;
 };
 
