@@ -53,15 +53,15 @@ std::string ShellServer::address() const {
 }
 
 void ShellServer::serve(Descriptor socket, const Connections::Enter& enter) {
-    const std::optional<uid_t> user = peerUser(socket.get());
-    const std::string name = peerName(socket.get());
+    const uid_t user = peerUser(socket.get());
+    const std::string name = userName(user);
     ShellChannel channel(std::move(socket), kLongestHello, mServices.idleLimit);
     const auto refuse = [&](const std::string& why) {
         logServer(4, "a shell for " + name + " is refused: " + why);
         channel.send(FrameBye, why);
     };
     // The socket's mode does not keep out who had it open before, or root, who is welcome.
-    if (!user || (*user != geteuid() && *user != 0)) {
+    if (user != geteuid() && user != 0) {
         refuse("only the user who runs the server, and root, can have a shell");
         return;
     }

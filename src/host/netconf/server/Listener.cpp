@@ -4,12 +4,14 @@
 #include "Listener.h"
 
 #include "ServerError.h"
+#include "base/TextScanner.h"
 #include "base/UnixAddress.h"
 #include "netconf/core/ServerLog.h"
 
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <system_error>
 #include <vector>
@@ -149,40 +151,66 @@ void SocketFile::remove() {
     mNode.reset();
 }
 
-std::optional<uid_t> peerUser(int socket) {
+uid_t peerUser(int socket) {
     ucred peer{};
     socklen_t size = sizeof(peer);
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? std::optional(peer.uid)
-                                                                          : std::nullopt;
-}
-
-std::string peerName(int socket) {
-    const std::optional<uid_t> user = peerUser(socket);
-    if (!user) {
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
         throw ServerError("it is not known who connects");
     }
-    std::vector<char> buffer(16384);
-    passwd entry{};
-    passwd* found = nullptr;
-    const int problem = getpwuid_r(*user, &entry, buffer.data(), buffer.size(), &found);
-    if (found != nullptr) {
-        return found->pw_name;
-    }
-    if (problem != 0 && problem != ENOENT && problem != ESRCH) {
-        throw ServerError("the name of user " + std::to_string(*user) +
-                          " cannot be looked up: " + std::generic_category().message(problem));
-    }
-    return std::to_string(*user);
+    return peer.uid;
 }
 
-bool isSystemUser(const std::string& name) {
+namespace {
+
+/// What \p lookUp, a function such as getpwuid_r, finds, given to \p read; false if there is no
+/// such user. Throws ServerError, which names \p whose, if it cannot be looked up.
+template <class LookUp, class Read>
+bool readUser(const std::string& whose, const LookUp& lookUp, const Read& read) {
+    constexpr std::size_t kMost = 1 << 20;
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;
-    getpwnam_r(name.c_str(), &entry, buffer.data(), buffer.size(), &found);
-    const bool isNumber =
-        !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
-    return found != nullptr || isNumber;
+    int problem = lookUp(&entry, buffer.data(), buffer.size(), &found);
+    while (problem == ERANGE && buffer.size() < kMost) {
+        buffer.resize(2 * buffer.size());
+        problem = lookUp(&entry, buffer.data(), buffer.size(), &found);
+    }
+    if (found == nullptr && problem != 0 && problem != ENOENT && problem != ESRCH) {
+        throw ServerError("user " + whose +
+                          " cannot be looked up: " + std::generic_category().message(problem));
+    }
+    if (found != nullptr) {
+        read(*found);
+    }
+    return found != nullptr;
+}
+
+}
+
+std::string userName(uid_t user) {
+    std::string name = std::to_string(user);
+    readUser(
+        name,
+        [user](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+            return getpwuid_r(user, entry, buffer, size, found);
+        },
+        [&name](const passwd& entry) { name = entry.pw_name; });
+    return name;
+}
+
+std::optional<uid_t> systemUser(const std::string& name) {
+    std::optional<uid_t> user;
+    const bool isKnown = readUser(
+        name,
+        [&name](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+            return getpwnam_r(name.c_str(), entry, buffer, size, found);
+        },
+        [&user](const passwd& entry) { user = entry.pw_uid; });
+    if (const auto number = isKnown ? std::nullopt : numberIn(name);
+        number && *number >= 0 && *number < std::numeric_limits<uid_t>::max()) {
+        user = static_cast<uid_t>(*number);
+    }
+    return user;
 }
 
 Listener::Listener(Descriptor socket, ConnectionLimits limits, Serve serve)

@@ -82,14 +82,15 @@ private:
     std::optional<std::pair<dev_t, ino_t>> mNode; ///< nothing: it is removed
 };
 
-/// True if a peer can have that name: see peerName.
-bool isSystemUser(const std::string& name);
-
-/// The user at the other end of a UNIX socket; nothing if that is not known.
-std::optional<uid_t> peerUser(int socket);
-/// The name of that user, or the number if there is no name. Throws ServerError if it cannot be
-/// looked up: a user who may only read has one.
-std::string peerName(int socket);
+/// The user at the other end of a UNIX socket. Throws ServerError if that is not known.
+uid_t peerUser(int socket);
+/// The name of a user of this machine, or the number if there is no name. For people: while a
+/// directory of users is away, a user can seem to have no name. Throws ServerError if it cannot be
+/// looked up.
+std::string userName(uid_t user);
+/// The user of this machine with a name, or with a number that is no name; nothing if there is
+/// none. Throws ServerError if it cannot be looked up.
+std::optional<uid_t> systemUser(const std::string& name);
 
 }
 

@@ -30,13 +30,14 @@ UserTable usersOf(const ServerOptions& options) {
         users.addPasswords(options.passwordFile);
     }
     for (const std::string& name : options.readOnlyUsers) {
-        if (!users.isKnown(name) && !(options.unixPath && isSystemUser(name))) {
+        const std::optional<uid_t> local = options.unixPath ? systemUser(name) : std::nullopt;
+        if (!users.isKnown(name) && !local) {
             throw ServerError("user " + name +
                               ", who may only read, cannot log in: a name was "
                               "expected that has a key or a password" +
                               (options.unixPath ? ", or a user of this machine" : ""));
         }
-        users.setReadOnly(name);
+        users.setReadOnly(name, local);
     }
     return users;
 }
@@ -108,9 +109,9 @@ NetconfServer::NetconfServer(Host& host, const YangModelReader& reader,
                     logServer(4, "a connection from " + from + " is refused: too many are open");
                     return;
                 }
-                const std::string name = peerName(socket.get());
-                parts.hub.serve(std::move(socket), parts.users.named(name), Transport::UnixSocket,
-                                from);
+                const uid_t user = peerUser(socket.get());
+                parts.hub.serve(std::move(socket), parts.users.local(user, userName(user)),
+                                Transport::UnixSocket, from);
             });
     }
 }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <libssh/libssh.h>
+#include <sys/types.h>
 
 namespace OrvHost {
 
@@ -28,7 +29,14 @@ public:
     /// Adds a file of lines NAME:HASH, with hashes of crypt(3). Empty lines and those that begin
     /// with "#" say nothing. Throws ServerError, also if others can read the file.
     void addPasswords(const std::string& file);
-    void setReadOnly(const std::string& user) { mReadOnly.insert(user); }
+    /// The user may only read, however he comes: by this name, or as \p local, a user of this
+    /// machine.
+    void setReadOnly(const std::string& user, std::optional<uid_t> local) {
+        mReadOnly.insert(user);
+        if (local) {
+            mReadOnlyLocal.insert(*local);
+        }
+    }
 
     /// True if that user can log in by a key or a password.
     bool isKnown(const std::string& user) const {
@@ -39,6 +47,10 @@ public:
     /// Takes the same time whether there is such a user or not.
     bool hasPassword(const std::string& user, const std::string& password) const;
     NetconfUser named(const std::string& user) const { return {user, mReadOnly.count(user) != 0}; }
+    /// A user of this machine. The number decides, since a name is not always found.
+    NetconfUser local(uid_t number, const std::string& name) const {
+        return {name, mReadOnly.count(name) != 0 || mReadOnlyLocal.count(number) != 0};
+    }
 
 private:
     struct KeyDeleter {
@@ -49,6 +61,7 @@ private:
     std::map<std::string, std::vector<Key>> mKeys;
     std::map<std::string, std::string> mHashes;
     std::set<std::string> mReadOnly;
+    std::set<uid_t> mReadOnlyLocal;
 };
 
 }
