@@ -74,11 +74,9 @@ const OpenTransactions::Entry& ClientSession::begin(const std::string& name) {
     mTransactions.requireFree(name);
     const unsigned long handle = mHost.transactions().begin(mAuthor);
     try {
-        mTransactions.add(name, handle);
-        return mTransactions.require(name);
+        return mTransactions.add(name, handle);
     } catch (...) {
         mHost.transactions().abort(handle);
-        mTransactions.remove(handle);
         throw;
     }
 }

@@ -47,8 +47,8 @@ std::string OpenTransactions::freeName() const {
     return "t" + std::to_string(mFirstFree);
 }
 
-void OpenTransactions::add(const std::string& name, unsigned long handle) {
-    mOpen.push_back({name, handle, 0});
+OpenTransactions::Entry& OpenTransactions::add(const std::string& name, unsigned long handle) {
+    std::optional<std::string> current(name);
     keepPhrase(handle, "transaction " + name);
     if (const std::optional<std::size_t> number = numberOf(name); number && *number >= mFirstFree) {
         mUsedNumbers.insert(*number);
@@ -56,7 +56,9 @@ void OpenTransactions::add(const std::string& name, unsigned long handle) {
     while (mUsedNumbers.erase(mFirstFree) != 0) {
         ++mFirstFree;
     }
-    mCurrent = name;
+    mOpen.push_back({name, handle, 0});
+    mCurrent = std::move(current);
+    return mOpen.back();
 }
 
 void OpenTransactions::addUnnamed(unsigned long handle) {

@@ -31,8 +31,9 @@ public:
     /// "t1", "t2" and so on: the first that has never been used.
     std::string freeName() const;
 
-    /// Adds a transaction that has begun, under a free name, and makes it the current one.
-    void add(const std::string& name, unsigned long handle);
+    /// Adds a transaction that has begun, under a free name, and makes it the current one. If it
+    /// throws (std::bad_alloc), the current one is still the one before.
+    Entry& add(const std::string& name, unsigned long handle);
     /// Records the handle of a write that ends with its command.
     void addUnnamed(unsigned long handle);
     /// Removes an entry; if it is the current one, there is no current one afterwards.

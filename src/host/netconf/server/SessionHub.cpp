@@ -299,6 +299,7 @@ void SessionHub::serve(Descriptor channel, const NetconfUser& user, Transport tr
             shutdown(channel.get(), SHUT_RDWR);
             served.subscriber.reset();
             contain("what a session had is not given back", [&] { mDispatcher.end(own); });
+            remove(id);
             contain("the end of a session is not told", [&] {
                 mDispatcher.events().sessionEnds(own, end);
                 logServer(6, own.author() + ": ends");
@@ -321,9 +322,15 @@ bool SessionHub::enter(std::uint32_t id, const Entry& entry) {
 SessionEnd SessionHub::leave(std::uint32_t id) {
     const std::lock_guard<std::mutex> lock(mMutex);
     SessionEnd end;
-    end.killedBy = mSessions.at(id).killedBy;
-    mSessions.erase(id);
+    Entry& entry = mSessions.at(id);
+    entry.isLeaving = true;
+    end.killedBy = entry.killedBy;
     return end;
+}
+
+void SessionHub::remove(std::uint32_t id) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSessions.erase(id);
 }
 
 /// On the session's thread.
@@ -353,7 +360,7 @@ bool SessionHub::subscribe(const NetconfSession& session,
 bool SessionHub::kill(std::uint32_t id, const NetconfSession& by) {
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto found = mSessions.find(id);
-    if (found == mSessions.end()) {
+    if (found == mSessions.end() || found->second.isLeaving) {
         return false;
     }
     NetconfSession& killed = found->second.served->session;

@@ -54,11 +54,13 @@ private:
         int fd;
         ServedSession* served;
         std::optional<std::uint32_t> killedBy{};
+        bool isLeaving = false; ///< it answers nothing any more, and what it had is given back
     };
 
     bool enter(std::uint32_t id, const Entry& entry);
     /// How it has ended, but for what the library knows.
     SessionEnd leave(std::uint32_t id);
+    void remove(std::uint32_t id);
     bool subscribe(const NetconfSession& session, std::optional<std::vector<FilterNode>> filter);
     bool kill(std::uint32_t id, const NetconfSession& by);
 

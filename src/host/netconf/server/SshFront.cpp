@@ -90,7 +90,7 @@ public:
     const std::string& user() const { return mUser; }
 
     /// Passes bytes between the channel and \p inner, a socket that does not block, until one of
-    /// them ends.
+    /// them ends. Then \p inner is shut down.
     void pass(int inner) {
         mDeadline = Clock::time_point::max();
         while (true) {
@@ -114,14 +114,19 @@ public:
             }
             mIsInnerOver = mIsInnerOver || (mInnerEvents & POLLHUP) != 0;
         }
-        if (unanswered() > mLimits.unanswered) {
+        // The session ends now, and its locks with it, whatever the client does from now on.
+        shutdown(inner, SHUT_RDWR);
+        const bool isFlood = unanswered() > mLimits.unanswered;
+        if (isFlood) {
             logServer(4, mUser + " from " + mFrom + ": " + std::to_string(unanswered()) +
                              " bytes of requests without an answer, which is too many");
         }
         ssh_channel_request_send_exit_status(mChannel, 0);
         ssh_channel_send_eof(mChannel);
         ssh_channel_close(mChannel);
-        awaitHangUp();
+        if (!isFlood) {
+            awaitHangUp();
+        }
     }
 
 private:
@@ -370,7 +375,6 @@ void SshFront::serve(Descriptor socket, const std::string& from, const Connectio
         mProtocol(Descriptor(outer), user, from);
     });
     connection->pass(inner.get());
-    shutdown(inner.get(), SHUT_RDWR);
     protocol.join();
 }
 
