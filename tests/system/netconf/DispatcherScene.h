@@ -35,6 +35,11 @@ protected:
 
     std::string edit(const std::string& config, const std::string& target = "candidate",
                      const std::string& options = {});
+    /// By \p session, at once.
+    std::string editRunning(NetconfSession& session, const std::string& config) {
+        return ask(session,
+                   tagged("edit-config", "<target><running/></target>" + tagged("config", config)));
+    }
     std::string getConfig(const std::string& filter, const std::string& store = "running");
     std::string get(const std::string& filter);
 

@@ -62,11 +62,11 @@ protected:
         }
     }
 
-    /// The answer to a plain commit, of which one allocation fails, and whether one did.
-    std::pair<std::string, bool> commitWithout(long number) {
+    /// The answer to a plain commit, of which \p howMany allocations fail, and whether one did.
+    std::pair<std::string, bool> commitWithout(long number, long howMany = 1) {
         // What is thrown is answered by an error.
         RpcReply reply{{protocolError("resource-denied", "there is no memory")}, nullptr, {}};
-        FailingAllocations::failAfter(number);
+        FailingAllocations::failAfter(number, howMany);
         contain([&] { reply = replyTo(alice, "<commit/>"); });
         const bool hasFailed = FailingAllocations::stop();
         return {textOf(reply), hasFailed};
@@ -177,16 +177,23 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInAPlainCommit_TheAnswerIsTrue) {
 }
 
 // The edits of a refused commit are made again. Without them the next commit would commit nothing,
-// or a part of them, and call that a success.
-TEST_F(NetconfMemoryTest, AnAllocationThatFailsInARefusedCommit_LosesNoEditsInSilence) {
+// or a part of them, and call that a success. Where memory has run out, the next allocations fail,
+// too: those for the texts that say so.
+class NetconfRefusedMemoryTest : public NetconfMemoryTest,
+                                 public testing::WithParamInterface<long> {};
+
+INSTANTIATE_TEST_SUITE_P(HowManyFail, NetconfRefusedMemoryTest,
+                         testing::Values(1, 2, 3, 5, 10, 20, 1000000));
+
+TEST_P(NetconfRefusedMemoryTest, AllocationsThatFailInARefusedCommit_LoseNoEditsInSilence) {
     const std::string ofAntenna = tagged("antennaRef", antenna(2, 1));
     bool hasFailed = true;
     long losses = 0;
-    for (long number = 0; hasFailed; ++number) {
+    for (long number = 0; hasFailed; number += GetParam() == 1 ? 1 : 3) {
         for (const char* unit : {"7", "8"}) { // one more than the antenna may have
             ASSERT_EQ(edit(radioUnit(unit, ofAntenna)), "ok");
         }
-        const auto [answer, failed] = commitWithout(number);
+        const auto [answer, failed] = commitWithout(number, GetParam());
         hasFailed = failed;
         ASSERT_NE(answer, "ok") << number;
         const std::string said = answer + getConfig(radioUnit("7"), "candidate");
@@ -203,6 +210,45 @@ TEST_F(NetconfMemoryTest, AnAllocationThatFailsInARefusedCommit_LosesNoEditsInSi
         expectUnlocked(number);
     }
     EXPECT_GT(losses, 0) << "a failure must have been met where the edits are made again";
+}
+
+TEST_F(NetconfMemoryTest, NoMemoryWhenATimeIsOver_ItIsDoneLater) {
+    const std::string before = running();
+    ASSERT_EQ(edit(element(tagged("userLabel", "changed"))), "ok");
+    ASSERT_EQ(ask("<commit><confirmed/><confirm-timeout>1</confirm-timeout></commit>"), "ok");
+    {
+        const FailingAllocations::Spared here;
+        FailingAllocations::failAfter(0, 1000000);
+        EXPECT_TRUE(comesTrue([] { return FailingAllocations::count() > 0; }));
+        FailingAllocations::stop();
+    }
+    EXPECT_TRUE(comesTrue([&] { return running() == before; }));
+    EXPECT_EQ(host.transactions().openCount(), 0);
+}
+
+TEST_F(NetconfMemoryTest, NoMemoryForATransaction_TheCurrentOneStays) {
+    Clients clients(host);
+    ClientSession session(host, clients);
+    session.begin("first");
+    bool hasFailed = true;
+    for (long number = 0; hasFailed; ++number) {
+        const std::string name = "one_with_a_long_name";
+        FailingAllocations::failAfter(number);
+        try {
+            session.begin(name);
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): what the test is about
+        }
+        hasFailed = FailingAllocations::stop();
+        if (hasFailed && session.transactions().all().size() == 1) {
+            ASSERT_NE(session.transactions().current(), nullptr) << number;
+            EXPECT_EQ(session.transactions().current()->name, "first") << number;
+        } else {
+            session.abort(session.transactions().require(name));
+            session.transactions().use("first");
+        }
+    }
+    session.abort(session.transactions().require("first"));
+    EXPECT_EQ(host.transactions().openCount(), 0);
 }
 
 }

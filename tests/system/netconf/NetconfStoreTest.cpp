@@ -48,6 +48,18 @@ TEST_F(NetconfStoreTest, Commit_OutcomeIsUnknown_SaysSo) {
     EXPECT_THAT(ask("<commit/>"), HasSubstr("OrvHostOutcomeUnknown"));
 }
 
+// It is in the log, and nobody knows it yet.
+TEST_F(NetconfStoreTest, ConfirmedCommit_OutcomeIsUnknown_ItIsTakenBackNevertheless) {
+    ASSERT_EQ(edit(label("new")), "ok");
+    log.failFind();
+    log.failNext(MemoryLog::Failure::InDoubtAppended);
+    EXPECT_THAT(ask("<commit><confirmed/></commit>"), HasSubstr("OrvHostOutcomeUnknown"));
+    EXPECT_THAT(editRunning(bob, label("theirs")), HasSubstr("waits for its confirmation"));
+    EXPECT_EQ(ask("<cancel-commit/>"), "ok");
+    EXPECT_THAT(labelNow(), HasSubstr(">Harbour<"));
+    EXPECT_EQ(ask("<discard-changes/>"), "ok");
+}
+
 TEST_F(NetconfStoreTest, Commit_AnotherHostWasFaster_NamesItsClientAndTheHost) {
     MoStore other(host.model());
     other.attach(log, "quay");

@@ -157,7 +157,7 @@ int serve(const Options& options, std::ostream& out) {
         !shells || shells->end(std::chrono::steady_clock::now() + kPatienceWithShells);
     const bool isServerDone = server->end(kPatience);
     if (!areShellsDone || !isServerDone) {
-        server->logWhatStays();
+        server->abandon();
         std::cerr << "orvhost: a request is still at work; the program ends without it\n";
         std::_Exit(ExitOk);
     }

@@ -3,6 +3,8 @@
 
 #include "Alarm.h"
 
+#include "ServerLog.h"
+
 #include <utility>
 
 namespace OrvHost {
@@ -46,7 +48,7 @@ void Alarm::run() {
         } else {
             mWhen.reset();
             lock.unlock();
-            mRing();
+            contain("what was due is not done", mRing);
             lock.lock();
         }
     }

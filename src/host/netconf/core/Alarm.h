@@ -23,7 +23,7 @@ class Alarm {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// \p ring must not throw. It may set the alarm, and must not destroy it.
+    /// What \p ring throws is logged. It may set the alarm, and must not destroy it.
     explicit Alarm(std::function<void()> ring)
         : mRing(std::move(ring)), mThread([this] { run(); }) {}
     /// Waits for a call that is running. None comes any more.

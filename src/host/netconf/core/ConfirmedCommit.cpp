@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace OrvHost {
 
@@ -43,32 +44,35 @@ void ConfirmedCommit::remember(const ChangeSet& changes) {
                mIsKnown;
 }
 
-void ConfirmedCommit::writeNote() {
+void ConfirmedCommit::writeNote() noexcept {
     if (!mNote.isKept()) {
         return;
     }
-    mNote.write(std::string(UnconfirmedNote::kBegin) + mAuthor + ", which began at " + mSince +
-                ", was neither confirmed nor taken back when the server ended; what it had changed "
-                "is not taken back: " +
-                mUndoing.summary());
+    contain("the next start will not say what a confirmed commit has changed", [this] {
+        mNote.write(std::string(UnconfirmedNote::kBegin) + mAuthor + ", which began at " + mSince +
+                    ", was neither confirmed nor taken back when the server ended; what it had "
+                    "changed is not taken back: " +
+                    mUndoing.summary());
+    });
 }
 
-void ConfirmedCommit::wait(const NetconfSession& session, const CommitRequest& request) {
+void ConfirmedCommit::wait(Waiting waiting) noexcept {
+    mDeadline = Alarm::Clock::now() + waiting.timeout;
     if (isOverdue()) {
-        mOwner = session.id();
+        mOwner = waiting.owner;
         {
             const std::lock_guard<std::mutex> lock(mMutex);
-            mAuthor = session.author();
+            mAuthor = std::move(waiting.author);
             writeNote();
         }
+        mIsOverdue = false;
         mRefusal.clear();
         mPause = {};
         mToken.reset();
     }
-    if (request.persist) {
-        mToken = request.persist;
+    if (waiting.persist) {
+        mToken = std::move(waiting.persist);
     }
-    mDeadline = Alarm::Clock::now() + request.timeout;
 }
 
 void ConfirmedCommit::requireMayEnd(const NetconfSession& session,
@@ -91,8 +95,8 @@ std::string ConfirmedCommit::text() const {
     const std::string whose = "a confirmed commit of " + mAuthor;
     return isOverdue() ? whose + " is to be taken back (" + mReason +
                              "), which was refused; any session may cancel it, or take it over by "
-                             "a confirmed commit: " +
-                             mRefusal
+                             "a confirmed commit" +
+                             (mRefusal.empty() ? "" : ": " + mRefusal)
                        : whose + " waits for its confirmation";
 }
 
@@ -111,14 +115,18 @@ std::size_t ConfirmedCommit::commits() {
     return mCommits;
 }
 
-bool ConfirmedCommit::delay(const std::string& reason, const std::string& refusal,
-                            std::chrono::seconds pause) {
+bool ConfirmedCommit::delay(const char* reason, std::chrono::seconds pause) noexcept {
     const std::chrono::seconds before = mPause;
     mPause = isOverdue() ? std::min(2 * mPause, kMostPauses * pause) : pause;
-    const bool isNews = mPause != before || refusal != mRefusal;
+    mIsOverdue = true;
     mReason = reason;
-    mRefusal = refusal;
     mDeadline = Alarm::Clock::now() + mPause;
+    return mPause != before;
+}
+
+bool ConfirmedCommit::setRefusal(std::string refusal) noexcept {
+    const bool isNews = refusal != mRefusal;
+    mRefusal = std::move(refusal);
     return isNews;
 }
 

@@ -48,9 +48,17 @@ public:
     ConfirmedCommit(const ConfirmedCommit&) = delete;
     ConfirmedCommit& operator=(const ConfirmedCommit&) = delete;
 
-    /// Waits as long as \p request says, from now on. A token that it does not name stays. One that
-    /// was overdue belongs to \p session from now on.
-    void wait(const NetconfSession& session, const CommitRequest& request);
+    /// How it is to wait, complete before the commit, since nothing may fail after it.
+    struct Waiting {
+        std::uint32_t owner; ///< the session
+        std::string author;
+        std::chrono::seconds timeout;
+        std::optional<std::string> persist; ///< see CommitRequest
+    };
+
+    /// Waits so, from now on. A token stays if none is named. One that was overdue has another
+    /// owner from now on.
+    void wait(Waiting waiting) noexcept;
 
     std::uint32_t owner() const { return mOwner; }
     const std::string& author() const { return mAuthor; }
@@ -70,27 +78,29 @@ public:
     /// The commits so far, those that take it back included.
     std::size_t commits();
 
-    /// It could not be taken back, which was to happen because of \p reason. It will be tried again
-    /// in \p pause at first, then after twice as long, and so on, up to 32 times as long. True if
-    /// that is news: the pause or the refusal is another one than before.
-    bool delay(const std::string& reason, const std::string& refusal, std::chrono::seconds pause);
+    /// It could not be taken back, which was to happen because of \p reason, a text that is never
+    /// freed. It will be tried again in \p pause at first, then after twice as long, and so on, up to
+    /// 32 times as long. True if the pause is another one than before.
+    bool delay(const char* reason, std::chrono::seconds pause) noexcept;
+    /// Why it could not be taken back the last time, for people. True if that is news.
+    bool setRefusal(std::string refusal) noexcept;
     std::chrono::seconds pause() const { return mPause; }
-    bool isOverdue() const { return !mRefusal.empty(); }
-    /// Of the last time that it could not be taken back, for people.
-    const std::string& reason() const { return mReason; }
-    const std::string& refusal() const { return mRefusal; }
+    bool isOverdue() const { return mIsOverdue; }
+    /// See delay().
+    const char* reason() const { return mReason; }
 
 private:
     void remember(const ChangeSet& changes);
-    void writeNote();
+    void writeNote() noexcept;
 
     const std::string mSince;
     std::uint32_t mOwner;
     std::string mAuthor; ///< written under the mutex
     std::optional<std::string> mToken;
     Alarm::Clock::time_point mDeadline;
-    std::string mReason;
-    std::string mRefusal; ///< empty: it is not overdue
+    bool mIsOverdue = false;
+    const char* mReason = "";
+    std::string mRefusal; ///< empty: not known
 
     std::chrono::seconds mPause{0};
 

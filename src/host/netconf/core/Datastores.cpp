@@ -3,12 +3,16 @@
 
 #include "Datastores.h"
 
+#include "base/HostReturn.h"
+#include "client/ClientErrors.h"
 #include "client/edits/ClientState.h"
 #include "client/edits/EditPlanner.h"
 #include "netconf/core/Committer.h"
 #include "netconf/core/ErrorReader.h"
 #include "netconf/core/ServerLog.h"
 #include "netconf/wire/RpcError.h"
+
+#include <utility>
 
 namespace OrvHost {
 
@@ -72,10 +76,11 @@ void Datastores::logUnconfirmed() const {
     }
 }
 
-void Datastores::logWhatStays() const {
-    const std::unique_lock<std::mutex> lock(mRunningMutex, std::try_to_lock);
+void Datastores::abandon() {
+    std::unique_lock<std::mutex> lock(mRunningMutex, std::try_to_lock);
     if (lock) {
         logUnconfirmed();
+        static_cast<void>(lock.release()); // what is logged must stay true
     } else {
         logServer(4, "the server ends while running is written to: what a confirmed commit has "
                      "changed stays, if one waits");
@@ -166,7 +171,7 @@ void Datastores::editCandidate(NetconfSession& session, EditMode mode, const Mak
         if (mode == EditMode::Write && !plan.calls.empty()) {
             isWriting = true;
             runPlan(plan, mHost.model(), mCandidateClients, *mHandle);
-            mEditors.insert(session.id());
+            mEditors.try_emplace(session.id());
             mAccepted.push_back(made);
             if (mCandidateLimit.count() > 0) {
                 mCandidateDeadline = Alarm::Clock::now() + mCandidateLimit;
@@ -192,6 +197,9 @@ void Datastores::validate(NetconfSession& session, Datastore store) {
 }
 
 void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
+    // Complete before the commit, since nothing may fail after it.
+    ConfirmedCommit::Waiting waiting{session.id(), session.author(), request.timeout,
+                                     request.persist};
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     requireUnlocked(session, Datastore::Running);
     requireUnlocked(session, Datastore::Candidate);
@@ -210,26 +218,46 @@ void Datastores::commit(NetconfSession& session, const CommitRequest& request) {
     const Committer committer(session);
     try {
         commitCandidate(session);
-    } catch (...) {
-        if (begun) {
-            begun.reset();
-            mNote.clear();
+    } catch (const RefusalError& refusal) {
+        if (begun && refusal.outcome().code == OrvHostOutcomeUnknown) {
+            awaitConfirmation(std::move(begun), std::move(waiting)); // it may be committed
+        } else {
+            forget(std::move(begun));
         }
         throw;
+    } catch (...) {
+        forget(std::move(begun));
+        throw;
     }
-    if (!request.isConfirmed) {
-        if (mUnconfirmed && mUnconfirmed->isOverdue()) {
-            logServer(4, session.author() + " confirms the commit of " + mUnconfirmed->author() +
-                             " that could not be taken back");
-        }
-        endWaiting();
+    if (request.isConfirmed) {
+        awaitConfirmation(std::move(begun), std::move(waiting));
         return;
     }
+    if (mUnconfirmed && mUnconfirmed->isOverdue()) {
+        contain("a confirmation is not logged", [&] {
+            logServer(4, session.author() + " confirms the commit of " + mUnconfirmed->author() +
+                             " that could not be taken back");
+        });
+    }
+    endWaiting();
+}
+
+/// \p begun: null: the one that waits already does so anew.
+void Datastores::awaitConfirmation(std::unique_ptr<ConfirmedCommit> begun,
+                                   ConfirmedCommit::Waiting waiting) noexcept {
     if (begun) {
         mUnconfirmed = std::move(begun);
     }
-    mUnconfirmed->wait(session, request);
+    mUnconfirmed->wait(std::move(waiting));
     setAlarm();
+}
+
+/// Nothing was committed.
+void Datastores::forget(std::unique_ptr<ConfirmedCommit> begun) noexcept {
+    if (begun) {
+        begun.reset();
+        mNote.clear();
+    }
 }
 
 void Datastores::copyToRunning(NetconfSession& session) {
@@ -289,6 +317,9 @@ void Datastores::cancelCommit(NetconfSession& session,
 /// to wait. The candidate gives way, since it may have written to the same objects, and its edits
 /// are made again afterwards.
 void Datastores::takeBack() {
+    { // whatever a shared store has by now is known afterwards
+        const Host::ReadTransaction now(mHost);
+    }
     const bool isChanged = !mUnconfirmed->undoing(mHost.model()).edits.empty();
     std::exception_ptr refusal;
     if (isChanged) {
@@ -310,30 +341,41 @@ void Datastores::takeBack() {
     }
 }
 
-/// Nobody waits for an answer.
-void Datastores::takeBackUnasked(const std::string& reason) {
-    const std::string what = "the confirmed commit of " + mUnconfirmed->author();
+/// Nobody waits for an answer. What needs memory comes last, so that it is tried again whatever is
+/// not possible now. \p reason is never freed.
+void Datastores::takeBackUnasked(const char* reason) noexcept {
+    std::string what;
+    std::exception_ptr refusal;
     try {
+        what = "the confirmed commit of " + mUnconfirmed->author();
         takeBack();
-        logServer(4, what + " is taken back: " + reason);
-    } catch (const std::exception&) {
-        const std::string refusal = textOf(std::current_exception());
-        if (!mUnconfirmed) {
-            logServer(3, what + " is taken back (" + reason + "), but not all edits of the " +
-                             "candidate could be made again: " + refusal);
-            return;
-        }
-        if (mUnconfirmed->delay(reason, refusal, mUndoingPause)) {
-            logServer(
-                3,
-                what + " is to be taken back (" + reason +
-                    "), which is refused; the next try is in " +
-                    std::to_string(mUnconfirmed->pause().count()) +
-                    " s, and any session may cancel it, or take it over by a confirmed commit: " +
-                    refusal);
-        }
-        setAlarm();
+    } catch (...) {
+        refusal = std::current_exception();
     }
+    if (mUnconfirmed) {
+        const bool isPauseNew = mUnconfirmed->delay(reason, mUndoingPause);
+        setAlarm();
+        contain("a confirmed commit could not be taken back", [&] {
+            const std::string text = textOf(refusal);
+            if (mUnconfirmed->setRefusal(text) || isPauseNew) {
+                logServer(3, what + " is to be taken back (" + reason +
+                                 "), which is refused; the next try is in " +
+                                 std::to_string(mUnconfirmed->pause().count()) +
+                                 " s, and any session may cancel it, or take it over by a "
+                                 "confirmed commit: " +
+                                 text);
+            }
+        });
+        return;
+    }
+    contain("a confirmed commit is taken back", [&] {
+        if (refusal) {
+            logServer(3, what + " is taken back (" + reason + "), but not all edits of the " +
+                             "candidate could be made again: " + textOf(refusal));
+        } else {
+            logServer(4, what + " is taken back: " + reason);
+        }
+    });
 }
 
 std::string Datastores::textOf(const std::exception_ptr& failure) {
@@ -372,26 +414,16 @@ bool Datastores::undo() {
 void Datastores::onTimeOver() {
     const std::scoped_lock lock(mRunningMutex, mCandidateMutex);
     const Alarm::Clock::time_point now = Alarm::Clock::now();
-    try {
-        doWhatIsDue(now);
-    } catch (const std::exception& failure) { // it would end the thread, and with it the server
-        logServer(3, std::string("what was due could not be done: ") + failure.what());
-        if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
-            mUnconfirmed->delay(mUnconfirmed->reason(), failure.what(), mUndoingPause);
-        }
-    }
-    setAlarm();
-}
-
-void Datastores::doWhatIsDue(Alarm::Clock::time_point now) {
     if (mUnconfirmed && now >= mUnconfirmed->deadline()) {
         takeBackUnasked(mUnconfirmed->isOverdue() ? mUnconfirmed->reason()
                                                   : "it was not confirmed in time");
     }
     if (mCandidateDeadline && now >= *mCandidateDeadline) {
-        mCandidateDeadline.reset();
-        loseCandidate("nobody has edited it for " + std::to_string(mCandidateLimit.count()) + " s");
+        loseCandidate([this] {
+            return "nobody has edited it for " + std::to_string(mCandidateLimit.count()) + " s";
+        });
     }
+    setAlarm();
 }
 
 /// For what is due next.
@@ -423,8 +455,7 @@ void Datastores::beginCandidate(const std::string& author) {
 
 void Datastores::abortCandidate() {
     if (mHandle) {
-        mCandidate.abort(entryOf(*mHandle));
-        mHandle.reset();
+        mCandidate.abort(entryOf(*std::exchange(mHandle, std::nullopt)));
     }
 }
 
@@ -440,24 +471,37 @@ void Datastores::dropCandidate() {
 }
 
 /// Discards the candidate although nobody has asked for that: those who have edited it get to know
-/// it by the next answer.
-void Datastores::loseCandidate(const std::string& reason) {
-    for (const std::uint32_t editor : mEditors) {
-        mLost[editor] = reason;
-    }
-    logServer(4, "the candidate is discarded: " + reason);
-    dropCandidate();
+/// it by the next answer, with the reason if there is memory for its text. Returns the reason.
+std::string Datastores::loseCandidate(const std::function<std::string()>& reason) noexcept {
+    Editors editors = std::move(mEditors);
+    std::string text;
+    contain("a candidate is discarded", [this] { dropCandidate(); });
+    contain("the reason is lost why the candidate is discarded", [&] {
+        text = reason();
+        for (auto& [session, why] : editors) {
+            why = text;
+        }
+        logServer(4, "the candidate is discarded: " + text);
+    });
+    mLost.merge(editors);
+    return text;
+}
+
+/// \p reason: see loseCandidate.
+RpcErrors Datastores::lostError(const char* what, const std::string& reason) {
+    return RpcErrors(protocolError(
+        "operation-failed",
+        std::string("the request was refused, ") + what +
+            (reason.empty() ? "there was not enough memory to keep its edits" : reason)));
 }
 
 void Datastores::throwIfLost(const NetconfSession& session) {
     const auto found = mLost.find(session.id());
     if (found != mLost.end()) {
-        const std::string reason = found->second;
+        const RpcErrors error =
+            lostError("since the candidate was discarded before it: ", found->second);
         mLost.erase(found);
-        throw RpcErrors(protocolError("operation-failed",
-                                      "the request was refused, since the candidate was discarded "
-                                      "before it: " +
-                                          reason));
+        throw error;
     }
 }
 
@@ -473,15 +517,15 @@ void Datastores::replay(const NetconfSession* asking) {
         for (const Wish& wish : mAccepted) {
             applyWish(wish, mHost.model(), mCandidateClients, *mHandle);
         }
-    } catch (const std::exception&) {
-        const std::string reason = "its edits cannot be made again on what is running now: " +
-                                   textOf(std::current_exception());
-        loseCandidate(reason);
+    } catch (...) {
+        const std::exception_ptr failure = std::current_exception();
+        const std::string reason = loseCandidate([&] {
+            return "its edits cannot be made again on what is running now: " + textOf(failure);
+        });
         if (asking != nullptr) {
+            const RpcErrors error = lostError("and the candidate is discarded: ", reason);
             mLost.erase(asking->id());
-            throw RpcErrors(protocolError(
-                "operation-failed",
-                "the request was refused, and the candidate is discarded: " + reason));
+            throw error;
         }
     }
 }

@@ -10,6 +10,7 @@
 #include "netconf/core/Alarm.h"
 #include "netconf/core/ConfirmedCommit.h"
 #include "netconf/core/NetconfSession.h"
+#include "netconf/wire/RpcError.h"
 
 #include <chrono>
 #include <cstdint>
@@ -20,7 +21,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -89,9 +89,9 @@ public:
     /// of the server cannot fail any more: the next one would not say it again.
     void tellLeftUnconfirmed();
 
-    /// Logs what this object would say when it is destroyed, for a process that ends without that.
-    /// Does not wait for a request.
-    void logWhatStays() const;
+    /// For a process that ends at once without destroying this object: logs what it would say then,
+    /// and nothing is committed any more. Does not wait for a request.
+    void abandon();
 
     using Read = std::function<void(ClientSession& client, unsigned long txHandle)>;
     /// Runs \p read on a state that does not change meanwhile.
@@ -144,13 +144,15 @@ private:
     void requireUnlocked(NetconfSession& session, Datastore store) const;
     void commitCandidate(const NetconfSession& session);
     void takeBack();
-    void takeBackUnasked(const std::string& reason);
+    void takeBackUnasked(const char* reason) noexcept;
+    void awaitConfirmation(std::unique_ptr<ConfirmedCommit> begun,
+                           ConfirmedCommit::Waiting waiting) noexcept;
+    void forget(std::unique_ptr<ConfirmedCommit> begun) noexcept;
     void endWaiting();
     void logUnconfirmed() const;
     void undoAll();
     bool undo();
     void onTimeOver();
-    void doWhatIsDue(Alarm::Clock::time_point now);
     void setAlarm();
     using Work = std::function<void(ClientSession& client, unsigned long txHandle)>;
     void writeRunning(NetconfSession& session, EditMode mode, const Work& work);
@@ -160,9 +162,13 @@ private:
     void forgetEdits();
     void dropCandidate();
     void releaseLocks(std::uint32_t sessionId);
-    void loseCandidate(const std::string& reason);
+    std::string loseCandidate(const std::function<std::string()>& reason) noexcept;
+    static RpcErrors lostError(const char* what, const std::string& reason);
     void throwIfLost(const NetconfSession& session);
     void replay(const NetconfSession* asking);
+
+    /// Sessions. Why their candidate was discarded; empty: it was not, or that is not known.
+    using Editors = std::map<std::uint32_t, std::string>;
 
     /// What the candidate's clients were refused, for people.
     std::string textOf(const std::exception_ptr& failure);
@@ -184,9 +190,8 @@ private:
     std::optional<unsigned long> mHandle; ///< the candidate's transaction
     std::string mAuthor;                  ///< who began it
     std::vector<Wish> mAccepted;          ///< its edits
-    std::set<std::uint32_t> mEditors;     ///< the sessions that have made them
-    /// Why a candidate was discarded, for those of its editors who do not know it yet.
-    std::map<std::uint32_t, std::string> mLost;
+    Editors mEditors;                     ///< the sessions that have made them
+    Editors mLost; ///< of a candidate that was discarded, who do not know it yet
 
     std::chrono::seconds mCandidateLimit{0};
     std::optional<Alarm::Clock::time_point> mCandidateDeadline;

@@ -63,8 +63,8 @@ public:
     /// See Datastores::tellLeftUnconfirmed.
     void tellLeftUnconfirmed() { mStores.tellLeftUnconfirmed(); }
 
-    /// See Datastores::logWhatStays.
-    void logWhatStays() const { mStores.logWhatStays(); }
+    /// See Datastores::abandon.
+    void abandon() { mStores.abandon(); }
 
     /// See Datastores::commitBeside.
     void commitBeside(const std::string& user, const std::function<void()>& commit) {

@@ -130,9 +130,9 @@ bool NetconfServer::end(std::chrono::milliseconds patience) {
     return mParts->end(std::chrono::steady_clock::now() + patience);
 }
 
-void NetconfServer::logWhatStays() {
+void NetconfServer::abandon() {
     mParts->hub.logWhoIsAtWork();
-    mParts->hub.dispatcher().logWhatStays();
+    mParts->hub.dispatcher().abandon();
 }
 
 void NetconfServer::commitBeside(const std::string& user, const std::function<void()>& commit) {

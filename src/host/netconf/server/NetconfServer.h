@@ -55,7 +55,7 @@ public:
     bool end(std::chrono::milliseconds patience);
     /// For a process that ends without destroying this object: logs which sessions are still at
     /// work, and if what a confirmed commit has changed stays. After end().
-    void logWhatStays();
+    void abandon();
 
     /// Calls \p commit, which commits something for \p user, who is no client of this server.
     /// Throws CommitDenied, without a call, if a session has locked running or a confirmed commit

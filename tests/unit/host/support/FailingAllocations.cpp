@@ -11,11 +11,17 @@
 namespace {
 
 thread_local bool isSpared = false;
-/// How many allocations still succeed, until one fails; below zero: all do.
-std::atomic<long> left{-1};
+/// How many allocations still fail, those that succeed before them, and how many have failed.
+std::atomic<long> failing{0};
+std::atomic<long> left{0};
+std::atomic<long> failed{0};
 
 bool mayAllocate() {
-    return isSpared || left < 0 || left.fetch_sub(1) != 0;
+    if (isSpared || failing <= 0 || left.fetch_sub(1) > 0 || failing.fetch_sub(1) <= 0) {
+        return true;
+    }
+    ++failed;
+    return false;
 }
 
 }
@@ -40,12 +46,19 @@ __attribute__((noinline)) void operator delete(void* block, std::size_t) noexcep
 
 namespace OrvHost {
 
-void FailingAllocations::failAfter(long number) {
+void FailingAllocations::failAfter(long number, long howMany) {
     left = number;
+    failed = 0;
+    failing = howMany;
+}
+
+long FailingAllocations::count() {
+    return failed;
 }
 
 bool FailingAllocations::stop() {
-    return left.exchange(-1) < 0;
+    failing = 0;
+    return failed > 0;
 }
 
 FailingAllocations::Spared::Spared() : mBefore(std::exchange(isSpared, true)) {}

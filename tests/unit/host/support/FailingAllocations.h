@@ -6,12 +6,15 @@
 
 namespace OrvHost {
 
-/// The process's operator new, so programs with it are for nothing else: fails once when told to.
+/// The process's operator new, so programs with it are for nothing else: fails when told to.
 /// All threads, unless they are spared.
 class FailingAllocations {
 public:
-    /// The allocation after \p number more of them fails, and those behind it succeed again.
-    static void failAfter(long number);
+    /// After \p number more of them, \p howMany allocations fail, and those behind them succeed
+    /// again.
+    static void failAfter(long number, long howMany = 1);
+    /// How many have failed since failAfter.
+    static long count();
     /// None fails from now on. True if one has failed since failAfter.
     static bool stop();
 
