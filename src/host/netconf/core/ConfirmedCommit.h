@@ -79,8 +79,8 @@ public:
     std::size_t commits();
 
     /// It could not be taken back, which was to happen because of \p reason, a text that is never
-    /// freed. It will be tried again in \p pause at first, then after twice as long, and so on, up to
-    /// 32 times as long. True if the pause is another one than before.
+    /// freed. It will be tried again in \p pause at first, then after twice as long, and so on, up
+    /// to 32 times as long. True if the pause is another one than before.
     bool delay(const char* reason, std::chrono::seconds pause) noexcept;
     /// Why it could not be taken back the last time, for people. True if that is news.
     bool setRefusal(std::string refusal) noexcept;
