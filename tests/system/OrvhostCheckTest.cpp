@@ -50,6 +50,13 @@ TEST_F(OrvhostCheckTest, Expect_Met_PrintsWhatTheCommandAnswered) {
     EXPECT_EQ(result.status, 0);
 }
 
+TEST_F(OrvhostCheckTest, OutputThatIsNotAsExpected_IsLong_IsCut) {
+    const auto result = runOnHarbour("expect output x : help\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr(" bytes)\"\n"));
+    EXPECT_LT(result.err.size(), 1500U);
+}
+
 TEST_F(OrvhostCheckTest, Expect_NotMet_TellsFileLineExpectedAndGot) {
     const auto result = runOnHarbour("\nexpect output Pier : get ManagedElement=Harbour userLabel\n"
                                      "expect : get ManagedElement=Harbour x\n"

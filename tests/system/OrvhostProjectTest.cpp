@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <fstream>
 
 namespace SystemTest {
 namespace {
@@ -98,7 +99,8 @@ TEST_F(OrvhostProjectTest, Found_LoadsNoSharedObjectUntilItIsTrusted) {
     project("component = [\"none.so\"]\n");
     const auto found = runIn({"ls"});
     EXPECT_EQ(found.status, 0);
-    EXPECT_THAT(found.err, AllOf(HasSubstr("names components, which are not loaded"),
+    EXPECT_THAT(found.err, AllOf(HasSubstr("orvhost.toml: left out, because the file was found and "
+                                           "not named: component. If you trust it: --trust"),
                                  Not(HasSubstr("none.so"))));
     const auto named = runIn({"--project", "orvhost.toml", "ls"});
     EXPECT_EQ(named.status, 3);
@@ -108,6 +110,14 @@ TEST_F(OrvhostProjectTest, Found_LoadsNoSharedObjectUntilItIsTrusted) {
     EXPECT_EQ(runIn({"ls"}).status, 3); // trust lasts
     project("component = [\"none.so\", \"more.so\"]\n");
     EXPECT_EQ(runIn({"ls"}).status, 0); // until the file is changed
+}
+
+TEST_F(OrvhostProjectTest, Found_LogsInToNoDatabaseUntilItIsTrusted) {
+    project("store = \"postgresql:host=/no/such/folder dbname=none\"\n");
+    const auto found = runIn({"ls"});
+    EXPECT_EQ(found.status, 0);
+    EXPECT_THAT(found.err, HasSubstr("not named: store. If you trust it"));
+    EXPECT_EQ(runIn({"--project", "orvhost.toml", "ls"}).status, 3);
 }
 
 TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
@@ -137,6 +147,21 @@ TEST_F(OrvhostProjectTest, Init_WritesATemplateThatCanBeRead) {
     const auto again = runIn({"init"});
     EXPECT_THAT(again.err, HasSubstr("orvhost.toml is there already"));
     EXPECT_EQ(again.status, 3);
+    const auto next = runIn({"-I", TEST_DATA_DIR "/models", "-m", "site", "-m", "power", "model"});
+    EXPECT_EQ(next.status, 0) << next.err;
+    EXPECT_THAT(next.err, HasSubstr("read orvhost.toml: nothing"));
+}
+
+TEST_F(OrvhostProjectTest, Template_WithoutItsMarks_SetsWhatItNames) {
+    runIn({"init"});
+    std::ifstream file(mDirectory.path() / "orvhost.toml");
+    std::string text;
+    for (std::string line; std::getline(file, line);) {
+        const bool isSetting = line.size() > 1 && line.front() == '#' && line[1] != ' ';
+        text += (isSetting ? line.substr(1) : line) + "\n";
+    }
+    EXPECT_THAT(text, AllOf(HasSubstr("\npath ="), HasSubstr("\nstore ="), Not(HasSubstr("\n#d"))));
+    mDirectory.file("orvhost.toml", text);
     EXPECT_THAT(runIn({"ls"}).err, HasSubstr("my-module"));
 }
 

@@ -17,6 +17,8 @@ namespace {
 using Texts = std::vector<std::string>;
 
 constexpr const char* kEndOfClauses = ":";
+/// Of a text that is not as expected: the beginning is enough to see what it is.
+constexpr std::size_t kMostBytes = 1000;
 
 std::string outcomeText(const Answer& answer) {
     if (!answer.failure) {
@@ -45,7 +47,7 @@ Texts textsOf(const std::string& subject, const Answer& answer) {
 std::string listed(const std::string& subject, const Texts& texts) {
     std::string list;
     for (const std::string& text : texts) {
-        list += (list.empty() ? "" : ", ") + jsonText(text);
+        list += (list.empty() ? "" : ", ") + jsonText(beginningOf(text, kMostBytes));
     }
     return texts.empty() ? "no " + subject : subject + " " + list;
 }

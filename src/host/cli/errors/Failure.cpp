@@ -74,11 +74,7 @@ void shorten(JsonValue& value) {
     if (shownColumns(text) <= kMostColumns) {
         return;
     }
-    std::size_t end = kMostColumns;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
-        --end; // no character is cut
-    }
-    value = text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+    value = beginningOf(text, kMostColumns);
 }
 
 /// For people: the first of many values, and how many more there are.
@@ -231,6 +227,17 @@ std::string FailureReader::explain(const OperationError& error) {
     } catch (const std::exception&) {
         return {};
     }
+}
+
+std::string beginningOf(const std::string& text, std::size_t most) {
+    if (text.size() <= most) {
+        return text;
+    }
+    std::size_t end = most;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
+        --end; // no character is cut
+    }
+    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
 }

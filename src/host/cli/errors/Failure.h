@@ -7,6 +7,7 @@
 #include "CliErrors.h"
 #include "cli/output/ValueJson.h"
 
+#include <cstddef>
 #include <exception>
 #include <optional>
 #include <string>
@@ -45,6 +46,9 @@ private:
 
     ClientSession& mSession;
 };
+
+/// \p text in UTF-8, or, if it has more than \p most bytes, its beginning and how many it has.
+std::string beginningOf(const std::string& text, std::size_t most);
 
 /// The names of all codes that can be returned: "OrvNotExist".
 std::string codeName(OrvReturnT code);

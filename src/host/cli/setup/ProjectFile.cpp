@@ -33,11 +33,12 @@ namespace {
 constexpr const char* kTemplate =
     R"(# A project of orvhost, read in the folder where orvhost starts, or with --project.
 # Names are those of the options; the command line and ORVHOST_... variables win.
-# Paths are relative to this file.
+# Paths are relative to this file. Take away the # of what you need.
 
-path = ["models"]           # where modules are searched
-model = ["my-module"]       # modules by name, or files
+#path = ["models"]          # where modules are searched
+#model = ["my-module"]      # modules by name, or files
 #data = ["network.json"]    # instance data
+#store = "network.store"    # where the network is kept, also when orvhost ends
 #me-id = "north"            # the name of the ManagedElement at the root for clients
 #component = []             # interceptors; loaded only if this file is trusted: see --trust
 #yang-rules = true          # check must, unique and the targets of leafrefs
@@ -51,6 +52,12 @@ struct Setting {
     Kind kind;
     bool isPath = false;
     bool loadsCode = false;
+
+    /// True if a file that may have come with somebody else's data must not say it: it would load
+    /// code, or log in to a database in the user's name.
+    bool needsTrust(const std::vector<std::string>& values) const {
+        return !values.empty() && (loadsCode || isPostgresql(values.front()));
+    }
 };
 
 constexpr Setting kSettings[]{
@@ -178,24 +185,24 @@ private:
 /// Reads a project file.
 class ProjectReader {
 public:
-    ProjectReader(const CLI::App& app, fs::path file, bool loadsCode)
-        : mApp(app), mFile(std::move(file)), mText(contentsOf(mFile)), mLoadsCode(loadsCode) {}
+    ProjectReader(const CLI::App& app, fs::path file, bool isTrusted)
+        : mApp(app), mFile(std::move(file)), mText(contentsOf(mFile)), mIsTrusted(isTrusted) {}
 
     const std::string& text() const { return mText; }
-    void loadCode() { mLoadsCode = true; }
+    void trust() { mIsTrusted = true; }
 
     /// \p isSet tells which settings come from elsewhere.
     template <class IsSet>
     void read(const IsSet& isSet, ProjectSettings& settings) {
         const toml::table table = parse();
         std::string names;
-        bool isCodeLeftOut = false;
+        std::string leftOut;
         for (const auto& [setting, values] : settingsIn(table)) {
             if (isSet(setting)) {
                 continue;
             }
-            if (setting.loadsCode && !mLoadsCode && !values.empty()) {
-                isCodeLeftOut = true;
+            if (!mIsTrusted && setting.needsTrust(values)) {
+                leftOut += (leftOut.empty() ? "" : ", ") + std::string(setting.name);
                 continue;
             }
             names += (names.empty() ? "" : ", ") + std::string(setting.name);
@@ -203,12 +210,12 @@ public:
         }
         settings.notes.push_back("read " + mFile.string() + ": " +
                                  (names.empty() ? "nothing" : names));
-        if (isCodeLeftOut) {
-            settings.notes.push_back(
-                mFile.string() +
-                " names components, which are not loaded, because it was "
-                "found and not named. If you trust it: --trust, or --project " +
-                mFile.string());
+        if (!leftOut.empty()) {
+            settings.notes.push_back(mFile.string() +
+                                     ": left out, because the file was found and "
+                                     "not named: " +
+                                     leftOut + ". If you trust it: --trust, or --project " +
+                                     mFile.string());
         }
     }
 
@@ -307,7 +314,7 @@ private:
     const CLI::App& mApp;
     fs::path mFile;
     std::string mText;
-    bool mLoadsCode;
+    bool mIsTrusted;
 };
 
 }
@@ -338,7 +345,7 @@ ProjectSettings projectSettings(const CLI::App& app, const std::vector<std::stri
         trusted.add(file, reader.text());
     }
     if (trusted.has(file, reader.text())) {
-        reader.loadCode();
+        reader.trust();
     }
     const auto isSet = [&](const Setting& setting) {
         return isGiven(optionOf(setting)) || std::find(fromVariables.begin(), fromVariables.end(),
