@@ -15,6 +15,9 @@ namespace OrvHost {
 
 namespace {
 
+constexpr const char* kIncomplete =
+    "memory ran out in an operation of the transaction, so it may not be complete";
+
 template <class Named>
 const Named* findNamed(const std::vector<Named>& all, const std::string& name) {
     const auto found =
@@ -96,8 +99,13 @@ char* RouterCore::next(IteratorHandle handle) {
     if (!iterator) {
         throw HostError(OrvNotActive, "there is no iterator " + std::to_string(handle));
     }
-    const bool found = iterator->transaction->store->next(iterator->cursor, iterator->name);
-    return found ? iterator->name.data() : nullptr;
+    try {
+        const bool found = iterator->transaction->store->next(iterator->cursor, iterator->name);
+        return found ? iterator->name.data() : nullptr;
+    } catch (const std::bad_alloc&) {
+        iterator->transaction->isIncomplete = true;
+        throw;
+    }
 }
 
 void RouterCore::finalize(IteratorHandle handle) {
@@ -167,6 +175,13 @@ OrvReturnT RouterCore::join(unsigned long txHandle) {
     return OrvOk;
 }
 
+void RouterCore::markIncomplete(unsigned long txHandle) noexcept {
+    const std::shared_lock<ReaderLock> guard(mLock);
+    if (const auto* const found = mTransactions.find(txHandle)) {
+        (*found)->isIncomplete = true;
+    }
+}
+
 void RouterCore::checkRules(RouterTransaction& current,
                             std::vector<std::string>& violations) const {
     const RuleReport report =
@@ -181,6 +196,9 @@ OrvReturnT RouterCore::validate(unsigned long txHandle, bool* result) {
     return answer([&] {
         const auto current = transaction(txHandle);
         std::vector<std::string> violations = current->store->check();
+        if (current->isIncomplete) {
+            violations.emplace_back(kIncomplete);
+        }
         if (mRules != nullptr) {
             checkRules(*current, violations);
         }
@@ -193,7 +211,11 @@ OrvReturnT RouterCore::validate(unsigned long txHandle, bool* result) {
 
 OrvReturnT RouterCore::prepare(unsigned long txHandle) {
     return answer([&] {
-        const std::string& conflict = transaction(txHandle)->store->conflict();
+        const auto current = transaction(txHandle);
+        if (current->isIncomplete) {
+            throw HostError(OrvFailure, kIncomplete);
+        }
+        const std::string& conflict = current->store->conflict();
         if (!conflict.empty()) {
             throw HostError(OrvHostWriteConflict, conflict);
         }

@@ -17,6 +17,7 @@
 #include "transactions/ThreadContext.h"
 
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,7 @@ struct alignas(64) RouterTransaction {
     std::vector<IteratorHandle> iterators; ///< all that the transaction has opened
     std::optional<RuleCost> ruleCost;      ///< of the latest validation
     AttributeValue written;                ///< the value of the latest write: memory for the next
+    bool isIncomplete = false;             ///< an operation has failed for want of memory
 };
 
 /// The router without its tables: the open transactions, the operations that need more than one
@@ -59,6 +61,18 @@ public:
         } catch (const HostError& error) {
             mThreadContext.addMessage(ThreadContext::Explanation, error.what());
             return error.code();
+        }
+    }
+
+    /// The same for an operation in a transaction. Its caller may go on without what it could not
+    /// get for want of memory; so such a transaction is not valid, and cannot be committed.
+    template <class Operation>
+    OrvReturnT answer(unsigned long txHandle, Operation&& operation) {
+        try {
+            return answer(std::forward<Operation>(operation));
+        } catch (const std::bad_alloc&) {
+            markIncomplete(txHandle);
+            throw;
         }
     }
 
@@ -112,6 +126,7 @@ public:
     OrvReturnT validate(unsigned long txHandle, bool* result);
 
 private:
+    void markIncomplete(unsigned long txHandle) noexcept;
     void checkRules(RouterTransaction& current, std::vector<std::string>& violations) const;
     const ActionDef& requireAction(const ClassDef& moc, const std::string& dn,
                                    const std::string& name) const;

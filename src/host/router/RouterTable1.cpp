@@ -31,7 +31,7 @@ RouterTable1::RouterTable1(RouterCore& core)
 OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName,
                                         const OrvMoAttributeValueContainer* value) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(value, "the value");
         mCore.set<Records1>(txHandle, dn, attrName, *value);
     });
@@ -40,7 +40,7 @@ OrvReturnT RouterTable1::setMoAttribute(unsigned long txHandle, const char* dn,
 OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName,
                                         OrvMoAttributeValueContainer** result) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(result, "the result");
         const auto current = mCore.transaction(txHandle);
         *result = makeResult(
@@ -51,7 +51,7 @@ OrvReturnT RouterTable1::getMoAttribute(unsigned long txHandle, const char* dn,
 
 OrvReturnT RouterTable1::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, void** iterator) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(iterator, "the place for the iterator");
         const IteratorHandle handle = mCore.newIterator(txHandle, mCore.requireDn(dn),
                                                         requireText(className, "the class name"));
@@ -70,7 +70,7 @@ OrvReturnT RouterTable1::nextMo(void* iterator, char** result) {
 
 OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const char* className,
                                   const char* attrName, const char* attrValue) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         mCore.transaction(txHandle)->store->create(mCore.requireDn(dn),
                                                    requireText(className, "the class name"),
                                                    requireText(attrName, "the naming attribute"),
@@ -79,13 +79,14 @@ OrvReturnT RouterTable1::createMo(unsigned long txHandle, const char* dn, const 
 }
 
 OrvReturnT RouterTable1::deleteMo(unsigned long txHandle, const char* dn) {
-    return mCore.answer([&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
+    return mCore.answer(txHandle,
+                        [&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
 }
 
 OrvReturnT RouterTable1::action(unsigned long txHandle, const char* dn, const char* name,
                                 OrvMoAttributeValueContainer** parameters,
                                 OrvMoAttributeValueContainer** result) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(result, "the result");
         std::vector<AttributeValue> values;
         for (auto** next = parameters; next != nullptr && *next != nullptr; ++next) {

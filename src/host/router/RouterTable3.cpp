@@ -22,7 +22,7 @@ RouterTable3::RouterTable3(RouterCore& core)
 OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName,
                                         const OrvMoAttributeValueContainer_3* value) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(value, "the value");
         mCore.set<Records3>(txHandle, dn, attrName, *value);
     });
@@ -30,7 +30,7 @@ OrvReturnT RouterTable3::setMoAttribute(unsigned long txHandle, const char* dn,
 
 OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
                                         const char* attrName, OrvMoAttributeValueResult_3* result) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(result, "the result");
         *result = makeResult(mCore.transaction(txHandle)->store->look(
             mCore.requireDn(dn), requireText(attrName, "the attribute name")));
@@ -40,7 +40,7 @@ OrvReturnT RouterTable3::getMoAttribute(unsigned long txHandle, const char* dn,
 OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
                                          const char** attrNames,
                                          OrvMoAttributeValuesResult_3* result) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(result, "the result");
         requireGiven(attrNames, "the array of attribute names");
         std::vector<std::string_view> names;
@@ -53,7 +53,7 @@ OrvReturnT RouterTable3::getMoAttributes(unsigned long txHandle, const char* dn,
 
 OrvReturnT RouterTable3::newMoIterator(unsigned long txHandle, const char* dn,
                                        const char* className, unsigned long long* iterator) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(iterator, "the place for the iterator");
         *iterator = mCore.newIterator(txHandle, mCore.requireDn(dn),
                                       requireText(className, "the class name"));
@@ -70,7 +70,7 @@ OrvReturnT RouterTable3::nextMo(unsigned long long iterator, char** result) {
 OrvReturnT RouterTable3::createMo(unsigned long txHandle, const char* dn, const char* className,
                                   const char* attrName, const char* attrValue,
                                   OrvMoNamedAttributeValueContainer_3** attributes) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         mCore.transaction(txHandle)->store->create(
             mCore.requireDn(dn), requireText(className, "the class name"),
             requireText(attrName, "the naming attribute"),
@@ -80,13 +80,14 @@ OrvReturnT RouterTable3::createMo(unsigned long txHandle, const char* dn, const 
 }
 
 OrvReturnT RouterTable3::deleteMo(unsigned long txHandle, const char* dn) {
-    return mCore.answer([&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
+    return mCore.answer(txHandle,
+                        [&] { mCore.transaction(txHandle)->store->remove(mCore.requireDn(dn)); });
 }
 
 OrvReturnT RouterTable3::action(unsigned long txHandle, const char* dn, const char* name,
                                 OrvMoNamedAttributeValueContainer_3** parameters,
                                 OrvMoAttributeValueResult_3* result) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(result, "the result");
         *result = makeResult(mCore.action(txHandle, std::string(mCore.requireDn(dn)),
                                           std::string(requireText(name, "the action name")),
@@ -99,7 +100,7 @@ OrvReturnT RouterTable3::finalizeMoIterator(unsigned long long iterator) {
 }
 
 OrvReturnT RouterTable3::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(exists, "the place for the answer");
         *exists = mCore.transaction(txHandle)->store->exists(mCore.requireDn(dn));
     });
@@ -107,7 +108,7 @@ OrvReturnT RouterTable3::existsMo(unsigned long txHandle, const char* dn, bool* 
 
 OrvReturnT RouterTable3::countMoChildren(unsigned long txHandle, const char* dn,
                                          const char* className, unsigned long long* count) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         requireGiven(count, "the place for the count");
         *count = mCore.transaction(txHandle)->store->count(
             mCore.requireDn(dn), requireText(className, "the class name"));

@@ -12,7 +12,7 @@ RouterTable3_1::RouterTable3_1(RouterCore& core)
 
 OrvReturnT RouterTable3_1::setMoAttributes(unsigned long txHandle, const char* dn,
                                            VekMoNamedAttributeValueContainer_3** attributes) {
-    return mCore.answer([&] {
+    return mCore.answer(txHandle, [&] {
         mCore.transaction(txHandle)->store->set(
             mCore.requireDn(dn), mCore.withShortReferences(toNamedValues(attributes)));
     });

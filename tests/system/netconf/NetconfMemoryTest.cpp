@@ -204,6 +204,7 @@ TEST_P(NetconfRefusedMemoryTest, AllocationsThatFailInARefusedCommit_LoseNoEdits
         } else {
             EXPECT_THAT(both, HasSubstr("<radioUnitId>7</radioUnitId>" + ofAntenna)) << number;
             EXPECT_THAT(both, HasSubstr("<radioUnitId>8</radioUnitId>" + ofAntenna)) << number;
+            EXPECT_NE(ask("<commit/>"), "ok") << "after " << number << ": one antenna too many";
         }
         ASSERT_EQ(ask("<discard-changes/>"), "ok") << number;
         ASSERT_EQ(host.transactions().openCount(), 0) << number;
