@@ -4,8 +4,9 @@
 #
 # The checks that must pass before a change is accepted.
 #   scripts/test.sh        format, licences, a debug build and all its tests
-#   scripts/test.sh all    then also all tests and a short run of each fuzzer under AddressSanitizer
-#                          and UndefinedBehaviorSanitizer, compiled with clang; the tests with
+#   scripts/test.sh all    then also all tests, but those of sources alone, and a short run of each
+#                          fuzzer under AddressSanitizer and UndefinedBehaviorSanitizer, compiled
+#                          with clang; the tests with
 #                          threads under ThreadSanitizer; the linter on the parts that a host loads
 #                          and on what changed; the site of the documents; the binary interface against
 #                          its baseline; what calls of the component cost, against the kept
