@@ -165,6 +165,8 @@ TEST(OrvhostGraphTest, WrongWords_AreReported) {
     EXPECT_THAT(errorOf("graph --layout-time 0", 2), HasSubstr("needs at least 1 second"));
     EXPECT_THAT(errorOf("graph -o", 2), HasSubstr("-o needs a text"));
     EXPECT_THAT(errorOf("graph -o x.png", 2), HasSubstr("x.png: the picture is SVG"));
+    EXPECT_THAT(errorOf("graph --html x.html", 2),
+                HasSubstr("'x.html' is a file's name; -o x.html was expected"));
     EXPECT_THAT(errorOf("graph --html -o x.png", 2),
                 HasSubstr("x.png: the picture is HTML; a name ending in .html was expected"));
     EXPECT_THAT(errorOf("graph -o x.html", 2),

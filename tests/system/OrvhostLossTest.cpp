@@ -58,6 +58,20 @@ TEST(OrvhostLossTest, Output_Closed_IsAnErrorAndGoesNowhereElse) {
     EXPECT_EQ(readFile(log), "");
 }
 
+// As `head` is, which has its lines.
+TEST(OrvhostLossTest, Output_ReaderIsGone_IsNoMessage) {
+    const TemporaryDirectory directory;
+    const std::string folder = directory.path().string();
+    const std::string line = "cd '" + folder + "'; { while [ ! -e gone ]; do sleep 0.01; done; " +
+                             ORVHOST_PROGRAM
+                             " --help 2>err; echo $? >status; } | "
+                             "{ exec 0</dev/null; : >gone; while [ ! -s status ]; do sleep 0.01; "
+                             "done; }";
+    ASSERT_EQ(std::system(line.c_str()), 0); // NOLINT: a test's own command
+    EXPECT_EQ(readFile(folder + "/err"), "");
+    EXPECT_EQ(readFile(folder + "/status"), "1\n");
+}
+
 TEST(OrvhostLossTest, ReportFile_DiskFull_IsAnError) {
     const TemporaryDirectory directory;
     const std::string scenario = directory.file("a.orv", "exists ManagedElement=Harbour\n");

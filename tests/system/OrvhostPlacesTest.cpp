@@ -87,6 +87,10 @@ TEST(OrvhostPlacesTest, Find_WhatTheModelLacks_IsAnError) {
     EXPECT_THAT(runCommands({"find Mast.weight > 1"}).err,
                 HasSubstr("no class Mast has an attribute weight"));
     EXPECT_THAT(runCommands({"find Mast.height => 1"}).err, HasSubstr("'=>' does not compare"));
+    EXPECT_THAT(runCommands({"find Mast.height ~ 1"}).err, HasSubstr("'~' does not compare"));
+    EXPECT_THAT(runCommands({"find Mast.height > tall"}).err,
+                HasSubstr("'tall' is no number, and height is one"));
+    EXPECT_EQ(runCommands({"find Mast.height = tall"}).status, 0);
     EXPECT_THAT(runCommands({"find Mast.height"}).err, HasSubstr("a condition on height"));
     EXPECT_THAT(runCommands({"find"}).err, HasSubstr("the CLASS is missing"));
 }

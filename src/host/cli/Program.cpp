@@ -24,6 +24,7 @@
 #include <iostream>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace OrvHost {
@@ -41,12 +42,20 @@ void keepStandardStreams() {
     }
 }
 
+// Who reads through a pipe, as `head` does, ends when it has enough, and wants no message.
+bool isReaderGone() {
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
+}
+
 // If answers could not be written, for example because the disk is full, the run is not a success.
 int statusWithOutput(int status) {
     if (std::cout.flush()) {
         return status;
     }
-    std::cerr << "orvhost: the standard output cannot be written to its end\n";
+    if (!isReaderGone()) {
+        std::cerr << "orvhost: the standard output cannot be written to its end\n";
+    }
     return status == ExitOk ? ExitCommandError : status;
 }
 

@@ -16,11 +16,17 @@ namespace {
 
 void requireUsable(const Model& model, const ObjectFilter& filter) {
     bool isClass = false;
+    bool hasAttribute = false;
     for (const ClassDef& moc : model.classes) {
         isClass = isClass || filter.matchesClass(moc);
-        if (filter.canMatch(moc)) {
+        hasAttribute = hasAttribute || filter.canMatch(moc);
+        if (filter.canMatch(moc) && filter.canCompare(moc)) {
             return;
         }
+    }
+    if (hasAttribute) {
+        throw UsageError("'" + filter.value() + "' is no number, and " + filter.attribute() +
+                         " is one");
     }
     if (isClass) {
         throw AnswerError("no class " + filter.className() + " has an attribute " +

@@ -65,6 +65,40 @@ std::chrono::seconds layoutTime(std::uint64_t seconds) {
     return std::chrono::seconds(std::min(seconds, kMostSeconds));
 }
 
+const char* formOf(const GraphOptions& options) {
+    return options.wantsPage ? "html" : (options.wantsDot ? "dot" : "svg");
+}
+
+/// What the ending of a file's name promises; empty: a picture that is not made here. Nothing: the
+/// ending means nothing.
+std::optional<std::string> formPromisedBy(const std::string& file) {
+    static const std::map<std::string, std::string> forms{
+        {".png", ""},    {".jpg", ""},    {".jpeg", ""},     {".gif", ""},
+        {".pdf", ""},    {".ps", ""},     {".html", "html"}, {".htm", "html"},
+        {".svg", "svg"}, {".dot", "dot"}, {".gv", "dot"}};
+    const auto promised = forms.find(std::filesystem::path(file).extension());
+    return promised != forms.end() ? std::optional(promised->second) : std::nullopt;
+}
+
+/// A name that promises another kind of picture is rather a mistake.
+void requireFittingName(const GraphOptions& options) {
+    static const std::map<std::string, std::string> kinds{
+        {"html", "HTML"}, {"dot", "DOT"}, {"svg", "SVG"}};
+    const std::string form = formOf(options);
+    const auto promised = formPromisedBy(options.file.value_or(""));
+    if (promised && *promised != form) {
+        throw UsageError(*options.file + ": the picture is " + kinds.at(form) +
+                         "; a name ending in ." + form + " was expected");
+    }
+}
+
+/// A file's name where a DN or a class is expected.
+void refuseFile(const std::string& word) {
+    if (word.find('=') == std::string::npos && formPromisedBy(word)) {
+        throw UsageError("'" + word + "' is a file's name; -o " + word + " was expected");
+    }
+}
+
 GraphOptions parse(Words& words, const Model& model) {
     GraphOptions options;
     options.wantsClasses = words.takeFlag("--classes");
@@ -75,6 +109,7 @@ GraphOptions parse(Words& words, const Model& model) {
     options.wantsAllBoxes = words.takeFlag("--unfold");
     options.limit = words.takeNumber("--limit").value_or(usualLimit(options));
     options.timeout = layoutTime(words.takeNumber("--layout-time").value_or(kSeconds));
+    refuseFile(words.peek());
     options.from =
         options.wantsClasses ? words.takeOptional().value_or("") : words.takeDnOrHere(model);
     words.end();
@@ -86,27 +121,6 @@ GraphOptions parse(Words& words, const Model& model) {
                          "--classes or --html");
     }
     return options;
-}
-
-const char* formOf(const GraphOptions& options) {
-    return options.wantsPage ? "html" : (options.wantsDot ? "dot" : "svg");
-}
-
-/// A name that promises another kind of picture is rather a mistake.
-void requireFittingName(const GraphOptions& options) {
-    // What the ending of a name promises; empty: nothing that is made here.
-    static const std::map<std::string, std::string> forms{
-        {".png", ""},    {".jpg", ""},    {".jpeg", ""},     {".gif", ""},
-        {".pdf", ""},    {".ps", ""},     {".html", "html"}, {".htm", "html"},
-        {".svg", "svg"}, {".dot", "dot"}, {".gv", "dot"}};
-    static const std::map<std::string, std::string> kinds{
-        {"html", "HTML"}, {"dot", "DOT"}, {"svg", "SVG"}};
-    const std::string form = formOf(options);
-    const auto promised = forms.find(std::filesystem::path(options.file.value_or("")).extension());
-    if (promised != forms.end() && promised->second != form) {
-        throw UsageError(*options.file + ": the picture is " + kinds.at(form) +
-                         "; a name ending in ." + form + " was expected");
-    }
 }
 
 /// What was drawn, and the facts that are printed about it.

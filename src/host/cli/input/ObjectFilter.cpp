@@ -36,6 +36,14 @@ int compare(const std::string& left, const std::string& right) {
     return left.compare(right);
 }
 
+[[noreturn]] void refuseOperator(const std::string& word) {
+    throw UsageError("'" + word + "' does not compare; =, !=, <, <=, > or >= was expected");
+}
+
+bool isNumeric(ValueKind kind) {
+    return kind == ValueKind::Int || kind == ValueKind::Uint || kind == ValueKind::Double;
+}
+
 std::string withoutBlanks(const std::string& text) {
     const std::size_t first = text.find_first_not_of(' ');
     return first == std::string::npos ? std::string()
@@ -50,7 +58,12 @@ ObjectFilter::ObjectFilter(const Model& model, const std::vector<std::string>& w
         text += (text.empty() ? "" : " ") + word;
     }
     const std::size_t at = text.find_first_of("=!<>");
-    split(model, withoutBlanks(text.substr(0, at)));
+    const std::string path = withoutBlanks(text.substr(0, at));
+    if (const std::size_t blank = path.find(' '); blank != std::string::npos) {
+        const std::size_t word = path.find_first_not_of(' ', blank);
+        refuseOperator(path.substr(word, path.find(' ', word) - word));
+    }
+    split(model, path);
     if (at == std::string::npos) {
         if (!mAttribute.empty()) {
             throw UsageError("a condition on " + mAttribute + " is missing, such as =VALUE");
@@ -62,8 +75,7 @@ ObjectFilter::ObjectFilter(const Model& model, const std::vector<std::string>& w
     mValue = withoutBlanks(text.substr(end));
     const std::vector<std::string> known{"=", "!=", "<", "<=", ">", ">="};
     if (std::find(known.begin(), known.end(), mOperator) == known.end()) {
-        throw UsageError("'" + mOperator +
-                         "' does not compare; =, !=, <, <=, > or >= was expected");
+        refuseOperator(mOperator);
     }
     if (mAttribute.empty()) {
         throw UsageError("CLASS.ATTRIBUTE is missing before " + mOperator);
@@ -99,6 +111,12 @@ bool ObjectFilter::matchesClass(const ClassDef& moc) const {
 
 bool ObjectFilter::canMatch(const ClassDef& moc) const {
     return matchesClass(moc) && (mAttribute.empty() || moc.findAttribute(mAttribute) != nullptr);
+}
+
+bool ObjectFilter::canCompare(const ClassDef& moc) const {
+    const AttributeDef* const def = moc.findAttribute(mAttribute);
+    const bool isOrder = !mOperator.empty() && mOperator.find_first_of("<>") == 0;
+    return def == nullptr || !isOrder || !isNumeric(def->type.kind) || numberIn(mValue);
 }
 
 bool ObjectFilter::matches(const ObjectState& object) const {

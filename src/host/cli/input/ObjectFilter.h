@@ -29,6 +29,9 @@ public:
     bool matchesClass(const ClassDef& moc) const;
     /// Whether objects of the class can match: false if it lacks the attribute.
     bool canMatch(const ClassDef& moc) const;
+    /// False if the attribute of that class is a number, and the value to compare it with is none.
+    bool canCompare(const ClassDef& moc) const;
+    const std::string& value() const { return mValue; }
     bool matches(const ObjectState& object) const;
 
 private:
