@@ -106,7 +106,9 @@ TEST_F(OrvhostProjectTest, Found_LoadsNoSharedObjectUntilItIsTrusted) {
     EXPECT_EQ(named.status, 3);
     EXPECT_THAT(named.err, HasSubstr("none.so"));
     EXPECT_EQ(runIn({"ls"}).status, 0); // naming is for once
-    EXPECT_EQ(runIn({"--trust", "ls"}).status, 3);
+    const auto trusting = runIn({"--trust", "ls"});
+    EXPECT_EQ(trusting.status, 3);
+    EXPECT_THAT(trusting.err, HasSubstr("orvhost.toml is trusted from now on"));
     EXPECT_EQ(runIn({"ls"}).status, 3); // trust lasts
     project("component = [\"none.so\", \"more.so\"]\n");
     EXPECT_EQ(runIn({"ls"}).status, 0); // until the file is changed
@@ -137,7 +139,8 @@ TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
                 AllOf(HasSubstr("orvhost.toml:1: strict: "),
                       HasSubstr("\norvhost.toml:3: a project"),
                       HasSubstr("\norvhost.toml:4: data: ")));
-    EXPECT_THAT(errorOf("model = [\"a\"\n"), HasSubstr("orvhost.toml:"));
+    EXPECT_THAT(errorOf("model = [\"a\"\n"),
+                AllOf(HasSubstr("orvhost.toml:"), HasSubstr(": is no TOML: ")));
     EXPECT_THAT(runIn({"--project", "none.toml", "ls"}).err,
                 HasSubstr("none.toml: cannot be read: there is no such file"));
 }

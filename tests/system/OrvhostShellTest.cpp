@@ -113,6 +113,14 @@ TEST(OrvhostShellTest, ByteOrderMark_InEveryFile_IsSkipped) {
     EXPECT_EQ(result.status, 0) << result.err;
 }
 
+TEST(OrvhostShellTest, Utf16_IsNamed) {
+    const TemporaryDirectory directory;
+    const std::string json = directory.file("a.json", std::string("\xFF\xFE{\0}\0", 6));
+    const auto result = runOrvhost(withSite({"-d", json, "ls"}));
+    EXPECT_THAT(result.err, HasSubstr("a.json: cannot be read: it is UTF-16; UTF-8 was expected"));
+    EXPECT_EQ(result.status, 3);
+}
+
 TEST(OrvhostShellTest, Help_WithoutAModel_IsGiven) {
     EXPECT_THAT(runOrvhost({"help"}).out, HasSubstr("\ntree  "));
     EXPECT_THAT(runOrvhost({"help", "tree"}).out, HasSubstr("tree [DN] [--depth N]\n"));

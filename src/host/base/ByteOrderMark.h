@@ -16,6 +16,11 @@ inline void removeByteOrderMark(std::string& text) {
     }
 }
 
+/// True if the text begins with the mark of UTF-16, in which some editors write.
+inline bool hasMarkOfUtf16(const std::string& text) {
+    return text.compare(0, 2, "\xFF\xFE") == 0 || text.compare(0, 2, "\xFE\xFF") == 0;
+}
+
 }
 
 #endif

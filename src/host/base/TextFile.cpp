@@ -63,6 +63,10 @@ TextFile readTextFile(const fs::path& file) {
         result.problem = input.is_open() ? "cannot be read to its end" : "cannot be read";
         return result;
     }
+    if (hasMarkOfUtf16(text)) {
+        result.problem = "cannot be read: it is UTF-16; UTF-8 was expected";
+        return result;
+    }
     removeByteOrderMark(text);
     result.text = std::move(text);
     return result;

@@ -224,7 +224,8 @@ private:
         try {
             return toml::parse(mText, mFile.string());
         } catch (const toml::parse_error& error) {
-            throw ProjectError(placeOf(error.source()) + std::string(error.description()));
+            throw ProjectError(placeOf(error.source()) +
+                               "is no TOML: " + std::string(error.description()));
         }
     }
 
@@ -343,6 +344,8 @@ ProjectSettings projectSettings(const CLI::App& app, const std::vector<std::stri
     const TrustedFiles trusted;
     if (isGiven("--trust") && !trusted.has(file, reader.text())) {
         trusted.add(file, reader.text());
+        settings.notes.push_back(file.string() + " is trusted from now on, until it is changed; " +
+                                 "~/.orvhost_trusted has a line for it");
     }
     if (trusted.has(file, reader.text())) {
         reader.trust();
