@@ -113,6 +113,80 @@ TEST_F(OrvhostInterruptTest, Save_Interrupted_KeepsTheOldFileAndTheSession) {
     EXPECT_EQ(terminal.finish(), 0);
 }
 
+/// Loads new labels for two radio units; the first write is held until Ctrl-C has come.
+class OrvhostInterruptedLoadTest : public OrvhostInterruptTest {
+protected:
+    OrvhostInterruptedLoadTest() : mHold(mDirectory.file("hold", "")) {
+        setenv("ORV_TEST_HOLD", mHold.c_str(), 1);
+    }
+    ~OrvhostInterruptedLoadTest() override { unsetenv("ORV_TEST_HOLD"); }
+
+    std::vector<std::string> options() const {
+        return withHarbour({"-C", WAITING_INTERCEPTOR_PATH, "--history", ""});
+    }
+
+    std::string labels() const {
+        const auto unit = [](const char* id) {
+            return R"({"radioUnitId": ")" + std::string(id) + R"(", "userLabel": "new"})";
+        };
+        return mDirectory.file(
+            "labels.json", R"({"ran-element:ManagedElement": [{"managedElementId": "Harbour",)"
+                           R"("ran-equipment:Equipment": [{"equipmentId": "1", "RadioUnit": [)" +
+                               unit("1") + ", " + unit("2") + "]}]}]}");
+    }
+
+    void loadAndInterrupt(Terminal& terminal, const std::string& prompt) const {
+        terminal.type("load " + labels() + "\r");
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!std::filesystem::exists(mHold + ".held") &&
+               std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        ASSERT_TRUE(std::filesystem::exists(mHold + ".held")) << terminal.seen();
+        terminal.type(kControlC);
+        ASSERT_TRUE(terminal.waitFor("^C")) << terminal.seen();
+        std::filesystem::remove(mHold);
+        ASSERT_TRUE(terminal.waitFor(prompt)) << terminal.seen();
+    }
+
+    /// How many of the two units have the new label.
+    static void expectLabels(Terminal& terminal, const std::string& condition,
+                             const std::string& count) {
+        terminal.type("find RadioUnit.userLabel" + condition + "\r");
+        ASSERT_TRUE(terminal.waitFor(count)) << terminal.seen();
+    }
+
+    std::string mHold;
+};
+
+TEST_F(OrvhostInterruptedLoadTest, InATransaction_WhatIsWrittenStaysInIt) {
+    Terminal terminal(options());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("begin work\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    loadAndInterrupt(terminal, "1 change stays in the transaction");
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    expectLabels(terminal, " = new", "RadioUnit=1");
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    expectLabels(terminal, " != new", "RadioUnit=2");
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    terminal.type("abort\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptedLoadTest, WithoutATransaction_NothingIsChanged) {
+    Terminal terminal(options());
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    loadAndInterrupt(terminal, "nothing is changed");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    expectLabels(terminal, " != new", "RadioUnit=1");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
 /// Waits until the process has written its number into \p file.
 pid_t numberIn(const std::filesystem::path& file) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);

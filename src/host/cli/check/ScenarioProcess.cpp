@@ -4,6 +4,7 @@
 #include "ScenarioProcess.h"
 
 #include "Scenario.h"
+#include "base/Counted.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/output/ValueJson.h"
 
@@ -245,9 +246,12 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
         kill(child, SIGKILL);
         waitFor(child);
         result.name = file;
-        result.failures.push_back({report.lastLine, "not done after " +
-                                                        std::to_string(options.checkSeconds) +
-                                                        " seconds, the limit of --timeout"});
+        const bool isLoading = report.lastLine == 0;
+        result.failures.push_back(
+            {report.lastLine, (isLoading ? "still loading after " : "not done after ") +
+                                  counted(options.checkSeconds, "second") +
+                                  ", the limit of --timeout" +
+                                  (isLoading ? "; no command has begun" : "")});
     }
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
