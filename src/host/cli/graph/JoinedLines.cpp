@@ -3,6 +3,7 @@
 
 #include "JoinedLines.h"
 
+#include <algorithm>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -16,13 +17,14 @@ using Kind = std::tuple<std::size_t, std::size_t, LineKind, bool>;
 }
 
 void LineEnd::add(const std::string& attribute, std::size_t count) {
-    for (auto& [known, sum] : attributes) {
-        if (known == attribute) {
-            sum += count;
-            return;
-        }
+    const auto place = std::lower_bound(
+        attributes.begin(), attributes.end(), attribute,
+        [](const auto& known, const std::string& name) { return known.first < name; });
+    if (place != attributes.end() && place->first == attribute) {
+        place->second += count;
+    } else {
+        attributes.emplace(place, attribute, count);
     }
-    attributes.emplace_back(attribute, count);
 }
 
 std::string LineEnd::text() const {

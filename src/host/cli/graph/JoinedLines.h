@@ -15,7 +15,7 @@
 namespace OrvHost {
 
 /// The attributes at one end of a line, each with how many of its references the line stands for,
-/// in the order of the first ones.
+/// in the order of their names, so that ends with the same attributes look the same.
 struct LineEnd {
     std::vector<std::pair<std::string, std::size_t>> attributes;
 

@@ -30,7 +30,8 @@ constexpr Hint kHints[] = {
     {"No module with namespace",
      "the namespace is a module's, and the module must be loaded; to skip such data, see "
      "--skip-unknown"},
-    {"not found as a child of", "such data can be skipped, see --skip-unknown"},
+    {"not found as a child of",
+     "the model has no such name there; to skip such data, see --skip-unknown"},
     {"missing its key", "every entry of a list has its key; it is the last part of the DN"},
     {"to be represented as JSON", "lists are written as [...], containers as {...}"}};
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "cli/graph/ObjectGraph.h"
+#include "cli/graph/JoinedLines.h"
 
 #include "GraphModel.h"
 
@@ -85,6 +86,19 @@ protected:
         }
     }
 };
+
+TEST(LineEndTest, TheSameAttributesInAnotherOrder_HaveTheSameText) {
+    LineEnd one;
+    LineEnd other;
+    for (const char* name : {"mast", "antennas", "unit", "antennas"}) {
+        one.add(name, 1);
+    }
+    for (const char* name : {"unit", "antennas", "mast"}) {
+        other.add(name, name == std::string("antennas") ? 2 : 1);
+    }
+    EXPECT_EQ(one.text(), "antennas ×2, mast, unit");
+    EXPECT_EQ(other.text(), one.text());
+}
 
 TEST_F(ObjectGraphTest, ObjectWithChildren_StandsInAFrameWithThem) {
     add("Site=1");
