@@ -2,7 +2,8 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""Checks the manual pages and the completion for bash against what the programs themselves say.
+"""Checks the manual pages and the completions against what the programs themselves say. That for
+bash is run; the other ones must name the same words.
 
 shell_files.py ORVHOST GENERATOR SOURCE-DIRECTORY"""
 
@@ -47,6 +48,31 @@ def completed(script, program, *words):
     return output("bash", "-c", lines, "bash", str(script), program, *words).split()
 
 
+# Words before the one to complete, and what is offered for it.
+CASES = (
+    (("--report-",), ["--report-file"]),
+    (("tree", "--"), ["--depth", "--help", "--json"]),
+    (("-m", "x", "tree", "--d"), ["--depth"]),
+    (("check", "--report-"), ["--report-file"]),
+    (("--report", "t"), ["text", "tap"]),
+    (("--log-format", ""), ["text", "json"]),
+    (("--me-id", ""), []),
+    (("--project", "no such file"), []),
+    (("ini",), ["init"]),
+    (("tree", "ini"), []),
+)
+
+
+def words_of(script):
+    """What a completion cannot ask the program for: words in place of a command, options whose
+    value is a file."""
+    text = script.read_text().replace("\\\n", " ")
+    others = re.search(r"others[ =(\"]+(check [a-z ]*)", text)
+    files = re.search(r"(--project[-a-zA-Z| ]*--connect)", text)
+    assert others and files, script
+    return others[1].split(), sorted(re.findall(r"-[-a-zA-Z]+", files[1]))
+
+
 def main():
     orvhost, generator, source = sys.argv[1:]
     folder = Path(source) / "src/host/cli/install"
@@ -62,8 +88,17 @@ def main():
     offered = completed(folder / "orvhost.bash", orvhost, "")
     problems += [f"completion: {name} is not offered"
                  for name in commands + ["check"] if name not in offered]
-    if completed(folder / "orvhost.bash", orvhost, "--report-") != ["--report-file"]:
-        problems.append("completion: --report- is not completed")
+    for words, expected in CASES:
+        offered = completed(folder / "orvhost.bash", orvhost, *words)
+        if offered != expected:
+            problems.append(f"completion of {words}: {offered} is offered, not {expected}")
+    others, files = words_of(folder / "orvhost.bash")
+    problems += [f"completion: {name} is no option" for name in files if name not in options]
+    for shell in ("_orvhost", "orvhost.fish"):
+        theirs = words_of(folder / shell)
+        folders = {"-I", "--path"} if shell == "orvhost.fish" else set()
+        if (theirs[0], sorted(set(theirs[1]) - folders)) != (others, files):
+            problems.append(f"{shell}: has other words than the completion for bash: {theirs}")
     print("\n".join(problems) or f"{len(options)} options, {len(commands)} commands")
     return 1 if problems else 0
 
