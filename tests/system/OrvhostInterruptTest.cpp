@@ -3,6 +3,7 @@
 
 // Ctrl-C, and the end of a session, at a terminal.
 
+#include "LogValve.h"
 #include "Program.h"
 #include "Terminal.h"
 
@@ -35,6 +36,26 @@ std::string manyMasts() {
     return text + "]}]}";
 }
 
+/// What a load logs when it has created some of these objects.
+constexpr const char* kFirstWrites = "class: Mast, attrname: mastId, attrvalue: m9";
+
+constexpr int kPairs = 1000;
+
+/// Masts and antennas that refer to each other: much to write and to validate.
+std::string manyPairs() {
+    std::string masts;
+    std::string antennas;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        const std::string number = std::to_string(pair);
+        masts += (pair == 0 ? "" : ",") + (R"({"mastId": "m)" + number) +
+                 R"(", "antennas": ["ManagedElement=1,Antenna=a)" + number + "\"]}";
+        antennas += (pair == 0 ? "" : ",") + (R"({"antennaId": "a)" + number) +
+                    R"(", "mast": "ManagedElement=1,Mast=m)" + number + "\"}";
+    }
+    return R"({"site:ManagedElement": [{"managedElementId": "1", "Mast": [)" + masts +
+           R"(], "Antenna": [)" + antennas + "]}]}";
+}
+
 /// The pause keeps the two signals apart.
 void interruptTwice(Terminal& terminal) {
     terminal.type(kControlC);
@@ -50,11 +71,32 @@ protected:
                 "--history", ""};
     }
 
+    /// Nothing but the model; the log, which has each step, goes to \p log.
+    static std::vector<std::string> withLog(const std::string& log) {
+        return {"-I",    "models",     "-m", "site",      "--log-level",
+                "trace", "--log-file", log,  "--history", ""};
+    }
+
+    /// Types a command, and Ctrl-C when it has logged \p step and still has much to do.
+    static void interruptAt(LogValve& log, const std::string& step, Terminal& terminal,
+                            const std::string& command) {
+        log.holdAt(step);
+        terminal.type(command + "\r");
+        ASSERT_TRUE(log.waitUntilHeld()) << command;
+        terminal.type(kControlC);
+        log.release();
+    }
+
     /// A file whose reader waits until somebody writes.
     std::string pipe() const {
         std::string path = (mDirectory.path() / "pipe").string();
         EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
         return path;
+    }
+
+    /// The path of a new pipe for a log.
+    std::string logPipe() {
+        return (mDirectory.path() / ("log" + std::to_string(++mLogs))).string();
     }
 
     /// Waits until a file is being written.
@@ -72,6 +114,7 @@ protected:
     }
 
     TemporaryDirectory mDirectory;
+    int mLogs = 0;
 };
 
 TEST_F(OrvhostInterruptTest, LongListing_Interrupted_StopsAndTransactionsStay) {
@@ -95,6 +138,70 @@ TEST_F(OrvhostInterruptTest, LongListing_Interrupted_StopsAndTransactionsStay) {
         terminal.type("abort\r");
         ASSERT_TRUE(terminal.waitFor(kPrompt));
         terminal.type("quit\r");
+        EXPECT_EQ(terminal.finish(), 0);
+    }
+}
+
+TEST_F(OrvhostInterruptTest, Load_InterruptedInATransaction_TellsWhatStaysInIt) {
+    const std::string pipe = logPipe();
+    LogValve log(pipe);
+    Terminal terminal(withLog(pipe));
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("begin work\r");
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    interruptAt(log, kFirstWrites, terminal, "load " + mDirectory.file("pairs.json", manyPairs()));
+    ASSERT_TRUE(terminal.waitFor("load: cancelled; ")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(" changes stay in the transaction")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+    terminal.type("exists ManagedElement=1,Mast=m0\r");
+    EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> "));
+    terminal.type("exists ManagedElement=1,Antenna=a999\r"); // the last one
+    EXPECT_TRUE(terminal.waitFor("\nno\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("orvhost[work]> "));
+    terminal.type("abort\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostInterruptTest, Load_InterruptedOutsideOfTransactions_ChangesNothing) {
+    const std::string pipe = logPipe();
+    LogValve log(pipe);
+    Terminal terminal(withLog(pipe));
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    interruptAt(log, kFirstWrites, terminal, "load " + mDirectory.file("pairs.json", manyPairs()));
+    ASSERT_TRUE(terminal.waitFor("load: cancelled; nothing is changed")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type("exists ManagedElement=1\r");
+    EXPECT_TRUE(terminal.waitFor("\nno\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("quit\r");
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+// The component answers whole: no transaction is left half validated or half committed.
+TEST_F(OrvhostInterruptTest, VerdictAndCommit_Interrupted_AreAnsweredWhole) {
+    const std::string data = mDirectory.file("pairs.json", manyPairs());
+    const std::vector<std::pair<std::string, std::string>> answers{{"validate", "valid\r\n"},
+                                                                   {"commit", "committed\r\n"}};
+    for (const auto& [command, answer] : answers) {
+        const std::string pipe = logPipe();
+        LogValve log(pipe);
+        Terminal terminal(withLog(pipe));
+        ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+        terminal.type("begin work\r");
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> ")) << terminal.seen();
+        terminal.type("load " + data + "\r");
+        ASSERT_TRUE(terminal.waitFor("loaded")) << terminal.seen();
+        ASSERT_TRUE(terminal.waitFor("orvhost[work]> "));
+        interruptAt(log, "validateBiDirs", terminal, command);
+        ASSERT_TRUE(terminal.waitFor(answer)) << terminal.seen();
+        const bool isOpen = command == "validate";
+        ASSERT_TRUE(terminal.waitFor(isOpen ? "orvhost[work]> " : kPrompt)) << terminal.seen();
+        terminal.type("exists ManagedElement=1,Antenna=a999\r");
+        EXPECT_TRUE(terminal.waitFor("\nyes\r\n")) << terminal.seen();
+        terminal.type(isOpen ? "abort\rquit\r" : "quit\r");
         EXPECT_EQ(terminal.finish(), 0);
     }
 }
