@@ -162,7 +162,7 @@ WITH_TABLES = {
     "bench/HostSlots.cpp": IS_HOST,
     "examples/embedding/MinimalHost.cpp": "is a host itself, without the reference host",
     "tests/soak/RouterTap.cpp": IS_HOST,
-    "tests/system/WaitingInterceptor.cpp": "is a component",
+    "tests/system/netconf/WaitingInterceptor.cpp": "is a component",
     "tests/system/netconf/NetconfConfirmedCommitTest.cpp":
         "takes part in transactions, as a component does, to commit something between two steps",
 }
