@@ -61,6 +61,7 @@ void showTail(Session& session, std::size_t count) {
 JsonValue toJson(const Command& command, HelpForm form) {
     JsonValue document{
         {"name", command.name}, {"usage", command.usage()}, {"summary", command.summary}};
+    document["options"] = command.options;
     if (form.isServed && !command.whyNotServed.empty()) {
         document["whyNotServed"] = command.whyNotServed;
     }

@@ -1,50 +1,62 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Completion for bash. Options and commands come from the program's own help.
+# Completion for bash. Options, commands and their options come from the program's own help.
 
 _orvhost() {
-    local program=${COMP_WORDS[0]} current=${COMP_WORDS[COMP_CWORD]}
-    local previous=${COMP_WORDS[COMP_CWORD - 1]} others="check export init replay serve store"
-    local command="" commands value word words
-    case $previous in
-    -I | --path)
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return
-        ;;
-    --project | -m | --model | -d | --data | -f | --script | -C | --component | --ext-cm | --log-file | --history | \
-        --report-file | --store | --netconf-unix | --netconf-passwords | --host-key | --unconfirmed-note | \
-        --shell-unix | --connect)
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return
-        ;;
-    -*)
-        # The value of another option: one of several words, or what only the user knows.
-        value=$("$program" --help 2>/dev/null |
-            sed -nE "s/^  ([-a-zA-Z,]*,)?$previous ((TEXT|UINT)[^ ]*).*/\2/p")
-        if [[ $value ]]; then
-            words=${value#*\{}
-            [[ $value == *\{* ]] && mapfile -t COMPREPLY < <(compgen -W "$(tr , " " <<<"${words%%\}*}")" -- "$current")
-            return
-        fi
-        ;;
-    esac
-    commands=$("$program" help 2>/dev/null | sed -n '2,$s/^\([a-z]*\)  .*/\1/p' | tr '\n' ' ')
-    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        if [[ " $commands $others " == *" $word "* ]]; then
+    local program=${COMP_WORDS[0]} current=${COMP_WORDS[COMP_CWORD]} at=1
+    local help with_value word= command= words
+    help=$("$program" --help 2>/dev/null)
+    with_value=$(sed -nE 's/^  (-[-a-zA-Z,]+) (TEXT|UINT).*/\1/p' <<<"$help" | tr ',\n' '  ')
+    # The words in front of the command: options, and their values.
+    while ((at < COMP_CWORD)); do
+        word=${COMP_WORDS[at]}
+        if [[ $word != -* ]]; then
             command=$word
             break
         fi
+        ((at += 1))
+        if [[ " $with_value " == *" $word "* ]]; then
+            # bash makes three words of --report=tap.
+            [[ ${COMP_WORDS[at]} == = ]] && ((at += 1))
+            ((at += 1))
+        fi
     done
-    if [[ $current == -* && $command && " $commands " == *" $command "* ]]; then
-        words="--json --help "$("$program" help "$command" 2>/dev/null | tr ' [](),.;' '\n' | grep -E '^--?[a-z]')
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current" | sort -u)
+    if ((at > COMP_CWORD)); then
+        [[ $current == = ]] && current=
+        case $word in
+        -I | --path)
+            mapfile -t COMPREPLY < <(compgen -d -- "$current")
+            return
+            ;;
+        --project | -m | --model | -d | --data | --store | --ext-cm | -C | --component | --log-file | -f | --script | \
+            --connect | --history | --report-file | --netconf-unix | --netconf-passwords | --host-key | --shell-unix | \
+            --unconfirmed-note)
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+            return
+            ;;
+        --log-level) words="off error warning info trace" ;;
+        *) words=$(sed -nE "s/^  $word TEXT:\{([^}]*)\}.*/\1/p" <<<"$help" | tr ',' ' ') ;;
+        esac
     elif [[ $current == -* ]]; then
-        words=$("$program" --help 2>/dev/null | sed -n 's/^  \(-[-a-zA-Z,]*\).*/\1/p' | tr ',' ' ')
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+        # A command has options of its own; what is used in place of one has those of the program.
+        words=
+        if [[ -n $command ]]; then
+            words=$("$program" --project= --json help "$command" 2>/dev/null |
+                sed -nE 's/.*"options":\[([^]]*)\].*/\1 --json --help/p' | tr '",' '  ')
+        fi
+        if [[ -z $words ]]; then
+            words=$(sed -nE 's/^  (-[-a-zA-Z,]+).*/\1/p' <<<"$help" | tr ',' ' ')
+        fi
+    elif [[ -z $command || $command == help ]]; then
+        words="$("$program" --project= help 2>/dev/null | sed -nE '2,$s/^([a-z]+)  .*/\1/p')"
+        if [[ -z $command ]]; then
+            words+=" $(sed -nE "s/^'([a-z]+)[^']*' in place of a command.*/\1/p" <<<"$help")"
+        fi
     else
-        [[ ! $command ]] && mapfile -t COMPREPLY < <(compgen -W "$commands $others" -- "$current")
-        mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return
     fi
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }
 complete -o filenames -F _orvhost orvhost

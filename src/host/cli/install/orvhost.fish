@@ -1,38 +1,69 @@
 # SPDX-FileCopyrightText: The orv_ext_cm authors
 # SPDX-License-Identifier: Apache-2.0
 
-# Completion for fish. Options and commands come from the program's own help.
+# Completion for fish. Options, commands and their options come from the program's own help.
+
+function __orvhost_value --argument-names word current help
+    switch $word
+        case -I --path
+            __fish_complete_directories $current
+        case --project -m --model -d --data --store --ext-cm -C --component --log-file -f --script \
+            --connect --history --report-file --netconf-unix --netconf-passwords --host-key --shell-unix \
+            --unconfirmed-note
+            __fish_complete_path $current
+        case --log-level
+            printf '%s\n' off error warning info trace
+        case '*'
+            printf '%s\n' $help | sed -nE "s/^  $word TEXT:\{([^}]*)\}.*/\1/p" | tr ',' '\n'
+    end
+end
 
 function __orvhost_words
-    set -l typed (commandline -opc)
-    set -l program $typed[1]
-    set -l previous $typed[-1]
-    set -l others check export init replay serve store
-    switch $previous
-        case --project -m --model -I --path -d --data -f --script -C --component --ext-cm --log-file --history --report-file --store --netconf-unix --netconf-passwords --host-key --unconfirmed-note --shell-unix --connect
-            return
-        case '-*'
-            # The value of another option: one of several words, or what only the user knows.
-            set -l value ($program --help 2>/dev/null | sed -nE "s/^  ([-a-zA-Z,]*,)?$previous ((TEXT|UINT)[^ ]*).*/\2/p")
-            if test -n "$value"
-                echo $value | sed -nE 's/.*\{(.*)\}.*/\1/p' | tr ',' '\n'
+    set -l words (commandline -opc)
+    set -l current (commandline -ct)
+    set -l program $words[1]
+    set -l help ($program --help 2>/dev/null | string collect)
+    set -l with_value (printf '%s\n' $help | sed -nE 's/^  (-[-a-zA-Z,]+) (TEXT|UINT).*/\1/p' | tr ',' '\n')
+    set -l command
+    # The words in front of the command: options, and their values.
+    set -l at 2
+    while test $at -le (count $words)
+        set -l word $words[$at]
+        if not string match -q -- '-*' $word
+            set command $word
+            break
+        end
+        set at (math $at + 1)
+        if contains -- $word $with_value
+            if test $at -gt (count $words)
+                __orvhost_value $word $current $help
                 return
             end
-    end
-    set -l commands ($program help 2>/dev/null | sed -n '2,$s/^\([a-z]*\)  .*/\1/p')
-    for word in $typed[2..-1]
-        if contains -- $word $commands
-            printf '%s\n' --json --help
-            $program help $word 2>/dev/null | tr ' [](),.;' '\n' | grep -E '^--?[a-z]'
-            return
-        end
-        if contains -- $word $others
-            $program --help 2>/dev/null | sed -n 's/^  \(-[-a-zA-Z,]*\).*/\1/p' | tr ',' '\n'
-            return
+            set at (math $at + 1)
         end
     end
-    $program --help 2>/dev/null | sed -n 's/^  \(-[-a-zA-Z,]*\).*/\1/p' | tr ',' '\n'
-    $program help 2>/dev/null | sed -n '2,$s/^\([a-z]*\)  *\(.*\)/\1\t\2/p'
-    printf '%s\n' $others
+    if string match -q -- '-*' $current
+        # A command has options of its own; what is used in place of one has those of the program.
+        set -l own
+        if test -n "$command"
+            set own ($program --project= --json help $command 2>/dev/null |
+                sed -nE 's/.*"options":\[([^]]*)\].*/\1 --json --help/p' | tr '",' '  ' | string split -n ' ')
+        else if string match -q -- '--*=*' $current
+            set -l parts (string split -m 1 = -- $current)
+            printf "$parts[1]=%s\n" (__orvhost_value $parts[1] $parts[2] $help)
+            return
+        end
+        if test -z "$own"
+            set own (printf '%s\n' $help | sed -nE 's/^  (-[-a-zA-Z,]+).*/\1/p' | tr ',' '\n')
+        end
+        printf '%s\n' $own
+    else if test -z "$command" -o "$command" = help
+        $program --project= help 2>/dev/null | sed -nE '2,$s/^([a-z]+)  +(.*)/\1\t\2/p'
+        if test -z "$command"
+            printf '%s\n' $help | sed -nE "s/^'([a-z]+)[^']*' in place of a command.*/\1/p"
+        end
+    else
+        __fish_complete_path $current
+    end
 end
-complete -c orvhost -a '(__orvhost_words)'
+complete -c orvhost -f -a '(__orvhost_words)'

@@ -51,7 +51,8 @@ command, its own options after it:
 --store FILE keeps all commits in a file, which is created if there is none; data (-d)
 goes into a new one only. --store postgresql:CONNECTION keeps them in the tables of a database, which
 several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or postgresql://...
-'store' in place of a command works on a file while no host uses it, or on such tables:
+
+'store' in place of a command works on such a file while no host uses it, or on such tables:
 
   orvhost store info FILE       what it holds (tables as well)
   orvhost store check FILE      whether it is whole
@@ -60,6 +61,8 @@ several hosts share; CONNECTION is what libpq takes: 'host=... dbname=...', or p
   orvhost -I models -m ran-element store migrate FILE NEW    to another model
   orvhost -I models -m ran-element store init postgresql:...    makes the tables
   orvhost store trim postgresql:... [ENTRIES [HOURS]]    deletes old log entries
+
+'replay FILE' in place of a command plays a recording of the calls of a component.
 
 Exit status: 0 all went well, 1 a command was answered with an error, 2 usage, 3 loading failed, or
 the server of --connect is not there.)";
