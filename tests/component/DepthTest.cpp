@@ -29,11 +29,16 @@ constexpr std::size_t kStack = std::size_t{1024} * 1024; // instrumented frames 
 constexpr std::size_t kStack = std::size_t{128} * 1024;
 #endif
 
-#ifdef ORV_COVERAGE // lines are counted one by one; how many steps there are does not matter to it
+// With sanitizers a step takes much longer, and the coverage counts lines one by one; fewer are
+// enough for both.
+#if defined(ORV_COVERAGE) || defined(ORV_SANITIZED)
 constexpr std::size_t kManySteps = 100000;
-constexpr std::size_t kManyStructs = 1000;
 #else
 constexpr std::size_t kManySteps = 1000000;
+#endif
+#ifdef ORV_COVERAGE
+constexpr std::size_t kManyStructs = 1000;
+#else
 constexpr std::size_t kManyStructs = 100000;
 #endif
 constexpr std::size_t kManyMos = 5000;
