@@ -4,8 +4,8 @@
 // The words of a line of orvhost: any line can be taken apart, and what was taken apart can be
 // written so that the same words come out again.
 
+#include "base/Suggestion.h"
 #include "cli/input/WordSplitter.h"
-#include "client/Suggestion.h"
 #include "support/ByteSource.h"
 #include "support/Require.h"
 

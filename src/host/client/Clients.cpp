@@ -3,7 +3,7 @@
 
 #include "Clients.h"
 
-#include "Suggestion.h"
+#include "base/Suggestion.h"
 
 namespace OrvHost {
 

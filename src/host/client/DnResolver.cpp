@@ -5,7 +5,7 @@
 
 #include "DnUtil.h"
 #include "MeIdTranslator.h"
-#include "Suggestion.h"
+#include "base/Suggestion.h"
 #include "model/DnForm.h"
 
 #include <algorithm>

@@ -6,9 +6,9 @@
 #include "ClientSession.h"
 #include "DnResolver.h"
 #include "MeIdTranslator.h"
-#include "Suggestion.h"
 #include "base/DnView.h"
 #include "base/Join.h"
+#include "base/Suggestion.h"
 #include "model/DnForm.h"
 
 #include <algorithm>

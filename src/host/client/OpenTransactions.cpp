@@ -4,7 +4,7 @@
 #include "OpenTransactions.h"
 
 #include "ClientErrors.h"
-#include "Suggestion.h"
+#include "base/Suggestion.h"
 #include "base/TextScanner.h"
 
 #include <algorithm>

@@ -5,8 +5,8 @@
 
 #include "ClientSession.h"
 #include "DnResolver.h"
-#include "Suggestion.h"
 #include "base/HostReturn.h"
+#include "base/Suggestion.h"
 
 #include <algorithm>
 

@@ -5,9 +5,9 @@
 
 #include "Commands.h"
 #include "Expectation.h"
+#include "base/Suggestion.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/session/Session.h"
-#include "client/Suggestion.h"
 
 #include <algorithm>
 #include <filesystem>

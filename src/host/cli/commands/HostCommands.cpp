@@ -4,11 +4,11 @@
 #include "Commands.h"
 
 #include "LoggingWrapper.h"
+#include "base/Suggestion.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
 #include "cli/output/AlignedText.h"
 #include "cli/session/Session.h"
-#include "client/Suggestion.h"
 
 namespace OrvHost {
 

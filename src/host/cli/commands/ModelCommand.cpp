@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 
+#include "base/Suggestion.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/errors/UnknownClass.h"
 #include "cli/output/AlignedText.h"
@@ -10,7 +11,6 @@
 #include "cli/session/Session.h"
 #include "client/DnResolver.h"
 #include "client/OfferedModel.h"
-#include "client/Suggestion.h"
 
 namespace OrvHost {
 

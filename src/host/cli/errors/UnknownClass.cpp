@@ -3,7 +3,7 @@
 
 #include "UnknownClass.h"
 
-#include "client/Suggestion.h"
+#include "base/Suggestion.h"
 
 namespace OrvHost {
 

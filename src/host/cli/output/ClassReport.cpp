@@ -4,7 +4,7 @@
 #include "ClassReport.h"
 
 #include "AlignedText.h"
-#include "client/Suggestion.h"
+#include "base/Suggestion.h"
 
 #include <algorithm>
 

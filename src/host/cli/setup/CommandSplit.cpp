@@ -3,7 +3,7 @@
 
 #include "CommandSplit.h"
 
-#include "client/Suggestion.h"
+#include "base/Suggestion.h"
 
 #include <CLI/CLI.hpp>
 

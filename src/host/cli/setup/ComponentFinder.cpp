@@ -3,8 +3,8 @@
 
 #include "ComponentFinder.h"
 
+#include "base/Suggestion.h"
 #include "cli/errors/CliErrors.h"
-#include "client/Suggestion.h"
 
 #include <filesystem>
 #include <system_error>

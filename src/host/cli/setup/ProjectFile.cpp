@@ -7,8 +7,8 @@
 #include "StoreTarget.h"
 #include "base/AtomicFile.h"
 #include "base/Environment.h"
+#include "base/Suggestion.h"
 #include "base/TextFile.h"
-#include "client/Suggestion.h"
 
 #include <CLI/CLI.hpp>
 #include <toml++/toml.h>

@@ -3,11 +3,13 @@
 
 #include "DataProblem.h"
 
+#include "base/Suggestion.h"
 #include "yang/instances/JsonEnd.h"
 #include "yang/source/Hints.h"
 #include "yang/source/ModuleStatements.h"
 #include "yang/types/TypeDescription.h"
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -53,15 +55,60 @@ std::string schemaPath(const std::string& dataPath) {
     return path;
 }
 
-/// What was expected at a path in data, if it is the path of a value.
-std::string expectedAt(const YangContext& context, const std::string& dataPath) {
+/// The node of the schema at a path in data, or null.
+const lysc_node* nodeAt(const YangContext& context, const std::string& dataPath) {
     if (dataPath.empty()) {
-        return "";
+        return nullptr;
     }
     const lysc_node* node = lys_find_path(context.get(), nullptr, schemaPath(dataPath).c_str(), 0);
     context.takeMessages(); // drops the message that there is no such node, which is expected here
+    return node;
+}
+
+/// What was expected at a path in data, if it is the path of a value.
+std::string expectedAt(const YangContext& context, const std::string& dataPath) {
+    const lysc_node* node = nodeAt(context, dataPath);
     const bool isValue = node != nullptr && (node->nodetype & (LYS_LEAF | LYS_LEAFLIST)) != 0;
     return isValue ? "; expected: " + expectedBy(node) : "";
+}
+
+/// What stands in quotes after \p before; empty if \p text has no such thing.
+std::string quotedAfter(const std::string& text, const std::string& before) {
+    const std::size_t found = text.find(before + '"');
+    if (found == std::string::npos) {
+        return {};
+    }
+    const std::size_t begin = found + before.size() + 1;
+    return text.substr(begin, text.find('"', begin) - begin);
+}
+
+/// " (Did you mean NAME?)", if the message is about a name that the modules do not have at that
+/// place, and they have one that is near. A name of another module than that of the place comes
+/// with its module.
+std::string nearNameFor(const YangContext& context, const YangMessage& message) {
+    const std::string wrong = quotedAfter(message.text, "Node ");
+    const std::string module = quotedAfter(message.text, "not found in the ");
+    const lysc_node* parent = nodeAt(context, message.path);
+    const lys_module* home = parent != nullptr
+                                 ? parent->module
+                                 : ly_ctx_get_module_implemented(context.get(), module.c_str());
+    if (message.text.find("not found") == std::string::npos || home == nullptr) {
+        return {};
+    }
+    std::vector<std::string> names;
+    std::vector<std::string> written;
+    const lysc_node* node = nullptr;
+    while ((node = lys_getnext(node, parent, parent == nullptr ? home->compiled : nullptr, 0)) !=
+           nullptr) {
+        names.emplace_back(node->name);
+        written.push_back((node->module == home ? "" : std::string(node->module->name) + ":") +
+                          node->name);
+    }
+    const auto found = std::find(names.begin(), names.end(), closest(wrong, names));
+    return found == names.end()
+               ? ""
+               : " (Did you mean " + written[static_cast<std::size_t>(found - names.begin())] +
+                     "?)";
 }
 
 bool endsWith(std::string_view text, std::string_view end) {
@@ -91,8 +138,10 @@ Problem takeDataProblem(const YangContext& context, const std::string& label,
     }
     const YangMessage& message = messages.front();
     const std::string place = message.path.empty() ? "" : " at " + message.path;
+    const std::string nearName = nearNameFor(context, message);
     return {{label, message.line},
-            wordingOf(message, text) + hintFor(kHints, message.text) + place +
+            wordingOf(message, text) +
+                (nearName.empty() ? hintFor(kHints, message.text) : nearName) + place +
                 expectedAt(context, message.path)};
 }
 

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "base/Suggestion.h"
 #include "cli/errors/CliErrors.h"
 #include "cli/input/LogLevel.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/input/Words.h"
 #include "cli/output/AlignedText.h"
-#include "client/Suggestion.h"
 
 #include <gmock/gmock.h>
 

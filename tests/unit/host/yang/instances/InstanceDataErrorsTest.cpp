@@ -14,6 +14,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 struct Broken {
     const char* file;
@@ -227,7 +228,14 @@ TEST(InstanceDataErrors, UnknownData_IsSkippedOnRequest) {
     EXPECT_EQ(notesOf(json, true),
               "1\nd: no loaded module knows /site:Site/lable: it is skipped: at /site:Site[id='a']"
               "\nd: no loaded module knows other:thing: it is skipped: at the top");
-    EXPECT_THAT(dataErrorOf([&json] { notesOf(json, false); }), HasSubstr("--skip-unknown"));
+    EXPECT_THAT(dataErrorOf([&json] { notesOf(json, false); }),
+                AllOf(HasSubstr(R"(Node "lable" not found)"), HasSubstr("(Did you mean label?)"),
+                      Not(HasSubstr("--skip-unknown"))));
+    EXPECT_THAT(
+        dataErrorOf([] { notesOf(R"({"site:Site": [{"id": "a", "extension": "x"}]})", false); }),
+        AllOf(Not(HasSubstr("Did you mean")), HasSubstr("--skip-unknown")));
+    EXPECT_THAT(dataErrorOf([] { notesOf(R"({"site:Siet": [{"id": "a"}]})", false); }),
+                HasSubstr("(Did you mean Site?)"));
 }
 
 TEST(InstanceDataErrors, UnknownData_DoesNotHideWrongValues) {

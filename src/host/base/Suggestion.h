@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The orv_ext_cm authors
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef ORV_HOST_CLIENT_SUGGESTION_H
-#define ORV_HOST_CLIENT_SUGGESTION_H
+#ifndef ORV_HOST_BASE_SUGGESTION_H
+#define ORV_HOST_BASE_SUGGESTION_H
 
 #include <string>
 #include <vector>
