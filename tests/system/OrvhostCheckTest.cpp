@@ -217,13 +217,29 @@ TEST_F(OrvhostCheckTest, Timeout_Exceeded_EndsTheScenarioAndOthersRun) {
     const TemporaryDirectory directory;
     const std::string pipe = (directory.path() / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const std::string endless = directory.file("endless.orv", "log\nsource " + pipe + "\n");
+    const std::string endless =
+        directory.file("endless.orv", "log\n# then\n\nsource " + pipe + "\n");
     const std::string good = directory.file("good.orv", "exists ManagedElement=Harbour\n");
     const auto result = runOrvhost(withHarbour({"check", "--timeout", "1", endless, good}));
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.out,
-                testing::HasSubstr("endless.orv:2: not done after 1 second, the limit of"));
+    EXPECT_THAT(
+        result.out,
+        testing::HasSubstr("endless.orv:4: not done after 1 second, the limit of --timeout\n"));
+    EXPECT_THAT(result.out, testing::ContainsRegex("endless.orv \\(2 commands, "));
     EXPECT_THAT(result.out, testing::HasSubstr("2 scenarios, 1 failed"));
+}
+
+TEST_F(OrvhostCheckTest, Timeout_WhileLoading_IsToldAsThat) {
+    const TemporaryDirectory directory;
+    const std::string pipe = (directory.path() / "endless.json").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string good = directory.file("good.orv", "exists ManagedElement=Harbour\n");
+    const auto result =
+        runOrvhost({"-I", "models", "-m", "site", "-d", pipe, "check", "--timeout", "1", good});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out, testing::HasSubstr("good.orv: not done after 1 second, the limit of "
+                                               "--timeout: no command was begun"));
+    EXPECT_THAT(result.out, testing::ContainsRegex("good.orv \\(0 commands, "));
 }
 
 }

@@ -31,9 +31,11 @@ void runLines(const Options& options, Session& session, std::istream& script,
     ScriptReader reader(script);
     int last = 0;
     while (!session.isEnded() && reader.next()) {
-        atLine(reader.number());
         last = reader.number();
-        result.commands += splitWords(reader.line()).words.empty() ? 0 : 1;
+        if (!splitWords(reader.line()).words.empty()) {
+            atLine(last);
+            ++result.commands;
+        }
         errors.str({});
         if (interpreter.runLine(reader.line()) == ExitOk) {
             continue;

@@ -124,9 +124,10 @@ JsonValue toJson(const ScenarioResult& result) {
     return {{"commands", result.commands}, {"broken", result.isBroken}, {"failures", failures}};
 }
 
-// What the process has sent: a document for each line that it reached, and one at its end.
+// What the process has sent: a document for each command that it began, and one at its end.
 struct ProcessReport {
-    int lastLine = 0;
+    int lastLine = 0; // of the last command; 0: none was begun
+    std::size_t commands = 0;
     std::optional<JsonValue> result;
 };
 
@@ -138,6 +139,7 @@ ProcessReport parseReport(const std::string& text) {
         const JsonValue document = JsonValue::parse(text.substr(begin, end - begin));
         if (document.isNumber()) {
             report.lastLine = document.get<int>();
+            ++report.commands;
         } else {
             report.result = document;
         }
@@ -192,6 +194,7 @@ void endWithParent(pid_t parent) {
 ScenarioResult resultOf(const std::string& file, const ProcessReport& report, int status) {
     ScenarioResult result;
     result.name = file;
+    result.commands = report.commands;
     if (report.result) {
         result.commands = report.result->at("commands").get<std::size_t>();
         result.isBroken = report.result->at("broken").get<bool>();
@@ -212,6 +215,20 @@ ScenarioResult resultOf(const std::string& file, const ProcessReport& report, in
 }
 
 namespace {
+
+ScenarioResult notDone(const Options& options, const std::string& file,
+                       const ProcessReport& report) {
+    ScenarioResult result;
+    result.name = file;
+    result.commands = report.commands;
+    result.failures.push_back(
+        {report.lastLine, "not done after " + counted(options.checkSeconds, "second") +
+                              ", the limit of --timeout" +
+                              (report.commands == 0 ? ": no command was begun; the model, the data "
+                                                      "and the components were still being loaded"
+                                                    : "")});
+    return result;
+}
 
 std::chrono::steady_clock::time_point deadlineOf(const Options& options,
                                                  std::chrono::steady_clock::time_point start) {
@@ -245,13 +262,7 @@ ScenarioResult runScenarioProcess(const Options& options, const std::string& fil
     } else {
         kill(child, SIGKILL);
         waitFor(child);
-        result.name = file;
-        const bool isLoading = report.lastLine == 0;
-        result.failures.push_back(
-            {report.lastLine, (isLoading ? "still loading after " : "not done after ") +
-                                  counted(options.checkSeconds, "second") +
-                                  ", the limit of --timeout" +
-                                  (isLoading ? "; no command has begun" : "")});
+        result = notDone(options, file, report);
     }
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

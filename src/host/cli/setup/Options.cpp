@@ -182,7 +182,8 @@ void addCheck(CLI::App& app, const std::vector<std::string>& reportFormats, Opti
     app.add_option("--report-file", options.reportFile,
                    "File for that report; standard output then gets one for people");
     app.add_option("--timeout", options.checkSeconds,
-                   "Seconds after which 'check' ends a scenario as failed; 0 for no limit")
+                   "Seconds, from the loading on, after which 'check' ends a scenario as failed; 0 "
+                   "for no limit")
         ->check(CLI::Range(0U, 86400U))
         ->capture_default_str();
 }
