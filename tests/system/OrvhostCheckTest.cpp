@@ -202,17 +202,6 @@ TEST_F(OrvhostCheckTest, Quit_BeforeTheLastCommand_IsAFailure) {
     EXPECT_THAT(result.out, testing::HasSubstr("2 scenarios, 1 failed"));
 }
 
-TEST_F(OrvhostCheckTest, Timeout_ExceededWhileLoading_SaysSo) {
-    const TemporaryDirectory directory;
-    const std::string pipe = (directory.path() / "data.json").string();
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const std::string scenario = directory.file("good.orv", "exists ManagedElement=Harbour\n");
-    const auto result = runOrvhost(withHarbour({"-d", pipe, "check", "--timeout", "1", scenario}));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.out, testing::HasSubstr("still loading after 1 second, the limit of "
-                                               "--timeout; no command has begun"));
-}
-
 TEST_F(OrvhostCheckTest, Timeout_Exceeded_EndsTheScenarioAndOthersRun) {
     const TemporaryDirectory directory;
     const std::string pipe = (directory.path() / "pipe").string();
