@@ -189,8 +189,8 @@ TEST(OrvhostTransactionsTest, List_SeveralOpen_MarksTheCurrentOne) {
     const auto result = runOnHarbour("begin a\nset ManagedElement=Harbour userLabel=N\nbegin b\n"
                                      "use a\ntransactions\nabort b\ntransactions\n");
     EXPECT_THAT(result.out,
-                HasSubstr("   TRANSACTION  WRITES\n*  a            1\n   b            0\n"
-                          "aborted\n   TRANSACTION  WRITES\n*  a            1\n"));
+                HasSubstr("   TRANSACTION  WRITING COMMANDS\n*  a            1\n   b            0\n"
+                          "aborted\n   TRANSACTION  WRITING COMMANDS\n*  a            1\n"));
     EXPECT_EQ(result.status, 0) << result.err;
 }
 
@@ -214,7 +214,7 @@ TEST(OrvhostTransactionsTest, Names_UnknownOrTaken_AreUsage) {
 TEST(OrvhostTransactionsTest, Open_AtTheEndWithWrites_AreAbortedWithANote) {
     const auto result = runOnHarbour("begin a\nset ManagedElement=Harbour userLabel=N\nbegin b\n");
     EXPECT_EQ(result.err,
-              "note: transaction a was still open, with 1 write; it is aborted, nothing "
+              "note: transaction a was still open, with 1 writing command; it is aborted, nothing "
               "of it is left\n");
     EXPECT_EQ(result.status, 0);
 }

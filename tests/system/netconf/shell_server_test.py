@@ -246,7 +246,7 @@ class UseTest(ShellCase):
         done = self.run_shell("--keep-going", "-f", "-", text=script.read_text())
         self.assertEqual((done.stdout, done.returncode), ("transaction t1\ncreated\n", 1))
         self.assertIn("stdin:3: get: ", done.stderr)
-        self.assertIn("note: transaction t1 was still open, with 1 write; it is aborted",
+        self.assertIn("note: transaction t1 was still open, with 1 writing command; it is aborted",
                       done.stderr)
         self.assertEqual(self.run_shell("exists", UNIT + "9").stdout, "no\n")
         done = self.run_shell("source", self.folder / "none")
@@ -738,7 +738,7 @@ class StopTest(ShellCase):
         typist.wait_for("orvhost[work]> ")
         self.end()
         typist.wait_for("the server ends; what was not committed is aborted")
-        typist.wait_for("note: transaction work was still open, with 1 write; it is aborted")
+        typist.wait_for("note: transaction work was still open, with 1 writing command; it is aborted")
         self.assertEqual(typist.finish(), 3)
         self.assertEqual(raw.last_words(),
                          ("B", "the server ends; what was not committed is aborted"))

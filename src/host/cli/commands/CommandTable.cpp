@@ -98,8 +98,8 @@ is committed, and each write is committed by itself.
            .run = runUse},
           {.name = "transactions",
            .summary = "list the open transactions",
-           .details =
-               "A star marks the one that commands work in; writes are counted by commands.\n",
+           .details = "A star marks the one that commands work in. WRITING COMMANDS are those that "
+                      "wrote in it.\n",
            .run = runTransactions},
           {.name = "interface",
            .synopsis = "[1 | 3 | 3_1]",

@@ -52,7 +52,7 @@ void runTransactions(Session& session, const Words& words) {
     } else if (rows.empty()) {
         session.out() << "none is open\n";
     } else {
-        session.out() << layOutTable({"", "TRANSACTION", "WRITES"}, rows);
+        session.out() << layOutTable({"", "TRANSACTION", "WRITING COMMANDS"}, rows);
     }
 }
 

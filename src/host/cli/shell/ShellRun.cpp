@@ -67,7 +67,7 @@ private:
     void tellWhatIsAborted() const {
         for (const UncommittedWork& open : mShell.uncommitted()) {
             std::cerr << "note: transaction " << open.transaction << " was still open, with "
-                      << counted(open.writes, "write")
+                      << counted(open.writes, "writing command")
                       << "; it is aborted, nothing of it is left\n";
         }
     }
