@@ -5,6 +5,7 @@
 
 #include "MeIdTranslator.h"
 #include "audit/InstanceChecker.h"
+#include "base/Counted.h"
 #include "base/DnView.h"
 #include "base/HostError.h"
 #include "base/Join.h"
@@ -45,6 +46,8 @@ private:
 };
 
 namespace {
+
+constexpr std::size_t kShownRepeats = 10;
 
 AttributeValue& valueOf(std::vector<NamedValue>& attributes, const std::string& attribute) {
     for (auto& [name, value] : attributes) {
@@ -105,7 +108,11 @@ void DataSet::visit(const Visitor& visitor) const {
 
 DataReport DataSet::check(Associations associations) const {
     DataReport report;
+    report.problems = repeatedObjects();
     for (const InstanceProblem& problem : InstanceChecker(mModel).check(*this).problems) {
+        if (problem.kind == InstanceProblemKind::RepeatedObject) {
+            continue; // it is said above, with both places
+        }
         const bool isOfAssociations = isOfAssociation(problem.kind);
         const bool isNote = problem.kind == InstanceProblemKind::NoReference ||
                             problem.kind == InstanceProblemKind::NoTarget ||
@@ -114,6 +121,26 @@ DataReport DataSet::check(Associations associations) const {
         (isNote ? report.notes : report.problems).push_back(place(problem.dn) + problem.text);
     }
     return report;
+}
+
+std::vector<std::string> DataSet::repeatedObjects() const {
+    std::vector<std::string> texts;
+    std::size_t all = 0;
+    for (std::size_t position = 0; position < mObjects.size(); ++position) {
+        const Entry& object = mObjects[position];
+        const std::size_t first = mByDn.at(object.dn);
+        if (first == position || ++all > kShownRepeats) {
+            continue;
+        }
+        const std::string other = positionOf(mObjects[first]);
+        texts.push_back(place(object) + object.dn + ": there is more than one object of this name" +
+                        (other.empty() ? "." : "; the first one is at " + other + "."));
+    }
+    if (all > kShownRepeats) {
+        texts.push_back(counted(all - kShownRepeats, "more object") +
+                        " of a name that is there already.");
+    }
+    return texts;
 }
 
 std::vector<std::string> DataSet::checkRules(const RuleCheck& rules) const {
@@ -206,11 +233,16 @@ std::vector<std::string> DataSet::moveInto(MoStore& store, const Progress& progr
 
 std::string DataSet::place(std::string_view dn) const {
     const auto found = mByDn.find(dn);
-    if (found == mByDn.end() || mObjects[found->second].file->empty()) {
-        return {};
-    }
-    const Entry& object = mObjects[found->second];
-    return toText(SourcePosition{*object.file, object.line}) + ": ";
+    return found == mByDn.end() ? std::string() : place(mObjects[found->second]);
+}
+
+std::string DataSet::place(const Entry& object) {
+    const std::string position = positionOf(object);
+    return position.empty() ? position : position + ": ";
+}
+
+std::string DataSet::positionOf(const Entry& object) {
+    return object.file->empty() ? std::string() : toText(SourcePosition{*object.file, object.line});
 }
 
 std::vector<std::size_t> DataSet::parentsFirst() const {

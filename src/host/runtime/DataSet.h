@@ -106,7 +106,11 @@ private:
 
     bool isMention(const StartObject& object) const;
     Entry entryOf(StartObject object);
+    std::vector<std::string> repeatedObjects() const;
+    /// In front of a message; empty if it is not known.
     std::string place(std::string_view dn) const;
+    static std::string place(const Entry& object);
+    static std::string positionOf(const Entry& object);
     std::vector<std::string> topLevelDns() const;
     std::vector<std::size_t> parentsFirst() const;
 

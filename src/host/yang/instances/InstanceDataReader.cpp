@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -66,6 +67,19 @@ std::vector<fs::path> expand(const std::vector<fs::path>& paths) {
         }
     }
     return files;
+}
+
+// One message instead of one for each object.
+void refuseRepeated(const std::vector<fs::path>& files) {
+    std::set<fs::path> known;
+    for (const fs::path& file : files) {
+        std::error_code error;
+        const fs::path whole = fs::canonical(file, error);
+        if (!error && !known.insert(whole).second) {
+            refuse(file.string(), 0,
+                   "is to be read twice: it is named twice, or its directory is named, too");
+        }
+    }
 }
 
 std::uint64_t sizeOf(const fs::path& file) {
@@ -281,6 +295,7 @@ InstanceDataReader& InstanceDataReader::nameRoot(std::string name) {
 
 std::size_t InstanceDataReader::read(const std::vector<fs::path>& paths, const Sink& sink) {
     const std::vector<fs::path> files = expand(paths);
+    refuseRepeated(files);
     mState = {};
     mNotes.clear();
     mRootInFiles.clear();

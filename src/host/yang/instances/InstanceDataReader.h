@@ -70,8 +70,9 @@ public:
 
     /// Reads files, and all `.json` and `.xml` files of directories in the order of their names.
     /// The file's first character decides the format. Returns the number of objects.
-    /// \throws InstanceDataError with the first error of each file; the YANG library reports no
-    /// others. The objects of the files before the first faulty one have been delivered.
+    /// \throws InstanceDataError if a file is named twice, else with the first error of each file;
+    /// the YANG library reports no others. The objects of the files before the first faulty one
+    /// have been delivered.
     std::size_t read(const std::vector<std::filesystem::path>& paths, const Sink& sink);
 
     /// Reads a text. `label` is used as the file name in messages.

@@ -78,7 +78,19 @@ TEST_F(DataSetTest, Check_ObjectGivenTwice_IsAProblem) {
     add("Site=1", {{"label", text("one")}}, 3);
     add("Site=1", {{"label", text("two")}}, 9);
     EXPECT_THAT(mData.check().problems,
-                ElementsAre(AllOf(StartsWith("data.json:3: "), HasSubstr("Site=1"))));
+                ElementsAre("data.json:9: Site=1: there is more than one object of this name; the "
+                            "first one is at data.json:3."));
+}
+
+TEST_F(DataSetTest, Check_VeryManyObjectsGivenTwice_TellsTheFirstAndTheNumber) {
+    add("Site=1");
+    for (int line = 1; line <= 30; ++line) {
+        add("Site=1,Mast=" + std::to_string(line % 15), {{"antennas", references({})}}, line);
+    }
+    const auto problems = mData.check().problems;
+    ASSERT_THAT(problems, SizeIs(11));
+    EXPECT_THAT(problems[9], StartsWith("data.json:25: Site=1,Mast=10: there is more than one"));
+    EXPECT_EQ(problems[10], "5 more objects of a name that is there already.");
 }
 
 TEST_F(DataSetTest, Check_OneSidedAssociation_NamesBothObjectsAndTheAttribute) {

@@ -89,12 +89,24 @@ TEST(InstanceDataErrors, SeveralFiles_TellTheErrorOfEach) {
     EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 2);
 }
 
+TEST(InstanceDataErrors, FileToBeReadTwice_IsRefusedOnce) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("good.json", R"({"site:Site": [{"id": "a"}]})");
+    for (const auto& paths : {std::vector{file, directory.path() / "." / "good.json"},
+                              std::vector{directory.path(), file}}) {
+        EXPECT_EQ(dataErrorOf([&] { readObjects(siteModel(), paths); }),
+                  paths[1].string() +
+                      ": is to be read twice: it is named twice, or its directory is named, too");
+    }
+}
+
 TEST(InstanceDataErrors, FilesAfterAFaultyOne_HandOutNothing) {
     const TemporaryDirectory directory;
     const auto good = directory.write("good.json", R"({"site:Site": [{"id": "a"}]})");
+    const auto next = directory.write("next.json", R"({"site:Site": [{"id": "b"}]})");
     int objects = 0;
     InstanceDataReader reader(siteModel().schema);
-    EXPECT_THROW(reader.read({good, testData("broken/comma.json"), good},
+    EXPECT_THROW(reader.read({good, testData("broken/comma.json"), next},
                              [&objects](DataObject&&, const std::string&) { ++objects; }),
                  InstanceDataError);
     EXPECT_EQ(objects, 1);
