@@ -132,6 +132,56 @@ TEST_F(OrvhostPromptTest, Tab_OfAReference_BeginsAtTheTopLevel) {
     EXPECT_EQ(terminal.finish(), 0);
 }
 
+TEST_F(OrvhostPromptTest, Tab_AfterASlash_BeginsAtTheTopLevel) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("cd ManagedElement=east\r");
+    ASSERT_TRUE(terminal.waitFor("east> ")) << terminal.seen();
+    terminal.type("get /Man\t");
+    ASSERT_TRUE(terminal.waitFor("agedElement=")) << terminal.seen();
+    terminal.type("\t");
+    ASSERT_TRUE(terminal.waitFor("east")) << terminal.seen();
+    terminal.type(",Mast=a hei\t\r");
+    EXPECT_TRUE(terminal.waitFor("\n30\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("east> "));
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_OfWhatIsBelowThePlace_KnowsThePlace) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("cd ManagedElement=east,Mast=a\r");
+    ASSERT_TRUE(terminal.waitFor("Mast=a> ")) << terminal.seen();
+    terminal.type("get . hei\t\r");
+    EXPECT_TRUE(terminal.waitFor("\n30\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor("Mast=a> "));
+    terminal.type("expect output yes : exists La\t");
+    EXPECT_TRUE(terminal.waitFor("mp=")) << terminal.seen();
+    terminal.type("top\r");
+    ASSERT_TRUE(terminal.waitFor("Mast=a> ")) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
+TEST_F(OrvhostPromptTest, Tab_OfAConditionOrALevel_CompletesIt) {
+    Terminal terminal(arguments());
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("find Mast.hei\t");
+    ASSERT_TRUE(terminal.waitFor("ght")) << terminal.seen();
+    terminal.type(" = 30\r");
+    EXPECT_TRUE(terminal.waitFor("\nManagedElement=east,Mast=a\r\n")) << terminal.seen();
+    ASSERT_TRUE(terminal.waitFor(kPrompt));
+    terminal.type("log le\t");
+    ASSERT_TRUE(terminal.waitFor("vel ")) << terminal.seen();
+    terminal.type("er\t");
+    ASSERT_TRUE(terminal.waitFor("ror ")) << terminal.seen();
+    terminal.type("\r");
+    ASSERT_TRUE(terminal.waitFor(kPrompt)) << terminal.seen();
+    terminal.type(kControlD);
+    EXPECT_EQ(terminal.finish(), 0);
+}
+
 TEST_F(OrvhostPromptTest, History_OfAnEarlierSession_ComesWithTheUpKey) {
     {
         Terminal first(arguments());

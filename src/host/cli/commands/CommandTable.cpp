@@ -66,7 +66,7 @@ levels; all that is below the cut is counted.
   find / *.userLabel = *pier*
 Of several values one must fit; for != none may be equal.
 )",
-           .words = {WordKind::DnOrClass, WordKind::AnyClass},
+           .words = {WordKind::DnOrClass, WordKind::ClassOrAttribute},
            .run = runFind},
           {.name = "cd",
            .synopsis = "[DN]",
@@ -302,7 +302,7 @@ it, for all without a DN. Prints what is watched.
            .synopsis = "[level LEVEL | tail [N]]",
            .summary = "show or set the level of logging, show the latest lines",
            .details = "LEVEL is off, error, warning, info, trace, or a number.\n",
-           .words = {WordKind::Other},
+           .words = {WordKind::LogPart, WordKind::LogLevel},
            .run = runLog},
           {.name = "help",
            .synopsis = "[COMMAND]",

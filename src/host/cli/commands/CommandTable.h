@@ -16,11 +16,13 @@ class Session;
 
 /// What a word of a command means: for completion.
 enum class WordKind {
-    Dn,          ///< external DN of an object
-    ChildClass,  ///< class of children of the object named earlier
-    Attribute,   ///< attribute of the object named earlier
-    AnyClass,    ///< class of the model
-    DnOrClass,   ///< external DN of an object, or class of the model
+    Dn,         ///< external DN of an object
+    ChildClass, ///< class of children of the object named earlier
+    Attribute,  ///< attribute of the object named earlier
+    AnyClass,   ///< class of the model
+    /// class of the model, or CLASS.ATTRIBUTE
+    ClassOrAttribute,
+    DnOrClass,   ///< external DN of an object, or ClassOrAttribute
     Command,     ///< name of a command
     Assignment,  ///< ATTRIBUTE=VALUE for the object named earlier
     Action,      ///< action of the object named earlier
@@ -30,6 +32,8 @@ enum class WordKind {
     File,        ///< name of a file
     State,       ///< what diff compares: committed, an open transaction, or a file
     LoadMode,    ///< merge or replace
+    LogPart,     ///< level or tail
+    LogLevel,    ///< name of a level of logging
     Other
 };
 

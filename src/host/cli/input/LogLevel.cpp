@@ -49,4 +49,12 @@ std::string logLevelWord(unsigned int level) {
     return word;
 }
 
+std::vector<std::string> logLevelWords() {
+    std::vector<std::string> words;
+    for (const NamedLevel& named : kLevels) {
+        words.emplace_back(named.name);
+    }
+    return words;
+}
+
 }

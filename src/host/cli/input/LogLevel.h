@@ -5,6 +5,7 @@
 #define ORV_HOST_CLI_INPUT_LOGLEVEL_H
 
 #include <string>
+#include <vector>
 
 namespace OrvHost {
 
@@ -14,6 +15,9 @@ unsigned int parseLogLevel(const std::string& text);
 
 /// The word for the messages that a level lets through.
 std::string logLevelWord(unsigned int level);
+
+/// The words for levels, the quietest first.
+std::vector<std::string> logLevelWords();
 
 }
 

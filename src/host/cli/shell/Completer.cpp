@@ -5,6 +5,7 @@
 
 #include "base/DnView.h"
 #include "cli/commands/DataFile.h"
+#include "cli/input/LogLevel.h"
 #include "cli/input/Place.h"
 #include "cli/input/WordSplitter.h"
 #include "cli/session/Session.h"
@@ -135,10 +136,12 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
     }
     case WordKind::DnOrClass: {
         std::vector<std::string> result = dns(words.back(), mSession.here());
-        const std::vector<std::string> classes = classNames(mSession.model());
+        const std::vector<std::string> classes = classesAndAttributes(words.back());
         result.insert(result.end(), classes.begin(), classes.end());
         return result;
     }
+    case WordKind::ClassOrAttribute:
+        return classesAndAttributes(words.back());
     case WordKind::AnyClass:
         return classNames(mSession.model());
     case WordKind::Command:
@@ -161,10 +164,29 @@ std::vector<std::string> Completer::candidatesOf(WordKind kind,
     }
     case WordKind::LoadMode:
         return {"merge", "replace"};
+    case WordKind::LogPart:
+        return {"level", "tail"};
+    case WordKind::LogLevel:
+        return words[1] == "level" ? logLevelWords() : std::vector<std::string>();
     case WordKind::Other:
         break;
     }
     return {};
+}
+
+// First the classes, then the attributes of that which \p word begins with.
+std::vector<std::string> Completer::classesAndAttributes(const std::string& word) {
+    mCanGoOn = true;
+    std::vector<std::string> result;
+    for (const ClassDef& moc : mSession.model().classes) {
+        result.push_back(moc.name);
+        const std::string prefix = moc.name + ".";
+        if (beginsWith(word, prefix)) {
+            const std::vector<std::string> names = withPrefix(prefix, readableNames(moc));
+            result.insert(result.end(), names.begin(), names.end());
+        }
+    }
+    return result;
 }
 
 // The files of a directory, and its directories with a "/" at the end.
@@ -229,6 +251,9 @@ void Completer::addClasses(DnView dn, const std::string& parent,
 // First the class of the last step with its "=", then the objects of that class.
 std::vector<std::string> Completer::dns(const std::string& word, const std::string& here) {
     mCanGoOn = true;
+    if (beginsWith(word, "/")) {
+        return withPrefix("/", dns(word.substr(1), {})); // begins at the top level
+    }
     const DnView dn(word);
     // Asked in the short form, and offered in the form in which the word begins.
     std::vector<std::string> result;

@@ -44,6 +44,7 @@ private:
     std::string parentOf(DnView dn, const std::string& here) const;
     void addClasses(DnView dn, const std::string& parent, std::vector<std::string>& result) const;
     std::vector<std::string> dns(const std::string& word, const std::string& here);
+    std::vector<std::string> classesAndAttributes(const std::string& word);
     std::vector<std::string> files(const std::string& word);
 
     Session& mSession;
