@@ -18,7 +18,8 @@ import subprocess
 import sys
 import tempfile
 
-EQUIPMENT = "ManagedElement=Harbour,Equipment=1"
+ROOT = "ManagedElement=Harbour"
+EQUIPMENT = ROOT + ",Equipment=1"
 CROWDED = EQUIPMENT + ",AntennaUnit=3"   # many objects below
 QUOTED = 'say "hi" to C:\\temp'
 GREATEST = "18446744073709551615"   # a browser would round it
@@ -161,7 +162,7 @@ def test(browser, page):
     equipment = EQUIPMENT
     unit = equipment + ",RadioUnit=1"
     browser.open(page)
-    expect("the title", browser.value("document.title") == "/")
+    expect("the title", browser.value("document.title") == ROOT)
     expect("at first the top level and its children are shown",
            equipment in tree_texts(browser) and unit not in tree_texts(browser))
 
@@ -185,7 +186,7 @@ def test(browser, page):
     shown = part(browser, "#object")
     expect("the DN", shown.startswith(unit))
     expect("an odd text is shown as it is: " + shown, ODD in shown)
-    expect("its script did not run", browser.value("document.title") == "/"
+    expect("its script did not run", browser.value("document.title") == ROOT
            and browser.value("document.scripts.length") == 2)
     expect("a reference to nothing: " + shown, "AntennaUnit=9,Antenna=1 (is not there)" in shown)
     expect("its violation", "does not exist" in part(browser, "#object .violation"))
@@ -217,6 +218,8 @@ def test(browser, page):
     expect("before, others are shown", tree_texts(browser) != wrong_objects)
     browser.click(wrong)
     expect("violations only", tree_texts(browser) == wrong_objects)
+    expect("how many, at how many objects", part(browser, "#tree").startswith(
+        f"{browser.value('data.violations.length')} violations, at {len(wrong_objects)} objects"))
     browser.click(by_dn(unit))
     expect("the violations stay", tree_texts(browser) == wrong_objects)
     browser.click(wrong)

@@ -114,6 +114,9 @@ TreePicture PictureReader::read(const TreeExtent& extent) {
     for (std::uint64_t depth = 0; depth < extent.depth && below > 0; ++depth) {
         room.take(below);
         level = addBelow(level);
+        if (extent.dn.empty() && depth == 0 && level.size() == 1) {
+            mPicture.title = level.front().dn; // people know a network by its root
+        }
         below = countChildren(level);
     }
     countHidden(level);
