@@ -83,6 +83,17 @@ TEST_F(OrvhostProjectTest, Variables_Lists_AreSeparatedByColons) {
     EXPECT_THAT(right.out, HasSubstr("capacity"));
 }
 
+TEST_F(OrvhostProjectTest, Variable_ThatIsNone_IsNoted) {
+    project("");
+    setenv("ORVHOST_MODLE", "site", 1);
+    const auto result = runIn({"help", "quit"});
+    unsetenv("ORVHOST_MODLE");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr("note: the variable ORVHOST_MODLE is none of orvhost. Did "
+                                      "you mean ORVHOST_MODEL?\n"));
+    EXPECT_THAT(runIn({"help", "quit"}).err, Not(HasSubstr("variable")));
+}
+
 TEST_F(OrvhostProjectTest, Named_PathsAreRelativeToIt) {
     mDirectory.file("here.yang",
                     "module here { namespace \"urn:here\"; prefix h; list Site { key id; leaf id "
@@ -146,6 +157,10 @@ TEST_F(OrvhostProjectTest, Mistakes_AreReportedWithTheLine) {
 }
 
 TEST_F(OrvhostProjectTest, Init_WritesATemplateThatCanBeRead) {
+    const auto elsewhere = runIn({"init", "folder"});
+    EXPECT_THAT(elsewhere.err,
+                HasSubstr("init takes no words: it writes orvhost.toml in the working folder"));
+    EXPECT_EQ(elsewhere.status, 2);
     EXPECT_EQ(runIn({"init"}).out, "orvhost.toml is written\n");
     const auto again = runIn({"init"});
     EXPECT_THAT(again.err, HasSubstr("orvhost.toml is there already"));

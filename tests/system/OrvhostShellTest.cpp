@@ -96,6 +96,18 @@ TEST(OrvhostShellTest, Exit_InTheMiddle_IsQuit) {
     EXPECT_EQ(result.status, 0);
 }
 
+TEST(OrvhostShellTest, ControlCharactersOfAScript_AreShownAsCodes) {
+    const TemporaryDirectory directory;
+    const std::string script = directory.file("script", "get \x1b]0;title\x07=1\n");
+    const auto result = runOrvhost({"-I", TEST_DATA_DIR "/models", "-m", "site", "-m", "power",
+                                    "-f", script, "--echo", "--keep-going"});
+    EXPECT_NE(result.status, 0);
+    EXPECT_THAT(result.out + result.err, AllOf(HasSubstr("get \\x1b]0;title\\x07=1"),
+                                               Not(HasSubstr("\x1b")), Not(HasSubstr("\x07"))));
+    const auto option = runOrvhost({"-m", "odd\x1b[31m", "ls"});
+    EXPECT_THAT(option.err, AllOf(HasSubstr("odd\\x1b[31m"), Not(HasSubstr("\x1b"))));
+}
+
 TEST(OrvhostShellTest, ByteOrderMark_InEveryFile_IsSkipped) {
     const TemporaryDirectory directory;
     const std::string module = directory.file(

@@ -8,6 +8,7 @@
 #include "cli/commands/CommandTable.h"
 #include "cli/commands/Commands.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/output/AlignedText.h"
 #include "cli/remote/RemoteShell.h"
 #include "cli/replay/ReplayCommand.h"
 #include "cli/serve/Serve.h"
@@ -113,10 +114,10 @@ int runWithOptions(const Options& options) {
         LocalShell shell(session, commands, lookFor(options), options.models);
         return runShell(options, shell);
     } catch (const UsageError& failure) {
-        std::cerr << "orvhost: " << failure.what() << '\n';
+        std::cerr << "orvhost: " << withoutControls(failure.what()) << '\n';
         return ExitUsage;
     } catch (const std::exception& failure) {
-        std::cerr << "orvhost: " << failure.what() << '\n';
+        std::cerr << "orvhost: " << withoutControls(failure.what()) << '\n';
         return ExitLoad;
     }
 }

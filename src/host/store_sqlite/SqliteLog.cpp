@@ -90,6 +90,10 @@ ClassIndex classOf(const std::filesystem::path& file, std::uint64_t number) {
 
 std::unique_ptr<SqliteConnection> openStore(const std::filesystem::path& file, const Model& model,
                                             SqliteLog::Sync sync) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) {
+        syncDirectoryOf(file); // what cannot be done later must leave no file behind
+    }
     auto connection = std::make_unique<SqliteConnection>(file, SqliteConnection::Mode::Create);
     connection->run("PRAGMA locking_mode=EXCLUSIVE");
     if (isEmptyDatabase(*connection)) {

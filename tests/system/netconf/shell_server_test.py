@@ -503,6 +503,7 @@ class LongTest(ShellCase):
         out, errors, state = shell.answer()
         self.assertEqual((errors, state["status"]), ("tree: cancelled\n", 1))
         self.assertNotIn("Cabinet=19999-", out)
+        self.wait_for_log(", shell 1: tree: cancelled")
         shell.send(frame("X", b"1"))  # comes too late, and is not meant for the next one
         self.assertEqual(shell.ask(f"exists {UNIT}1")[0], "yes\n")
 

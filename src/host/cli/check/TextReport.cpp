@@ -4,6 +4,7 @@
 #include "TextReport.h"
 
 #include "base/Counted.h"
+#include "cli/output/AlignedText.h"
 
 #include <cstdio>
 
@@ -36,7 +37,8 @@ void TextReport::add(const ScenarioResult& result) {
     mOut << (result.isPassed() ? "ok      " : "FAILED  ") << result.name << " ("
          << counted(result.commands, "command") << ", " << secondsText(result.seconds) << ")\n";
     for (const ScenarioFailure& failure : result.failures) {
-        mOut << "  " << result.placeOf(failure) << ": " << indented(failure.text) << '\n';
+        mOut << "  " << result.placeOf(failure) << ": " << indented(withoutControls(failure.text))
+             << '\n';
     }
     mOut.flush();
     mFailed += result.isPassed() ? 0 : 1;

@@ -64,23 +64,29 @@ std::string layOutMember(const std::string& name, const JsonValue& value, std::s
                         columns);
 }
 
-std::string escaped(const std::string& text) {
+}
+
+std::string withoutControls(std::string_view text, std::string_view kept) {
     std::string result;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '\n') {
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        auto byte = static_cast<unsigned char>(text[at]);
+        // U+0080 to U+009F are two bytes; to some terminals U+009B is the same as ESC and "[".
+        const bool isOfSecondSet = byte == 0xc2U && at + 1 < text.size() &&
+                                   (static_cast<unsigned char>(text[at + 1]) & 0xe0U) == 0x80U;
+        const bool isControl = byte < 0x20U || byte == 0x7fU || isOfSecondSet;
+        if (!isControl || kept.find(text[at]) != std::string_view::npos) {
+            result += text[at];
+        } else if (text[at] == '\n') {
             result += "\\n";
-        } else if (byte < 0x20U || byte == 0x7fU) {
+        } else {
+            byte = static_cast<unsigned char>(text[isOfSecondSet ? ++at : at]);
             char code[8];
             std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned int>(byte));
             result += code;
-        } else {
-            result += character;
         }
     }
     return result;
-}
-
 }
 
 // Continuation bytes of UTF-8 have no width.
@@ -109,7 +115,7 @@ std::string scalarText(const JsonValue& scalar) {
         return "-";
     }
     if (scalar.isText()) {
-        const std::string text = escaped(scalar.get<std::string>());
+        const std::string text = withoutControls(scalar.get<std::string>(), {});
         return text.empty() ? "\"\"" : text;
     }
     return toLine(scalar);

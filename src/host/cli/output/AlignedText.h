@@ -34,6 +34,10 @@ std::string layOutColumns(const std::vector<std::string>& texts, std::size_t col
 /// How many columns of a terminal \p text, UTF-8, takes.
 std::size_t shownColumns(std::string_view text);
 
+/// \p text, UTF-8, as it can be shown on a terminal: a control character, which it would obey, is
+/// replaced by \xNN or \n, except for those in \p kept.
+std::string withoutControls(std::string_view text, std::string_view kept = "\n\t");
+
 /// \p text in lines of at most \p columns, broken at blanks. Lines that begin with a blank stay as
 /// they are; others are joined to paragraphs first. Lines of a paragraph after its first one are
 /// indented by \p indent.

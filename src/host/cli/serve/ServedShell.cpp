@@ -229,7 +229,11 @@ void ServedShell::answerAll(Session& session) {
         }
         session.out().flush();
         session.errors().flush();
-        logCommand(commands, frame, state.status);
+        const bool isCancelled = session.cancellation().isCancelled();
+        logCommand(commands, frame,
+                   state.status == ExitOk ? "done"
+                   : isCancelled          ? "cancelled"
+                                          : "refused");
         state.isEnded = session.isEnded();
         session.goOn();
         state.prompt = session.prompt();
@@ -270,15 +274,15 @@ void ServedShell::finish() {
 }
 
 /// Without the words of the command: values can be secret.
-void ServedShell::logCommand(const CommandTable& commands, const Frame& frame, int status) const {
+void ServedShell::logCommand(const CommandTable& commands, const Frame& frame,
+                             const char* result) const {
     const std::vector<std::string> words = frame.kind == FrameWords
                                                ? wordsFrom(frame.body)
                                                : splitWords(lineFrom(frame.body).line).words;
     if (words.empty()) {
         return;
     }
-    logServer(6, mAuthor + ": " + commands.namesIn(words) + ": " +
-                     (status == ExitOk ? "done" : "refused"));
+    logServer(6, mAuthor + ": " + commands.namesIn(words) + ": " + result);
 }
 
 }

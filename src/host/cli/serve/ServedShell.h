@@ -71,7 +71,7 @@ private:
     void answerAll(Session& session);
     std::optional<Request> next(bool isWaitLimited);
     void finish();
-    void logCommand(const CommandTable& commands, const Frame& frame, int status) const;
+    void logCommand(const CommandTable& commands, const Frame& frame, const char* result) const;
     void over(const char* why) noexcept;
     void sendWhole(char kind, std::string_view body);
     void endUnsent(Sent sent);

@@ -10,6 +10,7 @@
 #include "base/Join.h"
 #include "base/RootObject.h"
 #include "cli/errors/CliErrors.h"
+#include "cli/output/AlignedText.h"
 #include "cli/output/ProgressBar.h"
 #include "model/ValueCheck.h"
 #include "runtime/DataSet.h"
@@ -136,7 +137,7 @@ HostSetup::~HostSetup() {
     mClients.reset();
     if (mHost) {
         for (const std::string& problem : mHost->shutdown()) {
-            mErrors << "orvhost: " << problem << '\n';
+            mErrors << "orvhost: " << withoutControls(problem) << '\n';
         }
     }
     if (mLog && !mLog->isComplete()) {

@@ -404,6 +404,13 @@ void takeExport(Options& options) {
     }
 }
 
+void takeInit(const Options& options) {
+    if (!options.words.empty() && options.words.front() == "init" && options.words.size() > 1) {
+        throw CLI::ValidationError(std::string("init takes no words: it writes ") + kProjectFile +
+                                   " in the working folder");
+    }
+}
+
 // What the server has, or what is done without one.
 void takeConnect(const GivenOptions& given, const Options& options) {
     if (!options.connect) {
@@ -489,13 +496,14 @@ ParsedArguments parseArguments(int count, const char* const* arguments,
         options.isDataGiven = isGiven(given, "--data");
         takeConnect(given, options);
         takeScenarios(given, options);
+        takeInit(options);
         takeExport(options);
         takeStore(given, options);
         takeReplay(app, options);
         requireStoreFor(given, options);
         takeServer(app, options);
     } catch (const ProjectError& failure) {
-        std::cerr << "orvhost: " << failure.what() << '\n';
+        std::cerr << "orvhost: " << withoutControls(failure.what()) << '\n';
         return {std::nullopt, ExitUsage};
     } catch (const CLI::ParseError& end) {
         const int status = app.exit(end);

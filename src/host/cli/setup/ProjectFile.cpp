@@ -22,6 +22,8 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 namespace OrvHost {
 
 namespace fs = std::filesystem;
@@ -29,6 +31,8 @@ namespace fs = std::filesystem;
 const char* const kProjectFile = "orvhost.toml";
 
 namespace {
+
+constexpr const char* kVariablePrefix = "ORVHOST_";
 
 constexpr const char* kTemplate =
     R"(# A project of orvhost, read in the folder where orvhost starts, or with --project.
@@ -89,11 +93,30 @@ bool isOffered(const CLI::App& app, const Setting& setting) {
 }
 
 std::string variableOf(const Setting& setting) {
-    std::string name = std::string("ORVHOST_") + setting.name;
+    std::string name = std::string(kVariablePrefix) + setting.name;
     std::transform(name.begin(), name.end(), name.begin(), [](char one) {
         return one == '-' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(one)));
     });
     return name;
+}
+
+/// Of each variable that looks like one of ours and is none.
+std::vector<std::string> notesOnOtherVariables() {
+    std::vector<std::string> known;
+    for (const Setting& setting : kSettings) {
+        known.push_back(variableOf(setting));
+    }
+    std::vector<std::string> notes;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        const std::string text = *entry;
+        const std::string name = text.substr(0, text.find('='));
+        if (name.rfind(kVariablePrefix, 0) == 0 &&
+            std::find(known.begin(), known.end(), name) == known.end()) {
+            notes.push_back("the variable " + name + " is none of orvhost." +
+                            didYouMean(name, known));
+        }
+    }
+    return notes;
 }
 
 void add(std::vector<std::string>& arguments, const Setting& setting,
@@ -323,6 +346,7 @@ private:
 ProjectSettings projectSettings(const CLI::App& app, const std::vector<std::string>& arguments) {
     const GivenOptions given = givenOptions(app, arguments);
     ProjectSettings settings;
+    settings.notes = notesOnOtherVariables();
     std::vector<std::string> fromVariables;
     const auto isGiven = [&](const std::string& name) { return given.count(name) > 0; };
     for (const Setting& setting : kSettings) {

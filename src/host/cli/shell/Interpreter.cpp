@@ -6,6 +6,7 @@
 #include "cli/commands/WatchReport.h"
 #include "cli/errors/Failure.h"
 #include "cli/input/WordSplitter.h"
+#include "cli/output/AlignedText.h"
 
 #include <utility>
 
@@ -85,7 +86,7 @@ ExitStatus Interpreter::runSource(Words words) {
 }
 
 void Interpreter::show(const std::string& line, bool isCommand) {
-    mSession.out() << (isCommand ? mSession.prompt() : "") << line << std::endl;
+    mSession.out() << (isCommand ? mSession.prompt() : "") << withoutControls(line) << std::endl;
 }
 
 ExitStatus Interpreter::report(const std::string& command, const std::string& place,
@@ -95,7 +96,7 @@ ExitStatus Interpreter::report(const std::string& command, const std::string& pl
     if (!mSession.wantsJson()) {
         const std::string text = (place.empty() ? "" : place + ": ") +
                                  (command.empty() ? "" : command + ": ") + failure.text;
-        mErrors << mSession.errorColours().error(text) << std::endl;
+        mErrors << mSession.errorColours().error(withoutControls(text)) << std::endl;
         return failure.status;
     }
     if (!place.empty()) {

@@ -152,6 +152,13 @@ TEST(LayoutTest, ScalarText_ControlCharacters_AreEscaped) {
     EXPECT_EQ(scalarText(2.5), "2.5");
 }
 
+TEST(LayoutTest, WithoutControls_WhatATerminalWouldObey_IsShownAsACode) {
+    EXPECT_EQ(withoutControls("a\tb\nc\rd\x1b]0;x\x07\x7f"), "a\tb\nc\\x0dd\\x1b]0;x\\x07\\x7f");
+    EXPECT_EQ(withoutControls("caf\u00e9 \u009b31m \u00a0 \u20ac \xc2"),
+              "caf\u00e9 \\x9b31m \u00a0 \u20ac \xc2");
+    EXPECT_EQ(withoutControls("a\tb\nc", {}), "a\\x09b\\nc");
+}
+
 TEST(LayoutTest, Table_WideCharacters_StayAligned) {
     EXPECT_EQ(layOutTable({"A", "B"}, {{"é", "x"}, {"long", ""}}), "A     B\n"
                                                                    "é     x\n"

@@ -156,6 +156,13 @@ TEST_F(SqliteLogTest, Open_LinkToAFileInUse_IsRefused) {
                                          std::to_string(getpid()) + " on "));
 }
 
+TEST_F(SqliteLogTest, Open_InADirectoryThatIsNotThere_LeavesNothingBehind) {
+    file = directory / "none" / ".." / "store"; // the engine would find a place for it
+    EXPECT_EQ(whyRefused(), "the store " + file.string() +
+                                " cannot be used: its directory cannot be written to the disk");
+    EXPECT_TRUE(fs::is_empty(directory));
+}
+
 TEST_F(SqliteLogTest, Open_FileThatIsNoDatabase_IsRefused) {
     std::ofstream(file) << "This is a text, and it is longer than the head of a database.\n"
                         << std::string(1000, 'x');
