@@ -199,7 +199,9 @@ def errors(dot, data, top="", depth=1000):
     inside = set(objects)
     references = list(data.references_of(objects))
     summary = SUMMARY.search(dot)
-    told = (top or "/", str(len(objects)), str(len(references)), "0")
+    roots = [dn for dn in objects if "," not in dn]
+    title = top or (roots[0] if len(roots) == 1 else "/")
+    told = (title, str(len(objects)), str(len(references)), "0")
     if not summary or summary.groups() != told:
         yield f"what stands below is not {told}"
     yield from drawn.odd
