@@ -4,10 +4,8 @@
 #include "MemoryGauge.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include <malloc.h>
-#include <unistd.h>
 
 // g++ reports sanitizers by macros, clang by features.
 #if defined(__SANITIZE_ADDRESS__)
@@ -62,12 +60,5 @@ std::int64_t MemoryGauge::costOf(std::size_t bytes) {
 }
 
 #endif
-
-std::int64_t MemoryGauge::resident() {
-    std::int64_t size = 0;
-    std::int64_t residentPages = 0;
-    std::ifstream("/proc/self/statm") >> size >> residentPages;
-    return residentPages * sysconf(_SC_PAGESIZE);
-}
 
 }

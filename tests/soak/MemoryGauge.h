@@ -16,9 +16,6 @@ public:
     /// The number of bytes that all threads have allocated now.
     static std::int64_t allocated();
 
-    /// The number of bytes of the process that are in memory.
-    static std::int64_t resident();
-
     /// How much allocated() grows when a block of \p bytes is allocated.
     static std::int64_t costOf(std::size_t bytes);
 };

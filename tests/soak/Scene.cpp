@@ -3,6 +3,7 @@
 
 #include "Scene.h"
 
+#include "MemoryGauge.h"
 #include "RanModel.h"
 #include "RanNetwork.h"
 #include "Tally.h"
@@ -58,7 +59,8 @@ Scene::Scene(unsigned writers, Tally& tally, CommitLog* log, const std::string& 
         mHost->store().attach(*log, host);
     }
     mHost->router().setActionHandler(&act);
-    mTap.emplace(mModel.model, mHost->router(), tally);
+    mGauge.emplace(*mHost, &MemoryGauge::costOf);
+    mTap.emplace(mHost->router(), tally);
     startComponent();
     mClients.emplace(*mHost);
     if (isFirst) {
@@ -100,7 +102,6 @@ void Scene::makeStage() {
     }
     const TransactionOutcome outcome = mHost->transactions().commit(tx);
     require(outcome.accepted, "the stage is refused: " + outcome.reason);
-    RouterTap::endTransaction();
 }
 
 void Scene::createUnits(unsigned long txHandle, const Cast& cast) {

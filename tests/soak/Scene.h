@@ -9,6 +9,7 @@
 #include "RouterTap.h"
 #include "client/Clients.h"
 #include "runtime/Host.h"
+#include "runtime/WorkListGauge.h"
 #include "yang/schema/YangModelReader.h"
 
 #include <optional>
@@ -37,6 +38,8 @@ public:
     static void loadNetwork(OrvHost::MoStore& store);
 
     OrvHost::Host& host() { return *mHost; }
+    /// What the component keeps on purpose.
+    OrvHost::WorkListGauge::Size workList() const { return mGauge->size(); }
     const Cast& ownCast(unsigned writer) const { return mCasts[writer]; }
     const Cast& sharedCast() const { return mCasts.back(); }
 
@@ -58,10 +61,11 @@ private:
 
     OrvHost::YangModel mModel;
     std::vector<Cast> mCasts;
-    // The tap's functions are in the router's tables, and the component uses those until it is
+    // The functions of both are in the router's tables, and the component uses those until it is
     // unloaded.
-    std::unique_ptr<OrvHost::Host> mHost;
+    std::optional<OrvHost::WorkListGauge> mGauge;
     std::optional<RouterTap> mTap;
+    std::unique_ptr<OrvHost::Host> mHost;
     std::optional<OrvHost::Clients> mClients;
 };
 

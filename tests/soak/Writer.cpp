@@ -5,7 +5,6 @@
 
 #include "Actor.h"
 #include "Random.h"
-#include "RouterTap.h"
 #include "Scene.h"
 #include "Tally.h"
 
@@ -108,7 +107,6 @@ Writer::End Writer::attempt(std::uint64_t number) {
             mDeadIterators.push_back(iterator);
         }
     }
-    RouterTap::endTransaction();
     return end;
 }
 

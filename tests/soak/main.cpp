@@ -13,6 +13,7 @@
 #include "Tally.h"
 #include "Values.h"
 #include "Writer.h"
+#include "base/ResidentMemory.h"
 
 #include <chrono>
 #include <cstdio>
@@ -27,11 +28,13 @@ using namespace Soak;
 
 /// The memory of the process while nobody works.
 struct Level {
-    std::int64_t allocated = MemoryGauge::allocated();
-    std::int64_t workList = RouterTap::workListBytes();
-    std::int64_t resident = MemoryGauge::resident();
+    explicit Level(const Scene& scene) : workList(scene.workList()) {}
 
-    std::int64_t rest() const { return allocated - workList; }
+    std::int64_t allocated = MemoryGauge::allocated();
+    OrvHost::WorkListGauge::Size workList;
+    std::int64_t resident = OrvHost::residentBytes();
+
+    std::int64_t rest() const { return allocated - workList.bytes; }
 };
 
 double inMegabytes(std::int64_t bytes) {
@@ -52,16 +55,16 @@ void runAll(std::deque<Writer>& writers, std::uint64_t operations, std::uint64_t
 }
 
 /// The limits allow for two effects: the number of objects varies with the draws, and refused
-/// back-pointers are counted by the tap although the component does not keep them.
+/// back-pointers are counted although the component does not keep them.
 void checkLevel(const Level& warm, const Level& end, Tally& tally) {
     constexpr std::int64_t kPlay = 1024 * 1024;
-    const std::int64_t kept = end.workList - warm.workList;
+    const std::int64_t kept = end.workList.bytes - warm.workList.bytes;
     const std::int64_t risen = end.rest() - warm.rest();
     std::printf("memory: %.1f MB allocated when warm, %.1f MB at the end, of which the work list "
                 "took %.1f MB (%llu entries): the rest rose by %.2f MB\n"
                 "resident: %.1f MB when warm, %.1f MB at the end\n",
                 inMegabytes(warm.allocated), inMegabytes(end.allocated), inMegabytes(kept),
-                static_cast<unsigned long long>(RouterTap::workListEntries()), inMegabytes(risen),
+                static_cast<unsigned long long>(end.workList.entries), inMegabytes(risen),
                 inMegabytes(warm.resident), inMegabytes(end.resident));
     if (risen > kPlay || risen < -kPlay - kept / 20) {
         tally.fail("memory is not level");
@@ -144,9 +147,9 @@ void run(const SoakOptions& options, Tally& tally) {
         writers.emplace_back(scene, tally, options, number);
     }
     runAll(writers, options.operations / 5, options.transactions / 5);
-    const Level warm;
+    const Level warm(scene);
     runAll(writers, options.operations, options.transactions);
-    const Level end;
+    const Level end(scene);
     checkReleased(scene, writers, tally);
     checkLevel(warm, end, tally);
     checkUpdates(scene, writers, tally);

@@ -898,7 +898,9 @@ class StopTest(ServerCase):
         self.end()
         log = self.folder / "log"
         self.server = Server(self.folder, "--log-file", log, "--log-format", "json")
-        self.connect().edit_config(target="running", config=config(radio_unit(4)))
+        sector = "<sectorRef>ManagedElement=Harbour,Equipment=1,Sector=1</sectorRef>"
+        self.assert_ok(self.connect().edit_config(target="running",
+                                                  config=config(radio_unit(4, sector))))
         texts = [json.loads(line)["text"] for line in log.read_text().splitlines()]
         self.assertTrue(any(text.startswith("alice, session ") and text.endswith("edit-config: done")
                             for text in texts), texts)
@@ -910,6 +912,9 @@ class StopTest(ServerCase):
             time.sleep(0.02)
         self.assert_serves()
         self.assertIn("get-config: done", log.read_text())
+        # Both sides of an association.
+        self.assertRegex(log.read_text(),
+                         r"memory: \d+ MB, of which 0 MB for 2 written references, which")
 
     def test_a_confirmed_commit_that_waited_is_told_at_the_next_start(self):
         self.end()

@@ -3,12 +3,15 @@
 # SPDX-License-Identifier: Apache-2.0
 
 """Eight clients edit at random, fight for locks and kill each other; then every association is
-recounted from both sides.
+recounted from both sides, and the server's memory must have grown by nothing but the list that the
+component keeps, whose size the server logs.
 
-usage: netconf_soak.py ORVHOST EXT_CM EXAMPLES [MINUTES [SEED]]
+usage: netconf_soak.py ORVHOST EXT_CM EXAMPLES [MINUTES [SEED]] [--sanitized]
+--sanitized: memory is not compared; a sanitizer keeps freed blocks, and notes about all
 """
 
 import collections
+import os
 import pathlib
 import random
 import re
@@ -21,6 +24,14 @@ import xml.etree.ElementTree as ElementTree
 from netconf_server_test import LocalClient, Server, antenna, equipment, rpc
 
 CLIENTS = 8
+# Megabytes that the server may have more at the end than when it started, besides the list: its
+# sessions' threads and what the allocator keeps for them. And which part of the list the estimate
+# of its blocks may be wrong by.
+WORKING_MEMORY = 40
+UNCERTAIN = 0.1
+IS_SANITIZED = "--sanitized" in sys.argv
+if IS_SANITIZED:
+    sys.argv.remove("--sanitized")
 MINUTES = float(sys.argv[4]) if len(sys.argv) > 4 else 0.25
 SEED = int(sys.argv[5]) if len(sys.argv) > 5 else 1
 # Radio units of the example, to which others refer. Those up to UNITS are made with references of their
@@ -206,10 +217,44 @@ def memory(server):
     return int(re.search(r"VmRSS:\s+(\d+)", status).group(1)) / 1024
 
 
+class MemoryLog(threading.Thread):
+    """Reads the log through a pipe, since a file would grow by a line for each request, and keeps
+    what it says about memory."""
+
+    LINE = re.compile(r"memory: \d+ MB, of which (\d+) MB for (\d+) written reference")
+
+    def __init__(self, folder):
+        super().__init__()
+        self.path = pathlib.Path(folder) / "log"
+        self.megabytes = self.entries = None
+        os.mkfifo(self.path)
+
+    def run(self):
+        with self.path.open(encoding="utf-8") as log:
+            for line in log:
+                if found := self.LINE.search(line):
+                    self.megabytes, self.entries = map(int, found.groups())
+
+
+def memory_failures(start, end, log):
+    """What memory() gave at the start and at the end."""
+    if not log.entries:
+        return ["the server has not logged how large the component's list is"]
+    grown = end - start
+    print(f"{log.megabytes} MB of it for {log.entries} written references; "
+          f"the rest grew by {grown - log.megabytes:.1f} MB")
+    if not IS_SANITIZED and abs(grown - log.megabytes) > WORKING_MEMORY + UNCERTAIN * log.megabytes:
+        return ["memory is not level"]
+    return []
+
+
 def main():
     tally = Tally()
     with tempfile.TemporaryDirectory() as folder:
-        server = Server(folder, "--log-level", "warning")
+        log = MemoryLog(folder)
+        log.start()
+        server = Server(folder, "--log-level", "info", "--log-file", log.path)
+        at_start = memory(server)
         try:
             end = time.monotonic() + MINUTES * 60
             actors = [Actor(server, tally, number, end) for number in range(CLIENTS)]
@@ -220,12 +265,14 @@ def main():
                 for actor in actors:
                     actor.join(max(1.0, MINUTES * 60 / 20 / CLIENTS))
             compared, wrong = recount(server)
-            print(f"{memory(server):.1f} MB; {compared} references recounted", flush=True)
+            at_end = memory(server)
+            print(f"{at_end:.1f} MB; {compared} references recounted", flush=True)
         finally:
             status = server.stop()[1]
+            log.join()
     for what, count in sorted(tally.counts.items()):
         print(f"{count:9} {what}")
-    failures = tally.failures + wrong
+    failures = tally.failures + wrong + memory_failures(at_start, at_end, log)
     if status != 0:
         failures.append(f"the server ended with status {status}")
     for needed in ("edit running: ok", "edit candidate: ok", "end: ok", "lock: ok",

@@ -10,6 +10,8 @@
 
 #include "base/AtomicFile.h"
 #include "base/Environment.h"
+#include "base/ResidentMemory.h"
+#include "cli/serve/MemoryReport.h"
 #include "cli/serve/ServiceManager.h"
 #include "cli/serve/ShellServer.h"
 #include "cli/session/Session.h"
@@ -32,6 +34,8 @@ namespace {
 /// requests.
 constexpr std::chrono::milliseconds kPatienceWithShells{1000};
 constexpr std::chrono::milliseconds kPatience{1500};
+/// How often the log says how much memory is taken.
+constexpr std::chrono::hours kReportPause{1};
 
 std::string hostKeyFile(const Options& options) {
     if (options.hostKey) {
@@ -89,15 +93,29 @@ public:
         pthread_sigmask(SIG_BLOCK, &mSignals, nullptr);
     }
 
-    int next() {
-        int signal = 0;
-        sigwait(&mSignals, &signal);
-        return signal;
+    /// -1 if none has come in that time.
+    int next(std::chrono::seconds patience) {
+        timespec time{};
+        time.tv_sec = patience.count();
+        return sigtimedwait(&mSignals, nullptr, &time);
     }
 
 private:
     sigset_t mSignals{};
 };
+
+/// Until SIGTERM or SIGINT.
+void workUntilSignalled(WaitingSignals& signals, HostSetup& setup) {
+    MemoryReport memory;
+    int signal = -1;
+    do {
+        signal = signals.next(kReportPause);
+        if (signal == SIGHUP && !setup.log().reopen()) {
+            std::cerr << "orvhost: the log's file cannot be opened again\n";
+        }
+        memory.log(setup.workList()->size(), residentBytes());
+    } while (signal != SIGTERM && signal != SIGINT);
+}
 
 std::unique_ptr<NetconfServer> serverOf(const Options& options, HostSetup& setup) {
     try {
@@ -144,11 +162,7 @@ int serve(const Options& options, std::ostream& out) {
     }
     out << std::flush;
     tellServiceManager("READY=1");
-    while (signals.next() == SIGHUP) {
-        if (!setup.log().reopen()) {
-            std::cerr << "orvhost: the log's file cannot be opened again\n";
-        }
-    }
+    workUntilSignalled(signals, setup);
     tellServiceManager("STOPPING=1");
     // The program must end in time, and nothing that is still at work has written anything that
     // lasts. A shell's open transaction could keep a confirmed commit, which the end of its session

@@ -126,6 +126,9 @@ HostSetup::HostSetup(const Options& options, std::ostream& errors) : mErrors(err
     mHost = std::make_unique<Host>(mModel.model, hostOptions);
     loadData(options);
     useStore(options);
+    if (options.isServer) {
+        mWorkList = std::make_unique<WorkListGauge>(*mHost);
+    }
     loadComponents(options);
     startComponents();
     mClients = std::make_unique<Clients>(*mHost);

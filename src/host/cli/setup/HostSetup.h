@@ -8,6 +8,7 @@
 #include "client/Clients.h"
 #include "runtime/Host.h"
 #include "runtime/LogSink.h"
+#include "runtime/WorkListGauge.h"
 #include "store/LogFollower.h"
 #include "yang/schema/YangModelReader.h"
 
@@ -37,6 +38,8 @@ public:
     Host& host() { return *mHost; }
     Clients& clients() { return *mClients; }
     LogSink& log() { return *mLog; }
+    /// What the component keeps for good; null but for a server.
+    const WorkListGauge* workList() const { return mWorkList.get(); }
     /// Null if no file keeps the commits.
     SqliteLog* storeFile() { return mStoreFile; }
     /// What the modules say but the model does not represent.
@@ -69,6 +72,7 @@ private:
     std::unique_ptr<CommitLog> mStore;       ///< null without --store
     SqliteLog* mStoreFile = nullptr;         ///< the same, if it is a file
     bool mIsStoreNew = false;
+    std::unique_ptr<WorkListGauge> mWorkList; ///< null but for a server; the host's router calls it
     std::unique_ptr<Host> mHost;
     std::unique_ptr<LogFollower> mFollower; ///< null if no other host can commit
     std::unique_ptr<Clients> mClients;
