@@ -17,6 +17,7 @@
 #include <fstream>
 #include <system_error>
 
+#include <dlfcn.h>
 #include <link.h>
 
 namespace OrvHost {
@@ -54,6 +55,18 @@ bool isCutOff(const std::string& path) {
         }
     }
     return false;
+}
+
+// The path of the shared object that holds \p symbol; empty if it is the one of \p path, or if the
+// system does not tell. What a shared object does not have itself is looked for in those that it
+// was linked with.
+std::string otherHome(const void* symbol, const std::string& path) {
+    Dl_info place{};
+    std::error_code unknown;
+    const bool isElsewhere = dladdr(symbol, &place) != 0 && place.dli_fname != nullptr &&
+                             !std::filesystem::equivalent(place.dli_fname, path, unknown) &&
+                             !unknown;
+    return isElsewhere ? place.dli_fname : std::string();
 }
 
 }
@@ -131,7 +144,15 @@ private:
             throw ComponentLoadError(Reason::MissingEntryPoint, mPath,
                                      std::string("has no entry point ") + name);
         }
-        return mLibrary.getSymbol(name);
+        void* const found = mLibrary.getSymbol(name);
+        const std::string home = otherHome(found, mPath);
+        if (!home.empty()) {
+            throw ComponentLoadError(Reason::MissingEntryPoint, mPath,
+                                     std::string("has no entry point ") + name +
+                                         " of its own, only that of " + home +
+                                         ", which it was linked with");
+        }
+        return found;
     }
 
     OrvReturnT callInit(OrvMgmtSpiInterfacePortalAccessor* accessor, const std::string& argument) {

@@ -101,6 +101,14 @@ TEST_F(ComponentLoaderTest, Load_WithoutTerminate_NamesTheEntryPoint) {
     EXPECT_THAT(failure.what(), EndsWith("has no entry point orvLCMterminate"));
 }
 
+TEST_F(ComponentLoaderTest, Load_EntryPointsOfALinkedLibrary_AreNotTaken) {
+    const auto failure = failureOf("Borrower");
+    EXPECT_EQ(failure.reason(), Reason::MissingEntryPoint);
+    EXPECT_THAT(failure.what(), AllOf(HasSubstr("has no entry point orvLCMinit of its own"),
+                                      HasSubstr("Provider.so, which it was linked with")));
+    EXPECT_THAT(events, IsEmpty());
+}
+
 TEST_F(ComponentLoaderTest, Load_InitFails_TellsTheCodeAndTerminates) {
     const auto failure = failureOf("InitFails");
     EXPECT_EQ(failure.reason(), Reason::InitRefused);
