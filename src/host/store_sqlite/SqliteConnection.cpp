@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include <system_error>
 #include <utility>
 
 namespace OrvHost {
@@ -61,6 +62,11 @@ bool SqliteError::isBeforeWriting() const {
 }
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file, Mode mode) {
+    // The engine takes a file of one byte for an empty one, and would write over it.
+    std::error_code unknown;
+    if (std::filesystem::file_size(file, unknown) == 1) {
+        throw SqliteError(SQLITE_NOTADB, reasonFor(SQLITE_NOTADB, ""));
+    }
     // Otherwise the engine takes such a name as a URI, if it was built so.
     const std::string name = (file.native().rfind("file:", 0) == 0 ? "./" : "") + file.native();
     int code = sqlite3_open_v2(name.c_str(), &mHandle, flagsOf(mode), nullptr);

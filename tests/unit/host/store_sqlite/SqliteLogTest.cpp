@@ -170,6 +170,13 @@ TEST_F(SqliteLogTest, Open_FileThatIsNoDatabase_IsRefused) {
                                 " cannot be used: it is no database, or another program's");
 }
 
+TEST_F(SqliteLogTest, Open_FileOfOneByte_IsRefusedAndStays) {
+    std::ofstream(file) << "x";
+    EXPECT_EQ(whyRefused(), "the store " + file.string() +
+                                " cannot be used: it is no database, or another program's");
+    EXPECT_EQ(fs::file_size(file), 1U);
+}
+
 TEST_F(SqliteLogTest, Open_EmptyFile_BecomesAStore) {
     std::ofstream(file).flush(); // as a process leaves it that is killed at once
     EXPECT_EQ(errorOf([&] { checkStore(file); }).what(),
