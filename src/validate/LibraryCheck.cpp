@@ -17,6 +17,7 @@
 
 #include <dlfcn.h>
 #include <elf.h>
+#include <link.h>
 #include <unistd.h>
 
 namespace OrvValidate {
@@ -69,10 +70,35 @@ std::string whyNotOfThisMachine(const std::string& path) {
     return library.type == ET_DYN ? "" : "this is an ELF file, but not a shared object";
 }
 
+// The path of the libext_cm.so that \p library was linked with, itself or by way of others; empty
+// if there is none.
+std::string linkedComponent(void* library) {
+    link_map* own = nullptr;
+    if (dlinfo(library, RTLD_DI_LINKMAP, &own) != 0) {
+        return "";
+    }
+    const link_map* loaded = own;
+    while (loaded->l_prev != nullptr) {
+        loaded = loaded->l_prev;
+    }
+    for (; loaded != nullptr; loaded = loaded->l_next) {
+        const std::filesystem::path path = loaded->l_name;
+        if (loaded != own && path.filename() == "libext_cm.so") {
+            return path;
+        }
+    }
+    return "";
+}
+
 std::string whyNotLinkable(const std::string& path) {
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (library == nullptr) {
         return dlerror(); // NOLINT(concurrency-mt-unsafe): one thread
+    }
+    const std::string component = linkedComponent(library);
+    if (!component.empty()) {
+        return "it is linked with " + component +
+               ", as interceptors are; that file, or another build of it, was expected";
     }
     for (const char* function : {"orvLCMinit", "orvLCMterminate"}) {
         if (dlsym(library, function) == nullptr) {

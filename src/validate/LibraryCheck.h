@@ -10,9 +10,10 @@
 namespace OrvValidate {
 
 /// Why \p path cannot be loaded as a component, in one line: it is not a file, not an ELF shared
-/// object, made for another machine, it cannot be linked, an exported function is missing, or
-/// loading it ends the process or takes longer than \p limit. Empty if it can be loaded. It is
-/// loaded in a process of its own. No other thread may run. Throws as runChild does.
+/// object, made for another machine, it cannot be linked, it is linked with a
+/// libext_cm.so, an exported function is missing, or loading it ends the process or takes longer
+/// than \p limit. Empty if it can be loaded. It is loaded in a process of its own. No other thread
+/// may run. Throws as runChild does.
 std::string whyNotLoadable(const std::string& path, std::chrono::seconds limit);
 
 }

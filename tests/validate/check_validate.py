@@ -266,7 +266,7 @@ def check_progress(checks, library, folder):
     checks.expect(f"progress: {shown}", b"1 of " in shown and b", 0 failed" in shown)
 
 
-def check_not_loadable(checks, library, other_library, folder):
+def check_not_loadable(checks, library, other_library, interceptor, folder):
     def file(name, content):
         path = os.path.join(folder, name)
         with open(path, "wb") as out:
@@ -284,6 +284,7 @@ def check_not_loadable(checks, library, other_library, folder):
         file("elsewhere.so", bytes(content)): "another architecture",
         file("cut.so", open(library, "rb").read(4096)): "cut.so",
         other_library: "does not export orvLCMinit",
+        interceptor: "libext_cm.so, as interceptors are",
     }
     for path, reason in cases.items():
         checks.run(path, NOT_LOADABLE, [path, reason], path, *FEW)
@@ -303,7 +304,7 @@ def check_usage(checks, library):
 
 
 def main():
-    program, library, other_library, *paths = sys.argv[1:]
+    program, library, other_library, interceptor, *paths = sys.argv[1:]
     broken = {os.path.basename(path).split("validate_")[1].split(".")[0]: path for path in paths}
     checks = Checks(program)
     with tempfile.TemporaryDirectory() as folder:
@@ -312,7 +313,7 @@ def main():
         check_stories(checks, broken, library, folder)
         check_interruption(checks, broken["init_hangs"], folder)
         check_progress(checks, library, folder)
-        check_not_loadable(checks, library, other_library, folder)
+        check_not_loadable(checks, library, other_library, interceptor, folder)
     check_all_need_the_component(checks, broken["init_crashes"])
     check_usage(checks, library)
     for problem in checks.problems:
