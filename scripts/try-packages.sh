@@ -43,6 +43,12 @@ try_out() {
     orvhost replay /tmp/network.orvrec
     rm /tmp/network.orvrec
   fi
+  if [ -d /usr/share/doc/orv_ext_cm/examples/models ]; then # the former version may lack it
+    title "the demo of the README"
+    (cd /usr/share/doc/orv_ext_cm && orvhost -I examples/models -m ran-element -m ran-equipment \
+      -m ran-function -d examples/data/harbour.json --me-id Harbour --echo \
+      -f examples/scenarios/demo.orv | tail -n 6)
+  fi
   title "manual pages, completions, documents"
   man -w orvhost orv-ran-generate orv-validate
   bash -c '. /usr/share/bash-completion/completions/orvhost && complete -p orvhost'

@@ -19,10 +19,10 @@ void tell(const std::string& text) noexcept {
         } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
         }
     };
-    write([&] { log->log_printf("orv-record", 3, 1, "orv-record: %s", text.c_str()); });
+    write([&] { log->log_printf("tell", 3, 1, "orv-record: %s", text.c_str()); });
     write([&] {
-        log->trace_v2_printf(Orv::Trace::ExtCm, 3, "src/record/recorder/Tell", "orv-record",
-                             __LINE__, "orv-record: %s", text.c_str());
+        log->trace_v2_printf(Orv::Trace::ExtCm, 3, "src/record/recorder/Tell", "tell", __LINE__,
+                             "orv-record: %s", text.c_str());
     });
 }
 
