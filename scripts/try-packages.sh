@@ -55,7 +55,11 @@ try_out() {
   ls /usr/share/doc/orv_ext_cm /usr/share/doc/orvhost
   bash -c '. /usr/share/bash-completion/completions/orv-validate && complete -p orv-validate'
   title "orv-validate"
-  orv-validate "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" | tail -n 1
+  orv-validate "$(dpkg -L libext-cm | grep '/libext_cm\.so$')" >/tmp/validate.log || {
+    grep -v '^ok' /tmp/validate.log
+    return 1
+  }
+  tail -n 1 /tmp/validate.log
   title "a build against the headers"
   pkg-config --print-requires orv_ext_cm
   for example in embedding interceptor host; do
