@@ -13,7 +13,8 @@ namespace OrvHost {
 namespace {
 
 std::string megabytes(std::int64_t bytes) {
-    return std::to_string(bytes / (1024 * 1024)) + " MB";
+    constexpr std::int64_t kMegabyte = 1024 * 1024;
+    return std::to_string(bytes / kMegabyte) + " MB";
 }
 
 }
