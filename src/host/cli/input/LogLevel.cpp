@@ -51,6 +51,7 @@ std::string logLevelWord(unsigned int level) {
 
 std::vector<std::string> logLevelWords() {
     std::vector<std::string> words;
+    words.reserve(kLevels.size());
     for (const NamedLevel& named : kLevels) {
         words.emplace_back(named.name);
     }

@@ -13,7 +13,7 @@ namespace OrvHost {
 namespace {
 
 std::string megabytes(std::int64_t bytes) {
-    constexpr std::int64_t kMegabyte = 1024 * 1024;
+    constexpr auto kMegabyte = std::int64_t{1024} * 1024;
     return std::to_string(bytes / kMegabyte) + " MB";
 }
 

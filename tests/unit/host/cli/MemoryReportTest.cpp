@@ -18,7 +18,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr std::int64_t kMegabyte = 1024 * 1024;
+constexpr auto kMegabyte = std::int64_t{1024} * 1024;
 
 class MemoryReportTest : public testing::Test {
 protected:
