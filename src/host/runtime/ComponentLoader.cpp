@@ -101,12 +101,16 @@ public:
         }
     }
 
-    /// Undoes all steps; a second call does nothing. Returns what went wrong, or an empty text.
-    std::string close() {
+    /// Undoes all steps; a second call does nothing. \p leavesOpen: but for the first, so that what
+    /// the shared object keeps is not freed. Returns what went wrong, or an empty text.
+    std::string close(bool leavesOpen = false) {
         std::string problem = terminate();
         mRegistry.drop(this);
+        mLeavesOpen = mLeavesOpen || leavesOpen;
         try {
-            mLibrary.unload();
+            if (!mLeavesOpen) {
+                mLibrary.unload();
+            }
         } catch (const Poco::Exception& failure) {
             problem += failure.displayText();
         }
@@ -189,6 +193,7 @@ private:
     Poco::SharedLibrary mLibrary;
     InitFn mInit = nullptr;
     TerminateFn mTerminate = nullptr;
+    bool mLeavesOpen = false;
     bool mInitCalled = false;
 };
 
@@ -227,7 +232,7 @@ std::vector<std::string> ComponentLoader::unloadAll() {
         }
     }
     while (!mLibraries.empty()) {
-        const std::string problem = mLibraries.back()->close();
+        const std::string problem = mLibraries.back()->close(mLeavesOpen);
         mLibraries.pop_back();
         if (!problem.empty()) {
             problems.push_back(problem);

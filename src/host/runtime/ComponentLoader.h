@@ -42,6 +42,10 @@ public:
     /// each with the path.
     std::vector<std::string> unloadAll();
 
+    /// From now on unloading leaves the shared objects open, with all that they keep, however much
+    /// that is. For a process that ends next, and not by exit(), which would free it.
+    void leaveOpen() { mLeavesOpen = true; }
+
     /// The paths of the open shared objects, in the order of loading.
     std::vector<std::string> loaded() const;
 
@@ -53,6 +57,7 @@ private:
     ComponentRegistry& mRegistry;
     OrvMgmtSpiInterfacePortalAccessor* mAccessor;
     std::vector<std::unique_ptr<Library>> mLibraries;
+    bool mLeavesOpen = false;
 };
 
 }

@@ -20,6 +20,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -34,6 +35,9 @@ namespace {
 /// requests.
 constexpr std::chrono::milliseconds kPatienceWithShells{1000};
 constexpr std::chrono::milliseconds kPatience{1500};
+/// To free more than this of what the component keeps could take so long that the program does not
+/// end in time.
+constexpr std::int64_t kMostToFree = std::int64_t{256} * 1024 * 1024;
 /// How often the log says how much memory is taken.
 constexpr std::chrono::hours kReportPause{1};
 
@@ -145,10 +149,8 @@ std::unique_ptr<ShellServer> shellsOf(const Options& options, HostSetup& setup,
                       std::chrono::seconds(options.candidateSeconds)});
 }
 
-}
-
-int serve(const Options& options, std::ostream& out) {
-    keepNoLargeBuffers();
+/// True if the component has so much to free that the process must end without that.
+bool serveToTheEnd(const Options& options, std::ostream& out) {
     WaitingSignals signals;
     HostSetup setup(options, std::cerr);
     const std::unique_ptr<NetconfServer> server = serverOf(options, setup);
@@ -173,6 +175,21 @@ int serve(const Options& options, std::ostream& out) {
     if (!areShellsDone || !isServerDone) {
         server->abandon();
         std::cerr << "orvhost: a request is still at work; the program ends without it\n";
+        std::_Exit(ExitOk);
+    }
+    const bool keepsMuch = setup.workList()->size().bytes > kMostToFree;
+    if (keepsMuch) {
+        setup.host().loader().leaveOpen();
+    }
+    return keepsMuch;
+}
+
+}
+
+int serve(const Options& options, std::ostream& out) {
+    keepNoLargeBuffers();
+    if (serveToTheEnd(options, out)) {
+        out << std::flush;
         std::_Exit(ExitOk);
     }
     return ExitOk;

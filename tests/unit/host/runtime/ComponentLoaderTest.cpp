@@ -15,6 +15,7 @@ namespace OrvHost {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -154,6 +155,21 @@ TEST_F(ComponentLoaderTest, LoadAndUnload_SoundComponents_RunInOrder) {
     EXPECT_THAT(mRegistry.components(), IsEmpty());
     EXPECT_FALSE(isOpen("Provider"));
     EXPECT_FALSE(isOpen("Dependent"));
+}
+
+TEST_F(ComponentLoaderTest, Unload_LeftOpen_TerminatesAndKeepsTheLibrary) {
+    mLoader.load(pathOf("Provider"));
+    events.clear();
+    mLoader.leaveOpen();
+    EXPECT_THAT(mLoader.unloadAll(), IsEmpty());
+    EXPECT_THAT(events, Contains("TestProvider.terminate"));
+    EXPECT_THAT(mLoader.loaded(), IsEmpty());
+    EXPECT_THAT(mRegistry.components(), IsEmpty());
+    ASSERT_TRUE(isOpen("Provider"));
+    void* const handle = dlopen(pathOf("Provider").c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    dlclose(handle);
+    dlclose(handle); // for the other tests
+    EXPECT_FALSE(isOpen("Provider"));
 }
 
 TEST_F(ComponentLoaderTest, Unload_RegistrationLeftBehind_IsDropped) {
