@@ -42,7 +42,7 @@ NOTICED = {
 def run(validate, recorder, component, folder):
     words = [word for group in GROUPS for word in ("--filter", f"{group}/*")]
     return subprocess.run(
-        [validate, *words, "--timeout", "120", recorder], capture_output=True, text=True,
+        [validate, *words, "--timeout", "300", recorder], capture_output=True, text=True,
         timeout=1500, check=False,
         env={**os.environ, "ORV_RECORD_COMPONENT": component,
              "ORV_RECORD_FILE": str(pathlib.Path(folder) / "case.orvrec")})
