@@ -27,6 +27,17 @@
 
 #include <malloc.h>
 
+#ifdef ORVHOST_MIMALLOC
+#include <mimalloc.h>
+// Programs that do not run the server need not be linked with that allocator.
+#pragma weak mi_option_set
+#if MI_MALLOC_VERSION < 210
+#define ORV_PURGE_DELAY mi_option_decommit_delay
+#else
+#define ORV_PURGE_DELAY mi_option_purge_delay
+#endif
+#endif
+
 namespace OrvHost {
 
 namespace {
@@ -79,8 +90,14 @@ ServerOptions serverOptions(const Options& options) {
 }
 
 /// The text of a large reply is copied once or twice on its way. By default the C library soon
-/// takes such buffers from a heap that keeps what was freed.
+/// takes such buffers from a heap that keeps what was freed, and mimalloc, which may stand in its
+/// place, gives it back later: never, in a server that has nothing else to do.
 void keepNoLargeBuffers() {
+#ifdef ORVHOST_MIMALLOC
+    if (mi_option_set != nullptr) {
+        mi_option_set(ORV_PURGE_DELAY, 0);
+    }
+#endif
 #ifdef M_MMAP_THRESHOLD
     mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe): no other thread yet
 #endif
