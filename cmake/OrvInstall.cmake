@@ -131,9 +131,9 @@ if(TARGET orvhost)
   # So that what the pages show can be typed beside them, too.
   file(RELATIVE_PATH examples_to_data
     "${CMAKE_INSTALL_FULL_DOCDIR}/examples" "${CMAKE_INSTALL_FULL_DATADIR}/orv_ext_cm")
+  file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/example_links")
   foreach(directory IN ITEMS models data scenarios)
     set(link "${PROJECT_BINARY_DIR}/example_links/${directory}")
-    file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/example_links")
     file(CREATE_LINK "${examples_to_data}/${directory}" "${link}" SYMBOLIC)
     install(FILES "${link}" DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples" COMPONENT host)
   endforeach()

@@ -62,6 +62,9 @@ protected:
         mTx = mHost.transactions().begin();
     }
 
+    // The end of an open transaction is counted, too.
+    void TearDown() override { mHost.shutdown(); }
+
     Client& client() { return mClients->version3(); }
     std::uint64_t entries() const { return mGauge.size().entries; }
 

@@ -125,14 +125,16 @@ void WorkListGauge::note(unsigned long txHandle, const std::string& dn, const ch
 }
 
 void WorkListGauge::end(unsigned long txHandle) {
-    const std::lock_guard<std::mutex> guard(mMutex);
-    const auto ended = mOpen.find(txHandle);
-    if (ended == mOpen.end()) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    const auto ended = mOpen.extract(txHandle);
+    if (!ended) {
         return;
     }
-    mSize.entries += ended->second.size();
-    mSize.bytes += costOf(ended->second);
-    mOpen.erase(ended);
+    lock.unlock(); // others write meanwhile
+    const std::int64_t bytes = costOf(ended.mapped());
+    lock.lock();
+    mSize.entries += ended.mapped().size();
+    mSize.bytes += bytes;
 }
 
 // The component keeps a list of pairs in a map of transactions. Each has one node, with a head of
@@ -141,9 +143,10 @@ std::int64_t WorkListGauge::costOf(const Written& written) const {
     constexpr std::size_t kNodeHead = 4 * sizeof(void*);
     constexpr std::size_t kEntry = kNodeHead + sizeof(Written::value_type);
     constexpr std::size_t kList = kNodeHead + sizeof(std::pair<const unsigned long, Written>);
-    std::int64_t bytes = mCostOf(kList);
+    const auto entries = static_cast<std::int64_t>(written.size());
+    std::int64_t bytes = mCostOf(kList) + entries * mCostOf(kEntry);
     for (const auto& [dn, attribute] : written) {
-        bytes += mCostOf(kEntry) + costOf(dn) + costOf(attribute);
+        bytes += costOf(dn) + costOf(attribute);
     }
     return bytes;
 }

@@ -25,8 +25,8 @@ namespace OrvHost {
 /// bidirectional associations, by a client or as a back-pointer, once in each transaction. The
 /// component removes none before it ends. It is the only part of it that grows with the number of
 /// transactions, so who watches the memory of a process must know its size. A back-pointer that the
-/// router refuses is counted here but is not in the component's list, which is rare; and so is what
-/// this object lacks memory to count.
+/// router refuses is counted here but is not in the component's list, which is rare. What this
+/// object lacks memory to count is missing here.
 ///
 /// Threads: constructor and destructor as for the host; any for the rest.
 class WorkListGauge {

@@ -224,7 +224,7 @@ class MemoryLog(threading.Thread):
     LINE = re.compile(r"memory: \d+ MB, of which (\d+) MB for (\d+) written reference")
 
     def __init__(self, folder):
-        super().__init__()
+        super().__init__(daemon=True)  # without a server it would wait for ever
         self.path = pathlib.Path(folder) / "log"
         self.megabytes = self.entries = None
         os.mkfifo(self.path)

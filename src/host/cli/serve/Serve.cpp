@@ -31,11 +31,6 @@
 #include <mimalloc.h>
 // Programs that do not run the server need not be linked with that allocator.
 #pragma weak mi_option_set
-#if MI_MALLOC_VERSION < 210
-#define ORV_PURGE_DELAY mi_option_decommit_delay
-#else
-#define ORV_PURGE_DELAY mi_option_purge_delay
-#endif
 #endif
 
 namespace OrvHost {
@@ -94,8 +89,13 @@ ServerOptions serverOptions(const Options& options) {
 /// place, gives it back later: never, in a server that has nothing else to do.
 void keepNoLargeBuffers() {
 #ifdef ORVHOST_MIMALLOC
+#if MI_MALLOC_VERSION < 210
+    constexpr mi_option_t kDelay = mi_option_decommit_delay;
+#else
+    constexpr mi_option_t kDelay = mi_option_purge_delay;
+#endif
     if (mi_option_set != nullptr) {
-        mi_option_set(ORV_PURGE_DELAY, 0);
+        mi_option_set(kDelay, 0);
     }
 #endif
 #ifdef M_MMAP_THRESHOLD
